@@ -1,0 +1,67 @@
+# What every room shares: language level, warnings, sanitizers, and the two functions that make a room and its tests.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+find_program(KELVA_CCACHE ccache)
+if(KELVA_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${KELVA_CCACHE}")
+endif()
+
+find_package(Boost 1.74 REQUIRED)
+find_package(Threads REQUIRED)
+if(KELVA_BUILD_TESTS)
+  find_package(GTest REQUIRED)
+endif()
+
+if(KELVA_SANITIZER)
+  add_compile_options(-fsanitize=${KELVA_SANITIZER} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KELVA_SANITIZER})
+  if(KELVA_SANITIZER MATCHES "undefined")
+    add_compile_options(-fno-sanitize-recover=undefined)
+  endif()
+endif()
+
+# kelva_warnings(TARGET): this project's own sources compile without a warning.
+function(kelva_warnings target)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor -Werror)
+endfunction()
+
+# kelva_room(TARGET SOURCES file... [LINKS target...] [PRIVATE_LINKS target...]): one room of the house as a static library.
+function(kelva_room target)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${target} STATIC ${ROOM_SOURCES})
+  kelva_warnings(${target})
+  target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS})
+endfunction()
+
+# kelva_program(TARGET SOURCES file... LINKS target...): a program in ${CMAKE_BINARY_DIR}/bin.
+function(kelva_program target)
+  cmake_parse_arguments(PROGRAM "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${target} ${PROGRAM_SOURCES})
+  kelva_warnings(${target})
+  target_link_libraries(${target} PRIVATE ${PROGRAM_LINKS})
+endfunction()
+
+# kelva_test(NAME SOURCES file... LINKS target... [LABELS label...] [TIMEOUT seconds]): a GoogleTest program that is
+# one entry of ctest.
+function(kelva_test name)
+  if(NOT KELVA_BUILD_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+  add_executable(${name} ${TEST_SOURCES})
+  kelva_warnings(${name})
+  target_link_libraries(${name} PRIVATE ${TEST_LINKS} GTest::gmock GTest::gtest_main)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/test-bin")
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 120)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} LABELS "${TEST_LABELS}")
+endfunction()

@@ -1,0 +1,76 @@
+#ifndef KELVA_DARWIN_REGISTRY_REGISTRY_H_
+#define KELVA_DARWIN_REGISTRY_REGISTRY_H_
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+// The far side of the substitute: what a back end (udev, a virtual bus, a test) fills and what IOKitLib.h reads.
+
+namespace darwin {
+
+/// The driver's end of one connection, made by IOServiceOpen and destroyed by IOServiceClose or with the registry.
+/// Called on the thread that makes the call. Return codes are kern_return_t values.
+class UserClient {
+ public:
+  virtual ~UserClient() = default;
+  /// IOConnectCallScalarMethod without scalars in or out.
+  virtual int CallScalar(std::uint32_t selector) = 0;
+  /// IOConnectCallStructMethod; outSize is in: capacity, out: bytes produced.
+  virtual int CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out, std::size_t* outSize) = 0;
+};
+
+using PropertyValue = std::variant<std::string, std::uint64_t, bool>;
+
+/// A registry entry as a back end describes it.
+struct EntryDescription {
+  /// The class, most derived first, then its superclasses; a class match accepts any of them.
+  std::vector<std::string> classNames;
+  /// The entry's own properties.
+  std::map<std::string, PropertyValue> properties;
+  /// Makes the user client of one connection, or returns null and sets the error. Absent: kIOReturnUnsupported.
+  std::function<std::unique_ptr<UserClient>(int& error)> openUserClient;
+};
+
+using EntryId = std::uint64_t;
+
+/// The process's I/O registry.
+class Registry;
+
+/// What fills the registry. Chosen by the program before its first IOKit call; there is no silent fallback.
+class RegistrySource {
+ public:
+  virtual ~RegistrySource() = default;
+  /// Called once, at the first look at the registry; publishes what is present now.
+  virtual void Start(Registry& registry) = 0;
+  /// A descriptor that is readable when Dispatch has something to do; -1 for none. Asked again before each wait.
+  virtual int Descriptor() const = 0;
+  /// Milliseconds until Dispatch wants to be called although nothing is readable; -1 for never.
+  virtual int TimeoutMs() const { return -1; }
+  /// Publishes and terminates what has changed. Never blocks.
+  virtual void Dispatch(Registry& registry) = 0;
+};
+
+class Registry {
+ public:
+  static Registry& Shared();
+
+  /// Replaces the source; only before the first look at the registry.
+  void SetSource(std::unique_ptr<RegistrySource> source);
+
+  EntryId Root() const;
+  /// Adds an entry below `parent`. It is seen by parent walks and property reads, not by matching, until it is registered.
+  EntryId Add(EntryId parent, EntryDescription description);
+  /// Makes an entry a service that matching finds, and reports it to armed notifications.
+  void RegisterService(EntryId entry);
+  /// Ends an entry and everything below it: it leaves matching results, its connections are dead, interest is told.
+  void Terminate(EntryId entry);
+};
+
+}  // namespace darwin
+
+#endif  // KELVA_DARWIN_REGISTRY_REGISTRY_H_
