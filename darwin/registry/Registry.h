@@ -21,7 +21,8 @@ class UserClient {
   /// IOConnectCallScalarMethod without scalars in or out.
   virtual int CallScalar(std::uint32_t selector) = 0;
   /// IOConnectCallStructMethod; outSize is in: capacity, out: bytes produced.
-  virtual int CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out, std::size_t* outSize) = 0;
+  virtual int CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out,
+                         std::size_t* outSize) = 0;
 };
 
 using PropertyValue = std::variant<std::string, std::uint64_t, bool>;

@@ -79,8 +79,7 @@ class Camera {
   virtual std::vector<_Sha1obj> ReadCompressedRaw(std::string key, void (*progress)(void*, float), void* context,
                                                   bool transferFlag);
   /// Writes `length` bytes into a file on the camera. Reports nothing: read back what matters.
-  virtual void WriteFile(const char* path, const char* data, int length, void (*progress)(void*, float),
-                         void* context);
+  virtual void WriteFile(const char* path, const char* data, int length, void (*progress)(void*, float), void* context);
 
   /// Sends a firmware image of `length` bytes. Reports nothing: ask UpgradeStatus.
   virtual void Upgrade(const char* image, int length, void (*progress)(void*, float), void* context);

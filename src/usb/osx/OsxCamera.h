@@ -64,9 +64,9 @@ class OsxCamera : public Camera {
   static void CameraMessage(void* camera, unsigned int service, unsigned int messageType, void* messageArgument);
 
  private:
-  io_object_t notification_;   // 0 = not watched
+  io_object_t notification_;  // 0 = not watched
   io_service_t service_;
-  io_connect_t connect_;       // 0 = not open
+  io_connect_t connect_;  // 0 = not open
   void (*lostCb_)(void* context);
   void* lostContext_;
   bool disconnected_;

@@ -19,18 +19,18 @@ inline constexpr std::uint32_t kUserClientTransfer = 2;
 
 /// One SCSI command, caller to driver; native (little-endian) byte order, no padding.
 struct UserClientTransferRequest {
-  std::uint8_t direction;         ///< 0 no data phase, 1 to the camera, 2 from the camera
-  std::uint8_t cdbLength;         ///< always 16
-  std::uint8_t cdb[16];           ///< the command block
-  std::int32_t length;            ///< bytes asked for, as the caller gave it
-  std::uint32_t timeout;          ///< always 100; the unit is the driver's
-  std::uint64_t bufferAddress;    ///< the caller's buffer; the driver moves the data itself. 0 for none
+  std::uint8_t direction;       ///< 0 no data phase, 1 to the camera, 2 from the camera
+  std::uint8_t cdbLength;       ///< always 16
+  std::uint8_t cdb[16];         ///< the command block
+  std::int32_t length;          ///< bytes asked for, as the caller gave it
+  std::uint32_t timeout;        ///< always 100; the unit is the driver's
+  std::uint64_t bufferAddress;  ///< the caller's buffer; the driver moves the data itself. 0 for none
 };
 
 /// How the command ended, driver to caller.
 struct UserClientTransferResult {
-  std::uint32_t status;        ///< 0 completed; anything else is a failure
-  std::int32_t actualLength;   ///< data bytes moved
+  std::uint32_t status;       ///< 0 completed; anything else is a failure
+  std::int32_t actualLength;  ///< data bytes moved
 };
 
 #pragma pack(pop)

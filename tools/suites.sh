@@ -1,0 +1,82 @@
+# shellcheck shell=bash
+# The sets of tests that ./test knows. Needs say.sh, packages.sh and build.sh.
+#
+# Labels: long (minutes), kernel, gnustep, browser (what they need besides a compiler). The quick set is what has none.
+labels_apart='^(long|kernel|gnustep|browser)$'
+
+suite_quick() {
+  need_packages build test
+  build_preset dev
+  run_ctest build/dev -LE "$labels_apart"
+}
+
+suite_sanitizer() {
+  need_packages build test
+  build_preset "$1"
+  run_ctest "build/$1" -LE '^(kernel|gnustep|browser)$'
+}
+
+suite_labelled() {
+  need_packages build test all
+  build_preset dev
+  run_ctest build/dev -L "^$1\$"
+}
+
+suite_fuzz() {
+  need_packages build test all
+  build_preset fuzz
+  run_ctest build/fuzz
+}
+
+# Builds first, tests after, so that one run of ctest closes with the sum of everything.
+suite_all() {
+  need_packages build test all
+  build_preset dev
+  build_preset asan
+  build_preset tsan
+  merge_suites build/all dev asan tsan
+  run_ctest build/all
+}
+
+# run_ctest FOLDER ARGUMENT...: runs the tests of a build folder; its last lines are ctest's summary.
+run_ctest() {
+  local folder=$1 outcome=0
+  shift
+  ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$(cores)" "$@" </dev/null || outcome=$?
+  if [ "${CI:-}" = true ]; then
+    refuse_skips "$folder/Testing/Temporary/LastTest.log"
+  fi
+  [ "$outcome" = 0 ] || exit 1
+}
+
+cores() {
+  getconf _NPROCESSORS_ONLN
+}
+
+# refuse_skips LOG: a test that did not run proves nothing, whether ctest or the test program left it out.
+refuse_skips() {
+  local skipped
+  skipped=$(grep -E '^(Test Skipped|Test not run|Unable to find executable|\[  SKIPPED \]|  YOU HAVE [0-9]+ DISABLED)' "$1" | sort | uniq -c || true)
+  [ -z "$skipped" ] || die 1 "tests were skipped, which fails CI: $skipped"
+}
+
+# merge_suites FOLDER PRESET...: a folder for ctest with the tests of several builds, each named after its preset.
+merge_suites() {
+  local folder=$1 preset
+  shift
+  rm -rf "$folder"
+  mkdir -p "$folder"
+  for preset in "$@"; do
+    merge_suite "$folder" "$preset"
+    printf 'subdirs("%s")\n' "$preset" >>"$folder/CTestTestfile.cmake"
+  done
+}
+
+# merge_suite FOLDER PRESET: copies the preset's test lists and prefixes every test's name, as in "asan.camera_test".
+merge_suite() {
+  local folder=$1 preset=$2 list
+  while IFS= read -r list; do
+    mkdir -p "$folder/$preset/$(dirname "$list")"
+    sed -E "s/^(add_test|set_tests_properties)\((\[=*\[)?/&$preset./" "build/$preset/$list" >"$folder/$preset/$list"
+  done < <(cd "build/$preset" && find . -name CTestTestfile.cmake)
+}
