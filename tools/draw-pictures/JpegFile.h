@@ -1,0 +1,16 @@
+#ifndef KELVA_TOOLS_JPEGFILE_H_
+#define KELVA_TOOLS_JPEGFILE_H_
+
+#include <filesystem>
+#include <vector>
+
+#include "Scene.h"
+
+/// The image as a baseline JPEG file. quality: 1 to 100.
+std::vector<unsigned char> EncodeJpeg(const Image& image, int quality);
+
+/// Writes `count` pictures, IMG_0001.JPG and on, into `folder`/DCIM/100KELVA, as a camera's storage has them. Throws
+/// std::runtime_error with a sentence that names the file when one cannot be written.
+void WritePictures(const std::filesystem::path& folder, int count, int width, int height);
+
+#endif  // KELVA_TOOLS_JPEGFILE_H_

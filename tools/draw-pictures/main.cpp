@@ -1,0 +1,18 @@
+#include <cstdio>
+#include <exception>
+
+#include "JpegFile.h"
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fputs("Usage: draw-pictures FOLDER\nDraws four JPEG files into FOLDER/DCIM/100KELVA.\n", stderr);
+    return 2;
+  }
+  try {
+    WritePictures(argv[1], 4, 1600, 1200);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "draw-pictures: %s\n", error.what());
+    return 1;
+  }
+  return 0;
+}
