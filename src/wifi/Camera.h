@@ -55,11 +55,12 @@ class Camera {
   /// The camera's picture catalogue, in the camera's order. Empty when the session is not open.
   virtual std::vector<DcfObj> GetDcf();
 
-  /// Fetches files by SHA-1 key in one bundle; each key is sent with the qualifier of the same index, of which there must
-  /// be as many. One record per key whose size is not 0, in the order asked; `name` is the key.
+  /// Fetches files by SHA-1 key in one bundle; each key is sent with the qualifier of the same index, of which there
+  /// must be as many. One record per key whose size is not 0, in the order asked; `name` is the key.
   virtual std::vector<_Sha1obj> ReadFilesBySha1(std::vector<std::string> keys, std::vector<std::string> qualifiers,
                                                 void (*progress)(void*, float), void* context, bool transferFlag);
-  /// Deletes files by SHA-1 key with one command. Returns the transfer's result; does not ask whether the session is open.
+  /// Deletes files by SHA-1 key with one command. Returns the transfer's result; does not ask whether the session is
+  /// open.
   virtual bool DeleteBatch(std::vector<std::string> keys, bool transferFlag);
   /// The camera's calibration files, at most 31.
   virtual std::vector<_Sha1obj> ReadCalibration(void (*progress)(void*, float), void* context, bool transferFlag);
@@ -71,8 +72,8 @@ class Camera {
   /// file and a missing one look alike). Throws "ReadFile() truncated." when fewer bytes came than announced; one
   /// surplus byte is cut off, more stop the process.
   virtual std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool flag);
-  /// Reads one of a picture's files: 1 "JPG", 2 "RAW", 3 "TXT", 4 "128". Throws "ReadFile() file type N does not exist."
-  /// without sending anything when the picture has none of that type.
+  /// Reads one of a picture's files: 1 "JPG", 2 "RAW", 3 "TXT", 4 "128". Throws "ReadFile() file type N does not
+  /// exist." without sending anything when the picture has none of that type.
   virtual std::vector<char> ReadFile(const DcfObj& obj, int type, void (*progress)(void*, float), void* context,
                                      bool flag);
   /// Fetches the compressed raw data of one picture by key: part 1, then part 2, each only when it is not empty.
@@ -85,7 +86,8 @@ class Camera {
   virtual void Upgrade(const char* image, int length, void (*progress)(void*, float), void* context);
   /// The progress of a firmware upgrade and the camera's two flags.
   virtual void UpgradeStatus(float& progress, bool& first, bool& second);
-  /// Fills `info`; false when a transfer reported failure. More than one byte beyond the announced size stops the process.
+  /// Fills `info`; false when a transfer reported failure. More than one byte beyond the announced size stops the
+  /// process.
   virtual bool CameraInformation(_VscCdbCameraInformation& info);
   /// The next piece of the camera's console log. `more` tells whether there is more, and is true after an error.
   virtual std::string ConsoleLog(bool& more);
@@ -98,8 +100,8 @@ class Camera {
 
   /// Lists one directory in the camera's order, "." and ".." included when the camera gives them. Empty on failure.
   virtual std::vector<CameraDirent> ReadDir(const char* path);
-  /// Appends (path, size) of every file below `path` to `files`, depth first. Directories that cannot be read are passed
-  /// over.
+  /// Appends (path, size) of every file below `path` to `files`, depth first. Directories that cannot be read are
+  /// passed over.
   virtual void TraverseDir(const char* path, std::vector<std::pair<std::string, long long>>& files);
 
   /// The camera's count of completed commands.
@@ -139,8 +141,8 @@ class Camera {
   static std::vector<boost::shared_ptr<Camera>> EnumerateCameras(bool allVendors, std::string, bool, int);
   /// The first attached camera with this serial number. Throws "Camera not found.", or returns an empty pointer.
   static boost::shared_ptr<Camera> GetCamera(const char* serialNumber, std::string, bool, bool);
-  /// Sets the process's one attach callback: called during this call for every camera present, later from the run loop of
-  /// the thread that first listened, each time with a fresh, unopened camera. A null callback registers nothing.
+  /// Sets the process's one attach callback: called during this call for every camera present, later from the run loop
+  /// of the thread that first listened, each time with a fresh, unopened camera. A null callback registers nothing.
   /// Throws the platform's CameraError when the system refuses the registration.
   static void ListenForCameraAttach(void (*callback)(boost::shared_ptr<Camera>, void*), void* context, bool);
   /// As ListenForCameraAttach, for cameras that the system attached without the camera's driver (not usable).
@@ -162,7 +164,8 @@ class Camera {
 
   /// Checks a catalogue header with its field table; the table must be whole. Throws, or returns false.
   static bool ValidateDcfHeader(const _VscCdbDcfHeader* header);
-  /// Decodes one record of `header`'s stride by its field table. A field that is not wholly inside the record is skipped.
+  /// Decodes one record of `header`'s stride by its field table. A field that is not wholly inside the record is
+  /// skipped.
   DcfObj UnpackDcf(const _VscCdbDcfHeader* header, const char* record);
   /// The name of one of a picture's files, "IMG_0012.JPG". Throws "Unknown filetype.", or uses "INVALID".
   static std::string DcfFilename(const DcfObj& obj, int type);

@@ -12,8 +12,8 @@ struct _Sha1obj {
 };
 
 /// Decodes the header of a crash-log bundle: a 32-bit count N, then N entries of 36 bytes (size, 32-byte name).
-/// Returns N records in table order with `name` and `size` filled and `data` empty. The bundle must hold the whole table;
-/// `data` is not null.
+/// Returns N records in table order with `name` and `size` filled and `data` empty. The bundle must hold the whole
+/// table; `data` is not null.
 std::vector<_Sha1obj> UnpackCrashLogHeader(const char* data);
 
 /// Decodes the header of a calibration bundle: always 31 entries of 36 bytes (size, 32-byte name), no count.

@@ -1,0 +1,93 @@
+#include "BundleTables.h"
+
+#include <algorithm>
+
+#include "LittleEndian.h"
+
+namespace vsc {
+namespace {
+
+constexpr std::size_t kWord = 4;
+constexpr std::size_t kNameWidth = 32;
+constexpr std::size_t kNamedEntry = kWord + kNameWidth;
+constexpr std::size_t kCalibrationEntries = 31;
+constexpr unsigned kParts = 2;
+
+/// The text of a fixed-width field: up to its first NUL, or the whole width.
+std::string FixedText(const char* field, std::size_t width) {
+  return {field, std::find(field, field + width, '\0')};
+}
+
+/// Entries of a size and a name, read as the caller vouches that they are there.
+std::vector<_Sha1obj> NamedEntries(const char* table, std::size_t count) {
+  std::vector<_Sha1obj> entries;
+  entries.reserve(count);
+  for (const char* entry = table; entries.size() < count; entry += kNamedEntry) {
+    entries.push_back({{}, FixedText(entry + kWord, kNameWidth), LoadU32(entry)});
+  }
+  return entries;
+}
+
+}  // namespace
+
+std::optional<BundleTable> DecodeCrashLogTable(std::span<const char> bundle) {
+  if (bundle.size() < kWord) {
+    return std::nullopt;
+  }
+  const std::uint64_t bodyStart = kNamedEntry * std::uint64_t{LoadU32(bundle.data())};
+  if (bundle.size() < kWord + bodyStart) {
+    return std::nullopt;
+  }
+  return BundleTable{UnpackCrashLogHeader(bundle.data()), bodyStart};
+}
+
+std::optional<BundleTable> DecodeCalibrationTable(std::span<const char> bundle) {
+  if (bundle.size() < kNamedEntry * kCalibrationEntries) {
+    return std::nullopt;
+  }
+  return BundleTable{UnpackCalibrationHeader(bundle.data()), kNamedEntry * kCalibrationEntries};
+}
+
+std::optional<BundleTable> DecodeBatchTable(const std::vector<std::string>& keys, std::span<const char> bundle) {
+  if (bundle.size() / kWord < keys.size()) {
+    return std::nullopt;
+  }
+  const std::vector<unsigned int> sizes = UnpackBatchHeader(static_cast<unsigned int>(keys.size()), bundle.data());
+  BundleTable table{{}, kWord * keys.size()};
+  table.entries.reserve(keys.size());
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    table.entries.push_back({{}, keys[i], sizes[i]});
+  }
+  return table;
+}
+
+std::optional<BundleTable> DecodeCompressedRawTable(const std::string& key, std::span<const char> bundle) {
+  if (bundle.size() < kWord * kParts) {
+    return std::nullopt;
+  }
+  const std::vector<unsigned int> sizes = UnpackRawCompressionHeader(bundle.data());
+  return BundleTable{{{{}, key, sizes[0]}, {{}, key, sizes[1]}}, kWord * kParts};
+}
+
+}  // namespace vsc
+
+std::vector<_Sha1obj> UnpackCrashLogHeader(const char* data) {
+  return vsc::NamedEntries(data + vsc::kWord, vsc::LoadU32(data));
+}
+
+std::vector<_Sha1obj> UnpackCalibrationHeader(const char* data) {
+  return vsc::NamedEntries(data, vsc::kCalibrationEntries);
+}
+
+std::vector<unsigned int> UnpackBatchHeader(unsigned int count, const char* data) {
+  std::vector<unsigned int> values;
+  values.reserve(count);
+  for (; values.size() < count; data += vsc::kWord) {
+    values.push_back(vsc::LoadU32(data));
+  }
+  return values;
+}
+
+std::vector<unsigned int> UnpackRawCompressionHeader(const char* data) {
+  return UnpackBatchHeader(vsc::kParts, data);
+}

@@ -1,0 +1,50 @@
+#include "ChunkedRead.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "Command.h"
+#include "LittleEndian.h"
+
+namespace vsc {
+
+VectorSink::VectorSink(std::size_t claimed) : limit_(claimed) {
+  data_.reserve(std::min(claimed, kLargestReservation));
+}
+
+void VectorSink::Append(std::span<const char> bytes) {
+  received_ += bytes.size();
+  const std::span<const char> kept = bytes.first(std::min(bytes.size(), limit_ - data_.size()));
+  data_.insert(data_.end(), kept.begin(), kept.end());
+}
+
+bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, ChunkSink& sink) {
+  _VscCdb cdb = Block(Operation::kReadChunk, read.subCode);
+  std::vector<char> buffer;
+  for (std::uint32_t offset = 0;;) {
+    const int asked = chunkSize;
+    if (asked <= 0) {
+      return false;
+    }
+    const auto capacity = static_cast<std::uint32_t>(asked);
+    if (buffer.size() < capacity) {
+      buffer.resize(capacity);
+    }
+    read.progress.BeforeChunk(offset);
+    StoreU32(cdb.bytes + at::kReadOffset, offset);
+    int moved = asked;
+    if (!camera.Transfer(cdb, kFromCamera, moved, buffer.data(), read.flag)) {
+      return false;
+    }
+    sink.Append({buffer.data(), BytesArrived(moved, capacity)});
+    if (moved != asked) {
+      return true;
+    }
+    if (offset > std::numeric_limits<std::uint32_t>::max() - capacity) {
+      return false;
+    }
+    offset += capacity;
+  }
+}
+
+}  // namespace vsc

@@ -1,0 +1,71 @@
+#include "DcfLayout.h"
+
+#include <cstring>
+#include <iterator>
+
+#include "LittleEndian.h"
+
+namespace vsc {
+namespace {
+
+/// Where a field of each type goes in DcfObj, and how many bytes it has there and in a record.
+struct Destination {
+  std::size_t offset;
+  std::uint32_t size;
+};
+
+constexpr Destination kDestinations[] = {
+    {offsetof(DcfObj, directorySuffix), 24},  // the identity: both names and both numbers
+    {offsetof(DcfObj, hasJpg), 4},
+    {offsetof(DcfObj, hasRaw), 4},
+    {offsetof(DcfObj, hasTxt), 4},
+    {offsetof(DcfObj, has128), 4},
+    {offsetof(DcfObj, value5), 4},
+    {offsetof(DcfObj, value6), 4},
+    {offsetof(DcfObj, block7), sizeof(DcfObj::block7)},
+    {offsetof(DcfObj, block8), sizeof(DcfObj::block8)},
+    {offsetof(DcfObj, value9), 4},
+};
+
+constexpr std::int64_t kDescriptorSize = 8;
+
+}  // namespace
+
+std::int64_t DcfHeaderSize(const _VscCdbDcfHeader& header) {
+  return std::int64_t{sizeof(header)} + kDescriptorSize * std::int64_t{header.fieldCount};
+}
+
+std::uint32_t DcfFieldSize(std::uint32_t type) {
+  return type < std::size(kDestinations) ? kDestinations[type].size : 0;
+}
+
+DcfField DcfFieldAt(const _VscCdbDcfHeader* header, int index) {
+  const char* descriptor =
+      reinterpret_cast<const char*>(header) + sizeof(*header) + kDescriptorSize * std::int64_t{index};
+  return {LoadU32(descriptor), LoadU32(descriptor + 4)};
+}
+
+DcfLayout::DcfLayout(const _VscCdbDcfHeader* header) {
+  static_assert(std::size(kDestinations) == kTypes);
+  offsets_.fill(kAbsent);
+  for (int i = 0; i < header->fieldCount; ++i) {
+    const DcfField field = DcfFieldAt(header, i);
+    const std::uint32_t size = DcfFieldSize(field.type);
+    if (size != 0 && std::int64_t{field.offset} + size <= header->stride) {
+      offsets_[field.type] = field.offset;
+    }
+  }
+}
+
+DcfObj DcfLayout::Decode(const char* record) const {
+  DcfObj obj{};
+  for (std::size_t type = 0; type < kTypes; ++type) {
+    if (offsets_[type] != kAbsent) {
+      std::memcpy(reinterpret_cast<char*>(&obj) + kDestinations[type].offset, record + offsets_[type],
+                  kDestinations[type].size);
+    }
+  }
+  return obj;
+}
+
+}  // namespace vsc

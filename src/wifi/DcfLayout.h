@@ -1,0 +1,45 @@
+#ifndef KELVA_DCF_LAYOUT_H_
+#define KELVA_DCF_LAYOUT_H_
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "DcfObj.h"
+
+namespace vsc {
+
+/// Bytes of the header with its field table: 12 + 8 x field count, which a hostile count makes negative or huge.
+std::int64_t DcfHeaderSize(const _VscCdbDcfHeader& header);
+
+/// Bytes of a field of this type inside a record; 0 for a type that is not known.
+std::uint32_t DcfFieldSize(std::uint32_t type);
+
+/// One descriptor of the field table.
+struct DcfField {
+  std::uint32_t type;
+  std::uint32_t offset;
+};
+
+/// Descriptor `index` of the table behind the header, which must be whole.
+DcfField DcfFieldAt(const _VscCdbDcfHeader* header, int index);
+
+/// Where each known field lies in a record, looked up once for a whole catalogue. Of several descriptors of one type
+/// the last that lies wholly inside the record counts.
+class DcfLayout {
+ public:
+  explicit DcfLayout(const _VscCdbDcfHeader* header);
+
+  /// Decodes a record of the header's stride.
+  DcfObj Decode(const char* record) const;
+
+ private:
+  static constexpr std::size_t kTypes = 10;
+  static constexpr std::int64_t kAbsent = -1;
+
+  std::array<std::int64_t, kTypes> offsets_;
+};
+
+}  // namespace vsc
+
+#endif  // KELVA_DCF_LAYOUT_H_

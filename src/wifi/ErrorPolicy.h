@@ -1,0 +1,20 @@
+#ifndef KELVA_ERROR_POLICY_H_
+#define KELVA_ERROR_POLICY_H_
+
+#include <string>
+
+namespace vsc {
+
+/// A command found a protocol error: throws CameraError with the message while `Camera::throwExceptions_` is true;
+/// otherwise returns, and the command returns its neutral value.
+void ReportProtocolError(const std::string& message);
+
+/// As above, with the default message "Camera error.".
+void ReportProtocolError();
+
+/// Prints "Assertion failed: (expression), function name." to standard error and stops the process, in every build.
+[[noreturn]] void FailAssertion(const char* expression, const char* function);
+
+}  // namespace vsc
+
+#endif  // KELVA_ERROR_POLICY_H_

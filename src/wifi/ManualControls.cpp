@@ -1,0 +1,64 @@
+// The manual exposure controls.
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "Camera.h"
+#include "Command.h"
+#include "ErrorPolicy.h"
+#include "LittleEndian.h"
+
+using vsc::Block;
+using vsc::Operation;
+
+namespace {
+
+constexpr int kAskedSize = 40;
+constexpr int kWireSize = 32;
+
+/// The wire form has no gaps between its fields.
+_ManualControlsState Decode(const char (&wire)[kWireSize]) {
+  _ManualControlsState state{};
+  state.first = vsc::LoadI32(wire);
+  state.second = vsc::LoadI32(wire + 4);
+  state.third = vsc::LoadFloat(wire + 8);
+  state.fourth = vsc::LoadDouble(wire + 12);
+  state.fifth = vsc::LoadDouble(wire + 20);
+  state.sixth = vsc::LoadI32(wire + 28);
+  return state;
+}
+
+}  // namespace
+
+bool Camera::GetManualControlsState(_ManualControlsState& state) {
+  if (!IsOpen()) {
+    return false;
+  }
+  ClearCancel(true);
+  std::vector<char> buffer(static_cast<std::size_t>(std::max(chunkSize_, kAskedSize)));
+  int size = kAskedSize;
+  if (!Transfer(Block(Operation::kQuery, vsc::query::kManualControls), vsc::kFromCamera, size, buffer.data(), true)) {
+    return false;
+  }
+  char wire[kWireSize] = {};
+  std::memcpy(wire, buffer.data(), vsc::BytesArrived(size, kWireSize));
+  state = Decode(wire);
+  if (size >= kWireSize) {
+    return true;
+  }
+  vsc::ReportProtocolError("GetManualControlsState() unexpected response length");
+  return false;
+}
+
+bool Camera::SetManualControl(int control, std::string value) {
+  if (!IsOpen() || value.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+    return false;
+  }
+  ClearCancel(true);
+  _VscCdb cdb = Block(Operation::kAction, vsc::action::kManualControl);
+  cdb.bytes[vsc::at::kParameter] = static_cast<unsigned char>(control);
+  // A size and a buffer with no data phase: the camera is told that the command came, and the value stays here.
+  int size = static_cast<int>(value.size()) + 1;
+  return Transfer(cdb, vsc::kNoData, size, value.data(), true);
+}

@@ -1,0 +1,139 @@
+// The picture catalogue, and what can be done with one of its pictures.
+
+#include <algorithm>
+#include <boost/format.hpp>
+#include <cstdio>
+#include <iterator>
+
+#include "Camera.h"
+#include "ChunkedRead.h"
+#include "Command.h"
+#include "DcfLayout.h"
+#include "ErrorPolicy.h"
+
+using vsc::Block;
+using vsc::Operation;
+
+namespace {
+
+constexpr std::int32_t kCatalogueVersion = 1;
+constexpr int kIdentitySize = 24;
+constexpr std::size_t kPathCapacity = 48;
+constexpr int kNameFieldWidth = sizeof(DcfObj::filePrefix);
+
+struct FileType {
+  const char* extension;
+  unsigned int DcfObj::*present;
+};
+
+/// File types 1 to 4.
+constexpr FileType kFileTypes[] = {
+    {"JPG", &DcfObj::hasJpg},
+    {"RAW", &DcfObj::hasRaw},
+    {"TXT", &DcfObj::hasTxt},
+    {"128", &DcfObj::has128},
+};
+
+const FileType* FindFileType(int type) {
+  return type >= 1 && type <= static_cast<int>(std::size(kFileTypes)) ? &kFileTypes[type - 1] : nullptr;
+}
+
+std::vector<DcfObj> DecodeRecords(const _VscCdbDcfHeader* header, const char* records, std::size_t size) {
+  if (header->stride == 0) {
+    return {};
+  }
+  const vsc::DcfLayout layout(header);
+  const auto stride = static_cast<std::size_t>(header->stride);
+  std::vector<DcfObj> pictures;
+  pictures.reserve(std::min(size / stride, vsc::kLargestReservation / sizeof(DcfObj)));
+  for (; size >= stride; records += stride, size -= stride) {
+    pictures.push_back(layout.Decode(records));
+  }
+  return pictures;
+}
+
+std::vector<DcfObj> DecodeCatalogue(const std::vector<char>& answer) {
+  const auto* header = reinterpret_cast<const _VscCdbDcfHeader*>(answer.data());
+  const std::int64_t headerSize = answer.size() < sizeof(*header) ? -1 : vsc::DcfHeaderSize(*header);
+  if (headerSize < 0 || headerSize > static_cast<std::int64_t>(answer.size())) {
+    vsc::ReportProtocolError("DcfHeader truncated.");
+    return {};
+  }
+  if (!Camera::ValidateDcfHeader(header)) {
+    return {};
+  }
+  const auto start = static_cast<std::size_t>(headerSize);
+  return DecodeRecords(header, answer.data() + start, answer.size() - start);
+}
+
+}  // namespace
+
+std::vector<DcfObj> Camera::GetDcf() {
+  if (!IsOpen()) {
+    return {};
+  }
+  ClearCancel(true);
+  if (!vsc::SendCommand(*this, Block(Operation::kSelect, vsc::select::kCatalogue), true)) {
+    return {};
+  }
+  vsc::VectorSink sink;
+  if (!vsc::ReadChunks(*this, chunkSize_, {vsc::read_chunk::kSelected, true, vsc::ReadProgress::None()}, sink)) {
+    return {};
+  }
+  return DecodeCatalogue(sink.Take());
+}
+
+bool Camera::ValidateDcfHeader(const _VscCdbDcfHeader* header) {
+  if (header->version != kCatalogueVersion) {
+    vsc::ReportProtocolError("DcfHeader version != 1");
+    return false;
+  }
+  if (header->stride < 0) {
+    vsc::ReportProtocolError("Invalid DCF stride.");
+    return false;
+  }
+  for (int i = 0; i < header->fieldCount; ++i) {
+    const vsc::DcfField field = vsc::DcfFieldAt(header, i);
+    // A 32-bit sum: an offset near 2^32 passes here, and the layout skips the field.
+    const std::uint32_t end = vsc::DcfFieldSize(field.type) + field.offset;
+    if (end > static_cast<std::uint32_t>(header->stride)) {
+      vsc::ReportProtocolError("DCF field too big.");
+      return false;
+    }
+  }
+  return true;
+}
+
+DcfObj Camera::UnpackDcf(const _VscCdbDcfHeader* header, const char* record) {
+  return vsc::DcfLayout(header).Decode(record);
+}
+
+std::string Camera::DcfFilename(const DcfObj& obj, int type) {
+  const FileType* fileType = FindFileType(type);
+  if (fileType == nullptr) {
+    vsc::ReportProtocolError("Unknown filetype.");
+  }
+  char name[kPathCapacity];
+  std::snprintf(name, sizeof(name), "%.*s%04d.%s", kNameFieldWidth, obj.filePrefix, obj.fileNumber,
+                fileType != nullptr ? fileType->extension : "INVALID");
+  return name;
+}
+
+std::vector<char> Camera::ReadFile(const DcfObj& obj, int type, void (*progress)(void*, float), void* context,
+                                   bool flag) {
+  const FileType* fileType = FindFileType(type);
+  if (fileType == nullptr || obj.*(fileType->present) == 0) {
+    vsc::ReportProtocolError((boost::format("ReadFile() file type %d does not exist.") % type).str());
+    return {};
+  }
+  char path[kPathCapacity];
+  std::snprintf(path, sizeof(path), "I:\\DCIM\\%03d%.*s\\%.*s%04d.%s", obj.directoryNumber, kNameFieldWidth,
+                obj.directorySuffix, kNameFieldWidth, obj.filePrefix, obj.fileNumber, fileType->extension);
+  return ReadFile(path, progress, context, flag);
+}
+
+bool Camera::DeleteDcfObject(const DcfObj& obj) {
+  ClearCancel(true);
+  return vsc::SendBytes(*this, Block(Operation::kAction, vsc::action::kDeletePicture),
+                        reinterpret_cast<const char*>(&obj), kIdentitySize, true);
+}

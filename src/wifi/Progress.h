@@ -1,0 +1,33 @@
+#ifndef KELVA_PROGRESS_H_
+#define KELVA_PROGRESS_H_
+
+#include <cstdint>
+
+namespace vsc {
+
+/// When a long read tells its caller how far it is: before a chunk, with the fraction of bytes already transferred.
+class ReadProgress {
+ public:
+  /// Reports nothing: the total is not known.
+  static ReadProgress None() { return {}; }
+
+  /// Before each chunk whose offset is a whole multiple of `interval`, offset 0 included.
+  static ReadProgress AtIntervals(void (*callback)(void*, float), void* context, int interval, std::uint32_t total);
+
+  /// Before each chunk after the first.
+  static ReadProgress AfterFirstChunk(void (*callback)(void*, float), void* context, std::uint32_t total);
+
+  void BeforeChunk(std::uint32_t offset) const;
+
+ private:
+  bool IsDue(std::uint32_t offset) const;
+
+  void (*callback_)(void*, float) = nullptr;
+  void* context_ = nullptr;
+  std::uint32_t interval_ = 0;  // 0: every chunk but the first
+  std::uint32_t total_ = 0;
+};
+
+}  // namespace vsc
+
+#endif  // KELVA_PROGRESS_H_

@@ -1,0 +1,76 @@
+// The camera's Wi-Fi settings. Arguments that are not accepted return false before anything is sent, never throw.
+
+#include <optional>
+
+#include "Camera.h"
+#include "Command.h"
+
+using vsc::Block;
+using vsc::Operation;
+
+namespace {
+
+constexpr const char* kNamePrefix = "kelva.camera.";
+constexpr std::size_t kLongestName = 32;
+constexpr std::size_t kShortestPassphrase = 9;  // one more than the radio standard asks; the camera's rule
+constexpr std::size_t kLongestPassphrase = 63;
+
+std::optional<std::uint8_t> SubCodeFor(_VscWifiType type, std::uint8_t type0, std::uint8_t type1) {
+  switch (type) {
+    case kVscWifiType0:
+      return type0;
+    case kVscWifiType1:
+      return type1;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> AuthText(_VscWifiAuthType auth) {
+  switch (auth) {
+    case kVscWifiAuthWpa2:
+      return "WPA2";
+    case kVscWifiAuthWep:
+      return "WEP";
+    case kVscWifiAuthNone:
+      return "NONE";
+  }
+  return std::nullopt;
+}
+
+/// Sends a setting whose sub-code depends on the type; the cancel state is cleared before the type is looked at.
+bool SendSetting(Camera& camera, std::optional<std::uint8_t> subCode, const std::string& text) {
+  camera.ClearCancel(true);
+  return subCode && vsc::SendText(camera, Block(Operation::kAction, *subCode), text.c_str(), text.size(), true);
+}
+
+}  // namespace
+
+bool Camera::SetWifiSSID(_VscWifiType type, std::string name) {
+  const std::string fullName = kNamePrefix + name;
+  if (!IsOpen() || fullName.size() > kLongestName) {
+    return false;
+  }
+  return SendSetting(*this, SubCodeFor(type, vsc::action::kWifiNameType0, vsc::action::kWifiNameType1), fullName);
+}
+
+bool Camera::SetWifiPassphrase(_VscWifiType type, std::string passphrase) {
+  if (!IsOpen() || passphrase.size() < kShortestPassphrase || passphrase.size() > kLongestPassphrase) {
+    return false;
+  }
+  return SendSetting(*this, SubCodeFor(type, vsc::action::kWifiPassphraseType0, vsc::action::kWifiPassphraseType1),
+                     passphrase);
+}
+
+bool Camera::SetWifiAuthType(_VscWifiType type, _VscWifiAuthType auth) {
+  if (!IsOpen() || type != kVscWifiType1) {
+    return false;
+  }
+  std::optional<std::string> text = AuthText(auth);
+  if (!text) {
+    return false;
+  }
+  ClearCancel(true);
+  // A size and a buffer with no data phase: the camera is told that the command came, and the text stays here.
+  int size = static_cast<int>(text->size()) + 1;
+  return Transfer(Block(Operation::kAction, vsc::action::kWifiAuthType), vsc::kNoData, size, text->data(), true);
+}
