@@ -1,0 +1,23 @@
+#include "AttachListener.h"
+
+#include "DesktopLauncher.h"
+
+namespace helper {
+namespace {
+
+// False while the cameras that are there already are reported. Callbacks read it for as long as the process lives.
+bool launch = false;
+
+}  // namespace
+
+void Callback(boost::shared_ptr<Camera>, void* context) {
+  if (*static_cast<const bool*>(context)) LaunchDesktopApplication();
+}
+
+void ListenForCameras() {
+  launch = false;
+  Camera::ListenForCameraAttach(Callback, &launch, false);
+  launch = true;
+}
+
+}  // namespace helper

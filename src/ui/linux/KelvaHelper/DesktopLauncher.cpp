@@ -1,0 +1,44 @@
+#include "DesktopLauncher.h"
+
+#include <limits.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "Report.h"
+#include "Spawn.h"
+
+namespace helper {
+namespace {
+
+std::string& Opener() {
+  static std::string path;
+  return path;
+}
+
+}  // namespace
+
+std::string OpenerBeside(const std::string& program) {
+  const std::string folder = program.substr(0, program.find_last_of('/') + 1);
+  const std::string beside = folder + "kelva-open";
+  return ::access(beside.c_str(), X_OK) == 0 ? beside : folder + KELVA_OPENER_FROM_PROGRAM;
+}
+
+std::string OwnProgram() {
+  char path[PATH_MAX];
+  const ssize_t length = ::readlink("/proc/self/exe", path, sizeof path);
+  return length > 0 ? std::string(path, static_cast<std::size_t>(length)) : std::string();
+}
+
+void UseOpener(std::string path) {
+  Opener() = std::move(path);
+}
+
+void LaunchDesktopApplication() {
+  const int error = Spawn({Opener(), KELVA_DESKTOP_ID});
+  if (error == 0) return;
+  Complain("A camera was attached, but " + Opener() + " cannot be run (" + std::strerror(error) +
+           "), so " KELVA_DESKTOP_ID " was not started; install this program again.");
+}
+
+}  // namespace helper

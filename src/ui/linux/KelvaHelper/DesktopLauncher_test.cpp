@@ -1,0 +1,72 @@
+#include "DesktopLauncher.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace helper {
+namespace {
+
+class DesktopLauncherTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    char name[] = "/tmp/kelva-launcher-test-XXXXXX";
+    folder_ = ::mkdtemp(name);
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+
+  std::filesystem::path WriteProgram(const std::string& name, const std::string& text) {
+    const std::filesystem::path path = folder_ / name;
+    std::ofstream(path) << "#!/bin/sh\n" << text << "\n";
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    return path;
+  }
+
+  std::filesystem::path folder_;
+};
+
+TEST_F(DesktopLauncherTest, OpenerBesideTheAgentIsPreferred) {
+  const std::filesystem::path opener = WriteProgram("kelva-open", "exit 0");
+  EXPECT_EQ(OpenerBeside(folder_ / "kelva-helper"), opener);
+}
+
+TEST_F(DesktopLauncherTest, WithoutOneBesideTheInstalledPlaceIsTaken) {
+  EXPECT_EQ(OpenerBeside(folder_ / "kelva-helper"), folder_.string() + "/" KELVA_OPENER_FROM_PROGRAM);
+}
+
+TEST_F(DesktopLauncherTest, AFileThatCannotBeRunIsNoOpener) {
+  std::ofstream(folder_ / "kelva-open") << "text";
+  EXPECT_EQ(OpenerBeside(folder_ / "kelva-helper"), folder_.string() + "/" KELVA_OPENER_FROM_PROGRAM);
+}
+
+TEST_F(DesktopLauncherTest, OwnProgramIsThisTest) {
+  EXPECT_TRUE(std::filesystem::equivalent(OwnProgram(), "/proc/self/exe"));
+}
+
+TEST_F(DesktopLauncherTest, OpenerIsToldTheDesktopId) {
+  // Opening the named pipe for reading waits for the opener.
+  const std::filesystem::path pipe = folder_ / "pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  UseOpener(WriteProgram("opener", "echo \"$# $1\" > " + pipe.string()));
+  LaunchDesktopApplication();
+  std::string line;
+  std::getline(std::ifstream(pipe) >> std::ws, line);
+  EXPECT_EQ(line, "1 " KELVA_DESKTOP_ID);
+}
+
+TEST_F(DesktopLauncherTest, MissingOpenerIsOneLineThatSaysWhatToDo) {
+  UseOpener("/nonexistent/kelva-open");
+  testing::internal::CaptureStderr();
+  LaunchDesktopApplication();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "kelva-helper: A camera was attached, but /nonexistent/kelva-open cannot be run (No such file or "
+            "directory), so " KELVA_DESKTOP_ID " was not started; install this program again.\n");
+}
+
+}  // namespace
+}  // namespace helper

@@ -1,0 +1,58 @@
+#ifndef KELVA_HELPER_SESSION_LOCK_H_
+#define KELVA_HELPER_SESSION_LOCK_H_
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "FileDescriptor.h"
+
+namespace helper {
+
+/// What tells one login session, and what the agent does there, from another.
+struct SessionIdentity {
+  /// XDG_RUNTIME_DIR; may be empty.
+  std::string runtimeDirectory;
+  /// The address of the session's message bus: the one name that a unit of the user manager and an autostart entry of
+  /// the same desktop have in common. Empty where there is none.
+  std::string busAddress;
+  /// The virtual bus being watched, or empty: a copy that watches a virtual bus is no rival of the one that watches the
+  /// machine.
+  std::string virtualBus;
+  uid_t user = 0;
+};
+
+/// Reads the identity from this process's environment.
+SessionIdentity CurrentSession(const std::string& virtualBus);
+
+/// The path of the session's lock file. Two processes of one session get the same path, whichever way they were
+/// started; those of two sessions get different ones.
+std::string LockPath(const SessionIdentity& session);
+
+/// The lock that keeps the agent to one copy per login session. It ends with the process, however that ends.
+class SessionLock {
+ public:
+  enum class Outcome { kHeld, kHeldByAnother, kFailed };
+
+  /// Tries to take the lock of the file at `path`, which is made when missing. Never waits.
+  explicit SessionLock(const std::string& path);
+
+  Outcome Result() const { return outcome_; }
+  /// With kHeldByAnother the process that holds the lock; 0 when it did not say.
+  pid_t Rival() const { return rival_; }
+  /// With kFailed the errno of the lock file that could not be made or used.
+  int Error() const { return error_; }
+
+ private:
+  Outcome Take();
+  Outcome Failed(int error);
+
+  FileDescriptor file_;
+  pid_t rival_ = 0;
+  int error_ = 0;
+  Outcome outcome_;
+};
+
+}  // namespace helper
+
+#endif  // KELVA_HELPER_SESSION_LOCK_H_

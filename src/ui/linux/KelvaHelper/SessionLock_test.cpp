@@ -1,0 +1,127 @@
+#include "SessionLock.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace helper {
+namespace {
+
+using Outcome = SessionLock::Outcome;
+
+SessionIdentity Session(const std::string& bus, const std::string& virtualBus = "") {
+  return {"/run/user/1000", bus, virtualBus, 1000};
+}
+
+TEST(LockPath, IsTheSameWhetherOrNotTheBusAddressNamesItsDaemonsStart) {
+  EXPECT_EQ(LockPath(Session("unix:path=/run/user/1000/bus")),
+            LockPath(Session("unix:path=/run/user/1000/bus,guid=0123456789abcdef0123456789abcdef")));
+}
+
+TEST(LockPath, WithoutAnAddressItIsThatOfTheUserManagersBus) {
+  EXPECT_EQ(LockPath(Session("")), LockPath(Session("unix:path=/run/user/1000/bus")));
+}
+
+TEST(LockPath, DiffersBetweenSessionsWithBusesOfTheirOwn) {
+  EXPECT_NE(LockPath(Session("unix:abstract=/tmp/dbus-A")), LockPath(Session("unix:abstract=/tmp/dbus-B")));
+}
+
+TEST(LockPath, ACopyThatWatchesAVirtualBusIsNoRivalOfTheRealOne) {
+  EXPECT_NE(LockPath(Session("unix:path=/run/user/1000/bus", "/tmp/bus")),
+            LockPath(Session("unix:path=/run/user/1000/bus")));
+}
+
+TEST(LockPath, LiesInTheRunTimeFolderUnderAPlainName) {
+  const std::filesystem::path path = LockPath(Session("unix:path=/a/b;tcp:host=x,port=1"));
+  EXPECT_EQ(path.parent_path(), "/run/user/1000");
+  EXPECT_EQ(path.filename().string().rfind("kelva-helper-", 0), 0U);
+  EXPECT_EQ(path.extension(), ".lock");
+}
+
+TEST(LockPath, WithoutARunTimeFolderItCarriesTheUsersNumber) {
+  EXPECT_EQ(LockPath({"", "", "", 1000}).rfind("/tmp/kelva-helper-1000-", 0), 0U);
+  EXPECT_NE(LockPath({"", "", "", 1000}), LockPath({"", "", "", 1001}));
+}
+
+class SessionLockTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    char name[] = "/tmp/kelva-lock-test-XXXXXX";
+    folder_ = ::mkdtemp(name);
+    path_ = folder_ / "agent.lock";
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+
+  std::filesystem::path folder_;
+  std::filesystem::path path_;
+};
+
+TEST_F(SessionLockTest, SecondTakerLearnsWhoHoldsIt) {
+  const SessionLock first(path_);
+  const SessionLock second(path_);
+  EXPECT_EQ(first.Result(), Outcome::kHeld);
+  EXPECT_EQ(second.Result(), Outcome::kHeldByAnother);
+  EXPECT_EQ(second.Rival(), ::getpid());
+}
+
+TEST_F(SessionLockTest, IsFreeAgainWhenItsHolderEnds) {
+  { const SessionLock first(path_); }
+  EXPECT_EQ(SessionLock(path_).Result(), Outcome::kHeld);
+}
+
+TEST_F(SessionLockTest, AnUnreadableNoteOfTheHolderIsNoNumber) {
+  const SessionLock first(path_);
+  std::ofstream(path_, std::ios::trunc) << "nonsense";
+  const SessionLock second(path_);
+  EXPECT_EQ(second.Result(), Outcome::kHeldByAnother);
+  EXPECT_EQ(second.Rival(), 0);
+}
+
+TEST_F(SessionLockTest, AFolderThatIsMissingIsAFailureWithItsReason) {
+  const SessionLock lock(folder_ / "missing" / "agent.lock");
+  EXPECT_EQ(lock.Result(), Outcome::kFailed);
+  EXPECT_EQ(lock.Error(), ENOENT);
+}
+
+TEST_F(SessionLockTest, ALinkInPlaceOfTheFileIsNotFollowed) {
+  std::filesystem::create_symlink(folder_ / "elsewhere", path_);
+  EXPECT_EQ(SessionLock(path_).Error(), ELOOP);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "elsewhere"));
+}
+
+TEST_F(SessionLockTest, SomethingOtherThanAPlainFileIsRefused) {
+  ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_EQ(SessionLock(path_).Error(), EPERM);
+}
+
+TEST_F(SessionLockTest, TheFileIsPrivateAndKeptFromCleaners) {
+  const SessionLock lock(path_);
+  struct stat status;
+  ASSERT_EQ(::stat(path_.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 01600U);
+}
+
+TEST(CurrentSession, IsReadFromTheEnvironment) {
+  ::setenv("XDG_RUNTIME_DIR", "/run/user/7", 1);
+  ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/run/user/7/bus", 1);
+  const SessionIdentity session = CurrentSession("/tmp/bus");
+  EXPECT_EQ(session.runtimeDirectory, "/run/user/7");
+  EXPECT_EQ(session.busAddress, "unix:path=/run/user/7/bus");
+  EXPECT_EQ(session.virtualBus, "/tmp/bus");
+  EXPECT_EQ(session.user, ::geteuid());
+}
+
+TEST(CurrentSession, MissingVariablesAreEmpty) {
+  ::unsetenv("XDG_RUNTIME_DIR");
+  ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+  EXPECT_EQ(CurrentSession("").runtimeDirectory, "");
+  EXPECT_EQ(CurrentSession("").busAddress, "");
+}
+
+}  // namespace
+}  // namespace helper
