@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -57,6 +58,7 @@ TEST_F(DesktopLauncherTest, OpenerIsToldTheDesktopId) {
   std::string line;
   std::getline(std::ifstream(pipe) >> std::ws, line);
   EXPECT_EQ(line, "1 " KELVA_DESKTOP_ID);
+  EXPECT_GT(::waitpid(-1, nullptr, 0), 0);
 }
 
 TEST_F(DesktopLauncherTest, MissingOpenerIsOneLineThatSaysWhatToDo) {
