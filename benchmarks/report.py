@@ -1,0 +1,83 @@
+"""Turns the times of the benchmark programs into ratios, says which one is missed, and draws cost against size.
+
+Usage: report.py FOLDER, where FOLDER holds the programs' JSON results; the plots are written there too.
+"""
+
+import json
+import pathlib
+import statistics
+import sys
+
+import plot
+
+MIB = 1024 * 1024
+# One line of the report each: title, numerator, denominator, comparison, limit. A name is a benchmark's without suffix.
+COPY_FILE = f"CopyOnce/{64 * MIB}"
+COPY_BUNDLE = f"CopyOnce/{62 * MIB}"
+RATIOS = [
+    ("ReadFile of 64 MiB: speed against one memcpy", COPY_FILE, "ReadFile", "at least", 0.8),
+    ("ReadCrashLogs of 62 MiB: speed against one memcpy", COPY_BUNDLE, "ReadCrashLogs", "at least", 0.5),
+    ("ReadCalibration of 62 MiB: speed against one memcpy", COPY_BUNDLE, "ReadCalibration", "at least", 0.5),
+    ("ReadFilesBySha1 of 62 MiB: speed against one memcpy", COPY_BUNDLE, "ReadFilesBySha1", "at least", 0.5),
+]
+# Cost of one item at the largest size against that at the smallest; a cost that grows with the square would be 1,000.
+LINEAR = {"GetDcf": "picture of a catalogue", "ReadDir": "entry of a listing", "TraverseDir": "file of a tree"}
+LINEAR_LIMIT = 3.0
+
+
+def load(folder):
+    """Every repetition's real time in nanoseconds, by benchmark name."""
+    unit = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+    times = {}
+    for path in sorted(folder.glob("*.json")):
+        for run in json.loads(path.read_text())["benchmarks"]:
+            if run.get("error_occurred"):
+                sys.exit(f"report: {run['name']} failed: {run['error_message']}")
+            if run["run_type"] == "iteration":
+                name = run["run_name"].replace("/real_time", "").replace("/manual_time", "")
+                times.setdefault(name, []).append(run["real_time"] * unit[run["time_unit"]])
+    return times
+
+
+def median(times, name):
+    if name not in times:
+        sys.exit(f"report: no benchmark {name} was run")
+    return statistics.median(times[name])
+
+
+def curve(times, name):
+    """(size, cost of one item in nanoseconds) in order of size."""
+    points = ((int(key.split("/")[1]), statistics.median(value))
+              for key, value in times.items() if key.split("/")[0] == name)
+    return sorted((size, cost / size) for size, cost in points)
+
+
+def verdict(value, comparison, limit):
+    kept = value >= limit if comparison == "at least" else value <= limit
+    return kept, "ok" if kept else "MISSED"
+
+
+def line(title, value, comparison, limit):
+    kept, word = verdict(value, comparison, limit)
+    print(f"{title:<68} {value:8.2f}   {comparison} {limit:g}   {word}")
+    return kept
+
+
+def main():
+    folder = pathlib.Path(sys.argv[1])
+    times = load(folder)
+    kept = [line(title, median(times, over) / median(times, under), comparison, limit)
+            for title, over, under, comparison, limit in RATIOS]
+    for name, item in LINEAR.items():
+        points = curve(times, name)
+        if len(points) < 2:
+            sys.exit(f"report: no benchmark {name} was run")
+        title = f"{name}: cost of one {item}, {points[-1][0]:,} against {points[0][0]:,}"
+        kept.append(line(title, points[-1][1] / points[0][1], "at most", LINEAR_LIMIT))
+    plot.write(folder / "cost-against-size.svg", {name: curve(times, name) for name in LINEAR})
+    print(f"The cost of one item against the size: {folder / 'cost-against-size.svg'}")
+    sys.exit(0 if all(kept) else 1)
+
+
+if __name__ == "__main__":
+    main()
