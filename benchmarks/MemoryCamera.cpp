@@ -5,18 +5,14 @@
 #include <cstring>
 #include <utility>
 
+#include "VscRegister.h"
+
 namespace bench {
 
 namespace {
 
 constexpr int kChunkSize = 65536;
 constexpr int kProgressInterval = 262144;
-constexpr unsigned char kSelect = 0xC2;
-constexpr unsigned char kReadChunk = 0xC4;
-constexpr unsigned char kAskSize = 0xC6;
-constexpr unsigned char kFile = 0x01;
-constexpr unsigned char kListing = 0x03;
-
 template <typename Key>
 const std::string* Find(const std::map<Key, std::string>& answers, const Key& key) {
   const auto found = answers.find(key);
@@ -40,13 +36,13 @@ void MemoryCamera::PutDataSet(unsigned char subCode, std::string bytes) {
 }
 
 bool MemoryCamera::Transfer(const _VscCdb& cdb, int, int& size, char* buffer, bool) {
-  switch (cdb.bytes[0]) {
-    case kSelect:
+  switch (static_cast<vsc::Operation>(cdb.bytes[0])) {
+    case vsc::Operation::kSelect:
       return Select(cdb.bytes[2], buffer);
-    case kAskSize:
+    case vsc::Operation::kQuery:
       AnswerSize(size, buffer);
       return selected_ != nullptr;
-    case kReadChunk:
+    case vsc::Operation::kReadChunk:
       AnswerChunk(cdb, size, buffer);
       return true;
     default:
@@ -55,9 +51,9 @@ bool MemoryCamera::Transfer(const _VscCdb& cdb, int, int& size, char* buffer, bo
 }
 
 bool MemoryCamera::Select(unsigned char subCode, const char* path) {
-  if (subCode == kFile) {
+  if (subCode == vsc::select::kFile) {
     selected_ = Find(files_, std::string(path));
-  } else if (subCode == kListing) {
+  } else if (subCode == vsc::select::kDirectory) {
     selected_ = Find(listings_, std::string(path));
   } else {
     selected_ = Find(dataSets_, subCode);
@@ -81,3 +77,8 @@ void MemoryCamera::AnswerChunk(const _VscCdb& cdb, int& size, char* buffer) cons
 }
 
 }  // namespace bench
+
+// The library's lookup by serial number asks for the cameras of a platform; a measurement in memory has none.
+std::vector<boost::shared_ptr<Camera>> Camera::EnumerateCameras(bool, std::string, bool, int) {
+  return {};
+}

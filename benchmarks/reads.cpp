@@ -8,6 +8,7 @@
 
 #include "Answers.h"
 #include "MemoryCamera.h"
+#include "VscRegister.h"
 
 namespace {
 
@@ -15,9 +16,6 @@ constexpr std::size_t kMiB = 1024 * 1024;
 constexpr std::size_t kFileSize = 64 * kMiB;
 constexpr std::size_t kBodySize = 2 * kMiB;
 constexpr std::size_t kBodies = 31;
-constexpr unsigned char kBatch = 0x05;
-constexpr unsigned char kCalibration = 0x06;
-constexpr unsigned char kCrashLogs = 0x08;
 const char* const kPath = "I:\\DCIM\\100KELVA\\IMG_0001.RAW";
 
 /// One memcpy into a newly allocated buffer. new char[] leaves the buffer untouched, as malloc does.
@@ -61,19 +59,19 @@ void BulkRead(benchmark::State& state, Read read) {
 
 void ReadCrashLogs(benchmark::State& state) {
   bench::MemoryCamera camera;
-  camera.PutDataSet(kCrashLogs, bench::CrashLogBundle(kBodies, kBodySize));
+  camera.PutDataSet(vsc::select::kCrashLogs, bench::CrashLogBundle(kBodies, kBodySize));
   BulkRead(state, [&] { return camera.ReadCrashLogs(nullptr, nullptr, false, true); });
 }
 
 void ReadCalibration(benchmark::State& state) {
   bench::MemoryCamera camera;
-  camera.PutDataSet(kCalibration, bench::CalibrationBundle(kBodySize));
+  camera.PutDataSet(vsc::select::kCalibration, bench::CalibrationBundle(kBodySize));
   BulkRead(state, [&] { return camera.ReadCalibration(nullptr, nullptr, true); });
 }
 
 void ReadFilesBySha1(benchmark::State& state) {
   bench::MemoryCamera camera;
-  camera.PutDataSet(kBatch, bench::BatchBundle(kBodies, kBodySize));
+  camera.PutDataSet(vsc::select::kBatch, bench::BatchBundle(kBodies, kBodySize));
   const std::vector<std::string> keys(kBodies, std::string(40, 'a'));
   const std::vector<std::string> qualifiers(kBodies, "J");
   BulkRead(state, [&] { return camera.ReadFilesBySha1(keys, qualifiers, nullptr, nullptr, true); });
