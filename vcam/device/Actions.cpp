@@ -1,0 +1,158 @@
+#include <algorithm>
+
+#include "vcam/device/BatchText.h"
+#include "vcam/device/CameraPath.h"
+#include "vcam/device/Handlers.h"
+#include "vcam/device/Pictures.h"
+#include "vcam/device/Register.h"
+#include "vcam/device/Replies.h"
+#include "vcam/device/SenseCodes.h"
+#include "wifi/DcfObj.h"
+
+namespace vcam {
+namespace {
+
+constexpr std::size_t kIdentityLength = offsetof(DcfObj, hasJpg);
+
+Reply Taken(const Command& command) {
+  return Done(static_cast<std::uint32_t>(command.data.size()));
+}
+
+Reply Reboot(Device& device, const Command& command) {
+  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
+  device.selected.reset();
+  device.writing.reset();
+  device.upgrade.Abandon();
+  device.doneCount = 0;
+  device.readyAt = device.options.now() + device.options.bootTime;
+  device.console.Log("reboot");
+  return Done();
+}
+
+Reply SetTime(Device& device, const Command& command) {
+  if (command.direction != Direction::kToCamera || command.data.size() != kTimeLength)
+    return Refuse(sense::kWrongDataLength);
+  if (!device.clock.Set(command.data)) return Refuse(sense::kBadParameter);
+  device.settings.clockOffsetMs = device.clock.offset().count();
+  device.console.Log("clock set");
+  const int error = device.Save();
+  return error != 0 ? Refuse(SenseOfErrno(error)) : Taken(command);
+}
+
+Reply Monitor(Device& device, const Command& command) {
+  const std::optional<std::string> text = TextOf(command);
+  if (!text) return Refuse(sense::kWrongDataLength);
+  device.console.Log("> " + *text);
+  return Taken(command);
+}
+
+std::string FixedText(std::span<const std::uint8_t> field) {
+  return {field.begin(), std::find(field.begin(), field.end(), std::uint8_t{0})};
+}
+
+bool Matches(const Picture& picture, const std::string& prefix, std::int32_t number) {
+  return picture.prefix == prefix && picture.number == number;
+}
+
+/// Deletes every file of the picture; the first errno, or 0.
+int RemovePicture(Device& device, const Picture& picture) {
+  int error = 0;
+  for (std::size_t type = 0; type < picture.files.size(); ++type) {
+    if (!picture.files[type]) continue;
+    const int failed = device.storage.Remove(picture.PathOf(type));
+    if (error == 0) error = failed;
+  }
+  return error;
+}
+
+}  // namespace
+
+Reply DeletePath(Device& device, const Command& command) {
+  const std::optional<std::string> text = TextOf(command);
+  if (!text) return Refuse(sense::kWrongDataLength);
+  const std::optional<std::string> path = RelativePath(*text);
+  if (!path || path->empty()) return Refuse(sense::kBadParameter);
+  const int error = device.storage.Remove(*path);
+  if (error != 0) return Refuse(SenseOfErrno(error));
+  device.console.Log("deleted " + *text);
+  return Taken(command);
+}
+
+Reply DeletePicture(Device& device, const Command& command) {
+  if (command.direction != Direction::kToCamera || command.data.size() != kIdentityLength)
+    return Refuse(sense::kWrongDataLength);
+  const std::string prefix = FixedText(command.data.subspan(offsetof(DcfObj, filePrefix), sizeof(DcfObj::filePrefix)));
+  const PictureDirectory directory{
+      Load<std::int32_t>(command.data, offsetof(DcfObj, directoryNumber)),
+      FixedText(command.data.subspan(offsetof(DcfObj, directorySuffix), sizeof(DcfObj::directorySuffix)))};
+  const auto number = Load<std::int32_t>(command.data, offsetof(DcfObj, fileNumber));
+  const Picture place{directory, {}, 0, {}};
+  if (directory.number < 100 || directory.number > 999 || !IsCameraName(place.DirectoryPath().substr(5)))
+    return Refuse(sense::kBadParameter);
+  const std::vector<Picture> pictures = FindPicturesIn(device.storage, directory);
+  const auto found = std::find_if(pictures.begin(), pictures.end(),
+                                  [&](const Picture& picture) { return Matches(picture, prefix, number); });
+  if (found == pictures.end()) return Refuse(sense::kNotFound);
+  const int error = RemovePicture(device, *found);
+  if (error != 0) return Refuse(SenseOfErrno(error));
+  device.console.Log("deleted picture " + prefix + std::to_string(number));
+  return Taken(command);
+}
+
+Reply DeleteBatch(Device& device, const Command& command) {
+  const std::optional<std::string> text = TextOf(command);
+  if (!text) return Refuse(sense::kWrongDataLength);
+  const auto items = ParseBatchText(*text);
+  if (!items) return Refuse(sense::kBadParameter);
+  device.keys.Refresh(device.storage);
+  int error = 0;
+  std::size_t deleted = 0;
+  for (const BatchItem& item : *items) {
+    if (!item.extension.empty()) return Refuse(sense::kBadParameter);
+    for (const KeyedFile& file : device.keys.Find(item.key)) {
+      const int failed = device.storage.Remove(file.path);
+      deleted += static_cast<std::size_t>(failed == 0);
+      if (error == 0 && failed != ENOENT) error = failed;
+    }
+  }
+  device.console.Log("deleted " + std::to_string(deleted) + " files by key");
+  return error != 0 ? Refuse(SenseOfErrno(error)) : Taken(command);
+}
+
+Reply HandleAction(Device& device, const Command& command) {
+  switch (command.cdb[2]) {
+    case kActionCapture:
+      return CapturePicture(device, command);
+    case kActionDeleteFile:
+      return DeletePath(device, command);
+    case kActionUpgradeEnd:
+      return HandleUpgradeEnd(device, command);
+    case kActionReboot:
+      return Reboot(device, command);
+    case kActionSetTime:
+      return SetTime(device, command);
+    case kActionDeletePicture:
+      return DeletePicture(device, command);
+    case kActionDeleteBatch:
+      return DeleteBatch(device, command);
+    case kActionSsid0:
+    case kActionSsid1:
+      return SetNetworkName(device, command, command.cdb[2] - kActionSsid0);
+    case kActionPassphrase0:
+    case kActionPassphrase1:
+      return SetPassphrase(device, command, command.cdb[2] - kActionPassphrase0);
+    case kActionAuthType:
+      return NoteAuthType(device, command);
+    case kActionManualControl:
+      return NoteManualControl(device, command);
+    case kActionWifiOff:
+      return SwitchWifiOff(device, command);
+    case kActionMonitorChar:
+    case kActionMonitorLine:
+      return Monitor(device, command);
+    default:
+      return Refuse(sense::kBadCommandField);
+  }
+}
+
+}  // namespace vcam

@@ -1,0 +1,84 @@
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+#include "vcam/device/Handlers.h"
+#include "vcam/device/Register.h"
+#include "vcam/device/Replies.h"
+#include "vcam/device/SenseCodes.h"
+
+namespace vcam {
+namespace {
+
+constexpr std::uint64_t kMaxFile = std::numeric_limits<std::uint32_t>::max();
+
+bool WriteFully(int file, std::uint64_t offset, std::span<const std::uint8_t> data) {
+  while (!data.empty()) {
+    const ssize_t count = ::pwrite(file, data.data(), data.size(), static_cast<off_t>(offset));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    data = data.subspan(static_cast<std::size_t>(count));
+    offset += static_cast<std::uint64_t>(count);
+  }
+  return true;
+}
+
+Reply WriteToFile(Device& device, std::uint32_t offset, std::span<const std::uint8_t> data) {
+  Device::WriteTarget& target = *device.writing;
+  if (offset > target.size || offset + data.size() > kMaxFile) return Refuse(sense::kOutOfRange);
+  if (!WriteFully(target.file.get(), offset, data)) return Refuse(SenseOfErrno(errno));
+  target.size = std::max<std::uint64_t>(target.size, offset + data.size());
+  return Done(static_cast<std::uint32_t>(data.size()));
+}
+
+}  // namespace
+
+Reply HandleReadChunk(Device& device, const Command& command) {
+  if (!device.selected || device.selected->readSubcode != command.cdb[2]) return Refuse(sense::kWrongSequence);
+  if (!MayAnswer(command)) return Refuse(sense::kBadCommandField);
+  DataSet& data = device.selected->data;
+  const auto offset = Load<std::uint32_t>(command.cdb, 3);
+  if (offset > data.size()) return Refuse(sense::kOutOfRange);
+  if (command.direction == Direction::kNone) return Done();
+  Bytes bytes(static_cast<std::size_t>(std::min<std::uint64_t>(command.length, data.size() - offset)));
+  if (!data.Read(device.storage, offset, bytes)) return Refuse(sense::kReadError);
+  return Answer(command, std::move(bytes));
+}
+
+Reply HandleWriteChunk(Device& device, const Command& command) {
+  if (command.direction != Direction::kToCamera) return Refuse(sense::kWrongDataLength);
+  const auto offset = Load<std::uint32_t>(command.cdb, 2);
+  if (device.writing) return WriteToFile(device, offset, command.data);
+  if (!device.upgrade.Receiving()) return Refuse(sense::kWrongSequence);
+  if (!device.upgrade.Receive(offset, command.data)) return Refuse(sense::kOutOfRange);
+  return Done(static_cast<std::uint32_t>(command.data.size()));
+}
+
+Reply HandleWriteEnd(Device& device, const Command& command) {
+  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
+  if (command.cdb[2] != 0) return Refuse(sense::kBadCommandField);
+  if (!device.writing) return Refuse(sense::kWrongSequence);
+  device.console.Log("wrote " + device.writing->path + ", " + std::to_string(device.writing->size) + " bytes");
+  device.writing.reset();
+  return Done();
+}
+
+Reply HandleUpgradeStart(Device& device, const Command& command) {
+  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
+  const auto length = Load<std::uint32_t>(command.cdb, 2);
+  device.writing.reset();
+  device.upgrade.Start(length);
+  device.console.Log("upgrade announced, " + std::to_string(length) + " bytes");
+  return Done();
+}
+
+Reply HandleUpgradeEnd(Device& device, const Command& command) {
+  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
+  const bool doomed = std::exchange(device.nextUpgradeFails, false);
+  if (!device.upgrade.Finish(device.options.now(), device.options.upgradeTime, doomed))
+    return Refuse(sense::kWrongSequence);
+  device.console.Log("upgrade received");
+  return Done();
+}
+
+}  // namespace vcam

@@ -1,0 +1,57 @@
+#ifndef KELVA_VCAM_DEVICE_OPTIONS_H_
+#define KELVA_VCAM_DEVICE_OPTIONS_H_
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vcam {
+
+/// One field of the picture catalogue: its type number and where it lies in each record.
+struct CatalogueField {
+  std::uint32_t type;
+  std::uint32_t offset;
+};
+
+/// How the catalogue describes itself. Only types 0 to 9 carry data; other types are announced and their bytes are
+/// 0xEE.
+struct CatalogueLayout {
+  std::uint32_t stride;
+  std::vector<CatalogueField> fields;
+
+  /// Types 0 to 9 in order, in 128 bytes.
+  static CatalogueLayout Standard();
+  /// The same fields, last one first.
+  static CatalogueLayout Reordered();
+  /// The standard fields with types that no host knows between them.
+  static CatalogueLayout UnknownFields();
+  /// The standard fields in records of 200 bytes.
+  static CatalogueLayout Wide();
+};
+
+/// What a virtual camera is made of. Everything has a default but the serial number and the storage folder.
+struct Options {
+  std::string serial;
+  /// Drive I: of the camera. Layout: vcam/README.md.
+  std::filesystem::path storage;
+  std::string vendor = "Kelva";
+  std::string product = "Camera";
+  std::string revision = "1.00";
+  /// SCSI peripheral device type of the inquiry data; 3 (processor) is one that no kernel driver takes for itself.
+  std::uint8_t peripheralType = 3;
+  CatalogueLayout catalogue = CatalogueLayout::Standard();
+  /// Whether catalogue records carry the SHA-1 key of the picture's first file (which reads every picture once).
+  bool keysInCatalogue = true;
+  /// How long a reboot and the writing of a received firmware image take.
+  std::chrono::milliseconds bootTime{1500};
+  std::chrono::milliseconds upgradeTime{3000};
+  /// The camera's idea of time before anyone set its clock; also what reboot and upgrade are measured by.
+  std::function<std::chrono::system_clock::time_point()> now = [] { return std::chrono::system_clock::now(); };
+};
+
+}  // namespace vcam
+
+#endif  // KELVA_VCAM_DEVICE_OPTIONS_H_

@@ -1,0 +1,30 @@
+#ifndef KELVA_VCAM_DEVICE_REPLIES_H_
+#define KELVA_VCAM_DEVICE_REPLIES_H_
+
+#include <optional>
+#include <string>
+
+#include "vcam/device/Bytes.h"
+#include "vcam/device/Command.h"
+
+// The few shapes that a reply takes, and the few questions that handlers ask of a command.
+
+namespace vcam {
+
+/// Good status for a command without data, or one whose `moved` bytes were taken in.
+Reply Done(std::uint32_t moved = 0);
+/// CHECK CONDITION for this reason; nothing moved.
+Reply Refuse(Sense reason);
+/// Good status with as much of `bytes` as the host has room for; none when it declared no data phase.
+Reply Answer(const Command& command, Bytes bytes);
+
+/// Whether the data phase, if any, runs from the camera.
+bool MayAnswer(const Command& command);
+/// Whether the command has no data phase, or one of no bytes.
+bool HasNoData(const Command& command);
+/// The NUL-terminated text of a data phase to the camera; nothing when there is none or its NUL is missing.
+std::optional<std::string> TextOf(const Command& command);
+
+}  // namespace vcam
+
+#endif  // KELVA_VCAM_DEVICE_REPLIES_H_

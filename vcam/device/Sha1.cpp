@@ -1,0 +1,59 @@
+#include "vcam/device/Sha1.h"
+
+#include <openssl/evp.h>
+
+#include <array>
+#include <new>
+
+namespace vcam {
+namespace {
+
+std::string HexOf(std::span<const unsigned char> bytes) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (const unsigned char byte : bytes) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 0x0F];
+  }
+  return text;
+}
+
+EVP_MD_CTX* NewContext() {
+  EVP_MD_CTX* context = EVP_MD_CTX_new();
+  if (context == nullptr) throw std::bad_alloc();
+  return context;
+}
+
+std::string Finish(EVP_MD_CTX* context) {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+  unsigned int length = 0;
+  EVP_DigestFinal_ex(context, digest.data(), &length);
+  return HexOf(std::span(digest).first(length));
+}
+
+}  // namespace
+
+void Sha1::Free::operator()(evp_md_ctx_st* context) const {
+  EVP_MD_CTX_free(context);
+}
+
+Sha1::Sha1() : context_(NewContext()) {
+  EVP_DigestInit_ex(context_.get(), EVP_sha1(), nullptr);
+}
+
+void Sha1::Update(std::span<const std::uint8_t> bytes) {
+  EVP_DigestUpdate(context_.get(), bytes.data(), bytes.size());
+}
+
+std::string Sha1::Hex() {
+  return Finish(context_.get());
+}
+
+std::string Sha256Hex(std::string_view text) {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+  unsigned int length = 0;
+  EVP_Digest(text.data(), text.size(), digest.data(), &length, EVP_sha256(), nullptr);
+  return HexOf(std::span(digest).first(length));
+}
+
+}  // namespace vcam

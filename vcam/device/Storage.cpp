@@ -1,0 +1,176 @@
+#include "vcam/device/Storage.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+
+#include "vcam/device/CameraPath.h"
+#include "vcam/device/SenseCodes.h"
+
+namespace vcam {
+namespace {
+
+constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+
+std::int64_t Nanoseconds(const timespec& time) {
+  return time.tv_sec * kNanosecondsPerSecond + time.tv_nsec;
+}
+
+FileStamp StampOf(const struct stat& status) {
+  return {static_cast<std::uint64_t>(status.st_size), Nanoseconds(status.st_mtim), Nanoseconds(status.st_ctim),
+          status.st_ino};
+}
+
+std::string NameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+struct CloseDirectory {
+  void operator()(DIR* directory) const { ::closedir(directory); }
+};
+using Directory = std::unique_ptr<DIR, CloseDirectory>;
+
+bool ReadEntry(int directory, const char* name, StorageEntry& entry) {
+  struct stat status {};
+  if (!IsCameraName(name) || ::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return false;
+  entry.name = name;
+  entry.isDirectory = S_ISDIR(status.st_mode);
+  entry.isReadOnly = (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+  entry.stamp = StampOf(status);
+  return true;
+}
+
+OpenedFile RegularFile(FileDescriptor file) {
+  if (!file) return {{}, errno};
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) return {{}, errno};
+  if (!S_ISREG(status.st_mode)) return {{}, EISDIR};
+  return {std::move(file), 0, StampOf(status)};
+}
+
+bool WriteAll(int file, std::string_view content) {
+  while (!content.empty()) {
+    const ssize_t written = ::write(file, content.data(), content.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+}  // namespace
+
+Storage::Storage(const std::filesystem::path& folder)
+    : root_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  if (!root_)
+    throw std::runtime_error("Cannot use " + folder.string() + " as the camera's storage: " + std::strerror(errno) +
+                             "; name a folder that you may read.");
+}
+
+FileDescriptor Storage::OpenBeneath(const std::string& path, std::uint64_t flags) const {
+  open_how how{};
+  how.flags = flags | O_CLOEXEC | O_NONBLOCK;
+  how.mode = (flags & O_CREAT) != 0 ? 0644 : 0;
+  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
+  const char* name = path.empty() ? "." : path.c_str();
+  return FileDescriptor(static_cast<int>(::syscall(SYS_openat2, root_.get(), name, &how, sizeof how)));
+}
+
+FileDescriptor Storage::OpenParent(const std::string& path) const {
+  const std::size_t end = path.rfind('/');
+  return OpenBeneath(end == std::string::npos ? "" : path.substr(0, end), O_RDONLY | O_DIRECTORY);
+}
+
+OpenedFile Storage::OpenForReading(const std::string& path) const {
+  return RegularFile(OpenBeneath(path, O_RDONLY));
+}
+
+OpenedFile Storage::OpenForWriting(const std::string& path) const {
+  // Emptied only once it is known to be a regular file.
+  OpenedFile opened = RegularFile(OpenBeneath(path, O_RDWR | O_CREAT));
+  if (opened.file && ::ftruncate(opened.file.get(), 0) != 0) return {{}, errno};
+  return opened;
+}
+
+int Storage::Remove(const std::string& path) const {
+  const FileDescriptor parent = OpenParent(path);
+  if (!parent) return errno;
+  StorageEntry entry;
+  if (!ReadEntry(parent.get(), NameOf(path).c_str(), entry)) return ENOENT;
+  return ::unlinkat(parent.get(), entry.name.c_str(), 0) == 0 ? 0 : errno;
+}
+
+int Storage::MakeDirectory(const std::string& path) const {
+  const FileDescriptor parent = OpenParent(path);
+  if (!parent) return errno;
+  if (::mkdirat(parent.get(), NameOf(path).c_str(), 0755) == 0) return 0;
+  return errno == EEXIST && HasDirectory(path) ? 0 : errno;
+}
+
+bool Storage::HasDirectory(const std::string& path) const {
+  return static_cast<bool>(OpenBeneath(path, O_RDONLY | O_DIRECTORY));
+}
+
+std::vector<StorageEntry> Storage::List(const std::string& path) const {
+  std::vector<StorageEntry> entries;
+  FileDescriptor file = OpenBeneath(path, O_RDONLY | O_DIRECTORY);
+  if (!file) return entries;
+  const Directory directory(::fdopendir(file.get()));
+  if (!directory) return entries;
+  file.Release();
+  while (const dirent* found = ::readdir(directory.get())) {
+    StorageEntry entry;
+    if (ReadEntry(::dirfd(directory.get()), found->d_name, entry)) entries.push_back(std::move(entry));
+  }
+  std::sort(entries.begin(), entries.end(),
+            [](const StorageEntry& a, const StorageEntry& b) { return a.name < b.name; });
+  return entries;
+}
+
+int Storage::Replace(const std::string& path, std::string_view content, unsigned mode) const {
+  const FileDescriptor parent = OpenParent(path);
+  if (!parent) return errno;
+  const std::string name = NameOf(path);
+  const std::string temporary = name + ".new";
+  const FileDescriptor file(
+      ::openat(parent.get(), temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, mode));
+  if (!file || !WriteAll(file.get(), content)) return errno;
+  return ::renameat(parent.get(), temporary.c_str(), parent.get(), name.c_str()) == 0 ? 0 : errno;
+}
+
+Sense SenseOfErrno(int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case EISDIR:
+    case ELOOP:
+    case EXDEV:
+    case ENXIO:
+      return sense::kNotFound;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case ETXTBSY:
+      return sense::kWriteProtected;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return sense::kStorageFull;
+    case ENAMETOOLONG:
+    case EINVAL:
+      return sense::kBadParameter;
+    default:
+      return sense::kReadError;
+  }
+}
+
+}  // namespace vcam

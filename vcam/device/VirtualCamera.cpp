@@ -1,0 +1,105 @@
+#include "vcam/device/VirtualCamera.h"
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+
+#include "vcam/device/Device.h"
+#include "vcam/device/Handlers.h"
+#include "vcam/faults/FaultPlan.h"
+
+namespace vcam {
+
+struct VirtualCamera::State {
+  explicit State(Options options) : device(std::move(options)) {}
+
+  Reply Run(const Command& command) {
+    if (std::optional<Reply> instead = faults.Next()) return std::move(*instead);
+    const Command given = faults.Limit(command);
+    Reply reply = Dispatch(device, given);
+    if (reply.Good()) ++device.doneCount;
+    faults.Apply(given, device.selected ? &device.selected->data.marks : nullptr, reply);
+    return reply;
+  }
+
+  mutable std::mutex mutex;
+  Device device;
+  FaultPlan faults;
+  bool gone = false;
+};
+
+namespace {
+
+Reply GoneReply() {
+  Reply reply;
+  reply.transport = Transport::kGone;
+  return reply;
+}
+
+/// Blank-padded text of INQUIRY data.
+void PutPadded(std::span<std::uint8_t> field, std::string_view text) {
+  std::fill(field.begin(), field.end(), std::uint8_t{' '});
+  std::copy_n(text.begin(), std::min(text.size(), field.size()), field.begin());
+}
+
+}  // namespace
+
+VirtualCamera::VirtualCamera(Options options) : state_(std::make_unique<State>(std::move(options))) {
+  state_->device.console.Log("started, serial " + state_->device.options.serial);
+}
+
+VirtualCamera::~VirtualCamera() = default;
+
+Reply VirtualCamera::Execute(const Command& command) {
+  const std::lock_guard lock(state_->mutex);
+  if (state_->gone) return GoneReply();
+  Reply reply = state_->Run(command);
+  state_->gone = reply.transport == Transport::kGone;
+  return reply;
+}
+
+void VirtualCamera::Arm(const Fault& fault) {
+  const std::lock_guard lock(state_->mutex);
+  if (fault.kind == FaultKind::kUpgradeFails) {
+    state_->device.nextUpgradeFails = true;
+  } else {
+    state_->faults.Arm(fault);
+  }
+}
+
+void VirtualCamera::Disarm() {
+  const std::lock_guard lock(state_->mutex);
+  state_->faults = FaultPlan();
+  state_->device.nextUpgradeFails = false;
+}
+
+void VirtualCamera::Unplug() {
+  const std::lock_guard lock(state_->mutex);
+  state_->gone = true;
+}
+
+bool VirtualCamera::Gone() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->gone;
+}
+
+const Options& VirtualCamera::options() const {
+  return state_->device.options;
+}
+
+std::array<std::uint8_t, 36> VirtualCamera::InquiryData() const {
+  const Options& options = state_->device.options;
+  std::array<std::uint8_t, 36> data{};
+  data[0] = options.peripheralType & 0x1F;
+  data[1] = 0x80;  // removable
+  data[2] = 0x04;  // SPC-2
+  data[3] = 0x02;
+  data[4] = 31;
+  const std::span<std::uint8_t> out(data);
+  PutPadded(out.subspan(8, 8), options.vendor);
+  PutPadded(out.subspan(16, 16), options.product);
+  PutPadded(out.subspan(32, 4), options.revision);
+  return data;
+}
+
+}  // namespace vcam

@@ -1,0 +1,51 @@
+#ifndef KELVA_VCAM_DEVICE_VIRTUAL_CAMERA_H_
+#define KELVA_VCAM_DEVICE_VIRTUAL_CAMERA_H_
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "vcam/device/Command.h"
+#include "vcam/device/Options.h"
+#include "vcam/faults/Fault.h"
+
+namespace vcam {
+
+/// The device side of the whole command set, over a storage folder. Every door calls Execute, so a fault that is armed
+/// here works through all of them.
+///
+/// Threads: all members may be called from any thread; commands run one at a time.
+class VirtualCamera {
+ public:
+  /// Throws std::runtime_error with one sentence when the storage cannot be used.
+  explicit VirtualCamera(Options options);
+  ~VirtualCamera();
+  VirtualCamera(const VirtualCamera&) = delete;
+  VirtualCamera& operator=(const VirtualCamera&) = delete;
+
+  /// Runs one command. Never waits: how long the command takes stands in the reply. Any bytes are safe to pass;
+  /// what the camera does not understand it refuses with sense data.
+  Reply Execute(const Command& command);
+
+  /// Arms a fault; several may be armed at once.
+  void Arm(const Fault& fault);
+  /// Takes all faults back.
+  void Disarm();
+
+  /// Ends the camera: this and every later command answers Transport::kGone.
+  void Unplug();
+  /// Whether the camera was unplugged, by Unplug or by a fault in the middle of a command.
+  bool Gone() const;
+
+  const Options& options() const;
+  /// The first 36 bytes of the answer to INQUIRY, for doors that speak SCSI to the end.
+  std::array<std::uint8_t, 36> InquiryData() const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace vcam
+
+#endif  // KELVA_VCAM_DEVICE_VIRTUAL_CAMERA_H_

@@ -1,0 +1,42 @@
+#ifndef KELVA_VCAM_FAULTS_FAULT_PLAN_H_
+#define KELVA_VCAM_FAULTS_FAULT_PLAN_H_
+
+#include <optional>
+#include <vector>
+
+#include "vcam/device/Command.h"
+#include "vcam/device/DataSet.h"
+#include "vcam/faults/Fault.h"
+
+namespace vcam {
+
+/// The faults that are armed on one camera, and what they do around each command. Per command: Next, then unless it
+/// gave a reply Limit, the command itself, Apply.
+class FaultPlan {
+ public:
+  void Arm(const Fault& fault);
+
+  /// Counts one command. The reply that a fault gives instead of running it, if any.
+  std::optional<Reply> Next();
+  /// The command as the camera sees it: data to the camera ends where the unplug comes.
+  Command Limit(const Command& command) const;
+  /// Changes the reply. `marks` are those of the selected data set, null when there is none.
+  void Apply(const Command& command, const Marks* marks, Reply& reply);
+
+ private:
+  struct Armed {
+    Fault fault;
+    std::uint64_t seen = 0;  // commands since it was armed, this one included
+    bool Due() const { return seen == fault.at; }
+    bool Running() const { return seen >= fault.at; }
+  };
+
+  void ApplyOne(Armed& armed, const Command& command, const Marks* marks, Reply& reply);
+  void ApplyUnplug(Armed& armed, const Command& command, Reply& reply);
+
+  std::vector<Armed> armed_;
+};
+
+}  // namespace vcam
+
+#endif  // KELVA_VCAM_FAULTS_FAULT_PLAN_H_
