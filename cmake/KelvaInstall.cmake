@@ -1,0 +1,76 @@
+# What `cmake --install` gives: the library with its headers, CMake package and pkg-config file, the programs and their
+# man pages.
+include(CMakePackageConfigHelpers)
+
+set(kelva_rooms kelva_wifi kelva_usb_osx)
+set(kelva_system_libraries "")
+if(APPLE)
+  list(APPEND kelva_system_libraries "-framework IOKit" "-framework CoreFoundation")
+else()
+  list(APPEND kelva_rooms darwin_cf darwin_registry darwin_virtual darwin_udev darwin_sg)
+  list(APPEND kelva_system_libraries udev)
+endif()
+
+# The rooms are separate targets so that a forbidden include does not compile; an embedding program sees one library.
+# (The target `kelva` is the command-line tool.)
+add_library(kelva_library)
+foreach(room IN LISTS kelva_rooms)
+  target_sources(kelva_library PRIVATE $<TARGET_OBJECTS:${room}>)
+endforeach()
+target_link_libraries(kelva_library PUBLIC Boost::headers PRIVATE ${kelva_system_libraries})
+target_include_directories(kelva_library INTERFACE
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/kelva>)
+if(NOT APPLE)
+  target_include_directories(kelva_library INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin>)
+endif()
+set_target_properties(kelva_library PROPERTIES
+  OUTPUT_NAME kelva EXPORT_NAME kelva LINKER_LANGUAGE CXX
+  VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+target_compile_features(kelva_library INTERFACE cxx_std_20)
+
+install(TARGETS kelva_library EXPORT KelvaTargets)
+install(EXPORT KelvaTargets NAMESPACE Kelva:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva)
+
+# Headers that an embedding program includes; the rooms' inner headers stay in the tree.
+install(FILES
+  src/wifi/Camera.h src/wifi/CameraDirent.h src/wifi/CameraError.h src/wifi/DcfObj.h src/wifi/Sha1obj.h
+  src/wifi/VscCdb.h src/wifi/VscRecords.h src/usb/osx/OsxCamera.h src/usb/osx/OsxCameraError.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva)
+if(NOT APPLE)
+  install(DIRECTORY darwin/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin FILES_MATCHING PATTERN "*.h")
+endif()
+
+configure_package_config_file(cmake/KelvaConfig.cmake.in "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfig.cmake"
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva)
+write_basic_package_version_file("${CMAKE_CURRENT_BINARY_DIR}/KelvaConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfig.cmake" "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfigVersion.cmake"
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva)
+
+# pkg-config finds its folders from where the file itself lies, so the installed tree may be moved.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
+  OUTPUT_VARIABLE kelva_prefix_from_pkgconfig)
+set(kelva_pc_libraries "")
+foreach(library IN LISTS kelva_system_libraries)
+  string(REGEX REPLACE "^([^-].*)$" "-l\\1" flag "${library}")
+  string(APPEND kelva_pc_libraries " ${flag}")
+endforeach()
+configure_file(cmake/kelva.pc.in "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" @ONLY)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The programs. The opener is run by the agent alone, so it stays out of PATH.
+foreach(program IN ITEMS kelva kelva-vcam kelva-helper)
+  if(TARGET ${program})
+    install(TARGETS ${program})
+  endif()
+endforeach()
+if(TARGET kelva-open)
+  install(TARGETS kelva-open RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/kelva)
+endif()
+
+file(GLOB kelva_manuals CONFIGURE_DEPENDS docs/man/*.1 docs/man/*.8)
+foreach(page IN LISTS kelva_manuals)
+  cmake_path(GET page EXTENSION LAST_ONLY section)
+  string(SUBSTRING "${section}" 1 -1 section)
+  install(FILES "${page}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+endforeach()

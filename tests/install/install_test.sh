@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Installs a build into a scratch prefix, and builds and runs a program against it with CMake and with pkg-config.
+# Usage: install_test.sh BUILD_FOLDER COMPILER
+set -euo pipefail
+build=$1
+compiler=$2
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+
+fail() {
+  printf 'install_test: %s\n' "$*" >&2
+  exit 1
+}
+
+expect_consumer() {
+  local said
+  said=$("$1") || fail "$1 ended with $?"
+  case $said in
+    *"a picture is called IMG_0007.JPG"*) ;;
+    *) fail "$1 said: $said" ;;
+  esac
+}
+
+cmake --install "$build" --prefix "$scratch/installed" >"$scratch/install.log" || fail "cmake --install: $(cat "$scratch/install.log")"
+# Moved, so that a path of the build or of the first place would show.
+mv "$scratch/installed" "$scratch/moved"
+
+for file in include/kelva/Camera.h include/kelva/OsxCamera.h include/kelva/darwin/IOKit/IOKitLib.h \
+  include/kelva/darwin/CoreFoundation/CoreFoundation.h bin/kelva bin/kelva-vcam bin/kelva-helper; do
+  [ -f "$scratch/moved/$file" ] || fail "$file was not installed"
+done
+for program in kelva kelva-vcam kelva-helper; do
+  "$scratch/moved/bin/$program" --version >/dev/null || fail "the installed $program does not start"
+done
+
+cmake -S "$here/consumer" -B "$scratch/consumer" -DCMAKE_PREFIX_PATH="$scratch/moved" -DCMAKE_CXX_COMPILER="$compiler" \
+  >"$scratch/configure.log" || fail "find_package(Kelva): $(cat "$scratch/configure.log")"
+cmake --build "$scratch/consumer" >"$scratch/build.log" || fail "building with CMake: $(cat "$scratch/build.log")"
+expect_consumer "$scratch/consumer/consumer"
+
+pc=$(find "$scratch/moved" -name kelva.pc)
+[ -n "$pc" ] || fail "kelva.pc was not installed"
+flags=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --cflags --libs kelva)
+# shellcheck disable=SC2086 # the flags are several words
+"$compiler" -std=c++20 "$here/consumer/main.cpp" -o "$scratch/with-pkg-config" $flags
+expect_consumer "$scratch/with-pkg-config"
