@@ -4,10 +4,10 @@
 #include "vcam/device/CameraPath.h"
 #include "vcam/device/Handlers.h"
 #include "vcam/device/Pictures.h"
-#include "vcam/device/Register.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
 #include "wifi/DcfObj.h"
+#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
@@ -120,35 +120,35 @@ Reply DeleteBatch(Device& device, const Command& command) {
 }
 
 Reply HandleAction(Device& device, const Command& command) {
-  switch (command.cdb[2]) {
-    case kActionCapture:
+  switch (command.cdb[vsc::at::kSubCode]) {
+    case vsc::action::kCaptureImage:
       return CapturePicture(device, command);
-    case kActionDeleteFile:
+    case vsc::action::kDeleteFile:
       return DeletePath(device, command);
-    case kActionUpgradeEnd:
+    case vsc::action::kEndUpgrade:
       return HandleUpgradeEnd(device, command);
-    case kActionReboot:
+    case vsc::action::kReboot:
       return Reboot(device, command);
-    case kActionSetTime:
+    case vsc::action::kSetTime:
       return SetTime(device, command);
-    case kActionDeletePicture:
+    case vsc::action::kDeletePicture:
       return DeletePicture(device, command);
-    case kActionDeleteBatch:
+    case vsc::action::kDeleteBatch:
       return DeleteBatch(device, command);
-    case kActionSsid0:
-    case kActionSsid1:
-      return SetNetworkName(device, command, command.cdb[2] - kActionSsid0);
-    case kActionPassphrase0:
-    case kActionPassphrase1:
-      return SetPassphrase(device, command, command.cdb[2] - kActionPassphrase0);
-    case kActionAuthType:
+    case vsc::action::kWifiNameType0:
+    case vsc::action::kWifiNameType1:
+      return SetNetworkName(device, command, command.cdb[vsc::at::kSubCode] - vsc::action::kWifiNameType0);
+    case vsc::action::kWifiPassphraseType0:
+    case vsc::action::kWifiPassphraseType1:
+      return SetPassphrase(device, command, command.cdb[vsc::at::kSubCode] - vsc::action::kWifiPassphraseType0);
+    case vsc::action::kWifiAuthType:
       return NoteAuthType(device, command);
-    case kActionManualControl:
+    case vsc::action::kManualControl:
       return NoteManualControl(device, command);
-    case kActionWifiOff:
+    case vsc::action::kDisableWifi:
       return SwitchWifiOff(device, command);
-    case kActionMonitorChar:
-    case kActionMonitorLine:
+    case vsc::action::kMonitorSingleChar:
+    case vsc::action::kMonitorLine:
       return Monitor(device, command);
     default:
       return Refuse(sense::kBadCommandField);

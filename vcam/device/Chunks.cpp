@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "vcam/device/Handlers.h"
-#include "vcam/device/Register.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
 
@@ -34,10 +33,11 @@ Reply WriteToFile(Device& device, std::uint32_t offset, std::span<const std::uin
 }  // namespace
 
 Reply HandleReadChunk(Device& device, const Command& command) {
-  if (!device.selected || device.selected->readSubcode != command.cdb[2]) return Refuse(sense::kWrongSequence);
+  if (!device.selected || device.selected->readSubcode != command.cdb[vsc::at::kSubCode])
+    return Refuse(sense::kWrongSequence);
   if (!MayAnswer(command)) return Refuse(sense::kBadCommandField);
   DataSet& data = device.selected->data;
-  const auto offset = Load<std::uint32_t>(command.cdb, 3);
+  const auto offset = Load<std::uint32_t>(command.cdb, vsc::at::kReadOffset);
   if (offset > data.size()) return Refuse(sense::kOutOfRange);
   if (command.direction == Direction::kNone) return Done();
   Bytes bytes(static_cast<std::size_t>(std::min<std::uint64_t>(command.length, data.size() - offset)));
@@ -47,7 +47,7 @@ Reply HandleReadChunk(Device& device, const Command& command) {
 
 Reply HandleWriteChunk(Device& device, const Command& command) {
   if (command.direction != Direction::kToCamera) return Refuse(sense::kWrongDataLength);
-  const auto offset = Load<std::uint32_t>(command.cdb, 2);
+  const auto offset = Load<std::uint32_t>(command.cdb, vsc::at::kWriteOffset);
   if (device.writing) return WriteToFile(device, offset, command.data);
   if (!device.upgrade.Receiving()) return Refuse(sense::kWrongSequence);
   if (!device.upgrade.Receive(offset, command.data)) return Refuse(sense::kOutOfRange);
@@ -56,7 +56,7 @@ Reply HandleWriteChunk(Device& device, const Command& command) {
 
 Reply HandleWriteEnd(Device& device, const Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
-  if (command.cdb[2] != 0) return Refuse(sense::kBadCommandField);
+  if (command.cdb[vsc::at::kSubCode] != 0) return Refuse(sense::kBadCommandField);
   if (!device.writing) return Refuse(sense::kWrongSequence);
   device.console.Log("wrote " + device.writing->path + ", " + std::to_string(device.writing->size) + " bytes");
   device.writing.reset();
@@ -65,7 +65,7 @@ Reply HandleWriteEnd(Device& device, const Command& command) {
 
 Reply HandleUpgradeStart(Device& device, const Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
-  const auto length = Load<std::uint32_t>(command.cdb, 2);
+  const auto length = Load<std::uint32_t>(command.cdb, vsc::at::kUpgradeLength);
   device.writing.reset();
   device.upgrade.Start(length);
   device.console.Log("upgrade announced, " + std::to_string(length) + " bytes");

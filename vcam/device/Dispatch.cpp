@@ -1,30 +1,35 @@
 #include "vcam/device/Handlers.h"
-#include "vcam/device/Register.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
+#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
 
 bool AllowedWhileBusy(const Command& command) {
-  return command.cdb[0] == kOpQuery && command.cdb[2] != kQuerySize;
+  return Is(command, vsc::Operation::kQuery) && command.cdb[vsc::at::kSubCode] != vsc::query::kSelectedSize;
+}
+
+bool IsVendorCommand(const Command& command) {
+  return command.cdb[0] >= static_cast<std::uint8_t>(vsc::Operation::kAction) &&
+         command.cdb[0] <= static_cast<std::uint8_t>(vsc::Operation::kQuery);
 }
 
 Reply DispatchReady(Device& device, const Command& command) {
-  switch (command.cdb[0]) {
-    case kOpAction:
+  switch (static_cast<vsc::Operation>(command.cdb[0])) {
+    case vsc::Operation::kAction:
       return HandleAction(device, command);
-    case kOpUpgradeStart:
+    case vsc::Operation::kBeginUpgrade:
       return HandleUpgradeStart(device, command);
-    case kOpSelect:
+    case vsc::Operation::kSelect:
       return HandleSelect(device, command);
-    case kOpWriteEnd:
+    case vsc::Operation::kEndWrite:
       return HandleWriteEnd(device, command);
-    case kOpReadChunk:
+    case vsc::Operation::kReadChunk:
       return HandleReadChunk(device, command);
-    case kOpWriteChunk:
+    case vsc::Operation::kWriteChunk:
       return HandleWriteChunk(device, command);
-    case kOpQuery:
+    case vsc::Operation::kQuery:
       return HandleQuery(device, command);
     default:
       return Refuse(sense::kUnknownOperation);
@@ -34,7 +39,7 @@ Reply DispatchReady(Device& device, const Command& command) {
 }  // namespace
 
 Reply Dispatch(Device& device, const Command& command) {
-  if (command.cdb[0] < kOpAction || command.cdb[0] > kOpQuery) return Refuse(sense::kUnknownOperation);
+  if (!IsVendorCommand(command)) return Refuse(sense::kUnknownOperation);
   if (command.cdb[1] != 0) return Refuse(sense::kBadCommandField);
   if (command.direction != Direction::kNone && command.length > kMaxTransferLength)
     return Refuse(sense::kBadCommandField);

@@ -2,9 +2,9 @@
 #include <bit>
 
 #include "vcam/device/Handlers.h"
-#include "vcam/device/Register.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
+#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
@@ -50,22 +50,22 @@ Reply ManualControls(Device& device, const Command& command) {
 }  // namespace
 
 Reply HandleQuery(Device& device, const Command& command) {
-  switch (command.cdb[2]) {
-    case kQuerySize:
+  switch (command.cdb[vsc::at::kSubCode]) {
+    case vsc::query::kSelectedSize:
       return Size(device, command);
-    case kQueryUpgrade:
+    case vsc::query::kUpgradeStatus:
       return Answer(command, device.upgrade.Status(device.options.now()));
-    case kQueryConsole:
+    case vsc::query::kConsoleLog:
       return ConsolePiece(device, command);
-    case kQueryTime:
+    case vsc::query::kTime:
       return Answer(command, device.clock.Read());
-    case kQueryReady:
+    case vsc::query::kReady:
       return Answer(command, BytesOf(static_cast<std::uint32_t>(device.Ready())));
-    case kQueryDoneCount:
+    case vsc::query::kDoneCommands:
       return Answer(command, BytesOf(device.doneCount));
-    case kQueryBattery:
+    case vsc::query::kBattery:
       return Answer(command, BytesOf(device.battery));
-    case kQueryManualControls:
+    case vsc::query::kManualControls:
       return ManualControls(device, command);
     default:
       return Refuse(sense::kBadCommandField);

@@ -6,6 +6,7 @@
 
 #include "vcam/device/Bytes.h"
 #include "vcam/device/Command.h"
+#include "wifi/VscRegister.h"
 
 // The few shapes that a reply takes, and the few questions that handlers ask of a command.
 
@@ -18,6 +19,9 @@ Reply Refuse(Sense reason);
 /// Good status with as much of `bytes` as the host has room for; none when it declared no data phase.
 Reply Answer(const Command& command, Bytes bytes);
 
+inline bool Is(const Command& command, vsc::Operation operation) {
+  return command.cdb[vsc::at::kOperation] == static_cast<std::uint8_t>(operation);
+}
 /// Whether the data phase, if any, runs from the camera.
 bool MayAnswer(const Command& command);
 /// Whether the command has no data phase, or one of no bytes.

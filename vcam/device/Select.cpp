@@ -9,9 +9,9 @@
 #include "vcam/device/Information.h"
 #include "vcam/device/Listing.h"
 #include "vcam/device/Pictures.h"
-#include "vcam/device/Register.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
+#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
@@ -31,7 +31,7 @@ Reply Prepared(Device& device, const Command& command, DataSet data, std::uint8_
 Reply SelectInformation(Device& device, const Command& command) {
   DataSet data;
   data.AddBytes(InformationRecord(device, data.marks));
-  return Prepared(device, command, std::move(data), kReadPlain);
+  return Prepared(device, command, std::move(data), vsc::read_chunk::kSelected);
 }
 
 Reply OpenForReading(Device& device, const Command& command, const std::string& path) {
@@ -39,7 +39,7 @@ Reply OpenForReading(Device& device, const Command& command, const std::string& 
   if (!opened.file) return Refuse(SenseOfErrno(opened.error));
   DataSet data;
   data.AddOpenFile(std::move(opened.file), opened.stamp.size);
-  return Prepared(device, command, std::move(data), kReadPlain);
+  return Prepared(device, command, std::move(data), vsc::read_chunk::kSelected);
 }
 
 Reply OpenForWriting(Device& device, const Command& command, const std::string& path) {
@@ -54,9 +54,9 @@ Reply SelectFile(Device& device, const Command& command) {
   if (!text) return Refuse(sense::kWrongDataLength);
   const std::optional<std::string> path = RelativePath(*text);
   if (!path || path->empty()) return Refuse(sense::kBadParameter);
-  if (command.cdb[3] > kOpenForWriting) return Refuse(sense::kBadCommandField);
-  return command.cdb[3] == kOpenForWriting ? OpenForWriting(device, command, *path)
-                                           : OpenForReading(device, command, *path);
+  if (command.cdb[vsc::at::kParameter] > vsc::kSelectForWriting) return Refuse(sense::kBadCommandField);
+  return command.cdb[vsc::at::kParameter] == vsc::kSelectForWriting ? OpenForWriting(device, command, *path)
+                                                                    : OpenForReading(device, command, *path);
 }
 
 std::string KeyOfFirstFile(Device& device, const Picture& picture) {
@@ -70,7 +70,7 @@ Reply SelectCatalogue(Device& device, const Command& command) {
   for (const Picture& picture : FindPictures(device.storage))
     records.push_back(
         PlainRecord(picture, device.options.keysInCatalogue ? KeyOfFirstFile(device, picture) : std::string()));
-  return Prepared(device, command, BuildCatalogue(records, device.options.catalogue), kReadPlain);
+  return Prepared(device, command, BuildCatalogue(records, device.options.catalogue), vsc::read_chunk::kSelected);
 }
 
 Reply SelectListing(Device& device, const Command& command) {
@@ -79,7 +79,7 @@ Reply SelectListing(Device& device, const Command& command) {
   const std::optional<std::string> path = RelativePath(*text);
   if (!path) return Refuse(sense::kBadParameter);
   if (!device.storage.HasDirectory(*path)) return Refuse(sense::kNotFound);
-  return Prepared(device, command, BuildListing(device.storage.List(*path), path->empty()), kReadPlain);
+  return Prepared(device, command, BuildListing(device.storage.List(*path), path->empty()), vsc::read_chunk::kSelected);
 }
 
 /// The file with this key, or the file of the same picture with another extension; without a path when there is none.
@@ -102,7 +102,7 @@ Reply SelectBatch(Device& device, const Command& command) {
   device.keys.Refresh(device.storage);
   std::vector<BundleFile> files;
   for (const BatchItem& item : *items) files.push_back(FindItem(device, item));
-  return Prepared(device, command, BuildBatchBundle(files), kReadBundle);
+  return Prepared(device, command, BuildBatchBundle(files), vsc::read_chunk::kBundle);
 }
 
 Reply SelectCompressedRaw(Device& device, const Command& command) {
@@ -112,34 +112,34 @@ Reply SelectCompressedRaw(Device& device, const Command& command) {
   device.keys.Refresh(device.storage);
   const BundleFile raw = FindItem(device, {*text, "RAW"});
   if (raw.path.empty()) return Refuse(sense::kNotFound);
-  return Prepared(device, command, BuildCompressedRawBundle(raw), kReadBundle);
+  return Prepared(device, command, BuildCompressedRawBundle(raw), vsc::read_chunk::kBundle);
 }
 
 Reply SelectCrashLogs(Device& device, const Command& command) {
-  return Prepared(device, command, BuildCrashLogBundle(FindCrashLogs(device.storage)), kReadBundle);
+  return Prepared(device, command, BuildCrashLogBundle(FindCrashLogs(device.storage)), vsc::read_chunk::kBundle);
 }
 
 Reply SelectCalibration(Device& device, const Command& command) {
-  return Prepared(device, command, BuildCalibrationBundle(FindCalibration(device.storage)), kReadBundle);
+  return Prepared(device, command, BuildCalibrationBundle(FindCalibration(device.storage)), vsc::read_chunk::kBundle);
 }
 
 Reply Select(Device& device, const Command& command) {
-  switch (command.cdb[2]) {
-    case kSelectInformation:
+  switch (command.cdb[vsc::at::kSubCode]) {
+    case vsc::select::kInformation:
       return SelectInformation(device, command);
-    case kSelectFile:
+    case vsc::select::kFile:
       return SelectFile(device, command);
-    case kSelectCatalogue:
+    case vsc::select::kCatalogue:
       return SelectCatalogue(device, command);
-    case kSelectListing:
+    case vsc::select::kDirectory:
       return SelectListing(device, command);
-    case kSelectBatch:
+    case vsc::select::kBatch:
       return SelectBatch(device, command);
-    case kSelectCalibration:
+    case vsc::select::kCalibration:
       return SelectCalibration(device, command);
-    case kSelectCompressedRaw:
+    case vsc::select::kCompressedRaw:
       return SelectCompressedRaw(device, command);
-    case kSelectCrashLogs:
+    case vsc::select::kCrashLogs:
       return SelectCrashLogs(device, command);
     default:
       return Refuse(sense::kBadCommandField);
@@ -147,14 +147,14 @@ Reply Select(Device& device, const Command& command) {
 }
 
 bool TakesText(std::uint8_t selection) {
-  return selection == kSelectFile || selection == kSelectListing || selection == kSelectBatch ||
-         selection == kSelectCompressedRaw;
+  return selection == vsc::select::kFile || selection == vsc::select::kDirectory || selection == vsc::select::kBatch ||
+         selection == vsc::select::kCompressedRaw;
 }
 
 }  // namespace
 
 Reply HandleSelect(Device& device, const Command& command) {
-  if (!TakesText(command.cdb[2]) && !HasNoData(command)) return Refuse(sense::kWrongDataLength);
+  if (!TakesText(command.cdb[vsc::at::kSubCode]) && !HasNoData(command)) return Refuse(sense::kWrongDataLength);
   // Whatever was selected is gone, also when this selection is refused.
   device.selected.reset();
   device.writing.reset();

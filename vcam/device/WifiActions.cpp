@@ -53,9 +53,9 @@ Reply NoteAuthType(Device& device, const Command& command) {
 Reply NoteManualControl(Device& device, const Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   const Settings before = device.settings;
-  device.settings.lastManualControl = command.cdb[3];
+  device.settings.lastManualControl = command.cdb[vsc::at::kParameter];
   ++device.settings.manualControlCommands;
-  device.console.Log("manual control " + std::to_string(command.cdb[3]));
+  device.console.Log("manual control " + std::to_string(command.cdb[vsc::at::kParameter]));
   return SaveOrRevert(device, command, before);
 }
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "vcam/device/Bytes.h"
-#include "vcam/device/Register.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
+#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
@@ -17,16 +17,13 @@ constexpr std::uint8_t kFiller = 0xEE;
 constexpr std::uint8_t kNameFiller = 'A';
 constexpr std::size_t kWord = sizeof(std::uint32_t);
 
-bool Is(const Command& command, std::uint8_t operation) {
-  return command.cdb[0] == operation;
-}
 bool IsQuery(const Command& command, std::uint8_t query) {
-  return Is(command, kOpQuery) && command.cdb[2] == query;
+  return Is(command, vsc::Operation::kQuery) && command.cdb[vsc::at::kSubCode] == query;
 }
 
 /// Where this answer starts in the selected data set.
 std::uint64_t StartOf(const Command& command) {
-  return Load<std::uint32_t>(command.cdb, 3);
+  return Load<std::uint32_t>(command.cdb, vsc::at::kReadOffset);
 }
 
 void Add(Reply& reply, std::size_t count) {
@@ -65,7 +62,7 @@ bool OverwriteNames(const std::vector<Marks::Name>& names, std::uint64_t start, 
 }
 
 bool ReadsSelection(const FalsifiedCommand& about) {
-  return Is(about.command, kOpReadChunk) && about.marks != nullptr;
+  return Is(about.command, vsc::Operation::kReadChunk) && about.marks != nullptr;
 }
 
 void WrongNumber(const FalsifiedCommand& about, const std::vector<std::uint64_t> Marks::*marks, std::uint32_t value,
@@ -88,8 +85,8 @@ void MissingNul(const FalsifiedCommand& about, Reply& reply) {
 
 void NeverEnding(const FalsifiedCommand& about, Reply& reply) {
   const Command& command = about.command;
-  const bool isConsole = IsQuery(command, kQueryConsole);
-  if (command.direction == Direction::kFromCamera && (Is(command, kOpReadChunk) || isConsole)) {
+  const bool isConsole = IsQuery(command, vsc::query::kConsoleLog);
+  if (command.direction == Direction::kFromCamera && (Is(command, vsc::Operation::kReadChunk) || isConsole)) {
     if (command.length > kMaxTransferLength) return;
     reply.status = kStatusGood;
     reply.data.resize(command.length, kFiller);
@@ -109,7 +106,7 @@ void AnotherAnswer(const FalsifiedCommand& about, Reply& reply) {
 }
 
 void LieAboutSize(const FalsifiedCommand& about, Reply& reply) {
-  if (IsQuery(about.command, kQuerySize) && reply.data.size() == kWord) {
+  if (IsQuery(about.command, vsc::query::kSelectedSize) && reply.data.size() == kWord) {
     Store(std::span(reply.data), 0, Load<std::uint32_t>(reply.data, 0) + kSizeLie);
   } else if (about.isTheOne) {
     reply.moved += kSizeLie;
