@@ -1,0 +1,22 @@
+#import "PVAppDelegate.h"
+
+#include "Callback.h"
+#include "Camera.h"
+
+namespace {
+
+// False while the cameras that are there already are reported. Callbacks read it for as long as the process lives, so
+// it outlives the method that registers them.
+bool launch = false;
+
+}  // namespace
+
+@implementation PVAppDelegate
+
+- (void)applicationDidFinishLaunching:(NSNotification*)__unused notification {
+  launch = false;
+  Camera::ListenForCameraAttach(Callback, &launch, false);
+  launch = true;
+}
+
+@end

@@ -1,0 +1,27 @@
+#import <Cocoa/Cocoa.h>
+
+#import "PVAppDelegate.h"
+
+/// Gives the application its delegate, which a nib file would otherwise do: this agent has no window, and so no nib.
+/// A class of its own, so that the delegate is nothing but a delegate.
+@interface PVDelegateAttachment : NSObject
+@end
+
+@implementation PVDelegateAttachment
+
++ (void)load {
+  @autoreleasepool {
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(attachDelegate:)
+                                                 name:NSApplicationWillFinishLaunchingNotification
+                                               object:nil];
+  }
+}
+
++ (void)attachDelegate:(NSNotification*)__unused notification {
+  // The application does not retain its delegate; this reference does, until the process ends.
+  static PVAppDelegate* delegate = [[PVAppDelegate alloc] init];
+  [NSApp setDelegate:delegate];
+}
+
+@end
