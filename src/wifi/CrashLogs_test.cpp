@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "testing/NoPlatform.h"
+#include "testing/ScriptedCamera.h"
+#include "testing/Switches.h"
+
+namespace {
+
+using namespace wifi_testing;
+
+void ExpectBundle(ScriptedCamera& camera, int subCode, const std::string& bundle) {
+  camera.Expect({0xC2, 0x00, subCode});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers(Le32(static_cast<std::uint32_t>(bundle.size())));
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(bundle);
+}
+
+// "name:body" of each file, and its announced size where it differs.
+std::vector<std::string> Shown(const std::vector<_Sha1obj>& files) {
+  std::vector<std::string> texts;
+  for (const _Sha1obj& file : files) {
+    texts.push_back(file.name + ":" + ToString(file.data));
+    EXPECT_EQ(file.size, file.data.size());
+  }
+  return texts;
+}
+
+std::vector<std::string> CrashLogs(const std::string& bundle) {
+  ScriptedCamera camera;
+  ExpectBundle(camera, 0x08, bundle);
+  return Shown(camera.ReadCrashLogs(nullptr, nullptr, false, true));
+}
+
+// Two entries of 5 and 3 bytes: the table ends at 76, and yet the bodies begin at 72. So the first body holds the last
+// four bytes of the second name's field, which are zero unless the name is that long.
+const std::string kTwoLogs = Bytes({2, 0, 0, 0}) +                           //
+                             Bytes({5, 0, 0, 0}) + Field("L:\\a.log", 32) +  //
+                             Bytes({3, 0, 0, 0}) + Field("L:\\b.log", 28) +  // up to byte 72
+                             "Aaaaa" + "Bbb";
+
+TEST(ReadCrashLogs, BodiesBeginAtThirtySixTimesTheCount) {
+  ASSERT_EQ(kTwoLogs.size(), 80u);
+  EXPECT_EQ(CrashLogs(kTwoLogs), (std::vector<std::string>{"L:\\a.log:Aaaaa", "L:\\b.log:Bbb"}));
+}
+
+TEST(ReadCrashLogs, SendsItsCommandsInOrder) {
+  ScriptedCamera camera;
+  camera.Expect({0xC2, 0x00, 0x08});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({80, 0, 0, 0});
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kTwoLogs);
+  camera.ReadCrashLogs(nullptr, nullptr, false, true);
+  EXPECT_EQ(camera.calls, (Calls{"IsOpen", "ClearCancel true", "Transfer true", "Transfer true", "Transfer true"}));
+}
+
+TEST(ReadCrashLogs, AnEmptyEntryIsLeftOutAndDoesNotMoveTheBodies) {
+  const std::string bundle = Bytes({3, 0, 0, 0}) +                                                          //
+                             Bytes({2, 0, 0, 0}) + Field("a", 32) + Bytes({0, 0, 0, 0}) + Field("b", 32) +  //
+                             Bytes({4, 0, 0, 0}) + Field("c", 28) + "AA" + "CCCC";
+  EXPECT_EQ(CrashLogs(bundle), (std::vector<std::string>{"a:AA", "c:CCCC"}));
+}
+
+TEST(ReadCrashLogs, WithoutEntriesIsEmptyAndDeletesNothing) {
+  ScriptedCamera camera;
+  ExpectBundle(camera, 0x08, Bytes({0, 0, 0, 0}));
+  EXPECT_TRUE(camera.ReadCrashLogs(nullptr, nullptr, true, true).empty());
+}
+
+TEST(ReadCrashLogs, DeletesEachReturnedLogInOrderWhenAsked) {
+  ScriptedCamera camera;
+  ExpectBundle(camera, 0x08, kTwoLogs);
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\a.log"));
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\b.log"));
+  EXPECT_EQ(Shown(camera.ReadCrashLogs(nullptr, nullptr, true, true)).size(), 2u);
+}
+
+// The flag of the call goes to the transfers of the read; a deletion is a command of its own.
+TEST(ReadCrashLogs, DeletesWithTheFlagOfADeletion) {
+  ScriptedCamera camera;
+  camera.Expect({0xC2, 0x00, 0x08}).Flag(false);
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({80, 0, 0, 0}).Flag(false);
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kTwoLogs).Flag(false);
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\a.log")).Flag(true);
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\b.log")).Flag(true);
+  EXPECT_EQ(camera.ReadCrashLogs(nullptr, nullptr, true, false).size(), 2u);
+  EXPECT_EQ(camera.calls, (Calls{"IsOpen", "ClearCancel false", "Transfer false", "Transfer false", "Transfer false",
+                                 "ClearCancel true", "Transfer true", "ClearCancel true", "Transfer true"}));
+}
+
+TEST(ReadCrashLogs, AFailedDeletionStopsNothing) {
+  ScriptedCamera camera;
+  ExpectBundle(camera, 0x08, kTwoLogs);
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\a.log")).Fails();
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\b.log"));
+  EXPECT_EQ(camera.ReadCrashLogs(nullptr, nullptr, true, true).size(), 2u);
+}
+
+class DeletingCamera : public ScriptedCamera {
+ public:
+  bool DeleteFile(const char* path) override {
+    deleted.emplace_back(path);
+    return false;
+  }
+  std::vector<std::string> deleted;
+};
+
+TEST(ReadCrashLogs, DeletesThroughTheDeletionOfTheCamera) {
+  DeletingCamera camera;
+  ExpectBundle(camera, 0x08, kTwoLogs);
+  EXPECT_EQ(camera.ReadCrashLogs(nullptr, nullptr, true, true).size(), 2u);
+  EXPECT_EQ(camera.deleted, (std::vector<std::string>{"L:\\a.log", "L:\\b.log"}));
+}
+
+TEST(ReadCrashLogs, OfAnEmptyBundleIsEmptyAndDeletesNothing) {
+  DeletingCamera camera;
+  camera.Expect({0xC2, 0x00, 0x08});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({80, 0, 0, 0});
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers("");
+  EXPECT_TRUE(camera.ReadCrashLogs(nullptr, nullptr, true, true).empty());
+  EXPECT_TRUE(camera.deleted.empty());
+}
+
+TEST(ReadCrashLogs, OfAFailedChunkDeletesNothing) {
+  DeletingCamera camera;
+  camera.Expect({0xC2, 0x00, 0x08});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({80, 0, 0, 0});
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kTwoLogs).ReturnsFalse();
+  EXPECT_TRUE(camera.ReadCrashLogs(nullptr, nullptr, true, true).empty());
+  EXPECT_TRUE(camera.deleted.empty());
+}
+
+TEST(ReadCrashLogs, ReceivedLengthIsNotComparedWithTheAnnouncedTotal) {
+  for (const int announced : {1, 200}) {
+    ScriptedCamera camera;
+    camera.Expect({0xC2, 0x00, 0x08});
+    camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({announced, 0, 0, 0});
+    camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kTwoLogs + "surplus");
+    EXPECT_EQ(camera.ReadCrashLogs(nullptr, nullptr, false, true).size(), 2u);
+  }
+}
+
+TEST(ReadCrashLogs, OfAShortBundleIsEmptyAndDeletesNothing) {
+  for (const std::size_t length :
+       {std::size_t{1}, std::size_t{3}, std::size_t{4}, std::size_t{40}, std::size_t{72}, std::size_t{79}}) {
+    DeletingCamera camera;
+    ExpectBundle(camera, 0x08, kTwoLogs.substr(0, length));
+    EXPECT_TRUE(camera.ReadCrashLogs(nullptr, nullptr, true, true).empty()) << length;
+    EXPECT_TRUE(camera.deleted.empty());
+  }
+}
+
+TEST(ReadCrashLogs, OfAHugeCountOrSizeIsEmpty) {
+  EXPECT_TRUE(CrashLogs(Bytes({0xFF, 0xFF, 0xFF, 0xFF}) + std::string(100, '\0')).empty());
+  EXPECT_TRUE(CrashLogs(Bytes({0x1D, 0xC7, 0x71, 0x1C}) + std::string(100, '\0')).empty());  // 36 x N wraps to 20
+  std::string hugeSize = kTwoLogs;
+  hugeSize.replace(4, 4, Bytes({0xFF, 0xFF, 0xFF, 0xFF}));
+  EXPECT_TRUE(CrashLogs(hugeSize).empty());
+}
+
+TEST(ReadCrashLogs, ANameWithoutNulEndsAtItsWidth) {
+  const std::string bundle = Bytes({1, 0, 0, 0, 4, 0, 0, 0}) + std::string(28, 'n') + "BODY";
+  EXPECT_EQ(CrashLogs(bundle), std::vector<std::string>{std::string(28, 'n') + "BODY:BODY"});
+}
+
+}  // namespace
