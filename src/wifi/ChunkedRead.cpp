@@ -22,6 +22,7 @@ bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, C
   _VscCdb cdb = Block(Operation::kReadChunk, read.subCode);
   std::vector<char> buffer;
   for (std::uint32_t offset = 0;;) {
+    read.progress.BeforeChunk(offset);
     const int asked = chunkSize;
     if (asked <= 0) {
       return false;
@@ -30,7 +31,6 @@ bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, C
     if (buffer.size() < capacity) {
       buffer.resize(capacity);
     }
-    read.progress.BeforeChunk(offset);
     StoreU32(cdb.bytes + at::kReadOffset, offset);
     int moved = asked;
     if (!camera.Transfer(cdb, kFromCamera, moved, buffer.data(), read.flag)) {
