@@ -70,9 +70,14 @@ install_packages() {
   rm -f "$log"
 }
 
-# last_complaint LOG: the line of a package manager's log that says best what went wrong.
+# last_complaint LOG: the line of a package manager's log that says best what went wrong; an unreachable server first.
 last_complaint() {
-  { grep -E '^(E:|Err|Error|W:)' "$1" || tail -n 1 "$1"; } | tail -n 1
+  local pattern
+  for pattern in 'Temporary failure|Could not (resolve|connect)|Connection (failed|refused|timed out)' '^(E:|Err|Error)' '.'; do
+    if grep -E "$pattern" "$1" | tail -n 1 | sed 's/^ *//' | grep .; then
+      return
+    fi
+  done
 }
 
 # need_packages GROUP...: makes sure that the packages of these groups are installed.

@@ -1,8 +1,8 @@
-"""Every X.cpp of the library, the substitute and the virtual camera has its X_test.cpp beside it."""
+"""Every X.cpp of the product has its X_test.cpp beside it."""
 
 import repository
 
-FOLDERS = ("src", "darwin", "vcam", "tools")
+FOLDERS = ("src", "tools")
 # A main without a decision in it is tested by the end-to-end tests.
 EXEMPT = ("main.cpp",)
 
