@@ -1,0 +1,27 @@
+#include "frame/Context.h"
+
+#include <utility>
+
+#include "frame/Schema.h"
+
+namespace kelva {
+
+std::string ResultLine(std::string_view verb, ExitCode code, Json members) {
+  Json document = Json::Object();
+  document.Set("schema", kJsonSchema).Set("command", verb).Set("exit", static_cast<int>(code));
+  document.Set("ok", code == ExitCode::kDone);
+  return document.Merge(std::move(members)).Text() + "\n";
+}
+
+void Context::Result(kelva::Json members, std::string_view text, ExitCode code) {
+  hasResult_ = true;
+  out.Add(Json() ? ResultLine(call.verb->name, code, std::move(members)) : std::string(text));
+  out.Flush();
+}
+
+void Context::Event(std::string_view event, kelva::Json members, std::string_view text) {
+  out.Add(Json() ? EventLine(event, std::move(members)) : std::string(text));
+  out.Flush();
+}
+
+}  // namespace kelva

@@ -1,0 +1,52 @@
+#ifndef KELVA_CLI_FRAME_CONTEXT_H_
+#define KELVA_CLI_FRAME_CONTEXT_H_
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "frame/Json.h"
+#include "frame/Output.h"
+#include "frame/Parse.h"
+#include "frame/Reporter.h"
+#include "frame/StdoutDiversion.h"
+#include "frame/Stop.h"
+
+namespace kelva {
+
+/// What a verb works with. Lives as long as the verb runs and belongs to its thread, but for the reporter and the stop.
+class Context {
+ public:
+  const Invocation& call;
+  Output& out;
+  Reporter& reporter;
+  const Stop& stop;
+  StdoutDiversion& diversion;
+
+  Context(const Invocation& invocation, Output& output, Reporter& messages, const Stop& stopRequest,
+          StdoutDiversion& diverted)
+      : call(invocation), out(output), reporter(messages), stop(stopRequest), diversion(diverted) {}
+
+  /// Says what is being tried, for the sentence of a failure: "read I:\X.JPG". Printable.
+  void Doing(std::string what) { doing_ = std::move(what); }
+  const std::string& WasDoing() const { return doing_; }
+  /// Whether the result was given, so that a failure after it does not give a second document.
+  bool HasResult() const { return hasResult_; }
+
+  bool Json() const { return reporter.Style().json; }
+  /// The result of the whole command, once: its members in JSON style, else its text. `code` is how the command ends.
+  void Result(kelva::Json members, std::string_view text, ExitCode code = ExitCode::kDone);
+  /// One of many results, given at once: a JSON object on a line of its own, else its text.
+  void Event(std::string_view event, kelva::Json members, std::string_view text);
+
+ private:
+  std::string doing_;
+  bool hasResult_ = false;
+};
+
+/// The document that says how a command ended; `members` follow.
+std::string ResultLine(std::string_view verb, ExitCode code, Json members);
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_FRAME_CONTEXT_H_

@@ -1,0 +1,31 @@
+#ifndef KELVA_CLI_FRAME_OUTPUT_H_
+#define KELVA_CLI_FRAME_OUTPUT_H_
+
+#include <string>
+#include <string_view>
+
+namespace kelva {
+
+/// Writes everything, through signals and short writes. Returns 0 or errno.
+int WriteAll(int fd, std::string_view bytes);
+
+/// The tool's standard output: results and nothing else. Collects until Flush. Not for use from two threads.
+class Output {
+ public:
+  /// `fd` stays the caller's.
+  explicit Output(int fd) : fd_(fd) {}
+
+  void Add(std::string_view text) { pending_ += text; }
+  /// Writes what was collected. Throws Failure when the reader has gone or the disk is full.
+  void Flush();
+  /// Whether a person sees it.
+  bool IsTerminal() const;
+
+ private:
+  int fd_;
+  std::string pending_;
+};
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_FRAME_OUTPUT_H_

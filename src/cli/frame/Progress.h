@@ -1,0 +1,53 @@
+#ifndef KELVA_CLI_FRAME_PROGRESS_H_
+#define KELVA_CLI_FRAME_PROGRESS_H_
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+#include "frame/Reporter.h"
+#include "frame/Stop.h"
+
+namespace kelva {
+
+/// What a bar shows at one moment.
+struct ProgressView {
+  std::string_view what;  ///< printable
+  unsigned long long done;
+  unsigned long long total;  ///< 0 when unknown
+  std::chrono::duration<double> elapsed;
+};
+
+/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left.
+std::string ProgressLine(const ProgressView& view, std::size_t columns);
+
+/// Shows how far a transfer is: a bar on a terminal, events in JSON style, nothing elsewhere. It also is the place where
+/// a running transfer notices that it has to stop. Used from the thread that transfers.
+class Progress {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  /// `what` are a camera's bytes; they are made printable here. `total` is in bytes, 0 when unknown.
+  Progress(Reporter& reporter, const Stop& stop, std::string_view what, unsigned long long total);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// Shows a new state, not more often than eyes (ten a second) or scripts (two a second) can use. Throws Stopped.
+  void At(unsigned long long done, Clock::time_point now = Clock::now());
+
+  /// The library's progress callback; its context is a Progress.
+  static void Callback(void* progress, float fraction);
+
+ private:
+  Reporter& reporter_;
+  const Stop& stop_;
+  std::string what_;
+  unsigned long long total_;
+  Clock::time_point start_;
+  Clock::time_point next_;
+};
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_FRAME_PROGRESS_H_

@@ -1,0 +1,31 @@
+#ifndef KELVA_CLI_FRAME_STDOUT_DIVERSION_H_
+#define KELVA_CLI_FRAME_STDOUT_DIVERSION_H_
+
+#include <string>
+
+#include "frame/Descriptor.h"
+
+namespace kelva {
+
+/// Keeps standard output for the tool's own results: descriptor 1 is led into memory for the rest of the process, so
+/// that a line which a library prints cannot get between them, and the real one is at hand here.
+class StdoutDiversion {
+ public:
+  StdoutDiversion();
+  /// The real standard output; -1 when the process was started without one.
+  int Real() const { return real_.Get(); }
+  /// What was printed since the last call, up to 4 KiB of it.
+  std::string Taken();
+
+ private:
+  Descriptor real_;
+  Descriptor memory_;
+};
+
+/// Opens /dev/null for each of the three standard descriptors that the process was started without, so that no file of
+/// ours gets its number.
+void FillStandardDescriptors();
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_FRAME_STDOUT_DIVERSION_H_
