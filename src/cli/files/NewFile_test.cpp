@@ -1,0 +1,132 @@
+#include "files/NewFile.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "frame/Failure.h"
+
+namespace kelva {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class NewFileTest : public testing::Test {
+ protected:
+  NewFileTest() {
+    std::string pattern = testing::TempDir() + "newfile-XXXXXX";
+    path_ = ::mkdtemp(pattern.data());
+    folder_.emplace(TargetFolder::Open(path_));
+  }
+  ~NewFileTest() override { fs::remove_all(path_); }
+
+  void Put(const std::string& name, const std::string& text) const { std::ofstream(path_ / name) << text; }
+  std::string Text(const std::string& name) const {
+    std::ifstream file(path_ / name);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(path_)) names.push_back(entry.path().filename());
+    return names;
+  }
+
+  fs::path path_;
+  std::optional<TargetFolder> folder_;
+};
+
+TEST_F(NewFileTest, TheNameAppearsOnlyWhenItIsTaken) {
+  NewFile file(*folder_);
+  file.Write(std::string("whole"));
+  file.Flush();
+  EXPECT_THAT(Names(), ElementsAre(testing::AllOf(testing::StartsWith(".kelva-"), testing::EndsWith(".part"))));
+  EXPECT_TRUE(file.TakeName("IMG_0001.JPG"));
+  EXPECT_THAT(Names(), ElementsAre("IMG_0001.JPG"));
+  EXPECT_EQ(Text("IMG_0001.JPG"), "whole");
+}
+
+TEST_F(NewFileTest, AFileThatIsNotFinishedLeavesNothing) {
+  { NewFile(*folder_).Write(std::string("half")); }
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(NewFileTest, AnExistingFileIsNotReplaced) {
+  Put("A", "mine");
+  {
+    NewFile file(*folder_);
+    file.Write(std::string("theirs"));
+    EXPECT_FALSE(file.TakeName("A"));
+    EXPECT_EQ(Text("A"), "mine");
+    EXPECT_TRUE(file.TakeName("A-2"));
+  }
+  EXPECT_EQ(Text("A-2"), "theirs");
+}
+
+TEST_F(NewFileTest, AnExistingLinkIsNeitherFollowedNorReplaced) {
+  fs::create_symlink("/nowhere", path_ / "A");
+  NewFile file(*folder_);
+  EXPECT_FALSE(file.TakeName("A"));
+  EXPECT_EQ(fs::read_symlink(path_ / "A"), "/nowhere");
+}
+
+TEST_F(NewFileTest, ReplacingIsAChoice) {
+  Put("A", "old");
+  NewFile file(*folder_);
+  file.Write(std::string("new"));
+  file.ReplaceName("A");
+  EXPECT_EQ(Text("A"), "new");
+}
+
+TEST_F(NewFileTest, LeftoversOfAKilledRunGoAndFilesInUseStay) {
+  Put(".kelva-0011223344556677.part", "half");
+  Put(".kelva-other", "mine");
+  const NewFile inUse(*folder_);
+  EXPECT_EQ(RemoveLeftovers(*folder_), 1);
+  EXPECT_FALSE(fs::exists(path_ / ".kelva-0011223344556677.part"));
+  EXPECT_EQ(Names().size(), 2U);
+}
+
+TEST_F(NewFileTest, AFolderThatIsMissingIsAFailureWithItsName) {
+  try {
+    TargetFolder::Open("/nowhere/at all");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_STREQ(failure.what(), "Cannot open the folder /nowhere/at all: No such file or directory.");
+  }
+}
+
+TEST_F(NewFileTest, AFolderBelowIsMadeOnceAndALinkInItsPlaceIsRefused) {
+  EXPECT_TRUE(folder_->Below("100ABCDE").Path().ends_with("/100ABCDE"));
+  EXPECT_NO_THROW(folder_->Below("100ABCDE"));
+  fs::create_directory_symlink("/tmp", path_ / "101ABCDE");
+  try {
+    folder_->Below("101ABCDE");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_THAT(failure.what(), HasSubstr("is a symbolic link and is not followed"));
+  }
+}
+
+TEST_F(NewFileTest, NothingIsOpenedOutsideTheFolder) {
+  Put("inside", "x");
+  const Descriptor inside(OpenBeneath(folder_->Fd(), "inside", O_RDONLY | O_CLOEXEC, 0));
+  EXPECT_TRUE(static_cast<bool>(inside));
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "../etc", O_RDONLY | O_CLOEXEC, 0), -1);
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "/etc/passwd", O_RDONLY | O_CLOEXEC, 0), -1);
+  fs::create_symlink("/etc/passwd", path_ / "link");
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "link", O_RDONLY | O_CLOEXEC, 0), -1);
+}
+
+}  // namespace
+}  // namespace kelva
