@@ -1,0 +1,113 @@
+#include "Tool.h"
+
+#include <string>
+
+#include "CameraSource.h"
+#include "camera/Explain.h"
+#include "frame/Context.h"
+#include "frame/Failure.h"
+#include "frame/Help.h"
+#include "frame/Supervisor.h"
+#include "verbs/Verbs.h"
+
+namespace kelva {
+namespace {
+
+constexpr std::string_view kAbortSentence =
+    "The camera sent more than it had announced, which the library does not survive; nothing unfinished was kept. "
+    "Repeat the command, and restart the camera if it stays.";
+
+// Options that shape messages count even when the command line as a whole is not understood.
+bool Mentions(std::span<const char* const> arguments, std::string_view option) {
+  for (const std::string_view argument : arguments) {
+    if (argument == option) return true;
+  }
+  return false;
+}
+
+Json ErrorMembers(const Outcome& outcome) {
+  return Json::Object().Set("reason", WordOf(outcome.code)).Set("error", outcome.sentence);
+}
+
+ExitCode GiveError(Reporter& reporter, Output& out, std::string_view verb, const Outcome& outcome, bool document) {
+  reporter.Error(outcome.sentence, outcome.code);
+  if (document && reporter.Style().json) {
+    try {
+      out.Add(ResultLine(verb, outcome.code, ErrorMembers(outcome)));
+      out.Flush();
+    } catch (const Failure&) {
+      // Standard output is what failed; standard error has said it.
+    }
+  }
+  return outcome.code;
+}
+
+class Tool {
+ public:
+  explicit Tool(std::span<const char* const> arguments)
+      : arguments_(arguments),
+        reporter_(
+            2, StyleFor(2, Mentions(arguments, "--json"), Mentions(arguments, "--quiet") || Mentions(arguments, "-q"))),
+        out_(diversion_.Real()) {}
+
+  ExitCode Run() {
+    try {
+      call_ = Parse(AllVerbs(), arguments_);
+      return Dispatch();
+    } catch (const std::exception& error) {
+      return GiveError(reporter_, out_, Name(), Explain(error, "start"), true);
+    }
+  }
+
+ private:
+  std::string_view Name() const { return call_.verb == nullptr ? "" : call_.verb->name; }
+
+  ExitCode Print(const std::string& text) {
+    out_.Add(text);
+    out_.Flush();
+    return ExitCode::kDone;
+  }
+
+  ExitCode Dispatch() {
+    if (call_.version) return Print("kelva " KELVA_VERSION "\n");
+    if (call_.Has("help")) return Print(call_.verb == nullptr ? Overview(AllVerbs()) : HelpFor(*call_.verb));
+    Supervision supervision;
+    if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");
+    PrepareForAborts();
+    return Supervise([this](const Stop& stop) { return Work(stop); }, supervision, reporter_);
+  }
+
+  void PrepareForAborts() {
+    const bool json = reporter_.Style().json;
+    const Outcome outcome{ExitCode::kFailed, std::string(kAbortSentence)};
+    const std::string word = json ? EventLine("error", ErrorMembers(outcome)) : "kelva: " + outcome.sentence + "\n";
+    CatchAborts(word, json ? ResultLine(Name(), outcome.code, ErrorMembers(outcome)) : "", diversion_.Real());
+  }
+
+  // On the worker's thread.
+  ExitCode Work(const Stop& stop) {
+    Context context(call_, out_, reporter_, stop, diversion_);
+    try {
+      ChooseCameraSource(call_.Value("virtual"));
+      return call_.verb->run(context);
+    } catch (const std::exception& error) {
+      return GiveError(reporter_, out_, Name(), Explain(error, context.WasDoing()), !context.HasResult());
+    }
+  }
+
+  std::span<const char* const> arguments_;
+  StdoutDiversion diversion_;
+  Reporter reporter_;
+  Output out_;
+  Invocation call_;
+};
+
+}  // namespace
+
+int RunTool(std::span<const char* const> arguments) {
+  FillStandardDescriptors();
+  TakeOverSignals();
+  return static_cast<int>(Tool(arguments).Run());
+}
+
+}  // namespace kelva

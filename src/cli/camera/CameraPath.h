@@ -1,0 +1,38 @@
+#ifndef KELVA_CLI_CAMERA_CAMERA_PATH_H_
+#define KELVA_CLI_CAMERA_CAMERA_PATH_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Camera.h"
+#include "CameraDirent.h"
+
+namespace kelva {
+
+/// FAT attribute bits of a directory entry.
+inline constexpr int kAttributeVolumeLabel = 0x08;
+inline constexpr int kAttributeDirectory = 0x10;
+
+/// A path as a person types it, made a camera's: forward slashes become backslashes (no file of a camera can have one in
+/// its name) and trailing ones go. Throws Failure(kUsage) for an empty path and one without a drive ("I:").
+std::string ToCameraPath(std::string_view typed);
+
+struct SplitPath {
+  std::string folder;  ///< "I:" for what lies directly on the drive
+  std::string name;    ///< empty for the drive itself
+};
+SplitPath Split(std::string_view cameraPath);
+
+/// Whether two names mean the same file: cameras ignore the case of ASCII letters, as FAT does.
+bool SameName(std::string_view a, std::string_view b);
+
+/// The entry of a file or folder in the listing of its parent, or nothing when it is not there.
+std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath);
+
+/// An entry's size; files of 2 GiB and more arrive as negative numbers.
+unsigned long long SizeOf(const CameraDirent& entry);
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_CAMERA_CAMERA_PATH_H_

@@ -1,0 +1,22 @@
+#ifndef KELVA_CLI_CAMERA_EXPLAIN_H_
+#define KELVA_CLI_CAMERA_EXPLAIN_H_
+
+#include <exception>
+#include <string>
+
+#include "frame/ExitCode.h"
+
+namespace kelva {
+
+/// What a failure means for the tool: how it ends and what it says.
+struct Outcome {
+  ExitCode code;
+  std::string sentence;
+};
+
+/// The outcome of any exception. `doing` is what was tried ("read I:\X.JPG"), for those that do not say it themselves.
+Outcome Explain(const std::exception& error, const std::string& doing);
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_CAMERA_EXPLAIN_H_

@@ -1,0 +1,47 @@
+#include "camera/Session.h"
+
+#include <utility>
+
+#include "frame/Failure.h"
+#include "frame/Printable.h"
+
+namespace kelva {
+namespace {
+
+bool IsStillAttached(Context& context, const std::string& serial) {
+  for (const AttachedCamera& camera : FindAttached(context.diversion)) {
+    if (camera.facts.serial == serial) return true;
+  }
+  return false;
+}
+
+Failure CannotOpen(Context& context, const std::string& serial) {
+  const std::string name = serial.empty() ? "The camera" : "Camera " + Printable(serial);
+  if (!IsStillAttached(context, serial)) {
+    return Failure(ExitCode::kGone, name + " went away before it could be opened; plug it in again.");
+  }
+  return Failure(ExitCode::kBusy,
+                 name +
+                     " is attached but cannot be opened: another program holds it, or this user may not use it; "
+                     "`kelva doctor` says which and what to do.");
+}
+
+}  // namespace
+
+Session::Session(Context& context)
+    : chosen_(Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")))) {
+  context.stop.Check();
+  if (!chosen_.camera->Open()) throw CannotOpen(context, chosen_.facts.serial);
+}
+
+Session::~Session() {
+  chosen_.camera->Close();
+}
+
+Json CameraResult(const Session& session) {
+  Json result = Json::Object();
+  result.SetBytes("serial", session.Facts().serial);
+  return result;
+}
+
+}  // namespace kelva

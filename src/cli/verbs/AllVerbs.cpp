@@ -1,0 +1,19 @@
+#include <vector>
+
+#include "verbs/Verbs.h"
+
+namespace kelva {
+
+std::span<const Verb> AllVerbs() {
+  static const std::vector<Verb> all = [] {
+    std::vector<Verb> verbs;
+    for (const auto& group : {ListVerbs(), WatchVerbs(), StateVerbs(), ClockVerbs(), GetVerbs(), ChangeVerbs(),
+                              MonitorVerbs(), HelpVerbs()}) {
+      verbs.insert(verbs.end(), group.begin(), group.end());
+    }
+    return verbs;
+  }();
+  return all;
+}
+
+}  // namespace kelva

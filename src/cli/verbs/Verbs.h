@@ -1,0 +1,26 @@
+#ifndef KELVA_CLI_VERBS_VERBS_H_
+#define KELVA_CLI_VERBS_VERBS_H_
+
+#include <span>
+
+#include "frame/Verb.h"
+
+namespace kelva {
+
+// The table of verbs, one group for each file. The order is that of the help.
+
+std::span<const Verb> ListVerbs();     ///< list
+std::span<const Verb> WatchVerbs();    ///< watch
+std::span<const Verb> StateVerbs();    ///< ready, battery, done-count, capture, reboot
+std::span<const Verb> ClockVerbs();    ///< time
+std::span<const Verb> MonitorVerbs();  ///< monitor
+std::span<const Verb> GetVerbs();      ///< get
+std::span<const Verb> ChangeVerbs();   ///< put, rm
+std::span<const Verb> HelpVerbs();     ///< help
+
+/// All of them, in one piece.
+std::span<const Verb> AllVerbs();
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_VERBS_VERBS_H_
