@@ -1,8 +1,10 @@
 #include "vcam/device/VirtualCamera.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "vcam/device/Device.h"
 #include "vcam/device/Handlers.h"
@@ -14,6 +16,7 @@ struct VirtualCamera::State {
   explicit State(Options options) : device(std::move(options)) {}
 
   Reply Run(const Command& command) {
+    TakeArmed();
     if (std::optional<Reply> instead = faults.Next()) return std::move(*instead);
     const Command given = faults.Limit(command);
     Reply reply = Dispatch(device, given);
@@ -22,10 +25,30 @@ struct VirtualCamera::State {
     return reply;
   }
 
-  mutable std::mutex mutex;
+  void TakeArmed() {
+    const std::lock_guard lock(mutex);
+    if (disarmed) faults = FaultPlan();
+    if (disarmed) device.nextUpgradeFails = false;
+    for (const Fault& fault : armed) {
+      device.nextUpgradeFails = device.nextUpgradeFails || fault.kind == FaultKind::kUpgradeFails;
+      if (fault.kind != FaultKind::kUpgradeFails) faults.Arm(fault);
+    }
+    disarmed = false;
+    armed.clear();
+  }
+
+  // Held while a command runs, which may take long.
+  std::mutex running;
   Device device;
   FaultPlan faults;
+
+  // Never held for long: what other threads change while a command runs.
+  mutable std::mutex mutex;
+  mutable std::condition_variable unplugged;
+  std::vector<Fault> armed;
+  bool disarmed = false;
   bool gone = false;
+  bool inSession = false;
 };
 
 namespace {
@@ -51,36 +74,48 @@ VirtualCamera::VirtualCamera(Options options) : state_(std::make_unique<State>(s
 VirtualCamera::~VirtualCamera() = default;
 
 Reply VirtualCamera::Execute(const Command& command) {
-  const std::lock_guard lock(state_->mutex);
-  if (state_->gone) return GoneReply();
+  const std::lock_guard lock(state_->running);
+  if (Gone()) return GoneReply();
   Reply reply = state_->Run(command);
-  state_->gone = reply.transport == Transport::kGone;
+  if (reply.transport == Transport::kGone) Unplug();
   return reply;
 }
 
 void VirtualCamera::Arm(const Fault& fault) {
   const std::lock_guard lock(state_->mutex);
-  if (fault.kind == FaultKind::kUpgradeFails) {
-    state_->device.nextUpgradeFails = true;
-  } else {
-    state_->faults.Arm(fault);
-  }
+  state_->armed.push_back(fault);
 }
 
 void VirtualCamera::Disarm() {
   const std::lock_guard lock(state_->mutex);
-  state_->faults = FaultPlan();
-  state_->device.nextUpgradeFails = false;
+  state_->armed.clear();
+  state_->disarmed = true;
+}
+
+bool VirtualCamera::StartSession() {
+  const std::lock_guard lock(state_->mutex);
+  return !std::exchange(state_->inSession, true);
+}
+
+void VirtualCamera::EndSession() {
+  const std::lock_guard lock(state_->mutex);
+  state_->inSession = false;
 }
 
 void VirtualCamera::Unplug() {
   const std::lock_guard lock(state_->mutex);
   state_->gone = true;
+  state_->unplugged.notify_all();
 }
 
 bool VirtualCamera::Gone() const {
   const std::lock_guard lock(state_->mutex);
   return state_->gone;
+}
+
+bool VirtualCamera::WaitForUnplug(std::chrono::milliseconds atMost) const {
+  std::unique_lock lock(state_->mutex);
+  return state_->unplugged.wait_for(lock, atMost, [this] { return state_->gone; });
 }
 
 const Options& VirtualCamera::options() const {

@@ -2,6 +2,7 @@
 #define KELVA_VCAM_DEVICE_VIRTUAL_CAMERA_H_
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -32,10 +33,16 @@ class VirtualCamera {
   /// Takes all faults back.
   void Disarm();
 
-  /// Ends the camera: this and every later command answers Transport::kGone.
+  /// Takes the camera's one session; false while another holder has it.
+  bool StartSession();
+  void EndSession();
+
+  /// Ends the camera: every later command answers Transport::kGone. Does not wait for a command that is running.
   void Unplug();
   /// Whether the camera was unplugged, by Unplug or by a fault in the middle of a command.
   bool Gone() const;
+  /// Waits until the camera is unplugged, at most this long; whether it is. What a door does with Transport::kHang.
+  bool WaitForUnplug(std::chrono::milliseconds atMost) const;
 
   const Options& options() const;
   /// The first 36 bytes of the answer to INQUIRY, for doors that speak SCSI to the end.

@@ -1,0 +1,42 @@
+#ifndef KELVA_VCAM_BUS_BUS_SERVER_H_
+#define KELVA_VCAM_BUS_BUS_SERVER_H_
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <poll.h>
+
+#include "vcam/bus/Bus.h"
+#include "vcam/bus/Listener.h"
+#include "vcam/bus/Stream.h"
+
+namespace vcam::bus {
+
+/// A bus of virtual cameras that several processes share over a socket.
+class BusServer {
+ public:
+  /// Listens at `path`; throws std::runtime_error as Listener does.
+  explicit BusServer(const std::string& path);
+
+  /// Serves until `stopDescriptor` is readable.
+  void Run(int stopDescriptor);
+
+ private:
+  void Prepare(int stopDescriptor, std::vector<pollfd>& waits) const;
+  int TimeoutMs() const;
+  void ServeReady(const std::vector<pollfd>& waits);
+  void AcceptAll();
+  bool Serve(PeerId peer, Stream& stream, short events);
+  void Drop(PeerId peer);
+  void FlushAll();
+
+  Listener listener_;
+  std::map<PeerId, Stream> streams_;
+  Bus bus_;
+  PeerId nextPeer_ = 1;
+};
+
+}  // namespace vcam::bus
+
+#endif  // KELVA_VCAM_BUS_BUS_SERVER_H_

@@ -1,0 +1,63 @@
+#include "vcam/client/SocketSession.h"
+
+#include <optional>
+#include <utility>
+
+#include "vcam/client/BusConnection.h"
+#include "vcam/door/ReturnCodes.h"
+
+namespace vcam::client {
+namespace {
+
+Reply Ended(Transport transport) {
+  Reply reply;
+  reply.transport = transport;
+  return reply;
+}
+
+class SocketSession : public CommandSession {
+ public:
+  SocketSession(std::string path, std::uint32_t camera) : path_(std::move(path)), camera_(camera) {}
+
+  int Start() override {
+    try {
+      connection_.emplace(path_);
+      connection_->Request(bus::Kind::kStartSession, bus::EncodeNumber(camera_));
+      return kReturnSuccess;
+    } catch (const BusRefusal& refusal) {
+      connection_.reset();
+      return refusal.code == bus::ErrorCode::kBusy ? kReturnExclusiveAccess : kReturnNoDevice;
+    } catch (const std::runtime_error&) {
+      connection_.reset();
+      return kReturnNoDevice;
+    }
+  }
+
+  void End() override {
+    // Waits for the answer, so that another process finds the camera free once this call is done.
+    if (connection_) connection_->Request(bus::Kind::kEndSession, {}, std::chrono::seconds(1));
+    connection_.reset();
+  }
+
+  Reply Execute(const Command& command, std::chrono::milliseconds timeout) override {
+    if (!connection_) return Ended(Transport::kGone);
+    const auto answer = connection_->Request(bus::Kind::kCommand, Encode(command), timeout);
+    // A late answer carries this command's tag, so it is not taken for another one's.
+    if (!answer) return Ended(connection_->Ended() ? Transport::kGone : Transport::kHang);
+    const std::optional<Reply> reply = bus::DecodeReply(answer->payload);
+    return answer->kind == bus::Kind::kReply && reply ? *reply : Ended(Transport::kGone);
+  }
+
+ private:
+  std::string path_;
+  std::uint32_t camera_;
+  std::optional<BusConnection> connection_;
+};
+
+}  // namespace
+
+std::unique_ptr<CommandSession> MakeSocketSession(const std::string& path, std::uint32_t camera) {
+  return std::make_unique<SocketSession>(path, camera);
+}
+
+}  // namespace vcam::client

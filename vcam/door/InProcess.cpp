@@ -1,0 +1,49 @@
+#include "vcam/door/InProcess.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "vcam/door/ReturnCodes.h"
+
+namespace vcam {
+namespace {
+
+Reply Ended(Transport transport) {
+  Reply reply;
+  reply.transport = transport;
+  return reply;
+}
+
+class InProcessSession : public CommandSession {
+ public:
+  explicit InProcessSession(std::shared_ptr<VirtualCamera> camera) : camera_(std::move(camera)) {}
+
+  int Start() override {
+    if (camera_->Gone()) return kReturnNoDevice;
+    return camera_->StartSession() ? kReturnSuccess : kReturnExclusiveAccess;
+  }
+
+  void End() override { camera_->EndSession(); }
+
+  Reply Execute(const Command& command, std::chrono::milliseconds timeout) override {
+    Reply reply = camera_->Execute(command);
+    if (reply.transport == Transport::kHang || reply.delay > timeout)
+      return Ended(camera_->WaitForUnplug(timeout) ? Transport::kGone : Transport::kHang);
+    if (reply.delay.count() > 0 && camera_->WaitForUnplug(reply.delay)) return Ended(Transport::kGone);
+    return reply;
+  }
+
+ private:
+  std::shared_ptr<VirtualCamera> camera_;
+};
+
+}  // namespace
+
+std::function<std::unique_ptr<darwin::UserClient>(int&)> OpenInProcess(std::shared_ptr<VirtualCamera> camera) {
+  return [camera = std::move(camera)](int& error) {
+    error = kReturnSuccess;
+    return MakeUserClient(std::make_unique<InProcessSession>(camera));
+  };
+}
+
+}  // namespace vcam

@@ -1,0 +1,18 @@
+#ifndef KELVA_VCAM_DOOR_IN_PROCESS_H_
+#define KELVA_VCAM_DOOR_IN_PROCESS_H_
+
+#include <functional>
+#include <memory>
+
+#include "vcam/device/VirtualCamera.h"
+#include "vcam/door/UserClientDoor.h"
+
+namespace vcam {
+
+/// What a registry entry needs to open a camera that lives in this process (EntryDescription::openUserClient). Each call
+/// makes one user client, which keeps the camera alive; the camera gives its session to one of them at a time.
+std::function<std::unique_ptr<darwin::UserClient>(int& error)> OpenInProcess(std::shared_ptr<VirtualCamera> camera);
+
+}  // namespace vcam
+
+#endif  // KELVA_VCAM_DOOR_IN_PROCESS_H_

@@ -1,0 +1,117 @@
+#include "vcam/door/UserClientDoor.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "darwin/registry/TransferStatus.h"
+#include "usb/osx/UserClientRecords.h"
+#include "vcam/door/ReturnCodes.h"
+
+namespace vcam {
+namespace {
+
+// Host status of a pipe that halted, as the SCSI layer numbers it.
+constexpr std::uint8_t kHostError = 7;
+
+Direction DirectionOf(const UserClientTransferRequest& request) {
+  const auto direction = static_cast<Direction>(request.direction);
+  return direction == Direction::kToCamera || direction == Direction::kFromCamera ? direction : Direction::kNone;
+}
+
+bool IsUsable(const UserClientTransferRequest& request) {
+  if (request.cdbLength != sizeof request.cdb) return false;
+  if (DirectionOf(request) == Direction::kNone) return true;
+  return request.length >= 0 && (request.length == 0 || request.bufferAddress != 0);
+}
+
+std::uint8_t* BufferOf(const UserClientTransferRequest& request) {
+  return reinterpret_cast<std::uint8_t*>(static_cast<std::uintptr_t>(request.bufferAddress));
+}
+
+Command CommandOf(const UserClientTransferRequest& request) {
+  Command command;
+  std::copy(std::begin(request.cdb), std::end(request.cdb), command.cdb.begin());
+  command.direction = DirectionOf(request);
+  if (command.direction == Direction::kNone) return command;
+  command.length = static_cast<std::uint32_t>(request.length);
+  // A length that the camera refuses anyway is no reason to read that much memory.
+  if (command.direction == Direction::kToCamera && command.length <= kMaxTransferLength)
+    command.data = {BufferOf(request), command.length};
+  return command;
+}
+
+std::uint32_t StatusOf(const Reply& reply) {
+  if (reply.transport == Transport::kStall) return darwin::TransportResultStatus(kHostError, 0);
+  if (reply.status == kStatusGood) return 0;
+  return darwin::ScsiResultStatus(reply.status, {reply.sense.key, reply.sense.asc, reply.sense.ascq});
+}
+
+int ReturnCodeOf(const Reply& reply) {
+  if (reply.transport == Transport::kGone) return kReturnNoDevice;
+  return reply.transport == Transport::kHang ? kReturnTimeout : kReturnSuccess;
+}
+
+class UserClientDoor : public darwin::UserClient {
+ public:
+  explicit UserClientDoor(std::unique_ptr<CommandSession> session) : session_(std::move(session)) {}
+  ~UserClientDoor() override { EndSession(); }
+
+  int CallScalar(std::uint32_t selector) override {
+    if (selector == kUserClientStartSession) return StartSession();
+    if (selector == kUserClientEndSession) return EndSession();
+    return kReturnBadArgument;
+  }
+
+  int CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out, std::size_t* outSize) override {
+    UserClientTransferRequest request;
+    if (selector != kUserClientTransfer || in == nullptr || inSize != sizeof request || out == nullptr ||
+        outSize == nullptr || *outSize < sizeof(UserClientTransferResult))
+      return kReturnBadArgument;
+    std::memcpy(&request, in, sizeof request);
+    UserClientTransferResult result{};
+    const int code = Transfer(request, result);
+    if (code != kReturnSuccess) return code;
+    std::memcpy(out, &result, sizeof result);
+    *outSize = sizeof result;
+    return kReturnSuccess;
+  }
+
+ private:
+  int StartSession() {
+    if (started_) return kReturnExclusiveAccess;
+    const int code = session_->Start();
+    started_ = code == kReturnSuccess;
+    return code;
+  }
+
+  int EndSession() {
+    if (!std::exchange(started_, false)) return kReturnNotOpen;
+    session_->End();
+    return kReturnSuccess;
+  }
+
+  int Transfer(const UserClientTransferRequest& request, UserClientTransferResult& result) {
+    if (!started_) return kReturnNotOpen;
+    if (!IsUsable(request)) return kReturnBadArgument;
+    const Reply reply = session_->Execute(CommandOf(request), std::chrono::seconds(request.timeout));
+    if (DirectionOf(request) == Direction::kFromCamera) {
+      const auto room = static_cast<std::size_t>(request.length);
+      std::copy_n(reply.data.begin(), std::min(reply.data.size(), room), BufferOf(request));
+    }
+    result.status = StatusOf(reply);
+    result.actualLength = static_cast<std::int32_t>(reply.moved);
+    return ReturnCodeOf(reply);
+  }
+
+  std::unique_ptr<CommandSession> session_;
+  bool started_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<darwin::UserClient> MakeUserClient(std::unique_ptr<CommandSession> session) {
+  return std::make_unique<UserClientDoor>(std::move(session));
+}
+
+}  // namespace vcam

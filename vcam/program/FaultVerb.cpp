@@ -1,0 +1,43 @@
+#include <iostream>
+#include <memory>
+
+#include "vcam/client/BusConnection.h"
+#include "vcam/faults/Fault.h"
+#include "vcam/program/Verbs.h"
+
+namespace vcam::program {
+namespace {
+
+struct FaultArguments {
+  std::string socket;
+  bus::FaultRequest request;
+};
+
+std::string Names() {
+  std::string names;
+  for (const FaultKind kind : AllFaults()) names += std::string(NameOf(kind)) + ", ";
+  return names + "or none to take all back";
+}
+
+int Arm(const FaultArguments& arguments) {
+  client::BusConnection connection(arguments.socket);
+  connection.Request(bus::Kind::kFault, Encode(arguments.request));
+  std::cout << "Armed " << arguments.request.name << " on " << arguments.request.serial << ".\n";
+  return kExitDone;
+}
+
+}  // namespace
+
+void AddFault(CLI::App& app, Action& chosen) {
+  CLI::App* verb = app.add_subcommand("fault", "Make something go wrong");
+  const auto arguments = std::make_shared<FaultArguments>();
+  AddSocketOption(*verb, arguments->socket);
+  verb->add_option("serial", arguments->request.serial, "USB serial number")->required()->type_name("S");
+  verb->add_option("name", arguments->request.name, Names())->required()->type_name("NAME");
+  verb->add_option("at", arguments->request.at,
+                   "Which command from now, default 1; for slow: milliseconds; for unplug: bytes until then")
+      ->type_name("AT");
+  verb->callback([&chosen, arguments] { chosen = [arguments] { return Arm(*arguments); }; });
+}
+
+}  // namespace vcam::program

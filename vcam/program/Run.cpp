@@ -1,0 +1,55 @@
+#include <iostream>
+#include <stdexcept>
+
+#include "vcam/client/BusConnection.h"
+#include "vcam/program/Verbs.h"
+
+namespace vcam::program {
+namespace {
+
+int Report(const std::string& sentence, int code) {
+  std::cerr << "kelva-vcam: " << sentence << "\n";
+  return code;
+}
+
+int UsageError(const CLI::ParseError& error) {
+  std::string what = error.what();
+  while (!what.empty() && (what.back() == '.' || what.back() == '\n')) what.pop_back();
+  return Report(what + "; see `kelva-vcam --help`.", kExitUsage);
+}
+
+int RunChosen(const Action& chosen) {
+  try {
+    return chosen();
+  } catch (const client::BusRefusal& refusal) {
+    return Report(refusal.what(), refusal.code == bus::ErrorCode::kNoSuchCamera ? kExitNoSuchCamera : kExitFailed);
+  } catch (const std::exception& error) {
+    return Report(error.what(), kExitFailed);
+  }
+}
+
+}  // namespace
+
+void AddSocketOption(CLI::App& verb, std::string& path) {
+  verb.add_option("--socket", path, "Path of the bus's socket")->required()->type_name("PATH");
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app("Virtual Kelva cameras: a bus of them, and what happens to them.", "kelva-vcam");
+  app.set_version_flag("--version", std::string("kelva-vcam ") + KELVA_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "Exit codes: 0 done, 1 failed, 2 wrong usage, 3 no such camera.\n"
+      "Example: kelva-vcam serve --socket /tmp/bus &\n"
+      "         kelva-vcam plug --socket /tmp/bus --serial K100 --storage ~/Pictures/card");
+  Action chosen;
+  for (const auto add : {AddServe, AddPlug, AddUnplug, AddStatus, AddFault}) add(app, chosen);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return error.get_exit_code() == 0 ? app.exit(error) : UsageError(error);
+  }
+  return RunChosen(chosen);
+}
+
+}  // namespace vcam::program
