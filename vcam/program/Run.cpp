@@ -43,7 +43,7 @@ int Run(int argc, char** argv) {
       "Example: kelva-vcam serve --socket /tmp/bus &\n"
       "         kelva-vcam plug --socket /tmp/bus --serial K100 --storage ~/Pictures/card");
   Action chosen;
-  for (const auto add : {AddServe, AddPlug, AddUnplug, AddStatus, AddFault}) add(app, chosen);
+  for (const auto add : {AddServe, AddPlug, AddUnplug, AddStatus, AddFault, AddUsbip}) add(app, chosen);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

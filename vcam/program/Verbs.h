@@ -22,6 +22,7 @@ void AddPlug(CLI::App& app, Action& chosen);
 void AddUnplug(CLI::App& app, Action& chosen);
 void AddStatus(CLI::App& app, Action& chosen);
 void AddFault(CLI::App& app, Action& chosen);
+void AddUsbip(CLI::App& app, Action& chosen);
 
 /// The `--socket PATH` that every verb of the bus needs.
 void AddSocketOption(CLI::App& verb, std::string& path);

@@ -1,0 +1,193 @@
+#include "vcam/usbip/BulkOnly.h"
+
+#include <algorithm>
+
+#include "vcam/usbip/Wire.h"
+
+namespace vcam::usbip {
+namespace {
+
+constexpr std::uint32_t kImpossibleResidue = 0x7FFFFFFF;
+constexpr std::uint32_t kAnotherTag = 0x5A5A5A5A;
+
+WrapperStatus StatusOf(const Reply& reply) {
+  return reply.transport == Transport::kOk && reply.status == kStatusGood ? WrapperStatus::kPassed
+                                                                          : WrapperStatus::kFailed;
+}
+
+}  // namespace
+
+std::int32_t BulkOnly::Give(std::span<const std::uint8_t> bytes, Clock::time_point now) {
+  if (haltedOut_) return kUrbStall;
+  switch (phase_) {
+    case Phase::kCommand:
+      return Begin(bytes, now);
+    case Phase::kDataOut:
+      return Collect(bytes, now);
+    default:
+      return HaltBoth();
+  }
+}
+
+std::int32_t BulkOnly::Begin(std::span<const std::uint8_t> bytes, Clock::time_point now) {
+  const auto command = DecodeCommand(bytes);
+  if (!command || command->length > kMaxTransferLength) return HaltBoth();
+  command_ = *command;
+  data_.clear();
+  if (command_.direction == Direction::kToCamera) {
+    phase_ = Phase::kDataOut;
+    return kUrbOk;
+  }
+  RunCommand(now);
+  return kUrbOk;
+}
+
+std::int32_t BulkOnly::Collect(std::span<const std::uint8_t> bytes, Clock::time_point now) {
+  if (bytes.size() > command_.length - data_.size()) return HaltBoth();
+  data_.insert(data_.end(), bytes.begin(), bytes.end());
+  if (data_.size() < command_.length) return kUrbOk;
+  RunCommand(now);
+  if (!stall_) return kUrbOk;
+  stall_ = false;
+  haltedOut_ = true;
+  return kUrbStall;
+}
+
+std::int32_t BulkOnly::HaltBoth() {
+  broken_ = haltedIn_ = haltedOut_ = true;
+  return kUrbStall;
+}
+
+void BulkOnly::RunCommand(Clock::time_point now) {
+  const Command command{command_.cdb, command_.direction, command_.length, data_};
+  Settle(unit_.Run(command), now);
+  if (faults_ && IsCameraCommand(command_.cdb[0])) ApplyFault(faults_());
+}
+
+void BulkOnly::Settle(Reply reply, Clock::time_point now) {
+  readyAt_ = now + reply.delay;
+  hang_ = reply.transport == Transport::kHang;
+  gone_ = reply.transport == Transport::kGone;
+  stall_ = reply.transport == Transport::kStall;
+  status_ = {command_.tag, command_.length - reply.moved, StatusOf(reply)};
+  data_ = std::move(reply.data);
+  sent_ = 0;
+  phase_ = command_.direction == Direction::kFromCamera ? Phase::kDataIn : Phase::kStatus;
+}
+
+void BulkOnly::ApplyFault(WireFault fault) {
+  switch (fault) {
+    case WireFault::kNone:
+      return;
+    case WireFault::kHalfResidue:
+      status_.residue = command_.length / 2;
+      return;
+    case WireFault::kHugeResidue:
+      status_.residue = kImpossibleResidue;
+      return;
+    case WireFault::kZeroResidue:
+      data_.resize(data_.size() / 2);
+      status_.residue = 0;
+      return;
+    case WireFault::kSkipData:
+      data_.clear();
+      status_.residue = command_.length;
+      phase_ = Phase::kStatus;
+      return;
+    case WireFault::kFailNoSense:
+      data_.clear();
+      status_ = {command_.tag, command_.length, WrapperStatus::kFailed};
+      unit_.DropSense();
+      return;
+    case WireFault::kWrongTag:
+      status_.tag ^= kAnotherTag;
+      return;
+    case WireFault::kPhaseError:
+      status_.status = WrapperStatus::kPhaseError;
+      return;
+    case WireFault::kShortStatus:
+      cutStatus_ = true;
+      return;
+    case WireFault::kBabble:
+      data_.resize(command_.length + 1);
+      return;
+  }
+}
+
+std::optional<Taken> BulkOnly::Take(std::uint32_t length, Clock::time_point now) {
+  if (haltedIn_) return Taken{kUrbStall, 0, {}, false};
+  if (phase_ == Phase::kCommand || phase_ == Phase::kDataOut || hang_ || now < readyAt_) return std::nullopt;
+  if (stall_) return StallIn();
+  return phase_ == Phase::kDataIn ? TakeData(length) : TakeStatus(length);
+}
+
+// The host finds the pipe halted, clears it, and then asks how the command ended.
+Taken BulkOnly::StallIn() {
+  stall_ = false;
+  haltedIn_ = true;
+  phase_ = Phase::kStatus;
+  return {kUrbStall, 0, {}, false};
+}
+
+Taken BulkOnly::TakeData(std::uint32_t length) {
+  const std::size_t rest = data_.size() - sent_;
+  const std::size_t part = std::min<std::size_t>(rest, length);
+  const auto begin = data_.begin() + static_cast<std::ptrdiff_t>(sent_);
+  Taken taken{kUrbOk, static_cast<std::uint32_t>(part), {}, false};
+  if (sent_ == 0 && part == data_.size()) {
+    taken.data = std::move(data_);
+    data_.clear();
+  } else {
+    taken.data.assign(begin, begin + static_cast<std::ptrdiff_t>(part));
+  }
+  sent_ += part;
+  const bool hostIsFull = sent_ >= command_.length;
+  if (gone_ && part == rest) {
+    // Pulled in the middle of the transfer: the host still waits for the rest of it.
+    taken.actual = length;
+    taken.unplug = true;
+  } else if (part < rest && hostIsFull) {
+    taken.status = kUrbBabble;
+  }
+  // A transfer that is not filled ends the data, and so does the last announced byte.
+  if (part < length || hostIsFull) phase_ = Phase::kStatus;
+  return taken;
+}
+
+Taken BulkOnly::TakeStatus(std::uint32_t length) {
+  Bytes bytes = EncodeStatus(status_);
+  if (cutStatus_) bytes.pop_back();
+  cutStatus_ = false;
+  phase_ = Phase::kCommand;
+  if (length < bytes.size()) return {kUrbBabble, 0, {}, false};
+  const auto size = static_cast<std::uint32_t>(bytes.size());
+  return {kUrbOk, size, std::move(bytes), false};
+}
+
+std::optional<Clock::time_point> BulkOnly::WaitsUntil(Clock::time_point now) const {
+  if (phase_ == Phase::kCommand || hang_ || readyAt_ <= now) return std::nullopt;
+  return readyAt_;
+}
+
+bool BulkOnly::Unplugged(Clock::time_point now) const {
+  const bool bytesLeft = phase_ == Phase::kDataIn && sent_ < data_.size();
+  return gone_ && !bytesLeft && now >= readyAt_;
+}
+
+void BulkOnly::Reset() {
+  phase_ = Phase::kCommand;
+  broken_ = stall_ = hang_ = cutStatus_ = false;
+  readyAt_ = {};
+  data_.clear();
+  sent_ = 0;
+}
+
+void BulkOnly::SetHaltIn(bool halted) {
+  haltedIn_ = halted || broken_;
+}
+
+void BulkOnly::SetHaltOut(bool halted) {
+  haltedOut_ = halted || broken_;
+}
+
+}  // namespace vcam::usbip

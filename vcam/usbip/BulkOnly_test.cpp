@@ -1,0 +1,258 @@
+#include "vcam/usbip/BulkOnly.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "vcam/usbip/Wire.h"
+
+namespace vcam::usbip {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using ::testing::SizeIs;
+
+constexpr Clock::time_point kNow{};
+
+Bytes Wrapped(std::uint8_t flags, std::uint32_t length, std::uint8_t operation) {
+  Bytes bytes{'U', 'S', 'B', 'C', 9, 0, 0, 0};
+  Append(bytes, length);
+  for (const std::uint8_t byte : {flags, std::uint8_t{0}, std::uint8_t{16}, operation}) bytes.push_back(byte);
+  bytes.resize(31);
+  return bytes;
+}
+
+Bytes Reading(std::uint32_t length) {
+  return Wrapped(0x80, length, 0xC6);
+}
+Bytes Writing(std::uint32_t length) {
+  return Wrapped(0x00, length, 0xC5);
+}
+Bytes Acting() {
+  return Wrapped(0x00, 0, 0xC0);
+}
+
+class BulkOnlyTest : public ::testing::Test {
+ protected:
+  Reply Execute(const Command& command) {
+    given_.assign(command.data.begin(), command.data.end());
+    ++executed_;
+    return reply_;
+  }
+  void Answers(Bytes data) {
+    reply_.moved = static_cast<std::uint32_t>(data.size());
+    reply_.data = std::move(data);
+  }
+  // The status wrapper's residue and status, or an impossible pair when there is none.
+  std::pair<std::uint32_t, int> Status() {
+    const auto taken = bulk_.Take(13, kNow);
+    if (!taken || taken->data.size() != 13 || taken->data[0] != 'U' || taken->data[4] != 9) return {0, -1};
+    return {Load<std::uint32_t>(taken->data, 8), taken->data[12]};
+  }
+
+  Reply reply_;
+  Bytes given_;
+  int executed_ = 0;
+  WireFault fault_ = WireFault::kNone;
+  ScsiUnit unit_{{}, "A7", [this](const Command& command) { return Execute(command); }};
+  BulkOnly bulk_{unit_, [this] { return fault_; }};
+};
+
+using Ending = std::pair<std::uint32_t, int>;
+
+TEST_F(BulkOnlyTest, CommandWithoutDataIsFollowedByItsStatus) {
+  EXPECT_EQ(bulk_.Give(Acting(), kNow), kUrbOk);
+  EXPECT_EQ(executed_, 1);
+  EXPECT_EQ(Status(), Ending(0, 0));
+}
+
+TEST_F(BulkOnlyTest, NothingIsSentBeforeACommand) {
+  EXPECT_EQ(bulk_.Take(13, kNow), std::nullopt);
+}
+
+TEST_F(BulkOnlyTest, DataFromTheCameraThenStatus) {
+  Answers({1, 2, 3, 4});
+  bulk_.Give(Reading(4), kNow);
+  const auto data = bulk_.Take(4, kNow);
+  ASSERT_TRUE(data.has_value());
+  EXPECT_THAT(data->data, ElementsAre(1, 2, 3, 4));
+  EXPECT_EQ(data->actual, 4U);
+  EXPECT_EQ(Status(), Ending(0, 0));
+}
+
+TEST_F(BulkOnlyTest, DataMayBeTakenInSeveralTransfers) {
+  Answers({1, 2, 3});
+  bulk_.Give(Reading(3), kNow);
+  EXPECT_THAT(bulk_.Take(2, kNow)->data, ElementsAre(1, 2));
+  EXPECT_THAT(bulk_.Take(1, kNow)->data, ElementsAre(3));
+  EXPECT_EQ(Status(), Ending(0, 0));
+}
+
+TEST_F(BulkOnlyTest, LessDataThanAskedEndsTheTransferAndIsTheResidue) {
+  Answers({1, 2, 3});
+  bulk_.Give(Reading(8), kNow);
+  EXPECT_THAT(bulk_.Take(8, kNow)->data, SizeIs(3));
+  EXPECT_EQ(Status(), Ending(5, 0));
+}
+
+TEST_F(BulkOnlyTest, NoDataAtAllIsAnEmptyTransfer) {
+  bulk_.Give(Reading(8), kNow);
+  EXPECT_EQ(bulk_.Take(8, kNow)->actual, 0U);
+  EXPECT_EQ(Status(), Ending(8, 0));
+}
+
+TEST_F(BulkOnlyTest, DataToTheCameraIsCollectedAndThenRun) {
+  reply_.moved = 5;
+  EXPECT_EQ(bulk_.Give(Writing(5), kNow), kUrbOk);
+  EXPECT_EQ(bulk_.Give(Bytes{1, 2}, kNow), kUrbOk);
+  EXPECT_EQ(executed_, 0);
+  EXPECT_EQ(bulk_.Give(Bytes{3, 4, 5}, kNow), kUrbOk);
+  EXPECT_THAT(given_, ElementsAre(1, 2, 3, 4, 5));
+  EXPECT_EQ(Status(), Ending(0, 0));
+}
+
+TEST_F(BulkOnlyTest, RefusalIsAFailedStatus) {
+  reply_.status = kStatusCheckCondition;
+  bulk_.Give(Reading(4), kNow);
+  bulk_.Take(4, kNow);
+  EXPECT_EQ(Status(), Ending(4, 1));
+}
+
+TEST_F(BulkOnlyTest, MoreDataThanAnnouncedHaltsUntilAReset) {
+  bulk_.Give(Writing(2), kNow);
+  EXPECT_EQ(bulk_.Give(Bytes{1, 2, 3}, kNow), kUrbStall);
+  EXPECT_EQ(executed_, 0);
+  bulk_.SetHaltOut(false);
+  EXPECT_TRUE(bulk_.haltedOut());
+  bulk_.Reset();
+  bulk_.SetHaltOut(false);
+  bulk_.SetHaltIn(false);
+  EXPECT_EQ(bulk_.Give(Acting(), kNow), kUrbOk);
+}
+
+TEST_F(BulkOnlyTest, WhatIsNoCommandHaltsBothPipesUntilAReset) {
+  EXPECT_EQ(bulk_.Give(Bytes{1, 2, 3}, kNow), kUrbStall);
+  EXPECT_EQ(bulk_.Take(13, kNow)->status, kUrbStall);
+  bulk_.SetHaltIn(false);
+  EXPECT_EQ(bulk_.Take(13, kNow)->status, kUrbStall);
+}
+
+TEST_F(BulkOnlyTest, CommandOfMoreBytesThanTheCameraMovesIsNone) {
+  EXPECT_EQ(bulk_.Give(Writing(std::numeric_limits<std::uint32_t>::max()), kNow), kUrbStall);
+}
+
+TEST_F(BulkOnlyTest, CommandBeforeTheStatusWasTakenIsNone) {
+  bulk_.Give(Acting(), kNow);
+  EXPECT_EQ(bulk_.Give(Acting(), kNow), kUrbStall);
+}
+
+TEST_F(BulkOnlyTest, StallOfDataFromTheCameraIsFollowedByAFailedStatus) {
+  reply_.transport = Transport::kStall;
+  bulk_.Give(Reading(4), kNow);
+  EXPECT_EQ(bulk_.Take(4, kNow)->status, kUrbStall);
+  EXPECT_EQ(bulk_.Take(13, kNow)->status, kUrbStall);
+  bulk_.SetHaltIn(false);
+  EXPECT_EQ(Status(), Ending(4, 1));
+}
+
+TEST_F(BulkOnlyTest, StallOfDataToTheCameraIsFollowedByAFailedStatus) {
+  reply_.transport = Transport::kStall;
+  bulk_.Give(Writing(1), kNow);
+  EXPECT_EQ(bulk_.Give(Bytes{1}, kNow), kUrbStall);
+  EXPECT_EQ(bulk_.Give(Bytes{1}, kNow), kUrbStall);
+  bulk_.SetHaltOut(false);
+  EXPECT_EQ(Status(), Ending(1, 1));
+}
+
+TEST_F(BulkOnlyTest, SlowAnswerIsWaitedFor) {
+  reply_.delay = 20ms;
+  bulk_.Give(Acting(), kNow);
+  EXPECT_EQ(bulk_.Take(13, kNow), std::nullopt);
+  EXPECT_EQ(bulk_.WaitsUntil(kNow), kNow + 20ms);
+  EXPECT_THAT(bulk_.Take(13, kNow + 20ms)->data, SizeIs(13));
+}
+
+TEST_F(BulkOnlyTest, HangEndsWithAReset) {
+  reply_.transport = Transport::kHang;
+  bulk_.Give(Acting(), kNow);
+  EXPECT_EQ(bulk_.Take(13, kNow + 1h), std::nullopt);
+  EXPECT_EQ(bulk_.WaitsUntil(kNow), std::nullopt);
+  bulk_.Reset();
+  reply_ = {};
+  bulk_.Give(Acting(), kNow);
+  EXPECT_EQ(Status(), Ending(0, 0));
+}
+
+TEST_F(BulkOnlyTest, CableIsPulledBehindTheLastByteThatTheCameraSent) {
+  Answers({1, 2, 3});
+  reply_.transport = Transport::kGone;
+  bulk_.Give(Reading(8), kNow);
+  EXPECT_FALSE(bulk_.Unplugged(kNow));
+  const auto taken = bulk_.Take(8, kNow);
+  ASSERT_TRUE(taken.has_value());
+  EXPECT_EQ(taken->actual, 8U);
+  EXPECT_THAT(taken->data, ElementsAre(1, 2, 3));
+  EXPECT_TRUE(taken->unplug);
+}
+
+TEST_F(BulkOnlyTest, CameraThatWentWithoutAByteIsUnplugged) {
+  reply_.transport = Transport::kGone;
+  bulk_.Give(Acting(), kNow);
+  EXPECT_TRUE(bulk_.Unplugged(kNow));
+}
+
+TEST_F(BulkOnlyTest, SurplusDataIsBabble) {
+  Answers({1, 2, 3, 4, 5});
+  bulk_.Give(Reading(4), kNow);
+  const auto taken = bulk_.Take(4, kNow);
+  EXPECT_EQ(taken->status, kUrbBabble);
+  EXPECT_THAT(taken->data, SizeIs(4));
+  EXPECT_EQ(Status(), Ending(0xFFFFFFFF, 0));
+}
+
+TEST_F(BulkOnlyTest, StatusWithoutRoomIsBabble) {
+  bulk_.Give(Acting(), kNow);
+  EXPECT_EQ(bulk_.Take(12, kNow)->status, kUrbBabble);
+}
+
+struct Spoiled {
+  WireFault fault;
+  std::size_t data;
+  Ending status;
+};
+
+class WireFaultTest : public BulkOnlyTest, public ::testing::WithParamInterface<Spoiled> {};
+
+TEST_P(WireFaultTest, SpoilsTheCommand) {
+  fault_ = GetParam().fault;
+  Answers({1, 2, 3, 4});
+  bulk_.Give(Reading(4), kNow);
+  EXPECT_THAT(bulk_.Take(4, kNow)->data, SizeIs(GetParam().data));
+  EXPECT_EQ(Status(), GetParam().status);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, WireFaultTest,
+    ::testing::Values(Spoiled{WireFault::kHalfResidue, 4, {2, 0}}, Spoiled{WireFault::kHugeResidue, 4, {0x7FFFFFFF, 0}},
+                      Spoiled{WireFault::kZeroResidue, 2, {0, 0}}, Spoiled{WireFault::kFailNoSense, 0, {4, 1}},
+                      Spoiled{WireFault::kWrongTag, 4, {0, -1}}, Spoiled{WireFault::kPhaseError, 4, {0, 2}},
+                      Spoiled{WireFault::kShortStatus, 4, {0, -1}}, Spoiled{WireFault::kBabble, 4, {0, 0}}));
+
+TEST_F(BulkOnlyTest, SkippedDataIsTheStatusInItsPlace) {
+  fault_ = WireFault::kSkipData;
+  Answers({1, 2, 3, 4});
+  bulk_.Give(Reading(64), kNow);
+  EXPECT_THAT(bulk_.Take(64, kNow)->data, ElementsAre('U', 'S', 'B', 'S', 9, 0, 0, 0, 64, 0, 0, 0, 0));
+  EXPECT_EQ(bulk_.Take(13, kNow), std::nullopt);
+}
+
+TEST_F(BulkOnlyTest, CommandsOfTheKernelAreNotSpoiled) {
+  fault_ = WireFault::kPhaseError;
+  bulk_.Give(Wrapped(0x00, 0, 0x00), kNow);
+  EXPECT_EQ(Status(), Ending(0, 1));
+}
+
+}  // namespace
+}  // namespace vcam::usbip

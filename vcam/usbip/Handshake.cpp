@@ -1,0 +1,95 @@
+#include "vcam/usbip/Handshake.h"
+
+#include <algorithm>
+
+#include "vcam/usbip/BigEndian.h"
+#include "vcam/usbip/Wire.h"
+
+namespace vcam::usbip {
+namespace {
+
+constexpr std::uint16_t kVersion = 0x0111;
+constexpr std::uint16_t kAskList = 0x8005;
+constexpr std::uint16_t kAskImport = 0x8003;
+constexpr std::uint16_t kTellList = 0x0005;
+constexpr std::uint16_t kTellImport = 0x0003;
+constexpr std::size_t kPathSize = 256;
+// Mass storage, SCSI transparent command set, bulk-only transport.
+constexpr std::array<std::uint8_t, 3> kInterface{0x08, 0x06, 0x50};
+
+template <typename Number>
+void AppendBig(Bytes& bytes, Number value) {
+  const std::size_t offset = bytes.size();
+  bytes.resize(offset + sizeof(Number));
+  StoreBig(std::span<std::uint8_t>(bytes), offset, value);
+}
+
+void AppendField(Bytes& bytes, const std::string& text, std::size_t size) {
+  const std::size_t end = bytes.size() + size;
+  AppendText(bytes, text.substr(0, size - 1));
+  bytes.resize(end);
+}
+
+Bytes AnswerHead(std::uint16_t code, Outcome outcome) {
+  Bytes bytes;
+  AppendBig(bytes, kVersion);
+  AppendBig(bytes, code);
+  AppendBig(bytes, static_cast<std::uint32_t>(outcome));
+  return bytes;
+}
+
+void AppendDevice(Bytes& bytes, const Offer& offer) {
+  AppendField(bytes, "/sys/devices/kelva-vcam/" + offer.busId, kPathSize);
+  AppendField(bytes, offer.busId, kBusIdSize);
+  AppendBig(bytes, offer.busNumber);
+  AppendBig(bytes, offer.deviceNumber);
+  AppendBig(bytes, static_cast<std::uint32_t>(offer.speed));
+  AppendBig(bytes, offer.vendor);
+  AppendBig(bytes, offer.product);
+  AppendBig(bytes, offer.release);
+  // Class, subclass and protocol stand in the interface; the configuration in force is 1 of 1, with 1 interface.
+  constexpr std::array<std::uint8_t, 6> kClassesAndCounts{0, 0, 0, 1, 1, 1};
+  bytes.insert(bytes.end(), kClassesAndCounts.begin(), kClassesAndCounts.end());
+}
+
+bool IsBusIdByte(std::uint8_t byte) {
+  return (byte >= '0' && byte <= '9') || byte == '-' || byte == '.' || byte == ':';
+}
+
+}  // namespace
+
+Request DecodeRequest(std::span<const std::uint8_t, kRequestSize> head) {
+  const auto version = LoadBig<std::uint16_t>(head, 0);
+  const auto code = LoadBig<std::uint16_t>(head, 2);
+  if (version != kVersion) {
+    throw ProtocolError("A USB/IP host speaks another version of the protocol than 1.1.1; it was disconnected.");
+  }
+  if (code == kAskList) return Request::kListDevices;
+  if (code == kAskImport) return Request::kImportDevice;
+  throw ProtocolError("A USB/IP host asked the unknown question " + std::to_string(code) + "; it was disconnected.");
+}
+
+std::string DecodeBusId(std::span<const std::uint8_t, kBusIdSize> field) {
+  const auto end = std::find(field.begin(), field.end(), std::uint8_t{0});
+  if (end == field.end() || !std::all_of(field.begin(), end, IsBusIdByte)) {
+    throw ProtocolError("A USB/IP host asked for a device whose bus id cannot be one; it was disconnected.");
+  }
+  return std::string(field.begin(), end);
+}
+
+Bytes EncodeDeviceList(const Offer& offer) {
+  Bytes bytes = AnswerHead(kTellList, Outcome::kOk);
+  AppendBig(bytes, std::uint32_t{1});
+  AppendDevice(bytes, offer);
+  bytes.insert(bytes.end(), kInterface.begin(), kInterface.end());
+  bytes.push_back(0);
+  return bytes;
+}
+
+Bytes EncodeImport(Outcome outcome, const Offer& offer) {
+  Bytes bytes = AnswerHead(kTellImport, outcome);
+  if (outcome == Outcome::kOk) AppendDevice(bytes, offer);
+  return bytes;
+}
+
+}  // namespace vcam::usbip

@@ -1,0 +1,60 @@
+#ifndef KELVA_VCAM_USBIP_SCSI_UNIT_H_
+#define KELVA_VCAM_USBIP_SCSI_UNIT_H_
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "vcam/device/Command.h"
+
+namespace vcam::usbip {
+
+/// Runs a command of the camera's own set, 0xC0 to 0xC6. Called from the thread that serves the cable.
+using Execute = std::function<Reply(const Command&)>;
+
+/// Whether an operation code belongs to the camera's own set.
+bool IsCameraCommand(std::uint8_t operation);
+
+/// The camera as a SCSI logical unit: what a kernel asks of any unit is answered here, the camera's own commands are
+/// passed on. READ CAPACITY and READ(10) show the bytes of the data set that is selected in the camera, in blocks of 512
+/// with the last one filled up with zeros; without a selection there is no medium. Everything else is refused with sense
+/// data that says why.
+class ScsiUnit {
+ public:
+  using Inquiry = std::array<std::uint8_t, 36>;
+
+  /// `inquiry` is the standard inquiry data, `serial` the unit serial number.
+  ScsiUnit(const Inquiry& inquiry, std::string serial, Execute camera)
+      : inquiry_(inquiry), serial_(std::move(serial)), camera_(std::move(camera)) {}
+
+  /// Carries a command out. A refusal is kept for the REQUEST SENSE that follows.
+  Reply Run(const Command& command);
+  /// Forgets the reason of the last refusal, as a device does that fails without one.
+  void DropSense() { sense_ = {}; }
+
+ private:
+  enum class Selection : std::uint8_t { kNone, kPlain, kBundle };
+
+  Reply Dispatch(const Command& command);
+  Reply OwnCommand(const Command& command);
+  Reply TestReady() const;
+  Reply TellSense(const Command& command);
+  Reply TellInquiry(const Command& command) const;
+  Reply TellPage(const Command& command) const;
+  Reply TellModes(const Command& command) const;
+  Reply TellCapacity(const Command& command);
+  Reply ReadBlocks(const Command& command);
+  Reply Query(std::uint8_t query, std::uint32_t length);
+  Reply ReadChunk(std::uint32_t offset, std::uint32_t length);
+
+  Inquiry inquiry_;
+  std::string serial_;
+  Execute camera_;
+  Sense sense_{};
+  Selection selection_ = Selection::kNone;
+};
+
+}  // namespace vcam::usbip
+
+#endif  // KELVA_VCAM_USBIP_SCSI_UNIT_H_

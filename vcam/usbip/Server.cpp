@@ -1,0 +1,150 @@
+#include "vcam/usbip/Server.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "vcam/usbip/SocketIo.h"
+
+namespace vcam::usbip {
+namespace {
+
+// Long enough for a command on this machine; a silent peer must not keep the others out.
+constexpr timeval kHandshakeTime{2, 0};
+constexpr timeval kNoTimeout{0, 0};
+constexpr int kBacklog = 8;
+
+[[noreturn]] void Fail(const std::string& what) {
+  throw std::runtime_error(what + ": " + std::strerror(errno) + ".");
+}
+
+sockaddr* Generic(sockaddr_in& address) {
+  return reinterpret_cast<sockaddr*>(&address);
+}
+
+FileDescriptor Listen(std::uint16_t port) {
+  FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const int yes = 1;
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (!socket) Fail("Cannot make a socket");
+  ::setsockopt(socket.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+  if (::bind(socket.get(), Generic(address), sizeof(address)) != 0 || ::listen(socket.get(), kBacklog) != 0) {
+    Fail("Cannot listen on port " + std::to_string(port) + " of loopback; choose another one with --port");
+  }
+  return socket;
+}
+
+std::uint16_t PortOf(const FileDescriptor& socket) {
+  sockaddr_in address{};
+  socklen_t size = sizeof(address);
+  if (::getsockname(socket.get(), Generic(address), &size) != 0) Fail("Cannot tell the port of a socket");
+  return ntohs(address.sin_port);
+}
+
+void SetReceiveTime(const FileDescriptor& socket, const timeval& time) {
+  ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time));
+}
+
+}  // namespace
+
+Server::Server(Offer offer, CameraModel model, std::uint16_t port)
+    : offer_(std::move(offer)),
+      model_(std::move(model)),
+      listener_(Listen(port)),
+      port_(PortOf(listener_)),
+      gone_(::eventfd(0, EFD_CLOEXEC)) {
+  if (!gone_) Fail("Cannot make an event descriptor");
+}
+
+Server::~Server() {
+  EndHost();
+}
+
+void Server::Run(int stop) {
+  std::array<pollfd, 3> waits{pollfd{stop, POLLIN, 0}, {listener_.get(), POLLIN, 0}, {gone_.get(), POLLIN, 0}};
+  while (true) {
+    if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) Fail("Cannot wait for hosts");
+    if (waits[0].revents != 0 || waits[2].revents != 0) break;
+    if (waits[1].revents == 0) continue;
+    FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!socket) continue;
+    try {
+      Greet(std::move(socket));
+    } catch (const ProtocolError& error) {
+      onComplaint(error.what());
+    }
+  }
+  EndHost();
+}
+
+void Server::Greet(FileDescriptor socket) {
+  const int yes = 1;
+  ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof(yes));
+  SetReceiveTime(socket, kHandshakeTime);
+  std::array<std::uint8_t, kRequestSize> head;
+  if (!ReceiveAll(socket.get(), head)) return;
+  switch (DecodeRequest(head)) {
+    case Request::kListDevices:
+      SendAll(socket.get(), EncodeDeviceList(offer_), {});
+      return;
+    case Request::kImportDevice:
+      Import(std::move(socket));
+      return;
+  }
+}
+
+void Server::Import(FileDescriptor socket) {
+  std::array<std::uint8_t, kBusIdSize> field;
+  if (!ReceiveAll(socket.get(), field)) return;
+  const bool exists = DecodeBusId(field) == offer_.busId;
+  const Outcome outcome = !exists ? Outcome::kNoDevice : HostAttached() ? Outcome::kBusy : Outcome::kOk;
+  SetReceiveTime(socket, kNoTimeout);
+  if (SendAll(socket.get(), EncodeImport(outcome, offer_), {}) && outcome == Outcome::kOk) Attach(std::move(socket));
+}
+
+void Server::Attach(FileDescriptor socket) {
+  EndHost();
+  {
+    const std::lock_guard lock(mutex_);
+    session_ = nullptr;
+  }
+  auto camera = std::make_unique<UsbCamera>(model_);
+  auto session = std::make_unique<Session>(std::move(socket), offer_.DeviceId(), *camera);
+  const std::lock_guard lock(mutex_);
+  session_ = session.get();
+  host_ = std::thread([this, camera = std::move(camera), session = std::move(session)] {
+    try {
+      session->Run();
+    } catch (const ProtocolError& error) {
+      onComplaint(error.what());
+    }
+    session->Pull();
+    const std::lock_guard ending(mutex_);
+    session_ = nullptr;
+    if (camera->Unplugged(Clock::now())) ::eventfd_write(gone_.get(), 1);
+  });
+}
+
+bool Server::HostAttached() {
+  const std::lock_guard lock(mutex_);
+  return session_ != nullptr;
+}
+
+void Server::EndHost() {
+  {
+    const std::lock_guard lock(mutex_);
+    if (session_ != nullptr) session_->Pull();
+  }
+  if (host_.joinable()) host_.join();
+}
+
+}  // namespace vcam::usbip

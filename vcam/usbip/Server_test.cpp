@@ -1,0 +1,95 @@
+#include "vcam/usbip/Server.h"
+
+#include <arpa/inet.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+#include "vcam/usbip/SocketIo.h"
+#include "vcam/usbip/UsbDoor.h"
+
+namespace vcam::usbip {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class ServerTest : public ::testing::Test {
+ protected:
+  ServerTest() {
+    server_.onComplaint = [this](const std::string& sentence) { complaint_ = sentence; };
+    thread_ = std::thread([this] { server_.Run(stop_.get()); });
+  }
+  ~ServerTest() override { Stop(); }
+  void Stop() {
+    ::eventfd_write(stop_.get(), 1);
+    if (thread_.joinable()) thread_.join();
+  }
+  FileDescriptor Connect() {
+    FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(server_.port());
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(::connect(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+    return socket;
+  }
+  FileDescriptor AskToImport(const std::string& busId) {
+    FileDescriptor socket = Connect();
+    Bytes request{0x01, 0x11, 0x80, 0x03, 0, 0, 0, 0};
+    AppendText(request, busId);
+    request.resize(8 + 32);
+    EXPECT_TRUE(SendAll(socket.get(), request, {}));
+    return socket;
+  }
+  static Bytes Receive(const FileDescriptor& socket, std::size_t size) {
+    Bytes bytes(size);
+    return ReceiveAll(socket.get(), bytes) ? bytes : Bytes{};
+  }
+
+  Reply reply_;
+  std::string complaint_;
+  Server server_{OfferOf(Speed::kHigh),
+                 {{"Kelva", "Camera", "A7", Speed::kHigh}, {}, [this](const Command&) { return reply_; }, {}},
+                 0};
+  FileDescriptor stop_{::eventfd(0, EFD_CLOEXEC)};
+  std::thread thread_;
+};
+
+TEST_F(ServerTest, ListsTheCamera) {
+  const FileDescriptor socket = Connect();
+  SendAll(socket.get(), Bytes{0x01, 0x11, 0x80, 0x05, 0, 0, 0, 0}, {});
+  EXPECT_EQ(Receive(socket, 8 + 4 + 312 + 4).size(), 328U);
+}
+
+TEST_F(ServerTest, HandsTheCameraToOneHostAtATime) {
+  const FileDescriptor first = AskToImport("1-1");
+  ASSERT_EQ(Receive(first, 320).size(), 320U);
+  const FileDescriptor second = AskToImport("1-1");
+  EXPECT_THAT(Receive(second, 8), ElementsAre(0x01, 0x11, 0, 3, 0, 0, 0, 2));
+}
+
+TEST_F(ServerTest, KnowsNoOtherDevice) {
+  const FileDescriptor socket = AskToImport("1-2");
+  EXPECT_THAT(Receive(socket, 8), ElementsAre(0x01, 0x11, 0, 3, 0, 0, 0, 4));
+}
+
+TEST_F(ServerTest, PullsTheCableWhenItEnds) {
+  const FileDescriptor host = AskToImport("1-1");
+  ASSERT_EQ(Receive(host, 320).size(), 320U);
+  Stop();
+  EXPECT_THAT(Receive(host, 1), IsEmpty());
+}
+
+TEST_F(ServerTest, ComplainsOfAPeerThatSpeaksAnotherLanguage) {
+  const FileDescriptor socket = Connect();
+  SendAll(socket.get(), Bytes{'G', 'E', 'T', ' ', '/', '\r', '\n', '\n'}, {});
+  EXPECT_THAT(Receive(socket, 1), IsEmpty());
+  Stop();
+  EXPECT_THAT(complaint_, ::testing::HasSubstr("1.1.1"));
+}
+
+}  // namespace
+}  // namespace vcam::usbip

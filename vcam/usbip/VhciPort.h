@@ -1,0 +1,31 @@
+#ifndef KELVA_VCAM_USBIP_VHCI_PORT_H_
+#define KELVA_VCAM_USBIP_VHCI_PORT_H_
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "vcam/device/FileDescriptor.h"
+#include "vcam/usbip/Handshake.h"
+
+// The near end of this machine's own virtual USB host controller (module vhci_hcd).
+
+namespace vcam::usbip {
+
+/// The first free port for a device of that speed in the controller's status table; nothing when all are taken or the
+/// table is not one.
+std::optional<unsigned> FreePort(std::string_view table, Speed speed);
+
+/// Plugs a device into this machine: gives one end of a socket pair to the controller found below `controller` (normally
+/// DefaultController()) and hands the other one, which is for a Session, back. Needs root. Throws std::runtime_error with
+/// one sentence that says what is missing. The device is unplugged by closing that end.
+FileDescriptor PlugIntoController(const std::filesystem::path& controller, std::uint32_t device, Speed speed);
+
+/// The directory of the kernel's first virtual controller.
+std::filesystem::path DefaultController();
+
+}  // namespace vcam::usbip
+
+#endif  // KELVA_VCAM_USBIP_VHCI_PORT_H_
