@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ErrorPolicy.h"
+#include "FatalAssertion.h"
 
 bool Camera::throwExceptions_ = true;
 

@@ -1,8 +1,5 @@
 #include "ErrorPolicy.h"
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "Camera.h"
 
 namespace vsc {
@@ -17,11 +14,6 @@ void ReportProtocolError() {
   if (Camera::throwExceptions_) {
     throw CameraError();
   }
-}
-
-void FailAssertion(const char* expression, const char* function) {
-  std::fprintf(stderr, "Assertion failed: (%s), function %s.\n", expression, function);
-  std::abort();
 }
 
 }  // namespace vsc

@@ -12,9 +12,6 @@ void ReportProtocolError(const std::string& message);
 /// As above, with the default message "Camera error.".
 void ReportProtocolError();
 
-/// Prints "Assertion failed: (expression), function name." to standard error and stops the process, in every build.
-[[noreturn]] void FailAssertion(const char* expression, const char* function);
-
 }  // namespace vsc
 
 #endif  // KELVA_ERROR_POLICY_H_

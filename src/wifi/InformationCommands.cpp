@@ -7,6 +7,7 @@
 #include "ChunkedWrite.h"
 #include "Command.h"
 #include "ErrorPolicy.h"
+#include "FatalAssertion.h"
 #include "LittleEndian.h"
 
 using vsc::Block;

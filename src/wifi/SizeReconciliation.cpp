@@ -1,6 +1,7 @@
 #include "SizeReconciliation.h"
 
 #include "ErrorPolicy.h"
+#include "FatalAssertion.h"
 
 namespace vsc {
 

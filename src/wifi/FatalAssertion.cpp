@@ -1,0 +1,13 @@
+#include "FatalAssertion.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace vsc {
+
+void FailAssertion(const char* expression, const char* function) {
+  std::fprintf(stderr, "Assertion failed: (%s), function %s.\n", expression, function);
+  std::abort();
+}
+
+}  // namespace vsc
