@@ -1,0 +1,185 @@
+// A whole camera over a transport whose answers the input scripts. The first byte chooses the operation, the second the
+// chunk size and the switches, then each transfer takes one answer from the input.
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "Camera.h"
+#include "FatalAssertion.h"
+#include "InputReader.h"
+
+namespace {
+
+/// The defined stop of the process, which is no finding.
+struct DefinedStop {};
+
+constexpr std::size_t kMostAnswered = 1024 * 1024;
+
+class HostileCamera final : public Camera {
+ public:
+  HostileCamera(InputReader& input, int chunkSize) : Camera(chunkSize, 64), input_(input) {}
+
+  std::string Name() const override { return "hostile"; }
+  std::string MountPath() const override { return {}; }
+  bool Open() override { return true; }
+  void Close() override {}
+  void ListenForCameraLost(void (*)(void*), void*) override {}
+  bool WasDisconnected() override { return false; }
+  bool IsScsiInquiryCorrect() const override { return true; }
+  bool Cancel(bool, bool) override { return false; }
+  void ClearCancel(bool) override {}
+  bool IsOpen() override { return true; }
+  bool CompareSn(const char*) const override { return true; }
+
+  /// One answer: a kind, and for some kinds a number. What is reported as moved need not be what was written.
+  bool Transfer(const _VscCdb&, int direction, int& size, char* buffer, bool) override {
+    const std::uint8_t kind = input_.Byte();
+    if (answered_ >= kMostAnswered || (input_.AtEnd() && kind == 0)) {
+      throw CameraTransferError("gone");
+    }
+    if (direction != 2) {
+      return kind != 1;
+    }
+    return Answer(kind, size, buffer);
+  }
+
+ private:
+  bool Answer(std::uint8_t kind, int& size, char* buffer) {
+    switch (kind % 8) {
+      case 0:  // a full answer, repeated from few bytes
+        return Fill(size, buffer, input_.Bytes(8), size);
+      case 1:
+        return false;
+      case 2:
+        throw CameraTransferError("scripted");
+      case 3:  // fewer bytes than asked
+        return Fill(size, buffer, input_.Bytes(input_.Byte()), static_cast<int>(input_.Byte()));
+      case 4:  // a count that is a lie
+        return Fill(size, buffer, input_.Bytes(input_.Byte()), static_cast<int>(input_.Word()));
+      default: {  // the next bytes as they stand
+        const auto bytes = input_.Bytes(std::size_t{input_.Byte()} << (kind % 8 == 6 ? 4 : 0));
+        return Fill(size, buffer, bytes, static_cast<int>(bytes.size()));
+      }
+    }
+  }
+
+  bool Fill(int& size, char* buffer, std::span<const std::uint8_t> bytes, int moved) {
+    const auto capacity = static_cast<std::size_t>(std::max(size, 0));
+    for (std::size_t i = 0; i < capacity && !bytes.empty(); ++i) {
+      buffer[i] = static_cast<char>(bytes[i % bytes.size()]);
+    }
+    answered_ += capacity + 1;
+    size = moved;
+    return true;
+  }
+
+  InputReader& input_;
+  std::size_t answered_ = 0;
+};
+
+void Count(void* context, float fraction) {
+  ++*static_cast<int*>(context);
+  if (!(fraction >= 0)) {
+    __builtin_trap();
+  }
+}
+
+/// Each body lies wholly in what arrived, so it can be read and has the announced size.
+void CheckFiles(const std::vector<_Sha1obj>& files) {
+  for (const _Sha1obj& file : files) {
+    if (file.data.empty() || file.data.size() != file.size) {
+      __builtin_trap();
+    }
+  }
+}
+
+void ReadPictures(Camera& camera, void* context) {
+  const std::vector<DcfObj> pictures = camera.GetDcf();
+  for (std::size_t i = 0; i < std::min<std::size_t>(pictures.size(), 4); ++i) {
+    Camera::DcfFilename(pictures[i], 1 + static_cast<int>(i));
+    camera.ReadFile(pictures[i], 1 + static_cast<int>(i), Count, context, true);
+    camera.DeleteDcfObject(pictures[i]);
+  }
+}
+
+void RunStatus(Camera& camera) {
+  camera.IsReady();
+  camera.MonitorCmd("line");
+  camera.GetTime();
+  camera.GetDoneCmdCount();
+  camera.BatteryLevel();
+  _ManualControlsState state{};
+  camera.GetManualControlsState(state);
+  float progress = 0;
+  bool first = false;
+  bool second = false;
+  camera.UpgradeStatus(progress, first, second);
+}
+
+void Run(Camera& camera, std::uint8_t operation) {
+  int calls = 0;
+  switch (operation % 10) {
+    case 0:
+      camera.ReadFile("I:\\A", Count, &calls, true);
+      break;
+    case 1:
+      ReadPictures(camera, &calls);
+      break;
+    case 2:
+      camera.ReadDir("I:\\");
+      break;
+    case 3: {
+      std::vector<std::pair<std::string, long long>> files;
+      camera.TraverseDir("I:", files);
+      break;
+    }
+    case 4:
+      CheckFiles(camera.ReadCrashLogs(Count, &calls, true, true));
+      break;
+    case 5:
+      CheckFiles(camera.ReadCalibration(Count, &calls, true));
+      break;
+    case 6:
+      CheckFiles(camera.ReadFilesBySha1({"k1", "k2", "k3"}, {"a", "b", "c"}, Count, &calls, true));
+      break;
+    case 7:
+      CheckFiles(camera.ReadCompressedRaw("key", Count, &calls, true));
+      break;
+    case 8: {
+      _VscCdbCameraInformation info{};
+      camera.CameraInformation(info);
+      for (bool more = true; more;) {
+        camera.ConsoleLog(more);
+      }
+      break;
+    }
+    default:
+      RunStatus(camera);
+  }
+}
+
+}  // namespace
+
+void vsc::FailAssertion(const char*, const char*) {
+  throw DefinedStop();
+}
+
+std::vector<boost::shared_ptr<Camera>> Camera::EnumerateCameras(bool, std::string, bool, int) {
+  return {};
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  InputReader input(data, size);
+  const std::uint8_t operation = input.Byte();
+  const std::uint8_t setting = input.Byte();
+  constexpr int kChunkSizes[] = {1, 16, 700, 4096};
+  Camera::throwExceptions_ = (setting & 4) != 0;
+  HostileCamera camera(input, kChunkSizes[setting % 4]);
+  try {
+    Run(camera, operation);
+  } catch (const CameraError&) {
+  } catch (const DefinedStop&) {
+  }
+  return 0;
+}
