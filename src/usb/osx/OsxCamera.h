@@ -16,8 +16,8 @@
 /// Ownership: a camera owns one reference to its service, its connection and its interest notification, and gives all
 /// three back in its destructor. The registered callbacks and the notification port live until the process ends.
 ///
-/// Threads: notifications arrive on the thread whose run loop first listened, while it runs in the default mode. Nothing
-/// is locked.
+/// Threads: notifications arrive on the thread whose run loop first listened, while it runs in the default mode.
+/// Nothing is locked.
 class OsxCamera : public Camera {
  public:
   /// Takes over one reference to `service`. Opens nothing.

@@ -1,0 +1,59 @@
+// One camera's identity and its going away.
+
+#include "IoKitOwners.h"
+#include "LossInProgress.h"
+#include "OsxCamera.h"
+#include "OsxCameraError.h"
+#include "RegistryNames.h"
+
+namespace {
+
+// kIOMessageServiceIsTerminated, whose header is not among those that this folder includes.
+constexpr unsigned int kServiceIsTerminated = 0xE0000010;
+
+}  // namespace
+
+void OsxCamera::ListenForCameraLost(void (*callback)(void*), void* context) {
+  if (notification_ == 0) {
+    // The system dereferences the port, so a camera watched before any attach listening needs one too.
+    SetupNotifyPort();
+    if (IOServiceAddInterestNotification(notifyPort, service_, kGeneralInterestType, CameraMessage, this,
+                                         &notification_) != kIOReturnSuccess) {
+      throw OsxCameraError("IOServiceAddInterestNotifaction() failed.");
+    }
+  }
+  lostCb_ = callback;
+  lostContext_ = context;
+}
+
+void OsxCamera::CameraMessage(void* camera, unsigned int, unsigned int messageType, void*) {
+  if (messageType != kServiceIsTerminated) {
+    return;
+  }
+  auto* self = static_cast<OsxCamera*>(camera);
+  const LossInProgress loss(self);
+  if (self->lostCb_ != nullptr) {
+    self->lostCb_(self->lostContext_);
+  }
+  // After the callback, which still sees a camera that is not disconnected.
+  if (loss.CameraIsAlive()) {
+    self->disconnected_ = true;
+  }
+}
+
+bool OsxCamera::WasDisconnected() {
+  return disconnected_;
+}
+
+bool OsxCamera::CompareSn(const char* serial) const {
+  const CfRef<CFStringRef> wanted = MakeString(serial);
+  IOObjectRetain(service_);
+  bool matches = false;
+  // Up to the registry's root: the serial sits on an ancestor, and a match does not stop the walk.
+  for (IoObject entry(service_); entry; entry = ParentOf(entry.Get())) {
+    if (Equals(CopyProperty(entry.Get(), kSerialName), wanted)) {
+      matches = true;
+    }
+  }
+  return matches;
+}

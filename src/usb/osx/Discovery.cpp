@@ -1,0 +1,126 @@
+// Finding cameras: those attached now, those attached later, and those that the system took for compact discs.
+
+#include <cstdio>
+
+#include "IoKitOwners.h"
+#include "OsxCamera.h"
+#include "OsxCameraError.h"
+#include "RegistryNames.h"
+
+const char* const OsxCamera::kDriverNames[] = {kDriverClass, kMassStorageDriverClass, nullptr};
+IONotificationPortRef OsxCamera::notifyPort = nullptr;
+void (*OsxCamera::cameraCb)(boost::shared_ptr<Camera> camera, void* context) = nullptr;
+void (*OsxCamera::badCameraCb)(void* context) = nullptr;
+
+namespace {
+
+/// Takes over the reference to the service.
+boost::shared_ptr<Camera> MakeCamera(IoObject service) {
+  auto* camera = new OsxCamera(service.Get());
+  service.Release();
+  return boost::shared_ptr<Camera>(camera);
+}
+
+/// Narrows a matching dictionary to this maker's devices.
+void RequireVendor(CFMutableDictionaryRef matching) {
+  const CfRef<CFMutableDictionaryRef> properties(CFDictionaryCreateMutable(
+      kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+  CFDictionarySetValue(properties.Get(), MakeString(kVendorName).Get(), MakeString(kVendor).Get());
+  CFDictionarySetValue(matching, MakeString(kPropertyMatchName).Get(), properties.Get());
+}
+
+/// Registers a first-match notification for a class. The iterator is kept for the life of the process: releasing it
+/// would end the notification.
+io_iterator_t RegisterFirstMatch(IONotificationPortRef port, const char* className, IOServiceMatchingCallback handler,
+                                 void* context) {
+  io_iterator_t iterator = 0;
+  if (IOServiceAddMatchingNotification(port, kFirstMatchType, IOServiceMatching(className), handler, context,
+                                       &iterator) != kIOReturnSuccess) {
+    throw OsxCameraError("IOServiceAddMatchingNotification() failed.");
+  }
+  return iterator;
+}
+
+/// A compact-disc service is a camera when the inquiry data two levels above it is a camera's.
+bool IsBadCamera(io_service_t service) {
+  const IoObject parent = ParentOf(service);
+  if (!parent) {
+    return false;
+  }
+  const IoObject grandparent = ParentOf(parent.Get());
+  if (!grandparent) {
+    return false;
+  }
+  const CfRef<CFTypeRef> vendor = CopyProperty(grandparent.Get(), kVendorName);
+  const CfRef<CFTypeRef> revision = CopyProperty(grandparent.Get(), kRevisionName);
+  return vendor && revision && Equals(vendor, kVendor) && Equals(revision, kBadCameraRevision);
+}
+
+}  // namespace
+
+std::vector<boost::shared_ptr<Camera>> OsxCamera::EnumerateOsxCameras(bool anyVendor) {
+  std::vector<boost::shared_ptr<Camera>> cameras;
+  for (const char* const* name = kDriverNames; *name != nullptr; ++name) {
+    const CFMutableDictionaryRef matching = IOServiceMatching(*name);  // consumed by the search
+    if (!anyVendor) {
+      RequireVendor(matching);
+    }
+    io_iterator_t found = 0;
+    const kern_return_t returnCode = IOServiceGetMatchingServices(kIOMasterPortDefault, matching, &found);
+    if (returnCode != kIOReturnSuccess) {
+      std::printf("IOServiceGetMatchingServices() FAILED = 0x%x\n", static_cast<unsigned int>(returnCode));
+      return cameras;
+    }
+    const IoObject iterator(found);
+    while (IoObject service{IOIteratorNext(iterator.Get())}) {
+      cameras.push_back(MakeCamera(std::move(service)));
+    }
+  }
+  return cameras;
+}
+
+void OsxCamera::SetupNotifyPort() {
+  if (notifyPort != nullptr) {
+    return;
+  }
+  notifyPort = IONotificationPortCreate(kIOMasterPortDefault);
+  if (notifyPort == nullptr) {
+    throw OsxCameraError("IONotificationPortCreate() failed.");
+  }
+  CFRunLoopAddSource(CFRunLoopGetCurrent(), IONotificationPortGetRunLoopSource(notifyPort), kCFRunLoopDefaultMode);
+}
+
+void OsxCamera::ListenForOsxCameraAttach(void (*callback)(boost::shared_ptr<Camera>, void*), void* context) {
+  if (callback == nullptr) {
+    return;
+  }
+  SetupNotifyPort();
+  cameraCb = callback;
+  for (const char* const* name = kDriverNames; *name != nullptr; ++name) {
+    AddDeviceBounce(context, RegisterFirstMatch(notifyPort, *name, AddDeviceBounce, context));
+  }
+}
+
+void OsxCamera::AddDeviceBounce(void* context, unsigned int iterator) {
+  while (IoObject service{IOIteratorNext(iterator)}) {
+    const boost::shared_ptr<Camera> camera = MakeCamera(std::move(service));
+    cameraCb(camera, context);
+  }
+}
+
+void OsxCamera::ListenForOsxBadCameraAttach(void (*callback)(void*), void* context) {
+  if (callback == nullptr) {
+    return;
+  }
+  SetupNotifyPort();
+  badCameraCb = callback;
+  BadCameraBounce(context, RegisterFirstMatch(notifyPort, kCompactDiscClass, BadCameraBounce, context));
+}
+
+void OsxCamera::BadCameraBounce(void* context, unsigned int iterator) {
+  while (const IoObject service{IOIteratorNext(iterator)}) {
+    if (badCameraCb != nullptr && IsBadCamera(service.Get())) {
+      badCameraCb(context);
+    }
+  }
+}

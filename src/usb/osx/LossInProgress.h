@@ -1,0 +1,31 @@
+#ifndef KELVA_LOSS_IN_PROGRESS_H_
+#define KELVA_LOSS_IN_PROGRESS_H_
+
+/// Knows, while a camera-lost callback runs on this thread, whether the callback destroyed its camera. Dropping the
+/// last pointer to a camera that has gone is what a callback does as a rule.
+class LossInProgress {
+ public:
+  explicit LossInProgress(const void* camera) : camera_(camera), outer_(innermost_) { innermost_ = this; }
+  ~LossInProgress() { innermost_ = outer_; }
+  LossInProgress(const LossInProgress&) = delete;
+  LossInProgress& operator=(const LossInProgress&) = delete;
+
+  bool CameraIsAlive() const { return camera_ != nullptr; }
+
+  /// Called by every camera that is destroyed.
+  static void CameraDestroyed(const void* camera) {
+    for (LossInProgress* loss = innermost_; loss != nullptr; loss = loss->outer_) {
+      if (loss->camera_ == camera) {
+        loss->camera_ = nullptr;
+      }
+    }
+  }
+
+ private:
+  inline static thread_local LossInProgress* innermost_ = nullptr;
+
+  const void* camera_;
+  LossInProgress* outer_;
+};
+
+#endif  // KELVA_LOSS_IN_PROGRESS_H_

@@ -1,0 +1,97 @@
+// The camera object: its session with the driver, and the SCSI pass-through.
+
+#include "OsxCamera.h"
+
+#include "IoKitOwners.h"
+#include "LossInProgress.h"
+#include "RegistryNames.h"
+#include "UserClientTransfer.h"
+
+namespace {
+
+constexpr int kChunkSize = 65536;
+constexpr int kProgressInterval = 262144;
+
+// Shown as the status of a call that never produced one. The record is not cleared before the call.
+constexpr std::uint32_t kNoStatus = 0xFFFFFFFF;
+
+}  // namespace
+
+OsxCamera::OsxCamera(unsigned int service)
+    : Camera(kChunkSize, kProgressInterval),
+      notification_(0),
+      service_(service),
+      connect_(0),
+      lostCb_(nullptr),
+      lostContext_(nullptr),
+      disconnected_(false) {}
+
+OsxCamera::~OsxCamera() {
+  if (connect_ != 0) {
+    OsxCamera::Close();
+  }
+  if (notification_ != 0) {
+    IOObjectRelease(notification_);
+  }
+  IOObjectRelease(service_);
+  LossInProgress::CameraDestroyed(this);
+}
+
+std::string OsxCamera::Name() const {
+  return "Camera";
+}
+
+std::string OsxCamera::MountPath() const {
+  return {};
+}
+
+bool OsxCamera::Open() {
+  if (connect_ != 0) {
+    return true;
+  }
+  // Its return code says nothing that the session's start does not.
+  IOServiceOpen(service_, mach_task_self(), 0, &connect_);
+  if (IOConnectCallScalarMethod(connect_, kUserClientStartSession, nullptr, 0, nullptr, nullptr) == kIOReturnSuccess) {
+    return true;
+  }
+  IOServiceClose(connect_);
+  connect_ = 0;
+  return false;
+}
+
+void OsxCamera::Close() {
+  if (connect_ == 0) {
+    return;
+  }
+  IOConnectCallScalarMethod(connect_, kUserClientEndSession, nullptr, 0, nullptr, nullptr);
+  IOServiceClose(connect_);
+  connect_ = 0;
+}
+
+bool OsxCamera::IsOpen() {
+  return connect_ != 0;
+}
+
+bool OsxCamera::Transfer(const _VscCdb& cdb, int direction, int& size, char* buffer, bool) {
+  const UserClientTransferRequest request = MakeTransferRequest(cdb, direction, size, buffer);
+  UserClientTransferResult result{kNoStatus, 0};
+  std::size_t resultSize = sizeof(result);
+  const kern_return_t returnCode =
+      IOConnectCallStructMethod(connect_, kUserClientTransfer, &request, sizeof(request), &result, &resultSize);
+  if (returnCode != kIOReturnSuccess || result.status != 0) {
+    throw CameraTransferError(TransferErrorReport(cdb, returnCode, result.status));
+  }
+  size = result.actualLength;
+  return true;
+}
+
+bool OsxCamera::IsScsiInquiryCorrect() const {
+  return Equals(CopyProperty(service_, kVendorName), kVendor) &&
+         Equals(CopyProperty(service_, kClassName), kDriverClass);
+}
+
+bool OsxCamera::Cancel(bool, bool) {
+  return false;
+}
+
+void OsxCamera::ClearCancel(bool) {}

@@ -1,0 +1,54 @@
+#include "OsxCameraError.h"
+
+#include <execinfo.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+constexpr int kMostFrames = 9;
+
+struct FreeArray {
+  void operator()(char** lines) const { std::free(lines); }
+};
+
+/// Each frame's text after a line feed; nothing when the frames cannot be named.
+std::string TraceText(void* const* frames, int count) {
+  const std::unique_ptr<char*, FreeArray> lines(backtrace_symbols(frames, count));
+  std::string text;
+  for (int i = 0; lines != nullptr && i < count; ++i) {
+    text += "\n";
+    text += lines.get()[i];
+  }
+  return text;
+}
+
+}  // namespace
+
+OsxCameraError::OsxCameraError(const std::string& msg) : message_("OsxCameraError: " + msg) {
+  // Captured here and not in a helper, so that the one frame left out is this constructor's.
+  void* frames[kMostFrames];
+  const int count = backtrace(frames, kMostFrames);
+  if (count > 1) {
+    message_ += TraceText(frames + 1, count - 1);
+  }
+  text_ = message_.c_str();
+}
+
+// A copied pointer would still look at the other object's characters.
+OsxCameraError::OsxCameraError(const OsxCameraError& other)
+    : CameraError(other), message_(other.message_), text_(message_.c_str()) {}
+
+OsxCameraError& OsxCameraError::operator=(const OsxCameraError& other) {
+  CameraError::operator=(other);
+  message_ = other.message_;
+  text_ = message_.c_str();
+  return *this;
+}
+
+OsxCameraError::~OsxCameraError() = default;
+
+const char* OsxCameraError::what() const noexcept {
+  return text_;
+}
