@@ -1,0 +1,36 @@
+#ifndef KELVA_DARWIN_CF_NUMBER_H_
+#define KELVA_DARWIN_CF_NUMBER_H_
+
+#include <cstdint>
+
+#include "darwin/cf/Object.h"
+
+namespace darwin::cf {
+
+/// A number property: unsigned 64-bit, as the registry compares them.
+class Number final : public Object {
+ public:
+  explicit Number(std::uint64_t value) : Object(Type::kNumber), value_(value) {}
+  std::uint64_t Value() const { return value_; }
+  bool Equals(const Object& other) const override;
+  CFHashCode Hash() const override { return value_; }
+
+ private:
+  const std::uint64_t value_;
+};
+
+/// A truth value; not a number.
+class Truth final : public Object {
+ public:
+  explicit Truth(bool value) : Object(Type::kBoolean), value_(value) {}
+  bool Value() const { return value_; }
+  bool Equals(const Object& other) const override;
+  CFHashCode Hash() const override { return value_; }
+
+ private:
+  const bool value_;
+};
+
+}  // namespace darwin::cf
+
+#endif  // KELVA_DARWIN_CF_NUMBER_H_

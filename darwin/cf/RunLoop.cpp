@@ -1,0 +1,199 @@
+#include "darwin/cf/RunLoop.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+
+#include "darwin/cf/EventLoop.h"
+#include "darwin/cf/String.h"
+
+namespace darwin::cf {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kDefaultMode = "kCFRunLoopDefaultMode";
+constexpr CFTimeInterval kLongestWait = 1.0e9;
+
+/// The moment so many seconds from now.
+Clock::time_point After(CFTimeInterval seconds) {
+  const std::chrono::duration<double> wait(std::clamp(seconds, 0.0, kLongestWait));
+  return Clock::now() + std::chrono::duration_cast<Clock::duration>(wait);
+}
+
+/// Milliseconds until a moment, rounded up; 0 when it has come.
+int MillisecondsUntil(Clock::time_point moment) {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(moment - Clock::now()).count();
+  return static_cast<int>(std::clamp<long long>(left, 0, std::numeric_limits<int>::max()));
+}
+
+/// The shorter of two waits; -1 is for ever.
+int Sooner(int first, int second) {
+  if (first < 0 || second < 0) {
+    return std::max(first, second);
+  }
+  return std::min(first, second);
+}
+
+int ShortestTimeout(const std::vector<SourceRef>& sources) {
+  int timeout = -1;
+  for (const SourceRef& source : sources) {
+    timeout = Sooner(timeout, source->TimeoutMs());
+  }
+  return timeout;
+}
+
+std::vector<int> DescriptorsOf(const std::vector<SourceRef>& sources) {
+  std::vector<int> descriptors;
+  for (const SourceRef& source : sources) {
+    source->AddDescriptors(descriptors);
+  }
+  return descriptors;
+}
+
+bool PerformAll(const std::vector<SourceRef>& sources) {
+  bool handled = false;
+  for (const SourceRef& source : sources) {
+    handled = source->Perform() || handled;
+  }
+  return handled;
+}
+
+RunLoop& FromLoopRef(CFRunLoopRef ref) {
+  return const_cast<RunLoop&>(static_cast<const RunLoop&>(FromRef(ref)));
+}
+
+}  // namespace
+
+RunLoop::RunLoop() : Object(Type::kRunLoop, Lifetime::kImmortal) {}
+
+RunLoop& RunLoop::Current() {
+  static thread_local RunLoop loop;
+  return loop;
+}
+
+void RunLoop::Add(RunLoopSource& source, const std::string& mode) {
+  const std::lock_guard lock(mutex_);
+  const bool present = std::any_of(members_.begin(), members_.end(), [&](const Member& member) {
+    return member.source.Get() == &source && member.mode == mode;
+  });
+  if (!present) {
+    members_.push_back({mode, SourceRef(source)});
+    wakeUp_.Signal();
+  }
+}
+
+CFRunLoopRunResult RunLoop::Run(const std::string& mode, CFTimeInterval seconds, bool returnAfterSourceHandled) {
+  const Clock::time_point deadline = After(seconds);
+  for (;;) {
+    wakeUp_.Clear();
+    const std::vector<SourceRef> sources = SourcesOf(mode);
+    if (sources.empty()) {
+      return kCFRunLoopRunFinished;
+    }
+    const bool handled = !stopped_ && PerformAll(sources);
+    if (watch_ != nullptr) {
+      UpdateWatch();
+    }
+    if (stopped_.exchange(false)) {
+      return kCFRunLoopRunStopped;
+    }
+    if (handled && returnAfterSourceHandled) {
+      return kCFRunLoopRunHandledSource;
+    }
+    const int left = MillisecondsUntil(deadline);
+    if (left == 0) {
+      return kCFRunLoopRunTimedOut;
+    }
+    if (!handled) {
+      Wait(sources, Sooner(seconds >= kLongestWait ? -1 : left, ShortestTimeout(sources)));
+    }
+  }
+}
+
+void RunLoop::Stop() {
+  stopped_ = true;
+  wakeUp_.Signal();
+}
+
+int RunLoop::Watch() {
+  if (watch_ == nullptr) {
+    watch_ = std::make_unique<WatchDescriptor>();
+    UpdateWatch();
+  }
+  return watch_->Get();
+}
+
+std::vector<SourceRef> RunLoop::SourcesOf(const std::string& mode) {
+  const std::lock_guard lock(mutex_);
+  std::vector<SourceRef> sources;
+  for (const Member& member : members_) {
+    if (member.mode == mode) {
+      sources.push_back(member.source);
+    }
+  }
+  return sources;
+}
+
+void RunLoop::Wait(const std::vector<SourceRef>& sources, int timeoutMs) {
+  std::vector<pollfd> entries{{wakeUp_.Descriptor(), POLLIN, 0}};
+  for (const int descriptor : DescriptorsOf(sources)) {
+    entries.push_back({descriptor, POLLIN, 0});
+  }
+  // An interrupted wait is a short one: the caller looks again.
+  ::poll(entries.data(), entries.size(), timeoutMs);
+}
+
+void RunLoop::UpdateWatch() {
+  const std::vector<SourceRef> sources = SourcesOf(kDefaultMode);
+  std::vector<int> descriptors = DescriptorsOf(sources);
+  descriptors.push_back(wakeUp_.Descriptor());
+  watch_->Update(descriptors, ShortestTimeout(sources));
+}
+
+}  // namespace darwin::cf
+
+namespace darwin {
+
+int EventDescriptor() {
+  return cf::RunLoop::Current().Watch();
+}
+
+void DispatchEvents() {
+  cf::RunLoop::Current().Run(cf::kDefaultMode, 0, false);
+}
+
+}  // namespace darwin
+
+using namespace darwin::cf;
+
+extern "C" {
+
+const CFRunLoopMode kCFRunLoopDefaultMode = CFSTR("kCFRunLoopDefaultMode");
+
+CFRunLoopRef CFRunLoopGetCurrent(void) {
+  return reinterpret_cast<CFRunLoopRef>(static_cast<Object*>(&RunLoop::Current()));
+}
+
+void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+  FromLoopRef(rl).Add(FromSourceRef(source), *TextOf(&FromRef(mode)));
+}
+
+void CFRunLoopRun(void) {
+  CFRunLoopRunResult result = kCFRunLoopRunTimedOut;
+  while (result == kCFRunLoopRunTimedOut || result == kCFRunLoopRunHandledSource) {
+    result = RunLoop::Current().Run(kDefaultMode, kLongestWait, false);
+  }
+}
+
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds, Boolean returnAfterSourceHandled) {
+  return RunLoop::Current().Run(*TextOf(&FromRef(mode)), seconds, returnAfterSourceHandled != 0);
+}
+
+void CFRunLoopStop(CFRunLoopRef rl) {
+  FromLoopRef(rl).Stop();
+}
+
+}  // extern "C"

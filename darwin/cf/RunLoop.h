@@ -1,0 +1,77 @@
+#ifndef KELVA_DARWIN_CF_RUN_LOOP_H_
+#define KELVA_DARWIN_CF_RUN_LOOP_H_
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "darwin/cf/Object.h"
+#include "darwin/cf/RunLoopSource.h"
+#include "darwin/cf/WakeUp.h"
+#include "darwin/cf/WatchDescriptor.h"
+
+namespace darwin::cf {
+
+/// A reference to a source that is kept while it is in a loop or performs.
+class SourceRef {
+ public:
+  explicit SourceRef(RunLoopSource& source) : source_(&source) { source_->Retain(); }
+  SourceRef(const SourceRef& other) : SourceRef(*other.source_) {}
+  SourceRef(SourceRef&& other) noexcept : source_(std::exchange(other.source_, nullptr)) {}
+  SourceRef& operator=(SourceRef other) noexcept {
+    std::swap(source_, other.source_);
+    return *this;
+  }
+  ~SourceRef() {
+    if (source_ != nullptr) {
+      source_->Release();
+    }
+  }
+  RunLoopSource* operator->() const { return source_; }
+  RunLoopSource* Get() const { return source_; }
+
+ private:
+  RunLoopSource* source_;
+};
+
+/// One thread's run loop over poll(2). Nothing runs it by itself; while it waits for nothing that is timed it does not
+/// wake up. Sources may be added, and the loop stopped, from any thread.
+class RunLoop final : public Object {
+ public:
+  /// The calling thread's loop, made on first use and destroyed with the thread.
+  static RunLoop& Current();
+
+  RunLoop();
+
+  /// Keeps the source; a second time in one mode does nothing.
+  void Add(RunLoopSource& source, const std::string& mode);
+  /// Runs the sources of a mode as CFRunLoopRunInMode does.
+  CFRunLoopRunResult Run(const std::string& mode, CFTimeInterval seconds, bool returnAfterSourceHandled);
+  /// Ends the run in progress, or else the next one.
+  void Stop();
+
+  /// A descriptor that is readable when a source of the default mode has something to do.
+  int Watch();
+
+ private:
+  struct Member {
+    std::string mode;
+    SourceRef source;
+  };
+
+  std::vector<SourceRef> SourcesOf(const std::string& mode);
+  void Wait(const std::vector<SourceRef>& sources, int timeoutMs);
+  void UpdateWatch();
+
+  std::mutex mutex_;  // guards members_
+  std::vector<Member> members_;
+  std::atomic<bool> stopped_{false};
+  WakeUp wakeUp_;
+  std::unique_ptr<WatchDescriptor> watch_;
+};
+
+}  // namespace darwin::cf
+
+#endif  // KELVA_DARWIN_CF_RUN_LOOP_H_

@@ -1,0 +1,30 @@
+#ifndef KELVA_DARWIN_CF_WATCH_DESCRIPTOR_H_
+#define KELVA_DARWIN_CF_WATCH_DESCRIPTOR_H_
+
+#include <vector>
+
+#include "darwin/cf/FileDescriptor.h"
+
+namespace darwin::cf {
+
+/// One descriptor that stands for many and for a moment: readable when one of them is, or when the moment has come.
+class WatchDescriptor {
+ public:
+  /// Throws std::system_error when the system has no descriptor left.
+  WatchDescriptor();
+
+  int Get() const { return epoll_.Get(); }
+  /// Replaces what is stood for; timeoutMs -1 is no moment.
+  void Update(const std::vector<int>& descriptors, int timeoutMs);
+
+ private:
+  void Change(int operation, int descriptor);
+
+  FileDescriptor epoll_;
+  FileDescriptor timer_;
+  std::vector<int> watched_;
+};
+
+}  // namespace darwin::cf
+
+#endif  // KELVA_DARWIN_CF_WATCH_DESCRIPTOR_H_

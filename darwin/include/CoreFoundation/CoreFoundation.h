@@ -1,0 +1,109 @@
+#ifndef KELVA_DARWIN_COREFOUNDATION_H_
+#define KELVA_DARWIN_COREFOUNDATION_H_
+
+// The part of CoreFoundation that this project uses, with the framework's own signatures and meaning. What is not here is
+// not there, so the linker says so.
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef unsigned char Boolean;
+typedef signed long CFIndex;
+typedef unsigned long CFTypeID;
+typedef unsigned long CFHashCode;
+typedef unsigned int UInt32;
+typedef UInt32 CFStringEncoding;
+typedef double CFTimeInterval;
+typedef const void* CFTypeRef;
+
+typedef const struct __CFAllocator* CFAllocatorRef;
+typedef const struct __CFString* CFStringRef;
+typedef const struct __CFDictionary* CFDictionaryRef;
+typedef struct __CFDictionary* CFMutableDictionaryRef;
+typedef struct __CFRunLoop* CFRunLoopRef;
+typedef struct __CFRunLoopSource* CFRunLoopSourceRef;
+
+typedef CFStringRef CFRunLoopMode;
+
+/* CFBase.h */
+
+extern const CFAllocatorRef kCFAllocatorDefault; /* NULL */
+
+CFTypeRef CFRetain(CFTypeRef cf);
+void CFRelease(CFTypeRef cf);
+CFIndex CFGetRetainCount(CFTypeRef cf);
+CFTypeID CFGetTypeID(CFTypeRef cf);
+Boolean CFEqual(CFTypeRef cf1, CFTypeRef cf2);
+CFHashCode CFHash(CFTypeRef cf);
+
+/* CFString.h */
+
+#define kCFStringEncodingMacRoman ((CFStringEncoding)0)
+#define kCFStringEncodingUTF8 ((CFStringEncoding)0x08000100)
+
+CFTypeID CFStringGetTypeID(void);
+CFStringRef CFStringCreateWithCString(CFAllocatorRef alloc, const char* cStr, CFStringEncoding encoding);
+Boolean CFStringGetCString(CFStringRef theString, char* buffer, CFIndex bufferSize, CFStringEncoding encoding);
+
+/* One immortal string for each text. */
+CFStringRef __CFStringMakeConstantString(const char* cStr);
+#define CFSTR(cStr) __CFStringMakeConstantString("" cStr "")
+
+/* CFDictionary.h */
+
+typedef const void* (*CFDictionaryRetainCallBack)(CFAllocatorRef allocator, const void* value);
+typedef void (*CFDictionaryReleaseCallBack)(CFAllocatorRef allocator, const void* value);
+typedef CFStringRef (*CFDictionaryCopyDescriptionCallBack)(const void* value);
+typedef Boolean (*CFDictionaryEqualCallBack)(const void* value1, const void* value2);
+typedef CFHashCode (*CFDictionaryHashCallBack)(const void* value);
+
+typedef struct {
+  CFIndex version;
+  CFDictionaryRetainCallBack retain;
+  CFDictionaryReleaseCallBack release;
+  CFDictionaryCopyDescriptionCallBack copyDescription;
+  CFDictionaryEqualCallBack equal;
+  CFDictionaryHashCallBack hash;
+} CFDictionaryKeyCallBacks;
+
+typedef struct {
+  CFIndex version;
+  CFDictionaryRetainCallBack retain;
+  CFDictionaryReleaseCallBack release;
+  CFDictionaryCopyDescriptionCallBack copyDescription;
+  CFDictionaryEqualCallBack equal;
+} CFDictionaryValueCallBacks;
+
+extern const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
+extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
+
+CFTypeID CFDictionaryGetTypeID(void);
+CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
+                                                 const CFDictionaryKeyCallBacks* keyCallBacks,
+                                                 const CFDictionaryValueCallBacks* valueCallBacks);
+void CFDictionarySetValue(CFMutableDictionaryRef theDict, const void* key, const void* value);
+const void* CFDictionaryGetValue(CFDictionaryRef theDict, const void* key);
+CFIndex CFDictionaryGetCount(CFDictionaryRef theDict);
+
+/* CFRunLoop.h */
+
+enum { kCFRunLoopRunFinished = 1, kCFRunLoopRunStopped = 2, kCFRunLoopRunTimedOut = 3, kCFRunLoopRunHandledSource = 4 };
+typedef int32_t CFRunLoopRunResult;
+
+extern const CFRunLoopMode kCFRunLoopDefaultMode; /* "kCFRunLoopDefaultMode" */
+
+CFRunLoopRef CFRunLoopGetCurrent(void);
+void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
+void CFRunLoopRun(void);
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds, Boolean returnAfterSourceHandled);
+void CFRunLoopStop(CFRunLoopRef rl);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif  // KELVA_DARWIN_COREFOUNDATION_H_
