@@ -1,6 +1,7 @@
 #ifndef KELVA_DARWIN_REGISTRY_REGISTRY_H_
 #define KELVA_DARWIN_REGISTRY_REGISTRY_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -13,8 +14,8 @@
 
 namespace darwin {
 
-/// The driver's end of one connection, made by IOServiceOpen and destroyed by IOServiceClose or with the registry.
-/// Called on the thread that makes the call. Return codes are kern_return_t values.
+/// The driver's end of one connection, made by IOServiceOpen and destroyed by IOServiceClose or when the service ends and
+/// no call is in progress. Called on the thread that makes the call. Return codes are kern_return_t values.
 class UserClient {
  public:
   virtual ~UserClient() = default;
@@ -27,35 +28,41 @@ class UserClient {
 
 using PropertyValue = std::variant<std::string, std::uint64_t, bool>;
 
+/// Makes the user client of one connection, or returns null and sets the error. Called outside of the registry's lock, on
+/// the thread that opens.
+using UserClientFactory = std::function<std::unique_ptr<UserClient>(int& error)>;
+
 /// A registry entry as a back end describes it.
 struct EntryDescription {
   /// The class, most derived first, then its superclasses; a class match accepts any of them.
   std::vector<std::string> classNames;
-  /// The entry's own properties.
+  /// The entry's own properties; texts are UTF-8.
   std::map<std::string, PropertyValue> properties;
-  /// Makes the user client of one connection, or returns null and sets the error. Absent: kIOReturnUnsupported.
-  std::function<std::unique_ptr<UserClient>(int& error)> openUserClient;
+  /// Absent: a connection is refused with kIOReturnUnsupported.
+  UserClientFactory openUserClient;
 };
 
 using EntryId = std::uint64_t;
 
-/// The process's I/O registry.
 class Registry;
 
-/// What fills the registry. Chosen by the program before its first IOKit call; there is no silent fallback.
+/// What fills the registry. Chosen by the program before its first look at the registry; there is no silent fallback.
+/// Never called by two threads at once.
 class RegistrySource {
  public:
   virtual ~RegistrySource() = default;
-  /// Called once, at the first look at the registry; publishes what is present now.
+  /// Called once, at the first look at the registry; publishes what is present now. An exception makes that look fail
+  /// with kIOReturnError, and the next look calls it again.
   virtual void Start(Registry& registry) = 0;
   /// A descriptor that is readable when Dispatch has something to do; -1 for none. Asked again before each wait.
   virtual int Descriptor() const = 0;
   /// Milliseconds until Dispatch wants to be called although nothing is readable; -1 for never.
   virtual int TimeoutMs() const { return -1; }
-  /// Publishes and terminates what has changed. Never blocks.
+  /// Publishes and terminates what has changed. Never blocks. Called from the run loop, and before each enumeration.
   virtual void Dispatch(Registry& registry) = 0;
 };
 
+/// The process's I/O registry. Every operation may be called from any thread.
 class Registry {
  public:
   static Registry& Shared();
@@ -64,12 +71,31 @@ class Registry {
   void SetSource(std::unique_ptr<RegistrySource> source);
 
   EntryId Root() const;
-  /// Adds an entry below `parent`. It is seen by parent walks and property reads, not by matching, until it is registered.
+  /// Adds an entry below `parent`. It is seen by parent walks and property reads, not by matching, until it is
+  /// registered. Returns 0 when the parent has gone.
   EntryId Add(EntryId parent, EntryDescription description);
-  /// Makes an entry a service that matching finds, and reports it to armed notifications.
+  /// Makes an entry a service that matching finds, and reports it, once, to armed notifications.
   void RegisterService(EntryId entry);
+  /// Sends a message of this type to everyone interested in the entry.
+  void SendMessage(EntryId entry, std::uint32_t messageType);
   /// Ends an entry and everything below it: it leaves matching results, its connections are dead, interest is told.
   void Terminate(EntryId entry);
+
+  // The near side: what IOKitLib.h is written over.
+  struct State;
+  State& GetState() { return *state_; }
+  /// Has the source publish what is present, at the first call; later calls let it publish what has changed.
+  /// False when the source failed.
+  bool LookAgain();
+  /// What a run loop waits for on behalf of the source.
+  int SourceDescriptor() const;
+  int SourceTimeoutMs() const;
+
+ private:
+  Registry();
+  ~Registry();
+
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace darwin

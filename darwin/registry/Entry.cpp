@@ -1,0 +1,17 @@
+#include "darwin/registry/Entry.h"
+
+#include <algorithm>
+
+namespace darwin {
+
+bool Entry::IsOfClass(std::string_view className) const {
+  const auto& names = description_.classNames;
+  return std::find(names.begin(), names.end(), className) != names.end();
+}
+
+const PropertyValue* Entry::Property(const std::string& key) const {
+  const auto found = description_.properties.find(key);
+  return found == description_.properties.end() ? nullptr : &found->second;
+}
+
+}  // namespace darwin

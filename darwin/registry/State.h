@@ -1,0 +1,41 @@
+#ifndef KELVA_DARWIN_REGISTRY_STATE_H_
+#define KELVA_DARWIN_REGISTRY_STATE_H_
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "darwin/registry/Entry.h"
+#include "darwin/registry/HandleTable.h"
+#include "darwin/registry/Registry.h"
+
+namespace darwin {
+
+class MatchingNotification;
+
+/// What the registry holds. Two locks: `sourceMutex` around the source's calls, and inside of it `mutex` around all
+/// else. No user client, factory or callback runs under `mutex`.
+struct Registry::State {
+  std::mutex sourceMutex;
+  std::unique_ptr<RegistrySource> source;
+  bool started = false;
+
+  std::mutex mutex;
+  HandleTable handles;
+  EntryId nextId = 1;
+  std::shared_ptr<Entry> root;
+  std::map<EntryId, std::shared_ptr<Entry>> entries;
+  std::vector<std::shared_ptr<Entry>> services;  // registered and active, oldest first
+  std::vector<std::weak_ptr<MatchingNotification>> matchings;
+  std::size_t livePorts = 0;
+};
+
+/// The process's registry state.
+inline Registry::State& SharedState() {
+  return Registry::Shared().GetState();
+}
+
+}  // namespace darwin
+
+#endif  // KELVA_DARWIN_REGISTRY_STATE_H_
