@@ -1,5 +1,6 @@
 # shellcheck shell=bash
 # The sets of tests that ./test knows. Needs say.sh, packages.sh and build.sh.
+root=${root:?the folder of the repository}
 #
 # Labels: long (minutes), kernel, gnustep, browser (what they need besides a compiler). The quick set is what has none.
 labels_apart='^(long|kernel|gnustep|browser)$'
@@ -42,6 +43,7 @@ suite_all() {
 run_ctest() {
   local folder=$1 outcome=0
   shift
+  export TSAN_OPTIONS="suppressions=$root/tools/tsan.supp"
   ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$(cores)" "$@" </dev/null || outcome=$?
   if [ "${CI:-}" = true ]; then
     refuse_skips "$folder/Testing/Temporary/LastTest.log"

@@ -1,3 +1,5 @@
 #import <Cocoa/Cocoa.h>
 
-int main(int argc, const char* argv[]) { return NSApplicationMain(argc, argv); }
+int main(int argc, const char* argv[]) {
+  return NSApplicationMain(argc, argv);
+}
