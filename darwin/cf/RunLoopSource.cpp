@@ -4,8 +4,6 @@
 
 #include <utility>
 
-#include "darwin/cf/RunLoop.h"
-
 namespace darwin::cf {
 namespace {
 
@@ -31,11 +29,6 @@ class DescriptorSource final : public RunLoopSource {
 };
 
 }  // namespace
-
-void RunLoopSource::Invalidate() {
-  valid_ = false;
-  RunLoop::RemoveEverywhere(*this);
-}
 
 CFRunLoopSourceRef MakeDescriptorSource(int descriptor, std::function<void()> onReadable) {
   return ToSourceRef(new DescriptorSource(descriptor, std::move(onReadable)));

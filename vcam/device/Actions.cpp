@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 
 #include "vcam/device/BatchText.h"
 #include "vcam/device/CameraPath.h"
@@ -65,6 +66,26 @@ int RemovePicture(Device& device, const Picture& picture) {
   return error;
 }
 
+bool IsQualified(const BatchItem& item) {
+  return !item.extension.empty();
+}
+
+/// Deletes every file with one of these keys; how many of them could not be deleted.
+std::size_t RemoveByKeys(Device& device, const std::vector<BatchItem>& items) {
+  std::size_t deleted = 0;
+  std::size_t failed = 0;
+  for (const BatchItem& item : items) {
+    for (const KeyedFile& file : device.keys.Find(item.key)) {
+      const int error = device.storage.Remove(file.path);
+      deleted += static_cast<std::size_t>(error == 0);
+      // The same key may have been asked for twice.
+      failed += static_cast<std::size_t>(error != 0 && error != ENOENT);
+    }
+  }
+  device.console.Log("deleted " + std::to_string(deleted) + " files by key");
+  return failed;
+}
+
 }  // namespace
 
 Reply DeletePath(Device& device, const Command& command) {
@@ -103,20 +124,10 @@ Reply DeleteBatch(Device& device, const Command& command) {
   const std::optional<std::string> text = TextOf(command);
   if (!text) return Refuse(sense::kWrongDataLength);
   const auto items = ParseBatchText(*text);
-  if (!items) return Refuse(sense::kBadParameter);
+  if (!items || std::any_of(items->begin(), items->end(), IsQualified)) return Refuse(sense::kBadParameter);
   device.keys.Refresh(device.storage);
-  int error = 0;
-  std::size_t deleted = 0;
-  for (const BatchItem& item : *items) {
-    if (!item.extension.empty()) return Refuse(sense::kBadParameter);
-    for (const KeyedFile& file : device.keys.Find(item.key)) {
-      const int failed = device.storage.Remove(file.path);
-      deleted += static_cast<std::size_t>(failed == 0);
-      if (error == 0 && failed != ENOENT) error = failed;
-    }
-  }
-  device.console.Log("deleted " + std::to_string(deleted) + " files by key");
-  return error != 0 ? Refuse(SenseOfErrno(error)) : Taken(command);
+  const std::size_t failed = RemoveByKeys(device, *items);
+  return failed != 0 ? Refuse(sense::kWriteProtected) : Taken(command);
 }
 
 Reply HandleAction(Device& device, const Command& command) {

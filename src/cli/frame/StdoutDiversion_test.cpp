@@ -23,7 +23,7 @@ class StdoutDiversionTest : public testing::Test {
     diversion_.emplace();
   }
   ~StdoutDiversionTest() override {
-    diversion_.reset();
+    std::fflush(stdout);
     ::dup2(saved_.Get(), STDOUT_FILENO);
   }
 

@@ -13,7 +13,7 @@ bool launch = false;
 
 @implementation PVAppDelegate
 
-- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+- (void)applicationDidFinishLaunching:(NSNotification*)__unused notification {
   launch = false;
   Camera::ListenForCameraAttach(Callback, &launch, false);
   launch = true;

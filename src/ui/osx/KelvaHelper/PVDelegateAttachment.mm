@@ -18,7 +18,7 @@
   }
 }
 
-+ (void)attachDelegate:(NSNotification*)notification {
++ (void)attachDelegate:(NSNotification*)__unused notification {
   // The application does not retain its delegate; this reference does, until the process ends.
   static PVAppDelegate* delegate = [[PVAppDelegate alloc] init];
   [NSApp setDelegate:delegate];

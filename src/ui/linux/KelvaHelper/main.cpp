@@ -1,8 +1,0 @@
-#include <string>
-#include <vector>
-
-#include "Agent.h"
-
-int main(int argc, char* argv[]) {
-  return helper::RunAgent({argv + 1, argv + argc});
-}

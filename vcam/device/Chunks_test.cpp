@@ -1,0 +1,93 @@
+#include <gmock/gmock.h>
+
+#include "vcam/device/SenseCodes.h"
+#include "vcam/device/TestSupport.h"
+
+namespace vcam {
+namespace {
+
+using test::Ask;
+using test::AsText;
+using test::ScratchStorage;
+using test::Send;
+using test::SendText;
+using test::Tell;
+
+class ChunksTest : public testing::Test {
+ protected:
+  explicit ChunksTest() : options_(scratch_.CameraOptions()) {
+    options_.now = [this] { return now_; };
+    camera_ = std::make_unique<VirtualCamera>(options_);
+  }
+  void Restart() { camera_ = std::make_unique<VirtualCamera>(options_); }
+
+  ScratchStorage scratch_;
+  std::chrono::system_clock::time_point now_{std::chrono::milliseconds(1773500966535)};
+  Options options_;
+  std::unique_ptr<VirtualCamera> camera_;
+};
+
+TEST_F(ChunksTest, RefusesAChunkThatLeavesAGap) {
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\a)").Good());
+  EXPECT_EQ(Send(*camera_, {0xC5, 0, 1}, {'x'}).sense, sense::kOutOfRange);
+  EXPECT_EQ(Send(*camera_, {0xC5, 0, 0xFF, 0xFF, 0xFF, 0xFF}, {'x'}).sense, sense::kOutOfRange);
+  EXPECT_TRUE(Send(*camera_, {0xC5, 0, 0}, {'x', 'y'}).Good());
+  EXPECT_TRUE(Send(*camera_, {0xC5, 0, 1}, {'z'}).Good()) << "the same place again";
+  EXPECT_EQ(scratch_.Get("a"), "xz");
+}
+
+TEST_F(ChunksTest, RefusesWritingWithoutAFile) {
+  EXPECT_EQ(Send(*camera_, {0xC5}, {'x'}).sense, sense::kWrongSequence);
+  EXPECT_EQ(Tell(*camera_, {0xC3}).sense, sense::kWrongSequence);
+  EXPECT_EQ(Ask(*camera_, {0xC5}, 4).sense, sense::kWrongDataLength);
+  EXPECT_EQ(Tell(*camera_, {0xC3, 0, 1}).sense, sense::kBadCommandField);
+}
+
+TEST_F(ChunksTest, StopsWritingWhenSomethingElseIsSelected) {
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\a)").Good());
+  ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x02}).Good());
+  EXPECT_EQ(Send(*camera_, {0xC5}, {'x'}).sense, sense::kWrongSequence);
+}
+
+TEST_F(ChunksTest, RefusesToReadWhatAFileHasLost) {
+  scratch_.Put("a", "12345");
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01}, R"(I:\a)").Good());
+  std::filesystem::resize_file(scratch_.path() / "a", 2);
+  EXPECT_EQ(Ask(*camera_, {0xC4, 0, 1}, 5).sense, sense::kReadError);
+}
+
+TEST_F(ChunksTest, TakesAFirmwareImageAndWritesIt) {
+  ASSERT_TRUE(Tell(*camera_, {0xC1, 0, 3}).Good());
+  ASSERT_EQ(Send(*camera_, {0xC5, 0, 0}, {'a', 'b'}).moved, 2U);
+  ASSERT_TRUE(Send(*camera_, {0xC5, 0, 2}, {'c'}).Good());
+  EXPECT_EQ(Send(*camera_, {0xC5, 0, 3}, {'d'}).sense, sense::kOutOfRange);
+  ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (Bytes{0, 0, 0, 0x3F, 1, 0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x04}, 4).data, Bytes(4)) << "not ready while it writes";
+  EXPECT_EQ(Tell(*camera_, {0xC2, 0, 0x02}).sense, sense::kMicrocodeDownload);
+  now_ += std::chrono::seconds(3);
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (Bytes{0, 0, 0x80, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_TRUE(Tell(*camera_, {0xC2, 0, 0x00}).Good());
+  EXPECT_THAT(AsText(Ask(*camera_, {0xC4, 0, 1}, 644).data), testing::HasSubstr("a9993e364706"));
+}
+
+TEST_F(ChunksTest, FailsAnUpgradeThatIsEmptyOrEndsTooSoon) {
+  for (const std::uint8_t length : Bytes{0, 3}) {
+    ASSERT_TRUE(Tell(*camera_, {0xC1, 0, length}).Good());
+    ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
+    EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (Bytes{0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0}));
+  }
+  EXPECT_EQ(Tell(*camera_, {0xC0, 0, 0x02}).sense, sense::kWrongSequence);
+}
+
+TEST_F(ChunksTest, CanFailAnUpgradeHalfWay) {
+  camera_->Arm({FaultKind::kUpgradeFails});
+  ASSERT_TRUE(Tell(*camera_, {0xC1, 0, 1}).Good());
+  ASSERT_TRUE(Send(*camera_, {0xC5}, {'x'}).Good());
+  ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
+  now_ += std::chrono::seconds(3);
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (Bytes{0, 0, 0x40, 0x3F, 0, 0, 0, 0, 1, 0, 0, 0}));
+}
+
+}  // namespace
+}  // namespace vcam

@@ -1,0 +1,59 @@
+#include "vcam/device/DataSet.h"
+
+#include <gmock/gmock.h>
+
+#include "vcam/device/TestSupport.h"
+
+namespace vcam {
+namespace {
+
+using test::AsText;
+using test::ScratchStorage;
+
+std::string ReadAll(DataSet& data, const Storage& storage, std::uint64_t offset, std::size_t length) {
+  Bytes out(length);
+  return data.Read(storage, offset, out) ? AsText(out) : "failed";
+}
+
+TEST(DataSet, RunsMemoryAndFilesTogether) {
+  const ScratchStorage scratch;
+  scratch.Put("x", "file");
+  scratch.Put("y", "second");
+  const Storage storage(scratch.path());
+  DataSet data;
+  data.AddBytes({'m', 'e', 'm'});
+  data.AddFile("x", 4);
+  data.AddBytes({});
+  data.AddFile("y", 6);
+  EXPECT_EQ(data.size(), 13U);
+  EXPECT_EQ(ReadAll(data, storage, 0, 13), "memfilesecond");
+  EXPECT_EQ(ReadAll(data, storage, 2, 3), "mfi");
+  EXPECT_EQ(ReadAll(data, storage, 12, 1), "d");
+  EXPECT_EQ(ReadAll(data, storage, 13, 0), "");
+}
+
+TEST(DataSet, KeepsAnOpenFileThatIsDeleted) {
+  const ScratchStorage scratch;
+  scratch.Put("x", "file");
+  const Storage storage(scratch.path());
+  DataSet data;
+  data.AddOpenFile(storage.OpenForReading("x").file, 4);
+  storage.Remove("x");
+  EXPECT_EQ(ReadAll(data, storage, 1, 3), "ile");
+}
+
+TEST(DataSet, FailsWhenAFileHasLostItsBytes) {
+  const ScratchStorage scratch;
+  scratch.Put("x", "fil");
+  const Storage storage(scratch.path());
+  DataSet data;
+  data.AddFile("x", 4);
+  EXPECT_EQ(ReadAll(data, storage, 0, 3), "fil");
+  EXPECT_EQ(ReadAll(data, storage, 0, 4), "failed");
+  DataSet missing;
+  missing.AddFile("y", 4);
+  EXPECT_EQ(ReadAll(missing, storage, 0, 1), "failed");
+}
+
+}  // namespace
+}  // namespace vcam
