@@ -1,10 +1,11 @@
 #include "vcam/client/SocketSession.h"
 
+#include <IOKit/IOReturn.h>
+
 #include <optional>
 #include <utility>
 
 #include "vcam/client/BusConnection.h"
-#include "vcam/door/ReturnCodes.h"
 
 namespace vcam::client {
 namespace {
@@ -23,13 +24,13 @@ class SocketSession : public CommandSession {
     try {
       connection_.emplace(path_);
       connection_->Request(bus::Kind::kStartSession, bus::EncodeNumber(camera_));
-      return kReturnSuccess;
+      return kIOReturnSuccess;
     } catch (const BusRefusal& refusal) {
       connection_.reset();
-      return refusal.code == bus::ErrorCode::kBusy ? kReturnExclusiveAccess : kReturnNoDevice;
+      return refusal.code == bus::ErrorCode::kBusy ? kIOReturnExclusiveAccess : kIOReturnNoDevice;
     } catch (const std::runtime_error&) {
       connection_.reset();
-      return kReturnNoDevice;
+      return kIOReturnNoDevice;
     }
   }
 
@@ -41,7 +42,7 @@ class SocketSession : public CommandSession {
 
   Reply Execute(const Command& command, std::chrono::milliseconds timeout) override {
     if (!connection_) return Ended(Transport::kGone);
-    const auto answer = connection_->Request(bus::Kind::kCommand, Encode(command), timeout);
+    const auto answer = connection_->Request(bus::Kind::kCommand, bus::Encode(command), timeout);
     // A late answer carries this command's tag, so it is not taken for another one's.
     if (!answer) return Ended(connection_->Ended() ? Transport::kGone : Transport::kHang);
     const std::optional<Reply> reply = bus::DecodeReply(answer->payload);

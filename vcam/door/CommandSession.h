@@ -11,7 +11,7 @@ namespace vcam {
 class CommandSession {
  public:
   virtual ~CommandSession() = default;
-  /// kReturnSuccess, or why there is no session: kReturnExclusiveAccess, kReturnNoDevice.
+  /// kIOReturnSuccess, or why there is no session: kIOReturnExclusiveAccess, kIOReturnNoDevice.
   virtual int Start() = 0;
   virtual void End() = 0;
   /// Runs one command, waiting for it as long as it takes but at most `timeout`; a command that is not answered by then

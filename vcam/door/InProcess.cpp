@@ -1,9 +1,9 @@
 #include "vcam/door/InProcess.h"
 
+#include <IOKit/IOReturn.h>
+
 #include <algorithm>
 #include <utility>
-
-#include "vcam/door/ReturnCodes.h"
 
 namespace vcam {
 namespace {
@@ -19,8 +19,8 @@ class InProcessSession : public CommandSession {
   explicit InProcessSession(std::shared_ptr<VirtualCamera> camera) : camera_(std::move(camera)) {}
 
   int Start() override {
-    if (camera_->Gone()) return kReturnNoDevice;
-    return camera_->StartSession() ? kReturnSuccess : kReturnExclusiveAccess;
+    if (camera_->Gone()) return kIOReturnNoDevice;
+    return camera_->StartSession() ? kIOReturnSuccess : kIOReturnExclusiveAccess;
   }
 
   void End() override { camera_->EndSession(); }
@@ -41,7 +41,7 @@ class InProcessSession : public CommandSession {
 
 std::function<std::unique_ptr<darwin::UserClient>(int&)> OpenInProcess(std::shared_ptr<VirtualCamera> camera) {
   return [camera = std::move(camera)](int& error) {
-    error = kReturnSuccess;
+    error = kIOReturnSuccess;
     return MakeUserClient(std::make_unique<InProcessSession>(camera));
   };
 }

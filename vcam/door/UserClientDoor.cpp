@@ -1,12 +1,13 @@
 #include "vcam/door/UserClientDoor.h"
 
+#include <IOKit/IOReturn.h>
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
 #include "darwin/registry/TransferStatus.h"
 #include "usb/osx/UserClientRecords.h"
-#include "vcam/door/ReturnCodes.h"
 
 namespace vcam {
 namespace {
@@ -48,8 +49,8 @@ std::uint32_t StatusOf(const Reply& reply) {
 }
 
 int ReturnCodeOf(const Reply& reply) {
-  if (reply.transport == Transport::kGone) return kReturnNoDevice;
-  return reply.transport == Transport::kHang ? kReturnTimeout : kReturnSuccess;
+  if (reply.transport == Transport::kGone) return kIOReturnNoDevice;
+  return reply.transport == Transport::kHang ? kIOReturnTimeout : kIOReturnSuccess;
 }
 
 class UserClientDoor : public darwin::UserClient {
@@ -60,40 +61,40 @@ class UserClientDoor : public darwin::UserClient {
   int CallScalar(std::uint32_t selector) override {
     if (selector == kUserClientStartSession) return StartSession();
     if (selector == kUserClientEndSession) return EndSession();
-    return kReturnBadArgument;
+    return kIOReturnBadArgument;
   }
 
   int CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out, std::size_t* outSize) override {
     UserClientTransferRequest request;
     if (selector != kUserClientTransfer || in == nullptr || inSize != sizeof request || out == nullptr ||
         outSize == nullptr || *outSize < sizeof(UserClientTransferResult))
-      return kReturnBadArgument;
+      return kIOReturnBadArgument;
     std::memcpy(&request, in, sizeof request);
     UserClientTransferResult result{};
     const int code = Transfer(request, result);
-    if (code != kReturnSuccess) return code;
+    if (code != kIOReturnSuccess) return code;
     std::memcpy(out, &result, sizeof result);
     *outSize = sizeof result;
-    return kReturnSuccess;
+    return kIOReturnSuccess;
   }
 
  private:
   int StartSession() {
-    if (started_) return kReturnExclusiveAccess;
+    if (started_) return kIOReturnExclusiveAccess;
     const int code = session_->Start();
-    started_ = code == kReturnSuccess;
+    started_ = code == kIOReturnSuccess;
     return code;
   }
 
   int EndSession() {
-    if (!std::exchange(started_, false)) return kReturnNotOpen;
+    if (!std::exchange(started_, false)) return kIOReturnNotOpen;
     session_->End();
-    return kReturnSuccess;
+    return kIOReturnSuccess;
   }
 
   int Transfer(const UserClientTransferRequest& request, UserClientTransferResult& result) {
-    if (!started_) return kReturnNotOpen;
-    if (!IsUsable(request)) return kReturnBadArgument;
+    if (!started_) return kIOReturnNotOpen;
+    if (!IsUsable(request)) return kIOReturnBadArgument;
     const Reply reply = session_->Execute(CommandOf(request), std::chrono::seconds(request.timeout));
     if (DirectionOf(request) == Direction::kFromCamera) {
       const auto room = static_cast<std::size_t>(request.length);

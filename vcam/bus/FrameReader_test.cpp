@@ -1,0 +1,58 @@
+#include "vcam/bus/FrameReader.h"
+
+#include <gmock/gmock.h>
+
+namespace vcam::bus {
+namespace {
+
+const Bytes kUnplugFrame{8, 0, 0, 0, 4, 0x2A, 0, 0, 0, 1, 0, 'K'};
+
+TEST(FrameReader, CutsAFrameOutOfAStreamInAnyPieces) {
+  for (std::size_t piece = 1; piece <= kUnplugFrame.size(); ++piece) {
+    FrameReader reader;
+    std::vector<Frame> frames;
+    for (int round = 0; round < 2; ++round) {
+      for (std::size_t i = 0; i < kUnplugFrame.size(); i += piece) {
+        reader.Feed(std::span(kUnplugFrame).subspan(i, std::min(piece, kUnplugFrame.size() - i)));
+        while (auto frame = reader.Next()) frames.push_back(*frame);
+      }
+    }
+    ASSERT_EQ(frames.size(), 2U) << piece;
+    EXPECT_EQ(frames[1].kind, Kind::kUnplug);
+    EXPECT_EQ(frames[1].tag, 42U);
+    EXPECT_EQ(frames[1].payload, (Bytes{1, 0, 'K'}));
+  }
+}
+
+TEST(FrameReader, FindsSeveralFramesInOnePiece) {
+  FrameReader reader;
+  Bytes two = kUnplugFrame;
+  two.insert(two.end(), kUnplugFrame.begin(), kUnplugFrame.end());
+  reader.Feed(two);
+  EXPECT_TRUE(reader.Next());
+  EXPECT_TRUE(reader.Next());
+  EXPECT_FALSE(reader.Next());
+  EXPECT_FALSE(reader.Broken());
+}
+
+TEST(FrameReader, GivesUpOnALengthThatCannotBe) {
+  for (const Bytes& bytes :
+       {Bytes{4, 0, 0, 0, 1, 1, 1, 1}, Bytes{0, 0, 0, 0}, Bytes{0xFF, 0xFF, 0xFF, 0xFF}, Bytes{1, 4, 0, 1}}) {
+    FrameReader reader;
+    reader.Feed(bytes);
+    EXPECT_FALSE(reader.Next());
+    EXPECT_TRUE(reader.Broken());
+    reader.Feed(kUnplugFrame);
+    EXPECT_FALSE(reader.Next());
+  }
+}
+
+TEST(FrameReader, WaitsForTheRestOfALongFrame) {
+  FrameReader reader;
+  reader.Feed(Bytes{0, 4, 0, 1});  // 16 MiB and 1 KiB, the longest there is
+  EXPECT_FALSE(reader.Next());
+  EXPECT_FALSE(reader.Broken());
+}
+
+}  // namespace
+}  // namespace vcam::bus
