@@ -7,229 +7,229 @@
 #include "testing/ScriptedCamera.h"
 #include "testing/Switches.h"
 
-// What the four bulk reads share, shown with the calibration files (a bundle without count and without deletion), and
-// the decoding of the headers.
-
 namespace {
 
 using namespace wifi_testing;
 
-// 31 empty entries: the shortest bundle.
-const std::string kEmptyTable(1116, '\0');
+void ExpectBundle(ScriptedCamera& camera, int subCode, const std::string& bundle) {
+  camera.Expect({0xC2, 0x00, subCode});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers(Le32(static_cast<std::uint32_t>(bundle.size())));
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(bundle);
+}
 
-class BulkRead : public testing::Test {
- protected:
-  explicit BulkRead(int chunkSize = 65536) : camera_(chunkSize, 1) {}
-  void ExpectPrepared(std::initializer_list<int> announced) {
-    camera_.Expect({0xC2, 0x00, 0x06, 0, 0, 0, 0});
-    camera_.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers(announced);
+// "name:body" of each file, and its announced size where it differs.
+std::vector<std::string> Shown(const std::vector<_Sha1obj>& files) {
+  std::vector<std::string> texts;
+  for (const _Sha1obj& file : files) {
+    texts.push_back(file.name + ":" + ToString(file.data));
+    EXPECT_EQ(file.size, file.data.size());
   }
-  std::vector<_Sha1obj> Read() { return camera_.ReadCalibration(Progress::Report, &progress_, true); }
-  ScriptedCamera camera_;
-  Progress progress_;
-};
-
-TEST_F(BulkRead, TouchesNothingOnAClosedCamera) {
-  camera_.open = false;
-  EXPECT_TRUE(Read().empty());
-  EXPECT_EQ(camera_.calls, Calls{"IsOpen"});
+  return texts;
 }
 
-TEST_F(BulkRead, PreparesAsksTheSizeAndReadsWithSubCodeZero) {
-  ExpectPrepared({0x5C, 0x04, 0, 0});
-  camera_.Expect({0xC4, 0x00, 0x00, 0, 0, 0, 0}).Asks(65536).Answers(kEmptyTable);
-  EXPECT_TRUE(Read().empty());
-  EXPECT_EQ(camera_.calls, (Calls{"IsOpen", "ClearCancel true", "Transfer true", "Transfer true", "Transfer true"}));
-  EXPECT_TRUE(progress_.fractions.empty());
+std::vector<std::string> CrashLogs(const std::string& bundle) {
+  ScriptedCamera camera;
+  ExpectBundle(camera, 0x08, bundle);
+  return Shown(camera.ReadCrashLogs(nullptr, nullptr, false, true));
 }
 
-TEST_F(BulkRead, PassesItsFlagToEveryCall) {
-  camera_.Expect({0xC2, 0x00, 0x06}).Flag(false);
-  camera_.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({1, 0, 0, 0}).Flag(false);
-  camera_.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kEmptyTable).Flag(false);
-  EXPECT_TRUE(camera_.ReadCalibration(nullptr, nullptr, false).empty());
-  EXPECT_EQ(camera_.calls[1], "ClearCancel false");
+// Two entries of 5 and 3 bytes: the table ends at 76, and yet the bodies begin at 72. So the first body holds the last
+// four bytes of the second name's field, which are zero unless the name is that long.
+const std::string kTwoLogs = Bytes({2, 0, 0, 0}) +                           //
+                             Bytes({5, 0, 0, 0}) + Field("L:\\a.log", 32) +  //
+                             Bytes({3, 0, 0, 0}) + Field("L:\\b.log", 28) +  // up to byte 72
+                             "Aaaaa" + "Bbb";
+
+TEST(ReadCrashLogs, BodiesBeginAtThirtySixTimesTheCount) {
+  ASSERT_EQ(kTwoLogs.size(), 80u);
+  EXPECT_EQ(CrashLogs(kTwoLogs), (std::vector<std::string>{"L:\\a.log:Aaaaa", "L:\\b.log:Bbb"}));
 }
 
-TEST_F(BulkRead, IsEmptyWhenThePreparationFails) {
-  camera_.Expect({0xC2, 0x00, 0x06}).Fails();
-  EXPECT_TRUE(Read().empty());
+TEST(ReadCrashLogs, SendsItsCommandsInOrder) {
+  ScriptedCamera camera;
+  camera.Expect({0xC2, 0x00, 0x08});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({80, 0, 0, 0});
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kTwoLogs);
+  camera.ReadCrashLogs(nullptr, nullptr, false, true);
+  EXPECT_EQ(camera.calls, (Calls{"IsOpen", "ClearCancel true", "Transfer true", "Transfer true", "Transfer true"}));
 }
 
-TEST_F(BulkRead, IsEmptyWhenTheSizeFailsOrIsZero) {
-  camera_.Expect({0xC2, 0x00, 0x06});
-  camera_.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({1, 0, 0, 0}).ReturnsFalse();
-  EXPECT_TRUE(Read().empty());
-  ExpectPrepared({0, 0, 0, 0});
-  EXPECT_TRUE(Read().empty());
+TEST(ReadCrashLogs, AnEmptyEntryIsLeftOutAndDoesNotMoveTheBodies) {
+  const std::string bundle = Bytes({3, 0, 0, 0}) +                                                          //
+                             Bytes({2, 0, 0, 0}) + Field("a", 32) + Bytes({0, 0, 0, 0}) + Field("b", 32) +  //
+                             Bytes({4, 0, 0, 0}) + Field("c", 28) + "AA" + "CCCC";
+  EXPECT_EQ(CrashLogs(bundle), (std::vector<std::string>{"a:AA", "c:CCCC"}));
 }
 
-TEST_F(BulkRead, TakesTheMissingBytesOfAShortSizeAsZero) {
-  ExpectPrepared({1});
-  camera_.Expect({0xC4}).Asks(65536).Answers(kEmptyTable);
-  EXPECT_TRUE(Read().empty());
-  ExpectPrepared({});
-  EXPECT_TRUE(Read().empty());
+TEST(ReadCrashLogs, WithoutEntriesIsEmptyAndDeletesNothing) {
+  ScriptedCamera camera;
+  ExpectBundle(camera, 0x08, Bytes({0, 0, 0, 0}));
+  EXPECT_TRUE(camera.ReadCrashLogs(nullptr, nullptr, true, true).empty());
 }
 
-TEST_F(BulkRead, DoesNotCheckHowMuchOfTheSizeCame) {
-  camera_.Expect({0xC2, 0x00, 0x06});
-  camera_.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({1, 0, 0, 0}).Moves(0);
-  camera_.Expect({0xC4}).Asks(65536).Answers(kEmptyTable);
-  EXPECT_TRUE(Read().empty());
+TEST(ReadCrashLogs, DeletesEachReturnedLogInOrderWhenAsked) {
+  ScriptedCamera camera;
+  ExpectBundle(camera, 0x08, kTwoLogs);
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\a.log"));
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\b.log"));
+  EXPECT_EQ(Shown(camera.ReadCrashLogs(nullptr, nullptr, true, true)).size(), 2u);
 }
 
-TEST_F(BulkRead, OfExactlyOneChunkCostsAFurtherEmptyRead) {
-  ExpectPrepared({0, 0, 1, 0});
-  camera_.Expect({0xC4, 0x00, 0x00, 0, 0, 0, 0}).Asks(65536).Answers(std::string(65536, '\0'));
-  camera_.Expect({0xC4, 0x00, 0x00, 0, 0, 1, 0}).Asks(65536).Answers("");
-  EXPECT_TRUE(Read().empty());
-  EXPECT_EQ(progress_.fractions, std::vector<float>{1.0f});
+// The flag of the call goes to the transfers of the read; a deletion is a command of its own.
+TEST(ReadCrashLogs, DeletesWithTheFlagOfADeletion) {
+  ScriptedCamera camera;
+  camera.Expect({0xC2, 0x00, 0x08}).Flag(false);
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({80, 0, 0, 0}).Flag(false);
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kTwoLogs).Flag(false);
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\a.log")).Flag(true);
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\b.log")).Flag(true);
+  EXPECT_EQ(camera.ReadCrashLogs(nullptr, nullptr, true, false).size(), 2u);
+  EXPECT_EQ(camera.calls, (Calls{"IsOpen", "ClearCancel false", "Transfer false", "Transfer false", "Transfer false",
+                                 "ClearCancel true", "Transfer true", "ClearCancel true", "Transfer true"}));
 }
 
-TEST_F(BulkRead, OfWhichTheFurtherReadFailsIsAFailure) {
-  std::string table = kEmptyTable;
-  table[0] = 2;
-  ExpectPrepared({0, 0, 1, 0});
-  camera_.Expect({0xC4, 0x00, 0x00, 0, 0, 0, 0}).Asks(65536).Answers(Field(table, 65536));
-  camera_.Expect({0xC4, 0x00, 0x00, 0, 0, 1, 0}).Asks(65536).Fails();
-  EXPECT_TRUE(Read().empty());
+TEST(ReadCrashLogs, AFailedDeletionStopsNothing) {
+  ScriptedCamera camera;
+  ExpectBundle(camera, 0x08, kTwoLogs);
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\a.log")).Fails();
+  camera.Expect({0xC0, 0x00, 0x01}).Sends(Text("L:\\b.log"));
+  EXPECT_EQ(camera.ReadCrashLogs(nullptr, nullptr, true, true).size(), 2u);
 }
 
-TEST_F(BulkRead, PassesATransferErrorOn) {
-  const ExceptionsOff off;
-  ExpectPrepared({1, 0, 0, 0});
-  camera_.Expect({0xC4}).Asks(65536).Throws("gone");
-  EXPECT_EQ(Thrown([&] { Read(); }), "CameraTransferError: Camera error: gone");
-}
-
-class BulkReadInChunks : public BulkRead {
- protected:
-  BulkReadInChunks() : BulkRead(400) {}
-};
-
-// The fraction is the bytes asked for so far over the total, before every chunk but the first, whatever the interval.
-TEST_F(BulkReadInChunks, ReportsBeforeEveryChunkButTheFirst) {
-  ExpectPrepared({0x5C, 0x04, 0, 0});
-  camera_.Expect({0xC4, 0x00, 0x00, 0, 0, 0, 0}).Asks(400).Answers(kEmptyTable.substr(0, 400));
-  camera_.Expect({0xC4, 0x00, 0x00, 0x90, 0x01, 0, 0}).Asks(400).Answers(kEmptyTable.substr(0, 400));
-  camera_.Expect({0xC4, 0x00, 0x00, 0x20, 0x03, 0, 0}).Asks(400).Answers(kEmptyTable.substr(0, 316));
-  camera_.progressInterval_ = 262144;
-  EXPECT_TRUE(Read().empty());
-  EXPECT_EQ(progress_.fractions, (std::vector<float>{400.0f / 1116.0f, 800.0f / 1116.0f}));
-}
-
-TEST_F(BulkReadInChunks, NeverLooksAtTheInterval) {
-  camera_.progressInterval_ = 0;
-  ExpectPrepared({1, 0, 0, 0});
-  camera_.Expect({0xC4}).Asks(400).Answers("abc");
-  EXPECT_TRUE(Read().empty());
-}
-
-TEST_F(BulkReadInChunks, AFailedThirdChunkDropsTheTwoBeforeIt) {
-  std::string table = kEmptyTable;
-  table[0] = 1;
-  ExpectPrepared({0xFF, 0xFF, 0, 0});
-  camera_.Expect({0xC4, 0x00, 0x00, 0}).Asks(400).Answers(table.substr(0, 400));
-  camera_.Expect({0xC4, 0x00, 0x00, 0x90, 0x01}).Asks(400).Answers(table.substr(400, 400));
-  camera_.Expect({0xC4, 0x00, 0x00, 0x20, 0x03}).Asks(400).Fails();
-  EXPECT_TRUE(Read().empty());
-}
-
-TEST_F(BulkReadInChunks, DoesNotStopAtTheAnnouncedTotal) {
-  ExpectPrepared({100, 0, 0, 0});
-  camera_.Expect({0xC4, 0x00, 0x00, 0}).Asks(400).Answers(kEmptyTable.substr(0, 400));
-  camera_.Expect({0xC4, 0x00, 0x00, 0x90, 0x01}).Asks(400).Answers(kEmptyTable.substr(0, 300));
-  EXPECT_TRUE(Read().empty());
-  EXPECT_EQ(progress_.fractions, std::vector<float>{4.0f});
-}
-
-// Sets another chunk size at each report, as long as there is one.
-struct SizeChanger {
-  static void Change(void* context, float) {
-    auto& self = *static_cast<SizeChanger*>(context);
-    if (self.sizes.empty()) return;
-    self.camera->chunkSize_ = self.sizes.front();
-    self.sizes.erase(self.sizes.begin());
+class DeletingCamera : public ScriptedCamera {
+ public:
+  bool DeleteFile(const char* path) override {
+    deleted.emplace_back(path);
+    return false;
   }
-  ScriptedCamera* camera;
-  std::vector<int> sizes;
+  std::vector<std::string> deleted;
 };
 
-// The chunk size is read again before each request, and the buffer follows it.
-TEST_F(BulkReadInChunks, FollowsAChunkSizeThatChangesOnTheWay) {
-  std::string bundle = kEmptyTable + "Z";
-  bundle[0] = 1;
-  ExpectPrepared({0x5D, 0x04, 0, 0});
-  camera_.Expect({0xC4, 0x00, 0x00, 0, 0}).Asks(400).Answers(bundle.substr(0, 400));
-  camera_.Expect({0xC4, 0x00, 0x00, 0x90, 0x01}).Asks(700).Answers(bundle.substr(400, 700));
-  camera_.Expect({0xC4, 0x00, 0x00, 0x4C, 0x04}).Asks(10).Answers(bundle.substr(1100, 10));
-  camera_.Expect({0xC4, 0x00, 0x00, 0x56, 0x04}).Asks(10).Answers(bundle.substr(1110));
-  SizeChanger changer{&camera_, {700, 10}};
-  const std::vector<_Sha1obj> files = camera_.ReadCalibration(SizeChanger::Change, &changer, true);
-  ASSERT_EQ(files.size(), 1u);
-  EXPECT_EQ(ToString(files[0].data), "Z");
+TEST(ReadCrashLogs, DeletesThroughTheDeletionOfTheCamera) {
+  DeletingCamera camera;
+  ExpectBundle(camera, 0x08, kTwoLogs);
+  EXPECT_EQ(camera.ReadCrashLogs(nullptr, nullptr, true, true).size(), 2u);
+  EXPECT_EQ(camera.deleted, (std::vector<std::string>{"L:\\a.log", "L:\\b.log"}));
 }
 
-TEST_F(BulkReadInChunks, ClampsACountBeyondTheChunkAndEnds) {
-  ExpectPrepared({0xFF, 0xFF, 0, 0});
-  camera_.Expect({0xC4}).Asks(400).Answers(std::string(400, '\0')).Moves(401);
-  EXPECT_TRUE(Read().empty());
+TEST(ReadCrashLogs, OfAnEmptyBundleIsEmptyAndDeletesNothing) {
+  DeletingCamera camera;
+  camera.Expect({0xC2, 0x00, 0x08});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({80, 0, 0, 0});
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers("");
+  EXPECT_TRUE(camera.ReadCrashLogs(nullptr, nullptr, true, true).empty());
+  EXPECT_TRUE(camera.deleted.empty());
 }
 
-TEST_F(BulkReadInChunks, TakesANegativeCountAsAnEmptyChunk) {
-  ExpectPrepared({0xFF, 0xFF, 0, 0});
-  camera_.Expect({0xC4}).Asks(400).Answers("").Moves(-400);
-  EXPECT_TRUE(Read().empty());
+TEST(ReadCrashLogs, OfAFailedChunkDeletesNothing) {
+  DeletingCamera camera;
+  camera.Expect({0xC2, 0x00, 0x08});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({80, 0, 0, 0});
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kTwoLogs).ReturnsFalse();
+  EXPECT_TRUE(camera.ReadCrashLogs(nullptr, nullptr, true, true).empty());
+  EXPECT_TRUE(camera.deleted.empty());
 }
 
-TEST(UnpackCrashLogHeader, GivesNamesAndSizesInTableOrder) {
-  const std::string bundle =
-      Bytes({2, 0, 0, 0, 5, 0, 0, 0}) + Field("one", 32) + Bytes({0x04, 0x03, 0x02, 0x81}) + Field("two", 32);
-  const std::vector<_Sha1obj> files = UnpackCrashLogHeader(bundle.data());
+TEST(ReadCrashLogs, ReceivedLengthIsNotComparedWithTheAnnouncedTotal) {
+  for (const int announced : {1, 200}) {
+    ScriptedCamera camera;
+    camera.Expect({0xC2, 0x00, 0x08});
+    camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({announced, 0, 0, 0});
+    camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(kTwoLogs + "surplus");
+    EXPECT_EQ(camera.ReadCrashLogs(nullptr, nullptr, false, true).size(), 2u);
+  }
+}
+
+TEST(ReadCrashLogs, OfAShortBundleIsEmptyAndDeletesNothing) {
+  for (const std::size_t length :
+       {std::size_t{1}, std::size_t{3}, std::size_t{4}, std::size_t{40}, std::size_t{72}, std::size_t{79}}) {
+    DeletingCamera camera;
+    ExpectBundle(camera, 0x08, kTwoLogs.substr(0, length));
+    EXPECT_TRUE(camera.ReadCrashLogs(nullptr, nullptr, true, true).empty()) << length;
+    EXPECT_TRUE(camera.deleted.empty());
+  }
+}
+
+TEST(ReadCrashLogs, OfAHugeCountOrSizeIsEmpty) {
+  EXPECT_TRUE(CrashLogs(Bytes({0xFF, 0xFF, 0xFF, 0xFF}) + std::string(100, '\0')).empty());
+  EXPECT_TRUE(CrashLogs(Bytes({0x1D, 0xC7, 0x71, 0x1C}) + std::string(100, '\0')).empty());  // 36 x N wraps to 20
+  std::string hugeSize = kTwoLogs;
+  hugeSize.replace(4, 4, Bytes({0xFF, 0xFF, 0xFF, 0xFF}));
+  EXPECT_TRUE(CrashLogs(hugeSize).empty());
+}
+
+TEST(ReadCrashLogs, ANameWithoutNulEndsAtItsWidth) {
+  const std::string bundle = Bytes({1, 0, 0, 0, 4, 0, 0, 0}) + std::string(28, 'n') + "BODY";
+  EXPECT_EQ(CrashLogs(bundle), std::vector<std::string>{std::string(28, 'n') + "BODY:BODY"});
+}
+
+// A table of 31 entries in which the entries given have a size and a name.
+std::string Table(std::initializer_list<std::pair<std::size_t, std::pair<int, const char*>>> entries) {
+  std::string table(1116, '\0');
+  for (const auto& [index, entry] : entries) {
+    table.replace(36 * index, 36, Bytes({entry.first, 0, 0, 0}) + Field(entry.second, 32));
+  }
+  return table;
+}
+
+std::vector<_Sha1obj> Calibration(const std::string& bundle) {
+  ScriptedCamera camera;
+  camera.Expect({0xC2, 0x00, 0x06});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers(Le32(static_cast<std::uint32_t>(bundle.size())));
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers(bundle);
+  return camera.ReadCalibration(nullptr, nullptr, true);
+}
+
+TEST(ReadCalibration, BodiesBeginBehindTheTableHoweverManyEntriesAreEmpty) {
+  const std::vector<_Sha1obj> files =
+      Calibration(Table({{3, {2, "three"}}, {30, {4, "thirty"}}}) + "AA" + "BBBB" + "surplus");
   ASSERT_EQ(files.size(), 2u);
-  EXPECT_EQ(files[0].name, "one");
-  EXPECT_EQ(files[0].size, 5u);
-  EXPECT_TRUE(files[0].data.empty());
-  EXPECT_EQ(files[1].name, "two");
-  EXPECT_EQ(files[1].size, 0x81020304u);
-  EXPECT_TRUE(UnpackCrashLogHeader(Bytes({0, 0, 0, 0}).data()).empty());
+  EXPECT_EQ(files[0].name, "three");
+  EXPECT_EQ(files[0].size, 2u);
+  EXPECT_EQ(ToString(files[0].data), "AA");
+  EXPECT_EQ(files[1].name, "thirty");
+  EXPECT_EQ(files[1].size, 4u);
+  EXPECT_EQ(ToString(files[1].data), "BBBB");
 }
 
-TEST(UnpackCrashLogHeader, ReadsFromAnyAlignment) {
-  const std::string bundle = "#" + Bytes({1, 0, 0, 0, 5, 0, 0, 0}) + std::string(32, 'n');
-  const std::vector<_Sha1obj> files = UnpackCrashLogHeader(bundle.data() + 1);
-  ASSERT_EQ(files.size(), 1u);
-  EXPECT_EQ(files[0].name, std::string(32, 'n'));
-}
-
-TEST(UnpackCalibrationHeader, GivesThirtyOneRecordsWhateverTheirSizes) {
+TEST(ReadCalibration, YieldsAtMostThirtyOneFiles) {
   std::string bundle(1116, '\0');
-  bundle.replace(0, 4, Bytes({1, 0, 0, 0}));
-  bundle.replace(4, 32, std::string(32, 'f'));
-  bundle.replace(1080, 4, Bytes({0, 0, 0, 0x80}));
-  bundle.replace(1084, 4, "last");
-  const std::vector<_Sha1obj> files = UnpackCalibrationHeader(bundle.data());
-  ASSERT_EQ(files.size(), 31u);
-  EXPECT_EQ(files[0].name, std::string(32, 'f'));
-  EXPECT_EQ(files[0].size, 1u);
-  EXPECT_EQ(files[1].name, "");
-  EXPECT_EQ(files[1].size, 0u);
-  EXPECT_EQ(files[30].name, "last");
-  EXPECT_EQ(files[30].size, 0x80000000u);
-  EXPECT_TRUE(files[30].data.empty());
+  for (std::size_t i = 0; i < 31; ++i) bundle[36 * i] = 1;
+  const std::vector<_Sha1obj> files = Calibration(bundle + std::string(40, 'x'));
+  EXPECT_EQ(files.size(), 31u);
 }
 
-TEST(UnpackBatchHeader, ReadsTheGivenNumberOfValues) {
-  const std::string bundle = "#" + Bytes({1, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0x04, 0x03, 0x02, 0x01});
-  EXPECT_EQ(UnpackBatchHeader(3, bundle.data() + 1), (std::vector<unsigned int>{1, 0xFFFFFFFFu, 0x01020304}));
-  EXPECT_EQ(UnpackBatchHeader(1, bundle.data() + 1), std::vector<unsigned int>{1});
-  EXPECT_TRUE(UnpackBatchHeader(0, bundle.data()).empty());
+TEST(ReadCalibration, OfOnlyEmptyEntriesIsEmpty) {
+  EXPECT_TRUE(Calibration(std::string(1116, '\0')).empty());
 }
 
-TEST(UnpackRawCompressionHeader, ReadsTwoValuesInOrder) {
-  const std::string bundle = "#" + Bytes({0, 0, 0, 0x80, 0x04, 0x03, 0x02, 0x01});
-  EXPECT_EQ(UnpackRawCompressionHeader(bundle.data() + 1), (std::vector<unsigned int>{0x80000000u, 0x01020304}));
+TEST(ReadCalibration, OfAnEmptyBundleIsEmpty) {
+  ScriptedCamera camera;
+  camera.Expect({0xC2, 0x00, 0x06});
+  camera.Expect({0xC6, 0x00, 0x00}).Asks(4).Answers({9, 0, 0, 0});
+  camera.Expect({0xC4, 0x00, 0x00}).Asks(65536).Answers("");
+  EXPECT_TRUE(camera.ReadCalibration(nullptr, nullptr, true).empty());
+}
+
+TEST(ReadCalibration, OfAShortTableIsEmpty) {
+  EXPECT_TRUE(Calibration(Table({{0, {1, "a"}}}).substr(0, 1115)).empty());
+  EXPECT_TRUE(Calibration("x").empty());
+}
+
+TEST(ReadCalibration, OfAShortBodyIsEmpty) {
+  EXPECT_TRUE(Calibration(Table({{0, {1, "a"}}, {1, {3, "b"}}}) + "Abb").empty());
+  std::string huge = Table({{0, {1, "a"}}});
+  huge.replace(36, 4, Bytes({0xFF, 0xFF, 0xFF, 0xFF}));
+  EXPECT_TRUE(Calibration(huge + "Abb").empty());
+}
+
+// Each size is small enough by itself; their sum wraps in 32 bits.
+TEST(ReadCalibration, OfSizesWhoseSumWrapsIsEmpty) {
+  std::string table(1116, '\0');
+  table.replace(0, 4, Bytes({1, 0, 0, 0}));
+  table.replace(36, 4, Bytes({0, 0, 0, 0x80}));
+  table.replace(72, 4, Bytes({0, 0, 0, 0x80}));
+  EXPECT_TRUE(Calibration(table + "Abb").empty());
 }
 
 }  // namespace

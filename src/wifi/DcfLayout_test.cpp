@@ -1,3 +1,5 @@
+#include "DcfLayout.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -145,6 +147,22 @@ TEST(UnpackDcf, SkipsAFieldThatIsNotWhollyInsideTheRecord) {
             std::string(128, '\0'));
   EXPECT_EQ(Unpack(Bytes({1, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0, 9, 0, 0, 0, 0xFC, 0xFF, 0xFF, 0xFF}), "abcd"),
             std::string(128, '\0'));
+}
+
+// The later of two descriptors of one type wins, unless it is skipped.
+TEST(DcfLayout, AFieldOutsideTheRecordDoesNotTakeThePlaceOfOneInside) {
+  const Unaligned header(
+      Bytes({1, 0, 0, 0, 4, 0, 0, 0, 2, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF}));
+  const DcfObj picture = vsc::DcfLayout(header.header()).Decode("abcd");
+  EXPECT_EQ(picture.value9, 0x64636261u);
+}
+
+TEST(DcfHeaderSize, OfAHostileCountIsNegativeOrHugeButNeverWraps) {
+  const auto size = [](int count) { return vsc::DcfHeaderSize(_VscCdbDcfHeader{1, 4, count}); };
+  EXPECT_EQ(size(0), 12);
+  EXPECT_EQ(size(-2), -4);
+  EXPECT_EQ(size(0x7FFFFFFF), 17179869188);
+  EXPECT_EQ(size(-0x7FFFFFFF - 1), -17179869172);
 }
 
 }  // namespace
