@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
+#include <iterator>
 #include <limits>
+#include <set>
 
 #include "darwin/cf/EventLoop.h"
 #include "darwin/cf/String.h"
@@ -56,9 +59,21 @@ std::vector<int> DescriptorsOf(const std::vector<SourceRef>& sources) {
 bool PerformAll(const std::vector<SourceRef>& sources) {
   bool handled = false;
   for (const SourceRef& source : sources) {
-    handled = source->Perform() || handled;
+    handled = (source->IsValid() && source->Perform()) || handled;
   }
   return handled;
+}
+
+/// Every thread's loop, so that a source can leave them all.
+struct LoopList {
+  std::mutex mutex;  // taken before the mutex of a loop
+  std::set<RunLoop*> loops;
+};
+
+LoopList& AllLoops() {
+  // Never destroyed: threads may outlive the end of main.
+  static auto* list = new LoopList;
+  return *list;
 }
 
 RunLoop& FromLoopRef(CFRunLoopRef ref) {
@@ -67,7 +82,15 @@ RunLoop& FromLoopRef(CFRunLoopRef ref) {
 
 }  // namespace
 
-RunLoop::RunLoop() : Object(Type::kRunLoop, Lifetime::kImmortal) {}
+RunLoop::RunLoop() : Object(Type::kRunLoop, Lifetime::kImmortal) {
+  const std::lock_guard lock(AllLoops().mutex);
+  AllLoops().loops.insert(this);
+}
+
+RunLoop::~RunLoop() {
+  const std::lock_guard lock(AllLoops().mutex);
+  AllLoops().loops.erase(this);
+}
 
 RunLoop& RunLoop::Current() {
   static thread_local RunLoop loop;
@@ -75,14 +98,39 @@ RunLoop& RunLoop::Current() {
 }
 
 void RunLoop::Add(RunLoopSource& source, const std::string& mode) {
-  const std::lock_guard lock(mutex_);
-  const bool present = std::any_of(members_.begin(), members_.end(), [&](const Member& member) {
-    return member.source.Get() == &source && member.mode == mode;
-  });
-  if (!present) {
-    members_.push_back({mode, SourceRef(source)});
-    wakeUp_.Signal();
+  if (!source.IsValid() || Contains(source, mode)) {
+    return;
   }
+  const std::lock_guard lock(mutex_);
+  members_.push_back({mode, SourceRef(source)});
+  wakeUp_.Signal();
+}
+
+void RunLoop::Remove(const RunLoopSource& source, const std::string& mode) {
+  RemoveIf([&](const Member& member) { return member.source.Get() == &source && member.mode == mode; });
+}
+
+bool RunLoop::Contains(const RunLoopSource& source, const std::string& mode) {
+  const std::lock_guard lock(mutex_);
+  return std::any_of(members_.begin(), members_.end(),
+                     [&](const Member& member) { return member.source.Get() == &source && member.mode == mode; });
+}
+
+void RunLoop::RemoveEverywhere(const RunLoopSource& source) {
+  const std::lock_guard lock(AllLoops().mutex);
+  for (RunLoop* loop : AllLoops().loops) {
+    loop->RemoveIf([&](const Member& member) { return member.source.Get() == &source; });
+  }
+}
+
+template <class Predicate>
+void RunLoop::RemoveIf(Predicate predicate) {
+  std::vector<Member> removed;  // let go after the lock
+  const std::lock_guard lock(mutex_);
+  const auto kept = std::stable_partition(members_.begin(), members_.end(), std::not_fn(predicate));
+  std::move(kept, members_.end(), std::back_inserter(removed));
+  members_.erase(kept, members_.end());
+  wakeUp_.Signal();
 }
 
 CFRunLoopRunResult RunLoop::Run(const std::string& mode, CFTimeInterval seconds, bool returnAfterSourceHandled) {
@@ -179,6 +227,22 @@ CFRunLoopRef CFRunLoopGetCurrent(void) {
 
 void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode) {
   FromLoopRef(rl).Add(FromSourceRef(source), *TextOf(&FromRef(mode)));
+}
+
+void CFRunLoopRemoveSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+  FromLoopRef(rl).Remove(FromSourceRef(source), *TextOf(&FromRef(mode)));
+}
+
+Boolean CFRunLoopContainsSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+  return FromLoopRef(rl).Contains(FromSourceRef(source), *TextOf(&FromRef(mode)));
+}
+
+void CFRunLoopSourceInvalidate(CFRunLoopSourceRef source) {
+  FromSourceRef(source).Invalidate();
+}
+
+Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source) {
+  return FromSourceRef(source).IsValid();
 }
 
 void CFRunLoopRun(void) {

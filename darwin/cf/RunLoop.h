@@ -45,8 +45,15 @@ class RunLoop final : public Object {
 
   RunLoop();
 
-  /// Keeps the source; a second time in one mode does nothing.
+  ~RunLoop() override;
+
+  /// Keeps the source; a second time in one mode does nothing, nor does an invalid source.
   void Add(RunLoopSource& source, const std::string& mode);
+  /// Lets the source go; nothing happens when it is not there.
+  void Remove(const RunLoopSource& source, const std::string& mode);
+  bool Contains(const RunLoopSource& source, const std::string& mode);
+  /// Takes the source out of every mode of every thread's loop.
+  static void RemoveEverywhere(const RunLoopSource& source);
   /// Runs the sources of a mode as CFRunLoopRunInMode does.
   CFRunLoopRunResult Run(const std::string& mode, CFTimeInterval seconds, bool returnAfterSourceHandled);
   /// Ends the run in progress, or else the next one.
@@ -61,6 +68,8 @@ class RunLoop final : public Object {
     SourceRef source;
   };
 
+  template <class Predicate>
+  void RemoveIf(Predicate predicate);
   std::vector<SourceRef> SourcesOf(const std::string& mode);
   void Wait(const std::vector<SourceRef>& sources, int timeoutMs);
   void UpdateWatch();

@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "darwin/cf/RunLoop.h"
+
 namespace darwin::cf {
 namespace {
 
@@ -29,6 +31,11 @@ class DescriptorSource final : public RunLoopSource {
 };
 
 }  // namespace
+
+void RunLoopSource::Invalidate() {
+  valid_ = false;
+  RunLoop::RemoveEverywhere(*this);
+}
 
 CFRunLoopSourceRef MakeDescriptorSource(int descriptor, std::function<void()> onReadable) {
   return ToSourceRef(new DescriptorSource(descriptor, std::move(onReadable)));

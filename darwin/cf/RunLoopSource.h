@@ -1,6 +1,7 @@
 #ifndef KELVA_DARWIN_CF_RUN_LOOP_SOURCE_H_
 #define KELVA_DARWIN_CF_RUN_LOOP_SOURCE_H_
 
+#include <atomic>
 #include <functional>
 #include <vector>
 
@@ -17,12 +18,19 @@ class RunLoopSource : public Object {
   virtual void AddDescriptors(std::vector<int>& descriptors) const = 0;
   /// Milliseconds until Perform wants to be called although nothing is readable; -1 for never. Asked before each wait.
   virtual int TimeoutMs() const { return -1; }
-  /// Does what is due, without blocking. True when something was handled.
+  /// Does what is due, without blocking. True when something was handled. Not called once the source is invalid.
   virtual bool Perform() = 0;
+
+  bool IsValid() const { return valid_; }
+  /// Takes the source out of every run loop, for good. Any thread; a Perform in progress on another goes on.
+  void Invalidate();
+
+ private:
+  std::atomic<bool> valid_{true};
 };
 
-/// A source that calls `onReadable` while `descriptor` is readable. The descriptor stays the caller's and must outlive
-/// the source. One reference for the caller.
+/// A source that calls `onReadable` while `descriptor` is readable. The descriptor stays the caller's and must be open
+/// until the source is invalid. One reference for the caller.
 CFRunLoopSourceRef MakeDescriptorSource(int descriptor, std::function<void()> onReadable);
 
 /// The reference to a source.

@@ -12,9 +12,11 @@ namespace darwin {
 /// One open user client. The client is shared with a call in progress, so that it outlives a termination in its midst.
 class Connection final : public KernelObject {
  public:
-  explicit Connection(std::shared_ptr<UserClient> opened) : client(std::move(opened)) {}
+  Connection(std::shared_ptr<UserClient> opened, EntryId openedOn) : client(std::move(opened)), service(openedOn) {}
 
-  std::shared_ptr<UserClient> client;  ///< null once the service has ended; guarded by the registry's mutex
+  std::shared_ptr<UserClient>
+      client;  ///< null once it is closed or the service has ended; guarded by the registry's mutex
+  const EntryId service;
 };
 
 }  // namespace darwin

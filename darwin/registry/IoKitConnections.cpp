@@ -1,10 +1,13 @@
 // Connections to a service's user client.
 
 #include <IOKit/IOKitLib.h>
+#include <IOKit/IOMessage.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <exception>
+#include <new>
+#include <utility>
 
 #include "darwin/registry/Connection.h"
 #include "darwin/registry/State.h"
@@ -20,19 +23,37 @@ using darwin::UserClient;
 constexpr std::size_t kLargestInlineStruct = 4096;
 constexpr uint32_t kMostScalars = 16;
 
-/// A handle's user client, shared for the time of one call, or why there is none.
-kern_return_t FindClient(io_connect_t handle, std::shared_ptr<UserClient>& client) {
-  const std::lock_guard lock(SharedState().mutex);
+/// The connection that a handle stands for, or why there is none. Under the registry's lock.
+kern_return_t FindConnection(io_connect_t handle, std::shared_ptr<Connection>& connection) {
   const std::shared_ptr<KernelObject> object = SharedState().handles.Find(handle);
   if (object == nullptr) {
     return MACH_SEND_INVALID_DEST;
   }
-  const auto* connection = dynamic_cast<const Connection*>(object.get());
-  if (connection == nullptr) {
-    return kIOReturnBadArgument;
+  connection = std::dynamic_pointer_cast<Connection>(object);
+  return connection != nullptr ? kIOReturnSuccess : kIOReturnBadArgument;
+}
+
+/// A handle's user client, shared for the time of one call, or why there is none.
+kern_return_t FindClient(io_connect_t handle, std::shared_ptr<UserClient>& client) {
+  const std::lock_guard lock(SharedState().mutex);
+  std::shared_ptr<Connection> connection;
+  const kern_return_t found = FindConnection(handle, connection);
+  if (found == kIOReturnSuccess) {
+    client = connection->client;
   }
-  client = connection->client;
-  return kIOReturnSuccess;
+  return found;
+}
+
+/// A driver's answer; what it throws never reaches the caller of a C function.
+template <class Call>
+kern_return_t AnswerOf(Call call) {
+  try {
+    return call();
+  } catch (const std::bad_alloc&) {
+    return kIOReturnNoMemory;
+  } catch (const std::exception&) {
+    return kIOReturnError;
+  }
 }
 
 kern_return_t FindService(io_service_t handle, std::shared_ptr<Entry>& entry) {
@@ -45,16 +66,51 @@ kern_return_t FindService(io_service_t handle, std::shared_ptr<Entry>& entry) {
   return entry != nullptr && entry->registered ? kIOReturnSuccess : kIOReturnBadArgument;
 }
 
+bool IsActive(const Entry& entry) {
+  const std::lock_guard lock(SharedState().mutex);
+  return entry.active;
+}
+
 /// Asks the driver for a user client, outside of the lock: this may take its time.
-std::shared_ptr<UserClient> AskDriver(const Entry& entry, int& error) {
-  error = kIOReturnUnsupported;
+kern_return_t AskDriver(const Entry& entry, std::shared_ptr<UserClient>& client) {
   const darwin::UserClientFactory& open = entry.Description().openUserClient;
-  try {
-    return open ? open(error) : nullptr;
-  } catch (const std::exception&) {
-    error = kIOReturnError;
-    return nullptr;
+  if (!open) {
+    return kIOReturnUnsupported;
   }
+  return AnswerOf([&] {
+    int error = kIOReturnUnsupported;
+    client = open(error);
+    return client != nullptr ? kIOReturnSuccess : error;
+  });
+}
+
+/// Makes the client a connection of the service, unless the service ended while the driver was asked.
+kern_return_t Connect(const std::shared_ptr<Entry>& entry, std::shared_ptr<UserClient> client, io_connect_t& connect) {
+  const auto connection = std::make_shared<Connection>(std::move(client), entry->Id());
+  const std::lock_guard lock(SharedState().mutex);
+  if (!entry->active) {
+    return kIOReturnNoDevice;
+  }
+  darwin::Prune(entry->connections);
+  entry->connections.push_back(connection);
+  connect = SharedState().handles.Grant(connection);
+  return kIOReturnSuccess;
+}
+
+/// Ends a connection whatever else refers to it, and tells everyone interested in its service.
+kern_return_t Disconnect(io_connect_t connect) {
+  std::shared_ptr<UserClient> client;  // let go after the lock, or when the call in progress ends
+  std::shared_ptr<Connection> connection;
+  {
+    const std::lock_guard lock(SharedState().mutex);
+    if (const kern_return_t found = FindConnection(connect, connection); found != kIOReturnSuccess) {
+      return found;
+    }
+    client = std::exchange(connection->client, nullptr);
+    SharedState().handles.Kill(connection.get());
+  }
+  darwin::Registry::Shared().SendMessage(connection->service, kIOMessageServiceWasClosed);
+  return kIOReturnSuccess;
 }
 
 }  // namespace
@@ -69,30 +125,21 @@ kern_return_t IOServiceOpen(io_service_t service, task_port_t owningTask, uint32
   if (owningTask != mach_task_self()) {
     return kIOReturnBadArgument;
   }
-  int error = kIOReturnSuccess;
-  std::shared_ptr<UserClient> client = AskDriver(*entry, error);
-  if (client == nullptr) {
-    *connect = IO_OBJECT_NULL;
-    return error;
-  }
-  auto connection = std::make_shared<Connection>(client);
-  const std::lock_guard lock(SharedState().mutex);
-  if (!entry->active) {
-    *connect = IO_OBJECT_NULL;
+  *connect = IO_OBJECT_NULL;
+  if (!IsActive(*entry)) {
     return kIOReturnNoDevice;
   }
-  std::erase_if(entry->connections, [](const auto& reference) { return reference.expired(); });
-  entry->connections.push_back(connection);
-  *connect = SharedState().handles.Grant(connection);
-  return kIOReturnSuccess;
+  darwin::Registry::Shared().SendMessage(entry->Id(), kIOMessageServiceIsAttemptingOpen);
+  std::shared_ptr<UserClient> client;
+  const kern_return_t answer = AskDriver(*entry, client);
+  return answer == kIOReturnSuccess ? Connect(entry, std::move(client), *connect) : answer;
 }
 
 kern_return_t IOServiceClose(io_connect_t connect) {
-  std::shared_ptr<UserClient> client;
-  const kern_return_t found = FindClient(connect, client);
+  const kern_return_t result = Disconnect(connect);
   // The name goes in any case; the first code is returned.
   IOObjectRelease(connect);
-  return found;
+  return result;
 }
 
 kern_return_t IOConnectCallScalarMethod(mach_port_t connection, uint32_t selector, const uint64_t*, uint32_t inputCnt,
@@ -105,7 +152,7 @@ kern_return_t IOConnectCallScalarMethod(mach_port_t connection, uint32_t selecto
   if (inputCnt > 0 || (outputCnt != nullptr && *outputCnt > kMostScalars)) {
     return kIOReturnBadArgument;
   }
-  const kern_return_t result = client->CallScalar(selector);
+  const kern_return_t result = AnswerOf([&] { return client->CallScalar(selector); });
   if (result == kIOReturnSuccess && outputCnt != nullptr) {
     *outputCnt = 0;
   }
@@ -125,7 +172,8 @@ kern_return_t IOConnectCallStructMethod(mach_port_t connection, uint32_t selecto
   // Outputs stay as they are unless the method succeeds.
   alignas(std::max_align_t) unsigned char output[kLargestInlineStruct];
   const std::size_t capacity = produced;
-  const kern_return_t result = client->CallStruct(selector, inputStruct, inputStructCnt, output, &produced);
+  const kern_return_t result =
+      AnswerOf([&] { return client->CallStruct(selector, inputStruct, inputStructCnt, output, &produced); });
   if (result == kIOReturnSuccess) {
     produced = std::min(produced, capacity);
     std::copy_n(output, produced, static_cast<unsigned char*>(outputStruct));

@@ -43,7 +43,7 @@ extern "C" {
 CFMutableDictionaryRef IOServiceMatching(const char* name) {
   const CFMutableDictionaryRef matching = CFDictionaryCreateMutable(
       kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
-  const CFStringRef className = darwin::cf::MakeString(name);
+  const CFStringRef className = CFStringCreateWithCString(kCFAllocatorDefault, name, kCFStringEncodingMacRoman);
   CFDictionarySetValue(matching, CFSTR(kIOProviderClassKey), className);
   CFRelease(className);
   return matching;
@@ -89,6 +89,7 @@ kern_return_t IOServiceAddMatchingNotification(IONotificationPortRef notifyPort,
     created->OnRegistered(service, created);
   }
   created->handle = SharedState().handles.Grant(created);
+  darwin::Prune(SharedState().matchings);
   SharedState().matchings.push_back(created);
   *notification = created->handle;
   return kIOReturnSuccess;
@@ -111,6 +112,7 @@ kern_return_t IOServiceAddInterestNotification(IONotificationPortRef notifyPort,
     return kIOReturnUnsupported;
   }
   const auto created = std::make_shared<InterestNotification>(queue, callback, refCon);
+  darwin::Prune(entry->interests);
   entry->interests.push_back(created);
   *notification = SharedState().handles.Grant(created);
   return kIOReturnSuccess;

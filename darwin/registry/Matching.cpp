@@ -3,6 +3,7 @@
 #include <IOKit/IOKitKeys.h>
 
 #include "darwin/cf/Dictionary.h"
+#include "darwin/cf/MacRoman.h"
 #include "darwin/cf/Number.h"
 #include "darwin/cf/String.h"
 
@@ -96,7 +97,8 @@ bool Matching::Accepts(const Entry& entry) const {
 
 CFTypeRef MakePropertyObject(const PropertyValue& value) {
   if (const auto* text = std::get_if<std::string>(&value)) {
-    return cf::MakeString(*text);
+    // A device's bytes may be no UTF-8; then they are taken as Mac Roman, in which every byte is a character.
+    return cf::MakeString(cf::IsUtf8(*text) ? *text : cf::Utf8FromMacRoman(*text));
   }
   if (const auto* number = std::get_if<std::uint64_t>(&value)) {
     return static_cast<const cf::Object*>(new cf::Number(*number));

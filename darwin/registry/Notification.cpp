@@ -1,5 +1,7 @@
 #include "darwin/registry/Notification.h"
 
+#include "darwin/registry/Messages.h"
+
 namespace darwin {
 namespace {
 
@@ -35,7 +37,7 @@ void MatchingNotification::OnRegistered(const std::shared_ptr<Entry>& entry,
   if (armed_) {
     armed_ = false;
     if (const std::shared_ptr<MessageQueue> queue = queue_.lock()) {
-      queue->Push(MatchMessage{self});
+      queue->Push(std::make_unique<MatchMessage>(self));
     }
   }
 }
@@ -43,7 +45,7 @@ void MatchingNotification::OnRegistered(const std::shared_ptr<Entry>& entry,
 void InterestNotification::OnMessage(const std::shared_ptr<Entry>& entry, std::uint32_t type,
                                      const std::shared_ptr<InterestNotification>& self) const {
   if (const std::shared_ptr<MessageQueue> queue = queue_.lock()) {
-    queue->Push(InterestMessage{self, entry, type});
+    queue->Push(std::make_unique<InterestMessage>(self, entry, type));
   }
 }
 

@@ -1,58 +1,32 @@
 #include "darwin/registry/NotificationPort.h"
 
-#include "darwin/registry/Notification.h"
 #include "darwin/registry/State.h"
 
 namespace darwin {
 
-void MessageQueue::Push(Message message) {
+void MessageQueue::Push(std::unique_ptr<Message> message) {
   messages_.push_back(std::move(message));
   wakeUp_.Signal();
 }
 
-std::optional<Message> MessageQueue::Pop() {
+std::unique_ptr<Message> MessageQueue::Pop() {
   if (messages_.empty()) {
-    return std::nullopt;
+    return nullptr;
   }
-  Message message = std::move(messages_.front());
+  std::unique_ptr<Message> oldest = std::move(messages_.front());
   messages_.pop_front();
-  if (messages_.empty()) {
-    wakeUp_.Clear();
+  return oldest;
+}
+
+std::size_t MessageQueue::Look() {
+  wakeUp_.Clear();
+  if (!messages_.empty()) {
+    wakeUp_.Signal();
   }
-  return message;
+  return messages_.size();
 }
 
 namespace {
-
-/// Calls a registration's callback, unless the registration was released while the message waited.
-void Deliver(const MatchMessage& message) {
-  const std::shared_ptr<MatchingNotification> notification = message.notification.lock();
-  if (notification == nullptr) {
-    return;
-  }
-  {
-    const std::lock_guard lock(SharedState().mutex);
-    if (SharedState().handles.Find(notification->handle) != notification) {
-      return;
-    }
-  }
-  notification->callback(notification->context, notification->handle);
-}
-
-/// The service's handle is valid during the call only.
-void Deliver(const InterestMessage& message) {
-  const std::shared_ptr<InterestNotification> notification = message.notification.lock();
-  if (notification == nullptr) {
-    return;
-  }
-  io_service_t service = 0;
-  {
-    const std::lock_guard lock(SharedState().mutex);
-    service = SharedState().handles.Grant(message.entry);
-  }
-  notification->callback(notification->context, service, message.type, nullptr);
-  IOObjectRelease(service);
-}
 
 class PortSource final : public cf::RunLoopSource {
  public:
@@ -72,21 +46,23 @@ class PortSource final : public cf::RunLoopSource {
     Registry::Shared().LookAgain();
     std::size_t waiting = Waiting();
     const bool handled = waiting != 0;
-    for (; waiting != 0; --waiting) {
-      if (const std::optional<Message> message = Next()) {
-        std::visit([](const auto& kind) { Deliver(kind); }, *message);
+    // A callback may destroy the port.
+    for (; waiting != 0 && IsValid(); --waiting) {
+      if (const std::unique_ptr<Message> message = Next()) {
+        message->Deliver();
       }
     }
+    Waiting();
     return handled;
   }
 
  private:
   std::size_t Waiting() const {
     const std::lock_guard lock(SharedState().mutex);
-    return queue_->Size();
+    return queue_->Look();
   }
 
-  std::optional<Message> Next() {
+  std::unique_ptr<Message> Next() {
     const std::lock_guard lock(SharedState().mutex);
     return queue_->Pop();
   }
@@ -102,9 +78,11 @@ IONotificationPort::IONotificationPort()
     : queue(std::make_shared<darwin::MessageQueue>()), source(new darwin::PortSource(queue)) {
   const std::lock_guard lock(darwin::SharedState().mutex);
   ++darwin::SharedState().livePorts;
+  darwin::SharedState().queues.push_back(queue);
 }
 
 IONotificationPort::~IONotificationPort() {
+  source->Invalidate();
   source->Release();
   const std::lock_guard lock(darwin::SharedState().mutex);
   --darwin::SharedState().livePorts;

@@ -3,46 +3,38 @@
 
 #include <IOKit/IOKitLib.h>
 
-#include <cstdint>
+#include <cstddef>
 #include <deque>
 #include <memory>
-#include <optional>
-#include <variant>
 
 #include "darwin/cf/RunLoopSource.h"
 #include "darwin/cf/WakeUp.h"
-#include "darwin/registry/Entry.h"
 
 namespace darwin {
 
-class InterestNotification;
-class MatchingNotification;
-
-/// A registration has something to drain.
-struct MatchMessage {
-  std::weak_ptr<MatchingNotification> notification;
+/// What waits in a port.
+class Message {
+ public:
+  virtual ~Message() = default;
+  /// Calls the callback, on the run loop's thread and outside of the registry's lock.
+  virtual void Deliver() = 0;
 };
-
-/// An entry has something to say.
-struct InterestMessage {
-  std::weak_ptr<InterestNotification> notification;
-  std::shared_ptr<Entry> entry;
-  std::uint32_t type;
-};
-
-using Message = std::variant<MatchMessage, InterestMessage>;
 
 /// The messages that wait in a port until its run loop runs. Guarded by the registry's mutex.
 class MessageQueue {
  public:
-  void Push(Message message);
-  std::optional<Message> Pop();
-  std::size_t Size() const { return messages_.size(); }
+  void Push(std::unique_ptr<Message> message);
+  /// The oldest message, or null.
+  std::unique_ptr<Message> Pop();
+  /// The messages that wait. Having looked, the descriptor is readable only while there are some.
+  std::size_t Look();
+  /// Has the run loop look again, although there may be no message: what it waits for has changed.
+  void Nudge() { wakeUp_.Signal(); }
   int Descriptor() const { return wakeUp_.Descriptor(); }
 
  private:
-  std::deque<Message> messages_;
-  WakeUp wakeUp_;  // readable while there are messages
+  std::deque<std::unique_ptr<Message>> messages_;
+  WakeUp wakeUp_;
 };
 
 }  // namespace darwin

@@ -3,6 +3,7 @@
 #include <IOKit/IOMessage.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <exception>
 #include <utility>
 
@@ -31,11 +32,6 @@ std::vector<std::shared_ptr<Entry>> Subtree(const std::shared_ptr<Entry>& top) {
   return all;
 }
 
-template <class T>
-void Prune(std::vector<std::weak_ptr<T>>& references) {
-  std::erase_if(references, [](const std::weak_ptr<T>& reference) { return reference.expired(); });
-}
-
 /// The entry leaves matching results, and its handles and connections die.
 void Deactivate(Registry::State& state, const std::shared_ptr<Entry>& entry, Graveyard& graveyard) {
   entry->active = false;
@@ -61,6 +57,46 @@ void TellInterested(const std::shared_ptr<Entry>& entry, std::uint32_t messageTy
   }
 }
 
+/// Has the source publish what is present or what has changed. A failure is said once, in the source's words.
+void AskSource(Registry& registry, Registry::State& state) {
+  try {
+    if (!state.started) {
+      state.source->Start(registry);
+      state.started = true;
+    } else {
+      state.source->Dispatch(registry);
+    }
+    state.failed = false;
+    state.complaint.clear();
+  } catch (const std::exception& error) {
+    state.failed = true;
+    if (std::exchange(state.complaint, error.what()) != error.what()) {
+      std::fprintf(stderr, "%s\n", error.what());
+    }
+  }
+}
+
+bool IsWaitedFor(const Registry::State& state) {
+  return state.source != nullptr && state.started && !state.failed;
+}
+
+/// A run loop on another thread may be asleep without knowing of a descriptor or a moment that the source has only now.
+void NoteWhatIsWaitedFor(Registry::State& state) {
+  const int descriptor = IsWaitedFor(state) ? state.source->Descriptor() : -1;
+  const bool timed = IsWaitedFor(state) && state.source->TimeoutMs() >= 0;
+  const bool wasTimed = std::exchange(state.timed, timed);
+  if (std::exchange(state.descriptor, descriptor) == descriptor && (wasTimed || !timed)) {
+    return;
+  }
+  const std::lock_guard lock(state.mutex);
+  Prune(state.queues);
+  for (const std::weak_ptr<MessageQueue>& reference : state.queues) {
+    if (const std::shared_ptr<MessageQueue> queue = reference.lock()) {
+      queue->Nudge();
+    }
+  }
+}
+
 }  // namespace
 
 Registry::Registry() : state_(std::make_unique<State>()) {
@@ -81,6 +117,7 @@ void Registry::SetSource(std::unique_ptr<RegistrySource> source) {
   const std::lock_guard lock(state_->sourceMutex);
   state_->source = std::move(source);
   state_->started = false;
+  state_->failed = false;
 }
 
 EntryId Registry::Root() const {
@@ -150,27 +187,19 @@ bool Registry::LookAgain() {
   if (state_->source == nullptr) {
     return true;
   }
-  try {
-    if (!state_->started) {
-      state_->source->Start(*this);
-      state_->started = true;
-    } else {
-      state_->source->Dispatch(*this);
-    }
-  } catch (const std::exception&) {
-    return false;
-  }
-  return true;
+  AskSource(*this, *state_);
+  NoteWhatIsWaitedFor(*state_);
+  return !state_->failed;
 }
 
 int Registry::SourceDescriptor() const {
   const std::lock_guard lock(state_->sourceMutex);
-  return state_->source != nullptr && state_->started ? state_->source->Descriptor() : -1;
+  return IsWaitedFor(*state_) ? state_->source->Descriptor() : -1;
 }
 
 int Registry::SourceTimeoutMs() const {
   const std::lock_guard lock(state_->sourceMutex);
-  return state_->source != nullptr && state_->started ? state_->source->TimeoutMs() : -1;
+  return IsWaitedFor(*state_) ? state_->source->TimeoutMs() : -1;
 }
 
 }  // namespace darwin

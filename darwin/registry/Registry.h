@@ -59,6 +59,8 @@ class RegistrySource {
   /// Milliseconds until Dispatch wants to be called although nothing is readable; -1 for never.
   virtual int TimeoutMs() const { return -1; }
   /// Publishes and terminates what has changed. Never blocks. Called from the run loop, and before each enumeration.
+  /// An exception makes that look fail; its text is printed once, and run loops wait for the source again only after a
+  /// call that succeeds.
   virtual void Dispatch(Registry& registry) = 0;
 };
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "darwin/registry/Entry.h"
@@ -13,6 +14,7 @@
 namespace darwin {
 
 class MatchingNotification;
+class MessageQueue;
 
 /// What the registry holds. Two locks: `sourceMutex` around the source's calls, and inside of it `mutex` around all
 /// else. No user client, factory or callback runs under `mutex`.
@@ -20,6 +22,10 @@ struct Registry::State {
   std::mutex sourceMutex;
   std::unique_ptr<RegistrySource> source;
   bool started = false;
+  bool failed = false;    // its last call threw: nothing is waited for on its behalf until one succeeds
+  std::string complaint;  // what it said then, so that it is printed once
+  int descriptor = -1;    // what run loops were told to wait for
+  bool timed = false;
 
   std::mutex mutex;
   HandleTable handles;
@@ -28,8 +34,15 @@ struct Registry::State {
   std::map<EntryId, std::shared_ptr<Entry>> entries;
   std::vector<std::shared_ptr<Entry>> services;  // registered and active, oldest first
   std::vector<std::weak_ptr<MatchingNotification>> matchings;
+  std::vector<std::weak_ptr<MessageQueue>> queues;
   std::size_t livePorts = 0;
 };
+
+/// Forgets what has gone.
+template <class T>
+void Prune(std::vector<std::weak_ptr<T>>& references) {
+  std::erase_if(references, [](const std::weak_ptr<T>& reference) { return reference.expired(); });
+}
 
 /// The process's registry state.
 inline Registry::State& SharedState() {

@@ -98,6 +98,10 @@ extern const CFRunLoopMode kCFRunLoopDefaultMode; /* "kCFRunLoopDefaultMode" */
 
 CFRunLoopRef CFRunLoopGetCurrent(void);
 void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
+void CFRunLoopRemoveSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
+Boolean CFRunLoopContainsSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
+void CFRunLoopSourceInvalidate(CFRunLoopSourceRef source);
+Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source);
 void CFRunLoopRun(void);
 CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds, Boolean returnAfterSourceHandled);
 void CFRunLoopStop(CFRunLoopRef rl);

@@ -57,11 +57,12 @@ void Hotplug::Run(const Stop& stop) {
   Camera::ListenForCameraAttach(OnAttach, this, false);
   Camera::ListenForBadCameraAttach(OnBad, this);
   present_ = false;
-  // The run loop wakes up for cameras by itself; the slices only bound how long a request to stop can wait.
-  constexpr CFTimeInterval kSlice = 0.25;
+  const CFRunLoopRef loop = CFRunLoopGetCurrent();
+  const Stop::WakeUp wakeUp(stop, [loop] { CFRunLoopStop(loop); });
+  constexpr CFTimeInterval kForEver = 1e10;
   while (!error_ && !finished_) {
     stop.Check();
-    CFRunLoopRunInMode(kCFRunLoopDefaultMode, kSlice, true);
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, kForEver, true);
     ForgetLost();
   }
   if (error_) std::rethrow_exception(error_);

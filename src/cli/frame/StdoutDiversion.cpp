@@ -17,6 +17,11 @@ StdoutDiversion::StdoutDiversion()
   if (!memory_ || ::dup2(memory_.Get(), STDOUT_FILENO) < 0) throw SystemFailure("set standard output aside", errno);
 }
 
+StdoutDiversion::~StdoutDiversion() {
+  std::fflush(stdout);
+  if (real_) ::dup2(real_.Get(), STDOUT_FILENO);
+}
+
 std::string StdoutDiversion::Taken() {
   std::fflush(stdout);
   std::array<char, 4096> text{};

@@ -7,11 +7,14 @@
 
 namespace kelva {
 
-/// Keeps standard output for the tool's own results: descriptor 1 is led into memory for the rest of the process, so
-/// that a line which a library prints cannot get between them, and the real one is at hand here.
+/// Keeps standard output for the tool's own results: while this lives, descriptor 1 leads into memory, so that a line
+/// which a library prints cannot get between them, and the real one is at hand here.
 class StdoutDiversion {
  public:
   StdoutDiversion();
+  ~StdoutDiversion();
+  StdoutDiversion(const StdoutDiversion&) = delete;
+  StdoutDiversion& operator=(const StdoutDiversion&) = delete;
   /// The real standard output; -1 when the process was started without one.
   int Real() const { return real_.Get(); }
   /// What was printed since the last call, up to 4 KiB of it.

@@ -23,7 +23,7 @@ class StdoutDiversionTest : public testing::Test {
     diversion_.emplace();
   }
   ~StdoutDiversionTest() override {
-    std::fflush(stdout);
+    diversion_.reset();
     ::dup2(saved_.Get(), STDOUT_FILENO);
   }
 

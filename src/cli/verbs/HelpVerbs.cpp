@@ -1,32 +1,83 @@
 #include <string>
 
+#include "frame/Completion.h"
 #include "frame/Context.h"
 #include "frame/Failure.h"
 #include "frame/Help.h"
+#include "frame/ManPage.h"
 #include "frame/Printable.h"
 #include "verbs/Verbs.h"
 
 namespace kelva {
 namespace {
 
-ExitCode RunHelp(Context& context) {
+// The words of the command line as the name of a verb; empty when there are none.
+std::string NameInWords(const Context& context) {
   std::string name;
   for (const std::string& word : context.call.words) name += (name.empty() ? "" : " ") + word;
-  if (name.empty()) {
-    context.out.Add(Overview(AllVerbs()));
-  } else if (const Verb* verb = FindVerb(AllVerbs(), name)) {
-    context.out.Add(HelpFor(*verb));
-  } else {
-    throw Failure(ExitCode::kUsage, "There is no command \"" + Printable(name) + "\"; `kelva help` lists all.");
-  }
+  return name;
+}
+
+const Verb& Named(const std::string& name) {
+  if (const Verb* verb = FindVerb(AllVerbs(), name)) return *verb;
+  throw Failure(ExitCode::kUsage, "There is no command \"" + Printable(name) + "\"; `kelva help` lists all.");
+}
+
+ExitCode Print(Context& context, const std::string& text) {
+  context.out.Add(text);
   context.out.Flush();
   return ExitCode::kDone;
 }
 
-constexpr Argument kArguments[] = {{"COMMAND", "The command to explain.", Argument::Count::kOptional, Offer::kVerb},
-                                   {"WORD", "Its second word, if it has one.", Argument::Count::kOptional}};
+ExitCode RunHelp(Context& context) {
+  const std::string name = NameInWords(context);
+  return Print(context, name.empty() ? Overview(AllVerbs()) : HelpFor(Named(name)));
+}
 
-constexpr Verb kVerbs[] = {{"help", "Say how the commands are used", kArguments, {}, "", "", {}, RunHelp}};
+ExitCode RunManual(Context& context) {
+  const std::string name = NameInWords(context);
+  return Print(context,
+               name.empty() ? ManPageOfTool(AllVerbs(), KELVA_VERSION) : ManPageOfVerb(Named(name), KELVA_VERSION));
+}
+
+ExitCode RunCompletion(Context& context) {
+  const std::string& shell = context.call.words[0];
+  const auto script = Completion(AllVerbs(), shell);
+  if (!script) {
+    throw Failure(ExitCode::kUsage,
+                  "There are completions for bash, zsh and fish, not for \"" + Printable(shell) + "\".");
+  }
+  return Print(context, *script);
+}
+
+constexpr Argument kCommand[] = {{"COMMAND", "The command to explain.", Argument::Count::kOptional, Offer::kVerb},
+                                 {"WORD", "Its second word, if it has one.", Argument::Count::kOptional}};
+constexpr Argument kShell[] = {{"SHELL", "bash, zsh or fish.", Argument::Count::kOne, Offer::kWords, kShells}};
+constexpr Example kCompletionExamples[] = {
+    {"source <(kelva completion bash)", "Completions in this shell; packages install them for all."}};
+constexpr Example kManualExamples[] = {{"kelva manual get | man -l -", "Read a page that is not installed."}};
+
+constexpr Verb kVerbs[] = {
+    {"completion",
+     "Print a completion script for a shell",
+     kShell,
+     {},
+     "The script is made from the same table as --help and the manual pages, and offers the serial numbers of the "
+     "cameras "
+     "that are attached.",
+     "",
+     kCompletionExamples,
+     RunCompletion},
+    {"manual",
+     "Print a manual page",
+     kCommand,
+     {},
+     "Prints the page of the tool or of one command in troff form; packages install them all.",
+     "",
+     kManualExamples,
+     RunManual},
+    {"help", "Say how the commands are used", kCommand, {}, "The same as COMMAND --help.", "", {}, RunHelp},
+};
 
 }  // namespace
 

@@ -16,7 +16,7 @@ std::span<const Verb> ClockVerbs();    ///< time
 std::span<const Verb> MonitorVerbs();  ///< monitor
 std::span<const Verb> GetVerbs();      ///< get
 std::span<const Verb> ChangeVerbs();   ///< put, rm
-std::span<const Verb> HelpVerbs();     ///< help
+std::span<const Verb> HelpVerbs();     ///< completion, manual, help
 
 /// All of them, in one piece.
 std::span<const Verb> AllVerbs();

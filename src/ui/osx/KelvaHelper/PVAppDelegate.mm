@@ -13,7 +13,7 @@ bool launch = false;
 
 @implementation PVAppDelegate
 
-- (void)applicationDidFinishLaunching:(NSNotification*)__unused notification {
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
   launch = false;
   Camera::ListenForCameraAttach(Callback, &launch, false);
   launch = true;

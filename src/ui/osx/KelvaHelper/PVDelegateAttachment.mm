@@ -18,7 +18,7 @@
   }
 }
 
-+ (void)attachDelegate:(NSNotification*)__unused notification {
++ (void)attachDelegate:(NSNotification*)notification {
   // The application does not retain its delegate; this reference does, until the process ends.
   static PVAppDelegate* delegate = [[PVAppDelegate alloc] init];
   [NSApp setDelegate:delegate];

@@ -1,0 +1,37 @@
+#include "darwin/registry/Messages.h"
+
+#include <mutex>
+
+#include "darwin/registry/State.h"
+
+namespace darwin {
+
+void MatchMessage::Deliver() {
+  const std::shared_ptr<MatchingNotification> notification = notification_.lock();
+  if (notification == nullptr) {
+    return;
+  }
+  {
+    const std::lock_guard lock(SharedState().mutex);
+    if (SharedState().handles.Find(notification->handle) != notification) {
+      return;
+    }
+  }
+  notification->callback(notification->context, notification->handle);
+}
+
+void InterestMessage::Deliver() {
+  const std::shared_ptr<InterestNotification> notification = notification_.lock();
+  if (notification == nullptr) {
+    return;
+  }
+  io_service_t service = 0;
+  {
+    const std::lock_guard lock(SharedState().mutex);
+    service = SharedState().handles.Grant(entry_);
+  }
+  notification->callback(notification->context, service, type_, nullptr);
+  IOObjectRelease(service);
+}
+
+}  // namespace darwin

@@ -1,0 +1,93 @@
+#include "Agent.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+
+#include "Arguments.h"
+#include "AttachListener.h"
+#include "CameraSource.h"
+#include "DesktopLauncher.h"
+#include "Report.h"
+#include "SessionLock.h"
+#include "SignalStop.h"
+#include "Spawn.h"
+
+namespace helper {
+namespace {
+
+enum ExitCode : int { kDone = 0, kFailed = 1, kWrongArguments = 2 };
+
+int Fail(ExitCode code, const std::string& sentence) {
+  Complain(sentence);
+  return code;
+}
+
+int Print(const std::string& text) {
+  std::fputs(text.c_str(), stdout);
+  return kDone;
+}
+
+/// Watches until a signal comes.
+int Watch(const std::string& virtualBus) {
+  // A reader of this program's lines that has gone must not end the watch.
+  std::signal(SIGPIPE, SIG_IGN);
+  const SignalStop stop;
+  ForgetChildren();
+  UseOpener(OpenerBeside(OwnProgram()));
+  UseCamerasOf(virtualBus);
+  ListenForCameras();
+  Say("Watching; each camera that is attached from now on starts " KELVA_DESKTOP_ID ".");
+  CFRunLoopRun();
+  return kDone;
+}
+
+int WatchOrSayWhyNot(const std::string& virtualBus) {
+  try {
+    return Watch(virtualBus);
+  } catch (const std::exception& error) {
+    return Fail(kFailed, "Cameras cannot be watched: " + FirstLine(error.what()));
+  }
+}
+
+std::string NameOf(pid_t process) {
+  return process > 0 ? " (process " + std::to_string(process) + ")" : std::string();
+}
+
+int WatchAlone(const std::string& virtualBus) {
+  const std::string path = LockPath(CurrentSession(virtualBus));
+  const SessionLock lock(path);
+  switch (lock.Result()) {
+    case SessionLock::Outcome::kHeld:
+      return WatchOrSayWhyNot(virtualBus);
+    case SessionLock::Outcome::kHeldByAnother:
+      Say("Another copy" + NameOf(lock.Rival()) + " already serves this login session, so this one ends.");
+      return kDone;
+    case SessionLock::Outcome::kFailed:
+      break;
+  }
+  return Fail(kFailed, "The lock file " + path + " cannot be used (" + std::strerror(lock.Error()) +
+                           "); set XDG_RUNTIME_DIR to a folder of your own, or remove that file.");
+}
+
+}  // namespace
+
+int RunAgent(const std::vector<std::string>& words) {
+  const Arguments arguments = ParseArguments(words);
+  switch (arguments.request) {
+    case Arguments::Request::kHelp:
+      return Print(HelpText());
+    case Arguments::Request::kVersion:
+      return Print(VersionText());
+    case Arguments::Request::kWrong:
+      return Fail(kWrongArguments, arguments.complaint);
+    case Arguments::Request::kWatch:
+      break;
+  }
+  return WatchAlone(arguments.virtualBus);
+}
+
+}  // namespace helper

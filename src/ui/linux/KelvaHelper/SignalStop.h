@@ -1,0 +1,27 @@
+#ifndef KELVA_HELPER_SIGNAL_STOP_H_
+#define KELVA_HELPER_SIGNAL_STOP_H_
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include "FileDescriptor.h"
+
+namespace helper {
+
+/// Turns SIGTERM, SIGINT (Ctrl-C) and SIGHUP into the end of the calling thread's run loop, so that the process leaves
+/// from its own main and not from wherever it is. To be made before another thread is, and kept for as long as the loop
+/// runs. Throws std::system_error when the system has no descriptor to spare.
+class SignalStop {
+ public:
+  SignalStop();
+  SignalStop(const SignalStop&) = delete;
+  SignalStop& operator=(const SignalStop&) = delete;
+  ~SignalStop();
+
+ private:
+  FileDescriptor signals_;
+  CFRunLoopSourceRef source_;
+};
+
+}  // namespace helper
+
+#endif  // KELVA_HELPER_SIGNAL_STOP_H_

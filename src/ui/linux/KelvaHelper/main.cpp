@@ -1,0 +1,8 @@
+#include <string>
+#include <vector>
+
+#include "Agent.h"
+
+int main(int argc, char* argv[]) {
+  return helper::RunAgent({argv + 1, argv + argc});
+}
