@@ -19,17 +19,19 @@ class Number final : public Object {
   const std::uint64_t value_;
 };
 
-/// A truth value; not a number.
+/// A truth value; not a number. There are two, and neither is ever given back.
 class Truth final : public Object {
  public:
-  explicit Truth(bool value) : Object(Type::kBoolean), value_(value) {}
+  Truth(bool value, Lifetime lifetime) : Object(Type::kBoolean, lifetime), value_(value) {}
   bool Value() const { return value_; }
-  bool Equals(const Object& other) const override;
   CFHashCode Hash() const override { return value_; }
 
  private:
   const bool value_;
 };
+
+/// One of the two.
+CFTypeRef MakeBoolean(bool value);
 
 }  // namespace darwin::cf
 

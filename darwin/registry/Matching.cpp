@@ -103,7 +103,7 @@ CFTypeRef MakePropertyObject(const PropertyValue& value) {
   if (const auto* number = std::get_if<std::uint64_t>(&value)) {
     return static_cast<const cf::Object*>(new cf::Number(*number));
   }
-  return static_cast<const cf::Object*>(new cf::Truth(std::get<bool>(value)));
+  return cf::MakeBoolean(std::get<bool>(value));
 }
 
 }  // namespace darwin

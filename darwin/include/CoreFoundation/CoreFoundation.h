@@ -23,6 +23,8 @@ typedef const void* CFTypeRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFDictionary* CFDictionaryRef;
+typedef const struct __CFBoolean* CFBooleanRef;
+typedef const struct __CFNumber* CFNumberRef;
 typedef struct __CFDictionary* CFMutableDictionaryRef;
 typedef struct __CFRunLoop* CFRunLoopRef;
 typedef struct __CFRunLoopSource* CFRunLoopSourceRef;
@@ -88,6 +90,22 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFInd
 void CFDictionarySetValue(CFMutableDictionaryRef theDict, const void* key, const void* value);
 const void* CFDictionaryGetValue(CFDictionaryRef theDict, const void* key);
 CFIndex CFDictionaryGetCount(CFDictionaryRef theDict);
+
+/* CFNumber.h */
+
+typedef CFIndex CFNumberType;
+enum { kCFNumberSInt32Type = 3, kCFNumberSInt64Type = 4 };
+
+extern const CFBooleanRef kCFBooleanTrue;
+extern const CFBooleanRef kCFBooleanFalse;
+
+CFTypeID CFBooleanGetTypeID(void);
+Boolean CFBooleanGetValue(CFBooleanRef boolean);
+CFTypeID CFNumberGetTypeID(void);
+/* NULL for a type that is not listed above. */
+CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType theType, const void* valuePtr);
+/* False when the value does not fit. */
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType theType, void* valuePtr);
 
 /* CFRunLoop.h */
 

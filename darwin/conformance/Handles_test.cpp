@@ -1,0 +1,72 @@
+// Handle numbers and their user references.
+
+#include "RegistryTest.h"
+
+namespace conformance {
+namespace {
+
+using Handles = RegistryTest;
+
+/// A number that was a handle and is none any more.
+io_object_t StaleHandle() {
+  Object service = FindOne(kDriver);
+  const io_object_t number = service.Number();
+  IOObjectRelease(service.Take());
+  return number;
+}
+
+TEST_F(Handles, OneObjectHasOneNumberHoweverItIsReached) {
+  Plug();
+  const Object first = FindOne(kDriver);
+  const Object second = FindOne(kDriver);
+  EXPECT_NE(first.Number(), 0u);
+  EXPECT_EQ(first.Number(), second.Number());
+}
+
+TEST_F(Handles, DifferentObjectsHaveDifferentNumbers) {
+  Plug({.serial = "K1"});
+  Plug({.serial = "K2"});
+  const std::vector<Object> found = Find(IOServiceMatching(kDriver));
+  ASSERT_EQ(found.size(), 2u);
+  EXPECT_NE(found[0].Number(), found[1].Number());
+}
+
+TEST_F(Handles, EachReturnAddsOneReference) {
+  Plug();
+  const Object first = FindOne(kDriver);
+  { const Object second = FindOne(kDriver); }
+  EXPECT_EQ(TextProperty(first, "Vendor Identification"), "Kelva");
+}
+
+TEST_F(Handles, TheLastReleaseEndsTheNumber) {
+  Plug();
+  const io_object_t stale = StaleHandle();
+  EXPECT_EQ(IORegistryEntryCreateCFProperty(stale, CFSTR("IOClass"), kCFAllocatorDefault, 0), nullptr);
+  EXPECT_EQ(IOObjectRelease(stale), KERN_INVALID_NAME);
+}
+
+TEST_F(Handles, RetainAddsAReference) {
+  Plug();
+  const Object service = FindOne(kDriver);
+  EXPECT_EQ(IOObjectRetain(service.Number()), KERN_SUCCESS);
+  EXPECT_EQ(IOObjectRelease(service.Number()), KERN_SUCCESS);
+  EXPECT_EQ(TextProperty(service, "IOClass"), kDriver);
+}
+
+TEST_F(Handles, ZeroMayBeRetainedAndReleased) {
+  EXPECT_EQ(IOObjectRetain(0), KERN_SUCCESS);
+  EXPECT_EQ(IOObjectRelease(0), KERN_SUCCESS);
+}
+
+TEST_F(Handles, ReleasingAnIteratorReleasesNothingElse) {
+  Plug();
+  io_iterator_t number = 0;
+  ASSERT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(kDriver), &number), kIOReturnSuccess);
+  Object iterator(number);
+  const Object service = NextOf(iterator);
+  iterator = Object();
+  EXPECT_EQ(TextProperty(service, "IOClass"), kDriver);
+}
+
+}  // namespace
+}  // namespace conformance

@@ -1,0 +1,147 @@
+#ifndef KELVA_DARWIN_CONFORMANCE_REGISTRY_TEST_H_
+#define KELVA_DARWIN_CONFORMANCE_REGISTRY_TEST_H_
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <IOKit/IOKitLib.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Machine.h"
+
+namespace conformance {
+
+inline constexpr const char* kDriver = "com_kelva_Glimmer";
+inline constexpr const char* kDiskDriver = "com_kelva_Glimmer_ms";
+/// No handle is ever this number.
+inline constexpr io_object_t kUntouched = 0x5A5A5A5A;
+
+/// Owns one reference to a registry object; 0 is none.
+class Object {
+ public:
+  Object() = default;
+  explicit Object(io_object_t number) : number_(number) {}
+  Object(Object&& other) noexcept : number_(other.Take()) {}
+  Object& operator=(Object&& other) noexcept {
+    IOObjectRelease(std::exchange(number_, other.Take()));
+    return *this;
+  }
+  ~Object() { IOObjectRelease(number_); }
+
+  io_object_t Number() const { return number_; }
+  io_object_t Take() { return std::exchange(number_, io_object_t{0}); }
+  explicit operator bool() const { return number_ != 0; }
+
+ private:
+  io_object_t number_ = 0;
+};
+
+/// Owns one reference to a CoreFoundation object.
+template <class Ref>
+class Owned {
+ public:
+  explicit Owned(Ref ref) : ref_(ref) {}
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+  ~Owned() {
+    if (ref_ != nullptr) CFRelease(ref_);
+  }
+  Ref Get() const { return ref_; }
+
+ private:
+  const Ref ref_;
+};
+
+/// A notification port whose source is in this thread's run loop.
+class Port {
+ public:
+  Port() : port_(IONotificationPortCreate(kIOMainPortDefault)) {
+    CFRunLoopAddSource(CFRunLoopGetCurrent(), IONotificationPortGetRunLoopSource(port_), kCFRunLoopDefaultMode);
+  }
+  Port(const Port&) = delete;
+  Port& operator=(const Port&) = delete;
+  ~Port() { IONotificationPortDestroy(port_); }
+  IONotificationPortRef Get() const { return port_; }
+
+ private:
+  const IONotificationPortRef port_;
+};
+
+inline Object NextOf(const Object& iterator) {
+  return Object(IOIteratorNext(iterator.Number()));
+}
+
+/// What is left in an iterator, in its order.
+inline std::vector<Object> Drain(const Object& iterator) {
+  std::vector<Object> objects;
+  while (Object object = NextOf(iterator)) objects.push_back(std::move(object));
+  return objects;
+}
+
+/// The services that a dictionary matches; consumes it.
+inline std::vector<Object> Find(CFDictionaryRef matching) {
+  io_iterator_t iterator = 0;
+  EXPECT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, matching, &iterator), kIOReturnSuccess);
+  return Drain(Object(iterator));
+}
+
+/// The only service of a class.
+inline Object FindOne(const char* className) {
+  std::vector<Object> found = Find(IOServiceMatching(className));
+  EXPECT_EQ(found.size(), 1u) << className;
+  return found.empty() ? Object() : std::move(found.front());
+}
+
+inline Object ParentOf(const Object& entry) {
+  io_registry_entry_t parent = 0;
+  IORegistryEntryGetParentEntry(entry.Number(), kIOServicePlane, &parent);
+  return Object(parent);
+}
+
+/// A text property; "(none)" when the entry has none of that name.
+inline std::string TextProperty(const Object& entry, const char* key) {
+  const Owned<CFStringRef> name(CFStringCreateWithCString(kCFAllocatorDefault, key, kCFStringEncodingMacRoman));
+  const Owned<CFTypeRef> value(IORegistryEntryCreateCFProperty(entry.Number(), name.Get(), kCFAllocatorDefault, 0));
+  if (value.Get() == nullptr || CFGetTypeID(value.Get()) != CFStringGetTypeID()) return "(none)";
+  char text[256] = "";
+  CFStringGetCString(static_cast<CFStringRef>(value.Get()), text, sizeof text, kCFStringEncodingUTF8);
+  return text;
+}
+
+/// The serial number of the camera that a driver's service belongs to.
+inline std::string SerialOf(const Object& service) {
+  return TextProperty(ParentOf(ParentOf(service)), "USB Serial Number");
+}
+
+inline std::vector<std::string> SerialsOf(const std::vector<Object>& services) {
+  std::vector<std::string> serials;
+  for (const Object& service : services) serials.push_back(SerialOf(service));
+  return serials;
+}
+
+/// Delivers what waits, and nothing else.
+inline void RunPending() {
+  while (CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true) == kCFRunLoopRunHandledSource) {
+  }
+}
+
+/// A machine of its own for each test, and the demand that a test gives back everything that it obtained.
+class RegistryTest : public ::testing::Test {
+ protected:
+  void TearDown() override { EXPECT_EQ(machine_->StillHeld(), ""); }
+
+  Machine& TheMachine() { return *machine_; }
+  int Plug(const Camera& camera = {}) { return machine_->Plug(camera); }
+  void Unplug(int camera) { machine_->Unplug(camera); }
+
+ private:
+  const std::unique_ptr<Machine> machine_ = MakeMachine();
+};
+
+}  // namespace conformance
+
+#endif  // KELVA_DARWIN_CONFORMANCE_REGISTRY_TEST_H_
