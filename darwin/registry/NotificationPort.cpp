@@ -1,5 +1,8 @@
 #include "darwin/registry/NotificationPort.h"
 
+#include <cstdio>
+#include <string>
+
 #include "darwin/registry/State.h"
 
 namespace darwin {
@@ -43,7 +46,7 @@ class PortSource final : public cf::RunLoopSource {
 
   /// Delivers the messages that are waiting now; what a callback causes waits for the next round.
   bool Perform() override {
-    Registry::Shared().LookAgain();
+    LookAgain();
     std::size_t waiting = Waiting();
     const bool handled = waiting != 0;
     // A callback may destroy the port.
@@ -57,6 +60,15 @@ class PortSource final : public cf::RunLoopSource {
   }
 
  private:
+  /// Nobody asked, so nobody is there to be told of a failure: it goes to standard error, once.
+  void LookAgain() {
+    const std::string error = Registry::Shared().LookAgain() ? "" : Registry::Shared().LastSourceError();
+    if (error != reported_ && !error.empty()) {
+      std::fprintf(stderr, "%s\n", error.c_str());
+    }
+    reported_ = error;
+  }
+
   std::size_t Waiting() const {
     const std::lock_guard lock(SharedState().mutex);
     return queue_->Look();
@@ -68,6 +80,7 @@ class PortSource final : public cf::RunLoopSource {
   }
 
   const std::shared_ptr<MessageQueue> queue_;
+  std::string reported_;
 };
 
 }  // namespace

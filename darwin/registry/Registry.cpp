@@ -3,7 +3,6 @@
 #include <IOKit/IOMessage.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <exception>
 #include <utility>
 
@@ -57,7 +56,7 @@ void TellInterested(const std::shared_ptr<Entry>& entry, std::uint32_t messageTy
   }
 }
 
-/// Has the source publish what is present or what has changed. A failure is said once, in the source's words.
+/// Has the source publish what is present or what has changed, and keeps what it says of a failure.
 void AskSource(Registry& registry, Registry::State& state) {
   try {
     if (!state.started) {
@@ -67,12 +66,10 @@ void AskSource(Registry& registry, Registry::State& state) {
       state.source->Dispatch(registry);
     }
     state.failed = false;
-    state.complaint.clear();
+    state.error.clear();
   } catch (const std::exception& error) {
     state.failed = true;
-    if (std::exchange(state.complaint, error.what()) != error.what()) {
-      std::fprintf(stderr, "%s\n", error.what());
-    }
+    state.error = error.what();
   }
 }
 
@@ -118,6 +115,12 @@ void Registry::SetSource(std::unique_ptr<RegistrySource> source) {
   state_->source = std::move(source);
   state_->started = false;
   state_->failed = false;
+  state_->error.clear();
+}
+
+std::string Registry::LastSourceError() const {
+  const std::lock_guard lock(state_->sourceMutex);
+  return state_->error;
 }
 
 EntryId Registry::Root() const {

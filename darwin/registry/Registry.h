@@ -59,8 +59,7 @@ class RegistrySource {
   /// Milliseconds until Dispatch wants to be called although nothing is readable; -1 for never.
   virtual int TimeoutMs() const { return -1; }
   /// Publishes and terminates what has changed. Never blocks. Called from the run loop, and before each enumeration.
-  /// An exception makes that look fail; its text is printed once, and run loops wait for the source again only after a
-  /// call that succeeds.
+  /// An exception makes that look fail, and run loops wait for the source again only after a call that succeeds.
   virtual void Dispatch(Registry& registry) = 0;
 };
 
@@ -71,6 +70,10 @@ class Registry {
 
   /// Replaces the source; only before the first look at the registry.
   void SetSource(std::unique_ptr<RegistrySource> source);
+
+  /// What the source said when its latest call failed, one sentence; empty when that call succeeded. A call of IOKit that
+  /// came to nothing for this reason has returned kIOReturnError.
+  std::string LastSourceError() const;
 
   EntryId Root() const;
   /// Adds an entry below `parent`. It is seen by parent walks and property reads, not by matching, until it is
