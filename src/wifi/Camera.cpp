@@ -2,9 +2,6 @@
 
 #include <utility>
 
-#include "ErrorPolicy.h"
-#include "FatalAssertion.h"
-
 bool Camera::throwExceptions_ = true;
 
 Camera::Camera(int chunkSize, int progressInterval)
@@ -14,19 +11,6 @@ Camera::~Camera() = default;
 
 bool Camera::operator==(const Camera&) const {
   return false;
-}
-
-boost::shared_ptr<Camera> Camera::GetCamera(const char* serialNumber, std::string text, bool first, bool second) {
-  for (const boost::shared_ptr<Camera>& camera : EnumerateCameras(true, std::move(text), first, second)) {
-    if (camera == nullptr) {
-      vsc::FailAssertion("camera != nullptr", __func__);
-    }
-    if (camera->CompareSn(serialNumber)) {
-      return camera;
-    }
-  }
-  vsc::ReportProtocolError("Camera not found.");
-  return {};
 }
 
 bool Camera::enableHexDump() {

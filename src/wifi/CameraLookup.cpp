@@ -1,0 +1,21 @@
+// Finding one camera among those that the platform enumerates. Apart from the rest of Camera, so that a program over a
+// transport of its own needs no platform.
+
+#include <utility>
+
+#include "Camera.h"
+#include "ErrorPolicy.h"
+#include "FatalAssertion.h"
+
+boost::shared_ptr<Camera> Camera::GetCamera(const char* serialNumber, std::string text, bool first, bool second) {
+  for (const boost::shared_ptr<Camera>& camera : EnumerateCameras(true, std::move(text), first, second)) {
+    if (camera == nullptr) {
+      vsc::FailAssertion("camera != nullptr", __func__);
+    }
+    if (camera->CompareSn(serialNumber)) {
+      return camera;
+    }
+  }
+  vsc::ReportProtocolError("Camera not found.");
+  return {};
+}
