@@ -1,5 +1,5 @@
-# What `cmake --install` gives: the library with its headers, CMake package and pkg-config file, the programs and their
-# man pages.
+# What `cmake --install` gives: the library with its headers, CMake package and pkg-config file, and the manual
+# pages. The rooms install their own programs.
 include(CMakePackageConfigHelpers)
 
 set(kelva_rooms kelva_wifi kelva_usb_osx)
@@ -57,16 +57,6 @@ foreach(library IN LISTS kelva_system_libraries)
 endforeach()
 configure_file(cmake/kelva.pc.in "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-
-# The programs. The opener is run by the agent alone, so it stays out of PATH.
-foreach(program IN ITEMS kelva kelva-vcam kelva-helper)
-  if(TARGET ${program})
-    install(TARGETS ${program})
-  endif()
-endforeach()
-if(TARGET kelva-open)
-  install(TARGETS kelva-open RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/kelva)
-endif()
 
 file(GLOB kelva_manuals CONFIGURE_DEPENDS docs/man/*.1 docs/man/*.8)
 foreach(page IN LISTS kelva_manuals)

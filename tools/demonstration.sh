@@ -96,7 +96,7 @@ prepare_desktop() {
 [Desktop Entry]
 Type=Application
 Name=Stand-in for the desktop application
-Exec="$root/tools/stand-in.sh" "$bin/kelva" "$socket" "$second" "$scratch"
+Exec="$root/tools/stand-in.sh" "$bin/kelva" "$socket" $second "$scratch"
 END
 }
 

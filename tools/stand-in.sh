@@ -8,12 +8,16 @@ serial=$3
 scratch=$4
 
 fetch_all() {
-  local picture target
-  for picture in "$scratch"/storage/DCIM/*/*; do
-    target=${picture#"$scratch/storage/"}
-    mkdir -p "$scratch/fetched/$(dirname "$target")"
-    "$kelva" --virtual "$socket" --serial "$serial" get "I:\\${target//\//\\}" --to "$scratch/fetched/$target" || return
-    printf '  fetched %s (%s bytes)\n' "$(basename "$target")" "$(wc -c <"$scratch/fetched/$target")"
+  local folder picture
+  for folder in "$scratch"/storage/DCIM/*; do
+    folder=${folder#"$scratch/storage/"}
+    mkdir -p "$scratch/fetched/$folder"
+    for picture in "$scratch/storage/$folder"/*; do
+      picture=$(basename "$picture")
+      "$kelva" get --virtual "$socket" --serial "$serial" --quiet --into "$scratch/fetched/$folder" "I:/$folder/$picture" ||
+        return
+      printf '  fetched %s (%s bytes) with kelva get\n' "$picture" "$(wc -c <"$scratch/fetched/$folder/$picture")"
+    done
   done
 }
 
