@@ -27,17 +27,26 @@ YARDSTICKS = {"GetDcf": "CopyOfCatalogue"}
 LINEAR_LIMIT = 3.0
 
 
-def load(folder):
-    """Every repetition's real time in nanoseconds, by benchmark name."""
-    unit = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
-    times = {}
+# From plug to the first line of the application, in milliseconds; the tail is shown beside a bare posix_spawn's.
+LAUNCH_LIMIT_MS = 10
+
+
+def runs(folder):
     for path in sorted(folder.glob("*.json")):
         for run in json.loads(path.read_text())["benchmarks"]:
             if run.get("error_occurred"):
                 sys.exit(f"report: {run['name']} failed: {run['error_message']}")
             if run["run_type"] == "iteration":
-                name = run["run_name"].replace("/real_time", "").replace("/manual_time", "")
-                times.setdefault(name, []).append(run["real_time"] * unit[run["time_unit"]])
+                yield run
+
+
+def load(folder):
+    """Every repetition's real time in nanoseconds, by benchmark name."""
+    unit = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+    times = {}
+    for run in runs(folder):
+        name = run["run_name"].replace("/real_time", "")
+        times.setdefault(name, []).append(run["real_time"] * unit[run["time_unit"]])
     return times
 
 
@@ -75,6 +84,19 @@ def line(title, value, comparison, limit):
     return kept
 
 
+def launch(folder):
+    """Prints the launch's lines; whether its limit was kept."""
+    found = {run["run_name"].split("/")[0]: run for run in runs(folder) if "p50_ms" in run}
+    if set(found) != {"PlugToStart", "BareSpawn"}:
+        sys.exit("report: the launch was not measured")
+    plug, bare = found["PlugToStart"], found["BareSpawn"]
+    kept = line("Plug to the start of the application: p50 in milliseconds", plug["p50_ms"], "at most", LAUNCH_LIMIT_MS)
+    for name in ("p50_ms", "p99_ms"):
+        title = f"Plug to start against a bare posix_spawn: {name[:3]}"
+        print(f"{title:<68} {plug[name] / bare[name]:8.2f}   ({plug[name]:.2f} ms against {bare[name]:.2f} ms)")
+    return kept
+
+
 def main():
     folder = pathlib.Path(sys.argv[1])
     times = load(folder)
@@ -84,6 +106,7 @@ def main():
         small, large, ratio = growth(times, name)
         title = f"{name}: cost of one {item}, {large:,} against {small:,}"
         kept.append(line(title, ratio, "at most", LINEAR_LIMIT))
+    kept.append(launch(folder))
     plot.write(folder / "cost-against-size.svg", {name: curve(times, name) for name in [*LINEAR, *YARDSTICKS.values()]})
     print(f"The cost of one item against the size: {folder / 'cost-against-size.svg'}")
     sys.exit(0 if all(kept) else 1)
