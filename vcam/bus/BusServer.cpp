@@ -15,10 +15,15 @@ constexpr std::size_t kFirstPeer = 3;
 }  // namespace
 
 BusServer::BusServer(const std::string& path)
-    : listener_(path), bus_([this](PeerId peer, Bytes frame) {
-        const auto stream = streams_.find(peer);
-        if (stream != streams_.end()) stream->second.Queue(std::move(frame));
-      }) {}
+    : listener_(path), bus_([this](PeerId peer, Bytes frame) { SendTo(peer, std::move(frame)); }) {}
+
+void BusServer::SendTo(PeerId peer, Bytes frame) {
+  const auto stream = streams_.find(peer);
+  if (stream == streams_.end()) return;
+  stream->second.Queue(std::move(frame));
+  // At once, so that what one peer has been told another has not yet to be told. A peer that has gone is seen by FlushAll.
+  stream->second.WriteSome();
+}
 
 void BusServer::Run(int stopDescriptor) {
   std::vector<pollfd> waits;

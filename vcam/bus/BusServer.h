@@ -27,6 +27,7 @@ class BusServer {
   int TimeoutMs() const;
   void ServeReady(const std::vector<pollfd>& waits);
   void AcceptAll();
+  void SendTo(PeerId peer, Bytes frame);
   bool Serve(PeerId peer, Stream& stream, short events);
   void Drop(PeerId peer);
   void FlushAll();

@@ -1,0 +1,71 @@
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "darwin/registry/Registry.h"
+#include "tests/stack/Door.h"
+#include "vcam/bus/BusServer.h"
+#include "vcam/client/BusClient.h"
+#include "vcam/client/BusConnection.h"
+#include "vcam/device/TestSupport.h"
+
+namespace kelva::stack {
+namespace {
+
+namespace bus = vcam::bus;
+namespace client = vcam::client;
+
+/// A bus served by a thread of this process, and the registry filled from its socket.
+class BusDoor : public Door {
+ public:
+  BusDoor()
+      : path_((scratch_.path() / "bus").string()),
+        server_(path_),
+        stop_(::eventfd(0, EFD_CLOEXEC)),
+        thread_([this] { server_.Run(stop_.get()); }),
+        connection_(path_) {
+    darwin::Registry::Shared().SetSource(client::ConnectBus(path_));
+  }
+
+  ~BusDoor() override {
+    const std::uint64_t one = 1;
+    if (::write(stop_.get(), &one, sizeof one) == sizeof one) thread_.join();
+  }
+
+  void Plug(const vcam::Options& options) override {
+    bus::PlugRequest request;
+    request.serial = options.serial;
+    request.storage = options.storage.string();
+    request.revision = options.revision;
+    request.peripheralType = options.peripheralType;
+    connection_.Request(bus::Kind::kPlug, bus::Encode(request));
+  }
+
+  void Unplug(const std::string& serial) override { connection_.Request(bus::Kind::kUnplug, bus::EncodeText(serial)); }
+
+  // The bus has seen it.
+  void HasUnpluggedItself(const std::string&) override {}
+
+  void Arm(const std::string& serial, const vcam::Fault& fault) override {
+    bus::FaultRequest request{serial, std::string(vcam::NameOf(fault.kind)), fault.at};
+    connection_.Request(bus::Kind::kFault, bus::Encode(request));
+  }
+
+ private:
+  vcam::test::ScratchStorage scratch_;
+  std::string path_;
+  bus::BusServer server_;
+  vcam::FileDescriptor stop_;
+  std::thread thread_;
+  client::BusConnection connection_;
+};
+
+}  // namespace
+
+Door& Door::Get() {
+  static BusDoor door;
+  return door;
+}
+
+}  // namespace kelva::stack
