@@ -24,6 +24,7 @@ typedef kern_return_t IOReturn;
 #define kIOReturnTimeout ((IOReturn)0xE00002D6)
 #define kIOReturnNotReady ((IOReturn)0xE00002D8)
 #define kIOReturnNotAttached ((IOReturn)0xE00002D9)
+#define kIOReturnMessageTooLarge ((IOReturn)0xE00002E1)
 #define kIOReturnNotPermitted ((IOReturn)0xE00002E2)
 #define kIOReturnNotFound ((IOReturn)0xE00002F0)
 

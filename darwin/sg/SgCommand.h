@@ -1,0 +1,42 @@
+#ifndef KELVA_DARWIN_SG_SG_COMMAND_H_
+#define KELVA_DARWIN_SG_SG_COMMAND_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "SgSystem.h"
+#include "darwin/registry/TransferStatus.h"
+
+namespace darwin::sg {
+
+enum class DataPhase { kNone, kToDevice, kFromDevice };
+
+/// One SCSI command. `data` is `length` bytes of the caller's, sent or filled; null without a data phase.
+struct SgRequest {
+  std::span<const std::uint8_t> cdb;
+  DataPhase phase = DataPhase::kNone;
+  void* data = nullptr;
+  std::uint32_t length = 0;
+  std::uint32_t timeoutMs = 0;
+};
+
+/// What the kernel said of it.
+struct SgOutcome {
+  int error = 0;  ///< errno of the call; when it is not 0 the rest says nothing
+  std::uint16_t hostStatus = 0;
+  std::uint16_t driverStatus = 0;  ///< without the mark "there is sense data"
+  std::uint8_t status = 0;
+  SenseCode sense;
+  std::int64_t moved = 0;  ///< asked minus residual, unchecked: the residual is the device's claim
+
+  /// True when the command ended in order and moved between 0 and `length` bytes: only then are there data.
+  bool Succeeded(std::uint32_t length) const;
+};
+
+/// Sends the command exactly once, with every signal held back, and waits for its end.
+SgOutcome RunCommand(SgSystem& system, int descriptor, const SgRequest& request);
+
+}  // namespace darwin::sg
+
+#endif  // KELVA_DARWIN_SG_SG_COMMAND_H_

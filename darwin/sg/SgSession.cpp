@@ -1,0 +1,64 @@
+#include "SgSession.h"
+
+#include <linux/fs.h>
+#include <scsi/sg.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace darwin::sg {
+namespace {
+
+constexpr int kReservedSize = 64 * 1024;            // one chunk of every bulk transfer
+constexpr std::uint32_t kUsualLargest = 64 * 1024;  // what a node carries that does not answer the question
+
+}  // namespace
+
+std::optional<SgSession> SgSession::Open(SgSystem& system, const std::string& node, int& error) {
+  const int descriptor = system.Open(node.c_str());
+  if (descriptor < 0) {
+    error = errno;
+    return std::nullopt;
+  }
+  SgSession session(system, descriptor);
+  if (!session.Lock(error)) return std::nullopt;
+  session.AskLargestTransfer();
+  session.Reserve();
+  return session;
+}
+
+SgSession::~SgSession() {
+  if (descriptor_ >= 0) system_->Close(descriptor_);  // gives the lock back as well
+}
+
+SgSession::SgSession(SgSession&& other) noexcept
+    : system_(other.system_),
+      descriptor_(std::exchange(other.descriptor_, -1)),
+      largestTransfer_(other.largestTransfer_) {}
+
+SgSession& SgSession::operator=(SgSession&& other) noexcept {
+  std::swap(system_, other.system_);
+  std::swap(descriptor_, other.descriptor_);
+  std::swap(largestTransfer_, other.largestTransfer_);
+  return *this;
+}
+
+bool SgSession::Lock(int& error) const {
+  if (system_->Lock(descriptor_) == 0) return true;
+  error = errno;
+  return false;
+}
+
+void SgSession::AskLargestTransfer() {
+  int bytes = 0;  // a generic SCSI node answers in bytes, where a block device answers in sectors
+  const bool answered = system_->Ioctl(descriptor_, BLKSECTGET, &bytes) == 0 && bytes > 0;
+  largestTransfer_ = answered ? static_cast<std::uint32_t>(bytes) : kUsualLargest;
+}
+
+void SgSession::Reserve() const {
+  // Only speed depends on it: the kernel clamps the size or keeps the default, and commands work all the same.
+  int size = kReservedSize;
+  system_->Ioctl(descriptor_, SG_SET_RESERVED_SIZE, &size);
+}
+
+}  // namespace darwin::sg

@@ -1,0 +1,40 @@
+#ifndef KELVA_DARWIN_SG_SG_SESSION_H_
+#define KELVA_DARWIN_SG_SG_SESSION_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "SgSystem.h"
+
+namespace darwin::sg {
+
+/// An open node: the move-only owner of its descriptor, and with it of the node's lock and reserved buffer.
+class SgSession {
+ public:
+  /// Opens and locks the node, asks how much it carries in one command and reserves a kernel buffer for it, which saves
+  /// an allocation per command. Nothing and `error` (an errno value) when the node cannot be opened or is locked.
+  static std::optional<SgSession> Open(SgSystem& system, const std::string& node, int& error);
+
+  ~SgSession();
+  SgSession(SgSession&& other) noexcept;
+  SgSession& operator=(SgSession&& other) noexcept;
+
+  int Descriptor() const { return descriptor_; }
+  /// The most bytes that the node carries in one command.
+  std::uint32_t LargestTransfer() const { return largestTransfer_; }
+
+ private:
+  SgSession(SgSystem& system, int descriptor) : system_(&system), descriptor_(descriptor) {}
+  bool Lock(int& error) const;
+  void AskLargestTransfer();
+  void Reserve() const;
+
+  SgSystem* system_;
+  int descriptor_;
+  std::uint32_t largestTransfer_ = 0;
+};
+
+}  // namespace darwin::sg
+
+#endif  // KELVA_DARWIN_SG_SG_SESSION_H_

@@ -1,0 +1,35 @@
+#include "SgSystem.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace darwin::sg {
+namespace {
+
+class KernelSystem : public SgSystem {
+ public:
+  // O_NONBLOCK concerns the opening alone: an error recovery or another's exclusive open fails at once instead of
+  // holding the caller for as long as it lasts.
+  int Open(const char* node) override { return ::open(node, O_RDWR | O_NONBLOCK | O_CLOEXEC); }
+  void Close(int descriptor) override { ::close(descriptor); }
+  int Lock(int descriptor) override { return ::flock(descriptor, LOCK_EX | LOCK_NB); }
+  int Ioctl(int descriptor, unsigned long request, void* argument) override {
+    return ::ioctl(descriptor, request, argument);
+  }
+  bool WaitForHangUp(int descriptor, int milliseconds) override {
+    pollfd waiting{descriptor, 0, 0};
+    return ::poll(&waiting, 1, milliseconds) > 0 && (waiting.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+  }
+};
+
+}  // namespace
+
+SgSystem& SgSystem::Kernel() {
+  static KernelSystem system;
+  return system;
+}
+
+}  // namespace darwin::sg

@@ -1,0 +1,237 @@
+#include "SgUserClient.h"
+
+#include <IOKit/IOReturn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+
+#include "ScriptedSystem.h"
+
+namespace darwin::sg {
+namespace {
+
+using testing::Each;
+using testing::HasSubstr;
+
+class SgUserClientTest : public testing::Test {
+ protected:
+  SgUserClientTest()
+      : client_(system_, {"/dev/sg3", [this] { return present_; },
+                          [this](const std::string& sentence) { reported_ = sentence; }}) {
+    buffer_.fill(0xEE);
+  }
+
+  UserClientTransferRequest Request(std::uint8_t direction, std::int32_t length) {
+    UserClientTransferRequest request{};
+    request.direction = direction;
+    request.cdbLength = 16;
+    request.cdb[0] = 0xC4;
+    request.length = length;
+    request.timeout = 100;
+    request.bufferAddress = reinterpret_cast<std::uintptr_t>(buffer_.data());
+    return request;
+  }
+
+  int Call(const UserClientTransferRequest& request) {
+    std::size_t size = sizeof result_;
+    return client_.CallStruct(2, &request, sizeof request, &result_, &size);
+  }
+
+  // Fills the data the kernel was given, and ends the command with this residual.
+  void AnswerWith(std::uint8_t byte, int residual) {
+    system_.command = [=](sg_io_hdr_t& header) {
+      if (header.dxfer_direction == SG_DXFER_FROM_DEV) std::memset(header.dxferp, byte, header.dxfer_len);
+      header.resid = residual;
+      return 0;
+    };
+  }
+
+  ScriptedSystem system_;
+  bool present_ = true;
+  std::string reported_;
+  SgUserClient client_;
+  std::array<std::uint8_t, 64> buffer_;
+  UserClientTransferResult result_{0xAAAAAAAA, -1};
+};
+
+TEST_F(SgUserClientTest, ASessionIsStartedAndEnded) {
+  EXPECT_EQ(client_.CallScalar(0), kIOReturnSuccess);
+  EXPECT_EQ(system_.closed, 0);
+  EXPECT_EQ(client_.CallScalar(1), kIOReturnSuccess);
+  EXPECT_EQ(system_.closed, 1);
+}
+
+TEST_F(SgUserClientTest, ASecondStartIsRefusedAndLeavesTheSession) {
+  client_.CallScalar(0);
+  EXPECT_EQ(client_.CallScalar(0), kIOReturnExclusiveAccess);
+  EXPECT_EQ(system_.opened.size(), 1U);
+}
+
+TEST_F(SgUserClientTest, EndingWhatIsNotStartedIsRefused) {
+  EXPECT_EQ(client_.CallScalar(1), kIOReturnNotOpen);
+}
+
+TEST_F(SgUserClientTest, AnUnknownSelectorIsABadArgument) {
+  EXPECT_EQ(client_.CallScalar(2), kIOReturnBadArgument);
+  std::size_t size = 8;
+  EXPECT_EQ(client_.CallStruct(3, &result_, 8, &result_, &size), kIOReturnBadArgument);
+}
+
+TEST_F(SgUserClientTest, AHeldCameraIsExclusive) {
+  system_.lockError = EWOULDBLOCK;
+  EXPECT_EQ(client_.CallScalar(0), kIOReturnExclusiveAccess);
+}
+
+TEST_F(SgUserClientTest, ANodeThatHasBecomeAnotherDeviceIsNotUsed) {
+  present_ = false;
+  EXPECT_EQ(client_.CallScalar(0), kIOReturnNoDevice);
+  EXPECT_EQ(system_.closed, 1);
+  EXPECT_EQ(Call(Request(2, 64)), kIOReturnNotOpen);
+}
+
+TEST_F(SgUserClientTest, WithoutASessionNothingIsSent) {
+  EXPECT_EQ(Call(Request(0, 0)), kIOReturnNotOpen);
+  EXPECT_EQ(system_.commands, 0);
+}
+
+TEST_F(SgUserClientTest, DataFromTheCameraReachTheCaller) {
+  client_.CallScalar(0);
+  AnswerWith(0x11, 0);
+  EXPECT_EQ(Call(Request(2, 64)), kIOReturnSuccess);
+  EXPECT_EQ(result_.status, 0U);
+  EXPECT_EQ(result_.actualLength, 64);
+  EXPECT_THAT(buffer_, Each(0x11));
+}
+
+TEST_F(SgUserClientTest, BytesBeyondTheResidualAreTheCallersOwn) {
+  client_.CallScalar(0);
+  AnswerWith(0x11, 60);
+  EXPECT_EQ(Call(Request(2, 64)), kIOReturnSuccess);
+  EXPECT_EQ(result_.actualLength, 4);
+  EXPECT_THAT(std::vector(buffer_.begin(), buffer_.begin() + 4), Each(0x11));
+  EXPECT_THAT(std::vector(buffer_.begin() + 4, buffer_.end()), Each(0xEE));
+}
+
+TEST_F(SgUserClientTest, NoByteOfAFailedTransportReachesTheCaller) {
+  client_.CallScalar(0);
+  system_.command = [](sg_io_hdr_t& header) {
+    std::memset(header.dxferp, 0x11, header.dxfer_len);
+    header.host_status = 7;
+    return 0;
+  };
+  EXPECT_EQ(Call(Request(2, 64)), kIOReturnSuccess);
+  EXPECT_EQ(result_.status, 0x000007FFU);
+  EXPECT_EQ(result_.actualLength, 0);
+  EXPECT_THAT(buffer_, Each(0xEE));
+}
+
+TEST_F(SgUserClientTest, AnUnplugInTheMiddleOfACommandIsNoDevice) {
+  client_.CallScalar(0);
+  system_.hangsUp = true;
+  system_.command = [](sg_io_hdr_t& header) {
+    header.host_status = 7;
+    return 0;
+  };
+  EXPECT_EQ(Call(Request(2, 64)), kIOReturnNoDevice);
+}
+
+TEST_F(SgUserClientTest, ASuccessfulCommandIsNotFollowedByALookForTheDevice) {
+  client_.CallScalar(0);
+  Call(Request(0, 0));
+  EXPECT_EQ(system_.hangUpWaits, 0);
+}
+
+TEST_F(SgUserClientTest, DataToTheCameraAreTheCallersBytes) {
+  client_.CallScalar(0);
+  std::vector<std::uint8_t> sent;
+  system_.command = [&](sg_io_hdr_t& header) {
+    const auto* data = static_cast<const std::uint8_t*>(header.dxferp);
+    sent.assign(data, data + header.dxfer_len);
+    return 0;
+  };
+  EXPECT_EQ(Call(Request(1, 5)), kIOReturnSuccess);
+  EXPECT_EQ(sent, (std::vector<std::uint8_t>{0xEE, 0xEE, 0xEE, 0xEE, 0xEE}));
+  EXPECT_EQ(result_.actualLength, 5);
+}
+
+TEST_F(SgUserClientTest, WithoutADirectionNothingIsMovedWhateverTheLength) {
+  client_.CallScalar(0);
+  for (std::uint8_t direction : std::array<std::uint8_t, 3>{0, 3, 255}) {
+    AnswerWith(0x11, 0);
+    EXPECT_EQ(Call(Request(direction, 64)), kIOReturnSuccess);
+    EXPECT_EQ(result_.actualLength, 0);
+    EXPECT_THAT(buffer_, Each(0xEE));
+  }
+}
+
+TEST_F(SgUserClientTest, TheTimeoutIsInSeconds) {
+  client_.CallScalar(0);
+  unsigned timeout = 0;
+  system_.command = [&](sg_io_hdr_t& header) {
+    timeout = header.timeout;
+    return 0;
+  };
+  Call(Request(0, 0));
+  EXPECT_EQ(timeout, 100000U);
+}
+
+TEST_F(SgUserClientTest, AnEnormousTimeoutDoesNotWrapRound) {
+  client_.CallScalar(0);
+  unsigned timeout = 0;
+  system_.command = [&](sg_io_hdr_t& header) {
+    timeout = header.timeout;
+    return 0;
+  };
+  auto request = Request(0, 0);
+  request.timeout = 0xFFFFFFFF;
+  Call(request);
+  EXPECT_GT(timeout, 4294000000U);
+  EXPECT_LT(timeout, 0xFFFFFFFFU);  // which would be for ever
+}
+
+TEST_F(SgUserClientTest, AChunkAboveTheLimitOfTheNodeIsRefusedWithAReason) {
+  system_.largestTransfer = 32;
+  client_.CallScalar(0);
+  EXPECT_EQ(Call(Request(2, 33)), kIOReturnMessageTooLarge);
+  EXPECT_EQ(system_.commands, 0);
+  EXPECT_THAT(reported_, HasSubstr("asked for 33 bytes, but /dev/sg3 carries at most 32"));
+}
+
+TEST_F(SgUserClientTest, AChunkOfExactlyTheLimitIsCarried) {
+  system_.largestTransfer = 32;
+  client_.CallScalar(0);
+  EXPECT_EQ(Call(Request(2, 32)), kIOReturnSuccess);
+}
+
+TEST_F(SgUserClientTest, ARequestThatMakesNoSenseIsABadArgument) {
+  client_.CallScalar(0);
+  EXPECT_EQ(Call(Request(2, -1)), kIOReturnBadArgument);
+  auto request = Request(2, 8);
+  request.bufferAddress = 0;
+  EXPECT_EQ(Call(request), kIOReturnBadArgument);
+  request = Request(0, 0);
+  request.cdbLength = 17;
+  EXPECT_EQ(Call(request), kIOReturnBadArgument);
+  EXPECT_EQ(system_.commands, 0);
+}
+
+TEST_F(SgUserClientTest, RecordsOfAnotherSizeAreABadArgument) {
+  client_.CallScalar(0);
+  const auto request = Request(0, 0);
+  std::size_t size = 8;
+  EXPECT_EQ(client_.CallStruct(2, &request, 33, &result_, &size), kIOReturnBadArgument);
+  size = 7;
+  EXPECT_EQ(client_.CallStruct(2, &request, 34, &result_, &size), kIOReturnBadArgument);
+}
+
+TEST_F(SgUserClientTest, AnErrorLeavesTheResultUntouched) {
+  client_.CallScalar(0);
+  system_.command = [](sg_io_hdr_t&) { return ScriptedSystem::Fail(ENODEV); };
+  EXPECT_EQ(Call(Request(0, 0)), kIOReturnNoDevice);
+  EXPECT_EQ(result_.status, 0xAAAAAAAAU);
+}
+
+}  // namespace
+}  // namespace darwin::sg

@@ -1,0 +1,29 @@
+#ifndef KELVA_DARWIN_SG_SG_VERDICT_H_
+#define KELVA_DARWIN_SG_SG_VERDICT_H_
+
+#include <cstdint>
+
+#include "SgCommand.h"
+
+namespace darwin::sg {
+
+/// What the caller of a user client is told: the call's return code, and the two fields of the result record.
+struct Verdict {
+  int returnCode = 0;
+  std::uint32_t status = 0;
+  std::uint32_t moved = 0;
+};
+
+/// The return code for a system call that failed with `error`.
+int ReturnCodeOf(int error);
+
+/// True when the outcome may mean that the device has been unplugged, and only the device's absence can tell.
+bool MayBeGone(const SgOutcome& outcome);
+
+/// Turns an outcome into a verdict. The host status comes first: after an unplug in the middle of a command the status
+/// is good and the residual is 0, as if every byte had arrived. `gone` is what the look for the device found.
+Verdict Judge(const SgOutcome& outcome, std::uint32_t length, bool gone);
+
+}  // namespace darwin::sg
+
+#endif  // KELVA_DARWIN_SG_SG_VERDICT_H_
