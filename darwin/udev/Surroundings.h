@@ -1,0 +1,34 @@
+#ifndef KELVA_DARWIN_UDEV_SURROUNDINGS_H_
+#define KELVA_DARWIN_UDEV_SURROUNDINGS_H_
+
+#include <cstdint>
+#include <string>
+
+namespace darwin::udev {
+
+/// What the tracker asks of the process around it, and what a test answers in its place.
+class Surroundings {
+ public:
+  virtual ~Surroundings() = default;
+  /// Milliseconds of a clock that never goes back.
+  virtual std::int64_t NowMs() = 0;
+  virtual void SleepMs(int milliseconds) = 0;
+  /// 0 when this user may read and write the node, otherwise why not, as an errno value. Opens nothing: opening the
+  /// node of a camera disturbs whoever works with it.
+  virtual int WhyNotUsable(const std::string& node) = 0;
+  /// Receives one sentence for the user or the journal.
+  virtual void Report(const std::string& sentence) = 0;
+};
+
+/// This process itself; reports go to standard error, which the journal keeps for an agent.
+class ProcessSurroundings : public Surroundings {
+ public:
+  std::int64_t NowMs() override;
+  void SleepMs(int milliseconds) override;
+  int WhyNotUsable(const std::string& node) override;
+  void Report(const std::string& sentence) override;
+};
+
+}  // namespace darwin::udev
+
+#endif  // KELVA_DARWIN_UDEV_SURROUNDINGS_H_

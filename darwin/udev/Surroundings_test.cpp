@@ -1,0 +1,31 @@
+#include "Surroundings.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+namespace darwin::udev {
+namespace {
+
+TEST(ProcessSurroundingsTest, ANodeThatMayBeReadAndWrittenIsUsable) {
+  EXPECT_EQ(ProcessSurroundings().WhyNotUsable("/dev/null"), 0);
+}
+
+TEST(ProcessSurroundingsTest, AMissingNodeSaysSo) {
+  EXPECT_EQ(ProcessSurroundings().WhyNotUsable("/dev/sg-none"), ENOENT);
+}
+
+TEST(ProcessSurroundingsTest, TheClockNeverGoesBack) {
+  ProcessSurroundings process;
+  const auto first = process.NowMs();
+  EXPECT_GE(process.NowMs(), first);
+}
+
+TEST(ProcessSurroundingsTest, AReportIsOneLineOnStandardError) {
+  testing::internal::CaptureStderr();
+  ProcessSurroundings().Report("Something is so.");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "kelva: Something is so.\n");
+}
+
+}  // namespace
+}  // namespace darwin::udev

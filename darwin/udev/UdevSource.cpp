@@ -1,0 +1,83 @@
+#include "UdevSource.h"
+
+#include <utility>
+
+#include "CameraTracker.h"
+#include "Surroundings.h"
+#include "UdevUnitSource.h"
+#include "UnitReader.h"
+#include "darwin/registry/CameraEntries.h"
+#include "darwin/sg/SgUserClient.h"
+
+namespace darwin {
+namespace udev {
+namespace {
+
+// Asked by whichever thread opens the camera, so with a udev context of its own.
+bool IsStillThere(const ScsiUnit& unit) {
+  const UdevContext context(udev_new());
+  const UdevDevice device(context ? udev_device_new_from_syspath(context.get(), ("/sys" + unit.path).c_str())
+                                  : nullptr);
+  return device && ReadUnit(device.get()) == unit;
+}
+
+std::unique_ptr<UserClient> OpenUserClient(const ScsiUnit& unit) {
+  return std::make_unique<sg::SgUserClient>(
+      sg::SgSystem::Kernel(), sg::SgTarget{unit.node, [unit] { return IsStillThere(unit); },
+                                           [](const std::string& text) { ProcessSurroundings().Report(text); }});
+}
+
+class RegistryPublisher : public Publisher {
+ public:
+  void Use(Registry& registry) { registry_ = &registry; }
+
+  EntryId Publish(const ScsiUnit& unit) override {
+    CameraDescription camera{unit.serial, unit.vendor, unit.product, unit.revision, {}, {}};
+    camera.peripheralType = static_cast<unsigned>(unit.peripheralType);
+    camera.openUserClient = [unit](int&) { return OpenUserClient(unit); };
+    return AddCamera(*registry_, registry_->Root(), camera);
+  }
+  void Withdraw(EntryId published) override { registry_->Terminate(published); }
+
+ private:
+  Registry* registry_ = nullptr;
+};
+
+class UdevSource : public RegistrySource {
+ public:
+  void Start(Registry& registry) override {
+    publisher_.Use(registry);
+    tracker_.Start();
+  }
+
+  int Descriptor() const override {
+    SayOnceWhyDeaf();
+    return units_.Descriptor();
+  }
+
+  int TimeoutMs() const override { return tracker_.TimeoutMs(); }
+  void Dispatch(Registry&) override { tracker_.Dispatch(); }
+
+ private:
+  // Only to those who wait for cameras: a look at what is there now needs no monitor.
+  void SayOnceWhyDeaf() const {
+    if (std::exchange(askedToListen_, true)) return;
+    const std::string why = units_.WhyDeaf();
+    if (!why.empty()) surroundings_.Report(why);
+  }
+
+  UdevUnitSource units_;
+  mutable ProcessSurroundings surroundings_;
+  RegistryPublisher publisher_;
+  CameraTracker tracker_{units_, surroundings_, publisher_};
+  mutable bool askedToListen_ = false;
+};
+
+}  // namespace
+}  // namespace udev
+
+std::unique_ptr<RegistrySource> MakeUdevSource() {
+  return std::make_unique<udev::UdevSource>();
+}
+
+}  // namespace darwin

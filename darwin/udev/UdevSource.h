@@ -1,0 +1,16 @@
+#ifndef KELVA_DARWIN_UDEV_UDEV_SOURCE_H_
+#define KELVA_DARWIN_UDEV_UDEV_SOURCE_H_
+
+#include <memory>
+
+#include "darwin/registry/Registry.h"
+
+namespace darwin {
+
+/// Fills the registry with the cameras of this machine, from udev. The default source of every program on Linux.
+/// Sentences that the user or the journal should see (no permission, no udev) go to standard error.
+std::unique_ptr<RegistrySource> MakeUdevSource();
+
+}  // namespace darwin
+
+#endif  // KELVA_DARWIN_UDEV_UDEV_SOURCE_H_
