@@ -1,0 +1,140 @@
+#include "SgDoor.h"
+
+#include <linux/fs.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <thread>
+
+namespace mock {
+namespace {
+
+constexpr unsigned short kHostTimeOut = 3;
+constexpr unsigned short kHostError = 7;
+constexpr std::uint8_t kIllegalRequest = 5;
+constexpr std::uint8_t kInvalidField = 0x24;
+
+vcam::Direction DirectionOf(int kernelDirection) {
+  if (kernelDirection == SG_DXFER_TO_DEV) return vcam::Direction::kToCamera;
+  if (kernelDirection == SG_DXFER_FROM_DEV) return vcam::Direction::kFromCamera;
+  return vcam::Direction::kNone;
+}
+
+// Memory of the process that called, behind a pointer in its arguments. The parent owns it.
+UMockdevIoctlData* Behind(UMockdevIoctlData* parent, std::size_t offset, std::size_t length) {
+  return length == 0 ? nullptr : umockdev_ioctl_data_resolve(parent, offset, length, nullptr);
+}
+
+void Write(UMockdevIoctlData* memory, const std::uint8_t* bytes, std::size_t length) {
+  if (!memory || length == 0) return;
+  umockdev_ioctl_data_update(memory, 0, const_cast<guint8*>(bytes), static_cast<gint>(length));
+}
+
+std::array<std::uint8_t, 18> FixedSense(vcam::Sense sense) {
+  std::array<std::uint8_t, 18> bytes{};
+  bytes[0] = 0x70;
+  bytes[2] = sense.key;
+  bytes[7] = 10;
+  bytes[12] = sense.asc;
+  bytes[13] = sense.ascq;
+  return bytes;
+}
+
+}  // namespace
+
+SgDoor::SgDoor(std::shared_ptr<vcam::VirtualCamera> camera)
+    : camera_(std::move(camera)), handler_(umockdev_ioctl_base_new()) {
+  g_signal_connect(handler_, "handle-ioctl", G_CALLBACK(&SgDoor::OnIoctl), this);
+}
+
+SgDoor::~SgDoor() {
+  g_signal_handlers_disconnect_by_data(handler_, this);
+  g_object_unref(handler_);
+}
+
+gboolean SgDoor::OnIoctl(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer door) {
+  static_cast<SgDoor*>(door)->Answer(client);
+  return TRUE;
+}
+
+void SgDoor::Answer(UMockdevIoctlClient* client) {
+  switch (umockdev_ioctl_client_get_request(client)) {
+    case SG_IO:
+      return AnswerCommand(client);
+    case BLKSECTGET:
+      return AnswerLimit(client);
+    case SG_SET_RESERVED_SIZE:
+      return umockdev_ioctl_client_complete(client, 0, 0);
+    default:
+      return umockdev_ioctl_client_complete(client, -1, ENOTTY);
+  }
+}
+
+void SgDoor::AnswerLimit(UMockdevIoctlClient* client) {
+  const int limit = largestTransfer;
+  if (limit == 0) return umockdev_ioctl_client_complete(client, -1, ENOTTY);
+  UMockdevIoctlData* answer = Behind(umockdev_ioctl_client_get_arg(client), 0, sizeof limit);
+  Write(answer, reinterpret_cast<const std::uint8_t*>(&limit), sizeof limit);
+  umockdev_ioctl_client_complete(client, 0, 0);
+}
+
+void SgDoor::AnswerCommand(UMockdevIoctlClient* client) {
+  ++commands_;
+  const int failure = gone_ ? ENODEV : error.load();
+  if (failure != 0) return umockdev_ioctl_client_complete(client, -1, failure);
+  UMockdevIoctlData* arguments = Behind(umockdev_ioctl_client_get_arg(client), 0, sizeof(sg_io_hdr_t));
+  sg_io_hdr_t header;
+  std::memcpy(&header, arguments->data, sizeof header);
+  Run(arguments, header);
+  Write(arguments, reinterpret_cast<const std::uint8_t*>(&header), sizeof header);
+  umockdev_ioctl_client_complete(client, 0, 0);
+}
+
+void SgDoor::Run(UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
+  vcam::Command command;
+  UMockdevIoctlData* cdb = Behind(arguments, offsetof(sg_io_hdr_t, cmdp), header.cmd_len);
+  std::memcpy(command.cdb.data(), cdb->data, std::min<std::size_t>(header.cmd_len, command.cdb.size()));
+  command.direction = DirectionOf(header.dxfer_direction);
+  command.length = header.dxfer_len;
+  if (command.direction == vcam::Direction::kToCamera) {
+    UMockdevIoctlData* sent = Behind(arguments, offsetof(sg_io_hdr_t, dxferp), header.dxfer_len);
+    if (sent) command.data = {sent->data, header.dxfer_len};
+  }
+  const vcam::Reply reply = camera_->Execute(command);
+  std::this_thread::sleep_for(reply.delay);
+  Translate(reply, arguments, header);
+}
+
+// What a user of the real kernel sees of each ending, unplugging included: there it claims that every byte arrived.
+void SgDoor::Translate(const vcam::Reply& reply, UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
+  header.status = reply.status;
+  header.host_status = static_cast<unsigned short>(hostStatus.load());
+  header.resid = static_cast<int>(header.dxfer_len - std::min(reply.moved, header.dxfer_len));
+  if (reply.transport == vcam::Transport::kHang) header.host_status = kHostTimeOut;
+  if (reply.transport == vcam::Transport::kStall) header.host_status = kHostError;
+  if (reply.transport == vcam::Transport::kGone) {
+    header.host_status = kHostError;
+    header.resid = 0;
+    if (!gone_.exchange(true) && onGone) onGone();
+  }
+  vcam::Sense sense = reply.sense;
+  if (header.dxfer_direction == SG_DXFER_FROM_DEV) {
+    if (reply.data.size() > header.dxfer_len) {  // too much data: the kernel makes up this sense
+      header.status = vcam::kStatusCheckCondition;
+      sense = {kIllegalRequest, kInvalidField, 0};
+    }
+    Write(Behind(arguments, offsetof(sg_io_hdr_t, dxferp), header.dxfer_len), reply.data.data(),
+          std::min<std::size_t>(reply.data.size(), header.dxfer_len));
+  }
+  if (header.status == vcam::kStatusCheckCondition && header.host_status == 0) {
+    const auto bytes = FixedSense(sense);
+    header.sb_len_wr = static_cast<unsigned char>(std::min<std::size_t>(bytes.size(), header.mx_sb_len));
+    header.driver_status = 8;
+    Write(Behind(arguments, offsetof(sg_io_hdr_t, sbp), header.mx_sb_len), bytes.data(), header.sb_len_wr);
+  }
+}
+
+}  // namespace mock
