@@ -1,0 +1,20 @@
+#ifndef KELVA_CLI_DOCTOR_SURVEY_H_
+#define KELVA_CLI_DOCTOR_SURVEY_H_
+
+#include <functional>
+#include <string>
+
+#include "Facts.h"
+
+namespace kelva::doctor {
+
+/// Puts one short question to the camera at a node, and says how it was answered.
+using Probe = std::function<Answer(const std::string& node)>;
+
+/// Looks at this machine: USB, the kernel's drivers, the nodes, and who holds them. Only a camera that nothing else is
+/// in the way of is asked a question, through `probe`; everything else is looked at from outside.
+MachineFacts SurveyMachine(const Probe& probe);
+
+}  // namespace kelva::doctor
+
+#endif  // KELVA_CLI_DOCTOR_SURVEY_H_
