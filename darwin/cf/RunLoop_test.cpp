@@ -1,0 +1,112 @@
+#include "darwin/cf/RunLoop.h"
+
+#include <gtest/gtest.h>
+#include <sys/eventfd.h>
+
+#include <functional>
+#include <utility>
+
+namespace darwin::cf {
+namespace {
+
+/// A source that counts how often the loop comes round to it.
+class Counter final : public RunLoopSource {
+ public:
+  explicit Counter(int dueInMs = -1) : dueInMs_(dueInMs) {}
+  void AddDescriptors(std::vector<int>&) const override {}
+  int TimeoutMs() const override { return dueInMs_; }
+  bool Perform() override {
+    ++performed;
+    if (onPerform) onPerform();
+    return false;
+  }
+
+  int performed = 0;
+  std::function<void()> onPerform;
+
+ private:
+  const int dueInMs_;
+};
+
+/// Owns a source of this thread's loop.
+template <class Source>
+class Joined {
+ public:
+  template <class... Arguments>
+  explicit Joined(Arguments... arguments) : source_(new Source(arguments...)) {
+    CFRunLoopAddSource(CFRunLoopGetCurrent(), ToSourceRef(source_), kCFRunLoopDefaultMode);
+  }
+  Joined(const Joined&) = delete;
+  Joined& operator=(const Joined&) = delete;
+  ~Joined() {
+    source_->Invalidate();
+    source_->Release();
+  }
+  Source* operator->() const { return source_; }
+
+ private:
+  Source* const source_;
+};
+
+TEST(RunLoop, WithNothingToDoItSleepsForTheWholeRun) {
+  const Joined<Counter> counter;
+  CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, false);
+  // Once before the sleep and once after it. The addition itself may cost one round more.
+  EXPECT_LE(counter->performed, 3);
+}
+
+TEST(RunLoop, ATimedSourceIsPerformedAtItsMomentWithoutAnyDescriptor) {
+  const Joined<Counter> counter(1);
+  counter->onPerform = [&counter] {
+    if (counter->performed == 5) CFRunLoopStop(CFRunLoopGetCurrent());
+  };
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunStopped);
+  EXPECT_EQ(counter->performed, 5);
+}
+
+TEST(RunLoop, AStopBeforeARunEndsThatRun) {
+  const Joined<Counter> counter;
+  CFRunLoopStop(CFRunLoopGetCurrent());
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunStopped);
+  EXPECT_EQ(counter->performed, 0);
+}
+
+TEST(RunLoop, ASourceMayInvalidateItselfAndTheNext) {
+  const Joined<Counter> first;
+  const Joined<Counter> second;
+  first->onPerform = [&] {
+    first->Invalidate();
+    second->Invalidate();
+  };
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunFinished);
+  EXPECT_EQ(first->performed, 1);
+  EXPECT_EQ(second->performed, 0);
+}
+
+TEST(RunLoop, ACallbackMayRunTheLoop) {
+  const Joined<Counter> counter;
+  counter->onPerform = [&counter] {
+    if (counter->performed == 1) CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+  };
+  CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+  EXPECT_EQ(counter->performed, 2);
+}
+
+TEST(RunLoop, ADescriptorSourceIsCalledWhileItsDescriptorIsReadable) {
+  const FileDescriptor descriptor(::eventfd(2, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE));
+  int calls = 0;
+  const CFRunLoopSourceRef source = MakeDescriptorSource(descriptor.Get(), [&] {
+    eventfd_t one = 0;
+    ::eventfd_read(descriptor.Get(), &one);
+    ++calls;
+  });
+  CFRunLoopAddSource(CFRunLoopGetCurrent(), source, kCFRunLoopDefaultMode);
+  while (CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true) == kCFRunLoopRunHandledSource) {
+  }
+  EXPECT_EQ(calls, 2);
+  CFRunLoopSourceInvalidate(source);
+  CFRelease(source);
+}
+
+}  // namespace
+}  // namespace darwin::cf
