@@ -7,8 +7,10 @@ namespace kelva {
 std::span<const Verb> AllVerbs() {
   static const std::vector<Verb> all = [] {
     std::vector<Verb> verbs;
-    for (const auto& group : {ListVerbs(), WatchVerbs(), StateVerbs(), ClockVerbs(), GetVerbs(), ChangeVerbs(),
-                              MonitorVerbs(), HelpVerbs()}) {
+    for (const auto& group :
+         {ListVerbs(), WatchVerbs(), WaitVerbs(), InfoVerbs(), StateVerbs(), ClockVerbs(), FolderVerbs(),
+          PictureVerbs(), GetVerbs(), ChangeVerbs(), KeyVerbs(), WifiVerbs(), ControlVerbs(), ConsoleVerbs(),
+          MonitorVerbs(), BundleVerbs(), DoctorVerbs(), HelpVerbs()}) {
       verbs.insert(verbs.end(), group.begin(), group.end());
     }
     return verbs;

@@ -5,8 +5,8 @@
 #include "camera/CameraPath.h"
 #include "camera/RemoteFile.h"
 #include "camera/Session.h"
-#include "files/NewFile.h"
 #include "files/SafeName.h"
+#include "files/StoreFile.h"
 #include "frame/Failure.h"
 #include "frame/Printable.h"
 #include "verbs/Each.h"
@@ -42,21 +42,6 @@ Target TargetOf(const Context& context) {
   return target;
 }
 
-// Whole, on disk, and only then under its name.
-void Store(const std::vector<char>& bytes, const TargetFolder& folder, const std::string& name, bool replace) {
-  NewFile file(folder);
-  file.Write(bytes);
-  file.Flush();
-  if (replace) {
-    file.ReplaceName(name);
-  } else if (!file.TakeName(name)) {
-    throw Failure(ExitCode::kFailed,
-                  "There is a " + Printable(folder.PathOf(name)) +
-                      " already, and it was left as it is; --force replaces it, --output chooses another name.");
-  }
-  folder.Sync();
-}
-
 void ToOutput(Context& context, const std::vector<char>& bytes) {
   context.out.Add(std::string_view(bytes.data(), bytes.size()));
   context.out.Flush();
@@ -84,7 +69,7 @@ Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const 
   }
   const std::vector<char> bytes = ReadRemoteFile(context, camera, path);
   context.stop.Check();
-  Store(bytes, folder, name, target.replace);
+  target.replace ? StoreReplacing(folder, name, bytes) : StoreNew(folder, name, bytes);
   Json members = Json::Object();
   members.SetBytes("path", path).SetBytes("file", folder.PathOf(name)).Set("size", bytes.size());
   return members;

@@ -1,4 +1,5 @@
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "camera/Attached.h"
@@ -41,7 +42,12 @@ std::string Table(const std::vector<AttachedCamera>& cameras) {
 
 ExitCode RunList(Context& context) {
   context.Doing("look for cameras");
-  const std::vector<AttachedCamera> cameras = FindAttached(context.diversion);
+  std::vector<AttachedCamera> cameras = FindAttached(context.diversion);
+  if (const auto serial = WantedSerial(context.call.Value("serial"))) {
+    AttachedCamera wanted = Choose(std::move(cameras), serial);
+    cameras.clear();
+    cameras.push_back(std::move(wanted));
+  }
   const int unusable = UnusableCameras();
   Json list = Json::Array();
   for (const AttachedCamera& camera : cameras) list.Push(CameraMembers(camera));
@@ -65,7 +71,8 @@ constexpr Verb kVerbs[] = {
      {},
      {},
      "Looks at the system's register of devices and opens no camera, so it works while another program uses one. No "
-     "camera at all is an empty list and no error.\n\nThe driver is that of the two kernel drivers which serves the "
+     "camera at all is an empty list and no error; with --serial (or KELVA_SERIAL) only that camera is shown, and it "
+     "is an error when it is not there.\n\nThe driver is that of the two kernel drivers which serves the "
      "camera: com_kelva_Glimmer, or com_kelva_Glimmer_ms where the system also sees a disk in the camera. Commands "
      "work "
      "with both.",

@@ -1,11 +1,9 @@
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <string>
 #include <thread>
 
 #include "camera/Session.h"
 #include "frame/Failure.h"
+#include "verbs/Number.h"
 #include "verbs/Verbs.h"
 
 namespace kelva {
@@ -28,26 +26,11 @@ ExitCode RunReady(Context& context) {
   return code;
 }
 
-// The shortest decimal number that is the same float.
-std::string Shortest(float value) {
-  std::array<char, 64> text{};
-  const auto result = std::to_chars(text.data(), text.data() + text.size(), value);
-  return std::string(text.data(), result.ptr);
-}
-
-Json Number(float value) {
-  if (!std::isfinite(value)) return Json();
-  const std::string text = Shortest(value);
-  double number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
-}
-
 ExitCode RunBattery(Context& context) {
   context.Doing("read the battery level");
   const Session camera(context);
   const float level = camera->BatteryLevel();
-  context.Result(CameraResult(camera).Set("level", Number(level)), Shortest(level) + "\n");
+  context.Result(CameraResult(camera).Set("level", NumberOf(level)), Shortest(level) + "\n");
   return ExitCode::kDone;
 }
 

@@ -1,0 +1,70 @@
+#include "files/StoreFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "files/NewFile.h"
+#include "files/Sha1.h"
+#include "frame/Failure.h"
+#include "frame/Printable.h"
+
+namespace kelva {
+namespace {
+
+bool HoldsTheSame(const TargetFolder& folder, const std::string& name, std::size_t size, const std::string& sha1) {
+  const Descriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW, 0));
+  struct stat status {};
+  if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  return static_cast<std::size_t>(status.st_size) == size && Sha1OfFile(file.Get()) == sha1;
+}
+
+}  // namespace
+
+std::string Numbered(const std::string& name, int number) {
+  if (number <= 1) return name;
+  const std::size_t dot = name.rfind('.');
+  const std::size_t stem = dot == std::string::npos || dot == 0 ? name.size() : dot;
+  return name.substr(0, stem) + "-" + std::to_string(number) + name.substr(stem);
+}
+
+void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes) {
+  NewFile file(folder);
+  file.Write(bytes);
+  file.Flush();
+  if (!file.TakeName(name)) {
+    throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
+                                         " already, and it was left as it is; --force replaces it, --output chooses "
+                                         "another name.");
+  }
+  folder.Sync();
+}
+
+void StoreReplacing(const TargetFolder& folder, const std::string& name, std::span<const char> bytes) {
+  NewFile file(folder);
+  file.Write(bytes);
+  file.Flush();
+  file.ReplaceName(name);
+  folder.Sync();
+}
+
+Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
+                   const std::string& sha1) {
+  constexpr int kMostTries = 10'000;
+  int number = 1;
+  // Files that are there already are looked at before anything is written.
+  while (folder.Has(Numbered(name, number))) {
+    if (HoldsTheSame(folder, Numbered(name, number), bytes.size(), sha1)) return {Numbered(name, number), true};
+    if (++number > kMostTries) break;
+  }
+  NewFile file(folder);
+  file.Write(bytes);
+  file.Flush();
+  for (; number <= kMostTries; ++number) {
+    const std::string candidate = Numbered(name, number);
+    if (file.TakeName(candidate)) return {candidate, false};
+  }
+  throw Failure(ExitCode::kFailed, "There are too many files named like " + Printable(folder.PathOf(name)) +
+                                       "; move some of them elsewhere.");
+}
+
+}  // namespace kelva
