@@ -79,8 +79,8 @@ inline Reply Send(VirtualCamera& camera, std::initializer_list<std::uint8_t> cdb
 }
 
 inline Bytes Text(std::string_view text) {
-  Bytes bytes;
-  AppendString(bytes, text);
+  Bytes bytes(text.size() + 1);
+  std::copy(text.begin(), text.end(), bytes.begin());
   return bytes;
 }
 

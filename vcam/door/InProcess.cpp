@@ -39,10 +39,14 @@ class InProcessSession : public CommandSession {
 
 }  // namespace
 
+std::unique_ptr<CommandSession> MakeInProcessSession(std::shared_ptr<VirtualCamera> camera) {
+  return std::make_unique<InProcessSession>(std::move(camera));
+}
+
 std::function<std::unique_ptr<darwin::UserClient>(int&)> OpenInProcess(std::shared_ptr<VirtualCamera> camera) {
   return [camera = std::move(camera)](int& error) {
     error = kIOReturnSuccess;
-    return MakeUserClient(std::make_unique<InProcessSession>(camera));
+    return MakeUserClient(MakeInProcessSession(camera));
   };
 }
 

@@ -9,8 +9,11 @@
 
 namespace vcam {
 
+/// A session with a camera of this process. The camera gives it to one holder at a time.
+std::unique_ptr<CommandSession> MakeInProcessSession(std::shared_ptr<VirtualCamera> camera);
+
 /// What a registry entry needs to open a camera that lives in this process (EntryDescription::openUserClient). Each call
-/// makes one user client, which keeps the camera alive; the camera gives its session to one of them at a time.
+/// makes one user client, which keeps the camera alive.
 std::function<std::unique_ptr<darwin::UserClient>(int& error)> OpenInProcess(std::shared_ptr<VirtualCamera> camera);
 
 }  // namespace vcam
