@@ -1,0 +1,43 @@
+// The socket of the virtual bus: a stream cut into frames in two pieces, and every payload decoder on each frame.
+
+#include "vcam/bus/FrameReader.h"
+#include "vcam/bus/Wire.h"
+
+namespace {
+
+using namespace vcam::bus;
+using vcam::Bytes;
+
+void DecodeAll(const Bytes& payload) {
+  DecodePlug(payload);
+  DecodeFault(payload);
+  DecodeStatus(payload);
+  DecodeStatusList(payload);
+  DecodeError(payload);
+  DecodeReply(payload);
+  DecodeNumber(payload);
+  DecodeText(payload);
+  if (const auto command = DecodeCommand(payload); command && command->data.size() > command->length) {
+    __builtin_trap();
+  }
+}
+
+void ReadFrames(FrameReader& reader) {
+  while (const std::optional<Frame> frame = reader.Next()) {
+    DecodeAll(frame->payload);
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::span<const std::uint8_t> input(data, size);
+  DecodeAll(Bytes(input.begin(), input.end()));
+  const std::size_t piece = size == 0 ? 0 : data[0] % size;
+  FrameReader reader;
+  reader.Feed(input.first(piece));
+  ReadFrames(reader);
+  reader.Feed(input.subspan(piece));
+  ReadFrames(reader);
+  return 0;
+}
