@@ -62,12 +62,15 @@ function(kelva_program target)
 endfunction()
 
 # kelva_test(NAME SOURCES file... LINKS target... [LABELS label...] [TIMEOUT seconds]): a GoogleTest program that is
-# one entry of ctest.
+# one entry of ctest. What is labelled long is left out of the sanitizer builds.
 function(kelva_test name)
   if(NOT KELVA_BUILD_TESTS)
     return()
   endif()
   cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+  if(KELVA_SANITIZER AND "long" IN_LIST TEST_LABELS)
+    return()
+  endif()
   add_executable(${name} ${TEST_SOURCES})
   kelva_warnings(${name})
   target_link_libraries(${name} PRIVATE ${TEST_LINKS} GTest::gmock GTest::gtest_main)

@@ -8,13 +8,15 @@ labels_apart='^(long|kernel|gnustep|browser)$'
 suite_quick() {
   need_packages build test
   build_preset dev
-  run_ctest build/dev -LE "$labels_apart"
+  build_preset fuzz
+  merge_suites build/quick dev fuzz
+  run_ctest build/quick -LE "$labels_apart"
 }
 
 suite_sanitizer() {
   need_packages build test
   build_preset "$1"
-  run_ctest "build/$1" -LE '^(kernel|gnustep|browser)$'
+  run_ctest "build/$1"
 }
 
 suite_labelled() {
@@ -24,7 +26,7 @@ suite_labelled() {
 }
 
 suite_fuzz() {
-  need_packages build test all
+  need_packages build test
   build_preset fuzz
   run_ctest build/fuzz
 }
@@ -35,7 +37,8 @@ suite_all() {
   build_preset dev
   build_preset asan
   build_preset tsan
-  merge_suites build/all dev asan tsan
+  build_preset fuzz
+  merge_suites build/all dev asan tsan fuzz
   run_ctest build/all
 }
 
