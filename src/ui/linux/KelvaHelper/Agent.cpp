@@ -15,6 +15,7 @@
 #include "SessionLock.h"
 #include "SignalStop.h"
 #include "Spawn.h"
+#include "darwin/registry/Registry.h"
 
 namespace helper {
 namespace {
@@ -45,11 +46,17 @@ int Watch(const std::string& virtualBus) {
   return kDone;
 }
 
+/// What a failed registration says: the back end's own sentence where it had one, since "failed" helps nobody.
+std::string ReasonOf(const std::exception& error) {
+  const std::string reason = darwin::Registry::Shared().LastSourceError();
+  return reason.empty() ? FirstLine(error.what()) : reason;
+}
+
 int WatchOrSayWhyNot(const std::string& virtualBus) {
   try {
     return Watch(virtualBus);
   } catch (const std::exception& error) {
-    return Fail(kFailed, "Cameras cannot be watched: " + FirstLine(error.what()));
+    return Fail(kFailed, "Cameras cannot be watched: " + ReasonOf(error));
   }
 }
 
