@@ -39,6 +39,11 @@ install(FILES
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva)
 if(NOT APPLE)
   install(DIRECTORY darwin/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin FILES_MATCHING PATTERN "*.h")
+  # Where cameras come from is the embedding program's choice as well.
+  install(FILES darwin/registry/Registry.h darwin/registry/CameraEntries.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/registry)
+  install(FILES darwin/udev/UdevSource.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/udev)
+  install(FILES darwin/virtual/VirtualRegistry.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/virtual)
 endif()
 
 configure_package_config_file(cmake/KelvaConfig.cmake.in "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfig.cmake"

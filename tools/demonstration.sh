@@ -1,7 +1,8 @@
 # shellcheck shell=bash
-# What ./run shows. Needs say.sh and build.sh.
+# What ./run shows. Needs say.sh and build.sh. $build is the build folder whose programs are shown.
 root=${root:?the folder of the repository}
-bin="$root/build/dev/bin"
+build=${build:-$root/build/dev}
+bin="$build/bin"
 first=KV-0001
 second=KV-0002
 
@@ -27,7 +28,7 @@ run_on_system() {
 }
 
 desktop_id() {
-  sed -n 's/^KELVA_DESKTOP_ID:[A-Z]*=//p' "$root/build/dev/CMakeCache.txt"
+  sed -n 's/^KELVA_DESKTOP_ID:[A-Z]*=//p' "$build/CMakeCache.txt"
 }
 
 # demonstrate FOLDER: the main job with virtual cameras. FOLDER may be empty.
@@ -121,7 +122,7 @@ start_helper() {
   helper=$!
   started+=("$helper")
   wait_for 10 grep -q . "$scratch/helper.log" || die 1 "the helper did not start: $(cat "$scratch/helper.log")"
-  say "Started the helper (kelva-helper): $(head -n 1 "$scratch/helper.log")"
+  say "Started the helper: $(head -n 1 "$scratch/helper.log")"
 }
 
 expect_no_launch() {
@@ -145,5 +146,5 @@ stop_helper() {
   wait "$helper" || outcome=$?
   [ "$outcome" = 0 ] || die 1 "the helper ended with $outcome instead of 0: $(cat "$scratch/helper.log")"
   [ "$(wc -l <"$scratch/launched")" = 1 ] || die 1 "the application was started more than once."
-  say "Ended the helper (SIGTERM); it said goodbye with exit code 0."
+  say "Ended the helper (SIGTERM); its exit code is 0."
 }
