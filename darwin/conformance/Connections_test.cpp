@@ -72,6 +72,28 @@ TEST_F(Connections, OpeningADeadHandleWritesNothing) {
   EXPECT_EQ(connection, kUntouched);
 }
 
+TEST_F(Connections, AParentWithoutUserClientIsUnsupported) {
+  Plug();
+  const Object service = FindOne(kDriver);
+  const Object inquiry = ParentOf(service);
+  io_connect_t connection = kUntouched;
+  EXPECT_EQ(IOServiceOpen(inquiry.Number(), mach_task_self(), 0, &connection), kIOReturnUnsupported);
+  EXPECT_EQ(connection, 0u);
+}
+
+TEST_F(Connections, ScalarsThatAMethodDoesNotTakeAreABadArgument) {
+  Plug();
+  const io_connect_t connection = Open();
+  const std::uint64_t input[1] = {7};
+  std::uint64_t output[1] = {7};
+  std::uint32_t count = 1;
+  EXPECT_EQ(IOConnectCallScalarMethod(connection, kAccept, input, 1, nullptr, nullptr), kIOReturnBadArgument);
+  EXPECT_EQ(IOConnectCallScalarMethod(connection, kAccept, nullptr, 0, output, &count), kIOReturnBadArgument);
+  EXPECT_EQ(output[0], 7u);
+  EXPECT_EQ(count, 1u);
+  IOServiceClose(connection);
+}
+
 TEST_F(Connections, ARefusingDriverAnswersWithItsOwnCodeAndNoConnection) {
   Plug({.refusal = kIOReturnExclusiveAccess});
   const Object service = FindOne(kDriver);

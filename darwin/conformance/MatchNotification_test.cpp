@@ -236,7 +236,11 @@ TEST_F(MatchNotification, AReleasedIteratorEndsTheRegistration) {
 }
 
 TEST_F(MatchNotification, ACallbackMayReleaseItsOwnIterator) {
-  const auto release = [](void*, io_iterator_t iterator) { IOObjectRelease(iterator); };
+  // The message carries a reference, so the iterator is there until the callback returns.
+  const auto release = [](void*, io_iterator_t iterator) {
+    EXPECT_EQ(IOObjectRelease(iterator), KERN_SUCCESS);
+    EXPECT_TRUE(Object(IOIteratorNext(iterator)));
+  };
   io_iterator_t number = 0;
   IOServiceAddMatchingNotification(ThePort(), kIOFirstMatchNotification, IOServiceMatching(kDriver), release, nullptr,
                                    &number);

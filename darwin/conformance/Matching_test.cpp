@@ -84,6 +84,19 @@ TEST_F(Matching, AnEmptyPropertyDictionaryAsksForNothing) {
   EXPECT_THAT(Find(matching), SizeIs(1));
 }
 
+TEST_F(Matching, ADictionaryAsAPropertysValueMatchesNoText) {
+  Plug();
+  const Owned<CFMutableDictionaryRef> nothing(MakeDictionary());
+  EXPECT_THAT(Find(WithProperty(kDriver, CFSTR("Vendor Identification"), nothing.Get())), IsEmpty());
+}
+
+TEST_F(Matching, PropertiesThatAreNoDictionaryMatchNothing) {
+  Plug();
+  const CFMutableDictionaryRef matching = IOServiceMatching(kDriver);
+  CFDictionarySetValue(matching, CFSTR(kIOPropertyMatchKey), CFSTR("Kelva"));
+  EXPECT_THAT(Find(matching), IsEmpty());
+}
+
 TEST_F(Matching, AnUnknownKeyIsIgnored) {
   Plug();
   const CFMutableDictionaryRef matching = IOServiceMatching(kDriver);

@@ -21,7 +21,6 @@ using darwin::SharedState;
 using darwin::UserClient;
 
 constexpr std::size_t kLargestInlineStruct = 4096;
-constexpr uint32_t kMostScalars = 16;
 
 /// The connection that a handle stands for, or why there is none. Under the registry's lock.
 kern_return_t FindConnection(io_connect_t handle, std::shared_ptr<Connection>& connection) {
@@ -63,7 +62,8 @@ kern_return_t FindService(io_service_t handle, std::shared_ptr<Entry>& entry) {
     return MACH_SEND_INVALID_DEST;
   }
   entry = std::dynamic_pointer_cast<Entry>(object);
-  return entry != nullptr && entry->registered ? kIOReturnSuccess : kIOReturnBadArgument;
+  const bool isService = entry != nullptr && (entry->registered || entry->IsOfClass("IOService"));
+  return isService ? kIOReturnSuccess : kIOReturnBadArgument;
 }
 
 bool IsActive(const Entry& entry) {
@@ -149,14 +149,10 @@ kern_return_t IOConnectCallScalarMethod(mach_port_t connection, uint32_t selecto
     return found;
   }
   // No method here takes or gives scalars.
-  if (inputCnt > 0 || (outputCnt != nullptr && *outputCnt > kMostScalars)) {
+  if (inputCnt > 0 || (outputCnt != nullptr && *outputCnt > 0)) {
     return kIOReturnBadArgument;
   }
-  const kern_return_t result = AnswerOf([&] { return client->CallScalar(selector); });
-  if (result == kIOReturnSuccess && outputCnt != nullptr) {
-    *outputCnt = 0;
-  }
-  return result;
+  return AnswerOf([&] { return client->CallScalar(selector); });
 }
 
 kern_return_t IOConnectCallStructMethod(mach_port_t connection, uint32_t selector, const void* inputStruct,
@@ -172,6 +168,7 @@ kern_return_t IOConnectCallStructMethod(mach_port_t connection, uint32_t selecto
   // Outputs stay as they are unless the method succeeds.
   alignas(std::max_align_t) unsigned char output[kLargestInlineStruct];
   const std::size_t capacity = produced;
+  std::fill_n(output, capacity, static_cast<unsigned char>(0));
   const kern_return_t result =
       AnswerOf([&] { return client->CallStruct(selector, inputStruct, inputStructCnt, output, &produced); });
   if (result == kIOReturnSuccess) {

@@ -70,12 +70,11 @@ kern_return_t IOServiceGetMatchingServices(mach_port_t, CFDictionaryRef matching
 kern_return_t IOServiceAddMatchingNotification(IONotificationPortRef notifyPort, const io_name_t notificationType,
                                                CFDictionaryRef matching, IOServiceMatchingCallback callback,
                                                void* refCon, io_iterator_t* notification) {
+  const std::weak_ptr<darwin::MessageQueue> queue = darwin::FromPort(notifyPort).queue;
   if (matching == nullptr) {
     return kIOReturnBadArgument;
   }
   std::optional<Matching> wanted = Consume(matching);
-  // A null port is dereferenced, as the framework does.
-  const std::weak_ptr<darwin::MessageQueue> queue = notifyPort->queue;
   if (!wanted || std::strcmp(notificationType, kIOFirstMatchNotification) != 0) {
     return kIOReturnUnsupported;
   }
@@ -98,7 +97,7 @@ kern_return_t IOServiceAddMatchingNotification(IONotificationPortRef notifyPort,
 kern_return_t IOServiceAddInterestNotification(IONotificationPortRef notifyPort, io_service_t service,
                                                const io_name_t interestType, IOServiceInterestCallback callback,
                                                void* refCon, io_object_t* notification) {
-  const std::weak_ptr<darwin::MessageQueue> queue = notifyPort->queue;
+  const std::weak_ptr<darwin::MessageQueue> queue = darwin::FromPort(notifyPort).queue;
   const std::lock_guard lock(SharedState().mutex);
   const std::shared_ptr<KernelObject> object = SharedState().handles.Find(service);
   if (object == nullptr) {

@@ -52,16 +52,6 @@ bool IsSerialisable(const void* value) {
   return dictionary != nullptr ? IsSerialisable(*dictionary) : PlainValue(FromRef(value)).has_value();
 }
 
-std::map<std::string, PropertyValue> PlainEntries(const Dictionary& dictionary) {
-  std::map<std::string, PropertyValue> entries;
-  for (const auto& [key, value] : dictionary.Entries()) {
-    if (std::optional<PropertyValue> plain = PlainValue(FromRef(value))) {
-      entries.emplace(*cf::TextOf(key), std::move(*plain));
-    }
-  }
-  return entries;
-}
-
 }  // namespace
 
 std::optional<Matching> Matching::FromDictionary(CFDictionaryRef ref) {
@@ -74,16 +64,29 @@ std::optional<Matching> Matching::FromDictionary(CFDictionaryRef ref) {
     const std::string& name = *cf::TextOf(key);
     if (const std::string* text = cf::TextOf(value); text != nullptr && name == kIOProviderClassKey) {
       matching.className_ = *text;
-    } else if (const Dictionary* properties = AsDictionary(value);
-               properties != nullptr && name == kIOPropertyMatchKey) {
-      matching.properties_ = PlainEntries(*properties);
+    } else if (name == kIOPropertyMatchKey) {
+      matching.RequireProperties(value);
     }
   }
   return matching;
 }
 
+/// No entry has a dictionary for a property, and what is no dictionary of properties asks for nothing that there is.
+void Matching::RequireProperties(const void* value) {
+  const Dictionary* properties = AsDictionary(value);
+  possible_ = properties != nullptr;
+  if (!possible_) {
+    return;
+  }
+  for (const auto& [key, wanted] : properties->Entries()) {
+    std::optional<PropertyValue> plain = PlainValue(FromRef(wanted));
+    possible_ = possible_ && plain.has_value();
+    properties_.emplace(*cf::TextOf(key), std::move(plain).value_or(PropertyValue()));
+  }
+}
+
 bool Matching::Accepts(const Entry& entry) const {
-  if (className_ && !entry.IsOfClass(*className_)) {
+  if (!possible_ || (className_ && !entry.IsOfClass(*className_))) {
     return false;
   }
   for (const auto& [key, value] : properties_) {

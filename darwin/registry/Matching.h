@@ -22,6 +22,9 @@ class Matching {
   bool Accepts(const Entry& entry) const;
 
  private:
+  void RequireProperties(const void* value);
+
+  bool possible_ = true;  // false: it asks for what no entry has
   std::optional<std::string> className_;
   std::map<std::string, PropertyValue> properties_;
 };

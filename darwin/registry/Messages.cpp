@@ -16,8 +16,11 @@ void MatchMessage::Deliver() {
     if (SharedState().handles.Find(notification->handle) != notification) {
       return;
     }
+    // The message carries a reference, so that the iterator outlives its release in the callback.
+    SharedState().handles.Retain(notification->handle);
   }
   notification->callback(notification->context, notification->handle);
+  IOObjectRelease(notification->handle);
 }
 
 void InterestMessage::Deliver() {

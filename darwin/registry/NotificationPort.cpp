@@ -1,6 +1,8 @@
 #include "darwin/registry/NotificationPort.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <string>
 
 #include "darwin/registry/State.h"
@@ -101,10 +103,26 @@ IONotificationPort::~IONotificationPort() {
   --darwin::SharedState().livePorts;
 }
 
+namespace darwin {
+
+IONotificationPort& FromPort(IONotificationPortRef port) {
+  if (port == nullptr) {
+    std::fputs("IOKit: a null notification port was given to a call that needs one.\n", stderr);
+    std::abort();
+  }
+  return *port;
+}
+
+}  // namespace darwin
+
 extern "C" {
 
 IONotificationPortRef IONotificationPortCreate(mach_port_t) {
-  return new IONotificationPort();
+  try {
+    return new IONotificationPort();
+  } catch (const std::exception&) {
+    return nullptr;  // no descriptor or no memory is left
+  }
 }
 
 void IONotificationPortDestroy(IONotificationPortRef notify) {
@@ -112,7 +130,7 @@ void IONotificationPortDestroy(IONotificationPortRef notify) {
 }
 
 CFRunLoopSourceRef IONotificationPortGetRunLoopSource(IONotificationPortRef notify) {
-  return darwin::cf::ToSourceRef(notify->source);
+  return darwin::cf::ToSourceRef(darwin::FromPort(notify).source);
 }
 
 }  // extern "C"

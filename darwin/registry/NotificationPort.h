@@ -48,4 +48,11 @@ struct IONotificationPort {
   darwin::cf::RunLoopSource* source;  // one reference
 };
 
+namespace darwin {
+
+/// The port behind a reference; stops the process on null, as the framework does.
+IONotificationPort& FromPort(IONotificationPortRef port);
+
+}  // namespace darwin
+
 #endif  // KELVA_DARWIN_REGISTRY_NOTIFICATION_PORT_H_

@@ -17,6 +17,7 @@ struct Script {
   FileDescriptor readable{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   std::atomic<int> starts{0};
   std::atomic<int> dispatches{0};
+  std::atomic<int> stopAt{-1};  ///< the dispatch that stops the run loop
   std::atomic<int> timeoutMs{-1};
   std::atomic<bool> startFails{false};
   std::atomic<bool> dispatchFails{false};
@@ -39,7 +40,7 @@ class ScriptedSource final : public RegistrySource {
 
   /// Publishes a camera when the descriptor says so.
   void Dispatch(Registry& registry) override {
-    ++script_.dispatches;
+    if (++script_.dispatches == script_.stopAt) CFRunLoopStop(CFRunLoopGetCurrent());
     if (script_.dispatchFails) throw std::runtime_error("The bus was lost.");
     eventfd_t count = 0;
     if (::eventfd_read(script_.readable.Get(), &count) != 0) return;
@@ -122,9 +123,8 @@ TEST_F(Source, WakesTheRunLoopThroughItsDescriptor) {
 TEST_F(Source, IsAskedAtTheMomentItWantsAlthoughNothingIsReadable) {
   const Listening listening;
   script_.timeoutMs = 1;
-  const int before = script_.dispatches;
-  CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, false);
-  EXPECT_GE(script_.dispatches, before + 3);
+  script_.stopAt = script_.dispatches + 5;
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunStopped);
 }
 
 TEST_F(Source, WhenNothingIsWantedTheRunLoopSleeps) {
