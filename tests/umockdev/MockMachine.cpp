@@ -97,14 +97,22 @@ void MockMachine::Plug(const Unit& unit) {
 void MockMachine::Unplug(int port) {
   auto node = plugged_.extract(port);
   if (node.empty()) return;
-  const auto& paths = node.mapped().paths;
   if (doors_.contains(port)) umockdev_testbed_detach_ioctl(testbed_, NodeOf(port).c_str(), nullptr);
   doors_.erase(port);
-  for (auto path = paths.rbegin(); path != paths.rend(); ++path) {
+  Withdraw(node.mapped());
+}
+
+void MockMachine::Vanish(int port) {
+  Withdraw(plugged_.at(port));
+}
+
+void MockMachine::Withdraw(Plugged& plugged) {
+  for (auto path = plugged.paths.rbegin(); path != plugged.paths.rend(); ++path) {
     const std::string sysPath = "/sys" + *path;
     umockdev_testbed_uevent(testbed_, sysPath.c_str(), "remove");
     umockdev_testbed_remove_device(testbed_, sysPath.c_str());
   }
+  plugged.paths.clear();
 }
 
 void MockMachine::Change(int port) {

@@ -41,6 +41,8 @@ class MockMachine {
   void Plug(const Unit& unit);
   /// Sends the events, children first, and takes the unit away.
   void Unplug(int port);
+  /// As above, in the middle of a command to the unit: the node goes on answering those who have it open.
+  void Vanish(int port);
   /// Sends a "change" event for the unit's node.
   void Change(int port);
   /// Gives or takes this user's right to the unit's node. Works for root too, once it has given up its override.
@@ -65,6 +67,7 @@ class MockMachine {
   std::string Describe(const Unit& unit, Plugged& plugged);
   std::string DescribeUsb(const Unit& unit, const AddDevice& device);
   void Add(const std::string& description);
+  void Withdraw(Plugged& plugged);
 
   UMockdevTestbed* testbed_;
   std::map<int, Plugged> plugged_;
