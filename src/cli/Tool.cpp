@@ -1,5 +1,6 @@
 #include "Tool.h"
 
+#include <chrono>
 #include <string>
 
 #include "CameraSource.h"
@@ -73,8 +74,19 @@ class Tool {
     if (call_.Has("help")) return Print(call_.verb == nullptr ? Overview(AllVerbs()) : HelpFor(*call_.verb));
     Supervision supervision;
     if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");
+    if (!call_.verb->guarded) return RunSupervised(supervision, nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    return static_cast<ExitCode>(Guard::Run([&](Guard& guard) {
+      Supervision rest = supervision;
+      const auto spent = std::chrono::steady_clock::now() - start;
+      if (rest.timeout) *rest.timeout -= std::chrono::duration_cast<std::chrono::milliseconds>(spent);
+      return static_cast<int>(RunSupervised(rest, &guard));
+    }));
+  }
+
+  ExitCode RunSupervised(const Supervision& supervision, Guard* guard) {
     PrepareForAborts();
-    return Supervise([this](const Stop& stop) { return Work(stop); }, supervision, reporter_);
+    return Supervise([this, guard](const Stop& stop) { return Work(stop, guard); }, supervision, reporter_);
   }
 
   void PrepareForAborts() {
@@ -85,8 +97,9 @@ class Tool {
   }
 
   // On the worker's thread.
-  ExitCode Work(const Stop& stop) {
+  ExitCode Work(const Stop& stop, Guard* guard) {
     Context context(call_, out_, reporter_, stop, diversion_);
+    context.guard = guard;
     try {
       ChooseCameraSource(call_.Value("virtual"));
       return call_.verb->run(context);

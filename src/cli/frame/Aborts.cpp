@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstring>
 
+#include "frame/Guard.h"
 #include "frame/Scratch.h"
 #include "frame/Supervisor.h"
 
@@ -31,6 +32,8 @@ int resultDescriptor = -1;
 
 extern "C" void OnAbort(int) {
   RemoveScratchFiles();
+  // Another process takes over and will give the result.
+  if (Guard::NoteAbort()) ::_exit(static_cast<int>(ExitCode::kFailed));
   lastWord.WriteTo(STDERR_FILENO);
   lastResult.WriteTo(resultDescriptor);
   ::_exit(static_cast<int>(ExitCode::kFailed));

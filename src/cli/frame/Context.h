@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "frame/Guard.h"
 #include "frame/Json.h"
 #include "frame/Output.h"
 #include "frame/Parse.h"
@@ -22,6 +23,7 @@ class Context {
   Reporter& reporter;
   const Stop& stop;
   StdoutDiversion& diversion;
+  Guard* guard = nullptr;  ///< for verbs that are guarded
 
   Context(const Invocation& invocation, Output& output, Reporter& messages, const Stop& stopRequest,
           StdoutDiversion& diverted)

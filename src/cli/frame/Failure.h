@@ -11,11 +11,15 @@ namespace kelva {
 /// A failure of the tool itself: what was asked, what came back, what to do, in one sentence, and how the tool ends.
 class Failure : public std::runtime_error {
  public:
-  Failure(ExitCode code, const std::string& sentence) : std::runtime_error(sentence), code_(code) {}
+  Failure(ExitCode code, const std::string& sentence, int systemError = 0)
+      : std::runtime_error(sentence), code_(code), systemError_(systemError) {}
   ExitCode Code() const { return code_; }
+  /// errno of the system call that failed; 0 for another failure.
+  int SystemError() const { return systemError_; }
 
  private:
   ExitCode code_;
+  int systemError_;
 };
 
 /// The failure of a system call: `doing` is what was tried ("create /tmp/x"), the reason is errno's.

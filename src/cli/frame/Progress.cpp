@@ -106,6 +106,14 @@ void Progress::At(unsigned long long done, Clock::time_point now) {
   if (reporter_.Style().json) reporter_.Event(EventMembers(view));
 }
 
+void Progress::Name(std::string_view what) {
+  what_ = Printable(what);
+}
+
+void Progress::Check(void* progress, float) {
+  static_cast<Progress*>(progress)->stop_.Check();
+}
+
 void Progress::Callback(void* progress, float fraction) {
   auto& self = *static_cast<Progress*>(progress);
   const double share = std::clamp(static_cast<double>(fraction), 0.0, 1.0);

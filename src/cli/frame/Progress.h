@@ -36,8 +36,13 @@ class Progress {
   /// Shows a new state, not more often than eyes (ten a second) or scripts (two a second) can use. Throws Stopped.
   void At(unsigned long long done, Clock::time_point now = Clock::now());
 
+  /// Changes what is shown beside the bar.
+  void Name(std::string_view what);
+
   /// The library's progress callback; its context is a Progress.
   static void Callback(void* progress, float fraction);
+  /// As Callback, for one of several transfers that share a bar: shows nothing new, only throws Stopped when asked to.
+  static void Check(void* progress, float fraction);
 
  private:
   Reporter& reporter_;

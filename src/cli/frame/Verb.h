@@ -47,6 +47,7 @@ struct Verb {
   std::string_view json;     ///< the members of the result, one for each line: "name: meaning"
   std::span<const Example> examples;
   ExitCode (*run)(Context&);
+  bool guarded = false;  ///< an abort in one item does not end the whole; see Guard
 };
 
 /// The options that every verb takes.

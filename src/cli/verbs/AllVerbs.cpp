@@ -9,8 +9,8 @@ std::span<const Verb> AllVerbs() {
     std::vector<Verb> verbs;
     for (const auto& group :
          {ListVerbs(), WatchVerbs(), WaitVerbs(), InfoVerbs(), StateVerbs(), ClockVerbs(), FolderVerbs(),
-          PictureVerbs(), GetVerbs(), ChangeVerbs(), KeyVerbs(), WifiVerbs(), ControlVerbs(), ConsoleVerbs(),
-          MonitorVerbs(), BundleVerbs(), DoctorVerbs(), HelpVerbs()}) {
+          PictureVerbs(), SyncVerbs(), GetVerbs(), ChangeVerbs(), KeyVerbs(), WifiVerbs(), ControlVerbs(),
+          ConsoleVerbs(), MonitorVerbs(), BundleVerbs(), DoctorVerbs(), HelpVerbs()}) {
       verbs.insert(verbs.end(), group.begin(), group.end());
     }
     return verbs;

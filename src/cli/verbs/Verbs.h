@@ -17,6 +17,7 @@ std::span<const Verb> StateVerbs();    ///< ready, battery, done-count, capture,
 std::span<const Verb> ClockVerbs();    ///< time
 std::span<const Verb> FolderVerbs();   ///< ls, tree
 std::span<const Verb> PictureVerbs();  ///< pictures, pictures rm
+std::span<const Verb> SyncVerbs();     ///< sync
 std::span<const Verb> GetVerbs();      ///< get
 std::span<const Verb> ChangeVerbs();   ///< put, rm
 std::span<const Verb> KeyVerbs();      ///< batch get, batch rm, raw

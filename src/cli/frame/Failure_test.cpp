@@ -1,0 +1,18 @@
+#include "frame/Failure.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+namespace kelva {
+namespace {
+
+TEST(FailureTest, ASystemCallSaysWhatWasTriedAndWhy) {
+  const Failure failure = SystemFailure("open X", ENOENT);
+  EXPECT_STREQ(failure.what(), "Cannot open X: No such file or directory.");
+  EXPECT_EQ(failure.Code(), ExitCode::kFailed);
+  EXPECT_EQ(failure.SystemError(), ENOENT);
+}
+
+}  // namespace
+}  // namespace kelva

@@ -1,0 +1,66 @@
+#ifndef KELVA_CLI_SYNC_MANIFEST_H_
+#define KELVA_CLI_SYNC_MANIFEST_H_
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "files/TargetFolder.h"
+
+struct sqlite3;
+
+namespace kelva {
+
+/// What names one file of one camera, now and at the next run.
+struct ManifestKey {
+  std::string serial;
+  std::string picture;      ///< the picture's identity, 24 bytes in hexadecimal
+  int type = 0;             ///< 1 to 4
+  std::string fingerprint;  ///< tells it from an earlier picture of the same name
+};
+
+/// One file that was fetched.
+struct ManifestRow {
+  ManifestKey key;
+  std::string path;  ///< below the target folder, as it was stored
+  std::string sha1;
+  unsigned long long size = 0;
+  bool verified = false;  ///< read from the camera twice, equal
+  bool deleted = false;   ///< on the camera, after it was verified
+};
+
+/// The list of what was fetched into a folder, in the folder itself (.kelva-manifest.sqlite). It decides what is new, so a
+/// file that was renamed or moved here is not fetched again. Not for use from two threads at once.
+class Manifest {
+ public:
+  static constexpr std::string_view kName = ".kelva-manifest.sqlite";
+
+  /// An empty one, of a folder that does not exist yet.
+  Manifest() = default;
+  /// Opens the folder's manifest, and makes it when `make` is set; without a file and `make` it is empty.
+  /// Throws Failure when it cannot be read, or was made by a newer version.
+  Manifest(const TargetFolder& folder, bool make);
+  ~Manifest();
+  Manifest(Manifest&&) noexcept;
+  Manifest& operator=(Manifest&&) = delete;
+
+  std::optional<ManifestRow> Find(const ManifestKey& key);
+  /// Adds rows, or replaces those of the same keys, all or none. They are on disk when this returns.
+  void Record(const std::vector<ManifestRow>& rows);
+  void MarkDeleted(const ManifestKey& key);
+
+ private:
+  class Statement;
+  void Execute(const char* sql);
+  void Prepare();
+  [[noreturn]] void Fail(const std::string& doing) const;
+
+  std::string path_;
+  sqlite3* database_ = nullptr;
+};
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_SYNC_MANIFEST_H_

@@ -1,0 +1,187 @@
+#include "sync/Sync.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <utility>
+
+#include "camera/CameraPath.h"
+#include "camera/Picture.h"
+#include "files/Sha1.h"
+#include "frame/Failure.h"
+#include "frame/Printable.h"
+
+namespace kelva {
+namespace {
+
+std::string TokenOf(const SyncItem& item) {
+  return std::to_string(item.type) + " " + item.key.picture;
+}
+
+// A camera in this state would answer the next command no better.
+bool EndsAll(ExitCode code) {
+  return code == ExitCode::kGone || code == ExitCode::kTimedOut;
+}
+
+}  // namespace
+
+Sync::Sync(Context& context, Camera& camera, const TargetFolder& folder, Manifest& manifest, SyncOptions options)
+    : context_(context),
+      camera_(camera),
+      folder_(folder),
+      manifest_(manifest),
+      options_(options),
+      progress_(context.reporter, context.stop, "", 0) {}
+
+std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
+  std::optional<Outcome> ended;
+  {
+    Writers writers(folder_, manifest_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); });
+    try {
+      ReadAll(plan, writers);
+    } catch (const Stopped&) {
+      writers.Abandon();
+      throw;
+    } catch (const std::exception& error) {
+      ended = Explain(error, context_.WasDoing());
+    }
+    try {
+      writers.Finish();
+    } catch (const Failure& failure) {
+      if (!ended) ended = Outcome{failure.Code(), failure.what()};
+    }
+  }
+  if (!ended && options_.deleteAfter) DeleteVerified();
+  return ended;
+}
+
+void Sync::ReadAll(const SyncPlan& plan, Writers& writers) {
+  for (std::size_t i = 0; i < plan.items.size(); ++i) {
+    context_.stop.Check();
+    ShowProgress(i, plan.items.size(), plan.items[i]);
+    ReadOne(plan.items[i], writers);
+  }
+}
+
+void Sync::ReadOne(const SyncItem& item, Writers& writers) {
+  context_.Doing("read " + Printable(item.CameraPath()));
+  try {
+    if (item.IsNew()) {
+      Fetch(item, writers);
+    } else if (options_.deleteAfter && !item.known->deleted) {
+      CompareKnown(item);
+    }
+  } catch (const CameraError& error) {
+    const Outcome outcome = Explain(error, context_.WasDoing());
+    if (EndsAll(outcome.code)) throw;
+    Fail(item, outcome.sentence);
+  } catch (const std::bad_alloc& error) {
+    Fail(item, Explain(error, context_.WasDoing()).sentence);
+  }
+}
+
+void Sync::Fetch(const SyncItem& item, Writers& writers) {
+  if (context_.guard != nullptr && context_.guard->IsBad(TokenOf(item))) {
+    Fail(item, "The camera sent more of " + Printable(item.CameraPath()) +
+                   " than it had announced, which ends the reading process; the file was left out.");
+    return;
+  }
+  std::vector<char> bytes = Read(item);
+  std::string sha1;
+  if (options_.verify) {
+    sha1 = Sha1(bytes);
+    if (Sha1(Read(item)) != sha1) {
+      Fail(item, "Two reads of " + Printable(item.CameraPath()) + " differ; it was not kept, check cable and card.");
+      return;
+    }
+  }
+  writers.Submit({&item, std::move(bytes), sha1, options_.verify});
+}
+
+// Read once more, so that what is deleted is still what was stored.
+void Sync::CompareKnown(const SyncItem& item) {
+  const std::vector<char> bytes = Read(item);
+  if (Sha1(bytes) != item.known->sha1) {
+    Fail(item, Printable(item.CameraPath()) + " is no longer what was fetched from there; it was not deleted.");
+    return;
+  }
+  ManifestRow row = *item.known;
+  row.verified = true;
+  const std::scoped_lock lock(mutex_);
+  deletable_.push_back({&item, std::move(row)});
+}
+
+std::vector<char> Sync::Read(const SyncItem& item) {
+  if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item));
+  std::vector<char> bytes = camera_.ReadFile(item.picture, item.type, Progress::Check, &progress_, true);
+  if (context_.guard != nullptr) context_.guard->End();
+  if (bytes.empty()) CheckThatItIsEmpty(item);
+  readBytes_ += bytes.size();
+  return bytes;
+}
+
+void Sync::CheckThatItIsEmpty(const SyncItem& item) {
+  const auto entry = FindEntry(camera_, item.CameraPath());
+  if (!entry) throw CameraError("the catalogue names it, but it is not in its folder");
+  if (SizeOf(*entry) != 0)
+    throw CameraError("the folder gives it " + std::to_string(SizeOf(*entry)) + " bytes, none came");
+}
+
+void Sync::OnOutcome(const WriteOutcome& outcome) {
+  if (!outcome.row) return Fail(*outcome.item, outcome.error);
+  const std::scoped_lock lock(mutex_);
+  ++totals_.stored;
+  totals_.alreadyHere += outcome.wasThere ? 1U : 0U;
+  totals_.bytes += outcome.row->size;
+  if (context_.guard != nullptr) context_.guard->Count(1, outcome.row->size);
+  if (options_.deleteAfter && outcome.row->verified) deletable_.push_back({outcome.item, *outcome.row});
+  if (!context_.Json()) return;
+  Json members = Json::Object();
+  members.SetBytes("path", outcome.item->CameraPath()).SetBytes("file", outcome.row->path);
+  members.Set("size", outcome.row->size).Set("sha1", outcome.row->sha1).Set("verified", outcome.row->verified);
+  context_.Event("stored", std::move(members.Set("was_here", outcome.wasThere)), "");
+}
+
+void Sync::Fail(const SyncItem& item, const std::string& sentence) {
+  const std::scoped_lock lock(mutex_);
+  ++totals_.failed;
+  context_.reporter.Error(sentence, ExitCode::kPartial);
+  if (!context_.Json()) return;
+  Json members = Json::Object();
+  context_.Event("failed", std::move(members.SetBytes("path", item.CameraPath()).Set("error", sentence)), "");
+}
+
+bool Sync::IsOnDisk(const ManifestRow& row) const {
+  const Descriptor file(OpenBeneath(folder_.Fd(), row.path, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+  struct stat status {};
+  if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  return static_cast<unsigned long long>(status.st_size) == row.size && Sha1OfFile(file.Get()) == row.sha1;
+}
+
+void Sync::DeleteVerified() {
+  for (const Deletable& entry : deletable_) {
+    context_.stop.Check();
+    context_.Doing("delete " + Printable(entry.item->CameraPath()));
+    if (!IsOnDisk(entry.row)) {
+      Fail(*entry.item,
+           Printable(entry.row.path) + " is not where it was stored; the file on the camera was not deleted.");
+      continue;
+    }
+    if (!camera_.DeleteFile(entry.item->CameraPath().c_str())) {
+      Fail(*entry.item, "The camera refused to delete " + Printable(entry.item->CameraPath()) + ".");
+      continue;
+    }
+    manifest_.MarkDeleted(entry.item->key);
+    ++totals_.deleted;
+    Json members = Json::Object();
+    if (context_.Json()) context_.Event("deleted", std::move(members.SetBytes("path", entry.item->CameraPath())), "");
+  }
+}
+
+void Sync::ShowProgress(std::size_t index, std::size_t count, const SyncItem& item) {
+  if (!item.IsNew() && !options_.deleteAfter) return;
+  progress_.Name(std::to_string(index + 1) + " of " + std::to_string(count) + "  " + item.local.Text());
+  progress_.At(readBytes_);
+}
+
+}  // namespace kelva

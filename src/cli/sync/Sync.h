@@ -1,0 +1,75 @@
+#ifndef KELVA_CLI_SYNC_SYNC_H_
+#define KELVA_CLI_SYNC_SYNC_H_
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Camera.h"
+#include "camera/Explain.h"
+#include "frame/Context.h"
+#include "frame/Guard.h"
+#include "frame/Progress.h"
+#include "sync/Manifest.h"
+#include "sync/Plan.h"
+#include "sync/Writers.h"
+
+namespace kelva {
+
+struct SyncOptions {
+  bool verify = false;       ///< read each new file twice
+  bool deleteAfter = false;  ///< delete on the camera what was read twice and is on disk
+};
+
+/// What came of it.
+struct SyncTotals {
+  unsigned long long stored = 0;
+  unsigned long long alreadyHere = 0;  ///< of these, files that were here already with the same content
+  unsigned long long bytes = 0;
+  unsigned long long failed = 0;
+  unsigned long long deleted = 0;
+};
+
+/// Carries out a plan: reads on the calling thread, stores on others, and deletes last. A file that fails is reported and
+/// the rest goes on; a camera that has gone, a full disk or a request to stop ends it, and what is stored stays.
+class Sync {
+ public:
+  Sync(Context& context, Camera& camera, const TargetFolder& folder, Manifest& manifest, SyncOptions options);
+
+  /// Nothing when the plan was carried out to its end, failed files included; otherwise what ended it. Throws Stopped.
+  std::optional<Outcome> Run(const SyncPlan& plan);
+  const SyncTotals& Totals() const { return totals_; }
+
+ private:
+  struct Deletable {
+    const SyncItem* item;
+    ManifestRow row;
+  };
+
+  void ReadAll(const SyncPlan& plan, Writers& writers);
+  void ReadOne(const SyncItem& item, Writers& writers);
+  void Fetch(const SyncItem& item, Writers& writers);
+  void CompareKnown(const SyncItem& item);
+  std::vector<char> Read(const SyncItem& item);
+  void CheckThatItIsEmpty(const SyncItem& item);
+  void DeleteVerified();
+  bool IsOnDisk(const ManifestRow& row) const;
+  void OnOutcome(const WriteOutcome& outcome);
+  void Fail(const SyncItem& item, const std::string& sentence);
+  void ShowProgress(std::size_t index, std::size_t count, const SyncItem& item);
+
+  Context& context_;
+  Camera& camera_;
+  const TargetFolder& folder_;
+  Manifest& manifest_;
+  SyncOptions options_;
+  Progress progress_;
+  unsigned long long readBytes_ = 0;
+  SyncTotals totals_;
+  std::vector<Deletable> deletable_;
+  std::mutex mutex_;  // totals, output and deletable_: reached from the writers
+};
+
+}  // namespace kelva
+
+#endif  // KELVA_CLI_SYNC_SYNC_H_
