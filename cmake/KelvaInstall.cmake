@@ -42,6 +42,7 @@ if(NOT APPLE)
   # Where cameras come from is the embedding program's choice as well.
   install(FILES darwin/registry/Registry.h darwin/registry/CameraEntries.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/registry)
+  install(FILES darwin/cf/EventLoop.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/cf)
   install(FILES darwin/udev/UdevSource.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/udev)
   install(FILES darwin/virtual/VirtualRegistry.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/virtual)
 endif()
