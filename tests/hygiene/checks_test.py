@@ -50,11 +50,11 @@ class Checks(unittest.TestCase):
         self.assertEqual(self.complaints(layout), [])
 
     def test_source_without_a_test_is_found(self):
-        self.write("src/a.cpp", "")
-        self.write("src/b.cpp", "")
-        self.write("src/b_test.cpp", "")
-        self.write("src/main.cpp", "")
-        self.assertEqual(self.complaints(tested_sources), ["src/a.cpp has no a_test.cpp beside it"])
+        self.write("src/wifi/a.cpp", "")
+        self.write("src/wifi/b.cpp", "")
+        self.write("src/wifi/b_test.cpp", "")
+        self.write("src/wifi/main.cpp", "")
+        self.assertEqual(self.complaints(tested_sources), ["src/wifi/a.cpp has no a_test.cpp beside it"])
 
     def test_dead_link_is_found_and_a_live_one_is_not(self):
         self.write("a.md", "[dead](b.md) [live](a.md#top) [far](https://example.com/x)\n")
