@@ -126,6 +126,16 @@ TEST_F(Connections, ARefusalWithoutACodeIsUnsupported) {
   EXPECT_EQ(connection, 0u);
 }
 
+TEST_F(Connections, ASuccessWithoutAClientIsUnsupported) {
+  io_connect_t connection = 77;
+  const UserClientFactory factory = [](int& error) {
+    error = kIOReturnSuccess;
+    return nullptr;
+  };
+  EXPECT_EQ(OpenWith(factory, connection), kIOReturnUnsupported);
+  EXPECT_EQ(connection, 0u);
+}
+
 TEST_F(Connections, AServiceThatGoesWhileItOpensIsNoDevice) {
   io_connect_t connection = 77;
   const UserClientFactory factory = [this](int&) {

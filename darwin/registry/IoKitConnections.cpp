@@ -80,7 +80,11 @@ kern_return_t AskDriver(const Entry& entry, std::shared_ptr<UserClient>& client)
   return AnswerOf([&] {
     int error = kIOReturnUnsupported;
     client = open(error);
-    return client != nullptr ? kIOReturnSuccess : error;
+    if (client != nullptr) {
+      return kIOReturnSuccess;
+    }
+    // Without a client there is no success, whatever the driver says.
+    return error != kIOReturnSuccess ? error : kIOReturnUnsupported;
   });
 }
 
