@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "testing/NoPlatform.h"
 #include "testing/PlainCamera.h"
 
 // The order of the virtual operations and the place of the members are part of the interface: programs that were built

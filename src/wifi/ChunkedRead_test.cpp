@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "VscRegister.h"
-#include "testing/NoPlatform.h"
 #include "testing/ScriptedCamera.h"
 
 namespace {

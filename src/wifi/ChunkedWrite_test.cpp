@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "testing/NoPlatform.h"
 #include "testing/ScriptedCamera.h"
 #include "testing/Switches.h"
 

@@ -5,7 +5,6 @@
 #include <limits>
 #include <string>
 
-#include "testing/NoPlatform.h"
 #include "testing/ScriptedCamera.h"
 
 namespace {

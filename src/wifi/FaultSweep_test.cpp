@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include "testing/NoPlatform.h"
-
 // Every fault at every transfer of the commands that query or change the camera's state.
 
 namespace {

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <string>
 
-#include "testing/NoPlatform.h"
 #include "testing/ScriptedCamera.h"
 #include "testing/Switches.h"
 

@@ -3,7 +3,6 @@
 #include <cstring>
 #include <string>
 
-#include "testing/NoPlatform.h"
 #include "testing/ScriptedCamera.h"
 #include "testing/Switches.h"
 

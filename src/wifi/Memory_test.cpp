@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "testing/NoPlatform.h"
 #include "testing/PlainCamera.h"
 #include "testing/Switches.h"
 

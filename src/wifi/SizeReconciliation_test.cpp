@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "testing/NoPlatform.h"
 #include "testing/Switches.h"
 
 namespace {

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
-#include "testing/NoPlatform.h"
 #include "testing/ScriptedCamera.h"
 #include "testing/Switches.h"
 
@@ -80,6 +80,10 @@ struct Monitor {
   bool (Camera::*command)(const char*);
   int subCode;
 };
+
+std::ostream& operator<<(std::ostream& out, const Monitor& monitor) {
+  return out << "sub-code " << monitor.subCode;
+}
 
 class MonitorCommands : public testing::TestWithParam<Monitor> {
  protected:

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "testing/FaultSweep.h"
-#include "testing/NoPlatform.h"
 
 // Every fault at every transfer of the commands on the camera's storage. Chunks are small, so that each read has two.
 

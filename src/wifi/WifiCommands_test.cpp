@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "testing/NoPlatform.h"
 #include "testing/ScriptedCamera.h"
 #include "testing/Switches.h"
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest-spi.h>
 
-#include "testing/NoPlatform.h"
-
 // The tests stand on this camera, so it is shown here that it fails when it should.
 
 namespace wifi_testing {
