@@ -1,0 +1,167 @@
+#include <algorithm>
+#include <fstream>
+#include <optional>
+#include <set>
+
+#include "tests/kernel/cases/Card.h"
+#include "tests/kernel/cases/Cases.h"
+#include "tests/kernel/cases/Command.h"
+#include "tests/kernel/cases/Plugged.h"
+#include "vcam/usbip/FaultText.h"
+
+// Every fault at every command of the most used operations: the library gives the right data or says what failed, in
+// time, and the camera can be used again afterwards.
+//
+// A camera that sends less than it was asked for and says so has given an answer. What the library makes of it is its
+// contract: a whole file is measured against the announced size; a list has none and ends where the answer ends, so it
+// may lack records but never holds a wrong one; an announced size that is cut off itself is a wrong size, and data far
+// beyond it stop the process at an assertion.
+
+namespace {
+
+using tap::Check;
+using tap::Note;
+
+constexpr const char* kSerial = "F1";
+constexpr const char* kWritten = "DCIM/NEW.BIN";
+
+struct Operation {
+  std::string name;
+  std::vector<std::string> arguments;
+};
+
+const std::vector<Operation> kOperations{
+    {"ready", {}},          {"information", {}},  {"catalogue", {}},
+    {"tree", {"I:\\DCIM"}}, {"read", {kPicture}}, {"write", {"I:\\DCIM\\NEW.BIN", "150000"}},
+};
+
+const std::vector<std::string> kFaults{"fail",         "short",     "stall",     "half-residue",  "huge-residue",
+                                       "zero-residue", "skip-data", "wrong-tag", "fail-no-sense", "phase-error",
+                                       "short-status", "babble",    "surplus1",  "surplus2"};
+
+// What declares less than was asked for, truly or not.
+const std::set<std::string> kDeclaredShort{"short",        "half-residue", "huge-residue",
+                                           "zero-residue", "skip-data",    "surplus2"};
+
+using Records = std::set<std::string>;
+
+Records AnswerRecords() {
+  std::ifstream file("/tmp/answer");
+  Records records;
+  for (std::string line; std::getline(file, line);) records.insert(line);
+  return records;
+}
+
+// The camera's information is one record: what came, and zeros.
+bool IsBeginning(std::string_view part, std::string_view whole) {
+  if (part.size() != whole.size()) return false;
+  const auto differs = std::mismatch(part.begin(), part.end(), whole.begin()).first;
+  // The last field is the library's own.
+  return std::all_of(differs, part.end() - 8, [](char digit) { return digit == '0'; });
+}
+
+Outcome RunClient(const Operation& operation) {
+  std::vector<std::string> words{"kelva-kernel-client", kSerial, operation.name};
+  words.insert(words.end(), operation.arguments.begin(), operation.arguments.end());
+  return RunProgram(words);
+}
+
+bool IsTypedError(const std::string& line) {
+  return line.starts_with("error Camera");
+}
+
+// One operation, what it says when nothing goes wrong, and how many commands that takes.
+class Subject {
+ public:
+  Subject(Plugged& plugged, const Card& card, Operation operation)
+      : plugged_(plugged), card_(card), operation_(std::move(operation)) {
+    const auto before = plugged_.cable().commands();
+    const Outcome clean = RunClient(operation_);
+    expected_ = clean.LastLine();
+    records_ = AnswerRecords();
+    written_ = card_.Read(kWritten);
+    commands_ = plugged_.cable().commands() - before;
+    Check(clean.code == 0 && expected_.starts_with("data "),
+          operation_.name + " failed without a fault: " + clean.output);
+  }
+
+  std::uint64_t commands() const { return commands_; }
+
+  // Nothing when the run ended well, otherwise what was wrong with it.
+  std::optional<std::string> Try(const std::string& fault, std::uint64_t at) {
+    vcam::usbip::ArmByText(fault + "@" + std::to_string(at), plugged_.camera(), plugged_.cable());
+    const Outcome outcome = RunClient(operation_);
+    plugged_.camera().Disarm();
+    plugged_.cable().Disarm();
+    ++runs_;
+    if (Acceptable(outcome, fault)) return std::nullopt;
+    return operation_.name + " with " + fault + " at command " + std::to_string(at) + " ended with code " +
+           std::to_string(outcome.code) + ": " + outcome.LastLine();
+  }
+
+  bool WorksAgain() { return RunClient(operation_).LastLine() == expected_; }
+  int runs() const { return runs_; }
+  int right() const { return right_; }
+  int lesser() const { return lesser_; }
+
+ private:
+  bool Acceptable(const Outcome& outcome, const std::string& fault) {
+    const std::string line = outcome.LastLine();
+    const bool right =
+        outcome.code == 0 && line == expected_ && (operation_.name != "write" || card_.Read(kWritten) == written_);
+    right_ += right ? 1 : 0;
+    if (right || (outcome.code == 0 && IsTypedError(line))) return true;
+    return kDeclaredShort.contains(fault) && KeepsContract(outcome);
+  }
+
+  bool KeepsContract(const Outcome& outcome) {
+    ++lesser_;
+    if (outcome.Aborted()) return outcome.output.find("Assertion failed: ") != std::string::npos;
+    if (outcome.code != 0) return false;
+    const Records records = AnswerRecords();
+    if (outcome.LastLine() == "neutral" || operation_.name == "write") return operation_.name != "write";
+    if (operation_.name == "information") return IsBeginning(*records.begin(), *records_.begin());
+    return std::includes(records_.begin(), records_.end(), records.begin(), records.end());
+  }
+
+  Plugged& plugged_;
+  const Card& card_;
+  Operation operation_;
+  std::string expected_;
+  std::string written_;
+  std::uint64_t commands_ = 0;
+  int runs_ = 0;
+  Records records_;
+  int right_ = 0;
+  int lesser_ = 0;
+};
+
+void TryAll(const Operation& operation, const std::vector<std::string>& faults) {
+  const Card card("faults");
+  PutPictures(card);
+  Plugged plugged(card.Inserted(kSerial));
+  Subject subject(plugged, card, operation);
+  std::vector<std::string> complaints;
+  for (const std::string& fault : faults) {
+    for (std::uint64_t at = 1; at <= subject.commands(); ++at) {
+      if (const auto complaint = subject.Try(fault, at)) complaints.push_back(*complaint);
+    }
+    if (!subject.WorksAgain()) complaints.push_back(operation.name + " did not work again after " + fault);
+  }
+  for (const std::string& complaint : complaints) Note(complaint);
+  Note(std::to_string(subject.commands()) + " commands, " + std::to_string(subject.runs()) + " runs, " +
+       std::to_string(subject.right()) + " with right data, " + std::to_string(subject.lesser()) +
+       " with what a short answer leaves, the others with an error");
+  Check(complaints.empty(), std::to_string(complaints.size()) + " runs ended badly");
+}
+
+}  // namespace
+
+std::vector<tap::Case> FaultCases() {
+  std::vector<tap::Case> cases;
+  for (const Operation& operation : kOperations) {
+    cases.push_back({"faults of the wire during " + operation.name, [=] { TryAll(operation, kFaults); }});
+    cases.push_back({"silence during " + operation.name, [=] { TryAll(operation, {"hang"}); }});
+  }
+  return cases;
+}
