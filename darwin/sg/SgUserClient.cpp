@@ -15,6 +15,9 @@ constexpr std::uint8_t kShortestCdb = 6;  // the kernel takes none shorter
 constexpr std::uint32_t kMsPerSecond = 1000;
 // How long an unplugged device may take to be known as such after its command has failed.
 constexpr int kHangUpPatienceMs = 300;
+// Answers up to this size reach the caller by way of a buffer of this side. A chunk of a file goes straight to the caller:
+// one more copy of it is an eighth of all that reading it costs.
+constexpr std::uint32_t kLargestDetour = 4096;
 
 std::uint32_t Milliseconds(std::uint32_t seconds) {
   return std::min(seconds, std::numeric_limits<std::uint32_t>::max() / kMsPerSecond - 1) * kMsPerSecond;
@@ -94,10 +97,19 @@ Verdict SgUserClient::Transfer(const UserClientTransferRequest& request) {
 Verdict SgUserClient::Carry(const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length) {
   const SgOutcome outcome = RunCommand(*system_, session_->Descriptor(), Prepare(request, phase, length));
   const Verdict verdict = Judge(outcome, length, HasGone(outcome));
-  if (phase == DataPhase::kFromDevice && verdict.moved > 0) {
-    std::memcpy(BufferOf(request), arrival_.data(), verdict.moved);
-  }
+  if (phase == DataPhase::kFromDevice) Deliver(request, length, verdict.moved);
   return verdict;
+}
+
+// The kernel fills the whole buffer, beyond the device's bytes with those of an earlier command, and does so even when the
+// transport failed. The caller sees none of that: a short answer leaves its own bytes, a short chunk zeros.
+void SgUserClient::Deliver(const UserClientTransferRequest& request, std::uint32_t length, std::uint32_t moved) {
+  auto* buffer = static_cast<std::uint8_t*>(BufferOf(request));
+  if (length <= kLargestDetour) {
+    std::memcpy(buffer, arrival_.data(), moved);
+  } else {
+    std::memset(buffer + moved, 0, length - moved);
+  }
 }
 
 SgRequest SgUserClient::Prepare(const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length) {
@@ -108,10 +120,8 @@ SgRequest SgUserClient::Prepare(const UserClientTransferRequest& request, DataPh
   command.timeoutMs = Milliseconds(request.timeout);
   if (phase == DataPhase::kToDevice) command.data = BufferOf(request);
   if (phase == DataPhase::kFromDevice) {
-    // Not into the caller's buffer: the kernel fills the whole of it, beyond the device's bytes with those of an
-    // earlier command, and does so even when the transport failed.
-    if (arrival_.size() < length) arrival_.resize(length);
-    command.data = arrival_.data();
+    arrival_.resize(kLargestDetour);
+    command.data = length <= kLargestDetour ? arrival_.data() : BufferOf(request);
   }
   return command;
 }

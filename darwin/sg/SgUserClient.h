@@ -42,12 +42,13 @@ class SgUserClient : public UserClient {
   Verdict Carry(const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length);
   Verdict RefuseTooLong(std::uint32_t length) const;
   SgRequest Prepare(const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length);
+  void Deliver(const UserClientTransferRequest& request, std::uint32_t length, std::uint32_t moved);
   bool HasGone(const SgOutcome& outcome) const;
 
   SgSystem* system_;
   SgTarget target_;
   std::optional<SgSession> session_;
-  std::vector<std::uint8_t> arrival_;  // where data land until it is known how many of them are the device's
+  std::vector<std::uint8_t> arrival_;  // where a short answer lands until it is known how much of it is the device's
 };
 
 }  // namespace darwin::sg

@@ -6,6 +6,8 @@
 
 #include <array>
 #include <cstring>
+#include <span>
+#include <vector>
 
 #include "ScriptedSystem.h"
 
@@ -112,6 +114,40 @@ TEST_F(SgUserClientTest, BytesBeyondTheResidualAreTheCallersOwn) {
   EXPECT_EQ(result_.actualLength, 4);
   EXPECT_THAT(std::vector(buffer_.begin(), buffer_.begin() + 4), Each(0x11));
   EXPECT_THAT(std::vector(buffer_.begin() + 4, buffer_.end()), Each(0xEE));
+}
+
+TEST_F(SgUserClientTest, AChunkLandsInTheCallersBufferAndShowsNothingOfAnEarlierCommand) {
+  client_.CallScalar(0);
+  std::vector<std::uint8_t> chunk(65536, 0xEE);
+  UserClientTransferRequest request = Request(2, 65536);
+  request.bufferAddress = reinterpret_cast<std::uintptr_t>(chunk.data());
+  const void* given = nullptr;
+  system_.command = [&](sg_io_hdr_t& header) {
+    given = header.dxferp;
+    std::memset(header.dxferp, 0x11, header.dxfer_len);
+    header.resid = 65436;
+    return 0;
+  };
+  EXPECT_EQ(Call(request), kIOReturnSuccess);
+  EXPECT_EQ(given, chunk.data());
+  EXPECT_EQ(result_.actualLength, 100);
+  EXPECT_THAT(std::span(chunk).first(100), Each(0x11));
+  EXPECT_THAT(std::span(chunk).subspan(100), Each(0));
+}
+
+TEST_F(SgUserClientTest, AFailedChunkIsAllZeros) {
+  client_.CallScalar(0);
+  std::vector<std::uint8_t> chunk(65536, 0xEE);
+  UserClientTransferRequest request = Request(2, 65536);
+  request.bufferAddress = reinterpret_cast<std::uintptr_t>(chunk.data());
+  system_.command = [](sg_io_hdr_t& header) {
+    std::memset(header.dxferp, 0x11, header.dxfer_len);
+    header.host_status = 7;
+    return 0;
+  };
+  Call(request);
+  EXPECT_NE(result_.status, 0U);
+  EXPECT_THAT(chunk, Each(0));
 }
 
 TEST_F(SgUserClientTest, NoByteOfAFailedTransportReachesTheCaller) {

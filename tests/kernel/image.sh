@@ -93,6 +93,7 @@ make_programs() {
     fi
   done
   cp "${BASH_SOURCE[0]%/*}"/guest/* "$root/kelva/"
+  cp "${BASH_SOURCE[0]%/*}"/../../packaging/linux/70-kelva.rules "$root/kelva/"
   ln -s /kelva/init "$root/init"
   pack "$root" "$archive"
   rm -rf "$root"

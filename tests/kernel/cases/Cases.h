@@ -12,5 +12,7 @@ std::vector<tap::Case> FaultCases();
 std::vector<tap::Case> UnplugCases(int cycles);
 std::vector<tap::Case> ClientCases();
 std::vector<tap::Case> SpeedCases();
+std::vector<tap::Case> AgentCases();
+std::vector<tap::Case> ToolCases();
 
 #endif  // KELVA_TESTS_KERNEL_CASES_H_

@@ -1,0 +1,233 @@
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <random>
+#include <set>
+
+#include "tests/kernel/cases/Background.h"
+#include "tests/kernel/cases/Card.h"
+#include "tests/kernel/cases/Cases.h"
+#include "tests/kernel/cases/Command.h"
+#include "tests/kernel/cases/Plugged.h"
+#include "vcam/usbip/FaultText.h"
+
+// The tool on a real device node: every verb, whole cards, broken transfers, and who may use it.
+
+namespace {
+
+namespace fs = std::filesystem;
+using tap::Check;
+using tap::Note;
+
+constexpr const char* kSerial = "T1";
+constexpr const char* kTarget = "/tmp/fetched";
+constexpr const char* kPictureName = "IMG_0001.JPG";
+
+struct Verb {
+  std::vector<std::string> words;
+  int code;
+  std::string says;
+};
+
+// In this order: the last one restarts the camera. A verb that is added to the tool is added here.
+const std::vector<Verb> kVerbs{
+    {{"list"}, 0, kSerial},
+    {{"ready"}, 0, ""},
+    {{"battery"}, 0, ""},
+    {{"done-count"}, 0, ""},
+    {{"time"}, 0, ""},
+    {{"capture"}, 0, ""},
+    {{"get", "I:/DCIM/100ABCDE/IMG_0001.JPG", "-o", "/tmp/one"}, 0, ""},
+    {{"get", "I:/NOWHERE.TXT", "-o", "/tmp/none"}, 1, "NOWHERE"},
+    {{"put", "/tmp/one", "I:/COPY.JPG"}, 0, ""},
+    {{"rm", "I:/COPY.JPG"}, 0, ""},
+    {{"rm", "I:/COPY.JPG"}, 7, ""},
+    {{"monitor", "hello"}, 0, ""},
+    {{"reboot"}, 0, ""},
+};
+
+Outcome Tool(const std::vector<std::string>& words) {
+  std::vector<std::string> all{"kelva"};
+  all.insert(all.end(), words.begin(), words.end());
+  if (words[0] != "list") all.insert(all.end(), {"--serial", kSerial});
+  return RunProgram(all);
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+  std::string text = "kelva";
+  for (const std::string& word : words) text += " " + word;
+  return text;
+}
+
+void RunEveryVerb() {
+  const Card card("tool");
+  PutPictures(card);
+  const Plugged plugged(card.Inserted(kSerial));
+  int wrong = 0;
+  for (const Verb& verb : kVerbs) {
+    const Outcome outcome = Tool(verb.words);
+    if (outcome.code == verb.code && outcome.output.find(verb.says) != std::string::npos) continue;
+    ++wrong;
+    Note(Joined(verb.words) + " ended with " + std::to_string(outcome.code) + " instead of " +
+         std::to_string(verb.code) + ": " + outcome.output);
+  }
+  Check(wrong == 0, std::to_string(wrong) + " verbs ended otherwise than they should");
+}
+
+// A tree as cameras have them, with sizes around the chunk.
+std::vector<std::string> PutTree(const Card& card) {
+  const std::vector<std::pair<std::string, std::size_t>> files{
+      {"DCIM/100ABCDE/IMG_0001.JPG", 1},         {"DCIM/100ABCDE/IMG_0002.JPG", 65'535},
+      {"DCIM/100ABCDE/IMG_0003.RAW", 65'536},    {"DCIM/100ABCDE/IMG_0004.RAW", 65'537},
+      {"DCIM/101ABCDE/IMG_0005.JPG", 511},       {"DCIM/101ABCDE/IMG_0006.JPG", 512},
+      {"DCIM/102FGHIJ/IMG_0007.RAW", 1'234'567}, {"MISC/NOTE.TXT", 42},
+  };
+  std::vector<std::string> paths;
+  for (const auto& [path, size] : files) {
+    card.Put(path, size);
+    paths.push_back("I:/" + path);
+  }
+  return paths;
+}
+
+void FetchWholeCard() {
+  const Card card("tool");
+  const auto paths = PutTree(card);
+  const Plugged plugged(card.Inserted(kSerial));
+  fs::remove_all(kTarget);
+  fs::create_directories(kTarget);
+  std::vector<std::string> words{"get", "--into", kTarget};
+  words.insert(words.end(), paths.begin(), paths.end());
+  const Outcome outcome = Tool(words);
+  Check(outcome.code == 0, outcome.output);
+  for (const std::string& path : paths) {
+    const fs::path original = card.folder() / path.substr(3);
+    const Outcome compare = RunProgram({"cmp", original.string(), (fs::path(kTarget) / original.filename()).string()});
+    Check(compare.code == 0, path + " differs: " + compare.output);
+  }
+}
+
+// Nothing when one fetch ended well: the right file, or an error and no file.
+std::optional<std::string> FetchOne(const Card& card, const std::set<int>& codes) {
+  fs::remove_all(kTarget);
+  fs::create_directories(kTarget);
+  const Outcome outcome = Tool({"get", "I:/DCIM/100ABCDE/IMG_0001.JPG", "--into", kTarget});
+  const fs::path file = fs::path(kTarget) / kPictureName;
+  const auto left = std::distance(fs::directory_iterator(kTarget), {});
+  if (outcome.code == 0) {
+    const Outcome compare = RunProgram({"cmp", file.string(), (card.folder() / "DCIM/100ABCDE/IMG_0001.JPG").string()});
+    return compare.code == 0 ? std::nullopt : std::optional("it gave another file: " + compare.output);
+  }
+  if (left != 0) return "it left a file behind after " + outcome.output;
+  if (codes.contains(outcome.code) && !outcome.output.empty()) return std::nullopt;
+  return "it ended with " + std::to_string(outcome.code) + ": " + outcome.output;
+}
+
+void FetchUnderFaults() {
+  const Card card("tool");
+  PutPictures(card);
+  Plugged plugged(card.Inserted(kSerial));
+  const auto before = plugged.cable().commands();
+  if (const auto complaint = FetchOne(card, {})) Check(false, *complaint);
+  const auto commands = plugged.cable().commands() - before;
+  int wrong = 0;
+  for (const char* fault : {"fail", "short", "surplus2", "stall", "hang", "half-residue", "huge-residue",
+                            "zero-residue", "skip-data", "wrong-tag", "fail-no-sense", "phase-error", "babble"}) {
+    for (std::uint64_t at = 1; at <= commands; ++at) {
+      vcam::usbip::ArmByText(std::string(fault) + "@" + std::to_string(at), plugged.camera(), plugged.cable());
+      const auto complaint = FetchOne(card, {1, 6, 7, 8});
+      plugged.camera().Disarm();
+      plugged.cable().Disarm();
+      if (!complaint) continue;
+      ++wrong;
+      Note(std::string(fault) + " at command " + std::to_string(at) + ": " + *complaint);
+    }
+  }
+  Note(std::to_string(commands) + " commands");
+  Check(wrong == 0, std::to_string(wrong) + " fetches ended badly");
+}
+
+void FetchFromAPulledCamera() {
+  const Card card("tool");
+  PutPictures(card);
+  std::minstd_rand numbers(7);
+  for (int i = 0; i < 10; ++i) {
+    Plugged plugged(card.Inserted(kSerial));
+    const std::uint64_t byte = 1 + numbers() % kPictureSize;
+    plugged.camera().Arm({vcam::FaultKind::kUnplugAtByte, byte});
+    const auto complaint = FetchOne(card, {5});
+    if (complaint) Check(false, "pulled at byte " + std::to_string(byte) + ": " + *complaint);
+  }
+}
+
+Outcome AsPerson(const std::vector<std::string>& words) {
+  std::vector<std::string> all{"setpriv", "--reuid=1000", "--regid=1000", "--clear-groups", "kelva"};
+  all.insert(all.end(), words.begin(), words.end());
+  return RunProgram(all);
+}
+
+// What the package installs, and what the login manager writes about the person at the screen.
+void InstallRuleAndSeat() {
+  fs::create_directories("/etc/udev/rules.d");
+  fs::copy_file("/kelva/70-kelva.rules", "/etc/udev/rules.d/70-kelva.rules", fs::copy_options::overwrite_existing);
+  fs::create_directories("/run/systemd/seats");
+  std::ofstream("/run/systemd/seats/seat0") << "ACTIVE=c1\nACTIVE_UID=1000\nUIDS=1000\n";
+  RunProgram({"udevadm", "control", "--reload"});
+}
+
+void RemoveRuleAndSeat() {
+  fs::remove("/etc/udev/rules.d/70-kelva.rules");
+  fs::remove_all("/run/systemd/seats");
+  RunProgram({"udevadm", "control", "--reload"});
+}
+
+void GrantThePersonAtTheSeat() {
+  const Card card("tool");
+  {
+    const Plugged plugged(card.Inserted(kSerial));
+    const Outcome before = AsPerson({"ready", "--serial", kSerial});
+    Check(before.code == 3, "without the rule it ended with " + std::to_string(before.code) + ": " + before.output);
+  }
+  InstallRuleAndSeat();
+  Outcome after;
+  std::error_code error;
+  bool named = false;
+  {
+    const Plugged plugged(card.Inserted(kSerial));
+    after = AsPerson({"ready", "--serial", kSerial});
+    named = fs::exists("/dev/kelva/" + std::string(kSerial), error);
+  }
+  RemoveRuleAndSeat();
+  Check(after.code == 0, "with the rule it ended with " + std::to_string(after.code) + ": " + after.output);
+  Check(named, "there is no /dev/kelva/" + std::string(kSerial));
+}
+
+// The two commands of the manual: one that offers the camera, and the stock one that attaches it.
+void AttachWithUsbip() {
+  const Card card("tool");
+  PutPictures(card);
+  const Background offer({"kelva-vcam", "usbip", "--serial", kSerial, "--storage", card.folder().string()},
+                         "/tmp/offer");
+  Check(Eventually([&] { return offer.Printed().find("Offering") != std::string::npos; }), offer.Printed());
+  const Outcome attach = RunProgram({"usbip", "attach", "-r", "127.0.0.1", "-b", "1-1"});
+  Check(attach.code == 0, attach.output);
+  const bool there = Eventually([] { return !NodeOf(kSerial).empty(); });
+  const Outcome list = Tool({"list"});
+  const auto complaint = FetchOne(card, {});
+  const Outcome detach = RunProgram({"usbip", "detach", "-p", "00"});
+  Check(there && list.output.find(kSerial) != std::string::npos, list.output);
+  Check(!complaint, complaint.value_or(""));
+  Check(detach.code == 0, detach.output);
+  Check(Eventually([] { return NodeOf(kSerial).empty(); }), "the camera is still there after usbip detach");
+}
+
+}  // namespace
+
+std::vector<tap::Case> ToolCases() {
+  return {{"every verb works on a real device node", RunEveryVerb},
+          {"a whole card is fetched byte for byte", FetchWholeCard},
+          {"kelva get under every fault leaves the right file or none", FetchUnderFaults},
+          {"kelva get from a pulled camera leaves no file", FetchFromAPulledCamera},
+          {"the person at the seat may use the camera", GrantThePersonAtTheSeat},
+          {"the stock usbip command attaches the camera", AttachWithUsbip}};
+}
