@@ -16,6 +16,7 @@ namespace vcam::usbip {
 namespace {
 
 constexpr std::string_view kFreeState = "004";
+constexpr int kAttempts = 100;
 
 std::optional<unsigned> PortOfLine(const std::string& line, std::string_view hub) {
   std::istringstream words(line);
@@ -40,15 +41,16 @@ std::string ReadTable(const std::filesystem::path& controller) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// The kernel takes the order in one write, and answers in its errno.
-void Write(const std::filesystem::path& attribute, const std::string& order) {
+// The kernel takes the order in one write, and answers in its errno. False when the port was taken in the meantime.
+bool Write(const std::filesystem::path& attribute, const std::string& order) {
   const FileDescriptor file(::open(attribute.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!file)
+  if (!file) {
     Fail("Cannot open " + attribute.string() + " (" + std::strerror(errno) + "): plugging a camera in needs root.");
-  if (::write(file.get(), order.data(), order.size()) != static_cast<ssize_t>(order.size())) {
-    Fail("The kernel did not take the virtual camera (" + std::string(std::strerror(errno)) +
-         "); its log (dmesg) says why.");
   }
+  if (::write(file.get(), order.data(), order.size()) == static_cast<ssize_t>(order.size())) return true;
+  if (errno == EBUSY) return false;
+  Fail("The kernel did not take the virtual camera (" + std::string(std::strerror(errno)) +
+       "); its log (dmesg) says why.");
 }
 
 }  // namespace
@@ -67,18 +69,21 @@ std::filesystem::path DefaultController() {
 }
 
 FileDescriptor PlugIntoController(const std::filesystem::path& controller, std::uint32_t device, Speed speed) {
-  const auto port = FreePort(ReadTable(controller), speed);
-  if (!port)
-    Fail("All ports of the virtual USB host controller are taken: unplug a device first (see \"usbip port\").");
   std::array<int, 2> ends{};
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
     Fail("Cannot make a socket pair: " + std::string(std::strerror(errno)) + ".");
   }
   FileDescriptor near(ends[0]);
   const FileDescriptor far(ends[1]);
-  Write(controller / "attach", std::to_string(*port) + " " + std::to_string(far.get()) + " " + std::to_string(device) +
-                                   " " + std::to_string(static_cast<unsigned>(speed)));
-  return near;
+  const std::string rest = " " + std::to_string(far.get()) + " " + std::to_string(device) + " " +
+                           std::to_string(static_cast<unsigned>(speed));
+  // Others plug in as well: a port that was free a moment ago may be taken.
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    const auto port = FreePort(ReadTable(controller), speed);
+    if (!port) break;
+    if (Write(controller / "attach", std::to_string(*port) + rest)) return near;
+  }
+  Fail("All ports of the virtual USB host controller are taken: unplug a device first (see \"usbip port\").");
 }
 
 }  // namespace vcam::usbip
