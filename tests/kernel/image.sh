@@ -4,7 +4,7 @@
 
 guest_modules=(vhci-hcd usb-storage sg sd_mod sr_mod scsi_debug)
 guest_tools=(/bin/udevadm /sbin/modprobe /bin/kmod /usr/bin/sg_dd /usr/bin/sg_inq /usr/bin/sg_raw /usr/bin/lsscsi
-  /usr/sbin/usbip /usr/bin/setpriv)
+  /usr/sbin/usbip /usr/bin/setpriv /usr/lib/x86_64-linux-gnu/glib-2.0/gio-launch-desktop)
 
 # pack FOLDER ARCHIVE: a compressed archive as the kernel wants it.
 pack() {
