@@ -9,6 +9,7 @@
 #include "frame/Failure.h"
 #include "frame/Help.h"
 #include "frame/Supervisor.h"
+#include "verbs/HelpVerbs.h"
 #include "verbs/Verbs.h"
 
 namespace kelva {
@@ -78,8 +79,7 @@ class Tool {
     const auto start = std::chrono::steady_clock::now();
     return static_cast<ExitCode>(Guard::Run([&](Guard& guard) {
       Supervision rest = supervision;
-      const auto spent = std::chrono::steady_clock::now() - start;
-      if (rest.timeout) *rest.timeout -= std::chrono::duration_cast<std::chrono::milliseconds>(spent);
+      rest.spent = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
       return static_cast<int>(RunSupervised(rest, &guard));
     }));
   }
@@ -101,7 +101,7 @@ class Tool {
     Context context(call_, out_, reporter_, stop, diversion_);
     context.guard = guard;
     try {
-      ChooseCameraSource(call_.Value("virtual"));
+      if (!NeedsNoCamera(*call_.verb)) ChooseCameraSource(call_.Value("virtual"));
       return call_.verb->run(context);
     } catch (const std::exception& error) {
       return GiveError(reporter_, out_, Name(), Explain(error, context.WasDoing()), !context.HasResult());

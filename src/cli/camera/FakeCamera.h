@@ -34,11 +34,13 @@ class FakeCamera : public Camera {
     for (const std::string& name : folders) entries.push_back({name, 0, 0x10});
     return entries;
   }
+  using Camera::ReadFile;
   std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool) override {
     ++reads;
     if (progress != nullptr) progress(context, 0);
-    const std::string& text = files[NameIn(path)];
-    return {text.begin(), text.end()};
+    const auto found = files.find(NameIn(path));
+    if (found == files.end()) return {};
+    return {found->second.begin(), found->second.end()};
   }
   void WriteFile(const char* path, const char* data, int length, void (*progress)(void*, float),
                  void* context) override {

@@ -19,7 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 class NewFileTest : public testing::Test {
@@ -86,46 +85,6 @@ TEST_F(NewFileTest, ReplacingIsAChoice) {
   file.Write(std::string("new"));
   file.ReplaceName("A");
   EXPECT_EQ(Text("A"), "new");
-}
-
-TEST_F(NewFileTest, LeftoversOfAKilledRunGoAndFilesInUseStay) {
-  Put(".kelva-0011223344556677.part", "half");
-  Put(".kelva-other", "mine");
-  const NewFile inUse(*folder_);
-  EXPECT_EQ(RemoveLeftovers(*folder_), 1);
-  EXPECT_FALSE(fs::exists(path_ / ".kelva-0011223344556677.part"));
-  EXPECT_EQ(Names().size(), 2U);
-}
-
-TEST_F(NewFileTest, AFolderThatIsMissingIsAFailureWithItsName) {
-  try {
-    TargetFolder::Open("/nowhere/at all");
-    FAIL();
-  } catch (const Failure& failure) {
-    EXPECT_STREQ(failure.what(), "Cannot open the folder /nowhere/at all: No such file or directory.");
-  }
-}
-
-TEST_F(NewFileTest, AFolderBelowIsMadeOnceAndALinkInItsPlaceIsRefused) {
-  EXPECT_TRUE(folder_->Below("100ABCDE").Path().ends_with("/100ABCDE"));
-  EXPECT_NO_THROW(folder_->Below("100ABCDE"));
-  fs::create_directory_symlink("/tmp", path_ / "101ABCDE");
-  try {
-    folder_->Below("101ABCDE");
-    FAIL();
-  } catch (const Failure& failure) {
-    EXPECT_THAT(failure.what(), HasSubstr("is a symbolic link and is not followed"));
-  }
-}
-
-TEST_F(NewFileTest, NothingIsOpenedOutsideTheFolder) {
-  Put("inside", "x");
-  const Descriptor inside(OpenBeneath(folder_->Fd(), "inside", O_RDONLY | O_CLOEXEC, 0));
-  EXPECT_TRUE(static_cast<bool>(inside));
-  EXPECT_EQ(OpenBeneath(folder_->Fd(), "../etc", O_RDONLY | O_CLOEXEC, 0), -1);
-  EXPECT_EQ(OpenBeneath(folder_->Fd(), "/etc/passwd", O_RDONLY | O_CLOEXEC, 0), -1);
-  fs::create_symlink("/etc/passwd", path_ / "link");
-  EXPECT_EQ(OpenBeneath(folder_->Fd(), "link", O_RDONLY | O_CLOEXEC, 0), -1);
 }
 
 }  // namespace

@@ -2,19 +2,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <array>
-#include <cstdio>
-#include <fstream>
-#include <memory>
 #include <string>
 
 namespace kelva {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr Argument kPath[] = {{"PATH", "A path."}};
@@ -30,56 +24,10 @@ constexpr Verb kTable[] = {
     {"completion", "Script", kShell, {}, "", "", {}, nullptr},
 };
 
-// What bash offers after these words, with the script in force.
-std::string Offered(const std::string& words) {
-  const std::string script = testing::TempDir() + "completion-" + std::to_string(::getpid()) + ".bash";
-  std::ofstream(script) << BashCompletion(kTable);
-  const std::string command = "bash -c 'source " + script + "; compopt() { :; }; COMP_WORDS=(" + words +
-                              "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _kelva; echo ${COMPREPLY[*]}' 2>&1";
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-  std::array<char, 1024> text{};
-  const std::size_t size = std::fread(text.data(), 1, text.size(), pipe.get());
-  std::remove(script.c_str());
-  return std::string(text.data(), size == 0 ? 0 : size - 1);
-}
-
-TEST(BashCompletionTest, CommandsComeFirst) {
-  EXPECT_EQ(Offered("kelva \"\""), "time wifi control completion");
-  EXPECT_EQ(Offered("kelva co"), "control completion");
-}
-
-TEST(BashCompletionTest, SecondWordsOfACommandAreOffered) {
-  EXPECT_EQ(Offered("kelva wifi \"\""), "name off");
-  EXPECT_EQ(Offered("kelva control s"), "set");
-  EXPECT_EQ(Offered("kelva control set \"\""), "");
-}
-
-TEST(BashCompletionTest, OptionsAreThoseOfTheCommandAndOfAll) {
-  EXPECT_EQ(Offered("kelva time --zo"), "--zone");
-  EXPECT_EQ(Offered("kelva time --ti"), "--timeout");
-  EXPECT_EQ(Offered("kelva completion --zo"), "");
-}
-
-TEST(BashCompletionTest, ValuesAreThoseOfTheOptionOrArgument) {
-  EXPECT_EQ(Offered("kelva time --zone l"), "local");
-  EXPECT_EQ(Offered("kelva time -z u"), "utc");
-  EXPECT_EQ(Offered("kelva completion z"), "zsh");
-}
-
 TEST(CompletionTest, ThereIsOneForEachShellAndNoOther) {
   EXPECT_TRUE(Completion(kTable, "zsh").has_value());
   EXPECT_TRUE(Completion(kTable, "fish").has_value());
   EXPECT_FALSE(Completion(kTable, "cmd").has_value());
-}
-
-TEST(CompletionTest, ZshDescribesOptionsAndEscapesWhatItsSpecificationsUse) {
-  EXPECT_THAT(ZshCompletion(kTable), HasSubstr(R"('*--zone[It'\''s \[a\] zone.]:ZONE:(utc local)')"));
-}
-
-TEST(CompletionTest, FishAsksForTheCommandBeforeItsOptions) {
-  EXPECT_THAT(FishCompletion(kTable),
-              HasSubstr("complete -c kelva -n '__fish_seen_subcommand_from time' -s z -l zone -x -a 'utc local' -d "
-                        "'It\\'s [a] zone.'\n"));
 }
 
 TEST(CompletionTest, NamesAreSplitIntoTheirWords) {

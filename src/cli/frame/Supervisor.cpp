@@ -112,7 +112,7 @@ ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Super
   const Descriptor signals(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
   if (!signals) throw SystemFailure("watch for signals", errno);
   std::optional<Clock::time_point> deadline;
-  if (supervision.timeout) deadline = Clock::now() + *supervision.timeout;
+  if (supervision.timeout) deadline = Clock::now() + *supervision.timeout - supervision.spent;
 
   Worker worker(work);
   const Cause cause = WaitForCause(worker, signals.Get(), deadline);

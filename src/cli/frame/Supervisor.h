@@ -25,6 +25,8 @@ void CatchAborts(const std::string& lastWord, const std::string& lastResult, int
 /// What ends a command early.
 struct Supervision {
   std::optional<std::chrono::milliseconds> timeout;
+  /// How much of it was spent before.
+  std::chrono::milliseconds spent{0};
   /// How long the worker may take to notice before the process ends without it.
   std::chrono::milliseconds grace{600};
 };

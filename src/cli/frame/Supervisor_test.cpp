@@ -92,19 +92,5 @@ TEST_F(SupervisorDeathTest, WorkThatCannotStopIsLeftAndItsFileRemoved) {
   std::filesystem::remove_all(folder);
 }
 
-TEST_F(SupervisorDeathTest, AnAbortRemovesTheFileAndEndsWithOne) {
-  const std::string folder = FolderWithFile("part");
-  EXPECT_EXIT(
-      {
-        CatchAborts("kelva: The camera broke a rule.\n", "", -1);
-        const Descriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY));
-        const ScratchRecord record(dir.Get(), "part");
-        std::abort();
-      },
-      ExitedWithCode(1), "kelva: The camera broke a rule.");
-  EXPECT_FALSE(std::filesystem::exists(folder + "/part"));
-  std::filesystem::remove_all(folder);
-}
-
 }  // namespace
 }  // namespace kelva

@@ -49,7 +49,7 @@ std::string WantedFolder(const Context& context) {
   return context.call.words.empty() ? kDrive : ToCameraPath(context.call.words[0]);
 }
 
-// An empty listing also stands for a folder that is not there; its parent knows.
+// Cameras answer for a folder that is not there with an empty listing or a bare refusal; its parent knows.
 void CheckFolder(Camera& camera, const std::string& path) {
   if (Split(path).name.empty()) return;
   const auto entry = FindEntry(camera, path);
@@ -63,8 +63,8 @@ ExitCode RunLs(Context& context) {
   const std::string path = WantedFolder(context);
   context.Doing("list " + Printable(path));
   const Session camera(context);
+  CheckFolder(*camera, path);
   const std::vector<CameraDirent> entries = Listing(*camera, path);
-  if (entries.empty()) CheckFolder(*camera, path);
   Json list = Json::Array();
   std::vector<std::vector<std::string>> rows;
   for (const CameraDirent& entry : entries) {

@@ -1,5 +1,8 @@
+#include "verbs/HelpVerbs.h"
+
 #include <string>
 
+#include "files/StoreFile.h"
 #include "frame/Completion.h"
 #include "frame/Context.h"
 #include "frame/Failure.h"
@@ -34,7 +37,19 @@ ExitCode RunHelp(Context& context) {
   return Print(context, name.empty() ? Overview(AllVerbs()) : HelpFor(Named(name)));
 }
 
+void StorePage(const TargetFolder& folder, const std::string& name, const std::string& page) {
+  StoreReplacing(folder, name + ".1", page);
+}
+
+ExitCode StoreAllPages(const std::string& path) {
+  const TargetFolder folder = TargetFolder::OpenOrMake(path);
+  StorePage(folder, "kelva", ManPageOfTool(AllVerbs(), KELVA_VERSION));
+  for (const Verb& verb : AllVerbs()) StorePage(folder, ManName(verb), ManPageOfVerb(verb, KELVA_VERSION));
+  return ExitCode::kDone;
+}
+
 ExitCode RunManual(Context& context) {
+  if (const auto into = context.call.Value("into")) return StoreAllPages(*into);
   const std::string name = NameInWords(context);
   return Print(context,
                name.empty() ? ManPageOfTool(AllVerbs(), KELVA_VERSION) : ManPageOfVerb(Named(name), KELVA_VERSION));
@@ -55,6 +70,8 @@ constexpr Argument kCommand[] = {{"COMMAND", "The command to explain.", Argument
 constexpr Argument kShell[] = {{"SHELL", "bash, zsh or fish.", Argument::Count::kOne, Offer::kWords, kShells}};
 constexpr Example kCompletionExamples[] = {
     {"source <(kelva completion bash)", "Completions in this shell; packages install them for all."}};
+constexpr Option kManualOptions[] = {
+    {"into", 'd', "FOLDER", "Write all pages into this folder instead.", Offer::kFolder}};
 constexpr Example kManualExamples[] = {{"kelva manual get | man -l -", "Read a page that is not installed."}};
 
 constexpr Verb kVerbs[] = {
@@ -68,18 +85,17 @@ constexpr Verb kVerbs[] = {
      "",
      kCompletionExamples,
      RunCompletion},
-    {"manual",
-     "Print a manual page",
-     kCommand,
-     {},
-     "Prints the page of the tool or of one command in troff form; packages install them all.",
-     "",
-     kManualExamples,
+    {"manual", "Print a manual page", kCommand, kManualOptions,
+     "Prints the page of the tool or of one command in troff form; packages install them all.", "", kManualExamples,
      RunManual},
     {"help", "Say how the commands are used", kCommand, {}, "The same as COMMAND --help.", "", {}, RunHelp},
 };
 
 }  // namespace
+
+bool NeedsNoCamera(const Verb& verb) {
+  return FindVerb(kVerbs, verb.name) != nullptr;
+}
 
 std::span<const Verb> HelpVerbs() {
   return kVerbs;

@@ -1,0 +1,21 @@
+#include "frame/Completion.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace kelva {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr Option kOptions[] = {{"zone", 'z', "ZONE", "It's [a] zone.", Offer::kWords, "utc local"}};
+constexpr Verb kTable[] = {{"time", "The clock's time", {}, kOptions, "", "", {}, nullptr}};
+
+TEST(CompletionTest, FishAsksForTheCommandBeforeItsOptions) {
+  EXPECT_THAT(FishCompletion(kTable),
+              HasSubstr("complete -c kelva -n '__fish_seen_subcommand_from time' -s z -l zone -x -a 'utc local' -d "
+                        "'It\\'s [a] zone.'\n"));
+}
+
+}  // namespace
+}  // namespace kelva

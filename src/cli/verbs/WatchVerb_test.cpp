@@ -1,0 +1,16 @@
+#include "verbs/VerbTest.h"
+
+namespace kelva {
+namespace {
+
+using WatchVerbTest = VerbTest;
+
+TEST_F(WatchVerbTest, CamerasThatAreThereAreReportedFirst) {
+  EXPECT_EQ(Run({"watch", "--count", "1"}).out, "present    K1  Camera\n");
+  EXPECT_EQ(Run({"watch", "--count", "1", "--json"}).out,
+            "{\"schema\":1,\"event\":\"attached\",\"serial\":\"K1\",\"product\":\"Camera\",\"revision\":\"1.00\","
+            "\"present\":true}\n");
+}
+
+}  // namespace
+}  // namespace kelva

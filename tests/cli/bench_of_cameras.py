@@ -1,0 +1,81 @@
+"""A virtual bus in a folder of its own, and the two programs."""
+
+import os
+import random
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+BIN = ""
+
+
+class Bus(unittest.TestCase):
+    """One bus with one camera, K1, whose drive is the folder `drive`."""
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="kelva-cli-")
+        self.drive = os.path.join(self.folder, "drive")
+        os.mkdir(self.drive)
+        self.socket = os.path.join(self.folder, "bus")
+        self.server = subprocess.Popen([BIN + "/kelva-vcam", "serve", "--socket", self.socket],
+                                       stdout=subprocess.DEVNULL)
+        deadline = time.monotonic() + 20
+        while not os.path.exists(self.socket) and time.monotonic() < deadline:
+            time.sleep(0.02)
+        self.plug()
+
+    def tearDown(self):
+        self.server.terminate()
+        self.server.wait()
+        shutil.rmtree(self.folder)
+
+    def vcam(self, *words):
+        subprocess.run([BIN + "/kelva-vcam", *words, "--socket", self.socket], check=True, stdout=subprocess.DEVNULL)
+
+    def plug(self):
+        self.vcam("plug", "--serial", "K1", "--storage", self.drive)
+
+    def fault(self, *words):
+        self.vcam("fault", "K1", *map(str, words))
+
+    def command(self, *words):
+        return [BIN + "/kelva", "--virtual", self.socket, *words]
+
+    def kelva(self, *words, **options):
+        return subprocess.run(self.command(*words), capture_output=True, text=True, timeout=60, **options)
+
+    def start(self, *words):
+        return subprocess.Popen(self.command(*words), stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+    def put(self, name, content):
+        path = os.path.join(self.drive, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "wb") as file:
+            file.write(content)
+
+    def pictures(self, count, size):
+        for number in range(1, count + 1):
+            self.put(f"DCIM/100ABCDE/IMG_{number:04d}.JPG", random.randbytes(size))
+
+    def whole_files_only(self, target):
+        """Every file below the target is one of the camera's, byte for byte; returns how many there are."""
+        count = 0
+        for folder, _, names in os.walk(target):
+            for name in names:
+                if name.startswith(".kelva-manifest"):
+                    continue
+                path = os.path.join(folder, name)
+                with open(path, "rb") as mine:
+                    with open(os.path.join(self.drive, "DCIM", os.path.relpath(path, target)), "rb") as camera:
+                        self.assertEqual(mine.read(), camera.read(), path)
+                count += 1
+        return count
+
+
+def main():
+    global BIN
+    BIN = os.path.abspath(sys.argv.pop(1))
+    unittest.main(module="__main__")
