@@ -26,6 +26,7 @@ std::span<const Verb> ControlVerbs();  ///< control, control get, control set
 std::span<const Verb> MonitorVerbs();  ///< monitor
 std::span<const Verb> ConsoleVerbs();  ///< console
 std::span<const Verb> BundleVerbs();   ///< crash-logs, calibration
+std::span<const Verb> UpgradeVerbs();  ///< upgrade
 std::span<const Verb> DoctorVerbs();   ///< doctor
 std::span<const Verb> HelpVerbs();     ///< completion, manual, help
 
