@@ -30,8 +30,8 @@ void Bus::RemovePeer(PeerId peer) {
   DropHeld(peer);
 }
 
-bool Bus::DropHeld(PeerId peer) {
-  return std::erase_if(held_, [&](const Held& held) { return held.completion.peer == peer; }) > 0;
+std::size_t Bus::DropHeld(PeerId peer) {
+  return std::erase_if(held_, [&](const Held& held) { return held.completion.peer == peer; });
 }
 
 void Bus::DropSession(PeerId peer) {
@@ -78,7 +78,7 @@ void Bus::TakeCompletions() {
 void Bus::AnswerCommand(const Completion& completion) {
   const auto peer = peers_.find(completion.peer);
   if (peer != peers_.end()) {
-    peer->second.busy = false;
+    --peer->second.unfinished;
     Answer(completion.peer, completion.tag, Kind::kReply, Encode(completion.reply));
   }
   // A camera that left in the middle of a command leaves the bus as well.

@@ -51,7 +51,7 @@ class Bus {
     pid_t process = 0;
     bool greeted = false;
     bool subscribed = false;
-    bool busy = false;  // a command of its session is running
+    std::size_t unfinished = 0;  // commands that are running or held
     std::uint32_t session = 0;
   };
   struct Held {
@@ -80,7 +80,7 @@ class Bus {
   void RemoveCamera(std::uint32_t id);
   void ReleaseHeld(std::uint32_t camera);
   void DropRetired();
-  bool DropHeld(PeerId peer);
+  std::size_t DropHeld(PeerId peer);
 
   Send send_;
   std::shared_ptr<CompletionQueue> completions_;

@@ -8,6 +8,7 @@
 namespace vcam::bus {
 namespace {
 
+constexpr std::size_t kMaxUnfinished = 4;
 constexpr std::size_t kMaxSerial = 126;  // what a USB string descriptor holds
 
 CameraStatus StatusOf(std::uint32_t id, const Options& options) {
@@ -204,8 +205,10 @@ bool Bus::EndSession(PeerId peer, const Frame& frame) {
 bool Bus::RunCommand(PeerId peer, const Frame& frame) {
   const auto command = DecodeCommand(frame.payload);
   Peer& from = peers_[peer];
-  // A host that sends another command has given up on the one before; only one that is held can be given up.
-  if (!command || (from.busy && !DropHeld(peer))) return false;
+  // A host that sends another command has given up on the one before. That one may still be running, and its answer goes
+  // out under its own tag; but nobody may pile commands up.
+  from.unfinished -= DropHeld(peer);
+  if (!command || from.unfinished >= kMaxUnfinished) return false;
   const auto found = cameras_.find(from.session);
   if (found == cameras_.end()) {
     // No session, or its camera has gone: for the host the same.
@@ -215,7 +218,7 @@ bool Bus::RunCommand(PeerId peer, const Frame& frame) {
     return true;
   }
   ++found->second.status.commands;
-  from.busy = true;
+  ++from.unfinished;
   Job job{peer, frame.tag, from.session, *command, {command->data.begin(), command->data.end()}};
   found->second.worker->Put(std::move(job));
   return true;

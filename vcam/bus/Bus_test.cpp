@@ -185,6 +185,14 @@ TEST_F(BusTest, LetsAHostGiveACommandUp) {
   EXPECT_TRUE(LastReply().Good());
 }
 
+TEST_F(BusTest, LetsAHostGiveUpACommandThatIsStillRunning) {
+  Plug("A");
+  Answered(1, Kind::kStartSession, EncodeNumber(1));
+  // Nothing is taken from the camera's thread in between, so each counts as running.
+  for (int i = 0; i < 4; ++i) EXPECT_TRUE(Ask(1, Kind::kCommand, Encode(ReadyCommand())));
+  EXPECT_FALSE(Ask(1, Kind::kCommand, Encode(ReadyCommand()))) << "too many at once";
+}
+
 TEST_F(BusTest, WaitsAsLongAsASlowCommandTakes) {
   Plug("A");
   Answered(1, Kind::kStartSession, EncodeNumber(1));
