@@ -95,7 +95,8 @@ class UserClientDoor : public darwin::UserClient {
   int Transfer(const UserClientTransferRequest& request, UserClientTransferResult& result) {
     if (!started_) return kIOReturnNotOpen;
     if (!IsUsable(request)) return kIOReturnBadArgument;
-    const Reply reply = session_->Execute(CommandOf(request), std::chrono::seconds(request.timeout));
+    const std::uint32_t timeout = request.timeout;  // a copy: the record is packed, and its fields have no alignment
+    const Reply reply = session_->Execute(CommandOf(request), std::chrono::seconds(timeout));
     if (DirectionOf(request) == Direction::kFromCamera) {
       const auto room = static_cast<std::size_t>(request.length);
       std::copy_n(reply.data.begin(), std::min(reply.data.size(), room), BufferOf(request));
