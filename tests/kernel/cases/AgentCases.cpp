@@ -11,6 +11,7 @@
 #include "tests/kernel/cases/Cases.h"
 #include "tests/kernel/cases/Command.h"
 #include "tests/kernel/cases/Plugged.h"
+#include "tests/kernel/cases/Seat.h"
 #include "tests/kernel/cases/Session.h"
 
 // From plug over udev and agent to the launch of the desktop application.
@@ -29,6 +30,7 @@ void CheckLaunches(const AgentSession& session, int launches, const std::string&
 }
 
 void LaunchOncePerPlug() {
+  const Seat seat;
   const Card card("agent");
   const AgentSession session;
   CheckLaunches(session, 0, "before any camera");
@@ -43,6 +45,7 @@ void LaunchOncePerPlug() {
 }
 
 void IgnoreWhatIsThere() {
+  const Seat seat;
   const Card card("agent");
   const Card other("other");
   const Plugged present(card.Inserted("A1"));
@@ -60,6 +63,7 @@ vcam::Options BadCamera(const Card& card) {
 }
 
 void RecogniseABadCamera() {
+  const Seat seat;
   const Card card("agent");
   const AgentSession session;
   const Background watch({"kelva", "watch"}, "/tmp/watch-output");
@@ -91,6 +95,7 @@ void Flood(const Plugged& present) {
 }
 
 void SurviveAFullBuffer() {
+  const Seat seat;
   const Card card("agent");
   const Card other("other");
   const Plugged present(card.Inserted("A1"));

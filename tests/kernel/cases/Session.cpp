@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "tests/kernel/cases/Plugged.h"
+#include "tests/kernel/cases/Seat.h"
 #include "tests/kernel/cases/Tap.h"
 
 namespace fs = std::filesystem;
@@ -25,16 +26,15 @@ std::vector<std::string> PrepareSession() {
   fs::create_directories("/tmp/session/data/applications");
   fs::create_directories("/tmp/session/run");
   std::ofstream("/tmp/session/application") << "#!/bin/sh\necho launched >>" << kLaunches << "\n";
-  fs::permissions("/tmp/session/application", fs::perms::owner_all);
+  fs::permissions("/tmp/session/application", fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
   std::ofstream("/tmp/session/data/applications/com.kelva.Desktop.desktop")
       << "[Desktop Entry]\nType=Application\nName=Kelva\nExec=/tmp/session/application\n";
-  return {"env",
-          "HOME=/tmp/session",
-          "XDG_DATA_HOME=/tmp/session/data",
-          "XDG_DATA_DIRS=/tmp/session/data",
-          "XDG_RUNTIME_DIR=/tmp/session/run",
-          "DBUS_SESSION_BUS_ADDRESS=unix:path=/tmp/session/no-bus",
-          "/kelva/kelva-helper"};
+  for (const char* folder : {"/tmp/session", "/tmp/session/run"}) {
+    tap::Check(::chown(folder, kPerson, kPerson) == 0, std::string("cannot give away ") + folder);
+  }
+  return AsPerson({"env", "HOME=/tmp/session", "XDG_DATA_HOME=/tmp/session/data", "XDG_DATA_DIRS=/tmp/session/data",
+                   "XDG_RUNTIME_DIR=/tmp/session/run", "DBUS_SESSION_BUS_ADDRESS=unix:path=/tmp/session/no-bus",
+                   "/kelva/kelva-helper"});
 }
 
 }  // namespace

@@ -5,7 +5,8 @@
 
 #include "tests/kernel/cases/Background.h"
 
-/// A login session with the desktop application installed, and the agent that watches for cameras.
+/// The login session of the person at the seat, with the desktop application installed and the agent that watches for
+/// cameras. Needs a Seat.
 class AgentSession {
  public:
   /// Returns when the agent watches.
