@@ -89,12 +89,13 @@ TEST_F(UdevUnitSourceTest, PlugAndUnplugAreReceivedWithRunningNumbers) {
   EXPECT_EQ(seen->kind, Notice::Kind::kSeen);
   EXPECT_EQ(seen->path, path);
   EXPECT_EQ(seen->unit->serial, "A");
+  const auto seenAt = seen->sequence;
   machine_.Unplug(0);
   notices = ReceiveAll();
   const auto gone = std::find_if(notices.begin(), notices.end(), [&](const Notice& n) { return n.path == path; });
   ASSERT_NE(gone, notices.end());
   EXPECT_EQ(gone->kind, Notice::Kind::kGone);
-  EXPECT_GT(gone->sequence, seen->sequence);
+  EXPECT_GT(gone->sequence, seenAt);
 }
 
 TEST_F(UdevUnitSourceTest, ALookAtAPathShowsWhatIsThereNow) {
