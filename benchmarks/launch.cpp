@@ -20,6 +20,7 @@ using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
 constexpr int kPlugs = 200;
+constexpr int kOpeners = 1000;
 constexpr double kMilli = 1e6;
 const char* const kSerial = "KV-0001";
 
@@ -31,23 +32,30 @@ fs::path StampProgram() {
   return BuildFolder() / "bench-aid" / "bench-stamp";
 }
 
+/// What a plug is timed to: the start of the application, or that of the opener, in whose place the stamp then stands.
+enum class Until { kApplication, kOpener };
+
 /// The bus, the helper and a desktop whose only application is the stamp.
 class Desk {
  public:
-  Desk() : stamps_(scratch_ / "stamps") {
+  explicit Desk(Until until = Until::kApplication) : stamps_(scratch_ / KELVA_DESKTOP_ID) {
     fs::create_directories(scratch_ / "storage");
     fs::create_directories(scratch_ / "data" / "applications");
     fs::create_directories(scratch_ / "runtime");
     std::ofstream(scratch_ / "data" / "applications" / KELVA_DESKTOP_ID ".desktop")
         << "[Desktop Entry]\nType=Application\nName=Stamp\nExec=" << StampProgram().string() << " "
-        << (scratch_ / "stamps").string() << "\n";
+        << (scratch_ / KELVA_DESKTOP_ID).string() << "\n";
     setenv("XDG_DATA_HOME", (scratch_ / "data").c_str(), 1);
     setenv("XDG_RUNTIME_DIR", (scratch_ / "runtime").c_str(), 1);
     server_.emplace(std::vector<std::string>{BuildFolder() / "bin" / "kelva-vcam", "serve", "--socket", Socket()});
     Connect();
-    helper_.emplace(std::vector<std::string>{BuildFolder() / "bin" / "kelva-helper", "--virtual", Socket()});
+    helper_.emplace(std::vector<std::string>{Helper(until), "--virtual", Socket()});
     AwaitHelper();
   }
+
+  ~Desk() { fs::current_path(BuildFolder()); }
+  Desk(const Desk&) = delete;
+  Desk& operator=(const Desk&) = delete;
 
   /// Nanoseconds from the request to the application's start; nothing when it did not start.
   std::optional<std::int64_t> PlugOnce(std::chrono::milliseconds patience) {
@@ -63,6 +71,17 @@ class Desk {
   }
 
  private:
+  /// The helper runs the opener that lies beside it, and gives it the desktop id alone: the stamp finds the pipe under
+  /// that name in the folder that both run in.
+  fs::path Helper(Until until) const {
+    const fs::path built = BuildFolder() / "bin" / "kelva-helper";
+    if (until == Until::kApplication) return built;
+    fs::copy_file(built, scratch_ / "kelva-helper");
+    fs::create_symlink(StampProgram(), scratch_ / "kelva-open");
+    fs::current_path(scratch_ / "");
+    return scratch_ / "kelva-helper";
+  }
+
   std::string Socket() const { return (scratch_ / "bus").string(); }
 
   void Connect() {
@@ -120,6 +139,11 @@ void PlugToStart(benchmark::State& state) {
   Collect(state, [&] { return desk.PlugOnce(10s); });
 }
 
+void PlugToOpener(benchmark::State& state) {
+  Desk desk(Until::kOpener);
+  Collect(state, [&] { return desk.PlugOnce(10s); });
+}
+
 void BareSpawn(benchmark::State& state) {
   const bench::ScratchFolder scratch;
   const bench::StampPipe stamps(scratch / "stamps");
@@ -133,6 +157,7 @@ void BareSpawn(benchmark::State& state) {
 }
 
 BENCHMARK(PlugToStart)->Iterations(kPlugs)->Repetitions(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(PlugToOpener)->Iterations(kOpeners)->Repetitions(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(BareSpawn)->Iterations(kPlugs)->Repetitions(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace

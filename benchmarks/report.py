@@ -29,6 +29,9 @@ LINEAR_LIMIT = 3.0
 
 # From plug to the first line of the application, in milliseconds; the tail is shown beside a bare posix_spawn's.
 LAUNCH_LIMIT_MS = 10
+# From plug to the first line of the opener, which the resident agent runs: its part of the above.
+OPENER_LIMIT_MS = 2
+OPENER_TAIL_LIMIT = 3
 
 
 def runs(folder):
@@ -87,13 +90,17 @@ def line(title, value, comparison, limit):
 def launch(folder):
     """Prints the launch's lines; whether its limit was kept."""
     found = {run["run_name"].split("/")[0]: run for run in runs(folder) if "p50_ms" in run}
-    if set(found) != {"PlugToStart", "BareSpawn"}:
+    if set(found) != {"PlugToStart", "PlugToOpener", "BareSpawn"}:
         sys.exit("report: the launch was not measured")
     plug, bare = found["PlugToStart"], found["BareSpawn"]
     kept = line("Plug to the start of the application: p50 in milliseconds", plug["p50_ms"], "at most", LAUNCH_LIMIT_MS)
     for name in ("p50_ms", "p99_ms"):
         title = f"Plug to start against a bare posix_spawn: {name[:3]}"
         print(f"{title:<68} {plug[name] / bare[name]:8.2f}   ({plug[name]:.2f} ms against {bare[name]:.2f} ms)")
+    opener = found["PlugToOpener"]
+    kept &= line("Plug to the start of the opener: p50 in milliseconds", opener["p50_ms"], "at most", OPENER_LIMIT_MS)
+    ratio = opener["p99_ms"] / bare["p99_ms"]
+    kept &= line("Plug to the opener against a bare posix_spawn: p99", ratio, "at most", OPENER_TAIL_LIMIT)
     return kept
 
 
