@@ -18,6 +18,10 @@ TEST_F(DesktopApplicationTest, IsFoundByItsDesktopId) {
   EXPECT_EQ(application.Name(), "Stand-in");
 }
 
+TEST_F(DesktopApplicationTest, IsFoundInASubfolderThatItsIdNames) {
+  EXPECT_TRUE(DesktopApplication("org-example.Nested"));
+}
+
 TEST_F(DesktopApplicationTest, WithoutAnEntryItIsNotInstalled) {
   EXPECT_FALSE(DesktopApplication("org.example.Missing"));
 }

@@ -12,8 +12,9 @@ namespace opener {
 
 /// For tests: the XDG folders of a user who has installed these applications and no others, and no session bus. GIO reads
 /// the folders once and hears of changes later, so that everything is there from the start:
-/// "org.example.Found" writes its first argument into Pipe(); "org.example.Broken" names a missing program;
-/// "org.example.Hidden" is marked as hidden; "org.example.Refused" wants to run in a folder that does not exist.
+/// "org.example.Found" writes its first argument into Pipe(); "org-example.Nested" lies in a subfolder;
+/// "org.example.Broken" names a missing program; "org.example.Hidden" is marked as hidden; "org.example.Refused" wants to
+/// run in a folder that does not exist.
 class ScratchDesktop {
  public:
   static const ScratchDesktop& Get() {
@@ -43,6 +44,8 @@ class ScratchDesktop {
     ::mkfifo(Pipe().c_str(), 0600);
     const std::string script = WriteScript("echo \"$1\" > " + Pipe());
     Install("org.example.Found", script + " word");
+    std::filesystem::create_directory(folder_ / "applications" / "org");
+    Install("org/example.Nested", script);
     Install("org.example.Broken", "/nonexistent/program");
     Install("org.example.Hidden", script, "Hidden=true\n");
     Install("org.example.Refused", script, "Path=/nonexistent/folder\n");
