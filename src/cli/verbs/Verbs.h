@@ -27,6 +27,7 @@ std::span<const Verb> MonitorVerbs();  ///< monitor
 std::span<const Verb> ConsoleVerbs();  ///< console
 std::span<const Verb> BundleVerbs();   ///< crash-logs, calibration
 std::span<const Verb> UpgradeVerbs();  ///< upgrade
+std::span<const Verb> ReportVerbs();   ///< report
 std::span<const Verb> DoctorVerbs();   ///< doctor
 std::span<const Verb> HelpVerbs();     ///< completion, manual, help
 
