@@ -8,6 +8,7 @@
 #include "vcam/bus/BusServer.h"
 #include "vcam/client/BusClient.h"
 #include "vcam/client/BusConnection.h"
+#include "vcam/device/Sha1.h"
 #include "vcam/device/TestSupport.h"
 
 namespace kelva::stack {
@@ -25,6 +26,8 @@ class BusDoor : public Door {
         stop_(::eventfd(0, EFD_CLOEXEC)),
         thread_([this] { server_.Run(stop_.get()); }),
         connection_(path_) {
+    // First used here, libcrypto cleans up after this object, whose camera threads still hold state of it.
+    vcam::Sha256Hex("");
     darwin::Registry::Shared().SetSource(client::ConnectBus(path_));
   }
 
