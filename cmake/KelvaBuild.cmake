@@ -26,13 +26,6 @@ if(KELVA_SANITIZER)
   endif()
 endif()
 
-# kelva_folder(PATH): a folder of the house that has something to build.
-function(kelva_folder path)
-  if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${path}/CMakeLists.txt")
-    add_subdirectory("${path}")
-  endif()
-endfunction()
-
 # kelva_warnings(TARGET): this project's own sources compile without a warning.
 function(kelva_warnings target)
   target_compile_options(${target} PRIVATE
@@ -46,10 +39,6 @@ endfunction()
 # kelva_room(TARGET SOURCES file... [LINKS target...] [PRIVATE_LINKS target...]): one room of the house as a static library.
 function(kelva_room target)
   cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
-  if(NOT ROOM_SOURCES)
-    file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/empty.cpp" "")
-    set(ROOM_SOURCES "${CMAKE_CURRENT_BINARY_DIR}/empty.cpp")
-  endif()
   add_library(${target} STATIC ${ROOM_SOURCES})
   kelva_warnings(${target})
   target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS})
