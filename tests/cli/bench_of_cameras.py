@@ -6,7 +6,6 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
 BIN = ""
@@ -20,17 +19,17 @@ class Bus(unittest.TestCase):
         self.drive = os.path.join(self.folder, "drive")
         os.mkdir(self.drive)
         self.socket = os.path.join(self.folder, "bus")
+        self.addCleanup(shutil.rmtree, self.folder)
         self.server = subprocess.Popen([BIN + "/kelva-vcam", "serve", "--socket", self.socket],
-                                       stdout=subprocess.DEVNULL)
-        deadline = time.monotonic() + 20
-        while not os.path.exists(self.socket) and time.monotonic() < deadline:
-            time.sleep(0.02)
+                                       stdout=subprocess.PIPE)
+        self.addCleanup(self.stop)
+        # The socket is there a moment before anyone listens; this line comes after that.
+        self.server.stdout.readline()
         self.plug()
 
-    def tearDown(self):
+    def stop(self):
         self.server.terminate()
-        self.server.wait()
-        shutil.rmtree(self.folder)
+        self.server.communicate()
 
     def vcam(self, *words):
         subprocess.run([BIN + "/kelva-vcam", *words, "--socket", self.socket], check=True, stdout=subprocess.DEVNULL)
