@@ -2,8 +2,8 @@
 # The sets of tests that ./test knows. Needs say.sh, packages.sh and build.sh.
 root=${root:?the folder of the repository}
 #
-# Labels: long (minutes), kernel, gnustep, browser (what they need besides a compiler). The quick set is what has none.
-labels_apart='^(long|kernel|gnustep|browser)$'
+# Labels: long (minutes), kernel (needs an emulator). The quick set is what has neither.
+labels_apart='^(long|kernel)$'
 
 suite_quick() {
   need_packages build test
