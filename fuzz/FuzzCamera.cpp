@@ -15,10 +15,15 @@ namespace {
 struct DefinedStop {};
 
 constexpr std::size_t kMostAnswered = 1024 * 1024;
+// A walk returns the whole path of every file, so its result grows with depth times entries, and the tree is trusted to be
+// finite. A small one keeps the product small.
+constexpr std::size_t kMostAnsweredInWalk = 32 * 1024;
+constexpr std::uint8_t kWalk = 3;
 
 class HostileCamera final : public Camera {
  public:
-  HostileCamera(InputReader& input, int chunkSize) : Camera(chunkSize, 64), input_(input) {}
+  HostileCamera(InputReader& input, int chunkSize, std::size_t mostAnswered)
+      : Camera(chunkSize, 64), input_(input), mostAnswered_(mostAnswered) {}
 
   std::string Name() const override { return "hostile"; }
   std::string MountPath() const override { return {}; }
@@ -35,7 +40,7 @@ class HostileCamera final : public Camera {
   /// One answer: a kind, and for some kinds a number. What is reported as moved need not be what was written.
   bool Transfer(const _VscCdb&, int direction, int& size, char* buffer, bool) override {
     const std::uint8_t kind = input_.Byte();
-    if (answered_ >= kMostAnswered || (input_.AtEnd() && kind == 0)) {
+    if (answered_ >= mostAnswered_ || (input_.AtEnd() && kind == 0)) {
       throw CameraTransferError("gone");
     }
     if (direction != 2) {
@@ -75,6 +80,7 @@ class HostileCamera final : public Camera {
   }
 
   InputReader& input_;
+  const std::size_t mostAnswered_;
   std::size_t answered_ = 0;
 };
 
@@ -129,7 +135,7 @@ void Run(Camera& camera, std::uint8_t operation) {
     case 2:
       camera.ReadDir("I:\\");
       break;
-    case 3: {
+    case kWalk: {
       std::vector<std::pair<std::string, long long>> files;
       camera.TraverseDir("I:", files);
       break;
@@ -175,7 +181,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::uint8_t setting = input.Byte();
   constexpr int kChunkSizes[] = {1, 16, 700, 4096};
   Camera::throwExceptions_ = (setting & 4) != 0;
-  HostileCamera camera(input, kChunkSizes[setting % 4]);
+  HostileCamera camera(input, kChunkSizes[setting % 4], operation % 10 == kWalk ? kMostAnsweredInWalk : kMostAnswered);
   try {
     Run(camera, operation);
   } catch (const CameraError&) {
