@@ -4,6 +4,7 @@
 #include <scsi/sg.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -20,12 +21,18 @@ class ScriptedSystem : public SgSystem {
   int openError = 0;
   int lockError = 0;
   int largestTransfer = 122880;  // 0: the node does not answer the question
+  int reservedAtMost = 65536;    // the kernel clamps what is asked for
+  bool mapsReserved = true;      // false: an emulated node, which has no memory to map
   bool hangsUp = false;
   std::function<int(sg_io_hdr_t&)> command = [](sg_io_hdr_t&) { return 0; };
 
   std::vector<std::string> opened;
   int closed = 0;
   int reserved = 0;
+  std::vector<std::uint8_t> reservedBuffer;
+  int mapped = 0;
+  int unmapped = 0;
+  int mappedCommands = 0;
   int commands = 0;
   int hangUpWaits = 0;
 
@@ -36,6 +43,8 @@ class ScriptedSystem : public SgSystem {
   void Close(int) override { ++closed; }
   int Lock(int) override { return lockError == 0 ? 0 : Fail(lockError); }
   int Ioctl(int, unsigned long request, void* argument) override;
+  void* Map(int, std::size_t size) override;
+  void Unmap(void*, std::size_t) override { ++unmapped; }
   bool WaitForHangUp(int, int) override {
     ++hangUpWaits;
     return hangsUp;
@@ -45,6 +54,9 @@ class ScriptedSystem : public SgSystem {
     errno = error;
     return -1;
   }
+
+ private:
+  int Run(sg_io_hdr_t& header);
 };
 
 }  // namespace darwin::sg

@@ -37,6 +37,7 @@ sg_io_hdr_t HeaderOf(const SgRequest& request, std::span<std::uint8_t> sense) {
   header.sbp = sense.data();
   header.dxfer_len = request.length;
   header.dxferp = request.data;
+  header.flags = request.intoMapped ? kFlagMmapIo : 0;
   header.timeout = request.timeoutMs;
   return header;
 }

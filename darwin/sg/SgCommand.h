@@ -10,15 +10,20 @@
 
 namespace darwin::sg {
 
+/// SG_FLAG_MMAP_IO, which glibc's <scsi/sg.h> does not have: the data stay in the mapped reserved buffer.
+inline constexpr unsigned kFlagMmapIo = 4;
+
 enum class DataPhase { kNone, kToDevice, kFromDevice };
 
-/// One SCSI command. `data` is `length` bytes of the caller's, sent or filled; null without a data phase.
+/// One SCSI command. `data` is `length` bytes of the caller's, sent or filled; null without a data phase, and when the
+/// data stay in the node's mapped buffer.
 struct SgRequest {
   std::span<const std::uint8_t> cdb;
   DataPhase phase = DataPhase::kNone;
   void* data = nullptr;
   std::uint32_t length = 0;
   std::uint32_t timeoutMs = 0;
+  bool intoMapped = false;
 };
 
 /// What the kernel said of it.

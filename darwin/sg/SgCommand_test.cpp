@@ -44,6 +44,20 @@ TEST_F(SgCommandTest, TheKernelIsAskedForOneCommandAsGiven) {
   EXPECT_EQ(system_.commands, 1);
 }
 
+TEST_F(SgCommandTest, ACommandOverTheMappedBufferCarriesTheFlagAndNoAddress) {
+  system_.reserved = 65536;
+  system_.Map(ScriptedSystem::kDescriptor, 65536);
+  unsigned flags = 0;
+  system_.command = [&](sg_io_hdr_t& header) {
+    flags = header.flags;
+    return 0;
+  };
+  SgRequest request{kCdb, DataPhase::kFromDevice, nullptr, 64, 100000};
+  request.intoMapped = true;
+  EXPECT_EQ(Run(request).error, 0);  // an address would make the kernel copy the data there as well
+  EXPECT_EQ(flags, 4U);
+}
+
 TEST_F(SgCommandTest, EachDataPhaseHasItsDirection) {
   std::vector<int> directions;
   system_.command = [&](sg_io_hdr_t& header) {

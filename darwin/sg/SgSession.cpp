@@ -3,6 +3,7 @@
 #include <linux/fs.h>
 #include <scsi/sg.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -23,23 +24,26 @@ std::optional<SgSession> SgSession::Open(SgSystem& system, const std::string& no
   SgSession session(system, descriptor);
   if (!session.Lock(error)) return std::nullopt;
   session.AskLargestTransfer();
-  session.Reserve();
+  session.landing_ = LandingArea(system, descriptor, session.Reserve());
   return session;
 }
 
 SgSession::~SgSession() {
+  landing_ = LandingArea();                           // the mapping goes before its descriptor
   if (descriptor_ >= 0) system_->Close(descriptor_);  // gives the lock back as well
 }
 
 SgSession::SgSession(SgSession&& other) noexcept
     : system_(other.system_),
       descriptor_(std::exchange(other.descriptor_, -1)),
-      largestTransfer_(other.largestTransfer_) {}
+      largestTransfer_(other.largestTransfer_),
+      landing_(std::move(other.landing_)) {}
 
 SgSession& SgSession::operator=(SgSession&& other) noexcept {
   std::swap(system_, other.system_);
   std::swap(descriptor_, other.descriptor_);
   std::swap(largestTransfer_, other.largestTransfer_);
+  std::swap(landing_, other.landing_);
   return *this;
 }
 
@@ -55,10 +59,12 @@ void SgSession::AskLargestTransfer() {
   largestTransfer_ = answered ? static_cast<std::uint32_t>(bytes) : kUsualLargest;
 }
 
-void SgSession::Reserve() const {
-  // Only speed depends on it: the kernel clamps the size or keeps the default, and commands work all the same.
+// Only speed depends on it: the kernel clamps the size or keeps the default, and commands work all the same.
+std::size_t SgSession::Reserve() const {
   int size = kReservedSize;
   system_->Ioctl(descriptor_, SG_SET_RESERVED_SIZE, &size);
+  const bool told = system_->Ioctl(descriptor_, SG_GET_RESERVED_SIZE, &size) == 0 && size > 0;
+  return told ? static_cast<std::size_t>(std::min(size, kReservedSize)) : 0;
 }
 
 }  // namespace darwin::sg

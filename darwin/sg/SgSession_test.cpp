@@ -23,6 +23,23 @@ TEST_F(SgSessionTest, OpeningReservesOneChunkAndAsksTheLimit) {
   EXPECT_EQ(session->LargestTransfer(), 122880U);
 }
 
+TEST_F(SgSessionTest, TheReservedBufferIsMappedForTheTimeOfTheSession) {
+  {
+    auto session = Open();
+    EXPECT_TRUE(session->Landing().IsMapped(65536));
+    EXPECT_EQ(system_.unmapped, 0);
+  }
+  EXPECT_EQ(system_.unmapped, 1);
+  EXPECT_EQ(system_.closed, 1);
+}
+
+TEST_F(SgSessionTest, OfABufferThatTheKernelClampedAsMuchIsMapped) {
+  system_.reservedAtMost = 32768;
+  auto session = Open();
+  EXPECT_TRUE(session->Landing().IsMapped(32768));
+  EXPECT_FALSE(session->Landing().IsMapped(32769));
+}
+
 TEST_F(SgSessionTest, ANodeThatDoesNotSayItsLimitCarriesOneChunk) {
   system_.largestTransfer = 0;
   EXPECT_EQ(Open()->LargestTransfer(), 65536U);

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace darwin::sg {
@@ -19,6 +20,11 @@ class KernelSystem : public SgSystem {
   int Ioctl(int descriptor, unsigned long request, void* argument) override {
     return ::ioctl(descriptor, request, argument);
   }
+  void* Map(int descriptor, std::size_t size) override {
+    void* bytes = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor, 0);
+    return bytes == MAP_FAILED ? nullptr : bytes;
+  }
+  void Unmap(void* bytes, std::size_t size) override { ::munmap(bytes, size); }
   bool WaitForHangUp(int descriptor, int milliseconds) override {
     pollfd waiting{descriptor, 0, 0};
     return ::poll(&waiting, 1, milliseconds) > 0 && (waiting.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;

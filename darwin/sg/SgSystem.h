@@ -1,6 +1,8 @@
 #ifndef KELVA_DARWIN_SG_SG_SYSTEM_H_
 #define KELVA_DARWIN_SG_SG_SYSTEM_H_
 
+#include <cstddef>
+
 namespace darwin::sg {
 
 /// The system calls that a session with a /dev/sgN node needs. The one place where a test stands in for the kernel.
@@ -14,6 +16,9 @@ class SgSystem {
   /// Takes the node's advisory lock without waiting; EWOULDBLOCK when another process holds it.
   virtual int Lock(int descriptor) = 0;
   virtual int Ioctl(int descriptor, unsigned long request, void* argument) = 0;
+  /// Maps the node's reserved buffer, where commands with SG_FLAG_MMAP_IO leave their data; null when it cannot be had.
+  virtual void* Map(int descriptor, std::size_t size) = 0;
+  virtual void Unmap(void* bytes, std::size_t size) = 0;
   /// True as soon as the kernel says that the device has been detached; false after `milliseconds`.
   virtual bool WaitForHangUp(int descriptor, int milliseconds) = 0;
 

@@ -15,9 +15,6 @@ constexpr std::uint8_t kShortestCdb = 6;  // the kernel takes none shorter
 constexpr std::uint32_t kMsPerSecond = 1000;
 // How long an unplugged device may take to be known as such after its command has failed.
 constexpr int kHangUpPatienceMs = 300;
-// Answers up to this size reach the caller by way of a buffer of this side. A chunk of a file goes straight to the caller:
-// one more copy of it is an eighth of all that reading it costs.
-constexpr std::uint32_t kLargestDetour = 4096;
 
 std::uint32_t Milliseconds(std::uint32_t seconds) {
   return std::min(seconds, std::numeric_limits<std::uint32_t>::max() / kMsPerSecond - 1) * kMsPerSecond;
@@ -37,6 +34,20 @@ bool IsSound(const UserClientTransferRequest& request, DataPhase phase) {
 
 void* BufferOf(const UserClientTransferRequest& request) {
   return reinterpret_cast<void*>(static_cast<std::uintptr_t>(request.bufferAddress));
+}
+
+SgRequest Prepare(SgSession& session, const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length) {
+  SgRequest command;
+  command.cdb = std::span(request.cdb).first(request.cdbLength);
+  command.phase = phase;
+  command.length = length;
+  command.timeoutMs = Milliseconds(request.timeout);
+  if (phase == DataPhase::kToDevice) command.data = BufferOf(request);
+  if (phase == DataPhase::kFromDevice) {
+    command.intoMapped = session.Landing().IsMapped(length);
+    if (!command.intoMapped) command.data = session.Landing().Bytes(length).data();
+  }
+  return command;
 }
 
 }  // namespace
@@ -69,73 +80,60 @@ int SgUserClient::CallStruct(std::uint32_t selector, const void* in, std::size_t
 }
 
 int SgUserClient::StartSession() {
-  if (session_) return kIOReturnExclusiveAccess;
+  if (Session()) return kIOReturnExclusiveAccess;
   int error = 0;
   auto session = SgSession::Open(*system_, target_.node, error);
   if (!session) return ReturnCodeOf(error);
   // Asked after the opening: from here on the descriptor cannot become another device's.
   if (!target_.isPresent()) return kIOReturnNoDevice;
-  session_ = std::move(session);
+  const std::lock_guard lock(sessionMutex_);
+  session_ = std::make_shared<SgSession>(std::move(*session));
   return kIOReturnSuccess;
 }
 
 int SgUserClient::EndSession() {
-  if (!session_) return kIOReturnNotOpen;
-  session_.reset();
-  return kIOReturnSuccess;
+  std::shared_ptr<SgSession> ended;  // let go after the lock, or when the command in progress ends
+  const std::lock_guard lock(sessionMutex_);
+  ended.swap(session_);
+  return ended ? kIOReturnSuccess : kIOReturnNotOpen;
+}
+
+std::shared_ptr<SgSession> SgUserClient::Session() const {
+  const std::lock_guard lock(sessionMutex_);
+  return session_;
 }
 
 Verdict SgUserClient::Transfer(const UserClientTransferRequest& request) {
-  if (!session_) return {kIOReturnNotOpen, 0, 0};
+  const std::shared_ptr<SgSession> session = Session();
+  if (!session) return {kIOReturnNotOpen, 0, 0};
   const DataPhase phase = PhaseOf(request);
   if (!IsSound(request, phase)) return {kIOReturnBadArgument, 0, 0};
   const auto length = phase == DataPhase::kNone ? 0U : static_cast<std::uint32_t>(request.length);
-  if (length > session_->LargestTransfer()) return RefuseTooLong(length);
-  return Carry(request, phase, length);
+  if (length > session->LargestTransfer()) return RefuseTooLong(length, session->LargestTransfer());
+  return Carry(*session, request, phase, length);
 }
 
-Verdict SgUserClient::Carry(const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length) {
-  const SgOutcome outcome = RunCommand(*system_, session_->Descriptor(), Prepare(request, phase, length));
-  const Verdict verdict = Judge(outcome, length, HasGone(outcome));
-  if (phase == DataPhase::kFromDevice) Deliver(request, length, verdict.moved);
+Verdict SgUserClient::Carry(SgSession& session, const UserClientTransferRequest& request, DataPhase phase,
+                            std::uint32_t length) {
+  const std::lock_guard oneAtATime(commandMutex_);
+  const SgOutcome outcome = RunCommand(*system_, session.Descriptor(), Prepare(session, request, phase, length));
+  const Verdict verdict = Judge(outcome, length, HasGone(session, outcome));
+  if (phase == DataPhase::kFromDevice && verdict.moved > 0) {
+    std::memcpy(BufferOf(request), session.Landing().Bytes(length).data(), verdict.moved);
+  }
   return verdict;
 }
 
-// The kernel fills the whole buffer, beyond the device's bytes with those of an earlier command, and does so even when the
-// transport failed. The caller sees none of that: a short answer leaves its own bytes, a short chunk zeros.
-void SgUserClient::Deliver(const UserClientTransferRequest& request, std::uint32_t length, std::uint32_t moved) {
-  auto* buffer = static_cast<std::uint8_t*>(BufferOf(request));
-  if (length <= kLargestDetour) {
-    std::memcpy(buffer, arrival_.data(), moved);
-  } else {
-    std::memset(buffer + moved, 0, length - moved);
-  }
-}
-
-SgRequest SgUserClient::Prepare(const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length) {
-  SgRequest command;
-  command.cdb = std::span(request.cdb).first(request.cdbLength);
-  command.phase = phase;
-  command.length = length;
-  command.timeoutMs = Milliseconds(request.timeout);
-  if (phase == DataPhase::kToDevice) command.data = BufferOf(request);
-  if (phase == DataPhase::kFromDevice) {
-    arrival_.resize(kLargestDetour);
-    command.data = length <= kLargestDetour ? arrival_.data() : BufferOf(request);
-  }
-  return command;
-}
-
-Verdict SgUserClient::RefuseTooLong(std::uint32_t length) const {
+Verdict SgUserClient::RefuseTooLong(std::uint32_t length, std::uint32_t largest) const {
   target_.report("A command asked for " + std::to_string(length) + " bytes, but " + target_.node + " carries at most " +
-                 std::to_string(session_->LargestTransfer()) +
+                 std::to_string(largest) +
                  " at once; install the udev rule that raises max_sectors (see 'kelva doctor').");
   return {kIOReturnMessageTooLarge, 0, 0};
 }
 
-bool SgUserClient::HasGone(const SgOutcome& outcome) const {
+bool SgUserClient::HasGone(const SgSession& session, const SgOutcome& outcome) const {
   return MayBeGone(outcome) &&
-         (system_->WaitForHangUp(session_->Descriptor(), kHangUpPatienceMs) || !target_.isPresent());
+         (system_->WaitForHangUp(session.Descriptor(), kHangUpPatienceMs) || !target_.isPresent());
 }
 
 }  // namespace darwin::sg

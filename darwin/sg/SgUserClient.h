@@ -3,9 +3,8 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
+#include <mutex>
 #include <string>
-#include <vector>
 
 #include "SgCommand.h"
 #include "SgSession.h"
@@ -27,7 +26,10 @@ struct SgTarget {
 };
 
 /// The driver's end of one connection: selector 0 opens and locks the node, selector 1 gives it back, selector 2 is one
-/// SCSI command. One command at a time. Return codes and statuses: darwin/README.md.
+/// SCSI command. Return codes and statuses: darwin/README.md.
+///
+/// Any thread: commands of several threads go one after the other. Selector 1 does not wait for a command under way, which
+/// keeps the node until it has ended.
 class SgUserClient : public UserClient {
  public:
   SgUserClient(SgSystem& system, SgTarget target) : system_(&system), target_(std::move(target)) {}
@@ -38,17 +40,17 @@ class SgUserClient : public UserClient {
  private:
   int StartSession();
   int EndSession();
+  std::shared_ptr<SgSession> Session() const;
   Verdict Transfer(const UserClientTransferRequest& request);
-  Verdict Carry(const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length);
-  Verdict RefuseTooLong(std::uint32_t length) const;
-  SgRequest Prepare(const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length);
-  void Deliver(const UserClientTransferRequest& request, std::uint32_t length, std::uint32_t moved);
-  bool HasGone(const SgOutcome& outcome) const;
+  Verdict Carry(SgSession& session, const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length);
+  Verdict RefuseTooLong(std::uint32_t length, std::uint32_t largest) const;
+  bool HasGone(const SgSession& session, const SgOutcome& outcome) const;
 
   SgSystem* system_;
   SgTarget target_;
-  std::optional<SgSession> session_;
-  std::vector<std::uint8_t> arrival_;  // where a short answer lands until it is known how much of it is the device's
+  mutable std::mutex sessionMutex_;     // guards session_, held for no longer than it takes to read or set it
+  std::shared_ptr<SgSession> session_;  // null: none has been started
+  std::mutex commandMutex_;             // held while a command is under way
 };
 
 }  // namespace darwin::sg

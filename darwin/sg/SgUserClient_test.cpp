@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstring>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -98,70 +99,74 @@ TEST_F(SgUserClientTest, WithoutASessionNothingIsSent) {
   EXPECT_EQ(system_.commands, 0);
 }
 
-TEST_F(SgUserClientTest, DataFromTheCameraReachTheCaller) {
-  client_.CallScalar(0);
+// What the caller gets is the same whether the node's buffer can be mapped or not, for an answer of any size.
+struct Landing {
+  const char* name;
+  bool mapsReserved;
+  std::int32_t length;
+  int overMapped;
+};
+
+class SgUserClientLandingTest : public SgUserClientTest, public testing::WithParamInterface<Landing> {
+ protected:
+  SgUserClientLandingTest() : chunk_(static_cast<std::size_t>(GetParam().length), 0xEE) {
+    system_.mapsReserved = GetParam().mapsReserved;
+    system_.largestTransfer = 1 << 20;
+    client_.CallScalar(0);
+  }
+
+  int Read() {
+    UserClientTransferRequest request = Request(2, GetParam().length);
+    request.bufferAddress = reinterpret_cast<std::uintptr_t>(chunk_.data());
+    return Call(request);
+  }
+
+  std::vector<std::uint8_t> chunk_;
+};
+
+TEST_P(SgUserClientLandingTest, DataFromTheCameraReachTheCaller) {
   AnswerWith(0x11, 0);
-  EXPECT_EQ(Call(Request(2, 64)), kIOReturnSuccess);
+  EXPECT_EQ(Read(), kIOReturnSuccess);
   EXPECT_EQ(result_.status, 0U);
-  EXPECT_EQ(result_.actualLength, 64);
-  EXPECT_THAT(buffer_, Each(0x11));
+  EXPECT_EQ(result_.actualLength, GetParam().length);
+  EXPECT_THAT(chunk_, Each(0x11));
+  EXPECT_EQ(system_.mappedCommands, GetParam().overMapped);
 }
 
-TEST_F(SgUserClientTest, BytesBeyondTheResidualAreTheCallersOwn) {
-  client_.CallScalar(0);
-  AnswerWith(0x11, 60);
-  EXPECT_EQ(Call(Request(2, 64)), kIOReturnSuccess);
+TEST_P(SgUserClientLandingTest, BytesBeyondTheResidualAreTheCallersOwn) {
+  AnswerWith(0x11, GetParam().length - 4);
+  EXPECT_EQ(Read(), kIOReturnSuccess);
   EXPECT_EQ(result_.actualLength, 4);
-  EXPECT_THAT(std::vector(buffer_.begin(), buffer_.begin() + 4), Each(0x11));
-  EXPECT_THAT(std::vector(buffer_.begin() + 4, buffer_.end()), Each(0xEE));
+  EXPECT_THAT(std::span(chunk_).first(4), Each(0x11));
+  EXPECT_THAT(std::span(chunk_).subspan(4), Each(0xEE));
 }
 
-TEST_F(SgUserClientTest, AChunkLandsInTheCallersBufferAndShowsNothingOfAnEarlierCommand) {
-  client_.CallScalar(0);
-  std::vector<std::uint8_t> chunk(65536, 0xEE);
-  UserClientTransferRequest request = Request(2, 65536);
-  request.bufferAddress = reinterpret_cast<std::uintptr_t>(chunk.data());
-  const void* given = nullptr;
-  system_.command = [&](sg_io_hdr_t& header) {
-    given = header.dxferp;
-    std::memset(header.dxferp, 0x11, header.dxfer_len);
-    header.resid = 65436;
-    return 0;
-  };
-  EXPECT_EQ(Call(request), kIOReturnSuccess);
-  EXPECT_EQ(given, chunk.data());
-  EXPECT_EQ(result_.actualLength, 100);
-  EXPECT_THAT(std::span(chunk).first(100), Each(0x11));
-  EXPECT_THAT(std::span(chunk).subspan(100), Each(0));
-}
-
-TEST_F(SgUserClientTest, AFailedChunkIsAllZeros) {
-  client_.CallScalar(0);
-  std::vector<std::uint8_t> chunk(65536, 0xEE);
-  UserClientTransferRequest request = Request(2, 65536);
-  request.bufferAddress = reinterpret_cast<std::uintptr_t>(chunk.data());
+TEST_P(SgUserClientLandingTest, NoByteOfAFailedTransportReachesTheCaller) {
   system_.command = [](sg_io_hdr_t& header) {
     std::memset(header.dxferp, 0x11, header.dxfer_len);
     header.host_status = 7;
     return 0;
   };
-  Call(request);
-  EXPECT_NE(result_.status, 0U);
-  EXPECT_THAT(chunk, Each(0));
-}
-
-TEST_F(SgUserClientTest, NoByteOfAFailedTransportReachesTheCaller) {
-  client_.CallScalar(0);
-  system_.command = [](sg_io_hdr_t& header) {
-    std::memset(header.dxferp, 0x11, header.dxfer_len);
-    header.host_status = 7;
-    return 0;
-  };
-  EXPECT_EQ(Call(Request(2, 64)), kIOReturnSuccess);
+  EXPECT_EQ(Read(), kIOReturnSuccess);
   EXPECT_EQ(result_.status, 0x000007FFU);
   EXPECT_EQ(result_.actualLength, 0);
-  EXPECT_THAT(buffer_, Each(0xEE));
+  EXPECT_THAT(chunk_, Each(0xEE));
 }
+
+TEST_P(SgUserClientLandingTest, AResidualThatMakesNoSenseBringsNoByte) {
+  for (const int residual : {-1, GetParam().length + 1, std::numeric_limits<int>::min()}) {
+    AnswerWith(0x11, residual);
+    Read();
+    EXPECT_THAT(chunk_, Each(0xEE)) << residual;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Nodes, SgUserClientLandingTest,
+                         testing::Values(Landing{"SmallAndMapped", true, 64, 1}, Landing{"SmallAndOwn", false, 64, 0},
+                                         Landing{"ChunkAndMapped", true, 65536, 1},
+                                         Landing{"ChunkAndOwn", false, 65536, 0},
+                                         Landing{"AboveTheMapped", true, 65537, 0}),
+                         [](const auto& landing) { return landing.param.name; });
 
 TEST_F(SgUserClientTest, AnUnplugInTheMiddleOfACommandIsNoDevice) {
   client_.CallScalar(0);
