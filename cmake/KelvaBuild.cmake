@@ -16,6 +16,12 @@ find_package(Boost 1.74 REQUIRED)
 find_package(Threads REQUIRED)
 if(KELVA_BUILD_TESTS)
   find_package(GTest REQUIRED)
+  if(NOT APPLE)
+    # Only the tests need it, so ./run is content without; tests/umockdev says so where it is missing.
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(UMOCKDEV IMPORTED_TARGET umockdev-1.0)
+    find_library(UMOCKDEV_PRELOAD umockdev-preload)
+  endif()
 endif()
 
 if(KELVA_SANITIZER)
