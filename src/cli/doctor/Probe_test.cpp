@@ -22,6 +22,8 @@ class OneNode : public darwin::sg::SgSystem {
   int Ioctl(int, unsigned long request, void* argument) override {
     return request == SG_IO ? command(*static_cast<sg_io_hdr_t*>(argument)) : Fail(ENOTTY);
   }
+  void* Map(int, std::size_t) override { return nullptr; }
+  void Unmap(void*, std::size_t) override {}
   bool WaitForHangUp(int, int) override { return false; }
 
  private:
