@@ -16,14 +16,13 @@ struct DefinedStop {};
 
 constexpr std::size_t kMostAnswered = 1024 * 1024;
 // A walk returns the whole path of every file, so its result grows with depth times entries, and the tree is trusted to be
-// finite. A small one keeps the product small.
-constexpr std::size_t kMostAnsweredInWalk = 32 * 1024;
-constexpr std::uint8_t kWalk = 3;
+// finite. The camera refuses a path longer than this, as a real one does: a mebibyte of folders inside of each other, each
+// in the one before, would be gibibytes of paths.
+constexpr int kLongestPath = 1024;
 
 class HostileCamera final : public Camera {
  public:
-  HostileCamera(InputReader& input, int chunkSize, std::size_t mostAnswered)
-      : Camera(chunkSize, 64), input_(input), mostAnswered_(mostAnswered) {}
+  HostileCamera(InputReader& input, int chunkSize) : Camera(chunkSize, 64), input_(input) {}
 
   std::string Name() const override { return "hostile"; }
   std::string MountPath() const override { return {}; }
@@ -40,11 +39,11 @@ class HostileCamera final : public Camera {
   /// One answer: a kind, and for some kinds a number. What is reported as moved need not be what was written.
   bool Transfer(const _VscCdb&, int direction, int& size, char* buffer, bool) override {
     const std::uint8_t kind = input_.Byte();
-    if (answered_ >= mostAnswered_ || (input_.AtEnd() && kind == 0)) {
+    if (answered_ >= kMostAnswered || (input_.AtEnd() && kind == 0)) {
       throw CameraTransferError("gone");
     }
     if (direction != 2) {
-      return kind != 1;
+      return kind != 1 && size <= kLongestPath;
     }
     return Answer(kind, size, buffer);
   }
@@ -80,7 +79,6 @@ class HostileCamera final : public Camera {
   }
 
   InputReader& input_;
-  const std::size_t mostAnswered_;
   std::size_t answered_ = 0;
 };
 
@@ -135,7 +133,7 @@ void Run(Camera& camera, std::uint8_t operation) {
     case 2:
       camera.ReadDir("I:\\");
       break;
-    case kWalk: {
+    case 3: {
       std::vector<std::pair<std::string, long long>> files;
       camera.TraverseDir("I:", files);
       break;
@@ -181,7 +179,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::uint8_t setting = input.Byte();
   constexpr int kChunkSizes[] = {1, 16, 700, 4096};
   Camera::throwExceptions_ = (setting & 4) != 0;
-  HostileCamera camera(input, kChunkSizes[setting % 4], operation % 10 == kWalk ? kMostAnsweredInWalk : kMostAnswered);
+  HostileCamera camera(input, kChunkSizes[setting % 4]);
   try {
     Run(camera, operation);
   } catch (const CameraError&) {
