@@ -9,6 +9,8 @@
 #include <cstring>
 #include <thread>
 
+#include "HandOver.h"
+
 namespace mock {
 namespace {
 
@@ -31,6 +33,11 @@ void Write(UMockdevIoctlData* memory, const std::uint8_t* bytes, std::size_t len
   umockdev_ioctl_data_update(memory, 0, const_cast<guint8*>(bytes), static_cast<gint>(length));
 }
 
+void Complete(UMockdevIoctlClient* client, long result, int error) {
+  GiveOver();
+  umockdev_ioctl_client_complete(client, result, error);
+}
+
 std::array<std::uint8_t, 18> FixedSense(vcam::Sense sense) {
   std::array<std::uint8_t, 18> bytes{};
   bytes[0] = 0x70;
@@ -50,11 +57,14 @@ SgDoor::SgDoor(std::shared_ptr<vcam::VirtualCamera> camera)
 
 SgDoor::~SgDoor() {
   g_signal_handlers_disconnect_by_data(handler_, this);
+  TakeOver();
   g_object_unref(handler_);
 }
 
 gboolean SgDoor::OnIoctl(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer door) {
+  TakeOver();
   static_cast<SgDoor*>(door)->Answer(client);
+  GiveOver();
   return TRUE;
 }
 
@@ -65,30 +75,30 @@ void SgDoor::Answer(UMockdevIoctlClient* client) {
     case BLKSECTGET:
       return AnswerLimit(client);
     case SG_SET_RESERVED_SIZE:
-      return umockdev_ioctl_client_complete(client, 0, 0);
+      return Complete(client, 0, 0);
     default:
-      return umockdev_ioctl_client_complete(client, -1, ENOTTY);
+      return Complete(client, -1, ENOTTY);
   }
 }
 
 void SgDoor::AnswerLimit(UMockdevIoctlClient* client) {
   const int limit = largestTransfer;
-  if (limit == 0) return umockdev_ioctl_client_complete(client, -1, ENOTTY);
+  if (limit == 0) return Complete(client, -1, ENOTTY);
   UMockdevIoctlData* answer = Behind(umockdev_ioctl_client_get_arg(client), 0, sizeof limit);
   Write(answer, reinterpret_cast<const std::uint8_t*>(&limit), sizeof limit);
-  umockdev_ioctl_client_complete(client, 0, 0);
+  Complete(client, 0, 0);
 }
 
 void SgDoor::AnswerCommand(UMockdevIoctlClient* client) {
   ++commands_;
   const int failure = gone_ ? ENODEV : error.load();
-  if (failure != 0) return umockdev_ioctl_client_complete(client, -1, failure);
+  if (failure != 0) return Complete(client, -1, failure);
   UMockdevIoctlData* arguments = Behind(umockdev_ioctl_client_get_arg(client), 0, sizeof(sg_io_hdr_t));
   sg_io_hdr_t header;
   std::memcpy(&header, arguments->data, sizeof header);
   Run(arguments, header);
   Write(arguments, reinterpret_cast<const std::uint8_t*>(&header), sizeof header);
-  umockdev_ioctl_client_complete(client, 0, 0);
+  Complete(client, 0, 0);
 }
 
 void SgDoor::Run(UMockdevIoctlData* arguments, sg_io_hdr_t& header) {

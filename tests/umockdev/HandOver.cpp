@@ -1,0 +1,8 @@
+#include "HandOver.h"
+
+namespace mock {
+
+void GiveOver() {}
+void TakeOver() {}
+
+}  // namespace mock
