@@ -53,6 +53,7 @@ std::array<std::uint8_t, 18> FixedSense(vcam::Sense sense) {
 SgDoor::SgDoor(std::shared_ptr<vcam::VirtualCamera> camera)
     : camera_(std::move(camera)), handler_(umockdev_ioctl_base_new()) {
   g_signal_connect(handler_, "handle-ioctl", G_CALLBACK(&SgDoor::OnIoctl), this);
+  GiveOver();
 }
 
 SgDoor::~SgDoor() {
