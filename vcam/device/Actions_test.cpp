@@ -1,31 +1,17 @@
 #include <gmock/gmock.h>
 
+#include "vcam/device/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
-#include "vcam/device/TestSupport.h"
 
 namespace vcam {
 namespace {
 
 using test::Ask;
-using test::AsText;
-using test::ScratchStorage;
 using test::Send;
 using test::SendText;
 using test::Tell;
 
-class ActionsTest : public testing::Test {
- protected:
-  explicit ActionsTest() : options_(scratch_.CameraOptions()) {
-    options_.now = [this] { return now_; };
-    camera_ = std::make_unique<VirtualCamera>(options_);
-  }
-  void Restart() { camera_ = std::make_unique<VirtualCamera>(options_); }
-
-  ScratchStorage scratch_;
-  std::chrono::system_clock::time_point now_{std::chrono::milliseconds(1773500966535)};
-  Options options_;
-  std::unique_ptr<VirtualCamera> camera_;
-};
+class ActionsTest : public test::CameraFixture {};
 
 TEST_F(ActionsTest, SetsTheClockAndKeepsItOverARestart) {
   const Bytes time{0xD0, 7, 1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0};

@@ -2,32 +2,15 @@
 
 #include <gmock/gmock.h>
 
-#include "vcam/device/SenseCodes.h"
-#include "vcam/device/TestSupport.h"
+#include "vcam/device/CameraFixture.h"
 
 namespace vcam {
 namespace {
 
 using test::Ask;
-using test::AsText;
-using test::ScratchStorage;
-using test::Send;
-using test::SendText;
 using test::Tell;
 
-class InformationTest : public testing::Test {
- protected:
-  explicit InformationTest() : options_(scratch_.CameraOptions()) {
-    options_.now = [this] { return now_; };
-    camera_ = std::make_unique<VirtualCamera>(options_);
-  }
-  void Restart() { camera_ = std::make_unique<VirtualCamera>(options_); }
-
-  ScratchStorage scratch_;
-  std::chrono::system_clock::time_point now_{std::chrono::milliseconds(1773500966535)};
-  Options options_;
-  std::unique_ptr<VirtualCamera> camera_;
-};
+class InformationTest : public test::CameraFixture {};
 
 TEST_F(InformationTest, IsTextsAndANumberInSixHundredAndFortyFourBytes) {
   ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x00}).Good());

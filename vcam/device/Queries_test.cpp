@@ -1,31 +1,17 @@
 #include <gmock/gmock.h>
 
+#include "vcam/device/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
-#include "vcam/device/TestSupport.h"
 
 namespace vcam {
 namespace {
 
 using test::Ask;
 using test::AsText;
-using test::ScratchStorage;
 using test::Send;
 using test::SendText;
-using test::Tell;
 
-class QueriesTest : public testing::Test {
- protected:
-  explicit QueriesTest() : options_(scratch_.CameraOptions()) {
-    options_.now = [this] { return now_; };
-    camera_ = std::make_unique<VirtualCamera>(options_);
-  }
-  void Restart() { camera_ = std::make_unique<VirtualCamera>(options_); }
-
-  ScratchStorage scratch_;
-  std::chrono::system_clock::time_point now_{std::chrono::milliseconds(1773500966535)};
-  Options options_;
-  std::unique_ptr<VirtualCamera> camera_;
-};
+class QueriesTest : public test::CameraFixture {};
 
 TEST_F(QueriesTest, TellsTheTime) {
   EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x03}, 14).data, (Bytes{0xEA, 7, 3, 0, 14, 0, 15, 0, 9, 0, 26, 0, 0x17, 2}));

@@ -1,31 +1,18 @@
 #include <gmock/gmock.h>
 
+#include "vcam/device/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
-#include "vcam/device/TestSupport.h"
 
 namespace vcam {
 namespace {
 
 using test::Ask;
 using test::AsText;
-using test::ScratchStorage;
 using test::Send;
 using test::SendText;
 using test::Tell;
 
-class SelectTest : public testing::Test {
- protected:
-  explicit SelectTest() : options_(scratch_.CameraOptions()) {
-    options_.now = [this] { return now_; };
-    camera_ = std::make_unique<VirtualCamera>(options_);
-  }
-  void Restart() { camera_ = std::make_unique<VirtualCamera>(options_); }
-
-  ScratchStorage scratch_;
-  std::chrono::system_clock::time_point now_{std::chrono::milliseconds(1773500966535)};
-  Options options_;
-  std::unique_ptr<VirtualCamera> camera_;
-};
+class SelectTest : public test::CameraFixture {};
 
 constexpr const char* kAbcKey = "a9993e364706816aba3e25717850c26c9cd0d89d";
 

@@ -1,31 +1,18 @@
 #include <gmock/gmock.h>
 
+#include "vcam/device/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
-#include "vcam/device/TestSupport.h"
 
 namespace vcam {
 namespace {
 
 using test::Ask;
 using test::AsText;
-using test::ScratchStorage;
 using test::Send;
 using test::SendText;
 using test::Tell;
 
-class WifiActionsTest : public testing::Test {
- protected:
-  explicit WifiActionsTest() : options_(scratch_.CameraOptions()) {
-    options_.now = [this] { return now_; };
-    camera_ = std::make_unique<VirtualCamera>(options_);
-  }
-  void Restart() { camera_ = std::make_unique<VirtualCamera>(options_); }
-
-  ScratchStorage scratch_;
-  std::chrono::system_clock::time_point now_{std::chrono::milliseconds(1773500966535)};
-  Options options_;
-  std::unique_ptr<VirtualCamera> camera_;
-};
+class WifiActionsTest : public test::CameraFixture {};
 
 TEST_F(WifiActionsTest, KeepsNetworkNamesInTheStateFile) {
   EXPECT_EQ(SendText(*camera_, {0xC0, 0, 0x07}, "kelva.camera.one").moved, 17U);
