@@ -18,7 +18,7 @@ constexpr std::size_t kMostAnswered = 1024 * 1024;
 // A walk returns the whole path of every file, so its result grows with depth times entries, and the tree is trusted to be
 // finite. The camera refuses a path longer than this, as a real one does: a mebibyte of folders inside of each other, each
 // in the one before, would be gibibytes of paths.
-constexpr int kLongestPath = 1024;
+constexpr int kLongestPath = 260;
 
 class HostileCamera final : public Camera {
  public:
