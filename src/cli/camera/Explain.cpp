@@ -23,4 +23,8 @@ Outcome Explain(const std::exception& error, const std::string& doing) {
   return {ExitCode::kFailed, start + Printable(error.what()) + "."};
 }
 
+bool EndsAll(ExitCode code) {
+  return code == ExitCode::kGone || code == ExitCode::kTimedOut;
+}
+
 }  // namespace kelva

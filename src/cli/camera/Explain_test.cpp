@@ -36,6 +36,13 @@ TEST(ExplainTest, LackOfMemoryIsNamed) {
   EXPECT_TRUE(Explain(std::bad_alloc(), "").sentence.starts_with("Cannot do that: there is not enough memory"));
 }
 
+TEST(ExplainTest, OnlyACameraThatHasGoneOrIsSilentEndsWorkOnSeveralFiles) {
+  EXPECT_TRUE(EndsAll(ExitCode::kGone));
+  EXPECT_TRUE(EndsAll(ExitCode::kTimedOut));
+  EXPECT_FALSE(EndsAll(ExitCode::kFailed));
+  EXPECT_FALSE(EndsAll(ExitCode::kRefused));
+}
+
 TEST(ExplainTest, AnythingElseIsShownPrintable) {
   EXPECT_EQ(Explain(std::runtime_error("odd\x1b"), "read X").sentence, "Cannot read X: odd\\x1b.");
 }

@@ -18,11 +18,6 @@ std::string TokenOf(const SyncItem& item) {
   return std::to_string(item.type) + " " + item.key.picture;
 }
 
-// A camera in this state would answer the next command no better.
-bool EndsAll(ExitCode code) {
-  return code == ExitCode::kGone || code == ExitCode::kTimedOut;
-}
-
 }  // namespace
 
 Sync::Sync(Context& context, Camera& camera, const TargetFolder& folder, Manifest& manifest, SyncOptions options)
