@@ -44,6 +44,10 @@ ExitCode GiveError(Reporter& reporter, Output& out, std::string_view verb, const
   return outcome.code;
 }
 
+bool IsGuarded(const Invocation& call) {
+  return call.verb->guarded && (call.verb->guardedWith.empty() || call.Has(call.verb->guardedWith));
+}
+
 class Tool {
  public:
   explicit Tool(std::span<const char* const> arguments)
@@ -75,7 +79,7 @@ class Tool {
     if (call_.Has("help")) return Print(call_.verb == nullptr ? Overview(AllVerbs()) : HelpFor(*call_.verb));
     Supervision supervision;
     if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");
-    if (!call_.verb->guarded) return RunSupervised(supervision, nullptr);
+    if (!IsGuarded(call_)) return RunSupervised(supervision, nullptr);
     const auto start = std::chrono::steady_clock::now();
     return static_cast<ExitCode>(Guard::Run([&](Guard& guard) {
       Supervision rest = supervision;

@@ -47,7 +47,8 @@ struct Verb {
   std::string_view json;     ///< the members of the result, one for each line: "name: meaning"
   std::span<const Example> examples;
   ExitCode (*run)(Context&);
-  bool guarded = false;  ///< an abort in one item does not end the whole; see Guard
+  bool guarded = false;               ///< an abort in one item does not end the whole; see Guard
+  std::string_view guardedWith = {};  ///< for verbs that are guarded with one option only: that option
 };
 
 /// The options that every verb takes.
