@@ -17,12 +17,12 @@ namespace {
 using wifi_testing::PlainCamera;
 using ProgressFunction = void (*)(void*, float);
 
-// A pointer to a virtual member holds, in the C++ ABI of this platform, 1 + the byte offset in the table.
+// A pointer to a virtual member starts with the byte offset in the table, which the C++ ABI of some processors makes odd.
 template <typename Member>
 std::size_t Slot(Member member) {
   std::size_t word = 0;
   std::memcpy(&word, &member, sizeof word);
-  return (word - 1) / sizeof(void*);
+  return word / sizeof(void*);
 }
 
 TEST(CameraTable, DeviceOperationsComeFirst) {

@@ -1,0 +1,100 @@
+#!/usr/bin/env python3
+"""The build as a Mac configures it: which parts there are, which tests, and how the agent is compiled and bundled.
+
+Usage: configure_test.py PROJECT COMPILER GTEST_FOLDER
+"""
+
+import json
+import pathlib
+import plistlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROJECT = pathlib.Path()
+COMPILER = ""
+GTEST_FOLDER = ""
+
+
+class Configured:
+    """One configured build folder."""
+
+    def __init__(self, folder, *options):
+        self.folder = pathlib.Path(folder)
+        command = ["cmake", "-G", "Ninja", "-S", PROJECT, "-B", folder]
+        command += [f"-DCMAKE_TOOLCHAIN_FILE={PROJECT}/tests/macos/darwin-toolchain.cmake", "-DCMAKE_HOST_APPLE=ON"]
+        command += [f"-DCMAKE_CXX_COMPILER={COMPILER}", f"-DCMAKE_OBJCXX_COMPILER={COMPILER}"]
+        run = subprocess.run([*command, *options], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+        if run.returncode != 0:
+            raise AssertionError(run.stdout)
+        self.commands = json.loads((self.folder / "compile_commands.json").read_text())
+
+    def sources(self):
+        return [pathlib.Path(entry["file"]).relative_to(PROJECT).as_posix() for entry in self.commands]
+
+    def command_of(self, source):
+        return next(entry["command"] for entry in self.commands if entry["file"].endswith(source))
+
+    def tests(self):
+        run = subprocess.run(["ctest", "-N"], cwd=self.folder, capture_output=True, text=True, check=True)
+        return [line.split(": ")[1].strip() for line in run.stdout.splitlines() if line.strip().startswith("Test ") and "#" in line]
+
+    def information(self):
+        return plistlib.loads((self.folder / "bin/KelvaHelper.app/Contents/Info.plist").read_bytes())
+
+
+class EverydayBuild(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.folder.cleanup)
+        cls.build = Configured(cls.folder.name, f"-DGTest_DIR={GTEST_FOLDER}", "-DCMAKE_FIND_PACKAGE_PREFER_CONFIG=ON")
+
+    def test_library_and_agent_are_built_and_nothing_of_the_linux_side(self):
+        folders = {source.rsplit("/", 1)[0] for source in self.build.sources()}
+        self.assertLessEqual({"src/wifi", "src/usb/osx", "src/ui/osx/KelvaHelper"}, folders)
+        for folder in folders:
+            self.assertFalse(folder.startswith(("darwin", "vcam", "src/cli", "src/ui/linux", "tests/kernel")), folder)
+
+    def test_only_tests_that_a_mac_can_run_are_there(self):
+        tests = self.build.tests()
+        self.assertIn("wifi_CameraError_test", tests)
+        self.assertIn("protocol_document_test", tests)
+        self.assertIn("macos_bundle_test", tests)
+        for test in tests:
+            self.assertTrue(test.startswith("wifi_") or test in ("protocol_document_test", "macos_bundle_test"), test)
+
+
+class ShippedBuild(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.folder.cleanup)
+        cls.build = Configured(cls.folder.name, "-DKELVA_BUILD_TESTS=OFF", "-DKELVA_DESKTOP_ID=com.example.Other")
+
+    def test_every_source_is_compiled_for_both_processors_and_the_oldest_system(self):
+        for entry in self.build.commands:
+            for words in ("-arch x86_64", "-arch arm64", "-mmacosx-version-min=11.0", "-std=c++20"):
+                self.assertIn(words, entry["command"])
+
+    def test_agent_knows_the_desktop_application_that_the_build_names(self):
+        self.assertIn("com.example.Other", self.build.command_of("Callback.mm"))
+
+    def test_bundle_says_what_the_system_needs_to_start_it(self):
+        information = self.build.information()
+        self.assertEqual(information["NSPrincipalClass"], "NSApplication")
+        self.assertEqual(information["CFBundleExecutable"], "KelvaHelper")
+        self.assertEqual(information["LSMinimumSystemVersion"], "11.0")
+        self.assertIs(information["LSUIElement"], True)
+
+    def test_release_preset_needs_no_benchmark_library(self):
+        presets = json.loads((PROJECT / "CMakePresets.json").read_text())["configurePresets"]
+        release = next(preset for preset in presets if preset["name"] == "release")
+        self.assertEqual(release["cacheVariables"], {"CMAKE_BUILD_TYPE": "Release", "KELVA_BUILD_TESTS": "OFF"})
+
+
+if __name__ == "__main__":
+    PROJECT, COMPILER, GTEST_FOLDER = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
+    del sys.argv[1:4]
+    unittest.main()
