@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What ./run shows. Needs say.sh and build.sh. $build is the build folder whose programs are shown.
+# What ./run shows. Needs say.sh, packages.sh and build.sh. $build is the build folder whose programs are shown.
 root=${root:?the folder of the repository}
 build=${build:-$root/build/dev}
 bin="$build/bin"
@@ -15,8 +15,9 @@ absolute_folder() {
 }
 
 run_on_macos() {
-  build_preset dev
   [ "$1" = system ] || die 1 "the virtual cameras are built on Linux only; ./run --system starts the helper on this Mac's own cameras."
+  need_packages build
+  build_preset dev KelvaHelper
   say "Starting KelvaHelper.app; plug a camera in. Ctrl-C ends it."
   exec "$bin/KelvaHelper.app/Contents/MacOS/KelvaHelper"
 }

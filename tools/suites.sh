@@ -5,9 +5,22 @@ root=${root:?the folder of the repository}
 # Labels: long (minutes), kernel (needs an emulator). The quick set is what has neither.
 labels_apart='^(long|kernel)$'
 
+# On a Mac there are the library, the agent and their tests; all else is built on Linux only.
+on_macos() {
+  [ "$(uname -s)" = Darwin ]
+}
+
+not_on_macos() {
+  ! on_macos || die 1 "the $1 tests run on Linux only; ./test runs what there is on this Mac."
+}
+
 suite_quick() {
   need_packages build test
   build_preset dev
+  if on_macos; then
+    run_ctest build/dev
+    return
+  fi
   build_preset fuzz
   merge_suites build/quick dev fuzz
   run_ctest build/quick -LE "$labels_apart"
@@ -20,12 +33,14 @@ suite_sanitizer() {
 }
 
 suite_labelled() {
+  not_on_macos "$1"
   need_packages build test all
   build_preset dev
   run_ctest build/dev -L "^$1\$"
 }
 
 suite_fuzz() {
+  not_on_macos fuzz
   need_packages build test
   build_preset fuzz
   run_ctest build/fuzz
@@ -33,12 +48,13 @@ suite_fuzz() {
 
 # Builds first, tests after, so that one run of ctest closes with the sum of everything.
 suite_all() {
+  local presets=(dev asan tsan) preset
+  on_macos || presets+=(fuzz)
   need_packages build test all
-  build_preset dev
-  build_preset asan
-  build_preset tsan
-  build_preset fuzz
-  merge_suites build/all dev asan tsan fuzz
+  for preset in "${presets[@]}"; do
+    build_preset "$preset"
+  done
+  merge_suites build/all "${presets[@]}"
   run_ctest build/all
 }
 
