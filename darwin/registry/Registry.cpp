@@ -77,8 +77,17 @@ bool IsWaitedFor(const Registry::State& state) {
   return state.source != nullptr && state.started && !state.failed;
 }
 
+bool HasPorts(Registry::State& state) {
+  const std::lock_guard lock(state.mutex);
+  return state.livePorts != 0;
+}
+
 /// A run loop on another thread may be asleep without knowing of a descriptor or a moment that the source has only now.
+/// Without a port nobody waits, and the source is not asked: it may have something to say to those who do.
 void NoteWhatIsWaitedFor(Registry::State& state) {
+  if (!HasPorts(state)) {
+    return;
+  }
   const int descriptor = IsWaitedFor(state) ? state.source->Descriptor() : -1;
   const bool timed = IsWaitedFor(state) && state.source->TimeoutMs() >= 0;
   const bool wasTimed = std::exchange(state.timed, timed);

@@ -54,7 +54,8 @@ class RegistrySource {
   /// Called once, at the first look at the registry; publishes what is present now. An exception makes that look fail
   /// with kIOReturnError, and the next look calls it again.
   virtual void Start(Registry& registry) = 0;
-  /// A descriptor that is readable when Dispatch has something to do; -1 for none. Asked again before each wait.
+  /// A descriptor that is readable when Dispatch has something to do; -1 for none. Asked again before each wait, and not
+  /// at all while nobody has a notification port to wait with.
   virtual int Descriptor() const = 0;
   /// Milliseconds until Dispatch wants to be called although nothing is readable; -1 for never.
   virtual int TimeoutMs() const { return -1; }

@@ -19,6 +19,7 @@ struct Script {
   std::atomic<int> dispatches{0};
   std::atomic<int> stopAt{-1};  ///< the dispatch that stops the run loop
   std::atomic<int> timeoutMs{-1};
+  std::atomic<int> asked{0};  ///< how often it was asked what to wait for
   std::atomic<bool> startFails{false};
   std::atomic<bool> dispatchFails{false};
   std::atomic<EntryId> camera{0};
@@ -35,7 +36,10 @@ class ScriptedSource final : public RegistrySource {
     if (script_.startFails) throw std::runtime_error("The bus cannot be reached.");
   }
 
-  int Descriptor() const override { return script_.readable.Get(); }
+  int Descriptor() const override {
+    ++script_.asked;
+    return script_.readable.Get();
+  }
   int TimeoutMs() const override { return script_.timeoutMs; }
 
   /// Publishes a camera when the descriptor says so.
@@ -110,6 +114,14 @@ TEST_F(Source, IsStartedOnceAtTheFirstLookAndAskedForNewsAtEachLaterOne) {
   EXPECT_EQ(Count(IOServiceMatching("Camera")), 1u);
   EXPECT_EQ(script_.starts, 1);
   EXPECT_EQ(script_.dispatches, 1);
+}
+
+TEST_F(Source, IsAskedWhatToWaitForOnlyWhenSomebodyCanWait) {
+  EXPECT_EQ(Count(IOServiceMatching("Camera")), 0u);
+  EXPECT_EQ(Count(IOServiceMatching("Camera")), 0u);
+  EXPECT_EQ(script_.asked, 0);
+  const Listening listening;
+  EXPECT_GT(script_.asked, 0);
 }
 
 TEST_F(Source, WakesTheRunLoopThroughItsDescriptor) {
