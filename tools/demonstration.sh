@@ -74,7 +74,7 @@ wait_for() {
 
 # The storage of both cameras: the pictures, named and placed as a camera does.
 prepare_storage() {
-  local pictures="$scratch/storage/DCIM/100KELVA" picture count=0
+  local pictures="$scratch/storage/DCIM/100KELVA" picture reason count=0
   if [ -z "$1" ]; then
     "$bin/draw-pictures" "$scratch/storage" || die 1 "the pictures could not be drawn; the reason is above."
     say "Drew 4 pictures: they are the storage of two virtual cameras."
@@ -83,7 +83,8 @@ prepare_storage() {
   mkdir -p "$pictures"
   while IFS= read -r -d '' picture; do
     count=$((count + 1))
-    cp "$picture" "$pictures/$(printf 'IMG_%04d.JPG' "$count")" || die 1 "\"$picture\" cannot be copied; the reason is above."
+    reason=$(cp "$picture" "$pictures/$(printf 'IMG_%04d.JPG' "$count")" 2>&1) ||
+      die 1 "\"$picture\" cannot be copied (${reason##*: }); change its permissions or name another folder."
     [ "$count" -lt 50 ] || break
   done < <(find "$1" -maxdepth 1 -type f \( -iname '*.jpg' -o -iname '*.jpeg' \) -print0 | sort -z)
   [ "$count" -gt 0 ] || die 1 "there is no JPEG file (*.jpg, *.jpeg) in \"$1\"; name a folder that holds some."

@@ -54,6 +54,9 @@ mkdir "$scratch_of_test/empty"
 expect_refusal "there is no JPEG file" demonstrate "$scratch_of_test/empty"
 expect_refusal "there is no folder" absolute_folder "$scratch_of_test/missing"
 expect_refusal "is not a folder" absolute_folder "$scratch_of_test/my pictures/notes.txt"
+# shellcheck disable=SC2016 # the words belong to the inner shell
+expect_refusal "IMG\|holiday.jpeg\" cannot be copied (Permission denied); change" \
+  eval 'cp() { echo "cp: cannot open it for reading: Permission denied" >&2; return 1; }; demonstrate "'"$scratch_of_test/my pictures"'"'
 
 leftovers=$(ls "$TMPDIR")
 [ -z "$leftovers" ] || fail "left behind: $leftovers"
