@@ -18,6 +18,9 @@ constexpr char kHelp[] =
     "\n"
     "Starts the desktop application whose entry is DESKTOP_ID.desktop, and ends.\n"
     "\n"
+    "  --help     print this text\n"
+    "  --version  print the version\n"
+    "\n"
     "Exit codes: 0 started; 1 it could not be started; 2 wrong arguments; 3 not installed.\n";
 
 void WriteLine(std::FILE* stream, const std::string& sentence) {
@@ -61,9 +64,12 @@ int Open(const std::vector<std::string>& arguments) {
   if (arguments.size() != 1 || arguments[0].empty()) {
     return Fail(kWrongArguments, "This program takes one argument, the desktop id of the application to start.");
   }
-  if (arguments[0] == "--help") {
-    std::fputs(kHelp, stdout);
-    return 0;
+  if (arguments[0] == "--help" || arguments[0] == "--version") {
+    std::fputs(arguments[0] == "--help" ? kHelp : "kelva-open " KELVA_VERSION "\n", stdout);
+    return kLaunched;
+  }
+  if (arguments[0].front() == '-') {
+    return Fail(kWrongArguments, "\"" + arguments[0] + "\" is no desktop id; --help says how this program is used.");
   }
   DesktopApplication application(arguments[0]);
   if (application) return Launch(application, arguments[0]);

@@ -58,6 +58,19 @@ TEST_F(OpenerTest, OtherThanOneArgumentIsWrongUse) {
   }
 }
 
+TEST_F(OpenerTest, VersionIsOneLineAndCodeZero) {
+  const Outcome outcome = OpenWith({"--version"});
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_EQ(outcome.output.rfind("kelva-open ", 0), 0U) << outcome.output;
+  EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_F(OpenerTest, OptionThatIsNotKnownIsNoApplication) {
+  const Outcome outcome = OpenWith({"--frobnicate"});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_EQ(outcome.errors, "kelva-open: \"--frobnicate\" is no desktop id; --help says how this program is used.\n");
+}
+
 TEST_F(OpenerTest, HelpNamesEveryExitCode) {
   const Outcome outcome = OpenWith({"--help"});
   EXPECT_EQ(outcome.code, 0);
