@@ -14,6 +14,17 @@ absolute_folder() {
     die 1 "the folder \"$1\" cannot be read; change its permissions or name another."
 }
 
+# pictures_of FOLDER: the JPEG files that lie in it, each ended by a NUL.
+pictures_of() {
+  find "$1" -maxdepth 1 -type f \( -iname '*.jpg' -o -iname '*.jpeg' \) -print0
+}
+
+# need_pictures FOLDER: before anything is built, which takes a minute the first time.
+need_pictures() {
+  [ "$(pictures_of "$1" | head -c 1 | wc -c)" != 0 ] ||
+    die 1 "there is no JPEG file (*.jpg, *.jpeg) in \"$1\"; name a folder that holds some."
+}
+
 run_on_macos() {
   [ "$1" = system ] || die 1 "the virtual cameras are built on Linux only; ./run --system starts the helper on this Mac's own cameras."
   need_packages build
@@ -86,8 +97,7 @@ prepare_storage() {
     reason=$(cp "$picture" "$pictures/$(printf 'IMG_%04d.JPG' "$count")" 2>&1) ||
       die 1 "\"$picture\" cannot be copied (${reason##*: }); change its permissions or name another folder."
     [ "$count" -lt 50 ] || break
-  done < <(find "$1" -maxdepth 1 -type f \( -iname '*.jpg' -o -iname '*.jpeg' \) -print0 | sort -z)
-  [ "$count" -gt 0 ] || die 1 "there is no JPEG file (*.jpg, *.jpeg) in \"$1\"; name a folder that holds some."
+  done < <(pictures_of "$1" | sort -z)
   say "Took $count pictures of $1 (no more than 50): they are the storage of two virtual cameras."
 }
 

@@ -51,7 +51,7 @@ expect_line "Took 1 pictures of $scratch_of_test/my pictures"
 expect_line "fetched IMG_0001.JPG ($(wc -c <"$scratch_of_test/my pictures/a holiday.jpeg") bytes)"
 
 mkdir "$scratch_of_test/empty"
-expect_refusal "there is no JPEG file" demonstrate "$scratch_of_test/empty"
+expect_refusal "there is no JPEG file" need_pictures "$scratch_of_test/empty"
 expect_refusal "there is no folder" absolute_folder "$scratch_of_test/missing"
 expect_refusal "is not a folder" absolute_folder "$scratch_of_test/my pictures/notes.txt"
 # shellcheck disable=SC2016 # the words belong to the inner shell
