@@ -13,7 +13,10 @@ namespace kelva {
 namespace {
 
 std::optional<std::string> Socket(const std::optional<std::string>& option) {
-  if (option) return option;
+  if (option) {
+    if (option->empty()) throw Failure(ExitCode::kUsage, "--virtual needs the path of a virtual bus's socket.");
+    return option;
+  }
   const char* variable = std::getenv("KELVA_VIRTUAL");
   if (variable == nullptr || *variable == '\0') return std::nullopt;
   return variable;

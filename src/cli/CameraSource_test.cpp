@@ -13,6 +13,16 @@ TEST(CameraSourceTest, ABusThatNobodyServesIsAFailure) {
   EXPECT_THROW(ChooseCameraSource("/nowhere/bus"), Failure);
 }
 
+TEST(CameraSourceTest, AnEmptyPathIsWrongUse) {
+  try {
+    ChooseCameraSource("");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Code(), ExitCode::kUsage);
+    EXPECT_STREQ(failure.what(), "--virtual needs the path of a virtual bus's socket.");
+  }
+}
+
 TEST(CameraSourceTest, TheVariableNamesABusToo) {
   ::setenv("KELVA_VIRTUAL", "/nowhere/bus", 1);
   EXPECT_THROW(ChooseCameraSource(std::nullopt), Failure);
