@@ -35,8 +35,14 @@ constexpr ReturnRow kReturns[] = {
      "this user may not send commands to the camera; `kelva doctor` shows how to allow it."},
     {0xE00002BD, ExitCode::kFailed,  // kIOReturnNoMemory
      "the system had no memory for the transfer; close other programs and repeat the command."},
-    {0xE00002C2, ExitCode::kFailed,  // kIOReturnBadArgument
+    {0xE00002E1, ExitCode::kFailed,  // kIOReturnMessageTooLarge
      "the system's driver does not take a transfer of this size; `kelva doctor` shows the limit."},
+    {0xE00002C2, ExitCode::kFailed,  // kIOReturnBadArgument
+     "the system's driver does not take a transfer of this kind; `kelva doctor` looks for the cause."},
+    {0xE00002CD, ExitCode::kFailed,  // kIOReturnNotOpen
+     "its session has ended; repeat the command."},
+    {0xE00002CA, ExitCode::kFailed,  // kIOReturnIOError
+     "the system could not carry it out; `kelva doctor` looks for the cause."},
 };
 
 struct SenseRow {

@@ -45,6 +45,22 @@ TEST(AdviceTest, HeldBusyAndSilentCamerasAreToldApart) {
   EXPECT_EQ(Of(0xE00002D6, 0).code, ExitCode::kTimedOut);
 }
 
+TEST(AdviceTest, ATransferThatTheNodeCannotCarryPointsAtTheLimit) {
+  const Verdict verdict = Of(0xE00002E1, 0);
+  EXPECT_EQ(verdict.code, ExitCode::kFailed);
+  EXPECT_EQ(verdict.clause,
+            "the system's driver does not take a transfer of this size; `kelva doctor` shows the limit.");
+}
+
+TEST(AdviceTest, EveryCodeOfTheLinuxDriverHasWordsOfItsOwn) {
+  // kIOReturnNoMemory, IOError, NotOpen, Busy, Timeout, MessageTooLarge, NotPermitted, ExclusiveAccess, NoDevice,
+  // BadArgument: what darwin/sg answers.
+  for (const std::uint32_t code : {0xE00002BDU, 0xE00002CAU, 0xE00002CDU, 0xE00002D5U, 0xE00002D6U, 0xE00002E1U,
+                                   0xE00002E2U, 0xE00002C5U, 0xE00002C0U, 0xE00002C2U}) {
+    EXPECT_THAT(Of(code, 0).clause, testing::Not(HasSubstr("with code 0x"))) << std::hex << code;
+  }
+}
+
 TEST(AdviceTest, ARefusalNamesCommandSenseKeyAndCode) {
   const Verdict verdict = Of(0, 0x03240502);
   EXPECT_EQ(verdict.code, ExitCode::kRefused);
