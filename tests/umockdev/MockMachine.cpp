@@ -12,6 +12,7 @@
 namespace mock {
 namespace {
 
+constexpr int kCompactDisc = 5;
 constexpr mode_t kUsable = 0600;
 
 std::string Padded(std::string text, std::size_t width) {
@@ -71,8 +72,17 @@ std::string MockMachine::Describe(const Unit& unit, Plugged& plugged) {
     const std::string target = "target" + Number(unit.port) + ":0:0/" + Number(unit.port) + ":0:0:0";
     device("host" + Number(unit.port) + "/" + target, UnitText(unit));
   }
+  if (unit.upTo >= Stage::kUnit && unit.peripheralType == kCompactDisc) text += DescribeDisc(unit, path, plugged);
   if (unit.upTo >= Stage::kNode) device("scsi_generic/sg" + Number(unit.port), NodeText(unit));
   return text;
+}
+
+// The block device that the kernel's disc driver makes of a unit of that type, beside the generic one.
+std::string MockMachine::DescribeDisc(const Unit& unit, const std::string& unitPath, Plugged& plugged) {
+  const std::string name = "sr" + Number(unit.port);
+  plugged.paths.push_back(unitPath + "/block/" + name);
+  return "P: " + plugged.paths.back() + "\nN: " + name + "=00\nE: SUBSYSTEM=block\nE: DEVTYPE=disk\nE: DEVNAME=/dev/" +
+         name + "\nE: MAJOR=11\nE: MINOR=" + Number(unit.port) + "\n\n";
 }
 
 // The hubs and the device; returns the device's name.

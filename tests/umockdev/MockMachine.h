@@ -65,6 +65,7 @@ class MockMachine {
   using AddDevice = std::function<void(const std::string& step, const std::string& text)>;
 
   std::string Describe(const Unit& unit, Plugged& plugged);
+  std::string DescribeDisc(const Unit& unit, const std::string& unitPath, Plugged& plugged);
   std::string DescribeUsb(const Unit& unit, const AddDevice& device);
   void Add(const std::string& description);
   void Withdraw(Plugged& plugged);

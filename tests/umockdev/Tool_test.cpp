@@ -1,9 +1,13 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "MockMachine.h"
@@ -24,8 +28,9 @@ struct Ended {
 /// The tool as an unmodified process on a mock machine.
 class ToolTest : public testing::Test {
  protected:
-  static Ended Run(const std::string& arguments) {
-    const std::string command = "LD_PRELOAD=" KELVA_UMOCKDEV_PRELOAD " " KELVA_PROGRAM " " + arguments + " 2>/dev/null";
+  static Ended Run(const std::string& arguments, const std::string& before = "") {
+    const std::string command =
+        "LD_PRELOAD=" KELVA_UMOCKDEV_PRELOAD " " + before + KELVA_PROGRAM " " + arguments + " 2>/dev/null";
     FILE* pipe = ::popen(command.c_str(), "r");
     Ended ended;
     std::array<char, 4096> part;
@@ -37,10 +42,11 @@ class ToolTest : public testing::Test {
   }
 
   // Plugs a camera in that answers.
-  void PlugCamera(const std::string& serial, int port) {
+  std::shared_ptr<SgDoor> PlugCamera(const std::string& serial, int port) {
     machine_.Plug({.serial = serial, .port = port});
-    machine_.Attach(port,
-                    std::make_shared<SgDoor>(std::make_shared<vcam::VirtualCamera>(storage_.CameraOptions(serial))));
+    auto door = std::make_shared<SgDoor>(std::make_shared<vcam::VirtualCamera>(storage_.CameraOptions(serial)));
+    machine_.Attach(port, door);
+    return door;
   }
 
   vcam::test::ScratchStorage storage_;
@@ -84,9 +90,63 @@ TEST_F(ToolTest, TheDoctorFindsACameraWell) {
   EXPECT_THAT(Run("doctor --json").output, AllOf(HasSubstr("\"well\""), HasSubstr("K1")));
 }
 
-TEST_F(ToolTest, TheDoctorNamesTheCommandThatLoadsAMissingDriver) {
+// Each state that the doctor knows, with the words and the command that a person sees.
+
+TEST_F(ToolTest, TheDoctorSaysThatThereIsNoDevice) {
+  const Ended ended = Run("doctor");
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.output, HasSubstr("No camera is attached to this machine."));
+}
+
+TEST_F(ToolTest, TheDoctorNamesTheCommandThatLoadsTheStorageDriver) {
+  machine_.Plug({.serial = "K1", .upTo = Stage::kUsb});
+  const Ended ended = Run("doctor");
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.output, HasSubstr("To mend it:  sudo modprobe usb-storage"));
+}
+
+TEST_F(ToolTest, TheDoctorNamesTheCommandThatLoadsTheGenericDriver) {
   machine_.Plug({.serial = "K1", .upTo = Stage::kUnit});
-  EXPECT_THAT(Run("doctor").output, HasSubstr("sudo modprobe sg"));
+  const Ended ended = Run("doctor");
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.output, HasSubstr("To mend it:  sudo modprobe sg"));
+}
+
+TEST_F(ToolTest, TheDoctorNamesTheCommandThatGivesThePermission) {
+  PlugCamera("K1", 0);
+  machine_.SetUsable(0, false);
+  const Ended ended = Run("doctor", "setpriv --bounding-set=-dac_override,-dac_read_search ");
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.output, HasSubstr("This user may not read and write /dev/sg0 (Permission denied)."));
+  EXPECT_THAT(ended.output, testing::ContainsRegex("To mend it:  sudo (setfacl|usermod|udevadm)"));
+}
+
+TEST_F(ToolTest, TheDoctorNamesWhoHoldsTheCamera) {
+  PlugCamera("K1", 0);
+  const int node = ::open("/dev/sg0", O_RDWR | O_CLOEXEC);
+  ASSERT_GE(node, 0);
+  ASSERT_EQ(::flock(node, LOCK_EX | LOCK_NB), 0);
+  const Ended ended = Run("doctor");
+  ::close(node);
+  EXPECT_EQ(ended.code, 1);
+  const std::string process = std::to_string(::getpid());
+  EXPECT_THAT(ended.output, HasSubstr(" (process " + process + ")"));
+  EXPECT_THAT(ended.output, HasSubstr("To mend it:  kill " + process));
+}
+
+TEST_F(ToolTest, TheDoctorNamesTheDiscThatABadCameraShows) {
+  machine_.Plug({.serial = "K1", .revision = "Q42", .peripheralType = 5, .port = 2});
+  const Ended ended = Run("doctor");
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.output, HasSubstr("To mend it:  sudo eject /dev/sr2"));
+}
+
+TEST_F(ToolTest, TheDoctorNamesTheCommandThatPlugsASilentCameraInAgain) {
+  constexpr int kHostTimeOut = 3;
+  PlugCamera("K1", 0)->hostStatus = kHostTimeOut;
+  const Ended ended = Run("doctor");
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.output, AllOf(HasSubstr("The camera does not answer."), HasSubstr("/authorized")));
 }
 
 }  // namespace

@@ -15,6 +15,13 @@ Finding AboutCamera(const CameraFacts& camera, Condition condition, std::string 
   return {condition, camera.serial, std::move(sentence), "", ""};
 }
 
+/// What unplugging and plugging in do, without touching the cable; empty for a unit that hangs on no USB device.
+std::string PlugAgain(const CameraFacts& camera) {
+  if (camera.usbPath.empty()) return "";
+  const std::string file = camera.usbPath + "/authorized";
+  return "echo 0 | sudo tee " + file + " && echo 1 | sudo tee " + file;
+}
+
 Finding DriverNotLoaded(const CameraFacts& camera) {
   Finding finding =
       AboutCamera(camera, Condition::kDriverNotLoaded, "The camera is on the bus, but no kernel driver has taken it.");
@@ -32,7 +39,8 @@ Finding NotSetUp(const CameraFacts& camera) {
 Finding BadCamera(const CameraFacts& camera) {
   Finding finding = AboutCamera(camera, Condition::kBadCamera,
                                 "The camera shows itself as a compact disc (revision Q42) and takes no commands.");
-  finding.advice = "Eject the disc that it shows, unplug the camera, switch it off and on, and plug it in again.";
+  if (!camera.disc.empty()) finding.command = "sudo eject " + camera.disc;
+  finding.advice = "Then unplug the camera, switch it off and on, and plug it in again.";
   return finding;
 }
 
@@ -84,7 +92,10 @@ Finding NotAnswering(const CameraFacts& camera) {
   Finding finding =
       AboutCamera(camera, Condition::kNotAnswering,
                   silent ? "The camera does not answer." : "The camera answers every question with an error.");
-  finding.advice = "Unplug it, switch it off and on, and plug it in again; then try another cable or port.";
+  finding.command = PlugAgain(camera);
+  finding.advice =
+      "Should that not help, unplug it, switch it off and on, and plug it in again; then try another cable "
+      "or port.";
   return finding;
 }
 
@@ -119,7 +130,9 @@ Finding DiagnoseCamera(const CameraFacts& camera, const MachineFacts& facts) {
 
 Finding NoDevice() {
   Finding finding{Condition::kNoDevice, "", "No camera is attached to this machine.", "", ""};
-  finding.advice = "Switch the camera on, and try another cable or port: the kernel sees no USB device of this maker.";
+  finding.advice =
+      "Switch the camera on, and try another cable or port: the kernel sees no USB device of this maker. "
+      "`journalctl -k -f` shows what it says while you plug in.";
   return finding;
 }
 

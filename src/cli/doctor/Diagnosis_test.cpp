@@ -54,6 +54,7 @@ TEST(DiagnosisTest, WithoutACameraItSaysSo) {
   MachineFacts facts;
   facts.udevRuns = true;
   EXPECT_EQ(Only(facts).condition, Condition::kNoDevice);
+  EXPECT_THAT(Only(facts).advice, HasSubstr("`journalctl -k -f`"));
 }
 
 TEST(DiagnosisTest, ADeviceThatNoDriverTookNeedsTheStorageDriver) {
@@ -127,7 +128,10 @@ TEST(DiagnosisTest, ABadCameraIsOneWhateverElseHolds) {
   camera.peripheralType = 5;
   camera.revision = "Q42";
   camera.node.clear();
-  EXPECT_EQ(Only(With(camera)).condition, Condition::kBadCamera);
+  camera.disc = "/dev/sr1";
+  const Finding finding = Only(With(camera));
+  EXPECT_EQ(finding.condition, Condition::kBadCamera);
+  EXPECT_EQ(finding.command, "sudo eject /dev/sr1");
 }
 
 TEST(DiagnosisTest, ACompactDiscOfAnotherRevisionIsACamera) {
@@ -141,7 +145,12 @@ TEST(DiagnosisTest, ASilentCameraAndAFailingOneAreNotAnswering) {
   camera.answer = Answer::kSilent;
   EXPECT_EQ(Only(With(camera)).sentence, "The camera does not answer.");
   camera.answer = Answer::kFails;
-  EXPECT_EQ(Only(With(camera)).condition, Condition::kNotAnswering);
+  const Finding finding = Only(With(camera));
+  EXPECT_EQ(finding.condition, Condition::kNotAnswering);
+  EXPECT_EQ(finding.command,
+            "echo 0 | sudo tee /sys/devices/usb1/1-1/authorized && echo 1 | sudo tee /sys/devices/usb1/1-1/authorized");
+  camera.usbPath.clear();
+  EXPECT_THAT(Only(With(camera)).command, IsEmpty());
 }
 
 TEST(DiagnosisTest, ALimitBelowAChunkIsRaised) {

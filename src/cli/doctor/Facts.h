@@ -29,6 +29,8 @@ struct CameraFacts {
   std::string unitPath;
   int peripheralType = -1;
   std::string revision;
+  /// The compact disc that a bad camera shows, such as "/dev/sr0"; empty for other units.
+  std::string disc;
   /// Sectors of 512 bytes that the kernel carries in one command; nothing when it sets no limit of its own.
   std::optional<int> maxSectors;
   /// The node's path, such as "/dev/sg3", and its numbers.

@@ -24,6 +24,7 @@ using darwin::udev::UdevDevice;
 using darwin::udev::UdevEnumerate;
 
 constexpr const char* kMaker = "Kelva";
+constexpr int kCompactDisc = 5;
 constexpr const char* kMassStorage = "08";  // the USB interface class
 constexpr std::array kRuleFolders{"/etc/udev/rules.d", "/run/udev/rules.d", "/usr/lib/udev/rules.d",
                                   "/lib/udev/rules.d"};
@@ -83,6 +84,9 @@ CameraFacts ReadUnit(::udev* context, udev_device* unit) {
     camera.usbPath = Text(udev_device_get_syspath(usb));
     camera.serial = Attribute(usb, "serial");
   }
+  ForEach(context, "block", unit, [&](udev_device* block) {
+    if (camera.peripheralType == kCompactDisc) camera.disc = Text(udev_device_get_devnode(block));
+  });
   ForEach(context, "scsi_generic", unit, [&](udev_device* generic) { ReadNode(generic, camera); });
   return camera;
 }
