@@ -111,6 +111,10 @@ void BulkOnly::ApplyFault(WireFault fault) {
     case WireFault::kBabble:
       data_.resize(command_.length + 1);
       return;
+    case WireFault::kPull:
+      data_.resize(data_.size() / 2);
+      gone_ = true;
+      return;
   }
 }
 

@@ -248,6 +248,22 @@ TEST_F(BulkOnlyTest, SkippedDataIsTheStatusInItsPlace) {
   EXPECT_EQ(bulk_.Take(13, kNow), std::nullopt);
 }
 
+TEST_F(BulkOnlyTest, PulledCableIsOutBehindHalfOfTheData) {
+  fault_ = WireFault::kPull;
+  Answers({1, 2, 3, 4});
+  bulk_.Give(Reading(4), kNow);
+  const auto taken = bulk_.Take(4, kNow);
+  ASSERT_TRUE(taken.has_value());
+  EXPECT_THAT(taken->data, ElementsAre(1, 2));
+  EXPECT_TRUE(taken->unplug);
+}
+
+TEST_F(BulkOnlyTest, PulledCableIsOutInTheMidstOfACommandWithoutData) {
+  fault_ = WireFault::kPull;
+  bulk_.Give(Acting(), kNow);
+  EXPECT_TRUE(bulk_.Unplugged(kNow));
+}
+
 TEST_F(BulkOnlyTest, CommandsOfTheKernelAreNotSpoiled) {
   fault_ = WireFault::kPhaseError;
   bulk_.Give(Wrapped(0x00, 0, 0x00), kNow);

@@ -21,6 +21,7 @@ constexpr std::array kNames{
     Named{WireFault::kPhaseError, "phase-error"},
     Named{WireFault::kShortStatus, "short-status"},
     Named{WireFault::kBabble, "babble"},
+    Named{WireFault::kPull, "pull"},
 };
 
 constexpr auto kFaults = [] {

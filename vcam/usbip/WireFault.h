@@ -21,6 +21,7 @@ enum class WireFault : std::uint8_t {
   kPhaseError,   ///< the status says that host and device disagree
   kShortStatus,  ///< the status lacks its last byte
   kBabble,       ///< more data than was asked for
+  kPull,         ///< the cable is pulled, half-way through the data
 };
 
 std::string_view NameOf(WireFault fault);
