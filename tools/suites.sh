@@ -2,8 +2,8 @@
 # The sets of tests that ./test knows. Needs say.sh, packages.sh and build.sh.
 root=${root:?the folder of the repository}
 #
-# Labels: long (minutes), kernel (needs an emulator). The quick set is what has neither.
-labels_apart='^(long|kernel)$'
+# Labels: long (minutes), kernel (needs an emulator), gnustep. The quick set is what is not long.
+labels_apart='^long$'
 
 # On a Mac there are the library, the agent and their tests; all else is built on Linux only.
 on_macos() {
@@ -34,7 +34,7 @@ suite_sanitizer() {
 
 suite_labelled() {
   not_on_macos "$1"
-  need_packages build test all
+  need_packages build test
   build_preset dev
   run_ctest build/dev -L "^$1\$"
 }
@@ -50,7 +50,7 @@ suite_fuzz() {
 suite_all() {
   local presets=(dev asan tsan) preset
   on_macos || presets+=(fuzz)
-  need_packages build test all
+  need_packages build test
   for preset in "${presets[@]}"; do
     build_preset "$preset"
   done

@@ -14,5 +14,8 @@ std::vector<tap::Case> ClientCases();
 std::vector<tap::Case> SpeedCases();
 std::vector<tap::Case> AgentCases();
 std::vector<tap::Case> ToolCases();
+std::vector<tap::Case> VerbCases();
+/// What the quick set of tests boots the guest for.
+std::vector<tap::Case> ShortCases();
 
 #endif  // KELVA_TESTS_KERNEL_CASES_H_

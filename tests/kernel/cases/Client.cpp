@@ -159,6 +159,31 @@ Answer Bare(Camera& camera, const Arguments& arguments) {
   return {{1}};
 }
 
+// As "bare", with no copy either: SIZE NODE.
+Answer Mapped(Camera& camera, const Arguments& arguments) {
+  const auto size = static_cast<std::uint32_t>(std::stoul(arguments.at(0)));
+  camera.Close();
+  std::cout << "nanoseconds " << TimeMappedLoop(arguments.at(1), size) << "\n";
+  return {{1}};
+}
+
+// The copies on the way, each by itself: SIZE.
+Answer Copies(Camera&, const Arguments& arguments) {
+  std::cout << "nanoseconds " << TimeCopies(static_cast<std::uint32_t>(std::stoul(arguments.at(0)))) << "\n";
+  return {{1}};
+}
+
+Answer Gathering(Camera&, const Arguments& arguments) {
+  std::cout << "nanoseconds " << TimeGathering(static_cast<std::uint32_t>(std::stoul(arguments.at(0)))) << "\n";
+  return {{1}};
+}
+
+// A whole file: PATH.
+Answer WholeFile(Camera& camera, const Arguments& arguments) {
+  std::cout << "nanoseconds " << TimeReadFile(camera, arguments.at(0)) << "\n";
+  return {{1}};
+}
+
 const std::map<std::string, Operation> kOperations{
     {"ready", Ready},
     {"battery", Battery},
@@ -174,6 +199,10 @@ const std::map<std::string, Operation> kOperations{
     {"crash-logs", CrashLogs},
     {"chunks", Chunks},
     {"bare", Bare},
+    {"mapped", Mapped},
+    {"copies", Copies},
+    {"gathering", Gathering},
+    {"whole-file", WholeFile},
 };
 
 boost::shared_ptr<Camera> Opened(const char* serial) {

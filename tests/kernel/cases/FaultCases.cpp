@@ -9,8 +9,8 @@
 #include "tests/kernel/cases/Plugged.h"
 #include "vcam/usbip/FaultText.h"
 
-// Every fault at every command of the most used operations: the library gives the right data or says what failed, in
-// time, and the camera can be used again afterwards.
+// Every fault at every command of the most used operations, the pulled cable included: the library gives the right data or
+// says what failed, in time, and the camera, or the one that is plugged in next, can be used again afterwards.
 //
 // A camera that sends less than it was asked for and says so has given an answer. What the library makes of it is its
 // contract: a whole file is measured against the announced size; a list has none and ends where the answer ends, so it
@@ -86,6 +86,7 @@ class Subject {
   }
 
   std::uint64_t commands() const { return commands_; }
+  const std::string& expected() const { return expected_; }
 
   // Nothing when the run ended well, otherwise what was wrong with it.
   std::optional<std::string> Try(const std::string& fault, std::uint64_t at) {
@@ -155,6 +156,36 @@ void TryAll(const Operation& operation, const std::vector<std::string>& faults) 
   Check(complaints.empty(), std::to_string(complaints.size()) + " runs ended badly");
 }
 
+std::uint64_t CommandsOf(const Operation& operation, const Card& card, std::string& right) {
+  Plugged plugged(card.Inserted(kSerial));
+  Subject subject(plugged, card, operation);
+  right = subject.expected();
+  return subject.commands();
+}
+
+// Pulls the cable in the midst of each command of the operation, each time that of a new camera.
+void PullInEveryCommand(const Operation& operation) {
+  const Card card("faults");
+  PutPictures(card);
+  std::string right;
+  const std::uint64_t commands = CommandsOf(operation, card, right);
+  int complaints = 0;
+  for (std::uint64_t at = 1; at <= commands; ++at) {
+    Plugged plugged(card.Inserted(kSerial));
+    plugged.cable().Arm(vcam::usbip::WireFault::kPull, at);
+    const Outcome outcome = RunClient(operation);
+    if (outcome.code == 0 && outcome.LastLine().starts_with("error CameraTransferError")) continue;
+    ++complaints;
+    Note("pulled in command " + std::to_string(at) + ", " + operation.name + " ended with code " +
+         std::to_string(outcome.code) + ": " + outcome.output);
+  }
+  Note(std::to_string(commands) + " cables pulled");
+  Check(complaints == 0, std::to_string(complaints) + " runs ended badly");
+  std::string again;
+  CommandsOf(operation, card, again);
+  Check(again == right, "the next camera answered " + again + " instead of " + right);
+}
+
 }  // namespace
 
 std::vector<tap::Case> FaultCases() {
@@ -162,6 +193,7 @@ std::vector<tap::Case> FaultCases() {
   for (const Operation& operation : kOperations) {
     cases.push_back({"faults of the wire during " + operation.name, [=] { TryAll(operation, kFaults); }});
     cases.push_back({"silence during " + operation.name, [=] { TryAll(operation, {"hang"}); }});
+    cases.push_back({"unplug in each command of " + operation.name, [=] { PullInEveryCommand(operation); }});
   }
   return cases;
 }
