@@ -16,6 +16,8 @@ namespace {
 
 constexpr unsigned short kHostTimeOut = 3;
 constexpr unsigned short kHostError = 7;
+// What usb-storage says of a device that sends more than it was asked for.
+constexpr vcam::Sense kTooMuchData{0x05, 0x24, 0x00};
 
 vcam::Direction DirectionOf(int kernelDirection) {
   if (kernelDirection == SG_DXFER_TO_DEV) return vcam::Direction::kToCamera;
@@ -36,6 +38,19 @@ void Write(UMockdevIoctlData* memory, const std::uint8_t* bytes, std::size_t len
 void Complete(UMockdevIoctlClient* client, long result, int error) {
   GiveOver();
   umockdev_ioctl_client_complete(client, result, error);
+}
+
+// As usb-storage counts: what did not arrive, or what the device says that it did not move, whichever is more. A claim of
+// more than was asked for makes a residue below nothing, which is none of the bytes.
+std::uint32_t ResidueOf(const vcam::Reply& reply, const sg_io_hdr_t& header) {
+  const std::uint32_t asked = header.dxfer_len;
+  const auto size = static_cast<std::uint32_t>(reply.data.size());
+  const std::uint32_t arrived = header.dxfer_direction == SG_DXFER_FROM_DEV ? std::min(size, asked) : asked;
+  return std::max(asked - arrived, std::min(asked - reply.moved, asked));
+}
+
+bool IsBabble(const vcam::Reply& reply, const sg_io_hdr_t& header) {
+  return header.dxfer_direction == SG_DXFER_FROM_DEV && reply.Good() && reply.data.size() > header.dxfer_len;
 }
 
 std::array<std::uint8_t, 18> FixedSense(vcam::Sense sense) {
@@ -119,9 +134,10 @@ void SgDoor::Run(UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
 
 // What a user of the real kernel sees of each ending, unplugging included: there it claims that every byte arrived.
 void SgDoor::Translate(const vcam::Reply& reply, UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
-  header.status = reply.status;
+  const bool babble = IsBabble(reply, header);
+  header.status = babble ? vcam::kStatusCheckCondition : reply.status;
   header.host_status = static_cast<unsigned short>(hostStatus.load());
-  header.resid = static_cast<int>(header.dxfer_len - std::min(reply.moved, header.dxfer_len));
+  header.resid = static_cast<int>(ResidueOf(reply, header));
   if (reply.transport == vcam::Transport::kHang) header.host_status = kHostTimeOut;
   if (reply.transport == vcam::Transport::kStall) header.host_status = kHostError;
   if (reply.transport == vcam::Transport::kGone) {
@@ -130,13 +146,12 @@ void SgDoor::Translate(const vcam::Reply& reply, UMockdevIoctlData* arguments, s
     if (!gone_.exchange(true) && onGone) onGone();
   }
   if (header.dxfer_direction == SG_DXFER_FROM_DEV) {
-    // Bytes beyond the length asked for do not reach memory. (usb-storage makes an error of them: the tests with a real
-    // kernel show that.)
+    // Bytes beyond the length asked for do not reach memory.
     Write(Behind(arguments, offsetof(sg_io_hdr_t, dxferp), header.dxfer_len), reply.data.data(),
           std::min<std::size_t>(reply.data.size(), header.dxfer_len));
   }
   if (header.status == vcam::kStatusCheckCondition && header.host_status == 0) {
-    const auto bytes = FixedSense(reply.sense);
+    const auto bytes = FixedSense(babble ? kTooMuchData : reply.sense);
     header.sb_len_wr = static_cast<unsigned char>(std::min<std::size_t>(bytes.size(), header.mx_sb_len));
     header.driver_status = 8;
     Write(Behind(arguments, offsetof(sg_io_hdr_t, sbp), header.mx_sb_len), bytes.data(), header.sb_len_wr);

@@ -1,0 +1,63 @@
+#ifndef KELVA_TESTS_DOORS_USB_HOST_H_
+#define KELVA_TESTS_DOORS_USB_HOST_H_
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "vcam/device/Bytes.h"
+#include "vcam/device/FileDescriptor.h"
+#include "vcam/door/CommandSession.h"
+
+namespace kelva::doors {
+
+/// The host's side of a USB cable over a USB/IP socket: the bulk-only transport as Linux's usb-storage drives it. Its
+/// messages and wrappers are written here once more, independently of the camera's side.
+class UsbHost : public vcam::CommandSession {
+ public:
+  UsbHost(vcam::FileDescriptor socket, std::uint32_t device) : socket_(std::move(socket)), device_(device) {}
+
+  /// Chooses the device's configuration.
+  int Start() override;
+  void End() override {}
+  vcam::Reply Execute(const vcam::Command& command, std::chrono::milliseconds timeout) override;
+
+ private:
+  /// How one transfer ended.
+  struct Urb {
+    std::int32_t status = 0;
+    std::uint32_t actual = 0;
+    vcam::Bytes data{};
+  };
+  struct Transfer {
+    std::uint8_t endpoint = 0;
+    bool in = false;
+    std::uint32_t length = 0;
+    std::span<const std::uint8_t> data{};
+    std::span<const std::uint8_t> setup{};
+  };
+  /// The status wrapper of a command.
+  struct Status {
+    std::uint32_t residue = 0;
+    std::uint8_t status = 0;
+  };
+
+  vcam::Reply Run(const vcam::Command& command);
+  Urb DataPhase(const vcam::Command& command);
+  Status ReadStatus();
+  vcam::Sense AskForSense();
+  Urb Submit(const Transfer& transfer);
+  Urb SubmitAndClear(const Transfer& transfer);
+  vcam::Bytes Receive(std::size_t size);
+
+  vcam::FileDescriptor socket_;
+  std::uint32_t device_;
+  std::uint32_t sequence_ = 0;
+  std::uint32_t tag_ = 0x1000;
+  std::chrono::steady_clock::time_point deadline_{};
+};
+
+}  // namespace kelva::doors
+
+#endif  // KELVA_TESTS_DOORS_USB_HOST_H_

@@ -1,0 +1,138 @@
+#include <IOKit/IOReturn.h>
+
+#include <atomic>
+#include <optional>
+#include <utility>
+
+#include "darwin/virtual/VirtualRegistry.h"
+#include "tests/doors/Door.h"
+#include "tests/doors/UsbCable.h"
+#include "vcam/bus/TestServer.h"
+#include "vcam/client/BusConnection.h"
+#include "vcam/client/SocketSession.h"
+#include "vcam/device/Sha1.h"
+#include "vcam/door/InProcess.h"
+#include "vcam/door/UserClientDoor.h"
+
+// The doors that need nothing of the system: cameras of this process, behind a bus, and behind a USB cable that is a socket.
+
+namespace kelva::doors {
+namespace {
+
+using Patience = std::shared_ptr<std::atomic<bool>>;
+
+/// A session that waits as long as it is told to, until it has lost its patience.
+class PatientSession : public vcam::CommandSession {
+ public:
+  PatientSession(std::unique_ptr<vcam::CommandSession> session, Patience patient)
+      : session_(std::move(session)), patient_(std::move(patient)) {}
+
+  int Start() override { return session_->Start(); }
+  void End() override { session_->End(); }
+  vcam::Reply Execute(const vcam::Command& command, std::chrono::milliseconds timeout) override {
+    return session_->Execute(command, *patient_ ? timeout : std::chrono::milliseconds(1));
+  }
+
+ private:
+  std::unique_ptr<vcam::CommandSession> session_;
+  Patience patient_;
+};
+
+/// A camera in the process's registry, whose commands go through a session.
+class VirtualDoor : public Door {
+ public:
+  Counting counting() const override { return Counting::kAsTold; }
+  void GrowImpatient() override { *patient_ = false; }
+
+ protected:
+  using MakeSession = std::function<std::unique_ptr<vcam::CommandSession>()>;
+
+  void Show(const vcam::Options& options, MakeSession make) {
+    *patient_ = true;
+    entry_ = registry_.AttachCamera({options.serial, options.vendor, options.product, options.revision,
+                                     options.peripheralType, [make = std::move(make), patient = patient_](int& error) {
+                                       error = kIOReturnSuccess;
+                                       return vcam::MakeUserClient(std::make_unique<PatientSession>(make(), patient));
+                                     }});
+  }
+  void Hide() { registry_.Detach(entry_); }
+
+ private:
+  darwin::VirtualRegistry registry_;
+  darwin::EntryId entry_ = 0;
+  Patience patient_ = std::make_shared<std::atomic<bool>>(true);
+};
+
+class InProcessDoor : public VirtualDoor {
+ public:
+  void Plug(const vcam::Options& options) override {
+    camera_ = std::make_shared<vcam::VirtualCamera>(options);
+    Show(options, [camera = camera_] { return vcam::MakeInProcessSession(camera); });
+  }
+  void Arm(const vcam::Fault& fault) override { camera_->Arm(fault); }
+  void Unplug(bool) override {
+    Hide();
+    camera_.reset();
+  }
+
+ private:
+  std::shared_ptr<vcam::VirtualCamera> camera_;
+};
+
+class SocketDoor : public VirtualDoor {
+ public:
+  // First used here, libcrypto cleans up after this object, whose camera threads still hold state of it.
+  SocketDoor() { vcam::Sha256Hex(""); }
+
+  void Plug(const vcam::Options& options) override {
+    const auto answer = control_.Request(
+        vcam::bus::Kind::kPlug, Encode(vcam::bus::PlugRequest{options.serial, options.storage.string(), "", "", 3}));
+    const auto id = vcam::bus::DecodeNumber(answer.payload).value();
+    Show(options, [path = server_.path(), id] { return vcam::client::MakeSocketSession(path, id); });
+  }
+  void Arm(const vcam::Fault& fault) override {
+    control_.Request(vcam::bus::Kind::kFault,
+                     Encode(vcam::bus::FaultRequest{kSerial, std::string(vcam::NameOf(fault.kind)), fault.at}));
+  }
+  void Unplug(bool hasGone) override {
+    Hide();
+    if (!hasGone) control_.Request(vcam::bus::Kind::kUnplug, vcam::bus::EncodeText(kSerial));
+  }
+
+ private:
+  vcam::bus::test::TestServer server_;
+  vcam::client::BusConnection control_{server_.path()};
+};
+
+class UsbDoor : public VirtualDoor {
+ public:
+  Counting counting() const override { return Counting::kByKernel; }
+  void Plug(const vcam::Options& options) override {
+    cable_ = std::make_shared<UsbCable>(options);
+    Show(options, [cable = cable_] { return cable->MakeSession(); });
+  }
+  void Arm(const vcam::Fault& fault) override { cable_->camera().Arm(fault); }
+  void Unplug(bool) override {
+    Hide();
+    cable_.reset();
+  }
+
+ private:
+  std::shared_ptr<UsbCable> cable_;
+};
+
+template <typename Kind>
+std::unique_ptr<Door> Make() {
+  return std::make_unique<Kind>();
+}
+
+constexpr NamedDoor kDoors[] = {
+    {"InProcess", Make<InProcessDoor>}, {"Socket", Make<SocketDoor>}, {"Usb", Make<UsbDoor>}};
+
+}  // namespace
+
+std::span<const NamedDoor> AllDoors() {
+  return kDoors;
+}
+
+}  // namespace kelva::doors
