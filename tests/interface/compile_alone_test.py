@@ -97,6 +97,10 @@ class Compilation(unittest.TestCase):
         """
         self.assertEqual(self.compile_text(text, ["-Isrc/wifi"]), (0, ""))
 
+    def test_every_operation_has_its_signature_to_the_letter(self):
+        signatures = PROJECT / "tests/interface/Signatures.cpp"
+        self.assertEqual(compile_one(signatures, INCLUDES, f"{self.folder.name}/signatures.o"), (0, ""))
+
     def test_wifi_needs_neither_the_platforms_folder_nor_the_frameworks_headers(self):
         for source in library(WIFI, "*.cpp"):
             with self.subTest(source=source.name):
