@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
@@ -14,6 +13,7 @@
 #include <set>
 
 #include "Holders.h"
+#include "Rules.h"
 #include "darwin/udev/UdevHandles.h"
 
 namespace kelva::doctor {
@@ -26,9 +26,6 @@ using darwin::udev::UdevEnumerate;
 constexpr const char* kMaker = "Kelva";
 constexpr int kCompactDisc = 5;
 constexpr const char* kMassStorage = "08";  // the USB interface class
-constexpr std::array kRuleFolders{"/etc/udev/rules.d", "/run/udev/rules.d", "/usr/lib/udev/rules.d",
-                                  "/lib/udev/rules.d"};
-constexpr const char* kRuleFile = "/70-kelva.rules";
 
 std::string Text(const char* text) {
   return text ? text : "";
@@ -115,14 +112,6 @@ std::vector<CameraFacts> ReadCameras(::udev* context) {
     if (!seen.contains(Text(udev_device_get_syspath(usb)))) cameras.push_back(ReadBareDevice(context, usb));
   });
   return cameras;
-}
-
-std::string InstalledRules() {
-  for (const char* folder : kRuleFolders) {
-    const std::string file = std::string(folder) + kRuleFile;
-    if (::access(file.c_str(), F_OK) == 0) return file;
-  }
-  return "";
 }
 
 std::string UserName() {
