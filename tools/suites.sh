@@ -2,7 +2,7 @@
 # The sets of tests that ./test knows. Needs say.sh, packages.sh and build.sh.
 root=${root:?the folder of the repository}
 #
-# Labels: long (minutes), kernel (needs an emulator), gnustep. The quick set is what is not long.
+# Labels: long (minutes), kernel (needs an emulator), browser, gnustep. The quick set is what is not long.
 labels_apart='^long$'
 
 # On a Mac there are the library, the agent and their tests; all else is built on Linux only.
