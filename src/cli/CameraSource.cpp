@@ -2,12 +2,16 @@
 
 #include <cstdlib>
 #include <stdexcept>
+#include <vector>
 
 #include "darwin/registry/Registry.h"
 #include "darwin/udev/UdevSource.h"
+#include "doctor/Holders.h"
+#include "doctor/Survey.h"
 #include "frame/Failure.h"
 #include "frame/Printable.h"
 #include "vcam/client/BusClient.h"
+#include "vcam/client/BusConnection.h"
 
 namespace kelva {
 namespace {
@@ -22,6 +26,22 @@ std::optional<std::string> Socket(const std::optional<std::string>& option) {
   return variable;
 }
 
+// Asked on a connection of its own: the source's one belongs to the registry.
+std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::string& serial) {
+  std::vector<doctor::Holder> holders;
+  try {
+    vcam::client::BusConnection bus(socket);
+    const auto cameras = vcam::bus::DecodeStatusList(bus.Request(vcam::bus::Kind::kStatus, {}).payload);
+    for (const vcam::bus::CameraStatus& camera : cameras.value_or(std::vector<vcam::bus::CameraStatus>())) {
+      const int pid = static_cast<int>(camera.holder);
+      if (camera.serial == serial && pid != 0) holders.push_back({pid, doctor::ProcessName(pid)});
+    }
+  } catch (const std::runtime_error&) {
+    // Who holds a camera is an addition to a sentence that stands without it.
+  }
+  return holders;
+}
+
 }  // namespace
 
 void ChooseCameraSource(const std::optional<std::string>& option) {
@@ -31,6 +51,11 @@ void ChooseCameraSource(const std::optional<std::string>& option) {
   } catch (const std::runtime_error& error) {
     throw Failure(ExitCode::kFailed, Printable(error.what()));
   }
+}
+
+std::string HoldersInWords(const std::optional<std::string>& option, const std::string& serial) {
+  const auto socket = Socket(option);
+  return doctor::InWords(socket ? HoldersOnBus(*socket, serial) : doctor::HoldersOfCamera(serial));
 }
 
 }  // namespace kelva

@@ -10,6 +10,10 @@ namespace kelva {
 /// Neither takes the place of the other when it fails. Throws Failure.
 void ChooseCameraSource(const std::optional<std::string>& socket);
 
+/// Names the processes that hold the camera with this serial number, where cameras come from as above; empty when that
+/// cannot be told.
+std::string HoldersInWords(const std::optional<std::string>& socket, const std::string& serial);
+
 }  // namespace kelva
 
 #endif  // KELVA_CLI_CAMERA_SOURCE_H_

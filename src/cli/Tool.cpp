@@ -1,5 +1,7 @@
 #include "Tool.h"
 
+#include <poll.h>
+
 #include <chrono>
 #include <string>
 
@@ -31,9 +33,9 @@ Json ErrorMembers(const Outcome& outcome) {
   return Json::Object().Set("reason", WordOf(outcome.code)).Set("error", outcome.sentence);
 }
 
-ExitCode GiveError(Reporter& reporter, Output& out, std::string_view verb, const Outcome& outcome, bool document) {
+ExitCode GiveError(Reporter& reporter, Output& out, std::string_view verb, const Outcome& outcome) {
   reporter.Error(outcome.sentence, outcome.code);
-  if (document && reporter.Style().json) {
+  if (reporter.Style().json && out.TakeEnd()) {
     try {
       out.Add(ResultLine(verb, outcome.code, ErrorMembers(outcome)));
       out.Flush();
@@ -61,7 +63,7 @@ class Tool {
       call_ = Parse(AllVerbs(), arguments_);
       return Dispatch();
     } catch (const std::exception& error) {
-      return GiveError(reporter_, out_, Name(), Explain(error, "start"), true);
+      return GiveError(reporter_, out_, Name(), Explain(error, "start"));
     }
   }
 
@@ -69,7 +71,8 @@ class Tool {
   std::string_view Name() const { return call_.verb == nullptr ? "" : call_.verb->name; }
 
   ExitCode Print(const std::string& text) {
-    out_.Add(text);
+    const bool json = reporter_.Style().json;
+    out_.Add(json ? ResultLine(Name(), ExitCode::kDone, Json::Object().Set("text", text)) : text);
     out_.Flush();
     return ExitCode::kDone;
   }
@@ -78,6 +81,7 @@ class Tool {
     if (call_.version) return Print("kelva " KELVA_VERSION "\n");
     if (call_.Has("help")) return Print(call_.verb == nullptr ? Overview(AllVerbs()) : HelpFor(*call_.verb));
     Supervision supervision;
+    supervision.atEnd = [this](ExitCode code, const std::string& sentence) { GiveEnd({code, sentence}); };
     if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");
     if (!IsGuarded(call_)) return RunSupervised(supervision, nullptr);
     const auto start = std::chrono::steady_clock::now();
@@ -93,6 +97,16 @@ class Tool {
     return Supervise([this, guard](const Stop& stop) { return Work(stop, guard); }, supervision, reporter_);
   }
 
+  // For a command that was ended. Its worker may sit in a transfer for good, so this goes past what the worker collects,
+  // and waits for nobody.
+  void GiveEnd(const Outcome& outcome) {
+    if (!reporter_.Style().json || !out_.TakeEnd()) return;
+    pollfd ready{diversion_.Real(), POLLOUT, 0};
+    constexpr int kPatienceMs = 100;
+    if (::poll(&ready, 1, kPatienceMs) != 1) return;
+    WriteAll(diversion_.Real(), ResultLine(Name(), outcome.code, ErrorMembers(outcome)));
+  }
+
   void PrepareForAborts() {
     const bool json = reporter_.Style().json;
     const Outcome outcome{ExitCode::kFailed, std::string(kAbortSentence)};
@@ -104,11 +118,12 @@ class Tool {
   ExitCode Work(const Stop& stop, Guard* guard) {
     Context context(call_, out_, reporter_, stop, diversion_);
     context.guard = guard;
+    context.holdersOf = [this](const std::string& serial) { return HoldersInWords(call_.Value("virtual"), serial); };
     try {
       if (!NeedsNoCamera(*call_.verb)) ChooseCameraSource(call_.Value("virtual"));
       return call_.verb->run(context);
     } catch (const std::exception& error) {
-      return GiveError(reporter_, out_, Name(), Explain(error, context.WasDoing()), !context.HasResult());
+      return GiveError(reporter_, out_, Name(), Explain(error, context.WasDoing()));
     }
   }
 

@@ -85,6 +85,19 @@ TEST_F(ToolTest, ACameraThatIsNotThereHasItsOwnExitCode) {
   EXPECT_EQ(Run("--serial K9 battery").code, 3);
 }
 
+TEST_F(ToolTest, ABusyCameraNamesItsHolder) {
+  PlugCamera("K1", 0);
+  const int node = ::open(MockMachine::NodeOf(0).c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_GE(node, 0);
+  ASSERT_EQ(::flock(node, LOCK_EX), 0);
+  const Ended ended = Run("battery --json");
+  EXPECT_EQ(ended.code, 4);
+  const std::string holder = " (process " + std::to_string(::getpid()) + ")";
+  EXPECT_THAT(ended.output, AllOf(HasSubstr("Camera K1 is held by "), HasSubstr(holder)));
+  ::close(node);
+  EXPECT_EQ(Run("battery").code, 0);
+}
+
 TEST_F(ToolTest, TheDoctorFindsACameraWell) {
   PlugCamera("K1", 0);
   EXPECT_THAT(Run("doctor --json").output, AllOf(HasSubstr("\"well\""), HasSubstr("K1")));
@@ -147,6 +160,19 @@ TEST_F(ToolTest, TheDoctorNamesTheCommandThatPlugsASilentCameraInAgain) {
   const Ended ended = Run("doctor");
   EXPECT_EQ(ended.code, 1);
   EXPECT_THAT(ended.output, AllOf(HasSubstr("The camera does not answer."), HasSubstr("/authorized")));
+}
+
+TEST_F(ToolTest, TheDoctorNamesTheCommandThatLoadsTheStorageDriver) {
+  machine_.Plug({.serial = "K1", .upTo = Stage::kUsb});
+  const Ended ended = Run("doctor");
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.output, HasSubstr("To mend it:  sudo modprobe usb-storage\n"));
+}
+
+TEST_F(ToolTest, TheDoctorOfAMachineWithoutACameraFindsNone) {
+  const Ended ended = Run("doctor --json");
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.output, HasSubstr("\"no-device\""));
 }
 
 }  // namespace

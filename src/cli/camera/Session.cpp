@@ -20,6 +20,11 @@ Failure CannotOpen(Context& context, const std::string& serial) {
   if (!IsStillAttached(context, serial)) {
     return Failure(ExitCode::kGone, name + " went away before it could be opened; plug it in again.");
   }
+  const std::string holders = context.holdersOf ? context.holdersOf(serial) : "";
+  if (!holders.empty()) {
+    return Failure(ExitCode::kBusy,
+                   name + " is held by " + Printable(holders) + "; wait until it has finished, or close it.");
+  }
   return Failure(ExitCode::kBusy,
                  name +
                      " is attached but cannot be opened: another program holds it, or this user may not use it; "
@@ -28,8 +33,10 @@ Failure CannotOpen(Context& context, const std::string& serial) {
 
 }  // namespace
 
-Session::Session(Context& context)
-    : chosen_(Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")))) {
+Session::Session(Context& context) : Session(context, WantedSerial(context.call.Value("serial"))) {}
+
+Session::Session(Context& context, const std::optional<std::string>& serial)
+    : chosen_(Choose(FindAttached(context.diversion), serial)) {
   context.stop.Check();
   if (!chosen_.camera->Open()) throw CannotOpen(context, chosen_.facts.serial);
 }

@@ -2,6 +2,7 @@
 #define KELVA_CLI_CAMERA_SESSION_H_
 
 #include <boost/shared_ptr.hpp>
+#include <optional>
 #include <string>
 
 #include "Camera.h"
@@ -15,6 +16,8 @@ class Session {
  public:
   /// Opens the camera that the command line means. Throws Failure: as Choose, or it cannot be opened.
   explicit Session(Context& context);
+  /// Opens the camera with this serial number, or the only one.
+  Session(Context& context, const std::optional<std::string>& serial);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "Holders.h"
+
 namespace kelva::doctor {
 namespace {
 
@@ -77,11 +79,7 @@ Finding NoPermission(const CameraFacts& camera, const MachineFacts& facts) {
 }
 
 Finding Held(const CameraFacts& camera) {
-  std::string who;
-  for (const Holder& holder : camera.holders) {
-    who += (who.empty() ? "" : ", ") + holder.name + " (process " + std::to_string(holder.pid) + ")";
-  }
-  Finding finding = AboutCamera(camera, Condition::kHeld, "The camera is held by " + who + ".");
+  Finding finding = AboutCamera(camera, Condition::kHeld, "The camera is held by " + InWords(camera.holders) + ".");
   finding.command = "kill " + std::to_string(camera.holders.front().pid);
   finding.advice = "Better let it finish, or close it the usual way.";
   return finding;

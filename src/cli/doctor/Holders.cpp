@@ -47,14 +47,22 @@ int ProcessNumber(const fs::path& directory) {
   return error == std::errc() && end == name.data() + name.size() ? pid : 0;
 }
 
-std::string NameOf(int pid, const fs::path& proc) {
+}  // namespace
+
+std::string ProcessName(int pid, const fs::path& proc) {
   std::ifstream file(proc / std::to_string(pid) / "comm");
   std::string name;
   std::getline(file, name);
   return name.empty() ? "a process" : name;
 }
 
-}  // namespace
+std::string InWords(const std::vector<Holder>& holders) {
+  std::string words;
+  for (const Holder& holder : holders) {
+    words += (words.empty() ? "" : ", ") + holder.name + " (process " + std::to_string(holder.pid) + ")";
+  }
+  return words;
+}
 
 std::vector<int> LockHolders(std::istream& locks, const FileIdentity& file) {
   std::vector<int> holders;
@@ -79,7 +87,7 @@ std::vector<Holder> HoldersOf(const std::string& node, const fs::path& proc) {
   }
   pids.erase(::getpid());
   std::vector<Holder> holders;
-  for (int pid : pids) holders.push_back({pid, NameOf(pid, proc)});
+  for (int pid : pids) holders.push_back({pid, ProcessName(pid, proc)});
   return holders;
 }
 

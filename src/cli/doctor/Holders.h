@@ -25,6 +25,12 @@ std::vector<int> LockHolders(std::istream& locks, const FileIdentity& file);
 /// processes only the lock is seen, unless this runs as root. `proc` is "/proc".
 std::vector<Holder> HoldersOf(const std::string& node, const std::filesystem::path& proc = "/proc");
 
+/// The name of a process; "a process" when it has ended or hides it.
+std::string ProcessName(int pid, const std::filesystem::path& proc = "/proc");
+
+/// For a sentence: "photos (process 4711), kelva (process 4712)".
+std::string InWords(const std::vector<Holder>& holders);
+
 }  // namespace kelva::doctor
 
 #endif  // KELVA_CLI_DOCTOR_HOLDERS_H_

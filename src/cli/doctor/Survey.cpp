@@ -145,4 +145,13 @@ MachineFacts SurveyMachine(const Probe& probe) {
   return facts;
 }
 
+std::vector<Holder> HoldersOfCamera(const std::string& serial) {
+  const UdevContext context{udev_new()};
+  if (!context) return {};
+  for (const CameraFacts& camera : ReadCameras(context.get())) {
+    if (camera.serial == serial && !camera.node.empty()) return HoldersOf(camera.node);
+  }
+  return {};
+}
+
 }  // namespace kelva::doctor

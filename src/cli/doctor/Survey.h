@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "Facts.h"
 
@@ -14,6 +15,9 @@ using Probe = std::function<Answer(const std::string& node)>;
 /// Looks at this machine: USB, the kernel's drivers, the nodes, and who holds them. Only a camera that nothing else is
 /// in the way of is asked a question, through `probe`; everything else is looked at from outside.
 MachineFacts SurveyMachine(const Probe& probe);
+
+/// The processes other than this one that hold the camera with this serial number.
+std::vector<Holder> HoldersOfCamera(const std::string& serial);
 
 }  // namespace kelva::doctor
 

@@ -14,7 +14,7 @@ std::string ResultLine(std::string_view verb, ExitCode code, Json members) {
 }
 
 void Context::Result(kelva::Json members, std::string_view text, ExitCode code) {
-  hasResult_ = true;
+  if (Json() && !out.TakeEnd()) return;
   out.Add(Json() ? ResultLine(call.verb->name, code, std::move(members)) : std::string(text));
   out.Flush();
 }

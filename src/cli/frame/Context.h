@@ -24,6 +24,8 @@ class Context {
   const Stop& stop;
   StdoutDiversion& diversion;
   Guard* guard = nullptr;  ///< for verbs that are guarded
+  /// Names the processes that hold the camera with a serial number, for a sentence; empty when that cannot be told.
+  std::function<std::string(const std::string& serial)> holdersOf;
 
   Context(const Invocation& invocation, Output& output, Reporter& messages, const Stop& stopRequest,
           StdoutDiversion& diverted)
@@ -32,18 +34,14 @@ class Context {
   /// Says what is being tried, for the sentence of a failure: "read I:\X.JPG". Printable.
   void Doing(std::string what) { doing_ = std::move(what); }
   const std::string& WasDoing() const { return doing_; }
-  /// Whether the result was given, so that a failure after it does not give a second document.
-  bool HasResult() const { return hasResult_; }
-
   bool Json() const { return reporter.Style().json; }
-  /// The result of the whole command, once: its members in JSON style, else its text. `code` is how the command ends.
+  /// The result of the whole command, once; a document after the one that ends the command is left out: its members in JSON style, else its text. `code` is how the command ends.
   void Result(kelva::Json members, std::string_view text, ExitCode code = ExitCode::kDone);
   /// One of many results, given at once: a JSON object on a line of its own, else its text.
   void Event(std::string_view event, kelva::Json members, std::string_view text);
 
  private:
   std::string doing_;
-  bool hasResult_ = false;
 };
 
 /// The document that says how a command ended; `members` follow.

@@ -1,11 +1,31 @@
 #include "frame/Failure.h"
 
+#include <cerrno>
 #include <system_error>
 
 namespace kelva {
+namespace {
+
+std::string AdviceFor(int error) {
+  switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+      return "; make room there and repeat the command";
+    case EROFS:
+      return "; choose another place, or have it mounted for writing";
+    case EACCES:
+    case EPERM:
+      return "; choose another place, or change its permissions";
+    default:
+      return "";
+  }
+}
+
+}  // namespace
 
 Failure SystemFailure(const std::string& doing, int error) {
-  return Failure(ExitCode::kFailed, "Cannot " + doing + ": " + std::generic_category().message(error) + ".", error);
+  return Failure(ExitCode::kFailed,
+                 "Cannot " + doing + ": " + std::generic_category().message(error) + AdviceFor(error) + ".", error);
 }
 
 }  // namespace kelva

@@ -14,5 +14,10 @@ TEST(FailureTest, ASystemCallSaysWhatWasTriedAndWhy) {
   EXPECT_EQ(failure.SystemError(), ENOENT);
 }
 
+TEST(FailureTest, AFullDiskSaysWhatToDo) {
+  EXPECT_STREQ(SystemFailure("write into X", ENOSPC).what(),
+               "Cannot write into X: No space left on device; make room there and repeat the command.");
+}
+
 }  // namespace
 }  // namespace kelva

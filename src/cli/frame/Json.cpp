@@ -12,9 +12,9 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-void AppendControl(std::string& out, unsigned char c) {
-  std::array<char, 8> text{};
-  std::snprintf(text.data(), text.size(), "\\u%04x", c);
+void AppendControl(std::string& out, char32_t c) {
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), "\\u%04x", static_cast<unsigned>(c));
   out += text.data();
 }
 
@@ -48,9 +48,9 @@ void AppendText(std::string& out, std::string_view text) {
       out += kReplacement;
     } else if (piece.length == 1) {
       AppendAscii(out, text[0]);
-    } else if (piece.codePoint < 0xA0) {
-      // C1 controls: a terminal that shows the document would obey them.
-      AppendControl(out, static_cast<unsigned char>(piece.codePoint));
+    } else if (IsCommand(piece.codePoint)) {
+      // All of them are below 0x10000. A terminal that shows the document would obey them.
+      AppendControl(out, piece.codePoint);
     } else {
       out += text.substr(0, piece.length);
     }

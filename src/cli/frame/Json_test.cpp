@@ -38,6 +38,10 @@ TEST(JsonTest, TerminalControlsOfTheUpperSetAreEscaped) {
   EXPECT_EQ(Json("\xC2\x9B[2J").Text(), R"("\u009b[2J")");
 }
 
+TEST(JsonTest, CharactersThatTurnTheDirectionOfTextAreEscaped) {
+  EXPECT_EQ(Json("\xE2\x80\xAEgpj\xEF\xBB\xBF").Text(), R"("\u202egpj\ufeff")");
+}
+
 TEST(JsonTest, BytesThatAreNoUtf8AreReplacedAndKeptInHexadecimal) {
   EXPECT_EQ(Json::Object().SetBytes("name", "A\xFFZ").Text(), "{\"name\":\"A\xEF\xBF\xBDZ\",\"name_hex\":\"41ff5a\"}");
 }

@@ -1,6 +1,7 @@
 #ifndef KELVA_CLI_FRAME_OUTPUT_H_
 #define KELVA_CLI_FRAME_OUTPUT_H_
 
+#include <atomic>
 #include <string>
 #include <string_view>
 
@@ -20,9 +21,12 @@ class Output {
   void Flush();
   /// Whether a person sees it.
   bool IsTerminal() const;
+  /// True for the first caller, who then gives the document that ends the command. Any thread.
+  bool TakeEnd() { return !ended_.exchange(true); }
 
  private:
   int fd_;
+  std::atomic<bool> ended_ = false;
   std::string pending_;
 };
 

@@ -37,7 +37,8 @@ TEST(OutputTest, AFullDiskIsAFailure) {
     out.Flush();
     FAIL();
   } catch (const Failure& failure) {
-    EXPECT_STREQ(failure.what(), "Cannot write to standard output: No space left on device.");
+    EXPECT_STREQ(failure.what(),
+                 "Cannot write to standard output: No space left on device; make room there and repeat the command.");
     EXPECT_EQ(failure.Code(), ExitCode::kFailed);
   }
 }

@@ -26,12 +26,6 @@ bool InRange(char32_t codePoint, std::size_t length) {
   return codePoint >= kSmallest[length] && codePoint <= 0x10FFFF && !surrogate;
 }
 
-// What a terminal obeys instead of showing: C0, DEL, C1, and the characters that turn the direction of text or hide it.
-bool IsCommand(char32_t c) {
-  return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x061C || (c >= 0x200B && c <= 0x200F) ||
-         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2060 && c <= 0x2069) || c == 0xFEFF;
-}
-
 void AppendByteEscape(std::string& out, unsigned char byte) {
   std::array<char, 8> text{};
   std::snprintf(text.data(), text.size(), "\\x%02x", byte);
@@ -64,6 +58,11 @@ std::string Escaped(std::string_view bytes, bool keepLines) {
 }
 
 }  // namespace
+
+bool IsCommand(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x061C || (c >= 0x200B && c <= 0x200F) ||
+         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2060 && c <= 0x2069) || c == 0xFEFF;
+}
 
 Utf8Piece FirstUtf8(std::string_view bytes) {
   const auto lead = static_cast<unsigned char>(bytes[0]);

@@ -120,13 +120,15 @@ ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Super
 
   const bool late = cause == Cause::kDeadline;
   const ExitCode code = late ? ExitCode::kTimedOut : ExitCode::kInterrupted;
-  reporter.LastWord(
+  const std::string sentence =
       late ? "Timed out after " + InWords(*supervision.timeout) + " s; a longer --timeout gives the camera more time."
-           : "Interrupted; what was finished before stays as it is.",
-      code);
+           : "Interrupted; what was finished before stays as it is.";
+  reporter.LastWord(sentence, code);
   worker.AskToStop();
   // A worker that sits in one long transfer is not waited for.
-  if (WaitForCause(worker, -1, Clock::now() + supervision.grace) == Cause::kDone) return code;
+  const bool done = WaitForCause(worker, -1, Clock::now() + supervision.grace) == Cause::kDone;
+  if (supervision.atEnd) supervision.atEnd(code, sentence);
+  if (done) return code;
   RemoveScratchFiles();
   ::_exit(static_cast<int>(code));
 }

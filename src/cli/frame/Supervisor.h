@@ -29,6 +29,9 @@ struct Supervision {
   std::chrono::milliseconds spent{0};
   /// How long the worker may take to notice before the process ends without it.
   std::chrono::milliseconds grace{600};
+  /// Called last when one of the two ended the command, with how it ends and the sentence that was given. The worker may
+  /// still run.
+  std::function<void(ExitCode, const std::string& sentence)> atEnd = {};
 };
 
 /// Runs `work` on a thread of its own while this thread waits for its end, a signal or the deadline. When one of the two

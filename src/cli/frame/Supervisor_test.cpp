@@ -54,6 +54,17 @@ TEST_F(SupervisorTest, TheResultOfTheWorkIsTheResult) {
   EXPECT_EQ(Said(), "");
 }
 
+TEST_F(SupervisorTest, WhatIsToBeSaidAtTheEndComesLast) {
+  Supervision supervision{.timeout = 20ms};
+  supervision.atEnd = [this](ExitCode code, const std::string& sentence) {
+    EXPECT_EQ(code, ExitCode::kTimedOut);
+    EXPECT_EQ(Said(), "kelva: " + sentence + "\n");
+    reporter_.Note("end");
+  };
+  EXPECT_EQ(Supervise(Obedient, supervision, reporter_), ExitCode::kTimedOut);
+  EXPECT_NE(Said().find("kelva: end\n"), std::string::npos);
+}
+
 TEST_F(SupervisorTest, TheDeadlineEndsTheWorkAndSaysSo) {
   EXPECT_EQ(Supervise(Obedient, {.timeout = 20ms}, reporter_), ExitCode::kTimedOut);
   EXPECT_EQ(Said(), "kelva: Timed out after 0.02 s; a longer --timeout gives the camera more time.\n");

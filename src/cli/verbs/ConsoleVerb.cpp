@@ -40,6 +40,7 @@ ExitCode RunConsole(Context& context) {
     std::this_thread::sleep_for(300ms);
     Drain(context, *camera);
   }
+  context.Result(CameraResult(camera), "");
   return ExitCode::kDone;
 }
 
@@ -56,7 +57,7 @@ constexpr Verb kVerbs[] = {{"console",
                             "The camera hands its log over once: what was shown is gone from it. On a terminal, "
                             "control characters of the log are "
                             "shown as \\xNN; into a file or a pipe it goes as it came.",
-                            "text: a piece of the log; one object for each piece, event \"console\"",
+                            "events, one object a line: console (text, a piece of the log)",
                             kExamples,
                             RunConsole}};
 

@@ -27,8 +27,7 @@ const Verb& Named(const std::string& name) {
 }
 
 ExitCode Print(Context& context, const std::string& text) {
-  context.out.Add(text);
-  context.out.Flush();
+  context.Result(Json::Object().Set("text", text), text);
   return ExitCode::kDone;
 }
 
@@ -41,15 +40,17 @@ void StorePage(const TargetFolder& folder, const std::string& name, const std::s
   StoreReplacing(folder, name + ".1", page);
 }
 
-ExitCode StoreAllPages(const std::string& path) {
+ExitCode StoreAllPages(Context& context, const std::string& path) {
   const TargetFolder folder = TargetFolder::OpenOrMake(path);
   StorePage(folder, "kelva", ManPageOfTool(AllVerbs(), KELVA_VERSION));
   for (const Verb& verb : AllVerbs()) StorePage(folder, ManName(verb), ManPageOfVerb(verb, KELVA_VERSION));
+  Json members = Json::Object();
+  context.Result(std::move(members.SetBytes("folder", path).Set("files", AllVerbs().size() + 1)), "");
   return ExitCode::kDone;
 }
 
 ExitCode RunManual(Context& context) {
-  if (const auto into = context.call.Value("into")) return StoreAllPages(*into);
+  if (const auto into = context.call.Value("into")) return StoreAllPages(context, *into);
   const std::string name = NameInWords(context);
   return Print(context,
                name.empty() ? ManPageOfTool(AllVerbs(), KELVA_VERSION) : ManPageOfVerb(Named(name), KELVA_VERSION));
@@ -74,6 +75,8 @@ constexpr Option kManualOptions[] = {
     {"into", 'd', "FOLDER", "Write all pages into this folder instead.", Offer::kFolder}};
 constexpr Example kManualExamples[] = {{"kelva manual get | man -l -", "Read a page that is not installed."}};
 
+constexpr std::string_view kTextMember = "text: what is printed without --json";
+
 constexpr Verb kVerbs[] = {
     {"completion",
      "Print a completion script for a shell",
@@ -82,13 +85,13 @@ constexpr Verb kVerbs[] = {
      "The script is made from the same table as --help and the manual pages, and offers the serial numbers of the "
      "cameras "
      "that are attached.",
-     "",
+     kTextMember,
      kCompletionExamples,
      RunCompletion},
     {"manual", "Print a manual page", kCommand, kManualOptions,
-     "Prints the page of the tool or of one command in troff form; packages install them all.", "", kManualExamples,
-     RunManual},
-    {"help", "Say how the commands are used", kCommand, {}, "The same as COMMAND --help.", "", {}, RunHelp},
+     "Prints the page of the tool or of one command in troff form; packages install them all.",
+     "text: the page\nfolder: where all pages were written, with --into\nfiles: how many", kManualExamples, RunManual},
+    {"help", "Say how the commands are used", kCommand, {}, "The same as COMMAND --help.", kTextMember, {}, RunHelp},
 };
 
 }  // namespace

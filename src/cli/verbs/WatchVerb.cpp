@@ -73,7 +73,9 @@ ExitCode RunWatch(Context& context) {
   });
   running = &hotplug;
   hotplug.Run(context.stop);
-  return hookFailed ? ExitCode::kPartial : ExitCode::kDone;
+  const ExitCode code = hookFailed ? ExitCode::kPartial : ExitCode::kDone;
+  context.Result(Json::Object().Set("events", seen), "", code);
+  return code;
 }
 
 constexpr Option kOptions[] = {
@@ -101,7 +103,8 @@ constexpr Verb kVerbs[] = {
      "were "
      "there before.",
      "event: attached, lost or bad\nserial: of the camera, empty when it has none; not with bad\nproduct: likewise\n"
-     "revision: likewise\npresent: true for a camera that was there when the watch began",
+     "revision: likewise\npresent: true for a camera that was there when the watch began\n"
+     "events: how many there were, at the end with --count",
      kExamples,
      RunWatch}};
 
