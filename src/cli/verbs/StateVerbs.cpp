@@ -1,7 +1,8 @@
 #include <string>
 #include <thread>
+#include <utility>
 
-#include "camera/Session.h"
+#include "camera/LastingSession.h"
 #include "frame/Failure.h"
 #include "verbs/Number.h"
 #include "verbs/Verbs.h"
@@ -53,14 +54,24 @@ ExitCode RunCapture(Context& context) {
 
 ExitCode RunReboot(Context& context) {
   context.Doing("restart the camera");
-  const Session camera(context);
-  camera->Reboot();
-  context.Result(CameraResult(camera), "");
-  context.reporter.Note("The camera was told to restart; `kelva watch` shows when it is back.");
+  LastingSession camera(context);
+  const bool wait = context.call.Has("wait");
+  const int commands = wait ? camera.Device().GetDoneCmdCount() : 0;
+  Json members = CameraResult(camera.Current());
+  camera.Device().Reboot();
+  if (wait) {
+    camera.WaitUntilGone(commands);
+    camera.WaitUntilReady();
+  }
+  context.Result(std::move(members.Set("back", wait)), "");
+  context.reporter.Note(wait ? "The camera has restarted and is ready."
+                             : "The camera was told to restart; `kelva reboot --wait` also waits until it is back.");
   return ExitCode::kDone;
 }
 
 constexpr Option kReadyOptions[] = {{"wait", 'w', "", "Ask five times a second until it is ready."}};
+constexpr Option kRebootOptions[] = {{"wait", 'w', "", "Wait until the same camera is back and ready."}};
+constexpr Example kRebootExamples[] = {{"kelva reboot --wait --timeout 60", "Restart it, and go on when it is back."}};
 constexpr Example kReadyExamples[] = {
     {"kelva ready && kelva capture", "Take a picture if the camera is ready."},
     {"kelva ready --wait --timeout 30", "Wait half a minute for it."},
@@ -104,10 +115,12 @@ constexpr Verb kVerbs[] = {
     {"reboot",
      "Restart the camera",
      {},
-     {},
-     "The camera goes away and comes back; commands fail with exit status 5 or 3 until then.",
-     "",
-     {},
+     kRebootOptions,
+     "The camera goes away and comes back; commands fail with exit status 5 or 3 until then. With --wait the command "
+     "ends when the camera with the same serial number is back and ready, with exit status 8 when --timeout comes "
+     "first, and with 1 when the camera does not restart at all.",
+     "back: true when it was waited for",
+     kRebootExamples,
      RunReboot},
 };
 

@@ -1,13 +1,12 @@
 #include <unistd.h>
 
 #include <limits>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "camera/Information.h"
-#include "camera/Session.h"
+#include "camera/LastingSession.h"
 #include "files/Sha1.h"
 #include "frame/Failure.h"
 #include "frame/Printable.h"
@@ -46,48 +45,46 @@ void Confirm(Context& context) {
 // One upgrade, over the restart of the camera that may come with it.
 class Upgrade {
  public:
-  explicit Upgrade(Context& context) : context_(context) { session_.emplace(context); }
+  explicit Upgrade(Context& context) : context_(context), session_(context) {}
 
-  Camera& Device() { return **session_; }
-  const Session& Current() const { return *session_; }
+  LastingSession& Session() { return session_; }
 
   void Send(const std::vector<char>& image) {
     context_.Doing("send the firmware");
     Progress progress(context_.reporter, context_.stop, "sending", image.size());
-    Device().Upgrade(image.data(), static_cast<int>(image.size()), Progress::Callback, &progress);
+    session_.Device().Upgrade(image.data(), static_cast<int>(image.size()), Progress::Callback, &progress);
   }
 
   /// Until the camera says that it is done, or goes away to restart.
   void WaitUntilWritten() {
     context_.Doing("follow the upgrade");
     Progress progress(context_.reporter, context_.stop, "writing (do not switch the camera off)", kParts);
-    bool running = true;
-    while (running && session_) running = PollOnce(progress);
+    while (session_.IsOpen() && PollOnce(progress)) {
+      context_.stop.Check();
+      std::this_thread::sleep_for(200ms);
+    }
   }
 
   /// The camera is back and ready.
   void WaitUntilBack() {
     context_.Doing("wait for the camera");
-    while (!IsReady()) Pause();
+    if (!session_.IsOpen()) context_.reporter.Note("The camera restarts; waiting for it.");
+    session_.WaitUntilReady();
   }
 
  private:
   static constexpr unsigned long long kParts = 1000;
 
-  void Pause() {
-    context_.stop.Check();
-    std::this_thread::sleep_for(200ms);
-  }
-
+  // Whether it is still being written.
   bool PollOnce(Progress& progress) {
     float share = 0;
     bool running = false;
     bool failed = false;
     try {
-      Device().UpgradeStatus(share, running, failed);
+      session_.Device().UpgradeStatus(share, running, failed);
     } catch (const CameraTransferError&) {
-      session_.reset();  // it restarts
-      return true;
+      session_.Drop();  // it restarts
+      return false;
     }
     if (failed) {
       throw Failure(ExitCode::kRefused,
@@ -95,26 +92,11 @@ class Upgrade {
                     "that the file is meant for this camera, and repeat the command.");
     }
     progress.At(static_cast<unsigned long long>(share * static_cast<float>(kParts)));
-    if (running) Pause();
     return running;
   }
 
-  bool IsReady() {
-    try {
-      if (session_) return Device().IsReady();
-    } catch (const CameraTransferError&) {
-      session_.reset();
-    }
-    try {
-      session_.emplace(context_);
-    } catch (const Failure&) {
-      // Not there yet, or not to be opened yet.
-    }
-    return false;
-  }
-
   Context& context_;
-  std::optional<Session> session_;
+  LastingSession session_;
 };
 
 ExitCode RunUpgrade(Context& context) {
@@ -123,16 +105,16 @@ ExitCode RunUpgrade(Context& context) {
   const std::string sha1 = Sha1(image);
   context.Doing("prepare the upgrade");
   Upgrade upgrade(context);
-  const std::string before = Firmware(upgrade.Device());
-  const float battery = upgrade.Device().BatteryLevel();
+  const std::string before = Firmware(upgrade.Session().Device());
+  const float battery = upgrade.Session().Device().BatteryLevel();
   context.reporter.Note(Printable(path) + ": " + Bytes(image.size()) + ", SHA-1 " + sha1 + "; firmware now " +
                         Printable(before) + "; battery level " + Shortest(battery) + " in the camera's own unit.");
   Confirm(context);
   upgrade.Send(image);
   upgrade.WaitUntilWritten();
   upgrade.WaitUntilBack();
-  const std::string after = Firmware(upgrade.Device());
-  Json members = CameraResult(upgrade.Current());
+  const std::string after = Firmware(upgrade.Session().Device());
+  Json members = CameraResult(upgrade.Session().Current());
   members.Set("size", image.size()).Set("sha1", sha1).Set("battery", NumberOf(battery));
   members.SetBytes("before", before).SetBytes("after", after);
   context.Result(std::move(members), Printable(after) + "\n");
