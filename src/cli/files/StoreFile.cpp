@@ -48,9 +48,9 @@ void StoreReplacing(const TargetFolder& folder, const std::string& name, std::sp
 }
 
 Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
-                   const std::string& sha1) {
-  constexpr int kMostTries = 10'000;
-  int number = 1;
+                   const std::string& sha1, int first) {
+  const int kMostTries = first + 10'000;
+  int number = first;
   // Files that are there already are looked at before anything is written.
   while (folder.Has(Numbered(name, number))) {
     if (HoldsTheSame(folder, Numbered(name, number), bytes.size(), sha1)) return {Numbered(name, number), true};

@@ -21,10 +21,10 @@ struct Stored {
   std::string name;
   bool wasThere = false;  ///< the same bytes were there under this name already, and nothing was written
 };
-/// Stores bytes under the name, or where that is taken by something else, under the first free numbered one.
-/// `sha1` is that of the bytes. The caller flushes the folder.
+/// Stores bytes under the name with the number `first`, or where that is taken by something else, under the next free
+/// numbered one. `sha1` is that of the bytes. The caller flushes the folder.
 Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
-                   const std::string& sha1);
+                   const std::string& sha1, int first = 1);
 
 }  // namespace kelva
 

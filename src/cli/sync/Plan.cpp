@@ -1,9 +1,11 @@
 #include "sync/Plan.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "camera/CameraPath.h"
 #include "camera/Picture.h"
+#include "files/StoreFile.h"
 #include "frame/Failure.h"
 #include "frame/Printable.h"
 
@@ -28,6 +30,7 @@ SyncItem MakeItem(const DcfObj& picture, int type, const std::string& serial, co
                 type,
                 {serial, Identity(picture), type, PictureFingerprint(picture)},
                 pattern.Apply(picture, type, serial),
+                1,
                 {},
                 {}};
   // The key of a catalogue's record is that of the picture's first file.
@@ -39,6 +42,12 @@ SyncItem MakeItem(const DcfObj& picture, int type, const std::string& serial, co
 
 std::string SyncItem::CameraPath() const {
   return PicturePath(picture, type);
+}
+
+std::string SyncItem::LocalText() const {
+  LocalPath path = local;
+  path.name = Numbered(local.name, number);
+  return path.Text();
 }
 
 std::size_t SyncPlan::NewFiles() const {
@@ -62,10 +71,13 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list) {
 SyncPlan MakePlan(const std::vector<DcfObj>& catalogue, const std::string& serial, const std::vector<int>& types,
                   const Pattern& pattern, Manifest& manifest) {
   SyncPlan plan;
+  std::unordered_map<std::string, int> seen;
   for (const DcfObj& picture : catalogue) {
     for (const int type : FileTypes(picture)) {
       if (std::find(types.begin(), types.end(), type) == types.end()) continue;
       SyncItem item = MakeItem(picture, type, serial, pattern);
+      // In the catalogue's order, so that a preview is right and every run gives the same names.
+      item.number = ++seen[item.local.Text()];
       item.known = manifest.Find(item.key);
       plan.items.push_back(std::move(item));
     }

@@ -18,10 +18,13 @@ struct SyncItem {
   int type;
   ManifestKey key;
   LocalPath local;
+  int number = 1;                    ///< 2 for the second item of the catalogue with this local path, and so on
   std::string expectedSha1;          ///< empty when the catalogue does not say
   std::optional<ManifestRow> known;  ///< what the manifest has of it
 
   std::string CameraPath() const;
+  /// Where it goes below the target, as long as nothing else is there.
+  std::string LocalText() const;
   bool IsNew() const { return !known.has_value(); }
 };
 

@@ -82,6 +82,14 @@ TEST_F(PlanTest, AnotherPictureOfTheSameNameIsNew) {
   EXPECT_TRUE(Plan({other}, {1}).items[0].IsNew());
 }
 
+TEST_F(PlanTest, ItemsThatWouldHaveOneNameAreNumberedInTheCataloguesOrder) {
+  const SyncPlan plan = MakePlan({Made(100, 1), Made(101, 1), Made(101, 2)}, "K1", {1}, Pattern("{name}"), manifest_);
+  ASSERT_EQ(plan.items.size(), 3U);
+  EXPECT_EQ(plan.items[0].LocalText(), "IMG_0001.JPG");
+  EXPECT_EQ(plan.items[1].LocalText(), "IMG_0001-2.JPG");
+  EXPECT_EQ(plan.items[2].LocalText(), "IMG_0002.JPG");
+}
+
 TEST(ParseTypesTest, TypesAreReadInAnyCaseAndOnce) {
   EXPECT_THAT(ParseTypes("jpg,RAW,jpg,128"), ElementsAre(1, 2, 4));
   EXPECT_THAT(ParseTypes(std::nullopt), ElementsAre(1, 2, 3, 4));

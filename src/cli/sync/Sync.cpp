@@ -5,7 +5,6 @@
 
 #include <utility>
 
-#include "camera/CameraPath.h"
 #include "camera/Picture.h"
 #include "files/Sha1.h"
 #include "frame/Failure.h"
@@ -23,6 +22,7 @@ std::string TokenOf(const SyncItem& item) {
 Sync::Sync(Context& context, Camera& camera, const TargetFolder& folder, Manifest& manifest, SyncOptions options)
     : context_(context),
       camera_(camera),
+      listed_(camera),
       folder_(folder),
       manifest_(manifest),
       options_(options),
@@ -110,16 +110,19 @@ std::vector<char> Sync::Read(const SyncItem& item) {
   if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item));
   std::vector<char> bytes = camera_.ReadFile(item.picture, item.type, Progress::Check, &progress_, true);
   if (context_.guard != nullptr) context_.guard->End();
-  if (bytes.empty()) CheckThatItIsEmpty(item);
+  CheckSize(item, bytes.size());
   readBytes_ += bytes.size();
   return bytes;
 }
 
-void Sync::CheckThatItIsEmpty(const SyncItem& item) {
-  const auto entry = FindEntry(camera_, item.CameraPath());
-  if (!entry) throw CameraError("the catalogue names it, but it is not in its folder");
-  if (SizeOf(*entry) != 0)
-    throw CameraError("the folder gives it " + std::to_string(SizeOf(*entry)) + " bytes, none came");
+// A SHA-1 says more than a size, but an empty answer may also stand for a file that is missing.
+void Sync::CheckSize(const SyncItem& item, std::size_t size) {
+  if (size != 0 && !item.expectedSha1.empty()) return;
+  const std::optional<bool> agrees = listed_.Agrees(item.CameraPath(), size);
+  if (!agrees && size == 0) throw CameraError("the catalogue names it, but it is not in its folder");
+  if (agrees.value_or(true)) return;
+  throw CameraError("the folder gives it " + std::to_string(listed_.Listed()) + " bytes, and " + std::to_string(size) +
+                    " came");
 }
 
 void Sync::OnOutcome(const WriteOutcome& outcome) {
@@ -175,7 +178,7 @@ void Sync::DeleteVerified() {
 
 void Sync::ShowProgress(std::size_t index, std::size_t count, const SyncItem& item) {
   if (!item.IsNew() && !options_.deleteAfter) return;
-  progress_.Name(std::to_string(index + 1) + " of " + std::to_string(count) + "  " + item.local.Text());
+  progress_.Name(std::to_string(index + 1) + " of " + std::to_string(count) + "  " + item.LocalText());
   progress_.At(readBytes_);
 }
 

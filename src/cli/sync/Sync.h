@@ -7,6 +7,7 @@
 
 #include "Camera.h"
 #include "camera/Explain.h"
+#include "camera/ListedSizes.h"
 #include "frame/Context.h"
 #include "frame/Guard.h"
 #include "frame/Progress.h"
@@ -51,7 +52,7 @@ class Sync {
   void Fetch(const SyncItem& item, Writers& writers);
   void CompareKnown(const SyncItem& item);
   std::vector<char> Read(const SyncItem& item);
-  void CheckThatItIsEmpty(const SyncItem& item);
+  void CheckSize(const SyncItem& item, std::size_t size);
   void DeleteVerified();
   bool IsOnDisk(const ManifestRow& row) const;
   void OnOutcome(const WriteOutcome& outcome);
@@ -60,6 +61,7 @@ class Sync {
 
   Context& context_;
   Camera& camera_;
+  ListedSizes listed_;
   const TargetFolder& folder_;
   Manifest& manifest_;
   SyncOptions options_;

@@ -46,6 +46,13 @@ TEST_F(SyncTest, AFileThatTheCatalogueNamesAndTheFolderDoesNotIsReportedAndTheRe
   EXPECT_EQ(totals.stored, 1U);
 }
 
+TEST_F(SyncTest, AFileWithoutAKeyMustHaveTheSizeOfItsListing) {
+  camera_.lie = 1;
+  const SyncTotals totals = Run();
+  EXPECT_EQ(totals.failed, 2U);
+  EXPECT_EQ(totals.stored, 0U);
+}
+
 TEST_F(SyncTest, VerifyingReadsTwice) {
   EXPECT_EQ(Run({.verify = true}).stored, 2U);
   EXPECT_EQ(camera_.reads, 4);

@@ -128,7 +128,7 @@ Writers::Done Writers::Store(const WriteJob& job) {
                                          "reads it again.");
   }
   const auto folder = FolderFor(item.local);
-  const Stored stored = StoreBeside(*folder, item.local.name, job.bytes, sha1);
+  const Stored stored = StoreBeside(*folder, item.local.name, job.bytes, sha1, item.number);
   LocalPath path = item.local;
   path.name = stored.name;
   return {{item.key, path.Text(), sha1, job.bytes.size(), job.verified, false}, job.item, stored.wasThere};

@@ -25,9 +25,9 @@ ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan)
   for (const SyncItem& item : plan.items) {
     if (!item.IsNew()) continue;
     Json members = Json::Object();
-    members.SetBytes("path", item.CameraPath()).SetBytes("file", item.local.Text());
+    members.SetBytes("path", item.CameraPath()).SetBytes("file", item.LocalText());
     context.Event("would_store", std::move(members),
-                  Printable(item.CameraPath()) + "  ->  " + Printable(item.local.Text()) + "\n");
+                  Printable(item.CameraPath()) + "  ->  " + Printable(item.LocalText()) + "\n");
   }
   Json members = CameraResult(camera);
   members.Set("new", plan.NewFiles()).Set("known", plan.items.size() - plan.NewFiles());
