@@ -1,11 +1,14 @@
 """A virtual bus in a folder of its own, and the two programs."""
 
+import hashlib
+import json
 import os
 import random
 import shutil
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 BIN = ""
@@ -34,11 +37,26 @@ class Bus(unittest.TestCase):
     def vcam(self, *words):
         subprocess.run([BIN + "/kelva-vcam", *words, "--socket", self.socket], check=True, stdout=subprocess.DEVNULL)
 
-    def plug(self):
-        self.vcam("plug", "--serial", "K1", "--storage", self.drive)
+    def plug(self, serial="K1", drive=None):
+        self.vcam("plug", "--serial", serial, "--storage", drive or self.drive)
 
-    def fault(self, *words):
-        self.vcam("fault", "K1", *map(str, words))
+    def unplug(self, serial="K1"):
+        self.vcam("unplug", serial)
+
+    def fault(self, *words, serial="K1"):
+        self.vcam("fault", serial, *map(str, words))
+
+    def status(self):
+        """What the bus knows of each camera, by serial number."""
+        words = [BIN + "/kelva-vcam", "status", "--json", "--socket", self.socket]
+        return {camera["serial"]: camera for camera in json.loads(subprocess.check_output(words))}
+
+    def wait_until_held(self, *serials, run=None):
+        """Until programs have opened these cameras, or `run` has ended; from then on they heed signals."""
+        until = time.monotonic() + 30
+        while any(not self.status()[serial]["holder"] for serial in serials) and (run is None or run.poll() is None):
+            self.assertLess(time.monotonic(), until, "nobody opened the camera")
+            time.sleep(0.01)
 
     def command(self, *words):
         return [BIN + "/kelva", "--virtual", self.socket, *words]
@@ -46,8 +64,9 @@ class Bus(unittest.TestCase):
     def kelva(self, *words, **options):
         return subprocess.run(self.command(*words), capture_output=True, text=True, timeout=60, **options)
 
-    def start(self, *words):
-        return subprocess.Popen(self.command(*words), stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    def start(self, *words, **options):
+        return subprocess.Popen(self.command(*words), stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                                **options)
 
     def put(self, name, content):
         path = os.path.join(self.drive, name)
@@ -72,6 +91,11 @@ class Bus(unittest.TestCase):
                         self.assertEqual(mine.read(), camera.read(), path)
                 count += 1
         return count
+
+
+def digest(content):
+    """The key of a file, and what the tool shows as its SHA-1."""
+    return hashlib.sha1(content).hexdigest()
 
 
 def main():

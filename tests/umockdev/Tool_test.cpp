@@ -162,13 +162,6 @@ TEST_F(ToolTest, TheDoctorNamesTheCommandThatPlugsASilentCameraInAgain) {
   EXPECT_THAT(ended.output, AllOf(HasSubstr("The camera does not answer."), HasSubstr("/authorized")));
 }
 
-TEST_F(ToolTest, TheDoctorNamesTheCommandThatLoadsTheStorageDriver) {
-  machine_.Plug({.serial = "K1", .upTo = Stage::kUsb});
-  const Ended ended = Run("doctor");
-  EXPECT_EQ(ended.code, 1);
-  EXPECT_THAT(ended.output, HasSubstr("To mend it:  sudo modprobe usb-storage\n"));
-}
-
 TEST_F(ToolTest, TheDoctorOfAMachineWithoutACameraFindsNone) {
   const Ended ended = Run("doctor --json");
   EXPECT_EQ(ended.code, 1);

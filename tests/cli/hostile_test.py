@@ -1,0 +1,168 @@
+"""sync and get from a camera that lies about names and sizes."""
+
+import json
+import os
+import random
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+import bench_of_cameras
+from bench_of_cameras import digest
+from hostile_camera import HostileCamera, Record
+
+# Pieces of names that are more than letters: to a file system, a shell, a terminal, a reader of JSON.
+PIECES = [b"/", b"..", b"../", b".", b"\\", b" ", b"-", b"~", b"$(", b"`", b"\"", b"'", b";", b"|", b"*", b"%", b"%2", b"\n",
+          b"\r", b"\t", b"\x1b[2J", b"\x1b]0;", b"\x07", b"\x7f", b"\x9b", b"\xc2\x9b", b"\xe2\x80\xae", b"\xff", b"\xc3", b"A",
+          b"a", b"CON", b"NUL", b".kelva-", b".part", b"\x01", b"\xef\xbb\xbf", b"\xf0\x9f\x98\x80"]
+NUMBERS = [0, 1, 9999, 10000, -1, -2147483648, 2147483647]
+SIZES = [0, 1, 2 ** 31 - 1, 2 ** 31, 2 ** 32 - 1]
+
+
+def library_path(record, extension=b"JPG"):
+    """The path that a host asks for: at most 47 bytes, the rest is cut off."""
+    suffix, prefix = record.identity[:8].split(b"\0")[0], record.identity[8:16].split(b"\0")[0]
+    folder = int.from_bytes(record.identity[16:20], "little", signed=True)
+    number = int.from_bytes(record.identity[20:24], "little", signed=True)
+    return (b"I:\\DCIM\\%03d%s\\%s%04d.%s" % (folder, suffix, prefix, number, extension))[:47]
+
+
+def unsafe_on_a_terminal(output):
+    return [c for c in output if (ord(c) < 32 and c != "\n") or 127 <= ord(c) < 160 or c in "\u202e\u2066\u200f"]
+
+
+class HostileTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="kelva-hostile-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.target = os.path.join(self.folder, "out")
+
+    def serve(self, records, files):
+        camera = HostileCamera(os.path.join(self.folder, "bus"), records, files)
+        self.addCleanup(camera.stop)
+        return camera
+
+    def kelva(self, *words):
+        command = [bench_of_cameras.BIN + "/kelva", "--virtual", os.path.join(self.folder, "bus"), *words]
+        return subprocess.run(command, capture_output=True, text=True, timeout=120)
+
+    def stored(self):
+        """The bytes of every file in the target, sorted."""
+        contents = []
+        for folder, _, names in os.walk(os.fsencode(self.target)):
+            for name in names:
+                if not name.startswith(b".kelva-manifest"):
+                    with open(os.path.join(folder, name), "rb") as file:
+                        contents.append(file.read())
+        return sorted(contents)
+
+
+class HostileNamesTest(HostileTest):
+    COUNT = 600
+
+    def setUp(self):
+        super().setUp()
+        by_path = {}
+        while len(by_path) < self.COUNT:
+            suffix, prefix = (b"".join(random.choices(PIECES, k=random.randrange(5)))[:8] for _ in range(2))
+            record = Record(suffix, prefix, random.choice([100, 101, *NUMBERS]),
+                            random.choice([random.randrange(10000), *NUMBERS]))
+            # One path, one picture: two records for one path are told apart by nothing.
+            by_path.setdefault(library_path(record), record)
+        self.files = {path: b"content of " + path for path in by_path}
+        self.camera = self.serve(list(by_path.values()), self.files)
+
+    def test_every_file_stays_below_the_target_whole_and_alone(self):
+        run = self.kelva("sync", self.target)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertEqual(self.stored(), sorted(self.files.values()))
+        self.assertEqual(sorted(os.listdir(self.folder)), ["bus", "out"])
+        for folder, folders, names in os.walk(self.target):
+            for name in folders + names:
+                self.assertFalse(unsafe_on_a_terminal(name) or "\n" in name, name)
+                self.assertFalse(name.startswith(".") and not name.startswith(".kelva-manifest"), name)
+
+    def test_a_second_run_knows_them_all(self):
+        self.assertEqual(self.kelva("sync", "--quiet", self.target).returncode, 0)
+        self.camera.read.clear()
+        run = self.kelva("sync", "--json", self.target)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertEqual(json.loads(run.stdout)["known"], self.COUNT)
+        self.assertEqual(self.camera.read, [])
+
+    def test_one_pattern_for_all_makes_no_name_of_two(self):
+        run = self.kelva("sync", "--pattern", "{stem}", self.target)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertEqual(self.stored(), sorted(self.files.values()))
+
+    def test_nothing_reaches_a_terminal_as_it_came(self):
+        for words in (("sync", "--dry-run", self.target), ("sync", self.target), ("pictures",),
+                      ("sync", "--json", self.folder + "/again")):
+            run = self.kelva(*words)
+            self.assertEqual(run.returncode, 0, run.stderr)
+            self.assertEqual(unsafe_on_a_terminal(run.stdout + run.stderr), [], words)
+        for line in run.stdout.splitlines():
+            json.loads(line)
+
+
+class HostileSizesTest(HostileTest):
+    SIZE = 3000
+
+    def setUp(self):
+        super().setUp()
+        self.files, records = {}, []
+        for number in range(4):
+            content = random.randbytes(self.SIZE + number)
+            # Every second one has no key, as cameras have them that know none.
+            records.append(Record(b"ABCDE", b"IMG_", 100, number, key=digest(content) if number % 2 else "",
+                                  size=len(content)))
+            self.files[library_path(records[-1])] = content
+        self.camera = self.serve(records, self.files)
+
+    def lies(self):
+        """What is said, in each place alone and in all of them."""
+        near = [self.SIZE - 1, self.SIZE + 1, self.SIZE // 2, self.SIZE + 100_000]
+        for claim in SIZES + near:
+            for places in (["catalogue"], ["listing"], ["selection"], ["listing", "selection"]):
+                with self.subTest(claim=claim, places=places):
+                    for place in self.camera.claims:
+                        self.camera.claims[place] = claim if place in places else None
+                    yield places
+        for place in self.camera.claims:
+            self.camera.claims[place] = None
+
+    def only_right_ones(self, lied_twice):
+        """Where size and listing agree on a lie, only a key shows it: a smaller file is then a possible one."""
+        for content in self.stored():
+            possible = [file for file in self.files.values() if file == content or
+                        (lied_twice and file.startswith(content))]
+            self.assertTrue(possible, f"{len(content)} bytes are no file of the camera")
+
+    def test_sync_keeps_right_files_only_and_is_completed_by_the_truth(self):
+        for places in self.lies():
+            shutil.rmtree(self.target, ignore_errors=True)
+            run = self.kelva("sync", self.target)
+            self.assertIn(run.returncode, (0, 1, 6), run.stderr)
+            agreed = "listing" in places and "selection" in places
+            self.only_right_ones(agreed)
+            for place in self.camera.claims:
+                self.camera.claims[place] = None
+            run = self.kelva("sync", self.target)
+            self.assertEqual(run.returncode, 0, run.stderr)
+            if not agreed:
+                self.assertEqual(self.stored(), sorted(self.files.values()))
+
+    def test_get_keeps_right_files_only(self):
+        path, content = list(self.files.items())[1]
+        for places in self.lies():
+            shutil.rmtree(self.target, ignore_errors=True)
+            os.mkdir(self.target)
+            run = self.kelva("get", path.decode(), "--into", self.target)
+            self.assertIn(run.returncode, (0, 1), run.stderr)
+            if "listing" not in places:
+                self.assertIn(self.stored(), ([], [content]))
+
+
+if __name__ == "__main__":
+    bench_of_cameras.main()

@@ -1,0 +1,93 @@
+"""report, opened with tar; doctor; time, console and what else a person looks at."""
+
+import json
+import os
+import subprocess
+
+import bench_of_cameras
+from bench_of_cameras import Bus
+
+
+class ReportTest(Bus):
+    def setUp(self):
+        super().setUp()
+        self.put("CRASH/A.LOG", b"went wrong\n")
+        self.put("CRASH/B.LOG", b"again\n")
+        self.put("CALIB/GAIN", bytes(range(256)))
+        self.pictures(3, 100)
+        self.archive = os.path.join(self.folder, "report.tar")
+
+    def tar(self, *words):
+        return subprocess.run(["tar", *words], check=True, capture_output=True).stdout
+
+    def member(self, name):
+        return self.tar("-xOf", self.archive, "kelva-report/" + name)
+
+    def members(self):
+        return self.tar("-tf", self.archive).decode().splitlines()
+
+    def test_everything_is_in_one_archive(self):
+        self.kelva("monitor", "hello")
+        run = self.kelva("report", "--json", self.archive)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        expected = ["host.txt", "camera.txt", "console.txt", "crash/A.LOG", "crash/B.LOG", "calibration/GAIN"]
+        self.assertEqual(sorted(self.members()), sorted("kelva-report/" + name for name in expected))
+        self.assertEqual(json.loads(run.stdout)["files"], len(expected))
+        self.assertEqual(self.member("crash/A.LOG"), b"went wrong\n")
+        self.assertEqual(self.member("calibration/GAIN"), bytes(range(256)))
+        self.assertIn(b"hello", self.member("console.txt"))
+        camera = self.member("camera.txt").decode()
+        for line in ("serial: K1", "product: Camera", "information: factory", "battery: 100", "pictures: 3"):
+            self.assertIn(line + "\n", camera)
+        host = self.member("host.txt").decode()
+        self.assertIn("system: Linux " + os.uname().release, host)
+        self.assertRegex(host, r"tool: kelva \d+\.\d+")
+        self.assertEqual(sorted(os.listdir(self.drive + "/CRASH")), ["A.LOG", "B.LOG"])
+
+    def test_a_part_that_fails_is_said_in_the_archive_and_the_rest_is_there(self):
+        self.fault("fail", 1)
+        run = self.kelva("report", self.archive)
+        self.assertEqual(run.returncode, 6, run.stderr)
+        self.assertIn("kelva-report/errors.txt", self.members())
+        self.assertNotIn("kelva-report/camera.txt", self.members())
+        self.assertEqual(self.member("errors.txt").decode(), run.stderr.splitlines()[0].removeprefix("kelva: ") + "\n")
+        self.assertEqual(self.member("crash/B.LOG"), b"again\n")
+
+    def test_an_archive_that_is_there_is_left_alone(self):
+        with open(self.archive, "w", encoding="ascii") as file:
+            file.write("mine")
+        self.assertEqual(self.kelva("report", self.archive).returncode, 1)
+        with open(self.archive, encoding="ascii") as file:
+            self.assertEqual(file.read(), "mine")
+
+    def test_no_passphrase_is_in_it(self):
+        self.kelva("wifi", "passphrase", input="correct horse battery\n")
+        self.assertEqual(self.kelva("report", self.archive).returncode, 0)
+        with open(self.archive, "rb") as file:
+            self.assertNotIn(b"correct horse", file.read())
+
+
+class DoctorTest(Bus):
+    def test_it_looks_at_this_machine_and_not_at_a_virtual_bus(self):
+        run = self.kelva("doctor")
+        self.assertEqual(run.returncode, 2)
+        self.assertIn("looks at this machine", run.stderr)
+
+    def test_without_a_camera_it_says_so_and_what_to_do(self):
+        # A machine whose /sys is empty has no camera, whatever is plugged into this one.
+        words = ["unshare", "--user", "--map-root-user", "--mount", "sh", "-c",
+                 'mount -t tmpfs none /sys && exec "$0" "$@"']
+        if os.geteuid() == 0:
+            words[1:3] = []
+        run = subprocess.run([*words, bench_of_cameras.BIN + "/kelva", "doctor", "--json"], capture_output=True,
+                             text=True, timeout=60)
+        self.assertEqual(run.returncode, 1, run.stderr)
+        findings = {finding["condition"]: finding for finding in json.loads(run.stdout)["findings"]}
+        self.assertIn("No camera is attached", findings["no-device"]["sentence"])
+        self.assertTrue(findings["no-device"]["advice"])
+        if not os.path.exists("/run/udev/control"):
+            self.assertEqual(findings["no-udev"]["command"], "sudo systemctl start systemd-udevd")
+
+
+if __name__ == "__main__":
+    bench_of_cameras.main()
