@@ -49,15 +49,17 @@ class Browser:
     def open_page(self):
         target = self.ask("Target.createTarget", url="about:blank")["targetId"]
         self.session = self.ask("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
-        for domain in ("Page", "Network", "Log", "Runtime"):
+        for domain in ("Page", "Network", "Log", "Runtime", "Accessibility"):
             self.ask(domain + ".enable")
         self.ask("Network.emulateNetworkConditions", offline=True, latency=0, downloadThroughput=0, uploadThroughput=0)
 
     def show(self, path):
-        """Opens a file of this machine and waits until it is loaded."""
+        """Opens a file of this machine and waits until it is loaded and painted."""
         self.forget("Page.loadEventFired")
         self.ask("Page.navigate", url="file://" + path)
         self.wait_for("Page.loadEventFired")
+        # What is not painted yet has no size, and nobody hears of it.
+        self.evaluate("new Promise(done => requestAnimationFrame(() => requestAnimationFrame(done)))")
 
     def click(self, selector):
         """Clicks the middle of an element as a person does, and waits for the page that it leads to."""
