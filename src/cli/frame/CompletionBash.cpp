@@ -20,10 +20,11 @@ std::string OptionWords(std::span<const Option> options) {
 
 std::string Action(Offer offer, std::string_view words) {
   switch (offer) {
+    // With nothing of ours to offer, readline itself completes names: it knows blanks, quotes and tildes.
     case Offer::kFile:
-      return "compopt -o filenames; COMPREPLY=($(compgen -f -- \"$cur\"))";
+      return "compopt -o default; COMPREPLY=()";
     case Offer::kFolder:
-      return "compopt -o filenames; COMPREPLY=($(compgen -d -- \"$cur\"))";
+      return "compopt -o dirnames; COMPREPLY=()";
     case Offer::kWords:
       return "COMPREPLY=($(compgen -W " + Quoted(words) + " -- \"$cur\"))";
     case Offer::kVerb:

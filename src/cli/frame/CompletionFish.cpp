@@ -31,7 +31,8 @@ std::string Action(Offer offer, std::string_view words) {
   return " -x";
 }
 
-std::string Seen(const Verb& verb) {
+// True after the words of this command, and not after those of a longer one: "pictures", not "pictures rm".
+std::string Seen(std::span<const Verb> table, const Verb& verb) {
   std::string condition;
   for (std::string_view rest = verb.name; !rest.empty();) {
     const std::size_t end = std::min(rest.find(' '), rest.size());
@@ -39,7 +40,9 @@ std::string Seen(const Verb& verb) {
         (condition.empty() ? "" : "; and ") + ("__fish_seen_subcommand_from " + std::string(rest.substr(0, end)));
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
-  return condition;
+  std::string longer;
+  for (const std::string_view second : SecondWords(table, verb.name)) longer += " " + std::string(second);
+  return longer.empty() ? condition : condition + "; and not __fish_seen_subcommand_from" + longer;
 }
 
 std::string OptionLine(const Option& option, const std::string& condition) {
@@ -71,10 +74,10 @@ std::string VerbLines(std::span<const Verb> table, const Verb& verb) {
       text += "complete -c kelva -n __fish_use_subcommand -f -a " + FishQuoted(first) + " -d 'Several commands'\n";
     }
   }
-  for (const Option& option : verb.options) text += OptionLine(option, Seen(verb));
+  for (const Option& option : verb.options) text += OptionLine(option, Seen(table, verb));
   for (const Argument& argument : verb.arguments) {
     if (argument.offer == Offer::kNothing) continue;
-    text += "complete -c kelva -n " + FishQuoted(Seen(verb)) + Action(argument.offer, argument.words) + "\n";
+    text += "complete -c kelva -n " + FishQuoted(Seen(table, verb)) + Action(argument.offer, argument.words) + "\n";
   }
   return text;
 }

@@ -105,7 +105,9 @@ std::string ZshCompletion(std::span<const Verb> table) {
       "CURRENT-- ))\n    fi\n  fi\n";
   text += "  shift words\n  (( CURRENT-- ))\n  case $verb in\n";
   for (const Verb& verb : table) text += VerbCase(verb);
-  return text + "  esac\n}\n\ncompdef _kelva kelva\n";
+  text += "  esac\n}\n\n";
+  // Found in $fpath, this file is the body of _kelva when it is first called; read with `source`, it is not.
+  return text + "if [[ $funcstack[1] == _kelva ]]; then\n  _kelva \"$@\"\nelse\n  compdef _kelva kelva\nfi\n";
 }
 
 }  // namespace kelva
