@@ -119,6 +119,7 @@ void AccountForCopies() {
   NoteCost("of this above the mapped SG_IO", transfers - mapped);
   NoteCost("a copy of a chunk by itself", copies);
   NoteCost("a copy of a chunk to the end of a vector by itself", gathering);
+  NoteCost("of this the memory that is new to the process", gathering - copies);
   NoteCost("ReadFile, handed over as one vector", file);
   // No copy that is not accounted for: a twentieth is left for selecting the file and asking its size.
   Check(file <= 1.05 * (transfers + gathering), "ReadFile costs more than its parts");
