@@ -1,12 +1,11 @@
 #include "tests/doors/UsbCable.h"
 
+#include <IOKit/IOReturn.h>
 #include <sys/socket.h>
 
 #include <array>
 #include <stdexcept>
 #include <utility>
-
-#include "tests/doors/UsbHost.h"
 
 namespace kelva::doors {
 namespace {
@@ -25,21 +24,50 @@ std::uint32_t Device() {
   return vcam::usbip::OfferOf(kSpeed).DeviceId();
 }
 
+class CableSession : public vcam::CommandSession {
+ public:
+  explicit CableSession(std::shared_ptr<UsbCable> cable) : cable_(std::move(cable)) {}
+
+  int Start() override {
+    if (cable_->camera().Gone()) return kIOReturnNoDevice;
+    return cable_->camera().StartSession() ? kIOReturnSuccess : kIOReturnExclusiveAccess;
+  }
+  void End() override { cable_->camera().EndSession(); }
+  vcam::Reply Execute(const vcam::Command& command, std::chrono::milliseconds timeout) override {
+    return cable_->host().Execute(command, timeout);
+  }
+
+ private:
+  std::shared_ptr<UsbCable> cable_;
+};
+
 }  // namespace
+
+std::shared_ptr<UsbCable> UsbCable::Make(vcam::Options options) {
+  return std::shared_ptr<UsbCable>(new UsbCable(std::move(options)));
+}
 
 UsbCable::UsbCable(vcam::Options options)
     : camera_(std::move(options)),
       usb_(vcam::usbip::ModelOf(camera_, faults_, kSpeed)),
       session_(OtherEnd(hostEnd_), Device(), usb_),
-      server_([this] { session_.Run(); }) {}
+      server_([this] { session_.Run(); }),
+      host_(std::move(hostEnd_), Device()) {
+  if (!host_.Configure()) throw std::runtime_error("the camera does not take its configuration");
+}
 
 UsbCable::~UsbCable() {
   session_.Pull();
   server_.join();
 }
 
+void UsbCable::Pull() {
+  camera_.Unplug();
+  session_.Pull();
+}
+
 std::unique_ptr<vcam::CommandSession> UsbCable::MakeSession() {
-  return std::make_unique<UsbHost>(std::move(hostEnd_), Device());
+  return std::make_unique<CableSession>(shared_from_this());
 }
 
 }  // namespace kelva::doors

@@ -4,6 +4,7 @@
 #include <memory>
 #include <thread>
 
+#include "tests/doors/UsbHost.h"
 #include "vcam/device/VirtualCamera.h"
 #include "vcam/door/CommandSession.h"
 #include "vcam/usbip/Session.h"
@@ -14,25 +15,30 @@ namespace kelva::doors {
 
 /// A virtual camera behind its USB door, which is served by a thread over a pair of sockets, and a host at the other end that
 /// needs no kernel.
-class UsbCable {
+class UsbCable : public std::enable_shared_from_this<UsbCable> {
  public:
-  explicit UsbCable(vcam::Options options);
+  static std::shared_ptr<UsbCable> Make(vcam::Options options);
   ~UsbCable();
   UsbCable(const UsbCable&) = delete;
   UsbCable& operator=(const UsbCable&) = delete;
 
   vcam::VirtualCamera& camera() { return camera_; }
-  vcam::usbip::WireFaults& faults() { return faults_; }
-  /// A host that sends commands through this cable. There is one end, so there is one session.
+  UsbHost& host() { return host_; }
+  /// A session of the host's, which keeps the cable alive. The camera gives it to one holder at a time.
   std::unique_ptr<vcam::CommandSession> MakeSession();
+  /// Takes the camera away. From any thread.
+  void Pull();
 
  private:
+  explicit UsbCable(vcam::Options options);
+
   vcam::VirtualCamera camera_;
   vcam::usbip::WireFaults faults_{};
   vcam::usbip::UsbCamera usb_;
   vcam::FileDescriptor hostEnd_{};
   vcam::usbip::Session session_;
   std::thread server_;
+  UsbHost host_;
 };
 
 }  // namespace kelva::doors

@@ -7,21 +7,20 @@
 #include <span>
 
 #include "vcam/device/Bytes.h"
+#include "vcam/device/Command.h"
 #include "vcam/device/FileDescriptor.h"
-#include "vcam/door/CommandSession.h"
 
 namespace kelva::doors {
 
 /// The host's side of a USB cable over a USB/IP socket: the bulk-only transport as Linux's usb-storage drives it. Its
 /// messages and wrappers are written here once more, independently of the camera's side.
-class UsbHost : public vcam::CommandSession {
+class UsbHost {
  public:
   UsbHost(vcam::FileDescriptor socket, std::uint32_t device) : socket_(std::move(socket)), device_(device) {}
 
-  /// Chooses the device's configuration.
-  int Start() override;
-  void End() override {}
-  vcam::Reply Execute(const vcam::Command& command, std::chrono::milliseconds timeout) override;
+  /// Chooses the device's configuration; false when the device has gone.
+  bool Configure();
+  vcam::Reply Execute(const vcam::Command& command, std::chrono::milliseconds timeout);
 
  private:
   /// How one transfer ended.

@@ -108,7 +108,7 @@ class UsbDoor : public VirtualDoor {
  public:
   Counting counting() const override { return Counting::kByKernel; }
   void Plug(const vcam::Options& options) override {
-    cable_ = std::make_shared<UsbCable>(options);
+    cable_ = UsbCable::Make(options);
     Show(options, [cable = cable_] { return cable->MakeSession(); });
   }
   void Arm(const vcam::Fault& fault) override { cable_->camera().Arm(fault); }
