@@ -7,12 +7,15 @@
 #include <new>
 
 #include "frame/Printable.h"
+#include "sheet/JpegKind.h"
 
 namespace kelva {
 namespace {
 
-// More than any camera has, and few enough that the memory stays small whatever a file claims.
+// More than any camera has, and few enough that the memory stays small whatever a file claims: a file that comes row by
+// row costs a sixty-fourth of its pixels, another one all of them.
 constexpr long long kMostPixels = 200'000'000;
+constexpr long long kMostPixelsAtOnce = 40'000'000;
 constexpr int kQuality = 80;
 
 struct Destroy {
@@ -50,7 +53,8 @@ Size SizeIn(const Handle& handle, std::span<const char> bytes) {
                           &colours) != 0) {
     throw NoPicture("it is no JPEG file that can be drawn (" + Complaint(handle) + ")");
   }
-  if (static_cast<long long>(size.width) * size.height > kMostPixels) {
+  const long long most = ComesRowByRow(bytes) ? kMostPixels : kMostPixelsAtOnce;
+  if (static_cast<long long>(size.width) * size.height > most) {
     throw NoPicture("it claims " + std::to_string(size.width) + " by " + std::to_string(size.height) +
                     " pixels, more than a thumbnail is drawn from");
   }

@@ -1,11 +1,15 @@
 #include "sheet/Jpeg.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "sheet/TinyJpeg.h"
 
 namespace kelva {
 namespace {
+
+using testing::HasSubstr;
+using testing::ThrowsMessage;
 
 // A row of squares, 8 pixels each.
 std::string Row(int squares) {
@@ -58,6 +62,15 @@ TEST(JpegTest, AFileThatClaimsTooMuchIsNotDrawn) {
   const std::size_t frame = huge.find("\xFF\xC0");
   huge.replace(frame + 5, 4, "\xFF\x00\xFF\x00", 4);
   EXPECT_THROW(DecodeJpeg(huge, 100), NoPicture);
+}
+
+TEST(JpegTest, AProgressiveFileMayClaimLess) {
+  std::string large = Row(1);
+  const std::size_t frame = large.find("\xFF\xC0");
+  large.replace(frame + 5, 4, "\x20\x00\x20\x00", 4);  // 8192 by 8192
+  EXPECT_NE(DecodeJpeg(large, 100).complaint, "") << "a whole picture of grey, cut off after one square";
+  large[frame + 1] = '\xC2';
+  EXPECT_THAT([&] { DecodeJpeg(large, 100); }, ThrowsMessage<NoPicture>(HasSubstr("claims 8192 by 8192 pixels")));
 }
 
 TEST(JpegTest, EveryDamagedByteIsAPictureOrNone) {

@@ -81,7 +81,8 @@ constexpr Verb kVerbs[] = {
      "whole; one that `kelva sync` has fetched into the sheet's folder is read there, when its SHA-1 is "
      "still "
      "the same. One picture is in memory at a time. A picture that is damaged or missing is reported and gets a "
-     "placeholder, and the rest goes on (exit status 6). The sheet is written under a temporary name and gets its own "
+     "placeholder, and the rest goes on (exit status 6); so is one of more than 200 million pixels, or 40 million when "
+     "it is progressive. The sheet is written under a temporary name and gets its own "
      "when it is whole and on disk; a file that is there already is left as it is, unless --force is given.",
      "pictures: array of folder, name, folder_number, number, types, key and time (null when the catalogue has none), "
      "and the camera's own value5, value6, value9, block7 and block8 (hexadecimal)\n"
