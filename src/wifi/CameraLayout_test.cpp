@@ -90,7 +90,7 @@ class Counted : public PlainCamera {
 
 void* const* TableOf(const Camera* camera) {
   void* const* table = nullptr;
-  std::memcpy(&table, camera, sizeof table);
+  std::memcpy(&table, static_cast<const void*>(camera), sizeof table);
   return table;
 }
 

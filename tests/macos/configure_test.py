@@ -44,12 +44,16 @@ class Configured:
         return plistlib.loads((self.folder / "bin/KelvaHelper.app/Contents/Info.plist").read_bytes())
 
 
+def everyday_build(folder):
+    return Configured(folder, f"-DGTest_DIR={GTEST_FOLDER}", "-DCMAKE_FIND_PACKAGE_PREFER_CONFIG=ON")
+
+
 class EverydayBuild(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.folder.cleanup)
-        cls.build = Configured(cls.folder.name, f"-DGTest_DIR={GTEST_FOLDER}", "-DCMAKE_FIND_PACKAGE_PREFER_CONFIG=ON")
+        cls.build = everyday_build(cls.folder.name)
 
     def test_library_and_agent_are_built_and_nothing_of_the_linux_side(self):
         folders = {source.rsplit("/", 1)[0] for source in self.build.sources()}
@@ -94,7 +98,12 @@ class ShippedBuild(unittest.TestCase):
         self.assertEqual(release["cacheVariables"], {"CMAKE_BUILD_TYPE": "Release", "KELVA_BUILD_TESTS": "OFF"})
 
 
-if __name__ == "__main__":
+def take_arguments():
+    global PROJECT, COMPILER, GTEST_FOLDER
     PROJECT, COMPILER, GTEST_FOLDER = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
     del sys.argv[1:4]
+
+
+if __name__ == "__main__":
+    take_arguments()
     unittest.main()

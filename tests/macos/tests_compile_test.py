@@ -1,0 +1,41 @@
+#!/usr/bin/env python3
+"""The tests that a Mac runs compile there: with its compiler's family, its standard library and the warnings of the build.
+
+Usage: tests_compile_test.py PROJECT COMPILER GTEST_FOLDER
+"""
+
+import concurrent.futures
+import os
+import shlex
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import configure_test
+
+# What a compiler that is not on a Mac has no use for, and says so.
+STAND_IN = ["-stdlib=libc++", "-fsyntax-only", "-Wno-unused-command-line-argument"]
+
+
+def compile_one(entry):
+    command = shlex.split(entry["command"])
+    run = subprocess.run([*command, *STAND_IN], cwd=entry["directory"], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+    return run.stdout if run.returncode != 0 or run.stdout else ""
+
+
+class TestsOfAMac(unittest.TestCase):
+    def test_every_one_compiles_without_a_warning(self):
+        with tempfile.TemporaryDirectory() as folder:
+            build = configure_test.everyday_build(folder)
+            entries = [entry for entry in build.commands if "_test.cpp" in entry["file"] or "/tests/" in entry["file"]]
+            self.assertGreater(len(entries), 30)
+            with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+                for entry, complaint in zip(entries, pool.map(compile_one, entries)):
+                    with self.subTest(file=entry["file"]):
+                        self.assertEqual(complaint, "")
+
+
+if __name__ == "__main__":
+    configure_test.take_arguments()
+    unittest.main()
