@@ -12,7 +12,6 @@
 namespace mock {
 namespace {
 
-constexpr int kCompactDisc = 5;
 constexpr mode_t kUsable = 0600;
 
 std::string Padded(std::string text, std::size_t width) {
@@ -72,7 +71,7 @@ std::string MockMachine::Describe(const Unit& unit, Plugged& plugged) {
     const std::string target = "target" + Number(unit.port) + ":0:0/" + Number(unit.port) + ":0:0:0";
     device("host" + Number(unit.port) + "/" + target, UnitText(unit));
   }
-  if (unit.upTo >= Stage::kUnit && unit.peripheralType == kCompactDisc) text += DescribeDisc(unit, path, plugged);
+  if (unit.disc) text += DescribeDisc(unit, path, plugged);
   if (unit.upTo >= Stage::kNode) device("scsi_generic/sg" + Number(unit.port), NodeText(unit));
   return text;
 }

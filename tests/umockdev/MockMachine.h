@@ -26,6 +26,9 @@ struct Unit {
   /// The port, and with it the place in sysfs; also the number of the node, as after plugging in one after another.
   int port = 0;
   Stage upTo = Stage::kNode;
+  /// The unit has a block device as well, as one of the disc type has. A machine shows it at one port once: the testbed
+  /// keeps a link to each block device for good.
+  bool disc = false;
 };
 
 /// A machine whose sysfs, nodes and udev events are made up: /sys and /dev of this process and of its children are a

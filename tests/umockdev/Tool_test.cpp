@@ -148,7 +148,7 @@ TEST_F(ToolTest, TheDoctorNamesWhoHoldsTheCamera) {
 }
 
 TEST_F(ToolTest, TheDoctorNamesTheDiscThatABadCameraShows) {
-  machine_.Plug({.serial = "K1", .revision = "Q42", .peripheralType = 5, .port = 2});
+  machine_.Plug({.serial = "K1", .revision = "Q42", .peripheralType = 5, .port = 2, .disc = true});
   const Ended ended = Run("doctor");
   EXPECT_EQ(ended.code, 1);
   EXPECT_THAT(ended.output, HasSubstr("To mend it:  sudo eject /dev/sr2"));

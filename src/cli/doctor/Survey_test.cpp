@@ -106,7 +106,7 @@ TEST_F(SurveyTest, AHeldNodeIsNotAskedAndItsHolderIsNamed) {
 }
 
 TEST_F(SurveyTest, ABadCameraIsOne) {
-  machine_.Plug({.revision = "Q42", .peripheralType = 5});
+  machine_.Plug({.revision = "Q42", .peripheralType = 5, .disc = true});
   EXPECT_EQ(Survey().cameras.at(0).disc, "/dev/sr0");
   EXPECT_EQ(Judge(), Condition::kBadCamera);
 }
