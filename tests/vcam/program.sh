@@ -52,6 +52,8 @@ stop() {
 expect 0 "kelva-vcam " --version
 for verb in serve plug unplug status fault; do expect 0 "--socket" "$verb" --help; done
 expect 2 "subcommand is required" 
+expect 2 "There is no command frob; see" frob
+expect 2 "There is no command " ""
 expect 2 "--socket is required" status
 expect 2 "see \`kelva-vcam --help\`" plug --socket "$socket" --serial K --storage "$work/card" --type 32
 expect 1 "start one with" status --socket "$socket"

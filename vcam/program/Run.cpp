@@ -18,6 +18,10 @@ int UsageError(const CLI::ParseError& error) {
   return Report(what + "; see `kelva-vcam --help`.", kExitUsage);
 }
 
+bool HasVerb(CLI::App& app, const std::string& name) {
+  return !app.get_subcommands([&name](CLI::App* verb) { return verb->get_name() == name; }).empty();
+}
+
 int RunChosen(const Action& chosen) {
   try {
     return chosen();
@@ -44,6 +48,9 @@ int Run(int argc, char** argv) {
       "         kelva-vcam plug --socket /tmp/bus --serial K100 --storage ~/Pictures/card");
   Action chosen;
   for (const auto add : {AddServe, AddPlug, AddUnplug, AddStatus, AddFault, AddUsbip}) add(app, chosen);
+  if (argc > 1 && argv[1][0] != '-' && !HasVerb(app, argv[1])) {
+    return Report("There is no command " + std::string(argv[1]) + "; see `kelva-vcam --help`.", kExitUsage);
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
