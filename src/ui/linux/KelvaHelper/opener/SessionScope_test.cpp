@@ -24,13 +24,16 @@ constexpr char kInterface[] =
 /// How the stand-in of the service manager answers.
 enum class Behaviour { kDone, kAnotherJobFirst, kFailed, kRefuse, kSilent };
 
+/// One end of a direct connection; the one with a guid is the serving end, which takes no message before it is told to. (A
+/// request that arrives while that end is being set up would be dropped without an answer.)
 Object<GDBusConnection> Connect(int descriptor, const char* guid) {
   const Object<GSocket> socket(g_socket_new_from_fd(descriptor, nullptr));
   const Object<GSocketConnection> stream(g_socket_connection_factory_create_connection(socket.get()));
-  const auto flags =
-      guid == nullptr ? G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT : G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_SERVER;
-  return Object<GDBusConnection>(
-      g_dbus_connection_new_sync(G_IO_STREAM(stream.get()), guid, flags, nullptr, nullptr, nullptr));
+  const int flags = guid == nullptr ? G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
+                                    : G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_SERVER |
+                                          G_DBUS_CONNECTION_FLAGS_DELAY_MESSAGE_PROCESSING;
+  return Object<GDBusConnection>(g_dbus_connection_new_sync(
+      G_IO_STREAM(stream.get()), guid, static_cast<GDBusConnectionFlags>(flags), nullptr, nullptr, nullptr));
 }
 
 /// A stand-in of the user's service manager at the far end of a direct connection, on a thread of its own.
@@ -63,6 +66,7 @@ class Manager {
     table.method_call = OnCall;
     g_dbus_connection_register_object(connection.get(), "/org/freedesktop/systemd1", node->interfaces[0], &table, this,
                                       nullptr, nullptr);
+    g_dbus_connection_start_message_processing(connection.get());
     g_main_loop_run(loop_);
     g_dbus_node_info_unref(node);
     g_main_context_pop_thread_default(context_);
