@@ -6,6 +6,7 @@ import json
 import os
 import random
 import re
+import resource
 import signal
 import time
 
@@ -147,6 +148,22 @@ class SheetTest(Bus):
     def write(self, text):
         with open(self.path, "w", encoding="utf-8") as file:
             file.write(text)
+
+    def test_a_disk_that_fills_up_or_cannot_be_written_leaves_nothing(self):
+        for number in range(1, 20):
+            self.picture(number)
+
+        def fill_up():
+            # What a process sees of a full disk: a write that is refused in the middle of a file.
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (10_000, 10_000))
+
+        run = self.kelva("pictures", "--sheet", self.path, preexec_fn=fill_up)
+        self.assertEqual(run.returncode, 1, run.stderr)
+        self.assertIn("Cannot write into", run.stderr)
+        self.nothing_is_left()
+        run = self.kelva("pictures", "--sheet", "/proc/sheet.html")
+        self.assertEqual(run.returncode, 1, run.stderr)
 
     def test_each_fault_is_a_whole_sheet_or_none(self):
         for number in (1, 2):
