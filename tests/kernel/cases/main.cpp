@@ -39,7 +39,8 @@ std::vector<tap::Case> Chosen(std::span<char*> words) {
 int main(int argc, char** argv) {
   const auto cases = Chosen(std::span(argv, static_cast<std::size_t>(argc)).subspan(1));
   if (cases.empty()) {
-    std::cerr << "usage: kelva-kernel-cases [--cycles=N] faults|unplug|clients|speed|agent|tool|verbs|table|short ...\n";
+    std::cerr
+        << "usage: kelva-kernel-cases [--cycles=N] faults|unplug|clients|speed|agent|tool|verbs|table|short ...\n";
     return 2;
   }
   return tap::RunAll(cases);
