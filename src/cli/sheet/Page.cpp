@@ -16,7 +16,7 @@ constexpr std::string_view kHead =
     "<meta name=\"color-scheme\" content=\"light dark\">\n";
 
 // Stays on the line of what is before it.
-const std::string kDot = "\u00A0<span class=\"dot\">\u00B7</span> ";
+constexpr std::string_view kDot = "\u00A0<span class=\"dot\">\u00B7</span> ";
 
 std::string Count(std::size_t pictures) {
   return pictures == 1 ? "1 picture" : std::to_string(pictures) + " pictures";
@@ -24,7 +24,7 @@ std::string Count(std::size_t pictures) {
 
 std::string Days(const PageFacts& facts) {
   const std::string first = ShortDayName(facts.first);
-  const std::string last = ShortDayName(facts.last);
+  std::string last = ShortDayName(facts.last);
   if (first.empty() || first == last) return last;
   return last.empty() ? first : first + " to " + last;
 }
@@ -38,8 +38,9 @@ std::string Page::Start(const PageFacts& facts) {
   html += "<title>Pictures of camera " + serial + "</title>\n<style>\n" + std::string(kStyle) +
           "</style>\n</head>\n<body>\n";
   html += "<header>\n<h1>Pictures of camera <span>" + serial + "</span></h1>\n<p>" + Count(facts.pictures);
-  if (!days.empty()) html += kDot + days;
-  if (!facts.product.empty()) html += kDot + Html(facts.product);
+  for (const std::string& more : {days, Html(facts.product)}) {
+    if (!more.empty()) html.append(kDot).append(more);
+  }
   html += "</p>\n</header>\n<main>\n";
   if (facts.pictures == 0) html += "<p class=\"empty\">There are no pictures in the camera's catalogue.</p>\n";
   return html;

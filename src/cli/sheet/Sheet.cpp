@@ -84,14 +84,15 @@ void Sheet::DrawInto(Card& card, const DcfObj& picture) {
 
 void Sheet::TryToDraw(Card& card, const DcfObj& picture) {
   std::optional<std::vector<char>> fetched = beside_.Read(picture, kJpg);
-  const std::vector<char> bytes = fetched ? *std::move(fetched) : ReadFromCamera(picture);
+  const bool isHere = fetched.has_value();
+  const std::vector<char> bytes = isHere ? *std::move(fetched) : ReadFromCamera(picture);
   if (!card.files.front().size) card.files.front().size = bytes.size();
   Thumbnail thumbnail = DrawThumbnail(bytes);
   if (!card.time) card.time = thumbnail.time;
   const std::string complaint = thumbnail.complaint;
   card.thumbnail = std::move(thumbnail);
   ++totals_.drawn;
-  totals_.fetched += fetched ? 1U : 0U;
+  totals_.fetched += isHere ? 1U : 0U;
   if (complaint.empty()) return;
   Fail(card, "damaged",
        Printable(PicturePath(picture, kJpg)) + " is damaged and was drawn as far as it goes (" + complaint +
