@@ -14,6 +14,7 @@ const std::string_view kStyle = R"css(:root {
   --warn: #8a1c12;
   --warn-paper: #fbe4e0;
   --row: 11rem;
+  --gap: 1.1rem;
 }
 @media (prefers-color-scheme: dark) {
   :root {
@@ -55,8 +56,8 @@ h2 {
   font-weight: 600;
 }
 ul { list-style: none; margin: 0; padding: 0; }
-.grid { display: flex; flex-wrap: wrap; gap: 1.6rem 1.1rem; }
-.grid::after { content: ""; flex: 100000 0 0; }
+.grid { display: flex; flex-wrap: wrap; gap: 1.6rem var(--gap); }
+.grid::after { content: ""; flex: 100000 0 0; margin-left: calc(-1 * var(--gap)); }
 .card { flex: calc(var(--r) * 100) 1 calc(var(--r) * var(--row)); max-width: calc(var(--r) * var(--row) * 1.6); min-width: 0; }
 .frame {
   display: block;
@@ -112,20 +113,20 @@ a.file:hover { text-decoration: underline; }
 .empty { padding: 4rem 0; color: var(--soft); text-align: center; }
 footer { margin-top: 3rem; padding-top: 1rem; border-top: 1px solid var(--line); color: var(--soft); font-size: .8rem; }
 footer p { margin: 0; }
-@media (max-width: 40rem) { :root { --row: 8.5rem; } .grid { gap: 1.2rem .7rem; } }
+@media (max-width: 40rem) { :root { --row: 8.5rem; --gap: .7rem; } .grid { row-gap: 1.2rem; } .card { max-width: none; } }
 @media (prefers-reduced-motion: reduce) { a.frame { transition: none; } a.frame:hover { transform: none; } }
 @media print {
   :root {
     color-scheme: light;
     --paper: #fff; --mat: #f2f2f2; --line: #bbb; --ink: #000; --soft: #444;
-    --link: #000; --link-paper: #fff; --warn: #000; --warn-paper: #fff; --row: 7rem;
+    --link: #000; --link-paper: #fff; --warn: #000; --warn-paper: #fff; --row: 7rem; --gap: 3mm;
   }
   @page { margin: 14mm; }
   body { max-width: none; padding: 0; font-size: 9pt; }
   header { padding: 0 0 3mm; }
   section { margin: 0; padding: 0; content-visibility: visible; }
   h2 { position: static; padding: 4mm 0 2mm; background: none; break-after: avoid; }
-  .grid { gap: 4mm 3mm; }
+  .grid { row-gap: 4mm; }
   .card { break-inside: avoid; }
   .frame { box-shadow: none; border-radius: 1mm; }
   a.file { border-color: var(--line); }
