@@ -6,6 +6,7 @@ import json
 import os
 import select
 import shutil
+import signal
 import subprocess
 import tempfile
 import time
@@ -24,7 +25,7 @@ class Browser:
         launch = f'exec "$@" 3<&{to_browser} 4>&{from_browser}'
         self.process = subprocess.Popen(["bash", "-c", launch, "bash", *command(self.profile)],
                                         pass_fds=(to_browser, from_browser), stdout=subprocess.DEVNULL,
-                                        stderr=subprocess.DEVNULL)
+                                        stderr=subprocess.DEVNULL, start_new_session=True)
         os.close(to_browser)
         os.close(from_browser)
         self.pending = b""
@@ -36,15 +37,19 @@ class Browser:
         self.open_page()
 
     def close(self):
-        self.process.terminate()
-        try:
-            self.process.wait(PATIENCE)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.wait()
+        # The browser and its helpers have a group of their own; one that is left would write into the profile again.
+        os.killpg(self.process.pid, signal.SIGKILL)
+        self.process.wait()
         os.close(self.reader)
         os.close(self.writer)
-        shutil.rmtree(self.profile, ignore_errors=True)
+        self.remove_profile()
+
+    def remove_profile(self):
+        end = time.monotonic() + PATIENCE
+        while os.path.exists(self.profile):
+            shutil.rmtree(self.profile, ignore_errors=True)
+            if time.monotonic() > end:
+                raise AssertionError(f"{self.profile} cannot be removed")
 
     def open_page(self):
         target = self.ask("Target.createTarget", url="about:blank")["targetId"]
