@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 
@@ -16,12 +17,20 @@
 namespace kelva {
 namespace {
 
-std::string TemporaryName() {
+std::string RandomWord() {
   std::array<char, 8> bytes{};
   if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
     throw SystemFailure("draw a random file name", errno);
   }
-  return std::string(kTemporaryStart) + Hex(std::string_view(bytes.data(), bytes.size())) + std::string(kTemporaryEnd);
+  return Hex(std::string_view(bytes.data(), bytes.size()));
+}
+
+// Random once for each process, then counted; the number of the process keeps those apart that were forked after it.
+std::string TemporaryName() {
+  static const std::string word = RandomWord();
+  static std::atomic<unsigned long long> count = 0;
+  return std::string(kTemporaryStart) + word + "-" + std::to_string(::getpid()) + "-" + std::to_string(++count) +
+         std::string(kTemporaryEnd);
 }
 
 // For file systems without RENAME_NOREPLACE: a second name that fails when it exists, then the first one goes.
@@ -64,6 +73,10 @@ NewFile::~NewFile() {
 void NewFile::Write(std::span<const char> bytes) {
   const int error = WriteAll(file_.Get(), std::string_view(bytes.data(), bytes.size()));
   if (error != 0) throw SystemFailure("write into " + Printable(folder_.Path()), error);
+}
+
+void NewFile::BeginFlush() noexcept {
+  ::sync_file_range(file_.Get(), 0, 0, SYNC_FILE_RANGE_WRITE);
 }
 
 void NewFile::Flush() {

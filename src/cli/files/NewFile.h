@@ -28,6 +28,8 @@ class NewFile {
 
   /// Throws Failure, a full disk included.
   void Write(std::span<const char> bytes);
+  /// Has the system begin to put the bytes on disk, and waits for nothing: a Flush that follows later is shorter.
+  void BeginFlush() noexcept;
   /// Puts the bytes on disk. Throws Failure.
   void Flush();
   /// Gives the file its name; false when the name is taken, which is then left as it is. Throws Failure.

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "files/NewFile.h"
 #include "files/Sha1.h"
 #include "frame/Failure.h"
 #include "frame/Printable.h"
@@ -47,24 +46,33 @@ void StoreReplacing(const TargetFolder& folder, const std::string& name, std::sp
   folder.Sync();
 }
 
-Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
-                   const std::string& sha1, int first) {
-  const int kMostTries = first + 10'000;
-  int number = first;
+BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
+                       const std::string& sha1, int first)
+    : folder_(folder), name_(name), number_(first), last_(first + 10'000) {
   // Files that are there already are looked at before anything is written.
-  while (folder.Has(Numbered(name, number))) {
-    if (HoldsTheSame(folder, Numbered(name, number), bytes.size(), sha1)) return {Numbered(name, number), true};
-    if (++number > kMostTries) break;
+  for (; number_ <= last_ && folder_.Has(Numbered(name_, number_)); ++number_) {
+    isThere_ = HoldsTheSame(folder_, Numbered(name_, number_), bytes.size(), sha1);
+    if (isThere_) return;
   }
-  NewFile file(folder);
-  file.Write(bytes);
-  file.Flush();
-  for (; number <= kMostTries; ++number) {
-    const std::string candidate = Numbered(name, number);
-    if (file.TakeName(candidate)) return {candidate, false};
+  file_.emplace(folder_);
+  file_->Write(bytes);
+  file_->BeginFlush();
+}
+
+Stored BesideFile::Finish() {
+  if (isThere_) return {Numbered(name_, number_), true};
+  file_->Flush();
+  for (; number_ <= last_; ++number_) {
+    const std::string candidate = Numbered(name_, number_);
+    if (file_->TakeName(candidate)) return {candidate, false};
   }
-  throw Failure(ExitCode::kFailed, "There are too many files named like " + Printable(folder.PathOf(name)) +
+  throw Failure(ExitCode::kFailed, "There are too many files named like " + Printable(folder_.PathOf(name_)) +
                                        "; move some of them elsewhere.");
+}
+
+Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
+                   const std::string& sha1) {
+  return BesideFile(folder, name, bytes, sha1).Finish();
 }
 
 }  // namespace kelva

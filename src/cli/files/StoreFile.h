@@ -1,9 +1,11 @@
 #ifndef KELVA_CLI_FILES_STORE_FILE_H_
 #define KELVA_CLI_FILES_STORE_FILE_H_
 
+#include <optional>
 #include <span>
 #include <string>
 
+#include "files/NewFile.h"
 #include "files/TargetFolder.h"
 
 namespace kelva {
@@ -21,10 +23,29 @@ struct Stored {
   std::string name;
   bool wasThere = false;  ///< the same bytes were there under this name already, and nothing was written
 };
-/// Stores bytes under the name with the number `first`, or where that is taken by something else, under the next free
-/// numbered one. `sha1` is that of the bytes. The caller flushes the folder.
+/// Stores bytes under a name, or where that is taken by something else, under the next free numbered one. In two steps,
+/// so that the disk can work on several files at once.
+class BesideFile {
+ public:
+  /// Writes the bytes under a temporary name, unless they are there already. `first` is the number to begin with, `sha1`
+  /// that of the bytes; the folder outlives this. Throws Failure.
+  BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,
+             int first = 1);
+  /// Flushes the file and gives it its name. The caller flushes the folder. Throws Failure.
+  Stored Finish();
+
+ private:
+  const TargetFolder& folder_;
+  std::string name_;
+  int number_;
+  int last_;
+  bool isThere_ = false;
+  std::optional<NewFile> file_;
+};
+
+/// Both steps at once.
 Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
-                   const std::string& sha1, int first = 1);
+                   const std::string& sha1);
 
 }  // namespace kelva
 

@@ -61,6 +61,18 @@ TEST_F(StoreFileTest, TheSameBytesAreNotStoredTwice) {
   EXPECT_TRUE(stored.wasThere);
 }
 
+TEST_F(StoreFileTest, BetweenTheTwoStepsNothingBearsTheName) {
+  const std::string one = "one";
+  const std::string two = "two";
+  BesideFile first(*folder_, "A.JPG", one, Sha1(one));
+  BesideFile second(*folder_, "A.JPG", two, Sha1(two));
+  EXPECT_FALSE(fs::exists(path_ / "A.JPG"));
+  EXPECT_EQ(second.Finish().name, "A.JPG");
+  EXPECT_EQ(first.Finish().name, "A-2.JPG");
+  EXPECT_EQ(Text("A.JPG"), "two");
+  EXPECT_EQ(Text("A-2.JPG"), "one");
+}
+
 TEST_F(StoreFileTest, ALinkIsNotLookedThrough) {
   std::ofstream(path_ / "secret") << "one";
   fs::create_symlink("secret", path_ / "A.JPG");

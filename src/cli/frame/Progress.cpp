@@ -106,6 +106,10 @@ void Progress::At(unsigned long long done, Clock::time_point now) {
   if (reporter_.Style().json) reporter_.Event(EventMembers(view));
 }
 
+bool Progress::IsDue(Clock::time_point now) const {
+  return (reporter_.Style().terminal || reporter_.Style().json) && now >= next_;
+}
+
 void Progress::Name(std::string_view what) {
   what_ = Printable(what);
 }

@@ -36,6 +36,9 @@ class Progress {
   /// Shows a new state, not more often than eyes (ten a second) or scripts (two a second) can use. Throws Stopped.
   void At(unsigned long long done, Clock::time_point now = Clock::now());
 
+  /// Whether At would show something now.
+  bool IsDue(Clock::time_point now = Clock::now()) const;
+
   /// Changes what is shown beside the bar.
   void Name(std::string_view what);
 

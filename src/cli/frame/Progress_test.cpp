@@ -68,6 +68,18 @@ TEST_F(ProgressTest, EventsForScriptsComeAtMostTwiceASecond) {
   EXPECT_NE(shown.find(R"({"schema":1,"event":"progress","what":"A\\x1b","done":0,"total":1000})"), std::string::npos);
 }
 
+TEST_F(ProgressTest, WhatNobodySeesIsNeverDue) {
+  Reporter silent(page_.Get(), {});
+  EXPECT_FALSE(Progress(silent, stop_, "A", 1000).IsDue());
+  Reporter reporter(page_.Get(), {.json = true});
+  Progress progress(reporter, stop_, "A", 1000);
+  const auto start = Progress::Clock::now();
+  EXPECT_TRUE(progress.IsDue(start));
+  progress.At(0, start);
+  EXPECT_FALSE(progress.IsDue(start + 499ms));
+  EXPECT_TRUE(progress.IsDue(start + 500ms));
+}
+
 TEST_F(ProgressTest, TheBarIsTakenAwayAtTheEnd) {
   Reporter reporter(page_.Get(), {.terminal = true});
   { Progress(reporter, stop_, "A", 1000).At(10); }

@@ -20,7 +20,7 @@ struct Slot {
 };
 
 // Plain static storage: a signal handler reads it.
-constexpr int kSlots = 64;
+constexpr int kSlots = 128;
 std::array<Slot, kSlots> slots;
 
 int TakeSlot() {

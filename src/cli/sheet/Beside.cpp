@@ -44,10 +44,11 @@ Beside::Beside(const TargetFolder& folder, Manifest manifest, std::string serial
 }
 
 std::string Beside::Find(const DcfObj& picture, int type, std::optional<unsigned long long> size) {
-  const SyncItem item = Item(picture, type);
-  if (item.known && IsHere(item.known->path, item.known->size)) return item.known->path;
+  const auto known = Known(picture, type);
+  if (known && IsHere(known->path, known->size)) return known->path;
   if (!size) return "";
-  if (IsHere(item.local.Text(), *size)) return item.local.Text();
+  const std::string local = pattern_.Apply(picture, type, serial_).Text();
+  if (IsHere(local, *size)) return local;
   // Of two pictures with one name, a file without their folder could be either.
   const std::string plain = SafeName(PictureFileName(picture, type));
   const auto same = stems_.find(PictureStem(picture));
@@ -56,17 +57,17 @@ std::string Beside::Find(const DcfObj& picture, int type, std::optional<unsigned
 }
 
 std::optional<std::vector<char>> Beside::Read(const DcfObj& picture, int type) {
-  const SyncItem item = Item(picture, type);
-  if (!item.known) return std::nullopt;
-  const Descriptor file = OpenHere(folder_, item.known->path);
-  if (!IsFileOf(file, item.known->size)) return std::nullopt;
-  std::vector<char> bytes(item.known->size);
-  if (!ReadAll(file, bytes) || Sha1(bytes) != item.known->sha1) return std::nullopt;
+  const auto known = Known(picture, type);
+  if (!known) return std::nullopt;
+  const Descriptor file = OpenHere(folder_, known->path);
+  if (!IsFileOf(file, known->size)) return std::nullopt;
+  std::vector<char> bytes(known->size);
+  if (!ReadAll(file, bytes) || Sha1(bytes) != known->sha1) return std::nullopt;
   return bytes;
 }
 
-SyncItem Beside::Item(const DcfObj& picture, int type) {
-  return MakePlan({picture}, serial_, {type}, pattern_, manifest_).items.at(0);
+std::optional<ManifestRow> Beside::Known(const DcfObj& picture, int type) {
+  return manifest_.Find(KeyOf(picture, type, serial_));
 }
 
 bool Beside::IsHere(const std::string& path, unsigned long long size) const {

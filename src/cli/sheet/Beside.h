@@ -30,7 +30,7 @@ class Beside {
   std::optional<std::vector<char>> Read(const DcfObj& picture, int type);
 
  private:
-  SyncItem Item(const DcfObj& picture, int type);
+  std::optional<ManifestRow> Known(const DcfObj& picture, int type);
   bool IsHere(const std::string& path, unsigned long long size) const;
 
   const TargetFolder& folder_;

@@ -16,7 +16,7 @@ class BesideTest : public SheetFolderTest {
   void Note(const DcfObj& picture, const std::string& path) {
     Manifest manifest(folder_, true);
     const SyncPlan plan = MakePlan({picture}, "K1", {1}, Pattern(Pattern::kDefault), manifest);
-    manifest.Record({{plan.items[0].key, path, "fe05bcdcdc4928012781a5f1a2a77cbb5398e106", 3}});
+    manifest.Record({{plan.items[0].Key(), path, "fe05bcdcdc4928012781a5f1a2a77cbb5398e106", 3}});
   }
 };
 

@@ -30,7 +30,6 @@ bool IsLink(const TargetFolder& folder, const std::string& name) {
 
 }  // namespace
 
-// One prepared statement for one use.
 class Manifest::Statement {
  public:
   Statement(Manifest& manifest, const char* sql) : manifest_(manifest) {
@@ -40,6 +39,11 @@ class Manifest::Statement {
   Statement(const Statement&) = delete;
   Statement& operator=(const Statement&) = delete;
 
+  /// For the next use. A statement that is not reset holds the database.
+  void Reset() {
+    sqlite3_reset(statement_);
+    bound_ = 0;
+  }
   Statement& Bind(const std::string& text) {
     sqlite3_bind_text(statement_, ++bound_, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
     return *this;
@@ -69,6 +73,26 @@ class Manifest::Statement {
   int bound_ = 0;
 };
 
+namespace {
+
+// Leaves a prepared statement as it was found, whatever happens.
+template <typename Statement>
+class Use {
+ public:
+  explicit Use(Statement& statement) : statement_(statement) {}
+  ~Use() { statement_.Reset(); }
+  Use(const Use&) = delete;
+  Use& operator=(const Use&) = delete;
+  Statement* operator->() const { return &statement_; }
+
+ private:
+  Statement& statement_;
+};
+
+}  // namespace
+
+Manifest::Manifest() = default;
+
 Manifest::Manifest(const TargetFolder& folder, bool make) : path_(folder.PathOf(std::string(kName))) {
   const std::string name(kName);
   if (IsLink(folder, name)) {
@@ -81,6 +105,8 @@ Manifest::Manifest(const TargetFolder& folder, bool make) : path_(folder.PathOf(
   try {
     if (sqlite3_open_v2(opened.c_str(), &database_, flags, nullptr) != SQLITE_OK) Fail("open");
     sqlite3_busy_timeout(database_, 5000);
+    // Rows are looked up once each; what was read of them before is of no use.
+    Execute("PRAGMA cache_size=-256");
     Prepare();
   } catch (...) {
     sqlite3_close(database_);
@@ -89,11 +115,26 @@ Manifest::Manifest(const TargetFolder& folder, bool make) : path_(folder.PathOf(
 }
 
 Manifest::~Manifest() {
+  find_.reset();
+  insert_.reset();
   sqlite3_close(database_);
 }
 
 Manifest::Manifest(Manifest&& other) noexcept
     : path_(std::move(other.path_)), database_(std::exchange(other.database_, nullptr)) {}
+
+Manifest::Reading::Reading(Manifest& manifest) : manifest_(manifest) {
+  if (manifest_.database_ != nullptr) manifest_.Execute("BEGIN");
+}
+
+Manifest::Reading::~Reading() {
+  if (manifest_.database_ != nullptr) sqlite3_exec(manifest_.database_, "COMMIT", nullptr, nullptr, nullptr);
+}
+
+Manifest::Statement& Manifest::Prepared(std::unique_ptr<Statement>& statement, const char* sql) {
+  if (!statement) statement = std::make_unique<Statement>(*this, sql);
+  return *statement;
+}
 
 void Manifest::Prepare() {
   const long long found = [this] {
@@ -123,29 +164,33 @@ void Manifest::Fail(const std::string& doing) const {
 
 std::optional<ManifestRow> Manifest::Find(const ManifestKey& key) {
   if (database_ == nullptr) return std::nullopt;
-  Statement query(*this,
-                  "SELECT path, sha1, size, verified, deleted FROM files "
-                  "WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4");
-  if (!query.Bind(key).Step("read")) return std::nullopt;
+  const std::scoped_lock lock(mutex_);
+  const Use query(Prepared(find_,
+                           "SELECT path, sha1, size, verified, deleted FROM files "
+                           "WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4"));
+  if (!query->Bind(key).Step("read")) return std::nullopt;
   return ManifestRow{key,
-                     query.Text(0),
-                     query.Text(1),
-                     static_cast<unsigned long long>(query.Number(2)),
-                     query.Number(3) != 0,
-                     query.Number(4) != 0};
+                     query->Text(0),
+                     query->Text(1),
+                     static_cast<unsigned long long>(query->Number(2)),
+                     query->Number(3) != 0,
+                     query->Number(4) != 0};
+}
+
+void Manifest::Insert(const ManifestRow& row) {
+  const Use insert(Prepared(insert_,
+                            "INSERT OR REPLACE INTO files(serial, picture, type, fingerprint, path, sha1, size, "
+                            "verified, deleted) VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9)"));
+  insert->Bind(row.key).Bind(row.path).Bind(row.sha1).Bind(static_cast<long long>(row.size));
+  insert->Bind(row.verified ? 1LL : 0LL).Bind(row.deleted ? 1LL : 0LL).Step("write");
 }
 
 void Manifest::Record(const std::vector<ManifestRow>& rows) {
   if (rows.empty()) return;
+  const std::scoped_lock lock(mutex_);
   Execute("BEGIN IMMEDIATE");
   try {
-    for (const ManifestRow& row : rows) {
-      Statement insert(*this,
-                       "INSERT OR REPLACE INTO files(serial, picture, type, fingerprint, path, sha1, size, verified, "
-                       "deleted) VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9)");
-      insert.Bind(row.key).Bind(row.path).Bind(row.sha1).Bind(static_cast<long long>(row.size));
-      insert.Bind(row.verified ? 1LL : 0LL).Bind(row.deleted ? 1LL : 0LL).Step("write");
-    }
+    for (const ManifestRow& row : rows) Insert(row);
     Execute("COMMIT");
   } catch (...) {
     sqlite3_exec(database_, "ROLLBACK", nullptr, nullptr, nullptr);
@@ -154,6 +199,7 @@ void Manifest::Record(const std::vector<ManifestRow>& rows) {
 }
 
 void Manifest::MarkDeleted(const ManifestKey& key) {
+  const std::scoped_lock lock(mutex_);
   Statement update(*this, "UPDATE files SET deleted=1 WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4");
   update.Bind(key).Step("write");
 }

@@ -2,6 +2,7 @@
 #define KELVA_CLI_SYNC_MANIFEST_H_
 
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,13 +33,13 @@ struct ManifestRow {
 };
 
 /// The list of what was fetched into a folder, in the folder itself (.kelva-manifest.sqlite). It decides what is new, so a
-/// file that was renamed or moved here is not fetched again. Not for use from two threads at once.
+/// file that was renamed or moved here is not fetched again. Any thread.
 class Manifest {
  public:
   static constexpr std::string_view kName = ".kelva-manifest.sqlite";
 
   /// An empty one, of a folder that does not exist yet.
-  Manifest() = default;
+  Manifest();
   /// Opens the folder's manifest, and makes it when `make` is set; without a file and `make` it is empty.
   /// Throws Failure when it cannot be read, or was made by a newer version.
   Manifest(const TargetFolder& folder, bool make);
@@ -51,14 +52,33 @@ class Manifest {
   void Record(const std::vector<ManifestRow>& rows);
   void MarkDeleted(const ManifestKey& key);
 
+  /// While it lives, Find looks at one state of the list, which is faster for many. Nothing is recorded meanwhile.
+  class Reading {
+   public:
+    explicit Reading(Manifest& manifest);
+    ~Reading();
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+   private:
+    Manifest& manifest_;
+  };
+
  private:
   class Statement;
   void Execute(const char* sql);
   void Prepare();
+  void Insert(const ManifestRow& row);
   [[noreturn]] void Fail(const std::string& doing) const;
+
+  /// The statement, prepared at its first use.
+  Statement& Prepared(std::unique_ptr<Statement>& statement, const char* sql);
 
   std::string path_;
   sqlite3* database_ = nullptr;
+  std::unique_ptr<Statement> find_;
+  std::unique_ptr<Statement> insert_;
+  std::mutex mutex_;
 };
 
 }  // namespace kelva

@@ -65,6 +65,17 @@ TEST_F(ManifestTest, EveryPartOfTheKeyCounts) {
   EXPECT_FALSE(manifest.Find(other).has_value());
 }
 
+TEST_F(ManifestTest, ManyLooksAtOneStateLeaveTheListUsable) {
+  Manifest manifest(*folder_, true);
+  manifest.Record({Row("K1", 1)});
+  {
+    const Manifest::Reading reading(manifest);
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(manifest.Find(Row("K1", 1).key).has_value());
+  }
+  manifest.Record({Row("K2", 1)});
+  EXPECT_TRUE(Manifest(*folder_, true).Find(Row("K2", 1).key).has_value());
+}
+
 TEST_F(ManifestTest, TextsAreDataAndNotCommands) {
   Manifest manifest(*folder_, true);
   manifest.Record({Row("'; DROP TABLE files; --", 1)});

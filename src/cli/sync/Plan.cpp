@@ -1,7 +1,8 @@
 #include "sync/Plan.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <functional>
+#include <utility>
 
 #include "camera/CameraPath.h"
 #include "camera/Picture.h"
@@ -14,10 +15,6 @@ namespace {
 
 constexpr std::size_t kIdentityLength = 24;
 
-std::string Identity(const DcfObj& picture) {
-  return Hex(std::string_view(reinterpret_cast<const char*>(&picture), kIdentityLength));
-}
-
 int TypeNamed(std::string_view name) {
   for (int type = kFirstFileType; type <= kLastFileType; ++type) {
     if (SameName(FileTypeName(type), name)) return type;
@@ -25,29 +22,49 @@ int TypeNamed(std::string_view name) {
   throw Failure(ExitCode::kUsage, "\"" + Printable(name) + "\" is no type of file; there are jpg, raw, txt and 128.");
 }
 
-SyncItem MakeItem(const DcfObj& picture, int type, const std::string& serial, const Pattern& pattern) {
-  SyncItem item{picture,
-                type,
-                {serial, Identity(picture), type, PictureFingerprint(picture)},
-                pattern.Apply(picture, type, serial),
-                1,
-                {},
-                {}};
-  // The key of a catalogue's record is that of the picture's first file.
-  if (FileTypes(picture).front() == type) item.expectedSha1 = PictureKey(picture).value_or("");
-  return item;
+SyncItem::State StateOf(const std::optional<ManifestRow>& known) {
+  if (!known) return SyncItem::State::kNew;
+  return known->deleted ? SyncItem::State::kDeleted : SyncItem::State::kFetched;
+}
+
+// In the catalogue's order, so that a preview is right and every run gives the same names. A hash stands for each name,
+// to hold a few bytes for it; two names with one hash would cost a number that was not needed.
+void NumberNames(std::vector<SyncItem>& items) {
+  std::vector<std::pair<std::size_t, SyncItem*>> names;
+  names.reserve(items.size());
+  for (SyncItem& item : items) names.emplace_back(std::hash<std::string>()(item.Local().Text()), &item);
+  std::sort(names.begin(), names.end());
+  int number = 0;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    number = i > 0 && names[i].first == names[i - 1].first ? number + 1 : 1;
+    names[i].second->SetNumber(number);
+  }
 }
 
 }  // namespace
 
+ManifestKey KeyOf(const DcfObj& picture, int type, const std::string& serial) {
+  const std::string identity = Hex(std::string_view(reinterpret_cast<const char*>(&picture), kIdentityLength));
+  return {serial, identity, type, PictureFingerprint(picture)};
+}
+
 std::string SyncItem::CameraPath() const {
-  return PicturePath(picture, type);
+  return PicturePath(*picture_, type_);
+}
+
+LocalPath SyncItem::Local() const {
+  return source_->pattern.Apply(*picture_, type_, source_->serial);
 }
 
 std::string SyncItem::LocalText() const {
-  LocalPath path = local;
-  path.name = Numbered(local.name, number);
+  LocalPath path = Local();
+  path.name = Numbered(path.name, number_);
   return path.Text();
+}
+
+std::string SyncItem::ExpectedSha1() const {
+  // The key of a catalogue's record is that of the picture's first file.
+  return FileTypes(*picture_).front() == type_ ? PictureKey(*picture_).value_or("") : "";
 }
 
 std::size_t SyncPlan::NewFiles() const {
@@ -68,20 +85,18 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list) {
   }
 }
 
-SyncPlan MakePlan(const std::vector<DcfObj>& catalogue, const std::string& serial, const std::vector<int>& types,
+SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
                   const Pattern& pattern, Manifest& manifest) {
-  SyncPlan plan;
-  std::unordered_map<std::string, int> seen;
-  for (const DcfObj& picture : catalogue) {
+  SyncPlan plan{std::make_unique<const SyncSource>(SyncSource{std::move(catalogue), serial, pattern}), {}};
+  const Manifest::Reading reading(manifest);
+  for (const DcfObj& picture : plan.source->catalogue) {
     for (const int type : FileTypes(picture)) {
       if (std::find(types.begin(), types.end(), type) == types.end()) continue;
-      SyncItem item = MakeItem(picture, type, serial, pattern);
-      // In the catalogue's order, so that a preview is right and every run gives the same names.
-      item.number = ++seen[item.local.Text()];
-      item.known = manifest.Find(item.key);
-      plan.items.push_back(std::move(item));
+      SyncItem& item = plan.items.emplace_back(*plan.source, picture, type);
+      item.SetState(StateOf(manifest.Find(item.Key())));
     }
   }
+  NumberNames(plan.items);
   return plan;
 }
 

@@ -49,26 +49,26 @@ TEST_F(PlanTest, EveryFileOfEveryPictureIsAnItem) {
   const SyncPlan plan = Plan({Made(100, 1), Made(101, 1)}, {1, 2, 3, 4});
   ASSERT_EQ(plan.items.size(), 4U);
   EXPECT_EQ(plan.NewFiles(), 4U);
-  EXPECT_EQ(plan.items[0].local.Text(), "100ABCDE/IMG_0001.JPG");
-  EXPECT_EQ(plan.items[3].local.Text(), "101ABCDE/IMG_0001.RAW");
+  EXPECT_EQ(plan.items[0].LocalText(), "100ABCDE/IMG_0001.JPG");
+  EXPECT_EQ(plan.items[3].LocalText(), "101ABCDE/IMG_0001.RAW");
   EXPECT_EQ(plan.items[3].CameraPath(), "I:\\DCIM\\101ABCDE\\IMG_0001.RAW");
 }
 
 TEST_F(PlanTest, OnlyTheTypesAskedForAreItems) {
   const SyncPlan plan = Plan({Made(100, 1)}, {2});
   ASSERT_EQ(plan.items.size(), 1U);
-  EXPECT_EQ(plan.items[0].type, 2);
+  EXPECT_EQ(plan.items[0].Type(), 2);
 }
 
 TEST_F(PlanTest, TheKeyIsThatOfTheFirstFileOnly) {
   const SyncPlan plan = Plan({Made(100, 1)}, {1, 2});
-  EXPECT_EQ(plan.items[0].expectedSha1, kKey);
-  EXPECT_EQ(plan.items[1].expectedSha1, "");
+  EXPECT_EQ(plan.items[0].ExpectedSha1(), kKey);
+  EXPECT_EQ(plan.items[1].ExpectedSha1(), "");
 }
 
 TEST_F(PlanTest, WhatTheManifestHasIsNotNew) {
   const SyncPlan before = Plan({Made(100, 1)}, {1, 2});
-  manifest_.Record({{before.items[0].key, "moved/elsewhere.jpg", kKey, 3, false, false}});
+  manifest_.Record({{before.items[0].Key(), "moved/elsewhere.jpg", kKey, 3, false, false}});
   const SyncPlan after = Plan({Made(100, 1)}, {1, 2});
   EXPECT_FALSE(after.items[0].IsNew());
   EXPECT_TRUE(after.items[1].IsNew());
@@ -76,7 +76,7 @@ TEST_F(PlanTest, WhatTheManifestHasIsNotNew) {
 
 TEST_F(PlanTest, AnotherPictureOfTheSameNameIsNew) {
   const SyncPlan before = Plan({Made(100, 1)}, {1});
-  manifest_.Record({{before.items[0].key, "100ABCDE/IMG_0001.JPG", kKey, 3, false, false}});
+  manifest_.Record({{before.items[0].Key(), "100ABCDE/IMG_0001.JPG", kKey, 3, false, false}});
   DcfObj other = Made(100, 1);
   other.block7[0] = 'b';
   EXPECT_TRUE(Plan({other}, {1}).items[0].IsNew());

@@ -14,7 +14,7 @@ namespace kelva {
 namespace {
 
 std::string TokenOf(const SyncItem& item) {
-  return std::to_string(item.type) + " " + item.key.picture;
+  return std::to_string(item.Type()) + " " + item.Key().picture;
 }
 
 }  // namespace
@@ -63,7 +63,7 @@ void Sync::ReadOne(const SyncItem& item, Writers& writers) {
   try {
     if (item.IsNew()) {
       Fetch(item, writers);
-    } else if (options_.deleteAfter && !item.known->deleted) {
+    } else if (options_.deleteAfter && !item.IsDeleted()) {
       CompareKnown(item);
     }
   } catch (const CameraError& error) {
@@ -95,20 +95,18 @@ void Sync::Fetch(const SyncItem& item, Writers& writers) {
 
 // Read once more, so that what is deleted is still what was stored.
 void Sync::CompareKnown(const SyncItem& item) {
-  const std::vector<char> bytes = Read(item);
-  if (Sha1(bytes) != item.known->sha1) {
+  const auto known = manifest_.Find(item.Key());
+  if (!known || Sha1(Read(item)) != known->sha1) {
     Fail(item, Printable(item.CameraPath()) + " is no longer what was fetched from there; it was not deleted.");
     return;
   }
-  ManifestRow row = *item.known;
-  row.verified = true;
   const std::scoped_lock lock(mutex_);
-  deletable_.push_back({&item, std::move(row)});
+  deletable_.push_back(&item);
 }
 
 std::vector<char> Sync::Read(const SyncItem& item) {
   if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item));
-  std::vector<char> bytes = camera_.ReadFile(item.picture, item.type, Progress::Check, &progress_, true);
+  std::vector<char> bytes = camera_.ReadFile(item.Picture(), item.Type(), Progress::Check, &progress_, true);
   if (context_.guard != nullptr) context_.guard->End();
   CheckSize(item, bytes.size());
   readBytes_ += bytes.size();
@@ -117,7 +115,7 @@ std::vector<char> Sync::Read(const SyncItem& item) {
 
 // A SHA-1 says more than a size, but an empty answer may also stand for a file that is missing.
 void Sync::CheckSize(const SyncItem& item, std::size_t size) {
-  if (size != 0 && !item.expectedSha1.empty()) return;
+  if (size != 0 && !item.ExpectedSha1().empty()) return;
   const std::optional<bool> agrees = listed_.Agrees(item.CameraPath(), size);
   if (!agrees && size == 0) throw CameraError("the catalogue names it, but it is not in its folder");
   if (agrees.value_or(true)) return;
@@ -132,7 +130,7 @@ void Sync::OnOutcome(const WriteOutcome& outcome) {
   totals_.alreadyHere += outcome.wasThere ? 1U : 0U;
   totals_.bytes += outcome.row->size;
   if (context_.guard != nullptr) context_.guard->Count(1, outcome.row->size);
-  if (options_.deleteAfter && outcome.row->verified) deletable_.push_back({outcome.item, *outcome.row});
+  if (options_.deleteAfter && outcome.row->verified) deletable_.push_back(outcome.item);
   if (!context_.Json()) return;
   Json members = Json::Object();
   members.SetBytes("path", outcome.item->CameraPath()).SetBytes("file", outcome.row->path);
@@ -157,27 +155,30 @@ bool Sync::IsOnDisk(const ManifestRow& row) const {
 }
 
 void Sync::DeleteVerified() {
-  for (const Deletable& entry : deletable_) {
+  for (const SyncItem* item : deletable_) {
+    const std::string path = item->CameraPath();
+    const ManifestKey key = item->Key();
     context_.stop.Check();
-    context_.Doing("delete " + Printable(entry.item->CameraPath()));
-    if (!IsOnDisk(entry.row)) {
-      Fail(*entry.item,
-           Printable(entry.row.path) + " is not where it was stored; the file on the camera was not deleted.");
+    context_.Doing("delete " + Printable(path));
+    const auto row = manifest_.Find(key);
+    if (!row || !IsOnDisk(*row)) {
+      Fail(*item, Printable(row ? row->path : item->LocalText()) +
+                      " is not where it was stored; the file on the camera was not deleted.");
       continue;
     }
-    if (!camera_.DeleteFile(entry.item->CameraPath().c_str())) {
-      Fail(*entry.item, "The camera refused to delete " + Printable(entry.item->CameraPath()) + ".");
+    if (!camera_.DeleteFile(path.c_str())) {
+      Fail(*item, "The camera refused to delete " + Printable(path) + ".");
       continue;
     }
-    manifest_.MarkDeleted(entry.item->key);
+    manifest_.MarkDeleted(key);
     ++totals_.deleted;
     Json members = Json::Object();
-    if (context_.Json()) context_.Event("deleted", std::move(members.SetBytes("path", entry.item->CameraPath())), "");
+    if (context_.Json()) context_.Event("deleted", std::move(members.SetBytes("path", path)), "");
   }
 }
 
 void Sync::ShowProgress(std::size_t index, std::size_t count, const SyncItem& item) {
-  if (!item.IsNew() && !options_.deleteAfter) return;
+  if ((!item.IsNew() && !options_.deleteAfter) || !progress_.IsDue()) return;
   progress_.Name(std::to_string(index + 1) + " of " + std::to_string(count) + "  " + item.LocalText());
   progress_.At(readBytes_);
 }

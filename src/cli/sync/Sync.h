@@ -42,11 +42,6 @@ class Sync {
   const SyncTotals& Totals() const { return totals_; }
 
  private:
-  struct Deletable {
-    const SyncItem* item;
-    ManifestRow row;
-  };
-
   void ReadAll(const SyncPlan& plan, Writers& writers);
   void ReadOne(const SyncItem& item, Writers& writers);
   void Fetch(const SyncItem& item, Writers& writers);
@@ -68,7 +63,7 @@ class Sync {
   Progress progress_;
   unsigned long long readBytes_ = 0;
   SyncTotals totals_;
-  std::vector<Deletable> deletable_;
+  std::vector<const SyncItem*> deletable_;
   std::mutex mutex_;  // totals, output and deletable_: reached from the writers
 };
 

@@ -5,7 +5,6 @@
 
 #include "files/NewFile.h"
 #include "files/Sha1.h"
-#include "files/StoreFile.h"
 #include "frame/Printable.h"
 
 namespace kelva {
@@ -28,7 +27,7 @@ Writers::~Writers() {
     const std::scoped_lock lock(mutex_);
     ending_ = true;
   }
-  changed_.notify_all();
+  work_.notify_all();
   for (std::thread& thread : threads_) thread.join();
   try {
     Commit(std::exchange(done_, {}));
@@ -43,18 +42,21 @@ void Writers::ThrowIfBroken(const std::unique_lock<std::mutex>&) const {
 
 void Writers::Submit(WriteJob job) {
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this, &job] { return broken_ || bytes_ == 0 || bytes_ + job.bytes.size() <= kMostBytes; });
+  stored_.wait(lock, [this, &job] { return broken_ || bytes_ == 0 || bytes_ + job.bytes.size() <= kMostBytes; });
   ThrowIfBroken(lock);
   bytes_ += job.bytes.size();
+  queued_ += job.bytes.size();
   queue_.push_back(std::move(job));
-  changed_.notify_all();
+  if (queue_.size() == 1 || IsFull()) work_.notify_one();
 }
 
 void Writers::Finish() {
   std::vector<Done> rest;
   {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return broken_ || (queue_.empty() && active_ == 0); });
+    ending_ = true;
+    work_.notify_all();
+    stored_.wait(lock, [this] { return broken_ || (queue_.empty() && active_ == 0); });
     rest = std::exchange(done_, {});
   }
   Commit(std::move(rest));
@@ -65,73 +67,139 @@ void Writers::Finish() {
 void Writers::Abandon() {
   const std::scoped_lock lock(mutex_);
   queue_.clear();
+  queued_ = 0;
 }
 
-std::optional<WriteJob> Writers::Next() {
-  std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return ending_ || broken_ || !queue_.empty(); });
-  if (broken_ || queue_.empty()) return std::nullopt;
-  WriteJob job = std::move(queue_.front());
-  queue_.pop_front();
+bool Writers::IsFull() const {
+  return queue_.size() >= kMostAtOnce || queued_ >= kMostBytesAtOnce;
+}
+
+std::vector<WriteJob> Writers::Take() {
+  std::vector<WriteJob> jobs;
+  std::size_t bytes = 0;
+  while (!queue_.empty() && jobs.size() < kMostAtOnce && bytes < kMostBytesAtOnce) {
+    bytes += queue_.front().bytes.size();
+    jobs.push_back(std::move(queue_.front()));
+    queue_.pop_front();
+  }
+  queued_ -= bytes;
   ++active_;
-  return job;
+  return jobs;
+}
+
+// As much as is worth to be on its way at once; nothing when it is over.
+std::vector<WriteJob> Writers::Next() {
+  std::unique_lock lock(mutex_);
+  while (true) {
+    work_.wait(lock, [this] { return ending_ || broken_ || !queue_.empty(); });
+    work_.wait_for(lock, kGather, [this] { return ending_ || broken_ || queue_.empty() || IsFull(); });
+    if (broken_) return {};
+    if (!queue_.empty()) return Take();
+    if (ending_) return {};
+  }
 }
 
 void Writers::Run() {
-  while (auto job = Next()) {
-    const std::size_t size = job->bytes.size();
+  for (std::vector<WriteJob> jobs = Next(); !jobs.empty(); jobs = Next()) {
+    std::size_t bytes = 0;
+    for (const WriteJob& job : jobs) bytes += job.bytes.size();
     try {
-      Handle(std::move(*job));
+      StoreAll(jobs);
     } catch (const Failure& failure) {
       GiveUp(failure);
     } catch (const std::exception& error) {
       GiveUp(Failure(ExitCode::kFailed, std::string("Storing files stopped: ") + Printable(error.what()) + "."));
     }
+    jobs.clear();
     const std::scoped_lock lock(mutex_);
-    bytes_ -= size;
+    bytes_ -= bytes;
     --active_;
-    changed_.notify_all();
+    stored_.notify_one();
   }
 }
 
 void Writers::GiveUp(const Failure& failure) {
   const std::scoped_lock lock(mutex_);
   if (!broken_) broken_ = failure;
-  changed_.notify_all();
+  work_.notify_all();
+  stored_.notify_one();
 }
 
-void Writers::Handle(WriteJob job) {
-  std::optional<Done> done;
+// True when it worked. A failure of one file is reported; one that ends all is kept.
+bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending) {
   try {
-    done = Store(job);
+    work();
+    return true;
   } catch (const Failure& failure) {
-    if (EndsAll(failure.SystemError())) throw;
+    if (EndsAll(failure.SystemError())) {
+      if (!ending) ending = failure;
+      return false;
+    }
     const std::scoped_lock lock(commitMutex_);
-    report_({job.item, std::nullopt, false, failure.what()});
-    return;
+    report_({&item, std::nullopt, false, failure.what()});
+    return false;
   }
-  std::vector<Done> group;
-  {
-    const std::scoped_lock lock(mutex_);
-    done_.push_back(std::move(*done));
-    if (done_.size() >= kGroup) group = std::exchange(done_, {});
-  }
-  Commit(std::move(group));
 }
 
-Writers::Done Writers::Store(const WriteJob& job) {
+// All are on their way before the first one is waited for. Where the disk is full, those that were written are finished.
+void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
+  std::optional<Failure> ending;
+  std::vector<std::unique_ptr<Started>> started;
+  for (const WriteJob& job : jobs) {
+    if (!ending)
+      Try(
+          *job.item, [&] { started.push_back(Start(job)); }, ending);
+  }
+  for (std::unique_ptr<Started>& file : started) {
+    std::optional<Done> done;
+    if (Try(
+            *file->job->item, [&] { done = Finish(*file); }, ending))
+      Commit(AddDone(std::move(*done)));
+    file.reset();
+  }
+  if (ending) throw Failure(*ending);
+}
+
+// The group that is due, with it, or nothing.
+std::vector<Writers::Done> Writers::AddDone(Done done) {
+  const Clock::time_point now = Clock::now();
+  const std::scoped_lock lock(mutex_);
+  done_.push_back(std::move(done));
+  if (done_.size() < kMostInGroup && now - lastGroup_ < kGroupTime) return {};
+  lastGroup_ = now;
+  return std::exchange(done_, {});
+}
+
+Writers::Started::Started(const WriteJob& started, LocalPath local, std::string sum,
+                          std::shared_ptr<const TargetFolder> where)
+    : job(&started),
+      path(std::move(local)),
+      sha1(std::move(sum)),
+      folder(std::move(where)),
+      file(*folder, path.name, started.bytes, sha1, started.item->Number()) {}
+
+std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
   const SyncItem& item = *job.item;
-  const std::string sha1 = job.sha1.empty() ? Sha1(job.bytes) : job.sha1;
-  if (!item.expectedSha1.empty() && item.expectedSha1 != sha1) {
+  std::string sha1 = job.sha1.empty() ? Sha1(job.bytes) : job.sha1;
+  const std::string expected = item.ExpectedSha1();
+  if (!expected.empty() && expected != sha1) {
     throw Failure(ExitCode::kFailed, "What the camera sent of " + Printable(item.CameraPath()) +
                                          " has another SHA-1 than the catalogue says; it was not kept, the next run "
                                          "reads it again.");
   }
-  const auto folder = FolderFor(item.local);
-  const Stored stored = StoreBeside(*folder, item.local.name, job.bytes, sha1, item.number);
-  LocalPath path = item.local;
-  path.name = stored.name;
-  return {{item.key, path.Text(), sha1, job.bytes.size(), job.verified, false}, job.item, stored.wasThere};
+  LocalPath path = item.Local();
+  auto folder = FolderFor(path);
+  return std::make_unique<Started>(job, std::move(path), std::move(sha1), std::move(folder));
+}
+
+Writers::Done Writers::Finish(Started& started) {
+  const SyncItem& item = *started.job->item;
+  Stored stored = started.file.Finish();
+  started.path.name = std::move(stored.name);
+  const WriteJob& job = *started.job;
+  return {{item.Key(), started.path.Text(), started.sha1, job.bytes.size(), job.verified, false},
+          job.item,
+          stored.wasThere};
 }
 
 std::shared_ptr<const TargetFolder> Writers::FolderFor(const LocalPath& path) {
@@ -161,7 +229,7 @@ void Writers::Commit(std::vector<Done> group) {
   std::vector<ManifestRow> rows;
   for (const Done& done : group) {
     auto& folder = flushed[done.row.path.substr(0, done.row.path.rfind('/') + 1)];
-    if (!folder) (folder = FolderFor(done.item->local))->Sync();
+    if (!folder) (folder = FolderFor(done.item->Local()))->Sync();
     rows.push_back(done.row);
   }
   manifest_.Record(rows);

@@ -1,6 +1,7 @@
 #ifndef KELVA_CLI_SYNC_WRITERS_H_
 #define KELVA_CLI_SYNC_WRITERS_H_
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -12,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "files/StoreFile.h"
 #include "files/TargetFolder.h"
 #include "frame/Failure.h"
 #include "sync/Manifest.h"
@@ -36,7 +38,8 @@ struct WriteOutcome {
 };
 
 /// Stores files while the next ones are being read. Several threads, because most of their time is spent waiting for the
-/// disk. Files become part of the manifest in groups, after their folders were flushed; outcomes are reported after that.
+/// disk. Files become part of the manifest in groups, about one a second, after their folders were flushed; outcomes are
+/// reported after that.
 class Writers {
  public:
   using Report = std::function<void(const WriteOutcome&)>;
@@ -57,9 +60,17 @@ class Writers {
   void Abandon();
 
  private:
-  static constexpr std::size_t kMostBytes = 32U << 20;
-  static constexpr std::size_t kGroup = 64;
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr std::size_t kMostBytes = 4U << 20;
+  static constexpr std::size_t kMostInGroup = 1024;
+  static constexpr std::chrono::milliseconds kGroupTime{500};
   static constexpr std::size_t kThreads = 4;
+  /// What one thread has on its way to the disk at once.
+  static constexpr std::size_t kMostAtOnce = 16;
+  static constexpr std::size_t kMostBytesAtOnce = 1U << 20;
+  /// How long a thread waits for more to put on its way at once.
+  static constexpr std::chrono::milliseconds kGather{2};
 
   struct Done {
     ManifestRow row;
@@ -67,10 +78,26 @@ class Writers {
     bool wasThere;
   };
 
+  // A file between its two steps.
+  struct Started {
+    const WriteJob* job;
+    LocalPath path;
+    std::string sha1;
+    std::shared_ptr<const TargetFolder> folder;
+    BesideFile file;
+
+    Started(const WriteJob& started, LocalPath local, std::string sum, std::shared_ptr<const TargetFolder> where);
+  };
+
   void Run();
-  std::optional<WriteJob> Next();
-  void Handle(WriteJob job);
-  Done Store(const WriteJob& job);
+  std::vector<WriteJob> Next();
+  std::vector<WriteJob> Take();
+  bool IsFull() const;
+  void StoreAll(const std::vector<WriteJob>& jobs);
+  bool Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending);
+  std::vector<Done> AddDone(Done done);
+  std::unique_ptr<Started> Start(const WriteJob& job);
+  Done Finish(Started& started);
   std::shared_ptr<const TargetFolder> FolderFor(const LocalPath& path);
   void Commit(std::vector<Done> group);
   void GiveUp(const Failure& failure);
@@ -80,14 +107,17 @@ class Writers {
   Manifest& manifest_;
   Report report_;
 
-  std::mutex mutex_;  // the queue and what follows it
-  std::condition_variable changed_;
+  std::mutex mutex_;                // the queue and what follows it
+  std::condition_variable work_;    // for the writers
+  std::condition_variable stored_;  // for the one who hands over
   std::deque<WriteJob> queue_;
+  std::size_t queued_ = 0;  // bytes in the queue
   std::size_t bytes_ = 0;   // handed over and not stored yet
-  std::size_t active_ = 0;  // jobs being stored
-  bool ending_ = false;
+  std::size_t active_ = 0;  // threads that store
+  bool ending_ = false;     // nothing more will come
   std::optional<Failure> broken_;
   std::vector<Done> done_;
+  Clock::time_point lastGroup_ = Clock::now();
   std::map<std::string, std::shared_ptr<const TargetFolder>> folders_;
 
   std::mutex commitMutex_;  // the manifest and the report

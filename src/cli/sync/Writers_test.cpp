@@ -31,6 +31,13 @@ TEST_F(WritersTest, FilesAreStoredAndPartOfTheManifest) {
   EXPECT_EQ(Plan(catalogue).NewFiles(), 0U);
 }
 
+TEST_F(WritersTest, LargeFilesPassOneAtATime) {
+  const SyncPlan plan = Plan({Picture(1), Picture(2), Picture(3)});
+  Store(plan, std::string(5'000'000, 'x'));
+  EXPECT_EQ(stored_, 3);
+  EXPECT_EQ(Text("100ABCDE/IMG_0003.JPG").size(), 5'000'000U);
+}
+
 TEST_F(WritersTest, AFileThatIsNotWhatItsKeySaysIsNotKept) {
   const SyncPlan plan = Plan({Picture(1, "a9993e364706816aba3e25717850c26c9cd0d89d")});
   Store(plan, "damaged");

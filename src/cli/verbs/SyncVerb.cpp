@@ -129,9 +129,8 @@ constexpr Verb kVerbs[] = {
      "five are \"undated\" where the catalogue gives no time. Names of a camera cannot add a folder: bytes that are "
      "not sound "
      "in a name are written as %XX.\n\n"
-     "A file comes from the camera in one piece, so memory for two of the largest files, and for 32 MB on their way to "
-     "the "
-     "disk, is needed.",
+     "A file comes from the camera in one piece, and so does the catalogue with 128 bytes for each picture. Memory is "
+     "needed for these, for two of the largest files at a time, and for 4 MB on their way to the disk.",
      "events, one object a line: stored (path, file, size, sha1, verified, was_here), failed (path, error), deleted "
      "(path), "
      "would_store (path, file)\n"
