@@ -1,0 +1,148 @@
+"""What the tool costs as a whole process: sync beside its two halves, a cold start of list, the end by Ctrl-C.
+
+Usage: tool.py BUILD FOLDER, the build folder with bin and bench-aid, and a folder on the disk to measure. Exits with 1
+when a limit is missed.
+"""
+
+import os
+import pathlib
+import random
+import signal
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+from report import line
+
+PICTURES = 10_000
+FEW = 1_000
+SIZE = 20_000
+ROUNDS = 5
+SYNC_LIMIT = 0.9
+# A picture more costs its record of 128 bytes in the catalogue, which comes in one piece and is decoded into another, and 32
+# to plan with; and a short run may not fill what is on its way to the disk.
+GROWTH_LIMIT_KB = 6 * 1024
+STARTS = 300
+START_LIMIT_MS = 10
+START_LIMIT_KB = 6 * 1024
+INTERRUPTS = 10
+INTERRUPT_LIMIT_S = 1
+
+
+class Tool:
+    """The programs, and a bus with three cameras: MANY and FEW pictures, and one that hangs."""
+
+    def __init__(self, build, folder):
+        self.build, self.folder = build, folder
+        self.socket = str(folder / "bus")
+        self.count = 0
+        self.bus = subprocess.Popen([build / "bin/kelva-vcam", "serve", "--socket", self.socket], stdout=subprocess.PIPE)
+        self.bus.stdout.readline()
+        for serial, pictures in (("MANY", PICTURES), ("FEW", FEW)):
+            self.plug(serial, self.drive(serial, pictures))
+        self.plug("HANGS", self.drive("HANGS", 1))
+
+    def drive(self, name, pictures):
+        for number in range(pictures):
+            path = self.folder / name / f"DCIM/{100 + number // 1000}ABCDE/IMG_{number % 1000:04d}.JPG"
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_bytes(random.randbytes(SIZE))
+        return self.folder / name
+
+    def vcam(self, *words):
+        subprocess.run([self.build / "bin/kelva-vcam", *words, "--socket", self.socket], check=True, stdout=subprocess.DEVNULL)
+
+    def plug(self, serial, drive):
+        self.vcam("plug", "--serial", serial, "--storage", drive)
+
+    def timed(self, *command, runs=1, start="warm"):
+        """(seconds, largest resident kilobytes) of each run."""
+        words = [self.build / "bench-aid/bench-timed", str(runs), start, *command]
+        results = []
+        for text in subprocess.check_output(words, text=True, stderr=subprocess.DEVNULL).splitlines():
+            nanoseconds, kilobytes, status = map(int, text.split())
+            if status != 0:
+                sys.exit(f"tool: {' '.join(map(str, command))} ended with status {status}")
+            results.append((nanoseconds / 1e9, kilobytes))
+        return results
+
+    def fresh(self):
+        # Nothing is deleted before the end: a file system keeps away from what was deleted lately, which takes time.
+        self.count += 1
+        return self.folder / f"out{self.count}"
+
+    def kelva(self, *words):
+        return [self.build / "bin/kelva", "--virtual", self.socket, *words]
+
+    def read(self):
+        return self.timed(self.build / "bench-aid/bench-parts", "read", self.socket, "MANY")[0]
+
+    def write(self, threads):
+        return self.timed(self.build / "bench-aid/bench-parts", "write", self.fresh(), str(PICTURES), str(SIZE), str(threads))[0]
+
+    def sync(self, serial):
+        return self.timed(*self.kelva("sync", "--quiet", "-s", serial, self.fresh()))[0]
+
+    def interrupt(self):
+        """Seconds from Ctrl-C to the end of a command whose camera hangs."""
+        self.vcam("fault", "HANGS", "hang", "1")
+        run = subprocess.Popen(self.kelva("sync", "-s", "HANGS", self.fresh()), stderr=subprocess.DEVNULL)
+        time.sleep(0.3)
+        run.send_signal(signal.SIGINT)
+        sent = time.monotonic()
+        run.wait()
+        self.vcam("fault", "HANGS", "none")
+        return time.monotonic() - sent
+
+
+def measure_sync(tool):
+    measures = {"read": tool.read, "one": lambda: tool.write(1), "four": lambda: tool.write(4), "sync": lambda: tool.sync("MANY")}
+    results = {name: [] for name in measures}
+    tool.read()  # the camera works out the keys of its pictures once
+    for _ in range(ROUNDS):
+        for name in random.sample(list(measures), len(measures)):
+            results[name].append(measures[name]())
+    seconds = {name: statistics.median(result[0] for result in runs) for name, runs in results.items()}
+    print(f"Reading {PICTURES:,} pictures of {SIZE // 1000} kB: {seconds['read']:.2f} s alone; writing and flushing them alone, "
+          f"one after the other: {seconds['one']:.2f} s, four at a time: {seconds['four']:.2f} s; sync: {seconds['sync']:.2f} s")
+    slower = max(seconds["read"], seconds["one"])
+    kept = line(f"sync of {PICTURES:,} pictures: speed against the slower half", slower / seconds["sync"], "at least", SYNC_LIMIT)
+    return kept, statistics.median(result[1] for result in results["sync"])
+
+
+def measure_memory(tool, many):
+    few = statistics.median(tool.sync("FEW")[1] for _ in range(ROUNDS))
+    print(f"Largest resident memory of sync: {few:.0f} kB for {FEW:,} pictures, {many:.0f} kB for {PICTURES:,}")
+    return line(f"sync: kilobytes more for {PICTURES:,} pictures than for {FEW:,}", many - few, "at most", GROWTH_LIMIT_KB)
+
+
+def measure_start(tool):
+    kept = True
+    for name, words in (("this machine", ["list"]), ("a virtual bus", ["--virtual", tool.socket, "list"])):
+        runs = tool.timed(tool.build / "bin/kelva", *words, runs=STARTS, start="cold")
+        p50 = statistics.median(run[0] for run in runs) * 1000
+        kept &= line(f"Cold start of list on {name}: p50 in milliseconds", p50, "at most", START_LIMIT_MS)
+        kept &= line(f"Cold start of list on {name}: largest resident, kB", max(run[1] for run in runs), "at most", START_LIMIT_KB)
+    return kept
+
+
+def main():
+    build, disk = (pathlib.Path(word).resolve() for word in sys.argv[1:])
+    with tempfile.TemporaryDirectory(dir=disk) as scratch:
+        tool = Tool(build, pathlib.Path(scratch))
+        try:
+            kept, many = measure_sync(tool)
+            kept &= measure_memory(tool, many)
+            kept &= measure_start(tool)
+            longest = max(tool.interrupt() for _ in range(INTERRUPTS))
+            kept &= line("Ctrl-C to the end of a command that hangs: longest, s", longest, "at most", INTERRUPT_LIMIT_S)
+        finally:
+            tool.bus.terminate()
+            tool.bus.communicate()
+    sys.exit(0 if kept else 1)
+
+
+if __name__ == "__main__":
+    main()
