@@ -42,6 +42,7 @@ void ForgetChildren() {
 
 int Spawn(const std::vector<std::string>& command) {
   std::vector<char*> words;
+  words.reserve(command.size() + 1);
   for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
   const CleanSlate attributes;
