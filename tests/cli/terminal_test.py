@@ -109,6 +109,13 @@ class TerminalTest(Bus):
         run = self.kelva("get", "I:/BIG.BIN", "--into", self.folder)
         self.assertEqual((run.returncode, run.stdout, run.stderr), (0, "", ""))
 
+    def test_the_bar_of_sync_counts_files(self):
+        self.pictures(40, 30_000)
+        self.fault("slow", 10)
+        code, seen = self.terminal("sync", self.folder + "/out").end()
+        self.assertEqual(code, 0, seen)
+        self.assertRegex(seen, rb"\d+ of 40  100ABCDE/IMG_\d+.JPG +\d+% \[#+ *\]  .*/s  0:0\d left")
+
     def test_a_line_of_progress_fits_the_terminal(self):
         name = "LONG" * 40 + ".BIN"
         self.put(name, os.urandom(1_000_000))

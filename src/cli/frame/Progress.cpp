@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 
 #include "frame/Printable.h"
 
@@ -32,9 +33,18 @@ std::string TimeLeft(double seconds) {
   return text.data();
 }
 
+// How much is done, from 0 to 1: of the bytes where they are known, otherwise of the files; nothing when neither is.
+std::optional<double> ShareOf(const ProgressView& view) {
+  const bool bytes = view.total != 0;
+  const auto all = static_cast<double>(bytes ? view.total : view.filesTotal);
+  if (all == 0) return std::nullopt;
+  return std::min(1.0, static_cast<double>(bytes ? view.done : view.files) / all);
+}
+
 std::string Share(const ProgressView& view) {
-  if (view.total == 0) return "";
-  const double share = std::min(1.0, static_cast<double>(view.done) / static_cast<double>(view.total));
+  const std::optional<double> known = ShareOf(view);
+  if (!known) return "";
+  const double share = *known;
   constexpr std::size_t kBarWidth = 20;
   const auto filled = static_cast<std::size_t>(share * kBarWidth);
   std::array<char, 16> percent{};
@@ -48,7 +58,8 @@ std::string Amounts(const ProgressView& view) {
   const double rate = Rate(view);
   if (rate <= 0) return text;
   text += "  " + Bytes(static_cast<unsigned long long>(rate)) + "/s";
-  if (view.total > view.done) text += "  " + TimeLeft(static_cast<double>(view.total - view.done) / rate);
+  const double share = ShareOf(view).value_or(0);
+  if (share > 0 && share < 1) text += "  " + TimeLeft(view.elapsed.count() * (1 - share) / share);
   return text;
 }
 
@@ -76,6 +87,7 @@ Json EventMembers(const ProgressView& view) {
   Json members = Json::Object();
   members.Set("what", view.what).Set("done", view.done);
   if (view.total != 0) members.Set("total", view.total);
+  if (view.filesTotal != 0) members.Set("files", view.files).Set("files_total", view.filesTotal);
   if (Rate(view) > 0) members.Set("bytes_per_second", std::round(Rate(view)));
   return members;
 }
@@ -101,7 +113,7 @@ void Progress::At(unsigned long long done, Clock::time_point now) {
   stop_.Check();
   if (now < next_) return;
   next_ = now + (reporter_.Style().json ? 500ms : 100ms);
-  const ProgressView view{what_, done, total_, now - start_};
+  const ProgressView view{what_, done, total_, now - start_, files_, filesTotal_};
   if (reporter_.Style().terminal) reporter_.Overwrite(ProgressLine(view, Columns()));
   if (reporter_.Style().json) reporter_.Event(EventMembers(view));
 }
@@ -112,6 +124,11 @@ bool Progress::IsDue(Clock::time_point now) const {
 
 void Progress::Name(std::string_view what) {
   what_ = Printable(what);
+}
+
+void Progress::Files(unsigned long long done, unsigned long long total) {
+  files_ = done;
+  filesTotal_ = total;
 }
 
 void Progress::Check(void* progress, float) {

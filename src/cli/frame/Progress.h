@@ -16,6 +16,9 @@ struct ProgressView {
   unsigned long long done;
   unsigned long long total;  ///< 0 when unknown
   std::chrono::duration<double> elapsed;
+  /// For several files whose bytes nobody knows before: how many are done, of how many. 0 for one file.
+  unsigned long long files = 0;
+  unsigned long long filesTotal = 0;
 };
 
 /// One line of at most `columns` columns: name, share, bar, bytes, rate, time left.
@@ -41,6 +44,8 @@ class Progress {
 
   /// Changes what is shown beside the bar.
   void Name(std::string_view what);
+  /// For several files: how many are done, of how many.
+  void Files(unsigned long long done, unsigned long long total);
 
   /// The library's progress callback; its context is a Progress.
   static void Callback(void* progress, float fraction);
@@ -52,6 +57,8 @@ class Progress {
   const Stop& stop_;
   std::string what_;
   unsigned long long total_;
+  unsigned long long files_ = 0;
+  unsigned long long filesTotal_ = 0;
   Clock::time_point start_;
   Clock::time_point next_;
 };

@@ -40,6 +40,10 @@ TEST(ProgressLineTest, NeverFillsTheLastColumn) {
   }
 }
 
+TEST(ProgressLineTest, FilesCountWhereTheirBytesAreNotKnown) {
+  EXPECT_EQ(ProgressLine({"A", 3000, 0, 1s, 1, 4}, 100), "A  25% [#####               ]  3.0 kB  3.0 kB/s  0:03 left");
+}
+
 TEST(ProgressLineTest, MoreThanAnnouncedStaysAtTheEndOfTheBar) {
   EXPECT_EQ(ProgressLine({"A", 3000, 1000, 0s}, 100), "A 100% [####################]  3.0 kB of 1.0 kB");
 }

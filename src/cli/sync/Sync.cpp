@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "camera/Picture.h"
@@ -51,21 +52,26 @@ std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
 }
 
 void Sync::ReadAll(const SyncPlan& plan, Writers& writers) {
-  for (std::size_t i = 0; i < plan.items.size(); ++i) {
+  const auto count =
+      std::count_if(plan.items.begin(), plan.items.end(), [this](const SyncItem& i) { return IsRead(i); });
+  unsigned long long done = 0;
+  for (const SyncItem& item : plan.items) {
+    if (!IsRead(item)) continue;
     context_.stop.Check();
-    ShowProgress(i, plan.items.size(), plan.items[i]);
-    ReadOne(plan.items[i], writers);
+    ShowProgress(done++, static_cast<unsigned long long>(count), item);
+    ReadOne(item, writers);
   }
+}
+
+// Known files are read once more only before they are deleted on the camera.
+bool Sync::IsRead(const SyncItem& item) const {
+  return item.IsNew() || (options_.deleteAfter && !item.IsDeleted());
 }
 
 void Sync::ReadOne(const SyncItem& item, Writers& writers) {
   context_.Doing("read " + Printable(item.CameraPath()));
   try {
-    if (item.IsNew()) {
-      Fetch(item, writers);
-    } else if (options_.deleteAfter && !item.IsDeleted()) {
-      CompareKnown(item);
-    }
+    item.IsNew() ? Fetch(item, writers) : CompareKnown(item);
   } catch (const CameraError& error) {
     const Outcome outcome = Explain(error, context_.WasDoing());
     if (EndsAll(outcome.code)) throw;
@@ -177,9 +183,10 @@ void Sync::DeleteVerified() {
   }
 }
 
-void Sync::ShowProgress(std::size_t index, std::size_t count, const SyncItem& item) {
-  if ((!item.IsNew() && !options_.deleteAfter) || !progress_.IsDue()) return;
-  progress_.Name(std::to_string(index + 1) + " of " + std::to_string(count) + "  " + item.LocalText());
+void Sync::ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item) {
+  if (!progress_.IsDue()) return;
+  progress_.Name(std::to_string(done + 1) + " of " + std::to_string(count) + "  " + item.LocalText());
+  progress_.Files(done, count);
   progress_.At(readBytes_);
 }
 

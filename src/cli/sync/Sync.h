@@ -52,7 +52,8 @@ class Sync {
   bool IsOnDisk(const ManifestRow& row) const;
   void OnOutcome(const WriteOutcome& outcome);
   void Fail(const SyncItem& item, const std::string& sentence);
-  void ShowProgress(std::size_t index, std::size_t count, const SyncItem& item);
+  bool IsRead(const SyncItem& item) const;
+  void ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item);
 
   Context& context_;
   Camera& camera_;
