@@ -23,6 +23,7 @@ int ProcessSurroundings::WhyNotUsable(const std::string& node) {
 }
 
 void ProcessSurroundings::Report(const std::string& sentence) {
+  if (report_) return report_(sentence);
   std::fprintf(stderr, "kelva: %s\n", sentence.c_str());
 }
 

@@ -2,7 +2,9 @@
 #define KELVA_DARWIN_UDEV_SURROUNDINGS_H_
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace darwin::udev {
 
@@ -20,13 +22,20 @@ class Surroundings {
   virtual void Report(const std::string& sentence) = 0;
 };
 
-/// This process itself; reports go to standard error, which the journal keeps for an agent.
+/// Receives sentences, on any thread.
+using SentenceHandler = std::function<void(const std::string&)>;
+
+/// This process itself; reports go to standard error, which the journal keeps for an agent, or to who asks for them.
 class ProcessSurroundings : public Surroundings {
  public:
+  explicit ProcessSurroundings(SentenceHandler report = {}) : report_(std::move(report)) {}
   std::int64_t NowMs() override;
   void SleepMs(int milliseconds) override;
   int WhyNotUsable(const std::string& node) override;
   void Report(const std::string& sentence) override;
+
+ private:
+  SentenceHandler report_;
 };
 
 }  // namespace darwin::udev

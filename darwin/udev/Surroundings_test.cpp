@@ -27,5 +27,13 @@ TEST(ProcessSurroundingsTest, AReportIsOneLineOnStandardError) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "kelva: Something is so.\n");
 }
 
+TEST(ProcessSurroundingsTest, AReportGoesToWhoAsksForIt) {
+  std::string heard;
+  testing::internal::CaptureStderr();
+  ProcessSurroundings([&heard](const std::string& sentence) { heard = sentence; }).Report("Something is so.");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(heard, "Something is so.");
+}
+
 }  // namespace
 }  // namespace darwin::udev

@@ -21,30 +21,35 @@ bool IsStillThere(const ScsiUnit& unit) {
   return device && ReadUnit(device.get()) == unit;
 }
 
-std::unique_ptr<UserClient> OpenUserClient(const ScsiUnit& unit) {
+std::unique_ptr<UserClient> OpenUserClient(const ScsiUnit& unit, const SentenceHandler& report) {
   return std::make_unique<sg::SgUserClient>(
-      sg::SgSystem::Kernel(), sg::SgTarget{unit.node, [unit] { return IsStillThere(unit); },
-                                           [](const std::string& text) { ProcessSurroundings().Report(text); }});
+      sg::SgSystem::Kernel(),
+      sg::SgTarget{unit.node, [unit] { return IsStillThere(unit); },
+                   [report](const std::string& text) { ProcessSurroundings(report).Report(text); }});
 }
 
 class RegistryPublisher : public Publisher {
  public:
+  explicit RegistryPublisher(SentenceHandler report) : report_(std::move(report)) {}
   void Use(Registry& registry) { registry_ = &registry; }
 
   EntryId Publish(const ScsiUnit& unit) override {
     CameraDescription camera{unit.serial, unit.vendor, unit.product, unit.revision, {}, {}};
     camera.peripheralType = static_cast<unsigned>(unit.peripheralType);
-    camera.openUserClient = [unit](int&) { return OpenUserClient(unit); };
+    camera.openUserClient = [unit, report = report_](int&) { return OpenUserClient(unit, report); };
     return AddCamera(*registry_, registry_->Root(), camera);
   }
   void Withdraw(EntryId published) override { registry_->Terminate(published); }
 
  private:
+  SentenceHandler report_;
   Registry* registry_ = nullptr;
 };
 
 class UdevSource : public RegistrySource {
  public:
+  explicit UdevSource(const SentenceHandler& report) : surroundings_(report), publisher_(report) {}
+
   void Start(Registry& registry) override {
     publisher_.Use(registry);
     tracker_.Start();
@@ -76,8 +81,8 @@ class UdevSource : public RegistrySource {
 }  // namespace
 }  // namespace udev
 
-std::unique_ptr<RegistrySource> MakeUdevSource() {
-  return std::make_unique<udev::UdevSource>();
+std::unique_ptr<RegistrySource> MakeUdevSource(const std::function<void(const std::string&)>& report) {
+  return std::make_unique<udev::UdevSource>(report);
 }
 
 }  // namespace darwin

@@ -1,15 +1,18 @@
 #ifndef KELVA_DARWIN_UDEV_UDEV_SOURCE_H_
 #define KELVA_DARWIN_UDEV_UDEV_SOURCE_H_
 
+#include <functional>
 #include <memory>
+#include <string>
 
 #include "darwin/registry/Registry.h"
 
 namespace darwin {
 
 /// Fills the registry with the cameras of this machine, from udev. The default source of every program on Linux.
-/// Sentences that the user or the journal should see (no permission, no udev) go to standard error.
-std::unique_ptr<RegistrySource> MakeUdevSource();
+/// Sentences that the user or the journal should see (no permission, no udev) go to `report`, on any thread; without one
+/// they are lines on standard error.
+std::unique_ptr<RegistrySource> MakeUdevSource(const std::function<void(const std::string&)>& report = {});
 
 }  // namespace darwin
 

@@ -44,10 +44,10 @@ std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::s
 
 }  // namespace
 
-void ChooseCameraSource(const std::optional<std::string>& option) {
+void ChooseCameraSource(const std::optional<std::string>& option, const std::function<void(const std::string&)>& note) {
   const auto socket = Socket(option);
   try {
-    darwin::Registry::Shared().SetSource(socket ? vcam::client::ConnectBus(*socket) : darwin::MakeUdevSource());
+    darwin::Registry::Shared().SetSource(socket ? vcam::client::ConnectBus(*socket) : darwin::MakeUdevSource(note));
   } catch (const std::runtime_error& error) {
     throw Failure(ExitCode::kFailed, Printable(error.what()));
   }

@@ -1,14 +1,16 @@
 #ifndef KELVA_CLI_CAMERA_SOURCE_H_
 #define KELVA_CLI_CAMERA_SOURCE_H_
 
+#include <functional>
 #include <optional>
 #include <string>
 
 namespace kelva {
 
 /// Decides where cameras come from: the virtual bus behind this socket (or that of KELVA_VIRTUAL), otherwise this machine.
-/// Neither takes the place of the other when it fails. Throws Failure.
-void ChooseCameraSource(const std::optional<std::string>& socket);
+/// Neither takes the place of the other when it fails. `note` receives what the system has to say, on any thread.
+/// Throws Failure.
+void ChooseCameraSource(const std::optional<std::string>& socket, const std::function<void(const std::string&)>& note);
 
 /// Names the processes that hold the camera with this serial number, where cameras come from as above; empty when that
 /// cannot be told.

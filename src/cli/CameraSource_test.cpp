@@ -10,12 +10,12 @@ namespace kelva {
 namespace {
 
 TEST(CameraSourceTest, ABusThatNobodyServesIsAFailure) {
-  EXPECT_THROW(ChooseCameraSource("/nowhere/bus"), Failure);
+  EXPECT_THROW(ChooseCameraSource("/nowhere/bus", {}), Failure);
 }
 
 TEST(CameraSourceTest, AnEmptyPathIsWrongUse) {
   try {
-    ChooseCameraSource("");
+    ChooseCameraSource("", {});
     FAIL();
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.Code(), ExitCode::kUsage);
@@ -25,7 +25,7 @@ TEST(CameraSourceTest, AnEmptyPathIsWrongUse) {
 
 TEST(CameraSourceTest, TheVariableNamesABusToo) {
   ::setenv("KELVA_VIRTUAL", "/nowhere/bus", 1);
-  EXPECT_THROW(ChooseCameraSource(std::nullopt), Failure);
+  EXPECT_THROW(ChooseCameraSource(std::nullopt, {}), Failure);
   ::unsetenv("KELVA_VIRTUAL");
 }
 

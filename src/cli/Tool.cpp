@@ -10,6 +10,7 @@
 #include "frame/Context.h"
 #include "frame/Failure.h"
 #include "frame/Help.h"
+#include "frame/Printable.h"
 #include "frame/Supervisor.h"
 #include "verbs/HelpVerbs.h"
 #include "verbs/Verbs.h"
@@ -120,11 +121,15 @@ class Tool {
     context.guard = guard;
     context.holdersOf = [this](const std::string& serial) { return HoldersInWords(call_.Value("virtual"), serial); };
     try {
-      if (!NeedsNoCamera(*call_.verb)) ChooseCameraSource(call_.Value("virtual"));
+      if (!NeedsNoCamera(*call_.verb)) ChooseSource();
       return call_.verb->run(context);
     } catch (const std::exception& error) {
       return GiveError(reporter_, out_, Name(), Explain(error, context.WasDoing()));
     }
+  }
+
+  void ChooseSource() {
+    ChooseCameraSource(call_.Value("virtual"), [this](const std::string& said) { reporter_.Note(Printable(said)); });
   }
 
   std::span<const char* const> arguments_;

@@ -117,6 +117,16 @@ class EveryVerbTest(Bus):
 
         self.run_all(VERBS, check, "--quiet")
 
+    def test_what_the_system_says_of_this_machine_is_a_note(self):
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("KELVA_")}
+        for words in (["list"], ["watch", "--timeout", "0.3"]):
+            command = [bench_of_cameras.BIN + "/kelva", *words]
+            run = subprocess.run([*command, "--json"], capture_output=True, text=True, timeout=60, env=environment)
+            for line in run.stderr.splitlines():
+                self.assertIn(json.loads(line)["event"], ("note", "error"))
+            run = subprocess.run([*command, "--quiet"], capture_output=True, text=True, timeout=60, env=environment)
+            self.assertEqual(len(run.stderr.splitlines()), 1 if run.returncode else 0, run.stderr)
+
     def test_quiet_still_says_what_went_wrong(self):
         def check(_, code, out, messages):
             self.assertEqual((code, out), (3, ""))
