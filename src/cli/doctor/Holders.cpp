@@ -87,6 +87,7 @@ std::vector<Holder> HoldersOf(const std::string& node, const fs::path& proc) {
   }
   pids.erase(::getpid());
   std::vector<Holder> holders;
+  holders.reserve(pids.size());
   for (int pid : pids) holders.push_back({pid, ProcessName(pid, proc)});
   return holders;
 }

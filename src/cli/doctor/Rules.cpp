@@ -16,7 +16,7 @@ constexpr const char* kFile = "/70-kelva.rules";
 
 std::string InstalledRules(const std::string& root) {
   for (const char* folder : kFolders) {
-    const std::string file = root + folder + kFile;
+    std::string file = root + folder + kFile;
     if (::access(file.c_str(), F_OK) == 0) return file;
   }
   return "";
