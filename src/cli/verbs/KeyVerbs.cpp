@@ -23,7 +23,7 @@ struct Request {
 
 Request Understand(const std::string& word) {
   const std::size_t dot = std::min(word.find('.'), word.size());
-  const Request request{word.substr(0, dot), word.substr(dot)};
+  Request request{word.substr(0, dot), word.substr(dot)};
   if (!IsKey(request.key)) {
     throw Failure(ExitCode::kUsage, "\"" + Printable(word) +
                                         "\" is no key; a key is the SHA-1 of a file, 40 hexadecimal digits, as "
