@@ -199,6 +199,11 @@ class TargetTest(Bus):
         self.complete(2)
         self.assertEqual(len(os.listdir(self.folder + "/real/100ABCDE")), 2)
 
+    def test_without_a_camera_nothing_is_made(self):
+        self.unplug()
+        self.fails(self.sync(), 3)
+        self.assertFalse(os.path.exists(self.target))
+
     def test_a_file_that_was_renamed_or_deleted_here_is_not_fetched_again(self):
         self.pictures(3, 1000)
         self.complete(3)

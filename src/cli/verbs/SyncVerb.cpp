@@ -79,14 +79,15 @@ ExitCode RunSync(Context& context) {
 
   const std::string& path = context.call.words[0];
   if (context.call.Has("dry-run")) return RunDry(context, path, types, pattern);
+
+  context.Doing("read the picture catalogue");
+  // First, so that a camera that is not there leaves no folder behind.
+  const Session camera(context);
   const TargetFolder folder = TargetFolder::OpenOrMake(path);
   LockFolder(folder);
   Manifest manifest(folder, true);
   RemoveLeftovers(folder);
-
-  context.Doing("read the picture catalogue");
   const unsigned long long before = context.guard == nullptr ? 0 : context.guard->Files();
-  const Session camera(context);
   const SyncPlan plan = MakePlan(camera->GetDcf(), camera.Facts().serial, types, pattern, manifest);
   Sync sync(context, *camera, folder, manifest, options);
   const auto ended = sync.Run(plan);
