@@ -59,9 +59,12 @@ BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std:
   file_->BeginFlush();
 }
 
-Stored BesideFile::Finish() {
+void BesideFile::Flush() {
+  if (file_) file_->Flush();
+}
+
+Stored BesideFile::TakeName() {
   if (isThere_) return {Numbered(name_, number_), true};
-  file_->Flush();
   for (; number_ <= last_; ++number_) {
     const std::string candidate = Numbered(name_, number_);
     if (file_->TakeName(candidate)) return {candidate, false};
@@ -72,7 +75,9 @@ Stored BesideFile::Finish() {
 
 Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
                    const std::string& sha1) {
-  return BesideFile(folder, name, bytes, sha1).Finish();
+  BesideFile file(folder, name, bytes, sha1);
+  file.Flush();
+  return file.TakeName();
 }
 
 }  // namespace kelva

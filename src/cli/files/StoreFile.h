@@ -23,16 +23,18 @@ struct Stored {
   std::string name;
   bool wasThere = false;  ///< the same bytes were there under this name already, and nothing was written
 };
-/// Stores bytes under a name, or where that is taken by something else, under the next free numbered one. In two steps,
-/// so that the disk can work on several files at once.
+/// Stores bytes under a name, or where that is taken by something else, under the next free numbered one. In three steps,
+/// so that the disk can work on several files at once, and need not write their folder again for each.
 class BesideFile {
  public:
   /// Writes the bytes under a temporary name, unless they are there already. `first` is the number to begin with, `sha1`
   /// that of the bytes; the folder outlives this. Throws Failure.
   BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,
              int first = 1);
-  /// Flushes the file and gives it its name. The caller flushes the folder. Throws Failure.
-  Stored Finish();
+  /// Waits until it is on disk. Throws Failure.
+  void Flush();
+  /// Gives it its name. The caller flushes the folder. Throws Failure.
+  Stored TakeName();
 
  private:
   const TargetFolder& folder_;
@@ -43,7 +45,7 @@ class BesideFile {
   std::optional<NewFile> file_;
 };
 
-/// Both steps at once.
+/// All steps at once.
 Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
                    const std::string& sha1);
 

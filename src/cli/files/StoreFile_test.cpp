@@ -61,14 +61,16 @@ TEST_F(StoreFileTest, TheSameBytesAreNotStoredTwice) {
   EXPECT_TRUE(stored.wasThere);
 }
 
-TEST_F(StoreFileTest, BetweenTheTwoStepsNothingBearsTheName) {
+TEST_F(StoreFileTest, NothingBearsTheNameBeforeTheLastStep) {
   const std::string one = "one";
   const std::string two = "two";
   BesideFile first(*folder_, "A.JPG", one, Sha1(one));
   BesideFile second(*folder_, "A.JPG", two, Sha1(two));
+  first.Flush();
+  second.Flush();
   EXPECT_FALSE(fs::exists(path_ / "A.JPG"));
-  EXPECT_EQ(second.Finish().name, "A.JPG");
-  EXPECT_EQ(first.Finish().name, "A-2.JPG");
+  EXPECT_EQ(second.TakeName().name, "A.JPG");
+  EXPECT_EQ(first.TakeName().name, "A-2.JPG");
   EXPECT_EQ(Text("A.JPG"), "two");
   EXPECT_EQ(Text("A-2.JPG"), "one");
 }

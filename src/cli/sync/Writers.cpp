@@ -141,7 +141,8 @@ bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::
   }
 }
 
-// All are on their way before the first one is waited for. Where the disk is full, those that were written are finished.
+// All are on their way before the first one is waited for, and named after the last one: a name changes the folder, which
+// a file system may write with each file that is flushed. Where the disk is full, those that were written are finished.
 void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   std::optional<Failure> ending;
   std::vector<std::unique_ptr<Started>> started;
@@ -151,11 +152,15 @@ void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
           *job.item, [&] { started.push_back(Start(job)); }, ending);
   }
   for (std::unique_ptr<Started>& file : started) {
+    if (!Try(
+            *file->job->item, [&] { file->file.Flush(); }, ending))
+      file.reset();
+  }
+  for (const std::unique_ptr<Started>& file : started) {
     std::optional<Done> done;
-    if (Try(
-            *file->job->item, [&] { done = Finish(*file); }, ending))
+    if (file && Try(
+                    *file->job->item, [&] { done = Finish(*file); }, ending))
       Commit(AddDone(std::move(*done)));
-    file.reset();
   }
   if (ending) throw Failure(*ending);
 }
@@ -194,7 +199,7 @@ std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
 
 Writers::Done Writers::Finish(Started& started) {
   const SyncItem& item = *started.job->item;
-  Stored stored = started.file.Finish();
+  Stored stored = started.file.TakeName();
   started.path.name = std::move(stored.name);
   const WriteJob& job = *started.job;
   return {{item.Key(), started.path.Text(), started.sha1, job.bytes.size(), job.verified, false},
