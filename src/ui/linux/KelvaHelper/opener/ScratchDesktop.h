@@ -25,10 +25,11 @@ class ScratchDesktop {
   ScratchDesktop& operator=(const ScratchDesktop&) = delete;
   ~ScratchDesktop() { std::filesystem::remove_all(folder_); }
 
-  /// What the started application writes; opening the pipe waits for it.
+  /// What the started application writes; opening the pipe waits for it. An application that wrote before and has not yet
+  /// closed its end brings an end without a word.
   std::string WordOfTheApplication() const {
     std::string word;
-    std::ifstream(Pipe()) >> word;
+    while (word.empty()) std::ifstream(Pipe()) >> word;
     return word;
   }
 
