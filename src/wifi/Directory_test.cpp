@@ -199,6 +199,31 @@ TEST(TraverseDir, PassesOverADirectoryThatCannotBeRead) {
             (Calls{"ClearCancel true", "Transfer true", "Transfer true", "ClearCancel true", "Transfer true"}));
 }
 
+// A camera whose every folder holds a folder and a file, down to a depth.
+class DeepCamera : public ScriptedCamera {
+ public:
+  explicit DeepCamera(int depth) : left_(depth) {}
+  std::vector<CameraDirent> ReadDir(const char*) override {
+    if (left_ == 0) return {};
+    --left_;
+    return {{"D", 0, 0x10}, {"F", 1, 0x20}};
+  }
+
+ private:
+  int left_;
+};
+
+TEST(TraverseDir, HandsOverWholePathsSoThatTheyGrowWithDepthTimesEntries) {
+  DeepCamera camera(2000);
+  Files files;
+  camera.TraverseDir("I:", files);
+  ASSERT_EQ(files.size(), 2000U);
+  EXPECT_EQ(files.back().first, "I:\\F");
+  std::size_t bytes = 0;
+  for (const auto& file : files) bytes += file.first.size();
+  EXPECT_EQ(bytes, 4006000U);  // 4, 6, 8 ... 4002
+}
+
 TEST(TraverseDir, ListsAPathAsItStands) {
   TreeCamera camera;
   Files files;
