@@ -10,16 +10,22 @@ def _works(command):
     return subprocess.run(trial, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
 
 
-def need_own_mounts():
-    """Starts this script again with mounts of its own; as root, or as any user where the kernel lets users have them."""
-    if os.environ.get("KELVA_TEST_OWN_MOUNTS"):
-        return
+def with_own_mounts():
+    """What a command is put behind to have mounts of its own; as root, or as any user where the kernel lets users."""
     for command in (["unshare", "--mount"], ["unshare", "--user", "--map-root-user", "--mount"]):
         if _works(command):
-            environment = {**os.environ, "KELVA_TEST_OWN_MOUNTS": "1"}
-            os.execvpe(command[0], [*command, sys.executable, "-B", *sys.argv], environment)
-    sys.exit("This test mounts small file systems: run it as root, or allow user namespaces "
-             "(sysctl kernel.unprivileged_userns_clone=1).")
+            return command
+    raise RuntimeError("This test mounts file systems of its own: run it as root, or allow user namespaces "
+                       "(sysctl kernel.unprivileged_userns_clone=1).")
+
+
+def need_own_mounts():
+    """Starts this script again with mounts of its own."""
+    if os.environ.get("KELVA_TEST_OWN_MOUNTS"):
+        return
+    command = with_own_mounts()
+    environment = {**os.environ, "KELVA_TEST_OWN_MOUNTS": "1"}
+    os.execvpe(command[0], [*command, sys.executable, "-B", *sys.argv], environment)
 
 
 class SmallDisk:
