@@ -1,6 +1,5 @@
 #include "CameraSource.h"
 
-#include <cstdlib>
 #include <stdexcept>
 #include <vector>
 
@@ -15,16 +14,6 @@
 
 namespace kelva {
 namespace {
-
-std::optional<std::string> Socket(const std::optional<std::string>& option) {
-  if (option) {
-    if (option->empty()) throw Failure(ExitCode::kUsage, "--virtual needs the path of a virtual bus's socket.");
-    return option;
-  }
-  const char* variable = std::getenv("KELVA_VIRTUAL");
-  if (variable == nullptr || *variable == '\0') return std::nullopt;
-  return variable;
-}
 
 // Asked on a connection of its own: the source's one belongs to the registry.
 std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::string& serial) {
@@ -44,8 +33,8 @@ std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::s
 
 }  // namespace
 
-void ChooseCameraSource(const std::optional<std::string>& option, const std::function<void(const std::string&)>& note) {
-  const auto socket = Socket(option);
+void ChooseCameraSource(const std::optional<std::string>& socket, const std::function<void(const std::string&)>& note) {
+  if (socket && socket->empty()) throw Failure(ExitCode::kUsage, "--virtual needs the path of a virtual bus's socket.");
   try {
     darwin::Registry::Shared().SetSource(socket ? vcam::client::ConnectBus(*socket) : darwin::MakeUdevSource(note));
   } catch (const std::runtime_error& error) {
@@ -53,8 +42,7 @@ void ChooseCameraSource(const std::optional<std::string>& option, const std::fun
   }
 }
 
-std::string HoldersInWords(const std::optional<std::string>& option, const std::string& serial) {
-  const auto socket = Socket(option);
+std::string HoldersInWords(const std::optional<std::string>& socket, const std::string& serial) {
   return doctor::InWords(socket ? HoldersOnBus(*socket, serial) : doctor::HoldersOfCamera(serial));
 }
 

@@ -7,7 +7,7 @@
 
 namespace kelva {
 
-/// Decides where cameras come from: the virtual bus behind this socket (or that of KELVA_VIRTUAL), otherwise this machine.
+/// Decides where cameras come from: the virtual bus behind this socket, otherwise this machine.
 /// Neither takes the place of the other when it fails. `note` receives what the system has to say, on any thread.
 /// Throws Failure.
 void ChooseCameraSource(const std::optional<std::string>& socket, const std::function<void(const std::string&)>& note);

@@ -80,7 +80,6 @@ std::string ExitStatus() {
 
 std::string Environment() {
   return Item("KELVA_SERIAL", "The camera to use when --serial is not given.") +
-         Item("KELVA_VIRTUAL", "The socket of a virtual bus to use when --virtual is not given.") +
          Item("NO_COLOR", "Set to anything: no colours.") + Item("TERM", "With \"dumb\", no progress bars either.");
 }
 
