@@ -32,6 +32,16 @@ class CommandTest(Bus):
         self.assertEqual(os.path.getsize(self.folder + "/EMPTY"), 0)
         self.assertEqual(self.kelva("get", "I:/NOPE", "--into", self.folder).returncode, 1)
 
+    def test_two_files_of_one_name_are_never_written_over_each_other(self):
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"one")
+        self.put("DCIM/101ABCDE/IMG_0001.JPG", b"two")
+        paths = ("I:/DCIM/100ABCDE/IMG_0001.JPG", "I:/DCIM/101ABCDE/IMG_0001.JPG")
+        run = self.kelva("get", "--force", *paths, "--into", self.folder)
+        self.assertEqual(run.returncode, 6, run.stderr)
+        self.assertIn("fetch them into two folders with --into", run.stderr)
+        with open(self.folder + "/IMG_0001.JPG", "rb") as file:
+            self.assertEqual(file.read(), b"one")
+
     def test_hostile_names_stay_in_the_folder_and_off_the_terminal(self):
         names = set()
         while len(names) < 500:

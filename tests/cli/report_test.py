@@ -57,7 +57,11 @@ class ReportTest(Bus):
     def test_an_archive_that_is_there_is_left_alone(self):
         with open(self.archive, "w", encoding="ascii") as file:
             file.write("mine")
-        self.assertEqual(self.kelva("report", self.archive).returncode, 1)
+        self.kelva("monitor", "hello")
+        run = self.kelva("report", self.archive)
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("choose another name for the report", run.stderr)
+        self.assertIn("hello", self.kelva("console").stdout)  # the camera hands it over once, and it was not asked
         with open(self.archive, encoding="ascii") as file:
             self.assertEqual(file.read(), "mine")
 

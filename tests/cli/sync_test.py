@@ -45,6 +45,15 @@ class SyncTest(Bus):
             self.fault("none")
         self.complete(4)
 
+    def test_too_many_bytes_of_a_known_file_leave_it_and_delete_the_rest(self):
+        self.pictures(3, 100)
+        self.complete(3)
+        self.fault("surplus2", 5)
+        run = self.kelva("sync", "--delete-after-verify", "--json", self.target)
+        document = json.loads(run.stdout.splitlines()[-1])
+        self.assertEqual((run.returncode, document["deleted"], document["failed"]), (6, 2, 1), run.stderr)
+        self.assertEqual(len(os.listdir(self.drive + "/DCIM/100ABCDE")), 1)
+
     def test_ctrl_c_ends_it_within_a_second(self):
         self.pictures(4, 700_000)
         self.fault("slow", 50)

@@ -45,9 +45,11 @@ class FakeCamera : public Camera {
   void WriteFile(const char* path, const char* data, int length, void (*progress)(void*, float),
                  void* context) override {
     files[NameIn(path)] = std::string(data, static_cast<std::size_t>(length)) + damage;
+    if (writeBreaks) throw CameraTransferError("broken off");
     if (progress != nullptr) progress(context, 0);
   }
   bool DeleteFile(const char* path) override {
+    if (forbidden == NameIn(path)) throw CameraTransferError("refused");
     if (!stubborn) files.erase(NameIn(path));
     return !refuses;
   }
@@ -56,8 +58,10 @@ class FakeCamera : public Camera {
   std::map<std::string, std::string> files;
   std::vector<std::string> folders;
   int reads = 0;
-  int lie = 0;         ///< added to every size in a listing
-  std::string damage;  ///< added to every file that is written
+  int lie = 0;               ///< added to every size in a listing
+  std::string damage;        ///< added to every file that is written
+  std::string forbidden;     ///< deleting this one is an error
+  bool writeBreaks = false;  ///< writing ends in an error, half of it done
   bool stubborn = false;
   bool refuses = false;
 

@@ -29,6 +29,20 @@ std::vector<char> ReadOnce(Context& context, Camera& camera, const std::string& 
   return camera.ReadFile(path.c_str(), Progress::Callback, &progress, true);
 }
 
+// What arrived of a file that was not sent to its end must not pass for the file.
+void TakeBack(Context& context, Camera& camera, const std::string& path) {
+  bool deleted = false;
+  try {
+    deleted = camera.DeleteFile(path.c_str());
+  } catch (const CameraError&) {
+    // The first error is the one to report.
+  }
+  if (!deleted) {
+    context.reporter.Note("The camera may hold an unfinished " + Printable(path) +
+                          "; delete it before you send it again.");
+  }
+}
+
 }  // namespace
 
 std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::string& path) {
@@ -52,7 +66,10 @@ void WriteRemoteFile(Context& context, Camera& camera, const std::vector<char>& 
     Progress progress(context.reporter, context.stop, Split(path).name, bytes.size());
     camera.WriteFile(path.c_str(), bytes.data(), static_cast<int>(bytes.size()), Progress::Callback, &progress);
   } catch (const Stopped&) {
-    camera.DeleteFile(path.c_str());
+    TakeBack(context, camera, path);
+    throw;
+  } catch (const CameraError&) {
+    TakeBack(context, camera, path);
     throw;
   }
   context.Doing("read back " + Printable(path));

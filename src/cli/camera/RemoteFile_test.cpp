@@ -95,5 +95,17 @@ TEST_F(RemoteFileTest, AFileThatStaysIsARefusal) {
   EXPECT_THAT(Error([this] { DeleteRemoteFile(camera_, "I:\\A.TXT"); }), HasSubstr("refused to delete"));
 }
 
+TEST_F(RemoteFileTest, WhatIsSentInPartIsTakenBack) {
+  camera_.writeBreaks = true;
+  EXPECT_THROW(WriteRemoteFile(context_, camera_, {'a', 'b'}, "I:\\A.TXT"), CameraTransferError);
+  EXPECT_EQ(camera_.files.count("A.TXT"), 0U);
+}
+
+TEST_F(RemoteFileTest, TheErrorOfTheWritingStandsWhenItCannotBeTakenBack) {
+  camera_.writeBreaks = true;
+  camera_.forbidden = "A.TXT";
+  EXPECT_THROW(WriteRemoteFile(context_, camera_, {'a', 'b'}, "I:\\A.TXT"), CameraTransferError);
+}
+
 }  // namespace
 }  // namespace kelva

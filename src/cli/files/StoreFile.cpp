@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "files/Sha1.h"
 #include "frame/Failure.h"
@@ -14,7 +15,9 @@ bool HoldsTheSame(const TargetFolder& folder, const std::string& name, std::size
   const Descriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW, 0));
   struct stat status {};
   if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  return static_cast<std::size_t>(status.st_size) == size && Sha1OfFile(file.Get()) == sha1;
+  if (static_cast<std::size_t>(status.st_size) != size || Sha1OfFile(file.Get()) != sha1) return false;
+  // Whoever wrote it may not have flushed it, and the camera's file may be deleted because this one is here.
+  return ::fsync(file.Get()) == 0;
 }
 
 }  // namespace

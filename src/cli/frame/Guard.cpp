@@ -90,7 +90,12 @@ int Guard::Run(const std::function<int(Guard&)>& work) {
       return work(guard);
     }
     const int status = WaitFor(child);
-    if (!page.aborted || page.badCount == Page::kMostBad) ::_exit(status);
+    if (!page.aborted) ::_exit(status);
+    if (page.badCount == Page::kMostBad) {
+      throw Failure(ExitCode::kFailed, "The camera sends more than it announces for more than " +
+                                           std::to_string(Page::kMostBad) +
+                                           " files, so no more were tried; check the cable and restart the camera.");
+    }
     page.bad[page.badCount++] = page.current;
   }
 }

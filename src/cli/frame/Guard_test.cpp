@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "frame/Failure.h"
 #include "frame/Supervisor.h"
 
 namespace kelva {
@@ -56,6 +57,25 @@ TEST(GuardDeathTest, ASignalToTheToolReachesTheWorker) {
     return 0;
   };
   EXPECT_EXIT(RunAndExit(work), ExitedWithCode(128 + SIGTERM), "");
+}
+
+TEST(GuardDeathTest, WorkThatAbortsWithoutEndIsAFailureInWords) {
+  const auto work = [](Guard& guard) {
+    CatchAborts("", "", -1);
+    guard.Begin("always");
+    std::abort();
+    return 0;
+  };
+  const auto run = [work] {
+    TakeOverSignals();
+    try {
+      Guard::Run(work);
+    } catch (const Failure& failure) {
+      ::_exit(std::string(failure.what()).find("1024 files") != std::string::npos ? 42 : 43);
+    }
+    ::_exit(44);
+  };
+  EXPECT_EXIT(run(), ExitedWithCode(42), "");
 }
 
 }  // namespace

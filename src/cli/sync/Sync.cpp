@@ -47,7 +47,7 @@ std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
       if (!ended) ended = Outcome{failure.Code(), failure.what()};
     }
   }
-  if (!ended && options_.deleteAfter) DeleteVerified();
+  if (!ended && options_.deleteAfter) ended = DeleteVerified();
   return ended;
 }
 
@@ -69,6 +69,11 @@ bool Sync::IsRead(const SyncItem& item) const {
 }
 
 void Sync::ReadOne(const SyncItem& item, Writers& writers) {
+  if (context_.guard != nullptr && context_.guard->IsBad(TokenOf(item))) {
+    Fail(item, "The camera sent more of " + Printable(item.CameraPath()) +
+                   " than it had announced, which ends the reading process; the file was left out.");
+    return;
+  }
   context_.Doing("read " + Printable(item.CameraPath()));
   try {
     item.IsNew() ? Fetch(item, writers) : CompareKnown(item);
@@ -82,11 +87,6 @@ void Sync::ReadOne(const SyncItem& item, Writers& writers) {
 }
 
 void Sync::Fetch(const SyncItem& item, Writers& writers) {
-  if (context_.guard != nullptr && context_.guard->IsBad(TokenOf(item))) {
-    Fail(item, "The camera sent more of " + Printable(item.CameraPath()) +
-                   " than it had announced, which ends the reading process; the file was left out.");
-    return;
-  }
   std::vector<char> bytes = Read(item);
   std::string sha1;
   if (options_.verify) {
@@ -160,27 +160,32 @@ bool Sync::IsOnDisk(const ManifestRow& row) const {
   return static_cast<unsigned long long>(status.st_size) == row.size && Sha1OfFile(file.Get()) == row.sha1;
 }
 
-void Sync::DeleteVerified() {
+std::optional<Outcome> Sync::DeleteVerified() {
   for (const SyncItem* item : deletable_) {
-    const std::string path = item->CameraPath();
-    const ManifestKey key = item->Key();
     context_.stop.Check();
-    context_.Doing("delete " + Printable(path));
-    const auto row = manifest_.Find(key);
-    if (!row || !IsOnDisk(*row)) {
-      Fail(*item, Printable(row ? row->path : item->LocalText()) +
-                      " is not where it was stored; the file on the camera was not deleted.");
-      continue;
+    context_.Doing("delete " + Printable(item->CameraPath()));
+    try {
+      DeleteOne(*item);
+    } catch (const CameraError& error) {
+      Outcome outcome = Explain(error, context_.WasDoing());
+      if (EndsAll(outcome.code)) return outcome;
+      Fail(*item, outcome.sentence);
     }
-    if (!camera_.DeleteFile(path.c_str())) {
-      Fail(*item, "The camera refused to delete " + Printable(path) + ".");
-      continue;
-    }
-    manifest_.MarkDeleted(key);
-    ++totals_.deleted;
-    Json members = Json::Object();
-    if (context_.Json()) context_.Event("deleted", std::move(members.SetBytes("path", path)), "");
   }
+  return std::nullopt;
+}
+
+void Sync::DeleteOne(const SyncItem& item) {
+  const std::string path = item.CameraPath();
+  const auto row = manifest_.Find(item.Key());
+  if (!row || !IsOnDisk(*row)) {
+    return Fail(item, Printable(row ? row->path : item.LocalText()) +
+                          " is not where it was stored; the file on the camera was not deleted.");
+  }
+  if (!camera_.DeleteFile(path.c_str())) return Fail(item, "The camera refused to delete " + Printable(path) + ".");
+  manifest_.MarkDeleted(item.Key());
+  ++totals_.deleted;
+  if (context_.Json()) context_.Event("deleted", std::move(Json::Object().SetBytes("path", path)), "");
 }
 
 void Sync::ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item) {

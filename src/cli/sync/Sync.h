@@ -48,7 +48,8 @@ class Sync {
   void CompareKnown(const SyncItem& item);
   std::vector<char> Read(const SyncItem& item);
   void CheckSize(const SyncItem& item, std::size_t size);
-  void DeleteVerified();
+  std::optional<Outcome> DeleteVerified();
+  void DeleteOne(const SyncItem& item);
   bool IsOnDisk(const ManifestRow& row) const;
   void OnOutcome(const WriteOutcome& outcome);
   void Fail(const SyncItem& item, const std::string& sentence);

@@ -68,6 +68,15 @@ TEST_F(SyncTest, OnlyWhatIsOnDiskIsDeletedOnTheCamera) {
   EXPECT_EQ(camera_.files.count("IMG_0002.JPG"), 0U);
 }
 
+TEST_F(SyncTest, ADeletionThatTheCameraRefusesIsReportedAndTheRestGoesOn) {
+  camera_.forbidden = "IMG_0001.JPG";
+  const SyncTotals totals = Run({.verify = true, .deleteAfter = true});
+  EXPECT_EQ(totals.stored, 2U);
+  EXPECT_EQ(totals.deleted, 1U);
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_EQ(camera_.files.count("IMG_0002.JPG"), 0U);
+}
+
 TEST_F(SyncTest, WhatHasChangedOnTheCameraIsNotDeleted) {
   EXPECT_EQ(Run().stored, 2U);
   camera_.files["IMG_0001.JPG"] = "another";

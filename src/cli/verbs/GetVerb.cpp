@@ -1,4 +1,5 @@
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -58,10 +59,15 @@ void CheckOutput(const Context& context, const Target& target) {
   }
 }
 
-Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const Target& target,
-            const std::string& path) {
+// `stored` are the names of the files that this command has stored.
+Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const Target& target, const std::string& path,
+            std::set<std::string>& stored) {
   context.Doing("read " + Printable(path));
   const std::string name = target.name.value_or(SafeName(Split(path).name));
+  if (stored.count(name) != 0) {
+    throw Failure(ExitCode::kFailed, "Another of these files is " + Printable(folder.PathOf(name)) +
+                                         " already; fetch them into two folders with --into.");
+  }
   if (!target.replace && folder.Has(name)) {
     throw Failure(ExitCode::kFailed,
                   "There is a " + Printable(folder.PathOf(name)) +
@@ -70,6 +76,7 @@ Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const 
   const std::vector<char> bytes = ReadRemoteFile(context, camera, path);
   context.stop.Check();
   target.replace ? StoreReplacing(folder, name, bytes) : StoreNew(folder, name, bytes);
+  stored.insert(name);
   Json members = Json::Object();
   members.SetBytes("path", path).SetBytes("file", folder.PathOf(name)).Set("size", bytes.size());
   return members;
@@ -90,8 +97,9 @@ ExitCode RunGet(Context& context) {
   context.Doing("read " + Printable(paths[0]));
   const Session camera(context);
   Each each(context, "files");
+  std::set<std::string> stored;
   for (const std::string& path : paths) {
-    each.Try(path, [&] { return GetOne(context, *camera, folder, target, path); });
+    each.Try(path, [&] { return GetOne(context, *camera, folder, target, path, stored); });
   }
   return each.Finish(CameraResult(camera));
 }

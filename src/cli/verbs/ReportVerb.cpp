@@ -114,6 +114,11 @@ ExitCode RunReport(Context& context) {
   const std::string name = path.substr(slash + 1);
   if (name.empty()) throw Failure(ExitCode::kUsage, "The report is a file; name it, for example report.tar.");
   const TargetFolder folder = TargetFolder::Open(slash == std::string::npos ? "." : path.substr(0, slash + 1));
+  if (folder.Has(name)) {
+    // Said before the camera is asked: it hands its console log over only once.
+    throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
+                                         " already, and it was left as it is; choose another name for the report.");
+  }
   context.Doing("open the camera");
   const Session camera(context);
   Report report(context);
