@@ -52,6 +52,20 @@ void AddLine(std::vector<Step>& steps, const std::string& line) {
   }
 }
 
+/// Takes a line that is a record of the kernel's driver; false for any other.
+bool AddRecord(std::map<std::string, std::string>& records, const std::string& line) {
+  std::istringstream words(line);
+  std::string kind;
+  words >> kind;
+  if (kind != "request" && kind != "result") {
+    return false;
+  }
+  if (!records.emplace(kind, Bytes(words)).second) {
+    throw std::runtime_error("a second record: " + line);
+  }
+  return true;
+}
+
 Row Cells(const std::string& line) {
   Row row;
   std::istringstream cells(line.substr(1));
@@ -69,15 +83,17 @@ Document ReadDocument() {
     throw std::runtime_error("cannot read " KELVA_PROTOCOL_DOCUMENT);
   }
   Document document;
-  std::vector<Step>* example = nullptr;
+  std::string example;
   std::vector<Row>* table = nullptr;
   for (std::string line; std::getline(file, line);) {
     if (line.rfind(kExample, 0) == 0) {
-      example = &document.examples[line.substr(std::string(kExample).size())];
+      example = line.substr(std::string(kExample).size());
     } else if (line == kFence) {
-      example = nullptr;
-    } else if (example != nullptr) {
-      AddLine(*example, line);
+      example.clear();
+    } else if (!example.empty()) {
+      if (!AddRecord(document.records, line)) {
+        AddLine(document.examples[example], line);
+      }
     } else if (line.rfind("|---", 0) == 0) {
       continue;
     } else if (line.rfind('|', 0) == 0 && table == nullptr) {

@@ -19,6 +19,7 @@ using Row = std::vector<std::string>;
 /// The protocol's document, taken apart.
 struct Document {
   std::map<std::string, std::vector<Step>> examples;
+  std::map<std::string, std::string> records;      ///< the bytes of "request" and "result"
   std::map<std::string, std::vector<Row>> tables;  ///< by the heading of the table's first column
 };
 

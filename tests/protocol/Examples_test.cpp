@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
+#include <set>
 
 #include "Player.h"
 
@@ -107,8 +109,12 @@ const std::map<std::string, std::function<void(Camera&)>> kPlays = {
     {"ConsoleLog", PlayConsole},
     {"Upgrade", [](Camera& camera) { camera.Upgrade("image", 5, nullptr, nullptr); }},
     {"UpgradeStatus", PlayUpgradeStatus},
-    {"SetWifiSSID", [](Camera& camera) { EXPECT_TRUE(camera.SetWifiSSID(kVscWifiType1, "attic")); }},
-    {"SetWifiPassphrase", [](Camera& camera) { EXPECT_TRUE(camera.SetWifiPassphrase(kVscWifiType0, "ninechars")); }},
+    {"SetWifiSSID, type 0", [](Camera& camera) { EXPECT_TRUE(camera.SetWifiSSID(kVscWifiType0, "porch")); }},
+    {"SetWifiSSID, type 1", [](Camera& camera) { EXPECT_TRUE(camera.SetWifiSSID(kVscWifiType1, "attic")); }},
+    {"SetWifiPassphrase, type 0",
+     [](Camera& camera) { EXPECT_TRUE(camera.SetWifiPassphrase(kVscWifiType0, "ninechars")); }},
+    {"SetWifiPassphrase, type 1",
+     [](Camera& camera) { EXPECT_TRUE(camera.SetWifiPassphrase(kVscWifiType1, "ten letter")); }},
     {"SetWifiAuthType", [](Camera& camera) { EXPECT_TRUE(camera.SetWifiAuthType(kVscWifiType1, kVscWifiAuthWep)); }},
     {"SetManualControl", [](Camera& camera) { EXPECT_TRUE(camera.SetManualControl(7, "1/60")); }},
     {"GetManualControlsState", PlayManualControls},
@@ -135,6 +141,11 @@ const std::map<std::string, std::function<void(Camera&)>> kPlays = {
     {"ReadCompressedRaw", PlayCompressedRaw},
 };
 
+/// Whether one of the beginnings of command blocks is of this operation.
+bool HasOperation(const std::set<std::string>& sent, char operation) {
+  return std::any_of(sent.begin(), sent.end(), [=](const std::string& start) { return start[0] == operation; });
+}
+
 TEST(ProtocolExamples, AreTheBytesOfTheLibrary) {
   const Document document = ReadDocument();
   for (const auto& [name, steps] : document.examples) {
@@ -150,6 +161,21 @@ TEST(ProtocolExamples, StandForEveryOperation) {
   const Document document = ReadDocument();
   for (const auto& [name, play] : kPlays) {
     EXPECT_TRUE(document.examples.contains(name)) << name << " has no example";
+  }
+}
+
+TEST(ProtocolExamples, SendEveryCodeOfTheRegister) {
+  const Document document = ReadDocument();
+  std::set<std::string> sent;
+  for (const auto& [name, steps] : document.examples) {
+    for (const Step& step : steps) {
+      sent.insert(step.cdb.substr(0, 3));
+    }
+  }
+  for (const Row& row : document.tables.at("code")) {
+    const int subCode = row[1] == "-" ? 0 : std::stoi(row[1], nullptr, 16);
+    const std::string start = {static_cast<char>(std::stoi(row[0], nullptr, 16)), '\0', static_cast<char>(subCode)};
+    EXPECT_TRUE(row[1] == "-" ? HasOperation(sent, start[0]) : sent.contains(start)) << row[0] << " " << row[1];
   }
 }
 
