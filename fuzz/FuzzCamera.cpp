@@ -121,9 +121,31 @@ void RunStatus(Camera& camera) {
   camera.UpgradeStatus(progress, first, second);
 }
 
+void RunWrites(Camera& camera, void* context) {
+  const std::vector<char> image(5000, 'w');
+  camera.WriteFile("I:\\A", image.data(), static_cast<int>(image.size()), Count, context);
+  camera.Upgrade(image.data(), static_cast<int>(image.size()), Count, context);
+  camera.DeleteFile("I:\\A");
+  camera.DeleteBatch({"k1", "k2"}, true);
+  camera.ReadCrashLogs(Count, context, false, true);
+}
+
+void RunSettings(Camera& camera) {
+  camera.SetTime({});
+  camera.CaptureImage(true);
+  camera.MonitorCmdSingleChar("c");
+  camera.MonitorKnockCmd();
+  camera.SetWifiSSID(_VscWifiType{}, "name");
+  camera.SetWifiPassphrase(_VscWifiType{}, "passphrase");
+  camera.SetWifiAuthType(_VscWifiType{}, _VscWifiAuthType{});
+  camera.SetManualControl(1, "value");
+  camera.DisableWifi(true);
+  camera.Reboot();
+}
+
 void Run(Camera& camera, std::uint8_t operation) {
   int calls = 0;
-  switch (operation % 10) {
+  switch (operation % 12) {
     case 0:
       camera.ReadFile("I:\\A", Count, &calls, true);
       break;
@@ -158,8 +180,14 @@ void Run(Camera& camera, std::uint8_t operation) {
       }
       break;
     }
-    default:
+    case 9:
       RunStatus(camera);
+      break;
+    case 10:
+      RunWrites(camera, &calls);
+      break;
+    default:
+      RunSettings(camera);
   }
 }
 
