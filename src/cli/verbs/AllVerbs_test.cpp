@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <string>
 
 #include "verbs/Verbs.h"
 
@@ -16,6 +17,16 @@ TEST(AllVerbsTest, EveryRowIsWholeAndEveryNameIsThereOnce) {
     EXPECT_NE(verb.run, nullptr) << verb.name;
   }
   EXPECT_GE(names.size(), 30U);
+}
+
+TEST(AllVerbsTest, EveryCommandShowsAnExampleOfItself) {
+  for (const Verb& verb : AllVerbs()) {
+    EXPECT_FALSE(verb.examples.empty()) << verb.name;
+    for (const Example& example : verb.examples) {
+      EXPECT_NE(example.command.find("kelva " + std::string(verb.name)), std::string_view::npos) << example.command;
+      EXPECT_FALSE(example.meaning.empty()) << example.command;
+    }
+  }
 }
 
 TEST(AllVerbsTest, NoOptionOfAVerbHidesACommonOne) {

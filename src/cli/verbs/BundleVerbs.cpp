@@ -88,6 +88,8 @@ constexpr Option kCrashOptions[] = {
     kInto, {"delete", 0, "", "Delete each log on the camera once it is on this computer's disk."}};
 constexpr Option kCalibrationOptions[] = {kInto};
 constexpr Example kCrashExamples[] = {{"kelva crash-logs --into crashes --delete", "Move them here."}};
+constexpr Example kCalibrationExamples[] = {
+    {"kelva calibration --into calibration", "Keep them in a folder of their own."}};
 
 constexpr Verb kVerbs[] = {
     {"crash-logs",
@@ -107,7 +109,7 @@ constexpr Verb kVerbs[] = {
      kCalibrationOptions,
      "At most 31 files, in one bundle.",
      "files: array of name, file, size, new; or of path and error\nfailed: how many were not stored",
-     {},
+     kCalibrationExamples,
      RunCalibration},
 };
 

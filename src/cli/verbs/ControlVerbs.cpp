@@ -45,15 +45,26 @@ constexpr Argument kSet[] = {{"N", "The number of the control, 0 to 255."}, {"VA
 constexpr std::string_view kMembers =
     "first, second, sixth: whole numbers of the camera\nthird, fourth, fifth: numbers of the camera";
 
+constexpr Example kShowExamples[] = {{"kelva control", "Show them."}};
+constexpr Example kGetExamples[] = {{"kelva control get --json", "Show them to a script."}};
+constexpr Example kSetExamples[] = {{"kelva control set 3 0.5", "Send the command for control 3."}};
+
 constexpr Verb kVerbs[] = {
-    {"control", "Show the manual controls", {}, {}, "The same as `kelva control get`.", kMembers, {}, RunGet},
+    {"control",
+     "Show the manual controls",
+     {},
+     {},
+     "The same as `kelva control get`.",
+     kMembers,
+     kShowExamples,
+     RunGet},
     {"control get",
      "Show the manual controls",
      {},
      {},
      "Six numbers whose meaning is the camera's.",
      kMembers,
-     {},
+     kGetExamples,
      RunGet},
     {"control set",
      "Set a manual control",
@@ -63,7 +74,7 @@ constexpr Verb kVerbs[] = {
      "so and "
      "ends with exit status 0.",
      "control: its number\ntext_sent: always false",
-     {},
+     kSetExamples,
      RunSet},
 };
 

@@ -75,6 +75,9 @@ constexpr Option kManualOptions[] = {
     {"into", 'd', "FOLDER", "Write all pages into this folder instead.", Offer::kFolder}};
 constexpr Example kManualExamples[] = {{"kelva manual get | man -l -", "Read a page that is not installed."}};
 
+constexpr Example kHelpExamples[] = {
+    {"kelva help wifi name", "Say how one command is used; without a command, list all."}};
+
 constexpr std::string_view kTextMember = "text: what is printed without --json";
 
 constexpr Verb kVerbs[] = {
@@ -91,7 +94,14 @@ constexpr Verb kVerbs[] = {
     {"manual", "Print a manual page", kCommand, kManualOptions,
      "Prints the page of the tool or of one command in troff form; packages install them all.",
      "text: the page\nfolder: where all pages were written, with --into\nfiles: how many", kManualExamples, RunManual},
-    {"help", "Say how the commands are used", kCommand, {}, "The same as COMMAND --help.", kTextMember, {}, RunHelp},
+    {"help",
+     "Say how the commands are used",
+     kCommand,
+     {},
+     "The same as COMMAND --help.",
+     kTextMember,
+     kHelpExamples,
+     RunHelp},
 };
 
 }  // namespace

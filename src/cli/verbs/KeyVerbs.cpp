@@ -128,6 +128,10 @@ constexpr Option kInto[] = {
     {"into", 'd', "FOLDER", "Write into this folder instead of the current one.", Offer::kFolder}};
 constexpr Example kGetExamples[] = {
     {"kelva batch get a9993e364706816aba3e25717850c26c9cd0d89d", "Fetch a file whatever its name is."}};
+constexpr Example kRmExamples[] = {
+    {"kelva batch rm a9993e364706816aba3e25717850c26c9cd0d89d", "Delete a file whatever its name is."}};
+constexpr Example kRawExamples[] = {{"kelva raw a9993e364706816aba3e25717850c26c9cd0d89d --into raw",
+                                     "Fetch a picture's raw data into the folder raw."}};
 
 constexpr Verb kVerbs[] = {
     {"batch get", "Fetch files by their SHA-1", kKeys, kInto,
@@ -142,18 +146,13 @@ constexpr Verb kVerbs[] = {
      {},
      "All keys travel in one command, and the camera reports nothing of each: `kelva pictures` shows what is left.",
      "keys: how many were sent",
-     {},
+     kRmExamples,
      RunBatchRm},
-    {"raw",
-     "Fetch the compressed raw data of a picture",
-     kKey,
-     kInto,
+    {"raw", "Fetch the compressed raw data of a picture", kKey, kInto,
      "The data has up to two parts, stored as KEY.raw1 and KEY.raw2. A part that is empty is not there; one alone is "
      "stored "
      "as KEY.raw, because the camera does not say which of the two it is.",
-     "key: of the picture\nparts: array of file and size",
-     {},
-     RunRaw},
+     "key: of the picture\nparts: array of file and size", kRawExamples, RunRaw},
 };
 
 }  // namespace

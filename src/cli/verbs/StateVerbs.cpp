@@ -77,6 +77,8 @@ constexpr Example kReadyExamples[] = {
     {"kelva ready --wait --timeout 30", "Wait half a minute for it."},
 };
 constexpr Example kBatteryExamples[] = {{"kelva battery -s K1-0042", "The battery of one of several cameras."}};
+constexpr Example kDoneCountExamples[] = {
+    {"kelva done-count; kelva capture; kelva done-count", "See by how many commands a picture moves it."}};
 constexpr Example kCaptureExamples[] = {{"kelva capture", "Take a picture."}};
 
 constexpr Verb kVerbs[] = {
@@ -102,7 +104,7 @@ constexpr Verb kVerbs[] = {
      {},
      "Two counts around a command tell whether the camera has finished it.",
      "count: whole number",
-     {},
+     kDoneCountExamples,
      RunDoneCount},
     {"capture",
      "Take a picture",

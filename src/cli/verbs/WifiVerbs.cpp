@@ -84,20 +84,17 @@ constexpr Argument kName[] = {{"NAME", "At most 19 bytes; \"kelva.camera.\" is p
 constexpr Argument kAuth[] = {{"AUTH", "WPA2, WEP or NONE.", Argument::Count::kOne, Offer::kWords, "WPA2 WEP NONE"}};
 constexpr Option kSetting[] = {
     {"setting", 0, "0|1", "Which of the camera's two Wi-Fi settings; 0 unless given.", Offer::kWords, "0 1"}};
+constexpr Example kNameExamples[] = {{"kelva wifi name den", "Call the network kelva.camera.den."}};
 constexpr Example kPassphraseExamples[] = {
     {"kelva wifi passphrase", "Ask for it, without showing it."},
     {"pass show camera | kelva wifi passphrase", "Take it from a password manager."},
 };
+constexpr Example kAuthExamples[] = {{"kelva wifi auth WPA2", "Send the command for setting 1."}};
+constexpr Example kOffExamples[] = {{"kelva wifi off", "Switch it off."}};
 
 constexpr Verb kVerbs[] = {
-    {"wifi name",
-     "Set the camera's network name",
-     kName,
-     kSetting,
-     "",
-     "setting: 0 or 1\nssid: the whole name",
-     {},
-     RunName},
+    {"wifi name", "Set the camera's network name", kName, kSetting, "", "setting: 0 or 1\nssid: the whole name",
+     kNameExamples, RunName},
     {"wifi passphrase",
      "Set the camera's network passphrase",
      {},
@@ -116,9 +113,9 @@ constexpr Verb kVerbs[] = {
      "not "
      "which authentication it names; the tool says so and ends with exit status 0.",
      "auth: the word given\ntext_sent: always false",
-     {},
+     kAuthExamples,
      RunAuth},
-    {"wifi off", "Switch the camera's Wi-Fi off", {}, {}, "", "", {}, RunOff},
+    {"wifi off", "Switch the camera's Wi-Fi off", {}, {}, "", "", kOffExamples, RunOff},
 };
 
 }  // namespace
