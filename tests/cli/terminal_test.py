@@ -98,6 +98,16 @@ class TerminalTest(Bus):
         self.assertIn(b"writing (do not switch", seen)
         self.assertIn(b"[####", seen)
 
+    def test_a_quiet_upgrade_still_says_what_it_asks_about(self):
+        with open(self.folder + "/image", "wb") as file:
+            file.write(b"firmware")
+        run = self.terminal("-q", "upgrade", self.folder + "/image")
+        seen = run.read_until(b"Type yes and press Enter:")
+        self.assertIn(hashlib.sha1(b"firmware").hexdigest().encode(), seen)
+        self.assertIn(b"firmware now factory; battery level", seen)
+        run.type(b"no\n")
+        self.assertEqual(run.end()[0], 1)
+
     def test_a_bar_shows_share_rate_and_time_left_on_a_terminal_alone(self):
         self.put("BIG.BIN", os.urandom(3_000_000))
         self.fault("slow", 30)

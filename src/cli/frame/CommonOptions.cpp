@@ -8,7 +8,7 @@ constexpr Option kCommon[] = {
     {"virtual", 0, "SOCKET", "Look for cameras on the virtual bus of `kelva-vcam serve`, not on this machine.",
      Offer::kFile},
     {"json", 0, "", "Print the result as one JSON document, and messages and progress as one JSON object a line."},
-    {"quiet", 'q', "", "No progress and no remarks; only the result and errors."},
+    {"quiet", 'q', "", "No progress and no remarks; only the result, errors and questions."},
     {"timeout", 0, "SECONDS", "End after this time, with exit status 8."},
     {"help", 'h', "", "Say how the command is used."},
 };

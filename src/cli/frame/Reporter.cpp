@@ -41,7 +41,14 @@ void Reporter::Write(std::string_view text) {
 }
 
 void Reporter::Note(std::string_view sentence) {
-  if (style_.quiet) return;
+  if (!style_.quiet) Remark(sentence);
+}
+
+void Reporter::Ask(std::string_view sentence) {
+  Remark(sentence);
+}
+
+void Reporter::Remark(std::string_view sentence) {
   const std::scoped_lock lock(mutex_);
   if (style_.json) return Write(EventLine("note", Json::Object().Set("message", sentence)));
   Write("kelva: " + std::string(sentence) + "\n");

@@ -29,6 +29,8 @@ class Reporter {
 
   /// A remark; not given when quiet.
   void Note(std::string_view sentence);
+  /// A question, or what it is about: a remark that is also given when quiet, for nobody answers what was not asked.
+  void Ask(std::string_view sentence);
   /// Why something did not work. Always given.
   void Error(std::string_view sentence, ExitCode code);
   /// Shows `line` in place of the last one; only on a terminal, not when quiet.
@@ -43,6 +45,7 @@ class Reporter {
   const ReportStyle& Style() const { return style_; }
 
  private:
+  void Remark(std::string_view sentence);
   std::string Line(std::string_view sentence, ExitCode code) const;
   void Write(std::string_view text);
 

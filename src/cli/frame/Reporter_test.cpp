@@ -46,6 +46,13 @@ TEST(ReporterTest, QuietKeepsErrorsOnly) {
   EXPECT_EQ(page.Text(), "kelva: It is gone.\n");
 }
 
+TEST(ReporterTest, AQuestionIsAskedEvenWhenQuiet) {
+  const Page page;
+  Reporter reporter(page.Fd(), {.quiet = true, .terminal = true});
+  reporter.Ask("Send it?");
+  EXPECT_EQ(page.Text(), "kelva: Send it?\n");
+}
+
 TEST(ReporterTest, JsonStyleGivesOneObjectALine) {
   const Page page;
   Reporter reporter(page.Fd(), {.json = true});

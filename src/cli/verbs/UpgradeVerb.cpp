@@ -31,13 +31,17 @@ std::vector<char> ReadImage(const std::string& path) {
   return image;
 }
 
-void Confirm(Context& context) {
+// Shows what would be sent and has it confirmed.
+void Confirm(Context& context, const std::string& facts) {
+  const bool asks = !context.call.Has("yes") && ::isatty(STDIN_FILENO) == 1;
+  if (!asks) context.reporter.Note(facts);
   if (context.call.Has("yes")) return;
-  if (::isatty(STDIN_FILENO) != 1) {
+  if (!asks) {
     throw Failure(ExitCode::kUsage, "An upgrade is confirmed on a terminal, or with --yes; nothing was sent.");
   }
+  context.reporter.Ask(facts);
   std::string answer;
-  context.reporter.Note("Send it? Type yes and press Enter:");
+  context.reporter.Ask("Send it? Type yes and press Enter:");
   for (char c = 0; ::read(STDIN_FILENO, &c, 1) == 1 && c != '\n';) answer += c;
   if (answer != "yes") throw Failure(ExitCode::kFailed, "The upgrade was not confirmed; nothing was sent.");
 }
@@ -107,9 +111,8 @@ ExitCode RunUpgrade(Context& context) {
   Upgrade upgrade(context);
   const std::string before = Firmware(upgrade.Session().Device());
   const float battery = upgrade.Session().Device().BatteryLevel();
-  context.reporter.Note(Printable(path) + ": " + Bytes(image.size()) + ", SHA-1 " + sha1 + "; firmware now " +
-                        Printable(before) + "; battery level " + Shortest(battery) + " in the camera's own unit.");
-  Confirm(context);
+  Confirm(context, Printable(path) + ": " + Bytes(image.size()) + ", SHA-1 " + sha1 + "; firmware now " +
+                       Printable(before) + "; battery level " + Shortest(battery) + " in the camera's own unit.");
   upgrade.Send(image);
   upgrade.WaitUntilWritten();
   upgrade.WaitUntilBack();
