@@ -15,10 +15,29 @@ TEST(WireFaults, SpoilsTheChosenCommandOnly) {
   EXPECT_EQ(faults.commands(), 4U);
 }
 
+TEST(WireFaults, SpoilsEachCommandThatWasChosen) {
+  WireFaults faults;
+  faults.Arm(WireFault::kBabble, 3);
+  faults.Arm(WireFault::kWrongTag, 1);
+  EXPECT_EQ(faults.Next(), WireFault::kWrongTag);
+  EXPECT_EQ(faults.Next(), WireFault::kNone);
+  EXPECT_EQ(faults.Next(), WireFault::kBabble);
+  EXPECT_EQ(faults.Next(), WireFault::kNone);
+}
+
+TEST(WireFaults, GivesTheFirstOfTwoForOneCommand) {
+  WireFaults faults;
+  faults.Arm(WireFault::kBabble);
+  faults.Arm(WireFault::kWrongTag);
+  EXPECT_EQ(faults.Next(), WireFault::kBabble);
+}
+
 TEST(WireFaults, CanBeTakenBack) {
   WireFaults faults;
   faults.Arm(WireFault::kBabble);
+  faults.Arm(WireFault::kWrongTag, 2);
   faults.Disarm();
+  EXPECT_EQ(faults.Next(), WireFault::kNone);
   EXPECT_EQ(faults.Next(), WireFault::kNone);
 }
 
