@@ -8,6 +8,7 @@
 #include "BundleTables.h"
 #include "Camera.h"
 #include "DcfLayout.h"
+#include "DirectoryListing.h"
 #include "FatalAssertion.h"
 #include "InputReader.h"
 
@@ -69,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::uint8_t piece = input.Byte();
   const ExactBytes exact(input.Rest());
   const std::vector<std::string> keys(piece % 5, "key");
-  switch (decoder % 5) {
+  switch (decoder % 6) {
     case 0:
       DecodePicture(exact.Get());
       break;
@@ -82,8 +83,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case 3:
       Split([&keys](auto head) { return vsc::DecodeBatchTable(keys, head); }, exact.Get(), piece);
       break;
-    default:
+    case 4:
       Split([](auto head) { return vsc::DecodeCompressedRawTable("key", head); }, exact.Get(), piece);
+      break;
+    default:
+      vsc::DecodeListing(exact.Get());
   }
   return 0;
 }

@@ -119,22 +119,6 @@ TEST(ReadDir, DropsAnEntryWhoseNameRunsOutOfTheAnswer) {
   EXPECT_EQ(entries[0].name, "A.TXT");
 }
 
-// A listing of `bad` entries whose names have no end, and after them one named "A".
-std::string ListingOfEndlessNames(int bad) {
-  const char count = static_cast<char>(bad + 1);
-  const auto names = static_cast<char>(8 + 12 * (bad + 1) - 256);  // where "A" stands: beyond 256, below 512
-  std::string answer = Bytes({0, 0, 0, 0}) + count + Bytes({0, 0, 0});
-  for (int i = 0; i < bad; ++i)
-    answer += Bytes({0x20, 0, 0, 0, 1, 0, 0, 0}) + static_cast<char>(names + 2) + Bytes({1, 0, 0});
-  answer += Bytes({0x20, 0, 0, 0, 1, 0, 0, 0}) + names + Bytes({1, 0, 0});
-  return answer + Bytes({'A', 0}) + std::string(600, 'x');
-}
-
-TEST(ReadDir, LooksForNamesInSixteenTimesTheAnswerAndNoFurther) {
-  EXPECT_EQ(List(ListingOfEndlessNames(20)).size(), 1u);  // 20 x 600 bytes of 16 x 862
-  EXPECT_EQ(List(ListingOfEndlessNames(38)).size(), 0u);  // 38 x 600 bytes of 16 x 1,078
-}
-
 // The tree that a traversal sees, directory by directory.
 class TreeCamera : public ScriptedCamera {
  public:
