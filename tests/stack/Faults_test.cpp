@@ -1,3 +1,6 @@
+#include <chrono>
+#include <thread>
+
 #include "tests/stack/StackTest.h"
 
 // What the library makes of a camera that goes wrong, through the whole stack.
@@ -115,6 +118,14 @@ TEST_F(Faults, AFailedUpgradeIsReported) {
   Opened().UpgradeStatus(progress, running, failed);
   EXPECT_TRUE(running);
   EXPECT_FALSE(failed) << "not yet: it fails half-way";
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (running && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    Opened().UpgradeStatus(progress, running, failed);
+  }
+  EXPECT_FALSE(running);
+  EXPECT_TRUE(failed);
+  EXPECT_LT(progress, 1);
 }
 
 TEST_F(Faults, ASecondSessionIsRefused) {
