@@ -111,8 +111,8 @@ class Tool {
   void PrepareForAborts() {
     const bool json = reporter_.Style().json;
     const Outcome outcome{ExitCode::kFailed, std::string(kAbortSentence)};
-    const std::string word = json ? EventLine("error", ErrorMembers(outcome)) : "kelva: " + outcome.sentence + "\n";
-    CatchAborts(word, json ? ResultLine(Name(), outcome.code, ErrorMembers(outcome)) : "", diversion_.Real());
+    CatchAborts(reporter_.Line(outcome.sentence, outcome.code),
+                json ? ResultLine(Name(), outcome.code, ErrorMembers(outcome)) : "", diversion_.Real());
   }
 
   // On the worker's thread.

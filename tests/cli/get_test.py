@@ -85,6 +85,24 @@ class CommandTest(Bus):
                 self.assertEqual(self.fetched(), [], (fault, at))
                 self.fault("none")
 
+    def test_a_command_that_the_library_aborts_still_gives_an_event_and_a_document(self):
+        aborts = 0
+        for at in range(1, 9):
+            self.fault("surplus2", at)
+            run = self.kelva("info", "--json")
+            self.fault("none")
+            said = [line for line in run.stderr.splitlines() if not line.startswith("{")]
+            if not said:
+                continue
+            aborts += 1
+            self.assertEqual(len(said), 1, run.stderr)
+            self.assertTrue(said[0].startswith("Assertion failed: "), run.stderr)
+            event = json.loads(run.stderr.splitlines()[-1])
+            self.assertEqual((event["event"], event["exit"], event["reason"]), ("error", 1, "failed"))
+            document = json.loads(run.stdout)
+            self.assertEqual((document["exit"], document["error"]), (1, event["message"]))
+        self.assertGreater(aborts, 0)
+
     def test_a_camera_that_hangs_ends_at_the_deadline(self):
         self.put("A.BIN", b"x" * 100_000)
         self.fault("hang", 4)

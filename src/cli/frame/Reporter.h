@@ -42,11 +42,13 @@ class Reporter {
   /// Error from the thread that ends the program: waits neither for another thread nor for a blocked terminal.
   void LastWord(std::string_view sentence, ExitCode code);
 
+  /// What Error would write, for whoever can only write bytes that are ready: a signal handler.
+  std::string Line(std::string_view sentence, ExitCode code) const;
+
   const ReportStyle& Style() const { return style_; }
 
  private:
   void Remark(std::string_view sentence);
-  std::string Line(std::string_view sentence, ExitCode code) const;
   void Write(std::string_view text);
 
   int fd_;
