@@ -14,8 +14,6 @@
 namespace kelva {
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr double kLeastElapsed = 0.2;  // seconds; a rate from less is noise
 
 double Rate(const ProgressView& view) {
@@ -103,7 +101,7 @@ std::string ProgressLine(const ProgressView& view, std::size_t columns) {
 }
 
 Progress::Progress(Reporter& reporter, const Stop& stop, std::string_view what, unsigned long long total)
-    : reporter_(reporter), stop_(stop), what_(Printable(what)), total_(total), start_(Clock::now()), next_(start_) {}
+    : reporter_(reporter), stop_(stop), what_(Printable(what)), total_(total), start_(Clock::now()) {}
 
 Progress::~Progress() {
   reporter_.Clear();
@@ -111,15 +109,14 @@ Progress::~Progress() {
 
 void Progress::At(unsigned long long done, Clock::time_point now) {
   stop_.Check();
-  if (now < next_) return;
-  next_ = now + (reporter_.Style().json ? 500ms : 100ms);
+  if (!reporter_.TakeProgressTurn(now)) return;
   const ProgressView view{what_, done, total_, now - start_, files_, filesTotal_};
   if (reporter_.Style().terminal) reporter_.Overwrite(ProgressLine(view, Columns()));
   if (reporter_.Style().json) reporter_.Event(EventMembers(view));
 }
 
 bool Progress::IsDue(Clock::time_point now) const {
-  return (reporter_.Style().terminal || reporter_.Style().json) && now >= next_;
+  return (reporter_.Style().terminal || reporter_.Style().json) && reporter_.IsProgressDue(now);
 }
 
 void Progress::Name(std::string_view what) {

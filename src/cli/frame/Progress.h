@@ -60,7 +60,6 @@ class Progress {
   unsigned long long files_ = 0;
   unsigned long long filesTotal_ = 0;
   Clock::time_point start_;
-  Clock::time_point next_;
 };
 
 }  // namespace kelva

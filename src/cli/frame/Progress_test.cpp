@@ -72,6 +72,14 @@ TEST_F(ProgressTest, EventsForScriptsComeAtMostTwiceASecond) {
   EXPECT_NE(shown.find(R"({"schema":1,"event":"progress","what":"A\\x1b","done":0,"total":1000})"), std::string::npos);
 }
 
+TEST_F(ProgressTest, OneFileAfterAnotherGivesNoMoreEventsThanOne) {
+  Reporter reporter(page_.Get(), {.json = true});
+  const auto start = Progress::Clock::now();
+  for (const auto at : {0ms, 1ms, 499ms, 500ms, 999ms}) Progress(reporter, stop_, "A", 1000).At(0, start + at);
+  const std::string shown = Shown();
+  EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 2);
+}
+
 TEST_F(ProgressTest, WhatNobodySeesIsNeverDue) {
   Reporter silent(page_.Get(), {});
   EXPECT_FALSE(Progress(silent, stop_, "A", 1000).IsDue());

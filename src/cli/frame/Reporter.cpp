@@ -12,6 +12,8 @@
 namespace kelva {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr std::string_view kEraseLine = "\r\x1b[K";
 
 bool IsSet(const char* variable) {
@@ -80,6 +82,18 @@ void Reporter::Event(Json members) {
   if (!style_.json || style_.quiet) return;
   const std::scoped_lock lock(mutex_);
   Write(EventLine("progress", std::move(members)));
+}
+
+bool Reporter::IsProgressDue(std::chrono::steady_clock::time_point now) const {
+  const std::scoped_lock lock(mutex_);
+  return now >= nextProgress_;
+}
+
+bool Reporter::TakeProgressTurn(std::chrono::steady_clock::time_point now) {
+  const std::scoped_lock lock(mutex_);
+  if (now < nextProgress_) return false;
+  nextProgress_ = now + (style_.json ? 500ms : 100ms);
+  return true;
 }
 
 void Reporter::Clear() {

@@ -1,6 +1,7 @@
 #ifndef KELVA_CLI_FRAME_REPORTER_H_
 #define KELVA_CLI_FRAME_REPORTER_H_
 
+#include <chrono>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -37,6 +38,10 @@ class Reporter {
   void Overwrite(std::string_view line);
   /// Gives an event in JSON style; nothing in the others, nor when quiet.
   void Event(Json members);
+  /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a command.
+  bool IsProgressDue(std::chrono::steady_clock::time_point now) const;
+  /// As IsProgressDue, and takes the turn where it is.
+  bool TakeProgressTurn(std::chrono::steady_clock::time_point now);
   /// Takes away what Overwrite showed.
   void Clear();
   /// Error from the thread that ends the program: waits neither for another thread nor for a blocked terminal.
@@ -53,7 +58,8 @@ class Reporter {
 
   int fd_;
   ReportStyle style_;
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
+  std::chrono::steady_clock::time_point nextProgress_;
   bool lineShown_ = false;
 };
 
