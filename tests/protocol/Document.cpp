@@ -10,9 +10,11 @@ namespace {
 constexpr const char* kFence = "```";
 constexpr const char* kExample = "```exchange ";
 
-std::string Trim(const std::string& text) {
-  const auto start = text.find_first_not_of(" `");
-  const auto end = text.find_last_not_of(" `");
+/// A cell without the marks of code and the spaces around it.
+std::string Plain(std::string text) {
+  std::erase(text, '`');
+  const auto start = text.find_first_not_of(' ');
+  const auto end = text.find_last_not_of(' ');
   return start == std::string::npos ? "" : text.substr(start, end - start + 1);
 }
 
@@ -70,9 +72,17 @@ Row Cells(const std::string& line) {
   Row row;
   std::istringstream cells(line.substr(1));
   for (std::string cell; std::getline(cells, cell, '|');) {
-    row.push_back(Trim(cell));
+    row.push_back(Plain(cell));
   }
   return row;
+}
+
+std::vector<Row>& NewTable(std::map<std::string, std::vector<Row>>& tables, const std::string& heading) {
+  const auto [table, isNew] = tables.emplace(heading, std::vector<Row>{});
+  if (!isNew) {
+    throw std::runtime_error("two tables begin with the heading " + heading);
+  }
+  return table->second;
 }
 
 }  // namespace
@@ -97,7 +107,7 @@ Document ReadDocument() {
     } else if (line.rfind("|---", 0) == 0) {
       continue;
     } else if (line.rfind('|', 0) == 0 && table == nullptr) {
-      table = &document.tables[Cells(line)[0]];
+      table = &NewTable(document.tables, Cells(line)[0]);
     } else if (line.rfind('|', 0) == 0) {
       table->push_back(Cells(line));
     } else {

@@ -13,7 +13,7 @@ struct Step {
   std::string data;  ///< what is sent or answered
 };
 
-/// The cells of one row of a table, trimmed.
+/// The cells of one row of a table, trimmed and without the marks of code.
 using Row = std::vector<std::string>;
 
 /// The protocol's document, taken apart.
@@ -23,7 +23,8 @@ struct Document {
   std::map<std::string, std::vector<Row>> tables;  ///< by the heading of the table's first column
 };
 
-/// Reads docs/protocol.md; throws std::runtime_error for a line that it does not understand.
+/// Reads docs/protocol.md; throws std::runtime_error for a line that it does not understand and for a second table of
+/// the same heading.
 Document ReadDocument();
 
 #endif  // KELVA_TESTS_PROTOCOL_DOCUMENT_H_
