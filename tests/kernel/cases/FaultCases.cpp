@@ -121,6 +121,8 @@ class Subject {
     if (outcome.code != 0) return false;
     const Records records = AnswerRecords();
     if (outcome.LastLine() == "neutral" || operation_.name == "write") return operation_.name != "write";
+    // A file has no lesser answer, and nothing of it is among the records.
+    if (operation_.name == "read") return false;
     if (operation_.name == "information") return IsBeginning(*records.begin(), *records_.begin());
     return std::includes(records_.begin(), records_.end(), records.begin(), records.end());
   }
