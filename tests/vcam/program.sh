@@ -85,6 +85,32 @@ server=
 start
 stop INT
 
+# What cannot be a USB camera is refused before anything is offered; whether it can be attached, a real kernel tells.
+usbip() {
+  code=$1 text=$2
+  shift 2
+  expect "$code" "$text" usbip --port 0 --serial K300 "$@"
+}
+usbip 2 "--speed: full not in {high,super}" --storage "$work/card" --speed full
+usbip 2 "--type: Value 32 not in range" --storage "$work/card" --type 32
+usbip 2 "--catalogue: odd not in {standard,reordered,unknown-fields,wide}" --storage "$work/card" --catalogue odd
+usbip 1 "There is no fault boo" --storage "$work/card" --fault short@2 --fault boo
+usbip 1 "comes at a positive number" --storage "$work/card" --fault short@0
+usbip 1 "Cannot use $work/none as the camera's storage" --storage "$work/none"
+usbip 2 "--storage is required"
+expect 2 "--serial is required" usbip --storage "$work/card"
+expect 2 "too long" usbip --storage "$work/card" --serial "$(printf '%0200d' 0)"
+
+mkfifo "$work/ready"
+"$vcam" usbip --port 0 --serial K300 --storage "$work/card" --speed super --catalogue wide --fault short@2 >"$work/ready" &
+server=$!
+read -r line <"$work/ready"
+rm "$work/ready"
+kill "$server"
+wait "$server" || fail "usbip ended with $? after SIGTERM"
+server=
+[ "${line#Offering camera K300; plug it in with: usbip --tcp-port }" != "$line" ] || fail "usbip said: $line"
+
 : >"$work/file"
 expect 1 "a file of that name exists" serve --socket "$work/file"
 echo "all as expected"

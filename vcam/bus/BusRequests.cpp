@@ -1,6 +1,7 @@
 #include <exception>
 
 #include "vcam/bus/Bus.h"
+#include "vcam/device/LayoutByName.h"
 #include "vcam/faults/Fault.h"
 
 // What each request does. A function returns false for a frame that is not the request it claims to be.
@@ -21,14 +22,6 @@ CameraStatus StatusOf(std::uint32_t id, const Options& options) {
   status.storage = options.storage.string();
   status.peripheralType = options.peripheralType;
   return status;
-}
-
-std::optional<CatalogueLayout> LayoutByName(const std::string& name) {
-  if (name.empty() || name == "standard") return CatalogueLayout::Standard();
-  if (name == "reordered") return CatalogueLayout::Reordered();
-  if (name == "unknown-fields") return CatalogueLayout::UnknownFields();
-  if (name == "wide") return CatalogueLayout::Wide();
-  return std::nullopt;
 }
 
 std::string FaultNames() {
@@ -108,7 +101,7 @@ void Bus::AddCamera(PeerId peer, const Frame& frame, const PlugRequest& request)
   options.storage = request.storage;
   options.peripheralType = request.peripheralType;
   if (!request.revision.empty()) options.revision = request.revision;
-  const auto layout = LayoutByName(request.catalogue);
+  const auto layout = LayoutByName(request.catalogue.empty() ? "standard" : request.catalogue);
   if (!layout)
     return AnswerError(
         peer, frame.tag, ErrorCode::kRefused,

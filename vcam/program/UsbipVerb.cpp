@@ -6,6 +6,7 @@
 #include <memory>
 #include <thread>
 
+#include "vcam/device/LayoutByName.h"
 #include "vcam/program/EndSignals.h"
 #include "vcam/program/Verbs.h"
 #include "vcam/usbip/FaultText.h"
@@ -22,6 +23,7 @@ struct UsbipArguments {
   Options camera;
   std::string storage;
   int type = 3;
+  std::string catalogue = "standard";
   std::string speed = "high";
   std::uint16_t port = kUsbipPort;
   bool attach = false;
@@ -62,6 +64,7 @@ int Usbip(UsbipArguments& arguments) {
   const FileDescriptor stop = EndSignals();
   arguments.camera.storage = arguments.storage;
   arguments.camera.peripheralType = static_cast<std::uint8_t>(arguments.type);
+  arguments.camera.catalogue = LayoutByName(arguments.catalogue).value();
   VirtualCamera camera(arguments.camera);
   usbip::WireFaults cable;
   for (const std::string& fault : arguments.faults) usbip::ArmByText(fault, camera, cable);
@@ -87,6 +90,10 @@ void AddUsbip(CLI::App& app, Action& chosen) {
   verb->add_option("--type", arguments->type, "SCSI peripheral type: 0 disk, 5 compact disc; default 3")
       ->check(CLI::Range(0, 31))
       ->type_name("N");
+  verb->add_option("--catalogue", arguments->catalogue,
+                   "Layout of the catalogue: standard, reordered, unknown-fields or wide")
+      ->check(CLI::IsMember({"standard", "reordered", "unknown-fields", "wide"}))
+      ->type_name("NAME");
   verb->add_option("--speed", arguments->speed, "high (USB 2) or super (USB 3); default high")
       ->check(CLI::IsMember({"high", "super"}))
       ->type_name("SPEED");
