@@ -40,10 +40,11 @@ class UpgradeTest(Bus):
         document = json.loads(run.stdout)
         self.assertEqual((document["size"], document["sha1"], document["battery"]), (len(IMAGE), sha1, 100))
         self.assertEqual((document["before"], document["after"]), ("factory", sha1[:12]))
-        written = [event["done"] for event in map(json.loads, run.stderr.splitlines())
+        written = [event["share"] for event in map(json.loads, run.stderr.splitlines())
                    if event["event"] == "progress" and event["what"].startswith("writing")]
         self.assertGreater(len(written), 2)
         self.assertEqual(written, sorted(written))
+        self.assertTrue(all(0 <= share <= 1 for share in written), written)
 
     def test_an_upgrade_that_fails_is_refused_by_the_camera_and_changes_nothing(self):
         self.fault("upgrade-fails")

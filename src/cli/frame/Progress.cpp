@@ -50,15 +50,19 @@ std::string Share(const ProgressView& view) {
   return percent.data() + (" [" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "]");
 }
 
+std::string Left(const ProgressView& view) {
+  const double share = ShareOf(view).value_or(0);
+  if (Rate(view) <= 0 || share <= 0 || share >= 1) return "";
+  return "  " + TimeLeft(view.elapsed.count() * (1 - share) / share);
+}
+
 std::string Amounts(const ProgressView& view) {
+  if (view.shareAlone) return Left(view);
   std::string text = "  " + Bytes(view.done);
   if (view.total != 0) text += " of " + Bytes(view.total);
   const double rate = Rate(view);
   if (rate <= 0) return text;
-  text += "  " + Bytes(static_cast<unsigned long long>(rate)) + "/s";
-  const double share = ShareOf(view).value_or(0);
-  if (share > 0 && share < 1) text += "  " + TimeLeft(view.elapsed.count() * (1 - share) / share);
-  return text;
+  return text + "  " + Bytes(static_cast<unsigned long long>(rate)) + "/s" + Left(view);
 }
 
 // The first characters of printable text.
@@ -83,7 +87,9 @@ std::size_t Columns() {
 
 Json EventMembers(const ProgressView& view) {
   Json members = Json::Object();
-  members.Set("what", view.what).Set("done", view.done);
+  members.Set("what", view.what);
+  if (view.shareAlone) return std::move(members.Set("share", ShareOf(view).value_or(0)));
+  members.Set("done", view.done);
   if (view.total != 0) members.Set("total", view.total);
   if (view.filesTotal != 0) members.Set("files", view.files).Set("files_total", view.filesTotal);
   if (Rate(view) > 0) members.Set("bytes_per_second", std::round(Rate(view)));
@@ -110,9 +116,18 @@ Progress::~Progress() {
 void Progress::At(unsigned long long done, Clock::time_point now) {
   stop_.Check();
   if (!reporter_.TakeProgressTurn(now)) return;
-  const ProgressView view{what_, done, total_, now - start_, files_, filesTotal_};
+  const ProgressView view{what_, done, total_, now - start_, files_, filesTotal_, shareAlone_};
   if (reporter_.Style().terminal) reporter_.Overwrite(ProgressLine(view, Columns()));
   if (reporter_.Style().json) reporter_.Event(EventMembers(view));
+}
+
+void Progress::AtShare(double share, Clock::time_point now) {
+  constexpr unsigned long long kParts = 1000;
+  shareAlone_ = true;
+  total_ = kParts;
+  // A camera may send what is no number; that is no share either.
+  const double known = share > 0 ? std::min(share, 1.0) : 0;
+  At(static_cast<unsigned long long>(known * static_cast<double>(kParts)), now);
 }
 
 bool Progress::IsDue(Clock::time_point now) const {

@@ -19,9 +19,10 @@ struct ProgressView {
   /// For several files whose bytes nobody knows before: how many are done, of how many. 0 for one file.
   unsigned long long files = 0;
   unsigned long long filesTotal = 0;
+  bool shareAlone = false;  ///< done and total are no bytes; only how they compare means something
 };
 
-/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left.
+/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left; of a share alone no bytes and no rate.
 std::string ProgressLine(const ProgressView& view, std::size_t columns);
 
 /// Shows how far a transfer is: a bar on a terminal, events in JSON style, nothing elsewhere. It also is the place where
@@ -42,6 +43,9 @@ class Progress {
   /// Whether At would show something now.
   bool IsDue(Clock::time_point now = Clock::now()) const;
 
+  /// In place of At, for work that says how much is done, from 0 to 1, and no bytes.
+  void AtShare(double share, Clock::time_point now = Clock::now());
+
   /// Changes what is shown beside the bar.
   void Name(std::string_view what);
   /// For several files: how many are done, of how many.
@@ -57,6 +61,7 @@ class Progress {
   const Stop& stop_;
   std::string what_;
   unsigned long long total_;
+  bool shareAlone_ = false;
   unsigned long long files_ = 0;
   unsigned long long filesTotal_ = 0;
   Clock::time_point start_;

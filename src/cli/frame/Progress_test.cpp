@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cmath>
 #include <string>
 
 #include "frame/Descriptor.h"
@@ -44,6 +45,11 @@ TEST(ProgressLineTest, FilesCountWhereTheirBytesAreNotKnown) {
   EXPECT_EQ(ProgressLine({"A", 3000, 0, 1s, 1, 4}, 100), "A  25% [#####               ]  3.0 kB  3.0 kB/s  0:03 left");
 }
 
+TEST(ProgressLineTest, AShareAloneHasNoBytes) {
+  EXPECT_EQ(ProgressLine({"writing", 250, 1000, 2s, 0, 0, true}, 100),
+            "writing  25% [#####               ]  0:06 left");
+}
+
 TEST(ProgressLineTest, MoreThanAnnouncedStaysAtTheEndOfTheBar) {
   EXPECT_EQ(ProgressLine({"A", 3000, 1000, 0s}, 100), "A 100% [####################]  3.0 kB of 1.0 kB");
 }
@@ -78,6 +84,19 @@ TEST_F(ProgressTest, OneFileAfterAnotherGivesNoMoreEventsThanOne) {
   for (const auto at : {0ms, 1ms, 499ms, 500ms, 999ms}) Progress(reporter, stop_, "A", 1000).At(0, start + at);
   const std::string shown = Shown();
   EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 2);
+}
+
+TEST_F(ProgressTest, AShareIsAnEventWithoutBytes) {
+  Reporter reporter(page_.Get(), {.json = true});
+  Progress progress(reporter, stop_, "writing", 0);
+  const auto start = Progress::Clock::now();
+  progress.AtShare(0.25, start + 1s);
+  progress.AtShare(1.5, start + 2s);
+  progress.AtShare(std::nan(""), start + 3s);
+  EXPECT_EQ(Shown(),
+            "{\"schema\":1,\"event\":\"progress\",\"what\":\"writing\",\"share\":0.25}\n"
+            "{\"schema\":1,\"event\":\"progress\",\"what\":\"writing\",\"share\":1}\n"
+            "{\"schema\":1,\"event\":\"progress\",\"what\":\"writing\",\"share\":0}\n");
 }
 
 TEST_F(ProgressTest, WhatNobodySeesIsNeverDue) {

@@ -62,7 +62,7 @@ class Upgrade {
   /// Until the camera says that it is done, or goes away to restart.
   void WaitUntilWritten() {
     context_.Doing("follow the upgrade");
-    Progress progress(context_.reporter, context_.stop, "writing (do not switch the camera off)", kParts);
+    Progress progress(context_.reporter, context_.stop, "writing (do not switch the camera off)", 0);
     while (session_.IsOpen() && PollOnce(progress)) {
       context_.stop.Check();
       std::this_thread::sleep_for(200ms);
@@ -77,8 +77,6 @@ class Upgrade {
   }
 
  private:
-  static constexpr unsigned long long kParts = 1000;
-
   // Whether it is still being written.
   bool PollOnce(Progress& progress) {
     float share = 0;
@@ -95,7 +93,7 @@ class Upgrade {
                     "The camera reports that the upgrade failed; it keeps the firmware it had. Check "
                     "that the file is meant for this camera, and repeat the command.");
     }
-    progress.At(static_cast<unsigned long long>(share * static_cast<float>(kParts)));
+    progress.AtShare(static_cast<double>(share));
     return running;
   }
 
