@@ -120,14 +120,18 @@ class CommandTest(Bus):
         self.assertEqual(self.fetched(), [])
 
     def test_watch_reports_plug_and_unplug_and_failing_hooks(self):
-        watch = self.start("watch", "--json", "--count", "3", "--exec", "test $KELVA_EVENT = attached")
+        watch = self.start("watch", "--json", "--count", "3", "--exec",
+                           "echo hook $KELVA_EVENT; test $KELVA_EVENT = attached")
         self.assertEqual(json.loads(watch.stdout.readline())["present"], True)
         self.vcam("unplug", "K1")
         self.assertEqual(json.loads(watch.stdout.readline())["event"], "lost")
         self.plug()
         self.assertEqual(json.loads(watch.stdout.readline())["event"], "attached")
+        self.assertEqual(json.loads(watch.stdout.readline())["events"], 3)
         _, messages = watch.communicate(timeout=20)
         self.assertEqual(watch.returncode, 6, messages)
+        self.assertIn("hook lost\n", messages)
+        self.assertIn("hook attached\n", messages)
         self.assertIn("ended with status 1", messages)
 
     def test_an_idle_watch_ends_with_ctrl_c(self):

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <string>
 
 #include "camera/Attached.h"
@@ -49,7 +51,7 @@ bool IsWanted(const HotplugEvent& event, const std::optional<std::string>& seria
 void RunHook(Context& context, const std::string& command, const HotplugEvent& event, bool& failed) {
   const std::string outcome =
       RunCommand(command, {{"KELVA_EVENT", std::string(WordFor(event.kind))}, {"KELVA_SERIAL", event.facts.serial}},
-                 context.diversion.Real());
+                 context.Json() ? STDERR_FILENO : context.diversion.Real());
   if (outcome.empty()) return;
   failed = true;
   context.reporter.Error("The command for \"" + std::string(WordFor(event.kind)) + "\" of camera " +
@@ -101,7 +103,7 @@ constexpr Verb kVerbs[] = {
      "(8) or "
      "--count (0; 6 when a command of --exec failed). Commands of --exec run for changes only, not for cameras that "
      "were "
-     "there before.",
+     "there before. With --json what they print goes to standard error.",
      "event: attached, lost or bad\nserial: of the camera, empty when it has none; not with bad\nproduct: likewise\n"
      "revision: likewise\npresent: true for a camera that was there when the watch began\n"
      "events: how many there were, at the end with --count",
