@@ -120,12 +120,22 @@ Outcome ReadyAsPerson() {
   return RunProgram(AsPerson({"kelva", "ready", "--serial", kSerial}));
 }
 
+// The doctor names the camera's node, and what allows it.
+void ExpectDoctorToNameThePermission(const std::string& node) {
+  const Outcome doctor = RunProgram(AsPerson({"kelva", "doctor"}));
+  const auto says = [&](const std::string& words) { return doctor.output.find(words) != std::string::npos; };
+  Check(doctor.code == 1 && says("This user may not read and write " + node + " (Permission denied).") &&
+            says("the udev rule of the kelva package"),
+        "without the rule the doctor ended with " + std::to_string(doctor.code) + ": " + doctor.output);
+}
+
 void GrantThePersonAtTheSeat() {
   const Card card("tool");
   {
     const Plugged plugged(card.Inserted(kSerial));
     const Outcome before = ReadyAsPerson();
     Check(before.code == 3, "without the rule it ended with " + std::to_string(before.code) + ": " + before.output);
+    ExpectDoctorToNameThePermission(plugged.node());
   }
   const Seat seat;
   const Plugged plugged(card.Inserted(kSerial));
