@@ -15,6 +15,7 @@ std::string ResultLine(std::string_view verb, ExitCode code, Json members) {
 
 void Context::Result(kelva::Json members, std::string_view text, ExitCode code) {
   if (Json() && !out.TakeEnd()) return;
+  if (Json() && code != ExitCode::kDone && !members.Has("reason")) members.Set("reason", WordOf(code));
   out.Add(Json() ? ResultLine(call.verb->name, code, std::move(members)) : std::string(text));
   out.Flush();
 }

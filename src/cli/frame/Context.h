@@ -35,7 +35,7 @@ class Context {
   void Doing(std::string what) { doing_ = std::move(what); }
   const std::string& WasDoing() const { return doing_; }
   bool Json() const { return reporter.Style().json; }
-  /// The result of the whole command, once; a document after the one that ends the command is left out: its members in JSON style, else its text. `code` is how the command ends.
+  /// The result of the whole command, once; a document after the one that ends the command is left out: its members in JSON style, else its text. `code` is how the command ends; its word becomes the member "reason" of a failure that has none.
   void Result(kelva::Json members, std::string_view text, ExitCode code = ExitCode::kDone);
   /// One of many results, given at once: a JSON object on a line of its own, else its text.
   void Event(std::string_view event, kelva::Json members, std::string_view text);

@@ -1,5 +1,6 @@
 #include "frame/Json.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -90,6 +91,11 @@ Json& Json::SetBytes(std::string_view name, std::string_view bytes) {
 Json& Json::Merge(Json other) {
   for (auto& [name, value] : std::get<Members>(other.value_)) Set(name, std::move(value));
   return *this;
+}
+
+bool Json::Has(std::string_view name) const {
+  const auto& members = std::get<Members>(value_);
+  return std::any_of(members.begin(), members.end(), [&](const auto& member) { return member.first == name; });
 }
 
 Json& Json::Push(Json value) {

@@ -36,6 +36,8 @@ class Json {
   Json& SetBytes(std::string_view name, std::string_view bytes);
   /// Adds every member of another object.
   Json& Merge(Json other);
+  /// Whether an object has this member.
+  bool Has(std::string_view name) const;
   /// Adds an element to an array.
   Json& Push(Json value);
 

@@ -54,5 +54,11 @@ TEST(JsonTest, MergeAddsTheMembersOfAnotherObject) {
   EXPECT_EQ(Json::Object().Set("a", 1).Merge(Json::Object().Set("b", 2)).Text(), R"({"a":1,"b":2})");
 }
 
+TEST(JsonTest, AnObjectKnowsItsMembers) {
+  const Json object = std::move(Json::Object().Set("reason", "gone"));
+  EXPECT_TRUE(object.Has("reason"));
+  EXPECT_FALSE(object.Has("error"));
+}
+
 }  // namespace
 }  // namespace kelva

@@ -16,6 +16,7 @@ TEST_F(EachTest, SomeFailedIsPartialAndTheResultNamesEach) {
   EXPECT_NE(ran.out.find("\"files\":[{\"path\":\"I:\\\\A\"},{\"path\":\"I:\\\\B\",\"reason\":\"failed\","),
             std::string::npos)
       << ran.out;
+  EXPECT_NE(ran.out.find("\"failed\":1,\"reason\":\"partial\"}"), std::string::npos) << ran.out;
   EXPECT_FALSE(Has("A"));
 }
 
