@@ -59,6 +59,17 @@ const Bytes kCalibration = Padded(Bytes{4, 0, 0, 0} + Text("gain"), 1116) + Byte
 // A count, one entry whose name field ends four bytes early, the body.
 const Bytes kCrashLogs = Padded(Bytes{1, 0, 0, 0, 4, 0, 0, 0} + Text(R"(I:\CRASH\A)"), 36) + Bytes{'o', 'o', 'p', 's'};
 
+// Version, three entries of attributes, size and place of the name; the names.
+const Bytes kListing = Bytes{1,    0, 0, 0, 3, 0, 0, 0,               //
+                             0x10, 0, 0, 0, 0, 0, 0, 0, 44, 0, 0, 0,  //
+                             0x10, 0, 0, 0, 0, 0, 0, 0, 46, 0, 0, 0,  //
+                             0x20, 0, 0, 0, 4, 0, 0, 0, 49, 0, 0, 0} +
+                       Text(".") + Text("..") + Text("A");
+
+// One size for each key, the bodies; two sizes, two parts.
+const Bytes kBatch{3, 0, 0, 0, 'a', 'b', 'c'};
+const Bytes kCompressedRaw{2, 0, 0, 0, 1, 0, 0, 0, 'r', 'a', 'w'};
+
 // Version, nothing more, text.
 const Bytes kConsole = Bytes{1, 0, 0, 0, 0, 0, 0, 0} +
                        Bytes{'s', 't', 'a', 'r', 't', 'e', 'd', ',', ' ', 's', 'e', 'r', 'i', 'a', 'l', ' ', 'A', '\n'};
@@ -135,6 +146,36 @@ Row CrashLogs() {
   return row;
 }
 
+Row File() {
+  Row row = Asking("read file", {0xC4, 0, 0x01}, 700, {'w', 'i', 't', 'h', 0, 'n', 'u', 'l'},
+                   {{{0xC2, 0, 0x01}, Text(R"(I:\DATA\binary)")}});
+  row.isPiece = true;
+  return row;
+}
+
+Row Listing() {
+  Row row = Asking("read listing", {0xC4, 0, 0x01}, 700, kListing, {{{0xC2, 0, 0x03}, Text(R"(I:\CRASH)")}});
+  row.counts = {4};
+  row.offsets = {16, 28, 40};
+  row.nuls = {45, 48, 50};
+  row.isPiece = true;
+  return row;
+}
+
+Row Batch() {
+  Row row = Asking("read batch", {0xC4, 0, 0x00}, 700, kBatch, {{{0xC2, 0, 0x05}, kKey}});
+  row.counts = {0};
+  row.isPiece = true;
+  return row;
+}
+
+Row CompressedRaw() {
+  Row row = Asking("read compressed raw", {0xC4, 0, 0x00}, 700, kCompressedRaw, {{{0xC2, 0, 0x07}, kKey}});
+  row.counts = {0, 4};
+  row.isPiece = true;
+  return row;
+}
+
 Row Console() {
   Row row = Asking("console log", {0xC6, 0, 0x02}, 700, kConsole);
   row.isPiece = true;
@@ -149,13 +190,13 @@ Row Time() {
 
 std::vector<Row> AllRows() {
   std::vector<Row> rows = kActions;
-  for (Row& row : std::vector<Row>{Information(), Catalogue(), Calibration(), CrashLogs(), Console(), Time(),
-                                   Asking("size", {0xC6, 0, 0x00}, 4, {0x84, 2, 0, 0}, {kSelectInformation}),
-                                   Asking("upgrade status", {0xC6, 0, 0x01}, 12, Bytes(12)),
-                                   Asking("ready", {0xC6, 0, 0x04}, 4, {1, 0, 0, 0}),
-                                   Asking("done count", {0xC6, 0, 0x05}, 4, {0, 0, 0, 0}),
-                                   Asking("battery", {0xC6, 0, 0x06}, 4, {0, 0, 0xC8, 0x42}),
-                                   Asking("manual controls", {0xC6, 0, 0x07}, 40, kControls)})
+  for (Row& row : std::vector<Row>{
+           Information(), Catalogue(), Calibration(), CrashLogs(), File(), Listing(), Batch(), CompressedRaw(),
+           Console(), Time(), Asking("size", {0xC6, 0, 0x00}, 4, {0x84, 2, 0, 0}, {kSelectInformation}),
+           Asking("upgrade status", {0xC6, 0, 0x01}, 12, Bytes(12)), Asking("ready", {0xC6, 0, 0x04}, 4, {1, 0, 0, 0}),
+           Asking("done count", {0xC6, 0, 0x05}, 4, {0, 0, 0, 0}),
+           Asking("battery", {0xC6, 0, 0x06}, 4, {0, 0, 0xC8, 0x42}),
+           Asking("manual controls", {0xC6, 0, 0x07}, 40, kControls)})
     rows.push_back(std::move(row));
   return rows;
 }
@@ -176,6 +217,7 @@ std::span<const Row> Rows() {
 
 void FillCard(const std::filesystem::path& card) {
   Put(card / "file", "0123456789");
+  Put(card / "DATA/binary", std::string_view("with\0nul", 8));
   Put(card / "DCIM/100ABCDE/IMG_0007.JPG", "abc");
   Put(card / "DCIM/100ABCDE/IMG_0007.RAW", "raw");
   Put(card / "CRASH/A", "oops");
