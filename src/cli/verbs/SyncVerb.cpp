@@ -53,7 +53,7 @@ ExitCode Finish(Context& context, const Session& camera, const Sync& sync, std::
   Json members = CameraResult(camera);
   members.Set("stored", totals.stored).Set("bytes", totals.bytes).Set("already_here", totals.alreadyHere);
   members.Set("known", known).Set("failed", totals.failed).Set("deleted", totals.deleted);
-  if (ended) members.Set("reason", WordOf(ended->code)).Set("error", ended->sentence);
+  if (ended) members.Set("error", ended->sentence);
   std::string text = std::to_string(totals.stored) + " stored (" + Bytes(totals.bytes) + "), " + std::to_string(known) +
                      " known before, " + std::to_string(totals.failed) + " failed";
   if (totals.deleted != 0) text += ", " + std::to_string(totals.deleted) + " deleted on the camera";
@@ -137,7 +137,7 @@ constexpr Verb kVerbs[] = {
      "would_store (path, file)\n"
      "stored: files, then bytes: their size, already_here: those that were here with the same content\n"
      "known: files that were fetched by an earlier run\nfailed: files that were not stored or not deleted\n"
-     "deleted: files deleted on the camera\nreason, error: what ended the run early",
+     "deleted: files deleted on the camera\nerror: what ended the run early",
      kExamples, RunSync, true}};
 
 }  // namespace
