@@ -50,6 +50,16 @@ std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPat
   return std::nullopt;
 }
 
+void RequireFolder(Camera& camera, std::string_view folder) {
+  const SplitPath path = Split(folder);
+  if (path.name.empty()) return;  // the drive itself
+  RequireFolder(camera, path.folder);
+  const auto entry = FindEntry(camera, folder);
+  if (entry && (entry->attributes & kAttributeDirectory) != 0) return;
+  throw Failure(ExitCode::kFailed, "There is no folder " + Printable(folder) + " on the camera; `kelva ls " +
+                                       Printable(path.folder) + "` shows what is there.");
+}
+
 unsigned long long SizeOf(const CameraDirent& entry) {
   return static_cast<std::uint32_t>(entry.size);
 }

@@ -29,6 +29,8 @@ bool SameName(std::string_view a, std::string_view b);
 
 /// The entry of a file or folder in the listing of its parent, or nothing when it is not there.
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath);
+/// Throws Failure unless this folder and all above it are on the camera, which itself only says that it refused.
+void RequireFolder(Camera& camera, std::string_view folder);
 
 /// An entry's size; files of 2 GiB and more arrive as negative numbers.
 unsigned long long SizeOf(const CameraDirent& entry);

@@ -42,6 +42,21 @@ TEST(CameraPathTest, AnEntryIsFoundInTheListingOfItsParent) {
   EXPECT_FALSE(FindEntry(camera, "I:\\B.TXT").has_value());
 }
 
+TEST(CameraPathTest, TheFirstFolderThatIsMissingIsNamed) {
+  FakeCamera camera;
+  camera.folders = {"DCIM"};
+  camera.files = {{"A.TXT", "abc"}};
+  EXPECT_NO_THROW(RequireFolder(camera, "I:"));
+  EXPECT_NO_THROW(RequireFolder(camera, "I:\\DCIM"));
+  EXPECT_THROW(RequireFolder(camera, "I:\\A.TXT"), Failure) << "a file";
+  try {
+    RequireFolder(camera, "I:\\NOPE\\DEEPER");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_STREQ(failure.what(), "There is no folder I:\\NOPE on the camera; `kelva ls I:` shows what is there.");
+  }
+}
+
 TEST(CameraPathTest, AVolumeLabelIsNoFile) {
   FakeCamera camera;
   EXPECT_FALSE(FindEntry(camera, "I:\\LABEL").has_value());

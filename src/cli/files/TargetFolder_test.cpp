@@ -39,7 +39,7 @@ TEST_F(TargetFolderTest, AFolderThatIsMissingIsAFailureWithItsName) {
     TargetFolder::Open("/nowhere/at all");
     FAIL();
   } catch (const Failure& failure) {
-    EXPECT_STREQ(failure.what(), "Cannot open the folder /nowhere/at all: No such file or directory.");
+    EXPECT_STREQ(failure.what(), "Cannot open the folder /nowhere/at all: No such file or directory; check the name.");
   }
 }
 

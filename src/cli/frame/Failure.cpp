@@ -11,6 +11,10 @@ std::string AdviceFor(int error) {
     case ENOSPC:
     case EDQUOT:
       return "; make room there and repeat the command";
+    case ENOENT:
+      return "; check the name";
+    case ENOTDIR:
+      return "; name a folder";
     case EROFS:
       return "; choose another place, or have it mounted for writing";
     case EACCES:

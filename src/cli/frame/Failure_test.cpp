@@ -9,7 +9,7 @@ namespace {
 
 TEST(FailureTest, ASystemCallSaysWhatWasTriedAndWhy) {
   const Failure failure = SystemFailure("open X", ENOENT);
-  EXPECT_STREQ(failure.what(), "Cannot open X: No such file or directory.");
+  EXPECT_STREQ(failure.what(), "Cannot open X: No such file or directory; check the name.");
   EXPECT_EQ(failure.Code(), ExitCode::kFailed);
   EXPECT_EQ(failure.SystemError(), ENOENT);
 }

@@ -27,7 +27,9 @@ std::string BaseName(const std::string& path) {
 // "I:/NOTES/" and a folder that exists take the file's own name.
 std::string TargetPath(Camera& camera, const std::string& typed, const std::string& file) {
   const std::string path = ToCameraPath(typed);
-  if (typed.ends_with('/') || typed.ends_with('\\')) return path + "\\" + BaseName(file);
+  const bool isFolder = typed.ends_with('/') || typed.ends_with('\\');
+  RequireFolder(camera, isFolder ? path : Split(path).folder);
+  if (isFolder) return path + "\\" + BaseName(file);
   if (Split(path).name.empty()) return path + "\\" + BaseName(file);
   const auto entry = FindEntry(camera, path);
   const bool folder = entry && (entry->attributes & kAttributeDirectory) != 0;
@@ -83,7 +85,7 @@ constexpr Verb kVerbs[] = {
     {"put", "Send a file to the camera", kPutArguments, kPutOptions,
      "Writing reports nothing by itself, so the file is read back afterwards and compared with what was sent. A file "
      "that "
-     "is on the camera already is left as it is, unless --force is given. Ctrl-C removes the unfinished file from the "
+     "is on the camera already is left as it is, unless --force is given. Ctrl-C and an error remove the unfinished file from the "
      "camera. Files of 2 GiB and more cannot be sent; one file needs memory of twice its size.",
      "file: of this computer\npath: on the camera\nsize: bytes", kPutExamples, RunPut},
     {"rm",

@@ -100,7 +100,9 @@ constexpr Option kOptions[] = {
     {"types", 't', "LIST", "Only these files of each picture: jpg, raw, txt, 128, with commas between.", Offer::kWords,
      "jpg raw txt 128 jpg,raw"},
     {"pattern", 'p', "PATTERN", "How files are named below FOLDER; {folder}/{name} unless given."},
-    {"dry-run", 'n', "", "Show what would be fetched and under which names, and fetch nothing."},
+    {"dry-run", 'n', "",
+     "Show what would be fetched and under which names (a number is added where a file of that name is here already), "
+     "and fetch nothing."},
     {"verify", 0, "", "Read each new file a second time and compare."},
     {"delete-after-verify", 0, "", "Delete on the camera each file that was read twice, equal, and is on disk here."},
 };
