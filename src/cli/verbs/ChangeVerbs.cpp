@@ -85,7 +85,8 @@ constexpr Verb kVerbs[] = {
     {"put", "Send a file to the camera", kPutArguments, kPutOptions,
      "Writing reports nothing by itself, so the file is read back afterwards and compared with what was sent. A file "
      "that "
-     "is on the camera already is left as it is, unless --force is given. Ctrl-C and an error remove the unfinished file from the "
+     "is on the camera already is left as it is, unless --force is given. Ctrl-C and an error remove the unfinished "
+     "file from the "
      "camera. Files of 2 GiB and more cannot be sent; one file needs memory of twice its size.",
      "file: of this computer\npath: on the camera\nsize: bytes", kPutExamples, RunPut},
     {"rm",
