@@ -1,4 +1,4 @@
-#include "Answers.h"
+#include "benchmarks/Answers.h"
 
 #include <array>
 #include <cstdint>

@@ -1,5 +1,5 @@
-#ifndef KELVA_BENCH_ANSWERS_H_
-#define KELVA_BENCH_ANSWERS_H_
+#ifndef KELVA_BENCHMARKS_ANSWERS_H_
+#define KELVA_BENCHMARKS_ANSWERS_H_
 
 #include <cstddef>
 #include <string>
@@ -29,4 +29,4 @@ std::string BatchBundle(std::size_t files, std::size_t each);
 
 }  // namespace bench
 
-#endif  // KELVA_BENCH_ANSWERS_H_
+#endif  // KELVA_BENCHMARKS_ANSWERS_H_

@@ -1,11 +1,11 @@
-#include "MemoryCamera.h"
+#include "benchmarks/MemoryCamera.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <utility>
 
-#include "VscRegister.h"
+#include "src/wifi/VscRegister.h"
 
 namespace bench {
 
@@ -36,13 +36,13 @@ void MemoryCamera::PutDataSet(unsigned char subCode, std::string bytes) {
 }
 
 bool MemoryCamera::Transfer(const _VscCdb& cdb, int, int& size, char* buffer, bool) {
-  switch (static_cast<vsc::Operation>(cdb.bytes[0])) {
-    case vsc::Operation::kSelect:
+  switch (static_cast<kelva::Operation>(cdb.bytes[0])) {
+    case kelva::Operation::kSelect:
       return Select(cdb.bytes[2], buffer);
-    case vsc::Operation::kQuery:
+    case kelva::Operation::kQuery:
       AnswerSize(size, buffer);
       return selected_ != nullptr;
-    case vsc::Operation::kReadChunk:
+    case kelva::Operation::kReadChunk:
       AnswerChunk(cdb, size, buffer);
       return true;
     default:
@@ -51,9 +51,9 @@ bool MemoryCamera::Transfer(const _VscCdb& cdb, int, int& size, char* buffer, bo
 }
 
 bool MemoryCamera::Select(unsigned char subCode, const char* path) {
-  if (subCode == vsc::select::kFile) {
+  if (subCode == kelva::select::kFile) {
     selected_ = Find(files_, std::string(path));
-  } else if (subCode == vsc::select::kDirectory) {
+  } else if (subCode == kelva::select::kDirectory) {
     selected_ = Find(listings_, std::string(path));
   } else {
     selected_ = Find(dataSets_, subCode);

@@ -1,10 +1,10 @@
-#ifndef KELVA_BENCH_MEMORYCAMERA_H_
-#define KELVA_BENCH_MEMORYCAMERA_H_
+#ifndef KELVA_BENCHMARKS_MEMORY_CAMERA_H_
+#define KELVA_BENCHMARKS_MEMORY_CAMERA_H_
 
 #include <map>
 #include <string>
 
-#include "Camera.h"
+#include "src/wifi/Camera.h"
 
 namespace bench {
 
@@ -46,4 +46,4 @@ class MemoryCamera : public Camera {
 
 }  // namespace bench
 
-#endif  // KELVA_BENCH_MEMORYCAMERA_H_
+#endif  // KELVA_BENCHMARKS_MEMORY_CAMERA_H_

@@ -1,4 +1,4 @@
-#include "Processes.h"
+#include "benchmarks/Processes.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -1,5 +1,5 @@
-#ifndef KELVA_BENCH_PROCESSES_H_
-#define KELVA_BENCH_PROCESSES_H_
+#ifndef KELVA_BENCHMARKS_PROCESSES_H_
+#define KELVA_BENCHMARKS_PROCESSES_H_
 
 #include <sys/types.h>
 
@@ -60,4 +60,4 @@ class StampPipe {
 
 }  // namespace bench
 
-#endif  // KELVA_BENCH_PROCESSES_H_
+#endif  // KELVA_BENCHMARKS_PROCESSES_H_

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "Answers.h"
-#include "MemoryCamera.h"
-#include "VscRegister.h"
+#include "benchmarks/Answers.h"
+#include "benchmarks/MemoryCamera.h"
+#include "src/wifi/VscRegister.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ std::vector<bench::Entry> Files(std::size_t count) {
 void GetDcf(benchmark::State& state) {
   const auto pictures = static_cast<std::size_t>(state.range(0));
   bench::MemoryCamera camera;
-  camera.PutDataSet(vsc::select::kCatalogue, bench::Catalogue(pictures));
+  camera.PutDataSet(kelva::select::kCatalogue, bench::Catalogue(pictures));
   for (auto _ : state) {
     if (camera.GetDcf().size() != pictures) {
       state.SkipWithError("the catalogue did not come whole");

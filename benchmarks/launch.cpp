@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "Processes.h"
-#include "vcam/client/BusConnection.h"
+#include "benchmarks/Processes.h"
+#include "bus/BusConnection.h"
 
 namespace {
 
@@ -59,14 +59,14 @@ class Desk {
 
   /// Nanoseconds from the request to the application's start; nothing when it did not start.
   std::optional<std::int64_t> PlugOnce(std::chrono::milliseconds patience) {
-    vcam::bus::PlugRequest request;
+    bus::PlugRequest request;
     request.serial = kSerial;
     request.storage = (scratch_ / "storage").string();
     request.peripheralType = 3;
     const std::int64_t start = bench::Now();
-    connection_->Request(vcam::bus::Kind::kPlug, vcam::bus::Encode(request));
+    connection_->Request(bus::Kind::kPlug, bus::Encode(request));
     const std::optional<std::int64_t> stamp = stamps_.Next(patience);
-    connection_->Request(vcam::bus::Kind::kUnplug, vcam::bus::EncodeText(kSerial));
+    connection_->Request(bus::Kind::kUnplug, bus::EncodeText(kSerial));
     return stamp ? std::optional(*stamp - start) : std::nullopt;
   }
 
@@ -106,7 +106,7 @@ class Desk {
   bench::ScratchFolder scratch_;
   bench::StampPipe stamps_;
   std::optional<bench::Child> server_;
-  std::optional<vcam::client::BusConnection> connection_;
+  std::optional<bus::BusConnection> connection_;
   std::optional<bench::Child> helper_;
 };
 

@@ -12,9 +12,9 @@
 #include <thread>
 #include <vector>
 
-#include "Camera.h"
+#include "bus/BusClient.h"
 #include "darwin/registry/Registry.h"
-#include "vcam/client/BusClient.h"
+#include "src/wifi/Camera.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ boost::shared_ptr<Camera> Find(const std::string& serial) {
 
 /// Reads every picture's first file and drops it.
 void Read(const std::string& socket, const std::string& serial) {
-  darwin::Registry::Shared().SetSource(vcam::client::ConnectBus(socket));
+  darwin::Registry::Shared().SetSource(bus::ConnectBus(socket));
   const auto camera = Find(serial);
   if (!camera->Open()) throw std::runtime_error("cannot open the camera");
   std::size_t bytes = 0;

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "Answers.h"
-#include "MemoryCamera.h"
-#include "VscRegister.h"
+#include "benchmarks/Answers.h"
+#include "benchmarks/MemoryCamera.h"
+#include "src/wifi/VscRegister.h"
 
 namespace {
 
@@ -59,19 +59,19 @@ void BulkRead(benchmark::State& state, Read read) {
 
 void ReadCrashLogs(benchmark::State& state) {
   bench::MemoryCamera camera;
-  camera.PutDataSet(vsc::select::kCrashLogs, bench::CrashLogBundle(kBodies, kBodySize));
+  camera.PutDataSet(kelva::select::kCrashLogs, bench::CrashLogBundle(kBodies, kBodySize));
   BulkRead(state, [&] { return camera.ReadCrashLogs(nullptr, nullptr, false, true); });
 }
 
 void ReadCalibration(benchmark::State& state) {
   bench::MemoryCamera camera;
-  camera.PutDataSet(vsc::select::kCalibration, bench::CalibrationBundle(kBodySize));
+  camera.PutDataSet(kelva::select::kCalibration, bench::CalibrationBundle(kBodySize));
   BulkRead(state, [&] { return camera.ReadCalibration(nullptr, nullptr, true); });
 }
 
 void ReadFilesBySha1(benchmark::State& state) {
   bench::MemoryCamera camera;
-  camera.PutDataSet(vsc::select::kBatch, bench::BatchBundle(kBodies, kBodySize));
+  camera.PutDataSet(kelva::select::kBatch, bench::BatchBundle(kBodies, kBodySize));
   const std::vector<std::string> keys(kBodies, std::string(40, 'a'));
   const std::vector<std::string> qualifiers(kBodies, "J");
   BulkRead(state, [&] { return camera.ReadFilesBySha1(keys, qualifiers, nullptr, nullptr, true); });

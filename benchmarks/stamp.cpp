@@ -2,7 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "Processes.h"
+#include "benchmarks/Processes.h"
 
 int main(int argc, char** argv) {
   const std::int64_t now = bench::Now();

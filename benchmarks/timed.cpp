@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "Processes.h"
+#include "benchmarks/Processes.h"
 
 extern char** environ;
 

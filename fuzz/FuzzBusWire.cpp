@@ -1,12 +1,12 @@
 // The socket of the virtual bus: a stream cut into frames in two pieces, and every payload decoder on each frame.
 
-#include "vcam/bus/FrameReader.h"
-#include "vcam/bus/Wire.h"
+#include "bus/FrameReader.h"
+#include "bus/Wire.h"
 
 namespace {
 
 using namespace vcam::bus;
-using vcam::Bytes;
+using base::Bytes;
 
 void DecodeAll(const Bytes& payload) {
   DecodePlug(payload);

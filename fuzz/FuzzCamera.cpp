@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "Camera.h"
-#include "FatalAssertion.h"
-#include "InputReader.h"
+#include "fuzz/InputReader.h"
+#include "src/wifi/Camera.h"
+#include "src/wifi/FatalAssertion.h"
 
 namespace {
 
@@ -193,7 +193,7 @@ void Run(Camera& camera, std::uint8_t operation) {
 
 }  // namespace
 
-void vsc::FailAssertion(const char*, const char*) {
+void kelva::FailAssertion(const char*, const char*) {
   throw DefinedStop();
 }
 

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "BundleTables.h"
-#include "Camera.h"
-#include "DcfLayout.h"
-#include "DirectoryListing.h"
-#include "FatalAssertion.h"
-#include "InputReader.h"
+#include "fuzz/InputReader.h"
+#include "src/wifi/BundleTables.h"
+#include "src/wifi/Camera.h"
+#include "src/wifi/DcfLayout.h"
+#include "src/wifi/DirectoryListing.h"
+#include "src/wifi/FatalAssertion.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ void DecodePicture(std::span<const char> bytes) {
     return;
   }
   const auto* header = reinterpret_cast<const _VscCdbDcfHeader*>(bytes.data());
-  const std::int64_t headerSize = vsc::DcfHeaderSize(*header);
+  const std::int64_t headerSize = kelva::DcfHeaderSize(*header);
   if (headerSize < 0 || headerSize > static_cast<std::int64_t>(bytes.size()) || !Camera::ValidateDcfHeader(header)) {
     return;
   }
@@ -40,14 +40,14 @@ void DecodePicture(std::span<const char> bytes) {
   if (records.size() >= static_cast<std::size_t>(header->stride)) {
     const ExactBytes record(
         {reinterpret_cast<const std::uint8_t*>(records.data()), static_cast<std::size_t>(header->stride)});
-    const DcfObj picture = vsc::DcfLayout(header).Decode(record.Get().data());
+    const DcfObj picture = kelva::DcfLayout(header).Decode(record.Get().data());
     Camera::DcfFilename(picture, 1);
   }
 }
 
 /// Splits a bundle that arrives in two pieces.
-void Split(vsc::TableDecoder decoder, std::span<const char> bundle, std::size_t firstPiece) {
-  vsc::BundleSplitter splitter(std::move(decoder));
+void Split(kelva::TableDecoder decoder, std::span<const char> bundle, std::size_t firstPiece) {
+  kelva::BundleSplitter splitter(std::move(decoder));
   splitter.Append(bundle.first(std::min(firstPiece, bundle.size())));
   splitter.Append(bundle.subspan(std::min(firstPiece, bundle.size())));
   splitter.TakeFiles();
@@ -55,7 +55,7 @@ void Split(vsc::TableDecoder decoder, std::span<const char> bundle, std::size_t 
 
 }  // namespace
 
-void vsc::FailAssertion(const char*, const char*) {
+void kelva::FailAssertion(const char*, const char*) {
   __builtin_trap();
 }
 
@@ -75,19 +75,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       DecodePicture(exact.Get());
       break;
     case 1:
-      Split(vsc::DecodeCrashLogTable, exact.Get(), piece);
+      Split(kelva::DecodeCrashLogTable, exact.Get(), piece);
       break;
     case 2:
-      Split(vsc::DecodeCalibrationTable, exact.Get(), piece);
+      Split(kelva::DecodeCalibrationTable, exact.Get(), piece);
       break;
     case 3:
-      Split([&keys](auto head) { return vsc::DecodeBatchTable(keys, head); }, exact.Get(), piece);
+      Split([&keys](auto head) { return kelva::DecodeBatchTable(keys, head); }, exact.Get(), piece);
       break;
     case 4:
-      Split([](auto head) { return vsc::DecodeCompressedRawTable("key", head); }, exact.Get(), piece);
+      Split([](auto head) { return kelva::DecodeCompressedRawTable("key", head); }, exact.Get(), piece);
       break;
     default:
-      vsc::DecodeListing(exact.Get());
+      kelva::DecodeListing(exact.Get());
   }
   return 0;
 }

@@ -8,8 +8,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "InputReader.h"
-#include "vcam/device/VirtualCamera.h"
+#include "fuzz/InputReader.h"
+#include "vcam/camera/VirtualCamera.h"
 
 namespace {
 
@@ -41,29 +41,29 @@ class Storage {
   const fs::path path_;
 };
 
-vcam::Command NextCommand(InputReader& input) {
-  vcam::Command command;
+wire::Command NextCommand(InputReader& input) {
+  wire::Command command;
   // The operation is one of the register's most of the time.
   const std::uint8_t operation = input.Byte();
   command.cdb[0] = operation < 0xF0 ? static_cast<std::uint8_t>(0xC0 + operation % 7) : operation;
   command.cdb[2] = input.Byte();
   const auto parameters = input.Bytes(4);
   std::copy(parameters.begin(), parameters.end(), command.cdb.begin() + 3);
-  command.direction = static_cast<vcam::Direction>(input.Byte() % 3);
+  command.direction = static_cast<wire::Direction>(input.Byte() % 3);
   command.length = input.Byte() * (kMostAsked / 255);
-  if (command.direction == vcam::Direction::kToCamera) {
+  if (command.direction == wire::Direction::kToCamera) {
     command.data = input.Bytes(input.Byte());
     command.length = static_cast<std::uint32_t>(command.data.size());
   }
   return command;
 }
 
-void Check(const vcam::Command& command, const vcam::Reply& reply) {
+void Check(const wire::Command& command, const wire::Reply& reply) {
   // A surplus fault is the one reason for more than was asked, and it is two bytes at most.
-  if (command.direction == vcam::Direction::kFromCamera && reply.data.size() > std::size_t{command.length} + 2) {
+  if (command.direction == wire::Direction::kFromCamera && reply.data.size() > std::size_t{command.length} + 2) {
     __builtin_trap();
   }
-  if (command.direction == vcam::Direction::kNone && !reply.data.empty()) {
+  if (command.direction == wire::Direction::kNone && !reply.data.empty()) {
     __builtin_trap();
   }
 }
@@ -81,7 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (const std::uint8_t fault = input.Byte(); fault < vcam::AllFaults().size()) {
       camera.Arm({vcam::AllFaults()[fault], 1});
     }
-    const vcam::Command command = NextCommand(input);
+    const wire::Command command = NextCommand(input);
     Check(command, camera.Execute(command));
   }
   return 0;

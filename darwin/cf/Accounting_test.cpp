@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 
-#include "darwin/cf/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace darwin {
 namespace {
@@ -30,7 +30,7 @@ TEST(Accounting, ConstantsDoNotCount) {
 TEST(Accounting, ADescriptorCountsWhileItIsOpen) {
   const std::size_t before = OpenDescriptors();
   {
-    const FileDescriptor descriptor(::eventfd(0, EFD_CLOEXEC));
+    const base::FileDescriptor descriptor(::eventfd(0, EFD_CLOEXEC));
     EXPECT_EQ(OpenDescriptors(), before + 1);
   }
   EXPECT_EQ(OpenDescriptors(), before);

@@ -7,7 +7,7 @@
 #include <memory>
 #include <thread>
 
-#include "darwin/cf/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 #include "darwin/cf/RunLoopSource.h"
 
 namespace darwin {
@@ -43,7 +43,7 @@ class Bell {
     ++answered_;
   }
 
-  FileDescriptor descriptor_;
+  base::FileDescriptor descriptor_;
   const CFRunLoopSourceRef source_;
   int answered_ = 0;
 };

@@ -93,7 +93,7 @@ TEST(RunLoop, ACallbackMayRunTheLoop) {
 }
 
 TEST(RunLoop, ADescriptorSourceIsCalledWhileItsDescriptorIsReadable) {
-  const FileDescriptor descriptor(::eventfd(2, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE));
+  const base::FileDescriptor descriptor(::eventfd(2, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE));
   int calls = 0;
   const CFRunLoopSourceRef source = MakeDescriptorSource(descriptor.Get(), [&] {
     eventfd_t one = 0;

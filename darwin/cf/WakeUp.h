@@ -1,7 +1,7 @@
 #ifndef KELVA_DARWIN_CF_WAKE_UP_H_
 #define KELVA_DARWIN_CF_WAKE_UP_H_
 
-#include "darwin/cf/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace darwin {
 
@@ -17,7 +17,7 @@ class WakeUp {
   void Clear();
 
  private:
-  FileDescriptor descriptor_;
+  base::FileDescriptor descriptor_;
 };
 
 }  // namespace darwin

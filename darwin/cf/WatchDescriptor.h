@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "darwin/cf/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace darwin::cf {
 
@@ -20,8 +20,8 @@ class WatchDescriptor {
  private:
   void Change(int operation, int descriptor);
 
-  FileDescriptor epoll_;
-  FileDescriptor timer_;
+  base::FileDescriptor epoll_;
+  base::FileDescriptor timer_;
   std::vector<int> watched_;
 };
 

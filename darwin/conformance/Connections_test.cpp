@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

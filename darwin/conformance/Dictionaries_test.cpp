@@ -3,7 +3,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

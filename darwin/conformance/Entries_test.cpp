@@ -1,6 +1,6 @@
 // What can be read of an entry: its own properties and its parent.
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

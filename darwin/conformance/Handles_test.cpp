@@ -1,6 +1,6 @@
 // Handle numbers and their user references.
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

@@ -1,6 +1,6 @@
 // IOServiceAddMatchingNotification: what is handed out, in which order, and when somebody is told.
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

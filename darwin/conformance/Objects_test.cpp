@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "Machine.h"
+#include "darwin/conformance/Machine.h"
 
 namespace conformance {
 

@@ -3,7 +3,7 @@
 #include <future>
 #include <thread>
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <IOKit/IOMessage.h>
 
-#include "RegistryTest.h"
+#include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
 namespace {

@@ -6,8 +6,8 @@
 #include <sstream>
 #include <vector>
 
-#include "Machine.h"
 #include "darwin/cf/Accounting.h"
+#include "darwin/conformance/Machine.h"
 #include "darwin/registry/Accounting.h"
 #include "darwin/virtual/VirtualRegistry.h"
 

@@ -2,7 +2,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "darwin/registry/RegistryFixture.h"
+#include "darwin/registry/testing/RegistryFixture.h"
 
 namespace darwin {
 namespace {

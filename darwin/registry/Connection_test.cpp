@@ -6,7 +6,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "darwin/registry/RegistryFixture.h"
+#include "darwin/registry/testing/RegistryFixture.h"
 
 namespace darwin {
 namespace {

@@ -1,6 +1,6 @@
 #include "darwin/registry/Matching.h"
 
-#include "darwin/registry/RegistryFixture.h"
+#include "darwin/registry/testing/RegistryFixture.h"
 
 namespace darwin {
 namespace {

@@ -6,15 +6,15 @@
 #include <stdexcept>
 #include <thread>
 
-#include "darwin/cf/FileDescriptor.h"
-#include "darwin/registry/RegistryFixture.h"
+#include "base/FileDescriptor.h"
+#include "darwin/registry/testing/RegistryFixture.h"
 
 namespace darwin {
 namespace {
 
 /// What the source under test does and what it was asked; it outlives the source.
 struct Script {
-  FileDescriptor readable{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  base::FileDescriptor readable{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   std::atomic<int> starts{0};
   std::atomic<int> dispatches{0};
   std::atomic<int> stopAt{-1};  ///< the dispatch that stops the run loop

@@ -2,7 +2,7 @@
 
 #include <IOKit/IOMessage.h>
 
-#include "darwin/registry/RegistryFixture.h"
+#include "darwin/registry/testing/RegistryFixture.h"
 
 namespace darwin {
 namespace {

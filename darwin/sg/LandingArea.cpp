@@ -1,4 +1,4 @@
-#include "LandingArea.h"
+#include "darwin/sg/LandingArea.h"
 
 #include <unistd.h>
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "SgSystem.h"
+#include "darwin/sg/SgSystem.h"
 
 namespace darwin::sg {
 

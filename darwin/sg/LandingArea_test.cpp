@@ -1,8 +1,8 @@
-#include "LandingArea.h"
+#include "darwin/sg/LandingArea.h"
 
 #include <gtest/gtest.h>
 
-#include "ScriptedSystem.h"
+#include "darwin/sg/testing/ScriptedSystem.h"
 
 namespace darwin::sg {
 namespace {

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <span>
 
-#include "darwin/registry/TransferStatus.h"
+#include "wire/TransferStatus.h"
 
 namespace darwin::sg {
 
 /// The sense key, code and qualifier of sense data in any of its four formats. What the device did not send, or sent in
 /// a format that is none of the four, is 0: the length of sense data is the device's own choice.
-SenseCode DecodeSense(std::span<const std::uint8_t> sense);
+wire::SenseCode DecodeSense(std::span<const std::uint8_t> sense);
 
 }  // namespace darwin::sg
 

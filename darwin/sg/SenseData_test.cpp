@@ -1,4 +1,4 @@
-#include "SenseData.h"
+#include "darwin/sg/SenseData.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 void Expect(const Bytes& sense, int key, int code, int qualifier) {
-  const SenseCode decoded = DecodeSense(sense);
+  const wire::SenseCode decoded = DecodeSense(sense);
   EXPECT_EQ(decoded.key, key);
   EXPECT_EQ(decoded.code, code);
   EXPECT_EQ(decoded.qualifier, qualifier);

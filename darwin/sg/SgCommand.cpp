@@ -1,4 +1,4 @@
-#include "SgCommand.h"
+#include "darwin/sg/SgCommand.h"
 
 #include <scsi/sg.h>
 
@@ -6,8 +6,8 @@
 #include <array>
 #include <cerrno>
 
-#include "SenseData.h"
-#include "SignalsBlocked.h"
+#include "darwin/sg/SenseData.h"
+#include "darwin/sg/SignalsBlocked.h"
 
 namespace darwin::sg {
 namespace {
@@ -45,7 +45,7 @@ sg_io_hdr_t HeaderOf(const SgRequest& request, std::span<std::uint8_t> sense) {
 }  // namespace
 
 bool SgOutcome::Succeeded(std::uint32_t length) const {
-  return error == 0 && hostStatus == 0 && driverStatus == 0 && status == kScsiGood && moved >= 0 &&
+  return error == 0 && hostStatus == 0 && driverStatus == 0 && status == wire::kScsiGood && moved >= 0 &&
          moved <= std::int64_t{length};
 }
 

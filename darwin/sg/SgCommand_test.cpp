@@ -1,4 +1,4 @@
-#include "SgCommand.h"
+#include "darwin/sg/SgCommand.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -7,7 +7,7 @@
 #include <csignal>
 #include <cstring>
 
-#include "ScriptedSystem.h"
+#include "darwin/sg/testing/ScriptedSystem.h"
 
 namespace darwin::sg {
 namespace {

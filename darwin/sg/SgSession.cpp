@@ -1,4 +1,4 @@
-#include "SgSession.h"
+#include "darwin/sg/SgSession.h"
 
 #include <linux/fs.h>
 #include <scsi/sg.h>

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "LandingArea.h"
-#include "SgSystem.h"
+#include "darwin/sg/LandingArea.h"
+#include "darwin/sg/SgSystem.h"
 
 namespace darwin::sg {
 

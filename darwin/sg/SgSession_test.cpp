@@ -1,8 +1,8 @@
-#include "SgSession.h"
+#include "darwin/sg/SgSession.h"
 
 #include <gtest/gtest.h>
 
-#include "ScriptedSystem.h"
+#include "darwin/sg/testing/ScriptedSystem.h"
 
 namespace darwin::sg {
 namespace {

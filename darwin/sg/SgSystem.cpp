@@ -1,4 +1,4 @@
-#include "SgSystem.h"
+#include "darwin/sg/SgSystem.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -1,4 +1,4 @@
-#include "SgUserClient.h"
+#include "darwin/sg/SgUserClient.h"
 
 #include <IOKit/IOReturn.h>
 
@@ -20,23 +20,24 @@ std::uint32_t Milliseconds(std::uint32_t seconds) {
   return std::min(seconds, std::numeric_limits<std::uint32_t>::max() / kMsPerSecond - 1) * kMsPerSecond;
 }
 
-DataPhase PhaseOf(const UserClientTransferRequest& request) {
+DataPhase PhaseOf(const wire::UserClientTransferRequest& request) {
   if (request.length == 0) return DataPhase::kNone;
   if (request.direction == kToCamera) return DataPhase::kToDevice;
   if (request.direction == kFromCamera) return DataPhase::kFromDevice;
   return DataPhase::kNone;
 }
 
-bool IsSound(const UserClientTransferRequest& request, DataPhase phase) {
+bool IsSound(const wire::UserClientTransferRequest& request, DataPhase phase) {
   if (request.cdbLength < kShortestCdb || request.cdbLength > sizeof request.cdb) return false;
   return phase == DataPhase::kNone || (request.length > 0 && request.bufferAddress != 0);
 }
 
-void* BufferOf(const UserClientTransferRequest& request) {
+void* BufferOf(const wire::UserClientTransferRequest& request) {
   return reinterpret_cast<void*>(static_cast<std::uintptr_t>(request.bufferAddress));
 }
 
-SgRequest Prepare(SgSession& session, const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length) {
+SgRequest Prepare(SgSession& session, const wire::UserClientTransferRequest& request, DataPhase phase,
+                  std::uint32_t length) {
   SgRequest command;
   command.cdb = std::span(request.cdb).first(request.cdbLength);
   command.phase = phase;
@@ -54,9 +55,9 @@ SgRequest Prepare(SgSession& session, const UserClientTransferRequest& request, 
 
 int SgUserClient::CallScalar(std::uint32_t selector) {
   switch (selector) {
-    case kUserClientStartSession:
+    case wire::kUserClientStartSession:
       return StartSession();
-    case kUserClientEndSession:
+    case wire::kUserClientEndSession:
       return EndSession();
     default:
       return kIOReturnBadArgument;
@@ -65,9 +66,9 @@ int SgUserClient::CallScalar(std::uint32_t selector) {
 
 int SgUserClient::CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out,
                              std::size_t* outSize) {
-  UserClientTransferRequest request;
-  UserClientTransferResult result;
-  if (selector != kUserClientTransfer || inSize != sizeof request || *outSize < sizeof result) {
+  wire::UserClientTransferRequest request;
+  wire::UserClientTransferResult result;
+  if (selector != wire::kUserClientTransfer || inSize != sizeof request || *outSize < sizeof result) {
     return kIOReturnBadArgument;
   }
   std::memcpy(&request, in, sizeof request);
@@ -103,7 +104,7 @@ std::shared_ptr<SgSession> SgUserClient::Session() const {
   return session_;
 }
 
-Verdict SgUserClient::Transfer(const UserClientTransferRequest& request) {
+Verdict SgUserClient::Transfer(const wire::UserClientTransferRequest& request) {
   const std::shared_ptr<SgSession> session = Session();
   if (!session) return {kIOReturnNotOpen, 0, 0};
   const DataPhase phase = PhaseOf(request);
@@ -113,7 +114,7 @@ Verdict SgUserClient::Transfer(const UserClientTransferRequest& request) {
   return Carry(*session, request, phase, length);
 }
 
-Verdict SgUserClient::Carry(SgSession& session, const UserClientTransferRequest& request, DataPhase phase,
+Verdict SgUserClient::Carry(SgSession& session, const wire::UserClientTransferRequest& request, DataPhase phase,
                             std::uint32_t length) {
   const std::lock_guard oneAtATime(commandMutex_);
   const SgOutcome outcome = RunCommand(*system_, session.Descriptor(), Prepare(session, request, phase, length));

@@ -6,11 +6,11 @@
 #include <mutex>
 #include <string>
 
-#include "SgCommand.h"
-#include "SgSession.h"
-#include "SgVerdict.h"
 #include "darwin/registry/Registry.h"
-#include "src/usb/osx/UserClientRecords.h"
+#include "darwin/sg/SgCommand.h"
+#include "darwin/sg/SgSession.h"
+#include "darwin/sg/SgVerdict.h"
+#include "wire/UserClientRecords.h"
 
 namespace darwin::sg {
 
@@ -41,8 +41,9 @@ class SgUserClient : public UserClient {
   int StartSession();
   int EndSession();
   std::shared_ptr<SgSession> Session() const;
-  Verdict Transfer(const UserClientTransferRequest& request);
-  Verdict Carry(SgSession& session, const UserClientTransferRequest& request, DataPhase phase, std::uint32_t length);
+  Verdict Transfer(const wire::UserClientTransferRequest& request);
+  Verdict Carry(SgSession& session, const wire::UserClientTransferRequest& request, DataPhase phase,
+                std::uint32_t length);
   Verdict RefuseTooLong(std::uint32_t length, std::uint32_t largest) const;
   bool HasGone(const SgSession& session, const SgOutcome& outcome) const;
 

@@ -1,4 +1,4 @@
-#include "SgUserClient.h"
+#include "darwin/sg/SgUserClient.h"
 
 #include <IOKit/IOReturn.h>
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@
 #include <span>
 #include <vector>
 
-#include "ScriptedSystem.h"
+#include "darwin/sg/testing/ScriptedSystem.h"
 
 namespace darwin::sg {
 namespace {
@@ -26,8 +26,8 @@ class SgUserClientTest : public testing::Test {
     buffer_.fill(0xEE);
   }
 
-  UserClientTransferRequest Request(std::uint8_t direction, std::int32_t length) {
-    UserClientTransferRequest request{};
+  wire::UserClientTransferRequest Request(std::uint8_t direction, std::int32_t length) {
+    wire::UserClientTransferRequest request{};
     request.direction = direction;
     request.cdbLength = 16;
     request.cdb[0] = 0xC4;
@@ -37,7 +37,7 @@ class SgUserClientTest : public testing::Test {
     return request;
   }
 
-  int Call(const UserClientTransferRequest& request) {
+  int Call(const wire::UserClientTransferRequest& request) {
     std::size_t size = sizeof result_;
     return client_.CallStruct(2, &request, sizeof request, &result_, &size);
   }
@@ -56,7 +56,7 @@ class SgUserClientTest : public testing::Test {
   std::string reported_;
   SgUserClient client_;
   std::array<std::uint8_t, 64> buffer_;
-  UserClientTransferResult result_{0xAAAAAAAA, -1};
+  wire::UserClientTransferResult result_{0xAAAAAAAA, -1};
 };
 
 TEST_F(SgUserClientTest, ASessionIsStartedAndEnded) {
@@ -116,7 +116,7 @@ class SgUserClientLandingTest : public SgUserClientTest, public testing::WithPar
   }
 
   int Read() {
-    UserClientTransferRequest request = Request(2, GetParam().length);
+    wire::UserClientTransferRequest request = Request(2, GetParam().length);
     request.bufferAddress = reinterpret_cast<std::uintptr_t>(chunk_.data());
     return Call(request);
   }

@@ -1,4 +1,4 @@
-#include "SgVerdict.h"
+#include "darwin/sg/SgVerdict.h"
 
 #include <IOKit/IOReturn.h>
 
@@ -28,7 +28,8 @@ Verdict JudgeTransport(const SgOutcome& outcome) {
     case kHostTimeOut:
       return {kIOReturnTimeout, 0, 0};
     default:
-      return {kIOReturnSuccess, TransportResultStatus(Narrow(outcome.hostStatus), Narrow(outcome.driverStatus)), 0};
+      return {kIOReturnSuccess, wire::TransportResultStatus(Narrow(outcome.hostStatus), Narrow(outcome.driverStatus)),
+              0};
   }
 }
 
@@ -66,8 +67,9 @@ Verdict Judge(const SgOutcome& outcome, std::uint32_t length, bool gone) {
   if (outcome.error != 0) return {ReturnCodeOf(outcome.error), 0, 0};
   if (gone) return {kIOReturnNoDevice, 0, 0};
   if (outcome.hostStatus != 0 || outcome.driverStatus != 0) return JudgeTransport(outcome);
-  if (outcome.status != kScsiGood) return {kIOReturnSuccess, ScsiResultStatus(outcome.status, outcome.sense), 0};
-  if (!outcome.Succeeded(length)) return {kIOReturnSuccess, TransportResultStatus(0, 0), 0};
+  if (outcome.status != wire::kScsiGood)
+    return {kIOReturnSuccess, wire::ScsiResultStatus(outcome.status, outcome.sense), 0};
+  if (!outcome.Succeeded(length)) return {kIOReturnSuccess, wire::TransportResultStatus(0, 0), 0};
   return {kIOReturnSuccess, 0, static_cast<std::uint32_t>(outcome.moved)};
 }
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "SgCommand.h"
+#include "darwin/sg/SgCommand.h"
 
 namespace darwin::sg {
 

@@ -1,4 +1,4 @@
-#include "SgVerdict.h"
+#include "darwin/sg/SgVerdict.h"
 
 #include <IOKit/IOReturn.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "CameraTracker.h"
+#include "darwin/udev/CameraTracker.h"
 
 #include <algorithm>
 #include <cstring>

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "ScsiUnit.h"
-#include "Surroundings.h"
-#include "UnitSource.h"
 #include "darwin/registry/Registry.h"
+#include "darwin/udev/ScsiUnit.h"
+#include "darwin/udev/Surroundings.h"
+#include "darwin/udev/UnitSource.h"
 
 namespace darwin::udev {
 

@@ -1,9 +1,9 @@
-#include "CameraTracker.h"
+#include "darwin/udev/CameraTracker.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "FakeMachine.h"
+#include "darwin/udev/testing/FakeMachine.h"
 
 namespace darwin::udev {
 namespace {

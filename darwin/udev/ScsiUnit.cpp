@@ -1,4 +1,4 @@
-#include "ScsiUnit.h"
+#include "darwin/udev/ScsiUnit.h"
 
 namespace darwin::udev {
 namespace {

@@ -1,4 +1,4 @@
-#include "Surroundings.h"
+#include "darwin/udev/Surroundings.h"
 
 #include <unistd.h>
 

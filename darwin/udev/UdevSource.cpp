@@ -1,13 +1,13 @@
-#include "UdevSource.h"
+#include "darwin/udev/UdevSource.h"
 
 #include <utility>
 
-#include "CameraTracker.h"
-#include "Surroundings.h"
-#include "UdevUnitSource.h"
-#include "UnitReader.h"
 #include "darwin/registry/CameraEntries.h"
 #include "darwin/sg/SgUserClient.h"
+#include "darwin/udev/CameraTracker.h"
+#include "darwin/udev/Surroundings.h"
+#include "darwin/udev/UdevUnitSource.h"
+#include "darwin/udev/UnitReader.h"
 
 namespace darwin {
 namespace udev {

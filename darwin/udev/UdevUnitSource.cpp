@@ -1,4 +1,4 @@
-#include "UdevUnitSource.h"
+#include "darwin/udev/UdevUnitSource.h"
 
 #include <linux/netlink.h>
 #include <sys/socket.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <fstream>
 
-#include "UnitReader.h"
+#include "darwin/udev/UnitReader.h"
 
 namespace darwin::udev {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "UdevHandles.h"
-#include "UnitSource.h"
+#include "darwin/udev/UdevHandles.h"
+#include "darwin/udev/UnitSource.h"
 
 namespace darwin::udev {
 

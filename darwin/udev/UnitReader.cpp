@@ -1,4 +1,4 @@
-#include "UnitReader.h"
+#include "darwin/udev/UnitReader.h"
 
 #include <charconv>
 #include <string_view>

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-#include "ScsiUnit.h"
+#include "darwin/udev/ScsiUnit.h"
 
 namespace darwin::udev {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "ScsiUnit.h"
+#include "darwin/udev/ScsiUnit.h"
 
 namespace darwin::udev {
 

@@ -21,7 +21,7 @@ std::string BatchRequest(const std::vector<std::string>& keys, const std::vector
 }
 
 /// The length that a batch bundle's table demands, in unsigned 32-bit arithmetic.
-std::uint32_t BatchLength(const vsc::BundleTable& table) {
+std::uint32_t BatchLength(const kelva::BundleTable& table) {
   auto length = static_cast<std::uint32_t>(table.bodyStart);
   for (const _Sha1obj& entry : table.entries) {
     length += entry.size;
@@ -33,11 +33,11 @@ std::uint32_t BatchLength(const vsc::BundleTable& table) {
 
 std::vector<_Sha1obj> Camera::ReadFilesBySha1(std::vector<std::string> keys, std::vector<std::string> qualifiers,
                                               void (*progress)(void*, float), void* context, bool transferFlag) {
-  vsc::BundleSplitter bundle([&keys](std::span<const char> head) { return vsc::DecodeBatchTable(keys, head); });
-  const std::optional<std::uint32_t> announced =
-      vsc::ReadBundle(*this, chunkSize_,
-                      {vsc::select::kBatch, BatchRequest(keys, qualifiers), progress, context, transferFlag}, bundle);
-  if (!announced || !vsc::ReconcileSize(bundle.Received(), *announced, __func__)) {
+  kelva::BundleSplitter bundle([&keys](std::span<const char> head) { return kelva::DecodeBatchTable(keys, head); });
+  const std::optional<std::uint32_t> announced = kelva::ReadBundle(
+      *this, chunkSize_, {kelva::select::kBatch, BatchRequest(keys, qualifiers), progress, context, transferFlag},
+      bundle);
+  if (!announced || !kelva::ReconcileSize(bundle.Received(), *announced, __func__)) {
     return {};
   }
   // Reconciled, so the bundle is as long as announced once a surplus byte is cut off.
@@ -50,19 +50,20 @@ std::vector<_Sha1obj> Camera::ReadFilesBySha1(std::vector<std::string> keys, std
 bool Camera::DeleteBatch(std::vector<std::string> keys, bool transferFlag) {
   ClearCancel(transferFlag);
   const std::string text = std::accumulate(keys.begin(), keys.end(), std::string());
-  return vsc::SendText(*this, vsc::Block(vsc::Operation::kAction, vsc::action::kDeleteBatch), text.c_str(), text.size(),
-                       transferFlag);
+  return kelva::SendText(*this, kelva::Block(kelva::Operation::kAction, kelva::action::kDeleteBatch), text.c_str(),
+                         text.size(), transferFlag);
 }
 
 std::vector<_Sha1obj> Camera::ReadCompressedRaw(std::string key, void (*progress)(void*, float), void* context,
                                                 bool transferFlag) {
-  vsc::BundleSplitter bundle([&key](std::span<const char> head) { return vsc::DecodeCompressedRawTable(key, head); });
-  if (!vsc::ReadBundle(*this, chunkSize_, {vsc::select::kCompressedRaw, key, progress, context, transferFlag},
-                       bundle) ||
+  kelva::BundleSplitter bundle(
+      [&key](std::span<const char> head) { return kelva::DecodeCompressedRawTable(key, head); });
+  if (!kelva::ReadBundle(*this, chunkSize_, {kelva::select::kCompressedRaw, key, progress, context, transferFlag},
+                         bundle) ||
       !bundle.Table()) {
     return {};
   }
-  const vsc::BundleTable& table = *bundle.Table();
+  const kelva::BundleTable& table = *bundle.Table();
   if (bundle.Received() != table.bodyStart + table.entries[0].size + table.entries[1].size) {
     return {};
   }

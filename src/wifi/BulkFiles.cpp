@@ -7,9 +7,9 @@
 
 std::vector<_Sha1obj> Camera::ReadCrashLogs(void (*progress)(void*, float), void* context, bool deleteAfterRead,
                                             bool transferFlag) {
-  vsc::BundleSplitter bundle(vsc::DecodeCrashLogTable);
-  if (!vsc::ReadBundle(*this, chunkSize_, {vsc::select::kCrashLogs, std::nullopt, progress, context, transferFlag},
-                       bundle)) {
+  kelva::BundleSplitter bundle(kelva::DecodeCrashLogTable);
+  if (!kelva::ReadBundle(*this, chunkSize_, {kelva::select::kCrashLogs, std::nullopt, progress, context, transferFlag},
+                         bundle)) {
     return {};
   }
   std::vector<_Sha1obj> logs = bundle.TakeFiles();
@@ -22,9 +22,9 @@ std::vector<_Sha1obj> Camera::ReadCrashLogs(void (*progress)(void*, float), void
 }
 
 std::vector<_Sha1obj> Camera::ReadCalibration(void (*progress)(void*, float), void* context, bool transferFlag) {
-  vsc::BundleSplitter bundle(vsc::DecodeCalibrationTable);
-  if (!vsc::ReadBundle(*this, chunkSize_, {vsc::select::kCalibration, std::nullopt, progress, context, transferFlag},
-                       bundle)) {
+  kelva::BundleSplitter bundle(kelva::DecodeCalibrationTable);
+  if (!kelva::ReadBundle(*this, chunkSize_,
+                         {kelva::select::kCalibration, std::nullopt, progress, context, transferFlag}, bundle)) {
     return {};
   }
   return bundle.TakeFiles();

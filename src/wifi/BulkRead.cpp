@@ -3,7 +3,7 @@
 #include "Command.h"
 #include "Progress.h"
 
-namespace vsc {
+namespace kelva {
 namespace {
 
 bool PrepareBundle(Camera& camera, const BulkRead& read) {
@@ -31,4 +31,4 @@ std::optional<std::uint32_t> ReadBundle(Camera& camera, const int& chunkSize, co
   return announced;
 }
 
-}  // namespace vsc
+}  // namespace kelva

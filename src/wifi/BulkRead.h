@@ -1,5 +1,5 @@
-#ifndef KELVA_BULK_READ_H_
-#define KELVA_BULK_READ_H_
+#ifndef KELVA_WIFI_BULK_READ_H_
+#define KELVA_WIFI_BULK_READ_H_
 
 #include <cstdint>
 #include <optional>
@@ -8,7 +8,7 @@
 #include "BundleSplitter.h"
 #include "Camera.h"
 
-namespace vsc {
+namespace kelva {
 
 /// One bulk read: what the camera is asked to assemble, and who hears how far it is.
 struct BulkRead {
@@ -25,6 +25,6 @@ struct BulkRead {
 std::optional<std::uint32_t> ReadBundle(Camera& camera, const int& chunkSize, const BulkRead& read,
                                         BundleSplitter& bundle);
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_BULK_READ_H_
+#endif  // KELVA_WIFI_BULK_READ_H_

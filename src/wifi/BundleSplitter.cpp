@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace vsc {
+namespace kelva {
 
 BundleSplitter::BundleSplitter(TableDecoder decoder) : decoder_(std::move(decoder)) {}
 
@@ -50,4 +50,4 @@ std::vector<_Sha1obj> BundleSplitter::TakeFiles() {
   return files;
 }
 
-}  // namespace vsc
+}  // namespace kelva

@@ -1,5 +1,5 @@
-#ifndef KELVA_BUNDLE_SPLITTER_H_
-#define KELVA_BUNDLE_SPLITTER_H_
+#ifndef KELVA_WIFI_BUNDLE_SPLITTER_H_
+#define KELVA_WIFI_BUNDLE_SPLITTER_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +11,7 @@
 #include "ChunkedRead.h"
 #include "Sha1obj.h"
 
-namespace vsc {
+namespace kelva {
 
 /// What a bundle's table says: a record for each entry, `name` and `size` filled, and where the first body starts.
 struct BundleTable {
@@ -48,6 +48,6 @@ class BundleSplitter final : public ChunkSink {
   std::uint64_t received_ = 0;
 };
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_BUNDLE_SPLITTER_H_
+#endif  // KELVA_WIFI_BUNDLE_SPLITTER_H_

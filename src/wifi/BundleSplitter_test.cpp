@@ -16,12 +16,12 @@ using namespace wifi_testing;
 const std::string kBundle = Bytes({5, 0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0}) + "Aaaaa" + "Ccc";
 const std::vector<std::string> kKeys = {"a", "b", "c"};
 
-vsc::BundleSplitter Splitter() {
-  return vsc::BundleSplitter([](std::span<const char> head) { return vsc::DecodeBatchTable(kKeys, head); });
+kelva::BundleSplitter Splitter() {
+  return kelva::BundleSplitter([](std::span<const char> head) { return kelva::DecodeBatchTable(kKeys, head); });
 }
 
 std::vector<std::string> Split(const std::string& bundle, std::size_t chunk) {
-  vsc::BundleSplitter splitter = Splitter();
+  kelva::BundleSplitter splitter = Splitter();
   for (std::size_t at = 0; at < bundle.size(); at += chunk) {
     const std::string part = bundle.substr(at, chunk);
     splitter.Append(part);
@@ -51,7 +51,7 @@ TEST(BundleSplitter, GivesNothingForAShortBundle) {
 }
 
 TEST(BundleSplitter, KnowsItsTableOnceItIsWhole) {
-  vsc::BundleSplitter splitter = Splitter();
+  kelva::BundleSplitter splitter = Splitter();
   splitter.Append(std::span(kBundle).first(11));
   EXPECT_FALSE(splitter.Table());
   splitter.Append(std::span(kBundle).subspan(11, 1));
@@ -63,7 +63,7 @@ TEST(BundleSplitter, KnowsItsTableOnceItIsWhole) {
 TEST(BundleSplitter, TakesABodyThatBeginsInsideTheTable) {
   const std::string bundle = Bytes({1, 0, 0, 0, 6, 0, 0, 0}) + std::string(28, 'n') + "body!!";
   for (std::size_t chunk = 1; chunk <= bundle.size(); ++chunk) {
-    vsc::BundleSplitter splitter(vsc::DecodeCrashLogTable);
+    kelva::BundleSplitter splitter(kelva::DecodeCrashLogTable);
     for (std::size_t at = 0; at < bundle.size(); at += chunk) {
       const std::string part = bundle.substr(at, chunk);
       splitter.Append(part);
@@ -76,7 +76,7 @@ TEST(BundleSplitter, TakesABodyThatBeginsInsideTheTable) {
 }
 
 TEST(BundleSplitter, OfATableWithoutEntriesIsEmpty) {
-  vsc::BundleSplitter splitter(vsc::DecodeCrashLogTable);
+  kelva::BundleSplitter splitter(kelva::DecodeCrashLogTable);
   splitter.Append(std::string("\0\0\0\0rest", 8));
   EXPECT_TRUE(splitter.Table());
   EXPECT_TRUE(splitter.TakeFiles().empty());

@@ -4,7 +4,7 @@
 
 #include "LittleEndian.h"
 
-namespace vsc {
+namespace kelva {
 namespace {
 
 constexpr std::size_t kWord = 4;
@@ -69,25 +69,25 @@ std::optional<BundleTable> DecodeCompressedRawTable(const std::string& key, std:
   return BundleTable{{{{}, key, sizes[0]}, {{}, key, sizes[1]}}, kWord * kParts};
 }
 
-}  // namespace vsc
+}  // namespace kelva
 
 std::vector<_Sha1obj> UnpackCrashLogHeader(const char* data) {
-  return vsc::NamedEntries(data + vsc::kWord, vsc::LoadU32(data));
+  return kelva::NamedEntries(data + kelva::kWord, kelva::LoadU32(data));
 }
 
 std::vector<_Sha1obj> UnpackCalibrationHeader(const char* data) {
-  return vsc::NamedEntries(data, vsc::kCalibrationEntries);
+  return kelva::NamedEntries(data, kelva::kCalibrationEntries);
 }
 
 std::vector<unsigned int> UnpackBatchHeader(unsigned int count, const char* data) {
   std::vector<unsigned int> values;
   values.reserve(count);
-  for (; values.size() < count; data += vsc::kWord) {
-    values.push_back(vsc::LoadU32(data));
+  for (; values.size() < count; data += kelva::kWord) {
+    values.push_back(kelva::LoadU32(data));
   }
   return values;
 }
 
 std::vector<unsigned int> UnpackRawCompressionHeader(const char* data) {
-  return UnpackBatchHeader(vsc::kParts, data);
+  return UnpackBatchHeader(kelva::kParts, data);
 }

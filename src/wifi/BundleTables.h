@@ -1,5 +1,5 @@
-#ifndef KELVA_BUNDLE_TABLES_H_
-#define KELVA_BUNDLE_TABLES_H_
+#ifndef KELVA_WIFI_BUNDLE_TABLES_H_
+#define KELVA_WIFI_BUNDLE_TABLES_H_
 
 #include <optional>
 #include <span>
@@ -10,7 +10,7 @@
 
 // The tables of the four bundles, decoded within the bytes that are there.
 
-namespace vsc {
+namespace kelva {
 
 /// A count N, N entries of 36 bytes, and the bodies from 36 x N, four bytes before the table's end.
 std::optional<BundleTable> DecodeCrashLogTable(std::span<const char> bundle);
@@ -24,6 +24,6 @@ std::optional<BundleTable> DecodeBatchTable(const std::vector<std::string>& keys
 /// Two part sizes, then the parts, both named by the key.
 std::optional<BundleTable> DecodeCompressedRawTable(const std::string& key, std::span<const char> bundle);
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_BUNDLE_TABLES_H_
+#endif  // KELVA_WIFI_BUNDLE_TABLES_H_

@@ -64,9 +64,9 @@ TEST(UnpackRawCompressionHeader, ReadsTwoValuesInOrder) {
 TEST(DecodeCrashLogTable, WaitsForTheWholeTable) {
   const std::string table = Bytes({1, 0, 0, 0, 7, 0, 0, 0}) + Field("log", 32);
   for (const std::size_t length : {std::size_t{0}, std::size_t{3}, std::size_t{4}, std::size_t{39}}) {
-    EXPECT_FALSE(vsc::DecodeCrashLogTable({table.data(), length})) << length;
+    EXPECT_FALSE(kelva::DecodeCrashLogTable({table.data(), length})) << length;
   }
-  const std::optional<vsc::BundleTable> decoded = vsc::DecodeCrashLogTable(table);
+  const std::optional<kelva::BundleTable> decoded = kelva::DecodeCrashLogTable(table);
   ASSERT_TRUE(decoded);
   EXPECT_EQ(decoded->bodyStart, 36u);
   ASSERT_EQ(decoded->entries.size(), 1u);
@@ -74,12 +74,12 @@ TEST(DecodeCrashLogTable, WaitsForTheWholeTable) {
 }
 
 TEST(DecodeCrashLogTable, DoesNotWrapAHugeCount) {
-  EXPECT_FALSE(vsc::DecodeCrashLogTable(Bytes({0x1D, 0xC7, 0x71, 0x1C}) + std::string(96, '\0')));
+  EXPECT_FALSE(kelva::DecodeCrashLogTable(Bytes({0x1D, 0xC7, 0x71, 0x1C}) + std::string(96, '\0')));
 }
 
 TEST(DecodeCalibrationTable, WaitsForAllThirtyOneEntries) {
-  EXPECT_FALSE(vsc::DecodeCalibrationTable(std::string(1115, '\0')));
-  const std::optional<vsc::BundleTable> decoded = vsc::DecodeCalibrationTable(std::string(1116, '\0'));
+  EXPECT_FALSE(kelva::DecodeCalibrationTable(std::string(1115, '\0')));
+  const std::optional<kelva::BundleTable> decoded = kelva::DecodeCalibrationTable(std::string(1116, '\0'));
   ASSERT_TRUE(decoded);
   EXPECT_EQ(decoded->bodyStart, 1116u);
   EXPECT_EQ(decoded->entries.size(), 31u);
@@ -87,8 +87,8 @@ TEST(DecodeCalibrationTable, WaitsForAllThirtyOneEntries) {
 
 TEST(DecodeBatchTable, NamesEachSizeByItsKey) {
   const std::vector<std::string> keys = {"a", "b"};
-  EXPECT_FALSE(vsc::DecodeBatchTable(keys, std::string(7, '\0')));
-  const std::optional<vsc::BundleTable> decoded = vsc::DecodeBatchTable(keys, Bytes({1, 0, 0, 0, 2, 0, 0, 0}));
+  EXPECT_FALSE(kelva::DecodeBatchTable(keys, std::string(7, '\0')));
+  const std::optional<kelva::BundleTable> decoded = kelva::DecodeBatchTable(keys, Bytes({1, 0, 0, 0, 2, 0, 0, 0}));
   ASSERT_TRUE(decoded);
   EXPECT_EQ(decoded->bodyStart, 8u);
   EXPECT_EQ(decoded->entries[1].name, "b");
@@ -96,8 +96,9 @@ TEST(DecodeBatchTable, NamesEachSizeByItsKey) {
 }
 
 TEST(DecodeCompressedRawTable, GivesBothPartsTheKey) {
-  EXPECT_FALSE(vsc::DecodeCompressedRawTable("k", std::string(7, '\0')));
-  const std::optional<vsc::BundleTable> decoded = vsc::DecodeCompressedRawTable("k", Bytes({1, 0, 0, 0, 2, 0, 0, 0}));
+  EXPECT_FALSE(kelva::DecodeCompressedRawTable("k", std::string(7, '\0')));
+  const std::optional<kelva::BundleTable> decoded =
+      kelva::DecodeCompressedRawTable("k", Bytes({1, 0, 0, 0, 2, 0, 0, 0}));
   ASSERT_TRUE(decoded);
   EXPECT_EQ(decoded->bodyStart, 8u);
   ASSERT_EQ(decoded->entries.size(), 2u);

@@ -1,5 +1,5 @@
-#ifndef KELVA_CAMERA_H_
-#define KELVA_CAMERA_H_
+#ifndef KELVA_WIFI_CAMERA_H_
+#define KELVA_WIFI_CAMERA_H_
 
 #include <boost/shared_ptr.hpp>
 #include <string>
@@ -191,4 +191,4 @@ class Camera {
   static bool throwExceptions_;
 };
 
-#endif  // KELVA_CAMERA_H_
+#endif  // KELVA_WIFI_CAMERA_H_

@@ -1,5 +1,5 @@
-#ifndef KELVA_CAMERA_DIRENT_H_
-#define KELVA_CAMERA_DIRENT_H_
+#ifndef KELVA_WIFI_CAMERA_DIRENT_H_
+#define KELVA_WIFI_CAMERA_DIRENT_H_
 
 #include <string>
 
@@ -10,4 +10,4 @@ struct CameraDirent {
   int attributes;    ///< FAT attribute bits: 0x10 directory, 0x08 volume label, the others as they came
 };
 
-#endif  // KELVA_CAMERA_DIRENT_H_
+#endif  // KELVA_WIFI_CAMERA_DIRENT_H_

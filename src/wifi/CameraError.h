@@ -1,5 +1,5 @@
-#ifndef KELVA_CAMERA_ERROR_H_
-#define KELVA_CAMERA_ERROR_H_
+#ifndef KELVA_WIFI_CAMERA_ERROR_H_
+#define KELVA_WIFI_CAMERA_ERROR_H_
 
 #include <exception>
 #include <string>
@@ -39,4 +39,4 @@ class CameraTransferError : public CameraError {
   explicit CameraTransferError(const std::string& msg);
 };
 
-#endif  // KELVA_CAMERA_ERROR_H_
+#endif  // KELVA_WIFI_CAMERA_ERROR_H_

@@ -10,12 +10,12 @@
 boost::shared_ptr<Camera> Camera::GetCamera(const char* serialNumber, std::string text, bool first, bool second) {
   for (const boost::shared_ptr<Camera>& camera : EnumerateCameras(true, std::move(text), first, second)) {
     if (camera == nullptr) {
-      vsc::FailAssertion("camera != nullptr", __func__);
+      kelva::FailAssertion("camera != nullptr", __func__);
     }
     if (camera->CompareSn(serialNumber)) {
       return camera;
     }
   }
-  vsc::ReportProtocolError("Camera not found.");
+  kelva::ReportProtocolError("Camera not found.");
   return {};
 }

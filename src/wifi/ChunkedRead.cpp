@@ -6,7 +6,7 @@
 #include "Command.h"
 #include "LittleEndian.h"
 
-namespace vsc {
+namespace kelva {
 
 VectorSink::VectorSink(std::size_t claimed) : limit_(claimed) {
   data_.reserve(std::min(claimed, kLargestReservation));
@@ -47,4 +47,4 @@ bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, C
   }
 }
 
-}  // namespace vsc
+}  // namespace kelva

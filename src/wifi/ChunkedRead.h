@@ -1,5 +1,5 @@
-#ifndef KELVA_CHUNKED_READ_H_
-#define KELVA_CHUNKED_READ_H_
+#ifndef KELVA_WIFI_CHUNKED_READ_H_
+#define KELVA_WIFI_CHUNKED_READ_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +11,7 @@
 #include "Camera.h"
 #include "Progress.h"
 
-namespace vsc {
+namespace kelva {
 
 /// The largest size that is set aside on a camera's word alone; what is larger grows with what arrives.
 inline constexpr std::size_t kLargestReservation = std::size_t{64} * 1024 * 1024;
@@ -57,6 +57,6 @@ struct ChunkedRead {
 /// then void.
 bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, ChunkSink& sink);
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_CHUNKED_READ_H_
+#endif  // KELVA_WIFI_CHUNKED_READ_H_

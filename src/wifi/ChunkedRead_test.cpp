@@ -12,10 +12,10 @@ namespace {
 
 using namespace wifi_testing;
 
-const vsc::ChunkedRead kPlainRead = {vsc::read_chunk::kSelected, true, vsc::ReadProgress::None()};
+const kelva::ChunkedRead kPlainRead = {kelva::read_chunk::kSelected, true, kelva::ReadProgress::None()};
 
 // Takes chunks and keeps none.
-class CountingSink : public vsc::ChunkSink {
+class CountingSink : public kelva::ChunkSink {
  public:
   void Append(std::span<const char> bytes) override { received += bytes.size(); }
   std::uint64_t received = 0;
@@ -38,7 +38,7 @@ TEST(ReadChunks, FailsWhenTheNextOffsetWouldNotFit) {
   EndlessCamera camera;
   CountingSink sink;
   const int chunkSize = 64 * 1024 * 1024;
-  EXPECT_FALSE(vsc::ReadChunks(camera, chunkSize, kPlainRead, sink));
+  EXPECT_FALSE(kelva::ReadChunks(camera, chunkSize, kPlainRead, sink));
   EXPECT_EQ(camera.transfers, 64);
   EXPECT_EQ(Hex(camera.lastOffset), Hex(Bytes({0, 0, 0, 0xFC})));
   EXPECT_EQ(sink.received, std::uint64_t{1} << 32);
@@ -48,7 +48,7 @@ TEST(ReadChunks, WithoutAPositiveChunkSizeFailsWithoutATransfer) {
   ScriptedCamera camera;
   CountingSink sink;
   for (const int chunkSize : {0, -1}) {
-    EXPECT_FALSE(vsc::ReadChunks(camera, chunkSize, kPlainRead, sink));
+    EXPECT_FALSE(kelva::ReadChunks(camera, chunkSize, kPlainRead, sink));
   }
 }
 
@@ -56,9 +56,9 @@ TEST(ReadChunks, HandsEachChunkOnAsItArrives) {
   ScriptedCamera camera;
   camera.Expect({0xC4, 0x00, 0x01, 0}).Asks(4).Answers("abcd");
   camera.Expect({0xC4, 0x00, 0x01, 4}).Asks(4).Answers("e");
-  vsc::VectorSink sink;
+  kelva::VectorSink sink;
   const int chunkSize = 4;
-  EXPECT_TRUE(vsc::ReadChunks(camera, chunkSize, kPlainRead, sink));
+  EXPECT_TRUE(kelva::ReadChunks(camera, chunkSize, kPlainRead, sink));
   EXPECT_EQ(sink.Received(), 5u);
   EXPECT_EQ(ToString(sink.Take()), "abcde");
 }
@@ -69,12 +69,12 @@ TEST(ReadChunks, HoldsAChunkAgainstTheSizeThatWasAsked) {
   int chunkSize = 4;
   camera.Expect({0xC4, 0x00, 0x01, 0}).Asks(4).Answers("abcd").Moves(8).Then([&] { chunkSize = 8; });
   CountingSink sink;
-  EXPECT_TRUE(vsc::ReadChunks(camera, chunkSize, kPlainRead, sink));
+  EXPECT_TRUE(kelva::ReadChunks(camera, chunkSize, kPlainRead, sink));
   EXPECT_EQ(sink.received, 4u);
 }
 
 TEST(VectorSink, KeepsNoMoreThanWasClaimedAndCountsTheRest) {
-  vsc::VectorSink sink(3);
+  kelva::VectorSink sink(3);
   const std::string chunk = "abcd";
   sink.Append({chunk.data(), 2});
   sink.Append({chunk.data() + 2, 2});

@@ -5,7 +5,7 @@
 #include "Command.h"
 #include "LittleEndian.h"
 
-namespace vsc {
+namespace kelva {
 namespace {
 
 void ReportWriteProgress(const ChunkedWrite& write, int offset) {
@@ -30,4 +30,4 @@ void WriteChunks(Camera& camera, const int& chunkSize, const ChunkedWrite& write
   }
 }
 
-}  // namespace vsc
+}  // namespace kelva

@@ -1,9 +1,9 @@
-#ifndef KELVA_CHUNKED_WRITE_H_
-#define KELVA_CHUNKED_WRITE_H_
+#ifndef KELVA_WIFI_CHUNKED_WRITE_H_
+#define KELVA_WIFI_CHUNKED_WRITE_H_
 
 #include "Camera.h"
 
-namespace vsc {
+namespace kelva {
 
 /// What is written, and who is told about it: `progress` is called before each chunk whose offset is a whole multiple
 /// of `progressInterval`.
@@ -19,6 +19,6 @@ struct ChunkedWrite {
 /// looked at, and the loop does not stop on a failed one; what a transfer throws passes through.
 void WriteChunks(Camera& camera, const int& chunkSize, const ChunkedWrite& write);
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_CHUNKED_WRITE_H_
+#endif  // KELVA_WIFI_CHUNKED_WRITE_H_

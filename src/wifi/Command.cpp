@@ -6,7 +6,7 @@
 
 #include "LittleEndian.h"
 
-namespace vsc {
+namespace kelva {
 
 _VscCdb Block(Operation operation) {
   _VscCdb cdb{};
@@ -60,4 +60,4 @@ std::size_t BytesArrived(int moved, std::size_t capacity) {
   return moved <= 0 ? 0 : std::min(static_cast<std::size_t>(moved), capacity);
 }
 
-}  // namespace vsc
+}  // namespace kelva

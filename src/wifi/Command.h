@@ -1,5 +1,5 @@
-#ifndef KELVA_COMMAND_H_
-#define KELVA_COMMAND_H_
+#ifndef KELVA_WIFI_COMMAND_H_
+#define KELVA_WIFI_COMMAND_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include "Camera.h"
 #include "VscRegister.h"
 
-namespace vsc {
+namespace kelva {
 
 /// A zeroed command block with its operation code.
 _VscCdb Block(Operation operation);
@@ -35,6 +35,6 @@ bool AskSelectedSize(Camera& camera, bool flag, std::uint32_t& size);
 /// How many of `capacity` bytes really hold an answer of which the transport reported `moved`.
 std::size_t BytesArrived(int moved, std::size_t capacity);
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_COMMAND_H_
+#endif  // KELVA_WIFI_COMMAND_H_

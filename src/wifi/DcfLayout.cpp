@@ -5,7 +5,7 @@
 
 #include "LittleEndian.h"
 
-namespace vsc {
+namespace kelva {
 namespace {
 
 /// Where a field of each type goes in DcfObj, and how many bytes it has there and in a record.
@@ -68,4 +68,4 @@ DcfObj DcfLayout::Decode(const char* record) const {
   return obj;
 }
 
-}  // namespace vsc
+}  // namespace kelva

@@ -1,5 +1,5 @@
-#ifndef KELVA_DCF_LAYOUT_H_
-#define KELVA_DCF_LAYOUT_H_
+#ifndef KELVA_WIFI_DCF_LAYOUT_H_
+#define KELVA_WIFI_DCF_LAYOUT_H_
 
 #include <array>
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 #include "DcfObj.h"
 
-namespace vsc {
+namespace kelva {
 
 /// Bytes of the header with its field table: 12 + 8 x field count, which a hostile count makes negative or huge.
 std::int64_t DcfHeaderSize(const _VscCdbDcfHeader& header);
@@ -40,6 +40,6 @@ class DcfLayout {
   std::array<std::int64_t, kTypes> offsets_;
 };
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_DCF_LAYOUT_H_
+#endif  // KELVA_WIFI_DCF_LAYOUT_H_

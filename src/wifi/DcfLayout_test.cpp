@@ -152,12 +152,12 @@ TEST(UnpackDcf, SkipsAFieldThatIsNotWhollyInsideTheRecord) {
 TEST(DcfLayout, AFieldOutsideTheRecordDoesNotTakeThePlaceOfOneInside) {
   const Unaligned header(
       Bytes({1, 0, 0, 0, 4, 0, 0, 0, 2, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF}));
-  const DcfObj picture = vsc::DcfLayout(header.header()).Decode("abcd");
+  const DcfObj picture = kelva::DcfLayout(header.header()).Decode("abcd");
   EXPECT_EQ(picture.value9, 0x64636261u);
 }
 
 TEST(DcfHeaderSize, OfAHostileCountIsNegativeOrHugeButNeverWraps) {
-  const auto size = [](int count) { return vsc::DcfHeaderSize(_VscCdbDcfHeader{1, 4, count}); };
+  const auto size = [](int count) { return kelva::DcfHeaderSize(_VscCdbDcfHeader{1, 4, count}); };
   EXPECT_EQ(size(0), 12);
   EXPECT_EQ(size(-2), -4);
   EXPECT_EQ(size(0x7FFFFFFF), 17179869188);

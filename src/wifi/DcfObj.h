@@ -1,5 +1,5 @@
-#ifndef KELVA_DCF_OBJ_H_
-#define KELVA_DCF_OBJ_H_
+#ifndef KELVA_WIFI_DCF_OBJ_H_
+#define KELVA_WIFI_DCF_OBJ_H_
 
 #include <cstddef>
 #include <type_traits>
@@ -44,4 +44,4 @@ struct _VscCdbDcfHeader {
 static_assert(sizeof(_VscCdbDcfHeader) == 12 && alignof(_VscCdbDcfHeader) == 1);
 static_assert(std::is_trivially_copyable_v<_VscCdbDcfHeader>);
 
-#endif  // KELVA_DCF_OBJ_H_
+#endif  // KELVA_WIFI_DCF_OBJ_H_

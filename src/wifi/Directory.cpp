@@ -9,8 +9,8 @@
 #include "Command.h"
 #include "DirectoryListing.h"
 
-using vsc::Block;
-using vsc::Operation;
+using kelva::Block;
+using kelva::Operation;
 
 namespace {
 
@@ -28,14 +28,14 @@ struct Visit {
 
 std::vector<CameraDirent> Camera::ReadDir(const char* path) {
   ClearCancel(true);
-  if (!vsc::SendText(*this, Block(Operation::kSelect, vsc::select::kDirectory), path, true)) {
+  if (!kelva::SendText(*this, Block(Operation::kSelect, kelva::select::kDirectory), path, true)) {
     return {};
   }
-  vsc::VectorSink sink;
-  if (!vsc::ReadChunks(*this, chunkSize_, {vsc::read_chunk::kSelected, true, vsc::ReadProgress::None()}, sink)) {
+  kelva::VectorSink sink;
+  if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, true, kelva::ReadProgress::None()}, sink)) {
     return {};
   }
-  return vsc::DecodeListing(sink.Take());
+  return kelva::DecodeListing(sink.Take());
 }
 
 void Camera::TraverseDir(const char* path, std::vector<std::pair<std::string, long long>>& files) {

@@ -9,7 +9,7 @@
 
 #include "LittleEndian.h"
 
-namespace vsc {
+namespace kelva {
 namespace {
 
 constexpr std::size_t kListingHeader = 8;
@@ -56,4 +56,4 @@ std::vector<CameraDirent> DecodeListing(std::span<const char> answer) {
   return entries;
 }
 
-}  // namespace vsc
+}  // namespace kelva

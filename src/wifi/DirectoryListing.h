@@ -6,13 +6,13 @@
 
 #include "Camera.h"
 
-namespace vsc {
+namespace kelva {
 
 /// The entries of a directory listing as the camera sends it, in its order. `answer` is what arrived and nothing more:
 /// counts and offsets are held against it, and an entry that is not wholly inside is left out. An answer without a whole
 /// header is an empty directory.
 std::vector<CameraDirent> DecodeListing(std::span<const char> answer);
 
-}  // namespace vsc
+}  // namespace kelva
 
 #endif  // KELVA_WIFI_DIRECTORY_LISTING_H_

@@ -12,9 +12,9 @@ using namespace wifi_testing;
 
 TEST(DirectoryListing, IsAHeaderATableAndNamesAtOffsetsOfTheAnswer) {
   const auto entries =
-      vsc::DecodeListing(Bytes({9,    9, 9, 9, 1, 0, 0, 0,               // what stands before the count means nothing
-                                0x21, 0, 0, 0, 5, 0, 0, 0, 20, 0, 0, 0,  //
-                                'A',  0}));
+      kelva::DecodeListing(Bytes({9,    9, 9, 9, 1, 0, 0, 0,               // what stands before the count means nothing
+                                  0x21, 0, 0, 0, 5, 0, 0, 0, 20, 0, 0, 0,  //
+                                  'A',  0}));
   ASSERT_EQ(entries.size(), 1u);
   EXPECT_EQ(entries[0].name, "A");
   EXPECT_EQ(entries[0].size, 5);
@@ -22,8 +22,8 @@ TEST(DirectoryListing, IsAHeaderATableAndNamesAtOffsetsOfTheAnswer) {
 }
 
 TEST(DirectoryListing, WithoutAWholeHeaderIsEmpty) {
-  EXPECT_TRUE(vsc::DecodeListing({}).empty());
-  EXPECT_TRUE(vsc::DecodeListing(Bytes({0, 0, 0, 0, 1, 0, 0})).empty());
+  EXPECT_TRUE(kelva::DecodeListing({}).empty());
+  EXPECT_TRUE(kelva::DecodeListing(Bytes({0, 0, 0, 0, 1, 0, 0})).empty());
 }
 
 // A listing of `bad` entries whose names have no end, and after them one named "A".
@@ -38,8 +38,8 @@ std::string ListingOfEndlessNames(int bad) {
 }
 
 TEST(DirectoryListing, LooksForNamesInSixteenTimesTheAnswerAndNoFurther) {
-  EXPECT_EQ(vsc::DecodeListing(ListingOfEndlessNames(20)).size(), 1u);  // 20 x 600 bytes of 16 x 862
-  EXPECT_EQ(vsc::DecodeListing(ListingOfEndlessNames(38)).size(), 0u);  // 38 x 600 bytes of 16 x 1,078
+  EXPECT_EQ(kelva::DecodeListing(ListingOfEndlessNames(20)).size(), 1u);  // 20 x 600 bytes of 16 x 862
+  EXPECT_EQ(kelva::DecodeListing(ListingOfEndlessNames(38)).size(), 0u);  // 38 x 600 bytes of 16 x 1,078
 }
 
 }  // namespace

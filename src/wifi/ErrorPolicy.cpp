@@ -2,7 +2,7 @@
 
 #include "Camera.h"
 
-namespace vsc {
+namespace kelva {
 
 void ReportProtocolError(const std::string& message) {
   if (Camera::throwExceptions_) {
@@ -16,4 +16,4 @@ void ReportProtocolError() {
   }
 }
 
-}  // namespace vsc
+}  // namespace kelva

@@ -1,9 +1,9 @@
-#ifndef KELVA_ERROR_POLICY_H_
-#define KELVA_ERROR_POLICY_H_
+#ifndef KELVA_WIFI_ERROR_POLICY_H_
+#define KELVA_WIFI_ERROR_POLICY_H_
 
 #include <string>
 
-namespace vsc {
+namespace kelva {
 
 /// A command found a protocol error: throws CameraError with the message while `Camera::throwExceptions_` is true;
 /// otherwise returns, and the command returns its neutral value.
@@ -12,6 +12,6 @@ void ReportProtocolError(const std::string& message);
 /// As above, with the default message "Camera error.".
 void ReportProtocolError();
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_ERROR_POLICY_H_
+#endif  // KELVA_WIFI_ERROR_POLICY_H_

@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace vsc {
+namespace kelva {
 
 void FailAssertion(const char* expression, const char* function) {
   std::fprintf(stderr, "Assertion failed: (%s), function %s.\n", expression, function);
   std::abort();
 }
 
-}  // namespace vsc
+}  // namespace kelva

@@ -1,11 +1,11 @@
-#ifndef KELVA_FATAL_ASSERTION_H_
-#define KELVA_FATAL_ASSERTION_H_
+#ifndef KELVA_WIFI_FATAL_ASSERTION_H_
+#define KELVA_WIFI_FATAL_ASSERTION_H_
 
-namespace vsc {
+namespace kelva {
 
 /// Prints "Assertion failed: (expression), function name." to standard error and stops the process, in every build.
 [[noreturn]] void FailAssertion(const char* expression, const char* function);
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_FATAL_ASSERTION_H_
+#endif  // KELVA_WIFI_FATAL_ASSERTION_H_

@@ -5,7 +5,7 @@
 namespace {
 
 TEST(FatalAssertion, PrintsExpressionAndFunctionAndAborts) {
-  EXPECT_EXIT(vsc::FailAssertion("a == b", "Compare"), testing::KilledBySignal(SIGABRT),
+  EXPECT_EXIT(kelva::FailAssertion("a == b", "Compare"), testing::KilledBySignal(SIGABRT),
               testing::StrEq("Assertion failed: (a == b), function Compare.\n"));
 }
 

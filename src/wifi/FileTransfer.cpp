@@ -6,8 +6,8 @@
 #include "Command.h"
 #include "SizeReconciliation.h"
 
-using vsc::Block;
-using vsc::Operation;
+using kelva::Block;
+using kelva::Operation;
 
 std::vector<char> Camera::ReadFile(const char* path, void (*progress)(void*, float), void* context, bool flag) {
   if (!IsOpen()) {
@@ -15,16 +15,16 @@ std::vector<char> Camera::ReadFile(const char* path, void (*progress)(void*, flo
   }
   ClearCancel(flag);
   std::uint32_t fileSize = 0;
-  if (!vsc::SendText(*this, Block(Operation::kSelect, vsc::select::kFile), path, flag) ||
-      !vsc::AskSelectedSize(*this, flag, fileSize) || fileSize == 0) {
+  if (!kelva::SendText(*this, Block(Operation::kSelect, kelva::select::kFile), path, flag) ||
+      !kelva::AskSelectedSize(*this, flag, fileSize) || fileSize == 0) {
     return {};
   }
-  vsc::VectorSink sink(fileSize);
-  const auto report = vsc::ReadProgress::AtIntervals(progress, context, progressInterval_, fileSize);
-  if (!vsc::ReadChunks(*this, chunkSize_, {vsc::read_chunk::kSelected, flag, report}, sink)) {
+  kelva::VectorSink sink(fileSize);
+  const auto report = kelva::ReadProgress::AtIntervals(progress, context, progressInterval_, fileSize);
+  if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, flag, report}, sink)) {
     return {};
   }
-  if (!vsc::ReconcileSize(sink.Received(), fileSize, __func__)) {
+  if (!kelva::ReconcileSize(sink.Received(), fileSize, __func__)) {
     return {};
   }
   return sink.Take();
@@ -32,14 +32,14 @@ std::vector<char> Camera::ReadFile(const char* path, void (*progress)(void*, flo
 
 void Camera::WriteFile(const char* path, const char* data, int length, void (*progress)(void*, float), void* context) {
   ClearCancel(true);
-  _VscCdb open = Block(Operation::kSelect, vsc::select::kFile);
-  open.bytes[vsc::at::kParameter] = vsc::kSelectForWriting;
-  vsc::SendText(*this, open, path, true);
-  vsc::WriteChunks(*this, chunkSize_, {data, length, progress, context, progressInterval_});
-  vsc::SendCommand(*this, Block(Operation::kEndWrite, vsc::kEndWriteFile), true);
+  _VscCdb open = Block(Operation::kSelect, kelva::select::kFile);
+  open.bytes[kelva::at::kParameter] = kelva::kSelectForWriting;
+  kelva::SendText(*this, open, path, true);
+  kelva::WriteChunks(*this, chunkSize_, {data, length, progress, context, progressInterval_});
+  kelva::SendCommand(*this, Block(Operation::kEndWrite, kelva::kEndWriteFile), true);
 }
 
 bool Camera::DeleteFile(const char* path) {
   ClearCancel(true);
-  return vsc::SendText(*this, Block(Operation::kAction, vsc::action::kDeleteFile), path, true);
+  return kelva::SendText(*this, Block(Operation::kAction, kelva::action::kDeleteFile), path, true);
 }

@@ -10,8 +10,8 @@
 #include "FatalAssertion.h"
 #include "LittleEndian.h"
 
-using vsc::Block;
-using vsc::Operation;
+using kelva::Block;
+using kelva::Operation;
 
 namespace {
 
@@ -20,7 +20,7 @@ constexpr std::int32_t kConsoleVersion = 1;
 
 /// A caller that polls until there is no more keeps asking after an error.
 std::string FailConsoleLog(const char* message, bool& more) {
-  vsc::ReportProtocolError(message);
+  kelva::ReportProtocolError(message);
   more = true;
   return {};
 }
@@ -32,19 +32,19 @@ bool Camera::CameraInformation(_VscCdbCameraInformation& info) {
   info = {};
   info.last = -1;
   std::uint32_t announced = 0;
-  if (!vsc::SendCommand(*this, Block(Operation::kSelect, vsc::select::kInformation), true) ||
-      !vsc::AskSelectedSize(*this, true, announced)) {
+  if (!kelva::SendCommand(*this, Block(Operation::kSelect, kelva::select::kInformation), true) ||
+      !kelva::AskSelectedSize(*this, true, announced)) {
     return false;
   }
   int size = sizeof(info);
   std::vector<char> buffer(static_cast<std::size_t>(std::max(chunkSize_, size)));
-  if (!Transfer(Block(Operation::kReadChunk, vsc::read_chunk::kSelected), vsc::kFromCamera, size, buffer.data(),
+  if (!Transfer(Block(Operation::kReadChunk, kelva::read_chunk::kSelected), kelva::kFromCamera, size, buffer.data(),
                 true)) {
     return false;
   }
   const auto fileSize = static_cast<std::int32_t>(announced);
   if (size > fileSize && (size - 1) != fileSize) {
-    vsc::FailAssertion("(size - 1) == fileSize", __func__);
+    kelva::FailAssertion("(size - 1) == fileSize", __func__);
   }
   std::memcpy(&info, buffer.data(), sizeof(info));
   return true;
@@ -54,25 +54,25 @@ std::string Camera::ConsoleLog(bool& more) {
   std::vector<char> buffer(static_cast<std::size_t>(std::max(chunkSize_, kConsoleHeader)));
   ClearCancel(true);
   int size = chunkSize_;
-  Transfer(Block(Operation::kQuery, vsc::query::kConsoleLog), vsc::kFromCamera, size, buffer.data(), true);
+  Transfer(Block(Operation::kQuery, kelva::query::kConsoleLog), kelva::kFromCamera, size, buffer.data(), true);
   // The version is looked at first, even before the size.
-  if (vsc::LoadI32(buffer.data()) != kConsoleVersion) {
+  if (kelva::LoadI32(buffer.data()) != kConsoleVersion) {
     return FailConsoleLog("ConsoleLog() version incorrect.", more);
   }
   if (size < kConsoleHeader) {
     return FailConsoleLog("ConsoleLog() return size incorrect.", more);
   }
-  more = vsc::LoadU32(buffer.data() + 4) != 0;
-  return {buffer.data() + kConsoleHeader, buffer.data() + vsc::BytesArrived(size, buffer.size())};
+  more = kelva::LoadU32(buffer.data() + 4) != 0;
+  return {buffer.data() + kConsoleHeader, buffer.data() + kelva::BytesArrived(size, buffer.size())};
 }
 
 void Camera::Upgrade(const char* image, int length, void (*progress)(void*, float), void* context) {
   ClearCancel(true);
   _VscCdb begin = Block(Operation::kBeginUpgrade);
-  vsc::StoreU32(begin.bytes + vsc::at::kUpgradeLength, static_cast<std::uint32_t>(length));
-  vsc::SendCommand(*this, begin, true);
-  vsc::WriteChunks(*this, chunkSize_, {image, length, progress, context, progressInterval_});
-  vsc::SendCommand(*this, Block(Operation::kAction, vsc::action::kEndUpgrade), true);
+  kelva::StoreU32(begin.bytes + kelva::at::kUpgradeLength, static_cast<std::uint32_t>(length));
+  kelva::SendCommand(*this, begin, true);
+  kelva::WriteChunks(*this, chunkSize_, {image, length, progress, context, progressInterval_});
+  kelva::SendCommand(*this, Block(Operation::kAction, kelva::action::kEndUpgrade), true);
 }
 
 void Camera::UpgradeStatus(float& progress, bool& first, bool& second) {
@@ -80,13 +80,13 @@ void Camera::UpgradeStatus(float& progress, bool& first, bool& second) {
   ClearCancel(true);
   int size = sizeof(answer);
   // Only the size counts here, as in IsReady.
-  Transfer(Block(Operation::kQuery, vsc::query::kUpgradeStatus), vsc::kFromCamera, size, answer, true);
+  Transfer(Block(Operation::kQuery, kelva::query::kUpgradeStatus), kelva::kFromCamera, size, answer, true);
   if (size != sizeof(answer)) {
-    vsc::ReportProtocolError("UpgradeStatus() response size incorrect.");
-    const std::size_t arrived = vsc::BytesArrived(size, sizeof(answer));
+    kelva::ReportProtocolError("UpgradeStatus() response size incorrect.");
+    const std::size_t arrived = kelva::BytesArrived(size, sizeof(answer));
     std::memset(answer + arrived, 0, sizeof(answer) - arrived);
   }
-  progress = vsc::LoadFloat(answer);
-  first = vsc::LoadU32(answer + 4) != 0;
-  second = vsc::LoadU32(answer + 8) != 0;
+  progress = kelva::LoadFloat(answer);
+  first = kelva::LoadU32(answer + 4) != 0;
+  second = kelva::LoadU32(answer + 8) != 0;
 }

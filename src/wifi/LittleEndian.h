@@ -1,12 +1,12 @@
-#ifndef KELVA_LITTLE_ENDIAN_H_
-#define KELVA_LITTLE_ENDIAN_H_
+#ifndef KELVA_WIFI_LITTLE_ENDIAN_H_
+#define KELVA_WIFI_LITTLE_ENDIAN_H_
 
 #include <bit>
 #include <cstdint>
 
 // The one place that turns wire bytes into numbers and back. Pointers need no alignment.
 
-namespace vsc {
+namespace kelva {
 
 inline std::uint32_t LoadU32(const void* from) {
   const auto* byte = static_cast<const unsigned char*>(from);
@@ -38,6 +38,6 @@ inline void StoreU32(void* to, std::uint32_t value) {
   byte[3] = static_cast<unsigned char>(value >> 24);
 }
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_LITTLE_ENDIAN_H_
+#endif  // KELVA_WIFI_LITTLE_ENDIAN_H_

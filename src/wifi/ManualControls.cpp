@@ -9,8 +9,8 @@
 #include "ErrorPolicy.h"
 #include "LittleEndian.h"
 
-using vsc::Block;
-using vsc::Operation;
+using kelva::Block;
+using kelva::Operation;
 
 namespace {
 
@@ -20,12 +20,12 @@ constexpr int kWireSize = 32;
 /// The wire form has no gaps between its fields.
 _ManualControlsState Decode(const char (&wire)[kWireSize]) {
   _ManualControlsState state{};
-  state.first = vsc::LoadI32(wire);
-  state.second = vsc::LoadI32(wire + 4);
-  state.third = vsc::LoadFloat(wire + 8);
-  state.fourth = vsc::LoadDouble(wire + 12);
-  state.fifth = vsc::LoadDouble(wire + 20);
-  state.sixth = vsc::LoadI32(wire + 28);
+  state.first = kelva::LoadI32(wire);
+  state.second = kelva::LoadI32(wire + 4);
+  state.third = kelva::LoadFloat(wire + 8);
+  state.fourth = kelva::LoadDouble(wire + 12);
+  state.fifth = kelva::LoadDouble(wire + 20);
+  state.sixth = kelva::LoadI32(wire + 28);
   return state;
 }
 
@@ -38,16 +38,17 @@ bool Camera::GetManualControlsState(_ManualControlsState& state) {
   ClearCancel(true);
   std::vector<char> buffer(static_cast<std::size_t>(std::max(chunkSize_, kAskedSize)));
   int size = kAskedSize;
-  if (!Transfer(Block(Operation::kQuery, vsc::query::kManualControls), vsc::kFromCamera, size, buffer.data(), true)) {
+  if (!Transfer(Block(Operation::kQuery, kelva::query::kManualControls), kelva::kFromCamera, size, buffer.data(),
+                true)) {
     return false;
   }
   char wire[kWireSize] = {};
-  std::memcpy(wire, buffer.data(), vsc::BytesArrived(size, kWireSize));
+  std::memcpy(wire, buffer.data(), kelva::BytesArrived(size, kWireSize));
   state = Decode(wire);
   if (size >= kWireSize) {
     return true;
   }
-  vsc::ReportProtocolError("GetManualControlsState() unexpected response length");
+  kelva::ReportProtocolError("GetManualControlsState() unexpected response length");
   return false;
 }
 
@@ -56,9 +57,9 @@ bool Camera::SetManualControl(int control, std::string value) {
     return false;
   }
   ClearCancel(true);
-  _VscCdb cdb = Block(Operation::kAction, vsc::action::kManualControl);
-  cdb.bytes[vsc::at::kParameter] = static_cast<unsigned char>(control);
+  _VscCdb cdb = Block(Operation::kAction, kelva::action::kManualControl);
+  cdb.bytes[kelva::at::kParameter] = static_cast<unsigned char>(control);
   // A size and a buffer with no data phase: the camera is told that the command came, and the value stays here.
   int size = static_cast<int>(value.size()) + 1;
-  return Transfer(cdb, vsc::kNoData, size, value.data(), true);
+  return Transfer(cdb, kelva::kNoData, size, value.data(), true);
 }

@@ -11,8 +11,8 @@
 #include "DcfLayout.h"
 #include "ErrorPolicy.h"
 
-using vsc::Block;
-using vsc::Operation;
+using kelva::Block;
+using kelva::Operation;
 
 namespace {
 
@@ -42,10 +42,10 @@ std::vector<DcfObj> DecodeRecords(const _VscCdbDcfHeader* header, const char* re
   if (header->stride == 0) {
     return {};
   }
-  const vsc::DcfLayout layout(header);
+  const kelva::DcfLayout layout(header);
   const auto stride = static_cast<std::size_t>(header->stride);
   std::vector<DcfObj> pictures;
-  pictures.reserve(std::min(size / stride, vsc::kLargestReservation / sizeof(DcfObj)));
+  pictures.reserve(std::min(size / stride, kelva::kLargestReservation / sizeof(DcfObj)));
   for (; size >= stride; records += stride, size -= stride) {
     pictures.push_back(layout.Decode(records));
   }
@@ -54,9 +54,9 @@ std::vector<DcfObj> DecodeRecords(const _VscCdbDcfHeader* header, const char* re
 
 std::vector<DcfObj> DecodeCatalogue(const std::vector<char>& answer) {
   const auto* header = reinterpret_cast<const _VscCdbDcfHeader*>(answer.data());
-  const std::int64_t headerSize = answer.size() < sizeof(*header) ? -1 : vsc::DcfHeaderSize(*header);
+  const std::int64_t headerSize = answer.size() < sizeof(*header) ? -1 : kelva::DcfHeaderSize(*header);
   if (headerSize < 0 || headerSize > static_cast<std::int64_t>(answer.size())) {
-    vsc::ReportProtocolError("DcfHeader truncated.");
+    kelva::ReportProtocolError("DcfHeader truncated.");
     return {};
   }
   if (!Camera::ValidateDcfHeader(header)) {
@@ -73,11 +73,11 @@ std::vector<DcfObj> Camera::GetDcf() {
     return {};
   }
   ClearCancel(true);
-  if (!vsc::SendCommand(*this, Block(Operation::kSelect, vsc::select::kCatalogue), true)) {
+  if (!kelva::SendCommand(*this, Block(Operation::kSelect, kelva::select::kCatalogue), true)) {
     return {};
   }
-  vsc::VectorSink sink;
-  if (!vsc::ReadChunks(*this, chunkSize_, {vsc::read_chunk::kSelected, true, vsc::ReadProgress::None()}, sink)) {
+  kelva::VectorSink sink;
+  if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, true, kelva::ReadProgress::None()}, sink)) {
     return {};
   }
   return DecodeCatalogue(sink.Take());
@@ -85,19 +85,19 @@ std::vector<DcfObj> Camera::GetDcf() {
 
 bool Camera::ValidateDcfHeader(const _VscCdbDcfHeader* header) {
   if (header->version != kCatalogueVersion) {
-    vsc::ReportProtocolError("DcfHeader version != 1");
+    kelva::ReportProtocolError("DcfHeader version != 1");
     return false;
   }
   if (header->stride < 0) {
-    vsc::ReportProtocolError("Invalid DCF stride.");
+    kelva::ReportProtocolError("Invalid DCF stride.");
     return false;
   }
   for (int i = 0; i < header->fieldCount; ++i) {
-    const vsc::DcfField field = vsc::DcfFieldAt(header, i);
+    const kelva::DcfField field = kelva::DcfFieldAt(header, i);
     // A 32-bit sum: an offset near 2^32 passes here, and the layout skips the field.
-    const std::uint32_t end = vsc::DcfFieldSize(field.type) + field.offset;
+    const std::uint32_t end = kelva::DcfFieldSize(field.type) + field.offset;
     if (end > static_cast<std::uint32_t>(header->stride)) {
-      vsc::ReportProtocolError("DCF field too big.");
+      kelva::ReportProtocolError("DCF field too big.");
       return false;
     }
   }
@@ -105,13 +105,13 @@ bool Camera::ValidateDcfHeader(const _VscCdbDcfHeader* header) {
 }
 
 DcfObj Camera::UnpackDcf(const _VscCdbDcfHeader* header, const char* record) {
-  return vsc::DcfLayout(header).Decode(record);
+  return kelva::DcfLayout(header).Decode(record);
 }
 
 std::string Camera::DcfFilename(const DcfObj& obj, int type) {
   const FileType* fileType = FindFileType(type);
   if (fileType == nullptr) {
-    vsc::ReportProtocolError("Unknown filetype.");
+    kelva::ReportProtocolError("Unknown filetype.");
   }
   char name[kPathCapacity];
   std::snprintf(name, sizeof(name), "%.*s%04d.%s", kNameFieldWidth, obj.filePrefix, obj.fileNumber,
@@ -123,7 +123,7 @@ std::vector<char> Camera::ReadFile(const DcfObj& obj, int type, void (*progress)
                                    bool flag) {
   const FileType* fileType = FindFileType(type);
   if (fileType == nullptr || obj.*(fileType->present) == 0) {
-    vsc::ReportProtocolError((boost::format("ReadFile() file type %d does not exist.") % type).str());
+    kelva::ReportProtocolError((boost::format("ReadFile() file type %d does not exist.") % type).str());
     return {};
   }
   char path[kPathCapacity];
@@ -134,6 +134,6 @@ std::vector<char> Camera::ReadFile(const DcfObj& obj, int type, void (*progress)
 
 bool Camera::DeleteDcfObject(const DcfObj& obj) {
   ClearCancel(true);
-  return vsc::SendBytes(*this, Block(Operation::kAction, vsc::action::kDeletePicture),
-                        reinterpret_cast<const char*>(&obj), kIdentitySize, true);
+  return kelva::SendBytes(*this, Block(Operation::kAction, kelva::action::kDeletePicture),
+                          reinterpret_cast<const char*>(&obj), kIdentitySize, true);
 }

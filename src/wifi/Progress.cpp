@@ -1,6 +1,6 @@
 #include "Progress.h"
 
-namespace vsc {
+namespace kelva {
 
 ReadProgress ReadProgress::AtIntervals(void (*callback)(void*, float), void* context, int interval,
                                        std::uint32_t total) {
@@ -30,4 +30,4 @@ bool ReadProgress::IsDue(std::uint32_t offset) const {
   return interval_ == 0 ? offset != 0 : offset % interval_ == 0;
 }
 
-}  // namespace vsc
+}  // namespace kelva

@@ -1,9 +1,9 @@
-#ifndef KELVA_PROGRESS_H_
-#define KELVA_PROGRESS_H_
+#ifndef KELVA_WIFI_PROGRESS_H_
+#define KELVA_WIFI_PROGRESS_H_
 
 #include <cstdint>
 
-namespace vsc {
+namespace kelva {
 
 /// When a long read tells its caller how far it is: before a chunk, with the fraction of bytes already transferred.
 class ReadProgress {
@@ -28,6 +28,6 @@ class ReadProgress {
   std::uint32_t total_ = 0;
 };
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_PROGRESS_H_
+#endif  // KELVA_WIFI_PROGRESS_H_

@@ -1,5 +1,5 @@
-#ifndef KELVA_SHA1OBJ_H_
-#define KELVA_SHA1OBJ_H_
+#ifndef KELVA_WIFI_SHA1OBJ_H_
+#define KELVA_WIFI_SHA1OBJ_H_
 
 #include <string>
 #include <vector>
@@ -26,4 +26,4 @@ std::vector<unsigned int> UnpackBatchHeader(unsigned int count, const char* data
 /// Reads the two part sizes of a compressed-raw bundle, which must hold 8 bytes. Returns exactly two values.
 std::vector<unsigned int> UnpackRawCompressionHeader(const char* data);
 
-#endif  // KELVA_SHA1OBJ_H_
+#endif  // KELVA_WIFI_SHA1OBJ_H_

@@ -3,7 +3,7 @@
 #include "ErrorPolicy.h"
 #include "FatalAssertion.h"
 
-namespace vsc {
+namespace kelva {
 
 bool ReconcileSize(std::uint64_t received, std::uint32_t announced, const char* function) {
   if (received > announced && received - 1 != announced) {
@@ -16,4 +16,4 @@ bool ReconcileSize(std::uint64_t received, std::uint32_t announced, const char* 
   return true;
 }
 
-}  // namespace vsc
+}  // namespace kelva

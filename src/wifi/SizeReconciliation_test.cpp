@@ -10,20 +10,20 @@ using wifi_testing::ExceptionsOff;
 using wifi_testing::Thrown;
 
 TEST(ReconcileSize, AcceptsWhatWasAnnouncedAndOneByteMore) {
-  EXPECT_TRUE(vsc::ReconcileSize(5, 5, "F"));
-  EXPECT_TRUE(vsc::ReconcileSize(6, 5, "F"));
-  EXPECT_TRUE(vsc::ReconcileSize(0x100000000, 0xFFFFFFFF, "F"));
+  EXPECT_TRUE(kelva::ReconcileSize(5, 5, "F"));
+  EXPECT_TRUE(kelva::ReconcileSize(6, 5, "F"));
+  EXPECT_TRUE(kelva::ReconcileSize(0x100000000, 0xFFFFFFFF, "F"));
 }
 
 TEST(ReconcileSize, RefusesLess) {
-  EXPECT_EQ(Thrown([] { vsc::ReconcileSize(4, 5, "F"); }), "CameraError: Camera error: ReadFile() truncated.");
+  EXPECT_EQ(Thrown([] { kelva::ReconcileSize(4, 5, "F"); }), "CameraError: Camera error: ReadFile() truncated.");
   const ExceptionsOff off;
-  EXPECT_FALSE(vsc::ReconcileSize(0, 0xFFFFFFFF, "F"));
+  EXPECT_FALSE(kelva::ReconcileSize(0, 0xFFFFFFFF, "F"));
 }
 
 TEST(ReconcileSize, StopsTheProcessForMore) {
-  EXPECT_FATAL(vsc::ReconcileSize(7, 5, "AFunction"), "data.size() - 1 == fileSize", "AFunction");
-  EXPECT_FATAL(vsc::ReconcileSize(0x100000005, 5, "AFunction"), "data.size() - 1 == fileSize", "AFunction");
+  EXPECT_FATAL(kelva::ReconcileSize(7, 5, "AFunction"), "data.size() - 1 == fileSize", "AFunction");
+  EXPECT_FATAL(kelva::ReconcileSize(0x100000005, 5, "AFunction"), "data.size() - 1 == fileSize", "AFunction");
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 #include "ErrorPolicy.h"
 #include "LittleEndian.h"
 
-using vsc::Block;
-using vsc::Operation;
+using kelva::Block;
+using kelva::Operation;
 
 namespace {
 
@@ -20,7 +20,7 @@ bool SendMonitorText(Camera& camera, std::uint8_t subCode, const char* text) {
   }
   camera.ClearCancel(true);
   try {
-    return vsc::SendText(camera, Block(Operation::kAction, subCode), text, true);
+    return kelva::SendText(camera, Block(Operation::kAction, subCode), text, true);
   } catch (const CameraError&) {
     return false;
   }
@@ -30,16 +30,16 @@ bool SendMonitorText(Camera& camera, std::uint8_t subCode, const char* text) {
 std::uint32_t ReadWord(Camera& camera, std::uint8_t subCode, const char* message) {
   camera.ClearCancel(true);
   char answer[4] = {};
-  if (vsc::ReadAnswer(camera, Block(Operation::kQuery, subCode), answer, sizeof(answer), true) != sizeof(answer)) {
-    vsc::ReportProtocolError(message);
+  if (kelva::ReadAnswer(camera, Block(Operation::kQuery, subCode), answer, sizeof(answer), true) != sizeof(answer)) {
+    kelva::ReportProtocolError(message);
     return 0;
   }
-  return vsc::LoadU32(answer);
+  return kelva::LoadU32(answer);
 }
 
 bool SendAction(Camera& camera, std::uint8_t subCode, bool flag) {
   camera.ClearCancel(flag);
-  return vsc::SendCommand(camera, Block(Operation::kAction, subCode), flag);
+  return kelva::SendCommand(camera, Block(Operation::kAction, subCode), flag);
 }
 
 }  // namespace
@@ -52,20 +52,20 @@ bool Camera::IsReady() {
   char answer[4] = {};
   int size = sizeof(answer);
   // Only the size counts here: a transport that returns false but moved 4 bytes has answered.
-  Transfer(Block(Operation::kQuery, vsc::query::kReady), vsc::kFromCamera, size, answer, true);
+  Transfer(Block(Operation::kQuery, kelva::query::kReady), kelva::kFromCamera, size, answer, true);
   if (size != sizeof(answer)) {
-    vsc::ReportProtocolError("IsReady() response size incorrect.");
+    kelva::ReportProtocolError("IsReady() response size incorrect.");
     return false;
   }
-  return vsc::LoadU32(answer) != 0;
+  return kelva::LoadU32(answer) != 0;
 }
 
 bool Camera::MonitorCmd(const char* line) {
-  return SendMonitorText(*this, vsc::action::kMonitorLine, line);
+  return SendMonitorText(*this, kelva::action::kMonitorLine, line);
 }
 
 bool Camera::MonitorCmdSingleChar(const char* text) {
-  return SendMonitorText(*this, vsc::action::kMonitorSingleChar, text);
+  return SendMonitorText(*this, kelva::action::kMonitorSingleChar, text);
 }
 
 bool Camera::MonitorKnockCmd() {
@@ -73,17 +73,17 @@ bool Camera::MonitorKnockCmd() {
 }
 
 void Camera::Reboot() {
-  SendAction(*this, vsc::action::kReboot, true);
+  SendAction(*this, kelva::action::kReboot, true);
 }
 
 _VscCdbTime Camera::GetTime() {
   ClearCancel(true);
   _VscCdbTime time{};
   const int expected = sizeof(time.bytes);
-  if (vsc::ReadAnswer(*this, Block(Operation::kQuery, vsc::query::kTime), time.bytes, expected, true) == expected) {
+  if (kelva::ReadAnswer(*this, Block(Operation::kQuery, kelva::query::kTime), time.bytes, expected, true) == expected) {
     return time;
   }
-  vsc::ReportProtocolError();
+  kelva::ReportProtocolError();
   // Bytes 2 and 3 keep whatever the short answer left in them.
   std::memset(time.bytes, 0, 2);
   std::memset(time.bytes + 4, 0, sizeof(time.bytes) - 4);
@@ -92,22 +92,22 @@ _VscCdbTime Camera::GetTime() {
 
 void Camera::SetTime(const _VscCdbTime& time) {
   ClearCancel(true);
-  vsc::SendBytes(*this, Block(Operation::kAction, vsc::action::kSetTime), reinterpret_cast<const char*>(time.bytes),
-                 sizeof(time.bytes), true);
+  kelva::SendBytes(*this, Block(Operation::kAction, kelva::action::kSetTime), reinterpret_cast<const char*>(time.bytes),
+                   sizeof(time.bytes), true);
 }
 
 int Camera::GetDoneCmdCount() {
-  return static_cast<int>(ReadWord(*this, vsc::query::kDoneCommands, "GetDoneCmdCount() response size incorrect"));
+  return static_cast<int>(ReadWord(*this, kelva::query::kDoneCommands, "GetDoneCmdCount() response size incorrect"));
 }
 
 float Camera::BatteryLevel() {
-  return std::bit_cast<float>(ReadWord(*this, vsc::query::kBattery, "BatteryLevel() response size incorrect"));
+  return std::bit_cast<float>(ReadWord(*this, kelva::query::kBattery, "BatteryLevel() response size incorrect"));
 }
 
 bool Camera::CaptureImage(bool flag) {
-  return SendAction(*this, vsc::action::kCaptureImage, flag);
+  return SendAction(*this, kelva::action::kCaptureImage, flag);
 }
 
 bool Camera::DisableWifi(bool flag) {
-  return SendAction(*this, vsc::action::kDisableWifi, flag);
+  return SendAction(*this, kelva::action::kDisableWifi, flag);
 }

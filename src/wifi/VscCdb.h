@@ -1,5 +1,5 @@
-#ifndef KELVA_VSC_CDB_H_
-#define KELVA_VSC_CDB_H_
+#ifndef KELVA_WIFI_VSC_CDB_H_
+#define KELVA_WIFI_VSC_CDB_H_
 
 #include <type_traits>
 
@@ -14,4 +14,4 @@ struct _VscCdb {
 static_assert(sizeof(_VscCdb) == 16);
 static_assert(std::is_trivially_copyable_v<_VscCdb>);
 
-#endif  // KELVA_VSC_CDB_H_
+#endif  // KELVA_WIFI_VSC_CDB_H_

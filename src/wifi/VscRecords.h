@@ -1,5 +1,5 @@
-#ifndef KELVA_VSC_RECORDS_H_
-#define KELVA_VSC_RECORDS_H_
+#ifndef KELVA_WIFI_VSC_RECORDS_H_
+#define KELVA_WIFI_VSC_RECORDS_H_
 
 #include <cstddef>
 #include <type_traits>
@@ -51,4 +51,4 @@ struct _ManualControlsState {
 
 static_assert(std::is_trivially_copyable_v<_ManualControlsState>);
 
-#endif  // KELVA_VSC_RECORDS_H_
+#endif  // KELVA_WIFI_VSC_RECORDS_H_

@@ -1,11 +1,11 @@
-#ifndef KELVA_VSC_REGISTER_H_
-#define KELVA_VSC_REGISTER_H_
+#ifndef KELVA_WIFI_VSC_REGISTER_H_
+#define KELVA_WIFI_VSC_REGISTER_H_
 
 // The register of the vendor command set: every operation code and sub-code, once. Both sides of the wire use it.
 
 #include <cstdint>
 
-namespace vsc {
+namespace kelva {
 
 /// Byte 0 of the command block.
 enum class Operation : std::uint8_t {
@@ -89,6 +89,6 @@ inline constexpr int kNoData = 0;
 inline constexpr int kToCamera = 1;
 inline constexpr int kFromCamera = 2;
 
-}  // namespace vsc
+}  // namespace kelva
 
-#endif  // KELVA_VSC_REGISTER_H_
+#endif  // KELVA_WIFI_VSC_REGISTER_H_

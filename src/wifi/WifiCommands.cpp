@@ -5,8 +5,8 @@
 #include "Camera.h"
 #include "Command.h"
 
-using vsc::Block;
-using vsc::Operation;
+using kelva::Block;
+using kelva::Operation;
 
 namespace {
 
@@ -40,7 +40,7 @@ std::optional<std::string> AuthText(_VscWifiAuthType auth) {
 /// Sends a setting whose sub-code depends on the type; the cancel state is cleared before the type is looked at.
 bool SendSetting(Camera& camera, std::optional<std::uint8_t> subCode, const std::string& text) {
   camera.ClearCancel(true);
-  return subCode && vsc::SendText(camera, Block(Operation::kAction, *subCode), text.c_str(), text.size(), true);
+  return subCode && kelva::SendText(camera, Block(Operation::kAction, *subCode), text.c_str(), text.size(), true);
 }
 
 }  // namespace
@@ -50,14 +50,14 @@ bool Camera::SetWifiSSID(_VscWifiType type, std::string name) {
   if (!IsOpen() || fullName.size() > kLongestName) {
     return false;
   }
-  return SendSetting(*this, SubCodeFor(type, vsc::action::kWifiNameType0, vsc::action::kWifiNameType1), fullName);
+  return SendSetting(*this, SubCodeFor(type, kelva::action::kWifiNameType0, kelva::action::kWifiNameType1), fullName);
 }
 
 bool Camera::SetWifiPassphrase(_VscWifiType type, std::string passphrase) {
   if (!IsOpen() || passphrase.size() < kShortestPassphrase || passphrase.size() > kLongestPassphrase) {
     return false;
   }
-  return SendSetting(*this, SubCodeFor(type, vsc::action::kWifiPassphraseType0, vsc::action::kWifiPassphraseType1),
+  return SendSetting(*this, SubCodeFor(type, kelva::action::kWifiPassphraseType0, kelva::action::kWifiPassphraseType1),
                      passphrase);
 }
 
@@ -72,5 +72,5 @@ bool Camera::SetWifiAuthType(_VscWifiType type, _VscWifiAuthType auth) {
   ClearCancel(true);
   // A size and a buffer with no data phase: the camera is told that the command came, and the text stays here.
   int size = static_cast<int>(text->size()) + 1;
-  return Transfer(Block(Operation::kAction, vsc::action::kWifiAuthType), vsc::kNoData, size, text->data(), true);
+  return Transfer(Block(Operation::kAction, kelva::action::kWifiAuthType), kelva::kNoData, size, text->data(), true);
 }

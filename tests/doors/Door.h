@@ -8,7 +8,7 @@
 #include "vcam/device/Options.h"
 #include "vcam/faults/Fault.h"
 
-namespace kelva::doors {
+namespace tests::doors {
 
 /// A way for the commands of OsxCamera to a virtual camera. The registry, in which the camera is found, is the process's: at
 /// most one camera hangs on one door at a time.
@@ -33,6 +33,6 @@ struct NamedDoor {
 
 std::span<const NamedDoor> AllDoors();
 
-}  // namespace kelva::doors
+}  // namespace tests::doors
 
 #endif  // KELVA_TESTS_DOORS_DOOR_H_

@@ -5,13 +5,13 @@
 #include <map>
 #include <tuple>
 
-#include "Camera.h"
+#include "src/wifi/Camera.h"
 #include "tests/doors/Door.h"
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
 // Every fault at every command through every door, as a program sees it that uses the library.
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
 using vcam::Fault;
@@ -123,4 +123,4 @@ INSTANTIATE_TEST_SUITE_P(All, EveryFault,
                          NameOf);
 
 }  // namespace
-}  // namespace kelva::doors
+}  // namespace tests::doors

@@ -6,7 +6,7 @@
 // What each fault makes of a row. The results of commands that fail are the same through every door; the faults that make
 // a camera claim another number of bytes are not, because a kernel stands between.
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
 using vcam::FaultKind;
@@ -150,4 +150,4 @@ Outcome Expected(const Row& row, FaultKind fault, Counting counting) {
   return {};
 }
 
-}  // namespace kelva::doors
+}  // namespace tests::doors

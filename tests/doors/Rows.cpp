@@ -3,7 +3,7 @@
 
 #include "tests/doors/Table.h"
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
 Bytes Text(std::string_view text) {
@@ -224,4 +224,4 @@ void FillCard(const std::filesystem::path& card) {
   Put(card / "CALIB/gain", "1234");
 }
 
-}  // namespace kelva::doors
+}  // namespace tests::doors

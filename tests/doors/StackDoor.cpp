@@ -3,12 +3,12 @@
 #include <map>
 #include <memory>
 
+#include "bus/UserClientDoor.h"
 #include "darwin/virtual/VirtualRegistry.h"
 #include "tests/doors/UsbCable.h"
 #include "tests/stack/Door.h"
-#include "vcam/door/UserClientDoor.h"
 
-namespace kelva::stack {
+namespace tests::stack {
 namespace {
 
 /// Cameras behind USB cables, each with a host of its own.
@@ -20,7 +20,7 @@ class UsbDoor : public Door {
         registry_.AttachCamera({options.serial, options.vendor, options.product, options.revision,
                                 options.peripheralType, [cable](int& error) {
                                   error = kIOReturnSuccess;
-                                  return vcam::MakeUserClient(cable->MakeSession());
+                                  return bus::MakeUserClient(cable->MakeSession());
                                 }});
     cameras_[options.serial] = {std::move(cable), entry};
   }
@@ -54,4 +54,4 @@ Door& Door::Get() {
   return door;
 }
 
-}  // namespace kelva::stack
+}  // namespace tests::stack

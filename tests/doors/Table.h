@@ -14,7 +14,7 @@
 // Every command of the camera, every fault of the virtual camera, and what a program gets of OsxCamera::Transfer for each
 // pair: written by hand, whatever door the command goes through.
 
-namespace kelva::doors {
+namespace tests::doors {
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -65,6 +65,6 @@ struct Outcome {
 /// With a fault that is armed right before the row's command, to strike at once.
 Outcome Expected(const Row& row, vcam::FaultKind fault, Counting counting);
 
-}  // namespace kelva::doors
+}  // namespace tests::doors
 
 #endif  // KELVA_TESTS_DOORS_TABLE_H_

@@ -5,7 +5,7 @@
 #include <set>
 #include <utility>
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
 using vcam::FaultKind;
@@ -52,4 +52,4 @@ TEST(Table, AKernelBelievesNoClaimOfMoreThanWasAskedFor) {
 }
 
 }  // namespace
-}  // namespace kelva::doors
+}  // namespace tests::doors

@@ -7,24 +7,24 @@
 #include <stdexcept>
 #include <utility>
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
 constexpr auto kSpeed = vcam::usbip::Speed::kHigh;
 
 /// Both ends of a new cable: the first is kept in `kept`, the second one given back.
-vcam::FileDescriptor OtherEnd(vcam::FileDescriptor& kept) {
+base::FileDescriptor OtherEnd(base::FileDescriptor& kept) {
   std::array<int, 2> ends{};
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) throw std::runtime_error("no sockets");
-  kept = vcam::FileDescriptor(ends[0]);
-  return vcam::FileDescriptor(ends[1]);
+  kept = base::FileDescriptor(ends[0]);
+  return base::FileDescriptor(ends[1]);
 }
 
 std::uint32_t Device() {
   return vcam::usbip::OfferOf(kSpeed).DeviceId();
 }
 
-class CableSession : public vcam::CommandSession {
+class CableSession : public bus::CommandSession {
  public:
   explicit CableSession(std::shared_ptr<UsbCable> cable) : cable_(std::move(cable)) {}
 
@@ -33,7 +33,7 @@ class CableSession : public vcam::CommandSession {
     return cable_->camera().StartSession() ? kIOReturnSuccess : kIOReturnExclusiveAccess;
   }
   void End() override { cable_->camera().EndSession(); }
-  vcam::Reply Execute(const vcam::Command& command, std::chrono::milliseconds timeout) override {
+  wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
     return cable_->host().Execute(command, timeout);
   }
 
@@ -66,8 +66,8 @@ void UsbCable::Pull() {
   session_.Pull();
 }
 
-std::unique_ptr<vcam::CommandSession> UsbCable::MakeSession() {
+std::unique_ptr<bus::CommandSession> UsbCable::MakeSession() {
   return std::make_unique<CableSession>(shared_from_this());
 }
 
-}  // namespace kelva::doors
+}  // namespace tests::doors

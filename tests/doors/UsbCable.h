@@ -4,14 +4,14 @@
 #include <memory>
 #include <thread>
 
+#include "bus/CommandSession.h"
 #include "tests/doors/UsbHost.h"
-#include "vcam/device/VirtualCamera.h"
-#include "vcam/door/CommandSession.h"
+#include "vcam/camera/VirtualCamera.h"
 #include "vcam/usbip/Session.h"
 #include "vcam/usbip/UsbDoor.h"
 #include "vcam/usbip/WireFaults.h"
 
-namespace kelva::doors {
+namespace tests::doors {
 
 /// A virtual camera behind its USB door, which is served by a thread over a pair of sockets, and a host at the other end that
 /// needs no kernel.
@@ -25,7 +25,7 @@ class UsbCable : public std::enable_shared_from_this<UsbCable> {
   vcam::VirtualCamera& camera() { return camera_; }
   UsbHost& host() { return host_; }
   /// A session of the host's, which keeps the cable alive. The camera gives it to one holder at a time.
-  std::unique_ptr<vcam::CommandSession> MakeSession();
+  std::unique_ptr<bus::CommandSession> MakeSession();
   /// Takes the camera away. From any thread.
   void Pull();
 
@@ -35,12 +35,12 @@ class UsbCable : public std::enable_shared_from_this<UsbCable> {
   vcam::VirtualCamera camera_;
   vcam::usbip::WireFaults faults_{};
   vcam::usbip::UsbCamera usb_;
-  vcam::FileDescriptor hostEnd_{};
+  base::FileDescriptor hostEnd_{};
   vcam::usbip::Session session_;
   std::thread server_;
   UsbHost host_;
 };
 
-}  // namespace kelva::doors
+}  // namespace tests::doors
 
 #endif  // KELVA_TESTS_DOORS_USB_CABLE_H_

@@ -6,13 +6,13 @@
 #include <algorithm>
 #include <array>
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
-using vcam::Bytes;
-using vcam::Command;
-using vcam::Direction;
-using vcam::Reply;
+using base::Bytes;
+using wire::Command;
+using wire::Direction;
+using wire::Reply;
 
 constexpr std::int32_t kStalled = -32;
 constexpr std::int32_t kBabbled = -75;
@@ -23,11 +23,11 @@ constexpr std::size_t kStatusSize = 13;
 constexpr std::uint8_t kSenseSize = 18;
 
 // The sense data that the kernel makes up for a device that sends too much.
-constexpr vcam::Sense kTooMuch{0x05, 0x24, 0x00};
+constexpr wire::Sense kTooMuch{0x05, 0x24, 0x00};
 
 /// The cable is out, or the device has not answered by the deadline.
 struct Ended {
-  vcam::Transport how;
+  wire::Transport how;
 };
 
 void PutBig(Bytes& bytes, std::size_t at, std::uint32_t value) {
@@ -62,15 +62,15 @@ Bytes Wrapped(const Command& command, std::uint32_t tag) {
   return bytes;
 }
 
-Reply Failed(vcam::Transport how) {
+Reply Failed(wire::Transport how) {
   Reply reply;
   reply.transport = how;
   return reply;
 }
 
-Reply Refused(vcam::Sense sense) {
+Reply Refused(wire::Sense sense) {
   Reply reply;
-  reply.status = vcam::kStatusCheckCondition;
+  reply.status = wire::kStatusCheckCondition;
   reply.sense = sense;
   return reply;
 }
@@ -98,15 +98,15 @@ Reply UsbHost::Execute(const Command& command, std::chrono::milliseconds timeout
 
 Reply UsbHost::Run(const Command& command) {
   const Bytes wrapper = Wrapped(command, ++tag_);
-  if (Submit({kOut, false, 31, wrapper, {}}).status != 0) return Failed(vcam::Transport::kStall);
+  if (Submit({kOut, false, 31, wrapper, {}}).status != 0) return Failed(wire::Transport::kStall);
   const std::uint32_t asked = command.direction == Direction::kNone ? 0 : command.length;
   Urb data = DataPhase(command);
   const Status status = ReadStatus();
-  if (status.status > 1) return Failed(vcam::Transport::kStall);
+  if (status.status > 1) return Failed(wire::Transport::kStall);
   if (status.status == 1) {
     // A failure without a reason is taken for one of the transport.
-    const vcam::Sense sense = AskForSense();
-    return sense == vcam::Sense{} ? Failed(vcam::Transport::kStall) : Refused(sense);
+    const wire::Sense sense = AskForSense();
+    return sense == wire::Sense{} ? Failed(wire::Transport::kStall) : Refused(sense);
   }
   if (data.status == kBabbled) return Refused(kTooMuch);
   // What did not arrive, or what the device says that it did not send, whichever is more.
@@ -136,7 +136,7 @@ UsbHost::Status UsbHost::ReadStatus() {
   return {Little(urb.data, 8), urb.data[12]};
 }
 
-vcam::Sense UsbHost::AskForSense() {
+wire::Sense UsbHost::AskForSense() {
   Command command;
   command.cdb[0] = 0x03;
   command.cdb[4] = kSenseSize;
@@ -168,8 +168,8 @@ UsbHost::Urb UsbHost::Submit(const Transfer& transfer) {
   PutBig(message, 24, transfer.length);
   std::copy(transfer.setup.begin(), transfer.setup.end(), message.begin() + 40);
   message.insert(message.end(), transfer.data.begin(), transfer.data.end());
-  if (::send(socket_.get(), message.data(), message.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(message.size()))
-    throw Ended{vcam::Transport::kGone};
+  if (::send(socket_.Get(), message.data(), message.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(message.size()))
+    throw Ended{wire::Transport::kGone};
   const Bytes answer = Receive(kHeader);
   Urb urb{static_cast<std::int32_t>(Big(answer, 20)), Big(answer, 24), {}};
   if (transfer.in) urb.data = Receive(std::min(urb.actual, transfer.length));
@@ -181,14 +181,14 @@ Bytes UsbHost::Receive(std::size_t size) {
   for (std::size_t have = 0; have < size;) {
     const auto left =
         std::chrono::ceil<std::chrono::milliseconds>(deadline_ - std::chrono::steady_clock::now()).count();
-    pollfd readable{socket_.get(), POLLIN, 0};
+    pollfd readable{socket_.Get(), POLLIN, 0};
     if (::poll(&readable, 1, static_cast<int>(std::max<std::int64_t>(left, 0))) <= 0)
-      throw Ended{vcam::Transport::kHang};
-    const ssize_t count = ::recv(socket_.get(), bytes.data() + have, size - have, 0);
-    if (count <= 0) throw Ended{vcam::Transport::kGone};
+      throw Ended{wire::Transport::kHang};
+    const ssize_t count = ::recv(socket_.Get(), bytes.data() + have, size - have, 0);
+    if (count <= 0) throw Ended{wire::Transport::kGone};
     have += static_cast<std::size_t>(count);
   }
   return bytes;
 }
 
-}  // namespace kelva::doors
+}  // namespace tests::doors

@@ -6,28 +6,28 @@
 #include <optional>
 #include <span>
 
-#include "vcam/device/Bytes.h"
-#include "vcam/device/Command.h"
-#include "vcam/device/FileDescriptor.h"
+#include "base/Bytes.h"
+#include "base/FileDescriptor.h"
+#include "wire/Command.h"
 
-namespace kelva::doors {
+namespace tests::doors {
 
 /// The host's side of a USB cable over a USB/IP socket: the bulk-only transport as Linux's usb-storage drives it. Its
 /// messages and wrappers are written here once more, independently of the camera's side.
 class UsbHost {
  public:
-  UsbHost(vcam::FileDescriptor socket, std::uint32_t device) : socket_(std::move(socket)), device_(device) {}
+  UsbHost(base::FileDescriptor socket, std::uint32_t device) : socket_(std::move(socket)), device_(device) {}
 
   /// Chooses the device's configuration; false when the device has gone.
   bool Configure();
-  vcam::Reply Execute(const vcam::Command& command, std::chrono::milliseconds timeout);
+  wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout);
 
  private:
   /// How one transfer ended.
   struct Urb {
     std::int32_t status = 0;
     std::uint32_t actual = 0;
-    vcam::Bytes data{};
+    base::Bytes data{};
   };
   struct Transfer {
     std::uint8_t endpoint = 0;
@@ -42,21 +42,21 @@ class UsbHost {
     std::uint8_t status = 0;
   };
 
-  vcam::Reply Run(const vcam::Command& command);
-  Urb DataPhase(const vcam::Command& command);
+  wire::Reply Run(const wire::Command& command);
+  Urb DataPhase(const wire::Command& command);
   Status ReadStatus();
-  vcam::Sense AskForSense();
+  wire::Sense AskForSense();
   Urb Submit(const Transfer& transfer);
   Urb SubmitAndClear(const Transfer& transfer);
-  vcam::Bytes Receive(std::size_t size);
+  base::Bytes Receive(std::size_t size);
 
-  vcam::FileDescriptor socket_;
+  base::FileDescriptor socket_;
   std::uint32_t device_;
   std::uint32_t sequence_ = 0;
   std::uint32_t tag_ = 0x1000;
   std::chrono::steady_clock::time_point deadline_{};
 };
 
-}  // namespace kelva::doors
+}  // namespace tests::doors
 
 #endif  // KELVA_TESTS_DOORS_USB_HOST_H_

@@ -4,37 +4,37 @@
 #include <optional>
 #include <utility>
 
+#include "bus/BusConnection.h"
+#include "bus/SocketSession.h"
+#include "bus/UserClientDoor.h"
 #include "darwin/virtual/VirtualRegistry.h"
 #include "tests/doors/Door.h"
 #include "tests/doors/UsbCable.h"
-#include "vcam/bus/TestServer.h"
-#include "vcam/client/BusConnection.h"
-#include "vcam/client/SocketSession.h"
+#include "vcam/camera/InProcess.h"
 #include "vcam/device/Sha1.h"
-#include "vcam/door/InProcess.h"
-#include "vcam/door/UserClientDoor.h"
+#include "vcam/server/testing/TestServer.h"
 
 // The doors that need nothing of the system: cameras of this process, behind a bus, and behind a USB cable that is a socket.
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
 using Patience = std::shared_ptr<std::atomic<bool>>;
 
 /// A session that waits as long as it is told to, until it has lost its patience.
-class PatientSession : public vcam::CommandSession {
+class PatientSession : public bus::CommandSession {
  public:
-  PatientSession(std::unique_ptr<vcam::CommandSession> session, Patience patient)
+  PatientSession(std::unique_ptr<bus::CommandSession> session, Patience patient)
       : session_(std::move(session)), patient_(std::move(patient)) {}
 
   int Start() override { return session_->Start(); }
   void End() override { session_->End(); }
-  vcam::Reply Execute(const vcam::Command& command, std::chrono::milliseconds timeout) override {
+  wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
     return session_->Execute(command, *patient_ ? timeout : std::chrono::milliseconds(1));
   }
 
  private:
-  std::unique_ptr<vcam::CommandSession> session_;
+  std::unique_ptr<bus::CommandSession> session_;
   Patience patient_;
 };
 
@@ -45,14 +45,14 @@ class VirtualDoor : public Door {
   void GrowImpatient() override { *patient_ = false; }
 
  protected:
-  using MakeSession = std::function<std::unique_ptr<vcam::CommandSession>()>;
+  using MakeSession = std::function<std::unique_ptr<bus::CommandSession>()>;
 
   void Show(const vcam::Options& options, MakeSession make) {
     *patient_ = true;
     entry_ = registry_.AttachCamera({options.serial, options.vendor, options.product, options.revision,
                                      options.peripheralType, [make = std::move(make), patient = patient_](int& error) {
                                        error = kIOReturnSuccess;
-                                       return vcam::MakeUserClient(std::make_unique<PatientSession>(make(), patient));
+                                       return bus::MakeUserClient(std::make_unique<PatientSession>(make(), patient));
                                      }});
   }
   void Hide() { registry_.Detach(entry_); }
@@ -85,23 +85,23 @@ class SocketDoor : public VirtualDoor {
   SocketDoor() { vcam::Sha256Hex(""); }
 
   void Plug(const vcam::Options& options) override {
-    const auto answer = control_.Request(
-        vcam::bus::Kind::kPlug, Encode(vcam::bus::PlugRequest{options.serial, options.storage.string(), "", "", 3}));
-    const auto id = vcam::bus::DecodeNumber(answer.payload).value();
-    Show(options, [path = server_.path(), id] { return vcam::client::MakeSocketSession(path, id); });
+    const auto answer = control_.Request(bus::Kind::kPlug,
+                                         Encode(bus::PlugRequest{options.serial, options.storage.string(), "", "", 3}));
+    const auto id = bus::DecodeNumber(answer.payload).value();
+    Show(options, [path = server_.path(), id] { return bus::MakeSocketSession(path, id); });
   }
   void Arm(const vcam::Fault& fault) override {
-    control_.Request(vcam::bus::Kind::kFault,
-                     Encode(vcam::bus::FaultRequest{kSerial, std::string(vcam::NameOf(fault.kind)), fault.at}));
+    control_.Request(bus::Kind::kFault,
+                     Encode(bus::FaultRequest{kSerial, std::string(vcam::NameOf(fault.kind)), fault.at}));
   }
   void Unplug(bool hasGone) override {
     Hide();
-    if (!hasGone) control_.Request(vcam::bus::Kind::kUnplug, vcam::bus::EncodeText(kSerial));
+    if (!hasGone) control_.Request(bus::Kind::kUnplug, bus::EncodeText(kSerial));
   }
 
  private:
-  vcam::bus::test::TestServer server_;
-  vcam::client::BusConnection control_{server_.path()};
+  vcam::server::test::TestServer server_;
+  bus::BusConnection control_{server_.path()};
 };
 
 class UsbDoor : public VirtualDoor {
@@ -135,4 +135,4 @@ std::span<const NamedDoor> AllDoors() {
   return kDoors;
 }
 
-}  // namespace kelva::doors
+}  // namespace tests::doors

@@ -9,8 +9,8 @@
 #include <memory>
 #include <string>
 
-#import "PVAppDelegate.h"
-#import "WorkspaceRecorder.h"
+#import "src/ui/osx/KelvaHelper/PVAppDelegate.h"
+#import "tests/gnustep/WorkspaceRecorder.h"
 
 #include "darwin/cf/EventLoop.h"
 #include "darwin/virtual/VirtualRegistry.h"

@@ -1,8 +1,8 @@
-#include "Callback.h"
+#include "src/ui/osx/KelvaHelper/Callback.h"
 
 #include <gtest/gtest.h>
 
-#import "WorkspaceRecorder.h"
+#import "tests/gnustep/WorkspaceRecorder.h"
 
 namespace {
 

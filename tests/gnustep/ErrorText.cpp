@@ -1,6 +1,6 @@
-#include "ErrorText.h"
+#include "tests/gnustep/ErrorText.h"
 
-#include "OsxCameraError.h"
+#include "src/usb/osx/OsxCameraError.h"
 
 std::string TextOfErrorFrom(const std::function<void()>& action) {
   try {

@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_ERROR_TEXT_H_
-#define KELVA_TESTS_ERROR_TEXT_H_
+#ifndef KELVA_TESTS_GNUSTEP_ERROR_TEXT_H_
+#define KELVA_TESTS_GNUSTEP_ERROR_TEXT_H_
 
 #include <functional>
 #include <string>
@@ -8,4 +8,4 @@
 /// C++: the Objective-C runtime used here lets C++ exceptions pass, but does not catch them by their class.
 std::string TextOfErrorFrom(const std::function<void()>& action);
 
-#endif  // KELVA_TESTS_ERROR_TEXT_H_
+#endif  // KELVA_TESTS_GNUSTEP_ERROR_TEXT_H_

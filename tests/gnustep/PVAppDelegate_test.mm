@@ -1,4 +1,4 @@
-#import "PVAppDelegate.h"
+#import "src/ui/osx/KelvaHelper/PVAppDelegate.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
@@ -8,11 +8,11 @@
 
 #include <string>
 
-#import "WorkspaceRecorder.h"
+#import "tests/gnustep/WorkspaceRecorder.h"
 
-#include "ErrorText.h"
 #include "darwin/registry/Accounting.h"
 #include "darwin/virtual/VirtualRegistry.h"
+#include "tests/gnustep/ErrorText.h"
 
 namespace {
 

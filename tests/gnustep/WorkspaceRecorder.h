@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_WORKSPACE_RECORDER_H_
-#define KELVA_TESTS_WORKSPACE_RECORDER_H_
+#ifndef KELVA_TESTS_GNUSTEP_WORKSPACE_RECORDER_H_
+#define KELVA_TESTS_GNUSTEP_WORKSPACE_RECORDER_H_
 
 #import <AppKit/AppKit.h>
 
@@ -38,4 +38,4 @@ WorkspaceRecord& Workspace();
                                           error:(NSError**)error;
 @end
 
-#endif  // KELVA_TESTS_WORKSPACE_RECORDER_H_
+#endif  // KELVA_TESTS_GNUSTEP_WORKSPACE_RECORDER_H_

@@ -1,4 +1,4 @@
-#import "WorkspaceRecorder.h"
+#import "tests/gnustep/WorkspaceRecorder.h"
 
 WorkspaceRecord& Workspace() {
   static WorkspaceRecord record;

@@ -11,12 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "OsxCamera.h"
 #include "darwin/cf/Accounting.h"
 #include "darwin/registry/Accounting.h"
 #include "darwin/virtual/VirtualRegistry.h"
-#include "vcam/device/VirtualCamera.h"
-#include "vcam/door/InProcess.h"
+#include "src/usb/osx/OsxCamera.h"
+#include "vcam/camera/InProcess.h"
+#include "vcam/camera/VirtualCamera.h"
 
 namespace hotplug {
 

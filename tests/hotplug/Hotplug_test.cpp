@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Cameras.h"
+#include "tests/hotplug/Cameras.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Cameras.h"
+#include "tests/hotplug/Cameras.h"
 
 // Cameras that come and go, a tenth of them in the middle of a transfer. That nothing is left is what the fixture claims.
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "OsxCamera.h"
-#include "OsxCameraError.h"
+#include "src/usb/osx/OsxCamera.h"
+#include "src/usb/osx/OsxCameraError.h"
 
 namespace {
 

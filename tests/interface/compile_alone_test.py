@@ -19,7 +19,7 @@ COMPILER = ""
 
 WIFI = "src/wifi"
 OSX = "src/usb/osx"
-INCLUDES = ["-Isrc", "-Isrc/wifi", "-Isrc/usb/osx", "-Idarwin/include"]
+INCLUDES = ["-I.", "-Isrc", "-Isrc/wifi", "-Isrc/usb/osx", "-Idarwin/include"]
 # The standard library's headers have neither folder nor suffix.
 STANDARD = re.compile(r"[a-z_0-9]+")
 BOOST = re.compile(r"boost/[a-z_/0-9]+\.hpp")

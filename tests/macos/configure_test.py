@@ -59,7 +59,7 @@ class EverydayBuild(unittest.TestCase):
         folders = {source.rsplit("/", 1)[0] for source in self.build.sources()}
         self.assertLessEqual({"src/wifi", "src/usb/osx", "src/ui/osx/KelvaHelper"}, folders)
         for folder in folders:
-            self.assertFalse(folder.startswith(("darwin", "vcam", "src/cli", "src/ui/linux", "tests/kernel")), folder)
+            self.assertFalse(folder.startswith(("darwin", "vcam", "bus", "apps", "src/ui/linux", "tests/kernel")), folder)
 
     def test_only_tests_that_a_mac_can_run_are_there(self):
         tests = self.build.tests()

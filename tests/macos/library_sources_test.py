@@ -17,7 +17,7 @@ COMPILER = ""
 DOCUMENT = pathlib.Path()
 
 FOLDERS = ("src/wifi", "src/usb/osx")
-INCLUDES = ["-Isrc", "-Isrc/wifi", "-Isrc/usb/osx", "-Idarwin/include"]
+INCLUDES = ["-I.", "-Isrc", "-Isrc/wifi", "-Isrc/usb/osx", "-Idarwin/include"]
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Werror"]
 # What exists on both systems besides the C++ standard library, whose headers have neither folder nor suffix.
 KNOWN_HEADERS = re.compile(r"boost/.*|IOKit/IOKitLib\.h|CoreFoundation/CoreFoundation\.h|execinfo\.h|[a-z_0-9]+")

@@ -1,4 +1,4 @@
-#include "Document.h"
+#include "tests/protocol/Document.h"
 
 #include <algorithm>
 #include <fstream>

@@ -6,7 +6,7 @@
 #include <functional>
 #include <map>
 
-#include "Player.h"
+#include "tests/protocol/Player.h"
 
 namespace {
 

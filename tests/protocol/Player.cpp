@@ -1,4 +1,4 @@
-#include "Player.h"
+#include "tests/protocol/Player.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "Camera.h"
-#include "Document.h"
+#include "src/wifi/Camera.h"
+#include "tests/protocol/Document.h"
 
 /// A camera that plays an example: each transfer must be the next step, and is answered as the step says.
 class Player final : public Camera {

@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "Document.h"
-#include "UserClientTransfer.h"
+#include "src/usb/osx/UserClientTransfer.h"
+#include "tests/protocol/Document.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ TEST(ProtocolRecords, ShowTheRequestOfAReadinessQuery) {
 }
 
 TEST(ProtocolRecords, ShowTheFieldsOfARequest) {
-  UserClientTransferRequest request;
+  wire::UserClientTransferRequest request;
   ASSERT_EQ(sizeof(request), sizeof(kRequest));
   std::memcpy(&request, kRequest, sizeof(request));
   EXPECT_EQ(request.direction, 2);
@@ -43,7 +43,7 @@ TEST(ProtocolRecords, ShowTheFieldsOfARequest) {
 }
 
 TEST(ProtocolRecords, ShowTheResultOfFourBytes) {
-  const UserClientTransferResult result = {.status = 0, .actualLength = 4};
+  const wire::UserClientTransferResult result = {.status = 0, .actualLength = 4};
   EXPECT_EQ(ReadDocument().records.at("result"), BytesOf(kResult));
   EXPECT_EQ(BytesOf(result), BytesOf(kResult));
 }

@@ -8,9 +8,9 @@
 #include <set>
 #include <stdexcept>
 
-#include "Camera.h"
-#include "Document.h"
-#include "VscRegister.h"
+#include "src/wifi/Camera.h"
+#include "src/wifi/VscRegister.h"
+#include "tests/protocol/Document.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ constexpr int kNoSubCode = -1;
 
 using Code = std::pair<int, int>;
 
-Code Of(vsc::Operation operation, int subCode) {
+Code Of(kelva::Operation operation, int subCode) {
   return {static_cast<int>(operation), subCode};
 }
 
@@ -27,46 +27,46 @@ Code Of(vsc::Operation operation, int subCode) {
 
 /// Every operation code and sub-code of the code, and what the document calls it.
 std::map<Code, std::string> CodeRegister() {
-  using vsc::Operation;
+  using kelva::Operation;
   return {
-      {Of(Operation::kAction, vsc::action::kCaptureImage), KELVA_METHOD(CaptureImage)},
-      {Of(Operation::kAction, vsc::action::kDeleteFile), KELVA_METHOD(DeleteFile)},
-      {Of(Operation::kAction, vsc::action::kEndUpgrade), KELVA_METHOD(Upgrade) + ", end"},
-      {Of(Operation::kAction, vsc::action::kReboot), KELVA_METHOD(Reboot)},
-      {Of(Operation::kAction, vsc::action::kSetTime), KELVA_METHOD(SetTime)},
-      {Of(Operation::kAction, vsc::action::kDeletePicture), KELVA_METHOD(DeleteDcfObject)},
-      {Of(Operation::kAction, vsc::action::kDeleteBatch), KELVA_METHOD(DeleteBatch)},
-      {Of(Operation::kAction, vsc::action::kWifiNameType0), KELVA_METHOD(SetWifiSSID) + ", type 0"},
-      {Of(Operation::kAction, vsc::action::kWifiNameType1), KELVA_METHOD(SetWifiSSID) + ", type 1"},
-      {Of(Operation::kAction, vsc::action::kWifiPassphraseType0), KELVA_METHOD(SetWifiPassphrase) + ", type 0"},
-      {Of(Operation::kAction, vsc::action::kWifiPassphraseType1), KELVA_METHOD(SetWifiPassphrase) + ", type 1"},
-      {Of(Operation::kAction, vsc::action::kWifiAuthType), KELVA_METHOD(SetWifiAuthType)},
-      {Of(Operation::kAction, vsc::action::kManualControl), KELVA_METHOD(SetManualControl)},
-      {Of(Operation::kAction, vsc::action::kDisableWifi), KELVA_METHOD(DisableWifi)},
-      {Of(Operation::kAction, vsc::action::kMonitorSingleChar), KELVA_METHOD(MonitorCmdSingleChar)},
-      {Of(Operation::kAction, vsc::action::kMonitorLine), KELVA_METHOD(MonitorCmd)},
+      {Of(Operation::kAction, kelva::action::kCaptureImage), KELVA_METHOD(CaptureImage)},
+      {Of(Operation::kAction, kelva::action::kDeleteFile), KELVA_METHOD(DeleteFile)},
+      {Of(Operation::kAction, kelva::action::kEndUpgrade), KELVA_METHOD(Upgrade) + ", end"},
+      {Of(Operation::kAction, kelva::action::kReboot), KELVA_METHOD(Reboot)},
+      {Of(Operation::kAction, kelva::action::kSetTime), KELVA_METHOD(SetTime)},
+      {Of(Operation::kAction, kelva::action::kDeletePicture), KELVA_METHOD(DeleteDcfObject)},
+      {Of(Operation::kAction, kelva::action::kDeleteBatch), KELVA_METHOD(DeleteBatch)},
+      {Of(Operation::kAction, kelva::action::kWifiNameType0), KELVA_METHOD(SetWifiSSID) + ", type 0"},
+      {Of(Operation::kAction, kelva::action::kWifiNameType1), KELVA_METHOD(SetWifiSSID) + ", type 1"},
+      {Of(Operation::kAction, kelva::action::kWifiPassphraseType0), KELVA_METHOD(SetWifiPassphrase) + ", type 0"},
+      {Of(Operation::kAction, kelva::action::kWifiPassphraseType1), KELVA_METHOD(SetWifiPassphrase) + ", type 1"},
+      {Of(Operation::kAction, kelva::action::kWifiAuthType), KELVA_METHOD(SetWifiAuthType)},
+      {Of(Operation::kAction, kelva::action::kManualControl), KELVA_METHOD(SetManualControl)},
+      {Of(Operation::kAction, kelva::action::kDisableWifi), KELVA_METHOD(DisableWifi)},
+      {Of(Operation::kAction, kelva::action::kMonitorSingleChar), KELVA_METHOD(MonitorCmdSingleChar)},
+      {Of(Operation::kAction, kelva::action::kMonitorLine), KELVA_METHOD(MonitorCmd)},
       {Of(Operation::kBeginUpgrade, kNoSubCode), KELVA_METHOD(Upgrade) + ", start"},
-      {Of(Operation::kSelect, vsc::select::kInformation), "select the information record"},
-      {Of(Operation::kSelect, vsc::select::kFile), "select a file, to be written when byte 3 is 0x01"},
-      {Of(Operation::kSelect, vsc::select::kCatalogue), "select the picture catalogue"},
-      {Of(Operation::kSelect, vsc::select::kDirectory), "select a directory listing"},
-      {Of(Operation::kSelect, vsc::select::kBatch), "select a batch of files by key"},
-      {Of(Operation::kSelect, vsc::select::kCalibration), "select the calibration bundle"},
-      {Of(Operation::kSelect, vsc::select::kCompressedRaw), "select the compressed raw data of a key"},
-      {Of(Operation::kSelect, vsc::select::kCrashLogs), "select the crash-log bundle"},
-      {Of(Operation::kEndWrite, vsc::kEndWriteFile), "end of a write"},
-      {Of(Operation::kReadChunk, vsc::read_chunk::kBundle), "read a chunk of a bundle (selections 0x05 to 0x08)"},
-      {Of(Operation::kReadChunk, vsc::read_chunk::kSelected),
+      {Of(Operation::kSelect, kelva::select::kInformation), "select the information record"},
+      {Of(Operation::kSelect, kelva::select::kFile), "select a file, to be written when byte 3 is 0x01"},
+      {Of(Operation::kSelect, kelva::select::kCatalogue), "select the picture catalogue"},
+      {Of(Operation::kSelect, kelva::select::kDirectory), "select a directory listing"},
+      {Of(Operation::kSelect, kelva::select::kBatch), "select a batch of files by key"},
+      {Of(Operation::kSelect, kelva::select::kCalibration), "select the calibration bundle"},
+      {Of(Operation::kSelect, kelva::select::kCompressedRaw), "select the compressed raw data of a key"},
+      {Of(Operation::kSelect, kelva::select::kCrashLogs), "select the crash-log bundle"},
+      {Of(Operation::kEndWrite, kelva::kEndWriteFile), "end of a write"},
+      {Of(Operation::kReadChunk, kelva::read_chunk::kBundle), "read a chunk of a bundle (selections 0x05 to 0x08)"},
+      {Of(Operation::kReadChunk, kelva::read_chunk::kSelected),
        "read a chunk of anything else (selections 0x00 to 0x03)"},
       {Of(Operation::kWriteChunk, kNoSubCode), "write a chunk"},
-      {Of(Operation::kQuery, vsc::query::kSelectedSize), "size of what is selected"},
-      {Of(Operation::kQuery, vsc::query::kUpgradeStatus), KELVA_METHOD(UpgradeStatus)},
-      {Of(Operation::kQuery, vsc::query::kConsoleLog), KELVA_METHOD(ConsoleLog)},
-      {Of(Operation::kQuery, vsc::query::kTime), KELVA_METHOD(GetTime)},
-      {Of(Operation::kQuery, vsc::query::kReady), KELVA_METHOD(IsReady)},
-      {Of(Operation::kQuery, vsc::query::kDoneCommands), KELVA_METHOD(GetDoneCmdCount)},
-      {Of(Operation::kQuery, vsc::query::kBattery), KELVA_METHOD(BatteryLevel)},
-      {Of(Operation::kQuery, vsc::query::kManualControls), KELVA_METHOD(GetManualControlsState)},
+      {Of(Operation::kQuery, kelva::query::kSelectedSize), "size of what is selected"},
+      {Of(Operation::kQuery, kelva::query::kUpgradeStatus), KELVA_METHOD(UpgradeStatus)},
+      {Of(Operation::kQuery, kelva::query::kConsoleLog), KELVA_METHOD(ConsoleLog)},
+      {Of(Operation::kQuery, kelva::query::kTime), KELVA_METHOD(GetTime)},
+      {Of(Operation::kQuery, kelva::query::kReady), KELVA_METHOD(IsReady)},
+      {Of(Operation::kQuery, kelva::query::kDoneCommands), KELVA_METHOD(GetDoneCmdCount)},
+      {Of(Operation::kQuery, kelva::query::kBattery), KELVA_METHOD(BatteryLevel)},
+      {Of(Operation::kQuery, kelva::query::kManualControls), KELVA_METHOD(GetManualControlsState)},
   };
 }
 
@@ -125,13 +125,14 @@ TEST(ProtocolRegister, HasEveryOperationOfTheHeader) {
 
 TEST(ProtocolRegister, HasEverySubCodeOfTheHeader) {
   auto constants = ConstantsOfTheHeader();
-  std::set<Code> codes = {Of(vsc::Operation::kBeginUpgrade, kNoSubCode), Of(vsc::Operation::kWriteChunk, kNoSubCode),
-                          Of(vsc::Operation::kEndWrite, constants["vsc"].at("kEndWriteFile"))};
+  std::set<Code> codes = {Of(kelva::Operation::kBeginUpgrade, kNoSubCode),
+                          Of(kelva::Operation::kWriteChunk, kNoSubCode),
+                          Of(kelva::Operation::kEndWrite, constants["vsc"].at("kEndWriteFile"))};
   for (const auto& [scope, operation] :
-       std::map<std::string, vsc::Operation>{{"action", vsc::Operation::kAction},
-                                             {"select", vsc::Operation::kSelect},
-                                             {"read_chunk", vsc::Operation::kReadChunk},
-                                             {"query", vsc::Operation::kQuery}}) {
+       std::map<std::string, kelva::Operation>{{"action", kelva::Operation::kAction},
+                                               {"select", kelva::Operation::kSelect},
+                                               {"read_chunk", kelva::Operation::kReadChunk},
+                                               {"query", kelva::Operation::kQuery}}) {
     for (const auto& [name, value] : constants[scope]) {
       codes.insert(Of(operation, value));
     }

@@ -7,12 +7,12 @@
 #include <map>
 #include <sstream>
 
-#include "Camera.h"
-#include "DcfLayout.h"
-#include "Document.h"
-#include "Player.h"
-#include "UserClientRecords.h"
-#include "VscRegister.h"
+#include "src/wifi/Camera.h"
+#include "src/wifi/DcfLayout.h"
+#include "src/wifi/VscRegister.h"
+#include "tests/protocol/Document.h"
+#include "tests/protocol/Player.h"
+#include "wire/UserClientRecords.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ Field Span(const std::string& cell) {
 std::string Filled(int type) {
   const std::array<std::int32_t, 5> header = {1, sizeof(DcfObj), 1, type, 0};
   const std::string record(sizeof(DcfObj), 'x');
-  const vsc::DcfLayout layout(reinterpret_cast<const _VscCdbDcfHeader*>(header.data()));
+  const kelva::DcfLayout layout(reinterpret_cast<const _VscCdbDcfHeader*>(header.data()));
   const DcfObj picture = layout.Decode(record.data());
   return {reinterpret_cast<const char*>(&picture), sizeof(picture)};
 }
@@ -75,10 +75,10 @@ std::string Place(std::int64_t first, std::int64_t second) {
 TEST(ProtocolTables, GiveThePlacesInTheCommandBlock) {
   EXPECT_EQ(ReadDocument().tables.at("bytes of the block"),
             (std::vector<Row>{
-                {std::to_string(vsc::at::kOperation), "operation code, 0xC0 to 0xC6"},
+                {std::to_string(kelva::at::kOperation), "operation code, 0xC0 to 0xC6"},
                 {"1", "0"},
-                {std::to_string(vsc::at::kSubCode), "sub-code"},
-                {std::to_string(vsc::at::kParameter) + " and on", "parameters; what a command does not name is 0"}}));
+                {std::to_string(kelva::at::kSubCode), "sub-code"},
+                {std::to_string(kelva::at::kParameter) + " and on", "parameters; what a command does not name is 0"}}));
 }
 
 TEST(ProtocolTables, GiveTheSizesOfTheRecords) {
@@ -92,8 +92,8 @@ TEST(ProtocolTables, GiveTheSizesOfTheRecords) {
                                                {"_VscCdbCameraInformation", sizeof(_VscCdbCameraInformation)},
                                                {"_VscCdbDcfHeader", sizeof(_VscCdbDcfHeader)},
                                                {"DcfObj", sizeof(DcfObj)},
-                                               {"UserClientTransferRequest", sizeof(UserClientTransferRequest)},
-                                               {"UserClientTransferResult", sizeof(UserClientTransferResult)}};
+                                               {"UserClientTransferRequest", sizeof(wire::UserClientTransferRequest)},
+                                               {"UserClientTransferResult", sizeof(wire::UserClientTransferResult)}};
   EXPECT_EQ(documented, expected);
 }
 
@@ -104,20 +104,20 @@ TEST(ProtocolTables, GiveTheCatalogueFieldsTheirPlacesInDcfObj) {
     const Row& row = rows[static_cast<std::size_t>(type)];
     SCOPED_TRACE(row[0]);
     EXPECT_EQ(row[0], std::to_string(type));
-    EXPECT_EQ(row[1], std::to_string(vsc::DcfFieldSize(static_cast<std::uint32_t>(type))));
+    EXPECT_EQ(row[1], std::to_string(kelva::DcfFieldSize(static_cast<std::uint32_t>(type))));
     const Field span = Span(row[2]);
     EXPECT_EQ(row[1], std::to_string(span.size));
     std::string expected(sizeof(DcfObj), '\0');
     EXPECT_EQ(Filled(type), expected.replace(span.offset, span.size, span.size, 'x'));
   }
-  EXPECT_EQ(vsc::DcfFieldSize(10), 0u);
+  EXPECT_EQ(kelva::DcfFieldSize(10), 0u);
 }
 
 TEST(ProtocolTables, GiveThePlacesInTheCatalogue) {
   const auto answer = OwnOffsets();
   const auto* header = reinterpret_cast<const _VscCdbDcfHeader*>(answer.data());
-  const vsc::DcfField first = vsc::DcfFieldAt(header, 0);
-  const vsc::DcfField second = vsc::DcfFieldAt(header, 1);
+  const kelva::DcfField first = kelva::DcfFieldAt(header, 0);
+  const kelva::DcfField second = kelva::DcfFieldAt(header, 1);
   EXPECT_EQ(
       ReadDocument().tables.at("catalogue offset"),
       (std::vector<Row>{{std::to_string(offsetof(_VscCdbDcfHeader, version)), "4", "version, 1"},

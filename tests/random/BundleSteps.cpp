@@ -4,7 +4,7 @@
 
 // The steps about crash logs, calibration and files by key.
 
-namespace kelva::random {
+namespace tests::random {
 namespace {
 
 using Named = std::vector<std::pair<std::string, std::string>>;
@@ -77,4 +77,4 @@ void Session::ReadCompressedRaw() {
   EXPECT_EQ(NamesAndBytes(camera_.ReadCompressedRaw(key, nullptr, nullptr, true)), expected);
 }
 
-}  // namespace kelva::random
+}  // namespace tests::random

@@ -1,10 +1,10 @@
 #ifndef KELVA_TESTS_RANDOM_DIRECT_CAMERA_H_
 #define KELVA_TESTS_RANDOM_DIRECT_CAMERA_H_
 
-#include "Camera.h"
-#include "vcam/device/VirtualCamera.h"
+#include "src/wifi/Camera.h"
+#include "vcam/camera/VirtualCamera.h"
 
-namespace kelva::random {
+namespace tests::random {
 
 /// The library's commands over a virtual camera, with a chunk size of the test's choice and nothing between. A transfer
 /// that fails returns false, so that every command ends with its neutral value.
@@ -29,6 +29,6 @@ class DirectCamera : public Camera {
   vcam::VirtualCamera& device_;
 };
 
-}  // namespace kelva::random
+}  // namespace tests::random
 
 #endif  // KELVA_TESTS_RANDOM_DIRECT_CAMERA_H_

@@ -6,7 +6,7 @@
 
 // The steps about files, pictures and directories.
 
-namespace kelva::random {
+namespace tests::random {
 namespace {
 
 std::string Text(const std::vector<char>& bytes) {
@@ -151,4 +151,4 @@ void Session::WalkADirectory() {
   EXPECT_EQ(got, expected);
 }
 
-}  // namespace kelva::random
+}  // namespace tests::random

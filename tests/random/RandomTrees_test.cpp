@@ -9,7 +9,7 @@
 // KELVA_RANDOM_TREES says how many trees for each chunk size; KELVA_RANDOM_SEED is the first seed, so that a failure can
 // be run again alone.
 
-namespace kelva::random {
+namespace tests::random {
 namespace {
 
 constexpr std::uint64_t kDefaultTrees = 60;
@@ -36,4 +36,4 @@ INSTANTIATE_TEST_SUITE_P(ChunkSizes, RandomTrees, testing::Values(16, 700, 4096,
                          [](const auto& param) { return std::to_string(param.param); });
 
 }  // namespace
-}  // namespace kelva::random
+}  // namespace tests::random

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace kelva::random {
+namespace tests::random {
 namespace {
 
 std::unique_ptr<vcam::VirtualCamera> MakeDevice(Random& random, const vcam::test::ScratchStorage& scratch) {
@@ -101,4 +101,4 @@ void Session::Walk(const std::string& directory, std::vector<std::pair<std::stri
   }
 }
 
-}  // namespace kelva::random
+}  // namespace tests::random

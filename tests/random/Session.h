@@ -3,9 +3,9 @@
 
 #include "tests/random/DirectCamera.h"
 #include "tests/random/Tree.h"
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
-namespace kelva::random {
+namespace tests::random {
 
 /// One storage tree, one camera over it and a sequence of commands, each compared with the model at once. Failures are
 /// reported through GoogleTest.
@@ -57,6 +57,6 @@ class Session {
   DirectCamera camera_;
 };
 
-}  // namespace kelva::random
+}  // namespace tests::random
 
 #endif  // KELVA_TESTS_RANDOM_SESSION_H_

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-namespace kelva::random {
+namespace tests::random {
 namespace {
 
 std::string Digits(int number, std::size_t width) {
@@ -137,4 +137,4 @@ std::string KeyOf(const std::string& content) {
   return key;
 }
 
-}  // namespace kelva::random
+}  // namespace tests::random

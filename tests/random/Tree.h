@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace kelva::random {
+namespace tests::random {
 
 using Random = std::mt19937_64;
 
@@ -68,6 +68,6 @@ std::string OnCamera(const std::string& path);
 /// SHA-1 in lower-case hexadecimal.
 std::string KeyOf(const std::string& content);
 
-}  // namespace kelva::random
+}  // namespace tests::random
 
 #endif  // KELVA_TESTS_RANDOM_TREE_H_

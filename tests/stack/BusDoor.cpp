@@ -3,19 +3,16 @@
 
 #include <thread>
 
+#include "bus/BusClient.h"
+#include "bus/BusConnection.h"
 #include "darwin/registry/Registry.h"
 #include "tests/stack/Door.h"
-#include "vcam/bus/BusServer.h"
-#include "vcam/client/BusClient.h"
-#include "vcam/client/BusConnection.h"
+#include "vcam/camera/testing/TestSupport.h"
 #include "vcam/device/Sha1.h"
-#include "vcam/device/TestSupport.h"
+#include "vcam/server/BusServer.h"
 
-namespace kelva::stack {
+namespace tests::stack {
 namespace {
-
-namespace bus = vcam::bus;
-namespace client = vcam::client;
 
 /// A bus served by a thread of this process, and the registry filled from its socket.
 class BusDoor : public Door {
@@ -24,16 +21,16 @@ class BusDoor : public Door {
       : path_((scratch_.path() / "bus").string()),
         server_(path_),
         stop_(::eventfd(0, EFD_CLOEXEC)),
-        thread_([this] { server_.Run(stop_.get()); }),
+        thread_([this] { server_.Run(stop_.Get()); }),
         connection_(path_) {
     // First used here, libcrypto cleans up after this object, whose camera threads still hold state of it.
     vcam::Sha256Hex("");
-    darwin::Registry::Shared().SetSource(client::ConnectBus(path_));
+    darwin::Registry::Shared().SetSource(bus::ConnectBus(path_));
   }
 
   ~BusDoor() override {
     const std::uint64_t one = 1;
-    if (::write(stop_.get(), &one, sizeof one) == sizeof one) thread_.join();
+    if (::write(stop_.Get(), &one, sizeof one) == sizeof one) thread_.join();
   }
 
   void Plug(const vcam::Options& options) override {
@@ -58,10 +55,10 @@ class BusDoor : public Door {
  private:
   vcam::test::ScratchStorage scratch_;
   std::string path_;
-  bus::BusServer server_;
-  vcam::FileDescriptor stop_;
+  vcam::server::BusServer server_;
+  base::FileDescriptor stop_;
   std::thread thread_;
-  client::BusConnection connection_;
+  bus::BusConnection connection_;
 };
 
 }  // namespace
@@ -71,4 +68,4 @@ Door& Door::Get() {
   return door;
 }
 
-}  // namespace kelva::stack
+}  // namespace tests::stack

@@ -2,7 +2,7 @@
 
 // Every command of the library, over the registry and the user client, against the storage folder of a virtual camera.
 
-namespace kelva::stack {
+namespace tests::stack {
 namespace {
 
 using testing::ElementsAre;
@@ -204,4 +204,4 @@ TEST_F(Commands, ReadCompressedRaw) {
 }
 
 }  // namespace
-}  // namespace kelva::stack
+}  // namespace tests::stack

@@ -2,7 +2,7 @@
 
 // Who is there, who comes and who goes, as an application is told.
 
-namespace kelva::stack {
+namespace tests::stack {
 namespace {
 
 using testing::IsEmpty;
@@ -151,4 +151,4 @@ TEST_F(Discovery, ALostCameraTellsItsOwnerOnce) {
 }
 
 }  // namespace
-}  // namespace kelva::stack
+}  // namespace tests::stack

@@ -6,7 +6,7 @@
 #include "vcam/device/Options.h"
 #include "vcam/faults/Fault.h"
 
-namespace kelva::stack {
+namespace tests::stack {
 
 /// How the cameras of a test reach the library. Two programs are made of the same tests, one for each door: cameras of
 /// this process, and cameras behind a bus. The registry is the process's, so there is one door per program.
@@ -22,6 +22,6 @@ class Door {
   virtual void Arm(const std::string& serial, const vcam::Fault& fault) = 0;
 };
 
-}  // namespace kelva::stack
+}  // namespace tests::stack
 
 #endif  // KELVA_TESTS_STACK_DOOR_H_

@@ -5,7 +5,7 @@
 
 // What the library makes of a camera that goes wrong, through the whole stack.
 
-namespace kelva::stack {
+namespace tests::stack {
 namespace {
 
 using testing::HasSubstr;
@@ -137,4 +137,4 @@ TEST_F(Faults, ASecondSessionIsRefused) {
 }
 
 }  // namespace
-}  // namespace kelva::stack
+}  // namespace tests::stack

@@ -3,9 +3,9 @@
 
 #include "darwin/virtual/VirtualRegistry.h"
 #include "tests/stack/Door.h"
-#include "vcam/door/InProcess.h"
+#include "vcam/camera/InProcess.h"
 
-namespace kelva::stack {
+namespace tests::stack {
 namespace {
 
 class InProcessDoor : public Door {
@@ -46,4 +46,4 @@ Door& Door::Get() {
   return door;
 }
 
-}  // namespace kelva::stack
+}  // namespace tests::stack

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "Camera.h"
+#include "src/wifi/Camera.h"
 #include "tests/stack/Door.h"
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
-namespace kelva::stack {
+namespace tests::stack {
 
 /// Any number of cameras over one storage folder; those that a test leaves plugged in are pulled out after it.
 class PlugTest : public testing::Test {
@@ -81,6 +81,6 @@ class PlugTest : public testing::Test {
   std::set<std::string> plugged_;
 };
 
-}  // namespace kelva::stack
+}  // namespace tests::stack
 
 #endif  // KELVA_TESTS_STACK_PLUG_TEST_H_

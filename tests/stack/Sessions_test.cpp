@@ -2,7 +2,7 @@
 
 // Sessions with cameras that come, go and are held by others, and what moves in one transfer.
 
-namespace kelva::stack {
+namespace tests::stack {
 namespace {
 
 using testing::MatchesRegex;
@@ -88,4 +88,4 @@ TEST_F(Sessions, ACameraThatIsPluggedInAgainCanBeOpenedAgain) {
 }
 
 }  // namespace
-}  // namespace kelva::stack
+}  // namespace tests::stack

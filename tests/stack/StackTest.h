@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "Camera.h"
-#include "OsxCamera.h"
 #include "darwin/registry/Accounting.h"
+#include "src/usb/osx/OsxCamera.h"
+#include "src/wifi/Camera.h"
 #include "tests/stack/Door.h"
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
-namespace kelva::stack {
+namespace tests::stack {
 
 /// One camera, found and opened as an application does, with a storage folder to look into. After each test nothing of the
 /// registry may be left in this process's hands.
@@ -64,6 +64,6 @@ class StackTest : public testing::Test {
   bool plugged_ = false;
 };
 
-}  // namespace kelva::stack
+}  // namespace tests::stack
 
 #endif  // KELVA_TESTS_STACK_STACK_TEST_H_

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "AgentUnderTest.h"
+#include "tests/umockdev/AgentUnderTest.h"
 
 namespace mock {
 namespace {

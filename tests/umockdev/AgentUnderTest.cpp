@@ -1,4 +1,4 @@
-#include "AgentUnderTest.h"
+#include "tests/umockdev/AgentUnderTest.h"
 
 #include <fcntl.h>
 #include <poll.h>

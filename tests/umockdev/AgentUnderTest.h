@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "MockMachine.h"
+#include "tests/umockdev/MockMachine.h"
 
 namespace mock {
 

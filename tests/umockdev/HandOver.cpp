@@ -1,4 +1,4 @@
-#include "HandOver.h"
+#include "tests/umockdev/HandOver.h"
 
 namespace mock {
 

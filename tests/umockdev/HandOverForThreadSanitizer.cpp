@@ -1,6 +1,6 @@
 #include <cstdarg>
 
-#include "HandOver.h"
+#include "tests/umockdev/HandOver.h"
 
 // The interface of ThreadSanitizer's runtime, which gcc ships without a header; and the linker's two names of a wrapped call.
 extern "C" void __tsan_acquire(void* address);

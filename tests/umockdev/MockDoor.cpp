@@ -1,10 +1,10 @@
 #include <memory>
 
-#include "MockMachine.h"
 #include "darwin/udev/UdevSource.h"
 #include "tests/doors/Door.h"
+#include "tests/umockdev/MockMachine.h"
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
 constexpr int kPort = 0;
@@ -48,4 +48,4 @@ std::span<const NamedDoor> AllDoors() {
   return kDoors;
 }
 
-}  // namespace kelva::doors
+}  // namespace tests::doors

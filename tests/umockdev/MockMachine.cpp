@@ -1,4 +1,4 @@
-#include "MockMachine.h"
+#include "tests/umockdev/MockMachine.h"
 
 #include <linux/capability.h>
 #include <sys/stat.h>

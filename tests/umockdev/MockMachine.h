@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "SgDoor.h"
+#include "tests/umockdev/SgDoor.h"
 
 namespace mock {
 

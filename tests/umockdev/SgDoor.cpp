@@ -1,4 +1,4 @@
-#include "SgDoor.h"
+#include "tests/umockdev/SgDoor.h"
 
 #include <linux/fs.h>
 
@@ -9,7 +9,7 @@
 #include <cstring>
 #include <thread>
 
-#include "HandOver.h"
+#include "tests/umockdev/HandOver.h"
 
 namespace mock {
 namespace {
@@ -17,12 +17,12 @@ namespace {
 constexpr unsigned short kHostTimeOut = 3;
 constexpr unsigned short kHostError = 7;
 // What usb-storage says of a device that sends more than it was asked for.
-constexpr vcam::Sense kTooMuchData{0x05, 0x24, 0x00};
+constexpr wire::Sense kTooMuchData{0x05, 0x24, 0x00};
 
-vcam::Direction DirectionOf(int kernelDirection) {
-  if (kernelDirection == SG_DXFER_TO_DEV) return vcam::Direction::kToCamera;
-  if (kernelDirection == SG_DXFER_FROM_DEV) return vcam::Direction::kFromCamera;
-  return vcam::Direction::kNone;
+wire::Direction DirectionOf(int kernelDirection) {
+  if (kernelDirection == SG_DXFER_TO_DEV) return wire::Direction::kToCamera;
+  if (kernelDirection == SG_DXFER_FROM_DEV) return wire::Direction::kFromCamera;
+  return wire::Direction::kNone;
 }
 
 // Memory of the process that called, behind a pointer in its arguments. The parent owns it.
@@ -42,18 +42,18 @@ void Complete(UMockdevIoctlClient* client, long result, int error) {
 
 // As usb-storage counts: what did not arrive, or what the device says that it did not move, whichever is more. A claim of
 // more than was asked for makes a residue below nothing, which is none of the bytes.
-std::uint32_t ResidueOf(const vcam::Reply& reply, const sg_io_hdr_t& header) {
+std::uint32_t ResidueOf(const wire::Reply& reply, const sg_io_hdr_t& header) {
   const std::uint32_t asked = header.dxfer_len;
   const auto size = static_cast<std::uint32_t>(reply.data.size());
   const std::uint32_t arrived = header.dxfer_direction == SG_DXFER_FROM_DEV ? std::min(size, asked) : asked;
   return std::max(asked - arrived, std::min(asked - reply.moved, asked));
 }
 
-bool IsBabble(const vcam::Reply& reply, const sg_io_hdr_t& header) {
+bool IsBabble(const wire::Reply& reply, const sg_io_hdr_t& header) {
   return header.dxfer_direction == SG_DXFER_FROM_DEV && reply.Good() && reply.data.size() > header.dxfer_len;
 }
 
-std::array<std::uint8_t, 18> FixedSense(vcam::Sense sense) {
+std::array<std::uint8_t, 18> FixedSense(wire::Sense sense) {
   std::array<std::uint8_t, 18> bytes{};
   bytes[0] = 0x70;
   bytes[2] = sense.key;
@@ -118,29 +118,29 @@ void SgDoor::AnswerCommand(UMockdevIoctlClient* client) {
 }
 
 void SgDoor::Run(UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
-  vcam::Command command;
+  wire::Command command;
   UMockdevIoctlData* cdb = Behind(arguments, offsetof(sg_io_hdr_t, cmdp), header.cmd_len);
   std::memcpy(command.cdb.data(), cdb->data, std::min<std::size_t>(header.cmd_len, command.cdb.size()));
   command.direction = DirectionOf(header.dxfer_direction);
   command.length = header.dxfer_len;
-  if (command.direction == vcam::Direction::kToCamera) {
+  if (command.direction == wire::Direction::kToCamera) {
     UMockdevIoctlData* sent = Behind(arguments, offsetof(sg_io_hdr_t, dxferp), header.dxfer_len);
     if (sent) command.data = {sent->data, header.dxfer_len};
   }
-  const vcam::Reply reply = camera_->Execute(command);
+  const wire::Reply reply = camera_->Execute(command);
   std::this_thread::sleep_for(reply.delay);
   Translate(reply, arguments, header);
 }
 
 // What a user of the real kernel sees of each ending, unplugging included: there it claims that every byte arrived.
-void SgDoor::Translate(const vcam::Reply& reply, UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
+void SgDoor::Translate(const wire::Reply& reply, UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
   const bool babble = IsBabble(reply, header);
-  header.status = babble ? vcam::kStatusCheckCondition : reply.status;
+  header.status = babble ? wire::kStatusCheckCondition : reply.status;
   header.host_status = static_cast<unsigned short>(hostStatus.load());
   header.resid = static_cast<int>(ResidueOf(reply, header));
-  if (reply.transport == vcam::Transport::kHang) header.host_status = kHostTimeOut;
-  if (reply.transport == vcam::Transport::kStall) header.host_status = kHostError;
-  if (reply.transport == vcam::Transport::kGone) {
+  if (reply.transport == wire::Transport::kHang) header.host_status = kHostTimeOut;
+  if (reply.transport == wire::Transport::kStall) header.host_status = kHostError;
+  if (reply.transport == wire::Transport::kGone) {
     header.host_status = kHostError;
     header.resid = 0;
     if (!gone_.exchange(true) && onGone) onGone();
@@ -150,7 +150,7 @@ void SgDoor::Translate(const vcam::Reply& reply, UMockdevIoctlData* arguments, s
     Write(Behind(arguments, offsetof(sg_io_hdr_t, dxferp), header.dxfer_len), reply.data.data(),
           std::min<std::size_t>(reply.data.size(), header.dxfer_len));
   }
-  if (header.status == vcam::kStatusCheckCondition && header.host_status == 0) {
+  if (header.status == wire::kStatusCheckCondition && header.host_status == 0) {
     const auto bytes = FixedSense(babble ? kTooMuchData : reply.sense);
     header.sb_len_wr = static_cast<unsigned char>(std::min<std::size_t>(bytes.size(), header.mx_sb_len));
     header.driver_status = 8;

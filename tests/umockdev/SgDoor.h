@@ -10,7 +10,7 @@
 #include <memory>
 #include <vector>
 
-#include "vcam/device/VirtualCamera.h"
+#include "vcam/camera/VirtualCamera.h"
 
 namespace mock {
 
@@ -42,7 +42,7 @@ class SgDoor {
   void AnswerLimit(UMockdevIoctlClient* client);
   void AnswerCommand(UMockdevIoctlClient* client);
   void Run(UMockdevIoctlData* arguments, sg_io_hdr_t& header);
-  void Translate(const vcam::Reply& reply, UMockdevIoctlData* arguments, sg_io_hdr_t& header);
+  void Translate(const wire::Reply& reply, UMockdevIoctlData* arguments, sg_io_hdr_t& header);
 
   std::shared_ptr<vcam::VirtualCamera> camera_;
   UMockdevIoctlBase* handler_;

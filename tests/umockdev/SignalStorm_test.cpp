@@ -5,10 +5,10 @@
 
 #include <atomic>
 
-#include "Camera.h"
-#include "MockMachine.h"
 #include "darwin/udev/UdevSource.h"
-#include "vcam/device/TestSupport.h"
+#include "src/wifi/Camera.h"
+#include "tests/umockdev/MockMachine.h"
+#include "vcam/camera/testing/TestSupport.h"
 
 namespace mock {
 namespace {

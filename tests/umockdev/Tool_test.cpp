@@ -10,8 +10,8 @@
 #include <memory>
 #include <string>
 
-#include "MockMachine.h"
-#include "vcam/device/TestSupport.h"
+#include "tests/umockdev/MockMachine.h"
+#include "vcam/camera/testing/TestSupport.h"
 
 namespace mock {
 namespace {

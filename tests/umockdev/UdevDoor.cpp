@@ -2,11 +2,11 @@
 #include <map>
 #include <memory>
 
-#include "MockMachine.h"
 #include "darwin/udev/UdevSource.h"
 #include "tests/stack/Door.h"
+#include "tests/umockdev/MockMachine.h"
 
-namespace kelva::stack {
+namespace tests::stack {
 namespace {
 
 /// Cameras that udev finds and that are reached through /dev/sgN, on a mock machine.
@@ -62,4 +62,4 @@ Door& Door::Get() {
   return door;
 }
 
-}  // namespace kelva::stack
+}  // namespace tests::stack

@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
-#include "MockMachine.h"
 #include "darwin/udev/CameraTracker.h"
 #include "darwin/udev/UdevUnitSource.h"
+#include "tests/umockdev/MockMachine.h"
 
 namespace darwin::udev {
 namespace {

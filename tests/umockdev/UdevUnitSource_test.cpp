@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "MockMachine.h"
+#include "tests/umockdev/MockMachine.h"
 
 namespace darwin::udev {
 namespace {

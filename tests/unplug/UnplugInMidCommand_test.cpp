@@ -11,14 +11,14 @@
 #include <string>
 #include <thread>
 
-#include "Camera.h"
-#include "CameraError.h"
 #include "darwin/cf/Accounting.h"
 #include "darwin/registry/Accounting.h"
 #include "darwin/virtual/VirtualRegistry.h"
-#include "src/usb/osx/UserClientRecords.h"
+#include "src/wifi/Camera.h"
+#include "src/wifi/CameraError.h"
+#include "wire/UserClientRecords.h"
 
-namespace kelva::unplug {
+namespace tests::unplug {
 namespace {
 
 /// Where a command stands still until the test has done what it wants in its midst.
@@ -40,11 +40,11 @@ class Driver final : public darwin::UserClient {
       gate_->leave.get_future().wait();
       return kIOReturnNoDevice;
     }
-    UserClientTransferRequest request;
+    wire::UserClientTransferRequest request;
     std::memcpy(&request, in, sizeof request);
     auto* buffer = reinterpret_cast<char*>(static_cast<std::uintptr_t>(request.bufferAddress));
     std::fill_n(buffer, request.length, '\1');
-    const UserClientTransferResult result{0, request.length};
+    const wire::UserClientTransferResult result{0, request.length};
     std::memcpy(out, &result, sizeof result);
     *outSize = sizeof result;
     return kIOReturnSuccess;
@@ -160,4 +160,4 @@ TEST(Unplug, AThousandInTheMidstOfAnotherThreadsCommandLeaveNothing) {
 }
 
 }  // namespace
-}  // namespace kelva::unplug
+}  // namespace tests::unplug

@@ -1,10 +1,10 @@
-#ifndef KELVA_TOOLS_JPEGFILE_H_
-#define KELVA_TOOLS_JPEGFILE_H_
+#ifndef KELVA_TOOLS_DRAW_PICTURES_JPEG_FILE_H_
+#define KELVA_TOOLS_DRAW_PICTURES_JPEG_FILE_H_
 
 #include <filesystem>
 #include <vector>
 
-#include "Scene.h"
+#include "tools/draw-pictures/Scene.h"
 
 /// The image as a baseline JPEG file. quality: 1 to 100.
 std::vector<unsigned char> EncodeJpeg(const Image& image, int quality);
@@ -13,4 +13,4 @@ std::vector<unsigned char> EncodeJpeg(const Image& image, int quality);
 /// std::runtime_error with a sentence that names the file when one cannot be written.
 void WritePictures(const std::filesystem::path& folder, int count, int width, int height);
 
-#endif  // KELVA_TOOLS_JPEGFILE_H_
+#endif  // KELVA_TOOLS_DRAW_PICTURES_JPEG_FILE_H_

@@ -1,4 +1,4 @@
-#include "JpegFile.h"
+#include "tools/draw-pictures/JpegFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

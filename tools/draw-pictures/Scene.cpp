@@ -1,4 +1,4 @@
-#include "Scene.h"
+#include "tools/draw-pictures/Scene.h"
 
 #include <algorithm>
 #include <array>

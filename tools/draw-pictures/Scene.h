@@ -1,5 +1,5 @@
-#ifndef KELVA_TOOLS_SCENE_H_
-#define KELVA_TOOLS_SCENE_H_
+#ifndef KELVA_TOOLS_DRAW_PICTURES_SCENE_H_
+#define KELVA_TOOLS_DRAW_PICTURES_SCENE_H_
 
 #include <cstdint>
 #include <vector>
@@ -15,4 +15,4 @@ struct Image {
 /// hour of the day, so that the pictures of a series differ.
 Image DrawScene(int width, int height, int number);
 
-#endif  // KELVA_TOOLS_SCENE_H_
+#endif  // KELVA_TOOLS_DRAW_PICTURES_SCENE_H_

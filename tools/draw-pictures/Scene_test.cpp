@@ -1,4 +1,4 @@
-#include "Scene.h"
+#include "tools/draw-pictures/Scene.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

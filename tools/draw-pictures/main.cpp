@@ -1,7 +1,7 @@
 #include <cstdio>
 #include <exception>
 
-#include "JpegFile.h"
+#include "tools/draw-pictures/JpegFile.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {

@@ -1,25 +1,25 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "src/wifi/DcfObj.h"
+#include "src/wifi/VscRegister.h"
 #include "vcam/device/BatchText.h"
 #include "vcam/device/CameraPath.h"
 #include "vcam/device/Handlers.h"
 #include "vcam/device/Pictures.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
-#include "wifi/DcfObj.h"
-#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
 
 constexpr std::size_t kIdentityLength = offsetof(DcfObj, hasJpg);
 
-Reply Taken(const Command& command) {
+wire::Reply Taken(const wire::Command& command) {
   return Done(static_cast<std::uint32_t>(command.data.size()));
 }
 
-Reply Reboot(Device& device, const Command& command) {
+wire::Reply Reboot(Device& device, const wire::Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   device.selected.reset();
   device.writing.reset();
@@ -30,8 +30,8 @@ Reply Reboot(Device& device, const Command& command) {
   return Done();
 }
 
-Reply SetTime(Device& device, const Command& command) {
-  if (command.direction != Direction::kToCamera || command.data.size() != kTimeLength)
+wire::Reply SetTime(Device& device, const wire::Command& command) {
+  if (command.direction != wire::Direction::kToCamera || command.data.size() != kTimeLength)
     return Refuse(sense::kWrongDataLength);
   if (!device.clock.Set(command.data)) return Refuse(sense::kBadParameter);
   device.settings.clockOffsetMs = device.clock.offset().count();
@@ -40,7 +40,7 @@ Reply SetTime(Device& device, const Command& command) {
   return error != 0 ? Refuse(SenseOfErrno(error)) : Taken(command);
 }
 
-Reply Monitor(Device& device, const Command& command) {
+wire::Reply Monitor(Device& device, const wire::Command& command) {
   const std::optional<std::string> text = TextOf(command);
   if (!text) return Refuse(sense::kWrongDataLength);
   device.console.Log("> " + *text);
@@ -88,7 +88,7 @@ std::size_t RemoveByKeys(Device& device, const std::vector<BatchItem>& items) {
 
 }  // namespace
 
-Reply DeletePath(Device& device, const Command& command) {
+wire::Reply DeletePath(Device& device, const wire::Command& command) {
   const std::optional<std::string> text = TextOf(command);
   if (!text) return Refuse(sense::kWrongDataLength);
   const std::optional<std::string> path = RelativePath(*text);
@@ -99,14 +99,14 @@ Reply DeletePath(Device& device, const Command& command) {
   return Taken(command);
 }
 
-Reply DeletePicture(Device& device, const Command& command) {
-  if (command.direction != Direction::kToCamera || command.data.size() != kIdentityLength)
+wire::Reply DeletePicture(Device& device, const wire::Command& command) {
+  if (command.direction != wire::Direction::kToCamera || command.data.size() != kIdentityLength)
     return Refuse(sense::kWrongDataLength);
   const std::string prefix = FixedText(command.data.subspan(offsetof(DcfObj, filePrefix), sizeof(DcfObj::filePrefix)));
   const PictureDirectory directory{
-      Load<std::int32_t>(command.data, offsetof(DcfObj, directoryNumber)),
+      base::Load<std::int32_t>(command.data, offsetof(DcfObj, directoryNumber)),
       FixedText(command.data.subspan(offsetof(DcfObj, directorySuffix), sizeof(DcfObj::directorySuffix)))};
-  const auto number = Load<std::int32_t>(command.data, offsetof(DcfObj, fileNumber));
+  const auto number = base::Load<std::int32_t>(command.data, offsetof(DcfObj, fileNumber));
   const Picture place{directory, {}, 0, {}};
   if (directory.number < 100 || directory.number > 999 || !IsCameraName(place.DirectoryPath().substr(5)))
     return Refuse(sense::kBadParameter);
@@ -120,7 +120,7 @@ Reply DeletePicture(Device& device, const Command& command) {
   return Taken(command);
 }
 
-Reply DeleteBatch(Device& device, const Command& command) {
+wire::Reply DeleteBatch(Device& device, const wire::Command& command) {
   const std::optional<std::string> text = TextOf(command);
   if (!text) return Refuse(sense::kWrongDataLength);
   const auto items = ParseBatchText(*text);
@@ -130,36 +130,36 @@ Reply DeleteBatch(Device& device, const Command& command) {
   return failed != 0 ? Refuse(sense::kWriteProtected) : Taken(command);
 }
 
-Reply HandleAction(Device& device, const Command& command) {
-  switch (command.cdb[vsc::at::kSubCode]) {
-    case vsc::action::kCaptureImage:
+wire::Reply HandleAction(Device& device, const wire::Command& command) {
+  switch (command.cdb[kelva::at::kSubCode]) {
+    case kelva::action::kCaptureImage:
       return CapturePicture(device, command);
-    case vsc::action::kDeleteFile:
+    case kelva::action::kDeleteFile:
       return DeletePath(device, command);
-    case vsc::action::kEndUpgrade:
+    case kelva::action::kEndUpgrade:
       return HandleUpgradeEnd(device, command);
-    case vsc::action::kReboot:
+    case kelva::action::kReboot:
       return Reboot(device, command);
-    case vsc::action::kSetTime:
+    case kelva::action::kSetTime:
       return SetTime(device, command);
-    case vsc::action::kDeletePicture:
+    case kelva::action::kDeletePicture:
       return DeletePicture(device, command);
-    case vsc::action::kDeleteBatch:
+    case kelva::action::kDeleteBatch:
       return DeleteBatch(device, command);
-    case vsc::action::kWifiNameType0:
-    case vsc::action::kWifiNameType1:
-      return SetNetworkName(device, command, command.cdb[vsc::at::kSubCode] - vsc::action::kWifiNameType0);
-    case vsc::action::kWifiPassphraseType0:
-    case vsc::action::kWifiPassphraseType1:
-      return SetPassphrase(device, command, command.cdb[vsc::at::kSubCode] - vsc::action::kWifiPassphraseType0);
-    case vsc::action::kWifiAuthType:
+    case kelva::action::kWifiNameType0:
+    case kelva::action::kWifiNameType1:
+      return SetNetworkName(device, command, command.cdb[kelva::at::kSubCode] - kelva::action::kWifiNameType0);
+    case kelva::action::kWifiPassphraseType0:
+    case kelva::action::kWifiPassphraseType1:
+      return SetPassphrase(device, command, command.cdb[kelva::at::kSubCode] - kelva::action::kWifiPassphraseType0);
+    case kelva::action::kWifiAuthType:
       return NoteAuthType(device, command);
-    case vsc::action::kManualControl:
+    case kelva::action::kManualControl:
       return NoteManualControl(device, command);
-    case vsc::action::kDisableWifi:
+    case kelva::action::kDisableWifi:
       return SwitchWifiOff(device, command);
-    case vsc::action::kMonitorSingleChar:
-    case vsc::action::kMonitorLine:
+    case kelva::action::kMonitorSingleChar:
+    case kelva::action::kMonitorLine:
       return Monitor(device, command);
     default:
       return Refuse(sense::kBadCommandField);

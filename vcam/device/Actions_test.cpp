@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "vcam/device/CameraFixture.h"
+#include "vcam/camera/testing/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
 
 namespace vcam {
@@ -14,24 +14,24 @@ using test::Tell;
 class ActionsTest : public test::CameraFixture {};
 
 TEST_F(ActionsTest, SetsTheClockAndKeepsItOverARestart) {
-  const Bytes time{0xD0, 7, 1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0};
+  const base::Bytes time{0xD0, 7, 1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0};
   EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x04}, time).moved, 14U);
   Restart();
   EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x03}, 14).data, time);
 }
 
 TEST_F(ActionsTest, RefusesATimeThatIsNone) {
-  EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x04}, Bytes(14)).sense, sense::kBadParameter);
-  EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x04}, Bytes(13)).sense, sense::kWrongDataLength);
+  EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x04}, base::Bytes(14)).sense, sense::kBadParameter);
+  EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x04}, base::Bytes(13)).sense, sense::kWrongDataLength);
   EXPECT_EQ(Tell(*camera_, {0xC0, 0, 0x04}).sense, sense::kWrongDataLength);
 }
 
 TEST_F(ActionsTest, IsNotReadyWhileItBoots) {
   ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x03}).Good());
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x04}, 4).data, Bytes(4));
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x04}, 4).data, base::Bytes(4));
   EXPECT_EQ(Tell(*camera_, {0xC2, 0, 0x02}).sense, sense::kBecomingReady);
   now_ += std::chrono::milliseconds(1500);
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x04}, 4).data, (Bytes{1, 0, 0, 0}));
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x04}, 4).data, (base::Bytes{1, 0, 0, 0}));
   EXPECT_TRUE(Tell(*camera_, {0xC2, 0, 0x02}).Good());
 }
 
@@ -56,7 +56,8 @@ TEST_F(ActionsTest, DeletesAllFilesOfAPictureByItsIdentity) {
   scratch_.Put("DCIM/100ABCDE/IMG_0007.JPG", "1");
   scratch_.Put("DCIM/100ABCDE/IMG_0007.RAW", "1");
   scratch_.Put("DCIM/100ABCDE/IMG_0008.JPG", "1");
-  const Bytes identity{'A', 'B', 'C', 'D', 'E', 0, 0, 0, 'I', 'M', 'G', '_', 0, 0, 0, 0, 100, 0, 0, 0, 7, 0, 0, 0};
+  const base::Bytes identity{'A', 'B', 'C', 'D', 'E', 0, 0, 0, 'I', 'M', 'G', '_',
+                             0,   0,   0,   0,   100, 0, 0, 0, 7,   0,   0,   0};
   EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x05}, identity).moved, 24U);
   EXPECT_FALSE(scratch_.Has("DCIM/100ABCDE/IMG_0007.JPG"));
   EXPECT_FALSE(scratch_.Has("DCIM/100ABCDE/IMG_0007.RAW"));
@@ -65,9 +66,9 @@ TEST_F(ActionsTest, DeletesAllFilesOfAPictureByItsIdentity) {
 }
 
 TEST_F(ActionsTest, RefusesAnIdentityThatIsNone) {
-  EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x05}, Bytes(23)).sense, sense::kWrongDataLength);
-  EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x05}, Bytes(24, 0xFF)).sense, sense::kBadParameter);
-  Bytes outside{'/', '.', '.', 0, 0, 0, 0, 0, 'I', 'M', 'G', '_', 0, 0, 0, 0, 100, 0, 0, 0, 7, 0, 0, 0};
+  EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x05}, base::Bytes(23)).sense, sense::kWrongDataLength);
+  EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x05}, base::Bytes(24, 0xFF)).sense, sense::kBadParameter);
+  base::Bytes outside{'/', '.', '.', 0, 0, 0, 0, 0, 'I', 'M', 'G', '_', 0, 0, 0, 0, 100, 0, 0, 0, 7, 0, 0, 0};
   EXPECT_EQ(Send(*camera_, {0xC0, 0, 0x05}, outside).sense, sense::kBadParameter);
 }
 

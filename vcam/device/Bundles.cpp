@@ -9,16 +9,16 @@ constexpr std::size_t kEntryLength = 36;
 constexpr std::size_t kNameLength = 32;
 constexpr std::size_t kCountLength = 4;
 
-void AppendSize(Bytes& table, Marks& marks, std::uint64_t size) {
+void AppendSize(base::Bytes& table, Marks& marks, std::uint64_t size) {
   marks.counts.push_back(table.size());
-  Append(table, static_cast<std::uint32_t>(size));
+  base::Append(table, static_cast<std::uint32_t>(size));
 }
 
-void AppendEntry(Bytes& table, Marks& marks, const BundleFile& file) {
+void AppendEntry(base::Bytes& table, Marks& marks, const BundleFile& file) {
   AppendSize(table, marks, file.size);
   marks.names.push_back({table.size(), kNameLength});
   const std::size_t end = table.size() + kNameLength;
-  AppendText(table, std::string_view(file.name).substr(0, kNameLength - 1));
+  base::AppendText(table, std::string_view(file.name).substr(0, kNameLength - 1));
   table.resize(end);
 }
 
@@ -30,7 +30,7 @@ void AddBodies(DataSet& bundle, const std::vector<BundleFile>& files) {
 
 DataSet BuildCrashLogBundle(const std::vector<BundleFile>& files) {
   DataSet bundle;
-  Bytes table;
+  base::Bytes table;
   AppendSize(table, bundle.marks, files.size());
   for (const BundleFile& file : files) AppendEntry(table, bundle.marks, file);
   const std::size_t tableLength = table.size();
@@ -40,13 +40,13 @@ DataSet BuildCrashLogBundle(const std::vector<BundleFile>& files) {
   }
   bundle.AddBytes(std::move(table));
   AddBodies(bundle, files);
-  if (bundle.size() < tableLength) bundle.AddBytes(Bytes(tableLength - static_cast<std::size_t>(bundle.size())));
+  if (bundle.size() < tableLength) bundle.AddBytes(base::Bytes(tableLength - static_cast<std::size_t>(bundle.size())));
   return bundle;
 }
 
 DataSet BuildCalibrationBundle(const std::vector<BundleFile>& files) {
   DataSet bundle;
-  Bytes table;
+  base::Bytes table;
   for (const BundleFile& file : files) AppendEntry(table, bundle.marks, file);
   table.resize(kCalibrationEntries * kEntryLength);
   bundle.AddBytes(std::move(table));
@@ -56,7 +56,7 @@ DataSet BuildCalibrationBundle(const std::vector<BundleFile>& files) {
 
 DataSet BuildBatchBundle(const std::vector<BundleFile>& files) {
   DataSet bundle;
-  Bytes table;
+  base::Bytes table;
   for (const BundleFile& file : files) AppendSize(table, bundle.marks, file.size);
   bundle.AddBytes(std::move(table));
   AddBodies(bundle, files);
@@ -65,7 +65,7 @@ DataSet BuildBatchBundle(const std::vector<BundleFile>& files) {
 
 DataSet BuildCompressedRawBundle(const BundleFile& file) {
   DataSet bundle;
-  Bytes table;
+  base::Bytes table;
   AppendSize(table, bundle.marks, file.size - file.size / 2);
   AppendSize(table, bundle.marks, file.size / 2);
   bundle.AddBytes(std::move(table));

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
 namespace vcam {
 namespace {
@@ -15,8 +15,8 @@ class BundlesTest : public testing::Test {
     scratch_.Put(name, content);
     return {name, name, content.size()};
   }
-  Bytes Whole(DataSet data) const {
-    Bytes bytes(data.size());
+  base::Bytes Whole(DataSet data) const {
+    base::Bytes bytes(data.size());
     EXPECT_TRUE(data.Read(Storage(scratch_.path()), 0, bytes));
     return bytes;
   }
@@ -24,52 +24,52 @@ class BundlesTest : public testing::Test {
   test::ScratchStorage scratch_;
 };
 
-Bytes Entry(std::uint8_t size, std::string_view name) {
-  Bytes entry{size, 0, 0, 0};
-  AppendText(entry, name);
+base::Bytes Entry(std::uint8_t size, std::string_view name) {
+  base::Bytes entry{size, 0, 0, 0};
+  base::AppendText(entry, name);
   entry.resize(36);
   return entry;
 }
 
-Bytes Join(std::initializer_list<Bytes> parts) {
-  Bytes all;
-  for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
+base::Bytes Join(std::initializer_list<base::Bytes> parts) {
+  base::Bytes all;
+  for (const base::Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
   return all;
 }
 
 TEST_F(BundlesTest, CrashLogBodiesStartFourBytesBeforeTheTableEnds) {
-  const Bytes bundle = Whole(BuildCrashLogBundle({Put("A", "first"), Put("B", "two")}));
-  Bytes expected = Join({{2, 0, 0, 0}, Entry(5, "A"), Entry(3, "B")});
+  const base::Bytes bundle = Whole(BuildCrashLogBundle({Put("A", "first"), Put("B", "two")}));
+  base::Bytes expected = Join({{2, 0, 0, 0}, Entry(5, "A"), Entry(3, "B")});
   ASSERT_EQ(expected.size(), 76U);
   expected.resize(72);
-  AppendText(expected, "firsttwo");
+  base::AppendText(expected, "firsttwo");
   EXPECT_EQ(bundle, expected);
 }
 
 TEST_F(BundlesTest, CrashLogNamesEndBeforeTheBodies) {
   const std::string longest(kMaxCrashLogName, 'n');
-  const Bytes bundle = Whole(BuildCrashLogBundle({Put(longest, "BODY")}));
+  const base::Bytes bundle = Whole(BuildCrashLogBundle({Put(longest, "BODY")}));
   EXPECT_EQ(AsText(bundle), std::string("\1\0\0\0\4\0\0\0", 8) + longest + std::string(1, '\0') + "BODY");
 }
 
 TEST_F(BundlesTest, CrashLogBundleHoldsItsWholeTable) {
-  EXPECT_EQ(Whole(BuildCrashLogBundle({})), (Bytes{0, 0, 0, 0}));
+  EXPECT_EQ(Whole(BuildCrashLogBundle({})), (base::Bytes{0, 0, 0, 0}));
   EXPECT_EQ(Whole(BuildCrashLogBundle({Put("A", "")})), Join({{1, 0, 0, 0}, Entry(0, "A")}));
-  Bytes one = Join({{1, 0, 0, 0}, Entry(1, "A")});
+  base::Bytes one = Join({{1, 0, 0, 0}, Entry(1, "A")});
   one[36] = 'x';
   EXPECT_EQ(Whole(BuildCrashLogBundle({Put("A", "x")})), one);
 }
 
 TEST_F(BundlesTest, CalibrationAlwaysHasThirtyOneEntries) {
-  Bytes expected = Join({Entry(3, "gain"), Entry(2, "offset")});
+  base::Bytes expected = Join({Entry(3, "gain"), Entry(2, "offset")});
   expected.resize(1116);
-  EXPECT_EQ(Whole(BuildCalibrationBundle({})), Bytes(1116));
-  AppendText(expected, "abcde");
+  EXPECT_EQ(Whole(BuildCalibrationBundle({})), base::Bytes(1116));
+  base::AppendText(expected, "abcde");
   EXPECT_EQ(Whole(BuildCalibrationBundle({Put("gain", "abc"), Put("offset", "de")})), expected);
 }
 
 TEST_F(BundlesTest, BatchIsSizesAndBodies) {
-  const Bytes bundle = Whole(BuildBatchBundle({Put("a", "0123456789"), {}, Put("c", "abcde")}));
+  const base::Bytes bundle = Whole(BuildBatchBundle({Put("a", "0123456789"), {}, Put("c", "abcde")}));
   EXPECT_EQ(bundle.size(), 27U);
   EXPECT_EQ(AsText(bundle), std::string("\x0A\0\0\0\0\0\0\0\5\0\0\0", 12) + "0123456789abcde");
   EXPECT_TRUE(Whole(BuildBatchBundle({})).empty());
@@ -77,7 +77,7 @@ TEST_F(BundlesTest, BatchIsSizesAndBodies) {
 
 TEST_F(BundlesTest, CompressedRawIsTwoHalves) {
   EXPECT_EQ(AsText(Whole(BuildCompressedRawBundle(Put("r", "abcde")))), std::string("\3\0\0\0\2\0\0\0", 8) + "abcde");
-  EXPECT_EQ(Whole(BuildCompressedRawBundle(Put("e", ""))), Bytes(8));
+  EXPECT_EQ(Whole(BuildCompressedRawBundle(Put("e", ""))), base::Bytes(8));
 }
 
 TEST_F(BundlesTest, MarkTheirNumbersAndNames) {

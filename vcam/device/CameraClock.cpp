@@ -19,7 +19,7 @@ using Fields = std::array<std::uint16_t, 7>;
 
 Fields FieldsOf(std::span<const std::uint8_t> bytes) {
   Fields fields{};
-  for (std::size_t i = 0; i < fields.size(); ++i) fields[i] = Load<std::uint16_t>(bytes, 2 * i);
+  for (std::size_t i = 0; i < fields.size(); ++i) fields[i] = base::Load<std::uint16_t>(bytes, 2 * i);
   return fields;
 }
 
@@ -41,19 +41,19 @@ CameraClock::Time CameraClock::Now() const {
   return HostTime() + offset_;
 }
 
-Bytes CameraClock::Read() const {
+base::Bytes CameraClock::Read() const {
   const Time time = Now();
   const auto day = floor<days>(time);
   const year_month_day date(day);
   const hh_mm_ss<milliseconds> clock(time - day);
-  Bytes bytes;
-  Append(bytes, static_cast<std::uint16_t>(static_cast<int>(date.year())));
-  Append(bytes, static_cast<std::uint16_t>(static_cast<unsigned>(date.month())));
-  Append(bytes, static_cast<std::uint16_t>(static_cast<unsigned>(date.day())));
-  Append(bytes, static_cast<std::uint16_t>(clock.hours().count()));
-  Append(bytes, static_cast<std::uint16_t>(clock.minutes().count()));
-  Append(bytes, static_cast<std::uint16_t>(clock.seconds().count()));
-  Append(bytes, static_cast<std::uint16_t>(clock.subseconds().count()));
+  base::Bytes bytes;
+  base::Append(bytes, static_cast<std::uint16_t>(static_cast<int>(date.year())));
+  base::Append(bytes, static_cast<std::uint16_t>(static_cast<unsigned>(date.month())));
+  base::Append(bytes, static_cast<std::uint16_t>(static_cast<unsigned>(date.day())));
+  base::Append(bytes, static_cast<std::uint16_t>(clock.hours().count()));
+  base::Append(bytes, static_cast<std::uint16_t>(clock.minutes().count()));
+  base::Append(bytes, static_cast<std::uint16_t>(clock.seconds().count()));
+  base::Append(bytes, static_cast<std::uint16_t>(clock.subseconds().count()));
   return bytes;
 }
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <span>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
 
 namespace vcam {
 
@@ -21,7 +21,7 @@ class CameraClock {
   explicit CameraClock(std::function<std::chrono::system_clock::time_point()> now) : now_(std::move(now)) {}
 
   Time Now() const;
-  Bytes Read() const;
+  base::Bytes Read() const;
   /// Sets the clock from its 14 bytes; false, and no change, when they are not a time between 1980 and 2107.
   bool Set(std::span<const std::uint8_t> bytes);
 

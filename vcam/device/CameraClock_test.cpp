@@ -19,21 +19,21 @@ class CameraClockTest : public testing::Test {
 };
 
 TEST_F(CameraClockTest, ShowsTheHostsTimeUntilItIsSet) {
-  EXPECT_EQ(clock_.Read(), (Bytes{0xEA, 0x07, 3, 0, 14, 0, 15, 0, 9, 0, 26, 0, 0x17, 0x02}));
+  EXPECT_EQ(clock_.Read(), (base::Bytes{0xEA, 0x07, 3, 0, 14, 0, 15, 0, 9, 0, 26, 0, 0x17, 0x02}));
 }
 
 TEST_F(CameraClockTest, TicksOnFromTheTimeThatWasSet) {
   // 1999-12-31 23:59:59.000
-  ASSERT_TRUE(clock_.Set(Bytes{0xCF, 0x07, 12, 0, 31, 0, 23, 0, 59, 0, 59, 0, 0, 0}));
+  ASSERT_TRUE(clock_.Set(base::Bytes{0xCF, 0x07, 12, 0, 31, 0, 23, 0, 59, 0, 59, 0, 0, 0}));
   now_ += milliseconds(1001);
-  EXPECT_EQ(clock_.Read(), (Bytes{0xD0, 0x07, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0}));
+  EXPECT_EQ(clock_.Read(), (base::Bytes{0xD0, 0x07, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0}));
 }
 
 TEST_F(CameraClockTest, RefusesWhatIsNoTime) {
-  const Bytes good{0xEA, 0x07, 2, 0, 28, 0, 23, 0, 59, 0, 59, 0, 0xE7, 0x03};
+  const base::Bytes good{0xEA, 0x07, 2, 0, 28, 0, 23, 0, 59, 0, 59, 0, 0xE7, 0x03};
   EXPECT_TRUE(clock_.Set(good));
   const auto with = [&](std::size_t at, std::uint8_t value) {
-    Bytes bytes = good;
+    base::Bytes bytes = good;
     bytes[at] = value;
     return bytes;
   };
@@ -44,8 +44,8 @@ TEST_F(CameraClockTest, RefusesWhatIsNoTime) {
   EXPECT_FALSE(clock_.Set(with(10, 60))) << "second 60";
   EXPECT_FALSE(clock_.Set(with(12, 0xE8))) << "millisecond 1000";
   EXPECT_FALSE(clock_.Set(with(1, 0x00))) << "year 234";
-  EXPECT_FALSE(clock_.Set(Bytes(14, 0xFF)));
-  EXPECT_FALSE(clock_.Set(Bytes(13, 0x01)));
+  EXPECT_FALSE(clock_.Set(base::Bytes(14, 0xFF)));
+  EXPECT_FALSE(clock_.Set(base::Bytes(13, 0x01)));
 }
 
 TEST_F(CameraClockTest, KeepsItsOffsetToTheHostsTime) {

@@ -29,13 +29,13 @@ Picture NextPicture(const std::vector<Picture>& pictures) {
   return next;
 }
 
-int WriteFile(const Storage& storage, const std::string& path, const Bytes& content) {
+int WriteFile(const Storage& storage, const std::string& path, const base::Bytes& content) {
   return storage.Replace(path, {reinterpret_cast<const char*>(content.data()), content.size()}, 0644);
 }
 
 }  // namespace
 
-Reply CapturePicture(Device& device, const Command& command) {
+wire::Reply CapturePicture(Device& device, const wire::Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   const Picture next = NextPicture(FindPictures(device.storage));
   if (next.directory.number > kLastDirectory) return Refuse(sense::kStorageFull);

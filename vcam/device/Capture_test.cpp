@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "vcam/device/CameraFixture.h"
+#include "vcam/camera/testing/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
 
 namespace vcam {
@@ -38,7 +38,7 @@ TEST_F(CaptureTest, RefusesWhenAllNumbersAreUsed) {
 
 TEST_F(CaptureTest, CostsBattery) {
   ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x00}).Good());
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x06}, 4).data, (Bytes{0, 0x80, 0xC7, 0x42}));  // 99.75
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x06}, 4).data, (base::Bytes{0, 0x80, 0xC7, 0x42}));  // 99.75
 }
 
 TEST_F(CaptureTest, RefusesWhenTheStorageCannotTakeIt) {

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "wifi/DcfObj.h"
+#include "src/wifi/DcfObj.h"
 
 namespace vcam {
 namespace {
@@ -31,7 +31,7 @@ constexpr std::array<PlainField, 10> kPlainFields{{{offsetof(DcfObj, directorySu
                                                    {offsetof(DcfObj, block8), 28},
                                                    {offsetof(DcfObj, value9), 4}}};
 
-void PutText(Bytes& record, std::size_t offset, std::size_t width, std::string_view text) {
+void PutText(base::Bytes& record, std::size_t offset, std::size_t width, std::string_view text) {
   std::copy_n(text.begin(), std::min(text.size(), width - 1), record.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
@@ -49,7 +49,7 @@ std::string TimeText(std::int64_t seconds) {
   return text.data();
 }
 
-void PutSizesAndTime(Bytes& record, const Picture& picture) {
+void PutSizesAndTime(base::Bytes& record, const Picture& picture) {
   double total = 0;
   std::int64_t modified = 0;
   for (const auto& file : picture.files) {
@@ -58,14 +58,14 @@ void PutSizesAndTime(Bytes& record, const Picture& picture) {
     modified = std::max(modified, file->modifiedNs / 1'000'000'000);
   }
   const std::uint64_t jpg = picture.files[0] ? picture.files[0]->size : 0;
-  Store(std::span(record), offsetof(DcfObj, value5),
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(jpg, 0xFFFFFFFF)));
-  Store(std::span(record), offsetof(DcfObj, value6), static_cast<float>(total / kMegabyte));
+  base::Store(std::span(record), offsetof(DcfObj, value5),
+              static_cast<std::uint32_t>(std::min<std::uint64_t>(jpg, 0xFFFFFFFF)));
+  base::Store(std::span(record), offsetof(DcfObj, value6), static_cast<float>(total / kMegabyte));
   PutText(record, offsetof(DcfObj, block8), sizeof(DcfObj::block8), TimeText(modified));
-  Store(std::span(record), offsetof(DcfObj, value9), static_cast<std::uint32_t>(modified));
+  base::Store(std::span(record), offsetof(DcfObj, value9), static_cast<std::uint32_t>(modified));
 }
 
-void PutRecord(std::span<std::uint8_t> out, const Bytes& plain, const CatalogueLayout& layout) {
+void PutRecord(std::span<std::uint8_t> out, const base::Bytes& plain, const CatalogueLayout& layout) {
   for (const CatalogueField& field : layout.fields) {
     if (field.type >= kPlainFields.size()) continue;
     const PlainField from = kPlainFields[field.type];
@@ -75,16 +75,16 @@ void PutRecord(std::span<std::uint8_t> out, const Bytes& plain, const CatalogueL
   }
 }
 
-Bytes Header(const CatalogueLayout& layout, Marks& marks) {
-  Bytes header;
-  Append(header, kVersion);
-  Append(header, layout.stride);
+base::Bytes Header(const CatalogueLayout& layout, Marks& marks) {
+  base::Bytes header;
+  base::Append(header, kVersion);
+  base::Append(header, layout.stride);
   marks.counts.push_back(header.size());
-  Append(header, static_cast<std::uint32_t>(layout.fields.size()));
+  base::Append(header, static_cast<std::uint32_t>(layout.fields.size()));
   for (const CatalogueField& field : layout.fields) {
-    Append(header, field.type);
+    base::Append(header, field.type);
     marks.offsets.push_back(header.size());
-    Append(header, field.offset);
+    base::Append(header, field.offset);
   }
   return header;
 }
@@ -99,24 +99,24 @@ void MarkNames(Marks& marks, std::uint64_t record, const CatalogueLayout& layout
 
 }  // namespace
 
-Bytes PlainRecord(const Picture& picture, const std::string& key) {
-  Bytes record(sizeof(DcfObj));
+base::Bytes PlainRecord(const Picture& picture, const std::string& key) {
+  base::Bytes record(sizeof(DcfObj));
   const std::span<std::uint8_t> out(record);
   PutText(record, offsetof(DcfObj, directorySuffix), sizeof(DcfObj::directorySuffix), picture.directory.suffix);
   PutText(record, offsetof(DcfObj, filePrefix), sizeof(DcfObj::filePrefix), picture.prefix);
-  Store(out, offsetof(DcfObj, directoryNumber), picture.directory.number);
-  Store(out, offsetof(DcfObj, fileNumber), picture.number);
+  base::Store(out, offsetof(DcfObj, directoryNumber), picture.directory.number);
+  base::Store(out, offsetof(DcfObj, fileNumber), picture.number);
   for (std::size_t type = 0; type < kPictureExtensions.size(); ++type)
-    Store(out, offsetof(DcfObj, hasJpg) + 4 * type, static_cast<std::uint32_t>(picture.files[type].has_value()));
+    base::Store(out, offsetof(DcfObj, hasJpg) + 4 * type, static_cast<std::uint32_t>(picture.files[type].has_value()));
   PutText(record, offsetof(DcfObj, block7), sizeof(DcfObj::block7), key);
   PutSizesAndTime(record, picture);
   return record;
 }
 
-DataSet BuildCatalogue(const std::vector<Bytes>& plainRecords, const CatalogueLayout& layout) {
+DataSet BuildCatalogue(const std::vector<base::Bytes>& plainRecords, const CatalogueLayout& layout) {
   DataSet catalogue;
   catalogue.AddBytes(Header(layout, catalogue.marks));
-  Bytes records(plainRecords.size() * layout.stride, kFiller);
+  base::Bytes records(plainRecords.size() * layout.stride, kFiller);
   for (std::size_t i = 0; i < plainRecords.size(); ++i) {
     const std::size_t start = i * layout.stride;
     PutRecord(std::span(records).subspan(start, layout.stride), plainRecords[i], layout);

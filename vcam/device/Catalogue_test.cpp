@@ -2,14 +2,14 @@
 
 #include <gmock/gmock.h>
 
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
 namespace vcam {
 namespace {
 
-Bytes ReadWhole(DataSet& data) {
+base::Bytes ReadWhole(DataSet& data) {
   const test::ScratchStorage scratch;
-  Bytes bytes(data.size());
+  base::Bytes bytes(data.size());
   EXPECT_TRUE(data.Read(Storage(scratch.path()), 0, bytes));
   return bytes;
 }
@@ -22,17 +22,17 @@ Picture OnePicture() {
 }
 
 // Directory suffix, file prefix, directory number, file number.
-const Bytes kIdentity{'A', 'B', 'C', 'D', 'E', 0, 0, 0, 'I', 'M', 'G', '_', 0, 0, 0, 0, 100, 0, 0, 0, 7, 0, 0, 0};
+const base::Bytes kIdentity{'A', 'B', 'C', 'D', 'E', 0, 0, 0, 'I', 'M', 'G', '_', 0, 0, 0, 0, 100, 0, 0, 0, 7, 0, 0, 0};
 
 TEST(Catalogue, LaysARecordOut) {
-  const Bytes record = PlainRecord(OnePicture(), "a9993e");
-  Bytes expected = kIdentity;
+  const base::Bytes record = PlainRecord(OnePicture(), "a9993e");
+  base::Bytes expected = kIdentity;
   expected.insert(expected.end(), {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0});
   expected.insert(expected.end(), {0xE8, 0x03, 0, 0});        // 1,000 bytes of JPG
   expected.insert(expected.end(), {0xA6, 0x9B, 0xC4, 0x3A});  // 0.0015 megabytes in all
   expected.insert(expected.end(), {'a', '9', '9', '9', '3', 'e'});
   expected.resize(96);
-  AppendText(expected, "2026-03-14 15:09:26");
+  base::AppendText(expected, "2026-03-14 15:09:26");
   expected.resize(124);
   expected.insert(expected.end(), {0x26, 0x7A, 0xB5, 0x69});  // 1,773,500,966
   EXPECT_EQ(record, expected);
@@ -40,7 +40,7 @@ TEST(Catalogue, LaysARecordOut) {
 
 TEST(Catalogue, IsAHeaderAFieldTableAndRecords) {
   DataSet data = BuildCatalogue({PlainRecord(OnePicture(), "")}, {28, {{1, 24}, {0, 0}}});
-  Bytes expected{1, 0, 0, 0, 28, 0, 0, 0, 2, 0, 0, 0, 1, 0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+  base::Bytes expected{1, 0, 0, 0, 28, 0, 0, 0, 2, 0, 0, 0, 1, 0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
   expected.insert(expected.end(), kIdentity.begin(), kIdentity.end());
   expected.insert(expected.end(), {1, 0, 0, 0});
   EXPECT_EQ(ReadWhole(data), expected);
@@ -48,20 +48,20 @@ TEST(Catalogue, IsAHeaderAFieldTableAndRecords) {
 
 TEST(Catalogue, FillsWhatNoKnownFieldCovers) {
   DataSet data = BuildCatalogue({PlainRecord(OnePicture(), "")}, {32, {{0, 4}, {77, 0}, {3, 28}}});
-  const Bytes bytes = ReadWhole(data);
+  const base::Bytes bytes = ReadWhole(data);
   ASSERT_EQ(bytes.size(), 12U + 24U + 32U);
-  EXPECT_EQ(Bytes(bytes.begin() + 36, bytes.begin() + 41), (Bytes{0xEE, 0xEE, 0xEE, 0xEE, 'A'}));
-  EXPECT_EQ(Bytes(bytes.end() - 4, bytes.end()), Bytes(4)) << "no text file";
+  EXPECT_EQ(base::Bytes(bytes.begin() + 36, bytes.begin() + 41), (base::Bytes{0xEE, 0xEE, 0xEE, 0xEE, 'A'}));
+  EXPECT_EQ(base::Bytes(bytes.end() - 4, bytes.end()), base::Bytes(4)) << "no text file";
 }
 
 TEST(Catalogue, LeavesOutAFieldThatDoesNotFit) {
   DataSet data = BuildCatalogue({PlainRecord(OnePicture(), "")}, {8, {{0, 0}, {1, 0xFFFFFFFF}}});
-  const Bytes bytes = ReadWhole(data);
-  EXPECT_EQ(Bytes(bytes.end() - 8, bytes.end()), Bytes(8, 0xEE));
+  const base::Bytes bytes = ReadWhole(data);
+  EXPECT_EQ(base::Bytes(bytes.end() - 8, bytes.end()), base::Bytes(8, 0xEE));
 }
 
 TEST(Catalogue, MarksItsCountItsOffsetsAndItsNames) {
-  const DataSet data = BuildCatalogue({Bytes(128), Bytes(128)}, CatalogueLayout::Standard());
+  const DataSet data = BuildCatalogue({base::Bytes(128), base::Bytes(128)}, CatalogueLayout::Standard());
   EXPECT_EQ(data.marks.counts, (std::vector<std::uint64_t>{8}));
   EXPECT_EQ(data.marks.offsets.size(), 10U);
   ASSERT_EQ(data.marks.names.size(), 4U);

@@ -22,57 +22,57 @@ bool WriteFully(int file, std::uint64_t offset, std::span<const std::uint8_t> da
   return true;
 }
 
-Reply WriteToFile(Device& device, std::uint32_t offset, std::span<const std::uint8_t> data) {
+wire::Reply WriteToFile(Device& device, std::uint32_t offset, std::span<const std::uint8_t> data) {
   Device::WriteTarget& target = *device.writing;
   if (offset > target.size || offset + data.size() > kMaxFile) return Refuse(sense::kOutOfRange);
-  if (!WriteFully(target.file.get(), offset, data)) return Refuse(SenseOfErrno(errno));
+  if (!WriteFully(target.file.Get(), offset, data)) return Refuse(SenseOfErrno(errno));
   target.size = std::max<std::uint64_t>(target.size, offset + data.size());
   return Done(static_cast<std::uint32_t>(data.size()));
 }
 
 }  // namespace
 
-Reply HandleReadChunk(Device& device, const Command& command) {
-  if (!device.selected || device.selected->readSubcode != command.cdb[vsc::at::kSubCode])
+wire::Reply HandleReadChunk(Device& device, const wire::Command& command) {
+  if (!device.selected || device.selected->readSubcode != command.cdb[kelva::at::kSubCode])
     return Refuse(sense::kWrongSequence);
   if (!MayAnswer(command)) return Refuse(sense::kBadCommandField);
   DataSet& data = device.selected->data;
-  const auto offset = Load<std::uint32_t>(command.cdb, vsc::at::kReadOffset);
+  const auto offset = base::Load<std::uint32_t>(command.cdb, kelva::at::kReadOffset);
   if (offset > data.size()) return Refuse(sense::kOutOfRange);
-  if (command.direction == Direction::kNone) return Done();
-  Bytes bytes(static_cast<std::size_t>(std::min<std::uint64_t>(command.length, data.size() - offset)));
+  if (command.direction == wire::Direction::kNone) return Done();
+  base::Bytes bytes(static_cast<std::size_t>(std::min<std::uint64_t>(command.length, data.size() - offset)));
   if (!data.Read(device.storage, offset, bytes)) return Refuse(sense::kReadError);
   return Answer(command, std::move(bytes));
 }
 
-Reply HandleWriteChunk(Device& device, const Command& command) {
-  if (command.direction != Direction::kToCamera) return Refuse(sense::kWrongDataLength);
-  const auto offset = Load<std::uint32_t>(command.cdb, vsc::at::kWriteOffset);
+wire::Reply HandleWriteChunk(Device& device, const wire::Command& command) {
+  if (command.direction != wire::Direction::kToCamera) return Refuse(sense::kWrongDataLength);
+  const auto offset = base::Load<std::uint32_t>(command.cdb, kelva::at::kWriteOffset);
   if (device.writing) return WriteToFile(device, offset, command.data);
   if (!device.upgrade.Receiving()) return Refuse(sense::kWrongSequence);
   if (!device.upgrade.Receive(offset, command.data)) return Refuse(sense::kOutOfRange);
   return Done(static_cast<std::uint32_t>(command.data.size()));
 }
 
-Reply HandleWriteEnd(Device& device, const Command& command) {
+wire::Reply HandleWriteEnd(Device& device, const wire::Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
-  if (command.cdb[vsc::at::kSubCode] != 0) return Refuse(sense::kBadCommandField);
+  if (command.cdb[kelva::at::kSubCode] != 0) return Refuse(sense::kBadCommandField);
   if (!device.writing) return Refuse(sense::kWrongSequence);
   device.console.Log("wrote " + device.writing->path + ", " + std::to_string(device.writing->size) + " bytes");
   device.writing.reset();
   return Done();
 }
 
-Reply HandleUpgradeStart(Device& device, const Command& command) {
+wire::Reply HandleUpgradeStart(Device& device, const wire::Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
-  const auto length = Load<std::uint32_t>(command.cdb, vsc::at::kUpgradeLength);
+  const auto length = base::Load<std::uint32_t>(command.cdb, kelva::at::kUpgradeLength);
   device.writing.reset();
   device.upgrade.Start(length);
   device.console.Log("upgrade announced, " + std::to_string(length) + " bytes");
   return Done();
 }
 
-Reply HandleUpgradeEnd(Device& device, const Command& command) {
+wire::Reply HandleUpgradeEnd(Device& device, const wire::Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   const bool doomed = std::exchange(device.nextUpgradeFails, false);
   if (!device.upgrade.Finish(device.options.now(), device.options.upgradeTime, doomed))

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "vcam/device/CameraFixture.h"
+#include "vcam/camera/testing/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
 
 namespace vcam {
@@ -49,20 +49,20 @@ TEST_F(ChunksTest, TakesAFirmwareImageAndWritesIt) {
   ASSERT_TRUE(Send(*camera_, {0xC5, 0, 2}, {'c'}).Good());
   EXPECT_EQ(Send(*camera_, {0xC5, 0, 3}, {'d'}).sense, sense::kOutOfRange);
   ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (Bytes{0, 0, 0, 0x3F, 1, 0, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x04}, 4).data, Bytes(4)) << "not ready while it writes";
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (base::Bytes{0, 0, 0, 0x3F, 1, 0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x04}, 4).data, base::Bytes(4)) << "not ready while it writes";
   EXPECT_EQ(Tell(*camera_, {0xC2, 0, 0x02}).sense, sense::kMicrocodeDownload);
   now_ += std::chrono::seconds(3);
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (Bytes{0, 0, 0x80, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (base::Bytes{0, 0, 0x80, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0}));
   EXPECT_TRUE(Tell(*camera_, {0xC2, 0, 0x00}).Good());
   EXPECT_THAT(AsText(Ask(*camera_, {0xC4, 0, 1}, 644).data), testing::HasSubstr("a9993e364706"));
 }
 
 TEST_F(ChunksTest, FailsAnUpgradeThatIsEmptyOrEndsTooSoon) {
-  for (const std::uint8_t length : Bytes{0, 3}) {
+  for (const std::uint8_t length : base::Bytes{0, 3}) {
     ASSERT_TRUE(Tell(*camera_, {0xC1, 0, length}).Good());
     ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
-    EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (Bytes{0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0}));
+    EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (base::Bytes{0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0}));
   }
   EXPECT_EQ(Tell(*camera_, {0xC0, 0, 0x02}).sense, sense::kWrongSequence);
 }
@@ -73,7 +73,7 @@ TEST_F(ChunksTest, CanFailAnUpgradeHalfWay) {
   ASSERT_TRUE(Send(*camera_, {0xC5}, {'x'}).Good());
   ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
   now_ += std::chrono::seconds(3);
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (Bytes{0, 0, 0x40, 0x3F, 0, 0, 0, 0, 1, 0, 0, 0}));
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (base::Bytes{0, 0, 0x40, 0x3F, 0, 0, 0, 0, 1, 0, 0, 0}));
 }
 
 }  // namespace

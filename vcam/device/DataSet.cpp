@@ -28,7 +28,7 @@ void DataSet::Add(Piece piece) {
   pieces_.push_back(std::move(piece));
 }
 
-void DataSet::AddBytes(Bytes bytes) {
+void DataSet::AddBytes(base::Bytes bytes) {
   const std::uint64_t size = bytes.size();
   Add({0, size, std::move(bytes), {}, {}});
 }
@@ -37,7 +37,7 @@ void DataSet::AddFile(std::string path, std::uint64_t size) {
   Add({0, size, {}, std::move(path), {}});
 }
 
-void DataSet::AddOpenFile(FileDescriptor file, std::uint64_t size) {
+void DataSet::AddOpenFile(base::FileDescriptor file, std::uint64_t size) {
   Add({0, size, {}, {}, std::move(file)});
 }
 
@@ -61,7 +61,7 @@ bool DataSet::ReadPiece(const Storage& storage, std::size_t index, std::uint64_t
     std::memcpy(out.data(), piece.bytes.data() + offset, out.size());
     return true;
   }
-  return Open(storage, index) && ReadFully(pieces_[index].file.get(), offset, out);
+  return Open(storage, index) && ReadFully(pieces_[index].file.Get(), offset, out);
 }
 
 bool DataSet::Open(const Storage& storage, std::size_t index) {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "vcam/device/Bytes.h"
-#include "vcam/device/FileDescriptor.h"
+#include "base/Bytes.h"
+#include "base/FileDescriptor.h"
 #include "vcam/device/Storage.h"
 
 namespace vcam {
@@ -27,11 +27,11 @@ struct Marks {
 /// asks for them, never as a whole.
 class DataSet {
  public:
-  void AddBytes(Bytes bytes);
+  void AddBytes(base::Bytes bytes);
   /// A file of the storage, opened when it is first read.
   void AddFile(std::string path, std::uint64_t size);
   /// A file that is already open, and that stays readable even when it is deleted meanwhile.
-  void AddOpenFile(FileDescriptor file, std::uint64_t size);
+  void AddOpenFile(base::FileDescriptor file, std::uint64_t size);
 
   std::uint64_t size() const { return size_; }
 
@@ -44,9 +44,9 @@ class DataSet {
   struct Piece {
     std::uint64_t start;
     std::uint64_t size;
-    Bytes bytes;
+    base::Bytes bytes;
     std::string path;
-    FileDescriptor file;
+    base::FileDescriptor file;
   };
 
   bool ReadPiece(const Storage& storage, std::size_t index, std::uint64_t offset, std::span<std::uint8_t> out);

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
 namespace vcam {
 namespace {
@@ -11,7 +11,7 @@ using test::AsText;
 using test::ScratchStorage;
 
 std::string ReadAll(DataSet& data, const Storage& storage, std::uint64_t offset, std::size_t length) {
-  Bytes out(length);
+  base::Bytes out(length);
   return data.Read(storage, offset, out) ? AsText(out) : "failed";
 }
 

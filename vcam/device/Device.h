@@ -36,7 +36,7 @@ struct Device {
     std::uint8_t readSubcode;
   };
   struct WriteTarget {
-    FileDescriptor file;
+    base::FileDescriptor file;
     std::string path;
     std::uint64_t size = 0;
   };

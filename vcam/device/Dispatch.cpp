@@ -1,35 +1,35 @@
+#include "src/wifi/VscRegister.h"
 #include "vcam/device/Handlers.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
-#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
 
-bool AllowedWhileBusy(const Command& command) {
-  return Is(command, vsc::Operation::kQuery) && command.cdb[vsc::at::kSubCode] != vsc::query::kSelectedSize;
+bool AllowedWhileBusy(const wire::Command& command) {
+  return Is(command, kelva::Operation::kQuery) && command.cdb[kelva::at::kSubCode] != kelva::query::kSelectedSize;
 }
 
-bool IsVendorCommand(const Command& command) {
-  return command.cdb[0] >= static_cast<std::uint8_t>(vsc::Operation::kAction) &&
-         command.cdb[0] <= static_cast<std::uint8_t>(vsc::Operation::kQuery);
+bool IsVendorCommand(const wire::Command& command) {
+  return command.cdb[0] >= static_cast<std::uint8_t>(kelva::Operation::kAction) &&
+         command.cdb[0] <= static_cast<std::uint8_t>(kelva::Operation::kQuery);
 }
 
-Reply DispatchReady(Device& device, const Command& command) {
-  switch (static_cast<vsc::Operation>(command.cdb[0])) {
-    case vsc::Operation::kAction:
+wire::Reply DispatchReady(Device& device, const wire::Command& command) {
+  switch (static_cast<kelva::Operation>(command.cdb[0])) {
+    case kelva::Operation::kAction:
       return HandleAction(device, command);
-    case vsc::Operation::kBeginUpgrade:
+    case kelva::Operation::kBeginUpgrade:
       return HandleUpgradeStart(device, command);
-    case vsc::Operation::kSelect:
+    case kelva::Operation::kSelect:
       return HandleSelect(device, command);
-    case vsc::Operation::kEndWrite:
+    case kelva::Operation::kEndWrite:
       return HandleWriteEnd(device, command);
-    case vsc::Operation::kReadChunk:
+    case kelva::Operation::kReadChunk:
       return HandleReadChunk(device, command);
-    case vsc::Operation::kWriteChunk:
+    case kelva::Operation::kWriteChunk:
       return HandleWriteChunk(device, command);
-    case vsc::Operation::kQuery:
+    case kelva::Operation::kQuery:
       return HandleQuery(device, command);
     default:
       return Refuse(sense::kUnknownOperation);
@@ -38,10 +38,10 @@ Reply DispatchReady(Device& device, const Command& command) {
 
 }  // namespace
 
-Reply Dispatch(Device& device, const Command& command) {
+wire::Reply Dispatch(Device& device, const wire::Command& command) {
   if (!IsVendorCommand(command)) return Refuse(sense::kUnknownOperation);
   if (command.cdb[1] != 0) return Refuse(sense::kBadCommandField);
-  if (command.direction != Direction::kNone && command.length > kMaxTransferLength)
+  if (command.direction != wire::Direction::kNone && command.length > wire::kMaxTransferLength)
     return Refuse(sense::kBadCommandField);
   if (!device.Ready() && !AllowedWhileBusy(command))
     return Refuse(device.upgrade.Writing(device.options.now()) ? sense::kMicrocodeDownload : sense::kBecomingReady);

@@ -2,8 +2,8 @@
 
 #include <random>
 
+#include "vcam/camera/testing/TestSupport.h"
 #include "vcam/device/SenseCodes.h"
-#include "vcam/device/TestSupport.h"
 
 namespace vcam {
 namespace {
@@ -18,7 +18,7 @@ TEST(Dispatch, KnowsSevenOperations) {
   VirtualCamera camera(scratch.CameraOptions());
   for (int code = 0; code < 256; ++code) {
     const bool isVendor = code >= 0xC0 && code <= 0xC6;
-    const Reply reply = camera.Execute(test::Block({static_cast<std::uint8_t>(code), 1}));
+    const wire::Reply reply = camera.Execute(test::Block({static_cast<std::uint8_t>(code), 1}));
     EXPECT_EQ(reply.sense, isVendor ? sense::kBadCommandField : sense::kUnknownOperation) << code;
   }
 }
@@ -42,19 +42,19 @@ TEST(Dispatch, SurvivesSeededNonsense) {
   VirtualCamera camera(options);
   std::mt19937 random(20260314);
   for (int i = 0; i < 20'000; ++i) {
-    Command command;
+    wire::Command command;
     for (std::uint8_t& byte : command.cdb) byte = static_cast<std::uint8_t>(random() % 3 == 0 ? random() : 0);
     command.cdb[0] = static_cast<std::uint8_t>(0xC0 + random() % 7);
     command.cdb[1] = 0;
     command.cdb[2] = static_cast<std::uint8_t>(random() % 16);
     if (command.cdb[0] == 0xC0 && command.cdb[2] == 0) command.cdb[2] = 1;  // captures only fill the folder
-    command.direction = static_cast<Direction>(random() % 3);
-    Bytes data(random() % 64);
+    command.direction = static_cast<wire::Direction>(random() % 3);
+    base::Bytes data(random() % 64);
     for (std::uint8_t& byte : data) byte = static_cast<std::uint8_t>(random() % 128);
     command.length = static_cast<std::uint32_t>(data.size());
-    if (command.direction == Direction::kToCamera) command.data = data;
-    const Reply reply = camera.Execute(command);
-    EXPECT_EQ(reply.transport, Transport::kOk);
+    if (command.direction == wire::Direction::kToCamera) command.data = data;
+    const wire::Reply reply = camera.Execute(command);
+    EXPECT_EQ(reply.transport, wire::Transport::kOk);
     EXPECT_LE(reply.data.size(), command.length);
     EXPECT_LE(reply.moved, command.length);
   }

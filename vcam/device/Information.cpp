@@ -1,8 +1,8 @@
 #include "vcam/device/Information.h"
 
+#include "src/wifi/VscRecords.h"
 #include "vcam/device/CameraPath.h"
 #include "vcam/device/Listing.h"
-#include "wifi/VscRecords.h"
 
 namespace vcam {
 namespace {
@@ -14,14 +14,14 @@ constexpr std::size_t kTextsLength = offsetof(_VscCdbCameraInformation, last);
 
 }  // namespace
 
-Bytes InformationRecord(const Device& device, Marks& marks) {
+base::Bytes InformationRecord(const Device& device, Marks& marks) {
   const std::string firmware = device.upgrade.Firmware(device.options.now());
-  Bytes record;
+  base::Bytes record;
   for (const std::string& text :
        {device.options.serial, device.options.vendor, device.options.product, device.options.revision,
         firmware.empty() ? std::string(kFactoryFirmware) : firmware, std::string(kVolumeLabel)}) {
     marks.names.push_back({record.size(), text.size() + 1});
-    AppendString(record, text);
+    base::AppendString(record, text);
   }
   record.resize(kTextsLength);
   record.resize(sizeof(_VscCdbCameraInformation));

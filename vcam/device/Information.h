@@ -10,7 +10,7 @@ namespace vcam {
 
 /// The information record, 644 bytes. In the first 640: NUL-terminated texts one after another (serial number, vendor,
 /// product, revision, firmware, volume label), the rest zero. Then a 32-bit number, 0.
-Bytes InformationRecord(const Device& device, Marks& marks);
+base::Bytes InformationRecord(const Device& device, Marks& marks);
 
 /// The crash logs, in the folder CRASH: their names in the bundle are whole camera paths, so that the host can delete
 /// them by name. Files whose path is longer than kMaxCrashLogName are left out.

@@ -47,7 +47,7 @@ std::string KeyIndex::KeyOf(const Storage& storage, const std::string& path, con
   if (!known.key.empty() && known.settled && known.stamp == stamp) return known.key;
   const std::int64_t start = HostNanoseconds();
   const OpenedFile opened = storage.OpenForReading(path);
-  known.key = opened.file ? HashFile(opened.file.get()) : std::string();
+  known.key = opened.file ? HashFile(opened.file.Get()) : std::string();
   known.stamp = opened.stamp;
   known.settled = start - std::max(opened.stamp.changedNs, opened.stamp.modifiedNs) > kSettleNs;
   return known.key;

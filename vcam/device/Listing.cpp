@@ -38,18 +38,18 @@ std::vector<Line> LinesOf(const std::vector<StorageEntry>& entries, bool isRoot)
 DataSet BuildListing(const std::vector<StorageEntry>& entries, bool isRoot) {
   const std::vector<Line> lines = LinesOf(entries, isRoot);
   DataSet listing;
-  Bytes table;
-  Bytes names;
-  Append(table, kVersion);
+  base::Bytes table;
+  base::Bytes names;
+  base::Append(table, kVersion);
   listing.marks.counts.push_back(table.size());
-  Append(table, static_cast<std::uint32_t>(lines.size()));
+  base::Append(table, static_cast<std::uint32_t>(lines.size()));
   for (const Line& line : lines) {
     const std::size_t name = kHeaderLength + kEntryLength * lines.size() + names.size();
-    Append(table, line.attributes);
-    Append(table, line.size);
+    base::Append(table, line.attributes);
+    base::Append(table, line.size);
     listing.marks.offsets.push_back(table.size());
-    Append(table, static_cast<std::uint32_t>(name));
-    AppendString(names, line.name);
+    base::Append(table, static_cast<std::uint32_t>(name));
+    base::AppendString(names, line.name);
     listing.marks.names.push_back({name, line.name.size() + 1});
   }
   listing.AddBytes(std::move(table));

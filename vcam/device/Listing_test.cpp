@@ -2,21 +2,21 @@
 
 #include <gmock/gmock.h>
 
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
 namespace vcam {
 namespace {
 
-Bytes ReadWhole(DataSet& data) {
+base::Bytes ReadWhole(DataSet& data) {
   const test::ScratchStorage scratch;
-  Bytes bytes(data.size());
+  base::Bytes bytes(data.size());
   EXPECT_TRUE(data.Read(Storage(scratch.path()), 0, bytes));
   return bytes;
 }
 
 TEST(Listing, IsACountEntriesAndNames) {
   DataSet data = BuildListing({{"A.TXT", false, true, {258, 0, 0, 0}}, {".sub", true, false, {4096, 0, 0, 0}}}, false);
-  Bytes expected{1, 0, 0, 0, 4, 0, 0, 0};
+  base::Bytes expected{1, 0, 0, 0, 4, 0, 0, 0};
   expected.insert(expected.end(), {0x10, 0, 0, 0, 0, 0, 0, 0, 56, 0, 0, 0});
   expected.insert(expected.end(), {0x10, 0, 0, 0, 0, 0, 0, 0, 58, 0, 0, 0});
   expected.insert(expected.end(), {0x21, 0, 0, 0, 2, 1, 0, 0, 61, 0, 0, 0});
@@ -27,7 +27,7 @@ TEST(Listing, IsACountEntriesAndNames) {
 
 TEST(Listing, CarriesTheVolumeLabelInTheRoot) {
   DataSet data = BuildListing({}, true);
-  Bytes expected{1, 0, 0, 0, 3, 0, 0, 0};
+  base::Bytes expected{1, 0, 0, 0, 3, 0, 0, 0};
   expected.insert(expected.end(), {0x10, 0, 0, 0, 0, 0, 0, 0, 44, 0, 0, 0});
   expected.insert(expected.end(), {0x10, 0, 0, 0, 0, 0, 0, 0, 46, 0, 0, 0});
   expected.insert(expected.end(), {0x08, 0, 0, 0, 0, 0, 0, 0, 49, 0, 0, 0});
@@ -37,8 +37,8 @@ TEST(Listing, CarriesTheVolumeLabelInTheRoot) {
 
 TEST(Listing, SaysTheLargestSizeForAFileThatIsLarger) {
   DataSet data = BuildListing({{"big", false, false, {5ULL << 30, 0, 0, 0}}}, false);
-  const Bytes bytes = ReadWhole(data);
-  EXPECT_EQ(Bytes(bytes.begin() + 36, bytes.begin() + 40), (Bytes{0xFF, 0xFF, 0xFF, 0xFF}));
+  const base::Bytes bytes = ReadWhole(data);
+  EXPECT_EQ(base::Bytes(bytes.begin() + 36, bytes.begin() + 40), (base::Bytes{0xFF, 0xFF, 0xFF, 0xFF}));
 }
 
 TEST(Listing, MarksItsCountItsOffsetsAndItsNames) {

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <bit>
 
+#include "src/wifi/VscRegister.h"
 #include "vcam/device/Handlers.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
-#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
@@ -13,59 +13,59 @@ constexpr std::size_t kConsoleHeader = 8;
 constexpr std::uint32_t kConsoleVersion = 1;
 
 template <typename Number>
-Bytes BytesOf(Number value) {
-  Bytes bytes;
-  Append(bytes, value);
+base::Bytes BytesOf(Number value) {
+  base::Bytes bytes;
+  base::Append(bytes, value);
   return bytes;
 }
 
-Reply Size(Device& device, const Command& command) {
+wire::Reply Size(Device& device, const wire::Command& command) {
   if (!device.selected) return Refuse(sense::kWrongSequence);
   return Answer(command, BytesOf(static_cast<std::uint32_t>(device.selected->data.size())));
 }
 
-Reply ConsolePiece(Device& device, const Command& command) {
+wire::Reply ConsolePiece(Device& device, const wire::Command& command) {
   if (!MayAnswer(command)) return Refuse(sense::kBadCommandField);
-  const std::size_t room = command.direction == Direction::kFromCamera ? command.length : 0;
+  const std::size_t room = command.direction == wire::Direction::kFromCamera ? command.length : 0;
   const std::string text = device.console.Take(room > kConsoleHeader ? room - kConsoleHeader : 0);
-  Bytes bytes;
-  Append(bytes, kConsoleVersion);
-  Append(bytes, static_cast<std::uint32_t>(!device.console.Empty()));
-  AppendText(bytes, text);
+  base::Bytes bytes;
+  base::Append(bytes, kConsoleVersion);
+  base::Append(bytes, static_cast<std::uint32_t>(!device.console.Empty()));
+  base::AppendText(bytes, text);
   return Answer(command, std::move(bytes));
 }
 
 /// The camera's own meaning of the six fields stands in vcam/README.md.
-Reply ManualControls(Device& device, const Command& command) {
-  Bytes bytes;
-  Append(bytes, device.settings.lastManualControl);
-  Append(bytes, device.settings.manualControlCommands);
-  Append(bytes, 0.0F);
-  Append(bytes, 0.008);
-  Append(bytes, 2.8);
-  Append(bytes, std::int32_t{100});
+wire::Reply ManualControls(Device& device, const wire::Command& command) {
+  base::Bytes bytes;
+  base::Append(bytes, device.settings.lastManualControl);
+  base::Append(bytes, device.settings.manualControlCommands);
+  base::Append(bytes, 0.0F);
+  base::Append(bytes, 0.008);
+  base::Append(bytes, 2.8);
+  base::Append(bytes, std::int32_t{100});
   return Answer(command, std::move(bytes));
 }
 
 }  // namespace
 
-Reply HandleQuery(Device& device, const Command& command) {
-  switch (command.cdb[vsc::at::kSubCode]) {
-    case vsc::query::kSelectedSize:
+wire::Reply HandleQuery(Device& device, const wire::Command& command) {
+  switch (command.cdb[kelva::at::kSubCode]) {
+    case kelva::query::kSelectedSize:
       return Size(device, command);
-    case vsc::query::kUpgradeStatus:
+    case kelva::query::kUpgradeStatus:
       return Answer(command, device.upgrade.Status(device.options.now()));
-    case vsc::query::kConsoleLog:
+    case kelva::query::kConsoleLog:
       return ConsolePiece(device, command);
-    case vsc::query::kTime:
+    case kelva::query::kTime:
       return Answer(command, device.clock.Read());
-    case vsc::query::kReady:
+    case kelva::query::kReady:
       return Answer(command, BytesOf(static_cast<std::uint32_t>(device.Ready())));
-    case vsc::query::kDoneCommands:
+    case kelva::query::kDoneCommands:
       return Answer(command, BytesOf(device.doneCount));
-    case vsc::query::kBattery:
+    case kelva::query::kBattery:
       return Answer(command, BytesOf(device.battery));
-    case vsc::query::kManualControls:
+    case kelva::query::kManualControls:
       return ManualControls(device, command);
     default:
       return Refuse(sense::kBadCommandField);

@@ -7,39 +7,39 @@
 
 namespace vcam {
 
-Reply Done(std::uint32_t moved) {
-  Reply reply;
+wire::Reply Done(std::uint32_t moved) {
+  wire::Reply reply;
   reply.moved = moved;
   return reply;
 }
 
-Reply Refuse(Sense reason) {
-  Reply reply;
-  reply.status = kStatusCheckCondition;
+wire::Reply Refuse(wire::Sense reason) {
+  wire::Reply reply;
+  reply.status = wire::kStatusCheckCondition;
   reply.sense = reason;
   return reply;
 }
 
-Reply Answer(const Command& command, Bytes bytes) {
+wire::Reply Answer(const wire::Command& command, base::Bytes bytes) {
   if (!MayAnswer(command)) return Refuse(sense::kBadCommandField);
-  const std::size_t room = command.direction == Direction::kFromCamera ? command.length : 0;
+  const std::size_t room = command.direction == wire::Direction::kFromCamera ? command.length : 0;
   bytes.resize(std::min(bytes.size(), room));
-  Reply reply;
+  wire::Reply reply;
   reply.moved = static_cast<std::uint32_t>(bytes.size());
   reply.data = std::move(bytes);
   return reply;
 }
 
-bool MayAnswer(const Command& command) {
-  return command.direction != Direction::kToCamera;
+bool MayAnswer(const wire::Command& command) {
+  return command.direction != wire::Direction::kToCamera;
 }
 
-bool HasNoData(const Command& command) {
-  return command.direction == Direction::kNone || command.length == 0;
+bool HasNoData(const wire::Command& command) {
+  return command.direction == wire::Direction::kNone || command.length == 0;
 }
 
-std::optional<std::string> TextOf(const Command& command) {
-  if (command.direction != Direction::kToCamera) return std::nullopt;
+std::optional<std::string> TextOf(const wire::Command& command) {
+  if (command.direction != wire::Direction::kToCamera) return std::nullopt;
   const auto end = std::find(command.data.begin(), command.data.end(), std::uint8_t{0});
   if (end == command.data.end()) return std::nullopt;
   return std::string(command.data.begin(), end);

@@ -4,30 +4,30 @@
 #include <optional>
 #include <string>
 
-#include "vcam/device/Bytes.h"
-#include "vcam/device/Command.h"
-#include "wifi/VscRegister.h"
+#include "base/Bytes.h"
+#include "src/wifi/VscRegister.h"
+#include "wire/Command.h"
 
 // The few shapes that a reply takes, and the few questions that handlers ask of a command.
 
 namespace vcam {
 
 /// Good status for a command without data, or one whose `moved` bytes were taken in.
-Reply Done(std::uint32_t moved = 0);
+wire::Reply Done(std::uint32_t moved = 0);
 /// CHECK CONDITION for this reason; nothing moved.
-Reply Refuse(Sense reason);
+wire::Reply Refuse(wire::Sense reason);
 /// Good status with as much of `bytes` as the host has room for; none when it declared no data phase.
-Reply Answer(const Command& command, Bytes bytes);
+wire::Reply Answer(const wire::Command& command, base::Bytes bytes);
 
-inline bool Is(const Command& command, vsc::Operation operation) {
-  return command.cdb[vsc::at::kOperation] == static_cast<std::uint8_t>(operation);
+inline bool Is(const wire::Command& command, kelva::Operation operation) {
+  return command.cdb[kelva::at::kOperation] == static_cast<std::uint8_t>(operation);
 }
 /// Whether the data phase, if any, runs from the camera.
-bool MayAnswer(const Command& command);
+bool MayAnswer(const wire::Command& command);
 /// Whether the command has no data phase, or one of no bytes.
-bool HasNoData(const Command& command);
+bool HasNoData(const wire::Command& command);
 /// The NUL-terminated text of a data phase to the camera; nothing when there is none or its NUL is missing.
-std::optional<std::string> TextOf(const Command& command);
+std::optional<std::string> TextOf(const wire::Command& command);
 
 }  // namespace vcam
 

@@ -35,12 +35,12 @@ constexpr std::array<std::uint8_t, 350> kImage{
 
 }  // namespace
 
-Bytes SampleJpeg(std::string_view comment) {
+base::Bytes SampleJpeg(std::string_view comment) {
   comment = comment.substr(0, kMaxComment);
   const std::size_t length = comment.size() + 2;
-  Bytes file(kImage.begin(), kImage.begin() + kStartMarkerLength);
+  base::Bytes file(kImage.begin(), kImage.begin() + kStartMarkerLength);
   file.insert(file.end(), {0xFF, 0xFE, static_cast<std::uint8_t>(length >> 8), static_cast<std::uint8_t>(length)});
-  AppendText(file, comment);
+  base::AppendText(file, comment);
   file.insert(file.end(), kImage.begin() + kStartMarkerLength, kImage.end());
   return file;
 }

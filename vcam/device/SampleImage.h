@@ -3,13 +3,13 @@
 
 #include <string_view>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
 
 namespace vcam {
 
 /// A small JPEG file (16 x 16 pixels, a grey ramp) that carries this comment, so that two captures never have the same
 /// bytes. The comment holds at most 65,533 bytes; more are cut off.
-Bytes SampleJpeg(std::string_view comment);
+base::Bytes SampleJpeg(std::string_view comment);
 
 }  // namespace vcam
 

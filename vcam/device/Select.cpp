@@ -1,6 +1,7 @@
 #include <limits>
 #include <utility>
 
+#include "src/wifi/VscRegister.h"
 #include "vcam/device/BatchText.h"
 #include "vcam/device/Bundles.h"
 #include "vcam/device/CameraPath.h"
@@ -11,52 +12,51 @@
 #include "vcam/device/Pictures.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
-#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
 
 constexpr std::uint64_t kMaxDataSet = std::numeric_limits<std::uint32_t>::max();
 
-std::uint32_t MovedBy(const Command& command) {
-  return command.direction == Direction::kToCamera ? static_cast<std::uint32_t>(command.data.size()) : 0;
+std::uint32_t MovedBy(const wire::Command& command) {
+  return command.direction == wire::Direction::kToCamera ? static_cast<std::uint32_t>(command.data.size()) : 0;
 }
 
-Reply Prepared(Device& device, const Command& command, DataSet data, std::uint8_t readSubcode) {
+wire::Reply Prepared(Device& device, const wire::Command& command, DataSet data, std::uint8_t readSubcode) {
   if (data.size() > kMaxDataSet) return Refuse(sense::kOutOfRange);
   device.selected = Device::Selected{std::move(data), readSubcode};
   return Done(MovedBy(command));
 }
 
-Reply SelectInformation(Device& device, const Command& command) {
+wire::Reply SelectInformation(Device& device, const wire::Command& command) {
   DataSet data;
   data.AddBytes(InformationRecord(device, data.marks));
-  return Prepared(device, command, std::move(data), vsc::read_chunk::kSelected);
+  return Prepared(device, command, std::move(data), kelva::read_chunk::kSelected);
 }
 
-Reply OpenForReading(Device& device, const Command& command, const std::string& path) {
+wire::Reply OpenForReading(Device& device, const wire::Command& command, const std::string& path) {
   OpenedFile opened = device.storage.OpenForReading(path);
   if (!opened.file) return Refuse(SenseOfErrno(opened.error));
   DataSet data;
   data.AddOpenFile(std::move(opened.file), opened.stamp.size);
-  return Prepared(device, command, std::move(data), vsc::read_chunk::kSelected);
+  return Prepared(device, command, std::move(data), kelva::read_chunk::kSelected);
 }
 
-Reply OpenForWriting(Device& device, const Command& command, const std::string& path) {
+wire::Reply OpenForWriting(Device& device, const wire::Command& command, const std::string& path) {
   OpenedFile opened = device.storage.OpenForWriting(path);
   if (!opened.file) return Refuse(SenseOfErrno(opened.error));
   device.writing = Device::WriteTarget{std::move(opened.file), CameraPath(path), 0};
   return Done(MovedBy(command));
 }
 
-Reply SelectFile(Device& device, const Command& command) {
+wire::Reply SelectFile(Device& device, const wire::Command& command) {
   const std::optional<std::string> text = TextOf(command);
   if (!text) return Refuse(sense::kWrongDataLength);
   const std::optional<std::string> path = RelativePath(*text);
   if (!path || path->empty()) return Refuse(sense::kBadParameter);
-  if (command.cdb[vsc::at::kParameter] > vsc::kSelectForWriting) return Refuse(sense::kBadCommandField);
-  return command.cdb[vsc::at::kParameter] == vsc::kSelectForWriting ? OpenForWriting(device, command, *path)
-                                                                    : OpenForReading(device, command, *path);
+  if (command.cdb[kelva::at::kParameter] > kelva::kSelectForWriting) return Refuse(sense::kBadCommandField);
+  return command.cdb[kelva::at::kParameter] == kelva::kSelectForWriting ? OpenForWriting(device, command, *path)
+                                                                        : OpenForReading(device, command, *path);
 }
 
 std::string KeyOfFirstFile(Device& device, const Picture& picture) {
@@ -65,21 +65,22 @@ std::string KeyOfFirstFile(Device& device, const Picture& picture) {
   return {};
 }
 
-Reply SelectCatalogue(Device& device, const Command& command) {
-  std::vector<Bytes> records;
+wire::Reply SelectCatalogue(Device& device, const wire::Command& command) {
+  std::vector<base::Bytes> records;
   for (const Picture& picture : FindPictures(device.storage))
     records.push_back(
         PlainRecord(picture, device.options.keysInCatalogue ? KeyOfFirstFile(device, picture) : std::string()));
-  return Prepared(device, command, BuildCatalogue(records, device.options.catalogue), vsc::read_chunk::kSelected);
+  return Prepared(device, command, BuildCatalogue(records, device.options.catalogue), kelva::read_chunk::kSelected);
 }
 
-Reply SelectListing(Device& device, const Command& command) {
+wire::Reply SelectListing(Device& device, const wire::Command& command) {
   const std::optional<std::string> text = TextOf(command);
   if (!text) return Refuse(sense::kWrongDataLength);
   const std::optional<std::string> path = RelativePath(*text);
   if (!path) return Refuse(sense::kBadParameter);
   if (!device.storage.HasDirectory(*path)) return Refuse(sense::kNotFound);
-  return Prepared(device, command, BuildListing(device.storage.List(*path), path->empty()), vsc::read_chunk::kSelected);
+  return Prepared(device, command, BuildListing(device.storage.List(*path), path->empty()),
+                  kelva::read_chunk::kSelected);
 }
 
 /// The file with this key, or the file of the same picture with another extension; without a path when there is none.
@@ -94,7 +95,7 @@ BundleFile FindItem(Device& device, const BatchItem& item) {
   return opened.file ? BundleFile{{}, sibling, opened.stamp.size} : BundleFile{};
 }
 
-Reply SelectBatch(Device& device, const Command& command) {
+wire::Reply SelectBatch(Device& device, const wire::Command& command) {
   const std::optional<std::string> text = TextOf(command);
   if (!text) return Refuse(sense::kWrongDataLength);
   const auto items = ParseBatchText(*text);
@@ -102,44 +103,44 @@ Reply SelectBatch(Device& device, const Command& command) {
   device.keys.Refresh(device.storage);
   std::vector<BundleFile> files;
   for (const BatchItem& item : *items) files.push_back(FindItem(device, item));
-  return Prepared(device, command, BuildBatchBundle(files), vsc::read_chunk::kBundle);
+  return Prepared(device, command, BuildBatchBundle(files), kelva::read_chunk::kBundle);
 }
 
-Reply SelectCompressedRaw(Device& device, const Command& command) {
+wire::Reply SelectCompressedRaw(Device& device, const wire::Command& command) {
   const std::optional<std::string> text = TextOf(command);
   if (!text) return Refuse(sense::kWrongDataLength);
   if (!IsKey(*text)) return Refuse(sense::kBadParameter);
   device.keys.Refresh(device.storage);
   const BundleFile raw = FindItem(device, {*text, "RAW"});
   if (raw.path.empty()) return Refuse(sense::kNotFound);
-  return Prepared(device, command, BuildCompressedRawBundle(raw), vsc::read_chunk::kBundle);
+  return Prepared(device, command, BuildCompressedRawBundle(raw), kelva::read_chunk::kBundle);
 }
 
-Reply SelectCrashLogs(Device& device, const Command& command) {
-  return Prepared(device, command, BuildCrashLogBundle(FindCrashLogs(device.storage)), vsc::read_chunk::kBundle);
+wire::Reply SelectCrashLogs(Device& device, const wire::Command& command) {
+  return Prepared(device, command, BuildCrashLogBundle(FindCrashLogs(device.storage)), kelva::read_chunk::kBundle);
 }
 
-Reply SelectCalibration(Device& device, const Command& command) {
-  return Prepared(device, command, BuildCalibrationBundle(FindCalibration(device.storage)), vsc::read_chunk::kBundle);
+wire::Reply SelectCalibration(Device& device, const wire::Command& command) {
+  return Prepared(device, command, BuildCalibrationBundle(FindCalibration(device.storage)), kelva::read_chunk::kBundle);
 }
 
-Reply Select(Device& device, const Command& command) {
-  switch (command.cdb[vsc::at::kSubCode]) {
-    case vsc::select::kInformation:
+wire::Reply Select(Device& device, const wire::Command& command) {
+  switch (command.cdb[kelva::at::kSubCode]) {
+    case kelva::select::kInformation:
       return SelectInformation(device, command);
-    case vsc::select::kFile:
+    case kelva::select::kFile:
       return SelectFile(device, command);
-    case vsc::select::kCatalogue:
+    case kelva::select::kCatalogue:
       return SelectCatalogue(device, command);
-    case vsc::select::kDirectory:
+    case kelva::select::kDirectory:
       return SelectListing(device, command);
-    case vsc::select::kBatch:
+    case kelva::select::kBatch:
       return SelectBatch(device, command);
-    case vsc::select::kCalibration:
+    case kelva::select::kCalibration:
       return SelectCalibration(device, command);
-    case vsc::select::kCompressedRaw:
+    case kelva::select::kCompressedRaw:
       return SelectCompressedRaw(device, command);
-    case vsc::select::kCrashLogs:
+    case kelva::select::kCrashLogs:
       return SelectCrashLogs(device, command);
     default:
       return Refuse(sense::kBadCommandField);
@@ -147,14 +148,14 @@ Reply Select(Device& device, const Command& command) {
 }
 
 bool TakesText(std::uint8_t selection) {
-  return selection == vsc::select::kFile || selection == vsc::select::kDirectory || selection == vsc::select::kBatch ||
-         selection == vsc::select::kCompressedRaw;
+  return selection == kelva::select::kFile || selection == kelva::select::kDirectory ||
+         selection == kelva::select::kBatch || selection == kelva::select::kCompressedRaw;
 }
 
 }  // namespace
 
-Reply HandleSelect(Device& device, const Command& command) {
-  if (!TakesText(command.cdb[vsc::at::kSubCode]) && !HasNoData(command)) return Refuse(sense::kWrongDataLength);
+wire::Reply HandleSelect(Device& device, const wire::Command& command) {
+  if (!TakesText(command.cdb[kelva::at::kSubCode]) && !HasNoData(command)) return Refuse(sense::kWrongDataLength);
   // Whatever was selected is gone, also when this selection is refused.
   device.selected.reset();
   device.writing.reset();

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "vcam/device/CameraFixture.h"
+#include "vcam/camera/testing/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
 
 namespace vcam {
@@ -16,10 +16,10 @@ class SelectTest : public test::CameraFixture {};
 
 constexpr const char* kAbcKey = "a9993e364706816aba3e25717850c26c9cd0d89d";
 
-Bytes ReadBundle(VirtualCamera& camera) {
+base::Bytes ReadBundle(VirtualCamera& camera) {
   return Ask(camera, {0xC4, 0, 0x00}, 65536).data;
 }
-Bytes ReadPlain(VirtualCamera& camera) {
+base::Bytes ReadPlain(VirtualCamera& camera) {
   return Ask(camera, {0xC4, 0, 0x01}, 65536).data;
 }
 
@@ -43,10 +43,11 @@ TEST_F(SelectTest, ForgetsTheLastSelectionWhenOneIsRefused) {
 TEST_F(SelectTest, AnswersTheCatalogue) {
   scratch_.Put("DCIM/100ABCDE/IMG_0001.JPG", "abc");
   ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x02}).Good());
-  const Bytes catalogue = ReadPlain(*camera_);
+  const base::Bytes catalogue = ReadPlain(*camera_);
   ASSERT_EQ(catalogue.size(), 12U + 80U + 128U);
-  EXPECT_EQ(Bytes(catalogue.begin(), catalogue.begin() + 12), (Bytes{1, 0, 0, 0, 128, 0, 0, 0, 10, 0, 0, 0}));
-  EXPECT_EQ(AsText(Bytes(catalogue.begin() + 92 + 48, catalogue.begin() + 92 + 88)), kAbcKey);
+  EXPECT_EQ(base::Bytes(catalogue.begin(), catalogue.begin() + 12),
+            (base::Bytes{1, 0, 0, 0, 128, 0, 0, 0, 10, 0, 0, 0}));
+  EXPECT_EQ(AsText(base::Bytes(catalogue.begin() + 92 + 48, catalogue.begin() + 92 + 88)), kAbcKey);
 }
 
 TEST_F(SelectTest, AnswersADirectoryListing) {
@@ -63,13 +64,13 @@ TEST_F(SelectTest, AnswersABatchByKeyAndQualifier) {
   scratch_.Put("DCIM/100ABCDE/IMG_0001.RAW", "raw bytes");
   const std::string key = kAbcKey;
   ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x05}, key + key + ".RAW" + std::string(40, '0') + key + ".128").Good());
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0}, 4).data, (Bytes{28, 0, 0, 0}));
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0}, 4).data, (base::Bytes{28, 0, 0, 0}));
   EXPECT_EQ(AsText(ReadBundle(*camera_)), std::string("\3\0\0\0\x09\0\0\0\0\0\0\0\0\0\0\0", 16) + "abc" + "raw bytes");
 }
 
 TEST_F(SelectTest, AnswersAnEmptyBatchWithNothing) {
   ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x05}, "").Good());
-  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0}, 4).data, Bytes(4));
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0}, 4).data, base::Bytes(4));
   EXPECT_TRUE(ReadBundle(*camera_).empty());
   EXPECT_EQ(SendText(*camera_, {0xC2, 0, 0x05}, "k1ak2b").sense, sense::kBadParameter);
 }
@@ -86,18 +87,18 @@ TEST_F(SelectTest, AnswersCompressedRawByTheKeyOfAnyFileOfThePicture) {
 TEST_F(SelectTest, AnswersCrashLogsWithPathsThatCanBeDeleted) {
   scratch_.Put("CRASH/A.LOG", "oops!");
   ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x08}).Good());
-  const Bytes bundle = ReadBundle(*camera_);
-  EXPECT_EQ(AsText(Bytes(bundle.begin() + 8, bundle.begin() + 22)), R"(I:\CRASH\A.LOG)");
-  EXPECT_EQ(AsText(Bytes(bundle.begin() + 36, bundle.end())), "oops!");
+  const base::Bytes bundle = ReadBundle(*camera_);
+  EXPECT_EQ(AsText(base::Bytes(bundle.begin() + 8, bundle.begin() + 22)), R"(I:\CRASH\A.LOG)");
+  EXPECT_EQ(AsText(base::Bytes(bundle.begin() + 36, bundle.end())), "oops!");
   EXPECT_TRUE(SendText(*camera_, {0xC0, 0, 0x01}, R"(I:\CRASH\A.LOG)").Good());
 }
 
 TEST_F(SelectTest, AnswersCalibration) {
   scratch_.Put("CALIB/gain", "abc");
   ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x06}).Good());
-  const Bytes bundle = ReadBundle(*camera_);
+  const base::Bytes bundle = ReadBundle(*camera_);
   ASSERT_EQ(bundle.size(), 1119U);
-  EXPECT_EQ(AsText(Bytes(bundle.begin(), bundle.begin() + 9)), std::string("\3\0\0\0gain\0", 9));
+  EXPECT_EQ(AsText(base::Bytes(bundle.begin(), bundle.begin() + 9)), std::string("\3\0\0\0gain\0", 9));
 }
 
 TEST_F(SelectTest, ReadsBundlesAndPlainSetsByTheirOwnSubCode) {
@@ -108,7 +109,7 @@ TEST_F(SelectTest, ReadsBundlesAndPlainSetsByTheirOwnSubCode) {
 }
 
 TEST_F(SelectTest, RefusesDataWhereNoneBelongs) {
-  for (const std::uint8_t selection : Bytes{0x00, 0x02, 0x06, 0x08})
+  for (const std::uint8_t selection : base::Bytes{0x00, 0x02, 0x06, 0x08})
     EXPECT_EQ(SendText(*camera_, {0xC2, 0, selection}, "x").sense, sense::kWrongDataLength) << int{selection};
   EXPECT_EQ(Tell(*camera_, {0xC2, 0, 0x04}).sense, sense::kBadCommandField);
 }

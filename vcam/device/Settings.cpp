@@ -107,7 +107,7 @@ Settings LoadSettings(const Storage& storage) {
   const OpenedFile state = storage.OpenForReading(StatePath());
   if (!state.file) return {};
   std::string text(std::min<std::size_t>(state.stamp.size, kMaxStateFile), '\0');
-  const ssize_t count = ::pread(state.file.get(), text.data(), text.size(), 0);
+  const ssize_t count = ::pread(state.file.Get(), text.data(), text.size(), 0);
   text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
   return Settings::Parse(text);
 }

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "vcam/device/TestSupport.h"
+#include "vcam/camera/testing/TestSupport.h"
 
 namespace vcam {
 namespace {

@@ -49,10 +49,10 @@ bool ReadEntry(int directory, const char* name, StorageEntry& entry) {
   return true;
 }
 
-OpenedFile RegularFile(FileDescriptor file) {
+OpenedFile RegularFile(base::FileDescriptor file) {
   if (!file) return {{}, errno};
   struct stat status {};
-  if (::fstat(file.get(), &status) != 0) return {{}, errno};
+  if (::fstat(file.Get(), &status) != 0) return {{}, errno};
   if (!S_ISREG(status.st_mode)) return {{}, EISDIR};
   return {std::move(file), 0, StampOf(status)};
 }
@@ -76,16 +76,16 @@ Storage::Storage(const std::filesystem::path& folder)
                              "; name a folder that you may read.");
 }
 
-FileDescriptor Storage::OpenBeneath(const std::string& path, std::uint64_t flags) const {
+base::FileDescriptor Storage::OpenBeneath(const std::string& path, std::uint64_t flags) const {
   open_how how{};
   how.flags = flags | O_CLOEXEC | O_NONBLOCK;
   how.mode = (flags & O_CREAT) != 0 ? 0644 : 0;
   how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
   const char* name = path.empty() ? "." : path.c_str();
-  return FileDescriptor(static_cast<int>(::syscall(SYS_openat2, root_.get(), name, &how, sizeof how)));
+  return base::FileDescriptor(static_cast<int>(::syscall(SYS_openat2, root_.Get(), name, &how, sizeof how)));
 }
 
-FileDescriptor Storage::OpenParent(const std::string& path) const {
+base::FileDescriptor Storage::OpenParent(const std::string& path) const {
   const std::size_t end = path.rfind('/');
   return OpenBeneath(end == std::string::npos ? "" : path.substr(0, end), O_RDONLY | O_DIRECTORY);
 }
@@ -97,22 +97,22 @@ OpenedFile Storage::OpenForReading(const std::string& path) const {
 OpenedFile Storage::OpenForWriting(const std::string& path) const {
   // Emptied only once it is known to be a regular file.
   OpenedFile opened = RegularFile(OpenBeneath(path, O_RDWR | O_CREAT));
-  if (opened.file && ::ftruncate(opened.file.get(), 0) != 0) return {{}, errno};
+  if (opened.file && ::ftruncate(opened.file.Get(), 0) != 0) return {{}, errno};
   return opened;
 }
 
 int Storage::Remove(const std::string& path) const {
-  const FileDescriptor parent = OpenParent(path);
+  const base::FileDescriptor parent = OpenParent(path);
   if (!parent) return errno;
   StorageEntry entry;
-  if (!ReadEntry(parent.get(), NameOf(path).c_str(), entry)) return ENOENT;
-  return ::unlinkat(parent.get(), entry.name.c_str(), 0) == 0 ? 0 : errno;
+  if (!ReadEntry(parent.Get(), NameOf(path).c_str(), entry)) return ENOENT;
+  return ::unlinkat(parent.Get(), entry.name.c_str(), 0) == 0 ? 0 : errno;
 }
 
 int Storage::MakeDirectory(const std::string& path) const {
-  const FileDescriptor parent = OpenParent(path);
+  const base::FileDescriptor parent = OpenParent(path);
   if (!parent) return errno;
-  if (::mkdirat(parent.get(), NameOf(path).c_str(), 0755) == 0) return 0;
+  if (::mkdirat(parent.Get(), NameOf(path).c_str(), 0755) == 0) return 0;
   return errno == EEXIST && HasDirectory(path) ? 0 : errno;
 }
 
@@ -122,9 +122,9 @@ bool Storage::HasDirectory(const std::string& path) const {
 
 std::vector<StorageEntry> Storage::List(const std::string& path) const {
   std::vector<StorageEntry> entries;
-  FileDescriptor file = OpenBeneath(path, O_RDONLY | O_DIRECTORY);
+  base::FileDescriptor file = OpenBeneath(path, O_RDONLY | O_DIRECTORY);
   if (!file) return entries;
-  const Directory directory(::fdopendir(file.get()));
+  const Directory directory(::fdopendir(file.Get()));
   if (!directory) return entries;
   file.Release();
   while (const dirent* found = ::readdir(directory.get())) {
@@ -137,17 +137,17 @@ std::vector<StorageEntry> Storage::List(const std::string& path) const {
 }
 
 int Storage::Replace(const std::string& path, std::string_view content, unsigned mode) const {
-  const FileDescriptor parent = OpenParent(path);
+  const base::FileDescriptor parent = OpenParent(path);
   if (!parent) return errno;
   const std::string name = NameOf(path);
   const std::string temporary = name + ".new";
-  const FileDescriptor file(
-      ::openat(parent.get(), temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, mode));
-  if (!file || !WriteAll(file.get(), content)) return errno;
-  return ::renameat(parent.get(), temporary.c_str(), parent.get(), name.c_str()) == 0 ? 0 : errno;
+  const base::FileDescriptor file(
+      ::openat(parent.Get(), temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, mode));
+  if (!file || !WriteAll(file.Get(), content)) return errno;
+  return ::renameat(parent.Get(), temporary.c_str(), parent.Get(), name.c_str()) == 0 ? 0 : errno;
 }
 
-Sense SenseOfErrno(int error) {
+wire::Sense SenseOfErrno(int error) {
   switch (error) {
     case ENOENT:
     case ENOTDIR:

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "vcam/device/Command.h"
-#include "vcam/device/FileDescriptor.h"
+#include "base/FileDescriptor.h"
+#include "wire/Command.h"
 
 namespace vcam {
 
@@ -30,7 +30,7 @@ struct StorageEntry {
 
 /// A file that was opened, or the errno that says why not.
 struct OpenedFile {
-  FileDescriptor file;
+  base::FileDescriptor file;
   int error = 0;
   FileStamp stamp{};
 };
@@ -59,14 +59,14 @@ class Storage {
   int Replace(const std::string& path, std::string_view content, unsigned mode) const;
 
  private:
-  FileDescriptor OpenBeneath(const std::string& path, std::uint64_t flags) const;
-  FileDescriptor OpenParent(const std::string& path) const;
+  base::FileDescriptor OpenBeneath(const std::string& path, std::uint64_t flags) const;
+  base::FileDescriptor OpenParent(const std::string& path) const;
 
-  FileDescriptor root_;
+  base::FileDescriptor root_;
 };
 
 /// The sense data with which the camera refuses a command that ended in this errno.
-Sense SenseOfErrno(int error);
+wire::Sense SenseOfErrno(int error);
 
 }  // namespace vcam
 

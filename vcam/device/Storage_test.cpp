@@ -6,8 +6,8 @@
 
 #include <cerrno>
 
+#include "vcam/camera/testing/TestSupport.h"
 #include "vcam/device/SenseCodes.h"
-#include "vcam/device/TestSupport.h"
 
 namespace vcam {
 namespace {

@@ -63,11 +63,11 @@ float Upgrade::Progress(Time now) const {
   return 0.5F + 0.5F * std::clamp(written, 0.0F, doomed_ ? 0.5F : 1.0F);
 }
 
-Bytes Upgrade::Status(Time now) const {
-  Bytes bytes;
-  Append(bytes, Progress(now));
-  Append(bytes, static_cast<std::uint32_t>(Receiving() || Writing(now)));
-  Append(bytes, static_cast<std::uint32_t>(Failed(now)));
+base::Bytes Upgrade::Status(Time now) const {
+  base::Bytes bytes;
+  base::Append(bytes, Progress(now));
+  base::Append(bytes, static_cast<std::uint32_t>(Receiving() || Writing(now)));
+  base::Append(bytes, static_cast<std::uint32_t>(Failed(now)));
   return bytes;
 }
 

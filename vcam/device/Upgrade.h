@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
 #include "vcam/device/Sha1.h"
 
 namespace vcam {
@@ -29,7 +29,7 @@ class Upgrade {
 
   bool Receiving() const { return phase_ == Phase::kReceiving; }
   bool Writing(Time now) const;
-  Bytes Status(Time now) const;
+  base::Bytes Status(Time now) const;
   /// The first 12 hexadecimal digits of the SHA-1 of the last image that was written; empty before that.
   std::string Firmware(Time now) const;
 

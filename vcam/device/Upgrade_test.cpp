@@ -8,17 +8,17 @@ namespace {
 using std::chrono::milliseconds;
 
 const Upgrade::Time kStart{};
-const Bytes kAbc{'a', 'b', 'c'};
+const base::Bytes kAbc{'a', 'b', 'c'};
 
 // The 12 bytes of the status: progress 0.25, 0.5, 0.75 and 1 as floats, then the two flags.
-const Bytes kQuarterRunning{0, 0, 0x80, 0x3E, 1, 0, 0, 0, 0, 0, 0, 0};
-const Bytes kHalfRunning{0, 0, 0x00, 0x3F, 1, 0, 0, 0, 0, 0, 0, 0};
-const Bytes kThreeQuartersRunning{0, 0, 0x40, 0x3F, 1, 0, 0, 0, 0, 0, 0, 0};
-const Bytes kThreeQuartersFailed{0, 0, 0x40, 0x3F, 0, 0, 0, 0, 1, 0, 0, 0};
-const Bytes kDone{0, 0, 0x80, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0};
+const base::Bytes kQuarterRunning{0, 0, 0x80, 0x3E, 1, 0, 0, 0, 0, 0, 0, 0};
+const base::Bytes kHalfRunning{0, 0, 0x00, 0x3F, 1, 0, 0, 0, 0, 0, 0, 0};
+const base::Bytes kThreeQuartersRunning{0, 0, 0x40, 0x3F, 1, 0, 0, 0, 0, 0, 0, 0};
+const base::Bytes kThreeQuartersFailed{0, 0, 0x40, 0x3F, 0, 0, 0, 0, 1, 0, 0, 0};
+const base::Bytes kDone{0, 0, 0x80, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0};
 
 TEST(Upgrade, HasNothingToTellAtFirst) {
-  EXPECT_EQ(Upgrade().Status(kStart), Bytes(12));
+  EXPECT_EQ(Upgrade().Status(kStart), base::Bytes(12));
   EXPECT_EQ(Upgrade().Firmware(kStart), "");
 }
 
@@ -58,7 +58,7 @@ TEST(Upgrade, FailsWhenTheImageIsEmptyOrIncomplete) {
   for (const std::uint32_t length : {0U, 4U}) {
     Upgrade upgrade;
     upgrade.Start(length);
-    upgrade.Receive(0, Bytes(length / 2));
+    upgrade.Receive(0, base::Bytes(length / 2));
     ASSERT_TRUE(upgrade.Finish(kStart, milliseconds(100), false));
     EXPECT_EQ(upgrade.Status(kStart)[8], 1) << length;
     EXPECT_EQ(upgrade.Status(kStart)[4], 0) << length;

@@ -11,17 +11,17 @@ constexpr std::size_t kMinPassphrase = 8;
 constexpr std::size_t kMaxPassphrase = 63;
 
 /// Writes the changed settings back; when that fails the command is refused and the change taken back.
-Reply SaveOrRevert(Device& device, const Command& command, const Settings& before) {
+wire::Reply SaveOrRevert(Device& device, const wire::Command& command, const Settings& before) {
   const int error = device.Save();
   if (error == 0)
-    return Done(command.direction == Direction::kToCamera ? static_cast<std::uint32_t>(command.data.size()) : 0);
+    return Done(command.direction == wire::Direction::kToCamera ? static_cast<std::uint32_t>(command.data.size()) : 0);
   device.settings = before;
   return Refuse(SenseOfErrno(error));
 }
 
 }  // namespace
 
-Reply SetNetworkName(Device& device, const Command& command, std::size_t network) {
+wire::Reply SetNetworkName(Device& device, const wire::Command& command, std::size_t network) {
   const std::optional<std::string> name = TextOf(command);
   if (!name) return Refuse(sense::kWrongDataLength);
   if (name->empty() || name->size() > kMaxSsid) return Refuse(sense::kBadParameter);
@@ -31,7 +31,7 @@ Reply SetNetworkName(Device& device, const Command& command, std::size_t network
   return SaveOrRevert(device, command, before);
 }
 
-Reply SetPassphrase(Device& device, const Command& command, std::size_t network) {
+wire::Reply SetPassphrase(Device& device, const wire::Command& command, std::size_t network) {
   const std::optional<std::string> passphrase = TextOf(command);
   if (!passphrase) return Refuse(sense::kWrongDataLength);
   if (passphrase->size() < kMinPassphrase || passphrase->size() > kMaxPassphrase) return Refuse(sense::kBadParameter);
@@ -41,7 +41,7 @@ Reply SetPassphrase(Device& device, const Command& command, std::size_t network)
   return SaveOrRevert(device, command, before);
 }
 
-Reply NoteAuthType(Device& device, const Command& command) {
+wire::Reply NoteAuthType(Device& device, const wire::Command& command) {
   // The text that names the type does not travel: the command has no data phase.
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   const Settings before = device.settings;
@@ -50,16 +50,16 @@ Reply NoteAuthType(Device& device, const Command& command) {
   return SaveOrRevert(device, command, before);
 }
 
-Reply NoteManualControl(Device& device, const Command& command) {
+wire::Reply NoteManualControl(Device& device, const wire::Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   const Settings before = device.settings;
-  device.settings.lastManualControl = command.cdb[vsc::at::kParameter];
+  device.settings.lastManualControl = command.cdb[kelva::at::kParameter];
   ++device.settings.manualControlCommands;
-  device.console.Log("manual control " + std::to_string(command.cdb[vsc::at::kParameter]));
+  device.console.Log("manual control " + std::to_string(command.cdb[kelva::at::kParameter]));
   return SaveOrRevert(device, command, before);
 }
 
-Reply SwitchWifiOff(Device& device, const Command& command) {
+wire::Reply SwitchWifiOff(Device& device, const wire::Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   const Settings before = device.settings;
   device.settings.wifiOn = false;

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "vcam/device/CameraFixture.h"
+#include "vcam/camera/testing/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
 
 namespace vcam {
@@ -47,13 +47,13 @@ TEST_F(WifiActionsTest, NotesThatAnAuthTypeCommandArrived) {
 TEST_F(WifiActionsTest, NotesTheNumberOfAManualControl) {
   EXPECT_TRUE(Tell(*camera_, {0xC0, 0, 0x0C, 0x2A}).Good());
   EXPECT_THAT(scratch_.Get(".kelva/state"), testing::HasSubstr("manual.last-control=42\n"));
-  const Bytes state = Ask(*camera_, {0xC6, 0, 0x07}, 40).data;
-  EXPECT_EQ(Bytes(state.begin(), state.begin() + 8), (Bytes{42, 0, 0, 0, 1, 0, 0, 0}));
+  const base::Bytes state = Ask(*camera_, {0xC6, 0, 0x07}, 40).data;
+  EXPECT_EQ(base::Bytes(state.begin(), state.begin() + 8), (base::Bytes{42, 0, 0, 0, 1, 0, 0, 0}));
 }
 
 TEST_F(WifiActionsTest, TakesNoTextWithoutADataPhase) {
-  Command command = test::Block({0xC0, 0, 0x0C, 1});
-  const Bytes text{'1', '.', '5', 0};
+  wire::Command command = test::Block({0xC0, 0, 0x0C, 1});
+  const base::Bytes text{'1', '.', '5', 0};
   command.length = 4;
   command.data = text;
   EXPECT_TRUE(camera_->Execute(command).Good()) << "direction 0: the length means nothing";

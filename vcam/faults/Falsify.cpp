@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
+#include "src/wifi/VscRegister.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
-#include "wifi/VscRegister.h"
 
 namespace vcam {
 namespace {
@@ -17,27 +17,28 @@ constexpr std::uint8_t kFiller = 0xEE;
 constexpr std::uint8_t kNameFiller = 'A';
 constexpr std::size_t kWord = sizeof(std::uint32_t);
 
-bool IsQuery(const Command& command, std::uint8_t query) {
-  return Is(command, vsc::Operation::kQuery) && command.cdb[vsc::at::kSubCode] == query;
+bool IsQuery(const wire::Command& command, std::uint8_t query) {
+  return Is(command, kelva::Operation::kQuery) && command.cdb[kelva::at::kSubCode] == query;
 }
 
 /// Where this answer starts in the selected data set.
-std::uint64_t StartOf(const Command& command) {
-  return Load<std::uint32_t>(command.cdb, vsc::at::kReadOffset);
+std::uint64_t StartOf(const wire::Command& command) {
+  return base::Load<std::uint32_t>(command.cdb, kelva::at::kReadOffset);
 }
 
-void Add(Reply& reply, std::size_t count) {
+void Add(wire::Reply& reply, std::size_t count) {
   if (!reply.data.empty()) reply.data.insert(reply.data.end(), count, kFiller);
   reply.moved += static_cast<std::uint32_t>(count);
 }
 
-void TakeOne(Reply& reply) {
+void TakeOne(wire::Reply& reply) {
   if (!reply.data.empty()) reply.data.pop_back();
   --reply.moved;
 }
 
 /// Overwrites the marked numbers that this answer holds wholly or in part; false when it holds none.
-bool OverwriteMarks(const std::vector<std::uint64_t>& marks, std::uint64_t start, std::uint32_t value, Bytes& data) {
+bool OverwriteMarks(const std::vector<std::uint64_t>& marks, std::uint64_t start, std::uint32_t value,
+                    base::Bytes& data) {
   const auto first = std::lower_bound(marks.begin(), marks.end(), start < kWord ? 0 : start - kWord + 1);
   const auto last = std::lower_bound(first, marks.end(), start + data.size());
   for (auto mark = first; mark != last; ++mark)
@@ -47,7 +48,7 @@ bool OverwriteMarks(const std::vector<std::uint64_t>& marks, std::uint64_t start
   return first != last;
 }
 
-bool OverwriteNames(const std::vector<Marks::Name>& names, std::uint64_t start, Bytes& data) {
+bool OverwriteNames(const std::vector<Marks::Name>& names, std::uint64_t start, base::Bytes& data) {
   bool any = false;
   for (const Marks::Name& name : names) {
     const std::uint64_t from = std::max(name.offset, start);
@@ -62,42 +63,42 @@ bool OverwriteNames(const std::vector<Marks::Name>& names, std::uint64_t start, 
 }
 
 bool ReadsSelection(const FalsifiedCommand& about) {
-  return Is(about.command, vsc::Operation::kReadChunk) && about.marks != nullptr;
+  return Is(about.command, kelva::Operation::kReadChunk) && about.marks != nullptr;
 }
 
 void WrongNumber(const FalsifiedCommand& about, const std::vector<std::uint64_t> Marks::*marks, std::uint32_t value,
-                 Reply& reply) {
+                 wire::Reply& reply) {
   if (ReadsSelection(about) && OverwriteMarks(about.marks->*marks, StartOf(about.command), value, reply.data)) return;
   if (!about.isTheOne) return;
   if (reply.data.size() >= kWord) {
-    Store(std::span(reply.data), 0, value);
+    base::Store(std::span(reply.data), 0, value);
   } else {
     reply.moved = value;
   }
 }
 
-void MissingNul(const FalsifiedCommand& about, Reply& reply) {
+void MissingNul(const FalsifiedCommand& about, wire::Reply& reply) {
   if (ReadsSelection(about) && OverwriteNames(about.marks->names, StartOf(about.command), reply.data)) return;
   if (!about.isTheOne) return;
   if (reply.data.empty()) --reply.moved;
   std::replace(reply.data.begin(), reply.data.end(), std::uint8_t{0}, kNameFiller);
 }
 
-void NeverEnding(const FalsifiedCommand& about, Reply& reply) {
-  const Command& command = about.command;
-  const bool isConsole = IsQuery(command, vsc::query::kConsoleLog);
-  if (command.direction == Direction::kFromCamera && (Is(command, vsc::Operation::kReadChunk) || isConsole)) {
-    if (command.length > kMaxTransferLength) return;
-    reply.status = kStatusGood;
+void NeverEnding(const FalsifiedCommand& about, wire::Reply& reply) {
+  const wire::Command& command = about.command;
+  const bool isConsole = IsQuery(command, kelva::query::kConsoleLog);
+  if (command.direction == wire::Direction::kFromCamera && (Is(command, kelva::Operation::kReadChunk) || isConsole)) {
+    if (command.length > wire::kMaxTransferLength) return;
+    reply.status = wire::kStatusGood;
     reply.data.resize(command.length, kFiller);
     reply.moved = command.length;
-    if (isConsole && reply.data.size() >= 2 * kWord) Store(std::span(reply.data), kWord, std::uint32_t{1});
+    if (isConsole && reply.data.size() >= 2 * kWord) base::Store(std::span(reply.data), kWord, std::uint32_t{1});
   } else if (about.isTheOne) {
     Add(reply, 1);
   }
 }
 
-void AnotherAnswer(const FalsifiedCommand& about, Reply& reply) {
+void AnotherAnswer(const FalsifiedCommand& about, wire::Reply& reply) {
   if (!reply.data.empty()) {
     reply.data.front() = static_cast<std::uint8_t>(reply.data.front() + about.ordinal);
   } else if (about.ordinal % 2 == 1) {
@@ -105,9 +106,9 @@ void AnotherAnswer(const FalsifiedCommand& about, Reply& reply) {
   }
 }
 
-void LieAboutSize(const FalsifiedCommand& about, Reply& reply) {
-  if (IsQuery(about.command, vsc::query::kSelectedSize) && reply.data.size() == kWord) {
-    Store(std::span(reply.data), 0, Load<std::uint32_t>(reply.data, 0) + kSizeLie);
+void LieAboutSize(const FalsifiedCommand& about, wire::Reply& reply) {
+  if (IsQuery(about.command, kelva::query::kSelectedSize) && reply.data.size() == kWord) {
+    base::Store(std::span(reply.data), 0, base::Load<std::uint32_t>(reply.data, 0) + kSizeLie);
   } else if (about.isTheOne) {
     reply.moved += kSizeLie;
   }
@@ -115,8 +116,8 @@ void LieAboutSize(const FalsifiedCommand& about, Reply& reply) {
 
 }  // namespace
 
-void Falsify(FaultKind kind, const FalsifiedCommand& about, Reply& reply) {
-  if (reply.transport != Transport::kOk) return;
+void Falsify(FaultKind kind, const FalsifiedCommand& about, wire::Reply& reply) {
+  if (reply.transport != wire::Transport::kOk) return;
   if (!reply.Good() && kind != FaultKind::kEndless) return;
   switch (kind) {
     case FaultKind::kShort:

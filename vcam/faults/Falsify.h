@@ -3,15 +3,15 @@
 
 #include <cstdint>
 
-#include "vcam/device/Command.h"
 #include "vcam/device/DataSet.h"
 #include "vcam/faults/Fault.h"
+#include "wire/Command.h"
 
 namespace vcam {
 
 /// The command that a fault falsifies.
 struct FalsifiedCommand {
-  const Command& command;
+  const wire::Command& command;
   /// Marks of the selected data set; null when there is none.
   const Marks* marks;
   /// Whether this is the very command that the fault names, not a later one.
@@ -22,7 +22,7 @@ struct FalsifiedCommand {
 
 /// Falsifies the reply of a command that ran. A command without what the fault is about (a count, a name, ...) gets a
 /// substitute when it is the very one: vcam/README.md lists both effects.
-void Falsify(FaultKind kind, const FalsifiedCommand& about, Reply& reply);
+void Falsify(FaultKind kind, const FalsifiedCommand& about, wire::Reply& reply);
 
 }  // namespace vcam
 

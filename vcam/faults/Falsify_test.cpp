@@ -5,8 +5,8 @@
 #include <functional>
 #include <map>
 
+#include "vcam/camera/testing/TestSupport.h"
 #include "vcam/device/SenseCodes.h"
-#include "vcam/device/TestSupport.h"
 
 namespace vcam {
 namespace {
@@ -26,9 +26,9 @@ class FalsifyTest : public testing::Test {
   }
   void SelectFile() { ASSERT_TRUE(SendText(camera_, {0xC2, 0, 0x01}, R"(I:\a)").Good()); }
   void SelectListing() { ASSERT_TRUE(SendText(camera_, {0xC2, 0, 0x03}, R"(I:\CRASH)").Good()); }
-  Reply ReadChunk(std::uint32_t length = 1000) { return Ask(camera_, {0xC4, 0, 0x01}, length); }
-  Reply AskReady() { return Ask(camera_, {0xC6, 0, 0x04}, 4); }
-  Reply AskSize() { return Ask(camera_, {0xC6, 0, 0x00}, 4); }
+  wire::Reply ReadChunk(std::uint32_t length = 1000) { return Ask(camera_, {0xC4, 0, 0x01}, length); }
+  wire::Reply AskReady() { return Ask(camera_, {0xC6, 0, 0x04}, 4); }
+  wire::Reply AskSize() { return Ask(camera_, {0xC6, 0, 0x00}, 4); }
 
   ScratchStorage scratch_;
   VirtualCamera camera_{scratch_.CameraOptions()};
@@ -37,7 +37,7 @@ class FalsifyTest : public testing::Test {
 TEST_F(FalsifyTest, ShortMovesOneByteLess) {
   SelectFile();
   camera_.Arm({FaultKind::kShort});
-  const Reply chunk = ReadChunk();
+  const wire::Reply chunk = ReadChunk();
   EXPECT_EQ(AsText(chunk.data), "012345678");
   EXPECT_EQ(chunk.moved, 9U);
   camera_.Arm({FaultKind::kShort});
@@ -51,7 +51,7 @@ TEST_F(FalsifyTest, SurplusMovesMore) {
   camera_.Arm({FaultKind::kSurplusOne});
   EXPECT_EQ(AsText(ReadChunk().data), "0123456789\xEE");
   camera_.Arm({FaultKind::kSurplusTwo});
-  const Reply full = ReadChunk(10);
+  const wire::Reply full = ReadChunk(10);
   EXPECT_EQ(full.data.size(), 12U) << "beyond what was asked for";
   EXPECT_EQ(full.moved, 12U);
   camera_.Arm({FaultKind::kSurplusTwo});
@@ -61,8 +61,8 @@ TEST_F(FalsifyTest, SurplusMovesMore) {
 TEST_F(FalsifyTest, LiesAboutEverySize) {
   SelectFile();
   camera_.Arm({FaultKind::kLieAboutSize});
-  EXPECT_EQ(AskSize().data, (Bytes{17, 0, 0, 0}));
-  EXPECT_EQ(AskSize().data, (Bytes{17, 0, 0, 0}));
+  EXPECT_EQ(AskSize().data, (base::Bytes{17, 0, 0, 0}));
+  EXPECT_EQ(AskSize().data, (base::Bytes{17, 0, 0, 0}));
   EXPECT_EQ(ReadChunk().moved, 10U);
   camera_.Arm({FaultKind::kLieAboutSize});
   EXPECT_EQ(ReadChunk().moved, 17U) << "the command that is named";
@@ -72,39 +72,40 @@ TEST_F(FalsifyTest, WrongCountsStandInTheDataSet) {
   SelectListing();
   camera_.Arm({FaultKind::kWrongCount});
   for (int i = 0; i < 2; ++i) {
-    const Bytes listing = ReadChunk().data;
-    EXPECT_EQ(Bytes(listing.begin(), listing.begin() + 9), (Bytes{1, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0x7F, 0x10}));
+    const base::Bytes listing = ReadChunk().data;
+    EXPECT_EQ(base::Bytes(listing.begin(), listing.begin() + 9),
+              (base::Bytes{1, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0x7F, 0x10}));
   }
 }
 
 TEST_F(FalsifyTest, WrongNumbersAreSplitWhereChunksAre) {
   SelectListing();
   camera_.Arm({FaultKind::kWrongCount});
-  EXPECT_EQ(ReadChunk(6).data, (Bytes{1, 0, 0, 0, 0xFF, 0xFF}));
-  EXPECT_EQ(Ask(camera_, {0xC4, 0, 0x01, 6}, 3).data, (Bytes{0xFF, 0x7F, 0x10}));
+  EXPECT_EQ(ReadChunk(6).data, (base::Bytes{1, 0, 0, 0, 0xFF, 0xFF}));
+  EXPECT_EQ(Ask(camera_, {0xC4, 0, 0x01, 6}, 3).data, (base::Bytes{0xFF, 0x7F, 0x10}));
 }
 
 TEST_F(FalsifyTest, WrongOffsetsStandInTheDataSet) {
   SelectListing();
   camera_.Arm({FaultKind::kWrongOffset});
-  const Bytes listing = ReadChunk().data;
-  EXPECT_EQ(Bytes(listing.begin() + 16, listing.begin() + 20), (Bytes{0xF0, 0xFF, 0xFF, 0x7F}));
-  EXPECT_EQ(Bytes(listing.begin() + 28, listing.begin() + 32), (Bytes{0xF0, 0xFF, 0xFF, 0x7F}));
+  const base::Bytes listing = ReadChunk().data;
+  EXPECT_EQ(base::Bytes(listing.begin() + 16, listing.begin() + 20), (base::Bytes{0xF0, 0xFF, 0xFF, 0x7F}));
+  EXPECT_EQ(base::Bytes(listing.begin() + 28, listing.begin() + 32), (base::Bytes{0xF0, 0xFF, 0xFF, 0x7F}));
 }
 
 TEST_F(FalsifyTest, NamesLoseTheirNul) {
   SelectListing();
   camera_.Arm({FaultKind::kUnterminatedName});
-  const Bytes listing = ReadChunk().data;
-  EXPECT_EQ(AsText(Bytes(listing.begin() + 44, listing.end())), ".A..AAA");
+  const base::Bytes listing = ReadChunk().data;
+  EXPECT_EQ(AsText(base::Bytes(listing.begin() + 44, listing.end())), ".A..AAA");
 }
 
 TEST_F(FalsifyTest, AnswersNeverEnd) {
   SelectFile();
   camera_.Arm({FaultKind::kEndless});
   EXPECT_EQ(AsText(ReadChunk(12).data), "0123456789\xEE\xEE");
-  EXPECT_EQ(Ask(camera_, {0xC4, 0, 0x01, 200}, 12).data, Bytes(12, 0xEE)) << "far behind the end";
-  const Bytes console = Ask(camera_, {0xC6, 0, 0x02}, 1000).data;
+  EXPECT_EQ(Ask(camera_, {0xC4, 0, 0x01, 200}, 12).data, base::Bytes(12, 0xEE)) << "far behind the end";
+  const base::Bytes console = Ask(camera_, {0xC6, 0, 0x02}, 1000).data;
   EXPECT_EQ(console.size(), 1000U);
   EXPECT_EQ(console[4], 1) << "and there is more";
 }
@@ -112,8 +113,8 @@ TEST_F(FalsifyTest, AnswersNeverEnd) {
 TEST_F(FalsifyTest, TheSameQuestionGetsAnotherAnswer) {
   SelectFile();
   camera_.Arm({FaultKind::kChanging});
-  EXPECT_EQ(AskSize().data, (Bytes{11, 0, 0, 0}));
-  EXPECT_EQ(AskSize().data, (Bytes{12, 0, 0, 0}));
+  EXPECT_EQ(AskSize().data, (base::Bytes{11, 0, 0, 0}));
+  EXPECT_EQ(AskSize().data, (base::Bytes{12, 0, 0, 0}));
   EXPECT_EQ(ReadChunk().data[0], '0' + 3);
   EXPECT_TRUE(Tell(camera_, {0xC0, 0, 0x0D}).Good());
   EXPECT_FALSE(Tell(camera_, {0xC0, 0, 0x0D}).Good());
@@ -121,7 +122,7 @@ TEST_F(FalsifyTest, TheSameQuestionGetsAnotherAnswer) {
 
 TEST_F(FalsifyTest, LeavesRefusalsAsTheyAre) {
   camera_.Arm({FaultKind::kSurplusOne});
-  const Reply reply = ReadChunk();
+  const wire::Reply reply = ReadChunk();
   EXPECT_EQ(reply.sense, sense::kWrongSequence);
   EXPECT_EQ(reply.moved, 0U);
 }

@@ -9,20 +9,20 @@
 namespace vcam {
 namespace {
 
-Reply Ending(Transport transport) {
-  Reply reply;
+wire::Reply Ending(wire::Transport transport) {
+  wire::Reply reply;
   reply.transport = transport;
   return reply;
 }
 
-std::optional<Reply> InsteadOf(FaultKind kind) {
+std::optional<wire::Reply> InsteadOf(FaultKind kind) {
   switch (kind) {
     case FaultKind::kFail:
       return Refuse(sense::kInternalFailure);
     case FaultKind::kStall:
-      return Ending(Transport::kStall);
+      return Ending(wire::Transport::kStall);
     case FaultKind::kHang:
-      return Ending(Transport::kHang);
+      return Ending(wire::Transport::kHang);
     default:
       return std::nullopt;
   }
@@ -42,19 +42,19 @@ void FaultPlan::Arm(const Fault& fault) {
   armed_.push_back(armed);
 }
 
-std::optional<Reply> FaultPlan::Next() {
+std::optional<wire::Reply> FaultPlan::Next() {
   std::erase_if(armed_, [](const Armed& armed) { return HappensOnce(armed.fault.kind) && armed.Running(); });
   for (Armed& armed : armed_)
     if (armed.fault.kind != FaultKind::kUnplugAtByte && armed.fault.kind != FaultKind::kSlow) ++armed.seen;
   for (const Armed& armed : armed_) {
     if (!armed.Due()) continue;
-    if (std::optional<Reply> reply = InsteadOf(armed.fault.kind)) return reply;
+    if (std::optional<wire::Reply> reply = InsteadOf(armed.fault.kind)) return reply;
   }
   return std::nullopt;
 }
 
-Command FaultPlan::Limit(const Command& command) const {
-  Command limited = command;
+wire::Command FaultPlan::Limit(const wire::Command& command) const {
+  wire::Command limited = command;
   for (const Armed& armed : armed_) {
     if (armed.fault.kind != FaultKind::kUnplugAtByte) continue;
     const std::uint64_t left = armed.fault.at - armed.seen;
@@ -63,7 +63,7 @@ Command FaultPlan::Limit(const Command& command) const {
   return limited;
 }
 
-void FaultPlan::Apply(const Command& command, const Marks* marks, Reply& reply) {
+void FaultPlan::Apply(const wire::Command& command, const Marks* marks, wire::Reply& reply) {
   for (Armed& armed : armed_)
     if (armed.fault.kind != FaultKind::kUnplugAtByte) ApplyOne(armed, command, marks, reply);
   // Last, so that bytes which another fault added count as well.
@@ -71,7 +71,7 @@ void FaultPlan::Apply(const Command& command, const Marks* marks, Reply& reply) 
     if (armed.fault.kind == FaultKind::kUnplugAtByte) ApplyUnplug(armed, command, reply);
 }
 
-void FaultPlan::ApplyOne(Armed& armed, const Command& command, const Marks* marks, Reply& reply) {
+void FaultPlan::ApplyOne(Armed& armed, const wire::Command& command, const Marks* marks, wire::Reply& reply) {
   if (armed.fault.kind == FaultKind::kSlow) {
     reply.delay += std::chrono::milliseconds(std::min<std::uint64_t>(armed.fault.at, 3'600'000));
     return;
@@ -80,15 +80,15 @@ void FaultPlan::ApplyOne(Armed& armed, const Command& command, const Marks* mark
   Falsify(armed.fault.kind, {command, marks, armed.Due(), armed.seen - armed.fault.at + 1}, reply);
 }
 
-void FaultPlan::ApplyUnplug(Armed& armed, const Command& command, Reply& reply) {
-  const std::uint64_t moved = command.direction == Direction::kToCamera ? command.data.size() : reply.data.size();
+void FaultPlan::ApplyUnplug(Armed& armed, const wire::Command& command, wire::Reply& reply) {
+  const std::uint64_t moved = command.direction == wire::Direction::kToCamera ? command.data.size() : reply.data.size();
   const std::uint64_t left = armed.fault.at - armed.seen;
   if (moved < left) {
     armed.seen += moved;
     return;
   }
   reply.data.resize(static_cast<std::size_t>(std::min<std::uint64_t>(reply.data.size(), left)));
-  reply.transport = Transport::kGone;
+  reply.transport = wire::Transport::kGone;
   reply.moved = static_cast<std::uint32_t>(left);
 }
 

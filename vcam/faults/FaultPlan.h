@@ -4,9 +4,9 @@
 #include <optional>
 #include <vector>
 
-#include "vcam/device/Command.h"
 #include "vcam/device/DataSet.h"
 #include "vcam/faults/Fault.h"
+#include "wire/Command.h"
 
 namespace vcam {
 
@@ -17,11 +17,11 @@ class FaultPlan {
   void Arm(const Fault& fault);
 
   /// Counts one command. The reply that a fault gives instead of running it, if any.
-  std::optional<Reply> Next();
+  std::optional<wire::Reply> Next();
   /// The command as the camera sees it: data to the camera ends where the unplug comes.
-  Command Limit(const Command& command) const;
+  wire::Command Limit(const wire::Command& command) const;
   /// Changes the reply. `marks` are those of the selected data set, null when there is none.
-  void Apply(const Command& command, const Marks* marks, Reply& reply);
+  void Apply(const wire::Command& command, const Marks* marks, wire::Reply& reply);
 
  private:
   struct Armed {
@@ -31,8 +31,8 @@ class FaultPlan {
     bool Running() const { return seen >= fault.at; }
   };
 
-  void ApplyOne(Armed& armed, const Command& command, const Marks* marks, Reply& reply);
-  void ApplyUnplug(Armed& armed, const Command& command, Reply& reply);
+  void ApplyOne(Armed& armed, const wire::Command& command, const Marks* marks, wire::Reply& reply);
+  void ApplyUnplug(Armed& armed, const wire::Command& command, wire::Reply& reply);
 
   std::vector<Armed> armed_;
 };

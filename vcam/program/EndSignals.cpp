@@ -10,13 +10,13 @@
 
 namespace vcam::program {
 
-FileDescriptor EndSignals() {
+base::FileDescriptor EndSignals() {
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGTERM);
   sigaddset(&signals, SIGINT);
   ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  FileDescriptor descriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+  base::FileDescriptor descriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
   if (!descriptor) throw std::runtime_error(std::string("Cannot watch for signals: ") + std::strerror(errno) + ".");
   return descriptor;
 }

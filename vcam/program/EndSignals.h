@@ -1,13 +1,13 @@
 #ifndef KELVA_VCAM_PROGRAM_END_SIGNALS_H_
 #define KELVA_VCAM_PROGRAM_END_SIGNALS_H_
 
-#include "vcam/device/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace vcam::program {
 
 /// A descriptor that is readable once the process is asked to end (SIGTERM, SIGINT). Blocks the signals, so it comes before
 /// any thread is started. Throws std::runtime_error when the system has no descriptor left.
-FileDescriptor EndSignals();
+base::FileDescriptor EndSignals();
 
 }  // namespace vcam::program
 

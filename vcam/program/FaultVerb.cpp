@@ -1,7 +1,7 @@
 #include <iostream>
 #include <memory>
 
-#include "vcam/client/BusConnection.h"
+#include "bus/BusConnection.h"
 #include "vcam/faults/Fault.h"
 #include "vcam/program/Verbs.h"
 
@@ -20,8 +20,8 @@ std::string Names() {
 }
 
 int Arm(const FaultArguments& arguments) {
-  client::BusConnection connection(arguments.socket);
-  connection.Request(bus::Kind::kFault, Encode(arguments.request));
+  bus::BusConnection connection(arguments.socket);
+  connection.Request(bus::Kind::kFault, bus::Encode(arguments.request));
   std::cout << "Armed " << arguments.request.name << " on " << arguments.request.serial << ".\n";
   return kExitDone;
 }

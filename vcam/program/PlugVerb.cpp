@@ -7,7 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "vcam/client/BusConnection.h"
+#include "bus/BusConnection.h"
 #include "vcam/program/Verbs.h"
 
 namespace vcam::program {
@@ -35,8 +35,8 @@ std::string UsableStorage(const std::string& folder) {
 int Plug(PlugArguments& arguments) {
   arguments.request.storage = UsableStorage(arguments.storage);
   arguments.request.peripheralType = static_cast<std::uint8_t>(arguments.type);
-  client::BusConnection connection(arguments.socket);
-  connection.Request(bus::Kind::kPlug, Encode(arguments.request));
+  bus::BusConnection connection(arguments.socket);
+  connection.Request(bus::Kind::kPlug, bus::Encode(arguments.request));
   std::cout << "Plugged in " << arguments.request.serial << " with " << arguments.request.storage << ".\n";
   return kExitDone;
 }

@@ -1,7 +1,7 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "vcam/client/BusConnection.h"
+#include "bus/BusConnection.h"
 #include "vcam/program/Verbs.h"
 
 namespace vcam::program {
@@ -25,7 +25,7 @@ bool HasVerb(CLI::App& app, const std::string& name) {
 int RunChosen(const Action& chosen) {
   try {
     return chosen();
-  } catch (const client::BusRefusal& refusal) {
+  } catch (const bus::BusRefusal& refusal) {
     return Report(refusal.what(), refusal.code == bus::ErrorCode::kNoSuchCamera ? kExitNoSuchCamera : kExitFailed);
   } catch (const std::exception& error) {
     return Report(error.what(), kExitFailed);

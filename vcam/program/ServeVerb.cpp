@@ -1,18 +1,18 @@
 #include <iostream>
 #include <memory>
 
-#include "vcam/bus/BusServer.h"
 #include "vcam/program/EndSignals.h"
 #include "vcam/program/Verbs.h"
+#include "vcam/server/BusServer.h"
 
 namespace vcam::program {
 namespace {
 
 int Serve(const std::string& path) {
-  const FileDescriptor stop = EndSignals();
-  bus::BusServer server(path);
+  const base::FileDescriptor stop = EndSignals();
+  server::BusServer busServer(path);
   std::cout << "Serving virtual cameras at " << path << "." << std::endl;
-  server.Run(stop.get());
+  busServer.Run(stop.Get());
   return kExitDone;
 }
 

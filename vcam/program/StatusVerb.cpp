@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "vcam/client/BusConnection.h"
+#include "bus/BusConnection.h"
 #include "vcam/program/Verbs.h"
 
 namespace vcam::program {
@@ -15,7 +15,7 @@ struct StatusArguments {
 };
 
 std::vector<bus::CameraStatus> Fetch(const std::string& socket) {
-  client::BusConnection connection(socket);
+  bus::BusConnection connection(socket);
   const bus::Frame answer = connection.Request(bus::Kind::kStatus, {});
   const auto list = bus::DecodeStatusList(answer.payload);
   if (!list) throw std::runtime_error("The bus sent a status that cannot be read; use programs of one release.");

@@ -1,7 +1,7 @@
 #include <iostream>
 #include <memory>
 
-#include "vcam/client/BusConnection.h"
+#include "bus/BusConnection.h"
 #include "vcam/program/Verbs.h"
 
 namespace vcam::program {
@@ -13,7 +13,7 @@ struct UnplugArguments {
 };
 
 int Unplug(const UnplugArguments& arguments) {
-  client::BusConnection connection(arguments.socket);
+  bus::BusConnection connection(arguments.socket);
   connection.Request(bus::Kind::kUnplug, bus::EncodeText(arguments.serial));
   std::cout << "Unplugged " << arguments.serial << ".\n";
   return kExitDone;

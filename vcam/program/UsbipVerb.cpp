@@ -48,20 +48,20 @@ int PlugIn(const usbip::CameraModel& model, const UsbipArguments& arguments, int
   usbip::Session session(usbip::PlugIntoController(usbip::DefaultController(), device, model.identity.speed), device,
                          camera);
   std::cout << "Plugged in camera " << arguments.camera.serial << "." << std::endl;
-  const FileDescriptor ended(::eventfd(0, EFD_CLOEXEC));
+  const base::FileDescriptor ended(::eventfd(0, EFD_CLOEXEC));
   std::jthread pull([&] {
-    std::array<pollfd, 2> waits{pollfd{stop, POLLIN, 0}, {ended.get(), POLLIN, 0}};
+    std::array<pollfd, 2> waits{pollfd{stop, POLLIN, 0}, {ended.Get(), POLLIN, 0}};
     ::poll(waits.data(), waits.size(), -1);
     session.Pull();
   });
   session.Run();
-  ::eventfd_write(ended.get(), 1);
+  ::eventfd_write(ended.Get(), 1);
   std::cout << "Unplugged camera " << arguments.camera.serial << "." << std::endl;
   return kExitDone;
 }
 
 int Usbip(UsbipArguments& arguments) {
-  const FileDescriptor stop = EndSignals();
+  const base::FileDescriptor stop = EndSignals();
   arguments.camera.storage = arguments.storage;
   arguments.camera.peripheralType = static_cast<std::uint8_t>(arguments.type);
   arguments.camera.catalogue = LayoutByName(arguments.catalogue).value();
@@ -70,7 +70,7 @@ int Usbip(UsbipArguments& arguments) {
   for (const std::string& fault : arguments.faults) usbip::ArmByText(fault, camera, cable);
   const auto speed = arguments.speed == "super" ? usbip::Speed::kSuper : usbip::Speed::kHigh;
   const auto model = usbip::ModelOf(camera, cable, speed);
-  return arguments.attach ? PlugIn(model, arguments, stop.get()) : Offer(model, arguments, stop.get());
+  return arguments.attach ? PlugIn(model, arguments, stop.Get()) : Offer(model, arguments, stop.Get());
 }
 
 }  // namespace

@@ -10,9 +10,9 @@ namespace {
 constexpr std::uint32_t kImpossibleResidue = 0x7FFFFFFF;
 constexpr std::uint32_t kAnotherTag = 0x5A5A5A5A;
 
-WrapperStatus StatusOf(const Reply& reply) {
-  return reply.transport == Transport::kOk && reply.status == kStatusGood ? WrapperStatus::kPassed
-                                                                          : WrapperStatus::kFailed;
+WrapperStatus StatusOf(const wire::Reply& reply) {
+  return reply.transport == wire::Transport::kOk && reply.status == wire::kStatusGood ? WrapperStatus::kPassed
+                                                                                      : WrapperStatus::kFailed;
 }
 
 }  // namespace
@@ -31,10 +31,10 @@ std::int32_t BulkOnly::Give(std::span<const std::uint8_t> bytes, Clock::time_poi
 
 std::int32_t BulkOnly::Begin(std::span<const std::uint8_t> bytes, Clock::time_point now) {
   const auto command = DecodeCommand(bytes);
-  if (!command || command->length > kMaxTransferLength) return HaltBoth();
+  if (!command || command->length > wire::kMaxTransferLength) return HaltBoth();
   command_ = *command;
   data_.clear();
-  if (command_.direction == Direction::kToCamera) {
+  if (command_.direction == wire::Direction::kToCamera) {
     phase_ = Phase::kDataOut;
     return kUrbOk;
   }
@@ -59,20 +59,20 @@ std::int32_t BulkOnly::HaltBoth() {
 }
 
 void BulkOnly::RunCommand(Clock::time_point now) {
-  const Command command{command_.cdb, command_.direction, command_.length, data_};
+  const wire::Command command{command_.cdb, command_.direction, command_.length, data_};
   Settle(unit_.Run(command), now);
   if (faults_ && IsCameraCommand(command_.cdb[0])) ApplyFault(faults_());
 }
 
-void BulkOnly::Settle(Reply reply, Clock::time_point now) {
+void BulkOnly::Settle(wire::Reply reply, Clock::time_point now) {
   readyAt_ = now + reply.delay;
-  hang_ = reply.transport == Transport::kHang;
-  gone_ = reply.transport == Transport::kGone;
-  stall_ = reply.transport == Transport::kStall;
+  hang_ = reply.transport == wire::Transport::kHang;
+  gone_ = reply.transport == wire::Transport::kGone;
+  stall_ = reply.transport == wire::Transport::kStall;
   status_ = {command_.tag, command_.length - reply.moved, StatusOf(reply)};
   data_ = std::move(reply.data);
   sent_ = 0;
-  phase_ = command_.direction == Direction::kFromCamera ? Phase::kDataIn : Phase::kStatus;
+  phase_ = command_.direction == wire::Direction::kFromCamera ? Phase::kDataIn : Phase::kStatus;
 }
 
 void BulkOnly::ApplyFault(WireFault fault) {
@@ -159,7 +159,7 @@ Taken BulkOnly::TakeData(std::uint32_t length) {
 }
 
 Taken BulkOnly::TakeStatus(std::uint32_t length) {
-  Bytes bytes = EncodeStatus(status_);
+  base::Bytes bytes = EncodeStatus(status_);
   if (cutStatus_) bytes.pop_back();
   cutStatus_ = false;
   phase_ = Phase::kCommand;

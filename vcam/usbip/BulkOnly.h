@@ -7,10 +7,10 @@
 #include <optional>
 #include <span>
 
-#include "vcam/device/Command.h"
 #include "vcam/usbip/CommandWrapper.h"
 #include "vcam/usbip/ScsiUnit.h"
 #include "vcam/usbip/WireFault.h"
+#include "wire/Command.h"
 
 namespace vcam::usbip {
 
@@ -21,7 +21,7 @@ struct Taken {
   std::int32_t status = 0;
   /// The bytes moved, as the answer's header tells the host.
   std::uint32_t actual = 0;
-  Bytes data{};
+  base::Bytes data{};
   /// The cable is pulled behind the last byte of `data`, which may be less than `actual`.
   bool unplug = false;
 };
@@ -58,7 +58,7 @@ class BulkOnly {
   std::int32_t Collect(std::span<const std::uint8_t> bytes, Clock::time_point now);
   std::int32_t HaltBoth();
   void RunCommand(Clock::time_point now);
-  void Settle(Reply reply, Clock::time_point now);
+  void Settle(wire::Reply reply, Clock::time_point now);
   void ApplyFault(WireFault fault);
   Taken TakeData(std::uint32_t length);
   Taken TakeStatus(std::uint32_t length);
@@ -78,7 +78,7 @@ class BulkOnly {
   bool cutStatus_ = false;
   Clock::time_point readyAt_{};
   CommandWrapper command_{};
-  Bytes data_{};
+  base::Bytes data_{};
   std::size_t sent_ = 0;
   StatusWrapper status_{};
 };

@@ -16,32 +16,32 @@ using ::testing::SizeIs;
 
 constexpr Clock::time_point kNow{};
 
-Bytes Wrapped(std::uint8_t flags, std::uint32_t length, std::uint8_t operation) {
-  Bytes bytes{'U', 'S', 'B', 'C', 9, 0, 0, 0};
-  Append(bytes, length);
+base::Bytes Wrapped(std::uint8_t flags, std::uint32_t length, std::uint8_t operation) {
+  base::Bytes bytes{'U', 'S', 'B', 'C', 9, 0, 0, 0};
+  base::Append(bytes, length);
   for (const std::uint8_t byte : {flags, std::uint8_t{0}, std::uint8_t{16}, operation}) bytes.push_back(byte);
   bytes.resize(31);
   return bytes;
 }
 
-Bytes Reading(std::uint32_t length) {
+base::Bytes Reading(std::uint32_t length) {
   return Wrapped(0x80, length, 0xC6);
 }
-Bytes Writing(std::uint32_t length) {
+base::Bytes Writing(std::uint32_t length) {
   return Wrapped(0x00, length, 0xC5);
 }
-Bytes Acting() {
+base::Bytes Acting() {
   return Wrapped(0x00, 0, 0xC0);
 }
 
 class BulkOnlyTest : public ::testing::Test {
  protected:
-  Reply Execute(const Command& command) {
+  wire::Reply Execute(const wire::Command& command) {
     given_.assign(command.data.begin(), command.data.end());
     ++executed_;
     return reply_;
   }
-  void Answers(Bytes data) {
+  void Answers(base::Bytes data) {
     reply_.moved = static_cast<std::uint32_t>(data.size());
     reply_.data = std::move(data);
   }
@@ -49,14 +49,14 @@ class BulkOnlyTest : public ::testing::Test {
   std::pair<std::uint32_t, int> Status() {
     const auto taken = bulk_.Take(13, kNow);
     if (!taken || taken->data.size() != 13 || taken->data[0] != 'U' || taken->data[4] != 9) return {0, -1};
-    return {Load<std::uint32_t>(taken->data, 8), taken->data[12]};
+    return {base::Load<std::uint32_t>(taken->data, 8), taken->data[12]};
   }
 
-  Reply reply_;
-  Bytes given_;
+  wire::Reply reply_;
+  base::Bytes given_;
   int executed_ = 0;
   WireFault fault_ = WireFault::kNone;
-  ScsiUnit unit_{{}, "A7", [this](const Command& command) { return Execute(command); }};
+  ScsiUnit unit_{{}, "A7", [this](const wire::Command& command) { return Execute(command); }};
   BulkOnly bulk_{unit_, [this] { return fault_; }};
 };
 
@@ -106,15 +106,15 @@ TEST_F(BulkOnlyTest, NoDataAtAllIsAnEmptyTransfer) {
 TEST_F(BulkOnlyTest, DataToTheCameraIsCollectedAndThenRun) {
   reply_.moved = 5;
   EXPECT_EQ(bulk_.Give(Writing(5), kNow), kUrbOk);
-  EXPECT_EQ(bulk_.Give(Bytes{1, 2}, kNow), kUrbOk);
+  EXPECT_EQ(bulk_.Give(base::Bytes{1, 2}, kNow), kUrbOk);
   EXPECT_EQ(executed_, 0);
-  EXPECT_EQ(bulk_.Give(Bytes{3, 4, 5}, kNow), kUrbOk);
+  EXPECT_EQ(bulk_.Give(base::Bytes{3, 4, 5}, kNow), kUrbOk);
   EXPECT_THAT(given_, ElementsAre(1, 2, 3, 4, 5));
   EXPECT_EQ(Status(), Ending(0, 0));
 }
 
 TEST_F(BulkOnlyTest, RefusalIsAFailedStatus) {
-  reply_.status = kStatusCheckCondition;
+  reply_.status = wire::kStatusCheckCondition;
   bulk_.Give(Reading(4), kNow);
   bulk_.Take(4, kNow);
   EXPECT_EQ(Status(), Ending(4, 1));
@@ -122,7 +122,7 @@ TEST_F(BulkOnlyTest, RefusalIsAFailedStatus) {
 
 TEST_F(BulkOnlyTest, MoreDataThanAnnouncedHaltsUntilAReset) {
   bulk_.Give(Writing(2), kNow);
-  EXPECT_EQ(bulk_.Give(Bytes{1, 2, 3}, kNow), kUrbStall);
+  EXPECT_EQ(bulk_.Give(base::Bytes{1, 2, 3}, kNow), kUrbStall);
   EXPECT_EQ(executed_, 0);
   bulk_.SetHaltOut(false);
   EXPECT_TRUE(bulk_.haltedOut());
@@ -133,7 +133,7 @@ TEST_F(BulkOnlyTest, MoreDataThanAnnouncedHaltsUntilAReset) {
 }
 
 TEST_F(BulkOnlyTest, WhatIsNoCommandHaltsBothPipesUntilAReset) {
-  EXPECT_EQ(bulk_.Give(Bytes{1, 2, 3}, kNow), kUrbStall);
+  EXPECT_EQ(bulk_.Give(base::Bytes{1, 2, 3}, kNow), kUrbStall);
   EXPECT_EQ(bulk_.Take(13, kNow)->status, kUrbStall);
   bulk_.SetHaltIn(false);
   EXPECT_EQ(bulk_.Take(13, kNow)->status, kUrbStall);
@@ -149,7 +149,7 @@ TEST_F(BulkOnlyTest, CommandBeforeTheStatusWasTakenIsNone) {
 }
 
 TEST_F(BulkOnlyTest, StallOfDataFromTheCameraIsFollowedByAFailedStatus) {
-  reply_.transport = Transport::kStall;
+  reply_.transport = wire::Transport::kStall;
   bulk_.Give(Reading(4), kNow);
   EXPECT_EQ(bulk_.Take(4, kNow)->status, kUrbStall);
   EXPECT_EQ(bulk_.Take(13, kNow)->status, kUrbStall);
@@ -158,10 +158,10 @@ TEST_F(BulkOnlyTest, StallOfDataFromTheCameraIsFollowedByAFailedStatus) {
 }
 
 TEST_F(BulkOnlyTest, StallOfDataToTheCameraIsFollowedByAFailedStatus) {
-  reply_.transport = Transport::kStall;
+  reply_.transport = wire::Transport::kStall;
   bulk_.Give(Writing(1), kNow);
-  EXPECT_EQ(bulk_.Give(Bytes{1}, kNow), kUrbStall);
-  EXPECT_EQ(bulk_.Give(Bytes{1}, kNow), kUrbStall);
+  EXPECT_EQ(bulk_.Give(base::Bytes{1}, kNow), kUrbStall);
+  EXPECT_EQ(bulk_.Give(base::Bytes{1}, kNow), kUrbStall);
   bulk_.SetHaltOut(false);
   EXPECT_EQ(Status(), Ending(1, 1));
 }
@@ -175,7 +175,7 @@ TEST_F(BulkOnlyTest, SlowAnswerIsWaitedFor) {
 }
 
 TEST_F(BulkOnlyTest, HangEndsWithAReset) {
-  reply_.transport = Transport::kHang;
+  reply_.transport = wire::Transport::kHang;
   bulk_.Give(Acting(), kNow);
   EXPECT_EQ(bulk_.Take(13, kNow + 1h), std::nullopt);
   EXPECT_EQ(bulk_.WaitsUntil(kNow), std::nullopt);
@@ -187,7 +187,7 @@ TEST_F(BulkOnlyTest, HangEndsWithAReset) {
 
 TEST_F(BulkOnlyTest, CableIsPulledBehindTheLastByteThatTheCameraSent) {
   Answers({1, 2, 3});
-  reply_.transport = Transport::kGone;
+  reply_.transport = wire::Transport::kGone;
   bulk_.Give(Reading(8), kNow);
   EXPECT_FALSE(bulk_.Unplugged(kNow));
   const auto taken = bulk_.Take(8, kNow);
@@ -198,7 +198,7 @@ TEST_F(BulkOnlyTest, CableIsPulledBehindTheLastByteThatTheCameraSent) {
 }
 
 TEST_F(BulkOnlyTest, CameraThatWentWithoutAByteIsUnplugged) {
-  reply_.transport = Transport::kGone;
+  reply_.transport = wire::Transport::kGone;
   bulk_.Give(Acting(), kNow);
   EXPECT_TRUE(bulk_.Unplugged(kNow));
 }

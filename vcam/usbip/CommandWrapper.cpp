@@ -17,34 +17,34 @@ constexpr std::size_t kUnit = 13;
 constexpr std::size_t kBlockLength = 14;
 constexpr std::size_t kBlock = 15;
 
-Direction DirectionOf(std::uint8_t flags, std::uint32_t length) {
-  if (length == 0) return Direction::kNone;
-  return flags == kIn ? Direction::kFromCamera : Direction::kToCamera;
+wire::Direction DirectionOf(std::uint8_t flags, std::uint32_t length) {
+  if (length == 0) return wire::Direction::kNone;
+  return flags == kIn ? wire::Direction::kFromCamera : wire::Direction::kToCamera;
 }
 
 }  // namespace
 
 std::optional<CommandWrapper> DecodeCommand(std::span<const std::uint8_t> bytes) {
   if (bytes.size() != kCommandWrapperSize) return std::nullopt;
-  if (Load<std::uint32_t>(bytes, 0) != kCommandSignature) return std::nullopt;
+  if (base::Load<std::uint32_t>(bytes, 0) != kCommandSignature) return std::nullopt;
   const std::uint8_t flags = bytes[kFlags];
   const std::size_t blockLength = bytes[kBlockLength];
   CommandWrapper command;
   if ((flags & ~kIn) != 0 || bytes[kUnit] != 0) return std::nullopt;
   if (blockLength == 0 || blockLength > command.cdb.size()) return std::nullopt;
-  command.tag = Load<std::uint32_t>(bytes, kTag);
-  command.length = Load<std::uint32_t>(bytes, kLength);
+  command.tag = base::Load<std::uint32_t>(bytes, kTag);
+  command.length = base::Load<std::uint32_t>(bytes, kLength);
   command.direction = DirectionOf(flags, command.length);
   std::copy_n(bytes.begin() + kBlock, blockLength, command.cdb.begin());
   return command;
 }
 
-Bytes EncodeStatus(const StatusWrapper& status) {
-  Bytes bytes;
+base::Bytes EncodeStatus(const StatusWrapper& status) {
+  base::Bytes bytes;
   bytes.reserve(kStatusWrapperSize);
-  Append(bytes, kStatusSignature);
-  Append(bytes, status.tag);
-  Append(bytes, status.residue);
+  base::Append(bytes, kStatusSignature);
+  base::Append(bytes, status.tag);
+  base::Append(bytes, status.residue);
   bytes.push_back(static_cast<std::uint8_t>(status.status));
   return bytes;
 }

@@ -5,8 +5,8 @@
 #include <optional>
 #include <span>
 
-#include "vcam/device/Bytes.h"
-#include "vcam/device/Command.h"
+#include "base/Bytes.h"
+#include "wire/Command.h"
 
 // The two records of the bulk-only transport: the wrapper that brings a command, the one that brings its status.
 
@@ -20,7 +20,7 @@ struct CommandWrapper {
   /// Bytes of the data phase that the host announces.
   std::uint32_t length = 0;
   /// kNone when `length` is 0.
-  Direction direction = Direction::kNone;
+  wire::Direction direction = wire::Direction::kNone;
   /// Zero behind the bytes that the host sent.
   std::array<std::uint8_t, 16> cdb{};
 };
@@ -35,7 +35,7 @@ struct StatusWrapper {
 
 /// Reads a command wrapper; nothing when it is not valid and meaningful (size, signature, unit 0, command length, flags).
 std::optional<CommandWrapper> DecodeCommand(std::span<const std::uint8_t> bytes);
-Bytes EncodeStatus(const StatusWrapper& status);
+base::Bytes EncodeStatus(const StatusWrapper& status);
 
 }  // namespace vcam::usbip
 

@@ -36,10 +36,10 @@ constexpr std::uint16_t kFirstPowerFeature = 48;
 constexpr std::uint16_t kLastPowerFeature = 50;
 constexpr std::uint8_t kSelfPoweredStatus = 1;
 
-const Bytes kDone{};
+const base::Bytes kDone{};
 
 std::uint16_t Word(const SetupPacket& setup, std::size_t offset) {
-  return Load<std::uint16_t>(std::span<const std::uint8_t>(setup), offset);
+  return base::Load<std::uint16_t>(std::span<const std::uint8_t>(setup), offset);
 }
 
 // A question that is put as an order, or an order as a question, is neither.
@@ -53,13 +53,13 @@ bool IsPowerFeature(std::uint16_t value) {
 
 }  // namespace
 
-std::optional<Bytes> ControlPipe::Handle(const SetupPacket& setup, std::span<const std::uint8_t> data) {
+std::optional<base::Bytes> ControlPipe::Handle(const SetupPacket& setup, std::span<const std::uint8_t> data) {
   const std::uint16_t value = Word(setup, 2);
   const std::uint16_t index = Word(setup, 4);
   const std::uint16_t length = Word(setup, 6);
   const bool toHost = (setup[0] & kToHost) != 0;
   if (!toHost && data.size() != length) return std::nullopt;
-  std::optional<Bytes> answer;
+  std::optional<base::Bytes> answer;
   if ((setup[0] & kTypeMask) == kClassType) {
     if (value == 0 && index == 0) answer = OfClass(setup[0], setup[1]);
   } else if ((setup[0] & kTypeMask) == 0 && IsQuestion(setup[1]) == toHost) {
@@ -81,14 +81,14 @@ std::optional<Bytes> ControlPipe::Handle(const SetupPacket& setup, std::span<con
   return answer;
 }
 
-std::optional<Bytes> ControlPipe::ToDevice(std::uint8_t request, std::uint16_t value) {
+std::optional<base::Bytes> ControlPipe::ToDevice(std::uint8_t request, std::uint16_t value) {
   switch (request) {
     case kGetStatus:
-      return Bytes{kSelfPoweredStatus, 0};
+      return base::Bytes{kSelfPoweredStatus, 0};
     case kGetDescriptor:
       return Describe(identity_, static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value));
     case kGetConfiguration:
-      return Bytes{configuration_};
+      return base::Bytes{configuration_};
     case kSetConfiguration:
       if (value > 1) return std::nullopt;
       configuration_ = static_cast<std::uint8_t>(value);
@@ -106,12 +106,12 @@ std::optional<Bytes> ControlPipe::ToDevice(std::uint8_t request, std::uint16_t v
   }
 }
 
-std::optional<Bytes> ControlPipe::ToInterface(std::uint8_t request, std::uint16_t value) {
+std::optional<base::Bytes> ControlPipe::ToInterface(std::uint8_t request, std::uint16_t value) {
   switch (request) {
     case kGetStatus:
-      return Bytes{0, 0};
+      return base::Bytes{0, 0};
     case kGetInterface:
-      return Bytes{0};
+      return base::Bytes{0};
     case kSetInterface:
       if (value != 0) return std::nullopt;
       pipes_.ResetAll();
@@ -124,13 +124,13 @@ std::optional<Bytes> ControlPipe::ToInterface(std::uint8_t request, std::uint16_
   }
 }
 
-std::optional<Bytes> ControlPipe::ToEndpoint(std::uint8_t request, std::uint16_t value, std::uint16_t index) {
+std::optional<base::Bytes> ControlPipe::ToEndpoint(std::uint8_t request, std::uint16_t value, std::uint16_t index) {
   const auto address = static_cast<std::uint8_t>(index);
   const bool exists = index == (0x80 | kBulkIn) || index == kBulkOut || (index & 0xFF7F) == 0;
   if (!exists) return std::nullopt;
   switch (request) {
     case kGetStatus:
-      return Bytes{static_cast<std::uint8_t>(pipes_.Halted(address) ? 1 : 0), 0};
+      return base::Bytes{static_cast<std::uint8_t>(pipes_.Halted(address) ? 1 : 0), 0};
     case kSetFeature:
     case kClearFeature:
       if (value != kEndpointHalt) return std::nullopt;
@@ -141,8 +141,8 @@ std::optional<Bytes> ControlPipe::ToEndpoint(std::uint8_t request, std::uint16_t
   }
 }
 
-std::optional<Bytes> ControlPipe::OfClass(std::uint8_t type, std::uint8_t request) {
-  if (type == kClassFromInterface && request == kGetMaxLun) return Bytes{0};
+std::optional<base::Bytes> ControlPipe::OfClass(std::uint8_t type, std::uint8_t request) {
+  if (type == kClassFromInterface && request == kGetMaxLun) return base::Bytes{0};
   if (type == kClassToInterface && request == kBulkOnlyReset) {
     pipes_.ResetTransport();
     return kDone;

@@ -6,7 +6,7 @@
 #include <optional>
 #include <span>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
 #include "vcam/usbip/Descriptors.h"
 
 namespace vcam::usbip {
@@ -34,15 +34,15 @@ class ControlPipe {
 
   /// Carries a request out. Gives the bytes of the answer, at most as many as were asked for (none for a request to the
   /// device), or nothing: the request is stalled. `data` are the bytes of a request to the device.
-  std::optional<Bytes> Handle(const SetupPacket& setup, std::span<const std::uint8_t> data);
+  std::optional<base::Bytes> Handle(const SetupPacket& setup, std::span<const std::uint8_t> data);
 
   bool configured() const { return configuration_ == 1; }
 
  private:
-  std::optional<Bytes> ToDevice(std::uint8_t request, std::uint16_t value);
-  std::optional<Bytes> ToInterface(std::uint8_t request, std::uint16_t value);
-  std::optional<Bytes> ToEndpoint(std::uint8_t request, std::uint16_t value, std::uint16_t index);
-  std::optional<Bytes> OfClass(std::uint8_t type, std::uint8_t request);
+  std::optional<base::Bytes> ToDevice(std::uint8_t request, std::uint16_t value);
+  std::optional<base::Bytes> ToInterface(std::uint8_t request, std::uint16_t value);
+  std::optional<base::Bytes> ToEndpoint(std::uint8_t request, std::uint16_t value, std::uint16_t index);
+  std::optional<base::Bytes> OfClass(std::uint8_t type, std::uint8_t request);
 
   UsbIdentity identity_;
   ControlledPipes& pipes_;

@@ -22,7 +22,7 @@ class MockPipes : public ControlledPipes {
 
 class ControlPipeTest : public ::testing::Test {
  protected:
-  std::optional<Bytes> Ask(const SetupPacket& setup) { return pipe_.Handle(setup, {}); }
+  std::optional<base::Bytes> Ask(const SetupPacket& setup) { return pipe_.Handle(setup, {}); }
 
   ::testing::StrictMock<MockPipes> pipes_;
   ControlPipe pipe_{{"Kelva", "Camera", "A7", Speed::kHigh}, pipes_};
@@ -74,12 +74,12 @@ TEST_F(ControlPipeTest, StallsRequestsToAnEndpointThatDoesNotExist) {
 }
 
 TEST_F(ControlPipeTest, TakesTheExitLatenciesOfSuperSpeed) {
-  const Bytes latencies(6, 0);
+  const base::Bytes latencies(6, 0);
   EXPECT_THAT(pipe_.Handle({0x00, 48, 0, 0, 0, 0, 6, 0}, latencies), Optional(IsEmpty()));
 }
 
 TEST_F(ControlPipeTest, StallsDataOfAnotherLengthThanAnnounced) {
-  const Bytes latencies(5, 0);
+  const base::Bytes latencies(5, 0);
   EXPECT_EQ(pipe_.Handle({0x00, 48, 0, 0, 0, 0, 6, 0}, latencies), std::nullopt);
 }
 

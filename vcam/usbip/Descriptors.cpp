@@ -16,67 +16,67 @@ bool IsSuper(const UsbIdentity& identity) {
 }
 
 // A descriptor begins with its own length and its type.
-Bytes Begin(std::uint8_t length, std::uint8_t type) {
+base::Bytes Begin(std::uint8_t length, std::uint8_t type) {
   return {length, type};
 }
 
-void AppendBytes(Bytes& bytes, std::initializer_list<std::uint8_t> more) {
+void AppendBytes(base::Bytes& bytes, std::initializer_list<std::uint8_t> more) {
   bytes.insert(bytes.end(), more);
 }
 
-Bytes DeviceDescriptor(const UsbIdentity& identity) {
-  Bytes bytes = Begin(18, kDeviceDescriptor);
-  Append(bytes, std::uint16_t{IsSuper(identity) ? std::uint16_t{0x0320} : std::uint16_t{0x0200}});
+base::Bytes DeviceDescriptor(const UsbIdentity& identity) {
+  base::Bytes bytes = Begin(18, kDeviceDescriptor);
+  base::Append(bytes, std::uint16_t{IsSuper(identity) ? std::uint16_t{0x0320} : std::uint16_t{0x0200}});
   // Class, subclass and protocol stand in the interface. The size of endpoint 0 is a power of two at SuperSpeed.
   AppendBytes(bytes, {0, 0, 0, IsSuper(identity) ? std::uint8_t{9} : std::uint8_t{64}});
-  Append(bytes, kVendorId);
-  Append(bytes, kProductId);
-  Append(bytes, kRelease);
+  base::Append(bytes, kVendorId);
+  base::Append(bytes, kProductId);
+  base::Append(bytes, kRelease);
   AppendBytes(bytes, {kVendorString, kProductString, kSerialString, 1});
   return bytes;
 }
 
-void AppendEndpoint(Bytes& bytes, const UsbIdentity& identity, std::uint8_t address) {
+void AppendEndpoint(base::Bytes& bytes, const UsbIdentity& identity, std::uint8_t address) {
   AppendBytes(bytes, {7, kEndpointDescriptor, address, kBulk});
-  Append(bytes, IsSuper(identity) ? std::uint16_t{1024} : std::uint16_t{512});
+  base::Append(bytes, IsSuper(identity) ? std::uint16_t{1024} : std::uint16_t{512});
   bytes.push_back(0);
   if (IsSuper(identity)) AppendBytes(bytes, {6, kCompanionDescriptor, 15, 0, 0, 0});
 }
 
-Bytes ConfigurationDescriptor(const UsbIdentity& identity) {
-  Bytes bytes = Begin(9, kConfigurationDescriptor);
+base::Bytes ConfigurationDescriptor(const UsbIdentity& identity) {
+  base::Bytes bytes = Begin(9, kConfigurationDescriptor);
   // The total length is filled in below. One interface, configuration 1, no name, 2 mA or 8 mA from the bus.
   AppendBytes(bytes, {0, 0, 1, 1, 0, kSelfPowered, 1});
   AppendBytes(bytes, {9, kInterfaceDescriptor, 0, 0, 2, 0x08, 0x06, 0x50, 0});
   AppendEndpoint(bytes, identity, 0x80 | kBulkIn);
   AppendEndpoint(bytes, identity, kBulkOut);
-  Store(std::span<std::uint8_t>(bytes), 2, static_cast<std::uint16_t>(bytes.size()));
+  base::Store(std::span<std::uint8_t>(bytes), 2, static_cast<std::uint16_t>(bytes.size()));
   return bytes;
 }
 
 // SuperSpeed devices say here that they know link power management and which speeds they work at.
-Bytes ObjectStoreDescriptor() {
-  Bytes bytes = Begin(5, kObjectStoreDescriptor);
+base::Bytes ObjectStoreDescriptor() {
+  base::Bytes bytes = Begin(5, kObjectStoreDescriptor);
   AppendBytes(bytes, {22, 0, 2});
   AppendBytes(bytes, {7, kCapabilityDescriptor, 2, 0, 0, 0, 0});
   AppendBytes(bytes, {10, kCapabilityDescriptor, 3, 0, 0x0C, 0, 2, 0, 0, 0});
   return bytes;
 }
 
-Bytes StringDescriptor(const std::string& text) {
+base::Bytes StringDescriptor(const std::string& text) {
   const std::string fitting = text.substr(0, kMaxStringLength);
-  Bytes bytes = Begin(static_cast<std::uint8_t>(2 + 2 * fitting.size()), kStringDescriptor);
+  base::Bytes bytes = Begin(static_cast<std::uint8_t>(2 + 2 * fitting.size()), kStringDescriptor);
   for (const char character : fitting) AppendBytes(bytes, {static_cast<std::uint8_t>(character), 0});
   return bytes;
 }
 
-Bytes LanguagesDescriptor() {
-  Bytes bytes = Begin(4, kStringDescriptor);
-  Append(bytes, kEnglish);
+base::Bytes LanguagesDescriptor() {
+  base::Bytes bytes = Begin(4, kStringDescriptor);
+  base::Append(bytes, kEnglish);
   return bytes;
 }
 
-std::optional<Bytes> String(const UsbIdentity& identity, std::uint8_t index) {
+std::optional<base::Bytes> String(const UsbIdentity& identity, std::uint8_t index) {
   switch (index) {
     case kLanguages:
       return LanguagesDescriptor();
@@ -93,7 +93,7 @@ std::optional<Bytes> String(const UsbIdentity& identity, std::uint8_t index) {
 
 }  // namespace
 
-std::optional<Bytes> Describe(const UsbIdentity& identity, std::uint8_t type, std::uint8_t index) {
+std::optional<base::Bytes> Describe(const UsbIdentity& identity, std::uint8_t type, std::uint8_t index) {
   if (type == kStringDescriptor) return String(identity, index);
   if (index != 0) return std::nullopt;
   switch (type) {

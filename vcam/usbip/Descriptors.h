@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
 #include "vcam/usbip/Handshake.h"
 
 // What the camera tells about itself as a USB device: one configuration with one mass-storage interface.
@@ -42,7 +42,7 @@ struct UsbIdentity {
 };
 
 /// The bytes of a descriptor, or nothing when the device has no such descriptor (it stalls the request).
-std::optional<Bytes> Describe(const UsbIdentity& identity, std::uint8_t type, std::uint8_t index);
+std::optional<base::Bytes> Describe(const UsbIdentity& identity, std::uint8_t type, std::uint8_t index);
 
 }  // namespace vcam::usbip
 

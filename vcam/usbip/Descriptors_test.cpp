@@ -12,8 +12,8 @@ UsbIdentity Camera(Speed speed) {
   return {"Kelva", "Camera", "A7", speed};
 }
 
-Bytes Of(Speed speed, std::uint8_t type, std::uint8_t index = 0) {
-  return Describe(Camera(speed), type, index).value_or(Bytes{});
+base::Bytes Of(Speed speed, std::uint8_t type, std::uint8_t index = 0) {
+  return Describe(Camera(speed), type, index).value_or(base::Bytes{});
 }
 
 TEST(Describe, HighSpeedDevice) {
@@ -43,18 +43,18 @@ TEST(Describe, SuperSpeedConfigurationHasEndpointCompanions) {
 }
 
 TEST(Describe, SerialNumberIsTheThirdString) {
-  EXPECT_EQ(Of(Speed::kHigh, 3, 3), (Bytes{6, 3, 'A', 0, '7', 0}));
+  EXPECT_EQ(Of(Speed::kHigh, 3, 3), (base::Bytes{6, 3, 'A', 0, '7', 0}));
   EXPECT_THAT(Of(Speed::kHigh, 3, 0), ElementsAreArray({4, 3, 0x09, 0x04}));
 }
 
 TEST(Describe, ObjectStoreBelongsToSuperSpeed) {
-  const Bytes expected{5, 15, 22, 0, 2, 7, 16, 2, 0, 0, 0, 0, 10, 16, 3, 0, 0x0C, 0, 2, 0, 0, 0};
+  const base::Bytes expected{5, 15, 22, 0, 2, 7, 16, 2, 0, 0, 0, 0, 10, 16, 3, 0, 0x0C, 0, 2, 0, 0, 0};
   EXPECT_EQ(Of(Speed::kSuper, 15), expected);
   EXPECT_FALSE(Describe(Camera(Speed::kHigh), 15, 0).has_value());
 }
 
 TEST(Describe, LongSerialIsCutToWhatADescriptorHolds) {
-  const Bytes bytes = Describe({"", "", std::string(300, 'x'), Speed::kHigh}, 3, 3).value_or(Bytes{});
+  const base::Bytes bytes = Describe({"", "", std::string(300, 'x'), Speed::kHigh}, 3, 3).value_or(base::Bytes{});
   EXPECT_EQ(bytes.size(), 254U);
   EXPECT_EQ(bytes[0], 254);
 }

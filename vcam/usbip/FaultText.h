@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "vcam/device/VirtualCamera.h"
+#include "vcam/camera/VirtualCamera.h"
 #include "vcam/usbip/WireFaults.h"
 
 namespace vcam::usbip {

@@ -20,11 +20,11 @@ Options Anything() {
 
 class FaultTextTest : public ::testing::Test {
  protected:
-  Reply AskReady() {
-    Command ready;
+  wire::Reply AskReady() {
+    wire::Command ready;
     ready.cdb[0] = 0xC6;
     ready.cdb[2] = 0x04;
-    ready.direction = Direction::kFromCamera;
+    ready.direction = wire::Direction::kFromCamera;
     ready.length = 4;
     return camera_.Execute(ready);
   }
@@ -49,7 +49,7 @@ TEST_F(FaultTextTest, ArmsTheCable) {
 
 TEST_F(FaultTextTest, ArmsTheCamera) {
   ArmByText("stall", camera_, cable_);
-  EXPECT_EQ(AskReady().transport, Transport::kStall);
+  EXPECT_EQ(AskReady().transport, wire::Transport::kStall);
 }
 
 TEST_F(FaultTextTest, RefusesAnUnknownNameWithTheListOfKnownOnes) {

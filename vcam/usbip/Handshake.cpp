@@ -18,27 +18,27 @@ constexpr std::size_t kPathSize = 256;
 constexpr std::array<std::uint8_t, 3> kInterface{0x08, 0x06, 0x50};
 
 template <typename Number>
-void AppendBig(Bytes& bytes, Number value) {
+void AppendBig(base::Bytes& bytes, Number value) {
   const std::size_t offset = bytes.size();
   bytes.resize(offset + sizeof(Number));
   StoreBig(std::span<std::uint8_t>(bytes), offset, value);
 }
 
-void AppendField(Bytes& bytes, const std::string& text, std::size_t size) {
+void AppendField(base::Bytes& bytes, const std::string& text, std::size_t size) {
   const std::size_t end = bytes.size() + size;
-  AppendText(bytes, text.substr(0, size - 1));
+  base::AppendText(bytes, text.substr(0, size - 1));
   bytes.resize(end);
 }
 
-Bytes AnswerHead(std::uint16_t code, Outcome outcome) {
-  Bytes bytes;
+base::Bytes AnswerHead(std::uint16_t code, Outcome outcome) {
+  base::Bytes bytes;
   AppendBig(bytes, kVersion);
   AppendBig(bytes, code);
   AppendBig(bytes, static_cast<std::uint32_t>(outcome));
   return bytes;
 }
 
-void AppendDevice(Bytes& bytes, const Offer& offer) {
+void AppendDevice(base::Bytes& bytes, const Offer& offer) {
   AppendField(bytes, "/sys/devices/kelva-vcam/" + offer.busId, kPathSize);
   AppendField(bytes, offer.busId, kBusIdSize);
   AppendBig(bytes, offer.busNumber);
@@ -77,8 +77,8 @@ std::string DecodeBusId(std::span<const std::uint8_t, kBusIdSize> field) {
   return std::string(field.begin(), end);
 }
 
-Bytes EncodeDeviceList(const Offer& offer) {
-  Bytes bytes = AnswerHead(kTellList, Outcome::kOk);
+base::Bytes EncodeDeviceList(const Offer& offer) {
+  base::Bytes bytes = AnswerHead(kTellList, Outcome::kOk);
   AppendBig(bytes, std::uint32_t{1});
   AppendDevice(bytes, offer);
   bytes.insert(bytes.end(), kInterface.begin(), kInterface.end());
@@ -86,8 +86,8 @@ Bytes EncodeDeviceList(const Offer& offer) {
   return bytes;
 }
 
-Bytes EncodeImport(Outcome outcome, const Offer& offer) {
-  Bytes bytes = AnswerHead(kTellImport, outcome);
+base::Bytes EncodeImport(Outcome outcome, const Offer& offer) {
+  base::Bytes bytes = AnswerHead(kTellImport, outcome);
   if (outcome == Outcome::kOk) AppendDevice(bytes, offer);
   return bytes;
 }

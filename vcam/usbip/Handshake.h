@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
 
 // What the `usbip` command and a server say to each other before the kernel takes the connection over: one request, one
 // answer. Protocol version 1.1.1.
@@ -43,9 +43,9 @@ Request DecodeRequest(std::span<const std::uint8_t, kRequestSize> head);
 /// The bus id of an import request. Throws ProtocolError when it is not terminated or has bytes that no bus id has.
 std::string DecodeBusId(std::span<const std::uint8_t, kBusIdSize> field);
 
-Bytes EncodeDeviceList(const Offer& offer);
+base::Bytes EncodeDeviceList(const Offer& offer);
 /// The answer to an import; only Outcome::kOk is followed by a device.
-Bytes EncodeImport(Outcome outcome, const Offer& offer);
+base::Bytes EncodeImport(Outcome outcome, const Offer& offer);
 
 }  // namespace vcam::usbip
 

@@ -46,7 +46,7 @@ TEST(DecodeBusId, RefusesBytesOfAPath) {
 }
 
 TEST(EncodeImport, DescribesTheDeviceIn320Bytes) {
-  const Bytes answer = EncodeImport(Outcome::kOk, Sample());
+  const base::Bytes answer = EncodeImport(Outcome::kOk, Sample());
   ASSERT_EQ(answer.size(), 320U);
   EXPECT_THAT(std::span(answer).first(8), ElementsAre(0x01, 0x11, 0, 3, 0, 0, 0, 0));
   EXPECT_THAT(std::span(answer).subspan(8 + 256, 4), ElementsAre('1', '-', '1', 0));
@@ -60,7 +60,7 @@ TEST(EncodeImport, RefusesInEightBytes) {
 }
 
 TEST(EncodeDeviceList, ListsOneDeviceWithItsInterface) {
-  const Bytes answer = EncodeDeviceList(Sample());
+  const base::Bytes answer = EncodeDeviceList(Sample());
   ASSERT_EQ(answer.size(), 8U + 4U + 312U + 4U);
   EXPECT_THAT(std::span(answer).first(12), ElementsAre(0x01, 0x11, 0, 5, 0, 0, 0, 0, 0, 0, 0, 1));
   EXPECT_THAT(std::span(answer).last(4), ElementsAre(8, 6, 0x50, 0));

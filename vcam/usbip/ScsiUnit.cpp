@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <optional>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
+#include "src/wifi/VscRegister.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
 #include "vcam/usbip/BigEndian.h"
-#include "wifi/VscRegister.h"
 
 namespace vcam::usbip {
 namespace {
@@ -23,26 +23,26 @@ enum ScsiOperation : std::uint8_t {
   kModeSense10 = 0x5A,
 };
 
-constexpr Sense kNoMedium{0x02, 0x3A, 0x00};
+constexpr wire::Sense kNoMedium{0x02, 0x3A, 0x00};
 constexpr std::uint32_t kBlock = 512;
 constexpr std::uint8_t kAllPages = 0x3F;
 constexpr std::uint8_t kWriteProtected = 0x80;
-constexpr auto kSelect = static_cast<std::uint8_t>(vsc::Operation::kSelect);
-constexpr auto kReadChunk = static_cast<std::uint8_t>(vsc::Operation::kReadChunk);
-constexpr auto kQuery = static_cast<std::uint8_t>(vsc::Operation::kQuery);
+constexpr auto kSelect = static_cast<std::uint8_t>(kelva::Operation::kSelect);
+constexpr auto kReadChunk = static_cast<std::uint8_t>(kelva::Operation::kReadChunk);
+constexpr auto kQuery = static_cast<std::uint8_t>(kelva::Operation::kQuery);
 
 // As much of the answer as the command block has room for; the data phase bounds it once more.
-Reply AnswerAtMost(const Command& command, Bytes bytes, std::size_t allocated) {
+wire::Reply AnswerAtMost(const wire::Command& command, base::Bytes bytes, std::size_t allocated) {
   if (bytes.size() > allocated) bytes.resize(allocated);
   return Answer(command, std::move(bytes));
 }
 
-std::uint16_t Allocated16(const Command& command, std::size_t offset) {
+std::uint16_t Allocated16(const wire::Command& command, std::size_t offset) {
   return LoadBig<std::uint16_t>(command.cdb, offset);
 }
 
-Bytes SenseData(const Sense& sense) {
-  Bytes bytes(18, 0);
+base::Bytes SenseData(const wire::Sense& sense) {
+  base::Bytes bytes(18, 0);
   bytes[0] = 0x70;  // current, fixed format
   bytes[2] = sense.key;
   bytes[7] = 10;  // bytes that follow this one
@@ -54,12 +54,12 @@ Bytes SenseData(const Sense& sense) {
 }  // namespace
 
 bool IsCameraCommand(std::uint8_t operation) {
-  return operation >= static_cast<std::uint8_t>(vsc::Operation::kAction) && operation <= kQuery;
+  return operation >= static_cast<std::uint8_t>(kelva::Operation::kAction) && operation <= kQuery;
 }
 
-Reply ScsiUnit::Run(const Command& command) {
-  Reply reply = Dispatch(command);
-  if (reply.transport == Transport::kOk && reply.status == kStatusGood) {
+wire::Reply ScsiUnit::Run(const wire::Command& command) {
+  wire::Reply reply = Dispatch(command);
+  if (reply.transport == wire::Transport::kOk && reply.status == wire::kStatusGood) {
     // A reason not asked for is gone with the next command that needs none.
     sense_ = {};
   } else {
@@ -68,16 +68,16 @@ Reply ScsiUnit::Run(const Command& command) {
   return reply;
 }
 
-Reply ScsiUnit::Dispatch(const Command& command) {
+wire::Reply ScsiUnit::Dispatch(const wire::Command& command) {
   if (!IsCameraCommand(command.cdb[0])) return OwnCommand(command);
-  Reply reply = camera_(command);
+  wire::Reply reply = camera_(command);
   if (command.cdb[0] == kSelect && reply.Good()) {
-    selection_ = command.cdb[2] >= vsc::select::kBatch ? Selection::kBundle : Selection::kPlain;
+    selection_ = command.cdb[2] >= kelva::select::kBatch ? Selection::kBundle : Selection::kPlain;
   }
   return reply;
 }
 
-Reply ScsiUnit::OwnCommand(const Command& command) {
+wire::Reply ScsiUnit::OwnCommand(const wire::Command& command) {
   switch (command.cdb[0]) {
     case kTestUnitReady:
       return TestReady();
@@ -99,31 +99,31 @@ Reply ScsiUnit::OwnCommand(const Command& command) {
   }
 }
 
-Reply ScsiUnit::TestReady() const {
+wire::Reply ScsiUnit::TestReady() const {
   return selection_ == Selection::kNone ? Refuse(kNoMedium) : Done();
 }
 
-Reply ScsiUnit::TellSense(const Command& command) {
+wire::Reply ScsiUnit::TellSense(const wire::Command& command) {
   const bool descriptors = (command.cdb[1] & 1) != 0;
   if (descriptors) return Refuse(sense::kBadCommandField);
   return AnswerAtMost(command, SenseData(sense_), command.cdb[4]);
 }
 
-Reply ScsiUnit::TellInquiry(const Command& command) const {
+wire::Reply ScsiUnit::TellInquiry(const wire::Command& command) const {
   if (command.cdb[2] != 0) return Refuse(sense::kBadCommandField);
-  return AnswerAtMost(command, Bytes(inquiry_.begin(), inquiry_.end()), Allocated16(command, 3));
+  return AnswerAtMost(command, base::Bytes(inquiry_.begin(), inquiry_.end()), Allocated16(command, 3));
 }
 
 // Vital product data: the list of pages, and the unit serial number.
-Reply ScsiUnit::TellPage(const Command& command) const {
+wire::Reply ScsiUnit::TellPage(const wire::Command& command) const {
   const std::uint8_t page = command.cdb[2];
-  Bytes bytes{inquiry_[0], page, 0, 0};
+  base::Bytes bytes{inquiry_[0], page, 0, 0};
   switch (page) {
     case 0x00:
       bytes.insert(bytes.end(), {0x00, 0x80});
       break;
     case 0x80:
-      AppendText(bytes, std::string_view(serial_).substr(0, 252));
+      base::AppendText(bytes, std::string_view(serial_).substr(0, 252));
       break;
     default:
       return Refuse(sense::kBadCommandField);
@@ -133,32 +133,32 @@ Reply ScsiUnit::TellPage(const Command& command) const {
 }
 
 // The camera has no mode pages; the header alone says that it cannot be written as a disk.
-Reply ScsiUnit::TellModes(const Command& command) const {
+wire::Reply ScsiUnit::TellModes(const wire::Command& command) const {
   if ((command.cdb[2] & kAllPages) != kAllPages) return Refuse(sense::kBadCommandField);
   if (command.cdb[0] == kModeSense6) return AnswerAtMost(command, {3, 0, kWriteProtected, 0}, command.cdb[4]);
   return AnswerAtMost(command, {0, 6, 0, kWriteProtected, 0, 0, 0, 0}, Allocated16(command, 7));
 }
 
-Reply ScsiUnit::TellCapacity(const Command& command) {
+wire::Reply ScsiUnit::TellCapacity(const wire::Command& command) {
   if (selection_ == Selection::kNone) return Refuse(kNoMedium);
-  Reply size = Query(vsc::query::kSelectedSize, 4);
+  wire::Reply size = Query(kelva::query::kSelectedSize, 4);
   if (!size.Good() || size.data.size() != 4) return size;
   const std::uint32_t blocks =
-      Load<std::uint32_t>(size.data, 0) / kBlock + (Load<std::uint32_t>(size.data, 0) % kBlock ? 1 : 0);
+      base::Load<std::uint32_t>(size.data, 0) / kBlock + (base::Load<std::uint32_t>(size.data, 0) % kBlock ? 1 : 0);
   if (blocks == 0) return Refuse(kNoMedium);
-  Bytes bytes(8, 0);
+  base::Bytes bytes(8, 0);
   StoreBig(std::span<std::uint8_t>(bytes), 0, blocks - 1);
   StoreBig(std::span<std::uint8_t>(bytes), 4, kBlock);
   return Answer(command, std::move(bytes));
 }
 
-Reply ScsiUnit::ReadBlocks(const Command& command) {
+wire::Reply ScsiUnit::ReadBlocks(const wire::Command& command) {
   if (selection_ == Selection::kNone) return Refuse(kNoMedium);
   const std::uint64_t offset = std::uint64_t{LoadBig<std::uint32_t>(command.cdb, 2)} * kBlock;
   const std::uint32_t length = Allocated16(command, 7) * kBlock;
   if (offset + length > UINT32_MAX) return Refuse(sense::kOutOfRange);
   if (length == 0) return Done();
-  Reply chunk = ReadChunk(static_cast<std::uint32_t>(offset), length);
+  wire::Reply chunk = ReadChunk(static_cast<std::uint32_t>(offset), length);
   if (!chunk.Good()) return chunk;
   if (chunk.data.size() < length) {
     const std::size_t whole = (chunk.data.size() + kBlock - 1) / kBlock * kBlock;
@@ -168,21 +168,21 @@ Reply ScsiUnit::ReadBlocks(const Command& command) {
   return Answer(command, std::move(chunk.data));
 }
 
-Reply ScsiUnit::Query(std::uint8_t query, std::uint32_t length) {
-  Command command;
+wire::Reply ScsiUnit::Query(std::uint8_t query, std::uint32_t length) {
+  wire::Command command;
   command.cdb[0] = kQuery;
   command.cdb[2] = query;
-  command.direction = Direction::kFromCamera;
+  command.direction = wire::Direction::kFromCamera;
   command.length = length;
   return camera_(command);
 }
 
-Reply ScsiUnit::ReadChunk(std::uint32_t offset, std::uint32_t length) {
-  Command command;
+wire::Reply ScsiUnit::ReadChunk(std::uint32_t offset, std::uint32_t length) {
+  wire::Command command;
   command.cdb[0] = kReadChunk;
-  command.cdb[2] = selection_ == Selection::kBundle ? vsc::read_chunk::kBundle : vsc::read_chunk::kSelected;
-  Store(std::span<std::uint8_t>(command.cdb), 3, offset);
-  command.direction = Direction::kFromCamera;
+  command.cdb[2] = selection_ == Selection::kBundle ? kelva::read_chunk::kBundle : kelva::read_chunk::kSelected;
+  base::Store(std::span<std::uint8_t>(command.cdb), 3, offset);
+  command.direction = wire::Direction::kFromCamera;
   command.length = length;
   return camera_(command);
 }

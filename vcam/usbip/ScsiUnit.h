@@ -6,12 +6,12 @@
 #include <functional>
 #include <string>
 
-#include "vcam/device/Command.h"
+#include "wire/Command.h"
 
 namespace vcam::usbip {
 
 /// Runs a command of the camera's own set, 0xC0 to 0xC6. Called from the thread that serves the cable.
-using Execute = std::function<Reply(const Command&)>;
+using Execute = std::function<wire::Reply(const wire::Command&)>;
 
 /// Whether an operation code belongs to the camera's own set.
 bool IsCameraCommand(std::uint8_t operation);
@@ -29,29 +29,29 @@ class ScsiUnit {
       : inquiry_(inquiry), serial_(std::move(serial)), camera_(std::move(camera)) {}
 
   /// Carries a command out. A refusal is kept for the REQUEST SENSE that follows.
-  Reply Run(const Command& command);
+  wire::Reply Run(const wire::Command& command);
   /// Forgets the reason of the last refusal, as a device does that fails without one.
   void DropSense() { sense_ = {}; }
 
  private:
   enum class Selection : std::uint8_t { kNone, kPlain, kBundle };
 
-  Reply Dispatch(const Command& command);
-  Reply OwnCommand(const Command& command);
-  Reply TestReady() const;
-  Reply TellSense(const Command& command);
-  Reply TellInquiry(const Command& command) const;
-  Reply TellPage(const Command& command) const;
-  Reply TellModes(const Command& command) const;
-  Reply TellCapacity(const Command& command);
-  Reply ReadBlocks(const Command& command);
-  Reply Query(std::uint8_t query, std::uint32_t length);
-  Reply ReadChunk(std::uint32_t offset, std::uint32_t length);
+  wire::Reply Dispatch(const wire::Command& command);
+  wire::Reply OwnCommand(const wire::Command& command);
+  wire::Reply TestReady() const;
+  wire::Reply TellSense(const wire::Command& command);
+  wire::Reply TellInquiry(const wire::Command& command) const;
+  wire::Reply TellPage(const wire::Command& command) const;
+  wire::Reply TellModes(const wire::Command& command) const;
+  wire::Reply TellCapacity(const wire::Command& command);
+  wire::Reply ReadBlocks(const wire::Command& command);
+  wire::Reply Query(std::uint8_t query, std::uint32_t length);
+  wire::Reply ReadChunk(std::uint32_t offset, std::uint32_t length);
 
   Inquiry inquiry_;
   std::string serial_;
   Execute camera_;
-  Sense sense_{};
+  wire::Sense sense_{};
   Selection selection_ = Selection::kNone;
 };
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
 
 namespace vcam::usbip {
 namespace {
@@ -19,31 +19,31 @@ constexpr ScsiUnit::Inquiry kInquiryData{3,   0x80, 4,   2,   31,  0,   0,   0, 
 // A camera that answers from a script and notes what it was asked.
 class ScsiUnitTest : public ::testing::Test {
  protected:
-  static Command From(std::array<std::uint8_t, 16> cdb, std::uint32_t length) {
-    return {cdb, length == 0 ? Direction::kNone : Direction::kFromCamera, length, {}};
+  static wire::Command From(std::array<std::uint8_t, 16> cdb, std::uint32_t length) {
+    return {cdb, length == 0 ? wire::Direction::kNone : wire::Direction::kFromCamera, length, {}};
   }
-  static Reply With(Bytes data) {
-    Reply reply;
+  static wire::Reply With(base::Bytes data) {
+    wire::Reply reply;
     reply.moved = static_cast<std::uint32_t>(data.size());
     reply.data = std::move(data);
     return reply;
   }
-  Reply Ask(std::array<std::uint8_t, 16> cdb, std::uint32_t length) { return unit_.Run(From(cdb, length)); }
-  Bytes LastSense() { return Ask({0x03, 0, 0, 0, 18}, 18).data; }
+  wire::Reply Ask(std::array<std::uint8_t, 16> cdb, std::uint32_t length) { return unit_.Run(From(cdb, length)); }
+  base::Bytes LastSense() { return Ask({0x03, 0, 0, 0, 18}, 18).data; }
   void Select(std::uint8_t what) {
-    next_ = Reply{};
+    next_ = wire::Reply{};
     Ask({0xC2, 0, what}, 0);
   }
-  void ExpectRefused(const Reply& reply, Sense sense) {
-    EXPECT_EQ(reply.status, kStatusCheckCondition);
+  void ExpectRefused(const wire::Reply& reply, wire::Sense sense) {
+    EXPECT_EQ(reply.status, wire::kStatusCheckCondition);
     EXPECT_EQ(reply.sense, sense);
     EXPECT_THAT(LastSense(),
                 ElementsAre(0x70, 0, sense.key, 0, 0, 0, 0, 10, 0, 0, 0, 0, sense.asc, sense.ascq, 0, 0, 0, 0));
   }
 
-  std::vector<Command> asked_;
-  Reply next_;
-  ScsiUnit unit_{kInquiryData, "A7", [this](const Command& command) {
+  std::vector<wire::Command> asked_;
+  wire::Reply next_;
+  ScsiUnit unit_{kInquiryData, "A7", [this](const wire::Command& command) {
                    asked_.push_back(command);
                    return next_;
                  }};
@@ -106,7 +106,7 @@ TEST_F(ScsiUnitTest, PassesTheCamerasOwnCommandsOnUnchanged) {
 }
 
 TEST_F(ScsiUnitTest, KeepsTheCamerasReasonForARefusal) {
-  next_ = Reply{Transport::kOk, kStatusCheckCondition, {3, 0x11, 0}, {}, 0, {}};
+  next_ = wire::Reply{wire::Transport::kOk, wire::kStatusCheckCondition, {3, 0x11, 0}, {}, 0, {}};
   ExpectRefused(Ask({0xC4, 0, 1}, 16), {3, 0x11, 0});
 }
 
@@ -124,15 +124,15 @@ TEST_F(ScsiUnitTest, AnEmptyDataSetIsNoMedium) {
 
 TEST_F(ScsiUnitTest, ReadsBlocksAsChunksOfTheSelectedData) {
   Select(0x01);
-  next_ = With(Bytes(1024, 0x55));
-  EXPECT_EQ(Ask({0x28, 0, 0, 0, 0, 3, 0, 0, 2}, 1024).data, Bytes(1024, 0x55));
+  next_ = With(base::Bytes(1024, 0x55));
+  EXPECT_EQ(Ask({0x28, 0, 0, 0, 0, 3, 0, 0, 2}, 1024).data, base::Bytes(1024, 0x55));
   EXPECT_THAT(asked_.back().cdb, ElementsAre(0xC4, 0, 1, 0x00, 0x06, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
   EXPECT_EQ(asked_.back().length, 1024U);
 }
 
 TEST_F(ScsiUnitTest, ReadsBundlesWithTheirOwnSubCode) {
   Select(0x05);
-  next_ = With(Bytes(512, 1));
+  next_ = With(base::Bytes(512, 1));
   Ask({0x28, 0, 0, 0, 0, 0, 0, 0, 1}, 512);
   EXPECT_EQ(asked_.back().cdb[2], 0x00);
 }
@@ -140,7 +140,7 @@ TEST_F(ScsiUnitTest, ReadsBundlesWithTheirOwnSubCode) {
 TEST_F(ScsiUnitTest, FillsTheLastBlockUpWithZeros) {
   Select(0x01);
   next_ = With({7});
-  Bytes expected(512, 0);
+  base::Bytes expected(512, 0);
   expected[0] = 7;
   EXPECT_EQ(Ask({0x28, 0, 0, 0, 0, 0, 0, 0, 1}, 512).data, expected);
 }

@@ -28,30 +28,30 @@ sockaddr* Generic(sockaddr_in& address) {
   return reinterpret_cast<sockaddr*>(&address);
 }
 
-FileDescriptor Listen(std::uint16_t port) {
-  FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+base::FileDescriptor Listen(std::uint16_t port) {
+  base::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   const int yes = 1;
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(port);
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   if (!socket) Fail("Cannot make a socket");
-  ::setsockopt(socket.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
-  if (::bind(socket.get(), Generic(address), sizeof(address)) != 0 || ::listen(socket.get(), kBacklog) != 0) {
+  ::setsockopt(socket.Get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+  if (::bind(socket.Get(), Generic(address), sizeof(address)) != 0 || ::listen(socket.Get(), kBacklog) != 0) {
     Fail("Cannot listen on port " + std::to_string(port) + " of loopback; choose another one with --port");
   }
   return socket;
 }
 
-std::uint16_t PortOf(const FileDescriptor& socket) {
+std::uint16_t PortOf(const base::FileDescriptor& socket) {
   sockaddr_in address{};
   socklen_t size = sizeof(address);
-  if (::getsockname(socket.get(), Generic(address), &size) != 0) Fail("Cannot tell the port of a socket");
+  if (::getsockname(socket.Get(), Generic(address), &size) != 0) Fail("Cannot tell the port of a socket");
   return ntohs(address.sin_port);
 }
 
-void SetReceiveTime(const FileDescriptor& socket, const timeval& time) {
-  ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time));
+void SetReceiveTime(const base::FileDescriptor& socket, const timeval& time) {
+  ::setsockopt(socket.Get(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time));
 }
 
 }  // namespace
@@ -70,12 +70,12 @@ Server::~Server() {
 }
 
 void Server::Run(int stop) {
-  std::array<pollfd, 3> waits{pollfd{stop, POLLIN, 0}, {listener_.get(), POLLIN, 0}, {gone_.get(), POLLIN, 0}};
+  std::array<pollfd, 3> waits{pollfd{stop, POLLIN, 0}, {listener_.Get(), POLLIN, 0}, {gone_.Get(), POLLIN, 0}};
   while (true) {
     if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) Fail("Cannot wait for hosts");
     if (waits[0].revents != 0 || waits[2].revents != 0) break;
     if (waits[1].revents == 0) continue;
-    FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    base::FileDescriptor socket(::accept4(listener_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!socket) continue;
     try {
       Greet(std::move(socket));
@@ -86,15 +86,15 @@ void Server::Run(int stop) {
   EndHost();
 }
 
-void Server::Greet(FileDescriptor socket) {
+void Server::Greet(base::FileDescriptor socket) {
   const int yes = 1;
-  ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof(yes));
+  ::setsockopt(socket.Get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof(yes));
   SetReceiveTime(socket, kHandshakeTime);
   std::array<std::uint8_t, kRequestSize> head;
-  if (!ReceiveAll(socket.get(), head)) return;
+  if (!ReceiveAll(socket.Get(), head)) return;
   switch (DecodeRequest(head)) {
     case Request::kListDevices:
-      SendAll(socket.get(), EncodeDeviceList(offer_), {});
+      SendAll(socket.Get(), EncodeDeviceList(offer_), {});
       return;
     case Request::kImportDevice:
       Import(std::move(socket));
@@ -102,16 +102,16 @@ void Server::Greet(FileDescriptor socket) {
   }
 }
 
-void Server::Import(FileDescriptor socket) {
+void Server::Import(base::FileDescriptor socket) {
   std::array<std::uint8_t, kBusIdSize> field;
-  if (!ReceiveAll(socket.get(), field)) return;
+  if (!ReceiveAll(socket.Get(), field)) return;
   const bool exists = DecodeBusId(field) == offer_.busId;
   const Outcome outcome = !exists ? Outcome::kNoDevice : HostAttached() ? Outcome::kBusy : Outcome::kOk;
   SetReceiveTime(socket, kNoTimeout);
-  if (SendAll(socket.get(), EncodeImport(outcome, offer_), {}) && outcome == Outcome::kOk) Attach(std::move(socket));
+  if (SendAll(socket.Get(), EncodeImport(outcome, offer_), {}) && outcome == Outcome::kOk) Attach(std::move(socket));
 }
 
-void Server::Attach(FileDescriptor socket) {
+void Server::Attach(base::FileDescriptor socket) {
   EndHost();
   {
     const std::lock_guard lock(mutex_);
@@ -130,7 +130,7 @@ void Server::Attach(FileDescriptor socket) {
     session->Pull();
     const std::lock_guard ending(mutex_);
     session_ = nullptr;
-    if (camera->Unplugged(Clock::now())) ::eventfd_write(gone_.get(), 1);
+    if (camera->Unplugged(Clock::now())) ::eventfd_write(gone_.Get(), 1);
   });
 }
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <thread>
 
-#include "vcam/device/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 #include "vcam/usbip/Handshake.h"
 #include "vcam/usbip/Session.h"
 
@@ -31,22 +31,22 @@ class Server {
   void Run(int stop);
 
  private:
-  void Greet(FileDescriptor socket);
-  void Import(FileDescriptor socket);
-  void Attach(FileDescriptor socket);
+  void Greet(base::FileDescriptor socket);
+  void Import(base::FileDescriptor socket);
+  void Attach(base::FileDescriptor socket);
   void EndHost();
   bool HostAttached();
 
   Offer offer_;
   CameraModel model_;
-  FileDescriptor listener_;
+  base::FileDescriptor listener_;
   std::uint16_t port_ = 0;
   std::thread host_;
   std::mutex mutex_;
   /// The session of the attached host, while it lasts.
   Session* session_ = nullptr;
   /// Readable once a host has gone that saw the camera vanish.
-  FileDescriptor gone_;
+  base::FileDescriptor gone_;
 };
 
 }  // namespace vcam::usbip

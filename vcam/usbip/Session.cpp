@@ -32,7 +32,7 @@ void Session::Run() {
 }
 
 void Session::Pull() {
-  ::shutdown(socket_.get(), SHUT_RDWR);
+  ::shutdown(socket_.Get(), SHUT_RDWR);
 }
 
 bool Session::AnswerAll() {
@@ -45,27 +45,27 @@ bool Session::AnswerAll() {
 bool Session::Answer(const Finished& finished) {
   const Taken& result = finished.result;
   const Header header = EncodeSubmitted(finished.sequence, result.status, result.actual);
-  return SendAll(socket_.get(), header, result.data) && !result.unplug;
+  return SendAll(socket_.Get(), header, result.data) && !result.unplug;
 }
 
 void Session::Wait() const {
   const auto now = Clock::now();
   const auto until = camera_.WaitsUntil(now);
-  pollfd readable{socket_.get(), POLLIN, 0};
+  pollfd readable{socket_.Get(), POLLIN, 0};
   ::poll(&readable, 1, until ? MillisecondsFrom(now, *until) : kForever);
 }
 
 // Takes what has arrived, which may be nothing.
 bool Session::Receive() {
   std::array<std::uint8_t, kReceiveSize> buffer;
-  const ssize_t count = ::recv(socket_.get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
+  const ssize_t count = ::recv(socket_.Get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
   if (count < 0) return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
   if (count == 0) return false;
   reader_.Feed(std::span(buffer).first(static_cast<std::size_t>(count)));
   while (auto message = reader_.Next()) {
     if (const auto* unlink = std::get_if<Unlink>(&*message)) {
       const bool pending = camera_.Unlink(unlink->target);
-      if (!SendAll(socket_.get(), EncodeUnlinked(unlink->sequence, pending ? kUrbUnlinked : kUrbOk), {})) return false;
+      if (!SendAll(socket_.Get(), EncodeUnlinked(unlink->sequence, pending ? kUrbUnlinked : kUrbOk), {})) return false;
     } else {
       camera_.Submit(std::move(std::get<usbip::Submit>(*message)), Clock::now());
       if (!AnswerAll()) return false;

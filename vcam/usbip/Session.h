@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "vcam/device/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 #include "vcam/usbip/UsbCamera.h"
 #include "vcam/usbip/Wire.h"
 
@@ -13,7 +13,7 @@ namespace vcam::usbip {
 class Session {
  public:
   /// `socket` is connected and past any handshake; `device` is the number that the host was told. `camera` is borrowed.
-  Session(FileDescriptor socket, std::uint32_t device, UsbCamera& camera)
+  Session(base::FileDescriptor socket, std::uint32_t device, UsbCamera& camera)
       : socket_(std::move(socket)), reader_(device), camera_(camera) {}
 
   /// Serves until the host lets go, the camera goes, or Pull is called; then the cable is out. Throws ProtocolError when
@@ -29,7 +29,7 @@ class Session {
   bool Receive();
   void Wait() const;
 
-  FileDescriptor socket_;
+  base::FileDescriptor socket_;
   MessageReader reader_;
   UsbCamera& camera_;
 };

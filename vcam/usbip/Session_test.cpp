@@ -18,8 +18,8 @@ using ::testing::ElementsAre;
 constexpr std::uint32_t kDevice = 0x00010002;
 
 // The host's messages, as a kernel writes them.
-Bytes Message(std::uint8_t command, std::uint8_t sequence, bool in, std::uint8_t endpoint, std::uint8_t length) {
-  Bytes bytes(48, 0);
+base::Bytes Message(std::uint8_t command, std::uint8_t sequence, bool in, std::uint8_t endpoint, std::uint8_t length) {
+  base::Bytes bytes(48, 0);
   bytes[3] = command;
   bytes[7] = sequence;
   bytes[9] = 1;
@@ -30,11 +30,11 @@ Bytes Message(std::uint8_t command, std::uint8_t sequence, bool in, std::uint8_t
   return bytes;
 }
 
-Bytes AskFour() {
+base::Bytes AskFour() {
   return {'U', 'S', 'B', 'C', 1, 0, 0, 0, 4, 0, 0, 0, 0x80, 0, 16, 0xC6, 0, 4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 }
 
-Bytes Range(const Bytes& bytes, std::size_t begin, std::size_t size) {
+base::Bytes Range(const base::Bytes& bytes, std::size_t begin, std::size_t size) {
   if (bytes.size() < begin + size) return {};
   const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(begin);
   return {first, first + static_cast<std::ptrdiff_t>(size)};
@@ -45,8 +45,8 @@ class SessionTest : public ::testing::Test {
   void SetUp() override {
     std::array<int, 2> ends{};
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
-    host_ = FileDescriptor(ends[0]);
-    session_ = std::make_unique<Session>(FileDescriptor(ends[1]), kDevice, camera_);
+    host_ = base::FileDescriptor(ends[0]);
+    session_ = std::make_unique<Session>(base::FileDescriptor(ends[1]), kDevice, camera_);
   }
   void TearDown() override {
     host_.Reset();
@@ -62,23 +62,25 @@ class SessionTest : public ::testing::Test {
       session_->Pull();
     });
   }
-  void Send(const Bytes& message, const Bytes& body = {}) { ASSERT_TRUE(SendAll(host_.get(), message, body)); }
-  Bytes Receive(std::size_t size) {
-    Bytes bytes(size);
-    return ReceiveAll(host_.get(), bytes) ? bytes : Bytes{};
+  void Send(const base::Bytes& message, const base::Bytes& body = {}) {
+    ASSERT_TRUE(SendAll(host_.Get(), message, body));
+  }
+  base::Bytes Receive(std::size_t size) {
+    base::Bytes bytes(size);
+    return ReceiveAll(host_.Get(), bytes) ? bytes : base::Bytes{};
   }
   bool HasEnded() { return Receive(1).empty(); }
   void Configure() {
-    Bytes configure = Message(1, 1, false, 0, 0);
+    base::Bytes configure = Message(1, 1, false, 0, 0);
     configure[41] = 9;
     configure[42] = 1;
     Send(configure);
     ASSERT_EQ(Receive(48).size(), 48U);
   }
 
-  Reply reply_{Transport::kOk, kStatusGood, {}, {1, 2, 3, 4}, 4, {}};
-  UsbCamera camera_{{{"Kelva", "Camera", "A7", Speed::kHigh}, {}, [this](const Command&) { return reply_; }, {}}};
-  FileDescriptor host_;
+  wire::Reply reply_{wire::Transport::kOk, wire::kStatusGood, {}, {1, 2, 3, 4}, 4, {}};
+  UsbCamera camera_{{{"Kelva", "Camera", "A7", Speed::kHigh}, {}, [this](const wire::Command&) { return reply_; }, {}}};
+  base::FileDescriptor host_;
   std::unique_ptr<Session> session_;
   std::thread server_;
   bool refused_ = false;
@@ -90,7 +92,7 @@ TEST_F(SessionTest, CarriesACommandFromWrapperToStatus) {
   Send(Message(1, 2, false, 2, 31), AskFour());
   EXPECT_THAT(Range(Receive(48), 0, 8), ElementsAre(0, 0, 0, 3, 0, 0, 0, 2));
   Send(Message(1, 3, true, 1, 4));
-  const Bytes data = Receive(52);
+  const base::Bytes data = Receive(52);
   ASSERT_EQ(data.size(), 52U);
   EXPECT_THAT(std::span(data).last(4), ElementsAre(1, 2, 3, 4));
   Send(Message(1, 4, true, 1, 13));
@@ -101,7 +103,7 @@ TEST_F(SessionTest, GivesTransfersBackThatTheHostNoLongerWants) {
   Serve();
   Configure();
   Send(Message(1, 2, true, 1, 13));
-  Bytes unlink = Message(2, 3, false, 0, 0);
+  base::Bytes unlink = Message(2, 3, false, 0, 0);
   unlink[23] = 2;
   Send(unlink);
   EXPECT_THAT(Range(Receive(48), 0, 24),
@@ -122,13 +124,13 @@ TEST_F(SessionTest, AnswersASlowCommandInItsOwnTime) {
 }
 
 TEST_F(SessionTest, PullsTheCableInTheMiddleOfATransfer) {
-  reply_.transport = Transport::kGone;
+  reply_.transport = wire::Transport::kGone;
   Serve();
   Configure();
   Send(Message(1, 2, false, 2, 31), AskFour());
   Receive(48);
   Send(Message(1, 3, true, 1, 64));
-  const Bytes part = Receive(52);
+  const base::Bytes part = Receive(52);
   ASSERT_EQ(part.size(), 52U);
   EXPECT_EQ(part[27], 64);
   EXPECT_TRUE(HasEnded());

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "vcam/device/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace vcam::usbip {
 namespace {
@@ -17,11 +17,11 @@ class SocketIoTest : public ::testing::Test {
   SocketIoTest() {
     std::array<int, 2> ends{};
     EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
-    near_ = FileDescriptor(ends[0]);
-    far_ = FileDescriptor(ends[1]);
+    near_ = base::FileDescriptor(ends[0]);
+    far_ = base::FileDescriptor(ends[1]);
   }
-  FileDescriptor near_;
-  FileDescriptor far_;
+  base::FileDescriptor near_;
+  base::FileDescriptor far_;
 };
 
 TEST_F(SocketIoTest, SendsMoreThanTheSocketHoldsAtOnce) {
@@ -29,8 +29,8 @@ TEST_F(SocketIoTest, SendsMoreThanTheSocketHoldsAtOnce) {
   const std::vector<std::uint8_t> body(3U << 20, 2);
   std::vector<std::uint8_t> received(head.size() + body.size());
   bool whole = false;
-  std::thread peer([&] { whole = ReceiveAll(far_.get(), received); });
-  EXPECT_TRUE(SendAll(near_.get(), head, body));
+  std::thread peer([&] { whole = ReceiveAll(far_.Get(), received); });
+  EXPECT_TRUE(SendAll(near_.Get(), head, body));
   peer.join();
   EXPECT_TRUE(whole);
   EXPECT_EQ(received[47], 1);
@@ -41,8 +41,8 @@ TEST_F(SocketIoTest, SendsMoreThanTheSocketHoldsAtOnce) {
 TEST_F(SocketIoTest, TellsThatThePeerHasGone) {
   far_.Reset();
   std::vector<std::uint8_t> bytes(4);
-  EXPECT_FALSE(SendAll(near_.get(), bytes, {}));
-  EXPECT_FALSE(ReceiveAll(near_.get(), bytes));
+  EXPECT_FALSE(SendAll(near_.Get(), bytes, {}));
+  EXPECT_FALSE(ReceiveAll(near_.Get(), bytes));
 }
 
 }  // namespace

@@ -20,13 +20,13 @@ Submit In(std::uint32_t sequence, std::uint32_t length, std::uint8_t endpoint = 
   return {sequence, endpoint, true, length, {}, {}};
 }
 
-Submit Out(std::uint32_t sequence, Bytes data, std::uint8_t endpoint = 2) {
+Submit Out(std::uint32_t sequence, base::Bytes data, std::uint8_t endpoint = 2) {
   const auto length = static_cast<std::uint32_t>(data.size());
   return {sequence, endpoint, false, length, {}, std::move(data)};
 }
 
 // A command of the camera that reads four bytes.
-Bytes AskFour() {
+base::Bytes AskFour() {
   return {'U', 'S', 'B', 'C', 1, 0, 0, 0, 4, 0, 0, 0, 0x80, 0, 16, 0xC6, 0, 4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 }
 
@@ -37,8 +37,8 @@ class UsbCameraTest : public ::testing::Test {
     EXPECT_EQ(camera_.Next(kNow)->result.status, kUrbOk);
   }
 
-  Reply reply_{Transport::kOk, kStatusGood, {}, {1, 0, 0, 0}, 4, {}};
-  UsbCamera camera_{{{"Kelva", "Camera", "A7", Speed::kHigh}, {}, [this](const Command&) { return reply_; }, {}}};
+  wire::Reply reply_{wire::Transport::kOk, wire::kStatusGood, {}, {1, 0, 0, 0}, 4, {}};
+  UsbCamera camera_{{{"Kelva", "Camera", "A7", Speed::kHigh}, {}, [this](const wire::Command&) { return reply_; }, {}}};
 };
 
 TEST_F(UsbCameraTest, AnswersControlRequestsAtOnce) {
@@ -106,12 +106,12 @@ TEST_F(UsbCameraTest, RefusesAHeapOfPendingTransfers) {
 
 TEST_F(UsbCameraTest, ResetRequestEndsASilentCommand) {
   Configure();
-  reply_.transport = Transport::kHang;
+  reply_.transport = wire::Transport::kHang;
   camera_.Submit(Out(5, AskFour()), kNow);
   camera_.Next(kNow);
   camera_.Submit(Control(6, {0x21, 0xFF, 0, 0, 0, 0, 0, 0}, 0), kNow);
   EXPECT_EQ(camera_.Next(kNow)->result.status, kUrbOk);
-  reply_.transport = Transport::kOk;
+  reply_.transport = wire::Transport::kOk;
   camera_.Submit(Out(7, AskFour()), kNow);
   EXPECT_EQ(camera_.Next(kNow)->result.status, kUrbOk);
 }

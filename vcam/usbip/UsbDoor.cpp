@@ -7,7 +7,7 @@ CameraModel ModelOf(VirtualCamera& camera, WireFaults& faults, Speed speed) {
   CameraModel model;
   model.identity = {options.vendor, options.product, options.serial, speed};
   model.inquiry = camera.InquiryData();
-  model.execute = [&camera](const Command& command) { return camera.Execute(command); };
+  model.execute = [&camera](const wire::Command& command) { return camera.Execute(command); };
   model.faults = [&faults] { return faults.Next(); };
   return model;
 }

@@ -1,7 +1,7 @@
 #ifndef KELVA_VCAM_USBIP_USB_DOOR_H_
 #define KELVA_VCAM_USBIP_USB_DOOR_H_
 
-#include "vcam/device/VirtualCamera.h"
+#include "vcam/camera/VirtualCamera.h"
 #include "vcam/usbip/UsbCamera.h"
 #include "vcam/usbip/WireFaults.h"
 

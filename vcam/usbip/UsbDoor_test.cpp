@@ -33,14 +33,14 @@ TEST_F(UsbDoorTest, CommandsReachTheCameraAndCountAsItsOwn) {
   const CameraModel model = ModelOf(camera, faults, Speed::kSuper);
   EXPECT_EQ(model.identity.serial, "A7");
   EXPECT_EQ(std::string(model.inquiry.begin() + 32, model.inquiry.end()), "2.17");
-  Command ready;
+  wire::Command ready;
   ready.cdb[0] = 0xC6;
   ready.cdb[2] = 0x04;
-  ready.direction = Direction::kFromCamera;
+  ready.direction = wire::Direction::kFromCamera;
   ready.length = 4;
   EXPECT_THAT(model.execute(ready).data, SizeIs(4));
   camera.Unplug();
-  EXPECT_EQ(model.execute(ready).transport, Transport::kGone);
+  EXPECT_EQ(model.execute(ready).transport, wire::Transport::kGone);
 }
 
 TEST_F(UsbDoorTest, FaultsOfTheCableAreAskedForOncePerCommand) {

@@ -43,11 +43,11 @@ std::string ReadTable(const std::filesystem::path& controller) {
 
 // The kernel takes the order in one write, and answers in its errno. False when the port was taken in the meantime.
 bool Write(const std::filesystem::path& attribute, const std::string& order) {
-  const FileDescriptor file(::open(attribute.c_str(), O_WRONLY | O_CLOEXEC));
+  const base::FileDescriptor file(::open(attribute.c_str(), O_WRONLY | O_CLOEXEC));
   if (!file) {
     Fail("Cannot open " + attribute.string() + " (" + std::strerror(errno) + "): plugging a camera in needs root.");
   }
-  if (::write(file.get(), order.data(), order.size()) == static_cast<ssize_t>(order.size())) return true;
+  if (::write(file.Get(), order.data(), order.size()) == static_cast<ssize_t>(order.size())) return true;
   if (errno == EBUSY) return false;
   Fail("The kernel did not take the virtual camera (" + std::string(std::strerror(errno)) +
        "); its log (dmesg) says why.");
@@ -68,14 +68,14 @@ std::filesystem::path DefaultController() {
   return "/sys/devices/platform/vhci_hcd.0";
 }
 
-FileDescriptor PlugIntoController(const std::filesystem::path& controller, std::uint32_t device, Speed speed) {
+base::FileDescriptor PlugIntoController(const std::filesystem::path& controller, std::uint32_t device, Speed speed) {
   std::array<int, 2> ends{};
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
     Fail("Cannot make a socket pair: " + std::string(std::strerror(errno)) + ".");
   }
-  FileDescriptor near(ends[0]);
-  const FileDescriptor far(ends[1]);
-  const std::string rest = " " + std::to_string(far.get()) + " " + std::to_string(device) + " " +
+  base::FileDescriptor near(ends[0]);
+  const base::FileDescriptor far(ends[1]);
+  const std::string rest = " " + std::to_string(far.Get()) + " " + std::to_string(device) + " " +
                            std::to_string(static_cast<unsigned>(speed));
   // Others plug in as well: a port that was free a moment ago may be taken.
   for (int attempt = 0; attempt < kAttempts; ++attempt) {

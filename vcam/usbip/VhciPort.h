@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "vcam/device/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 #include "vcam/usbip/Handshake.h"
 
 // The near end of this machine's own virtual USB host controller (module vhci_hcd).
@@ -21,7 +21,7 @@ std::optional<unsigned> FreePort(std::string_view table, Speed speed);
 /// Plugs a device into this machine: gives one end of a socket pair to the controller found below `controller` (normally
 /// DefaultController()) and hands the other one, which is for a Session, back. Needs root. Throws std::runtime_error with
 /// one sentence that says what is missing. The device is unplugged by closing that end.
-FileDescriptor PlugIntoController(const std::filesystem::path& controller, std::uint32_t device, Speed speed);
+base::FileDescriptor PlugIntoController(const std::filesystem::path& controller, std::uint32_t device, Speed speed);
 
 /// The directory of the kernel's first virtual controller.
 std::filesystem::path DefaultController();

@@ -50,7 +50,7 @@ class PlugTest : public ::testing::Test {
 TEST_F(PlugTest, OrdersPortSocketDeviceAndSpeed) {
   std::ofstream(folder_ / "status") << kTable;
   std::ofstream(folder_ / "attach") << "";
-  const FileDescriptor end = PlugIntoController(folder_, 0x00010002, Speed::kSuper);
+  const base::FileDescriptor end = PlugIntoController(folder_, 0x00010002, Speed::kSuper);
   std::ifstream order(folder_ / "attach");
   unsigned port = 0;
   unsigned socket = 0;

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <variant>
 
-#include "vcam/device/Bytes.h"
+#include "base/Bytes.h"
 
 // The messages that travel between the host's kernel and a device that it has attached over USB/IP: a header of 48 bytes,
 // big-endian, and the bytes of a transfer. Everything received is refused unless it is exactly what a kernel sends.
@@ -38,7 +38,7 @@ struct Submit {
   std::uint32_t length = 0;
   std::array<std::uint8_t, 8> setup{};
   /// The bytes of a transfer to the device; `length` of them.
-  Bytes data{};
+  base::Bytes data{};
 };
 
 /// The host takes a transfer back.
@@ -61,7 +61,7 @@ class MessageReader {
 
  private:
   std::uint32_t device_;
-  Bytes pending_{};
+  base::Bytes pending_{};
   std::size_t taken_ = 0;
 };
 

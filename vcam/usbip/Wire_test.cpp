@@ -13,19 +13,19 @@ using ::testing::ElementsAre;
 constexpr std::uint32_t kDevice = 0x00010002;
 
 // A transfer of 18 bytes from the device over endpoint 0: the kernel's question for the device descriptor.
-Bytes AskDescriptor() {
+base::Bytes AskDescriptor() {
   return {0, 0, 0, 1,  0, 0, 0, 9, 0, 1, 0, 2, 0, 0, 0, 1, 0,    0, 0, 0, 0, 0, 2,  0,
           0, 0, 0, 18, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80, 6, 0, 1, 0, 0, 18, 0};
 }
 
 // A transfer of three bytes to the device over endpoint 2.
-Bytes SendThree() {
+base::Bytes SendThree() {
   return {0, 0, 0, 1, 0, 0, 0,    10,   0,    1,    0, 2, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0,
           0, 3, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 7, 8, 9};
 }
 
-Bytes TakeBack() {
-  Bytes bytes(48, 0);
+base::Bytes TakeBack() {
+  base::Bytes bytes(48, 0);
   bytes[3] = 2;
   bytes[7] = 11;
   bytes[9] = 1;
@@ -34,7 +34,7 @@ Bytes TakeBack() {
   return bytes;
 }
 
-void ExpectRefused(Bytes bytes) {
+void ExpectRefused(base::Bytes bytes) {
   MessageReader reader(kDevice);
   reader.Feed(bytes);
   EXPECT_THROW(reader.Next(), ProtocolError);
@@ -57,7 +57,7 @@ TEST(MessageReader, ReadsATransferFromTheDevice) {
 
 TEST(MessageReader, WaitsForEveryByteOfATransferToTheDevice) {
   MessageReader reader(kDevice);
-  const Bytes whole = SendThree();
+  const base::Bytes whole = SendThree();
   for (std::size_t i = 0; i + 1 < whole.size(); ++i) {
     reader.Feed(std::span(whole).subspan(i, 1));
     ASSERT_FALSE(reader.Next().has_value()) << "after byte " << i;
@@ -69,8 +69,8 @@ TEST(MessageReader, WaitsForEveryByteOfATransferToTheDevice) {
 }
 
 TEST(MessageReader, ReadsSeveralMessagesOfOneArrival) {
-  Bytes both = SendThree();
-  const Bytes second = TakeBack();
+  base::Bytes both = SendThree();
+  const base::Bytes second = TakeBack();
   both.insert(both.end(), second.begin(), second.end());
   MessageReader reader(kDevice);
   reader.Feed(both);
@@ -81,37 +81,37 @@ TEST(MessageReader, ReadsSeveralMessagesOfOneArrival) {
 }
 
 TEST(MessageReader, RefusesAnUnknownCommand) {
-  Bytes bytes = AskDescriptor();
+  base::Bytes bytes = AskDescriptor();
   bytes[3] = 3;
   ExpectRefused(bytes);
 }
 
 TEST(MessageReader, RefusesAnotherDevicesNumber) {
-  Bytes bytes = AskDescriptor();
+  base::Bytes bytes = AskDescriptor();
   bytes[11] = 3;
   ExpectRefused(bytes);
 }
 
 TEST(MessageReader, RefusesADirectionThatIsNeitherInNorOut) {
-  Bytes bytes = AskDescriptor();
+  base::Bytes bytes = AskDescriptor();
   bytes[15] = 2;
   ExpectRefused(bytes);
 }
 
 TEST(MessageReader, RefusesAnEndpointAbove15) {
-  Bytes bytes = AskDescriptor();
+  base::Bytes bytes = AskDescriptor();
   bytes[19] = 16;
   ExpectRefused(bytes);
 }
 
 TEST(MessageReader, RefusesALengthThatItWouldHaveToWaitForAndStore) {
-  Bytes bytes = SendThree();
+  base::Bytes bytes = SendThree();
   bytes[24] = 0x7F;
   ExpectRefused(bytes);
 }
 
 TEST(MessageReader, RefusesIsochronousPackets) {
-  Bytes bytes = AskDescriptor();
+  base::Bytes bytes = AskDescriptor();
   bytes[35] = 1;
   ExpectRefused(bytes);
 }

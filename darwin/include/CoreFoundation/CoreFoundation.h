@@ -1,5 +1,5 @@
-#ifndef KELVA_DARWIN_COREFOUNDATION_H_
-#define KELVA_DARWIN_COREFOUNDATION_H_
+#ifndef KELVA_DARWIN_INCLUDE_CORE_FOUNDATION_CORE_FOUNDATION_H_
+#define KELVA_DARWIN_INCLUDE_CORE_FOUNDATION_CORE_FOUNDATION_H_
 
 // The part of CoreFoundation that this project uses, with the framework's own signatures and meaning. What is not here is
 // not there, so the linker says so.
@@ -128,4 +128,4 @@ void CFRunLoopStop(CFRunLoopRef rl);
 }
 #endif
 
-#endif  // KELVA_DARWIN_COREFOUNDATION_H_
+#endif  // KELVA_DARWIN_INCLUDE_CORE_FOUNDATION_CORE_FOUNDATION_H_

@@ -1,5 +1,5 @@
-#ifndef KELVA_DARWIN_IOKITKEYS_H_
-#define KELVA_DARWIN_IOKITKEYS_H_
+#ifndef KELVA_DARWIN_INCLUDE_IO_KIT_IO_KIT_KEYS_H_
+#define KELVA_DARWIN_INCLUDE_IO_KIT_IO_KIT_KEYS_H_
 
 #define kIOServicePlane "IOService"
 #define kIOClassKey "IOClass"
@@ -8,4 +8,4 @@
 #define kIOFirstMatchNotification "IOServiceFirstMatch"
 #define kIOGeneralInterest "IOGeneralInterest"
 
-#endif  // KELVA_DARWIN_IOKITKEYS_H_
+#endif  // KELVA_DARWIN_INCLUDE_IO_KIT_IO_KIT_KEYS_H_

@@ -1,5 +1,5 @@
-#ifndef KELVA_DARWIN_IOKITLIB_H_
-#define KELVA_DARWIN_IOKITLIB_H_
+#ifndef KELVA_DARWIN_INCLUDE_IO_KIT_IO_KIT_LIB_H_
+#define KELVA_DARWIN_INCLUDE_IO_KIT_IO_KIT_LIB_H_
 
 // The part of IOKit's user-space library that this project uses, with the framework's own signatures and meaning.
 
@@ -72,4 +72,4 @@ kern_return_t IOConnectCallStructMethod(mach_port_t connection, uint32_t selecto
 }
 #endif
 
-#endif  // KELVA_DARWIN_IOKITLIB_H_
+#endif  // KELVA_DARWIN_INCLUDE_IO_KIT_IO_KIT_LIB_H_

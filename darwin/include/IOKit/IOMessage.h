@@ -1,5 +1,5 @@
-#ifndef KELVA_DARWIN_IOMESSAGE_H_
-#define KELVA_DARWIN_IOMESSAGE_H_
+#ifndef KELVA_DARWIN_INCLUDE_IO_KIT_IO_MESSAGE_H_
+#define KELVA_DARWIN_INCLUDE_IO_KIT_IO_MESSAGE_H_
 
 #include "IOReturn.h"
 
@@ -13,4 +13,4 @@
 #define kIOMessageServiceWasClosed iokit_common_msg(0x110)
 #define kIOMessageServicePropertyChange iokit_common_msg(0x130)
 
-#endif  // KELVA_DARWIN_IOMESSAGE_H_
+#endif  // KELVA_DARWIN_INCLUDE_IO_KIT_IO_MESSAGE_H_

@@ -1,5 +1,5 @@
-#ifndef KELVA_DARWIN_IORETURN_H_
-#define KELVA_DARWIN_IORETURN_H_
+#ifndef KELVA_DARWIN_INCLUDE_IO_KIT_IO_RETURN_H_
+#define KELVA_DARWIN_INCLUDE_IO_KIT_IO_RETURN_H_
 
 // Return codes, each with the framework's own value. The type is signed, so the errors are negative.
 
@@ -28,4 +28,4 @@ typedef kern_return_t IOReturn;
 #define kIOReturnNotPermitted ((IOReturn)0xE00002E2)
 #define kIOReturnNotFound ((IOReturn)0xE00002F0)
 
-#endif  // KELVA_DARWIN_IORETURN_H_
+#endif  // KELVA_DARWIN_INCLUDE_IO_KIT_IO_RETURN_H_

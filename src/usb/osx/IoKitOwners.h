@@ -1,5 +1,5 @@
-#ifndef KELVA_IOKIT_OWNERS_H_
-#define KELVA_IOKIT_OWNERS_H_
+#ifndef KELVA_USB_OSX_IO_KIT_OWNERS_H_
+#define KELVA_USB_OSX_IO_KIT_OWNERS_H_
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
@@ -82,4 +82,4 @@ inline IoObject ParentOf(io_registry_entry_t entry) {
   return IoObject(parent);
 }
 
-#endif  // KELVA_IOKIT_OWNERS_H_
+#endif  // KELVA_USB_OSX_IO_KIT_OWNERS_H_

@@ -1,5 +1,5 @@
-#ifndef KELVA_LOSS_IN_PROGRESS_H_
-#define KELVA_LOSS_IN_PROGRESS_H_
+#ifndef KELVA_USB_OSX_LOSS_IN_PROGRESS_H_
+#define KELVA_USB_OSX_LOSS_IN_PROGRESS_H_
 
 /// Knows, while a camera-lost callback runs on this thread, whether the callback destroyed its camera. Dropping the
 /// last pointer to a camera that has gone is what a callback does as a rule.
@@ -28,4 +28,4 @@ class LossInProgress {
   LossInProgress* outer_;
 };
 
-#endif  // KELVA_LOSS_IN_PROGRESS_H_
+#endif  // KELVA_USB_OSX_LOSS_IN_PROGRESS_H_

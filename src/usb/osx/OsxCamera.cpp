@@ -51,7 +51,8 @@ bool OsxCamera::Open() {
   }
   // Its return code says nothing that the session's start does not.
   IOServiceOpen(service_, mach_task_self(), 0, &connect_);
-  if (IOConnectCallScalarMethod(connect_, kUserClientStartSession, nullptr, 0, nullptr, nullptr) == kIOReturnSuccess) {
+  if (IOConnectCallScalarMethod(connect_, wire::kUserClientStartSession, nullptr, 0, nullptr, nullptr) ==
+      kIOReturnSuccess) {
     return true;
   }
   IOServiceClose(connect_);
@@ -63,7 +64,7 @@ void OsxCamera::Close() {
   if (connect_ == 0) {
     return;
   }
-  IOConnectCallScalarMethod(connect_, kUserClientEndSession, nullptr, 0, nullptr, nullptr);
+  IOConnectCallScalarMethod(connect_, wire::kUserClientEndSession, nullptr, 0, nullptr, nullptr);
   IOServiceClose(connect_);
   connect_ = 0;
 }
@@ -73,11 +74,11 @@ bool OsxCamera::IsOpen() {
 }
 
 bool OsxCamera::Transfer(const _VscCdb& cdb, int direction, int& size, char* buffer, bool) {
-  const UserClientTransferRequest request = MakeTransferRequest(cdb, direction, size, buffer);
-  UserClientTransferResult result{kNoStatus, 0};
+  const wire::UserClientTransferRequest request = MakeTransferRequest(cdb, direction, size, buffer);
+  wire::UserClientTransferResult result{kNoStatus, 0};
   std::size_t resultSize = sizeof(result);
   const kern_return_t returnCode =
-      IOConnectCallStructMethod(connect_, kUserClientTransfer, &request, sizeof(request), &result, &resultSize);
+      IOConnectCallStructMethod(connect_, wire::kUserClientTransfer, &request, sizeof(request), &result, &resultSize);
   if (returnCode != kIOReturnSuccess || result.status != 0) {
     throw CameraTransferError(TransferErrorReport(cdb, returnCode, result.status));
   }

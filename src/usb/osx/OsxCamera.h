@@ -1,5 +1,5 @@
-#ifndef KELVA_OSX_CAMERA_H_
-#define KELVA_OSX_CAMERA_H_
+#ifndef KELVA_USB_OSX_OSX_CAMERA_H_
+#define KELVA_USB_OSX_OSX_CAMERA_H_
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
@@ -77,4 +77,4 @@ class OsxCamera : public Camera {
   static void (*badCameraCb)(void* context);
 };
 
-#endif  // KELVA_OSX_CAMERA_H_
+#endif  // KELVA_USB_OSX_OSX_CAMERA_H_

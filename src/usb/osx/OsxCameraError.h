@@ -1,5 +1,5 @@
-#ifndef KELVA_OSX_CAMERA_ERROR_H_
-#define KELVA_OSX_CAMERA_ERROR_H_
+#ifndef KELVA_USB_OSX_OSX_CAMERA_ERROR_H_
+#define KELVA_USB_OSX_OSX_CAMERA_ERROR_H_
 
 #include <string>
 
@@ -24,4 +24,4 @@ class OsxCameraError : public CameraError {
   const char* text_;  // message_'s characters, taken once at the end of construction
 };
 
-#endif  // KELVA_OSX_CAMERA_ERROR_H_
+#endif  // KELVA_USB_OSX_OSX_CAMERA_ERROR_H_

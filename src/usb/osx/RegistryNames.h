@@ -1,5 +1,5 @@
-#ifndef KELVA_REGISTRY_NAMES_H_
-#define KELVA_REGISTRY_NAMES_H_
+#ifndef KELVA_USB_OSX_REGISTRY_NAMES_H_
+#define KELVA_USB_OSX_REGISTRY_NAMES_H_
 
 // The registry's own strings: property keys, the values compared, class names and notification types.
 
@@ -18,4 +18,4 @@ inline constexpr const char* kCompactDiscClass = "IOCompactDiscServices";
 inline constexpr const char* kFirstMatchType = "IOServiceFirstMatch";
 inline constexpr const char* kGeneralInterestType = "IOGeneralInterest";
 
-#endif  // KELVA_REGISTRY_NAMES_H_
+#endif  // KELVA_USB_OSX_REGISTRY_NAMES_H_

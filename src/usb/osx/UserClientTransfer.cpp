@@ -14,9 +14,9 @@ std::uint8_t DirectionByte(int direction) {
 
 }  // namespace
 
-UserClientTransferRequest MakeTransferRequest(const _VscCdb& cdb, int direction, int size, const void* buffer) {
-  static_assert(sizeof(UserClientTransferRequest::cdb) == sizeof(_VscCdb));
-  UserClientTransferRequest request{};
+wire::UserClientTransferRequest MakeTransferRequest(const _VscCdb& cdb, int direction, int size, const void* buffer) {
+  static_assert(sizeof(wire::UserClientTransferRequest::cdb) == sizeof(_VscCdb));
+  wire::UserClientTransferRequest request{};
   request.direction = DirectionByte(direction);
   request.cdbLength = sizeof(cdb.bytes);
   std::memcpy(request.cdb, cdb.bytes, sizeof(request.cdb));

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "ScriptedCamera.h"
-#include "Switches.h"
+#include "testing/ScriptedCamera.h"
+#include "testing/Switches.h"
 
 namespace wifi_testing {
 

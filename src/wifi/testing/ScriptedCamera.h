@@ -13,9 +13,9 @@
 #include <string>
 #include <utility>
 
-#include "Bytes.h"
 #include "CameraError.h"
-#include "PlainCamera.h"
+#include "testing/Bytes.h"
+#include "testing/PlainCamera.h"
 
 namespace wifi_testing {
 

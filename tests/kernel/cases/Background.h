@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_BACKGROUND_H_
-#define KELVA_TESTS_KERNEL_BACKGROUND_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_BACKGROUND_H_
+#define KELVA_TESTS_KERNEL_CASES_BACKGROUND_H_
 
 #include <sys/types.h>
 
@@ -24,4 +24,4 @@ class Background {
   pid_t process_ = -1;
 };
 
-#endif  // KELVA_TESTS_KERNEL_BACKGROUND_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_BACKGROUND_H_

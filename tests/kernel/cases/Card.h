@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_CARD_H_
-#define KELVA_TESTS_KERNEL_CARD_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_CARD_H_
+#define KELVA_TESTS_KERNEL_CASES_CARD_H_
 
 #include <cstdint>
 #include <filesystem>
@@ -32,4 +32,4 @@ void PutPictures(const Card& card);
 inline constexpr const char* kPicture = "I:\\DCIM\\100ABCDE\\IMG_0001.JPG";
 inline constexpr std::size_t kPictureSize = 200'000;
 
-#endif  // KELVA_TESTS_KERNEL_CARD_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_CARD_H_

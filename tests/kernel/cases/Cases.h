@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_CASES_H_
-#define KELVA_TESTS_KERNEL_CASES_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_CASES_H_
+#define KELVA_TESTS_KERNEL_CASES_CASES_H_
 
 #include <vector>
 
@@ -19,4 +19,4 @@ std::vector<tap::Case> TableCases();
 /// What the quick set of tests boots the guest for.
 std::vector<tap::Case> ShortCases();
 
-#endif  // KELVA_TESTS_KERNEL_CASES_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_CASES_H_

@@ -13,7 +13,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "vcam/device/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace {
 
@@ -72,10 +72,10 @@ int BareRead(int fd, const Block& block, char* buffer, int length) {
   return length - header.resid;
 }
 
-vcam::FileDescriptor OpenNode(const std::string& node) {
-  vcam::FileDescriptor file(::open(node.c_str(), O_RDWR | O_CLOEXEC));
+base::FileDescriptor OpenNode(const std::string& node) {
+  base::FileDescriptor file(::open(node.c_str(), O_RDWR | O_CLOEXEC));
   int reserved = kChunk;
-  if (!file || ::ioctl(file.get(), SG_SET_RESERVED_SIZE, &reserved) != 0)
+  if (!file || ::ioctl(file.Get(), SG_SET_RESERVED_SIZE, &reserved) != 0)
     throw std::runtime_error("Cannot use " + node);
   return file;
 }
@@ -99,17 +99,17 @@ std::uint64_t TimeTransfers(Camera& camera, std::uint32_t size) {
 }
 
 std::uint64_t TimeBareLoop(const std::string& node, std::uint32_t size) {
-  const vcam::FileDescriptor file = OpenNode(node);
+  const base::FileDescriptor file = OpenNode(node);
   return TimeChunks(
-      size, [&](const Block& block, char* buffer, int length) { return BareRead(file.get(), block, buffer, length); });
+      size, [&](const Block& block, char* buffer, int length) { return BareRead(file.Get(), block, buffer, length); });
 }
 
 std::uint64_t TimeMappedLoop(const std::string& node, std::uint32_t size) {
-  const vcam::FileDescriptor file = OpenNode(node);
-  void* mapped = ::mmap(nullptr, kChunk, PROT_READ, MAP_SHARED, file.get(), 0);
+  const base::FileDescriptor file = OpenNode(node);
+  void* mapped = ::mmap(nullptr, kChunk, PROT_READ, MAP_SHARED, file.Get(), 0);
   if (mapped == MAP_FAILED) throw std::runtime_error("Cannot map the buffer of " + node);
   const std::uint64_t took = TimeChunks(
-      size, [&](const Block& block, char*, int length) { return BareRead(file.get(), block, nullptr, length); });
+      size, [&](const Block& block, char*, int length) { return BareRead(file.Get(), block, nullptr, length); });
   ::munmap(mapped, kChunk);
   return took;
 }

@@ -1,10 +1,10 @@
-#ifndef KELVA_TESTS_KERNEL_CHUNK_LOOPS_H_
-#define KELVA_TESTS_KERNEL_CHUNK_LOOPS_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_CHUNK_LOOPS_H_
+#define KELVA_TESTS_KERNEL_CASES_CHUNK_LOOPS_H_
 
 #include <cstdint>
 #include <string>
 
-#include "Camera.h"
+#include "src/wifi/Camera.h"
 
 // Ways to read the data set that is selected in a camera, chunk by chunk of 64 KiB, and the copies that are made on the way.
 // All give the nanoseconds that it took, and throw std::runtime_error when a chunk is not what was asked for.
@@ -27,4 +27,4 @@ std::uint64_t TimeGathering(std::uint32_t size);
 /// A whole file through the library, handed over as one vector.
 std::uint64_t TimeReadFile(Camera& camera, const std::string& path);
 
-#endif  // KELVA_TESTS_KERNEL_CHUNK_LOOPS_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_CHUNK_LOOPS_H_

@@ -13,10 +13,10 @@
 #include <iostream>
 #include <map>
 
-#include "Camera.h"
-#include "OsxCamera.h"
 #include "darwin/registry/Registry.h"
 #include "darwin/udev/UdevSource.h"
+#include "src/usb/osx/OsxCamera.h"
+#include "src/wifi/Camera.h"
 #include "tests/kernel/cases/ChunkLoops.h"
 #include "tests/kernel/cases/Digest.h"
 #include "tests/kernel/cases/SignalStorm.h"

@@ -9,8 +9,8 @@
 #include <array>
 #include <chrono>
 
+#include "base/FileDescriptor.h"
 #include "tests/kernel/cases/Tap.h"
-#include "vcam/device/FileDescriptor.h"
 
 namespace {
 
@@ -57,14 +57,14 @@ std::string Outcome::LastLine() const {
 Outcome RunProgram(const std::vector<std::string>& arguments, unsigned seconds) {
   std::array<int, 2> ends{};
   tap::Check(::pipe2(ends.data(), O_CLOEXEC) == 0, "no pipe");
-  vcam::FileDescriptor from(ends[0]);
-  vcam::FileDescriptor to(ends[1]);
+  base::FileDescriptor from(ends[0]);
+  base::FileDescriptor to(ends[1]);
   const auto words = WordsOf(arguments);
   const pid_t child = ::fork();
-  if (child == 0) Become(words.data(), to.get());
+  if (child == 0) Become(words.data(), to.Get());
   to.Reset();
   Outcome outcome;
-  if (!ReadAll(from.get(), outcome.output, Clock::now() + std::chrono::seconds(seconds))) ::kill(child, SIGKILL);
+  if (!ReadAll(from.Get(), outcome.output, Clock::now() + std::chrono::seconds(seconds))) ::kill(child, SIGKILL);
   int status = 0;
   ::waitpid(child, &status, 0);
   outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);

@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_COMMAND_H_
-#define KELVA_TESTS_KERNEL_COMMAND_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_COMMAND_H_
+#define KELVA_TESTS_KERNEL_CASES_COMMAND_H_
 
 #include <string>
 #include <vector>
@@ -19,4 +19,4 @@ struct Outcome {
 /// Runs a program to its end. It is killed after this many seconds of the guest, which shows as code -9.
 Outcome RunProgram(const std::vector<std::string>& arguments, unsigned seconds = 600);
 
-#endif  // KELVA_TESTS_KERNEL_COMMAND_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_COMMAND_H_

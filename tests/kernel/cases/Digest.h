@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_DIGEST_H_
-#define KELVA_TESTS_KERNEL_DIGEST_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_DIGEST_H_
+#define KELVA_TESTS_KERNEL_CASES_DIGEST_H_
 
 #include <cstdint>
 #include <span>
@@ -22,4 +22,4 @@ inline std::string DigestOf(std::span<const char> bytes) {
   return HexOf(hash, 16);
 }
 
-#endif  // KELVA_TESTS_KERNEL_DIGEST_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_DIGEST_H_

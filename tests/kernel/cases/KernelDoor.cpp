@@ -11,7 +11,7 @@
 
 // The door of the table of faults that is a real one: udev, sg, usb-storage and the kernel's USB stand between.
 
-namespace kelva::doors {
+namespace tests::doors {
 namespace {
 
 using vcam::VirtualCamera;
@@ -43,13 +43,13 @@ class Cable {
 
  private:
   static std::uint32_t Device() { return vcam::usbip::OfferOf(Speed::kHigh).DeviceId(); }
-  static vcam::FileDescriptor PlugIn() {
+  static base::FileDescriptor PlugIn() {
     return vcam::usbip::PlugIntoController(vcam::usbip::DefaultController(), Device(), Speed::kHigh);
   }
 
   vcam::usbip::CameraModel Model() {
     vcam::usbip::CameraModel model = vcam::usbip::ModelOf(*camera_, faults_, Speed::kHigh);
-    model.execute = [this](const vcam::Command& command) { return Camera()->Execute(command); };
+    model.execute = [this](const wire::Command& command) { return Camera()->Execute(command); };
     return model;
   }
   std::shared_ptr<VirtualCamera> Camera() const {
@@ -101,4 +101,4 @@ std::span<const NamedDoor> AllDoors() {
   return kDoors;
 }
 
-}  // namespace kelva::doors
+}  // namespace tests::doors

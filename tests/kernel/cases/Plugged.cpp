@@ -32,7 +32,7 @@ std::uint32_t DeviceId(Speed speed) {
   return vcam::usbip::OfferOf(speed).DeviceId();
 }
 
-vcam::FileDescriptor PlugIn(Speed speed) {
+base::FileDescriptor PlugIn(Speed speed) {
   return vcam::usbip::PlugIntoController(vcam::usbip::DefaultController(), DeviceId(speed), speed);
 }
 

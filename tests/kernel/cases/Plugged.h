@@ -1,11 +1,11 @@
-#ifndef KELVA_TESTS_KERNEL_PLUGGED_H_
-#define KELVA_TESTS_KERNEL_PLUGGED_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_PLUGGED_H_
+#define KELVA_TESTS_KERNEL_CASES_PLUGGED_H_
 
 #include <memory>
 #include <string>
 #include <thread>
 
-#include "vcam/device/VirtualCamera.h"
+#include "vcam/camera/VirtualCamera.h"
 #include "vcam/usbip/Session.h"
 #include "vcam/usbip/UsbDoor.h"
 #include "vcam/usbip/WireFaults.h"
@@ -41,4 +41,4 @@ std::string NodeOf(const std::string& serial);
 /// Whether `condition` came true within this many seconds of the guest.
 bool Eventually(const std::function<bool()>& condition, double seconds = 30);
 
-#endif  // KELVA_TESTS_KERNEL_PLUGGED_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_PLUGGED_H_

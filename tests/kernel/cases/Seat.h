@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_SEAT_H_
-#define KELVA_TESTS_KERNEL_SEAT_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_SEAT_H_
+#define KELVA_TESTS_KERNEL_CASES_SEAT_H_
 
 #include <string>
 #include <vector>
@@ -19,4 +19,4 @@ std::vector<std::string> AsPerson(const std::vector<std::string>& words);
 
 inline constexpr unsigned kPerson = 1000;
 
-#endif  // KELVA_TESTS_KERNEL_SEAT_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_SEAT_H_

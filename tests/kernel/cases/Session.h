@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_SESSION_H_
-#define KELVA_TESTS_KERNEL_SESSION_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_SESSION_H_
+#define KELVA_TESTS_KERNEL_CASES_SESSION_H_
 
 #include <string>
 
@@ -21,4 +21,4 @@ class AgentSession {
   Background agent_;
 };
 
-#endif  // KELVA_TESTS_KERNEL_SESSION_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_SESSION_H_

@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_SIGNAL_STORM_H_
-#define KELVA_TESTS_KERNEL_SIGNAL_STORM_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_SIGNAL_STORM_H_
+#define KELVA_TESTS_KERNEL_CASES_SIGNAL_STORM_H_
 
 #include <signal.h>
 #include <time.h>
@@ -33,4 +33,4 @@ class SignalStorm {
   timer_t timer_{};
 };
 
-#endif  // KELVA_TESTS_KERNEL_SIGNAL_STORM_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_SIGNAL_STORM_H_

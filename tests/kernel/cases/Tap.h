@@ -1,5 +1,5 @@
-#ifndef KELVA_TESTS_KERNEL_TAP_H_
-#define KELVA_TESTS_KERNEL_TAP_H_
+#ifndef KELVA_TESTS_KERNEL_CASES_TAP_H_
+#define KELVA_TESTS_KERNEL_CASES_TAP_H_
 
 #include <functional>
 #include <span>
@@ -24,4 +24,4 @@ int RunAll(std::span<const Case> cases);
 
 }  // namespace tap
 
-#endif  // KELVA_TESTS_KERNEL_TAP_H_
+#endif  // KELVA_TESTS_KERNEL_CASES_TAP_H_

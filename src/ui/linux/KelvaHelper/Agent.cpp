@@ -1,4 +1,4 @@
-#include "Agent.h"
+#include "src/ui/linux/KelvaHelper/Agent.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -7,15 +7,15 @@
 #include <cstring>
 #include <exception>
 
-#include "Arguments.h"
-#include "AttachListener.h"
-#include "CameraSource.h"
-#include "DesktopLauncher.h"
-#include "Report.h"
-#include "SessionLock.h"
-#include "SignalStop.h"
-#include "Spawn.h"
 #include "darwin/registry/Registry.h"
+#include "src/ui/linux/KelvaHelper/Arguments.h"
+#include "src/ui/linux/KelvaHelper/AttachListener.h"
+#include "src/ui/linux/KelvaHelper/CameraSource.h"
+#include "src/ui/linux/KelvaHelper/DesktopLauncher.h"
+#include "src/ui/linux/KelvaHelper/Report.h"
+#include "src/ui/linux/KelvaHelper/SessionLock.h"
+#include "src/ui/linux/KelvaHelper/SignalStop.h"
+#include "src/ui/linux/KelvaHelper/Spawn.h"
 
 namespace helper {
 namespace {

@@ -1,5 +1,5 @@
-#ifndef KELVA_HELPER_AGENT_H_
-#define KELVA_HELPER_AGENT_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_AGENT_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_AGENT_H_
 
 #include <string>
 #include <vector>
@@ -12,4 +12,4 @@ int RunAgent(const std::vector<std::string>& arguments);
 
 }  // namespace helper
 
-#endif  // KELVA_HELPER_AGENT_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_AGENT_H_

@@ -1,4 +1,4 @@
-#include "Agent.h"
+#include "src/ui/linux/KelvaHelper/Agent.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,9 +10,9 @@
 #include <functional>
 #include <stdexcept>
 
-#include "CameraSource.h"
-#include "SessionLock.h"
 #include "darwin/registry/Registry.h"
+#include "src/ui/linux/KelvaHelper/CameraSource.h"
+#include "src/ui/linux/KelvaHelper/SessionLock.h"
 
 namespace {
 

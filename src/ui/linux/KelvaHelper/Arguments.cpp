@@ -1,4 +1,4 @@
-#include "Arguments.h"
+#include "src/ui/linux/KelvaHelper/Arguments.h"
 
 #include <string_view>
 

@@ -1,5 +1,5 @@
-#ifndef KELVA_HELPER_ARGUMENTS_H_
-#define KELVA_HELPER_ARGUMENTS_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_ARGUMENTS_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_ARGUMENTS_H_
 
 #include <string>
 #include <vector>
@@ -25,4 +25,4 @@ std::string VersionText();
 
 }  // namespace helper
 
-#endif  // KELVA_HELPER_ARGUMENTS_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_ARGUMENTS_H_

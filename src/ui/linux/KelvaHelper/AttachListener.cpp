@@ -1,6 +1,6 @@
-#include "AttachListener.h"
+#include "src/ui/linux/KelvaHelper/AttachListener.h"
 
-#include "DesktopLauncher.h"
+#include "src/ui/linux/KelvaHelper/DesktopLauncher.h"
 
 namespace helper {
 namespace {

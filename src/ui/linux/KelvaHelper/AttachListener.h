@@ -1,9 +1,9 @@
-#ifndef KELVA_HELPER_ATTACH_LISTENER_H_
-#define KELVA_HELPER_ATTACH_LISTENER_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_ATTACH_LISTENER_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_ATTACH_LISTENER_H_
 
 #include <boost/shared_ptr.hpp>
 
-#include "Camera.h"
+#include "src/wifi/Camera.h"
 
 namespace helper {
 
@@ -17,4 +17,4 @@ void ListenForCameras();
 
 }  // namespace helper
 
-#endif  // KELVA_HELPER_ATTACH_LISTENER_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_ATTACH_LISTENER_H_

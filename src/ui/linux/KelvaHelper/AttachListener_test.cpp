@@ -1,4 +1,4 @@
-#include "AttachListener.h"
+#include "src/ui/linux/KelvaHelper/AttachListener.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
@@ -6,10 +6,10 @@
 
 #include <string>
 
-#include "DesktopLauncher.h"
-#include "OsxCameraError.h"
 #include "darwin/registry/Accounting.h"
 #include "darwin/virtual/VirtualRegistry.h"
+#include "src/ui/linux/KelvaHelper/DesktopLauncher.h"
+#include "src/usb/osx/OsxCameraError.h"
 
 namespace {
 

@@ -1,14 +1,13 @@
-#include "CameraSource.h"
+#include "src/ui/linux/KelvaHelper/CameraSource.h"
 
+#include "bus/BusClient.h"
 #include "darwin/registry/Registry.h"
 #include "darwin/udev/UdevSource.h"
-#include "vcam/client/BusClient.h"
 
 namespace helper {
 
 void UseCamerasOf(const std::string& virtualBus) {
-  darwin::Registry::Shared().SetSource(virtualBus.empty() ? darwin::MakeUdevSource()
-                                                          : vcam::client::ConnectBus(virtualBus));
+  darwin::Registry::Shared().SetSource(virtualBus.empty() ? darwin::MakeUdevSource() : bus::ConnectBus(virtualBus));
 }
 
 }  // namespace helper

@@ -1,5 +1,5 @@
-#ifndef KELVA_HELPER_CAMERA_SOURCE_H_
-#define KELVA_HELPER_CAMERA_SOURCE_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_CAMERA_SOURCE_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_CAMERA_SOURCE_H_
 
 #include <string>
 
@@ -12,4 +12,4 @@ void UseCamerasOf(const std::string& virtualBus);
 
 }  // namespace helper
 
-#endif  // KELVA_HELPER_CAMERA_SOURCE_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_CAMERA_SOURCE_H_

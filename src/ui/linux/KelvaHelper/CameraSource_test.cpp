@@ -1,4 +1,4 @@
-#include "CameraSource.h"
+#include "src/ui/linux/KelvaHelper/CameraSource.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,10 +10,10 @@
 #include <string>
 #include <thread>
 
-#include "FileDescriptor.h"
-#include "OsxCamera.h"
-#include "vcam/bus/BusServer.h"
-#include "vcam/client/BusConnection.h"
+#include "base/FileDescriptor.h"
+#include "bus/BusConnection.h"
+#include "src/usb/osx/OsxCamera.h"
+#include "vcam/server/BusServer.h"
 
 namespace helper {
 namespace {
@@ -24,17 +24,17 @@ class Bus {
   explicit Bus(const std::filesystem::path& folder) : path_(folder / "bus"), server_(path_) {
     int ends[2];
     EXPECT_EQ(::pipe(ends), 0);
-    stop_ = FileDescriptor(ends[0]);
-    hold_ = FileDescriptor(ends[1]);
+    stop_ = base::FileDescriptor(ends[0]);
+    hold_ = base::FileDescriptor(ends[1]);
     thread_ = std::thread([this] { server_.Run(stop_.Get()); });
-    vcam::bus::PlugRequest camera;
+    bus::PlugRequest camera;
     camera.serial = "KV0001";
     camera.storage = folder;
     camera.peripheralType = 3;
-    vcam::client::BusConnection(path_).Request(vcam::bus::Kind::kPlug, Encode(camera));
+    bus::BusConnection(path_).Request(bus::Kind::kPlug, Encode(camera));
   }
   ~Bus() {
-    hold_ = FileDescriptor();
+    hold_ = base::FileDescriptor();
     thread_.join();
   }
 
@@ -42,9 +42,9 @@ class Bus {
 
  private:
   std::string path_;
-  vcam::bus::BusServer server_;
-  FileDescriptor stop_;
-  FileDescriptor hold_;
+  vcam::server::BusServer server_;
+  base::FileDescriptor stop_;
+  base::FileDescriptor hold_;
   std::thread thread_;
 };
 

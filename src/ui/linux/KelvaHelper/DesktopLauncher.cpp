@@ -1,12 +1,12 @@
-#include "DesktopLauncher.h"
+#include "src/ui/linux/KelvaHelper/DesktopLauncher.h"
 
 #include <limits.h>
 #include <unistd.h>
 
 #include <cstring>
 
-#include "Report.h"
-#include "Spawn.h"
+#include "src/ui/linux/KelvaHelper/Report.h"
+#include "src/ui/linux/KelvaHelper/Spawn.h"
 
 namespace helper {
 namespace {

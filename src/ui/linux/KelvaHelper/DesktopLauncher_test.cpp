@@ -1,4 +1,4 @@
-#include "DesktopLauncher.h"
+#include "src/ui/linux/KelvaHelper/DesktopLauncher.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

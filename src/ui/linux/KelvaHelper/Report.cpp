@@ -1,4 +1,4 @@
-#include "Report.h"
+#include "src/ui/linux/KelvaHelper/Report.h"
 
 #include <unistd.h>
 

@@ -1,5 +1,5 @@
-#ifndef KELVA_HELPER_REPORT_H_
-#define KELVA_HELPER_REPORT_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_REPORT_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_REPORT_H_
 
 #include <string>
 
@@ -15,4 +15,4 @@ std::string FirstLine(const std::string& text);
 
 }  // namespace helper
 
-#endif  // KELVA_HELPER_REPORT_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_REPORT_H_

@@ -1,11 +1,11 @@
-#ifndef KELVA_HELPER_SESSION_LOCK_H_
-#define KELVA_HELPER_SESSION_LOCK_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_SESSION_LOCK_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_SESSION_LOCK_H_
 
 #include <sys/types.h>
 
 #include <string>
 
-#include "FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace helper {
 
@@ -47,7 +47,7 @@ class SessionLock {
   Outcome Take();
   Outcome Failed(int error);
 
-  FileDescriptor file_;
+  base::FileDescriptor file_;
   pid_t rival_ = 0;
   int error_ = 0;
   Outcome outcome_;
@@ -55,4 +55,4 @@ class SessionLock {
 
 }  // namespace helper
 
-#endif  // KELVA_HELPER_SESSION_LOCK_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_SESSION_LOCK_H_

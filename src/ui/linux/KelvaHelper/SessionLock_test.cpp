@@ -1,4 +1,4 @@
-#include "SessionLock.h"
+#include "src/ui/linux/KelvaHelper/SessionLock.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "SignalStop.h"
+#include "src/ui/linux/KelvaHelper/SignalStop.h"
 
 #include <signal.h>
 #include <sys/signalfd.h>

@@ -1,9 +1,9 @@
-#ifndef KELVA_HELPER_SIGNAL_STOP_H_
-#define KELVA_HELPER_SIGNAL_STOP_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_SIGNAL_STOP_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_SIGNAL_STOP_H_
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace helper {
 
@@ -18,10 +18,10 @@ class SignalStop {
   ~SignalStop();
 
  private:
-  FileDescriptor signals_;
+  base::FileDescriptor signals_;
   CFRunLoopSourceRef source_;
 };
 
 }  // namespace helper
 
-#endif  // KELVA_HELPER_SIGNAL_STOP_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_SIGNAL_STOP_H_

@@ -1,4 +1,4 @@
-#include "SignalStop.h"
+#include "src/ui/linux/KelvaHelper/SignalStop.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>

@@ -1,4 +1,4 @@
-#include "Spawn.h"
+#include "src/ui/linux/KelvaHelper/Spawn.h"
 
 #include <signal.h>
 #include <spawn.h>

@@ -1,5 +1,5 @@
-#ifndef KELVA_HELPER_SPAWN_H_
-#define KELVA_HELPER_SPAWN_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_SPAWN_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_SPAWN_H_
 
 #include <string>
 #include <vector>
@@ -16,4 +16,4 @@ int Spawn(const std::vector<std::string>& command);
 
 }  // namespace helper
 
-#endif  // KELVA_HELPER_SPAWN_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_SPAWN_H_

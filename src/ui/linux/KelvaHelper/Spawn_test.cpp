@@ -1,4 +1,4 @@
-#include "Spawn.h"
+#include "src/ui/linux/KelvaHelper/Spawn.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <string>
 
-#include "FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 namespace helper {
 namespace {
@@ -20,10 +20,10 @@ namespace {
 std::string OutputOf(const std::string& line) {
   int ends[2];
   EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-  FileDescriptor reader(ends[0]);
+  base::FileDescriptor reader(ends[0]);
   {
-    FileDescriptor writer(ends[1]);
-    FileDescriptor inherited(::dup2(writer.Get(), 9));
+    base::FileDescriptor writer(ends[1]);
+    base::FileDescriptor inherited(::dup2(writer.Get(), 9));
     EXPECT_EQ(Spawn({"/bin/sh", "-c", line}), 0);
   }
   std::string output;

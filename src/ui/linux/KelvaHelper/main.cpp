@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "Agent.h"
+#include "src/ui/linux/KelvaHelper/Agent.h"
 
 int main(int argc, char* argv[]) {
   return helper::RunAgent({argv + 1, argv + argc});

@@ -1,4 +1,4 @@
-#include "Callback.h"
+#include "src/ui/osx/KelvaHelper/Callback.h"
 
 #import <Cocoa/Cocoa.h>
 

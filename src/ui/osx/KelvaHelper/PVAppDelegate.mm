@@ -1,7 +1,7 @@
-#import "PVAppDelegate.h"
+#import "src/ui/osx/KelvaHelper/PVAppDelegate.h"
 
-#include "Callback.h"
-#include "Camera.h"
+#include "src/ui/osx/KelvaHelper/Callback.h"
+#include "src/wifi/Camera.h"
 
 namespace {
 

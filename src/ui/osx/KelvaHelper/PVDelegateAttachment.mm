@@ -1,6 +1,6 @@
 #import <Cocoa/Cocoa.h>
 
-#import "PVAppDelegate.h"
+#import "src/ui/osx/KelvaHelper/PVAppDelegate.h"
 
 /// Gives the application its delegate, which a nib file would otherwise do: this agent has no window, and so no nib.
 /// A class of its own, so that the delegate is nothing but a delegate.

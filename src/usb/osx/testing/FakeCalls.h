@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "FakeFramework.h"
+#include "testing/FakeFramework.h"
 
 // The framework calls themselves. Included by exactly one source of a test program.
 

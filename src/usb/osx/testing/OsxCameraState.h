@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "FakeFramework.h"
 #include "OsxCamera.h"
+#include "testing/FakeFramework.h"
 
 // The process-wide state of OsxCamera, which lives until the process ends: a test that starts from a process in which
 // nobody has listened yet has to put it back. An explicit instantiation may name private members.

@@ -1,4 +1,4 @@
-#include "DesktopApplication.h"
+#include "src/ui/linux/KelvaHelper/opener/DesktopApplication.h"
 
 #include <unistd.h>
 

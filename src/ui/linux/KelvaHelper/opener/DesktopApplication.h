@@ -1,11 +1,11 @@
-#ifndef KELVA_OPEN_DESKTOP_APPLICATION_H_
-#define KELVA_OPEN_DESKTOP_APPLICATION_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_OPENER_DESKTOP_APPLICATION_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_OPENER_DESKTOP_APPLICATION_H_
 
 #include <gio/gdesktopappinfo.h>
 
 #include <string>
 
-#include "GObjects.h"
+#include "src/ui/linux/KelvaHelper/opener/GObjects.h"
 
 namespace opener {
 
@@ -28,4 +28,4 @@ class DesktopApplication {
 
 }  // namespace opener
 
-#endif  // KELVA_OPEN_DESKTOP_APPLICATION_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_OPENER_DESKTOP_APPLICATION_H_

@@ -1,8 +1,8 @@
-#include "DesktopApplication.h"
+#include "src/ui/linux/KelvaHelper/opener/DesktopApplication.h"
 
 #include <gtest/gtest.h>
 
-#include "ScratchDesktop.h"
+#include "src/ui/linux/KelvaHelper/opener/testing/ScratchDesktop.h"
 
 namespace opener {
 namespace {

@@ -1,5 +1,5 @@
-#ifndef KELVA_OPEN_G_OBJECTS_H_
-#define KELVA_OPEN_G_OBJECTS_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_OPENER_G_OBJECTS_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_OPENER_G_OBJECTS_H_
 
 #include <gio/gio.h>
 
@@ -34,4 +34,4 @@ class Error {
 
 }  // namespace opener
 
-#endif  // KELVA_OPEN_G_OBJECTS_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_OPENER_G_OBJECTS_H_

@@ -1,11 +1,11 @@
-#include "Opener.h"
+#include "src/ui/linux/KelvaHelper/opener/Opener.h"
 
 #include <cstdio>
 #include <cstdlib>
 
-#include "DesktopApplication.h"
-#include "GObjects.h"
-#include "SessionScope.h"
+#include "src/ui/linux/KelvaHelper/opener/DesktopApplication.h"
+#include "src/ui/linux/KelvaHelper/opener/GObjects.h"
+#include "src/ui/linux/KelvaHelper/opener/SessionScope.h"
 
 namespace opener {
 namespace {

@@ -1,5 +1,5 @@
-#ifndef KELVA_OPEN_OPENER_H_
-#define KELVA_OPEN_OPENER_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_OPENER_OPENER_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_OPENER_OPENER_H_
 
 #include <string>
 #include <vector>
@@ -20,4 +20,4 @@ int Open(const std::vector<std::string>& arguments);
 
 }  // namespace opener
 
-#endif  // KELVA_OPEN_OPENER_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_OPENER_OPENER_H_

@@ -1,8 +1,8 @@
-#include "Opener.h"
+#include "src/ui/linux/KelvaHelper/opener/Opener.h"
 
 #include <gtest/gtest.h>
 
-#include "ScratchDesktop.h"
+#include "src/ui/linux/KelvaHelper/opener/testing/ScratchDesktop.h"
 
 namespace opener {
 namespace {

@@ -1,4 +1,4 @@
-#include "ScopeName.h"
+#include "src/ui/linux/KelvaHelper/opener/ScopeName.h"
 
 #include <string_view>
 

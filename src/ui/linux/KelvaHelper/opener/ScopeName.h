@@ -1,5 +1,5 @@
-#ifndef KELVA_OPEN_SCOPE_NAME_H_
-#define KELVA_OPEN_SCOPE_NAME_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_OPENER_SCOPE_NAME_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_OPENER_SCOPE_NAME_H_
 
 #include <string>
 
@@ -11,4 +11,4 @@ std::string ScopeName(const std::string& desktopId, int process);
 
 }  // namespace opener
 
-#endif  // KELVA_OPEN_SCOPE_NAME_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_OPENER_SCOPE_NAME_H_

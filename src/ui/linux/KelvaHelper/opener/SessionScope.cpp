@@ -1,9 +1,9 @@
-#include "SessionScope.h"
+#include "src/ui/linux/KelvaHelper/opener/SessionScope.h"
 
 #include <unistd.h>
 
-#include "GObjects.h"
-#include "ScopeName.h"
+#include "src/ui/linux/KelvaHelper/opener/GObjects.h"
+#include "src/ui/linux/KelvaHelper/opener/ScopeName.h"
 
 namespace opener {
 namespace {

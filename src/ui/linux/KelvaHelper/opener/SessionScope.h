@@ -1,5 +1,5 @@
-#ifndef KELVA_OPEN_SESSION_SCOPE_H_
-#define KELVA_OPEN_SESSION_SCOPE_H_
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_OPENER_SESSION_SCOPE_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_OPENER_SESSION_SCOPE_H_
 
 #include <gio/gio.h>
 
@@ -17,4 +17,4 @@ std::string MoveIntoScope(GDBusConnection* connection, const std::string& deskto
 
 }  // namespace opener
 
-#endif  // KELVA_OPEN_SESSION_SCOPE_H_
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_OPENER_SESSION_SCOPE_H_

@@ -1,4 +1,4 @@
-#include "SessionScope.h"
+#include "src/ui/linux/KelvaHelper/opener/SessionScope.h"
 
 #include <gio/gio.h>
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 #include <string>
 #include <thread>
 
-#include "GObjects.h"
-#include "ScopeName.h"
+#include "src/ui/linux/KelvaHelper/opener/GObjects.h"
+#include "src/ui/linux/KelvaHelper/opener/ScopeName.h"
 
 namespace opener {
 namespace {

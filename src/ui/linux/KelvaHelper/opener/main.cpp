@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "Opener.h"
+#include "src/ui/linux/KelvaHelper/opener/Opener.h"
 
 int main(int argc, char* argv[]) {
   return opener::Open({argv + 1, argv + argc});

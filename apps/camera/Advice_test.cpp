@@ -1,0 +1,103 @@
+#include "apps/camera/Advice.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace apps {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr char kMessage[] =
+    "Camera error: Transfer error\nCDB=[c6 00 04 00 00 00 00 00 00 00 00 00 00 00 00 00]\nret=0xe00002c0 "
+    "result.status=0x00000002";
+
+Verdict Of(std::uint32_t returned, std::uint32_t status) {
+  return AdviceFor(TransferReport{"c0 00 01", returned, status});
+}
+
+TEST(TransferReportTest, IsReadBackFromTheLibrarysMessage) {
+  const auto report = ReadTransferReport(kMessage);
+  ASSERT_TRUE(report.has_value());
+  EXPECT_EQ(report->block, "c6 00 04 00 00 00 00 00 00 00 00 00 00 00 00 00");
+  EXPECT_EQ(report->returned, 0xE00002C0U);
+  EXPECT_EQ(report->status, 2U);
+}
+
+TEST(TransferReportTest, OtherMessagesAreNone) {
+  EXPECT_FALSE(ReadTransferReport("Camera error: ReadFile() truncated.").has_value());
+  EXPECT_FALSE(ReadTransferReport("").has_value());
+  EXPECT_FALSE(ReadTransferReport("\nret=0xzz result.status=0x0").has_value());
+}
+
+TEST(AdviceTest, EveryWayToBeGoneIsGone) {
+  for (const std::uint32_t code : {0xE00002C0U, 0xE00002D9U, 0x10000003U}) EXPECT_EQ(Of(code, 0).code, ExitCode::kGone);
+}
+
+TEST(AdviceTest, TheStatusOfAFailedCallIsNotLookedAt) {
+  EXPECT_EQ(Of(0xE00002C0, 0x00052002).code, ExitCode::kGone);
+}
+
+TEST(AdviceTest, HeldBusyAndSilentCamerasAreToldApart) {
+  EXPECT_EQ(Of(0xE00002C5, 0).code, ExitCode::kBusy);
+  EXPECT_EQ(Of(0xE00002D5, 0).code, ExitCode::kBusy);
+  EXPECT_EQ(Of(0, 0x08).code, ExitCode::kBusy);
+  EXPECT_EQ(Of(0xE00002D6, 0).code, ExitCode::kTimedOut);
+}
+
+TEST(AdviceTest, ATransferThatTheNodeCannotCarryPointsAtTheLimit) {
+  const Verdict verdict = Of(0xE00002E1, 0);
+  EXPECT_EQ(verdict.code, ExitCode::kFailed);
+  EXPECT_EQ(verdict.clause,
+            "the system's driver does not take a transfer of this size; `kelva doctor` shows the limit.");
+}
+
+TEST(AdviceTest, EveryCodeOfTheLinuxDriverHasWordsOfItsOwn) {
+  // kIOReturnNoMemory, IOError, NotOpen, Busy, Timeout, MessageTooLarge, NotPermitted, ExclusiveAccess, NoDevice,
+  // BadArgument: what darwin/sg answers.
+  for (const std::uint32_t code : {0xE00002BDU, 0xE00002CAU, 0xE00002CDU, 0xE00002D5U, 0xE00002D6U, 0xE00002E1U,
+                                   0xE00002E2U, 0xE00002C5U, 0xE00002C0U, 0xE00002C2U}) {
+    EXPECT_THAT(Of(code, 0).clause, testing::Not(HasSubstr("with code 0x"))) << std::hex << code;
+  }
+}
+
+TEST(AdviceTest, ARefusalNamesCommandSenseKeyAndCode) {
+  const Verdict verdict = Of(0, 0x03240502);
+  EXPECT_EQ(verdict.code, ExitCode::kRefused);
+  EXPECT_EQ(
+      verdict.clause,
+      "the camera refused the command [c0 00 01] with sense key 5 (illegal request), code 24/03; it does not know "
+      "the command, or not with these values.");
+}
+
+TEST(AdviceTest, AnUnknownOperationIsAMissingFunction) {
+  EXPECT_THAT(Of(0, 0x00200502).clause, HasSubstr("this camera does not have this function"));
+}
+
+TEST(AdviceTest, ARefusalWithoutSenseSaysSo) {
+  const Verdict verdict = Of(0, 0x02);
+  EXPECT_EQ(verdict.code, ExitCode::kRefused);
+  EXPECT_THAT(verdict.clause, HasSubstr("with status 0x02 and gave no reason"));
+}
+
+TEST(AdviceTest, ABrokenTransferNamesBothStatuses) {
+  const Verdict verdict = Of(0, 0x000807FF);
+  EXPECT_EQ(verdict.code, ExitCode::kFailed);
+  EXPECT_THAT(verdict.clause, HasSubstr("host status 0x07, driver status 0x08"));
+}
+
+TEST(AdviceTest, AnUnknownCodeIsShown) {
+  const Verdict verdict = Of(0xE00002EE, 0);
+  EXPECT_EQ(verdict.code, ExitCode::kFailed);
+  EXPECT_THAT(verdict.clause, HasSubstr("code 0xe00002ee"));
+}
+
+TEST(AdviceTest, AWrongAnswerGivesTheLibrarysWordsWithoutPrefixAndCallStack) {
+  EXPECT_THAT(AdviceFor("Camera error: ReadFile() truncated.").clause, HasSubstr("(ReadFile() truncated)"));
+  EXPECT_THAT(AdviceFor("OsxCameraError: IONotificationPortCreate() failed.\nframe 1\nframe 2").clause,
+              HasSubstr("(IONotificationPortCreate() failed)"));
+  EXPECT_EQ(AdviceFor("Camera error.").code, ExitCode::kFailed);
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,87 @@
+#include "apps/camera/Attached.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+
+namespace apps {
+namespace {
+
+std::string Shown(const AttachedCamera& camera) {
+  return camera.facts.serial.empty() ? "one without a serial number" : Printable(camera.facts.serial);
+}
+
+std::string Serials(const std::vector<AttachedCamera>& cameras) {
+  std::string list;
+  for (const AttachedCamera& camera : cameras) list += (list.empty() ? "" : ", ") + Shown(camera);
+  return list;
+}
+
+// Takes the element out, or nothing.
+template <typename Predicate>
+std::optional<RegistryCamera> TakeFirst(std::vector<RegistryCamera>& facts, Predicate matches) {
+  const auto found = std::find_if(facts.begin(), facts.end(), matches);
+  if (found == facts.end()) return std::nullopt;
+  RegistryCamera taken = std::move(*found);
+  facts.erase(found);
+  return taken;
+}
+
+}  // namespace
+
+std::vector<AttachedCamera> Pair(std::vector<boost::shared_ptr<Camera>> cameras, std::vector<RegistryCamera> facts) {
+  std::vector<AttachedCamera> paired;
+  for (boost::shared_ptr<Camera>& camera : cameras) {
+    auto known = TakeFirst(facts, [&camera](const RegistryCamera& entry) {
+      return !entry.serial.empty() && camera->CompareSn(entry.serial.c_str());
+    });
+    if (!known) known = TakeFirst(facts, [](const RegistryCamera& entry) { return entry.serial.empty(); });
+    paired.push_back({known.value_or(RegistryCamera()), std::move(camera)});
+  }
+  return paired;
+}
+
+std::vector<AttachedCamera> FindAttached(StdoutDiversion& diversion) {
+  std::vector<boost::shared_ptr<Camera>> cameras = Camera::EnumerateCameras(false, "", false, 0);
+  const std::string complaint = diversion.Taken();
+  if (!complaint.empty()) {
+    throw Failure(ExitCode::kFailed, "The system refused to search for cameras (" +
+                                         Printable(complaint.substr(0, complaint.find('\n'))) +
+                                         "); `kelva doctor` looks for the cause.");
+  }
+  return Pair(std::move(cameras), CamerasInRegistry());
+}
+
+std::optional<std::string> WantedSerial(const std::optional<std::string>& option) {
+  if (option) {
+    if (option->empty()) throw Failure(ExitCode::kUsage, "--serial needs a serial number; `kelva list` shows them.");
+    return option;
+  }
+  const char* variable = std::getenv("KELVA_SERIAL");
+  if (variable == nullptr || *variable == '\0') return std::nullopt;
+  return variable;
+}
+
+AttachedCamera Choose(std::vector<AttachedCamera> attached, const std::optional<std::string>& serial) {
+  if (attached.empty()) {
+    throw Failure(ExitCode::kNoCamera,
+                  "No camera is attached; plug one in and switch it on, or let `kelva doctor` say why it is not seen.");
+  }
+  if (serial) {
+    const std::string all = Serials(attached);
+    std::erase_if(attached,
+                  [&serial](const AttachedCamera& camera) { return !camera.camera->CompareSn(serial->c_str()); });
+    if (attached.empty()) {
+      throw Failure(ExitCode::kNoCamera,
+                    "No camera with the serial number " + Printable(*serial) + " is attached; attached: " + all + ".");
+    }
+  }
+  if (attached.size() == 1) return std::move(attached.front());
+  throw Failure(ExitCode::kUsage, std::to_string(attached.size()) + " cameras are attached: " + Serials(attached) +
+                                      "; choose one with --serial or KELVA_SERIAL.");
+}
+
+}  // namespace apps

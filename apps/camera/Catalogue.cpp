@@ -1,0 +1,83 @@
+#include "apps/camera/Catalogue.h"
+
+#include <algorithm>
+
+#include "apps/camera/CameraPath.h"
+#include "apps/camera/Picture.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+
+namespace apps {
+namespace {
+
+struct Wanted {
+  std::string folder;  ///< empty for any
+  std::string stem;
+};
+
+Wanted Understand(std::string name) {
+  std::replace(name.begin(), name.end(), '\\', '/');
+  const std::size_t slash = name.rfind('/');
+  Wanted wanted;
+  if (slash != std::string::npos) {
+    wanted.folder = name.substr(0, slash);
+    wanted.folder = wanted.folder.substr(wanted.folder.rfind('/') + 1);
+    name = name.substr(slash + 1);
+  }
+  const std::size_t dot = name.rfind('.');
+  wanted.stem = dot == std::string::npos ? name : name.substr(0, dot);
+  return wanted;
+}
+
+bool IsMeant(const DcfObj& picture, const Wanted& wanted) {
+  return SameName(PictureStem(picture), wanted.stem) &&
+         (wanted.folder.empty() || SameName(PictureFolder(picture), wanted.folder));
+}
+
+}  // namespace
+
+std::string PictureName(const DcfObj& picture) {
+  return Printable(PictureFolder(picture) + "/" + PictureStem(picture));
+}
+
+std::string TypeList(const DcfObj& picture) {
+  std::string list;
+  for (const int type : FileTypes(picture)) list += (list.empty() ? "" : " ") + std::string(FileTypeName(type));
+  return list;
+}
+
+DcfObj FindPicture(const std::vector<DcfObj>& catalogue, const std::string& name) {
+  const Wanted wanted = Understand(name);
+  std::vector<const DcfObj*> meant;
+  for (const DcfObj& picture : catalogue) {
+    if (IsMeant(picture, wanted)) meant.push_back(&picture);
+  }
+  if (meant.size() == 1) return *meant.front();
+  if (meant.empty()) {
+    throw Failure(ExitCode::kFailed,
+                  "There is no picture " + Printable(name) + " in the camera's catalogue; `kelva pictures` lists it.");
+  }
+  std::string all;
+  for (const DcfObj* picture : meant) all += (all.empty() ? "" : ", ") + PictureName(*picture);
+  throw Failure(ExitCode::kUsage, Printable(name) + " may mean " + all + "; name the folder too.");
+}
+
+Json PictureMembers(const DcfObj& picture) {
+  Json types = Json::Array();
+  for (const int type : FileTypes(picture)) types.Push(FileTypeName(type));
+  Json members = Json::Object();
+  members.SetBytes("folder", PictureFolder(picture)).SetBytes("name", PictureStem(picture));
+  members.Set("folder_number", picture.directoryNumber)
+      .Set("number", picture.fileNumber)
+      .Set("types", std::move(types));
+  const auto key = PictureKey(picture);
+  const auto time = PictureTime(picture);
+  members.Set("key", key ? Json(*key) : Json()).Set("time", time ? Json(*time) : Json());
+  members.Set("value5", picture.value5)
+      .Set("value6", static_cast<double>(picture.value6))
+      .Set("value9", picture.value9);
+  members.Set("block7", Hex({picture.block7, sizeof picture.block7}));
+  return members.Set("block8", Hex({picture.block8, sizeof picture.block8}));
+}
+
+}  // namespace apps

@@ -1,0 +1,58 @@
+#include "apps/camera/Catalogue.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "apps/commandline/Failure.h"
+
+namespace apps {
+namespace {
+
+using testing::HasSubstr;
+
+DcfObj Made(int folder, int number) {
+  DcfObj picture{};
+  std::memcpy(picture.directorySuffix, "ABCDE", 5);
+  std::memcpy(picture.filePrefix, "IMG_", 4);
+  picture.directoryNumber = folder;
+  picture.fileNumber = number;
+  picture.hasJpg = 1;
+  picture.hasRaw = 1;
+  return picture;
+}
+
+std::string WhyNot(const std::string& name) {
+  try {
+    FindPicture({Made(100, 1), Made(101, 1), Made(100, 2)}, name);
+  } catch (const Failure& failure) {
+    return failure.what();
+  }
+  return "found";
+}
+
+TEST(FindPictureTest, ANameThatIsUniqueNeedsNoFolderNoExtensionAndNoCase) {
+  for (const char* name : {"IMG_0002", "img_0002.jpg", "100ABCDE/IMG_0002", "I:\\DCIM\\100abcde\\IMG_0002.RAW"}) {
+    EXPECT_EQ(FindPicture({Made(100, 1), Made(100, 2)}, name).fileNumber, 2) << name;
+  }
+}
+
+TEST(FindPictureTest, TheSameNameInTwoFoldersNeedsTheFolder) {
+  EXPECT_EQ(WhyNot("IMG_0001"), "IMG_0001 may mean 100ABCDE/IMG_0001, 101ABCDE/IMG_0001; name the folder too.");
+  EXPECT_EQ(WhyNot("101ABCDE/IMG_0001"), "found");
+}
+
+TEST(FindPictureTest, ANameThatIsNotThereIsAnError) {
+  EXPECT_THAT(WhyNot("IMG_0003"), HasSubstr("There is no picture"));
+}
+
+TEST(CatalogueTest, MembersNameWhatThePictureHas) {
+  EXPECT_THAT(PictureMembers(Made(100, 7)).Text(),
+              HasSubstr(R"("folder":"100ABCDE","name":"IMG_0007","folder_number":100,"number":7,"types":["JPG","RAW"],)"
+                        R"("key":null,"time":null,)"));
+  EXPECT_EQ(TypeList(Made(100, 7)), "JPG RAW");
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,30 @@
+#include "apps/camera/Explain.h"
+
+#include <new>
+
+#include "apps/camera/Advice.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "src/wifi/CameraError.h"
+
+namespace apps {
+
+Outcome Explain(const std::exception& error, const std::string& doing) {
+  if (const auto* failure = dynamic_cast<const Failure*>(&error)) return {failure->Code(), failure->what()};
+  const std::string start = "Cannot " + (doing.empty() ? "do that" : doing) + ": ";
+  if (dynamic_cast<const CameraError*>(&error) != nullptr) {
+    const Verdict verdict = AdviceFor(std::string_view(error.what()));
+    return {verdict.code, start + verdict.clause};
+  }
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) {
+    return {ExitCode::kFailed,
+            start + "there is not enough memory; a file of a camera is held in memory while it is moved."};
+  }
+  return {ExitCode::kFailed, start + Printable(error.what()) + "."};
+}
+
+bool EndsAll(ExitCode code) {
+  return code == ExitCode::kGone || code == ExitCode::kTimedOut;
+}
+
+}  // namespace apps

@@ -1,0 +1,71 @@
+#include "apps/camera/Hotplug.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <utility>
+
+namespace apps {
+namespace {
+
+// The facts of the entry whose serial number the camera answers to.
+RegistryCamera FactsOf(const Camera& camera) {
+  for (RegistryCamera& entry : CamerasInRegistry()) {
+    if (!entry.serial.empty() && camera.CompareSn(entry.serial.c_str())) return std::move(entry);
+  }
+  return {};
+}
+
+}  // namespace
+
+// Called from C frames of the run loop, which no exception may cross.
+void Hotplug::Report(const HotplugEvent& event) noexcept {
+  if (error_ || finished_) return;
+  try {
+    handler_(event);
+  } catch (...) {
+    error_ = std::current_exception();
+  }
+}
+
+void Hotplug::OnAttach(boost::shared_ptr<Camera> camera, void* self) {
+  auto& hotplug = *static_cast<Hotplug*>(self);
+  try {
+    hotplug.watched_.push_back({&hotplug, FactsOf(*camera), camera});
+    camera->ListenForCameraLost(OnLost, &hotplug.watched_.back());
+  } catch (...) {
+    hotplug.error_ = std::current_exception();
+  }
+  hotplug.Report({HotplugEvent::Kind::kAttached, hotplug.present_, hotplug.watched_.back().facts});
+}
+
+void Hotplug::OnBad(void* self) {
+  auto& hotplug = *static_cast<Hotplug*>(self);
+  hotplug.Report({HotplugEvent::Kind::kBad, hotplug.present_, {}});
+}
+
+void Hotplug::OnLost(void* watched) {
+  const auto& lost = *static_cast<Watched*>(watched);
+  lost.owner->Report({HotplugEvent::Kind::kLost, false, lost.facts});
+}
+
+// Not in OnLost: the library still uses the camera after it.
+void Hotplug::ForgetLost() {
+  watched_.remove_if([](const Watched& watched) { return watched.camera->WasDisconnected(); });
+}
+
+void Hotplug::Run(const Stop& stop) {
+  Camera::ListenForCameraAttach(OnAttach, this, false);
+  Camera::ListenForBadCameraAttach(OnBad, this);
+  present_ = false;
+  const CFRunLoopRef loop = CFRunLoopGetCurrent();
+  const Stop::WakeUp wakeUp(stop, [loop] { CFRunLoopStop(loop); });
+  constexpr CFTimeInterval kForEver = 1e10;
+  while (!error_ && !finished_) {
+    stop.Check();
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, kForEver, true);
+    ForgetLost();
+  }
+  if (error_) std::rethrow_exception(error_);
+}
+
+}  // namespace apps

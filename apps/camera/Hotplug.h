@@ -1,0 +1,61 @@
+#ifndef KELVA_APPS_CAMERA_HOTPLUG_H_
+#define KELVA_APPS_CAMERA_HOTPLUG_H_
+
+#include <boost/shared_ptr.hpp>
+#include <exception>
+#include <functional>
+#include <list>
+#include <string>
+
+#include "apps/camera/Registry.h"
+#include "apps/commandline/Stop.h"
+#include "src/wifi/Camera.h"
+
+namespace apps {
+
+/// What happened to a camera.
+struct HotplugEvent {
+  enum class Kind { kAttached, kLost, kBad } kind;
+  bool present;          ///< attached before the watch began
+  RegistryCamera facts;  ///< empty for a bad camera: the system does not tell which it is
+};
+
+/// Watches cameras come and go on the thread that runs it. One per process.
+class Hotplug {
+ public:
+  using Handler = std::function<void(const HotplugEvent&)>;
+
+  /// The handler may throw; Run then ends with that exception, and no event after it is handled.
+  explicit Hotplug(Handler handler) : handler_(std::move(handler)) {}
+  Hotplug(const Hotplug&) = delete;
+  Hotplug& operator=(const Hotplug&) = delete;
+
+  /// Reports the cameras that are there, then each change, until `stop` is requested (throws Stopped) or Finish is
+  /// called. Throws CameraError when the system refuses to watch.
+  void Run(const Stop& stop);
+  /// Makes Run return; from within the handler.
+  void Finish() { finished_ = true; }
+
+ private:
+  struct Watched {
+    Hotplug* owner;
+    RegistryCamera facts;
+    boost::shared_ptr<Camera> camera;
+  };
+
+  static void OnAttach(boost::shared_ptr<Camera> camera, void* self);
+  static void OnBad(void* self);
+  static void OnLost(void* watched);
+  void Report(const HotplugEvent& event) noexcept;
+  void ForgetLost();
+
+  Handler handler_;
+  std::list<Watched> watched_;
+  bool present_ = true;
+  bool finished_ = false;
+  std::exception_ptr error_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_CAMERA_HOTPLUG_H_

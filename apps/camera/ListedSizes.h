@@ -1,0 +1,36 @@
+#ifndef KELVA_APPS_CAMERA_LISTED_SIZES_H_
+#define KELVA_APPS_CAMERA_LISTED_SIZES_H_
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "src/wifi/Camera.h"
+
+namespace apps {
+
+/// The sizes of files as their folders list them. Remembers one folder, so files in the order of a catalogue cost one
+/// listing for each folder.
+class ListedSizes {
+ public:
+  explicit ListedSizes(Camera& camera) : camera_(camera) {}
+
+  /// Whether the listing gives the file this size. Where it does not, the folder is listed once more: a file may have
+  /// grown since. Nothing when the folder does not list the file. Throws as Camera::ReadDir does.
+  std::optional<bool> Agrees(const std::string& cameraPath, unsigned long long size);
+  /// What the last answer was about; 0 for a file that is not listed.
+  unsigned long long Listed() const { return listed_; }
+
+ private:
+  bool LookUp(const std::string& name);
+  void Read(const std::string& folder);
+
+  Camera& camera_;
+  std::optional<std::string> folder_;
+  std::map<std::string, unsigned long long> sizes_;  // by name in small letters
+  unsigned long long listed_ = 0;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_CAMERA_LISTED_SIZES_H_

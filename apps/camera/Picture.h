@@ -1,0 +1,40 @@
+#ifndef KELVA_APPS_CAMERA_PICTURE_H_
+#define KELVA_APPS_CAMERA_PICTURE_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "src/wifi/DcfObj.h"
+
+namespace apps {
+
+/// The four files that a picture can have, as the library numbers them.
+inline constexpr int kFirstFileType = 1;
+inline constexpr int kLastFileType = 4;
+/// "JPG", "RAW", "TXT", "128".
+std::string_view FileTypeName(int type);
+/// The types that a picture has, in order.
+std::vector<int> FileTypes(const DcfObj& picture);
+
+/// "100ABCDE". The camera's bytes, not to be trusted.
+std::string PictureFolder(const DcfObj& picture);
+/// "IMG_0001".
+std::string PictureStem(const DcfObj& picture);
+/// "IMG_0001.JPG".
+std::string PictureFileName(const DcfObj& picture, int type);
+/// "I:\DCIM\100ABCDE\IMG_0001.JPG".
+std::string PicturePath(const DcfObj& picture, int type);
+
+/// The SHA-1 key of the picture's first file, where the catalogue carries one (as text in its field of type 7).
+std::optional<std::string> PictureKey(const DcfObj& picture);
+/// The time of the picture, "2026-03-14 15:09:26", where the catalogue carries one (as text in its field of type 8).
+std::optional<std::string> PictureTime(const DcfObj& picture);
+
+/// What tells this picture from an earlier one of the same name: its key, or else all that the catalogue says of it.
+std::string PictureFingerprint(const DcfObj& picture);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_CAMERA_PICTURE_H_

@@ -1,0 +1,54 @@
+#include "apps/camera/Session.h"
+
+#include <utility>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+
+namespace apps {
+namespace {
+
+bool IsStillAttached(Context& context, const std::string& serial) {
+  for (const AttachedCamera& camera : FindAttached(context.diversion)) {
+    if (camera.facts.serial == serial) return true;
+  }
+  return false;
+}
+
+Failure CannotOpen(Context& context, const std::string& serial) {
+  const std::string name = serial.empty() ? "The camera" : "Camera " + Printable(serial);
+  if (!IsStillAttached(context, serial)) {
+    return Failure(ExitCode::kGone, name + " went away before it could be opened; plug it in again.");
+  }
+  const std::string holders = context.holdersOf ? context.holdersOf(serial) : "";
+  if (!holders.empty()) {
+    return Failure(ExitCode::kBusy,
+                   name + " is held by " + Printable(holders) + "; wait until it has finished, or close it.");
+  }
+  return Failure(ExitCode::kBusy,
+                 name +
+                     " is attached but cannot be opened: another program holds it, or this user may not use it; "
+                     "`kelva doctor` says which and what to do.");
+}
+
+}  // namespace
+
+Session::Session(Context& context) : Session(context, WantedSerial(context.call.Value("serial"))) {}
+
+Session::Session(Context& context, const std::optional<std::string>& serial)
+    : chosen_(Choose(FindAttached(context.diversion), serial)) {
+  context.stop.Check();
+  if (!chosen_.camera->Open()) throw CannotOpen(context, chosen_.facts.serial);
+}
+
+Session::~Session() {
+  chosen_.camera->Close();
+}
+
+Json CameraResult(const Session& session) {
+  Json result = Json::Object();
+  result.SetBytes("serial", session.Facts().serial);
+  return result;
+}
+
+}  // namespace apps

@@ -1,0 +1,38 @@
+#ifndef KELVA_APPS_CAMERA_SESSION_H_
+#define KELVA_APPS_CAMERA_SESSION_H_
+
+#include <boost/shared_ptr.hpp>
+#include <optional>
+#include <string>
+
+#include "apps/camera/Attached.h"
+#include "apps/commandline/Context.h"
+#include "src/wifi/Camera.h"
+
+namespace apps {
+
+/// One open camera; closed when this goes.
+class Session {
+ public:
+  /// Opens the camera that the command line means. Throws Failure: as Choose, or it cannot be opened.
+  explicit Session(Context& context);
+  /// Opens the camera with this serial number, or the only one.
+  Session(Context& context, const std::optional<std::string>& serial);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  Camera& operator*() const { return *chosen_.camera; }
+  Camera* operator->() const { return chosen_.camera.get(); }
+  const RegistryCamera& Facts() const { return chosen_.facts; }
+
+ private:
+  AttachedCamera chosen_;
+};
+
+/// The beginning of every result about one camera: its serial number.
+Json CameraResult(const Session& session);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_CAMERA_SESSION_H_

@@ -1,0 +1,77 @@
+#ifndef KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
+#define KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "src/wifi/Camera.h"
+
+namespace apps {
+
+/// A camera for tests: files in memory, in one folder, and switches for what can go wrong. Sends no commands.
+class FakeCamera : public Camera {
+ public:
+  explicit FakeCamera(std::string serial = "") : Camera(65536, 262144), serial_(std::move(serial)) {}
+
+  std::string Name() const override { return "Fake"; }
+  std::string MountPath() const override { return ""; }
+  bool Open() override { return open_ = true; }
+  void Close() override { open_ = false; }
+  void ListenForCameraLost(void (*)(void*), void*) override {}
+  bool WasDisconnected() override { return false; }
+  bool IsScsiInquiryCorrect() const override { return true; }
+  bool Cancel(bool, bool) override { return false; }
+  void ClearCancel(bool) override {}
+  bool IsOpen() override { return open_; }
+  bool Transfer(const _VscCdb&, int, int&, char*, bool) override { return false; }
+  bool CompareSn(const char* serial) const override { return serial_ == serial; }
+
+  std::vector<CameraDirent> ReadDir(const char* path) override {
+    std::vector<CameraDirent> entries = {{".", 0, 0x10}, {"LABEL", 0, 0x08}};
+    if (folder != path) return entries;
+    for (const auto& [name, text] : files) entries.push_back({name, static_cast<int>(text.size()) + lie, 0x20});
+    for (const std::string& name : folders) entries.push_back({name, 0, 0x10});
+    return entries;
+  }
+  using Camera::ReadFile;
+  std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool) override {
+    ++reads;
+    if (progress != nullptr) progress(context, 0);
+    const auto found = files.find(NameIn(path));
+    if (found == files.end()) return {};
+    return {found->second.begin(), found->second.end()};
+  }
+  void WriteFile(const char* path, const char* data, int length, void (*progress)(void*, float),
+                 void* context) override {
+    files[NameIn(path)] = std::string(data, static_cast<std::size_t>(length)) + damage;
+    if (writeBreaks) throw CameraTransferError("broken off");
+    if (progress != nullptr) progress(context, 0);
+  }
+  bool DeleteFile(const char* path) override {
+    if (forbidden == NameIn(path)) throw CameraTransferError("refused");
+    if (!stubborn) files.erase(NameIn(path));
+    return !refuses;
+  }
+
+  std::string folder = "I:";
+  std::map<std::string, std::string> files;
+  std::vector<std::string> folders;
+  int reads = 0;
+  int lie = 0;               ///< added to every size in a listing
+  std::string damage;        ///< added to every file that is written
+  std::string forbidden;     ///< deleting this one is an error
+  bool writeBreaks = false;  ///< writing ends in an error, half of it done
+  bool stubborn = false;
+  bool refuses = false;
+
+ private:
+  static std::string NameIn(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
+
+  std::string serial_;
+  bool open_ = false;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_

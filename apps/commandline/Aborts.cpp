@@ -1,0 +1,54 @@
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstring>
+
+#include "apps/commandline/Guard.h"
+#include "apps/commandline/Scratch.h"
+#include "apps/commandline/Supervisor.h"
+
+namespace apps {
+namespace {
+
+// A signal handler may only touch plain static storage and make plain system calls.
+struct LastText {
+  std::array<char, 512> bytes{};
+  std::size_t size = 0;
+
+  void Keep(const std::string& text) {
+    size = std::min(text.size(), bytes.size());
+    std::memcpy(bytes.data(), text.data(), size);
+  }
+  void WriteTo(int fd) const {
+    if (size == 0) return;
+    [[maybe_unused]] const ssize_t written = ::write(fd, bytes.data(), size);
+  }
+};
+
+LastText lastWord;
+LastText lastResult;
+int resultDescriptor = -1;
+
+extern "C" void OnAbort(int) {
+  RemoveScratchFiles();
+  // Another process takes over and will give the result.
+  if (Guard::NoteAbort()) ::_exit(static_cast<int>(ExitCode::kFailed));
+  lastWord.WriteTo(STDERR_FILENO);
+  lastResult.WriteTo(resultDescriptor);
+  ::_exit(static_cast<int>(ExitCode::kFailed));
+}
+
+}  // namespace
+
+void CatchAborts(const std::string& word, const std::string& result, int resultFd) {
+  lastWord.Keep(word);
+  lastResult.Keep(result);
+  resultDescriptor = resultFd;
+  struct sigaction action = {};
+  action.sa_handler = OnAbort;
+  sigfillset(&action.sa_mask);
+  ::sigaction(SIGABRT, &action, nullptr);
+}
+
+}  // namespace apps

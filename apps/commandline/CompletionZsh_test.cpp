@@ -1,0 +1,19 @@
+#include "apps/commandline/Completion.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace apps {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr Option kOptions[] = {{"zone", 'z', "ZONE", "It's [a] zone.", Offer::kWords, "utc local"}};
+constexpr Verb kTable[] = {{"time", "The clock's time", {}, kOptions, "", "", {}, nullptr}};
+
+TEST(CompletionTest, ZshDescribesOptionsAndEscapesWhatItsSpecificationsUse) {
+  EXPECT_THAT(ZshCompletion(kTable), HasSubstr(R"('*--zone[It'\''s \[a\] zone.]:ZONE:(utc local)')"));
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,28 @@
+#include "apps/commandline/Context.h"
+
+#include <utility>
+
+#include "apps/commandline/Schema.h"
+
+namespace apps {
+
+std::string ResultLine(std::string_view verb, ExitCode code, Json members) {
+  Json document = Json::Object();
+  document.Set("schema", kJsonSchema).Set("command", verb).Set("exit", static_cast<int>(code));
+  document.Set("ok", code == ExitCode::kDone);
+  return document.Merge(std::move(members)).Text() + "\n";
+}
+
+void Context::Result(apps::Json members, std::string_view text, ExitCode code) {
+  if (Json() && !out.TakeEnd()) return;
+  if (Json() && code != ExitCode::kDone && !members.Has("reason")) members.Set("reason", WordOf(code));
+  out.Add(Json() ? ResultLine(call.verb->name, code, std::move(members)) : std::string(text));
+  out.Flush();
+}
+
+void Context::Event(std::string_view event, apps::Json members, std::string_view text) {
+  out.Add(Json() ? EventLine(event, std::move(members)) : std::string(text));
+  out.Flush();
+}
+
+}  // namespace apps

@@ -1,0 +1,52 @@
+#ifndef KELVA_APPS_COMMANDLINE_CONTEXT_H_
+#define KELVA_APPS_COMMANDLINE_CONTEXT_H_
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "apps/commandline/Guard.h"
+#include "apps/commandline/Json.h"
+#include "apps/commandline/Output.h"
+#include "apps/commandline/Parse.h"
+#include "apps/commandline/Reporter.h"
+#include "apps/commandline/StdoutDiversion.h"
+#include "apps/commandline/Stop.h"
+
+namespace apps {
+
+/// What a verb works with. Lives as long as the verb runs and belongs to its thread, but for the reporter and the stop.
+class Context {
+ public:
+  const Invocation& call;
+  Output& out;
+  Reporter& reporter;
+  const Stop& stop;
+  StdoutDiversion& diversion;
+  Guard* guard = nullptr;  ///< for verbs that are guarded
+  /// Names the processes that hold the camera with a serial number, for a sentence; empty when that cannot be told.
+  std::function<std::string(const std::string& serial)> holdersOf;
+
+  Context(const Invocation& invocation, Output& output, Reporter& messages, const Stop& stopRequest,
+          StdoutDiversion& diverted)
+      : call(invocation), out(output), reporter(messages), stop(stopRequest), diversion(diverted) {}
+
+  /// Says what is being tried, for the sentence of a failure: "read I:\X.JPG". Printable.
+  void Doing(std::string what) { doing_ = std::move(what); }
+  const std::string& WasDoing() const { return doing_; }
+  bool Json() const { return reporter.Style().json; }
+  /// The result of the whole command, once; a document after the one that ends the command is left out: its members in JSON style, else its text. `code` is how the command ends; its word becomes the member "reason" of a failure that has none.
+  void Result(apps::Json members, std::string_view text, ExitCode code = ExitCode::kDone);
+  /// One of many results, given at once: a JSON object on a line of its own, else its text.
+  void Event(std::string_view event, apps::Json members, std::string_view text);
+
+ private:
+  std::string doing_;
+};
+
+/// The document that says how a command ended; `members` follow.
+std::string ResultLine(std::string_view verb, ExitCode code, Json members);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_COMMANDLINE_CONTEXT_H_

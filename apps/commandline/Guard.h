@@ -1,0 +1,42 @@
+#ifndef KELVA_APPS_COMMANDLINE_GUARD_H_
+#define KELVA_APPS_COMMANDLINE_GUARD_H_
+
+#include <functional>
+#include <string_view>
+
+namespace apps {
+
+/// Lets long work survive an abort: a process of its own does it, and where the library aborts in the middle of one item (a
+/// camera that breaks a rule which the library relies on), another process goes on without that item.
+/// Items are named by short tokens. The counters are the whole work's, over all processes.
+class Guard {
+ public:
+  /// Runs `work` in a process of its own, again without the item after each abort that happened in an item, and returns
+  /// its exit status. Signals that end the tool reach the worker; so does the end of this process. Call it while this
+  /// process has one thread and TakeOverSignals has been called.
+  static int Run(const std::function<int(Guard&)>& work);
+
+  /// An item begins. Tokens longer than 79 bytes are cut.
+  void Begin(std::string_view token);
+  /// The item is over.
+  void End();
+  /// Whether an earlier process aborted in this item.
+  bool IsBad(std::string_view token) const;
+
+  void Count(unsigned long long files, unsigned long long bytes);
+  unsigned long long Files() const;
+  unsigned long long Bytes() const;
+
+  /// From the abort handler: true when the abort happened in an item, so that another process will go on.
+  /// Async-signal-safe.
+  static bool NoteAbort() noexcept;
+
+ private:
+  struct Page;
+  explicit Guard(Page& page) : page_(page) {}
+  Page& page_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_COMMANDLINE_GUARD_H_

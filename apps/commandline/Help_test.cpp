@@ -1,0 +1,42 @@
+#include "apps/commandline/Help.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace apps {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr Argument kArguments[] = {{"PATH", "A file.", Argument::Count::kOneOrMore}};
+constexpr Option kOptions[] = {{"output", 'o', "FILE", "Where to."},
+                               {"a-name-that-is-much-too-long", 0, "", "What it does."}};
+constexpr Example kExamples[] = {{"kelva get X", "Fetch X."}};
+constexpr Verb kGet = {"get", "Fetch files", kArguments, kOptions, "One.\n\nTwo.", "", kExamples, nullptr};
+
+TEST(HelpTest, TheUsageLineShowsWhatIsNeeded) {
+  EXPECT_EQ(UsageLine(kGet), "kelva get [OPTIONS] PATH...");
+}
+
+TEST(HelpTest, EverythingInTheTableIsShown) {
+  const std::string help = HelpFor(kGet);
+  EXPECT_THAT(help, HasSubstr("Fetch files.\n\nUsage: kelva get [OPTIONS] PATH...\n\nOne.\n\nTwo.\n"));
+  EXPECT_THAT(help, HasSubstr("\nArguments:\n  PATH                    A file.\n"));
+  EXPECT_THAT(help, HasSubstr("\n  -o, --output FILE       Where to.\n"));
+  EXPECT_THAT(help, HasSubstr("\n      --a-name-that-is-much-too-long\n                          What it does.\n"));
+  EXPECT_THAT(help, HasSubstr("\n  -s, --serial SERIAL     The camera with this USB serial number; KELVA_SERIAL"));
+  EXPECT_THAT(help, HasSubstr("\nExamples:\n  kelva get X\n      Fetch X.\n"));
+}
+
+TEST(HelpTest, TheOverviewListsAllVerbs) {
+  EXPECT_THAT(Overview(std::span(&kGet, 1)), HasSubstr("\n  get                 Fetch files\n"));
+}
+
+TEST(WrappedTest, LinesEndAtTheWidth) {
+  EXPECT_EQ(Wrapped("aa bb cc", 2, 7), "  aa bb\n  cc\n");
+  EXPECT_EQ(Wrapped("toolongforit b", 0, 5), "toolongforit\nb\n");
+  EXPECT_EQ(Wrapped("a\n\nb", 1, 10), " a\n\n b\n");
+}
+
+}  // namespace
+}  // namespace apps

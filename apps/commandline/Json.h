@@ -1,0 +1,59 @@
+#ifndef KELVA_APPS_COMMANDLINE_JSON_H_
+#define KELVA_APPS_COMMANDLINE_JSON_H_
+
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace apps {
+
+/// A JSON value that the tool builds and prints; it never reads any. Members keep the order in which they were set.
+/// Texts may be any bytes: what is not UTF-8 is printed as U+FFFD, so that the document is always valid.
+class Json {
+ public:
+  Json() = default;  ///< null
+  Json(bool value) : value_(value) {}
+  Json(std::string value) : value_(std::move(value)) {}
+  Json(std::string_view value) : value_(std::string(value)) {}
+  Json(const char* value) : value_(std::string(value)) {}
+  /// A number that is not finite is printed as null.
+  Json(double value) : value_(value) {}
+  template <std::signed_integral T>
+  Json(T value) : value_(static_cast<std::int64_t>(value)) {}
+  template <std::unsigned_integral T>
+  requires(!std::same_as<T, bool>) Json(T value) : value_(static_cast<std::uint64_t>(value)) {}
+
+  static Json Object();
+  static Json Array();
+
+  /// Adds a member to an object. Names are the tool's own; one is set once.
+  Json& Set(std::string_view name, Json value);
+  /// Sets `name` to bytes of a camera: as text, and when they are no UTF-8 also as "<name>_hex", without loss.
+  Json& SetBytes(std::string_view name, std::string_view bytes);
+  /// Adds every member of another object.
+  Json& Merge(Json other);
+  /// Whether an object has this member.
+  bool Has(std::string_view name) const;
+  /// Adds an element to an array.
+  Json& Push(Json value);
+
+  /// The value in one line, without a line feed.
+  std::string Text() const;
+
+ private:
+  using Members = std::vector<std::pair<std::string, Json>>;
+  using Elements = std::vector<Json>;
+  explicit Json(Members members) : value_(std::move(members)) {}
+  explicit Json(Elements elements) : value_(std::move(elements)) {}
+  void Append(std::string& out) const;
+
+  std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Elements, Members> value_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_COMMANDLINE_JSON_H_

@@ -1,0 +1,35 @@
+#ifndef KELVA_APPS_COMMANDLINE_OUTPUT_H_
+#define KELVA_APPS_COMMANDLINE_OUTPUT_H_
+
+#include <atomic>
+#include <string>
+#include <string_view>
+
+namespace apps {
+
+/// Writes everything, through signals and short writes. Returns 0 or errno.
+int WriteAll(int fd, std::string_view bytes);
+
+/// The tool's standard output: results and nothing else. Collects until Flush. Not for use from two threads.
+class Output {
+ public:
+  /// `fd` stays the caller's.
+  explicit Output(int fd) : fd_(fd) {}
+
+  void Add(std::string_view text) { pending_ += text; }
+  /// Writes what was collected. Throws Failure when the reader has gone or the disk is full.
+  void Flush();
+  /// Whether a person sees it.
+  bool IsTerminal() const;
+  /// True for the first caller, who then gives the document that ends the command. Any thread.
+  bool TakeEnd() { return !ended_.exchange(true); }
+
+ private:
+  int fd_;
+  std::atomic<bool> ended_ = false;
+  std::string pending_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_COMMANDLINE_OUTPUT_H_

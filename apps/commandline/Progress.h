@@ -1,0 +1,72 @@
+#ifndef KELVA_APPS_COMMANDLINE_PROGRESS_H_
+#define KELVA_APPS_COMMANDLINE_PROGRESS_H_
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+#include "apps/commandline/Reporter.h"
+#include "apps/commandline/Stop.h"
+
+namespace apps {
+
+/// What a bar shows at one moment.
+struct ProgressView {
+  std::string_view what;  ///< printable
+  unsigned long long done;
+  unsigned long long total;  ///< 0 when unknown
+  std::chrono::duration<double> elapsed;
+  /// For several files whose bytes nobody knows before: how many are done, of how many. 0 for one file.
+  unsigned long long files = 0;
+  unsigned long long filesTotal = 0;
+  bool shareAlone = false;  ///< done and total are no bytes; only how they compare means something
+};
+
+/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left; of a share alone no bytes and no rate.
+std::string ProgressLine(const ProgressView& view, std::size_t columns);
+
+/// Shows how far a transfer is: a bar on a terminal, events in JSON style, nothing elsewhere. It also is the place where
+/// a running transfer notices that it has to stop. Used from the thread that transfers.
+class Progress {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  /// `what` are a camera's bytes; they are made printable here. `total` is in bytes, 0 when unknown.
+  Progress(Reporter& reporter, const Stop& stop, std::string_view what, unsigned long long total);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// Shows a new state, not more often than eyes (ten a second) or scripts (two a second) can use. Throws Stopped.
+  void At(unsigned long long done, Clock::time_point now = Clock::now());
+
+  /// Whether At would show something now.
+  bool IsDue(Clock::time_point now = Clock::now()) const;
+
+  /// In place of At, for work that says how much is done, from 0 to 1, and no bytes.
+  void AtShare(double share, Clock::time_point now = Clock::now());
+
+  /// Changes what is shown beside the bar.
+  void Name(std::string_view what);
+  /// For several files: how many are done, of how many.
+  void Files(unsigned long long done, unsigned long long total);
+
+  /// The library's progress callback; its context is a Progress.
+  static void Callback(void* progress, float fraction);
+  /// As Callback, for one of several transfers that share a bar: shows nothing new, only throws Stopped when asked to.
+  static void Check(void* progress, float fraction);
+
+ private:
+  Reporter& reporter_;
+  const Stop& stop_;
+  std::string what_;
+  unsigned long long total_;
+  bool shareAlone_ = false;
+  unsigned long long files_ = 0;
+  unsigned long long filesTotal_ = 0;
+  Clock::time_point start_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_COMMANDLINE_PROGRESS_H_

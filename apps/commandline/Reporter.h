@@ -1,0 +1,71 @@
+#ifndef KELVA_APPS_COMMANDLINE_REPORTER_H_
+#define KELVA_APPS_COMMANDLINE_REPORTER_H_
+
+#include <chrono>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "apps/commandline/ExitCode.h"
+#include "apps/commandline/Json.h"
+
+namespace apps {
+
+/// How messages are given.
+struct ReportStyle {
+  bool json = false;      ///< one JSON object a line
+  bool quiet = false;     ///< errors only
+  bool terminal = false;  ///< a person watches: progress bars
+  bool colour = false;
+};
+
+/// The style for a descriptor: bars only on a terminal that understands them, colours unless NO_COLOR is set.
+ReportStyle StyleFor(int fd, bool json, bool quiet);
+
+/// The tool's standard error: messages and progress. May be used from several threads.
+class Reporter {
+ public:
+  /// `fd` stays the caller's.
+  Reporter(int fd, ReportStyle style) : fd_(fd), style_(style) {}
+
+  /// A remark; not given when quiet.
+  void Note(std::string_view sentence);
+  /// A question, or what it is about: a remark that is also given when quiet, for nobody answers what was not asked.
+  void Ask(std::string_view sentence);
+  /// Why something did not work. Always given.
+  void Error(std::string_view sentence, ExitCode code);
+  /// Shows `line` in place of the last one; only on a terminal, not when quiet.
+  void Overwrite(std::string_view line);
+  /// Gives an event in JSON style; nothing in the others, nor when quiet.
+  void Event(Json members);
+  /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a command.
+  bool IsProgressDue(std::chrono::steady_clock::time_point now) const;
+  /// As IsProgressDue, and takes the turn where it is.
+  bool TakeProgressTurn(std::chrono::steady_clock::time_point now);
+  /// Takes away what Overwrite showed.
+  void Clear();
+  /// Error from the thread that ends the program: waits neither for another thread nor for a blocked terminal.
+  void LastWord(std::string_view sentence, ExitCode code);
+
+  /// What Error would write, for whoever can only write bytes that are ready: a signal handler.
+  std::string Line(std::string_view sentence, ExitCode code) const;
+
+  const ReportStyle& Style() const { return style_; }
+
+ private:
+  void Remark(std::string_view sentence);
+  void Write(std::string_view text);
+
+  int fd_;
+  ReportStyle style_;
+  mutable std::mutex mutex_;
+  std::chrono::steady_clock::time_point nextProgress_;
+  bool lineShown_ = false;
+};
+
+/// One event in JSON style as a line: the schema's number, the event's name, the members.
+std::string EventLine(std::string_view event, Json members);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_COMMANDLINE_REPORTER_H_

@@ -1,0 +1,34 @@
+#ifndef KELVA_APPS_COMMANDLINE_STDOUT_DIVERSION_H_
+#define KELVA_APPS_COMMANDLINE_STDOUT_DIVERSION_H_
+
+#include <string>
+
+#include "base/FileDescriptor.h"
+
+namespace apps {
+
+/// Keeps standard output for the tool's own results: while this lives, descriptor 1 leads into memory, so that a line
+/// which a library prints cannot get between them, and the real one is at hand here.
+class StdoutDiversion {
+ public:
+  StdoutDiversion();
+  ~StdoutDiversion();
+  StdoutDiversion(const StdoutDiversion&) = delete;
+  StdoutDiversion& operator=(const StdoutDiversion&) = delete;
+  /// The real standard output; -1 when the process was started without one.
+  int Real() const { return real_.Get(); }
+  /// What was printed since the last call, up to 4 KiB of it.
+  std::string Taken();
+
+ private:
+  base::FileDescriptor real_;
+  base::FileDescriptor memory_;
+};
+
+/// Opens /dev/null for each of the three standard descriptors that the process was started without, so that no file of
+/// ours gets its number.
+void FillStandardDescriptors();
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_COMMANDLINE_STDOUT_DIVERSION_H_

@@ -1,0 +1,56 @@
+#include "apps/commandline/StdoutDiversion.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <iostream>
+#include <optional>
+
+#include "apps/commandline/Output.h"
+
+namespace apps {
+namespace {
+
+class StdoutDiversionTest : public testing::Test {
+ protected:
+  StdoutDiversionTest() {
+    std::fflush(stdout);
+    saved_ = base::FileDescriptor(::dup(STDOUT_FILENO));
+    ::dup2(page_.Get(), STDOUT_FILENO);
+    diversion_.emplace();
+  }
+  ~StdoutDiversionTest() override {
+    diversion_.reset();
+    ::dup2(saved_.Get(), STDOUT_FILENO);
+  }
+
+  base::FileDescriptor page_{::memfd_create("page", MFD_CLOEXEC)};
+  base::FileDescriptor saved_;
+  std::optional<StdoutDiversion> diversion_;
+};
+
+TEST_F(StdoutDiversionTest, WhatALibraryPrintsIsTakenAndNotSeen) {
+  std::printf("FAILED = 0x%x\n", 0x2c2U);
+  std::cout << "and this" << std::endl;
+  EXPECT_EQ(diversion_->Taken(), "FAILED = 0x2c2\nand this\n");
+  EXPECT_EQ(::lseek(page_.Get(), 0, SEEK_END), 0);
+}
+
+TEST_F(StdoutDiversionTest, EachLineIsTakenOnce) {
+  std::printf("one\n");
+  EXPECT_EQ(diversion_->Taken(), "one\n");
+  EXPECT_EQ(diversion_->Taken(), "");
+  std::printf("two\n");
+  EXPECT_EQ(diversion_->Taken(), "two\n");
+}
+
+TEST_F(StdoutDiversionTest, ResultsReachTheRealOutput) {
+  EXPECT_EQ(WriteAll(diversion_->Real(), "result\n"), 0);
+  EXPECT_EQ(::lseek(page_.Get(), 0, SEEK_END), 7);
+}
+
+}  // namespace
+}  // namespace apps

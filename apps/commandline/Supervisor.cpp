@@ -1,0 +1,136 @@
+#include "apps/commandline/Supervisor.h"
+
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <thread>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Output.h"
+#include "apps/commandline/Scratch.h"
+#include "base/FileDescriptor.h"
+
+namespace apps {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+sigset_t EndingSignals() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&set, signal);
+  return set;
+}
+
+enum class Cause { kDone, kSignal, kDeadline };
+
+// Milliseconds for poll, rounded up; -1 without a deadline.
+int PollTime(std::optional<Clock::time_point> until) {
+  if (!until) return -1;
+  const auto left = std::chrono::ceil<milliseconds>(*until - Clock::now());
+  constexpr milliseconds kLongest{1'000'000'000};
+  return static_cast<int>(std::clamp(left, milliseconds(0), kLongest).count());
+}
+
+// The thread that does the work, and the descriptor that says when it has ended.
+class Worker {
+ public:
+  explicit Worker(const std::function<ExitCode(const Stop&)>& work)
+      : done_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), thread_([this, &work] { Run(work); }) {}
+  ~Worker() { thread_.join(); }
+  Worker(const Worker&) = delete;
+  Worker& operator=(const Worker&) = delete;
+
+  int DoneDescriptor() const { return done_.Get(); }
+  void AskToStop() { stop_.Request(); }
+  bool HasEnded() const { return ended_.load(); }
+  /// Valid when the worker has ended.
+  ExitCode Result() const { return result_; }
+
+ private:
+  void Run(const std::function<ExitCode(const Stop&)>& work) {
+    try {
+      result_ = work(stop_);
+    } catch (const Stopped&) {
+      result_ = ExitCode::kInterrupted;
+    }
+    ended_.store(true);
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = ::write(done_.Get(), &one, sizeof one);
+  }
+
+  base::FileDescriptor done_;
+  Stop stop_;
+  ExitCode result_ = ExitCode::kFailed;
+  std::atomic<bool> ended_ = false;
+  std::thread thread_;  // last: the others exist when it starts
+};
+
+Cause WaitForCause(const Worker& worker, int signals, std::optional<Clock::time_point> deadline) {
+  std::array<pollfd, 2> watched{{{worker.DoneDescriptor(), POLLIN, 0}, {signals, POLLIN, 0}}};
+  for (;;) {
+    const int ready = ::poll(watched.data(), watched.size(), PollTime(deadline));
+    if (worker.HasEnded()) return Cause::kDone;
+    if (ready > 0 && (watched[1].revents & POLLIN) != 0) return Cause::kSignal;
+    if (ready == 0 && deadline && Clock::now() >= *deadline) return Cause::kDeadline;
+  }
+}
+
+std::string InWords(milliseconds time) {
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%g", static_cast<double>(time.count()) / 1000);
+  return text.data();
+}
+
+}  // namespace
+
+void TakeOverSignals() {
+  const sigset_t set = EndingSignals();
+  ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+}
+
+void GiveBackSignals() {
+  const sigset_t set = EndingSignals();
+  std::signal(SIGPIPE, SIG_DFL);
+  ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
+ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Supervision& supervision,
+                   Reporter& reporter) {
+  const sigset_t set = EndingSignals();
+  const base::FileDescriptor signals(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+  if (!signals) throw SystemFailure("watch for signals", errno);
+  std::optional<Clock::time_point> deadline;
+  if (supervision.timeout) deadline = Clock::now() + *supervision.timeout - supervision.spent;
+
+  Worker worker(work);
+  const Cause cause = WaitForCause(worker, signals.Get(), deadline);
+  if (cause == Cause::kDone) return worker.Result();
+
+  const bool late = cause == Cause::kDeadline;
+  const ExitCode code = late ? ExitCode::kTimedOut : ExitCode::kInterrupted;
+  const std::string sentence =
+      late ? "Timed out after " + InWords(*supervision.timeout) + " s; a longer --timeout gives the camera more time."
+           : "Interrupted; what was finished before stays as it is.";
+  reporter.LastWord(sentence, code);
+  worker.AskToStop();
+  // A worker that sits in one long transfer is not waited for.
+  const bool done = WaitForCause(worker, -1, Clock::now() + supervision.grace) == Cause::kDone;
+  if (supervision.atEnd) supervision.atEnd(code, sentence);
+  if (done) return code;
+  RemoveScratchFiles();
+  ::_exit(static_cast<int>(code));
+}
+
+}  // namespace apps

@@ -1,0 +1,45 @@
+#ifndef KELVA_APPS_COMMANDLINE_SUPERVISOR_H_
+#define KELVA_APPS_COMMANDLINE_SUPERVISOR_H_
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "apps/commandline/ExitCode.h"
+#include "apps/commandline/Reporter.h"
+#include "apps/commandline/Stop.h"
+
+namespace apps {
+
+/// Blocks the signals that end the tool (SIGINT, SIGTERM, SIGHUP) in this thread and all that it starts, and ignores
+/// SIGPIPE. Call it before the first thread starts.
+void TakeOverSignals();
+/// What a child process has to undo before it becomes another program.
+void GiveBackSignals();
+
+/// Has an abort (an assertion of the library about the camera's answers) remove the temporary files, write `lastWord` to
+/// standard error and `lastResult` to `resultFd`, and end the process with exit status 1. The texts are copied now.
+void CatchAborts(const std::string& lastWord, const std::string& lastResult, int resultFd);
+
+/// What ends a command early.
+struct Supervision {
+  std::optional<std::chrono::milliseconds> timeout;
+  /// How much of it was spent before.
+  std::chrono::milliseconds spent{0};
+  /// How long the worker may take to notice before the process ends without it.
+  std::chrono::milliseconds grace{600};
+  /// Called last when one of the two ended the command, with how it ends and the sentence that was given. The worker may
+  /// still run.
+  std::function<void(ExitCode, const std::string& sentence)> atEnd = {};
+};
+
+/// Runs `work` on a thread of its own while this thread waits for its end, a signal or the deadline. When one of the two
+/// comes first, its sentence is given, the worker is asked to stop and has the grace to do so; then the temporary files
+/// are removed and the process ends at once. `work` throws nothing but Stopped.
+ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Supervision& supervision,
+                   Reporter& reporter);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_COMMANDLINE_SUPERVISOR_H_

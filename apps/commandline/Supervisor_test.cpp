@@ -1,0 +1,107 @@
+#include "apps/commandline/Supervisor.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "apps/commandline/Scratch.h"
+#include "base/FileDescriptor.h"
+
+namespace apps {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ExitedWithCode;
+
+class SupervisorTest : public testing::Test {
+ protected:
+  SupervisorTest() { TakeOverSignals(); }
+
+  std::string Said() const {
+    std::array<char, 1024> buffer{};
+    const ssize_t size = ::pread(page_.Get(), buffer.data(), buffer.size(), 0);
+    return std::string(buffer.data(), static_cast<std::size_t>(size));
+  }
+
+  base::FileDescriptor page_{::memfd_create("page", MFD_CLOEXEC)};
+  Reporter reporter_{page_.Get(), {}};
+};
+
+// Ends when it is asked to.
+ExitCode Obedient(const Stop& stop) {
+  while (true) {
+    stop.Check();
+    ::usleep(1000);
+  }
+}
+
+// Sits in a transfer that nobody can end.
+ExitCode Stuck(const Stop&) {
+  while (true) ::pause();
+}
+
+TEST_F(SupervisorTest, TheResultOfTheWorkIsTheResult) {
+  EXPECT_EQ(Supervise([](const Stop&) { return ExitCode::kPartial; }, {}, reporter_), ExitCode::kPartial);
+  EXPECT_EQ(Said(), "");
+}
+
+TEST_F(SupervisorTest, WhatIsToBeSaidAtTheEndComesLast) {
+  Supervision supervision{.timeout = 20ms};
+  supervision.atEnd = [this](ExitCode code, const std::string& sentence) {
+    EXPECT_EQ(code, ExitCode::kTimedOut);
+    EXPECT_EQ(Said(), "kelva: " + sentence + "\n");
+    reporter_.Note("end");
+  };
+  EXPECT_EQ(Supervise(Obedient, supervision, reporter_), ExitCode::kTimedOut);
+  EXPECT_NE(Said().find("kelva: end\n"), std::string::npos);
+}
+
+TEST_F(SupervisorTest, TheDeadlineEndsTheWorkAndSaysSo) {
+  EXPECT_EQ(Supervise(Obedient, {.timeout = 20ms}, reporter_), ExitCode::kTimedOut);
+  EXPECT_EQ(Said(), "kelva: Timed out after 0.02 s; a longer --timeout gives the camera more time.\n");
+}
+
+TEST_F(SupervisorTest, ASignalEndsTheWorkAndSaysSo) {
+  const auto work = [](const Stop& stop) {
+    ::kill(::getpid(), SIGINT);
+    return Obedient(stop);
+  };
+  EXPECT_EQ(Supervise(work, {}, reporter_), ExitCode::kInterrupted);
+  EXPECT_EQ(Said(), "kelva: Interrupted; what was finished before stays as it is.\n");
+}
+
+using SupervisorDeathTest = SupervisorTest;
+
+std::string FolderWithFile(const std::string& name) {
+  std::string pattern = testing::TempDir() + "supervisor-XXXXXX";
+  const std::string folder = ::mkdtemp(pattern.data());
+  std::ofstream(folder + "/" + name) << "half";
+  return folder;
+}
+
+TEST_F(SupervisorDeathTest, WorkThatCannotStopIsLeftAndItsFileRemoved) {
+  const std::string folder = FolderWithFile("part");
+  EXPECT_EXIT(
+      {
+        TakeOverSignals();
+        const base::FileDescriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY));
+        const ScratchRecord record(dir.Get(), "part");
+        Reporter reporter(STDERR_FILENO, {});
+        Supervise(Stuck, {.timeout = 10ms, .grace = 10ms}, reporter);
+      },
+      ExitedWithCode(8), "Timed out after 0.01 s");
+  EXPECT_FALSE(std::filesystem::exists(folder + "/part"));
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace apps

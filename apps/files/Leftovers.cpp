@@ -1,0 +1,47 @@
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <memory>
+#include <vector>
+
+#include "apps/files/NewFile.h"
+
+namespace apps {
+namespace {
+
+struct CloseDir {
+  void operator()(DIR* dir) const { ::closedir(dir); }
+};
+
+std::vector<std::string> TemporaryNames(const TargetFolder& folder) {
+  std::vector<std::string> names;
+  const int fd = ::openat(folder.Fd(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return names;
+  const std::unique_ptr<DIR, CloseDir> dir(::fdopendir(fd));
+  if (!dir) return names;
+  while (const dirent* entry = ::readdir(dir.get())) {
+    const std::string_view name = entry->d_name;
+    if (name.starts_with(kTemporaryStart) && name.ends_with(kTemporaryEnd)) names.emplace_back(name);
+  }
+  return names;
+}
+
+// A lock that can be had shows that no process writes the file any more.
+bool IsAbandoned(const TargetFolder& folder, const std::string& name) {
+  const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+  return file && ::flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+}  // namespace
+
+int RemoveLeftovers(const TargetFolder& folder) {
+  int removed = 0;
+  for (const std::string& name : TemporaryNames(folder)) {
+    if (IsAbandoned(folder, name) && ::unlinkat(folder.Fd(), name.c_str(), 0) == 0) ++removed;
+  }
+  return removed;
+}
+
+}  // namespace apps

@@ -1,0 +1,51 @@
+#include "apps/files/NewFile.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/commandline/Failure.h"
+
+namespace apps {
+namespace {
+
+namespace fs = std::filesystem;
+
+class LeftoversTest : public testing::Test {
+ protected:
+  LeftoversTest() {
+    std::string pattern = testing::TempDir() + "newfile-XXXXXX";
+    path_ = ::mkdtemp(pattern.data());
+    folder_.emplace(TargetFolder::Open(path_));
+  }
+  ~LeftoversTest() override { fs::remove_all(path_); }
+
+  void Put(const std::string& name, const std::string& text) const { std::ofstream(path_ / name) << text; }
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(path_)) names.push_back(entry.path().filename());
+    return names;
+  }
+
+  fs::path path_;
+  std::optional<TargetFolder> folder_;
+};
+
+TEST_F(LeftoversTest, LeftoversOfAKilledRunGoAndFilesInUseStay) {
+  Put(".kelva-0011223344556677.part", "half");
+  Put(".kelva-other", "mine");
+  const NewFile inUse(*folder_);
+  EXPECT_EQ(RemoveLeftovers(*folder_), 1);
+  EXPECT_FALSE(fs::exists(path_ / ".kelva-0011223344556677.part"));
+  EXPECT_EQ(Names().size(), 2U);
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,56 @@
+#ifndef KELVA_APPS_FILES_NEW_FILE_H_
+#define KELVA_APPS_FILES_NEW_FILE_H_
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "apps/commandline/Scratch.h"
+#include "apps/files/TargetFolder.h"
+#include "base/FileDescriptor.h"
+
+namespace apps {
+
+/// Temporary names start and end with these.
+inline constexpr std::string_view kTemporaryStart = ".kelva-";
+inline constexpr std::string_view kTemporaryEnd = ".part";
+
+/// A file that is being written under a temporary name and gets its final name only when it is whole and on disk.
+/// Destroyed before that, or with the process (an abort included), it leaves nothing behind. A lock (flock) tells a later
+/// run that a temporary file is still in use.
+class NewFile {
+ public:
+  /// `folder` outlives the file. Throws Failure.
+  explicit NewFile(const TargetFolder& folder);
+  ~NewFile();
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  /// Throws Failure, a full disk included.
+  void Write(std::span<const char> bytes);
+  /// Has the system begin to put the bytes on disk, and waits for nothing: a Flush that follows later is shorter.
+  void BeginFlush() noexcept;
+  /// Puts the bytes on disk. Throws Failure.
+  void Flush();
+  /// Gives the file its name; false when the name is taken, which is then left as it is. Throws Failure.
+  bool TakeName(const std::string& name);
+  /// As TakeName, in place of what has the name.
+  void ReplaceName(const std::string& name);
+
+ private:
+  void Named();
+
+  const TargetFolder& folder_;
+  std::string temporary_;
+  ScratchRecord record_;
+  base::FileDescriptor file_;
+  bool named_ = false;
+};
+
+/// Removes temporary files that an earlier process left behind (killed, or the power went) and none that is in use.
+/// Returns how many.
+int RemoveLeftovers(const TargetFolder& folder);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_FILES_NEW_FILE_H_

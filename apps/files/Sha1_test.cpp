@@ -1,0 +1,37 @@
+#include "apps/files/Sha1.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "apps/commandline/Output.h"
+#include "base/FileDescriptor.h"
+
+namespace apps {
+namespace {
+
+TEST(Sha1Test, KnownDigests) {
+  EXPECT_EQ(Sha1(std::string("abc")), "a9993e364706816aba3e25717850c26c9cd0d89d");
+  EXPECT_EQ(Sha1(std::string()), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+}
+
+TEST(Sha1Test, AFileIsReadFromItsStartWhereverItsOffsetIs) {
+  const base::FileDescriptor file(::memfd_create("file", MFD_CLOEXEC));
+  ASSERT_EQ(WriteAll(file.Get(), std::string(1'000'000, 'a')), 0);
+  EXPECT_EQ(Sha1OfFile(file.Get()), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
+}
+
+TEST(Sha1Test, AFileThatCannotBeReadHasNone) {
+  EXPECT_EQ(Sha1OfFile(-1), std::nullopt);
+}
+
+TEST(Sha1Test, AKeyIsFortyHexadecimalDigits) {
+  EXPECT_TRUE(IsKey("a9993e364706816aba3e25717850c26c9cd0d89D"));
+  EXPECT_FALSE(IsKey("a9993e364706816aba3e25717850c26c9cd0d89"));
+  EXPECT_FALSE(IsKey("g9993e364706816aba3e25717850c26c9cd0d89d"));
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,86 @@
+#include "apps/files/StoreFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/files/Sha1.h"
+
+namespace apps {
+namespace {
+
+bool HoldsTheSame(const TargetFolder& folder, const std::string& name, std::size_t size, const std::string& sha1) {
+  const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW, 0));
+  struct stat status {};
+  if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  if (static_cast<std::size_t>(status.st_size) != size || Sha1OfFile(file.Get()) != sha1) return false;
+  // Whoever wrote it may not have flushed it, and the camera's file may be deleted because this one is here.
+  return ::fsync(file.Get()) == 0;
+}
+
+}  // namespace
+
+std::string Numbered(const std::string& name, int number) {
+  if (number <= 1) return name;
+  const std::size_t dot = name.rfind('.');
+  const std::size_t stem = dot == std::string::npos || dot == 0 ? name.size() : dot;
+  return name.substr(0, stem) + "-" + std::to_string(number) + name.substr(stem);
+}
+
+void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes) {
+  NewFile file(folder);
+  file.Write(bytes);
+  file.Flush();
+  if (!file.TakeName(name)) {
+    throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
+                                         " already, and it was left as it is; --force replaces it, --output chooses "
+                                         "another name.");
+  }
+  folder.Sync();
+}
+
+void StoreReplacing(const TargetFolder& folder, const std::string& name, std::span<const char> bytes) {
+  NewFile file(folder);
+  file.Write(bytes);
+  file.Flush();
+  file.ReplaceName(name);
+  folder.Sync();
+}
+
+BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
+                       const std::string& sha1, int first)
+    : folder_(folder), name_(name), number_(first), last_(first + 10'000) {
+  // Files that are there already are looked at before anything is written.
+  for (; number_ <= last_ && folder_.Has(Numbered(name_, number_)); ++number_) {
+    isThere_ = HoldsTheSame(folder_, Numbered(name_, number_), bytes.size(), sha1);
+    if (isThere_) return;
+  }
+  file_.emplace(folder_);
+  file_->Write(bytes);
+  file_->BeginFlush();
+}
+
+void BesideFile::Flush() {
+  if (file_) file_->Flush();
+}
+
+Stored BesideFile::TakeName() {
+  if (isThere_) return {Numbered(name_, number_), true};
+  for (; number_ <= last_; ++number_) {
+    const std::string candidate = Numbered(name_, number_);
+    if (file_->TakeName(candidate)) return {candidate, false};
+  }
+  throw Failure(ExitCode::kFailed, "There are too many files named like " + Printable(folder_.PathOf(name_)) +
+                                       "; move some of them elsewhere.");
+}
+
+Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
+                   const std::string& sha1) {
+  BesideFile file(folder, name, bytes, sha1);
+  file.Flush();
+  return file.TakeName();
+}
+
+}  // namespace apps

@@ -1,0 +1,54 @@
+#ifndef KELVA_APPS_FILES_STORE_FILE_H_
+#define KELVA_APPS_FILES_STORE_FILE_H_
+
+#include <optional>
+#include <span>
+#include <string>
+
+#include "apps/files/NewFile.h"
+#include "apps/files/TargetFolder.h"
+
+namespace apps {
+
+/// `name` with a number before its extension: "IMG_0001.JPG", 2 is "IMG_0001-2.JPG"; 1 is the name itself.
+std::string Numbered(const std::string& name, int number);
+
+/// Stores whole, flushed bytes under a name that must be free. Throws Failure when it is not.
+void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes);
+/// As StoreNew, in place of what has the name.
+void StoreReplacing(const TargetFolder& folder, const std::string& name, std::span<const char> bytes);
+
+/// Where bytes ended up.
+struct Stored {
+  std::string name;
+  bool wasThere = false;  ///< the same bytes were there under this name already, and nothing was written
+};
+/// Stores bytes under a name, or where that is taken by something else, under the next free numbered one. In three steps,
+/// so that the disk can work on several files at once, and need not write their folder again for each.
+class BesideFile {
+ public:
+  /// Writes the bytes under a temporary name, unless they are there already. `first` is the number to begin with, `sha1`
+  /// that of the bytes; the folder outlives this. Throws Failure.
+  BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,
+             int first = 1);
+  /// Waits until it is on disk. Throws Failure.
+  void Flush();
+  /// Gives it its name. The caller flushes the folder. Throws Failure.
+  Stored TakeName();
+
+ private:
+  const TargetFolder& folder_;
+  std::string name_;
+  int number_;
+  int last_;
+  bool isThere_ = false;
+  std::optional<NewFile> file_;
+};
+
+/// All steps at once.
+Stored StoreBeside(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
+                   const std::string& sha1);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_FILES_STORE_FILE_H_

@@ -1,0 +1,101 @@
+#include "apps/files/StoreFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+
+#include "apps/commandline/Failure.h"
+#include "apps/files/Sha1.h"
+
+namespace apps {
+namespace {
+
+namespace fs = std::filesystem;
+
+class StoreFileTest : public testing::Test {
+ protected:
+  StoreFileTest() {
+    std::string pattern = testing::TempDir() + "storefile-XXXXXX";
+    path_ = ::mkdtemp(pattern.data());
+    folder_.emplace(TargetFolder::Open(path_));
+  }
+  ~StoreFileTest() override { fs::remove_all(path_); }
+
+  std::string Text(const std::string& name) const {
+    std::ifstream file(path_ / name);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  Stored Store(const std::string& name, const std::string& text) const {
+    return StoreBeside(*folder_, name, text, Sha1(text));
+  }
+
+  fs::path path_;
+  std::optional<TargetFolder> folder_;
+};
+
+TEST_F(StoreFileTest, AFreeNameIsTaken) {
+  const Stored stored = Store("A.JPG", "one");
+  EXPECT_EQ(stored.name, "A.JPG");
+  EXPECT_FALSE(stored.wasThere);
+  EXPECT_EQ(Text("A.JPG"), "one");
+}
+
+TEST_F(StoreFileTest, AnotherFileOfTheNameStaysAndTheNewOneIsNumbered) {
+  Store("A.JPG", "one");
+  EXPECT_EQ(Store("A.JPG", "two").name, "A-2.JPG");
+  EXPECT_EQ(Store("A.JPG", "three").name, "A-3.JPG");
+  EXPECT_EQ(Text("A.JPG"), "one");
+  EXPECT_EQ(Text("A-3.JPG"), "three");
+}
+
+TEST_F(StoreFileTest, TheSameBytesAreNotStoredTwice) {
+  Store("A.JPG", "one");
+  Store("A.JPG", "two");
+  const Stored stored = Store("A.JPG", "two");
+  EXPECT_EQ(stored.name, "A-2.JPG");
+  EXPECT_TRUE(stored.wasThere);
+}
+
+TEST_F(StoreFileTest, NothingBearsTheNameBeforeTheLastStep) {
+  const std::string one = "one";
+  const std::string two = "two";
+  BesideFile first(*folder_, "A.JPG", one, Sha1(one));
+  BesideFile second(*folder_, "A.JPG", two, Sha1(two));
+  first.Flush();
+  second.Flush();
+  EXPECT_FALSE(fs::exists(path_ / "A.JPG"));
+  EXPECT_EQ(second.TakeName().name, "A.JPG");
+  EXPECT_EQ(first.TakeName().name, "A-2.JPG");
+  EXPECT_EQ(Text("A.JPG"), "two");
+  EXPECT_EQ(Text("A-2.JPG"), "one");
+}
+
+TEST_F(StoreFileTest, ALinkIsNotLookedThrough) {
+  std::ofstream(path_ / "secret") << "one";
+  fs::create_symlink("secret", path_ / "A.JPG");
+  EXPECT_EQ(Store("A.JPG", "one").name, "A-2.JPG");
+  EXPECT_TRUE(fs::is_symlink(path_ / "A.JPG"));
+}
+
+TEST_F(StoreFileTest, StoringNewRefusesATakenNameAndReplacingDoesNot) {
+  StoreNew(*folder_, "A", std::string("one"));
+  EXPECT_THROW(StoreNew(*folder_, "A", std::string("two")), Failure);
+  EXPECT_EQ(Text("A"), "one");
+  StoreReplacing(*folder_, "A", std::string("two"));
+  EXPECT_EQ(Text("A"), "two");
+}
+
+TEST(NumberedTest, TheNumberStandsBeforeTheExtension) {
+  EXPECT_EQ(Numbered("A.JPG", 1), "A.JPG");
+  EXPECT_EQ(Numbered("A.JPG", 2), "A-2.JPG");
+  EXPECT_EQ(Numbered("A", 2), "A-2");
+  EXPECT_EQ(Numbered("%2Ea.b", 3), "%2Ea-3.b");
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,41 @@
+#ifndef KELVA_APPS_FILES_TARGET_FOLDER_H_
+#define KELVA_APPS_FILES_TARGET_FOLDER_H_
+
+#include <string>
+
+#include "base/FileDescriptor.h"
+
+namespace apps {
+
+/// openat2 below `folder`: no component leads out of it or through a symbolic link. Kernels without openat2 get a walk
+/// with O_NOFOLLOW. Returns a descriptor, or -1 with errno.
+int OpenBeneath(int folder, const std::string& path, int flags, unsigned mode);
+
+/// A folder that files of a camera are written into. It stays open, so that it cannot be exchanged meanwhile.
+class TargetFolder {
+ public:
+  /// Opens a folder that the user named; symbolic links in `path` are the user's own. Throws Failure.
+  static TargetFolder Open(const std::string& path);
+  /// As Open, made first where it is missing.
+  static TargetFolder OpenOrMake(const std::string& path);
+  /// Opens, and makes if need be, a folder directly below this one. Never follows a symbolic link. Throws Failure.
+  TargetFolder Below(const std::string& name) const;
+
+  int Fd() const { return folder_.Get(); }
+  /// As the user knows it, for messages.
+  const std::string& Path() const { return path_; }
+  std::string PathOf(const std::string& name) const;
+  bool Has(const std::string& name) const;
+  /// Makes the names in it last through a power cut. Throws Failure.
+  void Sync() const;
+
+ private:
+  TargetFolder(base::FileDescriptor folder, std::string path) : folder_(std::move(folder)), path_(std::move(path)) {}
+
+  base::FileDescriptor folder_;
+  std::string path_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_FILES_TARGET_FOLDER_H_

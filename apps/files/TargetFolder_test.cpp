@@ -1,0 +1,69 @@
+#include "apps/files/TargetFolder.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/commandline/Failure.h"
+
+namespace apps {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+class TargetFolderTest : public testing::Test {
+ protected:
+  TargetFolderTest() {
+    std::string pattern = testing::TempDir() + "newfile-XXXXXX";
+    path_ = ::mkdtemp(pattern.data());
+    folder_.emplace(TargetFolder::Open(path_));
+  }
+  ~TargetFolderTest() override { fs::remove_all(path_); }
+
+  void Put(const std::string& name, const std::string& text) const { std::ofstream(path_ / name) << text; }
+  fs::path path_;
+  std::optional<TargetFolder> folder_;
+};
+
+TEST_F(TargetFolderTest, AFolderThatIsMissingIsAFailureWithItsName) {
+  try {
+    TargetFolder::Open("/nowhere/at all");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_STREQ(failure.what(), "Cannot open the folder /nowhere/at all: No such file or directory; check the name.");
+  }
+}
+
+TEST_F(TargetFolderTest, AFolderBelowIsMadeOnceAndALinkInItsPlaceIsRefused) {
+  EXPECT_TRUE(folder_->Below("100ABCDE").Path().ends_with("/100ABCDE"));
+  EXPECT_NO_THROW(folder_->Below("100ABCDE"));
+  fs::create_directory_symlink("/tmp", path_ / "101ABCDE");
+  try {
+    folder_->Below("101ABCDE");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_THAT(failure.what(), HasSubstr("is a symbolic link and is not followed"));
+  }
+}
+
+TEST_F(TargetFolderTest, NothingIsOpenedOutsideTheFolder) {
+  Put("inside", "x");
+  const base::FileDescriptor inside(OpenBeneath(folder_->Fd(), "inside", O_RDONLY | O_CLOEXEC, 0));
+  EXPECT_TRUE(static_cast<bool>(inside));
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "../etc", O_RDONLY | O_CLOEXEC, 0), -1);
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "/etc/passwd", O_RDONLY | O_CLOEXEC, 0), -1);
+  fs::create_symlink("/etc/passwd", path_ / "link");
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "link", O_RDONLY | O_CLOEXEC, 0), -1);
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,86 @@
+#ifndef KELVA_APPS_IMPORT_MANIFEST_H_
+#define KELVA_APPS_IMPORT_MANIFEST_H_
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/files/TargetFolder.h"
+
+struct sqlite3;
+
+namespace apps {
+
+/// What names one file of one camera, now and at the next run.
+struct ManifestKey {
+  std::string serial;
+  std::string picture;      ///< the picture's identity, 24 bytes in hexadecimal
+  int type = 0;             ///< 1 to 4
+  std::string fingerprint;  ///< tells it from an earlier picture of the same name
+};
+
+/// One file that was fetched.
+struct ManifestRow {
+  ManifestKey key;
+  std::string path;  ///< below the target folder, as it was stored
+  std::string sha1;
+  unsigned long long size = 0;
+  bool verified = false;  ///< read from the camera twice, equal
+  bool deleted = false;   ///< on the camera, after it was verified
+};
+
+/// The list of what was fetched into a folder, in the folder itself (.kelva-manifest.sqlite). It decides what is new, so a
+/// file that was renamed or moved here is not fetched again. Any thread.
+class Manifest {
+ public:
+  static constexpr std::string_view kName = ".kelva-manifest.sqlite";
+
+  /// An empty one, of a folder that does not exist yet.
+  Manifest();
+  /// Opens the folder's manifest, and makes it when `make` is set; without a file and `make` it is empty.
+  /// Throws Failure when it cannot be read, or was made by a newer version.
+  Manifest(const TargetFolder& folder, bool make);
+  ~Manifest();
+  Manifest(Manifest&&) noexcept;
+  Manifest& operator=(Manifest&&) = delete;
+
+  std::optional<ManifestRow> Find(const ManifestKey& key);
+  /// Adds rows, or replaces those of the same keys, all or none. They are on disk when this returns.
+  void Record(const std::vector<ManifestRow>& rows);
+  void MarkDeleted(const ManifestKey& key);
+
+  /// While it lives, Find looks at one state of the list, which is faster for many. Nothing is recorded meanwhile.
+  class Reading {
+   public:
+    explicit Reading(Manifest& manifest);
+    ~Reading();
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+   private:
+    Manifest& manifest_;
+  };
+
+ private:
+  class Statement;
+  void Execute(const char* sql);
+  void Prepare();
+  void Insert(const ManifestRow& row);
+  [[noreturn]] void Fail(const std::string& doing) const;
+
+  /// The statement, prepared at its first use.
+  Statement& Prepared(std::unique_ptr<Statement>& statement, const char* sql);
+
+  std::string path_;
+  sqlite3* database_ = nullptr;
+  std::unique_ptr<Statement> find_;
+  std::unique_ptr<Statement> insert_;
+  std::mutex mutex_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_IMPORT_MANIFEST_H_

@@ -1,0 +1,40 @@
+#ifndef KELVA_APPS_IMPORT_PATTERN_H_
+#define KELVA_APPS_IMPORT_PATTERN_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "src/wifi/DcfObj.h"
+
+namespace apps {
+
+/// Where a file of a picture goes below the target folder.
+struct LocalPath {
+  std::vector<std::string> folders;
+  std::string name;
+
+  /// "100ABCDE/IMG_0001.JPG".
+  std::string Text() const;
+};
+
+/// The rule that names the files of pictures: text with tokens in braces, slashes between folders.
+/// {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}
+/// The last five come from the time that the catalogue gives, and are "undated" where it gives none.
+class Pattern {
+ public:
+  /// Throws Failure(kUsage): an unknown token, a path that is absolute or leads upwards, no name at its end.
+  explicit Pattern(std::string_view text);
+
+  /// Names one file. Every value becomes a sound part of a name first, so nothing of a camera can add a folder.
+  LocalPath Apply(const DcfObj& picture, int type, const std::string& serial) const;
+
+  static constexpr std::string_view kDefault = "{folder}/{name}";
+
+ private:
+  std::vector<std::string> components_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_IMPORT_PATTERN_H_

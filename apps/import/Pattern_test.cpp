@@ -1,0 +1,57 @@
+#include "apps/import/Pattern.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "apps/commandline/Failure.h"
+
+namespace apps {
+namespace {
+
+DcfObj Example(const char* suffix = "ABCDE", const char* prefix = "IMG_") {
+  DcfObj picture{};
+  std::strncpy(picture.directorySuffix, suffix, sizeof picture.directorySuffix - 1);
+  std::strncpy(picture.filePrefix, prefix, sizeof picture.filePrefix - 1);
+  picture.directoryNumber = 100;
+  picture.fileNumber = 7;
+  std::memcpy(picture.block8, "2026-03-14 15:09:26", 19);
+  return picture;
+}
+
+std::string Named(const char* pattern, const DcfObj& picture, int type = 1, const std::string& serial = "K1") {
+  return Pattern(pattern).Apply(picture, type, serial).Text();
+}
+
+TEST(PatternTest, TheDefaultKeepsTheCamerasFolders) {
+  EXPECT_EQ(Named("{folder}/{name}", Example()), "100ABCDE/IMG_0007.JPG");
+}
+
+TEST(PatternTest, EveryTokenHasItsValue) {
+  EXPECT_EQ(Named("{serial}/{year}-{month}-{day}/{date}_{time}_{stem}_{number}.{ext}", Example(), 2),
+            "K1/2026-03-14/2026-03-14_150926_IMG_0007_7.RAW");
+}
+
+TEST(PatternTest, WithoutATimeTheDateSaysSo) {
+  DcfObj picture = Example();
+  picture.block8[0] = 'x';
+  EXPECT_EQ(Named("{year}/{name}", picture), "undated/IMG_0007.JPG");
+}
+
+TEST(PatternTest, NoByteOfACameraAddsAFolderOrLeavesOne) {
+  EXPECT_EQ(Named("{folder}/{name}", Example("/../x", "../a")), "100%2F..%2Fx/%2E.%2Fa0007.JPG");
+  EXPECT_EQ(Named("{serial}/{name}", Example(), 1, ".."), "%2E./IMG_0007.JPG");
+  EXPECT_EQ(Named("{serial}/{name}", Example(), 1, ""), "%/IMG_0007.JPG");
+}
+
+TEST(PatternTest, WhatIsNoRuleIsRefused) {
+  for (const char* bad :
+       {"", "/abs/{name}", "../{name}", "a//{name}", "{folder}/", "{nope}", "{name", "./{name}", ".x/{name}"}) {
+    EXPECT_THROW(Pattern{bad}, Failure) << bad;
+  }
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,81 @@
+#ifndef KELVA_APPS_IMPORT_PLAN_H_
+#define KELVA_APPS_IMPORT_PLAN_H_
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/import/Manifest.h"
+#include "apps/import/Pattern.h"
+#include "src/wifi/DcfObj.h"
+
+namespace apps {
+
+/// What names a file of a picture in a manifest.
+ManifestKey KeyOf(const DcfObj& picture, int type, const std::string& serial);
+
+/// What all items of one plan share.
+struct SyncSource {
+  std::vector<DcfObj> catalogue;
+  std::string serial;
+  Pattern pattern;
+};
+
+/// One file of a picture, and what is known of it. Small, because there is one for every file of the camera; what else
+/// can be said of it is worked out when it is asked for. Valid as long as its plan.
+class SyncItem {
+ public:
+  enum class State : std::uint8_t { kNew, kFetched, kDeleted };
+
+  SyncItem(const SyncSource& source, const DcfObj& picture, int type)
+      : source_(&source), picture_(&picture), type_(static_cast<std::uint8_t>(type)) {}
+
+  const DcfObj& Picture() const { return *picture_; }
+  /// 1 to 4.
+  int Type() const { return type_; }
+  ManifestKey Key() const { return KeyOf(*picture_, type_, source_->serial); }
+  std::string CameraPath() const;
+  /// Where it goes below the target, without a number.
+  LocalPath Local() const;
+  /// 2 for the second item of the catalogue with this local path, and so on.
+  int Number() const { return number_; }
+  /// Where it goes below the target, as long as nothing else is there.
+  std::string LocalText() const;
+  /// Empty when the catalogue does not say.
+  std::string ExpectedSha1() const;
+  bool IsNew() const { return state_ == State::kNew; }
+  /// It was fetched, verified, and deleted on the camera.
+  bool IsDeleted() const { return state_ == State::kDeleted; }
+
+  void SetNumber(int number) { number_ = number; }
+  void SetState(State state) { state_ = state; }
+
+ private:
+  const SyncSource* source_;
+  const DcfObj* picture_;
+  int number_ = 1;
+  std::uint8_t type_;
+  State state_ = State::kNew;
+};
+
+/// What is to be done, in the catalogue's order.
+struct SyncPlan {
+  std::unique_ptr<const SyncSource> source;
+  std::vector<SyncItem> items;  ///< of the types asked for
+
+  std::size_t NewFiles() const;
+};
+
+/// Reads "jpg,raw": types in any case, each once. Throws Failure(kUsage). Nothing means all four.
+std::vector<int> ParseTypes(const std::optional<std::string>& list);
+
+/// Compares a catalogue with a manifest.
+SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
+                  const Pattern& pattern, Manifest& manifest);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_IMPORT_PLAN_H_

@@ -1,0 +1,100 @@
+#include "apps/import/Plan.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+
+#include "apps/commandline/Failure.h"
+
+namespace apps {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr char kKey[] = "a9993e364706816aba3e25717850c26c9cd0d89d";
+
+DcfObj Made(int folder, int number) {
+  DcfObj picture{};
+  std::memcpy(picture.directorySuffix, "ABCDE", 5);
+  std::memcpy(picture.filePrefix, "IMG_", 4);
+  picture.directoryNumber = folder;
+  picture.fileNumber = number;
+  picture.hasJpg = 1;
+  picture.hasRaw = 1;
+  std::memcpy(picture.block7, kKey, 40);
+  return picture;
+}
+
+class PlanTest : public testing::Test {
+ protected:
+  ~PlanTest() override { std::filesystem::remove_all(path_); }
+
+  SyncPlan Plan(const std::vector<DcfObj>& catalogue, const std::vector<int>& types) {
+    return MakePlan(catalogue, "K1", types, Pattern(Pattern::kDefault), manifest_);
+  }
+
+  std::string path_;
+  TargetFolder folder_ = [this] {
+    std::string pattern = testing::TempDir() + "plan-XXXXXX";
+    path_ = ::mkdtemp(pattern.data());
+    return TargetFolder::Open(path_);
+  }();
+  Manifest manifest_{folder_, true};
+};
+
+TEST_F(PlanTest, EveryFileOfEveryPictureIsAnItem) {
+  const SyncPlan plan = Plan({Made(100, 1), Made(101, 1)}, {1, 2, 3, 4});
+  ASSERT_EQ(plan.items.size(), 4U);
+  EXPECT_EQ(plan.NewFiles(), 4U);
+  EXPECT_EQ(plan.items[0].LocalText(), "100ABCDE/IMG_0001.JPG");
+  EXPECT_EQ(plan.items[3].LocalText(), "101ABCDE/IMG_0001.RAW");
+  EXPECT_EQ(plan.items[3].CameraPath(), "I:\\DCIM\\101ABCDE\\IMG_0001.RAW");
+}
+
+TEST_F(PlanTest, OnlyTheTypesAskedForAreItems) {
+  const SyncPlan plan = Plan({Made(100, 1)}, {2});
+  ASSERT_EQ(plan.items.size(), 1U);
+  EXPECT_EQ(plan.items[0].Type(), 2);
+}
+
+TEST_F(PlanTest, TheKeyIsThatOfTheFirstFileOnly) {
+  const SyncPlan plan = Plan({Made(100, 1)}, {1, 2});
+  EXPECT_EQ(plan.items[0].ExpectedSha1(), kKey);
+  EXPECT_EQ(plan.items[1].ExpectedSha1(), "");
+}
+
+TEST_F(PlanTest, WhatTheManifestHasIsNotNew) {
+  const SyncPlan before = Plan({Made(100, 1)}, {1, 2});
+  manifest_.Record({{before.items[0].Key(), "moved/elsewhere.jpg", kKey, 3, false, false}});
+  const SyncPlan after = Plan({Made(100, 1)}, {1, 2});
+  EXPECT_FALSE(after.items[0].IsNew());
+  EXPECT_TRUE(after.items[1].IsNew());
+}
+
+TEST_F(PlanTest, AnotherPictureOfTheSameNameIsNew) {
+  const SyncPlan before = Plan({Made(100, 1)}, {1});
+  manifest_.Record({{before.items[0].Key(), "100ABCDE/IMG_0001.JPG", kKey, 3, false, false}});
+  DcfObj other = Made(100, 1);
+  other.block7[0] = 'b';
+  EXPECT_TRUE(Plan({other}, {1}).items[0].IsNew());
+}
+
+TEST_F(PlanTest, ItemsThatWouldHaveOneNameAreNumberedInTheCataloguesOrder) {
+  const SyncPlan plan = MakePlan({Made(100, 1), Made(101, 1), Made(101, 2)}, "K1", {1}, Pattern("{name}"), manifest_);
+  ASSERT_EQ(plan.items.size(), 3U);
+  EXPECT_EQ(plan.items[0].LocalText(), "IMG_0001.JPG");
+  EXPECT_EQ(plan.items[1].LocalText(), "IMG_0001-2.JPG");
+  EXPECT_EQ(plan.items[2].LocalText(), "IMG_0002.JPG");
+}
+
+TEST(ParseTypesTest, TypesAreReadInAnyCaseAndOnce) {
+  EXPECT_THAT(ParseTypes("jpg,RAW,jpg,128"), ElementsAre(1, 2, 4));
+  EXPECT_THAT(ParseTypes(std::nullopt), ElementsAre(1, 2, 3, 4));
+  for (const char* bad : {"", "jpg,", "png", "jpg raw"}) EXPECT_THROW(ParseTypes(bad), Failure) << bad;
+}
+
+}  // namespace
+}  // namespace apps

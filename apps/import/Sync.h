@@ -1,0 +1,74 @@
+#ifndef KELVA_APPS_IMPORT_SYNC_H_
+#define KELVA_APPS_IMPORT_SYNC_H_
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/camera/Explain.h"
+#include "apps/camera/ListedSizes.h"
+#include "apps/commandline/Context.h"
+#include "apps/commandline/Guard.h"
+#include "apps/commandline/Progress.h"
+#include "apps/import/Manifest.h"
+#include "apps/import/Plan.h"
+#include "apps/import/Writers.h"
+#include "src/wifi/Camera.h"
+
+namespace apps {
+
+struct SyncOptions {
+  bool verify = false;       ///< read each new file twice
+  bool deleteAfter = false;  ///< delete on the camera what was read twice and is on disk
+};
+
+/// What came of it.
+struct SyncTotals {
+  unsigned long long stored = 0;
+  unsigned long long alreadyHere = 0;  ///< of these, files that were here already with the same content
+  unsigned long long bytes = 0;
+  unsigned long long failed = 0;
+  unsigned long long deleted = 0;
+};
+
+/// Carries out a plan: reads on the calling thread, stores on others, and deletes last. A file that fails is reported and
+/// the rest goes on; a camera that has gone, a full disk or a request to stop ends it, and what is stored stays.
+class Sync {
+ public:
+  Sync(Context& context, Camera& camera, const TargetFolder& folder, Manifest& manifest, SyncOptions options);
+
+  /// Nothing when the plan was carried out to its end, failed files included; otherwise what ended it. Throws Stopped.
+  std::optional<Outcome> Run(const SyncPlan& plan);
+  const SyncTotals& Totals() const { return totals_; }
+
+ private:
+  void ReadAll(const SyncPlan& plan, Writers& writers);
+  void ReadOne(const SyncItem& item, Writers& writers);
+  void Fetch(const SyncItem& item, Writers& writers);
+  void CompareKnown(const SyncItem& item);
+  std::vector<char> Read(const SyncItem& item);
+  void CheckSize(const SyncItem& item, std::size_t size);
+  std::optional<Outcome> DeleteVerified();
+  void DeleteOne(const SyncItem& item);
+  bool IsOnDisk(const ManifestRow& row) const;
+  void OnOutcome(const WriteOutcome& outcome);
+  void Fail(const SyncItem& item, const std::string& sentence);
+  bool IsRead(const SyncItem& item) const;
+  void ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item);
+
+  Context& context_;
+  Camera& camera_;
+  ListedSizes listed_;
+  const TargetFolder& folder_;
+  Manifest& manifest_;
+  SyncOptions options_;
+  Progress progress_;
+  unsigned long long readBytes_ = 0;
+  SyncTotals totals_;
+  std::vector<const SyncItem*> deletable_;
+  std::mutex mutex_;  // totals, output and deletable_: reached from the writers
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_IMPORT_SYNC_H_

@@ -1,0 +1,244 @@
+#include "apps/import/Writers.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "apps/commandline/Printable.h"
+#include "apps/files/NewFile.h"
+#include "apps/files/Sha1.h"
+
+namespace apps {
+namespace {
+
+// After these no other file will fare better.
+bool EndsAll(int error) {
+  return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE || error == ENODEV;
+}
+
+}  // namespace
+
+Writers::Writers(const TargetFolder& folder, Manifest& manifest, Report report)
+    : folder_(folder), manifest_(manifest), report_(std::move(report)) {
+  for (std::size_t i = 0; i < kThreads; ++i) threads_.emplace_back([this] { Run(); });
+}
+
+Writers::~Writers() {
+  {
+    const std::scoped_lock lock(mutex_);
+    ending_ = true;
+  }
+  work_.notify_all();
+  for (std::thread& thread : threads_) thread.join();
+  try {
+    Commit(std::exchange(done_, {}));
+  } catch (const Failure&) {
+    // The files are stored; the next run recognises them by their content.
+  }
+}
+
+void Writers::ThrowIfBroken(const std::unique_lock<std::mutex>&) const {
+  if (broken_) throw Failure(*broken_);
+}
+
+void Writers::Submit(WriteJob job) {
+  std::unique_lock lock(mutex_);
+  stored_.wait(lock, [this, &job] { return broken_ || bytes_ == 0 || bytes_ + job.bytes.size() <= kMostBytes; });
+  ThrowIfBroken(lock);
+  bytes_ += job.bytes.size();
+  queued_ += job.bytes.size();
+  queue_.push_back(std::move(job));
+  if (queue_.size() == 1 || IsFull()) work_.notify_one();
+}
+
+void Writers::Finish() {
+  std::vector<Done> rest;
+  {
+    std::unique_lock lock(mutex_);
+    ending_ = true;
+    work_.notify_all();
+    stored_.wait(lock, [this] { return broken_ || (queue_.empty() && active_ == 0); });
+    rest = std::exchange(done_, {});
+  }
+  Commit(std::move(rest));
+  std::unique_lock lock(mutex_);
+  ThrowIfBroken(lock);
+}
+
+void Writers::Abandon() {
+  const std::scoped_lock lock(mutex_);
+  queue_.clear();
+  queued_ = 0;
+}
+
+bool Writers::IsFull() const {
+  return queue_.size() >= kMostAtOnce || queued_ >= kMostBytesAtOnce;
+}
+
+std::vector<WriteJob> Writers::Take() {
+  std::vector<WriteJob> jobs;
+  std::size_t bytes = 0;
+  while (!queue_.empty() && jobs.size() < kMostAtOnce && bytes < kMostBytesAtOnce) {
+    bytes += queue_.front().bytes.size();
+    jobs.push_back(std::move(queue_.front()));
+    queue_.pop_front();
+  }
+  queued_ -= bytes;
+  ++active_;
+  return jobs;
+}
+
+// As much as is worth to be on its way at once; nothing when it is over.
+std::vector<WriteJob> Writers::Next() {
+  std::unique_lock lock(mutex_);
+  while (true) {
+    work_.wait(lock, [this] { return ending_ || broken_ || !queue_.empty(); });
+    work_.wait_for(lock, kGather, [this] { return ending_ || broken_ || queue_.empty() || IsFull(); });
+    if (broken_) return {};
+    if (!queue_.empty()) return Take();
+    if (ending_) return {};
+  }
+}
+
+void Writers::Run() {
+  for (std::vector<WriteJob> jobs = Next(); !jobs.empty(); jobs = Next()) {
+    std::size_t bytes = 0;
+    for (const WriteJob& job : jobs) bytes += job.bytes.size();
+    try {
+      StoreAll(jobs);
+    } catch (const Failure& failure) {
+      GiveUp(failure);
+    } catch (const std::exception& error) {
+      GiveUp(Failure(ExitCode::kFailed, std::string("Storing files stopped: ") + Printable(error.what()) + "."));
+    }
+    jobs.clear();
+    const std::scoped_lock lock(mutex_);
+    bytes_ -= bytes;
+    --active_;
+    stored_.notify_one();
+  }
+}
+
+void Writers::GiveUp(const Failure& failure) {
+  const std::scoped_lock lock(mutex_);
+  if (!broken_) broken_ = failure;
+  work_.notify_all();
+  stored_.notify_one();
+}
+
+// True when it worked. A failure of one file is reported; one that ends all is kept.
+bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending) {
+  try {
+    work();
+    return true;
+  } catch (const Failure& failure) {
+    if (EndsAll(failure.SystemError())) {
+      if (!ending) ending = failure;
+      return false;
+    }
+    const std::scoped_lock lock(commitMutex_);
+    report_({&item, std::nullopt, false, failure.what()});
+    return false;
+  }
+}
+
+// All are on their way before the first one is waited for, and named after the last one: a name changes the folder, which
+// a file system may write with each file that is flushed. Where the disk is full, those that were written are finished.
+void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
+  std::optional<Failure> ending;
+  std::vector<std::unique_ptr<Started>> started;
+  for (const WriteJob& job : jobs) {
+    if (!ending)
+      Try(
+          *job.item, [&] { started.push_back(Start(job)); }, ending);
+  }
+  for (std::unique_ptr<Started>& file : started) {
+    if (!Try(
+            *file->job->item, [&] { file->file.Flush(); }, ending))
+      file.reset();
+  }
+  for (const std::unique_ptr<Started>& file : started) {
+    std::optional<Done> done;
+    if (file && Try(
+                    *file->job->item, [&] { done = Finish(*file); }, ending))
+      Commit(AddDone(std::move(*done)));
+  }
+  if (ending) throw Failure(*ending);
+}
+
+// The group that is due, with it, or nothing.
+std::vector<Writers::Done> Writers::AddDone(Done done) {
+  const Clock::time_point now = Clock::now();
+  const std::scoped_lock lock(mutex_);
+  done_.push_back(std::move(done));
+  if (done_.size() < kMostInGroup && now - lastGroup_ < kGroupTime) return {};
+  lastGroup_ = now;
+  return std::exchange(done_, {});
+}
+
+Writers::Started::Started(const WriteJob& started, LocalPath local, std::string sum,
+                          std::shared_ptr<const TargetFolder> where)
+    : job(&started),
+      path(std::move(local)),
+      sha1(std::move(sum)),
+      folder(std::move(where)),
+      file(*folder, path.name, started.bytes, sha1, started.item->Number()) {}
+
+std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
+  const SyncItem& item = *job.item;
+  std::string sha1 = job.sha1.empty() ? Sha1(job.bytes) : job.sha1;
+  const std::string expected = item.ExpectedSha1();
+  if (!expected.empty() && expected != sha1) {
+    throw Failure(ExitCode::kFailed, "What the camera sent of " + Printable(item.CameraPath()) +
+                                         " has another SHA-1 than the catalogue says; it was not kept, the next run "
+                                         "reads it again.");
+  }
+  LocalPath path = item.Local();
+  auto folder = FolderFor(path);
+  return std::make_unique<Started>(job, std::move(path), std::move(sha1), std::move(folder));
+}
+
+Writers::Done Writers::Finish(Started& started) {
+  const SyncItem& item = *started.job->item;
+  Stored stored = started.file.TakeName();
+  started.path.name = std::move(stored.name);
+  const WriteJob& job = *started.job;
+  return {{item.Key(), started.path.Text(), started.sha1, job.bytes.size(), job.verified, false},
+          job.item,
+          stored.wasThere};
+}
+
+std::shared_ptr<const TargetFolder> Writers::FolderFor(const LocalPath& path) {
+  const std::scoped_lock lock(mutex_);
+  constexpr std::size_t kMostOpen = 128;
+  std::string name;
+  std::shared_ptr<const TargetFolder> folder;
+  for (const std::string& component : path.folders) {
+    name += component + "/";
+    std::shared_ptr<const TargetFolder>& known = folders_[name];
+    if (!known) {
+      known = std::make_shared<const TargetFolder>((folder ? *folder : folder_).Below(component));
+      RemoveLeftovers(*known);
+    }
+    folder = known;
+  }
+  if (folders_.size() > kMostOpen) folders_.clear();
+  if (folder) return folder;
+  return std::shared_ptr<const TargetFolder>(&folder_, [](const TargetFolder*) {});
+}
+
+void Writers::Commit(std::vector<Done> group) {
+  if (group.empty()) return;
+  const std::scoped_lock lock(commitMutex_);
+  // Names first, then the list that says they are there.
+  std::map<std::string, std::shared_ptr<const TargetFolder>> flushed;
+  std::vector<ManifestRow> rows;
+  for (const Done& done : group) {
+    auto& folder = flushed[done.row.path.substr(0, done.row.path.rfind('/') + 1)];
+    if (!folder) (folder = FolderFor(done.item->Local()))->Sync();
+    rows.push_back(done.row);
+  }
+  manifest_.Record(rows);
+  for (Done& done : group) report_({done.item, std::move(done.row), done.wasThere, ""});
+}
+
+}  // namespace apps

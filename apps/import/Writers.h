@@ -1,0 +1,129 @@
+#ifndef KELVA_APPS_IMPORT_WRITERS_H_
+#define KELVA_APPS_IMPORT_WRITERS_H_
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "apps/commandline/Failure.h"
+#include "apps/files/StoreFile.h"
+#include "apps/files/TargetFolder.h"
+#include "apps/import/Manifest.h"
+#include "apps/import/Plan.h"
+
+namespace apps {
+
+/// A file that was read and is to be stored.
+struct WriteJob {
+  const SyncItem* item;
+  std::vector<char> bytes;
+  std::string sha1;  ///< empty when it was not computed yet
+  bool verified;
+};
+
+/// How one job ended.
+struct WriteOutcome {
+  const SyncItem* item;
+  std::optional<ManifestRow> row;  ///< what is in the manifest now; nothing when it failed
+  bool wasThere = false;           ///< the same bytes were there already
+  std::string error;
+};
+
+/// Stores files while the next ones are being read. Several threads, because most of their time is spent waiting for the
+/// disk. Files become part of the manifest in groups, about one a second, after their folders were flushed; outcomes are
+/// reported after that.
+class Writers {
+ public:
+  using Report = std::function<void(const WriteOutcome&)>;
+
+  /// `report` is called by the writers' threads, one at a time. Folder and manifest outlive this.
+  Writers(const TargetFolder& folder, Manifest& manifest, Report report);
+  /// Stores what was handed over, then ends.
+  ~Writers();
+  Writers(const Writers&) = delete;
+  Writers& operator=(const Writers&) = delete;
+
+  /// Hands a file over; waits while too many bytes are on their way. Throws the failure that made further writing
+  /// pointless (a full or read-only disk, the manifest).
+  void Submit(WriteJob job);
+  /// Waits until all is stored and in the manifest. Throws as Submit.
+  void Finish();
+  /// Drops what is not being stored yet.
+  void Abandon();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr std::size_t kMostBytes = 4U << 20;
+  static constexpr std::size_t kMostInGroup = 1024;
+  static constexpr std::chrono::milliseconds kGroupTime{500};
+  static constexpr std::size_t kThreads = 4;
+  /// What one thread has on its way to the disk at once.
+  static constexpr std::size_t kMostAtOnce = 16;
+  static constexpr std::size_t kMostBytesAtOnce = 1U << 20;
+  /// How long a thread waits for more to put on its way at once.
+  static constexpr std::chrono::milliseconds kGather{2};
+
+  struct Done {
+    ManifestRow row;
+    const SyncItem* item;
+    bool wasThere;
+  };
+
+  // A file between its two steps.
+  struct Started {
+    const WriteJob* job;
+    LocalPath path;
+    std::string sha1;
+    std::shared_ptr<const TargetFolder> folder;
+    BesideFile file;
+
+    Started(const WriteJob& started, LocalPath local, std::string sum, std::shared_ptr<const TargetFolder> where);
+  };
+
+  void Run();
+  std::vector<WriteJob> Next();
+  std::vector<WriteJob> Take();
+  bool IsFull() const;
+  void StoreAll(const std::vector<WriteJob>& jobs);
+  bool Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending);
+  std::vector<Done> AddDone(Done done);
+  std::unique_ptr<Started> Start(const WriteJob& job);
+  Done Finish(Started& started);
+  std::shared_ptr<const TargetFolder> FolderFor(const LocalPath& path);
+  void Commit(std::vector<Done> group);
+  void GiveUp(const Failure& failure);
+  void ThrowIfBroken(const std::unique_lock<std::mutex>& lock) const;
+
+  const TargetFolder& folder_;
+  Manifest& manifest_;
+  Report report_;
+
+  std::mutex mutex_;                // the queue and what follows it
+  std::condition_variable work_;    // for the writers
+  std::condition_variable stored_;  // for the one who hands over
+  std::deque<WriteJob> queue_;
+  std::size_t queued_ = 0;  // bytes in the queue
+  std::size_t bytes_ = 0;   // handed over and not stored yet
+  std::size_t active_ = 0;  // threads that store
+  bool ending_ = false;     // nothing more will come
+  std::optional<Failure> broken_;
+  std::vector<Done> done_;
+  Clock::time_point lastGroup_ = Clock::now();
+  std::map<std::string, std::shared_ptr<const TargetFolder>> folders_;
+
+  std::mutex commitMutex_;  // the manifest and the report
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_IMPORT_WRITERS_H_

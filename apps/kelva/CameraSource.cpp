@@ -1,0 +1,49 @@
+#include "apps/kelva/CameraSource.h"
+
+#include <stdexcept>
+#include <vector>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/doctor/Holders.h"
+#include "apps/kelva/doctor/Survey.h"
+#include "bus/BusClient.h"
+#include "bus/BusConnection.h"
+#include "darwin/registry/Registry.h"
+#include "darwin/udev/UdevSource.h"
+
+namespace apps {
+namespace {
+
+// Asked on a connection of its own: the source's one belongs to the registry.
+std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::string& serial) {
+  std::vector<doctor::Holder> holders;
+  try {
+    bus::BusConnection bus(socket);
+    const auto cameras = bus::DecodeStatusList(bus.Request(bus::Kind::kStatus, {}).payload);
+    for (const bus::CameraStatus& camera : cameras.value_or(std::vector<bus::CameraStatus>())) {
+      const int pid = static_cast<int>(camera.holder);
+      if (camera.serial == serial && pid != 0) holders.push_back({pid, doctor::ProcessName(pid)});
+    }
+  } catch (const std::runtime_error&) {
+    // Who holds a camera is an addition to a sentence that stands without it.
+  }
+  return holders;
+}
+
+}  // namespace
+
+void ChooseCameraSource(const std::optional<std::string>& socket, const std::function<void(const std::string&)>& note) {
+  if (socket && socket->empty()) throw Failure(ExitCode::kUsage, "--virtual needs the path of a virtual bus's socket.");
+  try {
+    darwin::Registry::Shared().SetSource(socket ? bus::ConnectBus(*socket) : darwin::MakeUdevSource(note));
+  } catch (const std::runtime_error& error) {
+    throw Failure(ExitCode::kFailed, Printable(error.what()));
+  }
+}
+
+std::string HoldersInWords(const std::optional<std::string>& socket, const std::string& serial) {
+  return doctor::InWords(socket ? HoldersOnBus(*socket, serial) : doctor::HoldersOfCamera(serial));
+}
+
+}  // namespace apps

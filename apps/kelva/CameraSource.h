@@ -1,0 +1,21 @@
+#ifndef KELVA_APPS_KELVA_CAMERA_SOURCE_H_
+#define KELVA_APPS_KELVA_CAMERA_SOURCE_H_
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace apps {
+
+/// Decides where cameras come from: the virtual bus behind this socket, otherwise this machine.
+/// Neither takes the place of the other when it fails. `note` receives what the system has to say, on any thread.
+/// Throws Failure.
+void ChooseCameraSource(const std::optional<std::string>& socket, const std::function<void(const std::string&)>& note);
+
+/// Names the processes that hold the camera with this serial number, where cameras come from as above; empty when that
+/// cannot be told.
+std::string HoldersInWords(const std::optional<std::string>& socket, const std::string& serial);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_KELVA_CAMERA_SOURCE_H_

@@ -1,0 +1,189 @@
+#include "apps/kelva/doctor/Diagnosis.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "apps/kelva/doctor/Holders.h"
+
+namespace apps::doctor {
+namespace {
+
+constexpr int kCompactDisc = 5;
+constexpr const char* kBadRevision = "Q42";
+constexpr int kSectorsOfAChunk = 128;  // 65,536 bytes, the chunk of every bulk transfer
+
+Finding AboutCamera(const CameraFacts& camera, Condition condition, std::string sentence) {
+  return {condition, camera.serial, std::move(sentence), "", ""};
+}
+
+/// What unplugging and plugging in do, without touching the cable; empty for a unit that hangs on no USB device.
+std::string PlugAgain(const CameraFacts& camera) {
+  if (camera.usbPath.empty()) return "";
+  const std::string file = camera.usbPath + "/authorized";
+  return "echo 0 | sudo tee " + file + " && echo 1 | sudo tee " + file;
+}
+
+Finding DriverNotLoaded(const CameraFacts& camera) {
+  Finding finding =
+      AboutCamera(camera, Condition::kDriverNotLoaded, "The camera is on the bus, but no kernel driver has taken it.");
+  finding.command = "sudo modprobe usb-storage";
+  return finding;
+}
+
+Finding NotSetUp(const CameraFacts& camera) {
+  Finding finding = AboutCamera(camera, Condition::kNotSetUp,
+                                "The kernel's driver has the camera, but has not got its first answer from it.");
+  finding.advice = "Wait two seconds and ask again; then unplug the camera, switch it off and on, and plug it in.";
+  return finding;
+}
+
+Finding BadCamera(const CameraFacts& camera) {
+  Finding finding = AboutCamera(camera, Condition::kBadCamera,
+                                "The camera shows itself as a compact disc (revision Q42) and takes no commands.");
+  if (!camera.disc.empty()) finding.command = "sudo eject " + camera.disc;
+  finding.advice = "Then unplug the camera, switch it off and on, and plug it in again.";
+  return finding;
+}
+
+Finding NoGenericDriver(const CameraFacts& camera) {
+  Finding finding = AboutCamera(camera, Condition::kNoGenericDriver,
+                                "The camera has no generic node, because the kernel's sg driver is not loaded.");
+  finding.command = "sudo modprobe sg";
+  return finding;
+}
+
+Finding NoNode(const CameraFacts& camera) {
+  Finding finding = AboutCamera(camera, Condition::kNoNode,
+                                "The kernel has the camera as " + camera.node + ", but that node does not exist here.");
+  finding.command =
+      "sudo mknod -m 0666 " + camera.node + " c " + std::to_string(camera.major) + " " + std::to_string(camera.minor);
+  finding.advice = "In a container, start it with --device=" + camera.node + " instead.";
+  return finding;
+}
+
+Finding NoPermission(const CameraFacts& camera, const MachineFacts& facts) {
+  Finding finding =
+      AboutCamera(camera, Condition::kNoPermission,
+                  "This user may not read and write " + camera.node + " (" + std::strerror(camera.nodeError) + ").");
+  if (facts.rulesFile.empty()) {
+    finding.command = "sudo setfacl -m u:" + facts.user + ":rw " + camera.node;
+    finding.advice = "That lasts until the camera is unplugged; the udev rule of the kelva package lasts for ever.";
+  } else if (!facts.userInPlugdev) {
+    finding.command = "sudo usermod -aG plugdev " + facts.user;
+    finding.advice = "Log out and in again afterwards. At the machine's own screen no group is needed.";
+  } else {
+    finding.command = "sudo udevadm control --reload && sudo udevadm trigger --action=change " + camera.node;
+  }
+  return finding;
+}
+
+Finding Held(const CameraFacts& camera) {
+  Finding finding = AboutCamera(camera, Condition::kHeld, "The camera is held by " + InWords(camera.holders) + ".");
+  finding.command = "kill " + std::to_string(camera.holders.front().pid);
+  finding.advice = "Better let it finish, or close it the usual way.";
+  return finding;
+}
+
+Finding NotAnswering(const CameraFacts& camera) {
+  const bool silent = camera.answer == Answer::kSilent;
+  Finding finding =
+      AboutCamera(camera, Condition::kNotAnswering,
+                  silent ? "The camera does not answer." : "The camera answers every question with an error.");
+  finding.command = PlugAgain(camera);
+  finding.advice =
+      "Should that not help, unplug it, switch it off and on, and plug it in again; then try another cable "
+      "or port.";
+  return finding;
+}
+
+Finding Narrow(const CameraFacts& camera) {
+  Finding finding = AboutCamera(camera, Condition::kNarrow,
+                                "The kernel carries only " + std::to_string(*camera.maxSectors * 512) +
+                                    " bytes in one command for this camera, and the camera's chunks are 65536.");
+  finding.command = "echo " + std::to_string(kSectorsOfAChunk) + " | sudo tee " + camera.unitPath + "/max_sectors";
+  finding.advice = "The udev rule of the kelva package does this at every plug.";
+  return finding;
+}
+
+bool IsBadCamera(const CameraFacts& camera) {
+  return camera.peripheralType == kCompactDisc && camera.revision == kBadRevision;
+}
+
+Finding DiagnoseUnit(const CameraFacts& camera, const MachineFacts& facts) {
+  if (IsBadCamera(camera)) return BadCamera(camera);
+  if (camera.node.empty()) return NoGenericDriver(camera);
+  if (camera.nodeError == ENOENT) return NoNode(camera);
+  if (camera.nodeError != 0) return NoPermission(camera, facts);
+  if (!camera.holders.empty()) return Held(camera);
+  if (camera.answer == Answer::kSilent || camera.answer == Answer::kFails) return NotAnswering(camera);
+  if (camera.maxSectors.value_or(kSectorsOfAChunk) < kSectorsOfAChunk) return Narrow(camera);
+  return AboutCamera(camera, Condition::kWell, "The camera at " + camera.node + " is ready to be used.");
+}
+
+Finding DiagnoseCamera(const CameraFacts& camera, const MachineFacts& facts) {
+  if (!camera.unitPath.empty()) return DiagnoseUnit(camera, facts);
+  return camera.driverBound ? NotSetUp(camera) : DriverNotLoaded(camera);
+}
+
+Finding NoDevice() {
+  Finding finding{Condition::kNoDevice, "", "No camera is attached to this machine.", "", ""};
+  finding.advice =
+      "Switch the camera on, and try another cable or port: the kernel sees no USB device of this maker. "
+      "`journalctl -k -f` shows what it says while you plug in.";
+  return finding;
+}
+
+Finding NoUdev() {
+  Finding finding{Condition::kNoUdev, "", "No udev runs here, so cameras that are plugged in later go unnoticed.", "",
+                  ""};
+  finding.command = "sudo systemctl start systemd-udevd";
+  finding.advice = "In a container, run the tool on the host, or share the host's /run/udev and network.";
+  return finding;
+}
+
+}  // namespace
+
+std::string_view WordOf(Condition condition) {
+  switch (condition) {
+    case Condition::kWell:
+      return "well";
+    case Condition::kNoDevice:
+      return "no-device";
+    case Condition::kDriverNotLoaded:
+      return "driver-not-loaded";
+    case Condition::kNotSetUp:
+      return "not-set-up";
+    case Condition::kNoGenericDriver:
+      return "no-generic-driver";
+    case Condition::kNoNode:
+      return "no-node";
+    case Condition::kNoPermission:
+      return "no-permission";
+    case Condition::kHeld:
+      return "held";
+    case Condition::kBadCamera:
+      return "bad-camera";
+    case Condition::kNotAnswering:
+      return "not-answering";
+    case Condition::kNarrow:
+      return "narrow";
+    case Condition::kNoUdev:
+      return "no-udev";
+  }
+  return "unknown";
+}
+
+std::vector<Finding> Diagnose(const MachineFacts& facts) {
+  std::vector<Finding> findings;
+  for (const CameraFacts& camera : facts.cameras) findings.push_back(DiagnoseCamera(camera, facts));
+  if (findings.empty()) findings.push_back(NoDevice());
+  if (!facts.udevRuns) findings.push_back(NoUdev());
+  return findings;
+}
+
+bool IsHarmless(Condition condition) {
+  return condition == Condition::kWell || condition == Condition::kNoUdev;
+}
+
+}  // namespace apps::doctor

@@ -1,0 +1,95 @@
+#include "apps/kelva/doctor/Holders.h"
+
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdio>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+namespace apps::doctor {
+namespace {
+
+namespace fs = std::filesystem;
+
+// One line of the list: "3: FLOCK  ADVISORY  WRITE 1234 00:05:6789 0 EOF"; a waiting one has "->" after the number.
+bool IsLockOn(const std::string& line, const FileIdentity& file, int& pid) {
+  std::istringstream words(line);
+  std::string number, type, manner, mode, where;
+  words >> number >> type;
+  if (type == "->") words >> type;
+  words >> manner >> mode >> pid >> where;
+  unsigned major = 0;
+  unsigned minor = 0;
+  unsigned long inode = 0;
+  return words && type == "FLOCK" && pid > 0 && std::sscanf(where.c_str(), "%x:%x:%lu", &major, &minor, &inode) == 3 &&
+         major == file.major && minor == file.minor && inode == file.inode;
+}
+
+bool HasOpen(const fs::path& process, const struct stat& node) {
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(process / "fd", ignored)) {
+    struct stat opened;
+    if (::stat(entry.path().c_str(), &opened) == 0 && opened.st_dev == node.st_dev && opened.st_ino == node.st_ino) {
+      return true;
+    }
+  }
+  return false;
+}
+
+int ProcessNumber(const fs::path& directory) {
+  const std::string name = directory.filename();
+  int pid = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
+  return error == std::errc() && end == name.data() + name.size() ? pid : 0;
+}
+
+}  // namespace
+
+std::string ProcessName(int pid, const fs::path& proc) {
+  std::ifstream file(proc / std::to_string(pid) / "comm");
+  std::string name;
+  std::getline(file, name);
+  return name.empty() ? "a process" : name;
+}
+
+std::string InWords(const std::vector<Holder>& holders) {
+  std::string words;
+  for (const Holder& holder : holders) {
+    words += (words.empty() ? "" : ", ") + holder.name + " (process " + std::to_string(holder.pid) + ")";
+  }
+  return words;
+}
+
+std::vector<int> LockHolders(std::istream& locks, const FileIdentity& file) {
+  std::vector<int> holders;
+  std::string line;
+  while (std::getline(locks, line)) {
+    int pid = 0;
+    if (IsLockOn(line, file, pid)) holders.push_back(pid);
+  }
+  return holders;
+}
+
+std::vector<Holder> HoldersOf(const std::string& node, const fs::path& proc) {
+  struct stat status;
+  if (::stat(node.c_str(), &status) != 0) return {};
+  std::ifstream locks(proc / "locks");
+  const auto locking = LockHolders(locks, {major(status.st_dev), minor(status.st_dev), status.st_ino});
+  std::set<int> pids(locking.begin(), locking.end());
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(proc, ignored)) {
+    const int pid = ProcessNumber(entry.path());
+    if (pid != 0 && HasOpen(entry.path(), status)) pids.insert(pid);
+  }
+  pids.erase(::getpid());
+  std::vector<Holder> holders;
+  holders.reserve(pids.size());
+  for (int pid : pids) holders.push_back({pid, ProcessName(pid, proc)});
+  return holders;
+}
+
+}  // namespace apps::doctor

@@ -1,0 +1,17 @@
+#ifndef KELVA_APPS_KELVA_DOCTOR_PROBE_H_
+#define KELVA_APPS_KELVA_DOCTOR_PROBE_H_
+
+#include <string>
+
+#include "apps/kelva/doctor/Facts.h"
+#include "darwin/sg/SgSystem.h"
+
+namespace apps::doctor {
+
+/// Asks the camera at a node whether it is ready, and waits at most five seconds: the hundred seconds that commands
+/// have are for work, not for a first look. Changes nothing on the camera.
+Answer AskCamera(const std::string& node, darwin::sg::SgSystem& system = darwin::sg::SgSystem::Kernel());
+
+}  // namespace apps::doctor
+
+#endif  // KELVA_APPS_KELVA_DOCTOR_PROBE_H_

@@ -1,0 +1,9 @@
+#include <cstddef>
+#include <span>
+
+#include "apps/kelva/Tool.h"
+
+int main(int argc, char** argv) {
+  const std::span<const char* const> all(argv, static_cast<std::size_t>(argc));
+  return apps::RunTool(all.empty() ? all : all.subspan(1));
+}

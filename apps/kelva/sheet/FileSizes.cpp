@@ -1,0 +1,58 @@
+#include "apps/kelva/sheet/FileSizes.h"
+
+#include <map>
+#include <string>
+
+#include "apps/camera/CameraPath.h"
+#include "apps/camera/Explain.h"
+#include "apps/camera/Picture.h"
+#include "src/wifi/CameraError.h"
+
+namespace apps {
+namespace {
+
+// Cameras ignore the case of ASCII letters.
+std::string Folded(std::string name) {
+  for (char& c : name) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return name;
+}
+
+using Listing = std::map<std::string, unsigned long long>;
+
+Listing List(Camera& camera, const std::string& folder) {
+  Listing listing;
+  try {
+    for (const CameraDirent& entry : camera.ReadDir(("I:\\DCIM\\" + folder).c_str())) {
+      if ((entry.attributes & (kAttributeDirectory | kAttributeVolumeLabel)) != 0) continue;
+      listing.emplace(Folded(entry.name), SizeOf(entry));
+    }
+  } catch (const CameraError& error) {
+    if (EndsAll(Explain(error, "").code)) throw;
+  }
+  return listing;
+}
+
+FileSizes SizesIn(const Listing& listing, const DcfObj& picture) {
+  FileSizes sizes;
+  for (const int type : FileTypes(picture)) {
+    const auto found = listing.find(Folded(PictureFileName(picture, type)));
+    if (found != listing.end()) sizes[static_cast<std::size_t>(type - kFirstFileType)] = found->second;
+  }
+  return sizes;
+}
+
+}  // namespace
+
+std::vector<FileSizes> ReadFileSizes(const Stop& stop, Camera& camera, const std::vector<DcfObj>& catalogue) {
+  std::map<std::string, std::vector<std::size_t>> folders;
+  for (std::size_t i = 0; i < catalogue.size(); ++i) folders[PictureFolder(catalogue[i])].push_back(i);
+  std::vector<FileSizes> sizes(catalogue.size());
+  for (const auto& [folder, indexes] : folders) {
+    stop.Check();
+    const Listing listing = List(camera, folder);
+    for (const std::size_t i : indexes) sizes[i] = SizesIn(listing, catalogue[i]);
+  }
+  return sizes;
+}
+
+}  // namespace apps

@@ -1,0 +1,78 @@
+#include "apps/kelva/sheet/Html.h"
+
+#include <array>
+#include <cstdio>
+
+#include "apps/commandline/Printable.h"
+
+namespace apps {
+namespace {
+
+std::string_view Entity(char c) {
+  switch (c) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\'':
+      return "&#39;";
+    default:
+      return "";
+  }
+}
+
+bool StandsForItself(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
+         c == '.' || c == '~' || c == '/';
+}
+
+std::string Base64(std::string_view bytes) {
+  static constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string out;
+  out.reserve((bytes.size() + 2) / 3 * 4);
+  for (std::size_t at = 0; at < bytes.size(); at += 3) {
+    unsigned group = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+      group = (group << 8) | (at + i < bytes.size() ? static_cast<unsigned char>(bytes[at + i]) : 0U);
+    }
+    for (std::size_t i = 0; i < 4; ++i) {
+      out += at + i <= bytes.size() ? kDigits[(group >> (18 - 6 * i)) & 0x3F] : '=';
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+std::string Html(std::string_view bytes) {
+  std::string out;
+  for (const char c : Printable(bytes)) {
+    const std::string_view entity = Entity(c);
+    if (entity.empty()) {
+      out += c;
+    } else {
+      out += entity;
+    }
+  }
+  return out;
+}
+
+std::string RelativeAddress(std::string_view path) {
+  std::string out = "./";
+  for (const char c : path) {
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), StandsForItself(c) ? "%c" : "%%%02X", static_cast<unsigned char>(c));
+    out += text.data();
+  }
+  return out;
+}
+
+std::string ImageAddress(std::string_view jpegFile) {
+  return "data:image/jpeg;base64," + Base64(jpegFile);
+}
+
+}  // namespace apps

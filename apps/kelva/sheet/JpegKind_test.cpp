@@ -1,0 +1,37 @@
+#include "apps/kelva/sheet/JpegKind.h"
+
+#include <gtest/gtest.h>
+
+#include "apps/kelva/sheet/testing/TinyJpeg.h"
+
+namespace apps {
+namespace {
+
+TEST(JpegKindTest, ABaselineFileComesRowByRow) {
+  EXPECT_TRUE(ComesRowByRow(TinyJpeg::File(1, {90})));
+  EXPECT_TRUE(ComesRowByRow(TinyJpeg::File(1, {90}, TinyJpeg::ExifPart(6))));
+}
+
+TEST(JpegKindTest, AProgressiveFileDoesNot) {
+  std::string file = TinyJpeg::File(1, {90});
+  file[file.find("\xFF\xC0") + 1] = '\xC2';
+  EXPECT_FALSE(ComesRowByRow(file));
+}
+
+TEST(JpegKindTest, WhatIsInsideAnotherPartIsNoFrame) {
+  const std::string decoy = TinyJpeg::Segment('\xE1', std::string("\xFF\xC0\0\x08", 4));
+  std::string file = TinyJpeg::File(1, {90}, decoy);
+  file[file.rfind("\xFF\xC0") + 1] = '\xC2';
+  EXPECT_FALSE(ComesRowByRow(file));
+}
+
+TEST(JpegKindTest, EveryCutAndEveryOtherFileIsInDoubt) {
+  const std::string file = TinyJpeg::File(1, {90});
+  const std::size_t frame = file.find("\xFF\xC0");
+  for (std::size_t size = 0; size < frame + 4; ++size) EXPECT_FALSE(ComesRowByRow(file.substr(0, size))) << size;
+  EXPECT_FALSE(ComesRowByRow(std::string("no picture at all")));
+  EXPECT_FALSE(ComesRowByRow(std::string("\xFF\xD8\xFF\xE0\xFF\xFF", 6)));
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,145 @@
+#include "apps/kelva/sheet/Sheet.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "apps/camera/testing/FakeCamera.h"
+#include "apps/kelva/sheet/testing/SheetTest.h"
+#include "apps/kelva/sheet/testing/TinyJpeg.h"
+#include "src/wifi/CameraError.h"
+
+namespace apps {
+namespace {
+
+using testing::ElementsAre;
+
+DcfObj Timed(int number, const char* time) {
+  DcfObj picture = SheetPicture(number);
+  std::memcpy(picture.block8, time, std::strlen(time));
+  return picture;
+}
+
+// A camera whose second picture cannot be read.
+class StumblingCamera : public FakeCamera {
+ public:
+  using Camera::ReadFile;
+  std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool flag) override {
+    if (std::string(path).ends_with("IMG_0002.JPG")) throw CameraError("ReadFile() truncated.");
+    return FakeCamera::ReadFile(path, progress, context, flag);
+  }
+};
+
+class SheetTest : public SheetFolderTest {
+ protected:
+  SheetTest() {
+    camera_.folder = "I:\\DCIM\\100ABCDE";
+    camera_.files["IMG_0001.JPG"] = TinyJpeg::File(1, {90});
+    camera_.files["IMG_0002.JPG"] = TinyJpeg::File(1, {90});
+    camera_.files["IMG_0003.JPG"] = TinyJpeg::File(2, {90, 90});
+  }
+
+  SheetTotals Draw(Camera& camera, const std::vector<DcfObj>& catalogue) {
+    cards_.clear();
+    Sheet sheet(context_, camera, Beside(folder_, Manifest(), "K1", catalogue));
+    sheet.Draw(catalogue, ReadFileSizes(stop_, camera, catalogue),
+               [this](const Card& card) { cards_.push_back(card); });
+    list_ = sheet.TakeList().Text();
+    return sheet.Totals();
+  }
+
+  StumblingCamera camera_;
+  Invocation call_;
+  Output out_{-1};
+  Reporter reporter_{-1, {.json = true}};
+  Stop stop_;
+  StdoutDiversion diversion_;
+  Context context_{call_, out_, reporter_, stop_, diversion_};
+  std::vector<Card> cards_;
+  std::string list_;
+};
+
+TEST_F(SheetTest, APictureIsReadOnceAndDrawn) {
+  EXPECT_EQ(Draw(camera_, {SheetPicture(1), SheetPicture(3)}).drawn, 2U);
+  EXPECT_EQ(camera_.reads, 2);
+  EXPECT_EQ(cards_[0].name, "IMG_0001");
+  EXPECT_EQ(cards_[0].files[0].size, camera_.files["IMG_0001.JPG"].size());
+  EXPECT_EQ(cards_[1].thumbnail->width, 16);
+}
+
+TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
+  const SheetTotals totals = Draw(camera_, {SheetPicture(1), SheetPicture(2), SheetPicture(3)});
+  EXPECT_EQ(totals.drawn, 2U);
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_EQ(cards_[1].trouble, "cannot be read");
+  EXPECT_THAT(list_, testing::HasSubstr("\"name\":\"IMG_0002\",\"time\":null,\"types\":[\"JPG\"],\"drawn\":false,"
+                                        "\"links\":[],\"error\":\""));
+}
+
+TEST_F(SheetTest, AMissingAndAnEmptyAndANonsenseFileAreNotDrawn) {
+  camera_.files["IMG_0001.JPG"] = "";
+  camera_.files["IMG_0003.JPG"] = "no picture";
+  EXPECT_EQ(Draw(camera_, {SheetPicture(1), SheetPicture(3), SheetPicture(4)}).failed, 3U);
+  for (const Card& card : cards_) EXPECT_EQ(card.trouble, "cannot be drawn");
+}
+
+TEST_F(SheetTest, ADamagedPictureIsDrawnAndReported) {
+  std::string& file = camera_.files["IMG_0003.JPG"];
+  file.resize(file.size() - 4);
+  const SheetTotals totals = Draw(camera_, {SheetPicture(3)});
+  EXPECT_EQ(totals.drawn, 1U);
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_EQ(cards_[0].trouble, "damaged");
+}
+
+TEST_F(SheetTest, APictureWithoutJpegIsNoFailure) {
+  DcfObj raw = SheetPicture(1);
+  raw.hasJpg = 0;
+  raw.hasRaw = 1;
+  const SheetTotals totals = Draw(camera_, {raw});
+  EXPECT_EQ(totals.without, 1U);
+  EXPECT_EQ(totals.failed, 0U);
+  EXPECT_EQ(cards_[0].trouble, "no JPEG");
+}
+
+TEST_F(SheetTest, TheFilesOwnTimeServesWhereTheCatalogueHasNone) {
+  camera_.files["IMG_0001.JPG"] = TinyJpeg::File(1, {90}, TinyJpeg::ExifPart(1));
+  Draw(camera_, {SheetPicture(1), Timed(1, "2025-01-02 03:04:05")});
+  EXPECT_EQ(cards_[0].time, "2026-03-14 15:09:26");
+  EXPECT_EQ(cards_[1].time, "2025-01-02 03:04:05");
+}
+
+TEST_F(SheetTest, ACameraThatHasGoneEndsIt) {
+  class Gone : public FakeCamera {
+   public:
+    using Camera::ReadFile;
+    std::vector<char> ReadFile(const char*, void (*)(void*, float), void*, bool) override {
+      throw CameraTransferError(
+          "Transfer error\nCDB=[c4 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00]\nret=0xe00002c0 "
+          "result.status=0x00000000");
+    }
+  } camera;
+  EXPECT_THROW(Draw(camera, {SheetPicture(1)}), CameraError);
+}
+
+TEST_F(SheetTest, ARequestToStopIsNoticedBeforeTheNextPicture) {
+  stop_.Request();
+  EXPECT_THROW(Draw(camera_, {SheetPicture(1)}), Stopped);
+  EXPECT_EQ(camera_.reads, 0);
+}
+
+TEST(InSheetOrderTest, TimeDecidesWhereEveryPictureHasOne) {
+  const auto numbers = [](const std::vector<DcfObj>& catalogue) {
+    std::vector<int> all;
+    for (const DcfObj& picture : InSheetOrder(catalogue)) all.push_back(picture.fileNumber);
+    return all;
+  };
+  const DcfObj late = Timed(1, "2026-03-14 15:09:26");
+  const DcfObj early = Timed(2, "2025-03-14 15:09:26");
+  EXPECT_THAT(numbers({late, early}), ElementsAre(2, 1));
+  EXPECT_THAT(numbers({late, early, SheetPicture(3)}), ElementsAre(1, 2, 3));
+}
+
+}  // namespace
+}  // namespace apps

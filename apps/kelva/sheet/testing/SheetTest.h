@@ -1,0 +1,52 @@
+#ifndef KELVA_APPS_KELVA_SHEET_TESTING_SHEET_TEST_H_
+#define KELVA_APPS_KELVA_SHEET_TESTING_SHEET_TEST_H_
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "apps/files/TargetFolder.h"
+#include "src/wifi/DcfObj.h"
+
+namespace apps {
+
+/// A picture of a catalogue: 100ABCDE/IMG_`number` with a JPEG file.
+inline DcfObj SheetPicture(int number, int folder = 100) {
+  DcfObj picture{};
+  std::memcpy(picture.directorySuffix, "ABCDE", 5);
+  std::memcpy(picture.filePrefix, "IMG_", 4);
+  picture.directoryNumber = folder;
+  picture.fileNumber = number;
+  picture.hasJpg = 1;
+  return picture;
+}
+
+/// A folder for a sheet and for what is beside it.
+class SheetFolderTest : public testing::Test {
+ protected:
+  ~SheetFolderTest() override { std::filesystem::remove_all(path_); }
+
+  void Put(const std::string& name, const std::string& text) const {
+    std::filesystem::create_directories(std::filesystem::path(path_ + "/" + name).parent_path());
+    std::ofstream(path_ + "/" + name) << text;
+  }
+  std::string Text(const std::string& name) const {
+    std::ifstream file(path_ + "/" + name);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  std::string path_ = [] {
+    std::string pattern = testing::TempDir() + "sheet-XXXXXX";
+    return std::string(::mkdtemp(pattern.data()));
+  }();
+  TargetFolder folder_ = TargetFolder::Open(path_);
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_KELVA_SHEET_TESTING_SHEET_TEST_H_

@@ -1,0 +1,122 @@
+#include <string>
+#include <vector>
+
+#include "apps/camera/Session.h"
+#include "apps/commandline/Printable.h"
+#include "apps/commandline/Progress.h"
+#include "apps/files/SafeName.h"
+#include "apps/files/Sha1.h"
+#include "apps/files/StoreFile.h"
+#include "apps/kelva/verbs/Each.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+TargetFolder Into(const Context& context) {
+  return TargetFolder::OpenOrMake(context.call.Value("into").value_or("."));
+}
+
+// The last component: crash logs are named by their whole path on the camera.
+std::string LocalName(const std::string& name) {
+  return SafeName(name.substr(name.rfind('\\') + 1));
+}
+
+Json Store(const TargetFolder& folder, const _Sha1obj& file) {
+  const Stored stored = StoreBeside(folder, LocalName(file.name), file.data, Sha1(file.data));
+  Json members = Json::Object();
+  members.SetBytes("name", file.name).SetBytes("file", folder.PathOf(stored.name)).Set("size", file.data.size());
+  return std::move(members.Set("new", !stored.wasThere));
+}
+
+std::string Line(const _Sha1obj& file) {
+  return Printable(file.name) + "  " + Bytes(file.data.size()) + "\n";
+}
+
+ExitCode RunCrashLogs(Context& context) {
+  const TargetFolder folder = Into(context);
+  context.Doing("read the crash logs");
+  const Session camera(context);
+  std::vector<_Sha1obj> logs;
+  {
+    Progress progress(context.reporter, context.stop, "crash logs", 0);
+    logs = camera->ReadCrashLogs(Progress::Callback, &progress, false, true);
+  }
+  Each each(context, "logs");
+  for (const _Sha1obj& log : logs) {
+    each.Try(log.name, [&] {
+      context.Doing("store the crash log " + Printable(log.name));
+      Json members = Store(folder, log);
+      if (!context.call.Has("delete")) return members;
+      // Only now: what is deleted on the camera is on this computer's disk.
+      folder.Sync();
+      context.Doing("delete the crash log " + Printable(log.name));
+      return std::move(members.Set("deleted", camera->DeleteFile(log.name.c_str())));
+    });
+    if (!context.Json()) context.out.Add(Line(log));
+  }
+  folder.Sync();
+  if (logs.empty()) context.reporter.Note("There are no crash logs on the camera.");
+  return each.Finish(CameraResult(camera));
+}
+
+ExitCode RunCalibration(Context& context) {
+  const TargetFolder folder = Into(context);
+  context.Doing("read the calibration files");
+  const Session camera(context);
+  std::vector<_Sha1obj> files;
+  {
+    Progress progress(context.reporter, context.stop, "calibration", 0);
+    files = camera->ReadCalibration(Progress::Callback, &progress, true);
+  }
+  Each each(context, "files");
+  for (const _Sha1obj& file : files) {
+    each.Try(file.name, [&] {
+      context.Doing("store the calibration file " + Printable(file.name));
+      return Store(folder, file);
+    });
+    if (!context.Json()) context.out.Add(Line(file));
+  }
+  folder.Sync();
+  if (files.empty()) context.reporter.Note("There are no calibration files on the camera.");
+  return each.Finish(CameraResult(camera));
+}
+
+constexpr Option kInto{"into", 'd', "FOLDER", "Write into this folder, made if need be, instead of the current one.",
+                       Offer::kFolder};
+constexpr Option kCrashOptions[] = {
+    kInto, {"delete", 0, "", "Delete each log on the camera once it is on this computer's disk."}};
+constexpr Option kCalibrationOptions[] = {kInto};
+constexpr Example kCrashExamples[] = {{"kelva crash-logs --into crashes --delete", "Move them here."}};
+constexpr Example kCalibrationExamples[] = {
+    {"kelva calibration --into calibration", "Keep them in a folder of their own."}};
+
+constexpr Verb kVerbs[] = {
+    {"crash-logs",
+     "Fetch the camera's crash logs",
+     {},
+     kCrashOptions,
+     "All logs come in one bundle and are kept on the camera unless --delete is given. A file that holds the same is "
+     "not "
+     "written again; another one of the same name is left as it is, and the new one gets a number.",
+     "logs: array of name, file, size, new, and with --delete deleted; or of path and error\nfailed: how many were not "
+     "stored",
+     kCrashExamples,
+     RunCrashLogs},
+    {"calibration",
+     "Fetch the camera's calibration files",
+     {},
+     kCalibrationOptions,
+     "At most 31 files, in one bundle.",
+     "files: array of name, file, size, new; or of path and error\nfailed: how many were not stored",
+     kCalibrationExamples,
+     RunCalibration},
+};
+
+}  // namespace
+
+std::span<const Verb> BundleVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

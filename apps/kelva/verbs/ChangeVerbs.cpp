@@ -1,0 +1,109 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "apps/camera/CameraPath.h"
+#include "apps/camera/RemoteFile.h"
+#include "apps/camera/Session.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Each.h"
+#include "apps/kelva/verbs/LocalFile.h"
+#include "apps/kelva/verbs/Verbs.h"
+#include "base/FileDescriptor.h"
+
+namespace apps {
+namespace {
+
+std::string BaseName(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+// "I:/NOTES/" and a folder that exists take the file's own name.
+std::string TargetPath(Camera& camera, const std::string& typed, const std::string& file) {
+  const std::string path = ToCameraPath(typed);
+  const bool isFolder = typed.ends_with('/') || typed.ends_with('\\');
+  RequireFolder(camera, isFolder ? path : Split(path).folder);
+  if (isFolder) return path + "\\" + BaseName(file);
+  if (Split(path).name.empty()) return path + "\\" + BaseName(file);
+  const auto entry = FindEntry(camera, path);
+  const bool folder = entry && (entry->attributes & kAttributeDirectory) != 0;
+  return folder ? path + "\\" + BaseName(file) : path;
+}
+
+ExitCode RunPut(Context& context) {
+  const std::string& file = context.call.words[0];
+  ToCameraPath(context.call.words[1]);  // a wrong path is an error before anything is read
+  constexpr auto kMost = static_cast<unsigned long long>(std::numeric_limits<int>::max());
+  const std::vector<char> bytes = ReadLocalFile(file, kMost);
+  context.Doing("write " + Printable(context.call.words[1]));
+  const Session camera(context);
+  const std::string path = TargetPath(*camera, context.call.words[1], file);
+  context.Doing("write " + Printable(path));
+  if (!context.call.Has("force") && FindEntry(*camera, path)) {
+    throw Failure(ExitCode::kFailed, "There is a " + Printable(path) +
+                                         " on the camera already, and it was left as it is; --force replaces it.");
+  }
+  WriteRemoteFile(context, *camera, bytes, path);
+  Json members = CameraResult(camera);
+  members.SetBytes("file", file).SetBytes("path", path).Set("size", bytes.size());
+  context.Result(std::move(members), "");
+  return ExitCode::kDone;
+}
+
+ExitCode RunRm(Context& context) {
+  std::vector<std::string> paths;
+  for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
+  context.Doing("delete " + Printable(paths[0]));
+  const Session camera(context);
+  Each each(context, "files");
+  for (const std::string& path : paths) {
+    each.Try(path, [&] {
+      context.stop.Check();
+      context.Doing("delete " + Printable(path));
+      DeleteRemoteFile(*camera, path);
+      Json members = Json::Object();
+      return members.SetBytes("path", path);
+    });
+  }
+  return each.Finish(CameraResult(camera));
+}
+
+constexpr Argument kPutArguments[] = {{"FILE", "A file of this computer.", Argument::Count::kOne, Offer::kFile},
+                                      {"PATH", "Where to on the camera; a folder takes the file's own name."}};
+constexpr Option kPutOptions[] = {{"force", 'f', "", "Replace a file that is on the camera already."}};
+constexpr Example kPutExamples[] = {{"kelva put settings.txt I:/MISC/", "Send a file and check that it arrived."}};
+constexpr Argument kRmArguments[] = {{"PATH", "A file on the camera.", Argument::Count::kOneOrMore}};
+constexpr Example kRmExamples[] = {{"kelva rm I:/DCIM/100ABCDE/IMG_0001.JPG", "Delete one file."}};
+
+constexpr Verb kVerbs[] = {
+    {"put", "Send a file to the camera", kPutArguments, kPutOptions,
+     "Writing reports nothing by itself, so the file is read back afterwards and compared with what was sent. A file "
+     "that "
+     "is on the camera already is left as it is, unless --force is given. Ctrl-C and an error remove the unfinished "
+     "file from the "
+     "camera. Files of 2 GiB and more cannot be sent; one file needs memory of twice its size.",
+     "file: of this computer\npath: on the camera\nsize: bytes", kPutExamples, RunPut},
+    {"rm",
+     "Delete files on the camera",
+     kRmArguments,
+     {},
+     "The listing of the folder is asked before, so a file that is not there is an error, and after, so a file that "
+     "stayed is one too. Pictures with all their files are deleted with `kelva pictures rm`.",
+     "files: array of path, or of path and error\nfailed: how many were not deleted",
+     kRmExamples,
+     RunRm},
+};
+
+}  // namespace
+
+std::span<const Verb> ChangeVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

@@ -1,0 +1,109 @@
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "apps/camera/Clock.h"
+#include "apps/camera/Session.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+bool InUtc(Context& context) {
+  const std::string zone = context.call.Value("zone").value_or("utc");
+  if (zone != "utc" && zone != "local") {
+    throw Failure(ExitCode::kUsage, "--zone is \"utc\" or \"local\", not \"" + Printable(zone) + "\".");
+  }
+  return zone == "utc";
+}
+
+ClockTime TimeToSet(const std::string& text, bool utc) {
+  if (text == "now") return HostClock(utc, std::chrono::system_clock::now());
+  const auto time = ReadIso(text);
+  if (!time) {
+    throw Failure(ExitCode::kUsage, "--set takes \"now\" or a time like 2026-11-21T14:30:00, not \"" + Printable(text) +
+                                        "\"; the zone is chosen with --zone.");
+  }
+  return *time;
+}
+
+std::string Difference(double seconds) {
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%.1f s %s this computer", std::fabs(seconds),
+                seconds < 0 ? "behind" : "ahead of");
+  return text.data();
+}
+
+std::string_view Bytes14(const _VscCdbTime& record) {
+  return {reinterpret_cast<const char*>(record.bytes), sizeof record.bytes};
+}
+
+ExitCode ShowUnknown(Context& context, const Session& camera, const _VscCdbTime& record) {
+  const std::string hex = Hex(Bytes14(record));
+  context.Result(CameraResult(camera).Set("time", Json()).Set("record", hex), hex + "\n");
+  context.reporter.Note("The camera's clock is in no layout that is known here; its 14 bytes are shown.");
+  return ExitCode::kDone;
+}
+
+ExitCode ShowTime(Context& context, const Session& camera, bool utc) {
+  const _VscCdbTime record = camera->GetTime();
+  const auto host = HostClock(utc, std::chrono::system_clock::now());
+  const auto time = DecodeClock(record);
+  if (!time) return ShowUnknown(context, camera, record);
+  const double ahead = std::chrono::duration<double>(*time - host).count();
+  Json members = CameraResult(camera);
+  members.Set("time", IsoText(*time)).Set("zone", utc ? "utc" : "local");
+  members.Set("seconds_ahead", ahead).Set("record", Hex(Bytes14(record)));
+  context.Result(std::move(members), IsoText(*time) + (utc ? " UTC" : " local time") + ", " + Difference(ahead) + "\n");
+  return ExitCode::kDone;
+}
+
+ExitCode RunTime(Context& context) {
+  const bool utc = InUtc(context);
+  const auto wanted = context.call.Value("set");
+  if (wanted) TimeToSet(*wanted, utc);  // a wrong time is an error before the camera is opened
+  context.Doing(wanted ? "set the camera's clock" : "read the camera's clock");
+  const Session camera(context);
+  // Only now, so that the time spent on opening is not lost.
+  if (wanted) camera->SetTime(EncodeClock(TimeToSet(*wanted, utc)));
+  return ShowTime(context, camera, utc);
+}
+
+constexpr Option kOptions[] = {
+    {"set", 0, "now|TIME", "Set the clock to this computer's time or to a time like 2026-11-21T14:30:00.",
+     Offer::kWords, "now"},
+    {"zone", 0, "utc|local", "The zone in which the camera's clock is kept; utc unless given.", Offer::kWords,
+     "utc local"},
+};
+constexpr Example kExamples[] = {
+    {"kelva time", "Show the clock and how far it is off."},
+    {"kelva time --set now", "Set it to this computer's time, in UTC."},
+    {"kelva time --set now --zone local", "Set it to the time on the wall."},
+};
+
+constexpr Verb kVerbs[] = {
+    {"time",
+     "Show or set the camera's clock",
+     {},
+     kOptions,
+     "A camera keeps a time without a zone. This tool takes it as UTC unless --zone local is given, both for showing "
+     "and "
+     "for setting, and says so beside the time.\n\nThe record of 14 bytes is the camera's own; its layout here, seven "
+     "little-endian 16-bit numbers from year to millisecond, is this project's. A record that is no time in this "
+     "layout is "
+     "shown as it came. After setting, the clock is read back and shown.",
+     "time: text without a zone, null when the record is in no known layout\nzone: utc or local, how it was read\n"
+     "seconds_ahead: how far the camera is ahead of this computer\nrecord: the 14 bytes in hexadecimal",
+     kExamples,
+     RunTime}};
+
+}  // namespace
+
+std::span<const Verb> ClockVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

@@ -1,0 +1,70 @@
+#include <string>
+#include <thread>
+
+#include "apps/camera/Session.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+using namespace std::chrono_literals;
+
+// As it came for a file or a program; safe for a terminal.
+std::string Shown(const Context& context, const std::string& text) {
+  return context.out.IsTerminal() ? PrintableLines(text) : text;
+}
+
+void Give(Context& context, const std::string& text) {
+  context.Event("console", std::move(Json::Object().SetBytes("text", text)), Shown(context, text));
+}
+
+// Gives what there is now.
+void Drain(Context& context, Camera& camera) {
+  bool more = true;
+  while (more) {
+    context.stop.Check();
+    const std::string text = camera.ConsoleLog(more);
+    if (!text.empty()) Give(context, text);
+    // A camera that says "more" without giving anything would be asked as fast as it can answer.
+    if (text.empty() && more) std::this_thread::sleep_for(100ms);
+  }
+}
+
+ExitCode RunConsole(Context& context) {
+  context.Doing("read the console log");
+  const Session camera(context);
+  Drain(context, *camera);
+  while (context.call.Has("follow")) {
+    context.stop.Check();
+    std::this_thread::sleep_for(300ms);
+    Drain(context, *camera);
+  }
+  context.Result(CameraResult(camera), "");
+  return ExitCode::kDone;
+}
+
+constexpr Option kOptions[] = {{"follow", 'f', "", "Go on with what the camera logs from now on, until Ctrl-C."}};
+constexpr Example kExamples[] = {
+    {"kelva console > camera.log", "Keep the log."},
+    {"kelva console --follow", "Watch it."},
+};
+
+constexpr Verb kVerbs[] = {{"console",
+                            "Show the camera's console log",
+                            {},
+                            kOptions,
+                            "The camera hands its log over once: what was shown is gone from it. On a terminal, "
+                            "control characters of the log are "
+                            "shown as \\xNN; into a file or a pipe it goes as it came.",
+                            "events, one object a line: console (text, a piece of the log)",
+                            kExamples,
+                            RunConsole}};
+
+}  // namespace
+
+std::span<const Verb> ConsoleVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

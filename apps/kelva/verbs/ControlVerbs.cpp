@@ -1,0 +1,87 @@
+#include <string>
+
+#include "apps/camera/Session.h"
+#include "apps/commandline/Columns.h"
+#include "apps/commandline/Failure.h"
+#include "apps/kelva/verbs/Number.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+ExitCode RunGet(Context& context) {
+  context.Doing("read the manual controls");
+  const Session camera(context);
+  _ManualControlsState state{};
+  if (!camera->GetManualControlsState(state))
+    throw Failure(ExitCode::kFailed, "The camera gave no state of its manual controls.");
+  Json members = CameraResult(camera);
+  members.Set("first", state.first).Set("second", state.second).Set("third", NumberOf(state.third));
+  members.Set("fourth", state.fourth).Set("fifth", state.fifth).Set("sixth", state.sixth);
+  context.Result(std::move(members), Columns({{"first", std::to_string(state.first)},
+                                              {"second", std::to_string(state.second)},
+                                              {"third", Shortest(state.third)},
+                                              {"fourth", Shortest(state.fourth)},
+                                              {"fifth", Shortest(state.fifth)},
+                                              {"sixth", std::to_string(state.sixth)}}));
+  return ExitCode::kDone;
+}
+
+ExitCode RunSet(Context& context) {
+  const auto control = static_cast<int>(ParseNumber(context.call.words[0], "the number of a control", 0, 255));
+  const std::string& value = context.call.words[1];
+  context.Doing("set a manual control");
+  const Session camera(context);
+  if (!camera->SetManualControl(control, value))
+    throw Failure(ExitCode::kRefused, "The camera did not take the command.");
+  context.Result(CameraResult(camera).Set("control", control).Set("text_sent", false), "");
+  context.reporter.Note(
+      "The camera took the command for this control, but the command carries no text: the value itself does not reach "
+      "the camera.");
+  return ExitCode::kDone;
+}
+
+constexpr Argument kSet[] = {{"N", "The number of the control, 0 to 255."}, {"VALUE", "Its value, as text."}};
+constexpr std::string_view kMembers =
+    "first, second, sixth: whole numbers of the camera\nthird, fourth, fifth: numbers of the camera";
+
+constexpr Example kShowExamples[] = {{"kelva control", "Show them."}};
+constexpr Example kGetExamples[] = {{"kelva control get --json", "Show them to a script."}};
+constexpr Example kSetExamples[] = {{"kelva control set 3 0.5", "Send the command for control 3."}};
+
+constexpr Verb kVerbs[] = {
+    {"control",
+     "Show the manual controls",
+     {},
+     {},
+     "The same as `kelva control get`.",
+     kMembers,
+     kShowExamples,
+     RunGet},
+    {"control get",
+     "Show the manual controls",
+     {},
+     {},
+     "Six numbers whose meaning is the camera's.",
+     kMembers,
+     kGetExamples,
+     RunGet},
+    {"control set",
+     "Set a manual control",
+     kSet,
+     {},
+     "The command has no data phase, so the camera learns the number of the control and not the value; the tool says "
+     "so and "
+     "ends with exit status 0.",
+     "control: its number\ntext_sent: always false",
+     kSetExamples,
+     RunSet},
+};
+
+}  // namespace
+
+std::span<const Verb> ControlVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

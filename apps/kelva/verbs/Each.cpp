@@ -1,0 +1,31 @@
+#include "apps/kelva/verbs/Each.h"
+
+#include <utility>
+
+namespace apps {
+
+void Each::Try(const std::string& path, const std::function<Json()>& work) {
+  try {
+    outcomes_.Push(work());
+    ++done_;
+  } catch (const std::exception& error) {
+    const Outcome outcome = Explain(error, context_.WasDoing());
+    // Nothing more can be had from a camera that is not there.
+    if (outcome.code == ExitCode::kGone) throw;
+    context_.reporter.Error(outcome.sentence, outcome.code);
+    Json members = Json::Object();
+    members.SetBytes("path", path).Set("reason", WordOf(outcome.code)).Set("error", outcome.sentence);
+    outcomes_.Push(std::move(members));
+    if (!firstFailure_) firstFailure_ = outcome.code;
+    ++failed_;
+  }
+}
+
+ExitCode Each::Finish(Json result) {
+  const ExitCode code = failed_ == 0 ? ExitCode::kDone : done_ == 0 ? *firstFailure_ : ExitCode::kPartial;
+  result.Set(member_, std::move(outcomes_)).Set("failed", failed_);
+  context_.Result(std::move(result), "", code);
+  return code;
+}
+
+}  // namespace apps

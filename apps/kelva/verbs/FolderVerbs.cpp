@@ -1,0 +1,161 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "apps/camera/CameraPath.h"
+#include "apps/camera/Session.h"
+#include "apps/commandline/Columns.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+constexpr const char* kDrive = "I:";
+constexpr int kDeepest = 64;  // a camera that lies about its tree must not lead round in circles
+
+bool IsFolder(const CameraDirent& entry) {
+  return (entry.attributes & kAttributeDirectory) != 0;
+}
+
+bool IsShown(const CameraDirent& entry) {
+  return (entry.attributes & kAttributeVolumeLabel) == 0 && entry.name != "." && entry.name != "..";
+}
+
+std::vector<CameraDirent> Listing(Camera& camera, const std::string& path) {
+  std::vector<CameraDirent> entries = camera.ReadDir(path.c_str());
+  std::erase_if(entries, [](const CameraDirent& entry) { return !IsShown(entry); });
+  return entries;
+}
+
+std::string Attributes(const CameraDirent& entry) {
+  static constexpr struct {
+    int bit;
+    char letter;
+  } kBits[] = {{0x10, 'd'}, {0x01, 'r'}, {0x02, 'h'}, {0x04, 's'}, {0x20, 'a'}};
+  std::string text;
+  for (const auto& row : kBits) text += (entry.attributes & row.bit) != 0 ? row.letter : '-';
+  return text;
+}
+
+Json Members(const CameraDirent& entry) {
+  Json members = Json::Object();
+  members.SetBytes("name", entry.name).Set("type", IsFolder(entry) ? "folder" : "file");
+  return members.Set("size", SizeOf(entry)).Set("attributes", entry.attributes);
+}
+
+std::string WantedFolder(const Context& context) {
+  return context.call.words.empty() ? kDrive : ToCameraPath(context.call.words[0]);
+}
+
+// Cameras answer for a folder that is not there with an empty listing or a bare refusal; its parent knows.
+void CheckFolder(Camera& camera, const std::string& path) {
+  if (Split(path).name.empty()) return;
+  const auto entry = FindEntry(camera, path);
+  if (!entry) throw Failure(ExitCode::kFailed, "There is no folder " + Printable(path) + " on the camera.");
+  if (!IsFolder(*entry)) {
+    throw Failure(ExitCode::kFailed, Printable(path) + " is a file; `kelva get` fetches it.");
+  }
+}
+
+ExitCode RunLs(Context& context) {
+  const std::string path = WantedFolder(context);
+  context.Doing("list " + Printable(path));
+  const Session camera(context);
+  CheckFolder(*camera, path);
+  const std::vector<CameraDirent> entries = Listing(*camera, path);
+  Json list = Json::Array();
+  std::vector<std::vector<std::string>> rows;
+  for (const CameraDirent& entry : entries) {
+    list.Push(Members(entry));
+    rows.push_back({Attributes(entry), IsFolder(entry) ? "" : std::to_string(SizeOf(entry)), Printable(entry.name)});
+  }
+  Json members = CameraResult(camera);
+  members.SetBytes("path", path).Set("entries", std::move(list));
+  context.Result(std::move(members), Columns(rows, {1}));
+  return ExitCode::kDone;
+}
+
+// Walks a tree and gives each entry with its path and depth, in the camera's order.
+class Walk {
+ public:
+  Walk(Context& context, Camera& camera) : context_(context), camera_(camera) {}
+
+  template <typename Visit>
+  void Run(const std::string& path, int depth, const Visit& visit) {
+    for (const CameraDirent& entry : Listing(camera_, path)) {
+      context_.stop.Check();
+      const std::string below = path + "\\" + entry.name;
+      visit(entry, below, depth);
+      if (!IsFolder(entry)) continue;
+      if (depth == kDeepest)
+        throw Failure(ExitCode::kFailed, "The camera's folders are nested too deep at " + Printable(below) + ".");
+      Run(below, depth + 1, visit);
+    }
+  }
+
+ private:
+  Context& context_;
+  Camera& camera_;
+};
+
+ExitCode RunTree(Context& context) {
+  const std::string path = WantedFolder(context);
+  context.Doing("walk through " + Printable(path));
+  const Session camera(context);
+  CheckFolder(*camera, path);
+  unsigned long long files = 0;
+  unsigned long long bytes = 0;
+  Json list = Json::Array();
+  if (!context.Json()) context.out.Add(Printable(path) + "\n");
+  Walk(context, *camera).Run(path, 0, [&](const CameraDirent& entry, const std::string& below, int depth) {
+    files += IsFolder(entry) ? 0U : 1U;
+    bytes += IsFolder(entry) ? 0ULL : SizeOf(entry);
+    if (context.Json()) {
+      list.Push(std::move(Members(entry).SetBytes("path", below)));
+      return;
+    }
+    const std::string size = IsFolder(entry) ? "\\" : "  " + Bytes(SizeOf(entry));
+    context.out.Add(std::string(static_cast<std::size_t>(depth) * 2 + 2, ' ') + Printable(entry.name) + size + "\n");
+  });
+  Json members = CameraResult(camera);
+  members.SetBytes("path", path).Set("files", files).Set("bytes", bytes).Set("entries", std::move(list));
+  context.Result(std::move(members), std::to_string(files) + " files, " + Bytes(bytes) + "\n");
+  return ExitCode::kDone;
+}
+
+constexpr Argument kPath[] = {
+    {"FOLDER", "A folder on the camera; the drive I: unless given.", Argument::Count::kOptional}};
+constexpr Example kLsExamples[] = {{"kelva ls I:/DCIM", "The picture folders."}};
+constexpr Example kTreeExamples[] = {{"kelva tree", "Everything on the camera."}};
+
+constexpr Verb kVerbs[] = {
+    {"ls",
+     "List a folder of the camera",
+     kPath,
+     {},
+     "One line for each entry: attributes (d folder, r read-only, h hidden, s system, a archive), size in bytes, name, "
+     "in "
+     "the camera's order. Control characters in a name are shown as \\xNN.",
+     "path: the folder\nentries: array of name, type (file or folder), size, attributes (FAT bits)",
+     kLsExamples,
+     RunLs},
+    {"tree",
+     "Show a folder of the camera with all that is below it",
+     kPath,
+     {},
+     "The camera is asked for one listing after another, so a large tree takes a while.",
+     "path: the folder\nfiles: their number\nbytes: their size together\nentries: array of path, name, type, size, "
+     "attributes",
+     kTreeExamples,
+     RunTree},
+};
+
+}  // namespace
+
+std::span<const Verb> FolderVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

@@ -1,0 +1,139 @@
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "apps/camera/CameraPath.h"
+#include "apps/camera/RemoteFile.h"
+#include "apps/camera/Session.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/files/SafeName.h"
+#include "apps/files/StoreFile.h"
+#include "apps/kelva/verbs/Each.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+struct Target {
+  std::string folder = ".";
+  std::optional<std::string> name;  ///< nothing: the name it has on the camera
+  bool replace = false;
+  bool toOutput = false;
+};
+
+Target TargetOf(const Context& context) {
+  Target target;
+  target.folder = context.call.Value("into").value_or(".");
+  target.replace = context.call.Has("force");
+  const auto output = context.call.Value("output");
+  if (!output) return target;
+  if (context.call.words.size() > 1) {
+    throw Failure(ExitCode::kUsage, "--output takes one file; several go into a folder with --into.");
+  }
+  if (context.call.Has("into")) throw Failure(ExitCode::kUsage, "--output and --into exclude each other.");
+  target.toOutput = *output == "-";
+  const std::size_t slash = output->rfind('/');
+  if (slash != std::string::npos) target.folder = slash == 0 ? "/" : output->substr(0, slash);
+  target.name = slash == std::string::npos ? *output : output->substr(slash + 1);
+  if (target.name->empty()) {
+    throw Failure(ExitCode::kUsage, "--output takes the name of a file; a folder is named with --into.");
+  }
+  return target;
+}
+
+void ToOutput(Context& context, const std::vector<char>& bytes) {
+  context.out.Add(std::string_view(bytes.data(), bytes.size()));
+  context.out.Flush();
+}
+
+void CheckOutput(const Context& context, const Target& target) {
+  if (!target.toOutput) return;
+  if (context.Json())
+    throw Failure(ExitCode::kUsage, "--output - and --json both need standard output; leave one out.");
+  if (context.out.IsTerminal()) {
+    throw Failure(ExitCode::kUsage,
+                  "Standard output is a terminal, which would obey the file's bytes; send it to a "
+                  "file or a pipe.");
+  }
+}
+
+// `stored` are the names of the files that this command has stored.
+Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const Target& target, const std::string& path,
+            std::set<std::string>& stored) {
+  context.Doing("read " + Printable(path));
+  const std::string name = target.name.value_or(SafeName(Split(path).name));
+  if (stored.count(name) != 0) {
+    throw Failure(ExitCode::kFailed, "Another of these files is " + Printable(folder.PathOf(name)) +
+                                         " already; fetch them into two folders with --into.");
+  }
+  if (!target.replace && folder.Has(name)) {
+    throw Failure(ExitCode::kFailed,
+                  "There is a " + Printable(folder.PathOf(name)) +
+                      " already, and it was left as it is; --force replaces it, --output chooses another name.");
+  }
+  const std::vector<char> bytes = ReadRemoteFile(context, camera, path);
+  context.stop.Check();
+  target.replace ? StoreReplacing(folder, name, bytes) : StoreNew(folder, name, bytes);
+  stored.insert(name);
+  Json members = Json::Object();
+  members.SetBytes("path", path).SetBytes("file", folder.PathOf(name)).Set("size", bytes.size());
+  return members;
+}
+
+ExitCode RunGet(Context& context) {
+  const Target target = TargetOf(context);
+  CheckOutput(context, target);
+  std::vector<std::string> paths;
+  for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
+  if (target.toOutput) {
+    context.Doing("read " + Printable(paths[0]));
+    const Session camera(context);
+    ToOutput(context, ReadRemoteFile(context, *camera, paths[0]));
+    return ExitCode::kDone;
+  }
+  const TargetFolder folder = TargetFolder::Open(target.folder);
+  context.Doing("read " + Printable(paths[0]));
+  const Session camera(context);
+  Each each(context, "files");
+  std::set<std::string> stored;
+  for (const std::string& path : paths) {
+    each.Try(path, [&] { return GetOne(context, *camera, folder, target, path, stored); });
+  }
+  return each.Finish(CameraResult(camera));
+}
+
+constexpr Argument kArguments[] = {
+    {"PATH", "A file on the camera; forward slashes will do.", Argument::Count::kOneOrMore}};
+constexpr Option kOptions[] = {
+    {"output", 'o', "FILE", "Write into this file; - is standard output.", Offer::kFile},
+    {"into", 'd', "FOLDER", "Write into this folder instead of the current one.", Offer::kFolder},
+    {"force", 'f', "", "Replace a file that is there already."},
+};
+constexpr Example kExamples[] = {
+    {"kelva get I:/DCIM/100ABCDE/IMG_0001.JPG", "Fetch a picture into the current folder."},
+    {"kelva get -o - I:/LOG.TXT | grep error", "Read a file without storing it."},
+};
+
+constexpr Verb kVerbs[] = {
+    {"get", "Fetch files from the camera", kArguments, kOptions,
+     "Each file is written under a temporary name in the target folder, flushed to disk, and gets its name only when "
+     "it is "
+     "whole; whatever happens before that leaves nothing behind. A file that is there already is left as it is, unless "
+     "--force is given. A name that would not be sound here (control characters, a slash, a dot at the start) is "
+     "written "
+     "with %XX in place of those bytes.\n\nThe listing of the folder tells an empty file from a missing one. A file "
+     "comes in "
+     "one piece, so memory of its size is needed while it is fetched.",
+     "serial: of the camera\nfiles: array of path, file (where it was written), size, or path and error\n"
+     "failed: how many were not fetched",
+     kExamples, RunGet}};
+
+}  // namespace
+
+std::span<const Verb> GetVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

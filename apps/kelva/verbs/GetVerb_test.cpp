@@ -1,0 +1,32 @@
+#include "apps/kelva/verbs/testing/VerbTest.h"
+
+namespace apps {
+namespace {
+
+using GetVerbTest = VerbTest;
+
+TEST_F(GetVerbTest, AFileIsFetchedAndAnExistingOneIsLeftAlone) {
+  Put("A.TXT", "abc");
+  const std::string into = folder.string();
+  EXPECT_EQ(Run({"get", "I:/A.TXT", "--into", into.c_str()}).code, ExitCode::kDone);
+  EXPECT_EQ(Text(folder / "A.TXT"), "abc");
+  Put("A.TXT", "new");
+  EXPECT_EQ(Run({"get", "I:/A.TXT", "--into", into.c_str()}).code, ExitCode::kFailed);
+  EXPECT_EQ(Text(folder / "A.TXT"), "abc");
+  EXPECT_EQ(Run({"get", "I:/A.TXT", "--into", into.c_str(), "--force"}).code, ExitCode::kDone);
+  EXPECT_EQ(Text(folder / "A.TXT"), "new");
+}
+
+TEST_F(GetVerbTest, OneOfTwoFilesMissingIsPartial) {
+  Put("A.TXT", "abc");
+  const std::string into = folder.string();
+  EXPECT_EQ(Run({"get", "I:/A.TXT", "I:/B.TXT", "--into", into.c_str()}).code, ExitCode::kPartial);
+}
+
+TEST_F(GetVerbTest, AFileCanGoToStandardOutput) {
+  Put("A.TXT", "abc");
+  EXPECT_EQ(Run({"get", "I:/A.TXT", "-o", "-"}).out, "abc");
+}
+
+}  // namespace
+}  // namespace apps

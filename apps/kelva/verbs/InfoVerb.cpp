@@ -1,0 +1,57 @@
+#include <string>
+#include <vector>
+
+#include "apps/camera/Information.h"
+#include "apps/camera/Session.h"
+#include "apps/commandline/Columns.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+ExitCode RunInfo(Context& context) {
+  context.Doing("read the camera's information");
+  const Session camera(context);
+  _VscCdbCameraInformation record{};
+  if (!camera->CameraInformation(record))
+    throw Failure(ExitCode::kFailed, "The camera gave no information about itself.");
+  const std::vector<std::string> texts = InformationTexts(record);
+  Json list = Json::Array();
+  std::vector<std::vector<std::string>> rows;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const std::string name = InformationName(i);
+    Json text = Json::Object();
+    list.Push(std::move(text.Set("name", name).SetBytes("text", texts[i])));
+    rows.push_back({name.empty() ? std::to_string(i + 1) : name, Printable(texts[i])});
+  }
+  Json members = CameraResult(camera);
+  members.Set("texts", std::move(list)).Set("last", record.last);
+  members.Set("record", Hex({reinterpret_cast<const char*>(record.information), sizeof record.information}));
+  context.Result(std::move(members), Columns(rows));
+  return ExitCode::kDone;
+}
+
+constexpr Example kExamples[] = {{"kelva info", "Show model, revision and firmware."}};
+
+constexpr Verb kVerbs[] = {{"info",
+                            "Show what the camera says of itself",
+                            {},
+                            {},
+                            "The record is the camera's own: texts one after another. Their names here are those of "
+                            "this project's cameras; texts "
+                            "beyond these have a number.",
+                            "texts: array of name (empty when not known) and text\nlast: the number behind the "
+                            "record\nrecord: its 640 bytes in "
+                            "hexadecimal",
+                            kExamples,
+                            RunInfo}};
+
+}  // namespace
+
+std::span<const Verb> InfoVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

@@ -1,0 +1,164 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "apps/camera/Session.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/commandline/Progress.h"
+#include "apps/files/SafeName.h"
+#include "apps/files/Sha1.h"
+#include "apps/files/StoreFile.h"
+#include "apps/kelva/verbs/Each.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+// "KEY" or "KEY.RAW": a key and what is sent right after it.
+struct Request {
+  std::string key;
+  std::string qualifier;
+};
+
+Request Understand(const std::string& word) {
+  const std::size_t dot = std::min(word.find('.'), word.size());
+  Request request{word.substr(0, dot), word.substr(dot)};
+  if (!IsKey(request.key)) {
+    throw Failure(ExitCode::kUsage, "\"" + Printable(word) +
+                                        "\" is no key; a key is the SHA-1 of a file, 40 hexadecimal digits, as "
+                                        "`kelva pictures --json` shows them.");
+  }
+  return request;
+}
+
+std::string Lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return text;
+}
+
+_Sha1obj Fetch(Context& context, Camera& camera, const Request& request) {
+  Progress progress(context.reporter, context.stop, request.key, 0);
+  std::vector<_Sha1obj> files =
+      camera.ReadFilesBySha1({request.key}, {request.qualifier}, Progress::Callback, &progress, true);
+  if (files.size() != 1) {
+    throw Failure(ExitCode::kFailed, "The camera has no file with the key " +
+                                         Printable(request.key + request.qualifier) +
+                                         "; `kelva pictures --json` shows the keys of the pictures it has.");
+  }
+  return std::move(files.front());
+}
+
+Json BatchGetOne(Context& context, Camera& camera, const TargetFolder& folder, const std::string& word) {
+  const Request request = Understand(word);
+  context.Doing("fetch " + Printable(word));
+  context.stop.Check();
+  const _Sha1obj file = Fetch(context, camera, request);
+  const std::string sha1 = Sha1(file.data);
+  if (request.qualifier.empty() && sha1 != Lower(request.key)) {
+    throw Failure(ExitCode::kFailed, "What the camera sent for the key " + request.key +
+                                         " has another SHA-1; it was not kept, repeat the command.");
+  }
+  const Stored stored = StoreBeside(folder, SafeName(word), file.data, sha1);
+  folder.Sync();
+  Json members = Json::Object();
+  members.Set("key", request.key).Set("qualifier", request.qualifier).SetBytes("file", folder.PathOf(stored.name));
+  return members.Set("size", file.data.size()).Set("sha1", sha1);
+}
+
+TargetFolder Into(const Context& context) {
+  return TargetFolder::Open(context.call.Value("into").value_or("."));
+}
+
+ExitCode RunBatchGet(Context& context) {
+  const TargetFolder folder = Into(context);
+  context.Doing("fetch files by key");
+  for (const std::string& word : context.call.words) Understand(word);
+  const Session camera(context);
+  Each each(context, "files");
+  for (const std::string& word : context.call.words) {
+    each.Try(word, [&] { return BatchGetOne(context, *camera, folder, word); });
+  }
+  return each.Finish(CameraResult(camera));
+}
+
+ExitCode RunBatchRm(Context& context) {
+  for (const std::string& word : context.call.words) {
+    if (!Understand(word).qualifier.empty())
+      throw Failure(ExitCode::kUsage, "Deleting takes keys alone, without an extension.");
+  }
+  context.Doing("delete files by key");
+  const Session camera(context);
+  if (!camera->DeleteBatch(context.call.words, true))
+    throw Failure(ExitCode::kRefused, "The camera refused to delete the files.");
+  context.Result(CameraResult(camera).Set("keys", context.call.words.size()), "");
+  return ExitCode::kDone;
+}
+
+ExitCode RunRaw(Context& context) {
+  const std::string key = Understand(context.call.words[0]).key;
+  const TargetFolder folder = Into(context);
+  context.Doing("fetch the compressed raw data of " + key);
+  const Session camera(context);
+  std::vector<_Sha1obj> parts;
+  {
+    Progress progress(context.reporter, context.stop, key, 0);
+    parts = camera->ReadCompressedRaw(key, Progress::Callback, &progress, true);
+  }
+  if (parts.empty()) throw Failure(ExitCode::kFailed, "The camera has no compressed raw data for the key " + key + ".");
+  Json list = Json::Array();
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    // With one part alone the camera does not say which of the two it is.
+    const std::string name = key + (parts.size() == 1 ? ".raw" : ".raw" + std::to_string(i + 1));
+    const Stored stored = StoreBeside(folder, name, parts[i].data, Sha1(parts[i].data));
+    Json members = Json::Object();
+    list.Push(members.SetBytes("file", folder.PathOf(stored.name)).Set("size", parts[i].data.size()));
+  }
+  folder.Sync();
+  context.Result(CameraResult(camera).Set("key", key).Set("parts", std::move(list)), "");
+  return ExitCode::kDone;
+}
+
+constexpr Argument kKeys[] = {{"KEY", "A file's SHA-1, 40 hexadecimal digits; KEY.RAW is another file of its picture.",
+                               Argument::Count::kOneOrMore}};
+constexpr Argument kPlainKeys[] = {{"KEY", "A file's SHA-1, 40 hexadecimal digits.", Argument::Count::kOneOrMore}};
+constexpr Argument kKey[] = {{"KEY", "The picture's SHA-1, 40 hexadecimal digits."}};
+constexpr Option kInto[] = {
+    {"into", 'd', "FOLDER", "Write into this folder instead of the current one.", Offer::kFolder}};
+constexpr Example kGetExamples[] = {
+    {"kelva batch get a9993e364706816aba3e25717850c26c9cd0d89d", "Fetch a file whatever its name is."}};
+constexpr Example kRmExamples[] = {
+    {"kelva batch rm a9993e364706816aba3e25717850c26c9cd0d89d", "Delete a file whatever its name is."}};
+constexpr Example kRawExamples[] = {{"kelva raw a9993e364706816aba3e25717850c26c9cd0d89d --into raw",
+                                     "Fetch a picture's raw data into the folder raw."}};
+
+constexpr Verb kVerbs[] = {
+    {"batch get", "Fetch files by their SHA-1", kKeys, kInto,
+     "What arrives is checked against its key before it is stored. A file of the same name that holds something else "
+     "is "
+     "left as it is, and the new one gets a number.",
+     "files: array of key, qualifier, file, size, sha1, or of path and error\nfailed: how many were not fetched",
+     kGetExamples, RunBatchGet},
+    {"batch rm",
+     "Delete files by their SHA-1",
+     kPlainKeys,
+     {},
+     "All keys travel in one command, and the camera reports nothing of each: `kelva pictures` shows what is left.",
+     "keys: how many were sent",
+     kRmExamples,
+     RunBatchRm},
+    {"raw", "Fetch the compressed raw data of a picture", kKey, kInto,
+     "The data has up to two parts, stored as KEY.raw1 and KEY.raw2. A part that is empty is not there; one alone is "
+     "stored "
+     "as KEY.raw, because the camera does not say which of the two it is.",
+     "key: of the picture\nparts: array of file and size", kRawExamples, RunRaw},
+};
+
+}  // namespace
+
+std::span<const Verb> KeyVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

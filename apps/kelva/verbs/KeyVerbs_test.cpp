@@ -1,0 +1,25 @@
+#include "apps/kelva/verbs/testing/VerbTest.h"
+
+namespace apps {
+namespace {
+
+using KeyVerbsTest = VerbTest;
+
+TEST_F(KeyVerbsTest, AFileIsFetchedAndDeletedByItsKey) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "abc");
+  const char* key = "a9993e364706816aba3e25717850c26c9cd0d89d";
+  const std::string into = folder.string();
+  const Ran ran = Run({"batch", "get", key, "--into", into.c_str()});
+  EXPECT_EQ(ran.code, ExitCode::kDone) << ran.err;
+  EXPECT_EQ(Text(folder / key), "abc");
+  EXPECT_EQ(Run({"batch", "rm", key}).code, ExitCode::kDone);
+  EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
+}
+
+TEST_F(KeyVerbsTest, WhatIsNoKeyIsAUsageError) {
+  EXPECT_EQ(Run({"batch", "get", "abc"}).code, ExitCode::kUsage);
+  EXPECT_EQ(Run({"raw", "abc"}).code, ExitCode::kUsage);
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,90 @@
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "apps/camera/Attached.h"
+#include "apps/commandline/Columns.h"
+#include "apps/commandline/Context.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+void CountBad(void* count) {
+  ++*static_cast<int*>(count);
+}
+
+// Cameras that the system took for a compact-disc drive. The library reports those present during the call.
+int UnusableCameras() {
+  int count = 0;
+  Camera::ListenForBadCameraAttach(CountBad, &count);
+  return count;
+}
+
+Json CameraMembers(const AttachedCamera& camera) {
+  Json members = Json::Object();
+  members.SetBytes("serial", camera.facts.serial).SetBytes("vendor", camera.facts.vendor);
+  members.SetBytes("product", camera.facts.product).SetBytes("revision", camera.facts.revision);
+  members.Set("driver", camera.facts.driver).Set("expected_driver", camera.camera->IsScsiInquiryCorrect());
+  return members;
+}
+
+std::string Table(const std::vector<AttachedCamera>& cameras) {
+  std::vector<std::vector<std::string>> rows = {{"SERIAL", "MODEL", "REVISION", "DRIVER"}};
+  for (const AttachedCamera& camera : cameras) {
+    const RegistryCamera& facts = camera.facts;
+    rows.push_back({facts.serial.empty() ? "-" : Printable(facts.serial), Printable(facts.vendor + " " + facts.product),
+                    Printable(facts.revision), facts.driver});
+  }
+  return cameras.empty() ? "" : Columns(rows);
+}
+
+ExitCode RunList(Context& context) {
+  context.Doing("look for cameras");
+  std::vector<AttachedCamera> cameras = FindAttached(context.diversion);
+  if (const auto serial = WantedSerial(context.call.Value("serial"))) {
+    AttachedCamera wanted = Choose(std::move(cameras), serial);
+    cameras.clear();
+    cameras.push_back(std::move(wanted));
+  }
+  const int unusable = UnusableCameras();
+  Json list = Json::Array();
+  for (const AttachedCamera& camera : cameras) list.Push(CameraMembers(camera));
+  context.Result(Json::Object().Set("cameras", std::move(list)).Set("unusable", unusable), Table(cameras));
+  if (cameras.empty()) context.reporter.Note("No camera is attached.");
+  if (unusable > 0) {
+    context.reporter.Note(std::to_string(unusable) +
+                          " attached as compact-disc drive, which cannot be used; `kelva doctor` says what to do.");
+  }
+  return ExitCode::kDone;
+}
+
+constexpr Example kExamples[] = {
+    {"kelva list", "Show the cameras that are attached."},
+    {"kelva list --json | jq -r '.cameras[].serial'", "Their serial numbers, for a script."},
+};
+
+constexpr Verb kVerbs[] = {
+    {"list",
+     "Show the cameras that are attached",
+     {},
+     {},
+     "Looks at the system's register of devices and opens no camera, so it works while another program uses one. No "
+     "camera at all is an empty list and no error; with --serial (or KELVA_SERIAL) only that camera is shown, and it "
+     "is an error when it is not there.\n\nThe driver is that of the two kernel drivers which serves the "
+     "camera: com_kelva_Glimmer, or com_kelva_Glimmer_ms where the system also sees a disk in the camera. Commands "
+     "work "
+     "with both.",
+     "cameras: array of serial, vendor, product, revision, driver, expected_driver\n"
+     "unusable: cameras that the system took for compact-disc drives",
+     kExamples,
+     RunList}};
+
+}  // namespace
+
+std::span<const Verb> ListVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

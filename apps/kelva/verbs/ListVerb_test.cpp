@@ -1,0 +1,19 @@
+#include "apps/kelva/verbs/testing/VerbTest.h"
+
+namespace apps {
+namespace {
+
+using ListVerbTest = VerbTest;
+
+TEST_F(ListVerbTest, ListShowsTheCamera) {
+  const Ran ran = Run({"list"});
+  EXPECT_EQ(ran.code, ExitCode::kDone);
+  EXPECT_EQ(ran.out, "SERIAL  MODEL         REVISION  DRIVER\nK1      Kelva Camera  1.00      com_kelva_Glimmer\n");
+}
+
+TEST_F(ListVerbTest, ListOfAnotherSerialNumberIsAnError) {
+  EXPECT_EQ(Run({"list", "-s", "K9"}).code, ExitCode::kNoCamera);
+}
+
+}  // namespace
+}  // namespace apps

@@ -1,0 +1,42 @@
+#include <string>
+
+#include "apps/camera/Session.h"
+#include "apps/commandline/Failure.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+ExitCode RunMonitor(Context& context) {
+  context.Doing("send a line to the camera's monitor");
+  const Session camera(context);
+  const char* line = context.call.words[0].c_str();
+  const bool taken = context.call.Has("char") ? camera->MonitorCmdSingleChar(line) : camera->MonitorCmd(line);
+  if (!taken) {
+    // The library keeps the reason of this one command to itself.
+    throw Failure(ExitCode::kRefused,
+                  "The camera did not take the line; `kelva list` shows whether it is still there, and `kelva console` "
+                  "what it says about it.");
+  }
+  context.Result(CameraResult(camera), "");
+  return ExitCode::kDone;
+}
+
+constexpr Argument kArguments[] = {{"LINE", "What to send; quote it when it has blanks."}};
+constexpr Option kOptions[] = {
+    {"char", 'c', "", "Send it as input of single characters instead of as a command line."}};
+constexpr Example kExamples[] = {{"kelva monitor 'log level 3'", "Send a command line."}};
+
+constexpr Verb kVerbs[] = {{"monitor", "Send a line to the camera's command monitor", kArguments, kOptions,
+                            "What the camera answers, if anything, goes to its console log: `kelva console`. A line "
+                            "that was not taken ends with "
+                            "exit status 7, whatever the reason.",
+                            "", kExamples, RunMonitor}};
+
+}  // namespace
+
+std::span<const Verb> MonitorVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

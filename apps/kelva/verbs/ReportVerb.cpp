@@ -1,0 +1,157 @@
+#include <sys/utsname.h>
+
+#include <ctime>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "apps/camera/Clock.h"
+#include "apps/camera/Explain.h"
+#include "apps/camera/Information.h"
+#include "apps/camera/Session.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/commandline/Progress.h"
+#include "apps/files/SafeName.h"
+#include "apps/files/StoreFile.h"
+#include "apps/files/Tar.h"
+#include "apps/kelva/verbs/Number.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+std::string HostFacts() {
+  utsname host{};
+  ::uname(&host);
+  return std::string("tool: kelva " KELVA_VERSION "\nsystem: ") + host.sysname + " " + host.release + " " +
+         host.machine + "\ntime: " + IsoText(HostClock(true, std::chrono::system_clock::now())) + " UTC\n";
+}
+
+std::string Console(Context& context, Camera& camera) {
+  std::string log;
+  bool more = true;
+  // A camera whose log never ends must not fill the memory.
+  constexpr std::size_t kMost = 16U << 20;
+  while (more && log.size() < kMost) {
+    context.stop.Check();
+    const std::string piece = camera.ConsoleLog(more);
+    if (piece.empty()) break;
+    log += piece;
+  }
+  return log;
+}
+
+std::string CameraFacts(Camera& camera, const RegistryCamera& facts) {
+  std::string text = "serial: " + Printable(facts.serial) + "\nproduct: " + Printable(facts.product) +
+                     "\nrevision: " + Printable(facts.revision) + "\ndriver: " + facts.driver + "\n";
+  _VscCdbCameraInformation record{};
+  if (!camera.CameraInformation(record))
+    throw Failure(ExitCode::kFailed, "The camera gave no information about itself.");
+  for (const std::string& line : InformationTexts(record)) text += "information: " + Printable(line) + "\n";
+  text += "battery: " + Shortest(camera.BatteryLevel()) + "\n";
+  text += "completed commands: " + std::to_string(camera.GetDoneCmdCount()) + "\n";
+  return text + "pictures: " + std::to_string(camera.GetDcf().size()) + "\n";
+}
+
+// Gathers what it can; what fails is said in the archive too.
+class Report {
+ public:
+  explicit Report(Context& context) : context_(context), tar_(static_cast<long long>(std::time(nullptr))) {}
+
+  void Add(const std::string& name, std::string_view bytes) {
+    tar_.Add("kelva-report/" + name, bytes);
+    ++files_;
+  }
+
+  void Part(const std::string& doing, const std::function<void()>& work) {
+    context_.Doing(doing);
+    try {
+      work();
+    } catch (const std::exception& error) {
+      const Outcome outcome = Explain(error, doing);
+      if (outcome.code == ExitCode::kGone) throw;
+      context_.reporter.Error(outcome.sentence, ExitCode::kPartial);
+      errors_ += outcome.sentence + "\n";
+    }
+  }
+
+  void AddAll(const std::string& folder, const std::vector<_Sha1obj>& files) {
+    for (const _Sha1obj& file : files) {
+      const std::string name = SafeName(file.name.substr(file.name.rfind('\\') + 1));
+      Add(folder + "/" + name, {file.data.data(), file.data.size()});
+    }
+  }
+
+  std::string Finish() {
+    if (!errors_.empty()) Add("errors.txt", errors_);
+    return tar_.Finish();
+  }
+  bool IsWhole() const { return errors_.empty(); }
+  int Files() const { return files_; }
+
+ private:
+  Context& context_;
+  Tar tar_;
+  std::string errors_;
+  int files_ = 0;
+};
+
+void Gather(Context& context, const Session& camera, Report& report) {
+  Progress progress(context.reporter, context.stop, "report", 0);
+  report.Add("host.txt", HostFacts());
+  report.Part("read the camera's state", [&] { report.Add("camera.txt", CameraFacts(*camera, camera.Facts())); });
+  report.Part("read the console log", [&] { report.Add("console.txt", Console(context, *camera)); });
+  report.Part("read the crash logs",
+              [&] { report.AddAll("crash", camera->ReadCrashLogs(Progress::Callback, &progress, false, true)); });
+  report.Part("read the calibration files",
+              [&] { report.AddAll("calibration", camera->ReadCalibration(Progress::Callback, &progress, true)); });
+}
+
+ExitCode RunReport(Context& context) {
+  const std::string path = context.call.words[0];
+  const std::size_t slash = path.rfind('/');
+  const std::string name = path.substr(slash + 1);
+  if (name.empty()) throw Failure(ExitCode::kUsage, "The report is a file; name it, for example report.tar.");
+  const TargetFolder folder = TargetFolder::Open(slash == std::string::npos ? "." : path.substr(0, slash + 1));
+  if (folder.Has(name)) {
+    // Said before the camera is asked: it hands its console log over only once.
+    throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
+                                         " already, and it was left as it is; choose another name for the report.");
+  }
+  context.Doing("open the camera");
+  const Session camera(context);
+  Report report(context);
+  Gather(context, camera, report);
+  StoreNew(folder, name, report.Finish());
+  const ExitCode code = report.IsWhole() ? ExitCode::kDone : ExitCode::kPartial;
+  Json members = CameraResult(camera);
+  members.SetBytes("file", path).Set("files", report.Files());
+  context.Result(std::move(members), "", code);
+  context.reporter.Note("The report is in " + Printable(path) + "; look through it before you send it to anyone.");
+  return code;
+}
+
+constexpr Argument kArguments[] = {{"FILE", "The archive to write, a tar file.", Argument::Count::kOne, Offer::kFile}};
+constexpr Example kExamples[] = {{"kelva report camera.tar", "Gather what someone needs who is to help."}};
+
+constexpr Verb kVerbs[] = {
+    {"report",
+     "Gather what is needed to find a fault into one archive",
+     kArguments,
+     {},
+     "Information, battery and counters of the camera, its console log, crash logs and calibration files, and facts "
+     "about this "
+     "computer. Crash logs stay on the camera; the console log is handed over by the camera once and is in the archive "
+     "afterwards. No pictures and no passphrases are in it. A part that fails is reported, and the rest goes on.",
+     "file: the archive\nfiles: how many are in it",
+     kExamples,
+     RunReport}};
+
+}  // namespace
+
+std::span<const Verb> ReportVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

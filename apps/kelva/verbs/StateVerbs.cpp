@@ -1,0 +1,135 @@
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "apps/camera/LastingSession.h"
+#include "apps/commandline/Failure.h"
+#include "apps/kelva/verbs/Number.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+using namespace std::chrono_literals;
+
+ExitCode RunReady(Context& context) {
+  context.Doing("ask whether the camera is ready");
+  const Session camera(context);
+  const bool wait = context.call.Has("wait");
+  bool ready = camera->IsReady();
+  while (wait && !ready) {
+    context.stop.Check();
+    std::this_thread::sleep_for(200ms);
+    ready = camera->IsReady();
+  }
+  const ExitCode code = ready ? ExitCode::kDone : ExitCode::kFailed;
+  context.Result(CameraResult(camera).Set("ready", ready), ready ? "ready\n" : "not ready\n", code);
+  return code;
+}
+
+ExitCode RunBattery(Context& context) {
+  context.Doing("read the battery level");
+  const Session camera(context);
+  const float level = camera->BatteryLevel();
+  context.Result(CameraResult(camera).Set("level", NumberOf(level)), Shortest(level) + "\n");
+  return ExitCode::kDone;
+}
+
+ExitCode RunDoneCount(Context& context) {
+  context.Doing("read the count of completed commands");
+  const Session camera(context);
+  const int count = camera->GetDoneCmdCount();
+  context.Result(CameraResult(camera).Set("count", count), std::to_string(count) + "\n");
+  return ExitCode::kDone;
+}
+
+ExitCode RunCapture(Context& context) {
+  context.Doing("take a picture");
+  const Session camera(context);
+  if (!camera->CaptureImage(true)) throw Failure(ExitCode::kRefused, "The camera did not take the command to capture.");
+  context.Result(CameraResult(camera), "");
+  context.reporter.Note("The camera was told to take a picture.");
+  return ExitCode::kDone;
+}
+
+ExitCode RunReboot(Context& context) {
+  context.Doing("restart the camera");
+  LastingSession camera(context);
+  const bool wait = context.call.Has("wait");
+  const int commands = wait ? camera.Device().GetDoneCmdCount() : 0;
+  Json members = CameraResult(camera.Current());
+  camera.Device().Reboot();
+  if (wait) {
+    camera.WaitUntilGone(commands);
+    camera.WaitUntilReady();
+  }
+  context.Result(std::move(members.Set("back", wait)), "");
+  context.reporter.Note(wait ? "The camera has restarted and is ready."
+                             : "The camera was told to restart; `kelva reboot --wait` also waits until it is back.");
+  return ExitCode::kDone;
+}
+
+constexpr Option kReadyOptions[] = {{"wait", 'w', "", "Ask five times a second until it is ready."}};
+constexpr Option kRebootOptions[] = {{"wait", 'w', "", "Wait until the same camera is back and ready."}};
+constexpr Example kRebootExamples[] = {{"kelva reboot --wait --timeout 60", "Restart it, and go on when it is back."}};
+constexpr Example kReadyExamples[] = {
+    {"kelva ready && kelva capture", "Take a picture if the camera is ready."},
+    {"kelva ready --wait --timeout 30", "Wait half a minute for it."},
+};
+constexpr Example kBatteryExamples[] = {{"kelva battery -s K1-0042", "The battery of one of several cameras."}};
+constexpr Example kDoneCountExamples[] = {
+    {"kelva done-count; kelva capture; kelva done-count", "See by how many commands a picture moves it."}};
+constexpr Example kCaptureExamples[] = {{"kelva capture", "Take a picture."}};
+
+constexpr Verb kVerbs[] = {
+    {"ready",
+     "Ask whether the camera is ready",
+     {},
+     kReadyOptions,
+     "Exit status 0 when it is ready and 1 when it is not, so that a script can ask without reading the answer.",
+     "ready: true or false",
+     kReadyExamples,
+     RunReady},
+    {"battery",
+     "Show the battery level",
+     {},
+     {},
+     "The number is the camera's, in the camera's own unit, which is not the same for all models.",
+     "level: number, null when the camera sends none",
+     kBatteryExamples,
+     RunBattery},
+    {"done-count",
+     "Show how many commands the camera has completed",
+     {},
+     {},
+     "Two counts around a command tell whether the camera has finished it.",
+     "count: whole number",
+     kDoneCountExamples,
+     RunDoneCount},
+    {"capture",
+     "Take a picture",
+     {},
+     {},
+     "Returns as soon as the camera has taken the command; the picture appears in its catalogue when it is stored.",
+     "",
+     kCaptureExamples,
+     RunCapture},
+    {"reboot",
+     "Restart the camera",
+     {},
+     kRebootOptions,
+     "The camera goes away and comes back; commands fail with exit status 5 or 3 until then. With --wait the command "
+     "ends when the camera with the same serial number is back and ready, with exit status 8 when --timeout comes "
+     "first, and with 1 when the camera does not restart at all.",
+     "back: true when it was waited for",
+     kRebootExamples,
+     RunReboot},
+};
+
+}  // namespace
+
+std::span<const Verb> StateVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

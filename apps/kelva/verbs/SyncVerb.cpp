@@ -1,0 +1,151 @@
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "apps/camera/Session.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/files/NewFile.h"
+#include "apps/import/Sync.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+void LockFolder(const TargetFolder& folder) {
+  if (::flock(folder.Fd(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
+  throw Failure(ExitCode::kBusy,
+                "Another `kelva sync` is at work in " + Printable(folder.Path()) + "; wait until it has finished.");
+}
+
+ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan) {
+  for (const SyncItem& item : plan.items) {
+    if (!item.IsNew()) continue;
+    Json members = Json::Object();
+    members.SetBytes("path", item.CameraPath()).SetBytes("file", item.LocalText());
+    context.Event("would_store", std::move(members),
+                  Printable(item.CameraPath()) + "  ->  " + Printable(item.LocalText()) + "\n");
+  }
+  Json members = CameraResult(camera);
+  members.Set("new", plan.NewFiles()).Set("known", plan.items.size() - plan.NewFiles());
+  context.Result(std::move(members), "");
+  context.reporter.Note(std::to_string(plan.NewFiles()) + " files are new; nothing was fetched.");
+  return ExitCode::kDone;
+}
+
+ExitCode CodeOf(const SyncTotals& totals, const std::optional<Outcome>& ended) {
+  if (ended && (ended->code != ExitCode::kFailed || totals.stored == 0)) return ended->code;
+  return ended || totals.failed != 0 ? ExitCode::kPartial : ExitCode::kDone;
+}
+
+ExitCode Finish(Context& context, const Session& camera, const Sync& sync, std::size_t known,
+                const std::optional<Outcome>& ended) {
+  SyncTotals totals = sync.Totals();
+  if (context.guard != nullptr) {
+    totals.stored = context.guard->Files();
+    totals.bytes = context.guard->Bytes();
+  }
+  const ExitCode code = CodeOf(totals, ended);
+  if (ended) context.reporter.Error(ended->sentence, code);
+  Json members = CameraResult(camera);
+  members.Set("stored", totals.stored).Set("bytes", totals.bytes).Set("already_here", totals.alreadyHere);
+  members.Set("known", known).Set("failed", totals.failed).Set("deleted", totals.deleted);
+  if (ended) members.Set("error", ended->sentence);
+  std::string text = std::to_string(totals.stored) + " stored (" + Bytes(totals.bytes) + "), " + std::to_string(known) +
+                     " known before, " + std::to_string(totals.failed) + " failed";
+  if (totals.deleted != 0) text += ", " + std::to_string(totals.deleted) + " deleted on the camera";
+  context.Result(std::move(members), text + "\n", code);
+  if (ended) context.reporter.Note("Run the same command again to go on.");
+  return code;
+}
+
+ExitCode RunDry(Context& context, const std::string& path, const std::vector<int>& types, const Pattern& pattern) {
+  const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
+  Manifest manifest = missing ? Manifest() : Manifest(TargetFolder::Open(path), false);
+  context.Doing("read the picture catalogue");
+  const Session camera(context);
+  return ShowPlan(context, camera, MakePlan(camera->GetDcf(), camera.Facts().serial, types, pattern, manifest));
+}
+
+ExitCode RunSync(Context& context) {
+  const Pattern pattern(context.call.Value("pattern").value_or(std::string(Pattern::kDefault)));
+  const std::vector<int> types = ParseTypes(context.call.Value("types"));
+  SyncOptions options;
+  options.deleteAfter = context.call.Has("delete-after-verify");
+  options.verify = options.deleteAfter || context.call.Has("verify");
+
+  const std::string& path = context.call.words[0];
+  if (context.call.Has("dry-run")) return RunDry(context, path, types, pattern);
+
+  context.Doing("read the picture catalogue");
+  // First, so that a camera that is not there leaves no folder behind.
+  const Session camera(context);
+  const TargetFolder folder = TargetFolder::OpenOrMake(path);
+  LockFolder(folder);
+  Manifest manifest(folder, true);
+  RemoveLeftovers(folder);
+  const unsigned long long before = context.guard == nullptr ? 0 : context.guard->Files();
+  const SyncPlan plan = MakePlan(camera->GetDcf(), camera.Facts().serial, types, pattern, manifest);
+  Sync sync(context, *camera, folder, manifest, options);
+  const auto ended = sync.Run(plan);
+  return Finish(context, camera, sync, plan.items.size() - plan.NewFiles() - before, ended);
+}
+
+constexpr Argument kArguments[] = {
+    {"FOLDER", "Where the pictures go; it is made if need be.", Argument::Count::kOne, Offer::kFolder}};
+constexpr Option kOptions[] = {
+    {"types", 't', "LIST", "Only these files of each picture: jpg, raw, txt, 128, with commas between.", Offer::kWords,
+     "jpg raw txt 128 jpg,raw"},
+    {"pattern", 'p', "PATTERN", "How files are named below FOLDER; {folder}/{name} unless given."},
+    {"dry-run", 'n', "",
+     "Show what would be fetched and under which names (a number is added where a file of that name is here already), "
+     "and fetch nothing."},
+    {"verify", 0, "", "Read each new file a second time and compare."},
+    {"delete-after-verify", 0, "", "Delete on the camera each file that was read twice, equal, and is on disk here."},
+};
+constexpr Example kExamples[] = {
+    {"kelva sync ~/Pictures/camera", "Fetch what is new."},
+    {"kelva sync --types jpg --pattern '{year}/{date}_{stem}.{ext}' -n ~/Pictures", "See where pictures would go."},
+    {"kelva sync --delete-after-verify ~/Pictures/camera", "Make room on the camera, safely."},
+};
+
+constexpr Verb kVerbs[] = {
+    {"sync", "Fetch all new pictures into a folder", kArguments, kOptions,
+     "The catalogue is read once, and compared with the list of what was fetched before (.kelva-manifest.sqlite in "
+     "FOLDER), so "
+     "only new files are read, and one that you have renamed, moved or deleted here is not fetched again. A picture of "
+     "an old "
+     "name that is another picture is new.\n\n"
+     "Each file is written under a temporary name, flushed, checked against the SHA-1 of the catalogue where that has "
+     "one, and "
+     "only then given its name. Ctrl-C, an unplugged camera or a full disk at any moment leave whole files only; the "
+     "same "
+     "command goes on where it ended. A file that is here already is never overwritten: the same content is "
+     "recognised, "
+     "another content stays and the new file gets a number. Symbolic links in FOLDER are not followed. One bad file is "
+     "reported and the rest goes on (exit status 6).\n\n"
+     "The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}; "
+     "the last "
+     "five are \"undated\" where the catalogue gives no time. Names of a camera cannot add a folder: bytes that are "
+     "not sound "
+     "in a name are written as %XX.\n\n"
+     "A file comes from the camera in one piece, and so does the catalogue with 128 bytes for each picture. Memory is "
+     "needed for these, for two of the largest files at a time, and for 4 MB on their way to the disk.",
+     "events, one object a line: stored (path, file, size, sha1, verified, was_here), failed (path, error), deleted "
+     "(path), "
+     "would_store (path, file)\n"
+     "stored: files, then bytes: their size, already_here: those that were here with the same content\n"
+     "known: files that were fetched by an earlier run\nfailed: files that were not stored or not deleted\n"
+     "deleted: files deleted on the camera\nerror: what ended the run early",
+     kExamples, RunSync, true}};
+
+}  // namespace
+
+std::span<const Verb> SyncVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

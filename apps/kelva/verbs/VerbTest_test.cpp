@@ -1,0 +1,110 @@
+#include "apps/kelva/verbs/testing/VerbTest.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+#include "apps/camera/Explain.h"
+#include "apps/commandline/Context.h"
+#include "apps/kelva/verbs/Verbs.h"
+#include "darwin/virtual/VirtualRegistry.h"
+#include "vcam/camera/InProcess.h"
+
+namespace apps {
+namespace {
+
+std::string Read(int fd) {
+  std::string text(static_cast<std::size_t>(::lseek(fd, 0, SEEK_END)), '\0');
+  const ssize_t size = ::pread(fd, text.data(), text.size(), 0);
+  return text.substr(0, static_cast<std::size_t>(size));
+}
+
+vcam::Options OptionsFor(const std::filesystem::path& storage) {
+  vcam::Options options;
+  options.serial = "K1";
+  options.storage = storage;
+  return options;
+}
+
+}  // namespace
+
+class VerbTest::Machine {
+ public:
+  explicit Machine(const std::filesystem::path& storage) {
+    const vcam::Options options = OptionsFor(storage);
+    darwin::CameraDescription description;
+    description.serial = options.serial;
+    description.vendor = options.vendor;
+    description.product = options.product;
+    description.revision = options.revision;
+    description.peripheralType = options.peripheralType;
+    description.openUserClient = vcam::OpenInProcess(std::make_shared<vcam::VirtualCamera>(options));
+    registry_.AttachCamera(description);
+  }
+
+ private:
+  darwin::VirtualRegistry registry_;
+};
+
+VerbTest::VerbTest() {
+  std::string pattern = testing::TempDir() + "verb-XXXXXX";
+  folder = ::mkdtemp(pattern.data());
+  storage = folder / "camera";
+  std::filesystem::create_directory(storage);
+  machine_ = std::make_unique<Machine>(storage);
+}
+
+VerbTest::~VerbTest() {
+  machine_.reset();
+  std::filesystem::remove_all(folder);
+}
+
+void VerbTest::Put(const std::string& name, const std::string& text) const {
+  std::filesystem::create_directories((storage / name).parent_path());
+  std::ofstream(storage / name) << text;
+}
+
+std::string VerbTest::Text(const std::filesystem::path& path) const {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Ran VerbTest::Run(const std::vector<const char*>& arguments) {
+  const base::FileDescriptor out(::memfd_create("out", MFD_CLOEXEC));
+  const base::FileDescriptor err(::memfd_create("err", MFD_CLOEXEC));
+  const bool json = std::any_of(arguments.begin(), arguments.end(), [](std::string_view a) { return a == "--json"; });
+  Output output(out.Get());
+  Reporter reporter(err.Get(), {.json = json});
+  const Stop stop;
+  StdoutDiversion diversion;
+  ExitCode code = ExitCode::kUsage;
+  std::string doing;
+  try {
+    const Invocation call = Parse(AllVerbs(), arguments);
+    Context context(call, output, reporter, stop, diversion);
+    try {
+      code = call.verb->run(context);
+    } catch (const std::exception&) {
+      doing = context.WasDoing();
+      throw;
+    }
+  } catch (const std::exception& error) {
+    const Outcome outcome = Explain(error, doing);
+    code = outcome.code;
+    reporter.Error(outcome.sentence, outcome.code);
+  }
+  return {code, Read(out.Get()), Read(err.Get())};
+}
+
+namespace {
+
+TEST_F(VerbTest, TheTestsOwnCameraIsThere) {
+  EXPECT_EQ(Run({"ready"}).out, "ready\n");
+}
+
+}  // namespace
+}  // namespace apps

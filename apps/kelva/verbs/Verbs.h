@@ -1,0 +1,39 @@
+#ifndef KELVA_APPS_KELVA_VERBS_VERBS_H_
+#define KELVA_APPS_KELVA_VERBS_VERBS_H_
+
+#include <span>
+
+#include "apps/commandline/Verb.h"
+
+namespace apps {
+
+// The table of verbs, one group for each file. The order is that of the help.
+
+std::span<const Verb> ListVerbs();     ///< list
+std::span<const Verb> WatchVerbs();    ///< watch
+std::span<const Verb> WaitVerbs();     ///< wait
+std::span<const Verb> InfoVerbs();     ///< info
+std::span<const Verb> StateVerbs();    ///< ready, battery, done-count, capture, reboot
+std::span<const Verb> ClockVerbs();    ///< time
+std::span<const Verb> FolderVerbs();   ///< ls, tree
+std::span<const Verb> PictureVerbs();  ///< pictures, pictures rm
+std::span<const Verb> SyncVerbs();     ///< sync
+std::span<const Verb> GetVerbs();      ///< get
+std::span<const Verb> ChangeVerbs();   ///< put, rm
+std::span<const Verb> KeyVerbs();      ///< batch get, batch rm, raw
+std::span<const Verb> WifiVerbs();     ///< wifi name, wifi passphrase, wifi auth, wifi off
+std::span<const Verb> ControlVerbs();  ///< control, control get, control set
+std::span<const Verb> MonitorVerbs();  ///< monitor
+std::span<const Verb> ConsoleVerbs();  ///< console
+std::span<const Verb> BundleVerbs();   ///< crash-logs, calibration
+std::span<const Verb> UpgradeVerbs();  ///< upgrade
+std::span<const Verb> ReportVerbs();   ///< report
+std::span<const Verb> DoctorVerbs();   ///< doctor
+std::span<const Verb> HelpVerbs();     ///< completion, manual, help
+
+/// All of them, in one piece.
+std::span<const Verb> AllVerbs();
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_KELVA_VERBS_VERBS_H_

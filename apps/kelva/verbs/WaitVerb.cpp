@@ -1,0 +1,67 @@
+#include <string>
+
+#include "apps/camera/Attached.h"
+#include "apps/camera/Hotplug.h"
+#include "apps/commandline/Context.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+bool IsWanted(const RegistryCamera& camera, const std::optional<std::string>& serial) {
+  return !serial || camera.serial == *serial;
+}
+
+bool IsAttached(const std::optional<std::string>& serial) {
+  for (const RegistryCamera& camera : CamerasInRegistry()) {
+    if (IsWanted(camera, serial)) return true;
+  }
+  return false;
+}
+
+ExitCode RunWait(Context& context) {
+  const auto serial = WantedSerial(context.call.Value("serial"));
+  const bool forLoss = context.call.Has("gone");
+  context.Doing("wait for a camera");
+  std::string seen = serial.value_or("");
+  Hotplug* running = nullptr;
+  Hotplug hotplug([&](const HotplugEvent& event) {
+    if (event.kind == HotplugEvent::Kind::kBad || !IsWanted(event.facts, serial)) return;
+    const bool attached = event.kind == HotplugEvent::Kind::kAttached;
+    if (attached == forLoss) return;
+    seen = event.facts.serial;
+    running->Finish();
+  });
+  running = &hotplug;
+  if (!forLoss || IsAttached(serial)) hotplug.Run(context.stop);
+  Json members = Json::Object();
+  members.SetBytes("serial", seen).Set("attached", !forLoss);
+  context.Result(std::move(members), forLoss || seen.empty() ? "" : Printable(seen) + "\n");
+  return ExitCode::kDone;
+}
+
+constexpr Option kOptions[] = {{"gone", 'g', "", "Wait until it is no longer attached instead."}};
+constexpr Example kExamples[] = {
+    {"kelva wait --timeout 60 && kelva sync ~/Pictures", "Fetch new pictures as soon as a camera is there."},
+    {"kelva wait --gone -s K1-0042", "Wait until this camera was unplugged."},
+};
+
+constexpr Verb kVerbs[] = {{"wait",
+                            "Wait until a camera is attached",
+                            {},
+                            kOptions,
+                            "Returns at once when one is there already. Without --serial any camera will do; its "
+                            "serial number is printed. With "
+                            "--timeout the exit status is 8 when none came.",
+                            "serial: of the camera\nattached: false with --gone",
+                            kExamples,
+                            RunWait}};
+
+}  // namespace
+
+std::span<const Verb> WaitVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

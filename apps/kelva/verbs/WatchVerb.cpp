@@ -1,0 +1,119 @@
+#include <unistd.h>
+
+#include <string>
+
+#include "apps/camera/Attached.h"
+#include "apps/camera/Hotplug.h"
+#include "apps/commandline/Context.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Hook.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+using Kind = HotplugEvent::Kind;
+
+std::string_view WordFor(Kind kind) {
+  switch (kind) {
+    case Kind::kAttached:
+      return "attached";
+    case Kind::kLost:
+      return "lost";
+    case Kind::kBad:
+      return "bad";
+  }
+  return "";
+}
+
+Json Members(const HotplugEvent& event) {
+  Json members = Json::Object();
+  if (event.kind != Kind::kBad) {
+    members.SetBytes("serial", event.facts.serial).SetBytes("product", event.facts.product);
+    members.SetBytes("revision", event.facts.revision);
+  }
+  return members.Set("present", event.present);
+}
+
+std::string Line(const HotplugEvent& event) {
+  if (event.kind == Kind::kBad)
+    return "bad        a camera that the system took for a compact-disc drive; see `kelva doctor`\n";
+  const std::string name = event.facts.serial.empty() ? "-" : Printable(event.facts.serial);
+  const std::string word = event.kind == Kind::kLost ? "lost       " : event.present ? "present    " : "attached   ";
+  return word + name + "  " + Printable(event.facts.product) + "\n";
+}
+
+// Whether the event is about a camera that was asked for.
+bool IsWanted(const HotplugEvent& event, const std::optional<std::string>& serial) {
+  return !serial || event.kind == Kind::kBad || event.facts.serial == *serial;
+}
+
+void RunHook(Context& context, const std::string& command, const HotplugEvent& event, bool& failed) {
+  const std::string outcome =
+      RunCommand(command, {{"KELVA_EVENT", std::string(WordFor(event.kind))}, {"KELVA_SERIAL", event.facts.serial}},
+                 context.Json() ? STDERR_FILENO : context.diversion.Real());
+  if (outcome.empty()) return;
+  failed = true;
+  context.reporter.Error("The command for \"" + std::string(WordFor(event.kind)) + "\" of camera " +
+                             Printable(event.facts.serial) + " " + outcome + ".",
+                         ExitCode::kPartial);
+}
+
+ExitCode RunWatch(Context& context) {
+  context.Doing("watch for cameras");
+  const auto serial = WantedSerial(context.call.Value("serial"));
+  const auto command = context.call.Value("exec");
+  const long long most = ParseNumber(context.call.Value("count").value_or("0"), "a number of events", 0, 1'000'000'000);
+  long long seen = 0;
+  bool hookFailed = false;
+  Hotplug* running = nullptr;
+  Hotplug hotplug([&](const HotplugEvent& event) {
+    if (!IsWanted(event, serial)) return;
+    context.Event(WordFor(event.kind), Members(event), Line(event));
+    if (command && !event.present) RunHook(context, *command, event, hookFailed);
+    if (most != 0 && ++seen == most) running->Finish();
+  });
+  running = &hotplug;
+  hotplug.Run(context.stop);
+  const ExitCode code = hookFailed ? ExitCode::kPartial : ExitCode::kDone;
+  context.Result(Json::Object().Set("events", seen), "", code);
+  return code;
+}
+
+constexpr Option kOptions[] = {
+    {"exec", 'x', "COMMAND",
+     "Run this shell command at each change, with KELVA_EVENT (attached, lost, bad) and "
+     "KELVA_SERIAL set; events wait until it has ended."},
+    {"count", 'n', "N", "End after N events, those of cameras already present included."},
+};
+constexpr Example kExamples[] = {
+    {"kelva watch", "Show cameras come and go until Ctrl-C."},
+    {"kelva watch --exec 'test $KELVA_EVENT = attached && kelva sync ~/Pictures'", "Fetch new pictures at each plug."},
+    {"kelva watch --json | while read -r event; do ...; done", "One JSON object for each event."},
+};
+
+constexpr Verb kVerbs[] = {
+    {"watch",
+     "Report cameras as they come and go",
+     {},
+     kOptions,
+     "First the cameras that are there (\"present\"), then each change: \"attached\", \"lost\", and \"bad\" for a "
+     "camera that "
+     "the system took for a compact-disc drive. It sleeps in between and ends with Ctrl-C (exit status 130), --timeout "
+     "(8) or "
+     "--count (0; 6 when a command of --exec failed). Commands of --exec run for changes only, not for cameras that "
+     "were "
+     "there before. With --json what they print goes to standard error.",
+     "event: attached, lost or bad\nserial: of the camera, empty when it has none; not with bad\nproduct: likewise\n"
+     "revision: likewise\npresent: true for a camera that was there when the watch began\n"
+     "events: how many there were, at the end with --count",
+     kExamples,
+     RunWatch}};
+
+}  // namespace
+
+std::span<const Verb> WatchVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

@@ -1,0 +1,127 @@
+#include <string>
+
+#include "apps/camera/Session.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Secret.h"
+#include "apps/kelva/verbs/Verbs.h"
+
+namespace apps {
+namespace {
+
+constexpr std::string_view kPrefix = "kelva.camera.";
+constexpr std::size_t kLongestName = 32 - kPrefix.size();
+constexpr std::size_t kShortestPassphrase = 9;
+constexpr std::size_t kLongestPassphrase = 63;
+
+_VscWifiType TypeOf(const Context& context) {
+  return static_cast<_VscWifiType>(ParseNumber(context.call.Value("setting").value_or("0"), "a Wi-Fi setting", 0, 1));
+}
+
+ExitCode Finish(Context& context, const Session& camera, bool taken, Json members) {
+  if (!taken) throw Failure(ExitCode::kRefused, "The camera did not take the Wi-Fi setting.");
+  context.Result(CameraResult(camera).Merge(std::move(members)), "");
+  return ExitCode::kDone;
+}
+
+ExitCode RunName(Context& context) {
+  const std::string& name = context.call.words[0];
+  if (name.size() > kLongestName) {
+    throw Failure(ExitCode::kUsage, "The name has " + std::to_string(name.size()) + " bytes; with \"" +
+                                        std::string(kPrefix) + "\" before it there is room for " +
+                                        std::to_string(kLongestName) + ".");
+  }
+  const _VscWifiType type = TypeOf(context);
+  context.Doing("set the Wi-Fi name");
+  const Session camera(context);
+  const bool taken = camera->SetWifiSSID(type, name);
+  Json members = Json::Object();
+  members.Set("setting", static_cast<int>(type)).SetBytes("ssid", std::string(kPrefix) + name);
+  const ExitCode code = Finish(context, camera, taken, std::move(members));
+  context.reporter.Note("The network is called " + std::string(kPrefix) + Printable(name) + " now.");
+  return code;
+}
+
+ExitCode RunPassphrase(Context& context) {
+  const _VscWifiType type = TypeOf(context);
+  const std::string passphrase = ReadSecret("New Wi-Fi passphrase: ", context.stop);
+  if (passphrase.size() < kShortestPassphrase || passphrase.size() > kLongestPassphrase) {
+    throw Failure(ExitCode::kUsage,
+                  "A passphrase has 9 to 63 characters; this one has " + std::to_string(passphrase.size()) + ".");
+  }
+  context.Doing("set the Wi-Fi passphrase");
+  const Session camera(context);
+  return Finish(context, camera, camera->SetWifiPassphrase(type, passphrase),
+                Json::Object().Set("setting", static_cast<int>(type)));
+}
+
+_VscWifiAuthType AuthType(const std::string& word) {
+  if (word == "WPA2") return kVscWifiAuthWpa2;
+  if (word == "WEP") return kVscWifiAuthWep;
+  if (word == "NONE") return kVscWifiAuthNone;
+  throw Failure(ExitCode::kUsage, "The authentication is WPA2, WEP or NONE, not \"" + Printable(word) + "\".");
+}
+
+ExitCode RunAuth(Context& context) {
+  const std::string& word = context.call.words[0];
+  const _VscWifiAuthType auth = AuthType(word);
+  context.Doing("set the Wi-Fi authentication");
+  const Session camera(context);
+  const bool taken = camera->SetWifiAuthType(kVscWifiType1, auth);
+  const ExitCode code = Finish(context, camera, taken, Json::Object().Set("auth", word).Set("text_sent", false));
+  context.reporter.Note("The camera took the command, but the command carries no text: \"" + word +
+                        "\" itself does not reach the camera.");
+  return code;
+}
+
+ExitCode RunOff(Context& context) {
+  context.Doing("switch Wi-Fi off");
+  const Session camera(context);
+  return Finish(context, camera, camera->DisableWifi(true), Json::Object());
+}
+
+constexpr Argument kName[] = {{"NAME", "At most 19 bytes; \"kelva.camera.\" is put before it."}};
+constexpr Argument kAuth[] = {{"AUTH", "WPA2, WEP or NONE.", Argument::Count::kOne, Offer::kWords, "WPA2 WEP NONE"}};
+constexpr Option kSetting[] = {
+    {"setting", 0, "0|1", "Which of the camera's two Wi-Fi settings; 0 unless given.", Offer::kWords, "0 1"}};
+constexpr Example kNameExamples[] = {{"kelva wifi name den", "Call the network kelva.camera.den."}};
+constexpr Example kPassphraseExamples[] = {
+    {"kelva wifi passphrase", "Ask for it, without showing it."},
+    {"pass show camera | kelva wifi passphrase", "Take it from a password manager."},
+};
+constexpr Example kAuthExamples[] = {{"kelva wifi auth WPA2", "Send the command for setting 1."}};
+constexpr Example kOffExamples[] = {{"kelva wifi off", "Switch it off."}};
+
+constexpr Verb kVerbs[] = {
+    {"wifi name", "Set the camera's network name", kName, kSetting, "", "setting: 0 or 1\nssid: the whole name",
+     kNameExamples, RunName},
+    {"wifi passphrase",
+     "Set the camera's network passphrase",
+     {},
+     kSetting,
+     "The passphrase, 9 to 63 characters, is asked for on the terminal without being shown, or read as the first line "
+     "of "
+     "standard input. It is never taken from the command line, where other users could see it.",
+     "setting: 0 or 1",
+     kPassphraseExamples,
+     RunPassphrase},
+    {"wifi auth",
+     "Set the camera's Wi-Fi authentication",
+     kAuth,
+     {},
+     "Only setting 1 of the camera has one. The command has no data phase, so the camera learns that it was sent and "
+     "not "
+     "which authentication it names; the tool says so and ends with exit status 0.",
+     "auth: the word given\ntext_sent: always false",
+     kAuthExamples,
+     RunAuth},
+    {"wifi off", "Switch the camera's Wi-Fi off", {}, {}, "", "", kOffExamples, RunOff},
+};
+
+}  // namespace
+
+std::span<const Verb> WifiVerbs() {
+  return kVerbs;
+}
+
+}  // namespace apps

@@ -1,0 +1,109 @@
+#include "bus/BusConnection.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "bus/Listener.h"
+
+namespace bus {
+namespace {
+
+int MillisecondsUntil(std::chrono::steady_clock::time_point deadline) {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count();
+  return static_cast<int>(std::clamp<long long>(left, 0, 1'000'000'000));
+}
+
+bool IsEvent(const bus::Frame& frame) {
+  return frame.kind == bus::Kind::kPlugged || frame.kind == bus::Kind::kUnplugged;
+}
+
+}  // namespace
+
+BusConnection::BusConnection(const std::string& path) : path_(path), socket_(bus::ConnectTo(path)) {
+  if (!socket_)
+    throw std::runtime_error("Cannot reach a bus at " + path + ": " + std::strerror(errno) +
+                             "; start one with `kelva-vcam serve --socket " + path + "`.");
+  Request(bus::Kind::kHello, bus::EncodeNumber(bus::kProtocolVersion));
+}
+
+bus::Frame BusConnection::Request(bus::Kind kind, const base::Bytes& payload) {
+  const std::uint32_t tag = nextTag_++;
+  std::optional<bus::Frame> answer;
+  if (SendAll(bus::EncodeFrame(kind, tag, payload))) answer = AwaitAnswer(tag, std::nullopt);
+  if (!answer) throw std::runtime_error("The bus at " + path_ + " has ended; start it again with `kelva-vcam serve`.");
+  if (answer->kind != bus::Kind::kError) return std::move(*answer);
+  throw BusRefusal(
+      bus::DecodeError(answer->payload).value_or(bus::ErrorAnswer{{}, "The bus refused without saying why."}));
+}
+
+std::optional<bus::Frame> BusConnection::Request(bus::Kind kind, const base::Bytes& payload,
+                                                 std::chrono::milliseconds timeout) {
+  const std::uint32_t tag = nextTag_++;
+  if (!SendAll(bus::EncodeFrame(kind, tag, payload))) return std::nullopt;
+  return AwaitAnswer(tag, std::chrono::steady_clock::now() + timeout);
+}
+
+bool BusConnection::SendAll(const base::Bytes& bytes) {
+  for (std::size_t sent = 0; sent < bytes.size();) {
+    const ssize_t count = ::send(socket_.Get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) ended_ = true;
+    if (count < 0) return false;
+    sent += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+std::optional<bus::Frame> BusConnection::AwaitAnswer(std::uint32_t tag, Deadline deadline) {
+  do {
+    while (std::optional<bus::Frame> frame = in_.Next()) {
+      if (IsEvent(*frame)) {
+        events_.push_back(std::move(*frame));
+      } else if (frame->tag == tag) {
+        return frame;
+      }
+    }
+  } while (Receive(deadline, true));
+  return std::nullopt;
+}
+
+bool BusConnection::Receive(Deadline deadline, bool wait) {
+  if (ended_ || in_.Broken()) {
+    ended_ = true;
+    return false;
+  }
+  pollfd readable{socket_.Get(), POLLIN, 0};
+  int ready = 0;
+  do {
+    ready = ::poll(&readable, 1, !wait ? 0 : deadline ? MillisecondsUntil(*deadline) : -1);
+  } while (ready < 0 && errno == EINTR);
+  if (ready == 0) return false;
+  std::array<std::uint8_t, 64 * 1024> block;
+  const ssize_t count = ::recv(socket_.Get(), block.data(), block.size(), 0);
+  if (count <= 0) {
+    ended_ = !(count < 0 && errno == EINTR);
+    return !ended_;
+  }
+  in_.Feed(std::span(block).first(static_cast<std::size_t>(count)));
+  return true;
+}
+
+std::optional<bus::Frame> BusConnection::NextEvent() {
+  for (;;) {
+    while (std::optional<bus::Frame> frame = in_.Next())
+      if (IsEvent(*frame)) events_.push_back(std::move(*frame));
+    if (!events_.empty()) break;
+    if (!Receive(std::nullopt, false)) return std::nullopt;
+  }
+  bus::Frame event = std::move(events_.front());
+  events_.pop_front();
+  return event;
+}
+
+}  // namespace bus

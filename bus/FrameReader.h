@@ -1,0 +1,29 @@
+#ifndef KELVA_BUS_FRAME_READER_H_
+#define KELVA_BUS_FRAME_READER_H_
+
+#include <optional>
+
+#include "bus/Wire.h"
+
+namespace bus {
+
+/// Cuts a stream into frames, however it arrives. Takes up memory for what has arrived, not for what a length announces.
+class FrameReader {
+ public:
+  void Feed(std::span<const std::uint8_t> bytes);
+  /// The next whole frame, if there is one.
+  std::optional<Frame> Next();
+  /// Whether the stream has announced a frame that cannot be (too short or too long); nothing is read after that.
+  bool Broken() const { return broken_; }
+
+ private:
+  std::optional<std::size_t> FrameLength();
+
+  base::Bytes buffer_;
+  std::size_t start_ = 0;
+  bool broken_ = false;
+};
+
+}  // namespace bus
+
+#endif  // KELVA_BUS_FRAME_READER_H_

@@ -1,0 +1,93 @@
+#include "bus/Listener.h"
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <stdexcept>
+
+namespace bus {
+namespace {
+
+std::optional<sockaddr_un> AddressOf(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.empty() || path.size() >= sizeof address.sun_path || path.find('\0') != std::string::npos)
+    return std::nullopt;
+  std::memcpy(address.sun_path, path.data(), path.size());
+  return address;
+}
+
+const sockaddr* Generic(const sockaddr_un& address) {
+  return reinterpret_cast<const sockaddr*>(&address);
+}
+
+base::FileDescriptor NewSocket(int flags) {
+  return base::FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
+}
+
+std::runtime_error CannotServe(const std::string& path, const std::string& why) {
+  return std::runtime_error("Cannot serve the bus at " + path + ": " + why);
+}
+
+/// Frees the path when it is a socket that nobody serves.
+void RemoveStale(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0) return;
+  if (!S_ISSOCK(status.st_mode)) throw CannotServe(path, "a file of that name exists; choose another path.");
+  if (ConnectTo(path)) throw CannotServe(path, "another process serves it already; choose another path.");
+  if (errno == ECONNREFUSED) ::unlink(path.c_str());
+}
+
+}  // namespace
+
+Listener::Listener(const std::string& path) : path_(path) {
+  const auto address = AddressOf(path);
+  if (!address) throw CannotServe(path, "a socket's path has 1 to 107 bytes; choose a shorter one.");
+  RemoveStale(path);
+  socket_ = NewSocket(SOCK_NONBLOCK);
+  const mode_t mask = ::umask(0077);
+  const bool bound = socket_ && ::bind(socket_.Get(), Generic(*address), sizeof *address) == 0;
+  const int error = errno;
+  ::umask(mask);
+  if (!bound) throw CannotServe(path, std::string(std::strerror(error)) + "; choose a path in a folder of yours.");
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) == 0) inode_ = status.st_ino;
+  if (::listen(socket_.Get(), SOMAXCONN) != 0) throw CannotServe(path, std::strerror(errno));
+}
+
+Listener::~Listener() {
+  // Only if it is still ours: another bus may have taken the path since.
+  struct stat status {};
+  if (::lstat(path_.c_str(), &status) == 0 && status.st_ino == inode_) ::unlink(path_.c_str());
+}
+
+base::FileDescriptor Listener::Accept() const {
+  return base::FileDescriptor(::accept4(socket_.Get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+}
+
+base::FileDescriptor ConnectTo(const std::string& path) {
+  const auto address = AddressOf(path);
+  if (!address) {
+    errno = ENAMETOOLONG;
+    return {};
+  }
+  base::FileDescriptor socket = NewSocket(0);
+  if (!socket || ::connect(socket.Get(), Generic(*address), sizeof *address) != 0) {
+    const int error = errno;
+    socket.Reset();
+    errno = error;
+  }
+  return socket;
+}
+
+pid_t PeerProcess(int socket) {
+  ucred credentials{};
+  socklen_t length = sizeof credentials;
+  return ::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &length) == 0 ? credentials.pid : 0;
+}
+
+}  // namespace bus

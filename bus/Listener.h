@@ -1,0 +1,40 @@
+#ifndef KELVA_BUS_LISTENER_H_
+#define KELVA_BUS_LISTENER_H_
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "base/FileDescriptor.h"
+
+namespace bus {
+
+/// A local stream socket that listens at a path and removes the path when it is destroyed. Only its owner may connect.
+class Listener {
+ public:
+  /// Takes the place of a socket that nobody serves any more. Throws std::runtime_error with one sentence when the path
+  /// is too long, is served already or is no socket, or when the system refuses.
+  explicit Listener(const std::string& path);
+  ~Listener();
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+
+  int Descriptor() const { return socket_.Get(); }
+  /// The next connection; empty when none waits.
+  base::FileDescriptor Accept() const;
+
+ private:
+  base::FileDescriptor socket_;
+  std::string path_;
+  ino_t inode_ = 0;
+};
+
+/// A connected socket to a listener at this path; empty, with errno, when there is none.
+base::FileDescriptor ConnectTo(const std::string& path);
+
+/// The process at the other end.
+pid_t PeerProcess(int socket);
+
+}  // namespace bus
+
+#endif  // KELVA_BUS_LISTENER_H_

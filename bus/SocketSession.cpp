@@ -1,0 +1,64 @@
+#include "bus/SocketSession.h"
+
+#include <IOKit/IOReturn.h>
+
+#include <optional>
+#include <utility>
+
+#include "bus/BusConnection.h"
+
+namespace bus {
+namespace {
+
+wire::Reply Ended(wire::Transport transport) {
+  wire::Reply reply;
+  reply.transport = transport;
+  return reply;
+}
+
+class SocketSession : public CommandSession {
+ public:
+  SocketSession(std::string path, std::uint32_t camera) : path_(std::move(path)), camera_(camera) {}
+
+  int Start() override {
+    try {
+      connection_.emplace(path_);
+      connection_->Request(bus::Kind::kStartSession, bus::EncodeNumber(camera_));
+      return kIOReturnSuccess;
+    } catch (const BusRefusal& refusal) {
+      connection_.reset();
+      return refusal.code == bus::ErrorCode::kBusy ? kIOReturnExclusiveAccess : kIOReturnNoDevice;
+    } catch (const std::runtime_error&) {
+      connection_.reset();
+      return kIOReturnNoDevice;
+    }
+  }
+
+  void End() override {
+    // Waits for the answer, so that another process finds the camera free once this call is done.
+    if (connection_) connection_->Request(bus::Kind::kEndSession, {}, std::chrono::seconds(1));
+    connection_.reset();
+  }
+
+  wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
+    if (!connection_) return Ended(wire::Transport::kGone);
+    const auto answer = connection_->Request(bus::Kind::kCommand, bus::Encode(command), timeout);
+    // A late answer carries this command's tag, so it is not taken for another one's.
+    if (!answer) return Ended(connection_->Ended() ? wire::Transport::kGone : wire::Transport::kHang);
+    const std::optional<wire::Reply> reply = bus::DecodeReply(answer->payload);
+    return answer->kind == bus::Kind::kReply && reply ? *reply : Ended(wire::Transport::kGone);
+  }
+
+ private:
+  std::string path_;
+  std::uint32_t camera_;
+  std::optional<BusConnection> connection_;
+};
+
+}  // namespace
+
+std::unique_ptr<CommandSession> MakeSocketSession(const std::string& path, std::uint32_t camera) {
+  return std::make_unique<SocketSession>(path, camera);
+}
+
+}  // namespace bus

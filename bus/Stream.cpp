@@ -1,0 +1,55 @@
+#include "bus/Stream.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cerrno>
+
+namespace bus {
+namespace {
+
+// Beyond this, answers wait for the peer and the peer waits for us.
+constexpr std::size_t kMaxUnread = 1 << 20;
+// Beyond this the peer is cut off: it subscribed to events and does not read them.
+constexpr std::size_t kMaxQueued = 4 * kMaxFrame;
+
+bool WouldBlock() {
+  return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+}
+
+}  // namespace
+
+short Stream::Wants() const {
+  const int reading = Waiting() < kMaxUnread ? POLLIN : 0;
+  return static_cast<short>(reading | (Waiting() > 0 ? POLLOUT : 0));
+}
+
+void Stream::Queue(base::Bytes frame) {
+  if (sent_ == out_.size()) {
+    out_ = std::move(frame);
+    sent_ = 0;
+  } else {
+    out_.insert(out_.end(), frame.begin(), frame.end());
+  }
+}
+
+bool Stream::ReadSome() {
+  std::array<std::uint8_t, 64 * 1024> block;
+  const ssize_t count = ::recv(socket_.Get(), block.data(), block.size(), MSG_DONTWAIT);
+  if (count < 0) return WouldBlock();
+  if (count == 0) return false;
+  in_.Feed(std::span(block).first(static_cast<std::size_t>(count)));
+  return true;
+}
+
+bool Stream::WriteSome() {
+  while (Waiting() > 0) {
+    const ssize_t count = ::send(socket_.Get(), out_.data() + sent_, Waiting(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    if (count < 0) return WouldBlock() && Waiting() <= kMaxQueued;
+    sent_ += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+}  // namespace bus

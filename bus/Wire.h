@@ -1,0 +1,113 @@
+#ifndef KELVA_BUS_WIRE_H_
+#define KELVA_BUS_WIRE_H_
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Bytes.h"
+#include "wire/Command.h"
+
+// The bus's protocol over a local stream socket; vcam/README.md has it byte by byte. A frame is a 32-bit length, then
+// that many bytes: the kind, a 32-bit tag and the payload. A request's tag comes back in its answer.
+
+namespace bus {
+
+inline constexpr std::uint32_t kProtocolVersion = 1;
+inline constexpr std::size_t kFrameHeader = 5;
+inline constexpr std::size_t kMaxText = 4096;
+/// The largest frame: a whole data phase, a surplus, and what stands before it.
+inline constexpr std::size_t kMaxFrame = wire::kMaxTransferLength + 1024;
+
+enum class Kind : std::uint8_t {
+  // Requests.
+  kHello = 1,         ///< version
+  kSubscribe = 2,     ///< nothing; kPlugged for every camera present, then kOk, later changes as they come
+  kPlug = 3,          ///< PlugRequest
+  kUnplug = 4,        ///< serial
+  kStatus = 5,        ///< nothing; kOk with a list of CameraStatus
+  kFault = 6,         ///< FaultRequest
+  kStartSession = 7,  ///< id of the camera; one session per connection
+  kEndSession = 8,    ///< nothing
+  kCommand = 9,       ///< one command; kReply, or no answer at all while the camera hangs
+  // Answers.
+  kOk = 0x40,
+  kError = 0x41,  ///< ErrorCode, sentence
+  kReply = 0x42,  ///< how the command ended
+  // Events, tag 0.
+  kPlugged = 0x80,    ///< CameraStatus
+  kUnplugged = 0x81,  ///< id
+};
+
+enum class ErrorCode : std::uint8_t { kRefused = 1, kNoSuchCamera = 3, kBusy = 4 };
+
+struct Frame {
+  Kind kind{};
+  std::uint32_t tag = 0;
+  base::Bytes payload;
+};
+
+struct PlugRequest {
+  std::string serial;
+  std::string storage;
+  std::string revision;
+  std::string catalogue;
+  std::uint8_t peripheralType = 0;
+};
+
+struct FaultRequest {
+  std::string serial;
+  std::string name;
+  std::uint64_t at = 1;
+};
+
+struct CameraStatus {
+  std::uint32_t id = 0;
+  std::string serial;
+  std::string vendor;
+  std::string product;
+  std::string revision;
+  std::string storage;
+  std::uint8_t peripheralType = 0;
+  std::uint32_t holder = 0;  ///< process that has the session, 0 for none
+  std::uint64_t commands = 0;
+};
+
+struct ErrorAnswer {
+  ErrorCode code = ErrorCode::kRefused;
+  std::string sentence;
+};
+
+/// Everything below returns bytes to put behind the tag, or nothing when the bytes are not exactly what they should be:
+/// too short, too long, a text over kMaxText.
+base::Bytes Encode(const PlugRequest& request);
+base::Bytes Encode(const FaultRequest& request);
+base::Bytes Encode(const CameraStatus& status);
+base::Bytes Encode(const std::vector<CameraStatus>& list);
+base::Bytes Encode(const ErrorAnswer& error);
+base::Bytes Encode(const wire::Command& command);
+base::Bytes Encode(const wire::Reply& reply);
+base::Bytes EncodeNumber(std::uint32_t number);
+base::Bytes EncodeText(std::string_view text);
+
+std::optional<PlugRequest> DecodePlug(std::span<const std::uint8_t> payload);
+std::optional<FaultRequest> DecodeFault(std::span<const std::uint8_t> payload);
+std::optional<CameraStatus> DecodeStatus(std::span<const std::uint8_t> payload);
+std::optional<std::vector<CameraStatus>> DecodeStatusList(std::span<const std::uint8_t> payload);
+std::optional<ErrorAnswer> DecodeError(std::span<const std::uint8_t> payload);
+/// The command's data points into `payload`. A direction above 2, data without direction 1 or more data than announced is
+/// not a command.
+std::optional<wire::Command> DecodeCommand(std::span<const std::uint8_t> payload);
+std::optional<wire::Reply> DecodeReply(std::span<const std::uint8_t> payload);
+std::optional<std::uint32_t> DecodeNumber(std::span<const std::uint8_t> payload);
+std::optional<std::string> DecodeText(std::span<const std::uint8_t> payload);
+
+/// The frame as it travels.
+base::Bytes EncodeFrame(Kind kind, std::uint32_t tag, std::span<const std::uint8_t> payload);
+
+}  // namespace bus
+
+#endif  // KELVA_BUS_WIRE_H_

@@ -1,9 +1,0 @@
-#include <cstddef>
-#include <span>
-
-#include "Tool.h"
-
-int main(int argc, char** argv) {
-  const std::span<const char* const> all(argv, static_cast<std::size_t>(argc));
-  return kelva::RunTool(all.empty() ? all : all.subspan(1));
-}

@@ -1,0 +1,53 @@
+#include "vcam/camera/InProcess.h"
+
+#include <IOKit/IOReturn.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace vcam {
+namespace {
+
+wire::Reply Ended(wire::Transport transport) {
+  wire::Reply reply;
+  reply.transport = transport;
+  return reply;
+}
+
+class InProcessSession : public bus::CommandSession {
+ public:
+  explicit InProcessSession(std::shared_ptr<VirtualCamera> camera) : camera_(std::move(camera)) {}
+
+  int Start() override {
+    if (camera_->Gone()) return kIOReturnNoDevice;
+    return camera_->StartSession() ? kIOReturnSuccess : kIOReturnExclusiveAccess;
+  }
+
+  void End() override { camera_->EndSession(); }
+
+  wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
+    wire::Reply reply = camera_->Execute(command);
+    if (reply.transport == wire::Transport::kHang || reply.delay > timeout)
+      return Ended(camera_->WaitForUnplug(timeout) ? wire::Transport::kGone : wire::Transport::kHang);
+    if (reply.delay.count() > 0 && camera_->WaitForUnplug(reply.delay)) return Ended(wire::Transport::kGone);
+    return reply;
+  }
+
+ private:
+  std::shared_ptr<VirtualCamera> camera_;
+};
+
+}  // namespace
+
+std::unique_ptr<bus::CommandSession> MakeInProcessSession(std::shared_ptr<VirtualCamera> camera) {
+  return std::make_unique<InProcessSession>(std::move(camera));
+}
+
+std::function<std::unique_ptr<darwin::UserClient>(int&)> OpenInProcess(std::shared_ptr<VirtualCamera> camera) {
+  return [camera = std::move(camera)](int& error) {
+    error = kIOReturnSuccess;
+    return bus::MakeUserClient(MakeInProcessSession(camera));
+  };
+}
+
+}  // namespace vcam

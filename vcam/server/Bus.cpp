@@ -1,0 +1,132 @@
+#include "vcam/server/Bus.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vcam::server {
+namespace {
+
+wire::Reply GoneReply() {
+  wire::Reply reply;
+  reply.transport = wire::Transport::kGone;
+  return reply;
+}
+
+}  // namespace
+
+Bus::Bus(Send send) : send_(std::move(send)), completions_(std::make_shared<CompletionQueue>()) {}
+
+Bus::~Bus() {
+  for (auto& [id, camera] : cameras_) camera.device->Unplug();
+}
+
+void Bus::AddPeer(PeerId peer, pid_t process) {
+  peers_[peer].process = process;
+}
+
+void Bus::RemovePeer(PeerId peer) {
+  DropSession(peer);
+  peers_.erase(peer);
+  DropHeld(peer);
+}
+
+std::size_t Bus::DropHeld(PeerId peer) {
+  return std::erase_if(held_, [&](const Held& held) { return held.completion.peer == peer; });
+}
+
+void Bus::DropSession(PeerId peer) {
+  const auto found = cameras_.find(std::exchange(peers_[peer].session, 0));
+  if (found == cameras_.end()) return;
+  found->second.device->EndSession();
+  found->second.holder = 0;
+  found->second.status.holder = 0;
+}
+
+void Bus::Answer(PeerId peer, std::uint32_t tag, bus::Kind kind, const base::Bytes& payload) {
+  send_(peer, bus::EncodeFrame(kind, tag, payload));
+}
+
+void Bus::AnswerError(PeerId peer, std::uint32_t tag, bus::ErrorCode code, const std::string& sentence) {
+  Answer(peer, tag, bus::Kind::kError, bus::Encode(bus::ErrorAnswer{code, sentence}));
+}
+
+void Bus::Announce(bus::Kind kind, const base::Bytes& payload) {
+  for (const auto& [id, peer] : peers_)
+    if (peer.subscribed) Answer(id, 0, kind, payload);
+}
+
+Bus::Camera* Bus::FindBySerial(const std::string& serial) {
+  const auto found = std::find_if(cameras_.begin(), cameras_.end(),
+                                  [&](const auto& item) { return item.second.status.serial == serial; });
+  return found == cameras_.end() ? nullptr : &found->second;
+}
+
+void Bus::TakeCompletions() {
+  for (Completion& completion : completions_->TakeAll()) {
+    if (completion.reply.transport == wire::Transport::kHang) {
+      held_.push_back({std::move(completion), Clock::time_point::max()});
+    } else if (completion.reply.delay.count() > 0) {
+      const auto due = Clock::now() + completion.reply.delay;
+      held_.push_back({std::move(completion), due});
+    } else {
+      AnswerCommand(completion);
+    }
+  }
+  DropRetired();
+}
+
+void Bus::AnswerCommand(const Completion& completion) {
+  const auto peer = peers_.find(completion.peer);
+  if (peer != peers_.end()) {
+    --peer->second.unfinished;
+    Answer(completion.peer, completion.tag, bus::Kind::kReply, bus::Encode(completion.reply));
+  }
+  // A camera that left in the middle of a command leaves the bus as well.
+  if (completion.reply.transport == wire::Transport::kGone) RemoveCamera(completion.camera);
+}
+
+void Bus::DropRetired() {
+  std::erase_if(retired_, [](const std::unique_ptr<Worker>& worker) { return worker->Idle(); });
+}
+
+Bus::Clock::time_point Bus::NextDue() const {
+  Clock::time_point next = Clock::time_point::max();
+  for (const Held& held : held_) next = std::min(next, held.due);
+  return next;
+}
+
+void Bus::SendDue() {
+  const Clock::time_point now = Clock::now();
+  const auto due = std::stable_partition(held_.begin(), held_.end(), [&](const Held& held) { return held.due > now; });
+  std::vector<Held> ready(std::make_move_iterator(due), std::make_move_iterator(held_.end()));
+  held_.erase(due, held_.end());
+  for (const Held& held : ready) AnswerCommand(held.completion);
+}
+
+void Bus::ReleaseHeld(std::uint32_t camera) {
+  const auto first = std::stable_partition(held_.begin(), held_.end(),
+                                           [&](const Held& held) { return held.completion.camera != camera; });
+  std::vector<Held> released(std::make_move_iterator(first), std::make_move_iterator(held_.end()));
+  held_.erase(first, held_.end());
+  for (Held& held : released) {
+    held.completion.reply = GoneReply();
+    AnswerCommand(held.completion);
+  }
+}
+
+void Bus::RemoveCamera(std::uint32_t id) {
+  const auto found = cameras_.find(id);
+  if (found == cameras_.end()) return;
+  Camera camera = std::move(found->second);
+  cameras_.erase(found);
+  camera.device->Unplug();
+  const auto holder = peers_.find(camera.holder);
+  if (holder != peers_.end()) holder->second.session = 0;
+  ReleaseHeld(id);
+  // Its thread may still be in a command, which nobody else should wait for.
+  retired_.push_back(std::move(camera.worker));
+  DropRetired();
+  Announce(bus::Kind::kUnplugged, bus::EncodeNumber(id));
+}
+
+}  // namespace vcam::server

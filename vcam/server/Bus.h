@@ -1,0 +1,96 @@
+#ifndef KELVA_VCAM_SERVER_BUS_H_
+#define KELVA_VCAM_SERVER_BUS_H_
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bus/Wire.h"
+#include "vcam/server/Worker.h"
+
+namespace vcam::server {
+
+/// The bus without its sockets: cameras, peers, and what each request does.
+///
+/// Threads: all members are called on the thread of the loop; commands run on one thread per camera.
+class Bus {
+ public:
+  using Send = std::function<void(PeerId, base::Bytes frame)>;
+  using Clock = std::chrono::steady_clock;
+
+  /// `send` takes whole frames for a peer that was added and not yet removed.
+  explicit Bus(Send send);
+  ~Bus();
+
+  void AddPeer(PeerId peer, pid_t process);
+  /// Ends the peer's session; answers that are still to come for it are dropped.
+  void RemovePeer(PeerId peer);
+  /// Handles one request; false when the frame is none, and the peer is to be cut off.
+  bool Handle(PeerId peer, const bus::Frame& frame);
+
+  /// Readable when TakeCompletions has something to do.
+  int Descriptor() const { return completions_->Descriptor(); }
+  void TakeCompletions();
+  /// When SendDue wants to be called; the largest time for never.
+  Clock::time_point NextDue() const;
+  void SendDue();
+
+ private:
+  struct Camera {
+    bus::CameraStatus status;
+    std::shared_ptr<VirtualCamera> device;
+    std::unique_ptr<Worker> worker;
+    PeerId holder = 0;
+  };
+  struct Peer {
+    pid_t process = 0;
+    bool greeted = false;
+    bool subscribed = false;
+    std::size_t unfinished = 0;  // commands that are running or held
+    std::uint32_t session = 0;
+  };
+  struct Held {
+    Completion completion;
+    Clock::time_point due;
+  };
+
+  bool Greet(PeerId peer, const bus::Frame& frame);
+  bool Subscribe(PeerId peer, const bus::Frame& frame);
+  bool Plug(PeerId peer, const bus::Frame& frame);
+  bool Unplug(PeerId peer, const bus::Frame& frame);
+  bool Status(PeerId peer, const bus::Frame& frame);
+  bool Fault(PeerId peer, const bus::Frame& frame);
+  bool StartSession(PeerId peer, const bus::Frame& frame);
+  bool EndSession(PeerId peer, const bus::Frame& frame);
+  bool RunCommand(PeerId peer, const bus::Frame& frame);
+
+  void Answer(PeerId peer, std::uint32_t tag, bus::Kind kind, const base::Bytes& payload = {});
+  void AnswerError(PeerId peer, std::uint32_t tag, bus::ErrorCode code, const std::string& sentence);
+  void AnswerCommand(const Completion& completion);
+  void Announce(bus::Kind kind, const base::Bytes& payload);
+  Camera* FindBySerial(const std::string& serial);
+  std::string NoSuchCamera(const std::string& serial) const;
+  void AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest& request);
+  void DropSession(PeerId peer);
+  void RemoveCamera(std::uint32_t id);
+  void ReleaseHeld(std::uint32_t camera);
+  void DropRetired();
+  std::size_t DropHeld(PeerId peer);
+
+  Send send_;
+  std::shared_ptr<CompletionQueue> completions_;
+  std::map<PeerId, Peer> peers_;
+  std::map<std::uint32_t, Camera> cameras_;
+  std::vector<std::unique_ptr<Worker>> retired_;
+  std::vector<Held> held_;
+  std::uint32_t nextCamera_ = 1;
+};
+
+}  // namespace vcam::server
+
+#endif  // KELVA_VCAM_SERVER_BUS_H_

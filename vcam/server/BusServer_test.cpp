@@ -1,0 +1,120 @@
+#include "vcam/server/BusServer.h"
+
+#include <gmock/gmock.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <iterator>
+#include <random>
+
+#include "bus/BusConnection.h"
+#include "vcam/server/testing/TestServer.h"
+
+namespace vcam::server {
+namespace {
+
+using bus::BusConnection;
+
+class BusServerTest : public testing::Test {
+ protected:
+  base::Bytes PlugOf(const std::string& serial) const {
+    return bus::Encode(bus::PlugRequest{serial, server_.scratch().path().string(), "", "", 3});
+  }
+  std::size_t CountCameras() {
+    bus::BusConnection connection(server_.path());
+    return bus::DecodeStatusList(connection.Request(bus::Kind::kStatus, {}).payload)->size();
+  }
+  /// Sends these bytes and waits until the bus hangs up.
+  void SendAndExpectHangUp(const base::Bytes& bytes) {
+    const base::FileDescriptor socket = bus::ConnectTo(server_.path());
+    ASSERT_TRUE(socket);
+    ::send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    char byte = 0;
+    while (::recv(socket.Get(), &byte, 1, 0) > 0) {
+    }
+  }
+
+  test::TestServer server_;
+};
+
+TEST_F(BusServerTest, ServesSeveralPeersAtOnce) {
+  bus::BusConnection first(server_.path());
+  bus::BusConnection second(server_.path());
+  first.Request(bus::Kind::kPlug, PlugOf("A"));
+  EXPECT_EQ(bus::DecodeStatusList(second.Request(bus::Kind::kStatus, {}).payload)->at(0).serial, "A");
+}
+
+TEST_F(BusServerTest, HangsUpOnPeersThatSpeakAnotherLanguage) {
+  SendAndExpectHangUp({'G', 'E', 'T', ' ', '/', '\r', '\n'});
+  SendAndExpectHangUp({0xFF, 0xFF, 0xFF, 0xFF});
+  SendAndExpectHangUp({0, 0, 0, 0});
+  SendAndExpectHangUp(bus::EncodeFrame(bus::Kind::kStatus, 1, {}));
+  EXPECT_EQ(CountCameras(), 0U) << "and serves the others";
+}
+
+TEST_F(BusServerTest, SurvivesSeededNonsense) {
+  std::mt19937 random(20260314);
+  for (int round = 0; round < 200; ++round) {
+    base::Bytes bytes = bus::EncodeFrame(bus::Kind::kHello, 1, bus::EncodeNumber(bus::kProtocolVersion));
+    for (std::uint32_t i = 0; i < 10; ++i) {
+      base::Bytes payload(random() % 40);
+      for (std::uint8_t& byte : payload) byte = static_cast<std::uint8_t>(random());
+      const base::Bytes frame = bus::EncodeFrame(static_cast<bus::Kind>(random() % 12), i, payload);
+      std::copy(frame.begin(), frame.end(), std::back_inserter(bytes));
+    }
+    const base::FileDescriptor socket = bus::ConnectTo(server_.path());
+    ASSERT_TRUE(socket);
+    ::send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+  }
+  EXPECT_EQ(CountCameras(), 0U);
+}
+
+TEST_F(BusServerTest, HoldsNobodyUpBehindASlowCamera) {
+  bus::BusConnection slow(server_.path());
+  bus::BusConnection quick(server_.path());
+  for (const char* serial : {"A", "B"}) quick.Request(bus::Kind::kPlug, PlugOf(serial));
+  quick.Request(bus::Kind::kFault, bus::Encode(bus::FaultRequest{"A", "slow", 3'600'000}));
+  slow.Request(bus::Kind::kStartSession, bus::EncodeNumber(1));
+  quick.Request(bus::Kind::kStartSession, bus::EncodeNumber(2));
+  wire::Command command = vcam::test::Block({0xC6, 0, 0x04});
+  command.direction = wire::Direction::kFromCamera;
+  command.length = 4;
+  EXPECT_FALSE(slow.Request(bus::Kind::kCommand, bus::Encode(command), std::chrono::milliseconds(1)));
+  EXPECT_EQ(quick.Request(bus::Kind::kCommand, bus::Encode(command)).kind, bus::Kind::kReply);
+}
+
+TEST_F(BusServerTest, FreesTheCameraOfAPeerThatHasGone) {
+  bus::BusConnection second(server_.path());
+  second.Request(bus::Kind::kPlug, PlugOf("A"));
+  {
+    bus::BusConnection first(server_.path());
+    first.Request(bus::Kind::kStartSession, bus::EncodeNumber(1));
+    EXPECT_THROW(second.Request(bus::Kind::kStartSession, bus::EncodeNumber(1)), bus::BusRefusal);
+  }
+  // The bus has seen the end of the first by the time it answers a later connection.
+  EXPECT_EQ(CountCameras(), 1U);
+  EXPECT_EQ(second.Request(bus::Kind::kStartSession, bus::EncodeNumber(1)).kind, bus::Kind::kOk);
+}
+
+TEST_F(BusServerTest, MovesWholeTransfersOfTheLargestSize) {
+  bus::BusConnection connection(server_.path());
+  connection.Request(bus::Kind::kPlug, PlugOf("A"));
+  connection.Request(bus::Kind::kStartSession, bus::EncodeNumber(1));
+  wire::Command command = vcam::test::Block({0xC2, 0, 0x01, 0x01});
+  const base::Bytes path = vcam::test::Text(R"(I:\big)");
+  command.direction = wire::Direction::kToCamera;
+  command.length = static_cast<std::uint32_t>(path.size());
+  command.data = path;
+  connection.Request(bus::Kind::kCommand, bus::Encode(command));
+  const base::Bytes content(wire::kMaxTransferLength, 'b');
+  command.cdb = {0xC5};
+  command.length = wire::kMaxTransferLength;
+  command.data = content;
+  const auto reply = bus::DecodeReply(connection.Request(bus::Kind::kCommand, bus::Encode(command)).payload);
+  ASSERT_TRUE(reply);
+  EXPECT_EQ(reply->moved, wire::kMaxTransferLength);
+  EXPECT_EQ(std::filesystem::file_size(server_.scratch().path() / "big"), wire::kMaxTransferLength);
+}
+
+}  // namespace
+}  // namespace vcam::server

@@ -1,0 +1,73 @@
+#include "vcam/server/Worker.h"
+
+#include <sys/eventfd.h>
+
+#include <cerrno>
+#include <stdexcept>
+#include <utility>
+
+namespace vcam::server {
+
+CompletionQueue::CompletionQueue() : wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  if (!wake_) throw std::runtime_error("Cannot make a descriptor for the bus; close other programs and try again.");
+}
+
+void CompletionQueue::Put(Completion completion) {
+  const std::lock_guard lock(mutex_);
+  completions_.push_back(std::move(completion));
+  const std::uint64_t one = 1;
+  // Fails only when the counter is full, and then the descriptor is readable anyway.
+  while (::write(wake_.Get(), &one, sizeof one) < 0 && errno == EINTR) {
+  }
+}
+
+std::vector<Completion> CompletionQueue::TakeAll() {
+  const std::lock_guard lock(mutex_);
+  std::uint64_t count = 0;
+  while (::read(wake_.Get(), &count, sizeof count) < 0 && errno == EINTR) {
+  }
+  return std::exchange(completions_, {});
+}
+
+Worker::Worker(std::shared_ptr<VirtualCamera> camera, std::shared_ptr<CompletionQueue> completions)
+    : camera_(std::move(camera)), completions_(std::move(completions)), thread_([this] { Run(); }) {}
+
+Worker::~Worker() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  wake_.notify_all();
+  thread_.join();
+}
+
+void Worker::Put(Job job) {
+  {
+    const std::lock_guard lock(mutex_);
+    jobs_.push_back(std::move(job));
+  }
+  wake_.notify_all();
+}
+
+bool Worker::Idle() {
+  const std::lock_guard lock(mutex_);
+  return jobs_.empty() && !running_;
+}
+
+void Worker::Run() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    wake_.wait(lock, [this] { return stopping_ || !jobs_.empty(); });
+    if (stopping_) return;
+    Job job = std::move(jobs_.front());
+    jobs_.pop_front();
+    running_ = true;
+    lock.unlock();
+    job.command.data = job.data;
+    completions_->Put({job.peer, job.tag, job.camera, camera_->Execute(job.command)});
+    lock.lock();
+    running_ = false;
+  }
+}
+
+}  // namespace vcam::server

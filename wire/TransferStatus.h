@@ -1,0 +1,55 @@
+#ifndef KELVA_WIRE_TRANSFER_STATUS_H_
+#define KELVA_WIRE_TRANSFER_STATUS_H_
+
+#include <cstdint>
+
+// What UserClientTransferResult.status holds when a command failed although the call itself returned 0. Every back end
+// speaks this one language, so that advice given for one holds for all.
+//
+//   SCSI status   0xQQAAKKSS   SS the status byte (2 check condition, 8 busy, ...), KK the sense key, AA the additional
+//                              sense code, QQ its qualifier; the upper three bytes are 0 without sense data
+//   transport     0x00DDHHFF   HH the host status, DD the driver status: the command did not end in order
+//
+// A camera that has gone, a time-out and a busy bus are return codes of the call instead: kIOReturnNoDevice,
+// kIOReturnTimeout, kIOReturnBusy.
+
+namespace wire {
+
+inline constexpr std::uint8_t kScsiGood = 0x00;
+inline constexpr std::uint8_t kScsiCheckCondition = 0x02;
+inline constexpr std::uint8_t kScsiBusy = 0x08;
+inline constexpr std::uint8_t kTransportFailed = 0xFF;
+
+/// The three values of sense data that say what was wrong; all 0 when the device gave none.
+struct SenseCode {
+  std::uint8_t key = 0;
+  std::uint8_t code = 0;       ///< ASC
+  std::uint8_t qualifier = 0;  ///< ASCQ
+};
+
+/// The result status of a command that ended with a SCSI status other than good.
+constexpr std::uint32_t ScsiResultStatus(std::uint8_t status, SenseCode sense = {}) {
+  return std::uint32_t{status} | std::uint32_t{sense.key} << 8 | std::uint32_t{sense.code} << 16 |
+         std::uint32_t{sense.qualifier} << 24;
+}
+
+/// The result status of a command whose transport failed; never 0.
+constexpr std::uint32_t TransportResultStatus(std::uint8_t hostStatus, std::uint8_t driverStatus) {
+  return std::uint32_t{kTransportFailed} | std::uint32_t{hostStatus} << 8 | std::uint32_t{driverStatus} << 16;
+}
+
+/// The SCSI status byte of a result status, or kTransportFailed.
+constexpr std::uint8_t StatusByte(std::uint32_t resultStatus) {
+  return static_cast<std::uint8_t>(resultStatus);
+}
+
+/// The sense values of a result status; all 0 when there was none or the transport failed.
+constexpr SenseCode SenseOf(std::uint32_t resultStatus) {
+  if (StatusByte(resultStatus) == kTransportFailed) return {};
+  return {static_cast<std::uint8_t>(resultStatus >> 8), static_cast<std::uint8_t>(resultStatus >> 16),
+          static_cast<std::uint8_t>(resultStatus >> 24)};
+}
+
+}  // namespace wire
+
+#endif  // KELVA_WIRE_TRANSFER_STATUS_H_
