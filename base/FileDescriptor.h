@@ -23,9 +23,7 @@ class FileDescriptor {
   explicit operator bool() const { return descriptor_ >= 0; }
   int Release() { return std::exchange(descriptor_, -1); }
   void Reset(int descriptor = -1) {
-    if (const int old = std::exchange(descriptor_, descriptor); old >= 0) {
-      ::close(old);
-    }
+    if (const int old = std::exchange(descriptor_, descriptor); old >= 0) ::close(old);
   }
 
  private:

@@ -17,9 +17,7 @@ constexpr std::uint32_t kArchive = 0x20;
 
 void Append(std::string& bytes, std::size_t value) {
   const auto word = static_cast<std::uint32_t>(value);
-  for (unsigned shift = 0; shift < 32; shift += 8) {
-    bytes.push_back(static_cast<char>(word >> shift & 0xFF));
-  }
+  for (unsigned shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<char>(word >> shift & 0xFF));
 }
 
 void AppendText(std::string& bytes, std::string text, std::size_t width) {
@@ -34,9 +32,7 @@ void AppendEntry(std::string& table, std::size_t index, std::size_t size) {
 
 std::string Table(std::size_t files, std::size_t each) {
   std::string table;
-  for (std::size_t i = 0; i < files; ++i) {
-    AppendEntry(table, i, each);
-  }
+  for (std::size_t i = 0; i < files; ++i) AppendEntry(table, i, each);
   return table;
 }
 
@@ -107,9 +103,7 @@ std::string CalibrationBundle(std::size_t each) {
 
 std::string BatchBundle(std::size_t files, std::size_t each) {
   std::string bundle;
-  for (std::size_t i = 0; i < files; ++i) {
-    Append(bundle, each);
-  }
+  for (std::size_t i = 0; i < files; ++i) Append(bundle, each);
   return bundle + Noise(files * each);
 }
 

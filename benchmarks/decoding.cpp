@@ -23,9 +23,7 @@ std::string FileName(std::size_t number) {
 std::vector<bench::Entry> Files(std::size_t count) {
   std::vector<bench::Entry> entries;
   entries.reserve(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    entries.push_back({FileName(i), false});
-  }
+  for (std::size_t i = 0; i < count; ++i) entries.push_back({FileName(i), false});
   return entries;
 }
 

@@ -55,9 +55,7 @@ void Write(const std::string& folder, int count, std::size_t size, int threads) 
   std::vector<std::jthread> writers;
   for (int i = 0; i < threads; ++i) {
     writers.emplace_back([&] {
-      for (int number = next++; number < count; number = next++) {
-        WriteOne(folder + "/" + std::to_string(number), bytes);
-      }
+      for (int number = next++; number < count; number = next++) WriteOne(folder + "/" + std::to_string(number), bytes);
     });
   }
 }

@@ -26,9 +26,10 @@ bool IsEvent(const bus::Frame& frame) {
 }  // namespace
 
 BusConnection::BusConnection(const std::string& path) : path_(path), socket_(bus::ConnectTo(path)) {
-  if (!socket_)
+  if (!socket_) {
     throw std::runtime_error("Cannot reach a bus at " + path + ": " + std::strerror(errno) +
                              "; start one with `kelva-vcam serve --socket " + path + "`.");
+  }
   Request(bus::Kind::kHello, bus::EncodeNumber(bus::kProtocolVersion));
 }
 
@@ -96,8 +97,9 @@ bool BusConnection::Receive(Deadline deadline, bool wait) {
 
 std::optional<bus::Frame> BusConnection::NextEvent() {
   for (;;) {
-    while (std::optional<bus::Frame> frame = in_.Next())
+    while (std::optional<bus::Frame> frame = in_.Next()) {
       if (IsEvent(*frame)) events_.push_back(std::move(*frame));
+    }
     if (!events_.empty()) break;
     if (!Receive(std::nullopt, false)) return std::nullopt;
   }

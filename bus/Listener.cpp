@@ -15,8 +15,9 @@ namespace {
 std::optional<sockaddr_un> AddressOf(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  if (path.empty() || path.size() >= sizeof address.sun_path || path.find('\0') != std::string::npos)
+  if (path.empty() || path.size() >= sizeof address.sun_path || path.find('\0') != std::string::npos) {
     return std::nullopt;
+  }
   std::memcpy(address.sun_path, path.data(), path.size());
   return address;
 }

@@ -38,8 +38,9 @@ wire::Command CommandOf(const wire::UserClientTransferRequest& request) {
   if (command.direction == wire::Direction::kNone) return command;
   command.length = static_cast<std::uint32_t>(request.length);
   // A length that the camera refuses anyway is no reason to read that much memory.
-  if (command.direction == wire::Direction::kToCamera && command.length <= wire::kMaxTransferLength)
+  if (command.direction == wire::Direction::kToCamera && command.length <= wire::kMaxTransferLength) {
     command.data = {BufferOf(request), command.length};
+  }
   return command;
 }
 
@@ -68,8 +69,9 @@ class UserClientDoor : public darwin::UserClient {
   int CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out, std::size_t* outSize) override {
     wire::UserClientTransferRequest request;
     if (selector != wire::kUserClientTransfer || in == nullptr || inSize != sizeof request || out == nullptr ||
-        outSize == nullptr || *outSize < sizeof(wire::UserClientTransferResult))
+        outSize == nullptr || *outSize < sizeof(wire::UserClientTransferResult)) {
       return kIOReturnBadArgument;
+    }
     std::memcpy(&request, in, sizeof request);
     wire::UserClientTransferResult result{};
     const int code = Transfer(request, result);

@@ -7,8 +7,9 @@ namespace {
 
 void AppendStatus(base::Bytes& bytes, const CameraStatus& status) {
   base::Append(bytes, status.id);
-  for (const std::string& text : {status.serial, status.vendor, status.product, status.revision, status.storage})
+  for (const std::string& text : {status.serial, status.vendor, status.product, status.revision, status.storage}) {
     AppendBusText(bytes, text);
+  }
   base::Append(bytes, status.peripheralType);
   base::Append(bytes, status.holder);
   base::Append(bytes, status.commands);
@@ -17,8 +18,9 @@ void AppendStatus(base::Bytes& bytes, const CameraStatus& status) {
 CameraStatus TakeStatus(PayloadReader& reader) {
   CameraStatus status;
   status.id = reader.Take<std::uint32_t>();
-  for (std::string* text : {&status.serial, &status.vendor, &status.product, &status.revision, &status.storage})
+  for (std::string* text : {&status.serial, &status.vendor, &status.product, &status.revision, &status.storage}) {
     *text = reader.TakeText();
+  }
   status.peripheralType = reader.Take<std::uint8_t>();
   status.holder = reader.Take<std::uint32_t>();
   status.commands = reader.Take<std::uint64_t>();
@@ -39,8 +41,9 @@ bool IsErrorCode(ErrorCode code) {
 
 base::Bytes Encode(const PlugRequest& request) {
   base::Bytes bytes;
-  for (const std::string& text : {request.serial, request.storage, request.revision, request.catalogue})
+  for (const std::string& text : {request.serial, request.storage, request.revision, request.catalogue}) {
     AppendBusText(bytes, text);
+  }
   base::Append(bytes, request.peripheralType);
   return bytes;
 }
@@ -48,8 +51,9 @@ base::Bytes Encode(const PlugRequest& request) {
 std::optional<PlugRequest> DecodePlug(std::span<const std::uint8_t> payload) {
   PayloadReader reader(payload);
   PlugRequest request;
-  for (std::string* text : {&request.serial, &request.storage, &request.revision, &request.catalogue})
+  for (std::string* text : {&request.serial, &request.storage, &request.revision, &request.catalogue}) {
     *text = reader.TakeText();
+  }
   request.peripheralType = reader.Take<std::uint8_t>();
   return Whole(reader, request);
 }
@@ -93,8 +97,9 @@ std::optional<std::vector<CameraStatus>> DecodeStatusList(std::span<const std::u
   PayloadReader reader(payload);
   std::vector<CameraStatus> list;
   // The loop ends with the bytes, whatever the count says.
-  for (auto count = reader.Take<std::uint32_t>(); count > 0 && reader.Good(); --count)
+  for (auto count = reader.Take<std::uint32_t>(); count > 0 && reader.Good(); --count) {
     list.push_back(TakeStatus(reader));
+  }
   return Whole(reader, list);
 }
 

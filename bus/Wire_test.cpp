@@ -34,8 +34,9 @@ TEST(Wire, RefusesACommandThatIsNone) {
   bytes = kCommandBytes;
   bytes[17] = 1;
   EXPECT_FALSE(DecodeCommand(bytes)) << "more data than announced";
-  for (std::size_t length = 0; length < 21; ++length)
+  for (std::size_t length = 0; length < 21; ++length) {
     EXPECT_FALSE(DecodeCommand(std::span(kCommandBytes).first(length)));
+  }
 }
 
 TEST(Wire, SaysAReply) {
@@ -103,12 +104,15 @@ TEST(Wire, SaysAListOfCameras) {
 }
 
 TEST(Wire, TakesNothingThatIsTooShortOrTooLong) {
-  for (std::size_t length = 0; length < kPlugBytes.size(); ++length)
+  for (std::size_t length = 0; length < kPlugBytes.size(); ++length) {
     EXPECT_FALSE(DecodePlug(std::span(kPlugBytes).first(length)));
-  for (std::size_t length = 0; length < kFaultBytes.size(); ++length)
+  }
+  for (std::size_t length = 0; length < kFaultBytes.size(); ++length) {
     EXPECT_FALSE(DecodeFault(std::span(kFaultBytes).first(length)));
-  for (std::size_t length = 0; length < kStatusBytes.size(); ++length)
+  }
+  for (std::size_t length = 0; length < kStatusBytes.size(); ++length) {
     EXPECT_FALSE(DecodeStatus(std::span(kStatusBytes).first(length)));
+  }
   for (base::Bytes bytes : {kPlugBytes, kFaultBytes, kStatusBytes, kErrorBytes}) {
     bytes.push_back(0);
     EXPECT_FALSE(DecodePlug(bytes));

@@ -17,15 +17,11 @@ void DecodeAll(const Bytes& payload) {
   DecodeReply(payload);
   DecodeNumber(payload);
   DecodeText(payload);
-  if (const auto command = DecodeCommand(payload); command && command->data.size() > command->length) {
-    __builtin_trap();
-  }
+  if (const auto command = DecodeCommand(payload); command && command->data.size() > command->length) __builtin_trap();
 }
 
 void ReadFrames(FrameReader& reader) {
-  while (const std::optional<Frame> frame = reader.Next()) {
-    DecodeAll(frame->payload);
-  }
+  while (const std::optional<Frame> frame = reader.Next()) DecodeAll(frame->payload);
 }
 
 }  // namespace

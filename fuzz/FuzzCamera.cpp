@@ -39,12 +39,8 @@ class HostileCamera final : public Camera {
   /// One answer: a kind, and for some kinds a number. What is reported as moved need not be what was written.
   bool Transfer(const _VscCdb&, int direction, int& size, char* buffer, bool) override {
     const std::uint8_t kind = input_.Byte();
-    if (answered_ >= kMostAnswered || (input_.AtEnd() && kind == 0)) {
-      throw CameraTransferError("gone");
-    }
-    if (direction != 2) {
-      return kind != 1 && size <= kLongestPath;
-    }
+    if (answered_ >= kMostAnswered || (input_.AtEnd() && kind == 0)) throw CameraTransferError("gone");
+    if (direction != 2) return kind != 1 && size <= kLongestPath;
     return Answer(kind, size, buffer);
   }
 
@@ -70,9 +66,7 @@ class HostileCamera final : public Camera {
 
   bool Fill(int& size, char* buffer, std::span<const std::uint8_t> bytes, int moved) {
     const auto capacity = static_cast<std::size_t>(std::max(size, 0));
-    for (std::size_t i = 0; i < capacity && !bytes.empty(); ++i) {
-      buffer[i] = static_cast<char>(bytes[i % bytes.size()]);
-    }
+    for (std::size_t i = 0; i < capacity && !bytes.empty(); ++i) buffer[i] = static_cast<char>(bytes[i % bytes.size()]);
     answered_ += capacity + 1;
     size = moved;
     return true;
@@ -84,17 +78,13 @@ class HostileCamera final : public Camera {
 
 void Count(void* context, float fraction) {
   ++*static_cast<int*>(context);
-  if (!(fraction >= 0)) {
-    __builtin_trap();
-  }
+  if (!(fraction >= 0)) __builtin_trap();
 }
 
 /// Each body lies wholly in what arrived, so it can be read and has the announced size.
 void CheckFiles(const std::vector<_Sha1obj>& files) {
   for (const _Sha1obj& file : files) {
-    if (file.data.empty() || file.data.size() != file.size) {
-      __builtin_trap();
-    }
+    if (file.data.empty() || file.data.size() != file.size) __builtin_trap();
   }
 }
 
@@ -175,9 +165,7 @@ void Run(Camera& camera, std::uint8_t operation) {
     case 8: {
       _VscCdbCameraInformation info{};
       camera.CameraInformation(info);
-      for (bool more = true; more;) {
-        camera.ConsoleLog(more);
-      }
+      for (bool more = true; more;) camera.ConsoleLog(more);
       break;
     }
     case 9:

@@ -28,9 +28,7 @@ class ExactBytes {
 };
 
 void DecodePicture(std::span<const char> bytes) {
-  if (bytes.size() < sizeof(_VscCdbDcfHeader)) {
-    return;
-  }
+  if (bytes.size() < sizeof(_VscCdbDcfHeader)) return;
   const auto* header = reinterpret_cast<const _VscCdbDcfHeader*>(bytes.data());
   const std::int64_t headerSize = kelva::DcfHeaderSize(*header);
   if (headerSize < 0 || headerSize > static_cast<std::int64_t>(bytes.size()) || !Camera::ValidateDcfHeader(header)) {

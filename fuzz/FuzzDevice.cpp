@@ -63,9 +63,7 @@ void Check(const wire::Command& command, const wire::Reply& reply) {
   if (command.direction == wire::Direction::kFromCamera && reply.data.size() > std::size_t{command.length} + 2) {
     __builtin_trap();
   }
-  if (command.direction == wire::Direction::kNone && !reply.data.empty()) {
-    __builtin_trap();
-  }
+  if (command.direction == wire::Direction::kNone && !reply.data.empty()) __builtin_trap();
 }
 
 }  // namespace

@@ -31,7 +31,9 @@ TEST(TransferReportTest, OtherMessagesAreNone) {
 }
 
 TEST(AdviceTest, EveryWayToBeGoneIsGone) {
-  for (const std::uint32_t code : {0xE00002C0U, 0xE00002D9U, 0x10000003U}) EXPECT_EQ(Of(code, 0).code, ExitCode::kGone);
+  for (const std::uint32_t code : {0xE00002C0U, 0xE00002D9U, 0x10000003U}) {
+    EXPECT_EQ(Of(code, 0).code, ExitCode::kGone);
+  }
 }
 
 TEST(AdviceTest, TheStatusOfAFailedCallIsNotLookedAt) {

@@ -52,7 +52,9 @@ std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPat
 
 void RequireFolder(Camera& camera, std::string_view folder) {
   const SplitPath path = Split(folder);
-  if (path.name.empty()) return;  // the drive itself
+  if (path.name.empty()) {
+    return;  // the drive itself
+  }
   RequireFolder(camera, path.folder);
   const auto entry = FindEntry(camera, folder);
   if (entry && (entry->attributes & kAttributeDirectory) != 0) return;

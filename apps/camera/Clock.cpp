@@ -79,8 +79,9 @@ std::optional<ClockTime> ReadIso(std::string_view text) {
   int used = 0;
   char separator = 0;
   const char* shape = "%4d-%2d-%2d%c%2d:%2d%n";
-  if (std::sscanf(copy.c_str(), shape, &f.year, &f.month, &f.day, &separator, &f.hour, &f.minute, &used) != 6)
+  if (std::sscanf(copy.c_str(), shape, &f.year, &f.month, &f.day, &separator, &f.hour, &f.minute, &used) != 6) {
     return std::nullopt;
+  }
   if (separator != 'T' && separator != ' ') return std::nullopt;
   std::string_view rest = text.substr(static_cast<std::size_t>(used));
   int more = 0;

@@ -57,7 +57,9 @@ TEST_F(LastingSessionTest, AnotherCameraDoesNotTakeItsPlace) {
   LastingSession session(context_);
   registry_.Detach(k1_);
   Attach("K2");
-  for (int i = 0; i < 3; ++i) EXPECT_FALSE(session.IsReady());
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_FALSE(session.IsReady());
+  }
   EXPECT_FALSE(session.IsOpen());
 }
 

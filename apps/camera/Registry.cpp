@@ -88,8 +88,9 @@ std::vector<RegistryCamera> CamerasInRegistry() {
   std::vector<RegistryCamera> cameras;
   for (const char* driver : kDrivers) {
     io_iterator_t found = 0;
-    if (IOServiceGetMatchingServices(kIOMasterPortDefault, IOServiceMatching(driver), &found) != kIOReturnSuccess)
+    if (IOServiceGetMatchingServices(kIOMasterPortDefault, IOServiceMatching(driver), &found) != kIOReturnSuccess) {
       break;
+    }
     const Object services(found);
     while (true) {
       const Object service(IOIteratorNext(services.Get()));

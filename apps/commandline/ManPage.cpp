@@ -150,9 +150,7 @@ std::string ManPageOfVerb(const Verb& verb, std::string_view version) {
 
 std::string ManPageOfTool(std::span<const Verb> table, std::string_view version) {
   std::string commands;
-  for (const Verb& verb : table) {
-    commands += ".TP\n.BR " + Troff(ManName(verb)) + " (1)\n" + Troff(verb.summary) + "\n";
-  }
+  for (const Verb& verb : table) commands += ".TP\n.BR " + Troff(ManName(verb)) + " (1)\n" + Troff(verb.summary) + "\n";
   return Title("kelva", version) + Section("NAME", "kelva \\- everything that a Kelva camera can do\n") +
          Section("SYNOPSIS", ".B kelva COMMAND [OPTIONS] [WORDS]\n") +
          Section("DESCRIPTION", Paragraphs(kDescription)) + Section("COMMANDS", commands) +

@@ -52,8 +52,9 @@ TargetFolder TargetFolder::Open(const std::string& path) {
 }
 
 TargetFolder TargetFolder::OpenOrMake(const std::string& path) {
-  if (::mkdir(path.c_str(), 0777) != 0 && errno != EEXIST)
+  if (::mkdir(path.c_str(), 0777) != 0 && errno != EEXIST) {
     throw SystemFailure("make the folder " + Printable(path), errno);
+  }
   return Open(path);
 }
 

@@ -70,7 +70,9 @@ TEST_F(ManifestTest, ManyLooksAtOneStateLeaveTheListUsable) {
   manifest.Record({Row("K1", 1)});
   {
     const Manifest::Reading reading(manifest);
-    for (int i = 0; i < 3; ++i) EXPECT_TRUE(manifest.Find(Row("K1", 1).key).has_value());
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_TRUE(manifest.Find(Row("K1", 1).key).has_value());
+    }
   }
   manifest.Record({Row("K2", 1)});
   EXPECT_TRUE(Manifest(*folder_, true).Find(Row("K2", 1).key).has_value());

@@ -21,7 +21,9 @@ Failure Wrong(std::string_view text, const std::string& why) {
 
 std::string AllTokens() {
   std::string all;
-  for (const std::string_view token : kTokens) all += (all.empty() ? "{" : " {") + std::string(token) + "}";
+  for (const std::string_view token : kTokens) {
+    all += (all.empty() ? "{" : " {") + std::string(token) + "}";
+  }
   return all;
 }
 

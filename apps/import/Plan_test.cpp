@@ -93,7 +93,9 @@ TEST_F(PlanTest, ItemsThatWouldHaveOneNameAreNumberedInTheCataloguesOrder) {
 TEST(ParseTypesTest, TypesAreReadInAnyCaseAndOnce) {
   EXPECT_THAT(ParseTypes("jpg,RAW,jpg,128"), ElementsAre(1, 2, 4));
   EXPECT_THAT(ParseTypes(std::nullopt), ElementsAre(1, 2, 3, 4));
-  for (const char* bad : {"", "jpg,", "png", "jpg raw"}) EXPECT_THROW(ParseTypes(bad), Failure) << bad;
+  for (const char* bad : {"", "jpg,", "png", "jpg raw"}) {
+    EXPECT_THROW(ParseTypes(bad), Failure) << bad;
+  }
 }
 
 }  // namespace

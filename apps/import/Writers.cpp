@@ -147,20 +147,23 @@ void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   std::optional<Failure> ending;
   std::vector<std::unique_ptr<Started>> started;
   for (const WriteJob& job : jobs) {
-    if (!ending)
+    if (!ending) {
       Try(
           *job.item, [&] { started.push_back(Start(job)); }, ending);
+    }
   }
   for (std::unique_ptr<Started>& file : started) {
     if (!Try(
-            *file->job->item, [&] { file->file.Flush(); }, ending))
+            *file->job->item, [&] { file->file.Flush(); }, ending)) {
       file.reset();
+    }
   }
   for (const std::unique_ptr<Started>& file : started) {
     std::optional<Done> done;
     if (file && Try(
-                    *file->job->item, [&] { done = Finish(*file); }, ending))
+                    *file->job->item, [&] { done = Finish(*file); }, ending)) {
       Commit(AddDone(std::move(*done)));
+    }
   }
   if (ending) throw Failure(*ending);
 }

@@ -18,9 +18,7 @@ const void* Keep(const CallBacks& callBacks, const void* value) {
 
 template <class CallBacks>
 void Drop(const CallBacks& callBacks, const void* value) {
-  if (callBacks.release != nullptr) {
-    callBacks.release(kCFAllocatorDefault, value);
-  }
+  if (callBacks.release != nullptr) callBacks.release(kCFAllocatorDefault, value);
 }
 
 template <class CallBacks>
@@ -68,23 +66,17 @@ bool Dictionary::HoldsObjects() const {
 
 bool Dictionary::Equals(const Object& other) const {
   const auto& dictionary = static_cast<const Dictionary&>(other);
-  if (entries_.size() != dictionary.entries_.size()) {
-    return false;
-  }
+  if (entries_.size() != dictionary.entries_.size()) return false;
   for (const auto& [key, value] : entries_) {
     const std::size_t index = dictionary.Find(key);
-    if (index == dictionary.entries_.size() || !Same(values_, value, dictionary.entries_[index].second)) {
-      return false;
-    }
+    if (index == dictionary.entries_.size() || !Same(values_, value, dictionary.entries_[index].second)) return false;
   }
   return true;
 }
 
 std::size_t Dictionary::Find(const void* key) const {
   std::size_t index = 0;
-  while (index < entries_.size() && !Same(keys_, entries_[index].first, key)) {
-    ++index;
-  }
+  while (index < entries_.size() && !Same(keys_, entries_[index].first, key)) ++index;
   return index;
 }
 

@@ -53,21 +53,15 @@ std::optional<Lead> ReadLead(unsigned char byte) {
 /// Takes the next character off the text; nothing when it is not well-formed.
 std::optional<std::uint32_t> TakeCharacter(std::string_view& text) {
   const std::optional<Lead> lead = ReadLead(static_cast<unsigned char>(text.front()));
-  if (!lead || text.size() < lead->length) {
-    return std::nullopt;
-  }
+  if (!lead || text.size() < lead->length) return std::nullopt;
   std::uint32_t character = lead->bits;
   for (std::size_t i = 1; i < lead->length; ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
-    if ((byte & 0xC0) != 0x80) {
-      return std::nullopt;
-    }
+    if ((byte & 0xC0) != 0x80) return std::nullopt;
     character = character << 6 | (byte & 0x3Fu);
   }
   const bool surrogate = character >= 0xD800 && character < 0xE000;
-  if (character < lead->least || character > 0x10FFFF || surrogate) {
-    return std::nullopt;
-  }
+  if (character < lead->least || character > 0x10FFFF || surrogate) return std::nullopt;
   text.remove_prefix(lead->length);
   return character;
 }
@@ -87,13 +81,9 @@ std::optional<std::string> MacRomanFromUtf8(std::string_view text) {
   std::string roman;
   while (!text.empty()) {
     const std::optional<std::uint32_t> character = TakeCharacter(text);
-    if (!character) {
-      return std::nullopt;
-    }
+    if (!character) return std::nullopt;
     const auto* upper = std::find(std::begin(kUpperHalf), std::end(kUpperHalf), *character);
-    if (*character >= 0x80 && upper == std::end(kUpperHalf)) {
-      return std::nullopt;
-    }
+    if (*character >= 0x80 && upper == std::end(kUpperHalf)) return std::nullopt;
     roman += static_cast<char>(*character < 0x80 ? *character
                                                  : 0x80u + static_cast<std::uint32_t>(upper - std::begin(kUpperHalf)));
   }
@@ -102,9 +92,7 @@ std::optional<std::string> MacRomanFromUtf8(std::string_view text) {
 
 bool IsUtf8(std::string_view text) {
   while (!text.empty()) {
-    if (!TakeCharacter(text)) {
-      return false;
-    }
+    if (!TakeCharacter(text)) return false;
   }
   return true;
 }

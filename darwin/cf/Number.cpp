@@ -63,20 +63,14 @@ CFTypeID CFNumberGetTypeID(void) {
 }
 
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType theType, const void* valuePtr) {
-  if (theType == kCFNumberSInt32Type) {
-    return ToRef<CFNumberRef>(*new Number(Widened<std::int32_t>(valuePtr)));
-  }
-  if (theType == kCFNumberSInt64Type) {
-    return ToRef<CFNumberRef>(*new Number(Widened<std::int64_t>(valuePtr)));
-  }
+  if (theType == kCFNumberSInt32Type) return ToRef<CFNumberRef>(*new Number(Widened<std::int32_t>(valuePtr)));
+  if (theType == kCFNumberSInt64Type) return ToRef<CFNumberRef>(*new Number(Widened<std::int64_t>(valuePtr)));
   return nullptr;
 }
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType theType, void* valuePtr) {
   const std::uint64_t value = static_cast<const Number&>(FromRef(number)).Value();
-  if (theType == kCFNumberSInt32Type) {
-    return Narrow<std::int32_t>(value, valuePtr);
-  }
+  if (theType == kCFNumberSInt32Type) return Narrow<std::int32_t>(value, valuePtr);
   return theType == kCFNumberSInt64Type && Narrow<std::int64_t>(value, valuePtr);
 }
 

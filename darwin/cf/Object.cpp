@@ -11,27 +11,19 @@ std::atomic<std::size_t> liveObjects{0};
 }  // namespace
 
 Object::Object(Type type, Lifetime lifetime) : type_(type), lifetime_(lifetime) {
-  if (lifetime_ == Lifetime::kCounted) {
-    ++liveObjects;
-  }
+  if (lifetime_ == Lifetime::kCounted) ++liveObjects;
 }
 
 Object::~Object() {
-  if (lifetime_ == Lifetime::kCounted) {
-    --liveObjects;
-  }
+  if (lifetime_ == Lifetime::kCounted) --liveObjects;
 }
 
 void Object::Retain() const {
-  if (lifetime_ == Lifetime::kCounted) {
-    references_.fetch_add(1, std::memory_order_relaxed);
-  }
+  if (lifetime_ == Lifetime::kCounted) references_.fetch_add(1, std::memory_order_relaxed);
 }
 
 void Object::Release() const {
-  if (lifetime_ == Lifetime::kCounted && references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-    delete this;
-  }
+  if (lifetime_ == Lifetime::kCounted && references_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
 }
 
 std::size_t Object::LiveCount() {

@@ -34,33 +34,25 @@ int MillisecondsUntil(Clock::time_point moment) {
 
 /// The shorter of two waits; -1 is for ever.
 int Sooner(int first, int second) {
-  if (first < 0 || second < 0) {
-    return std::max(first, second);
-  }
+  if (first < 0 || second < 0) return std::max(first, second);
   return std::min(first, second);
 }
 
 int ShortestTimeout(const std::vector<SourceRef>& sources) {
   int timeout = -1;
-  for (const SourceRef& source : sources) {
-    timeout = Sooner(timeout, source->TimeoutMs());
-  }
+  for (const SourceRef& source : sources) timeout = Sooner(timeout, source->TimeoutMs());
   return timeout;
 }
 
 std::vector<int> DescriptorsOf(const std::vector<SourceRef>& sources) {
   std::vector<int> descriptors;
-  for (const SourceRef& source : sources) {
-    source->AddDescriptors(descriptors);
-  }
+  for (const SourceRef& source : sources) source->AddDescriptors(descriptors);
   return descriptors;
 }
 
 bool PerformAll(const std::vector<SourceRef>& sources) {
   bool handled = false;
-  for (const SourceRef& source : sources) {
-    handled = (source->IsValid() && source->Perform()) || handled;
-  }
+  for (const SourceRef& source : sources) handled = (source->IsValid() && source->Perform()) || handled;
   return handled;
 }
 
@@ -98,9 +90,7 @@ RunLoop& RunLoop::Current() {
 }
 
 void RunLoop::Add(RunLoopSource& source, const std::string& mode) {
-  if (!source.IsValid() || Contains(source, mode)) {
-    return;
-  }
+  if (!source.IsValid() || Contains(source, mode)) return;
   const std::lock_guard lock(mutex_);
   members_.push_back({mode, SourceRef(source)});
   wakeUp_.Signal();
@@ -138,26 +128,14 @@ CFRunLoopRunResult RunLoop::Run(const std::string& mode, CFTimeInterval seconds,
   for (;;) {
     wakeUp_.Clear();
     const std::vector<SourceRef> sources = SourcesOf(mode);
-    if (sources.empty()) {
-      return kCFRunLoopRunFinished;
-    }
+    if (sources.empty()) return kCFRunLoopRunFinished;
     const bool handled = !stopped_ && PerformAll(sources);
-    if (watch_ != nullptr) {
-      UpdateWatch();
-    }
-    if (stopped_.exchange(false)) {
-      return kCFRunLoopRunStopped;
-    }
-    if (handled && returnAfterSourceHandled) {
-      return kCFRunLoopRunHandledSource;
-    }
+    if (watch_ != nullptr) UpdateWatch();
+    if (stopped_.exchange(false)) return kCFRunLoopRunStopped;
+    if (handled && returnAfterSourceHandled) return kCFRunLoopRunHandledSource;
     const int left = MillisecondsUntil(deadline);
-    if (left == 0) {
-      return kCFRunLoopRunTimedOut;
-    }
-    if (!handled) {
-      Wait(sources, Sooner(seconds >= kLongestWait ? -1 : left, ShortestTimeout(sources)));
-    }
+    if (left == 0) return kCFRunLoopRunTimedOut;
+    if (!handled) Wait(sources, Sooner(seconds >= kLongestWait ? -1 : left, ShortestTimeout(sources)));
   }
 }
 
@@ -178,18 +156,14 @@ std::vector<SourceRef> RunLoop::SourcesOf(const std::string& mode) {
   const std::lock_guard lock(mutex_);
   std::vector<SourceRef> sources;
   for (const Member& member : members_) {
-    if (member.mode == mode) {
-      sources.push_back(member.source);
-    }
+    if (member.mode == mode) sources.push_back(member.source);
   }
   return sources;
 }
 
 void RunLoop::Wait(const std::vector<SourceRef>& sources, int timeoutMs) {
   std::vector<pollfd> entries{{wakeUp_.Descriptor(), POLLIN, 0}};
-  for (const int descriptor : DescriptorsOf(sources)) {
-    entries.push_back({descriptor, POLLIN, 0});
-  }
+  for (const int descriptor : DescriptorsOf(sources)) entries.push_back({descriptor, POLLIN, 0});
   // An interrupted wait is a short one: the caller looks again.
   ::poll(entries.data(), entries.size(), timeoutMs);
 }

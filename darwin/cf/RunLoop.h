@@ -25,9 +25,7 @@ class SourceRef {
     return *this;
   }
   ~SourceRef() {
-    if (source_ != nullptr) {
-      source_->Release();
-    }
+    if (source_ != nullptr) source_->Release();
   }
   RunLoopSource* operator->() const { return source_; }
   RunLoopSource* Get() const { return source_; }

@@ -18,9 +18,7 @@ class DescriptorSource final : public RunLoopSource {
 
   bool Perform() override {
     pollfd entry{descriptor_, POLLIN, 0};
-    if (::poll(&entry, 1, 0) <= 0) {
-      return false;
-    }
+    if (::poll(&entry, 1, 0) <= 0) return false;
     onReadable_();
     return true;
   }

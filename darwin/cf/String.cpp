@@ -18,22 +18,14 @@ CFStringRef Ref(const Object* string) {
 }
 
 std::optional<std::string> Decode(const char* text, CFStringEncoding encoding) {
-  if (encoding == kCFStringEncodingMacRoman) {
-    return Utf8FromMacRoman(text);
-  }
-  if (encoding == kCFStringEncodingUTF8 && IsUtf8(text)) {
-    return text;
-  }
+  if (encoding == kCFStringEncodingMacRoman) return Utf8FromMacRoman(text);
+  if (encoding == kCFStringEncodingUTF8 && IsUtf8(text)) return text;
   return std::nullopt;
 }
 
 std::optional<std::string> Encode(const std::string& utf8, CFStringEncoding encoding) {
-  if (encoding == kCFStringEncodingMacRoman) {
-    return MacRomanFromUtf8(utf8);
-  }
-  if (encoding == kCFStringEncodingUTF8) {
-    return utf8;
-  }
+  if (encoding == kCFStringEncodingMacRoman) return MacRomanFromUtf8(utf8);
+  if (encoding == kCFStringEncodingUTF8) return utf8;
   return std::nullopt;
 }
 
@@ -48,9 +40,7 @@ CFHashCode String::Hash() const {
 }
 
 const std::string* TextOf(CFTypeRef ref) {
-  if (ref == nullptr || FromRef(ref).GetType() != Type::kString) {
-    return nullptr;
-  }
+  if (ref == nullptr || FromRef(ref).GetType() != Type::kString) return nullptr;
   return &static_cast<const String&>(FromRef(ref)).Utf8();
 }
 
@@ -80,9 +70,7 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* cStr, CFString
 Boolean CFStringGetCString(CFStringRef theString, char* buffer, CFIndex bufferSize, CFStringEncoding encoding) {
   const std::string* utf8 = TextOf(theString);
   const std::optional<std::string> text = utf8 != nullptr ? Encode(*utf8, encoding) : std::nullopt;
-  if (!text || static_cast<CFIndex>(text->size()) >= bufferSize) {
-    return false;
-  }
+  if (!text || static_cast<CFIndex>(text->size()) >= bufferSize) return false;
   std::memcpy(buffer, text->c_str(), text->size() + 1);
   return true;
 }
@@ -93,9 +81,7 @@ CFStringRef __CFStringMakeConstantString(const char* cStr) {
   static auto* constants = new std::map<std::string, const String*>();
   const std::lock_guard lock(mutex);
   const String*& constant = (*constants)[cStr];
-  if (constant == nullptr) {
-    constant = new String(cStr, Lifetime::kImmortal);
-  }
+  if (constant == nullptr) constant = new String(cStr, Lifetime::kImmortal);
   return Ref(constant);
 }
 

@@ -8,9 +8,7 @@
 namespace darwin {
 
 WakeUp::WakeUp() : descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (!descriptor_) {
-    throw std::system_error(errno, std::generic_category(), "eventfd");
-  }
+  if (!descriptor_) throw std::system_error(errno, std::generic_category(), "eventfd");
 }
 
 void WakeUp::Signal() {

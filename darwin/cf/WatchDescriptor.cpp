@@ -10,21 +10,15 @@ namespace darwin::cf {
 
 WatchDescriptor::WatchDescriptor()
     : epoll_(::epoll_create1(EPOLL_CLOEXEC)), timer_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
-  if (!epoll_ || !timer_) {
-    throw std::system_error(errno, std::generic_category(), "epoll_create1, timerfd_create");
-  }
+  if (!epoll_ || !timer_) throw std::system_error(errno, std::generic_category(), "epoll_create1, timerfd_create");
   Change(EPOLL_CTL_ADD, timer_.Get());
 }
 
 void WatchDescriptor::Update(const std::vector<int>& descriptors, int timeoutMs) {
   // Taken out and put in again: a number may stand for another file than it did.
-  for (const int descriptor : watched_) {
-    Change(EPOLL_CTL_DEL, descriptor);
-  }
+  for (const int descriptor : watched_) Change(EPOLL_CTL_DEL, descriptor);
   watched_ = descriptors;
-  for (const int descriptor : watched_) {
-    Change(EPOLL_CTL_ADD, descriptor);
-  }
+  for (const int descriptor : watched_) Change(EPOLL_CTL_ADD, descriptor);
   itimerspec moment{};
   if (timeoutMs >= 0) {
     // A zero would disarm the timer.

@@ -51,9 +51,7 @@ TEST_F(Entries, AParentIsTheSameObjectForAllItsChildren) {
   Plug({.serial = "K1"});
   Plug({.serial = "K2"});
   std::vector<Object> buses;
-  for (const Object& service : Find(IOServiceMatching(kDriver))) {
-    buses.push_back(ParentOf(ParentOf(ParentOf(service))));
-  }
+  for (const Object& service : Find(IOServiceMatching(kDriver))) buses.push_back(ParentOf(ParentOf(ParentOf(service))));
   ASSERT_EQ(buses.size(), 2u);
   EXPECT_EQ(buses[0].Number(), buses[1].Number());
 }

@@ -46,9 +46,7 @@ std::string DriverClass(const CameraDescription& camera) {
 
 EntryId AddCamera(Registry& registry, EntryId parent, const CameraDescription& camera) {
   EntryDescription device = Service("IOUSBHostDevice", {});
-  if (!camera.serial.empty()) {
-    device.properties.emplace("USB Serial Number", camera.serial);
-  }
+  if (!camera.serial.empty()) device.properties.emplace("USB Serial Number", camera.serial);
   const EntryId usbDevice = registry.Add(parent, std::move(device));
   AddCameraServices(registry, usbDevice, camera);
   return usbDevice;

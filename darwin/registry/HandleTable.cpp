@@ -34,9 +34,7 @@ void HandleTable::Retain(Handle handle) {
 
 std::shared_ptr<KernelObject> HandleTable::Release(Handle handle) {
   const auto slot = slots_.find(handle);
-  if (slot == slots_.end() || --slot->second.references != 0) {
-    return nullptr;
-  }
+  if (slot == slots_.end() || --slot->second.references != 0) return nullptr;
   std::shared_ptr<KernelObject> object = std::move(slot->second.object);
   numbers_.erase(object.get());
   slots_.erase(slot);
@@ -45,9 +43,7 @@ std::shared_ptr<KernelObject> HandleTable::Release(Handle handle) {
 
 std::shared_ptr<KernelObject> HandleTable::Kill(const KernelObject* object) {
   const auto number = numbers_.find(object);
-  if (number == numbers_.end()) {
-    return nullptr;
-  }
+  if (number == numbers_.end()) return nullptr;
   std::shared_ptr<KernelObject> held = std::exchange(slots_.at(number->second).object, nullptr);
   numbers_.erase(number);
   return held;
@@ -55,9 +51,7 @@ std::shared_ptr<KernelObject> HandleTable::Kill(const KernelObject* object) {
 
 std::size_t HandleTable::References() const {
   std::size_t references = 0;
-  for (const auto& [handle, slot] : slots_) {
-    references += slot.references;
-  }
+  for (const auto& [handle, slot] : slots_) references += slot.references;
   return references;
 }
 

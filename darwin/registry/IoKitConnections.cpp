@@ -25,9 +25,7 @@ constexpr std::size_t kLargestInlineStruct = 4096;
 /// The connection that a handle stands for, or why there is none. Under the registry's lock.
 kern_return_t FindConnection(io_connect_t handle, std::shared_ptr<Connection>& connection) {
   const std::shared_ptr<KernelObject> object = SharedState().handles.Find(handle);
-  if (object == nullptr) {
-    return MACH_SEND_INVALID_DEST;
-  }
+  if (object == nullptr) return MACH_SEND_INVALID_DEST;
   connection = std::dynamic_pointer_cast<Connection>(object);
   return connection != nullptr ? kIOReturnSuccess : kIOReturnBadArgument;
 }
@@ -37,9 +35,7 @@ kern_return_t FindClient(io_connect_t handle, std::shared_ptr<UserClient>& clien
   const std::lock_guard lock(SharedState().mutex);
   std::shared_ptr<Connection> connection;
   const kern_return_t found = FindConnection(handle, connection);
-  if (found == kIOReturnSuccess) {
-    client = connection->client;
-  }
+  if (found == kIOReturnSuccess) client = connection->client;
   return found;
 }
 
@@ -58,9 +54,7 @@ kern_return_t AnswerOf(Call call) {
 kern_return_t FindService(io_service_t handle, std::shared_ptr<Entry>& entry) {
   const std::lock_guard lock(SharedState().mutex);
   const std::shared_ptr<KernelObject> object = SharedState().handles.Find(handle);
-  if (object == nullptr) {
-    return MACH_SEND_INVALID_DEST;
-  }
+  if (object == nullptr) return MACH_SEND_INVALID_DEST;
   entry = std::dynamic_pointer_cast<Entry>(object);
   const bool isService = entry != nullptr && (entry->registered || entry->IsOfClass("IOService"));
   return isService ? kIOReturnSuccess : kIOReturnBadArgument;
@@ -74,15 +68,11 @@ bool IsActive(const Entry& entry) {
 /// Asks the driver for a user client, outside of the lock: this may take its time.
 kern_return_t AskDriver(const Entry& entry, std::shared_ptr<UserClient>& client) {
   const darwin::UserClientFactory& open = entry.Description().openUserClient;
-  if (!open) {
-    return kIOReturnUnsupported;
-  }
+  if (!open) return kIOReturnUnsupported;
   return AnswerOf([&] {
     int error = kIOReturnUnsupported;
     client = open(error);
-    if (client != nullptr) {
-      return kIOReturnSuccess;
-    }
+    if (client != nullptr) return kIOReturnSuccess;
     // Without a client there is no success, whatever the driver says.
     return error != kIOReturnSuccess ? error : kIOReturnUnsupported;
   });
@@ -92,9 +82,7 @@ kern_return_t AskDriver(const Entry& entry, std::shared_ptr<UserClient>& client)
 kern_return_t Connect(const std::shared_ptr<Entry>& entry, std::shared_ptr<UserClient> client, io_connect_t& connect) {
   const auto connection = std::make_shared<Connection>(std::move(client), entry->Id());
   const std::lock_guard lock(SharedState().mutex);
-  if (!entry->active) {
-    return kIOReturnNoDevice;
-  }
+  if (!entry->active) return kIOReturnNoDevice;
   darwin::Prune(entry->connections);
   entry->connections.push_back(connection);
   connect = SharedState().handles.Grant(connection);
@@ -107,9 +95,7 @@ kern_return_t Disconnect(io_connect_t connect) {
   std::shared_ptr<Connection> connection;
   {
     const std::lock_guard lock(SharedState().mutex);
-    if (const kern_return_t found = FindConnection(connect, connection); found != kIOReturnSuccess) {
-      return found;
-    }
+    if (const kern_return_t found = FindConnection(connect, connection); found != kIOReturnSuccess) return found;
     client = std::exchange(connection->client, nullptr);
     SharedState().handles.Kill(connection.get());
   }
@@ -123,16 +109,10 @@ extern "C" {
 
 kern_return_t IOServiceOpen(io_service_t service, task_port_t owningTask, uint32_t, io_connect_t* connect) {
   std::shared_ptr<Entry> entry;
-  if (const kern_return_t found = FindService(service, entry); found != kIOReturnSuccess) {
-    return found;
-  }
-  if (owningTask != mach_task_self()) {
-    return kIOReturnBadArgument;
-  }
+  if (const kern_return_t found = FindService(service, entry); found != kIOReturnSuccess) return found;
+  if (owningTask != mach_task_self()) return kIOReturnBadArgument;
   *connect = IO_OBJECT_NULL;
-  if (!IsActive(*entry)) {
-    return kIOReturnNoDevice;
-  }
+  if (!IsActive(*entry)) return kIOReturnNoDevice;
   darwin::Registry::Shared().SendMessage(entry->Id(), kIOMessageServiceIsAttemptingOpen);
   std::shared_ptr<UserClient> client;
   const kern_return_t answer = AskDriver(*entry, client);
@@ -149,26 +129,18 @@ kern_return_t IOServiceClose(io_connect_t connect) {
 kern_return_t IOConnectCallScalarMethod(mach_port_t connection, uint32_t selector, const uint64_t*, uint32_t inputCnt,
                                         uint64_t*, uint32_t* outputCnt) {
   std::shared_ptr<UserClient> client;
-  if (const kern_return_t found = FindClient(connection, client); found != kIOReturnSuccess) {
-    return found;
-  }
+  if (const kern_return_t found = FindClient(connection, client); found != kIOReturnSuccess) return found;
   // No method here takes or gives scalars.
-  if (inputCnt > 0 || (outputCnt != nullptr && *outputCnt > 0)) {
-    return kIOReturnBadArgument;
-  }
+  if (inputCnt > 0 || (outputCnt != nullptr && *outputCnt > 0)) return kIOReturnBadArgument;
   return AnswerOf([&] { return client->CallScalar(selector); });
 }
 
 kern_return_t IOConnectCallStructMethod(mach_port_t connection, uint32_t selector, const void* inputStruct,
                                         size_t inputStructCnt, void* outputStruct, size_t* outputStructCnt) {
   std::shared_ptr<UserClient> client;
-  if (const kern_return_t found = FindClient(connection, client); found != kIOReturnSuccess) {
-    return found;
-  }
+  if (const kern_return_t found = FindClient(connection, client); found != kIOReturnSuccess) return found;
   std::size_t produced = outputStructCnt != nullptr ? *outputStructCnt : 0;
-  if (inputStructCnt > kLargestInlineStruct || produced > kLargestInlineStruct) {
-    return kIOReturnBadArgument;
-  }
+  if (inputStructCnt > kLargestInlineStruct || produced > kLargestInlineStruct) return kIOReturnBadArgument;
   // Outputs stay as they are unless the method succeeds.
   alignas(std::max_align_t) unsigned char output[kLargestInlineStruct];
   const std::size_t capacity = produced;
@@ -178,9 +150,7 @@ kern_return_t IOConnectCallStructMethod(mach_port_t connection, uint32_t selecto
   if (result == kIOReturnSuccess) {
     produced = std::min(produced, capacity);
     std::copy_n(output, produced, static_cast<unsigned char*>(outputStruct));
-    if (outputStructCnt != nullptr) {
-      *outputStructCnt = produced;
-    }
+    if (outputStructCnt != nullptr) *outputStructCnt = produced;
   }
   return result;
 }

@@ -21,26 +21,18 @@ const mach_port_t kIOMainPortDefault = MACH_PORT_NULL;
 mach_port_t mach_task_self_ = 0x103;
 
 kern_return_t IOObjectRelease(io_object_t object) {
-  if (object == IO_OBJECT_NULL) {
-    return KERN_SUCCESS;
-  }
+  if (object == IO_OBJECT_NULL) return KERN_SUCCESS;
   std::shared_ptr<KernelObject> last;  // let go after the lock
   const std::lock_guard lock(SharedState().mutex);
-  if (!SharedState().handles.Holds(object)) {
-    return KERN_INVALID_NAME;
-  }
+  if (!SharedState().handles.Holds(object)) return KERN_INVALID_NAME;
   last = SharedState().handles.Release(object);
   return KERN_SUCCESS;
 }
 
 kern_return_t IOObjectRetain(io_object_t object) {
-  if (object == IO_OBJECT_NULL) {
-    return KERN_SUCCESS;
-  }
+  if (object == IO_OBJECT_NULL) return KERN_SUCCESS;
   const std::lock_guard lock(SharedState().mutex);
-  if (!SharedState().handles.Holds(object)) {
-    return KERN_INVALID_NAME;
-  }
+  if (!SharedState().handles.Holds(object)) return KERN_INVALID_NAME;
   SharedState().handles.Retain(object);
   return KERN_SUCCESS;
 }
@@ -56,13 +48,9 @@ kern_return_t IORegistryEntryGetParentEntry(io_registry_entry_t entry, const io_
                                             io_registry_entry_t* parent) {
   const std::lock_guard lock(SharedState().mutex);
   const std::shared_ptr<KernelObject> object = SharedState().handles.Find(entry);
-  if (object == nullptr) {
-    return MACH_SEND_INVALID_DEST;
-  }
+  if (object == nullptr) return MACH_SEND_INVALID_DEST;
   const auto* child = dynamic_cast<const Entry*>(object.get());
-  if (child == nullptr) {
-    return kIOReturnBadArgument;
-  }
+  if (child == nullptr) return kIOReturnBadArgument;
   if (std::strcmp(plane, kIOServicePlane) != 0 || child->Parent() == nullptr) {
     *parent = IO_OBJECT_NULL;
     return kIOReturnNoDevice;
@@ -76,9 +64,7 @@ CFTypeRef IORegistryEntryCreateCFProperty(io_registry_entry_t entry, CFStringRef
   const std::lock_guard lock(SharedState().mutex);
   const std::shared_ptr<KernelObject> object = SharedState().handles.Find(entry);
   const auto* owner = dynamic_cast<const Entry*>(object.get());
-  if (owner == nullptr || name == nullptr) {
-    return nullptr;
-  }
+  if (owner == nullptr || name == nullptr) return nullptr;
   // The options are ignored: only the entry's own properties are looked at.
   const darwin::PropertyValue* value = owner->Property(*name);
   return value != nullptr ? darwin::MakePropertyObject(*value) : nullptr;

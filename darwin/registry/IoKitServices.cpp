@@ -29,9 +29,7 @@ std::optional<Matching> Consume(CFDictionaryRef dictionary) {
 std::vector<std::shared_ptr<Entry>> MatchingServices(const Matching& matching) {
   std::vector<std::shared_ptr<Entry>> found;
   for (const std::shared_ptr<Entry>& service : SharedState().services) {
-    if (matching.Accepts(*service)) {
-      found.push_back(service);
-    }
+    if (matching.Accepts(*service)) found.push_back(service);
   }
   return found;
 }
@@ -50,16 +48,10 @@ CFMutableDictionaryRef IOServiceMatching(const char* name) {
 }
 
 kern_return_t IOServiceGetMatchingServices(mach_port_t, CFDictionaryRef matching, io_iterator_t* existing) {
-  if (matching == nullptr) {
-    return kIOReturnBadArgument;
-  }
+  if (matching == nullptr) return kIOReturnBadArgument;
   const std::optional<Matching> wanted = Consume(matching);
-  if (!wanted) {
-    return kIOReturnUnsupported;
-  }
-  if (!darwin::Registry::Shared().LookAgain()) {
-    return kIOReturnError;
-  }
+  if (!wanted) return kIOReturnUnsupported;
+  if (!darwin::Registry::Shared().LookAgain()) return kIOReturnError;
   const std::lock_guard lock(SharedState().mutex);
   std::vector<std::shared_ptr<Entry>> found = MatchingServices(*wanted);
   *existing = found.empty() ? IO_OBJECT_NULL
@@ -71,22 +63,14 @@ kern_return_t IOServiceAddMatchingNotification(IONotificationPortRef notifyPort,
                                                CFDictionaryRef matching, IOServiceMatchingCallback callback,
                                                void* refCon, io_iterator_t* notification) {
   const std::weak_ptr<darwin::MessageQueue> queue = darwin::FromPort(notifyPort).queue;
-  if (matching == nullptr) {
-    return kIOReturnBadArgument;
-  }
+  if (matching == nullptr) return kIOReturnBadArgument;
   std::optional<Matching> wanted = Consume(matching);
-  if (!wanted || std::strcmp(notificationType, kIOFirstMatchNotification) != 0) {
-    return kIOReturnUnsupported;
-  }
-  if (!darwin::Registry::Shared().LookAgain()) {
-    return kIOReturnError;
-  }
+  if (!wanted || std::strcmp(notificationType, kIOFirstMatchNotification) != 0) return kIOReturnUnsupported;
+  if (!darwin::Registry::Shared().LookAgain()) return kIOReturnError;
   const std::lock_guard lock(SharedState().mutex);
   const std::vector<std::shared_ptr<Entry>> present = MatchingServices(*wanted);
   const auto created = std::make_shared<MatchingNotification>(std::move(*wanted), queue, callback, refCon);
-  for (const std::shared_ptr<Entry>& service : present) {
-    created->OnRegistered(service, created);
-  }
+  for (const std::shared_ptr<Entry>& service : present) created->OnRegistered(service, created);
   created->handle = SharedState().handles.Grant(created);
   darwin::Prune(SharedState().matchings);
   SharedState().matchings.push_back(created);
@@ -100,16 +84,10 @@ kern_return_t IOServiceAddInterestNotification(IONotificationPortRef notifyPort,
   const std::weak_ptr<darwin::MessageQueue> queue = darwin::FromPort(notifyPort).queue;
   const std::lock_guard lock(SharedState().mutex);
   const std::shared_ptr<KernelObject> object = SharedState().handles.Find(service);
-  if (object == nullptr) {
-    return MACH_SEND_INVALID_DEST;
-  }
+  if (object == nullptr) return MACH_SEND_INVALID_DEST;
   const auto entry = std::dynamic_pointer_cast<Entry>(object);
-  if (entry == nullptr) {
-    return kIOReturnBadArgument;
-  }
-  if (std::strcmp(interestType, kIOGeneralInterest) != 0 || !entry->active) {
-    return kIOReturnUnsupported;
-  }
+  if (entry == nullptr) return kIOReturnBadArgument;
+  if (std::strcmp(interestType, kIOGeneralInterest) != 0 || !entry->active) return kIOReturnUnsupported;
   const auto created = std::make_shared<InterestNotification>(queue, callback, refCon);
   darwin::Prune(entry->interests);
   entry->interests.push_back(created);

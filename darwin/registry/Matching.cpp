@@ -36,13 +36,9 @@ const Dictionary* AsDictionary(const void* ref) {
 bool IsSerialisable(const void* value);
 
 bool IsSerialisable(const Dictionary& dictionary) {
-  if (!dictionary.HoldsObjects()) {
-    return false;
-  }
+  if (!dictionary.HoldsObjects()) return false;
   for (const auto& [key, value] : dictionary.Entries()) {
-    if (cf::TextOf(key) == nullptr || !IsSerialisable(value)) {
-      return false;
-    }
+    if (cf::TextOf(key) == nullptr || !IsSerialisable(value)) return false;
   }
   return true;
 }
@@ -56,9 +52,7 @@ bool IsSerialisable(const void* value) {
 
 std::optional<Matching> Matching::FromDictionary(CFDictionaryRef ref) {
   const Dictionary* dictionary = AsDictionary(ref);
-  if (dictionary == nullptr || !IsSerialisable(*dictionary)) {
-    return std::nullopt;
-  }
+  if (dictionary == nullptr || !IsSerialisable(*dictionary)) return std::nullopt;
   Matching matching;
   for (const auto& [key, value] : dictionary->Entries()) {
     const std::string& name = *cf::TextOf(key);
@@ -75,9 +69,7 @@ std::optional<Matching> Matching::FromDictionary(CFDictionaryRef ref) {
 void Matching::RequireProperties(const void* value) {
   const Dictionary* properties = AsDictionary(value);
   possible_ = properties != nullptr;
-  if (!possible_) {
-    return;
-  }
+  if (!possible_) return;
   for (const auto& [key, wanted] : properties->Entries()) {
     std::optional<PropertyValue> plain = PlainValue(FromRef(wanted));
     possible_ = possible_ && plain.has_value();
@@ -86,14 +78,10 @@ void Matching::RequireProperties(const void* value) {
 }
 
 bool Matching::Accepts(const Entry& entry) const {
-  if (!possible_ || (className_ && !entry.IsOfClass(*className_))) {
-    return false;
-  }
+  if (!possible_ || (className_ && !entry.IsOfClass(*className_))) return false;
   for (const auto& [key, value] : properties_) {
     const PropertyValue* own = entry.Property(key);
-    if (own == nullptr || *own != value) {
-      return false;
-    }
+    if (own == nullptr || *own != value) return false;
   }
   return true;
 }

@@ -8,14 +8,10 @@ namespace darwin {
 
 void MatchMessage::Deliver() {
   const std::shared_ptr<MatchingNotification> notification = notification_.lock();
-  if (notification == nullptr) {
-    return;
-  }
+  if (notification == nullptr) return;
   {
     const std::lock_guard lock(SharedState().mutex);
-    if (SharedState().handles.Find(notification->handle) != notification) {
-      return;
-    }
+    if (SharedState().handles.Find(notification->handle) != notification) return;
     // The message carries a reference, so that the iterator outlives its release in the callback.
     SharedState().handles.Retain(notification->handle);
   }
@@ -25,9 +21,7 @@ void MatchMessage::Deliver() {
 
 void InterestMessage::Deliver() {
   const std::shared_ptr<InterestNotification> notification = notification_.lock();
-  if (notification == nullptr) {
-    return;
-  }
+  if (notification == nullptr) return;
   io_service_t service = 0;
   {
     const std::lock_guard lock(SharedState().mutex);

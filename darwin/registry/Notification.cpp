@@ -30,15 +30,11 @@ std::shared_ptr<Entry> MatchingNotification::Next() {
 
 void MatchingNotification::OnRegistered(const std::shared_ptr<Entry>& entry,
                                         const std::shared_ptr<MatchingNotification>& self) {
-  if (!matching_.Accepts(*entry) || pending_.size() == kMostPending) {
-    return;
-  }
+  if (!matching_.Accepts(*entry) || pending_.size() == kMostPending) return;
   pending_.push_back(entry);
   if (armed_) {
     armed_ = false;
-    if (const std::shared_ptr<MessageQueue> queue = queue_.lock()) {
-      queue->Push(std::make_unique<MatchMessage>(self));
-    }
+    if (const std::shared_ptr<MessageQueue> queue = queue_.lock()) queue->Push(std::make_unique<MatchMessage>(self));
   }
 }
 

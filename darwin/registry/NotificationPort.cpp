@@ -15,9 +15,7 @@ void MessageQueue::Push(std::unique_ptr<Message> message) {
 }
 
 std::unique_ptr<Message> MessageQueue::Pop() {
-  if (messages_.empty()) {
-    return nullptr;
-  }
+  if (messages_.empty()) return nullptr;
   std::unique_ptr<Message> oldest = std::move(messages_.front());
   messages_.pop_front();
   return oldest;
@@ -25,9 +23,7 @@ std::unique_ptr<Message> MessageQueue::Pop() {
 
 std::size_t MessageQueue::Look() {
   wakeUp_.Clear();
-  if (!messages_.empty()) {
-    wakeUp_.Signal();
-  }
+  if (!messages_.empty()) wakeUp_.Signal();
   return messages_.size();
 }
 
@@ -53,9 +49,7 @@ class PortSource final : public cf::RunLoopSource {
     const bool handled = waiting != 0;
     // A callback may destroy the port.
     for (; waiting != 0 && IsValid(); --waiting) {
-      if (const std::unique_ptr<Message> message = Next()) {
-        message->Deliver();
-      }
+      if (const std::unique_ptr<Message> message = Next()) message->Deliver();
     }
     Waiting();
     return handled;
@@ -65,9 +59,7 @@ class PortSource final : public cf::RunLoopSource {
   /// Nobody asked, so nobody is there to be told of a failure: it goes to standard error, once.
   void LookAgain() {
     const std::string error = Registry::Shared().LookAgain() ? "" : Registry::Shared().LastSourceError();
-    if (error != reported_ && !error.empty()) {
-      std::fprintf(stderr, "%s\n", error.c_str());
-    }
+    if (error != reported_ && !error.empty()) std::fprintf(stderr, "%s\n", error.c_str());
     reported_ = error;
   }
 

@@ -85,21 +85,15 @@ bool HasPorts(Registry::State& state) {
 /// A run loop on another thread may be asleep without knowing of a descriptor or a moment that the source has only now.
 /// Without a port nobody waits, and the source is not asked: it may have something to say to those who do.
 void NoteWhatIsWaitedFor(Registry::State& state) {
-  if (!HasPorts(state)) {
-    return;
-  }
+  if (!HasPorts(state)) return;
   const int descriptor = IsWaitedFor(state) ? state.source->Descriptor() : -1;
   const bool timed = IsWaitedFor(state) && state.source->TimeoutMs() >= 0;
   const bool wasTimed = std::exchange(state.timed, timed);
-  if (std::exchange(state.descriptor, descriptor) == descriptor && (wasTimed || !timed)) {
-    return;
-  }
+  if (std::exchange(state.descriptor, descriptor) == descriptor && (wasTimed || !timed)) return;
   const std::lock_guard lock(state.mutex);
   Prune(state.queues);
   for (const std::weak_ptr<MessageQueue>& reference : state.queues) {
-    if (const std::shared_ptr<MessageQueue> queue = reference.lock()) {
-      queue->Nudge();
-    }
+    if (const std::shared_ptr<MessageQueue> queue = reference.lock()) queue->Nudge();
   }
 }
 
@@ -139,9 +133,7 @@ EntryId Registry::Root() const {
 EntryId Registry::Add(EntryId parent, EntryDescription description) {
   const std::lock_guard lock(state_->mutex);
   const auto above = state_->entries.find(parent);
-  if (above == state_->entries.end()) {
-    return 0;
-  }
+  if (above == state_->entries.end()) return 0;
   const EntryId id = state_->nextId++;
   auto entry = std::make_shared<Entry>(id, above->second, std::move(description));
   Prune(above->second->children);
@@ -154,9 +146,7 @@ void Registry::RegisterService(EntryId id) {
   Graveyard graveyard;
   const std::lock_guard lock(state_->mutex);
   const auto found = state_->entries.find(id);
-  if (found == state_->entries.end() || std::exchange(found->second->registered, true)) {
-    return;
-  }
+  if (found == state_->entries.end() || std::exchange(found->second->registered, true)) return;
   state_->services.push_back(found->second);
   Prune(state_->matchings);
   for (const std::weak_ptr<MatchingNotification>& reference : state_->matchings) {
@@ -171,22 +161,16 @@ void Registry::SendMessage(EntryId id, std::uint32_t messageType) {
   Graveyard graveyard;
   const std::lock_guard lock(state_->mutex);
   const auto found = state_->entries.find(id);
-  if (found != state_->entries.end()) {
-    TellInterested(found->second, messageType, graveyard);
-  }
+  if (found != state_->entries.end()) TellInterested(found->second, messageType, graveyard);
 }
 
 void Registry::Terminate(EntryId id) {
   Graveyard graveyard;
   const std::lock_guard lock(state_->mutex);
   const auto found = state_->entries.find(id);
-  if (found == state_->entries.end() || id == kRootId) {
-    return;
-  }
+  if (found == state_->entries.end() || id == kRootId) return;
   const std::vector<std::shared_ptr<Entry>> ended = Subtree(found->second);
-  for (const std::shared_ptr<Entry>& entry : ended) {
-    Deactivate(*state_, entry, graveyard);
-  }
+  for (const std::shared_ptr<Entry>& entry : ended) Deactivate(*state_, entry, graveyard);
   // Connections fail from now on; only then is anybody told.
   for (const std::shared_ptr<Entry>& entry : ended) {
     TellInterested(entry, kIOMessageServiceIsTerminated, graveyard);
@@ -196,9 +180,7 @@ void Registry::Terminate(EntryId id) {
 
 bool Registry::LookAgain() {
   const std::lock_guard lock(state_->sourceMutex);
-  if (state_->source == nullptr) {
-    return true;
-  }
+  if (state_->source == nullptr) return true;
   AskSource(*this, *state_);
   NoteWhatIsWaitedFor(*state_);
   return !state_->failed;

@@ -26,7 +26,9 @@ TEST_F(RegistryEntries, AnEntryIsRegisteredOnce) {
 
 TEST_F(RegistryEntries, EveryClassOfTheChainMatches) {
   const EntryId entry = Publish({{"Camera", "Disk", "IOService"}, {}, {}});
-  for (const char* name : {"Camera", "Disk", "IOService"}) EXPECT_EQ(Count(IOServiceMatching(name)), 1u) << name;
+  for (const char* name : {"Camera", "Disk", "IOService"}) {
+    EXPECT_EQ(Count(IOServiceMatching(name)), 1u) << name;
+  }
   TheRegistry().Terminate(entry);
 }
 

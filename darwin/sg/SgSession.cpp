@@ -29,8 +29,10 @@ std::optional<SgSession> SgSession::Open(SgSystem& system, const std::string& no
 }
 
 SgSession::~SgSession() {
-  landing_ = LandingArea();                           // the mapping goes before its descriptor
-  if (descriptor_ >= 0) system_->Close(descriptor_);  // gives the lock back as well
+  landing_ = LandingArea();  // the mapping goes before its descriptor
+  if (descriptor_ >= 0) {
+    system_->Close(descriptor_);  // gives the lock back as well
+  }
 }
 
 SgSession::SgSession(SgSession&& other) noexcept

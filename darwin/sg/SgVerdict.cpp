@@ -67,8 +67,9 @@ Verdict Judge(const SgOutcome& outcome, std::uint32_t length, bool gone) {
   if (outcome.error != 0) return {ReturnCodeOf(outcome.error), 0, 0};
   if (gone) return {kIOReturnNoDevice, 0, 0};
   if (outcome.hostStatus != 0 || outcome.driverStatus != 0) return JudgeTransport(outcome);
-  if (outcome.status != wire::kScsiGood)
+  if (outcome.status != wire::kScsiGood) {
     return {kIOReturnSuccess, wire::ScsiResultStatus(outcome.status, outcome.sense), 0};
+  }
   if (!outcome.Succeeded(length)) return {kIOReturnSuccess, wire::TransportResultStatus(0, 0), 0};
   return {kIOReturnSuccess, 0, static_cast<std::uint32_t>(outcome.moved)};
 }

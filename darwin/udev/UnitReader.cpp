@@ -47,7 +47,9 @@ std::optional<ScsiUnit> ReadUnit(udev_device* device) {
   result.product = Attribute(unit, "model");
   result.revision = Attribute(unit, "rev");
   result.peripheralType = PeripheralType(unit);
-  if (result.IsBadCamera() == generic) return std::nullopt;  // read at the other of its two entries
+  if (result.IsBadCamera() == generic) {
+    return std::nullopt;  // read at the other of its two entries
+  }
   result.path = Text(udev_device_get_devpath(device));
   if (generic) result.node = Text(udev_device_get_devnode(device));
   ReadUsbDevice(unit, result);

@@ -23,9 +23,7 @@ std::string BatchRequest(const std::vector<std::string>& keys, const std::vector
 /// The length that a batch bundle's table demands, in unsigned 32-bit arithmetic.
 std::uint32_t BatchLength(const kelva::BundleTable& table) {
   auto length = static_cast<std::uint32_t>(table.bodyStart);
-  for (const _Sha1obj& entry : table.entries) {
-    length += entry.size;
-  }
+  for (const _Sha1obj& entry : table.entries) length += entry.size;
   return length;
 }
 
@@ -37,13 +35,9 @@ std::vector<_Sha1obj> Camera::ReadFilesBySha1(std::vector<std::string> keys, std
   const std::optional<std::uint32_t> announced = kelva::ReadBundle(
       *this, chunkSize_, {kelva::select::kBatch, BatchRequest(keys, qualifiers), progress, context, transferFlag},
       bundle);
-  if (!announced || !kelva::ReconcileSize(bundle.Received(), *announced, __func__)) {
-    return {};
-  }
+  if (!announced || !kelva::ReconcileSize(bundle.Received(), *announced, __func__)) return {};
   // Reconciled, so the bundle is as long as announced once a surplus byte is cut off.
-  if (!bundle.Table() || BatchLength(*bundle.Table()) != *announced) {
-    return {};
-  }
+  if (!bundle.Table() || BatchLength(*bundle.Table()) != *announced) return {};
   return bundle.TakeFiles();
 }
 
@@ -64,8 +58,6 @@ std::vector<_Sha1obj> Camera::ReadCompressedRaw(std::string key, void (*progress
     return {};
   }
   const kelva::BundleTable& table = *bundle.Table();
-  if (bundle.Received() != table.bodyStart + table.entries[0].size + table.entries[1].size) {
-    return {};
-  }
+  if (bundle.Received() != table.bodyStart + table.entries[0].size + table.entries[1].size) return {};
   return bundle.TakeFiles();
 }

@@ -51,7 +51,9 @@ TEST_F(ReadBatch, ReturnsTheFilesInRequestOrderWithoutTheEmptyOnes) {
   EXPECT_EQ(ToString(files[0].data), "AAAAAAAAAA");
   EXPECT_EQ(files[1].name, "k2");
   EXPECT_EQ(ToString(files[1].data), "CCCCC");
-  for (const _Sha1obj& file : files) EXPECT_TRUE(file.size == 0 || file.size == file.data.size());
+  for (const _Sha1obj& file : files) {
+    EXPECT_TRUE(file.size == 0 || file.size == file.data.size());
+  }
 }
 
 TEST_F(ReadBatch, NamesAFileByItsKeyWithoutTheQualifier) {

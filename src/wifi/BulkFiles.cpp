@@ -14,9 +14,7 @@ std::vector<_Sha1obj> Camera::ReadCrashLogs(void (*progress)(void*, float), void
   }
   std::vector<_Sha1obj> logs = bundle.TakeFiles();
   if (deleteAfterRead) {
-    for (const _Sha1obj& log : logs) {
-      DeleteFile(log.name.c_str());
-    }
+    for (const _Sha1obj& log : logs) DeleteFile(log.name.c_str());
   }
   return logs;
 }

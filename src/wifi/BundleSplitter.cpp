@@ -26,9 +26,7 @@ void BundleSplitter::Append(std::span<const char> bytes) {
 void BundleSplitter::AppendToBodies(std::span<const char> bytes) {
   for (SkipFullBodies(); !bytes.empty() && current_ < table_->entries.size(); SkipFullBodies()) {
     _Sha1obj& entry = table_->entries[current_];
-    if (entry.data.empty()) {
-      entry.data.reserve(std::min<std::size_t>(entry.size, kLargestReservation));
-    }
+    if (entry.data.empty()) entry.data.reserve(std::min<std::size_t>(entry.size, kLargestReservation));
     const std::size_t part = std::min(bytes.size(), entry.size - entry.data.size());
     entry.data.insert(entry.data.end(), bytes.data(), bytes.data() + part);
     bytes = bytes.subspan(part);
@@ -42,9 +40,7 @@ void BundleSplitter::SkipFullBodies() {
 }
 
 std::vector<_Sha1obj> BundleSplitter::TakeFiles() {
-  if (!table_ || current_ != table_->entries.size()) {
-    return {};
-  }
+  if (!table_ || current_ != table_->entries.size()) return {};
   std::vector<_Sha1obj> files = std::move(table_->entries);
   std::erase_if(files, [](const _Sha1obj& file) { return file.size == 0; });
   return files;

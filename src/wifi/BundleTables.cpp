@@ -31,40 +31,28 @@ std::vector<_Sha1obj> NamedEntries(const char* table, std::size_t count) {
 }  // namespace
 
 std::optional<BundleTable> DecodeCrashLogTable(std::span<const char> bundle) {
-  if (bundle.size() < kWord) {
-    return std::nullopt;
-  }
+  if (bundle.size() < kWord) return std::nullopt;
   const std::uint64_t bodyStart = kNamedEntry * std::uint64_t{LoadU32(bundle.data())};
-  if (bundle.size() < kWord + bodyStart) {
-    return std::nullopt;
-  }
+  if (bundle.size() < kWord + bodyStart) return std::nullopt;
   return BundleTable{UnpackCrashLogHeader(bundle.data()), bodyStart};
 }
 
 std::optional<BundleTable> DecodeCalibrationTable(std::span<const char> bundle) {
-  if (bundle.size() < kNamedEntry * kCalibrationEntries) {
-    return std::nullopt;
-  }
+  if (bundle.size() < kNamedEntry * kCalibrationEntries) return std::nullopt;
   return BundleTable{UnpackCalibrationHeader(bundle.data()), kNamedEntry * kCalibrationEntries};
 }
 
 std::optional<BundleTable> DecodeBatchTable(const std::vector<std::string>& keys, std::span<const char> bundle) {
-  if (bundle.size() / kWord < keys.size()) {
-    return std::nullopt;
-  }
+  if (bundle.size() / kWord < keys.size()) return std::nullopt;
   const std::vector<unsigned int> sizes = UnpackBatchHeader(static_cast<unsigned int>(keys.size()), bundle.data());
   BundleTable table{{}, kWord * keys.size()};
   table.entries.reserve(keys.size());
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    table.entries.push_back({{}, keys[i], sizes[i]});
-  }
+  for (std::size_t i = 0; i < keys.size(); ++i) table.entries.push_back({{}, keys[i], sizes[i]});
   return table;
 }
 
 std::optional<BundleTable> DecodeCompressedRawTable(const std::string& key, std::span<const char> bundle) {
-  if (bundle.size() < kWord * kParts) {
-    return std::nullopt;
-  }
+  if (bundle.size() < kWord * kParts) return std::nullopt;
   const std::vector<unsigned int> sizes = UnpackRawCompressionHeader(bundle.data());
   return BundleTable{{{{}, key, sizes[0]}, {{}, key, sizes[1]}}, kWord * kParts};
 }
@@ -82,9 +70,7 @@ std::vector<_Sha1obj> UnpackCalibrationHeader(const char* data) {
 std::vector<unsigned int> UnpackBatchHeader(unsigned int count, const char* data) {
   std::vector<unsigned int> values;
   values.reserve(count);
-  for (; values.size() < count; data += kelva::kWord) {
-    values.push_back(kelva::LoadU32(data));
-  }
+  for (; values.size() < count; data += kelva::kWord) values.push_back(kelva::LoadU32(data));
   return values;
 }
 

@@ -9,12 +9,8 @@
 
 boost::shared_ptr<Camera> Camera::GetCamera(const char* serialNumber, std::string text, bool first, bool second) {
   for (const boost::shared_ptr<Camera>& camera : EnumerateCameras(true, std::move(text), first, second)) {
-    if (camera == nullptr) {
-      kelva::FailAssertion("camera != nullptr", __func__);
-    }
-    if (camera->CompareSn(serialNumber)) {
-      return camera;
-    }
+    if (camera == nullptr) kelva::FailAssertion("camera != nullptr", __func__);
+    if (camera->CompareSn(serialNumber)) return camera;
   }
   kelva::ReportProtocolError("Camera not found.");
   return {};

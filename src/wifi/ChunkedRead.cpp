@@ -24,25 +24,15 @@ bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, C
   for (std::uint32_t offset = 0;;) {
     read.progress.BeforeChunk(offset);
     const int asked = chunkSize;
-    if (asked <= 0) {
-      return false;
-    }
+    if (asked <= 0) return false;
     const auto capacity = static_cast<std::uint32_t>(asked);
-    if (buffer.size() < capacity) {
-      buffer.resize(capacity);
-    }
+    if (buffer.size() < capacity) buffer.resize(capacity);
     StoreU32(cdb.bytes + at::kReadOffset, offset);
     int moved = asked;
-    if (!camera.Transfer(cdb, kFromCamera, moved, buffer.data(), read.flag)) {
-      return false;
-    }
+    if (!camera.Transfer(cdb, kFromCamera, moved, buffer.data(), read.flag)) return false;
     sink.Append({buffer.data(), BytesArrived(moved, capacity)});
-    if (moved != asked) {
-      return true;
-    }
-    if (offset > std::numeric_limits<std::uint32_t>::max() - capacity) {
-      return false;
-    }
+    if (moved != asked) return true;
+    if (offset > std::numeric_limits<std::uint32_t>::max() - capacity) return false;
     offset += capacity;
   }
 }

@@ -21,9 +21,7 @@ void WriteChunks(Camera& camera, const int& chunkSize, const ChunkedWrite& write
   for (int offset = 0; offset < write.length;) {
     ReportWriteProgress(write, offset);
     const int chunk = std::min(write.length - offset, chunkSize);
-    if (chunk <= 0) {
-      return;
-    }
+    if (chunk <= 0) return;
     StoreU32(cdb.bytes + at::kWriteOffset, static_cast<std::uint32_t>(offset));
     SendBytes(camera, cdb, write.data + offset, chunk, true);
     offset += chunk;

@@ -31,9 +31,7 @@ bool SendBytes(Camera& camera, const _VscCdb& cdb, const char* bytes, int size, 
 }
 
 bool SendText(Camera& camera, const _VscCdb& cdb, const char* text, std::size_t length, bool flag) {
-  if (length >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-    return false;
-  }
+  if (length >= static_cast<std::size_t>(std::numeric_limits<int>::max())) return false;
   return SendBytes(camera, cdb, text, static_cast<int>(length) + 1, flag);
 }
 
@@ -49,9 +47,7 @@ int ReadAnswer(Camera& camera, const _VscCdb& cdb, void* answer, int expected, b
 bool AskSelectedSize(Camera& camera, bool flag, std::uint32_t& size) {
   char answer[4] = {};
   int moved = sizeof(answer);
-  if (!camera.Transfer(Block(Operation::kQuery, query::kSelectedSize), kFromCamera, moved, answer, flag)) {
-    return false;
-  }
+  if (!camera.Transfer(Block(Operation::kQuery, query::kSelectedSize), kFromCamera, moved, answer, flag)) return false;
   size = LoadU32(answer);
   return true;
 }

@@ -51,9 +51,7 @@ DcfLayout::DcfLayout(const _VscCdbDcfHeader* header) {
   for (int i = 0; i < header->fieldCount; ++i) {
     const DcfField field = DcfFieldAt(header, i);
     const std::uint32_t size = DcfFieldSize(field.type);
-    if (size != 0 && std::int64_t{field.offset} + size <= header->stride) {
-      offsets_[field.type] = field.offset;
-    }
+    if (size != 0 && std::int64_t{field.offset} + size <= header->stride) offsets_[field.type] = field.offset;
   }
 }
 

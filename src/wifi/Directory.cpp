@@ -28,9 +28,7 @@ struct Visit {
 
 std::vector<CameraDirent> Camera::ReadDir(const char* path) {
   ClearCancel(true);
-  if (!kelva::SendText(*this, Block(Operation::kSelect, kelva::select::kDirectory), path, true)) {
-    return {};
-  }
+  if (!kelva::SendText(*this, Block(Operation::kSelect, kelva::select::kDirectory), path, true)) return {};
   kelva::VectorSink sink;
   if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, true, kelva::ReadProgress::None()}, sink)) {
     return {};

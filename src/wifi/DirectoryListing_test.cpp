@@ -31,8 +31,9 @@ std::string ListingOfEndlessNames(int bad) {
   const char count = static_cast<char>(bad + 1);
   const auto names = static_cast<char>(8 + 12 * (bad + 1) - 256);  // where "A" stands: beyond 256, below 512
   std::string answer = Bytes({0, 0, 0, 0}) + count + Bytes({0, 0, 0});
-  for (int i = 0; i < bad; ++i)
+  for (int i = 0; i < bad; ++i) {
     answer += Bytes({0x20, 0, 0, 0, 1, 0, 0, 0}) + static_cast<char>(names + 2) + Bytes({1, 0, 0});
+  }
   answer += Bytes({0x20, 0, 0, 0, 1, 0, 0, 0}) + names + Bytes({1, 0, 0});
   return answer + Bytes({'A', 0}) + std::string(600, 'x');
 }

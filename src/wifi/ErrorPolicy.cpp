@@ -5,15 +5,11 @@
 namespace kelva {
 
 void ReportProtocolError(const std::string& message) {
-  if (Camera::throwExceptions_) {
-    throw CameraError(message);
-  }
+  if (Camera::throwExceptions_) throw CameraError(message);
 }
 
 void ReportProtocolError() {
-  if (Camera::throwExceptions_) {
-    throw CameraError();
-  }
+  if (Camera::throwExceptions_) throw CameraError();
 }
 
 }  // namespace kelva

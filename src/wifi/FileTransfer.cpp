@@ -10,9 +10,7 @@ using kelva::Block;
 using kelva::Operation;
 
 std::vector<char> Camera::ReadFile(const char* path, void (*progress)(void*, float), void* context, bool flag) {
-  if (!IsOpen()) {
-    return {};
-  }
+  if (!IsOpen()) return {};
   ClearCancel(flag);
   std::uint32_t fileSize = 0;
   if (!kelva::SendText(*this, Block(Operation::kSelect, kelva::select::kFile), path, flag) ||
@@ -21,12 +19,8 @@ std::vector<char> Camera::ReadFile(const char* path, void (*progress)(void*, flo
   }
   kelva::VectorSink sink(fileSize);
   const auto report = kelva::ReadProgress::AtIntervals(progress, context, progressInterval_, fileSize);
-  if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, flag, report}, sink)) {
-    return {};
-  }
-  if (!kelva::ReconcileSize(sink.Received(), fileSize, __func__)) {
-    return {};
-  }
+  if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, flag, report}, sink)) return {};
+  if (!kelva::ReconcileSize(sink.Received(), fileSize, __func__)) return {};
   return sink.Take();
 }
 

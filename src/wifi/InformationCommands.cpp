@@ -43,9 +43,7 @@ bool Camera::CameraInformation(_VscCdbCameraInformation& info) {
     return false;
   }
   const auto fileSize = static_cast<std::int32_t>(announced);
-  if (size > fileSize && (size - 1) != fileSize) {
-    kelva::FailAssertion("(size - 1) == fileSize", __func__);
-  }
+  if (size > fileSize && (size - 1) != fileSize) kelva::FailAssertion("(size - 1) == fileSize", __func__);
   std::memcpy(&info, buffer.data(), sizeof(info));
   return true;
 }
@@ -56,12 +54,8 @@ std::string Camera::ConsoleLog(bool& more) {
   int size = chunkSize_;
   Transfer(Block(Operation::kQuery, kelva::query::kConsoleLog), kelva::kFromCamera, size, buffer.data(), true);
   // The version is looked at first, even before the size.
-  if (kelva::LoadI32(buffer.data()) != kConsoleVersion) {
-    return FailConsoleLog("ConsoleLog() version incorrect.", more);
-  }
-  if (size < kConsoleHeader) {
-    return FailConsoleLog("ConsoleLog() return size incorrect.", more);
-  }
+  if (kelva::LoadI32(buffer.data()) != kConsoleVersion) return FailConsoleLog("ConsoleLog() version incorrect.", more);
+  if (size < kConsoleHeader) return FailConsoleLog("ConsoleLog() return size incorrect.", more);
   more = kelva::LoadU32(buffer.data() + 4) != 0;
   return {buffer.data() + kConsoleHeader, buffer.data() + kelva::BytesArrived(size, buffer.size())};
 }

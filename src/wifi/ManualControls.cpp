@@ -32,9 +32,7 @@ _ManualControlsState Decode(const char (&wire)[kWireSize]) {
 }  // namespace
 
 bool Camera::GetManualControlsState(_ManualControlsState& state) {
-  if (!IsOpen()) {
-    return false;
-  }
+  if (!IsOpen()) return false;
   ClearCancel(true);
   std::vector<char> buffer(static_cast<std::size_t>(std::max(chunkSize_, kAskedSize)));
   int size = kAskedSize;
@@ -45,17 +43,13 @@ bool Camera::GetManualControlsState(_ManualControlsState& state) {
   char wire[kWireSize] = {};
   std::memcpy(wire, buffer.data(), kelva::BytesArrived(size, kWireSize));
   state = Decode(wire);
-  if (size >= kWireSize) {
-    return true;
-  }
+  if (size >= kWireSize) return true;
   kelva::ReportProtocolError("GetManualControlsState() unexpected response length");
   return false;
 }
 
 bool Camera::SetManualControl(int control, std::string value) {
-  if (!IsOpen() || value.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-    return false;
-  }
+  if (!IsOpen() || value.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max())) return false;
   ClearCancel(true);
   _VscCdb cdb = Block(Operation::kAction, kelva::action::kManualControl);
   cdb.bytes[kelva::at::kParameter] = static_cast<unsigned char>(control);

@@ -39,16 +39,12 @@ const FileType* FindFileType(int type) {
 }
 
 std::vector<DcfObj> DecodeRecords(const _VscCdbDcfHeader* header, const char* records, std::size_t size) {
-  if (header->stride == 0) {
-    return {};
-  }
+  if (header->stride == 0) return {};
   const kelva::DcfLayout layout(header);
   const auto stride = static_cast<std::size_t>(header->stride);
   std::vector<DcfObj> pictures;
   pictures.reserve(std::min(size / stride, kelva::kLargestReservation / sizeof(DcfObj)));
-  for (; size >= stride; records += stride, size -= stride) {
-    pictures.push_back(layout.Decode(records));
-  }
+  for (; size >= stride; records += stride, size -= stride) pictures.push_back(layout.Decode(records));
   return pictures;
 }
 
@@ -59,9 +55,7 @@ std::vector<DcfObj> DecodeCatalogue(const std::vector<char>& answer) {
     kelva::ReportProtocolError("DcfHeader truncated.");
     return {};
   }
-  if (!Camera::ValidateDcfHeader(header)) {
-    return {};
-  }
+  if (!Camera::ValidateDcfHeader(header)) return {};
   const auto start = static_cast<std::size_t>(headerSize);
   return DecodeRecords(header, answer.data() + start, answer.size() - start);
 }
@@ -69,13 +63,9 @@ std::vector<DcfObj> DecodeCatalogue(const std::vector<char>& answer) {
 }  // namespace
 
 std::vector<DcfObj> Camera::GetDcf() {
-  if (!IsOpen()) {
-    return {};
-  }
+  if (!IsOpen()) return {};
   ClearCancel(true);
-  if (!kelva::SendCommand(*this, Block(Operation::kSelect, kelva::select::kCatalogue), true)) {
-    return {};
-  }
+  if (!kelva::SendCommand(*this, Block(Operation::kSelect, kelva::select::kCatalogue), true)) return {};
   kelva::VectorSink sink;
   if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, true, kelva::ReadProgress::None()}, sink)) {
     return {};
@@ -110,9 +100,7 @@ DcfObj Camera::UnpackDcf(const _VscCdbDcfHeader* header, const char* record) {
 
 std::string Camera::DcfFilename(const DcfObj& obj, int type) {
   const FileType* fileType = FindFileType(type);
-  if (fileType == nullptr) {
-    kelva::ReportProtocolError("Unknown filetype.");
-  }
+  if (fileType == nullptr) kelva::ReportProtocolError("Unknown filetype.");
   char name[kPathCapacity];
   std::snprintf(name, sizeof(name), "%.*s%04d.%s", kNameFieldWidth, obj.filePrefix, obj.fileNumber,
                 fileType != nullptr ? fileType->extension : "INVALID");

@@ -6,9 +6,7 @@
 namespace kelva {
 
 bool ReconcileSize(std::uint64_t received, std::uint32_t announced, const char* function) {
-  if (received > announced && received - 1 != announced) {
-    FailAssertion("data.size() - 1 == fileSize", function);
-  }
+  if (received > announced && received - 1 != announced) FailAssertion("data.size() - 1 == fileSize", function);
   if (received < announced) {
     ReportProtocolError("ReadFile() truncated.");
     return false;

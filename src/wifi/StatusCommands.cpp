@@ -15,9 +15,7 @@ using kelva::Operation;
 namespace {
 
 bool SendMonitorText(Camera& camera, std::uint8_t subCode, const char* text) {
-  if (!camera.IsOpen()) {
-    return false;
-  }
+  if (!camera.IsOpen()) return false;
   camera.ClearCancel(true);
   try {
     return kelva::SendText(camera, Block(Operation::kAction, subCode), text, true);
@@ -45,9 +43,7 @@ bool SendAction(Camera& camera, std::uint8_t subCode, bool flag) {
 }  // namespace
 
 bool Camera::IsReady() {
-  if (!IsOpen()) {
-    return false;
-  }
+  if (!IsOpen()) return false;
   ClearCancel(true);
   char answer[4] = {};
   int size = sizeof(answer);

@@ -66,8 +66,9 @@ TEST(Upgrade, ComputesTheFractionInSinglePrecision) {
   const std::string image = Pattern(48);
   ScriptedCamera camera(16, 16);
   camera.Expect({0xC1, 0x00, 48});
-  for (const int offset : {0, 16, 32})
+  for (const int offset : {0, 16, 32}) {
     camera.Expect({0xC5, 0x00, offset}).Sends(image.substr(static_cast<std::size_t>(offset), 16));
+  }
   camera.Expect({0xC0, 0x00, 0x02});
   Progress progress;
   camera.Upgrade(image.data(), 48, Progress::Report, &progress);

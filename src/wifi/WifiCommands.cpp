@@ -47,28 +47,20 @@ bool SendSetting(Camera& camera, std::optional<std::uint8_t> subCode, const std:
 
 bool Camera::SetWifiSSID(_VscWifiType type, std::string name) {
   const std::string fullName = kNamePrefix + name;
-  if (!IsOpen() || fullName.size() > kLongestName) {
-    return false;
-  }
+  if (!IsOpen() || fullName.size() > kLongestName) return false;
   return SendSetting(*this, SubCodeFor(type, kelva::action::kWifiNameType0, kelva::action::kWifiNameType1), fullName);
 }
 
 bool Camera::SetWifiPassphrase(_VscWifiType type, std::string passphrase) {
-  if (!IsOpen() || passphrase.size() < kShortestPassphrase || passphrase.size() > kLongestPassphrase) {
-    return false;
-  }
+  if (!IsOpen() || passphrase.size() < kShortestPassphrase || passphrase.size() > kLongestPassphrase) return false;
   return SendSetting(*this, SubCodeFor(type, kelva::action::kWifiPassphraseType0, kelva::action::kWifiPassphraseType1),
                      passphrase);
 }
 
 bool Camera::SetWifiAuthType(_VscWifiType type, _VscWifiAuthType auth) {
-  if (!IsOpen() || type != kVscWifiType1) {
-    return false;
-  }
+  if (!IsOpen() || type != kVscWifiType1) return false;
   std::optional<std::string> text = AuthText(auth);
-  if (!text) {
-    return false;
-  }
+  if (!text) return false;
   ClearCancel(true);
   // A size and a buffer with no data phase: the camera is told that the command came, and the text stays here.
   int size = static_cast<int>(text->size()) + 1;

@@ -56,9 +56,10 @@ Bytes BufferWith(const Row& row, const Bytes& data) {
 
 /// Without the bytes that depend on the moment.
 Bytes Steady(const Row& row, Bytes buffer) {
-  if (row.steady != 0)
+  if (row.steady != 0) {
     std::fill(buffer.begin() + static_cast<std::ptrdiff_t>(row.steady),
               buffer.begin() + static_cast<std::ptrdiff_t>(row.command.asked), kUntouched);
+  }
   return buffer;
 }
 
@@ -84,7 +85,9 @@ class EveryFault : public testing::TestWithParam<std::tuple<NamedDoor, FaultKind
     door_.Plug(card.CameraOptions(kSerial));
     const boost::shared_ptr<Camera> camera = Camera::GetCamera(kSerial, "", false, false);
     ASSERT_TRUE(camera->Open()) << row.name;
-    for (const Exchange& before : row.before) ASSERT_EQ(Send(*camera, before).error, "") << row.name;
+    for (const Exchange& before : row.before) {
+      ASSERT_EQ(Send(*camera, before).error, "") << row.name;
+    }
     door_.Arm(FaultOf(Kind()));
     if (Kind() == FaultKind::kHang) door_.GrowImpatient();
     const auto begin = std::chrono::steady_clock::now();

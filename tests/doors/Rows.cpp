@@ -196,8 +196,9 @@ std::vector<Row> AllRows() {
            Asking("upgrade status", {0xC6, 0, 0x01}, 12, Bytes(12)), Asking("ready", {0xC6, 0, 0x04}, 4, {1, 0, 0, 0}),
            Asking("done count", {0xC6, 0, 0x05}, 4, {0, 0, 0, 0}),
            Asking("battery", {0xC6, 0, 0x06}, 4, {0, 0, 0xC8, 0x42}),
-           Asking("manual controls", {0xC6, 0, 0x07}, 40, kControls)})
+           Asking("manual controls", {0xC6, 0, 0x07}, 40, kControls)}) {
     rows.push_back(std::move(row));
+  }
   return rows;
 }
 

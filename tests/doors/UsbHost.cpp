@@ -131,8 +131,9 @@ UsbHost::Status UsbHost::ReadStatus() {
   if (urb.status == kStalled) urb = SubmitAndClear(transfer);
   constexpr std::uint8_t kDisagreement = 2;
   if (urb.status != 0 || urb.data.size() != kStatusSize) return {0, kDisagreement};
-  if (!std::equal(urb.data.begin(), urb.data.begin() + 4, "USBS") || Little(urb.data, 4) != tag_)
+  if (!std::equal(urb.data.begin(), urb.data.begin() + 4, "USBS") || Little(urb.data, 4) != tag_) {
     return {0, kDisagreement};
+  }
   return {Little(urb.data, 8), urb.data[12]};
 }
 
@@ -168,8 +169,9 @@ UsbHost::Urb UsbHost::Submit(const Transfer& transfer) {
   PutBig(message, 24, transfer.length);
   std::copy(transfer.setup.begin(), transfer.setup.end(), message.begin() + 40);
   message.insert(message.end(), transfer.data.begin(), transfer.data.end());
-  if (::send(socket_.Get(), message.data(), message.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(message.size()))
+  if (::send(socket_.Get(), message.data(), message.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(message.size())) {
     throw Ended{wire::Transport::kGone};
+  }
   const Bytes answer = Receive(kHeader);
   Urb urb{static_cast<std::int32_t>(Big(answer, 20)), Big(answer, 24), {}};
   if (transfer.in) urb.data = Receive(std::min(urb.actual, transfer.length));
@@ -182,8 +184,9 @@ Bytes UsbHost::Receive(std::size_t size) {
     const auto left =
         std::chrono::ceil<std::chrono::milliseconds>(deadline_ - std::chrono::steady_clock::now()).count();
     pollfd readable{socket_.Get(), POLLIN, 0};
-    if (::poll(&readable, 1, static_cast<int>(std::max<std::int64_t>(left, 0))) <= 0)
+    if (::poll(&readable, 1, static_cast<int>(std::max<std::int64_t>(left, 0))) <= 0) {
       throw Ended{wire::Transport::kHang};
+    }
     const ssize_t count = ::recv(socket_.Get(), bytes.data() + have, size - have, 0);
     if (count <= 0) throw Ended{wire::Transport::kGone};
     have += static_cast<std::size_t>(count);

@@ -45,13 +45,9 @@ void AddLine(std::vector<Step>& steps, const std::string& line) {
   }
   Step& step = steps.back();
   step.direction = kind == "none" ? 0 : kind == "out" ? 1 : 2;
-  if (step.direction != 1) {
-    words >> step.size;
-  }
+  if (step.direction != 1) words >> step.size;
   step.data = Bytes(words);
-  if (step.direction == 1) {
-    step.size = static_cast<int>(step.data.size());
-  }
+  if (step.direction == 1) step.size = static_cast<int>(step.data.size());
 }
 
 /// Takes a line that is a record of the kernel's driver; false for any other.
@@ -59,29 +55,21 @@ bool AddRecord(std::map<std::string, std::string>& records, const std::string& l
   std::istringstream words(line);
   std::string kind;
   words >> kind;
-  if (kind != "request" && kind != "result") {
-    return false;
-  }
-  if (!records.emplace(kind, Bytes(words)).second) {
-    throw std::runtime_error("a second record: " + line);
-  }
+  if (kind != "request" && kind != "result") return false;
+  if (!records.emplace(kind, Bytes(words)).second) throw std::runtime_error("a second record: " + line);
   return true;
 }
 
 Row Cells(const std::string& line) {
   Row row;
   std::istringstream cells(line.substr(1));
-  for (std::string cell; std::getline(cells, cell, '|');) {
-    row.push_back(Plain(cell));
-  }
+  for (std::string cell; std::getline(cells, cell, '|');) row.push_back(Plain(cell));
   return row;
 }
 
 std::vector<Row>& NewTable(std::map<std::string, std::vector<Row>>& tables, const std::string& heading) {
   const auto [table, isNew] = tables.emplace(heading, std::vector<Row>{});
-  if (!isNew) {
-    throw std::runtime_error("two tables begin with the heading " + heading);
-  }
+  if (!isNew) throw std::runtime_error("two tables begin with the heading " + heading);
   return table->second;
 }
 
@@ -89,9 +77,7 @@ std::vector<Row>& NewTable(std::map<std::string, std::vector<Row>>& tables, cons
 
 Document ReadDocument() {
   std::ifstream file(KELVA_PROTOCOL_DOCUMENT);
-  if (!file) {
-    throw std::runtime_error("cannot read " KELVA_PROTOCOL_DOCUMENT);
-  }
+  if (!file) throw std::runtime_error("cannot read " KELVA_PROTOCOL_DOCUMENT);
   Document document;
   std::string example;
   std::vector<Row>* table = nullptr;
@@ -101,9 +87,7 @@ Document ReadDocument() {
     } else if (line == kFence) {
       example.clear();
     } else if (!example.empty()) {
-      if (!AddRecord(document.records, line)) {
-        AddLine(document.examples[example], line);
-      }
+      if (!AddRecord(document.records, line)) AddLine(document.examples[example], line);
     } else if (line.rfind("|---", 0) == 0) {
       continue;
     } else if (line.rfind('|', 0) == 0 && table == nullptr) {

@@ -152,9 +152,7 @@ bool Sends(const std::vector<Step>& example, const Row& row) {
 const std::vector<Step>* ExampleOf(const Document& document, const std::string& operation) {
   for (const std::string& name : {operation, operation.substr(0, operation.find(','))}) {
     const auto example = document.examples.find(name);
-    if (example != document.examples.end()) {
-      return &example->second;
-    }
+    if (example != document.examples.end()) return &example->second;
   }
   return nullptr;
 }

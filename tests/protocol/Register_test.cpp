@@ -112,14 +112,10 @@ TEST(ProtocolRegister, NamesEveryOperationAndSubCodeOfTheCode) {
 
 TEST(ProtocolRegister, HasEveryOperationOfTheHeader) {
   std::set<int> documented;
-  for (const auto& [code, name] : Documented()) {
-    documented.insert(code.first);
-  }
+  for (const auto& [code, name] : Documented()) documented.insert(code.first);
   const auto constants = ConstantsOfTheHeader();
   std::set<int> operations;
-  for (const auto& [name, value] : constants.at("Operation")) {
-    operations.insert(value);
-  }
+  for (const auto& [name, value] : constants.at("Operation")) operations.insert(value);
   EXPECT_EQ(documented, operations);
 }
 
@@ -133,14 +129,10 @@ TEST(ProtocolRegister, HasEverySubCodeOfTheHeader) {
                                                {"select", kelva::Operation::kSelect},
                                                {"read_chunk", kelva::Operation::kReadChunk},
                                                {"query", kelva::Operation::kQuery}}) {
-    for (const auto& [name, value] : constants[scope]) {
-      codes.insert(Of(operation, value));
-    }
+    for (const auto& [name, value] : constants[scope]) codes.insert(Of(operation, value));
   }
   std::set<Code> documented;
-  for (const auto& [code, name] : Documented()) {
-    documented.insert(code);
-  }
+  for (const auto& [code, name] : Documented()) documented.insert(code);
   EXPECT_EQ(documented, codes);
 }
 

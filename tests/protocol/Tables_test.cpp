@@ -61,9 +61,7 @@ std::string Filled(int type) {
 /// An answer whose every 32-bit number is its own offset: what is read from it tells where it was read.
 std::array<std::int32_t, 16> OwnOffsets() {
   std::array<std::int32_t, 16> words{};
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    words[i] = static_cast<std::int32_t>(i * 4);
-  }
+  for (std::size_t i = 0; i < words.size(); ++i) words[i] = static_cast<std::int32_t>(i * 4);
   return words;
 }
 
@@ -84,9 +82,7 @@ TEST(ProtocolTables, GiveThePlacesInTheCommandBlock) {
 TEST(ProtocolTables, GiveTheSizesOfTheRecords) {
   std::map<std::string, int> documented;
   const Document document = ReadDocument();
-  for (const Row& row : document.tables.at("record")) {
-    documented[row[0]] = std::stoi(row[1]);
-  }
+  for (const Row& row : document.tables.at("record")) documented[row[0]] = std::stoi(row[1]);
   const std::map<std::string, int> expected = {{"_VscCdb", sizeof(_VscCdb)},
                                                {"_VscCdbTime", sizeof(_VscCdbTime)},
                                                {"_VscCdbCameraInformation", sizeof(_VscCdbCameraInformation)},

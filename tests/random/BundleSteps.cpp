@@ -11,8 +11,9 @@ using Named = std::vector<std::pair<std::string, std::string>>;
 
 Named NamesAndBytes(const std::vector<_Sha1obj>& objects) {
   Named named;
-  for (const _Sha1obj& object : objects)
+  for (const _Sha1obj& object : objects) {
     named.emplace_back(object.name, std::string(object.data.begin(), object.data.end()));
+  }
   return named;
 }
 
@@ -34,8 +35,9 @@ void Session::ReadCrashLogs() {
   const bool deleteThem = OnceIn(random_, 2);
   ExpectBundle(camera_.ReadCrashLogs(nullptr, nullptr, deleteThem, true), "CRASH", true, 1000);
   if (!deleteThem) return;
-  for (const auto& [name, size] : tree_.Children("CRASH"))
+  for (const auto& [name, size] : tree_.Children("CRASH")) {
     if (size.value_or(0) != 0) tree_.files.erase("CRASH/" + name);
+  }
 }
 
 void Session::ReadCalibration() {
@@ -71,8 +73,9 @@ void Session::ReadCompressedRaw() {
   Named expected;
   if (raw != nullptr) {
     const std::size_t half = (raw->size() + 1) / 2;
-    for (const std::string& part : {raw->substr(0, half), raw->substr(half)})
+    for (const std::string& part : {raw->substr(0, half), raw->substr(half)}) {
       if (!part.empty()) expected.emplace_back(key, part);
+    }
   }
   EXPECT_EQ(NamesAndBytes(camera_.ReadCompressedRaw(key, nullptr, nullptr, true)), expected);
 }

@@ -16,8 +16,9 @@ bool DirectCamera::Transfer(const _VscCdb& cdb, int direction, int& size, char* 
   std::copy(std::begin(cdb.bytes), std::end(cdb.bytes), command.cdb.begin());
   command.direction = DirectionOf(direction);
   command.length = static_cast<std::uint32_t>(size);
-  if (command.direction == wire::Direction::kToCamera)
+  if (command.direction == wire::Direction::kToCamera) {
     command.data = {reinterpret_cast<const std::uint8_t*>(buffer), command.length};
+  }
   const wire::Reply reply = device_.Execute(command);
   if (!reply.Good()) return false;
   std::copy(reply.data.begin(), reply.data.end(), buffer);

@@ -45,8 +45,9 @@ void Session::ReadAFile() {
 }
 
 void Session::ReadAMissingFile() {
-  for (const char* path : {R"(I:\DCIM\no such file)", R"(I:\..\etc\passwd)", "", R"(A:\x)"})
+  for (const char* path : {R"(I:\DCIM\no such file)", R"(I:\..\etc\passwd)", "", R"(A:\x)"}) {
     EXPECT_TRUE(camera_.ReadFile(path, nullptr, nullptr, true).empty());
+  }
 }
 
 void Session::WriteAFile() {
@@ -126,8 +127,9 @@ void Session::ListADirectory() {
   const std::string directory = AnyDirectory();
   std::vector<std::pair<std::string, int>> expected{{".", 0}, {"..", 0}};
   if (directory.empty()) expected.emplace_back("KELVA", 0);
-  for (const auto& [name, size] : tree_.Children(directory))
+  for (const auto& [name, size] : tree_.Children(directory)) {
     expected.emplace_back(name, static_cast<int>(size.value_or(0)));
+  }
   std::vector<std::pair<std::string, int>> got;
   for (const CameraDirent& entry : camera_.ReadDir(OnCamera(directory).c_str())) {
     got.emplace_back(entry.name, entry.size);

@@ -35,8 +35,9 @@ void Session::Run(std::size_t commands) {
       &Session::ReadTheCatalogue, &Session::ReadAPicture,     &Session::DeleteAPicture,   &Session::CaptureAPicture,
       &Session::ListADirectory,   &Session::WalkADirectory,   &Session::ReadCrashLogs,    &Session::ReadCalibration,
       &Session::ReadABatch,       &Session::DeleteABatch,     &Session::ReadCompressedRaw};
-  for (std::size_t i = 0; i < commands && !testing::Test::HasFailure(); ++i)
+  for (std::size_t i = 0; i < commands && !testing::Test::HasFailure(); ++i) {
     (this->*kSteps[Between(random_, 0, kSteps.size() - 1)])();
+  }
   EXPECT_EQ(Tree::ReadBack(scratch_.path()), tree_.files);
 }
 
@@ -59,24 +60,28 @@ std::string Session::AnyDirectory() {
 
 std::string Session::AnyKey() {
   std::vector<const std::string*> contents;
-  for (const auto& [path, content] : tree_.files)
+  for (const auto& [path, content] : tree_.files) {
     if (IsBelowDcim(path)) contents.push_back(&content);
+  }
   if (contents.empty() || OnceIn(random_, 5)) return KeyOf("no file has these bytes");
   return KeyOf(*contents[Between(random_, 0, contents.size() - 1)]);
 }
 
 std::string Session::FirstWithKey(const std::string& key) const {
-  for (const auto& [path, content] : tree_.files)
+  for (const auto& [path, content] : tree_.files) {
     if (IsBelowDcim(path) && KeyOf(content) == key) return path;
+  }
   return {};
 }
 
 std::vector<PictureName> Session::CataloguedPictures() const {
   std::vector<PictureName> pictures;
-  for (const PictureName& picture : tree_.pictures)
+  for (const PictureName& picture : tree_.pictures) {
     if (std::any_of(kExtensions.begin(), kExtensions.end(),
-                    [&](const std::string& extension) { return Content(picture.File(extension)) != nullptr; }))
+                    [&](const std::string& extension) { return Content(picture.File(extension)) != nullptr; })) {
       pictures.push_back(picture);
+    }
+  }
   std::sort(pictures.begin(), pictures.end(), [](const PictureName& a, const PictureName& b) {
     return std::pair(a.Directory(), a.File("")) < std::pair(b.Directory(), b.File(""));
   });
@@ -84,9 +89,11 @@ std::vector<PictureName> Session::CataloguedPictures() const {
 }
 
 const std::string* Session::Sibling(const std::string& path, const std::string& extension) const {
-  for (const PictureName& picture : tree_.pictures)
-    for (const std::string& own : kExtensions)
+  for (const PictureName& picture : tree_.pictures) {
+    for (const std::string& own : kExtensions) {
       if (picture.File(own) == path) return Content(picture.File(extension));
+    }
+  }
   return nullptr;
 }
 

@@ -43,8 +43,9 @@ std::string PictureName::File(const std::string& extension) const {
 
 std::string Tree::RandomContent(Random& random) const {
   std::size_t size = Between(random, 0, 200);
-  if (OnceIn(random, chunkSize_ > 10'000 ? 8 : 2))
+  if (OnceIn(random, chunkSize_ > 10'000 ? 8 : 2)) {
     size = Between(random, 1, 3) * chunkSize_ + Between(random, 0, 2) - 1;
+  }
   if (OnceIn(random, 8)) size = Between(random, 0, 4);
   std::string content(size, '\0');
   for (char& c : content) c = static_cast<char>(random());
@@ -52,8 +53,9 @@ std::string Tree::RandomContent(Random& random) const {
 }
 
 void Tree::Put(const std::string& path, std::string content) {
-  for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', end + 1))
+  for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', end + 1)) {
     directories.insert(path.substr(0, end));
+  }
   files[path] = std::move(content);
 }
 
@@ -73,8 +75,9 @@ void Tree::GrowPictures(Random& random) {
     if (OnceIn(random, 4)) picture.prefix = RandomText(random, Between(random, 0, 7), kLetters);
     if (!taken.insert(picture.File("")).second) continue;
     const std::size_t present = Between(random, 1, 15);
-    for (std::size_t type = 0; type < kExtensions.size(); ++type)
+    for (std::size_t type = 0; type < kExtensions.size(); ++type) {
       if ((present >> type & 1) != 0) Put(picture.File(kExtensions[type]), RandomContent(random));
+    }
     pictures.push_back(picture);
   }
 }
@@ -85,10 +88,12 @@ void Tree::GrowOthers(Random& random) {
     for (std::size_t depth = Between(random, 0, 3); depth > 0; --depth) path += "/D" + RandomText(random, 3, kLetters);
     Put(path + "/F" + RandomText(random, Between(random, 1, 12), kLetters) + "x", RandomContent(random));
   }
-  for (std::size_t count = Between(random, 0, 3); count > 0; --count)
+  for (std::size_t count = Between(random, 0, 3); count > 0; --count) {
     Put("CRASH/" + RandomText(random, Between(random, 1, 17), kLetters) + "x", RandomContent(random));
-  for (std::size_t count = Between(random, 0, OnceIn(random, 20) ? 40 : 4); count > 0; --count)
+  }
+  for (std::size_t count = Between(random, 0, OnceIn(random, 20) ? 40 : 4); count > 0; --count) {
     Put("CALIB/" + RandomText(random, Between(random, 1, 30), kLetters) + "x", RandomContent(random));
+  }
 }
 
 void Tree::WriteTo(const std::filesystem::path& folder) const {
@@ -113,10 +118,12 @@ std::map<std::string, std::optional<std::size_t>> Tree::Children(const std::stri
     return path.size() > start.size() && path.rfind(start, 0) == 0 && path.find('/', start.size()) == std::string::npos;
   };
   std::map<std::string, std::optional<std::size_t>> children;
-  for (const std::string& path : directories)
+  for (const std::string& path : directories) {
     if (isChild(path)) children[path.substr(start.size())] = std::nullopt;
-  for (const auto& [path, content] : files)
+  }
+  for (const auto& [path, content] : files) {
     if (isChild(path)) children[path.substr(start.size())] = content.size();
+  }
   return children;
 }
 

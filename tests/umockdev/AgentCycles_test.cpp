@@ -24,9 +24,7 @@ class AgentCyclesTest : public testing::Test {
  protected:
   // Plugs a camera into each port, waits for that many launches, and unplugs them all. Returns the launches missed.
   int Round() {
-    for (int port = 0; port < kPorts; ++port) {
-      machine_.Plug({.serial = "C" + std::to_string(++cameras_), .port = port});
-    }
+    for (int port = 0; port < kPorts; ++port) machine_.Plug({.serial = "C" + std::to_string(++cameras_), .port = port});
     int missed = 0;
     for (int port = 0; port < kPorts; ++port) missed += agent_.AwaitLaunch(kPatienceMs) ? 0 : 1;
     for (int port = 0; port < kPorts; ++port) machine_.Unplug(port);
@@ -40,7 +38,9 @@ class AgentCyclesTest : public testing::Test {
 
 TEST_F(AgentCyclesTest, EveryPlugLaunchesOnceAndNothingIsLeft) {
   ASSERT_TRUE(agent_.AwaitListening(machine_));
-  while (cameras_ < kWarmUp) ASSERT_EQ(Round(), 0);
+  while (cameras_ < kWarmUp) {
+    ASSERT_EQ(Round(), 0);
+  }
   const auto descriptors = agent_.OpenDescriptors();
   const long before = agent_.MemoryKib("Rss");
   const int end = cameras_ + WantedCycles();
@@ -73,7 +73,9 @@ TEST_F(AgentCyclesTest, ABurstOfCamerasLaunchesOncePerCamera) {
   ASSERT_TRUE(agent_.AwaitListening(machine_));
   ASSERT_TRUE(agent_.AwaitLaunch(0) == std::nullopt);
   for (int port = 0; port < kPorts; ++port) machine_.Plug({.serial = "B" + std::to_string(port), .port = port});
-  for (int port = 0; port < kPorts; ++port) EXPECT_TRUE(agent_.AwaitLaunch(kPatienceMs)) << port;
+  for (int port = 0; port < kPorts; ++port) {
+    EXPECT_TRUE(agent_.AwaitLaunch(kPatienceMs)) << port;
+  }
   EXPECT_FALSE(agent_.AwaitLaunch(kQuietMs));
 }
 

@@ -57,7 +57,9 @@ TEST(SignalStormTest, EveryOfTenThousandCommandsReachesTheCameraOnce) {
   const auto before = door->Commands();
   {
     SignalStorm storm;
-    for (int i = 0; i < kCommands; ++i) ASSERT_TRUE(camera->IsReady());
+    for (int i = 0; i < kCommands; ++i) {
+      ASSERT_TRUE(camera->IsReady());
+    }
   }
   EXPECT_EQ(door->Commands() - before, static_cast<std::uint64_t>(kCommands));
   EXPECT_GT(alarms, kCommands / 20);  // it did storm: a command takes a fraction of a millisecond

@@ -34,8 +34,9 @@ class ToolTest : public testing::Test {
     FILE* pipe = ::popen(command.c_str(), "r");
     Ended ended;
     std::array<char, 4096> part;
-    while (const std::size_t size = std::fread(part.data(), 1, part.size(), pipe))
+    while (const std::size_t size = std::fread(part.data(), 1, part.size(), pipe)) {
       ended.output.append(part.data(), size);
+    }
     const int status = ::pclose(pipe);
     ended.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return ended;

@@ -153,7 +153,9 @@ TEST(Unplug, AThousandInTheMidstOfAnotherThreadsCommandLeaveNothing) {
   const Holdings before;
   {
     darwin::VirtualRegistry registry;
-    for (int i = 0; i < kCycles; ++i) ASSERT_TRUE(UnplugInMidCommand(registry, application)) << i;
+    for (int i = 0; i < kCycles; ++i) {
+      ASSERT_TRUE(UnplugInMidCommand(registry, application)) << i;
+    }
   }
   EXPECT_EQ(application.lost, kCycles);
   EXPECT_TRUE(Holdings() == before);

@@ -57,9 +57,7 @@ std::string PictureName(int number) {
 
 void WriteFile(const std::filesystem::path& path, const std::vector<unsigned char>& bytes) {
   std::ofstream file(path, std::ios::binary);
-  for (unsigned char byte : bytes) {
-    file.put(static_cast<char>(byte));
-  }
+  for (unsigned char byte : bytes) file.put(static_cast<char>(byte));
   file.close();
   if (!file) {
     throw std::runtime_error("Cannot write " + path.string() +

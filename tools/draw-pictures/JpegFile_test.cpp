@@ -19,9 +19,7 @@ class ScratchFolder {
  public:
   ScratchFolder() {
     std::string name = (fs::temp_directory_path() / "draw-pictures.XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-      throw std::runtime_error("no scratch folder");
-    }
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder");
     path_ = name;
   }
   ~ScratchFolder() { fs::remove_all(path_); }

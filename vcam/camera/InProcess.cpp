@@ -27,8 +27,9 @@ class InProcessSession : public bus::CommandSession {
 
   wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
     wire::Reply reply = camera_->Execute(command);
-    if (reply.transport == wire::Transport::kHang || reply.delay > timeout)
+    if (reply.transport == wire::Transport::kHang || reply.delay > timeout) {
       return Ended(camera_->WaitForUnplug(timeout) ? wire::Transport::kGone : wire::Transport::kHang);
+    }
     if (reply.delay.count() > 0 && camera_->WaitForUnplug(reply.delay)) return Ended(wire::Transport::kGone);
     return reply;
   }

@@ -31,8 +31,9 @@ wire::Reply Reboot(Device& device, const wire::Command& command) {
 }
 
 wire::Reply SetTime(Device& device, const wire::Command& command) {
-  if (command.direction != wire::Direction::kToCamera || command.data.size() != kTimeLength)
+  if (command.direction != wire::Direction::kToCamera || command.data.size() != kTimeLength) {
     return Refuse(sense::kWrongDataLength);
+  }
   if (!device.clock.Set(command.data)) return Refuse(sense::kBadParameter);
   device.settings.clockOffsetMs = device.clock.offset().count();
   device.console.Log("clock set");
@@ -100,16 +101,18 @@ wire::Reply DeletePath(Device& device, const wire::Command& command) {
 }
 
 wire::Reply DeletePicture(Device& device, const wire::Command& command) {
-  if (command.direction != wire::Direction::kToCamera || command.data.size() != kIdentityLength)
+  if (command.direction != wire::Direction::kToCamera || command.data.size() != kIdentityLength) {
     return Refuse(sense::kWrongDataLength);
+  }
   const std::string prefix = FixedText(command.data.subspan(offsetof(DcfObj, filePrefix), sizeof(DcfObj::filePrefix)));
   const PictureDirectory directory{
       base::Load<std::int32_t>(command.data, offsetof(DcfObj, directoryNumber)),
       FixedText(command.data.subspan(offsetof(DcfObj, directorySuffix), sizeof(DcfObj::directorySuffix)))};
   const auto number = base::Load<std::int32_t>(command.data, offsetof(DcfObj, fileNumber));
   const Picture place{directory, {}, 0, {}};
-  if (directory.number < 100 || directory.number > 999 || !IsCameraName(place.DirectoryPath().substr(5)))
+  if (directory.number < 100 || directory.number > 999 || !IsCameraName(place.DirectoryPath().substr(5))) {
     return Refuse(sense::kBadParameter);
+  }
   const std::vector<Picture> pictures = FindPicturesIn(device.storage, directory);
   const auto found = std::find_if(pictures.begin(), pictures.end(),
                                   [&](const Picture& picture) { return Matches(picture, prefix, number); });

@@ -27,8 +27,9 @@ TEST(BatchText, MayBeEmpty) {
 
 TEST(BatchText, RefusesEverythingElse) {
   for (const std::string& text : {std::string("k1ak2b"), kFirst.substr(1), kFirst + "a", kFirst + ".", kFirst + ".RA",
-                                  kFirst + ".GIF", kFirst + "\\" + kSecond, std::string(40, 'A'), kFirst + ".RAWx"})
+                                  kFirst + ".GIF", kFirst + "\\" + kSecond, std::string(40, 'A'), kFirst + ".RAWx"}) {
     EXPECT_FALSE(ParseBatchText(text)) << text;
+  }
 }
 
 }  // namespace

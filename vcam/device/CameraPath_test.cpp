@@ -24,13 +24,15 @@ TEST(CameraPath, KeepsCaseAndForeignBytes) {
 }
 
 TEST(CameraPath, RefusesToLeaveTheStorage) {
-  for (const char* path : {R"(I:\..)", R"(I:\DCIM\..\..\etc\passwd)", R"(I:\.)", R"(I:\a/b)", R"(I:\/etc/passwd)"})
+  for (const char* path : {R"(I:\..)", R"(I:\DCIM\..\..\etc\passwd)", R"(I:\.)", R"(I:\a/b)", R"(I:\/etc/passwd)"}) {
     EXPECT_EQ(RelativePath(path), std::nullopt) << path;
+  }
 }
 
 TEST(CameraPath, RefusesOtherDrivesAndRelativePaths) {
-  for (const char* path : {"", "I", R"(A:\DCIM)", "DCIM", R"(\DCIM)", "I:DCIM", "/DCIM"})
+  for (const char* path : {"", "I", R"(A:\DCIM)", "DCIM", R"(\DCIM)", "I:DCIM", "/DCIM"}) {
     EXPECT_EQ(RelativePath(path), std::nullopt) << path;
+  }
 }
 
 TEST(CameraPath, RefusesControlCharactersAndWhatIsTooLong) {

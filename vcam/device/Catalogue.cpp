@@ -106,8 +106,9 @@ base::Bytes PlainRecord(const Picture& picture, const std::string& key) {
   PutText(record, offsetof(DcfObj, filePrefix), sizeof(DcfObj::filePrefix), picture.prefix);
   base::Store(out, offsetof(DcfObj, directoryNumber), picture.directory.number);
   base::Store(out, offsetof(DcfObj, fileNumber), picture.number);
-  for (std::size_t type = 0; type < kPictureExtensions.size(); ++type)
+  for (std::size_t type = 0; type < kPictureExtensions.size(); ++type) {
     base::Store(out, offsetof(DcfObj, hasJpg) + 4 * type, static_cast<std::uint32_t>(picture.files[type].has_value()));
+  }
   PutText(record, offsetof(DcfObj, block7), sizeof(DcfObj::block7), key);
   PutSizesAndTime(record, picture);
   return record;

@@ -33,8 +33,9 @@ wire::Reply WriteToFile(Device& device, std::uint32_t offset, std::span<const st
 }  // namespace
 
 wire::Reply HandleReadChunk(Device& device, const wire::Command& command) {
-  if (!device.selected || device.selected->readSubcode != command.cdb[kelva::at::kSubCode])
+  if (!device.selected || device.selected->readSubcode != command.cdb[kelva::at::kSubCode]) {
     return Refuse(sense::kWrongSequence);
+  }
   if (!MayAnswer(command)) return Refuse(sense::kBadCommandField);
   DataSet& data = device.selected->data;
   const auto offset = base::Load<std::uint32_t>(command.cdb, kelva::at::kReadOffset);
@@ -75,8 +76,9 @@ wire::Reply HandleUpgradeStart(Device& device, const wire::Command& command) {
 wire::Reply HandleUpgradeEnd(Device& device, const wire::Command& command) {
   if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   const bool doomed = std::exchange(device.nextUpgradeFails, false);
-  if (!device.upgrade.Finish(device.options.now(), device.options.upgradeTime, doomed))
+  if (!device.upgrade.Finish(device.options.now(), device.options.upgradeTime, doomed)) {
     return Refuse(sense::kWrongSequence);
+  }
   device.console.Log("upgrade received");
   return Done();
 }

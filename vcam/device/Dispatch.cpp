@@ -41,10 +41,12 @@ wire::Reply DispatchReady(Device& device, const wire::Command& command) {
 wire::Reply Dispatch(Device& device, const wire::Command& command) {
   if (!IsVendorCommand(command)) return Refuse(sense::kUnknownOperation);
   if (command.cdb[1] != 0) return Refuse(sense::kBadCommandField);
-  if (command.direction != wire::Direction::kNone && command.length > wire::kMaxTransferLength)
+  if (command.direction != wire::Direction::kNone && command.length > wire::kMaxTransferLength) {
     return Refuse(sense::kBadCommandField);
-  if (!device.Ready() && !AllowedWhileBusy(command))
+  }
+  if (!device.Ready() && !AllowedWhileBusy(command)) {
     return Refuse(device.upgrade.Writing(device.options.now()) ? sense::kMicrocodeDownload : sense::kBecomingReady);
+  }
   return DispatchReady(device, command);
 }
 

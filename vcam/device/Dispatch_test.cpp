@@ -27,7 +27,9 @@ TEST(Dispatch, AnswersQueriesWhileItBoots) {
   const ScratchStorage scratch;
   VirtualCamera camera(scratch.CameraOptions());
   ASSERT_TRUE(Tell(camera, {0xC0, 0, 0x03}).Good());
-  for (std::uint8_t query = 1; query <= 7; ++query) EXPECT_TRUE(Ask(camera, {0xC6, 0, query}, 40).Good()) << int{query};
+  for (std::uint8_t query = 1; query <= 7; ++query) {
+    EXPECT_TRUE(Ask(camera, {0xC6, 0, query}, 40).Good()) << int{query};
+  }
   EXPECT_EQ(Ask(camera, {0xC6, 0, 0x00}, 4).sense, sense::kBecomingReady);
   EXPECT_EQ(SendText(camera, {0xC0, 0, 0xFF}, "x").sense, sense::kBecomingReady);
 }
@@ -47,7 +49,9 @@ TEST(Dispatch, SurvivesSeededNonsense) {
     command.cdb[0] = static_cast<std::uint8_t>(0xC0 + random() % 7);
     command.cdb[1] = 0;
     command.cdb[2] = static_cast<std::uint8_t>(random() % 16);
-    if (command.cdb[0] == 0xC0 && command.cdb[2] == 0) command.cdb[2] = 1;  // captures only fill the folder
+    if (command.cdb[0] == 0xC0 && command.cdb[2] == 0) {
+      command.cdb[2] = 1;  // captures only fill the folder
+    }
     command.direction = static_cast<wire::Direction>(random() % 3);
     base::Bytes data(random() % 64);
     for (std::uint8_t& byte : data) byte = static_cast<std::uint8_t>(random() % 128);

@@ -80,8 +80,9 @@ void KeyIndex::Refresh(const Storage& storage) {
 std::vector<KeyedFile> KeyIndex::Find(const std::string& key) const {
   std::vector<KeyedFile> files;
   const auto [first, last] = byKey_.equal_range(key);
-  for (auto found = first; found != last; ++found)
+  for (auto found = first; found != last; ++found) {
     files.push_back({found->second, known_.at(found->second).stamp.size});
+  }
   return files;
 }
 

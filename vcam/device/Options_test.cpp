@@ -26,8 +26,9 @@ void ExpectSound(const CatalogueLayout& layout) {
 
 TEST(CatalogueLayout, HoldsEveryFieldOnce) {
   for (const CatalogueLayout& layout : {CatalogueLayout::Standard(), CatalogueLayout::Reordered(),
-                                        CatalogueLayout::UnknownFields(), CatalogueLayout::Wide()})
+                                        CatalogueLayout::UnknownFields(), CatalogueLayout::Wide()}) {
     ExpectSound(layout);
+  }
 }
 
 TEST(CatalogueLayout, VariesInOrderTypesAndStride) {

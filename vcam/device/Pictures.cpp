@@ -67,8 +67,9 @@ std::vector<Picture> FindPicturesIn(const Storage& storage, const PictureDirecto
   for (const StorageEntry& entry : storage.List(place.DirectoryPath())) {
     const std::optional<PictureFile> file = ParseFileName(entry.name);
     if (entry.isDirectory || !file) continue;
-    if (pictures.empty() || !SamePicture(pictures.back(), *file))
+    if (pictures.empty() || !SamePicture(pictures.back(), *file)) {
       pictures.push_back({directory, file->prefix, file->number, {}});
+    }
     pictures.back().files[file->type] = entry.stamp;
   }
   return pictures;

@@ -12,8 +12,9 @@ TEST(Pictures, TakeDirectoryNamesApart) {
   ASSERT_TRUE(directory);
   EXPECT_EQ(directory->number, 100);
   EXPECT_EQ(directory->suffix, "ABCDE");
-  for (const char* name : {"", "10", "099ABCDE", "ABCDE100", "100ABCDEFGH", "1x0ABCDE"})
+  for (const char* name : {"", "10", "099ABCDE", "ABCDE100", "100ABCDEFGH", "1x0ABCDE"}) {
     EXPECT_FALSE(ParseDirectoryName(name)) << name;
+  }
 }
 
 TEST(Pictures, TakeFileNamesApart) {
@@ -22,16 +23,19 @@ TEST(Pictures, TakeFileNamesApart) {
   EXPECT_EQ(file->prefix, "IMG_");
   EXPECT_EQ(file->number, 12);
   EXPECT_EQ(file->type, 1U);
-  for (const char* name : {"", ".JPG", "IMG_12.JPG", "IMG_0012.jpg", "IMG_0012.GIF", "IMG_0012JPG", "PREFIXES0012.JPG"})
+  for (const char* name :
+       {"", ".JPG", "IMG_12.JPG", "IMG_0012.jpg", "IMG_0012.GIF", "IMG_0012JPG", "PREFIXES0012.JPG"}) {
     EXPECT_FALSE(ParseFileName(name)) << name;
+  }
 }
 
 TEST(Pictures, GatherTheFilesOfOneNumber) {
   const test::ScratchStorage scratch;
   for (const char* name :
        {"DCIM/100ABCDE/IMG_0001.JPG", "DCIM/100ABCDE/IMG_0001.RAW", "DCIM/100ABCDE/IMG_0002.128",
-        "DCIM/101ABCDE/IMG_0001.TXT", "DCIM/100ABCDE/readme", "DCIM/other/IMG_0001.JPG", "DCIM/IMG_0001.JPG"})
+        "DCIM/101ABCDE/IMG_0001.TXT", "DCIM/100ABCDE/readme", "DCIM/other/IMG_0001.JPG", "DCIM/IMG_0001.JPG"}) {
     scratch.Put(name, "x");
+  }
   const auto pictures = FindPictures(Storage(scratch.path()));
   ASSERT_EQ(pictures.size(), 3U);
   EXPECT_EQ(pictures[0].PathOf(0), "DCIM/100ABCDE/IMG_0001.JPG");

@@ -56,8 +56,9 @@ TEST_F(QueriesTest, AnswersInTheRoomThereIs) {
 }
 
 TEST_F(QueriesTest, RefusesDataFromTheHost) {
-  for (std::uint8_t query = 1; query <= 7; ++query)
+  for (std::uint8_t query = 1; query <= 7; ++query) {
     EXPECT_EQ(Send(*camera_, {0xC6, 0, query}, {1, 2, 3, 4}).sense, sense::kBadCommandField) << int{query};
+  }
 }
 
 }  // namespace

@@ -60,16 +60,18 @@ wire::Reply SelectFile(Device& device, const wire::Command& command) {
 }
 
 std::string KeyOfFirstFile(Device& device, const Picture& picture) {
-  for (std::size_t type = 0; type < picture.files.size(); ++type)
+  for (std::size_t type = 0; type < picture.files.size(); ++type) {
     if (picture.files[type]) return device.keys.KeyOf(device.storage, picture.PathOf(type), *picture.files[type]);
+  }
   return {};
 }
 
 wire::Reply SelectCatalogue(Device& device, const wire::Command& command) {
   std::vector<base::Bytes> records;
-  for (const Picture& picture : FindPictures(device.storage))
+  for (const Picture& picture : FindPictures(device.storage)) {
     records.push_back(
         PlainRecord(picture, device.options.keysInCatalogue ? KeyOfFirstFile(device, picture) : std::string()));
+  }
   return Prepared(device, command, BuildCatalogue(records, device.options.catalogue), kelva::read_chunk::kSelected);
 }
 

@@ -109,8 +109,9 @@ TEST_F(SelectTest, ReadsBundlesAndPlainSetsByTheirOwnSubCode) {
 }
 
 TEST_F(SelectTest, RefusesDataWhereNoneBelongs) {
-  for (const std::uint8_t selection : base::Bytes{0x00, 0x02, 0x06, 0x08})
+  for (const std::uint8_t selection : base::Bytes{0x00, 0x02, 0x06, 0x08}) {
     EXPECT_EQ(SendText(*camera_, {0xC2, 0, selection}, "x").sense, sense::kWrongDataLength) << int{selection};
+  }
   EXPECT_EQ(Tell(*camera_, {0xC2, 0, 0x04}).sense, sense::kBadCommandField);
 }
 

@@ -71,9 +71,10 @@ bool WriteAll(int file, std::string_view content) {
 
 Storage::Storage(const std::filesystem::path& folder)
     : root_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-  if (!root_)
+  if (!root_) {
     throw std::runtime_error("Cannot use " + folder.string() + " as the camera's storage: " + std::strerror(errno) +
                              "; name a folder that you may read.");
+  }
 }
 
 base::FileDescriptor Storage::OpenBeneath(const std::string& path, std::uint64_t flags) const {

@@ -13,8 +13,9 @@ constexpr std::size_t kMaxPassphrase = 63;
 /// Writes the changed settings back; when that fails the command is refused and the change taken back.
 wire::Reply SaveOrRevert(Device& device, const wire::Command& command, const Settings& before) {
   const int error = device.Save();
-  if (error == 0)
+  if (error == 0) {
     return Done(command.direction == wire::Direction::kToCamera ? static_cast<std::uint32_t>(command.data.size()) : 0);
+  }
   device.settings = before;
   return Refuse(SenseOfErrno(error));
 }

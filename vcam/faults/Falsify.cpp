@@ -41,10 +41,13 @@ bool OverwriteMarks(const std::vector<std::uint64_t>& marks, std::uint64_t start
                     base::Bytes& data) {
   const auto first = std::lower_bound(marks.begin(), marks.end(), start < kWord ? 0 : start - kWord + 1);
   const auto last = std::lower_bound(first, marks.end(), start + data.size());
-  for (auto mark = first; mark != last; ++mark)
-    for (std::uint64_t i = 0; i < kWord; ++i)
-      if (*mark + i >= start && *mark + i - start < data.size())
+  for (auto mark = first; mark != last; ++mark) {
+    for (std::uint64_t i = 0; i < kWord; ++i) {
+      if (*mark + i >= start && *mark + i - start < data.size()) {
         data[static_cast<std::size_t>(*mark + i - start)] = static_cast<std::uint8_t>(value >> (8 * i));
+      }
+    }
+  }
   return first != last;
 }
 

@@ -37,15 +37,17 @@ bool HappensOnce(FaultKind kind) {
 
 void FaultPlan::Arm(const Fault& fault) {
   Armed armed{fault};
-  if (fault.kind != FaultKind::kSlow && fault.kind != FaultKind::kUnplugAtByte)
+  if (fault.kind != FaultKind::kSlow && fault.kind != FaultKind::kUnplugAtByte) {
     armed.fault.at = std::max<std::uint64_t>(fault.at, 1);
+  }
   armed_.push_back(armed);
 }
 
 std::optional<wire::Reply> FaultPlan::Next() {
   std::erase_if(armed_, [](const Armed& armed) { return HappensOnce(armed.fault.kind) && armed.Running(); });
-  for (Armed& armed : armed_)
+  for (Armed& armed : armed_) {
     if (armed.fault.kind != FaultKind::kUnplugAtByte && armed.fault.kind != FaultKind::kSlow) ++armed.seen;
+  }
   for (const Armed& armed : armed_) {
     if (!armed.Due()) continue;
     if (std::optional<wire::Reply> reply = InsteadOf(armed.fault.kind)) return reply;
@@ -64,11 +66,13 @@ wire::Command FaultPlan::Limit(const wire::Command& command) const {
 }
 
 void FaultPlan::Apply(const wire::Command& command, const Marks* marks, wire::Reply& reply) {
-  for (Armed& armed : armed_)
+  for (Armed& armed : armed_) {
     if (armed.fault.kind != FaultKind::kUnplugAtByte) ApplyOne(armed, command, marks, reply);
+  }
   // Last, so that bytes which another fault added count as well.
-  for (Armed& armed : armed_)
+  for (Armed& armed : armed_) {
     if (armed.fault.kind == FaultKind::kUnplugAtByte) ApplyUnplug(armed, command, reply);
+  }
 }
 
 void FaultPlan::ApplyOne(Armed& armed, const wire::Command& command, const Marks* marks, wire::Reply& reply) {

@@ -6,7 +6,9 @@ namespace vcam {
 namespace {
 
 TEST(Fault, HasANameThatFindsItAgain) {
-  for (const FaultKind kind : AllFaults()) EXPECT_EQ(FaultByName(NameOf(kind)), kind);
+  for (const FaultKind kind : AllFaults()) {
+    EXPECT_EQ(FaultByName(NameOf(kind)), kind);
+  }
   EXPECT_EQ(FaultByName("stall"), FaultKind::kStall);
   EXPECT_EQ(FaultByName(""), std::nullopt);
   EXPECT_EQ(FaultByName("Stall"), std::nullopt);

@@ -24,11 +24,13 @@ struct PlugArguments {
 std::string UsableStorage(const std::string& folder) {
   std::error_code error;
   const std::filesystem::path path = std::filesystem::absolute(folder, error);
-  if (!std::filesystem::is_directory(path, error))
+  if (!std::filesystem::is_directory(path, error)) {
     throw std::runtime_error("There is no folder " + folder + "; give --storage a folder with pictures.");
-  if (::access(path.c_str(), R_OK | X_OK) != 0)
+  }
+  if (::access(path.c_str(), R_OK | X_OK) != 0) {
     throw std::runtime_error("Cannot read the folder " + folder + ": " + std::strerror(errno) +
                              "; change its permissions or give another.");
+  }
   return path.string();
 }
 

@@ -24,7 +24,7 @@ std::vector<bus::CameraStatus> Fetch(const std::string& socket) {
 
 void PrintJson(const std::vector<bus::CameraStatus>& list) {
   nlohmann::json cameras = nlohmann::json::array();
-  for (const bus::CameraStatus& camera : list)
+  for (const bus::CameraStatus& camera : list) {
     cameras.push_back({{"serial", camera.serial},
                        {"vendor", camera.vendor},
                        {"product", camera.product},
@@ -33,15 +33,17 @@ void PrintJson(const std::vector<bus::CameraStatus>& list) {
                        {"storage", camera.storage},
                        {"holder", camera.holder == 0 ? nlohmann::json() : nlohmann::json(camera.holder)},
                        {"commands", camera.commands}});
+  }
   std::cout << cameras.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
 }
 
 void PrintText(const std::vector<bus::CameraStatus>& list) {
   if (list.empty()) std::cout << "No camera is plugged in.\n";
-  for (const bus::CameraStatus& camera : list)
+  for (const bus::CameraStatus& camera : list) {
     std::cout << camera.serial << "  revision " << camera.revision << ", type " << int{camera.peripheralType} << ", "
               << (camera.holder == 0 ? "free" : "held by process " + std::to_string(camera.holder)) << ", "
               << camera.commands << " commands, " << camera.storage << "\n";
+  }
 }
 
 int Status(const StatusArguments& arguments) {

@@ -51,8 +51,9 @@ void Bus::AnswerError(PeerId peer, std::uint32_t tag, bus::ErrorCode code, const
 }
 
 void Bus::Announce(bus::Kind kind, const base::Bytes& payload) {
-  for (const auto& [id, peer] : peers_)
+  for (const auto& [id, peer] : peers_) {
     if (peer.subscribed) Answer(id, 0, kind, payload);
+  }
 }
 
 Bus::Camera* Bus::FindBySerial(const std::string& serial) {

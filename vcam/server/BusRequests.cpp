@@ -102,10 +102,11 @@ void Bus::AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest
   options.peripheralType = request.peripheralType;
   if (!request.revision.empty()) options.revision = request.revision;
   const auto layout = LayoutByName(request.catalogue.empty() ? "standard" : request.catalogue);
-  if (!layout)
+  if (!layout) {
     return AnswerError(
         peer, frame.tag, bus::ErrorCode::kRefused,
         "There is no catalogue layout " + request.catalogue + "; choose standard, reordered, unknown-fields or wide.");
+  }
   options.catalogue = *layout;
   try {
     Camera camera;

@@ -65,8 +65,9 @@ void BusServer::ServeReady(const std::vector<pollfd>& waits) {
 bool BusServer::Serve(PeerId peer, bus::Stream& stream, short events) {
   if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) {
     if (!stream.ReadSome()) return false;
-    while (const std::optional<bus::Frame> frame = stream.Next())
+    while (const std::optional<bus::Frame> frame = stream.Next()) {
       if (!bus_.Handle(peer, *frame)) return false;
+    }
     if (stream.Broken()) return false;
   }
   return true;
@@ -74,8 +75,9 @@ bool BusServer::Serve(PeerId peer, bus::Stream& stream, short events) {
 
 void BusServer::FlushAll() {
   std::vector<PeerId> gone;
-  for (auto& [peer, stream] : streams_)
+  for (auto& [peer, stream] : streams_) {
     if (!stream.WriteSome()) gone.push_back(peer);
+  }
   for (const PeerId peer : gone) Drop(peer);
 }
 

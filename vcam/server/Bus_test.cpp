@@ -121,10 +121,12 @@ TEST_F(BusTest, SaysWhatItDoesNotKnow) {
 
 TEST_F(BusTest, CutsOffPeersThatSendWhatIsNoRequest) {
   for (const bus::Kind kind :
-       {bus::Kind::kPlug, bus::Kind::kUnplug, bus::Kind::kFault, bus::Kind::kStartSession, bus::Kind::kCommand})
+       {bus::Kind::kPlug, bus::Kind::kUnplug, bus::Kind::kFault, bus::Kind::kStartSession, bus::Kind::kCommand}) {
     EXPECT_FALSE(Ask(1, kind, {1})) << int(kind);
-  for (const bus::Kind kind : {bus::Kind::kSubscribe, bus::Kind::kStatus, bus::Kind::kEndSession})
+  }
+  for (const bus::Kind kind : {bus::Kind::kSubscribe, bus::Kind::kStatus, bus::Kind::kEndSession}) {
     EXPECT_FALSE(Ask(1, kind, {1}));
+  }
   EXPECT_FALSE(Ask(1, bus::Kind::kOk, {}));
   EXPECT_FALSE(Ask(1, static_cast<bus::Kind>(200), {}));
 }
@@ -193,7 +195,9 @@ TEST_F(BusTest, LetsAHostGiveUpACommandThatIsStillRunning) {
   Plug("A");
   Answered(1, bus::Kind::kStartSession, bus::EncodeNumber(1));
   // Nothing is taken from the camera's thread in between, so each counts as running.
-  for (int i = 0; i < 4; ++i) EXPECT_TRUE(Ask(1, bus::Kind::kCommand, bus::Encode(ReadyCommand())));
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_TRUE(Ask(1, bus::Kind::kCommand, bus::Encode(ReadyCommand())));
+  }
   EXPECT_FALSE(Ask(1, bus::Kind::kCommand, bus::Encode(ReadyCommand()))) << "too many at once";
 }
 

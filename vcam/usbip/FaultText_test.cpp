@@ -58,8 +58,9 @@ TEST_F(FaultTextTest, RefusesAnUnknownNameWithTheListOfKnownOnes) {
 }
 
 TEST_F(FaultTextTest, RefusesAPositionThatIsNone) {
-  for (const auto* text : {"short@", "short@0", "short@-1", "short@1x"})
+  for (const auto* text : {"short@", "short@0", "short@-1", "short@1x"}) {
     EXPECT_THAT(Refusal(text), HasSubstr("positive"));
+  }
 }
 
 }  // namespace

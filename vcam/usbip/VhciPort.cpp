@@ -36,8 +36,9 @@ std::optional<unsigned> PortOfLine(const std::string& line, std::string_view hub
 
 std::string ReadTable(const std::filesystem::path& controller) {
   std::ifstream file(controller / "status");
-  if (!file)
+  if (!file) {
     Fail("There is no virtual USB host controller at " + controller.string() + ": load it with \"modprobe vhci-hcd\".");
+  }
   return {std::istreambuf_iterator<char>(file), {}};
 }
 

@@ -31,8 +31,9 @@ std::uint32_t Word(std::span<const std::uint8_t> header, std::size_t offset) {
 }
 
 void Require(bool kept, const std::string& what, std::uint32_t value) {
-  if (!kept)
+  if (!kept) {
     throw ProtocolError("The USB/IP host sent " + what + " " + std::to_string(value) + "; it was disconnected.");
+  }
 }
 
 Submit SubmitOf(std::span<const std::uint8_t> header) {

@@ -6,7 +6,9 @@ namespace vcam::usbip {
 namespace {
 
 TEST(WireFault, EveryFaultIsFoundByItsName) {
-  for (const WireFault fault : AllWireFaults()) EXPECT_EQ(WireFaultByName(NameOf(fault)), fault) << NameOf(fault);
+  for (const WireFault fault : AllWireFaults()) {
+    EXPECT_EQ(WireFaultByName(NameOf(fault)), fault) << NameOf(fault);
+  }
   EXPECT_EQ(AllWireFaults().size(), 10U);
 }
 

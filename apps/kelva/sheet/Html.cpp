@@ -39,9 +39,7 @@ std::string Base64(std::string_view bytes) {
     for (std::size_t i = 0; i < 3; ++i) {
       group = (group << 8) | (at + i < bytes.size() ? static_cast<unsigned char>(bytes[at + i]) : 0U);
     }
-    for (std::size_t i = 0; i < 4; ++i) {
-      out += at + i <= bytes.size() ? kDigits[(group >> (18 - 6 * i)) & 0x3F] : '=';
-    }
+    for (std::size_t i = 0; i < 4; ++i) out += at + i <= bytes.size() ? kDigits[(group >> (18 - 6 * i)) & 0x3F] : '=';
   }
   return out;
 }

@@ -28,7 +28,9 @@ TEST(JpegKindTest, WhatIsInsideAnotherPartIsNoFrame) {
 TEST(JpegKindTest, EveryCutAndEveryOtherFileIsInDoubt) {
   const std::string file = TinyJpeg::File(1, {90});
   const std::size_t frame = file.find("\xFF\xC0");
-  for (std::size_t size = 0; size < frame + 4; ++size) EXPECT_FALSE(ComesRowByRow(file.substr(0, size))) << size;
+  for (std::size_t size = 0; size < frame + 4; ++size) {
+    EXPECT_FALSE(ComesRowByRow(file.substr(0, size))) << size;
+  }
   EXPECT_FALSE(ComesRowByRow(std::string("no picture at all")));
   EXPECT_FALSE(ComesRowByRow(std::string("\xFF\xD8\xFF\xE0\xFF\xFF", 6)));
 }

@@ -81,7 +81,9 @@ TEST_F(SheetTest, AMissingAndAnEmptyAndANonsenseFileAreNotDrawn) {
   camera_.files["IMG_0001.JPG"] = "";
   camera_.files["IMG_0003.JPG"] = "no picture";
   EXPECT_EQ(Draw(camera_, {SheetPicture(1), SheetPicture(3), SheetPicture(4)}).failed, 3U);
-  for (const Card& card : cards_) EXPECT_EQ(card.trouble, "cannot be drawn");
+  for (const Card& card : cards_) {
+    EXPECT_EQ(card.trouble, "cannot be drawn");
+  }
 }
 
 TEST_F(SheetTest, ADamagedPictureIsDrawnAndReported) {

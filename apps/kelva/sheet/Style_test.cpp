@@ -8,8 +8,9 @@ namespace apps {
 namespace {
 
 TEST(StyleTest, TheStyleStaysInsideItsElementAndFetchesNothing) {
-  for (const char* part : {"<", "url(", "@import", "http"})
+  for (const char* part : {"<", "url(", "@import", "http"}) {
     EXPECT_EQ(kStyle.find(part), std::string_view::npos) << part;
+  }
 }
 
 TEST(StyleTest, EveryBlockIsClosed) {

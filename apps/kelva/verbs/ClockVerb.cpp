@@ -64,7 +64,9 @@ ExitCode ShowTime(Context& context, const Session& camera, bool utc) {
 ExitCode RunTime(Context& context) {
   const bool utc = InUtc(context);
   const auto wanted = context.call.Value("set");
-  if (wanted) TimeToSet(*wanted, utc);  // a wrong time is an error before the camera is opened
+  if (wanted) {
+    TimeToSet(*wanted, utc);  // a wrong time is an error before the camera is opened
+  }
   context.Doing(wanted ? "set the camera's clock" : "read the camera's clock");
   const Session camera(context);
   // Only now, so that the time spent on opening is not lost.

@@ -13,8 +13,9 @@ ExitCode RunGet(Context& context) {
   context.Doing("read the manual controls");
   const Session camera(context);
   _ManualControlsState state{};
-  if (!camera->GetManualControlsState(state))
+  if (!camera->GetManualControlsState(state)) {
     throw Failure(ExitCode::kFailed, "The camera gave no state of its manual controls.");
+  }
   Json members = CameraResult(camera);
   members.Set("first", state.first).Set("second", state.second).Set("third", NumberOf(state.third));
   members.Set("fourth", state.fourth).Set("fifth", state.fifth).Set("sixth", state.sixth);
@@ -32,8 +33,9 @@ ExitCode RunSet(Context& context) {
   const std::string& value = context.call.words[1];
   context.Doing("set a manual control");
   const Session camera(context);
-  if (!camera->SetManualControl(control, value))
+  if (!camera->SetManualControl(control, value)) {
     throw Failure(ExitCode::kRefused, "The camera did not take the command.");
+  }
   context.Result(CameraResult(camera).Set("control", control).Set("text_sent", false), "");
   context.reporter.Note(
       "The camera took the command for this control, but the command carries no text: the value itself does not reach "

@@ -54,9 +54,7 @@ void CheckFolder(Camera& camera, const std::string& path) {
   if (Split(path).name.empty()) return;
   const auto entry = FindEntry(camera, path);
   if (!entry) throw Failure(ExitCode::kFailed, "There is no folder " + Printable(path) + " on the camera.");
-  if (!IsFolder(*entry)) {
-    throw Failure(ExitCode::kFailed, Printable(path) + " is a file; `kelva get` fetches it.");
-  }
+  if (!IsFolder(*entry)) throw Failure(ExitCode::kFailed, Printable(path) + " is a file; `kelva get` fetches it.");
 }
 
 ExitCode RunLs(Context& context) {
@@ -89,8 +87,9 @@ class Walk {
       const std::string below = path + "\\" + entry.name;
       visit(entry, below, depth);
       if (!IsFolder(entry)) continue;
-      if (depth == kDeepest)
+      if (depth == kDeepest) {
         throw Failure(ExitCode::kFailed, "The camera's folders are nested too deep at " + Printable(below) + ".");
+      }
       Run(below, depth + 1, visit);
     }
   }

@@ -50,8 +50,9 @@ void ToOutput(Context& context, const std::vector<char>& bytes) {
 
 void CheckOutput(const Context& context, const Target& target) {
   if (!target.toOutput) return;
-  if (context.Json())
+  if (context.Json()) {
     throw Failure(ExitCode::kUsage, "--output - and --json both need standard output; leave one out.");
+  }
   if (context.out.IsTerminal()) {
     throw Failure(ExitCode::kUsage,
                   "Standard output is a terminal, which would obey the file's bytes; send it to a "

@@ -15,8 +15,9 @@ ExitCode RunInfo(Context& context) {
   context.Doing("read the camera's information");
   const Session camera(context);
   _VscCdbCameraInformation record{};
-  if (!camera->CameraInformation(record))
+  if (!camera->CameraInformation(record)) {
     throw Failure(ExitCode::kFailed, "The camera gave no information about itself.");
+  }
   const std::vector<std::string> texts = InformationTexts(record);
   Json list = Json::Array();
   std::vector<std::vector<std::string>> rows;

@@ -85,13 +85,15 @@ ExitCode RunBatchGet(Context& context) {
 
 ExitCode RunBatchRm(Context& context) {
   for (const std::string& word : context.call.words) {
-    if (!Understand(word).qualifier.empty())
+    if (!Understand(word).qualifier.empty()) {
       throw Failure(ExitCode::kUsage, "Deleting takes keys alone, without an extension.");
+    }
   }
   context.Doing("delete files by key");
   const Session camera(context);
-  if (!camera->DeleteBatch(context.call.words, true))
+  if (!camera->DeleteBatch(context.call.words, true)) {
     throw Failure(ExitCode::kRefused, "The camera refused to delete the files.");
+  }
   context.Result(CameraResult(camera).Set("keys", context.call.words.size()), "");
   return ExitCode::kDone;
 }

@@ -46,8 +46,9 @@ std::string CameraFacts(Camera& camera, const RegistryCamera& facts) {
   std::string text = "serial: " + Printable(facts.serial) + "\nproduct: " + Printable(facts.product) +
                      "\nrevision: " + Printable(facts.revision) + "\ndriver: " + facts.driver + "\n";
   _VscCdbCameraInformation record{};
-  if (!camera.CameraInformation(record))
+  if (!camera.CameraInformation(record)) {
     throw Failure(ExitCode::kFailed, "The camera gave no information about itself.");
+  }
   for (const std::string& line : InformationTexts(record)) text += "information: " + Printable(line) + "\n";
   text += "battery: " + Shortest(camera.BatteryLevel()) + "\n";
   text += "completed commands: " + std::to_string(camera.GetDoneCmdCount()) + "\n";

@@ -36,9 +36,7 @@ void Confirm(Context& context, const std::string& facts) {
   const bool asks = !context.call.Has("yes") && ::isatty(STDIN_FILENO) == 1;
   if (!asks) context.reporter.Note(facts);
   if (context.call.Has("yes")) return;
-  if (!asks) {
-    throw Failure(ExitCode::kUsage, "An upgrade is confirmed on a terminal, or with --yes; nothing was sent.");
-  }
+  if (!asks) throw Failure(ExitCode::kUsage, "An upgrade is confirmed on a terminal, or with --yes; nothing was sent.");
   context.reporter.Ask(facts);
   std::string answer;
   context.reporter.Ask("Send it? Type yes and press Enter:");

@@ -67,7 +67,9 @@ Notice FakeMachine::Receive() {
   if (queue_.empty()) return {};
   Notice notice = queue_.front();
   queue_.pop_front();
-  if (notice.kind == Notice::Kind::kSeen) notice.unit = Look(notice.path);  // sysfs is read when a message is taken
+  if (notice.kind == Notice::Kind::kSeen) {
+    notice.unit = Look(notice.path);  // sysfs is read when a message is taken
+  }
   return notice;
 }
 

@@ -27,18 +27,12 @@ void OsxCamera::ListenForCameraLost(void (*callback)(void*), void* context) {
 }
 
 void OsxCamera::CameraMessage(void* camera, unsigned int, unsigned int messageType, void*) {
-  if (messageType != kServiceIsTerminated) {
-    return;
-  }
+  if (messageType != kServiceIsTerminated) return;
   auto* self = static_cast<OsxCamera*>(camera);
   const LossInProgress loss(self);
-  if (self->lostCb_ != nullptr) {
-    self->lostCb_(self->lostContext_);
-  }
+  if (self->lostCb_ != nullptr) self->lostCb_(self->lostContext_);
   // After the callback, which still sees a camera that is not disconnected.
-  if (loss.CameraIsAlive()) {
-    self->disconnected_ = true;
-  }
+  if (loss.CameraIsAlive()) self->disconnected_ = true;
 }
 
 bool OsxCamera::WasDisconnected() {
@@ -51,9 +45,7 @@ bool OsxCamera::CompareSn(const char* serial) const {
   bool matches = false;
   // Up to the registry's root: the serial sits on an ancestor, and a match does not stop the walk.
   for (IoObject entry(service_); entry; entry = ParentOf(entry.Get())) {
-    if (Equals(CopyProperty(entry.Get(), kSerialName), wanted)) {
-      matches = true;
-    }
+    if (Equals(CopyProperty(entry.Get(), kSerialName), wanted)) matches = true;
   }
   return matches;
 }

@@ -44,13 +44,9 @@ io_iterator_t RegisterFirstMatch(IONotificationPortRef port, const char* classNa
 /// A compact-disc service is a camera when the inquiry data two levels above it is a camera's.
 bool IsBadCamera(io_service_t service) {
   const IoObject parent = ParentOf(service);
-  if (!parent) {
-    return false;
-  }
+  if (!parent) return false;
   const IoObject grandparent = ParentOf(parent.Get());
-  if (!grandparent) {
-    return false;
-  }
+  if (!grandparent) return false;
   const CfRef<CFTypeRef> vendor = CopyProperty(grandparent.Get(), kVendorName);
   const CfRef<CFTypeRef> revision = CopyProperty(grandparent.Get(), kRevisionName);
   return vendor && revision && Equals(vendor, kVendor) && Equals(revision, kBadCameraRevision);
@@ -62,9 +58,7 @@ std::vector<boost::shared_ptr<Camera>> OsxCamera::EnumerateOsxCameras(bool anyVe
   std::vector<boost::shared_ptr<Camera>> cameras;
   for (const char* const* name = kDriverNames; *name != nullptr; ++name) {
     const CFMutableDictionaryRef matching = IOServiceMatching(*name);  // consumed by the search
-    if (!anyVendor) {
-      RequireVendor(matching);
-    }
+    if (!anyVendor) RequireVendor(matching);
     io_iterator_t found = 0;
     const kern_return_t returnCode = IOServiceGetMatchingServices(kIOMasterPortDefault, matching, &found);
     if (returnCode != kIOReturnSuccess) {
@@ -72,28 +66,20 @@ std::vector<boost::shared_ptr<Camera>> OsxCamera::EnumerateOsxCameras(bool anyVe
       return cameras;
     }
     const IoObject iterator(found);
-    while (IoObject service{IOIteratorNext(iterator.Get())}) {
-      cameras.push_back(MakeCamera(std::move(service)));
-    }
+    while (IoObject service{IOIteratorNext(iterator.Get())}) cameras.push_back(MakeCamera(std::move(service)));
   }
   return cameras;
 }
 
 void OsxCamera::SetupNotifyPort() {
-  if (notifyPort != nullptr) {
-    return;
-  }
+  if (notifyPort != nullptr) return;
   notifyPort = IONotificationPortCreate(kIOMasterPortDefault);
-  if (notifyPort == nullptr) {
-    throw OsxCameraError("IONotificationPortCreate() failed.");
-  }
+  if (notifyPort == nullptr) throw OsxCameraError("IONotificationPortCreate() failed.");
   CFRunLoopAddSource(CFRunLoopGetCurrent(), IONotificationPortGetRunLoopSource(notifyPort), kCFRunLoopDefaultMode);
 }
 
 void OsxCamera::ListenForOsxCameraAttach(void (*callback)(boost::shared_ptr<Camera>, void*), void* context) {
-  if (callback == nullptr) {
-    return;
-  }
+  if (callback == nullptr) return;
   SetupNotifyPort();
   cameraCb = callback;
   for (const char* const* name = kDriverNames; *name != nullptr; ++name) {
@@ -109,9 +95,7 @@ void OsxCamera::AddDeviceBounce(void* context, unsigned int iterator) {
 }
 
 void OsxCamera::ListenForOsxBadCameraAttach(void (*callback)(void*), void* context) {
-  if (callback == nullptr) {
-    return;
-  }
+  if (callback == nullptr) return;
   SetupNotifyPort();
   badCameraCb = callback;
   BadCameraBounce(context, RegisterFirstMatch(notifyPort, kCompactDiscClass, BadCameraBounce, context));
@@ -119,8 +103,6 @@ void OsxCamera::ListenForOsxBadCameraAttach(void (*callback)(void*), void* conte
 
 void OsxCamera::BadCameraBounce(void* context, unsigned int iterator) {
   while (const IoObject service{IOIteratorNext(iterator)}) {
-    if (badCameraCb != nullptr && IsBadCamera(service.Get())) {
-      badCameraCb(context);
-    }
+    if (badCameraCb != nullptr && IsBadCamera(service.Get())) badCameraCb(context);
   }
 }

@@ -25,9 +25,7 @@ class IoObject {
   io_object_t Release() { return std::exchange(object_, io_object_t{0}); }
 
   void Reset(io_object_t object = 0) {
-    if (const io_object_t old = std::exchange(object_, object); old != 0) {
-      IOObjectRelease(old);
-    }
+    if (const io_object_t old = std::exchange(object_, object); old != 0) IOObjectRelease(old);
   }
 
  private:
@@ -42,9 +40,7 @@ class CfRef {
   CfRef(CfRef&& other) noexcept : ref_(std::exchange(other.ref_, nullptr)) {}
   CfRef& operator=(CfRef&&) = delete;
   ~CfRef() {
-    if (ref_ != nullptr) {
-      CFRelease(ref_);
-    }
+    if (ref_ != nullptr) CFRelease(ref_);
   }
 
   Ref Get() const { return ref_; }
@@ -76,9 +72,7 @@ inline bool Equals(const CfRef<CFTypeRef>& property, const char* text) {
 /// The entry's parent in the service plane; none on failure.
 inline IoObject ParentOf(io_registry_entry_t entry) {
   io_registry_entry_t parent = 0;
-  if (IORegistryEntryGetParentEntry(entry, "IOService", &parent) != kIOReturnSuccess) {
-    return {};
-  }
+  if (IORegistryEntryGetParentEntry(entry, "IOService", &parent) != kIOReturnSuccess) return {};
   return IoObject(parent);
 }
 

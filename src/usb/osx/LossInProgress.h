@@ -15,9 +15,7 @@ class LossInProgress {
   /// Called by every camera that is destroyed.
   static void CameraDestroyed(const void* camera) {
     for (LossInProgress* loss = innermost_; loss != nullptr; loss = loss->outer_) {
-      if (loss->camera_ == camera) {
-        loss->camera_ = nullptr;
-      }
+      if (loss->camera_ == camera) loss->camera_ = nullptr;
     }
   }
 

@@ -27,12 +27,8 @@ OsxCamera::OsxCamera(unsigned int service)
       disconnected_(false) {}
 
 OsxCamera::~OsxCamera() {
-  if (connect_ != 0) {
-    OsxCamera::Close();
-  }
-  if (notification_ != 0) {
-    IOObjectRelease(notification_);
-  }
+  if (connect_ != 0) OsxCamera::Close();
+  if (notification_ != 0) IOObjectRelease(notification_);
   IOObjectRelease(service_);
   LossInProgress::CameraDestroyed(this);
 }
@@ -46,9 +42,7 @@ std::string OsxCamera::MountPath() const {
 }
 
 bool OsxCamera::Open() {
-  if (connect_ != 0) {
-    return true;
-  }
+  if (connect_ != 0) return true;
   // Its return code says nothing that the session's start does not.
   IOServiceOpen(service_, mach_task_self(), 0, &connect_);
   if (IOConnectCallScalarMethod(connect_, wire::kUserClientStartSession, nullptr, 0, nullptr, nullptr) ==
@@ -61,9 +55,7 @@ bool OsxCamera::Open() {
 }
 
 void OsxCamera::Close() {
-  if (connect_ == 0) {
-    return;
-  }
+  if (connect_ == 0) return;
   IOConnectCallScalarMethod(connect_, wire::kUserClientEndSession, nullptr, 0, nullptr, nullptr);
   IOServiceClose(connect_);
   connect_ = 0;

@@ -30,9 +30,7 @@ OsxCameraError::OsxCameraError(const std::string& msg) : message_("OsxCameraErro
   // Captured here and not in a helper, so that the one frame left out is this constructor's.
   void* frames[kMostFrames];
   const int count = backtrace(frames, kMostFrames);
-  if (count > 1) {
-    message_ += TraceText(frames + 1, count - 1);
-  }
+  if (count > 1) message_ += TraceText(frames + 1, count - 1);
   text_ = message_.c_str();
 }
 

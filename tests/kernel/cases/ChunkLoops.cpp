@@ -75,8 +75,9 @@ int BareRead(int fd, const Block& block, char* buffer, int length) {
 base::FileDescriptor OpenNode(const std::string& node) {
   base::FileDescriptor file(::open(node.c_str(), O_RDWR | O_CLOEXEC));
   int reserved = kChunk;
-  if (!file || ::ioctl(file.Get(), SG_SET_RESERVED_SIZE, &reserved) != 0)
+  if (!file || ::ioctl(file.Get(), SG_SET_RESERVED_SIZE, &reserved) != 0) {
     throw std::runtime_error("Cannot use " + node);
+  }
   return file;
 }
 

@@ -18,7 +18,9 @@ NSString* DesktopApplicationPath() {
 
 void LaunchDesktopApplication() {
   NSString* path = DesktopApplicationPath();
-  if ([path length] == 0) return;  // not installed
+  if ([path length] == 0) {
+    return;  // not installed
+  }
   [[NSWorkspace sharedWorkspace] launchApplicationAtURL:[NSURL fileURLWithPath:path]
                                                 options:NSWorkspaceLaunchInhibitingBackgroundOnly
                                           configuration:nil

@@ -179,7 +179,9 @@ kern_return_t IOServiceOpen(io_service_t service, task_port_t owningTask, uint32
 kern_return_t IOServiceClose(io_connect_t connect) {
   fake::Get().Log("Close " + fake::Get().Name(connect));
   if (connect == 0) return MACH_SEND_INVALID_DEST;
-  if (--fake::Get().references[connect] < 0) ADD_FAILURE() << "closed twice";
+  if (--fake::Get().references[connect] < 0) {
+    ADD_FAILURE() << "closed twice";
+  }
   return KERN_SUCCESS;
 }
 

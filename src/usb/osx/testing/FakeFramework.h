@@ -97,7 +97,9 @@ class Framework {
   void Release(io_object_t object) {
     if (object == 0) return;
     Log("Release " + Name(object));
-    if (--references[object] < 0) ADD_FAILURE() << Name(object) << " was released too often";
+    if (--references[object] < 0) {
+      ADD_FAILURE() << Name(object) << " was released too often";
+    }
   }
 
   Object* NewObject(const std::string& text) {
