@@ -11,7 +11,7 @@ else()
   list(APPEND kelva_system_libraries udev)
 endif()
 
-# The rooms are separate targets so that a forbidden include does not compile; an embedding program sees one library.
+# In the tree each room is a target of its own; an embedding program sees one library.
 # (The target `kelva` is the command-line tool.)
 add_library(kelva_library)
 foreach(room IN LISTS kelva_rooms)

@@ -5,11 +5,16 @@ import subprocess
 import tempfile
 import unittest
 
+import arrows
 import documents
 import layout
 import references
 import scripts
 import tested_sources
+
+
+HERE = pathlib.Path(__file__).parent
+PROJECT = HERE.parent.parent
 
 
 class Checks(unittest.TestCase):
@@ -48,6 +53,56 @@ class Checks(unittest.TestCase):
         self.write(".clang-format", "BasedOnStyle: Google\n")
         self.write("a.cpp", "int main() {}\n")
         self.assertEqual(self.complaints(layout), [])
+
+    def arrow_complaints(self):
+        """The complaints about includes, in a repository with this one's table."""
+        self.write("ARCHITECTURE.md", (PROJECT / "ARCHITECTURE.md").read_text(encoding="utf-8"))
+        return [complaint for complaint in self.complaints(arrows) if "no include there needs" not in complaint]
+
+    def test_each_forbidden_include_is_found(self):
+        forbidden = [line.split() for line in (HERE / "forbidden_includes.txt").read_text().splitlines() if line[:1] != "#"]
+        self.assertEqual(len(forbidden), 22)
+        for number, (room, header) in enumerate(forbidden):
+            if not header.startswith("<"):
+                self.write(header, "")
+            quoted = header if header.startswith("<") else f'"{header}"'
+            self.write(f"{room}/source{number}.cpp", f"#include {quoted}\n")
+        complaints = self.arrow_complaints()
+        for number, (room, header) in enumerate(forbidden):
+            with self.subTest(room=room, header=header):
+                found = [c for c in complaints if c.startswith(f"{room}/source{number}.cpp includes {header.strip('<>')}")]
+                self.assertEqual(len(found), 1)
+
+    def test_include_that_the_table_allows_and_any_include_of_a_test_are_no_complaint(self):
+        self.write("base/a.h", "#include <vector>\n#include <unistd.h>\n")
+        self.write("bus/b.cpp", '#include "base/a.h"\n')
+        self.write("base/a_test.cpp", '#include "bus/b.h"\n')
+        self.write("base/testing/c.h", "#include <sqlite3.h>\n")
+        self.assertEqual(self.arrow_complaints(), [])
+
+    def table(self, *rows):
+        self.write("ARCHITECTURE.md", "| Folder | What it is | Includes |\n|---|---|---|\n" + "".join(f"{row}\n" for row in rows))
+
+    def test_entry_of_the_table_that_no_include_needs_is_found(self):
+        self.table("| `a` | one | `b`, Boost |", "| `b` | two | |")
+        self.write("a/x.cpp", '#include "b/y.h"\n')
+        self.write("b/y.h", "")
+        self.assertEqual(self.complaints(arrows), ["the row of a allows Boost, which no include there needs"])
+
+    def test_circle_of_rooms_is_found(self):
+        self.table("| `a` | one | `b` |", "| `b` | two | `c` |", "| `c` | three | `b` |")
+        for room, header in (("a", "b"), ("b", "c"), ("c", "b")):
+            self.write(f"{room}/x.h", f'#include "{header}/x.h"\n')
+        self.assertEqual(self.complaints(arrows), ["these rows include each other in a circle, or stand on one: a, b, c"])
+
+    def test_row_that_allows_everything_is_for_tests_alone(self):
+        self.table("| `a` | one | everything |", "| `tests` | two | everything |")
+        self.assertEqual(self.complaints(arrows), ["the row of a allows everything, which is for tests alone"])
+
+    def test_folder_without_a_row_is_found(self):
+        self.table("| `a` | one | |")
+        self.write("c/x.cpp", "#include <vector>\n#include <unistd.h>\n")
+        self.assertEqual(self.complaints(arrows), ["c/x.cpp is in no row of the table of rooms"])
 
     def test_source_without_a_test_is_found(self):
         self.write("src/wifi/a.cpp", "")
