@@ -45,3 +45,10 @@ flags=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --cflags --libs kelva)
 # shellcheck disable=SC2086 # the flags are several words
 "$compiler" -std=c++20 "$here/consumer/main.cpp" -o "$scratch/with-pkg-config" $flags
 expect_consumer "$scratch/with-pkg-config"
+
+# The program that README shows.
+sed -n '/^```cpp$/,/^```$/p' "$here/../../README.md" | sed '/^```/d' >"$scratch/readme.cpp"
+[ -s "$scratch/readme.cpp" ] || fail "README.md shows no program"
+# shellcheck disable=SC2086 # the flags are several words
+"$compiler" -std=c++20 -Wall -Wextra -Werror "$scratch/readme.cpp" -o "$scratch/readme" $flags || fail "README's program does not compile"
+"$scratch/readme" || fail "README's program ended with $?"
