@@ -4,15 +4,9 @@
 #include <exception>
 #include <string>
 
-#include "apps/commandline/ExitCode.h"
+#include "apps/commandline/Failure.h"
 
 namespace apps {
-
-/// What a failure means for the tool: how it ends and what it says.
-struct Outcome {
-  ExitCode code;
-  std::string sentence;
-};
 
 /// The outcome of any exception. `doing` is what was tried ("read I:\X.JPG"), for those that do not say it themselves.
 Outcome Explain(const std::exception& error, const std::string& doing);

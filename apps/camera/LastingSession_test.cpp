@@ -35,7 +35,7 @@ class LastingSessionTest : public testing::Test {
   darwin::EntryId k1_{};
   Invocation call_;
   Output out_{-1};
-  Reporter reporter_{-1, {}};
+  Reporter reporter_{"kelva", -1, {}};
   Stop stop_;
   StdoutDiversion diversion_;
   Context context_{call_, out_, reporter_, stop_, diversion_};

@@ -32,7 +32,7 @@ class RemoteFileTest : public testing::Test {
   FakeCamera camera_;
   Invocation call_;
   Output out_{-1};
-  Reporter reporter_{-1, {}};
+  Reporter reporter_{"kelva", -1, {}};
   Stop stop_;
   StdoutDiversion diversion_;
   Context context_{call_, out_, reporter_, stop_, diversion_};

@@ -4,10 +4,10 @@
 
 namespace apps {
 
-std::optional<std::string> Completion(std::span<const Verb> table, std::string_view shell) {
-  if (shell == "bash") return BashCompletion(table);
-  if (shell == "zsh") return ZshCompletion(table);
-  if (shell == "fish") return FishCompletion(table);
+std::optional<std::string> Completion(const Program& program, std::string_view shell) {
+  if (shell == "bash") return BashCompletion(program);
+  if (shell == "zsh") return ZshCompletion(program);
+  if (shell == "fish") return FishCompletion(program);
   return std::nullopt;
 }
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/commandline/Verb.h"
+#include "apps/commandline/Program.h"
 
 namespace apps {
 
@@ -15,11 +15,11 @@ namespace apps {
 inline constexpr std::string_view kShells = "bash zsh fish";
 
 /// A completion script for a shell, or nothing for one that is not known.
-std::optional<std::string> Completion(std::span<const Verb> table, std::string_view shell);
+std::optional<std::string> Completion(const Program& program, std::string_view shell);
 
-std::string BashCompletion(std::span<const Verb> table);
-std::string ZshCompletion(std::span<const Verb> table);
-std::string FishCompletion(std::span<const Verb> table);
+std::string BashCompletion(const Program& program);
+std::string ZshCompletion(const Program& program);
+std::string FishCompletion(const Program& program);
 
 /// A text as one word of a POSIX shell: in single quotes.
 std::string Quoted(std::string_view text);

@@ -29,6 +29,7 @@ std::string Action(Offer offer, std::string_view words) {
       return "COMPREPLY=($(compgen -W " + Quoted(words) + " -- \"$cur\"))";
     case Offer::kVerb:
       return "COMPREPLY=($(compgen -W \"$verbs\" -- \"$cur\"))";
+    case Offer::kSerial:
     case Offer::kNothing:
       break;
   }
@@ -76,12 +77,13 @@ std::string SecondWordCases(std::span<const Verb> table) {
 
 }  // namespace
 
-std::string BashCompletion(std::span<const Verb> table) {
+std::string BashCompletion(const Program& program) {
+  const std::span<const Verb> table = program.verbs;
   std::string text = "# bash completion for kelva; made from its table of commands\n\n";
   text += "_kelva_serials() { kelva list 2>/dev/null | sed -n '2,$s/ .*//p'; }\n\n";
   text += "_kelva() {\n  local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}\n";
   text += "  local verbs=" + Quoted(Joined(FirstWords(table))) + "\n";
-  text += "  local common=" + Quoted(OptionWords(CommonOptions())) + "\n";
+  text += "  local common=" + Quoted(OptionWords(program.options)) + "\n";
   text += "  local verb='' seconds='' options='' i word\n  COMPREPLY=()\n  argument() { COMPREPLY=(); }\n";
   text += "  for ((i = 1; i < COMP_CWORD; i++)); do\n    word=${COMP_WORDS[i]}\n";
   text += "    [[ $word == -* ]] && continue\n    if [[ -z $verb ]]; then\n";
@@ -90,7 +92,7 @@ std::string BashCompletion(std::span<const Verb> table) {
   text +=
       "      esac\n    elif [[ \" $seconds \" == *\" $word \"* ]]; then\n      verb=\"$verb $word\"; seconds=''\n    "
       "fi\n  done\n";
-  text += "  case $prev in\n" + ValueCases(CommonOptions(), "") + "  esac\n";
+  text += "  case $prev in\n" + ValueCases(program.options, "") + "  esac\n";
   text += "  case \"$verb $prev\" in\n" + ValueCasesOfVerbs(table) + "  esac\n";
   text += "  case $verb in\n";
   for (const Verb& verb : table) text += VerbCase(verb);

@@ -24,11 +24,13 @@ constexpr Verb kTable[] = {
     {"control set", "Set", kPath, {}, "", "", {}, nullptr},
     {"completion", "Script", kShell, {}, "", "", {}, nullptr},
 };
+constexpr Option kCommon[] = {{"timeout", 0, "SECONDS", "End."}};
+constexpr Program kProgram = {"kelva", "1", "", "", kTable, kCommon};
 
 // What bash offers after these words, with the script in force.
 std::string Offered(const std::string& words) {
   const std::string script = testing::TempDir() + "completion-" + std::to_string(::getpid()) + ".bash";
-  std::ofstream(script) << BashCompletion(kTable);
+  std::ofstream(script) << BashCompletion(kProgram);
   const std::string command = "bash -c 'source " + script + "; compopt() { :; }; COMP_WORDS=(" + words +
                               "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _kelva; echo ${COMPREPLY[*]}' 2>&1";
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);

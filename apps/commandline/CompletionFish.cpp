@@ -25,6 +25,7 @@ std::string Action(Offer offer, std::string_view words) {
       return " -x -a " + FishQuoted(words);
     case Offer::kVerb:
       return " -x -a '(__kelva_verbs)'";
+    case Offer::kSerial:
     case Offer::kNothing:
       break;
   }
@@ -84,13 +85,14 @@ std::string VerbLines(std::span<const Verb> table, const Verb& verb) {
 
 }  // namespace
 
-std::string FishCompletion(std::span<const Verb> table) {
+std::string FishCompletion(const Program& program) {
+  const std::span<const Verb> table = program.verbs;
   std::string text = "# fish completion for kelva; made from its table of commands\n\n";
   text += "function __kelva_serials\n    kelva list 2>/dev/null | sed -n '2,$s/ .*//p'\nend\n\n";
   text += "function __kelva_verbs\n    printf '%s\\n'";
   for (const std::string_view first : FirstWords(table)) text += " " + std::string(first);
   text += "\nend\n\ncomplete -c kelva -f\n";
-  for (const Option& option : CommonOptions()) text += OptionLine(option, "");
+  for (const Option& option : program.options) text += OptionLine(option, "");
   for (const Verb& verb : table) text += VerbLines(table, verb);
   return text;
 }

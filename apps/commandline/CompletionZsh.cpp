@@ -25,6 +25,7 @@ std::string Action(Offer offer, std::string_view words) {
       return "(" + std::string(words) + ")";
     case Offer::kVerb:
       return "_kelva_verbs";
+    case Offer::kSerial:
     case Offer::kNothing:
       break;
   }
@@ -58,8 +59,8 @@ std::string ArgumentSpecs(const Verb& verb) {
   return text;
 }
 
-std::string VerbCase(const Verb& verb) {
-  return "    " + Quoted(verb.name) + ")\n      _arguments -s" + OptionSpecs(CommonOptions()) +
+std::string VerbCase(const Program& program, const Verb& verb) {
+  return "    " + Quoted(verb.name) + ")\n      _arguments -s" + OptionSpecs(program.options) +
          OptionSpecs(verb.options) + ArgumentSpecs(verb) + "\n      ;;\n";
 }
 
@@ -87,7 +88,8 @@ std::string SecondWordCases(std::span<const Verb> table) {
 
 }  // namespace
 
-std::string ZshCompletion(std::span<const Verb> table) {
+std::string ZshCompletion(const Program& program) {
+  const std::span<const Verb> table = program.verbs;
   std::string text = "#compdef kelva\n# zsh completion for kelva; made from its table of commands\n\n";
   text +=
       "_kelva_verbs() {\n  local -a verbs\n  verbs=(\n" + Described(table) + "  )\n  _describe command verbs\n}\n\n";
@@ -96,7 +98,7 @@ std::string ZshCompletion(std::span<const Verb> table) {
       ".*//p')\"})\n";
   text += "  compadd -a serials\n}\n\n";
   text += "_kelva() {\n  local -a seconds\n  local verb\n";
-  text += "  if (( CURRENT == 2 )); then\n    [[ $words[2] == -* ]] && _arguments" + OptionSpecs(CommonOptions()) +
+  text += "  if (( CURRENT == 2 )); then\n    [[ $words[2] == -* ]] && _arguments" + OptionSpecs(program.options) +
           "\n    [[ $words[2] == -* ]] || _kelva_verbs\n    return\n  fi\n";
   text += "  verb=$words[2]\n  case $verb in\n" + SecondWordCases(table) + "  esac\n";
   text += "  if (( $#seconds )); then\n    if (( CURRENT == 3 )); then\n      compadd -a seconds\n";
@@ -104,7 +106,7 @@ std::string ZshCompletion(std::span<const Verb> table) {
       "    elif (( ${seconds[(Ie)$words[3]]} )); then\n      verb=\"$verb $words[3]\"\n      shift words\n      (( "
       "CURRENT-- ))\n    fi\n  fi\n";
   text += "  shift words\n  (( CURRENT-- ))\n  case $verb in\n";
-  for (const Verb& verb : table) text += VerbCase(verb);
+  for (const Verb& verb : table) text += VerbCase(program, verb);
   text += "  esac\n}\n\n";
   // Found in $fpath, this file is the body of _kelva when it is first called; read with `source`, it is not.
   return text + "if [[ $funcstack[1] == _kelva ]]; then\n  _kelva \"$@\"\nelse\n  compdef _kelva kelva\nfi\n";

@@ -23,11 +23,13 @@ constexpr Verb kTable[] = {
     {"control set", "Set", kPath, {}, "", "", {}, nullptr},
     {"completion", "Script", kShell, {}, "", "", {}, nullptr},
 };
+constexpr Option kCommon[] = {{"timeout", 0, "SECONDS", "End."}};
+constexpr Program kProgram = {"kelva", "1", "", "", kTable, kCommon};
 
 TEST(CompletionTest, ThereIsOneForEachShellAndNoOther) {
-  EXPECT_TRUE(Completion(kTable, "zsh").has_value());
-  EXPECT_TRUE(Completion(kTable, "fish").has_value());
-  EXPECT_FALSE(Completion(kTable, "cmd").has_value());
+  EXPECT_TRUE(Completion(kProgram, "zsh").has_value());
+  EXPECT_TRUE(Completion(kProgram, "fish").has_value());
+  EXPECT_FALSE(Completion(kProgram, "cmd").has_value());
 }
 
 TEST(CompletionTest, NamesAreSplitIntoTheirWords) {

@@ -22,6 +22,12 @@ class Failure : public std::runtime_error {
   int systemError_;
 };
 
+/// How a command ends and the sentence that says why.
+struct Outcome {
+  ExitCode code;
+  std::string sentence;
+};
+
 /// The failure of a system call: `doing` is what was tried ("create /tmp/x"), the reason is errno's.
 Failure SystemFailure(const std::string& doing, int error);
 

@@ -48,10 +48,10 @@ std::string ArgumentList(const Verb& verb) {
   return text;
 }
 
-std::string ExampleList(const Verb& verb) {
+std::string ExampleList(const Program& program, const Verb& verb) {
   std::string text;
   for (const Example& example : verb.examples) {
-    text += "  " + std::string(example.command) + "\n" + Wrapped(example.meaning, 6);
+    text += "  " + CommandOf(program, example) + "\n" + Wrapped(example.meaning, 6);
   }
   return text;
 }
@@ -69,8 +69,19 @@ std::string Wrapped(std::string_view text, std::size_t indent, std::size_t width
   }
 }
 
-std::string UsageLine(const Verb& verb) {
-  std::string line = "kelva " + std::string(verb.name) + " [OPTIONS]";
+std::string CommandOf(const Program& program, const Example& example) {
+  constexpr std::string_view kPlace = "PROGRAM";
+  std::string command(example.command);
+  const std::size_t at = command.find(kPlace);
+  return at == std::string::npos ? command : command.replace(at, kPlace.size(), program.name);
+}
+
+std::string UsageLine(const Program& program, const Verb& verb) {
+  std::string line = std::string(program.name) + " " + std::string(verb.name);
+  for (const Option& option : verb.options) {
+    if (option.needed) line += " --" + std::string(option.name) + " " + std::string(option.value);
+  }
+  line += " [OPTIONS]";
   for (const Argument& argument : verb.arguments) {
     const std::string name(argument.name);
     switch (argument.count) {
@@ -94,24 +105,23 @@ std::string OptionHead(const Option& option) {
   return option.value.empty() ? head : head + " " + std::string(option.value);
 }
 
-std::string HelpFor(const Verb& verb) {
-  std::string text = std::string(verb.summary) + ".\n\nUsage: " + UsageLine(verb) + "\n";
+std::string HelpFor(const Program& program, const Verb& verb) {
+  std::string text = std::string(verb.summary) + ".\n\nUsage: " + UsageLine(program, verb) + "\n";
   if (!verb.details.empty()) text += "\n" + Wrapped(verb.details, 0);
   if (!verb.arguments.empty()) text += "\nArguments:\n" + ArgumentList(verb);
   if (!verb.options.empty()) text += "\nOptions:\n" + OptionList(verb.options);
-  text += "\nOptions of every command:\n" + OptionList(CommonOptions());
-  if (!verb.examples.empty()) text += "\nExamples:\n" + ExampleList(verb);
+  text += "\nOptions of every command:\n" + OptionList(program.options);
+  if (!verb.examples.empty()) text += "\nExamples:\n" + ExampleList(program, verb);
   return text;
 }
 
-std::string Overview(std::span<const Verb> table) {
-  std::string text =
-      "Everything that a Kelva camera can do, from the command line.\n\nUsage: kelva COMMAND [OPTIONS] "
-      "[WORDS]\n\nCommands:\n";
-  for (const Verb& verb : table) text += Entry(std::string(verb.name), verb.summary, 22);
-  text += "\nOptions of every command:\n" + OptionList(CommonOptions());
-  return text +
-         "\n`kelva help COMMAND` says more about one. Results go to standard output, messages to standard error.\n";
+std::string Overview(const Program& program) {
+  const std::string name(program.name);
+  std::string text = std::string(program.summary) + ".\n\nUsage: " + name + " COMMAND [OPTIONS] [WORDS]\n\nCommands:\n";
+  for (const Verb& verb : program.verbs) text += Entry(std::string(verb.name), verb.summary, 22);
+  text += "\nOptions of every command:\n" + OptionList(program.options);
+  return text + "\n`" + name +
+         " help COMMAND` says more about one. Results go to standard output, messages to standard error.\n";
 }
 
 }  // namespace apps

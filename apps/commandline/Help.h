@@ -1,22 +1,24 @@
 #ifndef KELVA_APPS_COMMANDLINE_HELP_H_
 #define KELVA_APPS_COMMANDLINE_HELP_H_
 
-#include <span>
 #include <string>
 #include <string_view>
 
-#include "apps/commandline/Verb.h"
+#include "apps/commandline/Program.h"
 
 namespace apps {
 
 /// All verbs with their summaries, and the common options.
-std::string Overview(std::span<const Verb> table);
+std::string Overview(const Program& program);
 
 /// Everything about one verb, for a terminal of 80 columns.
-std::string HelpFor(const Verb& verb);
+std::string HelpFor(const Program& program, const Verb& verb);
 
 /// "kelva get [OPTIONS] PATH..."
-std::string UsageLine(const Verb& verb);
+std::string UsageLine(const Program& program, const Verb& verb);
+
+/// The command of an example, with the program's name in the place of PROGRAM.
+std::string CommandOf(const Program& program, const Example& example);
 
 /// "-s, --serial SERIAL"
 std::string OptionHead(const Option& option);

@@ -13,8 +13,9 @@ std::string Upper(std::string text) {
   return text;
 }
 
-std::string Title(const std::string& name, std::string_view version) {
-  return ".TH " + Upper(Troff(name)) + " 1 \"\" \"kelva " + std::string(version) + "\" \"Kelva manual\"\n";
+std::string Title(const Program& program, const std::string& name) {
+  const std::string source = std::string(program.name) + " " + std::string(program.version);
+  return ".TH " + Upper(Troff(name)) + " 1 \"\" \"" + Troff(source) + "\" \"Kelva manual\"\n";
 }
 
 std::string Section(std::string_view title, const std::string& body) {
@@ -51,9 +52,9 @@ std::string Arguments(const Verb& verb) {
   return text;
 }
 
-std::string Examples(const Verb& verb) {
+std::string Examples(const Program& program, const Verb& verb) {
   std::string text;
-  for (const Example& example : verb.examples) text += Item(Troff(example.command), example.meaning);
+  for (const Example& example : verb.examples) text += Item(Troff(CommandOf(program, example)), example.meaning);
   return text;
 }
 
@@ -69,34 +70,20 @@ std::string JsonMembers(const Verb& verb) {
   return text;
 }
 
-std::string ExitStatus() {
+std::string ExitStatus(const Program& program) {
   std::string text;
-  for (const ExitCodeRow& row : kExitCodes) {
+  for (const ExitCodeRow& row : program.exitCodes) {
     const std::string head = std::to_string(static_cast<int>(row.code)) + " (" + std::string(row.word) + ")";
     text += Item(Troff(head), row.meaning);
   }
   return text;
 }
 
-std::string Environment() {
-  return Item("KELVA_SERIAL", "The camera to use when --serial is not given.") +
-         Item("NO_COLOR", "Set to anything: no colours.") + Item("TERM", "With \"dumb\", no progress bars either.");
+std::string Environment(const Program& program) {
+  std::string text;
+  for (const Variable& variable : program.environment) text += Item(Troff(variable.name), variable.meaning);
+  return text;
 }
-
-constexpr std::string_view kDescription =
-    "kelva does with a Kelva camera everything that the camera can do. Each command opens the camera, does its work "
-    "and "
-    "closes it again.\n\n"
-    "Results go to standard output, messages and progress to standard error. With --json the result is one JSON "
-    "document "
-    "(commands that report events give one object a line), whose form is stable and carries the number of its schema; "
-    "the "
-    "text form is for people and may change. Names and texts from a camera are shown with \\xNN in place of bytes that "
-    "a "
-    "terminal would obey.\n\n"
-    "With one camera attached no choice is needed. With several, --serial or KELVA_SERIAL chooses; a number that is "
-    "not "
-    "attached is an error, and never another camera.";
 
 }  // namespace
 
@@ -132,30 +119,34 @@ std::string Troff(std::string_view text) {
   return out;
 }
 
-std::string ManName(const Verb& verb) {
-  std::string name = "kelva-" + std::string(verb.name);
+std::string ManName(const Program& program, const Verb& verb) {
+  std::string name = std::string(program.name) + "-" + std::string(verb.name);
   std::replace(name.begin(), name.end(), ' ', '-');
   return name;
 }
 
-std::string ManPageOfVerb(const Verb& verb, std::string_view version) {
-  const std::string name = ManName(verb);
-  return Title(name, version) + Section("NAME", Troff(name + " - ") + Troff(verb.summary) + "\n") +
-         Section("SYNOPSIS", ".B " + Troff(UsageLine(verb)) + "\n") + Section("DESCRIPTION", Paragraphs(verb.details)) +
-         Section("ARGUMENTS", Arguments(verb)) +
-         Section("OPTIONS", Options(verb.options) + ".PP\nThe options of every command are in\n.BR kelva (1).\n") +
-         Section("JSON RESULT", JsonMembers(verb)) + Section("EXAMPLES", Examples(verb)) +
-         Section("EXIT STATUS", "See\n.BR kelva (1).\n") + Section("SEE ALSO", ".BR kelva (1)\n");
+std::string ManPageOfVerb(const Program& program, const Verb& verb) {
+  const std::string name = ManName(program, verb);
+  const std::string page = ".BR " + Troff(program.name) + " (1)";
+  return Title(program, name) + Section("NAME", Troff(name + " - ") + Troff(verb.summary) + "\n") +
+         Section("SYNOPSIS", ".B " + Troff(UsageLine(program, verb)) + "\n") +
+         Section("DESCRIPTION", Paragraphs(verb.details)) + Section("ARGUMENTS", Arguments(verb)) +
+         Section("OPTIONS", Options(verb.options) + ".PP\nThe options of every command are in\n" + page + ".\n") +
+         Section("JSON RESULT", JsonMembers(verb)) + Section("EXAMPLES", Examples(program, verb)) +
+         Section("EXIT STATUS", "See\n" + page + ".\n") + Section("SEE ALSO", page + "\n");
 }
 
-std::string ManPageOfTool(std::span<const Verb> table, std::string_view version) {
+std::string ManPageOf(const Program& program) {
+  const std::string name = Troff(program.name);
   std::string commands;
-  for (const Verb& verb : table) commands += ".TP\n.BR " + Troff(ManName(verb)) + " (1)\n" + Troff(verb.summary) + "\n";
-  return Title("kelva", version) + Section("NAME", "kelva \\- everything that a Kelva camera can do\n") +
-         Section("SYNOPSIS", ".B kelva COMMAND [OPTIONS] [WORDS]\n") +
-         Section("DESCRIPTION", Paragraphs(kDescription)) + Section("COMMANDS", commands) +
-         Section("OPTIONS", Options(CommonOptions())) + Section("EXIT STATUS", ExitStatus()) +
-         Section("ENVIRONMENT", Environment());
+  for (const Verb& verb : program.verbs) {
+    commands += ".TP\n.BR " + Troff(ManName(program, verb)) + " (1)\n" + Troff(verb.summary) + "\n";
+  }
+  return Title(program, std::string(program.name)) + Section("NAME", name + " \\- " + Troff(program.summary) + "\n") +
+         Section("SYNOPSIS", ".B " + name + " COMMAND [OPTIONS] [WORDS]\n") +
+         Section("DESCRIPTION", Paragraphs(program.description)) + Section("COMMANDS", commands) +
+         Section("OPTIONS", Options(program.options)) + Section("EXIT STATUS", ExitStatus(program)) +
+         Section("ENVIRONMENT", Environment(program));
 }
 
 }  // namespace apps

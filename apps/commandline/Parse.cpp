@@ -22,7 +22,7 @@ bool IsOption(std::string_view word) {
 
 const Option* FindOption(std::span<const Option> options, std::string_view name) {
   for (const Option& option : options) {
-    if (option.name == name) return &option;
+    if (option.name == name || (!option.alias.empty() && option.alias == name)) return &option;
   }
   return nullptr;
 }
@@ -36,7 +36,9 @@ const Option* FindLetter(std::span<const Option> options, char letter) {
 
 class Parser {
  public:
-  Parser(std::span<const Verb> table, std::span<const char* const> arguments) : table_(table), rest_(arguments) {}
+  Parser(const Program& program, std::span<const char* const> arguments) : program_(program), rest_(arguments) {
+    result_.program = &program;
+  }
 
   Invocation Run() {
     while (!rest_.empty()) {
@@ -73,26 +75,27 @@ class Parser {
   // A name of two words goes before its first word alone.
   void ChooseVerb(std::string_view word) {
     if (!rest_.empty()) {
-      result_.verb = FindVerb(table_, std::string(word) + " " + rest_.front());
+      result_.verb = FindVerb(program_.verbs, std::string(word) + " " + rest_.front());
       if (result_.verb != nullptr) {
         Take();
         return;
       }
     }
-    result_.verb = FindVerb(table_, word);
+    result_.verb = FindVerb(program_.verbs, word);
     if (result_.verb == nullptr) throw UnknownVerb(word);
   }
 
   Failure UnknownVerb(std::string_view word) const {
     std::string second;
-    for (const Verb& verb : table_) {
+    for (const Verb& verb : program_.verbs) {
       if (!verb.name.starts_with(std::string(word) + " ")) continue;
       second += (second.empty() ? "" : ", ") + std::string(verb.name.substr(word.size() + 1));
     }
     const std::string name(word);
-    if (!second.empty()) return Usage("`kelva " + name + "` needs one of these after it: " + second + ".");
-    const std::string_view near = NearestVerb(table_, word);
-    const std::string advice = near.empty() ? "`kelva help` lists all" : "did you mean `" + std::string(near) + "`?";
+    if (!second.empty()) return Usage(Command(name) + " needs one of these after it: " + second + ".");
+    const std::string_view near = NearestVerb(program_.verbs, word);
+    const std::string advice =
+        near.empty() ? Command("help") + " lists all" : "did you mean `" + std::string(near) + "`?";
     return Usage("There is no command \"" + Printable(name) + "\"; " + advice + (near.empty() ? "." : ""));
   }
 
@@ -105,12 +108,14 @@ class Parser {
   std::span<const Option> Own() const {
     return result_.verb == nullptr ? std::span<const Option>() : result_.verb->options;
   }
-  std::string Of() const {
-    return result_.verb == nullptr ? "" : " of `kelva " + std::string(result_.verb->name) + "`";
+  // "`kelva get`"
+  std::string Command(std::string_view words) const {
+    return "`" + std::string(program_.name) + " " + std::string(words) + "`";
   }
+  std::string Of() const { return result_.verb == nullptr ? "" : " of " + Command(result_.verb->name); }
   std::string Help() const {
     const std::string name = result_.verb == nullptr ? "" : " " + std::string(result_.verb->name);
-    return "; `kelva help" + name + "` shows how it is used.";
+    return "; " + Command("help" + name) + " shows how it is used.";
   }
 
   void AddLong(std::string_view text) {
@@ -121,7 +126,7 @@ class Parser {
     const std::size_t equals = text.find('=');
     const std::string_view name = text.substr(0, equals);
     const std::string shown = "--" + std::string(name);
-    const Option& option = Known(FindOption(CommonOptions(), name), FindOption(Own(), name), shown);
+    const Option& option = Known(FindOption(program_.options, name), FindOption(Own(), name), shown);
     if (equals != std::string_view::npos) {
       if (option.value.empty()) throw Usage(shown + " takes no value" + Help());
       result_.Add(option.name, std::string(text.substr(equals + 1)));
@@ -133,7 +138,7 @@ class Parser {
   void AddLetters(std::string_view letters) {
     while (!letters.empty()) {
       const std::string shown = std::string("-") + letters[0];
-      const Option& option = Known(FindLetter(CommonOptions(), letters[0]), FindLetter(Own(), letters[0]), shown);
+      const Option& option = Known(FindLetter(program_.options, letters[0]), FindLetter(Own(), letters[0]), shown);
       letters.remove_prefix(1);
       if (option.value.empty() || letters.empty()) {
         AddSeparate(option, shown);
@@ -156,8 +161,16 @@ class Parser {
 
   void Finish() const {
     if (result_.Has("help") || result_.version) return;
-    if (result_.verb == nullptr) throw Usage("No command was given; `kelva help` lists all.");
+    if (result_.verb == nullptr) throw Usage("No command was given; " + Command("help") + " lists all.");
     CheckCount();
+    for (const Option& option : result_.verb->options) {
+      if (option.needed && !result_.Has(option.name))
+        throw Needs("--" + std::string(option.name) + " " + std::string(option.value));
+    }
+  }
+
+  Failure Needs(std::string_view what) const {
+    return Usage(Command(result_.verb->name) + " needs " + std::string(what) + Help());
   }
 
   void CheckCount() const {
@@ -165,7 +178,7 @@ class Parser {
     std::size_t most = 0;
     for (const Argument& argument : result_.verb->arguments) {
       if (argument.count != Argument::Count::kOptional && result_.words.size() <= least) {
-        throw Usage("`kelva " + std::string(result_.verb->name) + "` needs " + std::string(argument.name) + Help());
+        throw Needs(argument.name);
       }
       least += argument.count == Argument::Count::kOptional ? 0 : 1;
       most = argument.count == Argument::Count::kOneOrMore ? static_cast<std::size_t>(-1) : most + 1;
@@ -176,7 +189,7 @@ class Parser {
     }
   }
 
-  std::span<const Verb> table_;
+  const Program& program_;
   std::span<const char* const> rest_;
   bool onlyWords_ = false;
   Invocation result_;
@@ -204,8 +217,8 @@ std::vector<std::string> Invocation::Values(std::string_view option) const {
   return all;
 }
 
-Invocation Parse(std::span<const Verb> table, std::span<const char* const> arguments) {
-  return Parser(table, arguments).Run();
+Invocation Parse(const Program& program, std::span<const char* const> arguments) {
+  return Parser(program, arguments).Run();
 }
 
 const Verb* FindVerb(std::span<const Verb> table, std::string_view name) {

@@ -9,13 +9,14 @@
 #include <utility>
 #include <vector>
 
-#include "apps/commandline/Verb.h"
+#include "apps/commandline/Program.h"
 
 namespace apps {
 
 /// A command line that has been understood: one verb, its words and its options.
 class Invocation {
  public:
+  const Program* program = nullptr;
   const Verb* verb = nullptr;  ///< null when only --help or --version was asked
   std::vector<std::string> words;
   bool version = false;
@@ -33,7 +34,7 @@ class Invocation {
 
 /// Reads a command line without the program's name. Options may stand anywhere; "--" ends them; "-" and negative
 /// numbers are words. Throws Failure(kUsage).
-Invocation Parse(std::span<const Verb> table, std::span<const char* const> arguments);
+Invocation Parse(const Program& program, std::span<const char* const> arguments);
 
 /// The verb of a table by its full name, or null.
 const Verb* FindVerb(std::span<const Verb> table, std::string_view name);

@@ -23,8 +23,11 @@ constexpr Verb kTable[] = {
     {"wifi name", "Name", kPath, {}, "", "", {}, nullptr}, {"wifi off", "Off", {}, {}, "", "", {}, nullptr},
 };
 
+constexpr Option kCommon[] = {{"serial", 's', "SERIAL", "The camera."}, kJsonOption, kQuietOption, kHelpOption};
+constexpr Program kProgram = {"kelva", "1", "", "", kTable, kCommon};
+
 Invocation ParseWords(std::vector<const char*> words) {
-  return Parse(kTable, words);
+  return Parse(kProgram, words);
 }
 
 std::string UsageError(std::vector<const char*> words) {

@@ -67,7 +67,7 @@ class ProgressTest : public testing::Test {
 };
 
 TEST_F(ProgressTest, EventsForScriptsComeAtMostTwiceASecond) {
-  Reporter reporter(page_.Get(), {.json = true});
+  Reporter reporter("kelva", page_.Get(), {.json = true});
   Progress progress(reporter, stop_, "A\x1b", 1000);
   const auto start = Progress::Clock::now();
   progress.At(0, start);
@@ -79,7 +79,7 @@ TEST_F(ProgressTest, EventsForScriptsComeAtMostTwiceASecond) {
 }
 
 TEST_F(ProgressTest, OneFileAfterAnotherGivesNoMoreEventsThanOne) {
-  Reporter reporter(page_.Get(), {.json = true});
+  Reporter reporter("kelva", page_.Get(), {.json = true});
   const auto start = Progress::Clock::now();
   for (const auto at : {0ms, 1ms, 499ms, 500ms, 999ms}) Progress(reporter, stop_, "A", 1000).At(0, start + at);
   const std::string shown = Shown();
@@ -87,7 +87,7 @@ TEST_F(ProgressTest, OneFileAfterAnotherGivesNoMoreEventsThanOne) {
 }
 
 TEST_F(ProgressTest, AShareIsAnEventWithoutBytes) {
-  Reporter reporter(page_.Get(), {.json = true});
+  Reporter reporter("kelva", page_.Get(), {.json = true});
   Progress progress(reporter, stop_, "writing", 0);
   const auto start = Progress::Clock::now();
   progress.AtShare(0.25, start + 1s);
@@ -100,9 +100,9 @@ TEST_F(ProgressTest, AShareIsAnEventWithoutBytes) {
 }
 
 TEST_F(ProgressTest, WhatNobodySeesIsNeverDue) {
-  Reporter silent(page_.Get(), {});
+  Reporter silent("kelva", page_.Get(), {});
   EXPECT_FALSE(Progress(silent, stop_, "A", 1000).IsDue());
-  Reporter reporter(page_.Get(), {.json = true});
+  Reporter reporter("kelva", page_.Get(), {.json = true});
   Progress progress(reporter, stop_, "A", 1000);
   const auto start = Progress::Clock::now();
   EXPECT_TRUE(progress.IsDue(start));
@@ -112,13 +112,13 @@ TEST_F(ProgressTest, WhatNobodySeesIsNeverDue) {
 }
 
 TEST_F(ProgressTest, TheBarIsTakenAwayAtTheEnd) {
-  Reporter reporter(page_.Get(), {.terminal = true});
+  Reporter reporter("kelva", page_.Get(), {.terminal = true});
   { Progress(reporter, stop_, "A", 1000).At(10); }
   EXPECT_TRUE(Shown().ends_with("\r\x1b[K"));
 }
 
 TEST_F(ProgressTest, ARunningTransferStopsWhenAsked) {
-  Reporter reporter(page_.Get(), {});
+  Reporter reporter("kelva", page_.Get(), {});
   Progress progress(reporter, stop_, "A", 1000);
   Progress::Callback(&progress, 0.5F);
   stop_.Request();

@@ -53,7 +53,7 @@ void Reporter::Ask(std::string_view sentence) {
 void Reporter::Remark(std::string_view sentence) {
   const std::scoped_lock lock(mutex_);
   if (style_.json) return Write(EventLine("note", Json::Object().Set("message", sentence)));
-  Write("kelva: " + std::string(sentence) + "\n");
+  Write(std::string(program_) + ": " + std::string(sentence) + "\n");
 }
 
 std::string Reporter::Line(std::string_view sentence, ExitCode code) const {
@@ -62,8 +62,8 @@ std::string Reporter::Line(std::string_view sentence, ExitCode code) const {
         "error",
         Json::Object().Set("exit", static_cast<int>(code)).Set("reason", WordOf(code)).Set("message", sentence));
   }
-  const std::string prefix = style_.colour ? "\x1b[1;31mkelva:\x1b[0m " : "kelva: ";
-  return prefix + std::string(sentence) + "\n";
+  const std::string name = std::string(program_) + ":";
+  return (style_.colour ? "\x1b[1;31m" + name + "\x1b[0m " : name + " ") + std::string(sentence) + "\n";
 }
 
 void Reporter::Error(std::string_view sentence, ExitCode code) {

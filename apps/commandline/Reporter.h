@@ -25,8 +25,8 @@ ReportStyle StyleFor(int fd, bool json, bool quiet);
 /// The tool's standard error: messages and progress. May be used from several threads.
 class Reporter {
  public:
-  /// `fd` stays the caller's.
-  Reporter(int fd, ReportStyle style) : fd_(fd), style_(style) {}
+  /// `program` begins each message and lives longer; `fd` stays the caller's.
+  Reporter(std::string_view program, int fd, ReportStyle style) : program_(program), fd_(fd), style_(style) {}
 
   /// A remark; not given when quiet.
   void Note(std::string_view sentence);
@@ -56,6 +56,7 @@ class Reporter {
   void Remark(std::string_view sentence);
   void Write(std::string_view text);
 
+  std::string_view program_;
   int fd_;
   ReportStyle style_;
   mutable std::mutex mutex_;

@@ -31,7 +31,7 @@ class Page {
 
 TEST(ReporterTest, MessagesCarryTheToolsName) {
   const Page page;
-  Reporter reporter(page.Fd(), {});
+  Reporter reporter("kelva", page.Fd(), {});
   reporter.Note("Two files.");
   reporter.Error("It is gone.", ExitCode::kGone);
   EXPECT_EQ(page.Text(), "kelva: Two files.\nkelva: It is gone.\n");
@@ -39,7 +39,7 @@ TEST(ReporterTest, MessagesCarryTheToolsName) {
 
 TEST(ReporterTest, QuietKeepsErrorsOnly) {
   const Page page;
-  Reporter reporter(page.Fd(), {.quiet = true, .terminal = true});
+  Reporter reporter("kelva", page.Fd(), {.quiet = true, .terminal = true});
   reporter.Note("Two files.");
   reporter.Overwrite("50 %");
   reporter.Error("It is gone.", ExitCode::kGone);
@@ -48,14 +48,14 @@ TEST(ReporterTest, QuietKeepsErrorsOnly) {
 
 TEST(ReporterTest, AQuestionIsAskedEvenWhenQuiet) {
   const Page page;
-  Reporter reporter(page.Fd(), {.quiet = true, .terminal = true});
+  Reporter reporter("kelva", page.Fd(), {.quiet = true, .terminal = true});
   reporter.Ask("Send it?");
   EXPECT_EQ(page.Text(), "kelva: Send it?\n");
 }
 
 TEST(ReporterTest, JsonStyleGivesOneObjectALine) {
   const Page page;
-  Reporter reporter(page.Fd(), {.json = true});
+  Reporter reporter("kelva", page.Fd(), {.json = true});
   reporter.Note("Two files.");
   reporter.Event(Json::Object().Set("done", 5));
   reporter.Error("It is gone.", ExitCode::kGone);
@@ -67,7 +67,7 @@ TEST(ReporterTest, JsonStyleGivesOneObjectALine) {
 
 TEST(ReporterTest, NothingIsOverwrittenWhereNobodyWatches) {
   const Page page;
-  Reporter reporter(page.Fd(), {});
+  Reporter reporter("kelva", page.Fd(), {});
   reporter.Overwrite("50 %");
   reporter.Event(Json::Object().Set("done", 5));
   reporter.Clear();
@@ -76,7 +76,7 @@ TEST(ReporterTest, NothingIsOverwrittenWhereNobodyWatches) {
 
 TEST(ReporterTest, AMessageTakesThePlaceOfTheBar) {
   const Page page;
-  Reporter reporter(page.Fd(), {.terminal = true});
+  Reporter reporter("kelva", page.Fd(), {.terminal = true});
   reporter.Overwrite("50 %");
   reporter.Note("Half.");
   reporter.Note("Done.");
@@ -85,7 +85,7 @@ TEST(ReporterTest, AMessageTakesThePlaceOfTheBar) {
 
 TEST(ReporterTest, ErrorsAreRedWhereColoursAreWanted) {
   const Page page;
-  Reporter reporter(page.Fd(), {.terminal = true, .colour = true});
+  Reporter reporter("kelva", page.Fd(), {.terminal = true, .colour = true});
   reporter.Error("No.", ExitCode::kFailed);
   EXPECT_EQ(page.Text(), "\x1b[1;31mkelva:\x1b[0m No.\n");
 }
@@ -98,7 +98,7 @@ TEST(ReporterTest, TheLastWordDoesNotWaitForABlockedReader) {
   const std::string block(4096, 'x');
   while (::write(writer.Get(), block.data(), block.size()) > 0) {
   }
-  Reporter reporter(writer.Get(), {});
+  Reporter reporter("kelva", writer.Get(), {});
   reporter.LastWord("Interrupted.", ExitCode::kInterrupted);
 }
 

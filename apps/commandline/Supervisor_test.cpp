@@ -33,7 +33,7 @@ class SupervisorTest : public testing::Test {
   }
 
   base::FileDescriptor page_{::memfd_create("page", MFD_CLOEXEC)};
-  Reporter reporter_{page_.Get(), {}};
+  Reporter reporter_{"kelva", page_.Get(), {}};
 };
 
 // Ends when it is asked to.
@@ -95,7 +95,7 @@ TEST_F(SupervisorDeathTest, WorkThatCannotStopIsLeftAndItsFileRemoved) {
         TakeOverSignals();
         const base::FileDescriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY));
         const ScratchRecord record(dir.Get(), "part");
-        Reporter reporter(STDERR_FILENO, {});
+        Reporter reporter("kelva", STDERR_FILENO, {});
         Supervise(Stuck, {.timeout = 10ms, .grace = 10ms}, reporter);
       },
       ExitedWithCode(8), "Timed out after 0.01 s");

@@ -11,7 +11,7 @@ namespace apps {
 class Context;
 
 /// What a shell offers where a word is expected.
-enum class Offer { kNothing, kFile, kFolder, kWords, kVerb };
+enum class Offer { kNothing, kFile, kFolder, kWords, kVerb, kSerial };
 
 /// A word that a verb takes beside its options.
 struct Argument {
@@ -30,8 +30,11 @@ struct Option {
   std::string_view help;
   Offer offer = Offer::kNothing;
   std::string_view words = {};
+  std::string_view alias = {};  ///< a second name, accepted but not shown
+  bool needed = false;          ///< whether the verb cannot do without it
 };
 
+/// In `command`, the word PROGRAM stands for the program's name.
 struct Example {
   std::string_view command;
   std::string_view meaning;
@@ -50,9 +53,6 @@ struct Verb {
   bool guarded = false;               ///< an abort in one item does not end the whole; see Guard
   std::string_view guardedWith = {};  ///< for verbs that are guarded with one option only: that option
 };
-
-/// The options that every verb takes.
-std::span<const Option> CommonOptions();
 
 }  // namespace apps
 

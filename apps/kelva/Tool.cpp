@@ -1,6 +1,7 @@
 #include "apps/kelva/Tool.h"
 
 #include <poll.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <string>
@@ -8,11 +9,10 @@
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Failure.h"
-#include "apps/commandline/Help.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Run.h"
 #include "apps/commandline/Supervisor.h"
 #include "apps/kelva/CameraSource.h"
-#include "apps/kelva/verbs/HelpVerbs.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
@@ -22,31 +22,6 @@ constexpr std::string_view kAbortSentence =
     "The camera sent more than it had announced, which the library does not survive; nothing unfinished was kept. "
     "Repeat the command, and restart the camera if it stays.";
 
-// Options that shape messages count even when the command line as a whole is not understood.
-bool Mentions(std::span<const char* const> arguments, std::string_view option) {
-  for (const std::string_view argument : arguments) {
-    if (argument == option) return true;
-  }
-  return false;
-}
-
-Json ErrorMembers(const Outcome& outcome) {
-  return Json::Object().Set("reason", WordOf(outcome.code)).Set("error", outcome.sentence);
-}
-
-ExitCode GiveError(Reporter& reporter, Output& out, std::string_view verb, const Outcome& outcome) {
-  reporter.Error(outcome.sentence, outcome.code);
-  if (reporter.Style().json && out.TakeEnd()) {
-    try {
-      out.Add(ResultLine(verb, outcome.code, ErrorMembers(outcome)));
-      out.Flush();
-    } catch (const Failure&) {
-      // Standard output is what failed; standard error has said it.
-    }
-  }
-  return outcome.code;
-}
-
 bool IsGuarded(const Invocation& call) {
   return call.verb->guarded && (call.verb->guardedWith.empty() || call.Has(call.verb->guardedWith));
 }
@@ -55,32 +30,23 @@ class Tool {
  public:
   explicit Tool(std::span<const char* const> arguments)
       : arguments_(arguments),
-        reporter_(
-            2, StyleFor(2, Mentions(arguments, "--json"), Mentions(arguments, "--quiet") || Mentions(arguments, "-q"))),
+        reporter_(Kelva().name, STDERR_FILENO, StyleFor(STDERR_FILENO, arguments)),
         out_(diversion_.Real()) {}
 
   ExitCode Run() {
     try {
-      call_ = Parse(AllVerbs(), arguments_);
+      call_ = Parse(Kelva(), arguments_);
       return Dispatch();
     } catch (const std::exception& error) {
-      return GiveError(reporter_, out_, Name(), Explain(error, "start"));
+      return GiveError(reporter_, out_, call_, Explain(error, "start"));
     }
   }
 
  private:
   std::string_view Name() const { return call_.verb == nullptr ? "" : call_.verb->name; }
 
-  ExitCode Print(const std::string& text) {
-    const bool json = reporter_.Style().json;
-    out_.Add(json ? ResultLine(Name(), ExitCode::kDone, Json::Object().Set("text", text)) : text);
-    out_.Flush();
-    return ExitCode::kDone;
-  }
-
   ExitCode Dispatch() {
-    if (call_.version) return Print("kelva " KELVA_VERSION "\n");
-    if (call_.Has("help")) return Print(call_.verb == nullptr ? Overview(AllVerbs()) : HelpFor(*call_.verb));
+    if (const auto text = Answer(call_)) return GiveText(out_, reporter_.Style(), call_, *text);
     Supervision supervision;
     supervision.atEnd = [this](ExitCode code, const std::string& sentence) { GiveEnd({code, sentence}); };
     if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");
@@ -121,10 +87,10 @@ class Tool {
     context.guard = guard;
     context.holdersOf = [this](const std::string& serial) { return HoldersInWords(call_.Value("virtual"), serial); };
     try {
-      if (!NeedsNoCamera(*call_.verb)) ChooseSource();
+      if (FindVerb(HelpVerbs(), Name()) == nullptr) ChooseSource();
       return call_.verb->run(context);
     } catch (const std::exception& error) {
-      return GiveError(reporter_, out_, Name(), Explain(error, context.WasDoing()));
+      return GiveError(reporter_, out_, call_, Explain(error, context.WasDoing()));
     }
   }
 

@@ -52,7 +52,7 @@ class SheetTest : public SheetFolderTest {
   StumblingCamera camera_;
   Invocation call_;
   Output out_{-1};
-  Reporter reporter_{-1, {.json = true}};
+  Reporter reporter_{"kelva", -1, {.json = true}};
   Stop stop_;
   StdoutDiversion diversion_;
   Context context_{call_, out_, reporter_, stop_, diversion_};

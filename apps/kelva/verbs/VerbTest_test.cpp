@@ -78,13 +78,13 @@ Ran VerbTest::Run(const std::vector<const char*>& arguments) {
   const base::FileDescriptor err(::memfd_create("err", MFD_CLOEXEC));
   const bool json = std::any_of(arguments.begin(), arguments.end(), [](std::string_view a) { return a == "--json"; });
   Output output(out.Get());
-  Reporter reporter(err.Get(), {.json = json});
+  Reporter reporter("kelva", err.Get(), {.json = json});
   const Stop stop;
   StdoutDiversion diversion;
   ExitCode code = ExitCode::kUsage;
   std::string doing;
   try {
-    const Invocation call = Parse(AllVerbs(), arguments);
+    const Invocation call = Parse(Kelva(), arguments);
     Context context(call, output, reporter, stop, diversion);
     try {
       code = call.verb->run(context);

@@ -3,11 +3,11 @@
 
 #include <span>
 
-#include "apps/commandline/Verb.h"
+#include "apps/commandline/Program.h"
 
 namespace apps {
 
-// The table of verbs, one group for each file. The order is that of the help.
+// The table of verbs, one group for each file. Kelva.cpp puts them in the order of the help.
 
 std::span<const Verb> ListVerbs();     ///< list
 std::span<const Verb> WatchVerbs();    ///< watch
@@ -29,10 +29,9 @@ std::span<const Verb> BundleVerbs();   ///< crash-logs, calibration
 std::span<const Verb> UpgradeVerbs();  ///< upgrade
 std::span<const Verb> ReportVerbs();   ///< report
 std::span<const Verb> DoctorVerbs();   ///< doctor
-std::span<const Verb> HelpVerbs();     ///< completion, manual, help
 
-/// All of them, in one piece.
-std::span<const Verb> AllVerbs();
+/// The tool: these verbs, then HelpVerbs(), and the options of all.
+const Program& Kelva();
 
 }  // namespace apps
 

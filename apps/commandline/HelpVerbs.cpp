@@ -1,5 +1,6 @@
-#include "apps/kelva/verbs/HelpVerbs.h"
-
+// The verbs that explain a program: help, manual and completion. All of them print what the program's table says.
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "apps/commandline/Completion.h"
@@ -8,8 +9,6 @@
 #include "apps/commandline/Help.h"
 #include "apps/commandline/ManPage.h"
 #include "apps/commandline/Printable.h"
-#include "apps/files/StoreFile.h"
-#include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
 namespace {
@@ -21,9 +20,10 @@ std::string NameInWords(const Context& context) {
   return name;
 }
 
-const Verb& Named(const std::string& name) {
-  if (const Verb* verb = FindVerb(AllVerbs(), name)) return *verb;
-  throw Failure(ExitCode::kUsage, "There is no command \"" + Printable(name) + "\"; `kelva help` lists all.");
+const Verb& Named(const Program& program, const std::string& name) {
+  if (const Verb* verb = FindVerb(program.verbs, name)) return *verb;
+  throw Failure(ExitCode::kUsage,
+                "There is no command \"" + Printable(name) + "\"; `" + std::string(program.name) + " help` lists all.");
 }
 
 ExitCode Print(Context& context, const std::string& text) {
@@ -32,33 +32,41 @@ ExitCode Print(Context& context, const std::string& text) {
 }
 
 ExitCode RunHelp(Context& context) {
+  const Program& program = *context.call.program;
   const std::string name = NameInWords(context);
-  return Print(context, name.empty() ? Overview(AllVerbs()) : HelpFor(Named(name)));
+  return Print(context, name.empty() ? Overview(program) : HelpFor(program, Named(program, name)));
 }
 
-void StorePage(const TargetFolder& folder, const std::string& name, const std::string& page) {
-  StoreReplacing(folder, name + ".1", page);
+void StorePage(const std::filesystem::path& folder, const std::string& name, const std::string& page) {
+  const std::filesystem::path path = folder / (name + ".1");
+  std::ofstream file(path, std::ios::binary);
+  file << page;
+  file.close();
+  if (!file) throw Failure(ExitCode::kFailed, "Cannot write " + Printable(path.string()) + "; choose another folder.");
 }
 
 ExitCode StoreAllPages(Context& context, const std::string& path) {
-  const TargetFolder folder = TargetFolder::OpenOrMake(path);
-  StorePage(folder, "kelva", ManPageOfTool(AllVerbs(), KELVA_VERSION));
-  for (const Verb& verb : AllVerbs()) StorePage(folder, ManName(verb), ManPageOfVerb(verb, KELVA_VERSION));
+  const Program& program = *context.call.program;
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  if (error) throw SystemFailure("create " + Printable(path), error.value());
+  StorePage(path, std::string(program.name), ManPageOf(program));
+  for (const Verb& verb : program.verbs) StorePage(path, ManName(program, verb), ManPageOfVerb(program, verb));
   Json members = Json::Object();
-  context.Result(std::move(members.SetBytes("folder", path).Set("files", AllVerbs().size() + 1)), "");
+  context.Result(std::move(members.SetBytes("folder", path).Set("files", program.verbs.size() + 1)), "");
   return ExitCode::kDone;
 }
 
 ExitCode RunManual(Context& context) {
   if (const auto into = context.call.Value("into")) return StoreAllPages(context, *into);
+  const Program& program = *context.call.program;
   const std::string name = NameInWords(context);
-  return Print(context,
-               name.empty() ? ManPageOfTool(AllVerbs(), KELVA_VERSION) : ManPageOfVerb(Named(name), KELVA_VERSION));
+  return Print(context, name.empty() ? ManPageOf(program) : ManPageOfVerb(program, Named(program, name)));
 }
 
 ExitCode RunCompletion(Context& context) {
   const std::string& shell = context.call.words[0];
-  const auto script = Completion(AllVerbs(), shell);
+  const auto script = Completion(*context.call.program, shell);
   if (!script) {
     throw Failure(ExitCode::kUsage,
                   "There are completions for bash, zsh and fish, not for \"" + Printable(shell) + "\".");
@@ -70,13 +78,12 @@ constexpr Argument kCommand[] = {{"COMMAND", "The command to explain.", Argument
                                  {"WORD", "Its second word, if it has one.", Argument::Count::kOptional}};
 constexpr Argument kShell[] = {{"SHELL", "bash, zsh or fish.", Argument::Count::kOne, Offer::kWords, kShells}};
 constexpr Example kCompletionExamples[] = {
-    {"source <(kelva completion bash)", "Completions in this shell; packages install them for all."}};
+    {"source <(PROGRAM completion bash)", "Completions in this shell; packages install them for all."}};
 constexpr Option kManualOptions[] = {
     {"into", 'd', "FOLDER", "Write all pages into this folder instead.", Offer::kFolder}};
-constexpr Example kManualExamples[] = {{"kelva manual get | man -l -", "Read a page that is not installed."}};
-
+constexpr Example kManualExamples[] = {{"PROGRAM manual help | man -l -", "Read a page that is not installed."}};
 constexpr Example kHelpExamples[] = {
-    {"kelva help wifi name", "Say how one command is used; without a command, list all."}};
+    {"PROGRAM help manual", "Say how one command is used; without a command, list all."}};
 
 constexpr std::string_view kTextMember = "text: what is printed without --json";
 
@@ -85,14 +92,12 @@ constexpr Verb kVerbs[] = {
      "Print a completion script for a shell",
      kShell,
      {},
-     "The script is made from the same table as --help and the manual pages, and offers the serial numbers of the "
-     "cameras "
-     "that are attached.",
+     "The shell then offers commands, options and the serial numbers of the cameras that are attached.",
      kTextMember,
      kCompletionExamples,
      RunCompletion},
     {"manual", "Print a manual page", kCommand, kManualOptions,
-     "Prints the page of the tool or of one command in troff form; packages install them all.",
+     "Prints the page of the program or of one command in troff form; packages install them all.",
      "text: the page\nfolder: where all pages were written, with --into\nfiles: how many", kManualExamples, RunManual},
     {"help",
      "Say how the commands are used",
@@ -105,10 +110,6 @@ constexpr Verb kVerbs[] = {
 };
 
 }  // namespace
-
-bool NeedsNoCamera(const Verb& verb) {
-  return FindVerb(kVerbs, verb.name) != nullptr;
-}
 
 std::span<const Verb> HelpVerbs() {
   return kVerbs;
