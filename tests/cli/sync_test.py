@@ -1,12 +1,17 @@
 """sync loses nothing and stores nothing half, whatever goes wrong; a second run completes it."""
 
+import contextlib
 import json
 import os
+import shutil
 import signal
+import sqlite3
 import time
 
 import bench_of_cameras
 from bench_of_cameras import Bus
+
+FILLED = os.path.join(os.path.dirname(os.path.abspath(__file__)), "filled")
 
 
 class SyncTest(Bus):
@@ -84,6 +89,41 @@ class SyncTest(Bus):
         self.assertEqual(os.listdir(self.drive + "/DCIM/100ABCDE"), [])
         self.assertTrue(os.path.exists(self.drive + "/NOTE.TXT"))
         self.assertEqual(len(os.listdir(self.target + "/100ABCDE")), 2)
+
+    def test_a_folder_that_an_earlier_build_filled_goes_on(self):
+        for filled, words in (("by-folder", ()), ("by-name", ("--pattern", "{name}"))):
+            with self.subTest(filled=filled):
+                target = os.path.join(self.folder, filled)
+                stored = self.fill(target, filled + ".sql")
+                for new in (0, 0, 1):
+                    if new:
+                        self.put("DCIM/102ABCDE/IMG_0007.JPG", b"new")
+                    run = self.kelva("sync", "--json", *words, target)
+                    document = json.loads(run.stdout.splitlines()[-1])
+                    self.assertEqual((document["stored"], document["known"]), (new, 7), run.stderr)
+                    found = {os.path.join(folder, name) for folder, _, names in os.walk(target) for name in names}
+                    self.assertEqual(len(found - stored), new, found - stored)
+                shutil.rmtree(self.drive + "/DCIM/102ABCDE")
+
+    def fill(self, target, list_of_files):
+        """A folder as an earlier build left it, and on the camera the same pictures; one was renamed here since."""
+        os.mkdir(target)
+        stored = {os.path.join(target, ".kelva-manifest.sqlite")}
+        with open(os.path.join(FILLED, list_of_files), encoding="utf-8") as file:
+            with contextlib.closing(sqlite3.connect(os.path.join(target, ".kelva-manifest.sqlite"))) as manifest:
+                manifest.executescript(file.read())
+                rows = manifest.execute("SELECT picture, path FROM files").fetchall()
+        for picture, path in rows:
+            folder = f"{int.from_bytes(bytes.fromhex(picture)[16:20], 'little')}ABCDE"
+            name = os.path.basename(path).replace("-2", "")
+            content = f"the content of {folder}/{name}\n".encode()
+            self.put(f"DCIM/{folder}/{name}", content)
+            os.makedirs(os.path.dirname(os.path.join(target, path)), exist_ok=True)
+            mine = os.path.join(target, path.replace("IMG_0002.JPG", "the cat.jpg"))
+            with open(mine, "wb") as file:
+                file.write(content)
+            stored.add(mine)
+        return stored
 
 
 if __name__ == "__main__":
