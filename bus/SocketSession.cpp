@@ -10,12 +10,6 @@
 namespace bus {
 namespace {
 
-wire::Reply Ended(wire::Transport transport) {
-  wire::Reply reply;
-  reply.transport = transport;
-  return reply;
-}
-
 class SocketSession : public CommandSession {
  public:
   SocketSession(std::string path, std::uint32_t camera) : path_(std::move(path)), camera_(camera) {}
@@ -41,12 +35,12 @@ class SocketSession : public CommandSession {
   }
 
   wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
-    if (!connection_) return Ended(wire::Transport::kGone);
+    if (!connection_) return wire::EndedBy(wire::Transport::kGone);
     const auto answer = connection_->Request(bus::Kind::kCommand, bus::Encode(command), timeout);
     // A late answer carries this command's tag, so it is not taken for another one's.
-    if (!answer) return Ended(connection_->Ended() ? wire::Transport::kGone : wire::Transport::kHang);
+    if (!answer) return wire::EndedBy(connection_->Ended() ? wire::Transport::kGone : wire::Transport::kHang);
     const std::optional<wire::Reply> reply = bus::DecodeReply(answer->payload);
-    return answer->kind == bus::Kind::kReply && reply ? *reply : Ended(wire::Transport::kGone);
+    return answer->kind == bus::Kind::kReply && reply ? *reply : wire::EndedBy(wire::Transport::kGone);
   }
 
  private:

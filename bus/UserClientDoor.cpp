@@ -46,8 +46,8 @@ wire::Command CommandOf(const wire::UserClientTransferRequest& request) {
 
 std::uint32_t StatusOf(const wire::Reply& reply) {
   if (reply.transport == wire::Transport::kStall) return wire::TransportResultStatus(kHostError, 0);
-  if (reply.status == wire::kStatusGood) return 0;
-  return wire::ScsiResultStatus(reply.status, {reply.sense.key, reply.sense.asc, reply.sense.ascq});
+  if (reply.status == wire::kScsiGood) return 0;
+  return wire::ScsiResultStatus(reply.status, reply.sense);
 }
 
 int ReturnCodeOf(const wire::Reply& reply) {

@@ -114,7 +114,7 @@ TEST_F(UserClientDoorTest, RefusesRequestsThatMakeNoSense) {
 }
 
 TEST_F(UserClientDoorTest, SaysARefusalInTheResultStatus) {
-  log_.reply.status = wire::kStatusCheckCondition;
+  log_.reply.status = wire::kScsiCheckCondition;
   log_.reply.sense = vcam::sense::kNotFound;
   EXPECT_EQ(Transfer(0, 0, nullptr), kIOReturnSuccess);
   EXPECT_EQ(result_.status, 0x01140502U);

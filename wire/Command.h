@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+#include "wire/TransferStatus.h"
+
 // What travels between a door (in process, socket, USB/IP, SCSI generic) and the virtual camera.
 
 namespace wire {
@@ -32,14 +34,6 @@ struct Command {
   std::span<const std::uint8_t> data{};
 };
 
-/// Fixed-format sense data in three numbers.
-struct Sense {
-  std::uint8_t key = 0;
-  std::uint8_t asc = 0;
-  std::uint8_t ascq = 0;
-  bool operator==(const Sense&) const = default;
-};
-
 /// How the transfer itself ended; SCSI status counts only for kOk.
 enum class Transport : std::uint8_t {
   kOk = 0,
@@ -53,9 +47,6 @@ enum class Transport : std::uint8_t {
   kGone = 3,
 };
 
-inline constexpr std::uint8_t kStatusGood = 0x00;
-inline constexpr std::uint8_t kStatusCheckCondition = 0x02;
-
 /// What the camera did with one command.
 ///
 /// `moved` is what the camera claims. Without faults it equals data.size() (from the camera), the bytes accepted (to
@@ -63,7 +54,7 @@ inline constexpr std::uint8_t kStatusCheckCondition = 0x02;
 /// moved, modulo 2^32), but never touches host memory beyond the length that was asked for.
 struct Reply {
   Transport transport = Transport::kOk;
-  std::uint8_t status = kStatusGood;
+  std::uint8_t status = kScsiGood;
   Sense sense{};
   /// Bytes for the host. A surplus fault can make it longer than the length asked for: a door that can send them does
   /// (USB babble), one that writes memory cuts them off.
@@ -72,8 +63,15 @@ struct Reply {
   /// How long the command takes; the door waits this long before it answers.
   std::chrono::milliseconds delay{0};
 
-  bool Good() const { return transport == Transport::kOk && status == kStatusGood; }
+  bool Good() const { return transport == Transport::kOk && status == kScsiGood; }
 };
+
+/// A reply of a command that moved no data and has no status, because its transport ended like this.
+inline Reply EndedBy(Transport transport) {
+  Reply reply;
+  reply.transport = transport;
+  return reply;
+}
 
 }  // namespace wire
 

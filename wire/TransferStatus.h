@@ -20,17 +20,18 @@ inline constexpr std::uint8_t kScsiCheckCondition = 0x02;
 inline constexpr std::uint8_t kScsiBusy = 0x08;
 inline constexpr std::uint8_t kTransportFailed = 0xFF;
 
-/// The three values of sense data that say what was wrong; all 0 when the device gave none.
-struct SenseCode {
+/// The three numbers of sense data that say why a command failed; all 0 when the device gave no reason.
+struct Sense {
   std::uint8_t key = 0;
-  std::uint8_t code = 0;       ///< ASC
-  std::uint8_t qualifier = 0;  ///< ASCQ
+  std::uint8_t asc = 0;   ///< additional sense code
+  std::uint8_t ascq = 0;  ///< its qualifier
+  bool operator==(const Sense&) const = default;
 };
 
 /// The result status of a command that ended with a SCSI status other than good.
-constexpr std::uint32_t ScsiResultStatus(std::uint8_t status, SenseCode sense = {}) {
-  return std::uint32_t{status} | std::uint32_t{sense.key} << 8 | std::uint32_t{sense.code} << 16 |
-         std::uint32_t{sense.qualifier} << 24;
+constexpr std::uint32_t ScsiResultStatus(std::uint8_t status, Sense sense = {}) {
+  return std::uint32_t{status} | std::uint32_t{sense.key} << 8 | std::uint32_t{sense.asc} << 16 |
+         std::uint32_t{sense.ascq} << 24;
 }
 
 /// The result status of a command whose transport failed; never 0.
@@ -44,7 +45,7 @@ constexpr std::uint8_t StatusByte(std::uint32_t resultStatus) {
 }
 
 /// The sense values of a result status; all 0 when there was none or the transport failed.
-constexpr SenseCode SenseOf(std::uint32_t resultStatus) {
+constexpr Sense SenseOf(std::uint32_t resultStatus) {
   if (StatusByte(resultStatus) == kTransportFailed) return {};
   return {static_cast<std::uint8_t>(resultStatus >> 8), static_cast<std::uint8_t>(resultStatus >> 16),
           static_cast<std::uint8_t>(resultStatus >> 24)};

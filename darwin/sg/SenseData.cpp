@@ -18,7 +18,7 @@ std::uint8_t At(std::span<const std::uint8_t> sense, std::size_t index) {
 
 }  // namespace
 
-wire::SenseCode DecodeSense(std::span<const std::uint8_t> sense) {
+wire::Sense DecodeSense(std::span<const std::uint8_t> sense) {
   switch (At(sense, 0) & kFormatMask) {
     case kFixedCurrent:
     case kFixedDeferred:

@@ -10,10 +10,10 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 void Expect(const Bytes& sense, int key, int code, int qualifier) {
-  const wire::SenseCode decoded = DecodeSense(sense);
+  const wire::Sense decoded = DecodeSense(sense);
   EXPECT_EQ(decoded.key, key);
-  EXPECT_EQ(decoded.code, code);
-  EXPECT_EQ(decoded.qualifier, qualifier);
+  EXPECT_EQ(decoded.asc, code);
+  EXPECT_EQ(decoded.ascq, qualifier);
 }
 
 TEST(SenseDataTest, FixedFormatGivesKeyCodeAndQualifier) {

@@ -32,7 +32,7 @@ struct SgOutcome {
   std::uint16_t hostStatus = 0;
   std::uint16_t driverStatus = 0;  ///< without the mark "there is sense data"
   std::uint8_t status = 0;
-  wire::SenseCode sense;
+  wire::Sense sense;
   std::int64_t moved = 0;  ///< asked minus residual, unchecked: the residual is the device's claim
 
   /// True when the command ended in order and moved between 0 and `length` bytes: only then are there data.

@@ -96,7 +96,7 @@ TEST_F(SgCommandTest, OnlySenseBytesThatWereWrittenAreRead) {
   };
   const SgOutcome outcome = Run(Read(64));
   EXPECT_EQ(outcome.sense.key, 5);
-  EXPECT_EQ(outcome.sense.code, 0);
+  EXPECT_EQ(outcome.sense.asc, 0);
 }
 
 TEST_F(SgCommandTest, AFailedCallSaysNothingButItsError) {

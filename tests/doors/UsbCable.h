@@ -7,9 +7,9 @@
 #include "bus/CommandSession.h"
 #include "tests/doors/UsbHost.h"
 #include "vcam/camera/VirtualCamera.h"
+#include "vcam/usbip/CableFaults.h"
 #include "vcam/usbip/Session.h"
 #include "vcam/usbip/UsbDoor.h"
-#include "vcam/usbip/WireFaults.h"
 
 namespace tests::doors {
 
@@ -33,7 +33,7 @@ class UsbCable : public std::enable_shared_from_this<UsbCable> {
   explicit UsbCable(vcam::Options options);
 
   vcam::VirtualCamera camera_;
-  vcam::usbip::WireFaults faults_{};
+  vcam::usbip::CableFaults faults_{};
   vcam::usbip::UsbCamera usb_;
   base::FileDescriptor hostEnd_{};
   vcam::usbip::Session session_;

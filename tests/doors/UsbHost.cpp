@@ -62,15 +62,9 @@ Bytes Wrapped(const Command& command, std::uint32_t tag) {
   return bytes;
 }
 
-Reply Failed(wire::Transport how) {
-  Reply reply;
-  reply.transport = how;
-  return reply;
-}
-
 Reply Refused(wire::Sense sense) {
   Reply reply;
-  reply.status = wire::kStatusCheckCondition;
+  reply.status = wire::kScsiCheckCondition;
   reply.sense = sense;
   return reply;
 }
@@ -92,21 +86,21 @@ Reply UsbHost::Execute(const Command& command, std::chrono::milliseconds timeout
   try {
     return Run(command);
   } catch (const Ended& ended) {
-    return Failed(ended.how);
+    return wire::EndedBy(ended.how);
   }
 }
 
 Reply UsbHost::Run(const Command& command) {
   const Bytes wrapper = Wrapped(command, ++tag_);
-  if (Submit({kOut, false, 31, wrapper, {}}).status != 0) return Failed(wire::Transport::kStall);
+  if (Submit({kOut, false, 31, wrapper, {}}).status != 0) return wire::EndedBy(wire::Transport::kStall);
   const std::uint32_t asked = command.direction == Direction::kNone ? 0 : command.length;
   Urb data = DataPhase(command);
   const Status status = ReadStatus();
-  if (status.status > 1) return Failed(wire::Transport::kStall);
+  if (status.status > 1) return wire::EndedBy(wire::Transport::kStall);
   if (status.status == 1) {
     // A failure without a reason is taken for one of the transport.
     const wire::Sense sense = AskForSense();
-    return sense == wire::Sense{} ? Failed(wire::Transport::kStall) : Refused(sense);
+    return sense == wire::Sense{} ? wire::EndedBy(wire::Transport::kStall) : Refused(sense);
   }
   if (data.status == kBabbled) return Refused(kTooMuch);
   // What did not arrive, or what the device says that it did not send, whichever is more.

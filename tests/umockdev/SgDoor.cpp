@@ -135,7 +135,7 @@ void SgDoor::Run(UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
 // What a user of the real kernel sees of each ending, unplugging included: there it claims that every byte arrived.
 void SgDoor::Translate(const wire::Reply& reply, UMockdevIoctlData* arguments, sg_io_hdr_t& header) {
   const bool babble = IsBabble(reply, header);
-  header.status = babble ? wire::kStatusCheckCondition : reply.status;
+  header.status = babble ? wire::kScsiCheckCondition : reply.status;
   header.host_status = static_cast<unsigned short>(hostStatus.load());
   header.resid = static_cast<int>(ResidueOf(reply, header));
   if (reply.transport == wire::Transport::kHang) header.host_status = kHostTimeOut;
@@ -150,7 +150,7 @@ void SgDoor::Translate(const wire::Reply& reply, UMockdevIoctlData* arguments, s
     Write(Behind(arguments, offsetof(sg_io_hdr_t, dxferp), header.dxfer_len), reply.data.data(),
           std::min<std::size_t>(reply.data.size(), header.dxfer_len));
   }
-  if (header.status == wire::kStatusCheckCondition && header.host_status == 0) {
+  if (header.status == wire::kScsiCheckCondition && header.host_status == 0) {
     const auto bytes = FixedSense(babble ? kTooMuchData : reply.sense);
     header.sb_len_wr = static_cast<unsigned char>(std::min<std::size_t>(bytes.size(), header.mx_sb_len));
     header.driver_status = 8;

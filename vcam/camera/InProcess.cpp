@@ -8,12 +8,6 @@
 namespace vcam {
 namespace {
 
-wire::Reply Ended(wire::Transport transport) {
-  wire::Reply reply;
-  reply.transport = transport;
-  return reply;
-}
-
 class InProcessSession : public bus::CommandSession {
  public:
   explicit InProcessSession(std::shared_ptr<VirtualCamera> camera) : camera_(std::move(camera)) {}
@@ -28,9 +22,9 @@ class InProcessSession : public bus::CommandSession {
   wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
     wire::Reply reply = camera_->Execute(command);
     if (reply.transport == wire::Transport::kHang || reply.delay > timeout) {
-      return Ended(camera_->WaitForUnplug(timeout) ? wire::Transport::kGone : wire::Transport::kHang);
+      return wire::EndedBy(camera_->WaitForUnplug(timeout) ? wire::Transport::kGone : wire::Transport::kHang);
     }
-    if (reply.delay.count() > 0 && camera_->WaitForUnplug(reply.delay)) return Ended(wire::Transport::kGone);
+    if (reply.delay.count() > 0 && camera_->WaitForUnplug(reply.delay)) return wire::EndedBy(wire::Transport::kGone);
     return reply;
   }
 

@@ -53,12 +53,6 @@ struct VirtualCamera::State {
 
 namespace {
 
-wire::Reply GoneReply() {
-  wire::Reply reply;
-  reply.transport = wire::Transport::kGone;
-  return reply;
-}
-
 /// Blank-padded text of INQUIRY data.
 void PutPadded(std::span<std::uint8_t> field, std::string_view text) {
   std::fill(field.begin(), field.end(), std::uint8_t{' '});
@@ -75,7 +69,7 @@ VirtualCamera::~VirtualCamera() = default;
 
 wire::Reply VirtualCamera::Execute(const wire::Command& command) {
   const std::lock_guard lock(state_->running);
-  if (Gone()) return GoneReply();
+  if (Gone()) return wire::EndedBy(wire::Transport::kGone);
   wire::Reply reply = state_->Run(command);
   if (reply.transport == wire::Transport::kGone) Unplug();
   return reply;

@@ -26,4 +26,12 @@ CatalogueLayout CatalogueLayout::Wide() {
   return layout;
 }
 
+std::optional<CatalogueLayout> CatalogueLayout::ByName(std::string_view name) {
+  if (name == "standard") return Standard();
+  if (name == "reordered") return Reordered();
+  if (name == "unknown-fields") return UnknownFields();
+  if (name == "wide") return Wide();
+  return std::nullopt;
+}
+
 }  // namespace vcam

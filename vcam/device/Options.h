@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vcam {
@@ -30,6 +32,8 @@ struct CatalogueLayout {
   static CatalogueLayout UnknownFields();
   /// The standard fields in records of 200 bytes.
   static CatalogueLayout Wide();
+  /// The layout that `--catalogue` calls standard, reordered, unknown-fields or wide; nothing for any other name.
+  static std::optional<CatalogueLayout> ByName(std::string_view name);
 };
 
 /// What a virtual camera is made of. Everything has a default but the serial number and the storage folder.

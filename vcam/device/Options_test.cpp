@@ -38,5 +38,14 @@ TEST(CatalogueLayout, VariesInOrderTypesAndStride) {
   EXPECT_EQ(CatalogueLayout::Wide().stride, 200U);
 }
 
+TEST(CatalogueLayout, IsFoundByItsName) {
+  EXPECT_EQ(CatalogueLayout::ByName("standard").value().stride, 128U);
+  EXPECT_EQ(CatalogueLayout::ByName("reordered").value().fields.front().type, 9U);
+  EXPECT_EQ(CatalogueLayout::ByName("unknown-fields").value().stride, 144U);
+  EXPECT_EQ(CatalogueLayout::ByName("wide").value().stride, 200U);
+  EXPECT_FALSE(CatalogueLayout::ByName("odd"));
+  EXPECT_FALSE(CatalogueLayout::ByName(""));
+}
+
 }  // namespace
 }  // namespace vcam

@@ -15,7 +15,7 @@ wire::Reply Done(std::uint32_t moved) {
 
 wire::Reply Refuse(wire::Sense reason) {
   wire::Reply reply;
-  reply.status = wire::kStatusCheckCondition;
+  reply.status = wire::kScsiCheckCondition;
   reply.sense = reason;
   return reply;
 }

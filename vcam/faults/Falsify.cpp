@@ -92,7 +92,7 @@ void NeverEnding(const FalsifiedCommand& about, wire::Reply& reply) {
   const bool isConsole = IsQuery(command, kelva::query::kConsoleLog);
   if (command.direction == wire::Direction::kFromCamera && (Is(command, kelva::Operation::kReadChunk) || isConsole)) {
     if (command.length > wire::kMaxTransferLength) return;
-    reply.status = wire::kStatusGood;
+    reply.status = wire::kScsiGood;
     reply.data.resize(command.length, kFiller);
     reply.moved = command.length;
     if (isConsole && reply.data.size() >= 2 * kWord) base::Store(std::span(reply.data), kWord, std::uint32_t{1});

@@ -1,17 +1,13 @@
+// The names under which a person arms the faults of a virtual camera.
+
 #include "vcam/faults/Fault.h"
 
-#include <algorithm>
-#include <array>
+#include "vcam/faults/Named.h"
 
 namespace vcam {
 namespace {
 
-struct Named {
-  FaultKind kind;
-  std::string_view name;
-};
-
-constexpr std::array kNames{
+constexpr std::array kFaults{
     Named{FaultKind::kFail, "fail"},
     Named{FaultKind::kShort, "short"},
     Named{FaultKind::kSurplusOne, "surplus1"},
@@ -29,27 +25,24 @@ constexpr std::array kNames{
     Named{FaultKind::kUpgradeFails, "upgrade-fails"},
 };
 
-constexpr auto kKinds = [] {
-  std::array<FaultKind, kNames.size()> kinds{};
-  std::transform(kNames.begin(), kNames.end(), kinds.begin(), [](const Named& named) { return named.kind; });
-  return kinds;
-}();
+constexpr auto kKinds = ValuesIn(kFaults);
 
 }  // namespace
 
 std::string_view NameOf(FaultKind kind) {
-  const auto found = std::find_if(kNames.begin(), kNames.end(), [&](const Named& named) { return named.kind == kind; });
-  return found == kNames.end() ? "unknown" : found->name;
+  return NameIn(kFaults, kind);
 }
 
 std::optional<FaultKind> FaultByName(std::string_view name) {
-  const auto found = std::find_if(kNames.begin(), kNames.end(), [&](const Named& named) { return named.name == name; });
-  if (found == kNames.end()) return std::nullopt;
-  return found->kind;
+  return FindIn(kFaults, name);
 }
 
 std::span<const FaultKind> AllFaults() {
   return kKinds;
+}
+
+std::string FaultNames() {
+  return NamesIn(kFaults);
 }
 
 }  // namespace vcam

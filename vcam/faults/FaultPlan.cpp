@@ -9,20 +9,14 @@
 namespace vcam {
 namespace {
 
-wire::Reply Ending(wire::Transport transport) {
-  wire::Reply reply;
-  reply.transport = transport;
-  return reply;
-}
-
 std::optional<wire::Reply> InsteadOf(FaultKind kind) {
   switch (kind) {
     case FaultKind::kFail:
       return Refuse(sense::kInternalFailure);
     case FaultKind::kStall:
-      return Ending(wire::Transport::kStall);
+      return wire::EndedBy(wire::Transport::kStall);
     case FaultKind::kHang:
-      return Ending(wire::Transport::kHang);
+      return wire::EndedBy(wire::Transport::kHang);
     default:
       return std::nullopt;
   }

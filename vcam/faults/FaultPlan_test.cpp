@@ -31,7 +31,7 @@ TEST_F(FaultPlanTest, FailsTheNthCommandAndNoOther) {
   camera_.Arm({FaultKind::kFail, 2});
   EXPECT_TRUE(AskReady().Good());
   const wire::Reply failed = AskReady();
-  EXPECT_EQ(failed.status, wire::kStatusCheckCondition);
+  EXPECT_EQ(failed.status, wire::kScsiCheckCondition);
   EXPECT_EQ(failed.sense, sense::kInternalFailure);
   EXPECT_TRUE(AskReady().Good());
 }

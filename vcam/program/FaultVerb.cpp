@@ -13,12 +13,6 @@ struct FaultArguments {
   bus::FaultRequest request;
 };
 
-std::string Names() {
-  std::string names;
-  for (const FaultKind kind : AllFaults()) names += std::string(NameOf(kind)) + ", ";
-  return names + "or none to take all back";
-}
-
 int Arm(const FaultArguments& arguments) {
   bus::BusConnection connection(arguments.socket);
   connection.Request(bus::Kind::kFault, bus::Encode(arguments.request));
@@ -33,7 +27,9 @@ void AddFault(CLI::App& app, Action& chosen) {
   const auto arguments = std::make_shared<FaultArguments>();
   AddSocketOption(*verb, arguments->socket);
   verb->add_option("serial", arguments->request.serial, "USB serial number")->required()->type_name("S");
-  verb->add_option("name", arguments->request.name, Names())->required()->type_name("NAME");
+  verb->add_option("name", arguments->request.name, FaultNames() + ", or none to take all back")
+      ->required()
+      ->type_name("NAME");
   verb->add_option("at", arguments->request.at,
                    "Which command from now, default 1; for slow: milliseconds; for unplug: bytes until then")
       ->type_name("AT");

@@ -6,10 +6,9 @@
 #include <memory>
 #include <thread>
 
-#include "vcam/device/LayoutByName.h"
 #include "vcam/program/EndSignals.h"
 #include "vcam/program/Verbs.h"
-#include "vcam/usbip/FaultText.h"
+#include "vcam/usbip/CableFaults.h"
 #include "vcam/usbip/Server.h"
 #include "vcam/usbip/UsbDoor.h"
 #include "vcam/usbip/VhciPort.h"
@@ -64,9 +63,9 @@ int Usbip(UsbipArguments& arguments) {
   const base::FileDescriptor stop = EndSignals();
   arguments.camera.storage = arguments.storage;
   arguments.camera.peripheralType = static_cast<std::uint8_t>(arguments.type);
-  arguments.camera.catalogue = LayoutByName(arguments.catalogue).value();
+  arguments.camera.catalogue = CatalogueLayout::ByName(arguments.catalogue).value();
   VirtualCamera camera(arguments.camera);
-  usbip::WireFaults cable;
+  usbip::CableFaults cable;
   for (const std::string& fault : arguments.faults) usbip::ArmByText(fault, camera, cable);
   const auto speed = arguments.speed == "super" ? usbip::Speed::kSuper : usbip::Speed::kHigh;
   const auto model = usbip::ModelOf(camera, cable, speed);
@@ -100,7 +99,7 @@ void AddUsbip(CLI::App& app, Action& chosen) {
   verb->add_option("--port", arguments->port, "Port of loopback to listen on; 0 takes any; default 3240")
       ->type_name("N");
   verb->add_flag("--attach", arguments->attach, "Plug the camera in at once, without the usbip command; needs root");
-  verb->add_option("--fault", arguments->faults, "NAME or NAME@N, may be repeated: " + usbip::FaultNames())
+  verb->add_option("--fault", arguments->faults, "NAME or NAME@N, may be repeated: " + usbip::AllFaultNames())
       ->type_name("FAULT");
   verb->callback([&chosen, arguments] { chosen = [arguments] { return Usbip(*arguments); }; });
 }

@@ -4,15 +4,6 @@
 #include <utility>
 
 namespace vcam::server {
-namespace {
-
-wire::Reply GoneReply() {
-  wire::Reply reply;
-  reply.transport = wire::Transport::kGone;
-  return reply;
-}
-
-}  // namespace
 
 Bus::Bus(Send send) : send_(std::move(send)), completions_(std::make_shared<CompletionQueue>()) {}
 
@@ -110,7 +101,7 @@ void Bus::ReleaseHeld(std::uint32_t camera) {
   std::vector<Held> released(std::make_move_iterator(first), std::make_move_iterator(held_.end()));
   held_.erase(first, held_.end());
   for (Held& held : released) {
-    held.completion.reply = GoneReply();
+    held.completion.reply = wire::EndedBy(wire::Transport::kGone);
     AnswerCommand(held.completion);
   }
 }

@@ -1,6 +1,5 @@
 #include <exception>
 
-#include "vcam/device/LayoutByName.h"
 #include "vcam/faults/Fault.h"
 #include "vcam/server/Bus.h"
 
@@ -22,12 +21,6 @@ bus::CameraStatus StatusOf(std::uint32_t id, const Options& options) {
   status.storage = options.storage.string();
   status.peripheralType = options.peripheralType;
   return status;
-}
-
-std::string FaultNames() {
-  std::string names;
-  for (const FaultKind kind : AllFaults()) names += (names.empty() ? "" : ", ") + std::string(NameOf(kind));
-  return names;
 }
 
 }  // namespace
@@ -101,7 +94,7 @@ void Bus::AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest
   options.storage = request.storage;
   options.peripheralType = request.peripheralType;
   if (!request.revision.empty()) options.revision = request.revision;
-  const auto layout = LayoutByName(request.catalogue.empty() ? "standard" : request.catalogue);
+  const auto layout = CatalogueLayout::ByName(request.catalogue.empty() ? "standard" : request.catalogue);
   if (!layout) {
     return AnswerError(
         peer, frame.tag, bus::ErrorCode::kRefused,
@@ -206,9 +199,7 @@ bool Bus::RunCommand(PeerId peer, const bus::Frame& frame) {
   const auto found = cameras_.find(from.session);
   if (found == cameras_.end()) {
     // No session, or its camera has gone: for the host the same.
-    wire::Reply reply;
-    reply.transport = wire::Transport::kGone;
-    Answer(peer, frame.tag, bus::Kind::kReply, bus::Encode(reply));
+    Answer(peer, frame.tag, bus::Kind::kReply, bus::Encode(wire::EndedBy(wire::Transport::kGone)));
     return true;
   }
   ++found->second.status.commands;

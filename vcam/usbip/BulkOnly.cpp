@@ -11,8 +11,8 @@ constexpr std::uint32_t kImpossibleResidue = 0x7FFFFFFF;
 constexpr std::uint32_t kAnotherTag = 0x5A5A5A5A;
 
 WrapperStatus StatusOf(const wire::Reply& reply) {
-  return reply.transport == wire::Transport::kOk && reply.status == wire::kStatusGood ? WrapperStatus::kPassed
-                                                                                      : WrapperStatus::kFailed;
+  return reply.transport == wire::Transport::kOk && reply.status == wire::kScsiGood ? WrapperStatus::kPassed
+                                                                                    : WrapperStatus::kFailed;
 }
 
 }  // namespace
@@ -75,43 +75,43 @@ void BulkOnly::Settle(wire::Reply reply, Clock::time_point now) {
   phase_ = command_.direction == wire::Direction::kFromCamera ? Phase::kDataIn : Phase::kStatus;
 }
 
-void BulkOnly::ApplyFault(WireFault fault) {
+void BulkOnly::ApplyFault(CableFault fault) {
   switch (fault) {
-    case WireFault::kNone:
+    case CableFault::kNone:
       return;
-    case WireFault::kHalfResidue:
+    case CableFault::kHalfResidue:
       status_.residue = command_.length / 2;
       return;
-    case WireFault::kHugeResidue:
+    case CableFault::kHugeResidue:
       status_.residue = kImpossibleResidue;
       return;
-    case WireFault::kZeroResidue:
+    case CableFault::kZeroResidue:
       data_.resize(data_.size() / 2);
       status_.residue = 0;
       return;
-    case WireFault::kSkipData:
+    case CableFault::kSkipData:
       data_.clear();
       status_.residue = command_.length;
       phase_ = Phase::kStatus;
       return;
-    case WireFault::kFailNoSense:
+    case CableFault::kFailNoSense:
       data_.clear();
       status_ = {command_.tag, command_.length, WrapperStatus::kFailed};
       unit_.DropSense();
       return;
-    case WireFault::kWrongTag:
+    case CableFault::kWrongTag:
       status_.tag ^= kAnotherTag;
       return;
-    case WireFault::kPhaseError:
+    case CableFault::kPhaseError:
       status_.status = WrapperStatus::kPhaseError;
       return;
-    case WireFault::kShortStatus:
+    case CableFault::kShortStatus:
       cutStatus_ = true;
       return;
-    case WireFault::kBabble:
+    case CableFault::kBabble:
       data_.resize(command_.length + 1);
       return;
-    case WireFault::kPull:
+    case CableFault::kPull:
       data_.resize(data_.size() / 2);
       gone_ = true;
       return;

@@ -7,9 +7,9 @@
 #include <optional>
 #include <span>
 
+#include "vcam/usbip/CableFaults.h"
 #include "vcam/usbip/CommandWrapper.h"
 #include "vcam/usbip/ScsiUnit.h"
-#include "vcam/usbip/WireFault.h"
 #include "wire/Command.h"
 
 namespace vcam::usbip {
@@ -31,7 +31,7 @@ struct Taken {
 class BulkOnly {
  public:
   /// Tells which fault, if any, the cable adds to a command of the camera.
-  using FaultSource = std::function<WireFault()>;
+  using FaultSource = std::function<CableFault()>;
 
   explicit BulkOnly(ScsiUnit& unit, FaultSource faults = {}) : unit_(unit), faults_(std::move(faults)) {}
 
@@ -59,7 +59,7 @@ class BulkOnly {
   std::int32_t HaltBoth();
   void RunCommand(Clock::time_point now);
   void Settle(wire::Reply reply, Clock::time_point now);
-  void ApplyFault(WireFault fault);
+  void ApplyFault(CableFault fault);
   Taken TakeData(std::uint32_t length);
   Taken TakeStatus(std::uint32_t length);
   Taken StallIn();

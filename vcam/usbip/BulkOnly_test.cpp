@@ -55,7 +55,7 @@ class BulkOnlyTest : public ::testing::Test {
   wire::Reply reply_;
   base::Bytes given_;
   int executed_ = 0;
-  WireFault fault_ = WireFault::kNone;
+  CableFault fault_ = CableFault::kNone;
   ScsiUnit unit_{{}, "A7", [this](const wire::Command& command) { return Execute(command); }};
   BulkOnly bulk_{unit_, [this] { return fault_; }};
 };
@@ -114,7 +114,7 @@ TEST_F(BulkOnlyTest, DataToTheCameraIsCollectedAndThenRun) {
 }
 
 TEST_F(BulkOnlyTest, RefusalIsAFailedStatus) {
-  reply_.status = wire::kStatusCheckCondition;
+  reply_.status = wire::kScsiCheckCondition;
   bulk_.Give(Reading(4), kNow);
   bulk_.Take(4, kNow);
   EXPECT_EQ(Status(), Ending(4, 1));
@@ -218,14 +218,14 @@ TEST_F(BulkOnlyTest, StatusWithoutRoomIsBabble) {
 }
 
 struct Spoiled {
-  WireFault fault;
+  CableFault fault;
   std::size_t data;
   Ending status;
 };
 
-class WireFaultTest : public BulkOnlyTest, public ::testing::WithParamInterface<Spoiled> {};
+class CableFaultTest : public BulkOnlyTest, public ::testing::WithParamInterface<Spoiled> {};
 
-TEST_P(WireFaultTest, SpoilsTheCommand) {
+TEST_P(CableFaultTest, SpoilsTheCommand) {
   fault_ = GetParam().fault;
   Answers({1, 2, 3, 4});
   bulk_.Give(Reading(4), kNow);
@@ -234,14 +234,15 @@ TEST_P(WireFaultTest, SpoilsTheCommand) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, WireFaultTest,
-    ::testing::Values(Spoiled{WireFault::kHalfResidue, 4, {2, 0}}, Spoiled{WireFault::kHugeResidue, 4, {0x7FFFFFFF, 0}},
-                      Spoiled{WireFault::kZeroResidue, 2, {0, 0}}, Spoiled{WireFault::kFailNoSense, 0, {4, 1}},
-                      Spoiled{WireFault::kWrongTag, 4, {0, -1}}, Spoiled{WireFault::kPhaseError, 4, {0, 2}},
-                      Spoiled{WireFault::kShortStatus, 4, {0, -1}}, Spoiled{WireFault::kBabble, 4, {0, 0}}));
+    All, CableFaultTest,
+    ::testing::Values(Spoiled{CableFault::kHalfResidue, 4, {2, 0}},
+                      Spoiled{CableFault::kHugeResidue, 4, {0x7FFFFFFF, 0}},
+                      Spoiled{CableFault::kZeroResidue, 2, {0, 0}}, Spoiled{CableFault::kFailNoSense, 0, {4, 1}},
+                      Spoiled{CableFault::kWrongTag, 4, {0, -1}}, Spoiled{CableFault::kPhaseError, 4, {0, 2}},
+                      Spoiled{CableFault::kShortStatus, 4, {0, -1}}, Spoiled{CableFault::kBabble, 4, {0, 0}}));
 
 TEST_F(BulkOnlyTest, SkippedDataIsTheStatusInItsPlace) {
-  fault_ = WireFault::kSkipData;
+  fault_ = CableFault::kSkipData;
   Answers({1, 2, 3, 4});
   bulk_.Give(Reading(64), kNow);
   EXPECT_THAT(bulk_.Take(64, kNow)->data, ElementsAre('U', 'S', 'B', 'S', 9, 0, 0, 0, 64, 0, 0, 0, 0));
@@ -249,7 +250,7 @@ TEST_F(BulkOnlyTest, SkippedDataIsTheStatusInItsPlace) {
 }
 
 TEST_F(BulkOnlyTest, PulledCableIsOutBehindHalfOfTheData) {
-  fault_ = WireFault::kPull;
+  fault_ = CableFault::kPull;
   Answers({1, 2, 3, 4});
   bulk_.Give(Reading(4), kNow);
   const auto taken = bulk_.Take(4, kNow);
@@ -259,13 +260,13 @@ TEST_F(BulkOnlyTest, PulledCableIsOutBehindHalfOfTheData) {
 }
 
 TEST_F(BulkOnlyTest, PulledCableIsOutInTheMidstOfACommandWithoutData) {
-  fault_ = WireFault::kPull;
+  fault_ = CableFault::kPull;
   bulk_.Give(Acting(), kNow);
   EXPECT_TRUE(bulk_.Unplugged(kNow));
 }
 
 TEST_F(BulkOnlyTest, CommandsOfTheKernelAreNotSpoiled) {
-  fault_ = WireFault::kPhaseError;
+  fault_ = CableFault::kPhaseError;
   bulk_.Give(Wrapped(0x00, 0, 0x00), kNow);
   EXPECT_EQ(Status(), Ending(0, 1));
 }

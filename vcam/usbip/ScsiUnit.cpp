@@ -59,7 +59,7 @@ bool IsCameraCommand(std::uint8_t operation) {
 
 wire::Reply ScsiUnit::Run(const wire::Command& command) {
   wire::Reply reply = Dispatch(command);
-  if (reply.transport == wire::Transport::kOk && reply.status == wire::kStatusGood) {
+  if (reply.transport == wire::Transport::kOk && reply.status == wire::kScsiGood) {
     // A reason not asked for is gone with the next command that needs none.
     sense_ = {};
   } else {

@@ -35,7 +35,7 @@ class ScsiUnitTest : public ::testing::Test {
     Ask({0xC2, 0, what}, 0);
   }
   void ExpectRefused(const wire::Reply& reply, wire::Sense sense) {
-    EXPECT_EQ(reply.status, wire::kStatusCheckCondition);
+    EXPECT_EQ(reply.status, wire::kScsiCheckCondition);
     EXPECT_EQ(reply.sense, sense);
     EXPECT_THAT(LastSense(),
                 ElementsAre(0x70, 0, sense.key, 0, 0, 0, 0, 10, 0, 0, 0, 0, sense.asc, sense.ascq, 0, 0, 0, 0));
@@ -106,7 +106,7 @@ TEST_F(ScsiUnitTest, PassesTheCamerasOwnCommandsOnUnchanged) {
 }
 
 TEST_F(ScsiUnitTest, KeepsTheCamerasReasonForARefusal) {
-  next_ = wire::Reply{wire::Transport::kOk, wire::kStatusCheckCondition, {3, 0x11, 0}, {}, 0, {}};
+  next_ = wire::Reply{wire::Transport::kOk, wire::kScsiCheckCondition, {3, 0x11, 0}, {}, 0, {}};
   ExpectRefused(Ask({0xC4, 0, 1}, 16), {3, 0x11, 0});
 }
 

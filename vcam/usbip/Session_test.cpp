@@ -78,7 +78,7 @@ class SessionTest : public ::testing::Test {
     ASSERT_EQ(Receive(48).size(), 48U);
   }
 
-  wire::Reply reply_{wire::Transport::kOk, wire::kStatusGood, {}, {1, 2, 3, 4}, 4, {}};
+  wire::Reply reply_{wire::Transport::kOk, wire::kScsiGood, {}, {1, 2, 3, 4}, 4, {}};
   UsbCamera camera_{{{"Kelva", "Camera", "A7", Speed::kHigh}, {}, [this](const wire::Command&) { return reply_; }, {}}};
   base::FileDescriptor host_;
   std::unique_ptr<Session> session_;

@@ -37,7 +37,7 @@ class UsbCameraTest : public ::testing::Test {
     EXPECT_EQ(camera_.Next(kNow)->result.status, kUrbOk);
   }
 
-  wire::Reply reply_{wire::Transport::kOk, wire::kStatusGood, {}, {1, 0, 0, 0}, 4, {}};
+  wire::Reply reply_{wire::Transport::kOk, wire::kScsiGood, {}, {1, 0, 0, 0}, 4, {}};
   UsbCamera camera_{{{"Kelva", "Camera", "A7", Speed::kHigh}, {}, [this](const wire::Command&) { return reply_; }, {}}};
 };
 

@@ -2,7 +2,7 @@
 
 namespace vcam::usbip {
 
-CameraModel ModelOf(VirtualCamera& camera, WireFaults& faults, Speed speed) {
+CameraModel ModelOf(VirtualCamera& camera, CableFaults& faults, Speed speed) {
   const Options& options = camera.options();
   CameraModel model;
   model.identity = {options.vendor, options.product, options.serial, speed};

@@ -29,7 +29,7 @@ class UsbDoorTest : public ::testing::Test {
 
 TEST_F(UsbDoorTest, CommandsReachTheCameraAndCountAsItsOwn) {
   VirtualCamera camera(CameraOptions());
-  WireFaults faults;
+  CableFaults faults;
   const CameraModel model = ModelOf(camera, faults, Speed::kSuper);
   EXPECT_EQ(model.identity.serial, "A7");
   EXPECT_EQ(std::string(model.inquiry.begin() + 32, model.inquiry.end()), "2.17");
@@ -45,11 +45,11 @@ TEST_F(UsbDoorTest, CommandsReachTheCameraAndCountAsItsOwn) {
 
 TEST_F(UsbDoorTest, FaultsOfTheCableAreAskedForOncePerCommand) {
   VirtualCamera camera(CameraOptions());
-  WireFaults faults;
+  CableFaults faults;
   const CameraModel model = ModelOf(camera, faults, Speed::kHigh);
-  faults.Arm(WireFault::kPhaseError, 1);
-  EXPECT_EQ(model.faults(), WireFault::kPhaseError);
-  EXPECT_EQ(model.faults(), WireFault::kNone);
+  faults.Arm(CableFault::kPhaseError, 1);
+  EXPECT_EQ(model.faults(), CableFault::kPhaseError);
+  EXPECT_EQ(model.faults(), CableFault::kNone);
 }
 
 TEST(OfferOf, IsTheOneDeviceWithItsSpeed) {

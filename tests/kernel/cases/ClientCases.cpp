@@ -97,9 +97,9 @@ void SurviveSignals() {
   Plugged plugged(card.Inserted(kSerial));
   const Outcome outcome = RunProgram({"kelva-kernel-client", kSerial, "storm", std::to_string(kStormCommands)}, 3600);
   Note(outcome.output.substr(0, outcome.output.find('\n')) + ", commands " +
-       std::to_string(plugged.cable().commands()));
+       std::to_string(plugged.cable().Commands()));
   Check(outcome.LastLine().ends_with(" " + std::to_string(kStormCommands)), outcome.output);
-  Check(plugged.cable().commands() == kStormCommands, "the camera received another number of commands");
+  Check(plugged.cable().Commands() == kStormCommands, "the camera received another number of commands");
 }
 
 void WorkAt(Speed speed) {

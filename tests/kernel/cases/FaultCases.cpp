@@ -7,7 +7,7 @@
 #include "tests/kernel/cases/Cases.h"
 #include "tests/kernel/cases/Command.h"
 #include "tests/kernel/cases/Plugged.h"
-#include "vcam/usbip/FaultText.h"
+#include "vcam/usbip/CableFaults.h"
 
 // Every fault at every command of the most used operations, the pulled cable included: the library gives the right data or
 // says what failed, in time, and the camera, or the one that is plugged in next, can be used again afterwards.
@@ -75,12 +75,12 @@ class Subject {
  public:
   Subject(Plugged& plugged, const Card& card, Operation operation)
       : plugged_(plugged), card_(card), operation_(std::move(operation)) {
-    const auto before = plugged_.cable().commands();
+    const auto before = plugged_.cable().Commands();
     const Outcome clean = RunClient(operation_);
     expected_ = clean.LastLine();
     records_ = AnswerRecords();
     written_ = card_.Read(kWritten);
-    commands_ = plugged_.cable().commands() - before;
+    commands_ = plugged_.cable().Commands() - before;
     Check(clean.code == 0 && expected_.starts_with("data "),
           operation_.name + " failed without a fault: " + clean.output);
   }
@@ -174,7 +174,7 @@ void PullInEveryCommand(const Operation& operation) {
   int complaints = 0;
   for (std::uint64_t at = 1; at <= commands; ++at) {
     Plugged plugged(card.Inserted(kSerial));
-    plugged.cable().Arm(vcam::usbip::WireFault::kPull, at);
+    plugged.cable().Arm(vcam::usbip::CableFault::kPull, at);
     const Outcome outcome = RunClient(operation);
     if (outcome.code == 0 && outcome.LastLine().starts_with("error CameraTransferError")) continue;
     ++complaints;

@@ -60,7 +60,7 @@ class Cable {
 
   mutable std::mutex mutex_;
   std::shared_ptr<VirtualCamera> camera_;
-  vcam::usbip::WireFaults faults_{};
+  vcam::usbip::CableFaults faults_{};
   vcam::usbip::UsbCamera usb_;
   vcam::usbip::Session session_;
   std::thread server_;

@@ -6,9 +6,9 @@
 #include <thread>
 
 #include "vcam/camera/VirtualCamera.h"
+#include "vcam/usbip/CableFaults.h"
 #include "vcam/usbip/Session.h"
 #include "vcam/usbip/UsbDoor.h"
-#include "vcam/usbip/WireFaults.h"
 
 /// A virtual camera that hangs on this kernel's virtual USB host while the object lives.
 class Plugged {
@@ -21,14 +21,14 @@ class Plugged {
   Plugged& operator=(const Plugged&) = delete;
 
   vcam::VirtualCamera& camera() { return camera_; }
-  vcam::usbip::WireFaults& cable() { return cable_; }
+  vcam::usbip::CableFaults& cable() { return cable_; }
   /// Such as /dev/sg0.
   const std::string& node() const { return node_; }
   void Pull() { session_.Pull(); }
 
  private:
   vcam::VirtualCamera camera_;
-  vcam::usbip::WireFaults cable_{};
+  vcam::usbip::CableFaults cable_{};
   vcam::usbip::UsbCamera usb_;
   vcam::usbip::Session session_;
   std::thread server_;

@@ -10,7 +10,7 @@
 #include "tests/kernel/cases/Command.h"
 #include "tests/kernel/cases/Plugged.h"
 #include "tests/kernel/cases/Seat.h"
-#include "vcam/usbip/FaultText.h"
+#include "vcam/usbip/CableFaults.h"
 
 // The tool on a real device node: whole cards, broken transfers, and who may use it.
 
@@ -83,9 +83,9 @@ void FetchUnderFaults() {
   const Card card("tool");
   PutPictures(card);
   Plugged plugged(card.Inserted(kSerial));
-  const auto before = plugged.cable().commands();
+  const auto before = plugged.cable().Commands();
   if (const auto complaint = FetchOne(card, {})) Check(false, *complaint);
-  const auto commands = plugged.cable().commands() - before;
+  const auto commands = plugged.cable().Commands() - before;
   int wrong = 0;
   for (const char* fault : {"fail", "short", "surplus2", "stall", "hang", "half-residue", "huge-residue",
                             "zero-residue", "skip-data", "wrong-tag", "fail-no-sense", "phase-error", "babble"}) {

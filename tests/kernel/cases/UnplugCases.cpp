@@ -57,7 +57,7 @@ void PullBetweenCommands() {
   Outcome outcome;
   // A storm of short commands is under way when the cable goes.
   std::thread client([&] { outcome = RunProgram({"kelva-kernel-client", kSerial, "storm", "1000000"}); });
-  const bool started = Eventually([&] { return plugged.cable().commands() > 100; });
+  const bool started = Eventually([&] { return plugged.cable().Commands() > 100; });
   plugged.Pull();
   client.join();
   Check(started, "the client never sent its commands: " + outcome.output);
