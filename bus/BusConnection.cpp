@@ -9,6 +9,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/SendAll.h"
 #include "bus/Listener.h"
 
 namespace bus {
@@ -51,14 +52,9 @@ std::optional<bus::Frame> BusConnection::Request(bus::Kind kind, const base::Byt
 }
 
 bool BusConnection::SendAll(const base::Bytes& bytes) {
-  for (std::size_t sent = 0; sent < bytes.size();) {
-    const ssize_t count = ::send(socket_.Get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) ended_ = true;
-    if (count < 0) return false;
-    sent += static_cast<std::size_t>(count);
-  }
-  return true;
+  if (base::SendAll(socket_.Get(), bytes)) return true;
+  ended_ = true;
+  return false;
 }
 
 std::optional<bus::Frame> BusConnection::AwaitAnswer(std::uint32_t tag, Deadline deadline) {

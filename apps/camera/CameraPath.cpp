@@ -6,13 +6,10 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "base/Ascii.h"
 
 namespace apps {
 namespace {
-
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 bool HasDrive(std::string_view path) {
   return path.size() >= 2 && std::isalpha(static_cast<unsigned char>(path[0])) != 0 && path[1] == ':' &&
@@ -39,7 +36,8 @@ SplitPath Split(std::string_view cameraPath) {
 }
 
 bool SameName(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return base::Lower(x) == base::Lower(y); });
 }
 
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath) {

@@ -6,6 +6,7 @@
 #include "apps/camera/Picture.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "base/Hex.h"
 
 namespace apps {
 namespace {
@@ -76,8 +77,8 @@ Json PictureMembers(const DcfObj& picture) {
   members.Set("value5", picture.value5)
       .Set("value6", static_cast<double>(picture.value6))
       .Set("value9", picture.value9);
-  members.Set("block7", Hex({picture.block7, sizeof picture.block7}));
-  return members.Set("block8", Hex({picture.block8, sizeof picture.block8}));
+  members.Set("block7", base::Hex({picture.block7, sizeof picture.block7}));
+  return members.Set("block8", base::Hex({picture.block8, sizeof picture.block8}));
 }
 
 }  // namespace apps

@@ -7,6 +7,8 @@
 
 #include "apps/commandline/Printable.h"
 #include "apps/files/Sha1.h"
+#include "base/Ascii.h"
+#include "base/Hex.h"
 #include "src/wifi/Camera.h"
 
 namespace apps {
@@ -65,8 +67,7 @@ std::string PicturePath(const DcfObj& picture, int type) {
 std::optional<std::string> PictureKey(const DcfObj& picture) {
   std::string key(TextIn(picture.block7));
   if (!IsKey(key)) return std::nullopt;
-  for (char& c : key) c = c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c;
-  return key;
+  return base::Lower(std::move(key));
 }
 
 std::optional<std::string> PictureTime(const DcfObj& picture) {
@@ -78,7 +79,7 @@ std::optional<std::string> PictureTime(const DcfObj& picture) {
 std::string PictureFingerprint(const DcfObj& picture) {
   if (const auto key = PictureKey(picture)) return *key;
   const char* begin = reinterpret_cast<const char*>(&picture);
-  return Hex(std::string_view(begin + offsetof(DcfObj, value5), sizeof(DcfObj) - offsetof(DcfObj, value5)));
+  return base::Hex(std::string_view(begin + offsetof(DcfObj, value5), sizeof(DcfObj) - offsetof(DcfObj, value5)));
 }
 
 }  // namespace apps

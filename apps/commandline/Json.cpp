@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "apps/commandline/Printable.h"
+#include "base/Hex.h"
 
 namespace apps {
 namespace {
@@ -84,7 +85,7 @@ Json& Json::Set(std::string_view name, Json value) {
 
 Json& Json::SetBytes(std::string_view name, std::string_view bytes) {
   Set(name, bytes);
-  if (!IsUtf8(bytes)) Set(std::string(name) + "_hex", Hex(bytes));
+  if (!IsUtf8(bytes)) Set(std::string(name) + "_hex", base::Hex(bytes));
   return *this;
 }
 

@@ -3,19 +3,14 @@
 #include <algorithm>
 
 #include "apps/commandline/Help.h"
+#include "base/Ascii.h"
 
 namespace apps {
 namespace {
 
-std::string Upper(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-  return text;
-}
-
 std::string Title(const Program& program, const std::string& name) {
   const std::string source = std::string(program.name) + " " + std::string(program.version);
-  return ".TH " + Upper(Troff(name)) + " 1 \"\" \"" + Troff(source) + "\" \"Kelva manual\"\n";
+  return ".TH " + base::Upper(Troff(name)) + " 1 \"\" \"" + Troff(source) + "\" \"Kelva manual\"\n";
 }
 
 std::string Section(std::string_view title, const std::string& body) {

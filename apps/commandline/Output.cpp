@@ -2,26 +2,16 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <utility>
 
 #include "apps/commandline/Failure.h"
+#include "base/SendAll.h"
 
 namespace apps {
 
-int WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return errno;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return 0;
-}
-
 void Output::Flush() {
   const std::string pending = std::exchange(pending_, {});
-  const int error = WriteAll(fd_, pending);
+  const int error = base::WriteAll(fd_, pending);
   if (error != 0) throw SystemFailure("write to standard output", error);
 }
 

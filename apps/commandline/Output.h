@@ -7,9 +7,6 @@
 
 namespace apps {
 
-/// Writes everything, through signals and short writes. Returns 0 or errno.
-int WriteAll(int fd, std::string_view bytes);
-
 /// The tool's standard output: results and nothing else. Collects until Flush. Not for use from two threads.
 class Output {
  public:

@@ -116,16 +116,4 @@ std::string Bytes(unsigned long long count) {
   return text.data();
 }
 
-std::string Hex(std::string_view bytes) {
-  static constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string out;
-  out.reserve(bytes.size() * 2);
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    out += kDigits[byte >> 4];
-    out += kDigits[byte & 0x0F];
-  }
-  return out;
-}
-
 }  // namespace apps

@@ -35,9 +35,6 @@ std::size_t Width(std::string_view printable);
 /// Bytes in words: "812 B", "1.4 MB" (powers of 1,000, as cards and cameras are sold).
 std::string Bytes(unsigned long long count);
 
-/// Lower-case hexadecimal digits, two for each byte.
-std::string Hex(std::string_view bytes);
-
 }  // namespace apps
 
 #endif  // KELVA_APPS_COMMANDLINE_PRINTABLE_H_

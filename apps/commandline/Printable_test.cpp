@@ -48,9 +48,5 @@ TEST(PrintableTest, BytesAreGivenInTheUnitThatReadsBest) {
   EXPECT_EQ(Bytes(18'446'744'073'709'551'615ULL), "18.4 EB");
 }
 
-TEST(PrintableTest, HexHasTwoDigitsForEachByte) {
-  EXPECT_EQ(Hex(std::string_view("\0\x7f\xff", 3)), "007fff");
-}
-
 }  // namespace
 }  // namespace apps

@@ -8,6 +8,7 @@
 
 #include "apps/commandline/Output.h"
 #include "apps/commandline/Schema.h"
+#include "base/SendAll.h"
 
 namespace apps {
 namespace {
@@ -39,7 +40,7 @@ void Reporter::Write(std::string_view text) {
   if (std::exchange(lineShown_, false)) whole = kEraseLine;
   whole += text;
   // Nobody is left to be told when standard error itself fails.
-  WriteAll(fd_, whole);
+  base::WriteAll(fd_, whole);
 }
 
 void Reporter::Note(std::string_view sentence) {
@@ -106,7 +107,7 @@ void Reporter::LastWord(std::string_view sentence, ExitCode code) {
   constexpr int kPatienceMs = 100;
   if (::poll(&ready, 1, kPatienceMs) != 1) return;
   const std::string start = style_.terminal ? std::string(kEraseLine) : std::string();
-  WriteAll(fd_, start + Line(sentence, code));
+  base::WriteAll(fd_, start + Line(sentence, code));
 }
 
 }  // namespace apps

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "apps/commandline/Output.h"
+#include "base/SendAll.h"
 
 namespace apps {
 namespace {
@@ -48,7 +49,7 @@ TEST_F(StdoutDiversionTest, EachLineIsTakenOnce) {
 }
 
 TEST_F(StdoutDiversionTest, ResultsReachTheRealOutput) {
-  EXPECT_EQ(WriteAll(diversion_->Real(), "result\n"), 0);
+  EXPECT_EQ(base::WriteAll(diversion_->Real(), "result\n"), 0);
   EXPECT_EQ(::lseek(page_.Get(), 0, SEEK_END), 7);
 }
 

@@ -8,11 +8,12 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Output.h"
 #include "apps/commandline/Printable.h"
+#include "base/Hex.h"
+#include "base/SendAll.h"
 
 namespace apps {
 namespace {
@@ -22,7 +23,7 @@ std::string RandomWord() {
   if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
     throw SystemFailure("draw a random file name", errno);
   }
-  return Hex(std::string_view(bytes.data(), bytes.size()));
+  return base::Hex(std::string_view(bytes.data(), bytes.size()));
 }
 
 // Random once for each process, then counted; the number of the process keeps those apart that were forked after it.
@@ -71,7 +72,7 @@ NewFile::~NewFile() {
 }
 
 void NewFile::Write(std::span<const char> bytes) {
-  const int error = WriteAll(file_.Get(), std::string_view(bytes.data(), bytes.size()));
+  const int error = base::WriteAll(file_.Get(), std::string_view(bytes.data(), bytes.size()));
   if (error != 0) throw SystemFailure("write into " + Printable(folder_.Path()), error);
 }
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "apps/commandline/Printable.h"
+#include "base/Hex.h"
 
 namespace apps {
 namespace {
@@ -12,11 +13,7 @@ namespace {
 constexpr std::size_t kLongest = 200;  // file systems take 255, temporary and numbered names need some
 
 void AppendEscaped(std::string& out, std::string_view bytes) {
-  for (const char c : bytes) {
-    std::array<char, 8> text{};
-    std::snprintf(text.data(), text.size(), "%%%02X", static_cast<unsigned char>(c));
-    out += text.data();
-  }
+  for (const char c : bytes) out += base::PercentHex(c);
 }
 
 bool IsSound(std::string_view character, bool first) {

@@ -5,12 +5,11 @@
 #include <openssl/sha.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <vector>
 
-#include "apps/commandline/Printable.h"
+#include "base/Hex.h"
 
 namespace apps {
 namespace {
@@ -18,7 +17,7 @@ namespace {
 std::string Finish(SHA_CTX& state) {
   std::array<unsigned char, SHA_DIGEST_LENGTH> digest{};
   SHA1_Final(digest.data(), &state);
-  return Hex(std::string_view(reinterpret_cast<const char*>(digest.data()), digest.size()));
+  return base::Hex(digest);
 }
 
 }  // namespace

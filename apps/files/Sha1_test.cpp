@@ -8,6 +8,7 @@
 
 #include "apps/commandline/Output.h"
 #include "base/FileDescriptor.h"
+#include "base/SendAll.h"
 
 namespace apps {
 namespace {
@@ -19,7 +20,7 @@ TEST(Sha1Test, KnownDigests) {
 
 TEST(Sha1Test, AFileIsReadFromItsStartWhereverItsOffsetIs) {
   const base::FileDescriptor file(::memfd_create("file", MFD_CLOEXEC));
-  ASSERT_EQ(WriteAll(file.Get(), std::string(1'000'000, 'a')), 0);
+  ASSERT_EQ(base::WriteAll(file.Get(), std::string(1'000'000, 'a')), 0);
   EXPECT_EQ(Sha1OfFile(file.Get()), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
 }
 

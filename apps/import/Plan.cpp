@@ -9,6 +9,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/StoreFile.h"
+#include "base/Hex.h"
 
 namespace apps {
 namespace {
@@ -44,7 +45,7 @@ void NumberNames(std::vector<SyncItem>& items) {
 }  // namespace
 
 ManifestKey KeyOf(const DcfObj& picture, int type, const std::string& serial) {
-  const std::string identity = Hex(std::string_view(reinterpret_cast<const char*>(&picture), kIdentityLength));
+  const std::string identity = base::Hex(std::string_view(reinterpret_cast<const char*>(&picture), kIdentityLength));
   return {serial, identity, type, PictureFingerprint(picture)};
 }
 

@@ -14,6 +14,7 @@
 #include "apps/commandline/Supervisor.h"
 #include "apps/kelva/CameraSource.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "base/SendAll.h"
 
 namespace apps {
 namespace {
@@ -71,7 +72,7 @@ class Tool {
     pollfd ready{diversion_.Real(), POLLOUT, 0};
     constexpr int kPatienceMs = 100;
     if (::poll(&ready, 1, kPatienceMs) != 1) return;
-    WriteAll(diversion_.Real(), ResultLine(Name(), outcome.code, ErrorMembers(outcome)));
+    base::WriteAll(diversion_.Real(), ResultLine(Name(), outcome.code, ErrorMembers(outcome)));
   }
 
   void PrepareForAborts() {

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "base/Hex.h"
+
 namespace tests::random {
 namespace {
 
@@ -136,12 +138,7 @@ std::string OnCamera(const std::string& path) {
 std::string KeyOf(const std::string& content) {
   unsigned char digest[SHA_DIGEST_LENGTH];
   SHA1(reinterpret_cast<const unsigned char*>(content.data()), content.size(), digest);
-  std::string key;
-  for (const unsigned char byte : digest) {
-    key += "0123456789abcdef"[byte >> 4];
-    key += "0123456789abcdef"[byte & 15];
-  }
-  return key;
+  return base::Hex(digest);
 }
 
 }  // namespace tests::random

@@ -4,6 +4,7 @@
 #include <map>
 #include <string_view>
 
+#include "base/Hex.h"
 #include "vcam/device/CameraPath.h"
 
 namespace vcam {
@@ -16,14 +17,12 @@ std::string StatePath() {
 }
 
 std::string Escape(std::string_view text) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   std::string escaped;
   for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte > 0x20 && byte < 0x7F && c != '%') {
+    if (c > 0x20 && c < 0x7F && c != '%') {
       escaped += c;
     } else {
-      escaped += {'%', kDigits[byte >> 4], kDigits[byte & 0x0F]};
+      escaped += base::PercentHex(c);
     }
   }
   return escaped;

@@ -5,18 +5,10 @@
 #include <array>
 #include <new>
 
+#include "base/Hex.h"
+
 namespace vcam {
 namespace {
-
-std::string HexOf(std::span<const unsigned char> bytes) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string text;
-  for (const unsigned char byte : bytes) {
-    text += kDigits[byte >> 4];
-    text += kDigits[byte & 0x0F];
-  }
-  return text;
-}
 
 EVP_MD_CTX* NewContext() {
   EVP_MD_CTX* context = EVP_MD_CTX_new();
@@ -28,7 +20,7 @@ std::string Finish(EVP_MD_CTX* context) {
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
   unsigned int length = 0;
   EVP_DigestFinal_ex(context, digest.data(), &length);
-  return HexOf(std::span(digest).first(length));
+  return base::Hex(std::span(digest).first(length));
 }
 
 }  // namespace
@@ -53,7 +45,7 @@ std::string Sha256Hex(std::string_view text) {
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
   unsigned int length = 0;
   EVP_Digest(text.data(), text.size(), digest.data(), &length, EVP_sha256(), nullptr);
-  return HexOf(std::span(digest).first(length));
+  return base::Hex(std::span(digest).first(length));
 }
 
 }  // namespace vcam

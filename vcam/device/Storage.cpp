@@ -12,6 +12,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "base/SendAll.h"
 #include "vcam/device/CameraPath.h"
 #include "vcam/device/SenseCodes.h"
 
@@ -55,16 +56,6 @@ OpenedFile RegularFile(base::FileDescriptor file) {
   if (::fstat(file.Get(), &status) != 0) return {{}, errno};
   if (!S_ISREG(status.st_mode)) return {{}, EISDIR};
   return {std::move(file), 0, StampOf(status)};
-}
-
-bool WriteAll(int file, std::string_view content) {
-  while (!content.empty()) {
-    const ssize_t written = ::write(file, content.data(), content.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    content.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
 }
 
 }  // namespace
@@ -144,7 +135,8 @@ int Storage::Replace(const std::string& path, std::string_view content, unsigned
   const std::string temporary = name + ".new";
   const base::FileDescriptor file(
       ::openat(parent.Get(), temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, mode));
-  if (!file || !WriteAll(file.Get(), content)) return errno;
+  if (!file) return errno;
+  if (const int error = base::WriteAll(file.Get(), content); error != 0) return error;
   return ::renameat(parent.Get(), temporary.c_str(), parent.Get(), name.c_str()) == 0 ? 0 : errno;
 }
 

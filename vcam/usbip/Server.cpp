@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "vcam/usbip/SocketIo.h"
+#include "base/SendAll.h"
 
 namespace vcam::usbip {
 namespace {
@@ -91,10 +91,10 @@ void Server::Greet(base::FileDescriptor socket) {
   ::setsockopt(socket.Get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof(yes));
   SetReceiveTime(socket, kHandshakeTime);
   std::array<std::uint8_t, kRequestSize> head;
-  if (!ReceiveAll(socket.Get(), head)) return;
+  if (!base::ReceiveAll(socket.Get(), head)) return;
   switch (DecodeRequest(head)) {
     case Request::kListDevices:
-      SendAll(socket.Get(), EncodeDeviceList(offer_), {});
+      base::SendAll(socket.Get(), EncodeDeviceList(offer_));
       return;
     case Request::kImportDevice:
       Import(std::move(socket));
@@ -104,11 +104,11 @@ void Server::Greet(base::FileDescriptor socket) {
 
 void Server::Import(base::FileDescriptor socket) {
   std::array<std::uint8_t, kBusIdSize> field;
-  if (!ReceiveAll(socket.Get(), field)) return;
+  if (!base::ReceiveAll(socket.Get(), field)) return;
   const bool exists = DecodeBusId(field) == offer_.busId;
   const Outcome outcome = !exists ? Outcome::kNoDevice : HostAttached() ? Outcome::kBusy : Outcome::kOk;
   SetReceiveTime(socket, kNoTimeout);
-  if (SendAll(socket.Get(), EncodeImport(outcome, offer_), {}) && outcome == Outcome::kOk) Attach(std::move(socket));
+  if (base::SendAll(socket.Get(), EncodeImport(outcome, offer_)) && outcome == Outcome::kOk) Attach(std::move(socket));
 }
 
 void Server::Attach(base::FileDescriptor socket) {

@@ -1,4 +1,5 @@
 #include "vcam/usbip/Server.h"
+#include "base/SendAll.h"
 
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
@@ -7,7 +8,6 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
-#include "vcam/usbip/SocketIo.h"
 #include "vcam/usbip/UsbDoor.h"
 
 namespace vcam::usbip {
@@ -41,12 +41,12 @@ class ServerTest : public ::testing::Test {
     base::Bytes request{0x01, 0x11, 0x80, 0x03, 0, 0, 0, 0};
     base::AppendText(request, busId);
     request.resize(8 + 32);
-    EXPECT_TRUE(SendAll(socket.Get(), request, {}));
+    EXPECT_TRUE(base::SendAll(socket.Get(), request));
     return socket;
   }
   static base::Bytes Receive(const base::FileDescriptor& socket, std::size_t size) {
     base::Bytes bytes(size);
-    return ReceiveAll(socket.Get(), bytes) ? bytes : base::Bytes{};
+    return base::ReceiveAll(socket.Get(), bytes) ? bytes : base::Bytes{};
   }
 
   wire::Reply reply_;
@@ -60,7 +60,7 @@ class ServerTest : public ::testing::Test {
 
 TEST_F(ServerTest, ListsTheCamera) {
   const base::FileDescriptor socket = Connect();
-  SendAll(socket.Get(), base::Bytes{0x01, 0x11, 0x80, 0x05, 0, 0, 0, 0}, {});
+  base::SendAll(socket.Get(), base::Bytes{0x01, 0x11, 0x80, 0x05, 0, 0, 0, 0});
   EXPECT_EQ(Receive(socket, 8 + 4 + 312 + 4).size(), 328U);
 }
 
@@ -85,7 +85,7 @@ TEST_F(ServerTest, PullsTheCableWhenItEnds) {
 
 TEST_F(ServerTest, ComplainsOfAPeerThatSpeaksAnotherLanguage) {
   const base::FileDescriptor socket = Connect();
-  SendAll(socket.Get(), base::Bytes{'G', 'E', 'T', ' ', '/', '\r', '\n', '\n'}, {});
+  base::SendAll(socket.Get(), base::Bytes{'G', 'E', 'T', ' ', '/', '\r', '\n', '\n'});
   EXPECT_THAT(Receive(socket, 1), IsEmpty());
   Stop();
   EXPECT_THAT(complaint_, ::testing::HasSubstr("1.1.1"));

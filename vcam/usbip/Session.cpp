@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <limits>
 
-#include "vcam/usbip/SocketIo.h"
+#include "base/SendAll.h"
 
 namespace vcam::usbip {
 namespace {
@@ -45,7 +45,7 @@ bool Session::AnswerAll() {
 bool Session::Answer(const Finished& finished) {
   const Taken& result = finished.result;
   const Header header = EncodeSubmitted(finished.sequence, result.status, result.actual);
-  return SendAll(socket_.Get(), header, result.data) && !result.unplug;
+  return base::SendAll(socket_.Get(), header, result.data) && !result.unplug;
 }
 
 void Session::Wait() const {
@@ -65,7 +65,8 @@ bool Session::Receive() {
   while (auto message = reader_.Next()) {
     if (const auto* unlink = std::get_if<Unlink>(&*message)) {
       const bool pending = camera_.Unlink(unlink->target);
-      if (!SendAll(socket_.Get(), EncodeUnlinked(unlink->sequence, pending ? kUrbUnlinked : kUrbOk), {})) return false;
+      if (!base::SendAll(socket_.Get(), EncodeUnlinked(unlink->sequence, pending ? kUrbUnlinked : kUrbOk)))
+        return false;
     } else {
       camera_.Submit(std::move(std::get<usbip::Submit>(*message)), Clock::now());
       if (!AnswerAll()) return false;

@@ -1,4 +1,5 @@
 #include "vcam/usbip/Session.h"
+#include "base/SendAll.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,8 +7,6 @@
 
 #include <array>
 #include <thread>
-
-#include "vcam/usbip/SocketIo.h"
 
 namespace vcam::usbip {
 namespace {
@@ -63,11 +62,11 @@ class SessionTest : public ::testing::Test {
     });
   }
   void Send(const base::Bytes& message, const base::Bytes& body = {}) {
-    ASSERT_TRUE(SendAll(host_.Get(), message, body));
+    ASSERT_TRUE(base::SendAll(host_.Get(), message, body));
   }
   base::Bytes Receive(std::size_t size) {
     base::Bytes bytes(size);
-    return ReceiveAll(host_.Get(), bytes) ? bytes : base::Bytes{};
+    return base::ReceiveAll(host_.Get(), bytes) ? bytes : base::Bytes{};
   }
   bool HasEnded() { return Receive(1).empty(); }
   void Configure() {

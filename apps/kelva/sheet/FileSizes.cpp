@@ -6,17 +6,13 @@
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
+#include "base/Ascii.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {
 namespace {
 
-// Cameras ignore the case of ASCII letters.
-std::string Folded(std::string name) {
-  for (char& c : name) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-  return name;
-}
-
+// By name in small letters: cameras ignore the case of ASCII letters.
 using Listing = std::map<std::string, unsigned long long>;
 
 Listing List(Camera& camera, const std::string& folder) {
@@ -24,7 +20,7 @@ Listing List(Camera& camera, const std::string& folder) {
   try {
     for (const CameraDirent& entry : camera.ReadDir(("I:\\DCIM\\" + folder).c_str())) {
       if ((entry.attributes & (kAttributeDirectory | kAttributeVolumeLabel)) != 0) continue;
-      listing.emplace(Folded(entry.name), SizeOf(entry));
+      listing.emplace(base::Lower(entry.name), SizeOf(entry));
     }
   } catch (const CameraError& error) {
     if (EndsAll(Explain(error, "").code)) throw;
@@ -35,7 +31,7 @@ Listing List(Camera& camera, const std::string& folder) {
 FileSizes SizesIn(const Listing& listing, const DcfObj& picture) {
   FileSizes sizes;
   for (const int type : FileTypes(picture)) {
-    const auto found = listing.find(Folded(PictureFileName(picture, type)));
+    const auto found = listing.find(base::Lower(PictureFileName(picture, type)));
     if (found != listing.end()) sizes[static_cast<std::size_t>(type - kFirstFileType)] = found->second;
   }
   return sizes;

@@ -1,9 +1,7 @@
 #include "apps/kelva/sheet/Html.h"
 
-#include <array>
-#include <cstdio>
-
 #include "apps/commandline/Printable.h"
+#include "base/Hex.h"
 
 namespace apps {
 namespace {
@@ -61,11 +59,7 @@ std::string Html(std::string_view bytes) {
 
 std::string RelativeAddress(std::string_view path) {
   std::string out = "./";
-  for (const char c : path) {
-    std::array<char, 8> text{};
-    std::snprintf(text.data(), text.size(), StandsForItself(c) ? "%c" : "%%%02X", static_cast<unsigned char>(c));
-    out += text.data();
-  }
+  for (const char c : path) out += StandsForItself(c) ? std::string(1, c) : base::PercentHex(c);
   return out;
 }
 

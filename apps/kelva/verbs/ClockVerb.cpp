@@ -8,6 +8,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "base/Hex.h"
 
 namespace apps {
 namespace {
@@ -42,7 +43,7 @@ std::string_view Bytes14(const _VscCdbTime& record) {
 }
 
 ExitCode ShowUnknown(Context& context, const Session& camera, const _VscCdbTime& record) {
-  const std::string hex = Hex(Bytes14(record));
+  const std::string hex = base::Hex(Bytes14(record));
   context.Result(CameraResult(camera).Set("time", Json()).Set("record", hex), hex + "\n");
   context.reporter.Note("The camera's clock is in no layout that is known here; its 14 bytes are shown.");
   return ExitCode::kDone;
@@ -56,7 +57,7 @@ ExitCode ShowTime(Context& context, const Session& camera, bool utc) {
   const double ahead = std::chrono::duration<double>(*time - host).count();
   Json members = CameraResult(camera);
   members.Set("time", IsoText(*time)).Set("zone", utc ? "utc" : "local");
-  members.Set("seconds_ahead", ahead).Set("record", Hex(Bytes14(record)));
+  members.Set("seconds_ahead", ahead).Set("record", base::Hex(Bytes14(record)));
   context.Result(std::move(members), IsoText(*time) + (utc ? " UTC" : " local time") + ", " + Difference(ahead) + "\n");
   return ExitCode::kDone;
 }

@@ -7,6 +7,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "base/Hex.h"
 
 namespace apps {
 namespace {
@@ -29,7 +30,7 @@ ExitCode RunInfo(Context& context) {
   }
   Json members = CameraResult(camera);
   members.Set("texts", std::move(list)).Set("last", record.last);
-  members.Set("record", Hex({reinterpret_cast<const char*>(record.information), sizeof record.information}));
+  members.Set("record", base::Hex({reinterpret_cast<const char*>(record.information), sizeof record.information}));
   context.Result(std::move(members), Columns(rows));
   return ExitCode::kDone;
 }

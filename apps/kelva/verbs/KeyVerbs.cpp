@@ -11,6 +11,7 @@
 #include "apps/files/StoreFile.h"
 #include "apps/kelva/verbs/Each.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "base/Ascii.h"
 
 namespace apps {
 namespace {
@@ -32,12 +33,6 @@ Request Understand(const std::string& word) {
   return request;
 }
 
-std::string Lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return text;
-}
-
 _Sha1obj Fetch(Context& context, Camera& camera, const Request& request) {
   Progress progress(context.reporter, context.stop, request.key, 0);
   std::vector<_Sha1obj> files =
@@ -56,7 +51,7 @@ Json BatchGetOne(Context& context, Camera& camera, const TargetFolder& folder, c
   context.stop.Check();
   const _Sha1obj file = Fetch(context, camera, request);
   const std::string sha1 = Sha1(file.data);
-  if (request.qualifier.empty() && sha1 != Lower(request.key)) {
+  if (request.qualifier.empty() && sha1 != base::Lower(request.key)) {
     throw Failure(ExitCode::kFailed, "What the camera sent for the key " + request.key +
                                          " has another SHA-1; it was not kept, repeat the command.");
   }

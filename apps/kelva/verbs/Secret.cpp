@@ -10,6 +10,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Output.h"
 #include "base/FileDescriptor.h"
+#include "base/SendAll.h"
 
 namespace apps {
 namespace {
@@ -25,7 +26,7 @@ class Silence {
   }
   ~Silence() {
     ::tcsetattr(fd_, TCSAFLUSH, &before_);
-    WriteAll(fd_, "\n");
+    base::WriteAll(fd_, "\n");
   }
   Silence(const Silence&) = delete;
   Silence& operator=(const Silence&) = delete;
@@ -65,7 +66,7 @@ std::string ReadSecret(const std::string& prompt, const Stop& stop) {
     const base::FileDescriptor terminal(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
     if (!terminal) throw SystemFailure("open the terminal", errno);
     const Silence silence(terminal.Get());
-    WriteAll(terminal.Get(), prompt);
+    base::WriteAll(terminal.Get(), prompt);
     line = ReadLine(terminal.Get(), stop);
   }
   if (line.empty()) throw Failure(ExitCode::kUsage, "Nothing was entered; nothing was changed.");

@@ -9,6 +9,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Output.h"
 #include "base/FileDescriptor.h"
+#include "base/SendAll.h"
 
 namespace apps {
 namespace {
@@ -19,7 +20,7 @@ class Input {
   explicit Input(const std::string& text) : saved_(::dup(STDIN_FILENO)) {
     std::array<int, 2> ends{};
     EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-    WriteAll(ends[1], text);
+    base::WriteAll(ends[1], text);
     ::close(ends[1]);
     ::dup2(ends[0], STDIN_FILENO);
     ::close(ends[0]);

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "base/Hex.h"
+
 namespace opener {
 namespace {
 
@@ -11,14 +13,12 @@ bool IsPlain(char c) {
 
 /// The manager's escaping: what is not plain becomes \xNN; so does a dash, which separates the parts.
 std::string Escape(std::string_view text) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
   std::string escaped;
   for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
     if (IsPlain(c)) {
       escaped += c;
     } else {
-      escaped += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+      escaped += "\\x" + base::Hex({&c, 1});
     }
   }
   return escaped;
