@@ -5,7 +5,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "apps/commandline/Program.h"
 
@@ -14,20 +13,18 @@ namespace apps {
 /// The shells that completions are made for, separated by blanks.
 inline constexpr std::string_view kShells = "bash zsh fish";
 
-/// A completion script for a shell, or nothing for one that is not known.
+/// The completion script of a program for a shell, or nothing for a shell that is not known. The script knows no command:
+/// at each Tab it runs `PROGRAM __complete SHELL WORD...` and offers what Offers returns. It evaluates nothing of that,
+/// because serial numbers come from cameras.
 std::optional<std::string> Completion(const Program& program, std::string_view shell);
 
-std::string BashCompletion(const Program& program);
-std::string ZshCompletion(const Program& program);
-std::string FishCompletion(const Program& program);
+/// What may stand in the place of the last word: one candidate a line, with a tab and its meaning for zsh and fish. The
+/// lines ":files" and ":folders" ask the shell for its own completion of paths. Words come from bash as they were typed,
+/// quotes included, and from the others as the shell understands them.
+std::string Offers(const Program& program, std::string_view shell, std::span<const char* const> words);
 
-/// A text as one word of a POSIX shell: in single quotes.
-std::string Quoted(std::string_view text);
-
-/// The first words of all names, each once, in the order of the table.
-std::vector<std::string_view> FirstWords(std::span<const Verb> table);
-/// The second words of the names that begin with `first`.
-std::vector<std::string_view> SecondWords(std::span<const Verb> table, std::string_view first);
+/// A word as bash would read it, without its quotes and backslashes. A quote may be open still. Nothing is evaluated.
+std::string Unquoted(std::string_view word);
 
 }  // namespace apps
 

@@ -41,6 +41,22 @@ class Parser {
   }
 
   Invocation Run() {
+    TakeAll();
+    Finish();
+    return std::move(result_);
+  }
+
+  Beginning RunBeginning() {
+    try {
+      TakeAll();
+    } catch (const Failure&) {
+      // What was understood before counts.
+    }
+    return {std::move(result_), pending_, std::move(first_), onlyWords_};
+  }
+
+ private:
+  void TakeAll() {
     while (!rest_.empty()) {
       const std::string_view word = Take();
       if (onlyWords_ || !IsOption(word)) {
@@ -53,11 +69,8 @@ class Parser {
         AddLetters(word.substr(1));
       }
     }
-    Finish();
-    return std::move(result_);
   }
 
- private:
   std::string_view Take() {
     const std::string_view word = rest_.front();
     rest_ = rest_.subspan(1);
@@ -82,7 +95,9 @@ class Parser {
       }
     }
     result_.verb = FindVerb(program_.verbs, word);
-    if (result_.verb == nullptr) throw UnknownVerb(word);
+    if (result_.verb != nullptr) return;
+    if (rest_.empty()) first_ = word;
+    throw UnknownVerb(word);
   }
 
   Failure UnknownVerb(std::string_view word) const {
@@ -155,6 +170,7 @@ class Parser {
       result_.Add(option.name, "");
       return;
     }
+    if (rest_.empty()) pending_ = &option;
     if (rest_.empty()) throw Usage(shown + " needs a value, " + std::string(option.value) + Help());
     result_.Add(option.name, std::string(Take()));
   }
@@ -192,6 +208,8 @@ class Parser {
   const Program& program_;
   std::span<const char* const> rest_;
   bool onlyWords_ = false;
+  const Option* pending_ = nullptr;
+  std::string first_;
   Invocation result_;
 };
 
@@ -219,6 +237,10 @@ std::vector<std::string> Invocation::Values(std::string_view option) const {
 
 Invocation Parse(const Program& program, std::span<const char* const> arguments) {
   return Parser(program, arguments).Run();
+}
+
+Beginning ParseBeginning(const Program& program, std::span<const char* const> arguments) {
+  return Parser(program, arguments).RunBeginning();
 }
 
 const Verb* FindVerb(std::span<const Verb> table, std::string_view name) {

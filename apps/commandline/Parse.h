@@ -36,6 +36,15 @@ class Invocation {
 /// numbers are words. Throws Failure(kUsage).
 Invocation Parse(const Program& program, std::span<const char* const> arguments);
 
+/// A command line that may not be whole: what can be understood of it, for whoever completes it.
+struct Beginning {
+  Invocation call;
+  const Option* pending = nullptr;  ///< the last word is this option, and its value is to come
+  std::string first = {};           ///< the last word, where it begins the names of verbs and is none
+  bool onlyWords = false;           ///< after "--"
+};
+Beginning ParseBeginning(const Program& program, std::span<const char* const> arguments);
+
 /// The verb of a table by its full name, or null.
 const Verb* FindVerb(std::span<const Verb> table, std::string_view name);
 

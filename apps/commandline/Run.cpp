@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include "apps/commandline/Completion.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Help.h"
 #include "apps/commandline/Printable.h"
@@ -63,8 +64,22 @@ ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, cons
   return outcome.code;
 }
 
+bool AnswerShell(const Program& program, std::span<const char* const> arguments) {
+  if (arguments.size() < 2 || std::string_view(arguments[0]) != "__complete") return false;
+  const StdoutDiversion diversion;
+  try {
+    Output out(diversion.Real());
+    out.Add(Offers(program, arguments[1], arguments.subspan(2)));
+    out.Flush();
+  } catch (const std::exception&) {
+    // Nobody reads a message while a line is being typed; there is nothing to offer.
+  }
+  return true;
+}
+
 int RunProgram(const Program& program, std::span<const char* const> arguments) {
   FillStandardDescriptors();
+  if (AnswerShell(program, arguments)) return 0;
   StdoutDiversion diversion;
   Reporter reporter(program.name, STDERR_FILENO, StyleFor(STDERR_FILENO, arguments));
   Output out(diversion.Real());

@@ -29,6 +29,10 @@ Json ErrorMembers(const Outcome& outcome);
 /// Reports a failure, in JSON style also as the command's result. Returns the outcome's code.
 ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, const Outcome& outcome);
 
+/// Answers `PROGRAM __complete SHELL WORD...`, the question of the completion scripts, and returns true; returns false
+/// when the command line is another. It is in no help, because only scripts ask it.
+bool AnswerShell(const Program& program, std::span<const char* const> arguments);
+
 /// A whole program without supervision: reads the command line and runs its verb on this thread. Standard output leads
 /// into memory meanwhile (see StdoutDiversion), so verbs print through their context. Failures and other exceptions
 /// become messages. Returns the exit status.

@@ -5,7 +5,9 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
+#include "apps/camera/Attached.h"
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Failure.h"
@@ -23,6 +25,24 @@ constexpr std::string_view kAbortSentence =
     "The camera sent more than it had announced, which the library does not survive; nothing unfinished was kept. "
     "Repeat the command, and restart the camera if it stays.";
 
+std::vector<std::string> AttachedSerials(const Invocation& call) {
+  ChooseCameraSource(call.Value("virtual"), [](const std::string&) {});
+  StdoutDiversion diversion;
+  std::vector<std::string> serials;
+  for (const AttachedCamera& camera : FindAttached(diversion)) serials.push_back(camera.facts.serial);
+  return serials;
+}
+
+// The table of verbs, with what needs a source of cameras.
+const Program& TheTool() {
+  static const Program program = [] {
+    Program tool = Kelva();
+    tool.serials = AttachedSerials;
+    return tool;
+  }();
+  return program;
+}
+
 bool IsGuarded(const Invocation& call) {
   return call.verb->guarded && (call.verb->guardedWith.empty() || call.Has(call.verb->guardedWith));
 }
@@ -31,12 +51,12 @@ class Tool {
  public:
   explicit Tool(std::span<const char* const> arguments)
       : arguments_(arguments),
-        reporter_(Kelva().name, STDERR_FILENO, StyleFor(STDERR_FILENO, arguments)),
+        reporter_(TheTool().name, STDERR_FILENO, StyleFor(STDERR_FILENO, arguments)),
         out_(diversion_.Real()) {}
 
   ExitCode Run() {
     try {
-      call_ = Parse(Kelva(), arguments_);
+      call_ = Parse(TheTool(), arguments_);
       return Dispatch();
     } catch (const std::exception& error) {
       return GiveError(reporter_, out_, call_, Explain(error, "start"));
@@ -110,6 +130,7 @@ class Tool {
 
 int RunTool(std::span<const char* const> arguments) {
   FillStandardDescriptors();
+  if (AnswerShell(TheTool(), arguments)) return 0;
   TakeOverSignals();
   return static_cast<int>(Tool(arguments).Run());
 }

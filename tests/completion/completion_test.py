@@ -1,6 +1,6 @@
 """Keys are typed into a shell, Tab among them, and what the shell then runs is looked at.
 
-The tool that the shell finds is a stand-in, which notes its words; for serial numbers it asks the tool itself.
+The tool that the shell finds is a stand-in, which notes its words; for what may come next it asks the tool itself.
 """
 
 import os
@@ -13,6 +13,7 @@ from terminal import Terminal
 
 SHELL = ""
 STAND_IN = """#!/bin/sh
+[ "$1" != __complete ] || {{ shell=$2; shift 2; exec {bin}/kelva __complete "$shell" --virtual {socket} "$@"; }}
 [ "$*" != list ] || exec {bin}/kelva --virtual {socket} list
 printf '%s\\0' "$@" >{noted}.part
 mv {noted}.part {noted}
@@ -36,6 +37,7 @@ class Completion(Bus):
         for name in ("folder/inside", "footage of may.html", "firmware.bin"):
             with open(os.path.join(self.here, name), "w", encoding="utf-8"):
                 pass
+        self.files = sorted(os.listdir(self.here))
         self.install()
         self.terminal = self.start_shell()
         self.addCleanup(self.terminal.close)
@@ -107,6 +109,41 @@ class Completion(Bus):
         self.vcam("plug", "--serial", "KV-0042", "--storage", self.drive)
         self.check(("kelva info --serial KV\t", ["info", "--serial", "KV-0042"]),
                    ("kelva info -s KV\t", ["info", "-s", "KV-0042"]))
+
+    def test_a_serial_number_is_never_evaluated(self):
+        for number, serial in enumerate(("$(touch trap)", "`touch trap`", "${x:=trap}", "a b\tc", "it's", "say \"x\"",
+                                         "back\\slash", "semi;touch trap", "~root", "*", "\x1b[2Jbare", "!!")):
+            self.vcam("plug", "--serial", serial, "--storage", self.drive)
+            self.vcam("unplug", "K1") if number == 0 else None
+            offered = all(" " <= letter < "\x7f" for letter in serial) and serial[0] != "~"
+            with self.subTest(serial=serial):
+                if offered:
+                    self.check(("kelva info --serial \t", ["info", "--serial", serial]),
+                               ("kelva info --serial " + ("\\" if serial[0] in "$`*!" else "") + serial[0] + "\t",
+                                ["info", "--serial", serial]))
+                else:
+                    self.assertNotIn(serial, self.run_after("kelva info --serial \tx"))
+                self.assertEqual(os.listdir(self.here).count("trap"), 0)
+            self.vcam("unplug", serial)
+
+    def test_several_hostile_serial_numbers_are_listed_and_none_is_evaluated(self):
+        for serial in ("$(touch trap)", "`touch trap`", "$(touch trap2)", "K;touch trap"):
+            self.vcam("plug", "--serial", serial, "--storage", self.drive)
+        self.terminal.type("kelva info --serial \t\t\t")
+        self.run_after("\x15kelva done")
+        self.assertEqual(sorted(os.listdir(self.here)), self.files)
+
+    def test_a_path_is_never_evaluated(self):
+        for name in ("$(touch trap)", "`touch trap`", "a b", "it's", "say \"x\"", "back\\slash", "semi;touch trap"):
+            path = os.path.join(self.here, "only", name)
+            os.makedirs(os.path.dirname(path))
+            with open(path, "w", encoding="utf-8"):
+                pass
+            with self.subTest(name=name):
+                self.check(("kelva upgrade only/\t", ["upgrade", "only/" + name]))
+            os.remove(path)
+            os.rmdir(os.path.dirname(path))
+        self.assertEqual(sorted(os.listdir(self.here)), self.files)
 
 
 if __name__ == "__main__":
