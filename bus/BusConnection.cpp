@@ -29,7 +29,7 @@ bool IsEvent(const bus::Frame& frame) {
 BusConnection::BusConnection(const std::string& path) : path_(path), socket_(bus::ConnectTo(path)) {
   if (!socket_) {
     throw std::runtime_error("Cannot reach a bus at " + path + ": " + std::strerror(errno) +
-                             "; start one with `kelva-vcam serve --socket " + path + "`.");
+                             "; start one with `kelva-vcam serve --virtual " + path + "`.");
   }
   Request(bus::Kind::kHello, bus::EncodeNumber(bus::kProtocolVersion));
 }

@@ -49,7 +49,7 @@ class Bus(unittest.TestCase):
     def status(self):
         """What the bus knows of each camera, by serial number."""
         words = [BIN + "/kelva-vcam", "status", "--json", "--socket", self.socket]
-        return {camera["serial"]: camera for camera in json.loads(subprocess.check_output(words))}
+        return {camera["serial"]: camera for camera in json.loads(subprocess.check_output(words))["cameras"]}
 
     def wait_until_held(self, *serials, run=None):
         """Until programs have opened these cameras, or `run` has ended; from then on they heed signals."""

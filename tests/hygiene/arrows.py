@@ -25,8 +25,6 @@ LIBRARIES = (
     (r"turbojpeg\.h", "libturbojpeg"),
     (r"jpeglib\.h", "libjpeg"),
     (r"libexif/.*", "libexif"),
-    (r"nlohmann/.*", "nlohmann-json"),
-    (r"CLI/.*", "CLI11"),
     (r"benchmark/.*", "Google Benchmark"),
     (r"g(test|mock)/.*", "GoogleTest"),
     (r"(AppKit|Foundation|Cocoa)/.*", "AppKit"),

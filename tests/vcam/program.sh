@@ -50,12 +50,18 @@ stop() {
 }
 
 expect 0 "kelva-vcam " --version
-for verb in serve plug unplug status fault; do expect 0 "--socket" "$verb" --help; done
-expect 2 "subcommand is required" 
-expect 2 "There is no command frob; see" frob
+for verb in serve plug unplug status fault; do
+  expect 0 "--virtual PATH" "$verb" --help
+  expect 0 "--socket" "$verb" --help
+done
+expect 0 "Usage: kelva-vcam COMMAND" --help
+expect 0 "Usage: kelva-vcam usbip --serial SERIAL --storage FOLDER" usbip -h
+expect 2 "No command was given; \`kelva-vcam help\` lists all."
+expect 2 "There is no command \"frob\"; \`kelva-vcam help\` lists all." frob
 expect 2 "There is no command " ""
-expect 2 "--socket is required" status
-expect 2 "see \`kelva-vcam --help\`" plug --socket "$socket" --serial K --storage "$work/card" --type 32
+expect 2 "needs --virtual PATH; \`kelva-vcam help status\`" status
+expect 2 "There is no option --frob of \`kelva-vcam status\`" status --frob
+expect 2 '"32" is not a SCSI peripheral type' plug --socket "$socket" --serial K --storage "$work/card" --type 32
 expect 1 "start one with" status --socket "$socket"
 
 start
@@ -66,14 +72,27 @@ expect 1 "plugged in already" plug --socket "$socket" --serial K100 --storage "$
 expect 1 "There is no folder" plug --socket "$socket" --serial K200 --storage "$work/none"
 expect 1 "catalogue layout odd" plug --socket "$socket" --serial K200 --storage "$work/card" --catalogue odd
 expect 0 "K100  revision Q42, type 5, free" status --socket "$socket"
-expect 0 '"serial": "K100"' status --socket "$socket" --json
+expect 0 "K100  revision Q42" status --virtual "$socket"
+expect 0 '{"schema":1,"command":"status","exit":0,"ok":true,"cameras":[{"serial":"K100","vendor":"Kelva","product":"Camera","revision":"Q42","type":5,"storage":"'"$work"'/card","holder":null,"commands":0}]}' status --socket "$socket" --json
 expect 0 "Armed fail on K100." fault --socket "$socket" K100 fail 3
 expect 0 "Armed none on K100." fault --socket "$socket" K100 none
+expect 0 "Armed fail on K100." fault --virtual "$socket" --serial K100 fail
+expect 0 "Armed slow on K100." fault --virtual "$socket" slow 5 --serial K100
+expect 0 '"exit":0,"ok":true,"serial":"K100","name":"none","at":1}' fault --virtual "$socket" --serial K100 none --json
 expect 1 "There is no fault boo" fault --socket "$socket" K100 boo
+expect 2 "needs --serial SERIAL and NAME" fault --socket "$socket" fail
+expect 2 "\`kelva-vcam fault\` needs NAME" fault --socket "$socket" --serial K100
+expect 2 "needs --serial SERIAL and NAME" fault --socket "$socket" --serial K100 K100 fail 3
+expect 2 '"x" is not AT' fault --socket "$socket" K100 fail x
 expect 3 "No camera K999" fault --socket "$socket" K999 fail
 expect 3 "No camera K999" unplug --socket "$socket" K999
 expect 0 "Unplugged K100." unplug --socket "$socket" K100
 expect 3 "No camera K100" unplug --socket "$socket" K100
+expect 3 "No camera K100" unplug --virtual "$socket" --serial K100
+expect 2 "needs one --serial SERIAL" unplug --virtual "$socket"
+expect 2 "needs one --serial SERIAL" unplug --virtual "$socket" --serial K100 K200
+expect 0 '"command":"plug","exit":0,"ok":true,"serial":"K100","storage":"'"$work"'/card"}' plug --json --virtual "$socket" --serial K100 --storage "$work/card"
+expect 0 '{"schema":1,"command":"unplug","exit":0,"ok":true,"serial":"K100"}' unplug --virtual "$socket" --serial K100 --json
 stop TERM
 
 # A bus that died leaves a socket that nobody serves; the next one takes its place.
@@ -91,15 +110,16 @@ usbip() {
   shift 2
   expect "$code" "$text" usbip --port 0 --serial K300 "$@"
 }
-usbip 2 "--speed: full not in {high,super}" --storage "$work/card" --speed full
-usbip 2 "--type: Value 32 not in range" --storage "$work/card" --type 32
-usbip 2 "--catalogue: odd not in {standard,reordered,unknown-fields,wide}" --storage "$work/card" --catalogue odd
+usbip 2 '--speed is one of high, super, not "full"' --storage "$work/card" --speed full
+usbip 2 '"32" is not a SCSI peripheral type' --storage "$work/card" --type 32
+usbip 2 '--catalogue is one of standard, reordered, unknown-fields, wide, not "odd"' --storage "$work/card" --catalogue odd
 usbip 1 "There is no fault boo" --storage "$work/card" --fault short@2 --fault boo
 usbip 1 "comes at a positive number" --storage "$work/card" --fault short@0
 usbip 1 "Cannot use $work/none as the camera's storage" --storage "$work/none"
-usbip 2 "--storage is required"
-expect 2 "--serial is required" usbip --storage "$work/card"
+usbip 2 "needs --storage FOLDER"
+expect 2 "needs --serial SERIAL" usbip --storage "$work/card"
 expect 2 "too long" usbip --storage "$work/card" --serial "$(printf '%0200d' 0)"
+expect 2 '"65536" is not a port' usbip --storage "$work/card" --serial K --port 65536
 
 mkfifo "$work/ready"
 "$vcam" usbip --port 0 --serial K300 --storage "$work/card" --speed super --catalogue wide --fault short@2 >"$work/ready" &
@@ -113,4 +133,25 @@ server=
 
 : >"$work/file"
 expect 1 "a file of that name exists" serve --socket "$work/file"
+
+# With --json a failure is a document with the schema's number too, and every event of serve is one.
+got=0
+"$vcam" status --virtual "$work/none" --json >"$work/out" 2>"$work/err" || got=$?
+[ "$got" = 1 ] || fail "status --json of no bus ended with $got"
+grep -qF '{"schema":1,"command":"status","exit":1,"ok":false,"reason":"failed","error":"Cannot reach a bus at ' "$work/out" ||
+  fail "status --json said: $(cat "$work/out")"
+mkfifo "$work/ready"
+"$vcam" serve --json --virtual "$socket" >"$work/ready" &
+server=$!
+exec 3<"$work/ready"
+rm "$work/ready"
+read -r line <&3
+[ "$line" = '{"schema":1,"event":"serving","path":"'"$socket"'"}' ] || fail "serve --json said: $line"
+stop TERM
+read -r line <&3
+[ "$line" = '{"schema":1,"command":"serve","exit":0,"ok":true}' ] || fail "serve --json ended with: $line"
+exec 3<&-
+
+# The manual comes from the same table.
+expect 0 '.TH KELVA\-VCAM 1 ' manual
 echo "all as expected"

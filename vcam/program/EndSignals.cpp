@@ -1,3 +1,5 @@
+// SIGTERM and SIGINT as a descriptor, so that a loop can end in order.
+
 #include "vcam/program/EndSignals.h"
 
 #include <signal.h>
@@ -16,6 +18,7 @@ base::FileDescriptor EndSignals() {
   sigaddset(&signals, SIGTERM);
   sigaddset(&signals, SIGINT);
   ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  ::signal(SIGPIPE, SIG_IGN);
   base::FileDescriptor descriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
   if (!descriptor) throw std::runtime_error(std::string("Cannot watch for signals: ") + std::strerror(errno) + ".");
   return descriptor;

@@ -5,8 +5,9 @@
 
 namespace vcam::program {
 
-/// A descriptor that is readable once the process is asked to end (SIGTERM, SIGINT). Blocks the signals, so it comes before
-/// any thread is started. Throws std::runtime_error when the system has no descriptor left.
+/// A descriptor that is readable once the process is asked to end (SIGTERM, SIGINT). Blocks these signals, so call it before
+/// any thread is started. Ignores SIGPIPE: a reader of our output that has gone must not end a bus that others use. Throws
+/// std::runtime_error when the system has no descriptor left.
 base::FileDescriptor EndSignals();
 
 }  // namespace vcam::program

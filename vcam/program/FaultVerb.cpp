@@ -1,39 +1,58 @@
-#include <iostream>
-#include <memory>
+// `kelva-vcam fault`: makes a camera of a bus go wrong.
 
-#include "bus/BusConnection.h"
+#include <limits>
+
+#include "apps/commandline/Failure.h"
 #include "vcam/faults/Fault.h"
 #include "vcam/program/Verbs.h"
 
 namespace vcam::program {
 namespace {
 
-struct FaultArguments {
-  std::string socket;
-  bus::FaultRequest request;
-};
-
-int Arm(const FaultArguments& arguments) {
-  bus::BusConnection connection(arguments.socket);
-  connection.Request(bus::Kind::kFault, bus::Encode(arguments.request));
-  std::cout << "Armed " << arguments.request.name << " on " << arguments.request.serial << ".\n";
-  return kExitDone;
+/// Takes the serial number from --serial or from the first word, NAME and AT from the words that are left.
+bus::FaultRequest RequestOf(const apps::Invocation& call) {
+  std::vector<std::string> words = call.words;
+  if (const auto serial = call.Value("serial")) words.insert(words.begin(), *serial);
+  if (words.size() < 2 || words.size() > 3) {
+    throw apps::Failure(
+        apps::ExitCode::kUsage,
+        "`kelva-vcam fault` needs --serial SERIAL and NAME; `kelva-vcam help fault` shows how it is used.");
+  }
+  bus::FaultRequest request{words[0], words[1]};
+  constexpr long long kLargest = std::numeric_limits<long long>::max();
+  if (words.size() == 3) request.at = static_cast<std::uint64_t>(apps::ParseNumber(words[2], "AT", 0, kLargest));
+  return request;
 }
+
+apps::ExitCode Arm(apps::Context& context) {
+  const bus::FaultRequest request = RequestOf(context.call);
+  AskBus(context.call, bus::Kind::kFault, bus::Encode(request));
+  context.Result(apps::Json::Object().Set("serial", request.serial).Set("name", request.name).Set("at", request.at),
+                 "Armed " + request.name + " on " + request.serial + ".\n");
+  return apps::ExitCode::kDone;
+}
+
+constexpr apps::Option kOptions[] = {kBus, kSerial};
+constexpr apps::Example kExamples[] = {
+    {"PROGRAM fault --virtual /tmp/bus --serial K100 fail 3", "The third command from now is refused."},
+    {"PROGRAM fault --virtual /tmp/bus --serial K100 unplug 70000", "The camera leaves after 70,000 more bytes."},
+    {"PROGRAM fault --virtual /tmp/bus --serial K100 none", "Take all faults back."}};
 
 }  // namespace
 
-void AddFault(CLI::App& app, Action& chosen) {
-  CLI::App* verb = app.add_subcommand("fault", "Make something go wrong");
-  const auto arguments = std::make_shared<FaultArguments>();
-  AddSocketOption(*verb, arguments->socket);
-  verb->add_option("serial", arguments->request.serial, "USB serial number")->required()->type_name("S");
-  verb->add_option("name", arguments->request.name, FaultNames() + ", or none to take all back")
-      ->required()
-      ->type_name("NAME");
-  verb->add_option("at", arguments->request.at,
-                   "Which command from now, default 1; for slow: milliseconds; for unplug: bytes until then")
-      ->type_name("AT");
-  verb->callback([&chosen, arguments] { chosen = [arguments] { return Arm(*arguments); }; });
+std::span<const apps::Verb> FaultVerbs() {
+  using Count = apps::Argument::Count;
+  static const std::string names = FaultNames() + ", or none to take all back.";
+  static const apps::Argument words[] = {
+      {"SERIAL", "The serial number, instead of --serial.", Count::kOptional, apps::Offer::kSerial},
+      {"NAME", names},
+      {"AT", "Which command from now, 1 if not given; for slow: milliseconds; for unplug: bytes until then.",
+       Count::kOptional}};
+  static const apps::Verb verbs[] = {
+      {"fault", "Make something go wrong", words, kOptions,
+       "Several faults may be armed at once. The virtual camera's README says what each of them does.",
+       "serial: the serial number of the camera\nname: the fault\nat: AT", kExamples, Arm}};
+  return verbs;
 }
 
 }  // namespace vcam::program

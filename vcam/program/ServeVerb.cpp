@@ -1,5 +1,4 @@
-#include <iostream>
-#include <memory>
+// `kelva-vcam serve`: a bus of virtual cameras, until a signal ends it.
 
 #include "vcam/program/EndSignals.h"
 #include "vcam/program/Verbs.h"
@@ -8,21 +7,35 @@
 namespace vcam::program {
 namespace {
 
-int Serve(const std::string& path) {
+apps::ExitCode Serve(apps::Context& context) {
+  const std::string path = *context.call.Value("virtual");
   const base::FileDescriptor stop = EndSignals();
   server::BusServer busServer(path);
-  std::cout << "Serving virtual cameras at " << path << "." << std::endl;
+  apps::Json members = apps::Json::Object();
+  context.Event("serving", std::move(members.SetBytes("path", path)), "Serving virtual cameras at " + path + ".\n");
   busServer.Run(stop.Get());
-  return kExitDone;
+  context.Result(apps::Json::Object(), "");
+  return apps::ExitCode::kDone;
 }
+
+constexpr apps::Option kOptions[] = {kBus};
+constexpr apps::Example kExamples[] = {{"PROGRAM serve --virtual /tmp/bus &", "Serve a bus in the background."}};
+constexpr apps::Verb kVerbs[] = {
+    {"serve",
+     "Serve a bus, empty at first, until SIGTERM or Ctrl-C",
+     {},
+     kOptions,
+     "Prints one line when the bus is ready. Replaces a socket that no process serves any more, and removes its own "
+     "socket at the end. Only the user who serves a bus may connect to it.",
+     "path: the socket, in the event \"serving\"",
+     kExamples,
+     Serve},
+};
 
 }  // namespace
 
-void AddServe(CLI::App& app, Action& chosen) {
-  CLI::App* verb = app.add_subcommand("serve", "Serve a bus, empty at first, until SIGTERM or Ctrl-C");
-  const auto path = std::make_shared<std::string>();
-  AddSocketOption(*verb, *path);
-  verb->callback([&chosen, path] { chosen = [path] { return Serve(*path); }; });
+std::span<const apps::Verb> ServeVerbs() {
+  return kVerbs;
 }
 
 }  // namespace vcam::program

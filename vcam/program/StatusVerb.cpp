@@ -1,65 +1,62 @@
-#include <iostream>
-#include <memory>
-#include <nlohmann/json.hpp>
+// `kelva-vcam status`: the cameras of a bus.
+
 #include <stdexcept>
 
-#include "bus/BusConnection.h"
 #include "vcam/program/Verbs.h"
 
 namespace vcam::program {
 namespace {
 
-struct StatusArguments {
-  std::string socket;
-  bool json = false;
-};
-
-std::vector<bus::CameraStatus> Fetch(const std::string& socket) {
-  bus::BusConnection connection(socket);
-  const bus::Frame answer = connection.Request(bus::Kind::kStatus, {});
-  const auto list = bus::DecodeStatusList(answer.payload);
+std::vector<bus::CameraStatus> Fetch(const apps::Invocation& call) {
+  const auto list = bus::DecodeStatusList(AskBus(call, bus::Kind::kStatus, {}).payload);
   if (!list) throw std::runtime_error("The bus sent a status that cannot be read; use programs of one release.");
   return *list;
 }
 
-void PrintJson(const std::vector<bus::CameraStatus>& list) {
-  nlohmann::json cameras = nlohmann::json::array();
-  for (const bus::CameraStatus& camera : list) {
-    cameras.push_back({{"serial", camera.serial},
-                       {"vendor", camera.vendor},
-                       {"product", camera.product},
-                       {"revision", camera.revision},
-                       {"type", camera.peripheralType},
-                       {"storage", camera.storage},
-                       {"holder", camera.holder == 0 ? nlohmann::json() : nlohmann::json(camera.holder)},
-                       {"commands", camera.commands}});
-  }
-  std::cout << cameras.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+apps::Json JsonOf(const bus::CameraStatus& camera) {
+  apps::Json members = apps::Json::Object();
+  members.Set("serial", camera.serial).Set("vendor", camera.vendor).Set("product", camera.product);
+  members.Set("revision", camera.revision).Set("type", camera.peripheralType).SetBytes("storage", camera.storage);
+  members.Set("holder", camera.holder == 0 ? apps::Json() : apps::Json(camera.holder));
+  return std::move(members.Set("commands", camera.commands));
 }
 
-void PrintText(const std::vector<bus::CameraStatus>& list) {
-  if (list.empty()) std::cout << "No camera is plugged in.\n";
-  for (const bus::CameraStatus& camera : list) {
-    std::cout << camera.serial << "  revision " << camera.revision << ", type " << int{camera.peripheralType} << ", "
-              << (camera.holder == 0 ? "free" : "held by process " + std::to_string(camera.holder)) << ", "
-              << camera.commands << " commands, " << camera.storage << "\n";
-  }
+std::string TextOf(const bus::CameraStatus& camera) {
+  const std::string holder = camera.holder == 0 ? "free" : "held by process " + std::to_string(camera.holder);
+  return camera.serial + "  revision " + camera.revision + ", type " + std::to_string(camera.peripheralType) + ", " +
+         holder + ", " + std::to_string(camera.commands) + " commands, " + camera.storage + "\n";
 }
 
-int Status(const StatusArguments& arguments) {
-  const std::vector<bus::CameraStatus> list = Fetch(arguments.socket);
-  arguments.json ? PrintJson(list) : PrintText(list);
-  return kExitDone;
+apps::ExitCode Status(apps::Context& context) {
+  apps::Json cameras = apps::Json::Array();
+  std::string text;
+  for (const bus::CameraStatus& camera : Fetch(context.call)) {
+    cameras.Push(JsonOf(camera));
+    text += TextOf(camera);
+  }
+  context.Result(apps::Json::Object().Set("cameras", std::move(cameras)),
+                 text.empty() ? "No camera is plugged in.\n" : text);
+  return apps::ExitCode::kDone;
 }
+
+constexpr apps::Option kOptions[] = {kBus};
+constexpr apps::Example kExamples[] = {{"PROGRAM status --virtual /tmp/bus", "One line for each camera."}};
+constexpr apps::Verb kVerbs[] = {
+    {"status",
+     "List the cameras of a bus",
+     {},
+     kOptions,
+     "Shows each camera's revision, type and storage, how many commands it has had, and which process holds it.",
+     "cameras: one object each: serial, vendor, product, revision, type, storage, holder (the process, or null), "
+     "commands",
+     kExamples,
+     Status},
+};
 
 }  // namespace
 
-void AddStatus(CLI::App& app, Action& chosen) {
-  CLI::App* verb = app.add_subcommand("status", "List the cameras of a bus");
-  const auto arguments = std::make_shared<StatusArguments>();
-  AddSocketOption(*verb, arguments->socket);
-  verb->add_flag("--json", arguments->json, "As JSON");
-  verb->callback([&chosen, arguments] { chosen = [arguments] { return Status(*arguments); }; });
+std::span<const apps::Verb> StatusVerbs() {
+  return kVerbs;
 }
 
 }  // namespace vcam::program

@@ -1,11 +1,14 @@
+// `kelva-vcam usbip`: one virtual camera as a USB device that this machine's kernel attaches.
+
 #include <poll.h>
 #include <sys/eventfd.h>
 
 #include <array>
-#include <iostream>
-#include <memory>
+#include <limits>
 #include <thread>
 
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
 #include "vcam/program/EndSignals.h"
 #include "vcam/program/Verbs.h"
 #include "vcam/usbip/CableFaults.h"
@@ -16,37 +19,72 @@
 namespace vcam::program {
 namespace {
 
-constexpr std::uint16_t kUsbipPort = 3240;
+/// The failure of an option whose value is not one of its words.
+apps::Failure NotOneOf(const apps::Option& option, const std::string& value) {
+  std::string words(option.words);
+  for (std::size_t at = words.find(' '); at != std::string::npos; at = words.find(' ', at + 2))
+    words.replace(at, 1, ", ");
+  return {apps::ExitCode::kUsage,
+          "--" + std::string(option.name) + " is one of " + words + ", not \"" + apps::Printable(value) + "\"."};
+}
 
-struct UsbipArguments {
-  Options camera;
-  std::string storage;
-  int type = 3;
-  std::string catalogue = "standard";
-  std::string speed = "high";
-  std::uint16_t port = kUsbipPort;
-  bool attach = false;
-  std::vector<std::string> faults;
-};
+constexpr apps::Option kSpeed = {
+    "speed", 0, "SPEED", "high (USB 2) or super (USB 3); high if not given.", apps::Offer::kWords, "high super"};
+
+std::uint16_t PortOf(const apps::Invocation& call) {
+  constexpr std::uint16_t kUsbipPort = 3240;
+  const auto text = call.Value("port");
+  constexpr long long kLargest = std::numeric_limits<std::uint16_t>::max();
+  return text ? static_cast<std::uint16_t>(apps::ParseNumber(*text, "a port", 0, kLargest)) : kUsbipPort;
+}
+
+usbip::Speed SpeedOf(const apps::Invocation& call) {
+  const std::string speed = call.Value("speed").value_or("high");
+  if (speed == "high") return usbip::Speed::kHigh;
+  if (speed == "super") return usbip::Speed::kSuper;
+  throw NotOneOf(kSpeed, speed);
+}
+
+Options OptionsOf(const apps::Invocation& call) {
+  Options options;
+  options.serial = *call.Value("serial");
+  if (options.serial.size() > usbip::kMaxStringLength) {
+    throw apps::Failure(apps::ExitCode::kUsage, "The serial number is too long; a USB device's has at most " +
+                                                    std::to_string(usbip::kMaxStringLength) + " characters.");
+  }
+  options.storage = *call.Value("storage");
+  options.revision = call.Value("revision").value_or(options.revision);
+  options.peripheralType = PeripheralType(call);
+  const std::string name = call.Value("catalogue").value_or("standard");
+  const auto layout = CatalogueLayout::ByName(name);
+  if (!layout) throw NotOneOf(kCatalogue, name);
+  options.catalogue = *layout;
+  return options;
+}
+
+apps::Json About(const usbip::CameraModel& model) {
+  return std::move(apps::Json::Object().Set("serial", model.identity.serial));
+}
 
 /// Offers the camera to `usbip attach` until the process is to end.
-int Offer(const usbip::CameraModel& model, const UsbipArguments& arguments, int stop) {
+void Offer(const usbip::CameraModel& model, apps::Context& context, int stop) {
   const auto offer = usbip::OfferOf(model.identity.speed);
-  usbip::Server server(offer, model, arguments.port);
-  server.onComplaint = [](const std::string& sentence) { std::cerr << "kelva-vcam: " << sentence << "\n"; };
-  std::cout << "Offering camera " << arguments.camera.serial << "; plug it in with: usbip --tcp-port " << server.port()
-            << " attach -r 127.0.0.1 -b " << offer.busId << std::endl;
+  usbip::Server server(offer, model, PortOf(context.call));
+  server.onComplaint = [&context](const std::string& sentence) { context.reporter.Note(sentence); };
+  const std::string port = std::to_string(server.port());
+  context.Event("offering", About(model).Set("host", "127.0.0.1").Set("port", server.port()).Set("bus_id", offer.busId),
+                "Offering camera " + model.identity.serial + "; plug it in with: usbip --tcp-port " + port +
+                    " attach -r 127.0.0.1 -b " + offer.busId + "\n");
   server.Run(stop);
-  return kExitDone;
 }
 
 /// Plugs the camera into this machine until the process is to end or the kernel lets go of it.
-int PlugIn(const usbip::CameraModel& model, const UsbipArguments& arguments, int stop) {
+void PlugIn(const usbip::CameraModel& model, apps::Context& context, int stop) {
   const std::uint32_t device = usbip::OfferOf(model.identity.speed).DeviceId();
   usbip::UsbCamera camera(model);
   usbip::Session session(usbip::PlugIntoController(usbip::DefaultController(), device, model.identity.speed), device,
                          camera);
-  std::cout << "Plugged in camera " << arguments.camera.serial << "." << std::endl;
+  context.Event("plugged", About(model), "Plugged in camera " + model.identity.serial + ".\n");
   const base::FileDescriptor ended(::eventfd(0, EFD_CLOEXEC));
   std::jthread pull([&] {
     std::array<pollfd, 2> waits{pollfd{stop, POLLIN, 0}, {ended.Get(), POLLIN, 0}};
@@ -55,53 +93,52 @@ int PlugIn(const usbip::CameraModel& model, const UsbipArguments& arguments, int
   });
   session.Run();
   ::eventfd_write(ended.Get(), 1);
-  std::cout << "Unplugged camera " << arguments.camera.serial << "." << std::endl;
-  return kExitDone;
+  context.Event("unplugged", About(model), "Unplugged camera " + model.identity.serial + ".\n");
 }
 
-int Usbip(UsbipArguments& arguments) {
+apps::ExitCode Usbip(apps::Context& context) {
+  const apps::Invocation& call = context.call;
   const base::FileDescriptor stop = EndSignals();
-  arguments.camera.storage = arguments.storage;
-  arguments.camera.peripheralType = static_cast<std::uint8_t>(arguments.type);
-  arguments.camera.catalogue = CatalogueLayout::ByName(arguments.catalogue).value();
-  VirtualCamera camera(arguments.camera);
+  const usbip::Speed speed = SpeedOf(call);
+  VirtualCamera camera(OptionsOf(call));
   usbip::CableFaults cable;
-  for (const std::string& fault : arguments.faults) usbip::ArmByText(fault, camera, cable);
-  const auto speed = arguments.speed == "super" ? usbip::Speed::kSuper : usbip::Speed::kHigh;
+  for (const std::string& fault : call.Values("fault")) usbip::ArmByText(fault, camera, cable);
   const auto model = usbip::ModelOf(camera, cable, speed);
-  return arguments.attach ? PlugIn(model, arguments, stop.Get()) : Offer(model, arguments, stop.Get());
+  call.Has("attach") ? PlugIn(model, context, stop.Get()) : Offer(model, context, stop.Get());
+  context.Result(About(model), "");
+  return apps::ExitCode::kDone;
 }
+
+constexpr apps::Example kExamples[] = {
+    {"PROGRAM usbip --serial K100 --storage ~/card &", "Offer a camera; it says how to plug it in."},
+    {"sudo PROGRAM usbip --serial K100 --storage ~/card --attach", "Plug it in without the usbip command."},
+    {"PROGRAM usbip --serial K100 --storage ~/card --fault short@3 --fault pull@9",
+     "The third command is a byte short; at the ninth the cable is pulled."}};
 
 }  // namespace
 
-void AddUsbip(CLI::App& app, Action& chosen) {
-  CLI::App* verb = app.add_subcommand("usbip", "Be a USB device that this machine's kernel attaches");
-  const auto arguments = std::make_shared<UsbipArguments>();
-  verb->add_option("--serial", arguments->camera.serial, "USB serial number")
-      ->required()
-      ->check(
-          CLI::Validator([](std::string& text) { return text.size() > usbip::kMaxStringLength ? "too long" : ""; }, ""))
-      ->type_name("S");
-  verb->add_option("--storage", arguments->storage, "Folder that is the camera's drive I:")
-      ->required()
-      ->type_name("DIR");
-  verb->add_option("--revision", arguments->camera.revision, "Product revision level; default 1.00")->type_name("R");
-  verb->add_option("--type", arguments->type, "SCSI peripheral type: 0 disk, 5 compact disc; default 3")
-      ->check(CLI::Range(0, 31))
-      ->type_name("N");
-  verb->add_option("--catalogue", arguments->catalogue,
-                   "Layout of the catalogue: standard, reordered, unknown-fields or wide")
-      ->check(CLI::IsMember({"standard", "reordered", "unknown-fields", "wide"}))
-      ->type_name("NAME");
-  verb->add_option("--speed", arguments->speed, "high (USB 2) or super (USB 3); default high")
-      ->check(CLI::IsMember({"high", "super"}))
-      ->type_name("SPEED");
-  verb->add_option("--port", arguments->port, "Port of loopback to listen on; 0 takes any; default 3240")
-      ->type_name("N");
-  verb->add_flag("--attach", arguments->attach, "Plug the camera in at once, without the usbip command; needs root");
-  verb->add_option("--fault", arguments->faults, "NAME or NAME@N, may be repeated: " + usbip::AllFaultNames())
-      ->type_name("FAULT");
-  verb->callback([&chosen, arguments] { chosen = [arguments] { return Usbip(*arguments); }; });
+std::span<const apps::Verb> UsbipVerbs() {
+  static const std::string faults = "NAME or NAME@N, may be repeated: " + usbip::AllFaultNames() + ".";
+  static const apps::Option options[] = {
+      kNewSerial,
+      kStorage,
+      kRevision,
+      kType,
+      kCatalogue,
+      kSpeed,
+      {"port", 0, "N", "Port of loopback to listen on; 0 takes any; 3240 if not given."},
+      {"attach", 0, "", "Plug the camera in at once, without the usbip command; needs root."},
+      {"fault", 0, "FAULT", faults}};
+  static const apps::Verb verbs[] = {
+      {"usbip",
+       "Be a USB device that this machine's kernel attaches",
+       {},
+       options,
+       "Offers one camera on loopback, and nowhere else, until SIGTERM or Ctrl-C. Needs the kernel module vhci-hcd.",
+       "serial: its USB serial number; the event \"offering\" also has host, port and bus_id",
+       kExamples,
+       Usbip}};
+  return verbs;
 }
 
 }  // namespace vcam::program

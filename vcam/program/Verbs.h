@@ -1,34 +1,63 @@
 #ifndef KELVA_VCAM_PROGRAM_VERBS_H_
 #define KELVA_VCAM_PROGRAM_VERBS_H_
 
-#include <CLI/CLI.hpp>
-#include <functional>
+#include <span>
 #include <string>
 
-// The verbs of kelva-vcam, one file each. A verb adds its sub-command and, when it is the one that was given, leaves what
-// is to be done; that returns the exit code, or throws std::runtime_error with one sentence.
+#include "apps/commandline/Context.h"
+#include "apps/commandline/Program.h"
+#include "bus/BusConnection.h"
+
+// The table of verbs, one group for each file. Vcam.cpp puts them in the order of the help.
 
 namespace vcam::program {
 
-inline constexpr int kExitDone = 0;
-inline constexpr int kExitFailed = 1;
-inline constexpr int kExitUsage = 2;
-inline constexpr int kExitNoSuchCamera = 3;
+std::span<const apps::Verb> ServeVerbs();   ///< serve
+std::span<const apps::Verb> PlugVerbs();    ///< plug, unplug
+std::span<const apps::Verb> StatusVerbs();  ///< status
+std::span<const apps::Verb> FaultVerbs();   ///< fault
+std::span<const apps::Verb> UsbipVerbs();   ///< usbip
 
-using Action = std::function<int()>;
+/// The program: these verbs, then those that explain it, and the options of all.
+const apps::Program& Vcam();
 
-void AddServe(CLI::App& app, Action& chosen);
-void AddPlug(CLI::App& app, Action& chosen);
-void AddUnplug(CLI::App& app, Action& chosen);
-void AddStatus(CLI::App& app, Action& chosen);
-void AddFault(CLI::App& app, Action& chosen);
-void AddUsbip(CLI::App& app, Action& chosen);
+/// Options that several verbs take.
+inline constexpr apps::Option kBus = {.name = "virtual",
+                                      .letter = 0,
+                                      .value = "PATH",
+                                      .help = "The bus: the path of its socket. --socket means the same.",
+                                      .offer = apps::Offer::kFile,
+                                      .alias = "socket",
+                                      .needed = true};
+inline constexpr apps::Option kSerial = {.name = "serial",
+                                         .letter = 's',
+                                         .value = "SERIAL",
+                                         .help = "The camera with this USB serial number.",
+                                         .offer = apps::Offer::kSerial};
+inline constexpr apps::Option kNewSerial = {
+    .name = "serial", .letter = 's', .value = "SERIAL", .help = "The camera's USB serial number.", .needed = true};
+inline constexpr apps::Option kStorage = {.name = "storage",
+                                          .letter = 0,
+                                          .value = "FOLDER",
+                                          .help = "The folder that is the camera's drive I:.",
+                                          .offer = apps::Offer::kFolder,
+                                          .needed = true};
+inline constexpr apps::Option kRevision = {"revision", 0, "R", "Product revision level; 1.00 if not given."};
+inline constexpr apps::Option kType = {"type", 0, "N",
+                                       "SCSI peripheral type, 0 to 31: 0 disk, 3 processor, 5 compact disc; 3 if not "
+                                       "given."};
+inline constexpr apps::Option kCatalogue = {"catalogue",
+                                            0,
+                                            "NAME",
+                                            "Layout of the catalogue: standard, reordered, unknown-fields or wide.",
+                                            apps::Offer::kWords,
+                                            "standard reordered unknown-fields wide"};
 
-/// The `--socket PATH` that every verb of the bus needs.
-void AddSocketOption(CLI::App& verb, std::string& path);
+/// The number that --type gives.
+std::uint8_t PeripheralType(const apps::Invocation& call);
 
-/// The whole program: parses, runs, reports; returns the exit code.
-int Run(int argc, char** argv);
+/// Sends one request to the bus of --virtual and waits for its answer. Throws apps::Failure when the bus refuses.
+bus::Frame AskBus(const apps::Invocation& call, bus::Kind kind, const base::Bytes& payload);
 
 }  // namespace vcam::program
 
