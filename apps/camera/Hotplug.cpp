@@ -15,6 +15,35 @@ RegistryCamera FactsOf(const Camera& camera) {
   return {};
 }
 
+/// Makes this thread's run loop handle a source, now or as soon as it runs. (CFRunLoopStop is lost while no run is in
+/// progress.)
+class Alarm {
+ public:
+  Alarm() { CFRunLoopAddSource(loop_, source_, kCFRunLoopDefaultMode); }
+  ~Alarm() {
+    CFRunLoopSourceInvalidate(source_);
+    CFRelease(source_);
+  }
+  Alarm(const Alarm&) = delete;
+  Alarm& operator=(const Alarm&) = delete;
+
+  /// Any thread.
+  void Ring() const {
+    CFRunLoopSourceSignal(source_);
+    CFRunLoopWakeUp(loop_);
+  }
+
+ private:
+  static CFRunLoopSourceRef Make() {
+    CFRunLoopSourceContext context{};
+    context.perform = [](void*) {};
+    return CFRunLoopSourceCreate(kCFAllocatorDefault, 0, &context);
+  }
+
+  const CFRunLoopRef loop_ = CFRunLoopGetCurrent();
+  const CFRunLoopSourceRef source_ = Make();
+};
+
 }  // namespace
 
 // Called from C frames of the run loop, which no exception may cross.
@@ -57,8 +86,8 @@ void Hotplug::Run(const Stop& stop) {
   Camera::ListenForCameraAttach(OnAttach, this, false);
   Camera::ListenForBadCameraAttach(OnBad, this);
   present_ = false;
-  const CFRunLoopRef loop = CFRunLoopGetCurrent();
-  const Stop::WakeUp wakeUp(stop, [loop] { CFRunLoopStop(loop); });
+  const Alarm alarm;
+  const Stop::WakeUp wakeUp(stop, [&alarm] { alarm.Ring(); });
   constexpr CFTimeInterval kForEver = 1e10;
   while (!error_ && !finished_) {
     stop.Check();

@@ -1,21 +1,44 @@
 #include "apps/camera/Hotplug.h"
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
+#include <deque>
+#include <functional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "darwin/virtual/VirtualRegistry.h"
 
+namespace {
+
+std::function<void()> beforeRun;
+
+}  // namespace
+
+// The linker puts this in the place of the run loop's function.
+extern "C" CFRunLoopRunResult __real_CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds, Boolean once);
+extern "C" CFRunLoopRunResult __wrap_CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds, Boolean once) {
+  if (beforeRun) beforeRun();
+  return __real_CFRunLoopRunInMode(mode, seconds, once);
+}
+
 namespace apps {
 namespace {
+
+/// A watch that lives until the program ends, because a listener is never taken back.
+Hotplug& Watch(Hotplug::Handler handler) {
+  static std::deque<Hotplug> watches;
+  return watches.emplace_back(std::move(handler));
+}
 
 TEST(HotplugTest, CamerasThatAreThereAreReportedUntilTheHandlerHasSeenEnough) {
   darwin::VirtualRegistry registry;
   registry.AttachCamera({"K1", "Kelva", "Camera", "1.00", 3, {}});
   std::string seen;
   Hotplug* running = nullptr;
-  Hotplug hotplug([&](const HotplugEvent& event) {
+  Hotplug& hotplug = Watch([&](const HotplugEvent& event) {
     EXPECT_TRUE(event.present);
     seen += event.facts.serial;
     running->Finish();
@@ -28,13 +51,25 @@ TEST(HotplugTest, CamerasThatAreThereAreReportedUntilTheHandlerHasSeenEnough) {
 TEST(HotplugTest, AFailureOfTheHandlerEndsTheWatch) {
   darwin::VirtualRegistry registry;
   registry.AttachCamera({"K1", "Kelva", "Camera", "1.00", 3, {}});
-  Hotplug hotplug([](const HotplugEvent&) { throw std::runtime_error("full"); });
+  Hotplug& hotplug = Watch([](const HotplugEvent&) { throw std::runtime_error("full"); });
   EXPECT_THROW(hotplug.Run(Stop()), std::runtime_error);
+}
+
+TEST(HotplugTest, ARequestJustBeforeTheLoopRunsEndsTheWatch) {
+  darwin::VirtualRegistry registry;
+  Hotplug& hotplug = Watch([](const HotplugEvent&) {});
+  // News of the other tests' cameras would end the first run too.
+  while (CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true) == kCFRunLoopRunHandledSource) {
+  }
+  Stop stop;
+  beforeRun = [&stop] { stop.Request(); };
+  EXPECT_THROW(hotplug.Run(stop), Stopped);
+  beforeRun = {};
 }
 
 TEST(HotplugTest, ARequestToStopEndsTheWatch) {
   darwin::VirtualRegistry registry;
-  Hotplug hotplug([](const HotplugEvent&) {});
+  Hotplug& hotplug = Watch([](const HotplugEvent&) {});
   Stop stop;
   stop.Request();
   EXPECT_THROW(hotplug.Run(stop), Stopped);

@@ -123,15 +123,35 @@ void RunLoop::RemoveIf(Predicate predicate) {
   wakeUp_.Signal();
 }
 
+/// One call of Run. Runs nest when a callback runs the loop; a stop ends the innermost run alone.
+struct RunLoop::InProgress {
+  explicit InProgress(RunLoop& runLoop) : loop(runLoop) {
+    const std::lock_guard lock(loop.mutex_);
+    outer = std::exchange(loop.running_, this);
+  }
+  ~InProgress() {
+    const std::lock_guard lock(loop.mutex_);
+    loop.running_ = outer;
+  }
+  InProgress(const InProgress&) = delete;
+  InProgress& operator=(const InProgress&) = delete;
+
+  RunLoop& loop;
+  InProgress* outer;
+  std::atomic<bool> stopped{false};
+};
+
 CFRunLoopRunResult RunLoop::Run(const std::string& mode, CFTimeInterval seconds, bool returnAfterSourceHandled) {
   const Clock::time_point deadline = After(seconds);
+  const InProgress run(*this);
   for (;;) {
+    // Cleared before the look at the sources: what is signalled from here on ends the wait below.
     wakeUp_.Clear();
     const std::vector<SourceRef> sources = SourcesOf(mode);
     if (sources.empty()) return kCFRunLoopRunFinished;
-    const bool handled = !stopped_ && PerformAll(sources);
+    const bool handled = !run.stopped && PerformAll(sources);
     if (watch_ != nullptr) UpdateWatch();
-    if (stopped_.exchange(false)) return kCFRunLoopRunStopped;
+    if (run.stopped) return kCFRunLoopRunStopped;
     if (handled && returnAfterSourceHandled) return kCFRunLoopRunHandledSource;
     const int left = MillisecondsUntil(deadline);
     if (left == 0) return kCFRunLoopRunTimedOut;
@@ -140,7 +160,9 @@ CFRunLoopRunResult RunLoop::Run(const std::string& mode, CFTimeInterval seconds,
 }
 
 void RunLoop::Stop() {
-  stopped_ = true;
+  const std::lock_guard lock(mutex_);
+  if (running_ == nullptr) return;
+  running_->stopped = true;
   wakeUp_.Signal();
 }
 
@@ -211,14 +233,6 @@ Boolean CFRunLoopContainsSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRu
   return FromLoopRef(rl).Contains(FromSourceRef(source), *TextOf(&FromRef(mode)));
 }
 
-void CFRunLoopSourceInvalidate(CFRunLoopSourceRef source) {
-  FromSourceRef(source).Invalidate();
-}
-
-Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source) {
-  return FromSourceRef(source).IsValid();
-}
-
 void CFRunLoopRun(void) {
   CFRunLoopRunResult result = kCFRunLoopRunTimedOut;
   while (result == kCFRunLoopRunTimedOut || result == kCFRunLoopRunHandledSource) {
@@ -232,6 +246,10 @@ CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds
 
 void CFRunLoopStop(CFRunLoopRef rl) {
   FromLoopRef(rl).Stop();
+}
+
+void CFRunLoopWakeUp(CFRunLoopRef rl) {
+  FromLoopRef(rl).WakeUpNow();
 }
 
 }  // extern "C"

@@ -54,13 +54,16 @@ class RunLoop final : public Object {
   static void RemoveEverywhere(const RunLoopSource& source);
   /// Runs the sources of a mode as CFRunLoopRunInMode does.
   CFRunLoopRunResult Run(const std::string& mode, CFTimeInterval seconds, bool returnAfterSourceHandled);
-  /// Ends the run in progress, or else the next one.
+  /// Ends the innermost run in progress; without one nothing happens.
   void Stop();
+  /// Makes a sleeping run look at its sources again. Kept for the next run when none is in progress.
+  void WakeUpNow() { wakeUp_.Signal(); }
 
   /// A descriptor that is readable when a source of the default mode has something to do.
   int Watch();
 
  private:
+  struct InProgress;
   struct Member {
     std::string mode;
     SourceRef source;
@@ -72,9 +75,9 @@ class RunLoop final : public Object {
   void Wait(const std::vector<SourceRef>& sources, int timeoutMs);
   void UpdateWatch();
 
-  std::mutex mutex_;  // guards members_
+  std::mutex mutex_;  // guards members_ and running_
   std::vector<Member> members_;
-  std::atomic<bool> stopped_{false};
+  InProgress* running_ = nullptr;
   WakeUp wakeUp_;
   std::unique_ptr<WatchDescriptor> watch_;
 };

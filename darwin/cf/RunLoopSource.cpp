@@ -28,6 +28,25 @@ class DescriptorSource final : public RunLoopSource {
   const std::function<void()> onReadable_;
 };
 
+/// Due when a thread has signalled it. The signal is kept until a loop performs the source.
+class SignalledSource final : public RunLoopSource {
+ public:
+  explicit SignalledSource(const CFRunLoopSourceContext& context) : context_(context) {}
+
+  void AddDescriptors(std::vector<int>&) const override {}
+  int TimeoutMs() const override { return signalled_ ? 0 : -1; }
+  bool Perform() override {
+    if (!signalled_.exchange(false)) return false;
+    context_.perform(context_.info);
+    return true;
+  }
+  void Signal() override { signalled_ = true; }
+
+ private:
+  const CFRunLoopSourceContext context_;
+  std::atomic<bool> signalled_{false};
+};
+
 }  // namespace
 
 void RunLoopSource::Invalidate() {
@@ -48,3 +67,25 @@ RunLoopSource& FromSourceRef(CFRunLoopSourceRef ref) {
 }
 
 }  // namespace darwin::cf
+
+using namespace darwin::cf;
+
+extern "C" {
+
+CFRunLoopSourceRef CFRunLoopSourceCreate(CFAllocatorRef, CFIndex, CFRunLoopSourceContext* context) {
+  return ToSourceRef(new SignalledSource(*context));
+}
+
+void CFRunLoopSourceSignal(CFRunLoopSourceRef source) {
+  FromSourceRef(source).Signal();
+}
+
+void CFRunLoopSourceInvalidate(CFRunLoopSourceRef source) {
+  FromSourceRef(source).Invalidate();
+}
+
+Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source) {
+  return FromSourceRef(source).IsValid();
+}
+
+}  // extern "C"

@@ -64,13 +64,6 @@ TEST(RunLoop, ATimedSourceIsPerformedAtItsMomentWithoutAnyDescriptor) {
   EXPECT_EQ(counter->performed, 5);
 }
 
-TEST(RunLoop, AStopBeforeARunEndsThatRun) {
-  const Joined<Counter> counter;
-  CFRunLoopStop(CFRunLoopGetCurrent());
-  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunStopped);
-  EXPECT_EQ(counter->performed, 0);
-}
-
 TEST(RunLoop, ASourceMayInvalidateItselfAndTheNext) {
   const Joined<Counter> first;
   const Joined<Counter> second;

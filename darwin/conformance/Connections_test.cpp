@@ -24,6 +24,9 @@ class Connections : public RegistryTest {
   }
 };
 
+/// What another driver may answer otherwise.
+class ConnectionsDriverChooses : public Connections {};
+
 TEST_F(Connections, AnOpenedConnectionCarriesCallsUntilItIsClosed) {
   Plug();
   const io_connect_t connection = Open();
@@ -81,7 +84,7 @@ TEST_F(Connections, AParentWithoutUserClientIsUnsupported) {
   EXPECT_EQ(connection, 0u);
 }
 
-TEST_F(Connections, ScalarsThatAMethodDoesNotTakeAreABadArgument) {
+TEST_F(ConnectionsDriverChooses, ScalarsThatAMethodDoesNotTakeAreABadArgument) {
   Plug();
   const io_connect_t connection = Open();
   const std::uint64_t input[1] = {7};
@@ -197,7 +200,7 @@ TEST_F(Connections, WithoutAnOutputSizeNothingIsAskedFor) {
   IOServiceClose(connection);
 }
 
-TEST_F(Connections, AnUnknownSelectorIsTheDriversToRefuse) {
+TEST_F(ConnectionsDriverChooses, AnUnknownSelectorIsUnsupported) {
   Plug();
   const io_connect_t connection = Open();
   EXPECT_EQ(IOConnectCallStructMethod(connection, 99, nullptr, 0, nullptr, nullptr), kIOReturnUnsupported);

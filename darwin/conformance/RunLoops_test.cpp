@@ -1,5 +1,6 @@
 // Run loops: which results a run has, where callbacks run, and what a source is to a loop.
 
+#include <functional>
 #include <future>
 #include <thread>
 
@@ -26,6 +27,39 @@ struct Visitor {
   }
 };
 
+/// A source that a thread signals; counts its performances.
+class Bell {
+ public:
+  Bell() { CFRunLoopAddSource(CFRunLoopGetCurrent(), source_.Get(), kCFRunLoopDefaultMode); }
+  ~Bell() { CFRunLoopSourceInvalidate(source_.Get()); }
+  Bell(const Bell&) = delete;
+  Bell& operator=(const Bell&) = delete;
+
+  CFRunLoopSourceRef Get() const { return source_.Get(); }
+  int calls = 0;
+  std::function<void()> onCall;
+
+ private:
+  static CFRunLoopSourceRef Make(Bell* self) {
+    CFRunLoopSourceContext context{};
+    context.info = self;
+    context.perform = [](void* info) {
+      auto& bell = *static_cast<Bell*>(info);
+      ++bell.calls;
+      if (bell.onCall) bell.onCall();
+    };
+    return CFRunLoopSourceCreate(kCFAllocatorDefault, 0, &context);
+  }
+
+  const Owned<CFRunLoopSourceRef> source_{Make(this)};
+};
+
+/// Runs a test on a thread of its own: on a main thread the default mode may hold sources of the system.
+template <class Function>
+void OnAnotherThread(Function function) {
+  std::thread(function).join();
+}
+
 class RunLoops : public RegistryTest {
  protected:
   static Object Listen(const Port& port, Visitor& visitor) {
@@ -47,7 +81,7 @@ TEST_F(RunLoops, AThreadHasOneLoopAndEachThreadItsOwn) {
 }
 
 TEST_F(RunLoops, WithoutSourcesARunIsFinishedAtOnce) {
-  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunFinished);
+  OnAnotherThread([] { EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunFinished); });
 }
 
 TEST_F(RunLoops, ARunWithNothingToDoTimesOut) {
@@ -104,6 +138,65 @@ TEST_F(RunLoops, AnotherThreadMayStopTheLoop) {
   stopper.join();
 }
 
+TEST_F(RunLoops, AStopOfALoopThatDoesNotRunIsDropped) {
+  const Port port;
+  CFRunLoopStop(CFRunLoopGetCurrent());
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false), kCFRunLoopRunTimedOut);
+}
+
+TEST_F(RunLoops, AStopEndsTheInnermostRunAlone) {
+  Bell bell;
+  CFRunLoopRunResult inner = 0;
+  bell.onCall = [&] {
+    if (bell.calls == 1) {
+      CFRunLoopSourceSignal(bell.Get());
+      inner = CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false);
+    } else {
+      CFRunLoopStop(CFRunLoopGetCurrent());
+    }
+  };
+  CFRunLoopSourceSignal(bell.Get());
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false), kCFRunLoopRunTimedOut);
+  EXPECT_EQ(inner, kCFRunLoopRunStopped);
+}
+
+TEST_F(RunLoops, ASignalBeforeTheRunIsKept) {
+  Bell bell;
+  CFRunLoopSourceSignal(bell.Get());
+  CFRunLoopSourceSignal(bell.Get());
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, true), kCFRunLoopRunHandledSource);
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true), kCFRunLoopRunTimedOut);
+  EXPECT_EQ(bell.calls, 1);
+}
+
+TEST_F(RunLoops, ASignalAndAWakeUpReachASleepingLoop) {
+  Bell bell;
+  std::promise<void> running;
+  bell.onCall = [&] {
+    if (bell.calls == 1) running.set_value();
+  };
+  const CFRunLoopRef here = CFRunLoopGetCurrent();
+  std::thread ringer([&] {
+    running.get_future().wait();
+    CFRunLoopSourceSignal(bell.Get());
+    CFRunLoopWakeUp(here);
+  });
+  CFRunLoopSourceSignal(bell.Get());
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, true), kCFRunLoopRunHandledSource);
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, true), kCFRunLoopRunHandledSource);
+  ringer.join();
+  EXPECT_EQ(bell.calls, 2);
+}
+
+TEST_F(RunLoops, AnInvalidSourceIsNotPerformed) {
+  Bell bell;
+  const Port port;
+  CFRunLoopSourceInvalidate(bell.Get());
+  CFRunLoopSourceSignal(bell.Get());
+  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true), kCFRunLoopRunTimedOut);
+  EXPECT_EQ(bell.calls, 0);
+}
+
 TEST_F(RunLoops, ASleepingLoopWakesUpForACamera) {
   const Port port;
   Visitor visitor{.stop = true};
@@ -142,8 +235,10 @@ TEST_F(RunLoops, APortHasOneSource) {
 }
 
 TEST_F(RunLoops, ADestroyedPortLeavesTheLoop) {
-  { const Port port; }
-  EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunFinished);
+  OnAnotherThread([] {
+    { const Port port; }
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunFinished);
+  });
 }
 
 TEST_F(RunLoops, AnInvalidSourceIsInNoModeAndComesIntoNone) {

@@ -114,6 +114,23 @@ typedef int32_t CFRunLoopRunResult;
 
 extern const CFRunLoopMode kCFRunLoopDefaultMode; /* "kCFRunLoopDefaultMode" */
 
+/* Of these fields only info and perform are looked at. */
+typedef struct {
+  CFIndex version;
+  void* info;
+  const void* (*retain)(const void* info);
+  void (*release)(const void* info);
+  CFStringRef (*copyDescription)(const void* info);
+  Boolean (*equal)(const void* info1, const void* info2);
+  CFHashCode (*hash)(const void* info);
+  void (*schedule)(void* info, CFRunLoopRef rl, CFRunLoopMode mode);
+  void (*cancel)(void* info, CFRunLoopRef rl, CFRunLoopMode mode);
+  void (*perform)(void* info);
+} CFRunLoopSourceContext;
+
+CFRunLoopSourceRef CFRunLoopSourceCreate(CFAllocatorRef allocator, CFIndex order, CFRunLoopSourceContext* context);
+void CFRunLoopSourceSignal(CFRunLoopSourceRef source);
+
 CFRunLoopRef CFRunLoopGetCurrent(void);
 void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
 void CFRunLoopRemoveSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
@@ -123,6 +140,7 @@ Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source);
 void CFRunLoopRun(void);
 CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds, Boolean returnAfterSourceHandled);
 void CFRunLoopStop(CFRunLoopRef rl);
+void CFRunLoopWakeUp(CFRunLoopRef rl);
 
 #ifdef __cplusplus
 }
