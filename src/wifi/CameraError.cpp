@@ -24,3 +24,5 @@ const char* CameraError::what() const noexcept {
 CameraTransferError::CameraTransferError() = default;
 
 CameraTransferError::CameraTransferError(const std::string& msg) : CameraError(msg) {}
+
+CameraTransferError::~CameraTransferError() = default;

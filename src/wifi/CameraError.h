@@ -37,6 +37,9 @@ class CameraTransferError : public CameraError {
 
   /// what() is "Camera error: " followed by msg.
   explicit CameraTransferError(const std::string& msg);
+
+  // Out of line, so that one shared library holds the type's identity and every program that uses it can catch it.
+  ~CameraTransferError() override;
 };
 
 #endif  // KELVA_WIFI_CAMERA_ERROR_H_

@@ -97,6 +97,12 @@ class Compilation(unittest.TestCase):
         """
         self.assertEqual(self.compile_text(text, ["-Isrc/wifi"]), (0, ""))
 
+    def test_the_exception_classes_have_their_home_in_the_library(self):
+        text = '#include "Camera.h"\nvoid Throw() { throw CameraTransferError("x"); }\n'
+        self.assertEqual(self.compile_text(text, ["-Isrc/wifi"]), (0, ""))
+        symbols = subprocess.run(["nm", "--defined-only", f"{self.folder.name}/alone.o"], capture_output=True, text=True, check=True)
+        self.assertNotRegex(symbols.stdout, "_ZT[IVS]19CameraTransferError")
+
     def test_every_operation_has_its_signature_to_the_letter(self):
         signatures = PROJECT / "tests/interface/Signatures.cpp"
         self.assertEqual(compile_one(signatures, INCLUDES, f"{self.folder.name}/signatures.o"), (0, ""))

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -139,6 +140,46 @@ TEST_F(AttachListening, EachRegistrationKeepsItsOwnContext) {
   EXPECT_EQ(second.calls, 0);
 }
 
+// A callback that throws at its first `failures` calls; its own address is the context.
+struct ThrowingListener {
+  static void Attached(boost::shared_ptr<Camera>, void* context) { Bad(context); }
+  static void Bad(void* context) {
+    auto& self = *static_cast<ThrowingListener*>(context);
+    if (++self.calls <= self.failures) throw std::runtime_error(std::to_string(self.calls));
+  }
+  int failures = 1;
+  int calls = 0;
+};
+
+template <typename Action>
+std::string RuntimeErrorOf(Action action) {
+  try {
+    action();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST_F(AttachListening, AnExceptionOutOfACallbackGoesOnOnceTheOthersAreReported) {
+  ThrowingListener listener{.failures = 2};
+  AddCamera("one");
+  AddCamera("two");
+  AddCamera("three");
+  EXPECT_EQ(RuntimeErrorOf([&] { OsxCamera::ListenForOsxCameraAttach(ThrowingListener::Attached, &listener); }), "1");
+  EXPECT_EQ(listener.calls, 3);
+  EXPECT_EQ(log().back(), "Next none");
+}
+
+TEST_F(AttachListening, AnExceptionAtALaterAttachLeavesTheNotificationArmed) {
+  ThrowingListener listener{.failures = 0};
+  OsxCamera::ListenForOsxCameraAttach(ThrowingListener::Attached, &listener);
+  listener.failures = 1;
+  EXPECT_EQ(RuntimeErrorOf([&] { Deliver(0, {AddCamera("one"), AddCamera("two")}); }), "1");
+  EXPECT_EQ(listener.calls, 2);
+  EXPECT_TRUE(framework().iterators[framework().matchings[0].iterator].empty());
+}
+
 TEST_F(AttachListening, WithoutAPortThrowsAndKeepsTheCallback) {
   framework().refusesPort = true;
   EXPECT_EQ(ErrorOf([&] { Listen(); }), "OsxCameraError: IONotificationPortCreate() failed.");
@@ -254,6 +295,14 @@ TEST_F(BadCameraListening, WithoutACallbackReleasesTheServiceAndAsksNothing) {
   fake::BadCameraCallback() = nullptr;
   Deliver(0, {AddDisc(kBad)});
   EXPECT_EQ(log(), (Log{"Next disc", "Release disc", "Next none"}));
+}
+
+TEST_F(BadCameraListening, AnExceptionOutOfACallbackGoesOnOnceTheOthersAreReported) {
+  ThrowingListener listener;
+  AddDisc(kBad);
+  AddDisc(kBad);
+  EXPECT_EQ(RuntimeErrorOf([&] { OsxCamera::ListenForOsxBadCameraAttach(ThrowingListener::Bad, &listener); }), "1");
+  EXPECT_EQ(listener.calls, 2);
 }
 
 TEST_F(BadCameraListening, ARefusedRegistrationThrows) {

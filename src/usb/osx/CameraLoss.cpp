@@ -17,10 +17,12 @@ void OsxCamera::ListenForCameraLost(void (*callback)(void*), void* context) {
   if (notification_ == 0) {
     // The system dereferences the port, so a camera watched before any attach listening needs one too.
     SetupNotifyPort();
+    io_object_t notification = 0;
     if (IOServiceAddInterestNotification(notifyPort, service_, kGeneralInterestType, CameraMessage, this,
-                                         &notification_) != kIOReturnSuccess) {
+                                         &notification) != kIOReturnSuccess) {
       throw OsxCameraError("IOServiceAddInterestNotifaction() failed.");
     }
+    notification_ = notification;  // only now: a refused call may have written the handle
   }
   lostCb_ = callback;
   lostContext_ = context;

@@ -88,6 +88,7 @@ TEST_F(CameraLoss, TerminationCallsBackOnceAndThenTheCameraIsDisconnected) {
   EXPECT_TRUE(owner_.camera->WasDisconnected());
 }
 
+// The driver chooses which of these messages it sends; a real one may send none of them.
 TEST_F(CameraLoss, EveryOtherMessageIsIgnored) {
   Listen();
   for (const unsigned int type : {0u, 0x10u, 0xE0000020u, 0xE0000030u, 0xE0000100u, 0xE0000101u, 0xE0000110u,
@@ -141,6 +142,18 @@ TEST_F(CameraLoss, ARefusedRegistrationThrowsWhateverTheSwitchSaysAndStoresNothi
   }
   Camera::throwExceptions_ = true;
   Listen();
+  Message(kTerminated);
+  EXPECT_EQ(owner_.calls, 1);
+}
+
+// A refused registration may leave something in the handle.
+TEST_F(CameraLoss, ARefusedRegistrationLeavesTheCameraUnwatched) {
+  framework().results["IOServiceAddInterestNotification"] = {kIOReturnUnsupported};
+  framework().refusedInterest = 0x777;
+  EXPECT_THROW(Listen(), OsxCameraError);
+  EXPECT_TRUE(framework().interests.empty());
+  Listen();
+  ASSERT_EQ(framework().interests.size(), 1u);
   Message(kTerminated);
   EXPECT_EQ(owner_.calls, 1);
 }

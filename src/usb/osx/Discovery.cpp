@@ -1,6 +1,8 @@
 // Finding cameras: those attached now, those attached later, and those that the system took for compact discs.
 
 #include <cstdio>
+#include <exception>
+#include <utility>
 
 #include "IoKitOwners.h"
 #include "OsxCamera.h"
@@ -52,6 +54,21 @@ bool IsBadCamera(io_service_t service) {
   return vendor && revision && Equals(vendor, kVendor) && Equals(revision, kBadCameraRevision);
 }
 
+/// Reports each service of the iterator. A report that throws does not end the loop: services left in the iterator would
+/// be lost, and the notification would not be armed again. The first exception goes on to the caller at the end.
+template <class Report>
+void Drain(io_iterator_t iterator, Report report) {
+  std::exception_ptr first;
+  while (IoObject service{IOIteratorNext(iterator)}) {
+    try {
+      report(std::move(service));
+    } catch (...) {
+      if (first == nullptr) first = std::current_exception();
+    }
+  }
+  if (first != nullptr) std::rethrow_exception(first);
+}
+
 }  // namespace
 
 std::vector<boost::shared_ptr<Camera>> OsxCamera::EnumerateOsxCameras(bool anyVendor) {
@@ -88,10 +105,7 @@ void OsxCamera::ListenForOsxCameraAttach(void (*callback)(boost::shared_ptr<Came
 }
 
 void OsxCamera::AddDeviceBounce(void* context, unsigned int iterator) {
-  while (IoObject service{IOIteratorNext(iterator)}) {
-    const boost::shared_ptr<Camera> camera = MakeCamera(std::move(service));
-    cameraCb(camera, context);
-  }
+  Drain(iterator, [context](IoObject service) { cameraCb(MakeCamera(std::move(service)), context); });
 }
 
 void OsxCamera::ListenForOsxBadCameraAttach(void (*callback)(void*), void* context) {
@@ -102,7 +116,7 @@ void OsxCamera::ListenForOsxBadCameraAttach(void (*callback)(void*), void* conte
 }
 
 void OsxCamera::BadCameraBounce(void* context, unsigned int iterator) {
-  while (const IoObject service{IOIteratorNext(iterator)}) {
+  Drain(iterator, [context](const IoObject& service) {
     if (badCameraCb != nullptr && IsBadCamera(service.Get())) badCameraCb(context);
-  }
+  });
 }

@@ -1,8 +1,8 @@
 #ifndef KELVA_USB_OSX_LOSS_IN_PROGRESS_H_
 #define KELVA_USB_OSX_LOSS_IN_PROGRESS_H_
 
-/// Knows, while a camera-lost callback runs on this thread, whether the callback destroyed its camera. Dropping the
-/// last pointer to a camera that has gone is what a callback does as a rule.
+/// Knows, while a camera-lost callback runs on this thread, whether the callback destroyed its camera: most callbacks
+/// drop their last pointer to the camera. Other threads may not destroy the camera meanwhile (see OsxCamera.h).
 class LossInProgress {
  public:
   explicit LossInProgress(const void* camera) : camera_(camera), outer_(innermost_) { innermost_ = this; }

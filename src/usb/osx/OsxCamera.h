@@ -17,7 +17,8 @@
 /// three back in its destructor. The registered callbacks and the notification port live until the process ends.
 ///
 /// Threads: notifications arrive on the thread whose run loop first listened, while it runs in the default mode.
-/// Nothing is locked.
+/// Nothing is locked. Destroy a camera that ListenForCameraLost watches on that thread, inside its callback or outside;
+/// on another thread only while that run loop is not running. The notification holds a plain pointer to the camera.
 class OsxCamera : public Camera {
  public:
   /// Takes over one reference to `service`. Opens nothing.
@@ -33,8 +34,8 @@ class OsxCamera : public Camera {
   std::string MountPath() const override;
   bool Open() override;
   void Close() override;
-  /// One of the attach listenings comes first as a rule; where none did, the notification port is made here.
-  /// Throws OsxCameraError "IOServiceAddInterestNotifaction() failed.".
+  /// Makes the notification port when no attach listening has made it before. Throws OsxCameraError
+  /// "IOServiceAddInterestNotifaction() failed."; the camera is then not watched, and a later call tries again.
   void ListenForCameraLost(void (*callback)(void*), void* context) override;
   bool WasDisconnected() override;
   /// True for the first driver name only: a camera of the "_ms" driver fails this check, although it is enumerated.
@@ -50,7 +51,9 @@ class OsxCamera : public Camera {
 
   /// The cameras attached now, by driver name and in the registry's order; of this maker only unless anyVendor.
   static std::vector<boost::shared_ptr<Camera>> EnumerateOsxCameras(bool anyVendor);
-  /// Reports each camera present now (before this returns) and each one attached later. Null registers nothing.
+  /// Reports each camera present now (before this returns) and each one attached later. Null registers nothing. When the
+  /// callback throws, the other cameras of the same notification are reported first; then the exception goes on to the
+  /// caller, which for a later attach is the run loop.
   static void ListenForOsxCameraAttach(void (*callback)(boost::shared_ptr<Camera>, void*), void* context);
   /// As above, for each camera that the system attached through its compact-disc services.
   static void ListenForOsxBadCameraAttach(void (*callback)(void*), void* context);

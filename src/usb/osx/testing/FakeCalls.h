@@ -141,7 +141,10 @@ kern_return_t IOServiceAddInterestNotification(IONotificationPortRef notifyPort,
   EXPECT_STREQ(interestType, "IOGeneralInterest");
   fake::Get().Log("Interest in " + fake::Get().Name(service));
   const kern_return_t result = fake::Get().Result("IOServiceAddInterestNotification");
-  if (result != KERN_SUCCESS) return result;
+  if (result != KERN_SUCCESS) {
+    *notification = fake::Get().refusedInterest;
+    return result;
+  }
   fake::Get().interests.push_back({service, callback, refCon});
   *notification = fake::Get().Hand(fake::Get().Number("interest in " + fake::Get().Name(service)));
   return KERN_SUCCESS;

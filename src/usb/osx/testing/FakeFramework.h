@@ -142,6 +142,9 @@ class Framework {
   bool refusesPort = false;
   int ports = 0;
 
+  // What a refused interest registration leaves in the caller's handle.
+  io_object_t refusedInterest = 0;
+
   // The user client: what it was asked, and what it answers.
   bool makesConnection = true;
   std::string request;
