@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <iomanip>
+#include <locale>
 #include <sstream>
 
 namespace {
@@ -28,6 +29,7 @@ wire::UserClientTransferRequest MakeTransferRequest(const _VscCdb& cdb, int dire
 
 std::string TransferErrorReport(const _VscCdb& cdb, std::int32_t returnCode, std::uint32_t status) {
   std::ostringstream report;
+  report.imbue(std::locale::classic());  // the program's own locale may group digits
   report << "Transfer error\nCDB=[" << std::hex << std::setfill('0');
   const char* separator = "";
   for (const unsigned byte : cdb.bytes) {
