@@ -33,6 +33,19 @@ TEST(Camera, HexDumpIsKeptPerCamera) {
   EXPECT_FALSE(other.enableHexDump());
 }
 
+// A transport that logs its traffic when it is told to.
+class LoggingCamera : public ScriptedCamera {
+ public:
+  bool Logs() const { return hexDump_; }
+};
+
+TEST(Camera, HexDumpIsReadByATransportThatDerivesFromIt) {
+  LoggingCamera camera;
+  EXPECT_FALSE(camera.Logs());
+  camera.enableHexDump();
+  EXPECT_TRUE(camera.Logs());
+}
+
 TEST(Camera, ExceptionsAreOnAtFirst) {
   EXPECT_TRUE(Camera::throwExceptions_);
 }

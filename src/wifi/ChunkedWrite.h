@@ -6,13 +6,13 @@
 namespace kelva {
 
 /// What is written, and who is told about it: `progress` is called before each chunk whose offset is a whole multiple
-/// of `progressInterval`.
+/// of `progressInterval`, which is read anew before each chunk.
 struct ChunkedWrite {
   const char* data;
   int length;
   void (*progress)(void*, float);
   void* context;
-  int progressInterval;
+  const int& progressInterval;
 };
 
 /// The chunked write loop: sends the data in chunks of at most `chunkSize` bytes. The outcome of a transfer is not

@@ -82,6 +82,18 @@ TEST(WriteFile, TakesANegativeIntervalAsSigned) {
   EXPECT_EQ(progress.fractions, (std::vector<float>{0.0f, 0.5f}));
 }
 
+TEST(WriteFile, ReadsTheIntervalAnewBeforeEachChunk) {
+  ScriptedCamera camera(4, 4);
+  Progress progress;
+  ExpectOpenedForWriting(camera);
+  camera.Expect({0xC5, 0x00, 0}).Sends("abcd").Then([&] { camera.progressInterval_ = 8; });
+  camera.Expect({0xC5, 0x00, 4}).Sends("efgh");
+  camera.Expect({0xC5, 0x00, 8}).Sends("ij");
+  camera.Expect({0xC3});
+  camera.WriteFile(kPath, "abcdefghij", 10, Progress::Report, &progress);
+  EXPECT_EQ(progress.fractions, (std::vector<float>{0.0f, 0.8f}));
+}
+
 TEST(WriteFile, DoesNotStopAtAFailedCommandOrLookAtASize) {
   ScriptedCamera camera(4);
   ExpectOpenedForWriting(camera);

@@ -115,6 +115,23 @@ TEST(ConsoleLog, ACountBeyondTheBufferIsClamped) {
   EXPECT_EQ(camera.ConsoleLog(more), "12345678");
 }
 
+// A camera whose chunk size changes when its cancel state is cleared, after the buffer was made.
+class GrowingCamera : public ScriptedCamera {
+ public:
+  using ScriptedCamera::ScriptedCamera;
+  void ClearCancel(bool flag) override {
+    ScriptedCamera::ClearCancel(flag);
+    chunkSize_ = 1024;
+  }
+};
+
+TEST(ConsoleLog, AsksForNoMoreThanItsBufferHolds) {
+  GrowingCamera camera(16);
+  camera.Expect({0xC6, 0x00, 0x02}).Asks(16).Answers(Bytes({1, 0, 0, 0, 0, 0, 0, 0}) + "12345678");
+  bool more = true;
+  EXPECT_EQ(camera.ConsoleLog(more), "12345678");
+}
+
 TEST(ConsoleLog, WithAChunkSmallerThanItsHeaderIsAnErrorAndNoOverrun) {
   ScriptedCamera camera(1);
   camera.Expect({0xC6, 0x00, 0x02}).Asks(1).Answers({1});

@@ -18,7 +18,7 @@ std::vector<char> Camera::ReadFile(const char* path, void (*progress)(void*, flo
     return {};
   }
   kelva::VectorSink sink(fileSize);
-  const auto report = kelva::ReadProgress::AtIntervals(progress, context, progressInterval_, fileSize);
+  const auto report = kelva::ReadProgress::AtIntervals(progress, context, &progressInterval_, fileSize);
   if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, flag, report}, sink)) return {};
   if (!kelva::ReconcileSize(sink.Received(), fileSize, __func__)) return {};
   return sink.Take();

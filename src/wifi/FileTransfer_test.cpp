@@ -205,6 +205,16 @@ TEST_F(ReadFileInSmallChunks, ReportsAtWholeMultiplesOfTheIntervalOnly) {
 }
 
 // The remainder is an unsigned one here: -4 is a large interval of which only offset 0 is a multiple.
+TEST_F(ReadFileInSmallChunks, ReadsTheIntervalAnewBeforeEachChunk) {
+  camera_.progressInterval_ = 4;
+  ExpectOpened({10, 0, 0, 0});
+  camera_.Expect({0xC4, 0x00, 0x01, 0}).Asks(4).Answers("abcd").Then([&] { camera_.progressInterval_ = 8; });
+  camera_.Expect({0xC4, 0x00, 0x01, 4}).Asks(4).Answers("efgh");
+  camera_.Expect({0xC4, 0x00, 0x01, 8}).Asks(4).Answers("ij");
+  Read();
+  EXPECT_EQ(progress_.fractions, (std::vector<float>{0.0f, 0.8f}));
+}
+
 TEST_F(ReadFileInSmallChunks, TakesANegativeIntervalAsUnsigned) {
   camera_.progressInterval_ = -4;
   ExpectOpened({6, 0, 0, 0});

@@ -49,9 +49,9 @@ bool Camera::CameraInformation(_VscCdbCameraInformation& info) {
 }
 
 std::string Camera::ConsoleLog(bool& more) {
-  std::vector<char> buffer(static_cast<std::size_t>(std::max(chunkSize_, kConsoleHeader)));
+  int size = chunkSize_;  // read once: the request must not exceed the buffer, whatever ClearCancel does
+  std::vector<char> buffer(static_cast<std::size_t>(std::max(size, kConsoleHeader)));
   ClearCancel(true);
-  int size = chunkSize_;
   Transfer(Block(Operation::kQuery, kelva::query::kConsoleLog), kelva::kFromCamera, size, buffer.data(), true);
   // The version is looked at first, even before the size.
   if (kelva::LoadI32(buffer.data()) != kConsoleVersion) return FailConsoleLog("ConsoleLog() version incorrect.", more);

@@ -2,13 +2,10 @@
 
 namespace kelva {
 
-ReadProgress ReadProgress::AtIntervals(void (*callback)(void*, float), void* context, int interval,
+ReadProgress ReadProgress::AtIntervals(void (*callback)(void*, float), void* context, const int* interval,
                                        std::uint32_t total) {
-  ReadProgress progress;
-  progress.callback_ = interval != 0 ? callback : nullptr;
-  progress.context_ = context;
-  progress.interval_ = static_cast<std::uint32_t>(interval);
-  progress.total_ = total;
+  ReadProgress progress = AfterFirstChunk(callback, context, total);
+  progress.interval_ = interval;
   return progress;
 }
 
@@ -27,7 +24,9 @@ void ReadProgress::BeforeChunk(std::uint32_t offset) const {
 }
 
 bool ReadProgress::IsDue(std::uint32_t offset) const {
-  return interval_ == 0 ? offset != 0 : offset % interval_ == 0;
+  if (interval_ == nullptr) return offset != 0;
+  const auto interval = static_cast<std::uint32_t>(*interval_);  // a negative interval is a large one
+  return interval != 0 && offset % interval == 0;
 }
 
 }  // namespace kelva

@@ -11,8 +11,10 @@ class ReadProgress {
   /// Reports nothing: the total is not known.
   static ReadProgress None() { return {}; }
 
-  /// Before each chunk whose offset is a whole multiple of `interval`, offset 0 included.
-  static ReadProgress AtIntervals(void (*callback)(void*, float), void* context, int interval, std::uint32_t total);
+  /// Before each chunk whose offset is a whole multiple of `*interval`, offset 0 included; never when that is 0. The
+  /// interval is read anew before each chunk and must live as long as the read.
+  static ReadProgress AtIntervals(void (*callback)(void*, float), void* context, const int* interval,
+                                  std::uint32_t total);
 
   /// Before each chunk after the first.
   static ReadProgress AfterFirstChunk(void (*callback)(void*, float), void* context, std::uint32_t total);
@@ -24,7 +26,7 @@ class ReadProgress {
 
   void (*callback_)(void*, float) = nullptr;
   void* context_ = nullptr;
-  std::uint32_t interval_ = 0;  // 0: every chunk but the first
+  const int* interval_ = nullptr;  // null: every chunk but the first
   std::uint32_t total_ = 0;
 };
 
