@@ -149,6 +149,17 @@ TEST(ReadCrashLogs, OfAShortBundleIsEmptyAndDeletesNothing) {
   }
 }
 
+// Such a bundle ends before its last name field does.
+TEST(ReadCrashLogs, BodiesOfOneToThreeBytesInAllAreReadAndDeleted) {
+  for (const std::string body : {"A", "AA", "AAA"}) {
+    DeletingCamera camera;
+    ExpectBundle(camera, 0x08,
+                 Bytes({1, 0, 0, 0, static_cast<int>(body.size()), 0, 0, 0}) + Field("L:\\a.log", 28) + body);
+    EXPECT_EQ(Shown(camera.ReadCrashLogs(nullptr, nullptr, true, true)), std::vector<std::string>{"L:\\a.log:" + body});
+    EXPECT_EQ(camera.deleted, std::vector<std::string>{"L:\\a.log"});
+  }
+}
+
 TEST(ReadCrashLogs, OfAHugeCountOrSizeIsEmpty) {
   EXPECT_TRUE(CrashLogs(Bytes({0xFF, 0xFF, 0xFF, 0xFF}) + std::string(100, '\0')).empty());
   EXPECT_TRUE(CrashLogs(Bytes({0x1D, 0xC7, 0x71, 0x1C}) + std::string(100, '\0')).empty());  // 36 x N wraps to 20

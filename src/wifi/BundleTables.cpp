@@ -1,6 +1,7 @@
 #include "BundleTables.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "LittleEndian.h"
 
@@ -13,17 +14,18 @@ constexpr std::size_t kNamedEntry = kWord + kNameWidth;
 constexpr std::size_t kCalibrationEntries = 31;
 constexpr unsigned kParts = 2;
 
-/// The text of a fixed-width field: up to its first NUL, or the whole width.
-std::string FixedText(const char* field, std::size_t width) {
-  return {field, std::find(field, field + width, '\0')};
+/// The text of a name field: up to its first NUL, or the whole width. Reads nothing behind the NUL.
+std::string NameText(const char* field) {
+  const void* nul = std::memchr(field, '\0', kNameWidth);
+  return nul != nullptr ? std::string(field) : std::string(field, kNameWidth);
 }
 
-/// Entries of a size and a name, read as the caller vouches that they are there.
+/// Reads `count` (size, name) entries; the caller has checked that they are present.
 std::vector<_Sha1obj> NamedEntries(const char* table, std::size_t count) {
   std::vector<_Sha1obj> entries;
   entries.reserve(count);
   for (const char* entry = table; entries.size() < count; entry += kNamedEntry) {
-    entries.push_back({{}, FixedText(entry + kWord, kNameWidth), LoadU32(entry)});
+    entries.push_back({{}, NameText(entry + kWord), LoadU32(entry)});
   }
   return entries;
 }
@@ -33,7 +35,13 @@ std::vector<_Sha1obj> NamedEntries(const char* table, std::size_t count) {
 std::optional<BundleTable> DecodeCrashLogTable(std::span<const char> bundle) {
   if (bundle.size() < kWord) return std::nullopt;
   const std::uint64_t bodyStart = kNamedEntry * std::uint64_t{LoadU32(bundle.data())};
-  if (bundle.size() < kWord + bodyStart) return std::nullopt;
+  if (bundle.size() < bodyStart) return std::nullopt;
+  // The last name field ends four bytes behind the start of the bodies. A bundle whose bodies are shorter than that
+  // ends inside the field, which is enough for a name that ended before.
+  if (bodyStart != 0 && bundle.size() < kWord + bodyStart) {
+    const std::span<const char> lastName = bundle.subspan(static_cast<std::size_t>(bodyStart) - kNameWidth + kWord);
+    if (std::find(lastName.begin(), lastName.end(), '\0') == lastName.end()) return std::nullopt;
+  }
   return BundleTable{UnpackCrashLogHeader(bundle.data()), bodyStart};
 }
 

@@ -61,9 +61,9 @@ TEST(UnpackRawCompressionHeader, ReadsTwoValuesInOrder) {
   EXPECT_EQ(UnpackRawCompressionHeader(bundle.data() + 1), (std::vector<unsigned int>{0x80000000u, 0x01020304}));
 }
 
-TEST(DecodeCrashLogTable, WaitsForTheWholeTable) {
-  const std::string table = Bytes({1, 0, 0, 0, 7, 0, 0, 0}) + Field("log", 32);
-  for (const std::size_t length : {std::size_t{0}, std::size_t{3}, std::size_t{4}, std::size_t{39}}) {
+TEST(DecodeCrashLogTable, WaitsForThirtySixBytesAnEntry) {
+  const std::string table = Bytes({1, 0, 0, 0, 7, 0, 0, 0}) + Field("log", 28);
+  for (const std::size_t length : {std::size_t{0}, std::size_t{3}, std::size_t{4}, std::size_t{35}}) {
     EXPECT_FALSE(kelva::DecodeCrashLogTable({table.data(), length})) << length;
   }
   const std::optional<kelva::BundleTable> decoded = kelva::DecodeCrashLogTable(table);
@@ -71,6 +71,19 @@ TEST(DecodeCrashLogTable, WaitsForTheWholeTable) {
   EXPECT_EQ(decoded->bodyStart, 36u);
   ASSERT_EQ(decoded->entries.size(), 1u);
   EXPECT_EQ(decoded->entries[0].name, "log");
+}
+
+// The last name field ends four bytes behind 36 x N; its name may end there too.
+TEST(DecodeCrashLogTable, WaitsForTheEndOfTheLastName) {
+  const std::string table = Bytes({1, 0, 0, 0, 7, 0, 0, 0}) + std::string(28, 'n');
+  EXPECT_FALSE(kelva::DecodeCrashLogTable(table));
+  EXPECT_FALSE(kelva::DecodeCrashLogTable(table + "abc"));
+  const std::optional<kelva::BundleTable> ended = kelva::DecodeCrashLogTable(table + "ab" + std::string(1, '\0'));
+  ASSERT_TRUE(ended);
+  EXPECT_EQ(ended->entries[0].name, std::string(28, 'n') + "ab");
+  const std::optional<kelva::BundleTable> full = kelva::DecodeCrashLogTable(table + "abcd");
+  ASSERT_TRUE(full);
+  EXPECT_EQ(full->entries[0].name, std::string(28, 'n') + "abcd");
 }
 
 TEST(DecodeCrashLogTable, DoesNotWrapAHugeCount) {

@@ -38,8 +38,10 @@ class Camera {
   virtual bool Open() = 0;
   /// Ends the session; nothing happens when there is none.
   virtual void Close() = 0;
-  /// Sets the one function that is called when this camera goes away, replacing an earlier one. Throws a CameraError
-  /// of the platform when the system refuses the registration.
+  /// Sets the function that is called when this camera goes away; a camera has one, and a later call replaces it. The
+  /// callback may drop the last pointer to its camera. On any other thread a watched camera may be destroyed only while
+  /// no notification can arrive. Throws a CameraError of the platform when the system refuses the registration; the
+  /// camera is then not watched.
   virtual void ListenForCameraLost(void (*callback)(void*), void* context) = 0;
 
   /// True when the camera reports ready; false when it is not, or when the session is not open.
@@ -164,8 +166,8 @@ class Camera {
 
   /// Checks a catalogue header with its field table; the table must be whole. Throws, or returns false.
   static bool ValidateDcfHeader(const _VscCdbDcfHeader* header);
-  /// Decodes one record of `header`'s stride by its field table. A field that is not wholly inside the record is
-  /// skipped.
+  /// Decodes one record by `header`'s field table: the later of two fields of one type wins. The record must hold every
+  /// field (ValidateDcfHeader checks that); a field whose end exceeds 32 bits is skipped.
   DcfObj UnpackDcf(const _VscCdbDcfHeader* header, const char* record);
   /// The name of one of a picture's files, "IMG_0012.JPG". Throws "Unknown filetype.", or uses "INVALID".
   static std::string DcfFilename(const DcfObj& obj, int type);
@@ -179,10 +181,7 @@ class Camera {
   /// chunkSize: bytes per chunk of every bulk read and write. progressInterval: bytes between progress calls, not 0.
   Camera(int chunkSize, int progressInterval);
 
- private:
-  bool hexDump_;
-
- protected:
+  bool hexDump_;  // for a transport to read; nothing in the library looks at it
   int chunkSize_;
   int progressInterval_;
 

@@ -51,7 +51,9 @@ DcfLayout::DcfLayout(const _VscCdbDcfHeader* header) {
   for (int i = 0; i < header->fieldCount; ++i) {
     const DcfField field = DcfFieldAt(header, i);
     const std::uint32_t size = DcfFieldSize(field.type);
-    if (size != 0 && std::int64_t{field.offset} + size <= header->stride) offsets_[field.type] = field.offset;
+    // ValidateDcfHeader adds in 32 bits too, so an end that wraps passes there and must not be read here.
+    const bool wraps = field.offset + size < size;
+    if (size != 0 && !wraps) offsets_[field.type] = field.offset;
   }
 }
 

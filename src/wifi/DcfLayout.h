@@ -25,12 +25,12 @@ struct DcfField {
 DcfField DcfFieldAt(const _VscCdbDcfHeader* header, int index);
 
 /// Where each known field lies in a record, looked up once for a whole catalogue. Of several descriptors of one type
-/// the last that lies wholly inside the record counts.
+/// the last one counts. A field whose end (offset + size) exceeds 32 bits is skipped.
 class DcfLayout {
  public:
   explicit DcfLayout(const _VscCdbDcfHeader* header);
 
-  /// Decodes a record of the header's stride.
+  /// Decodes one record, which must hold every field of the header.
   DcfObj Decode(const char* record) const;
 
  private:

@@ -141,19 +141,29 @@ TEST(UnpackDcf, SkipsATypeAboveNine) {
             std::string(128, '\0'));
 }
 
-TEST(UnpackDcf, SkipsAFieldThatIsNotWhollyInsideTheRecord) {
-  EXPECT_EQ(Unpack(Bytes({1, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0, 9, 0, 0, 0, 1, 0, 0, 0}), "abcd"),
-            std::string(128, '\0'));
-  EXPECT_EQ(Unpack(Bytes({1, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0, 9, 0, 0, 0, 0xFC, 0xFF, 0xFF, 0xFF}), "abcd"),
-            std::string(128, '\0'));
+// Holding a field against the stride is ValidateDcfHeader's part.
+TEST(UnpackDcf, CopiesAFieldFromWhereTheHeaderSaysWhateverTheStride) {
+  EXPECT_EQ(Unpack(Bytes({1, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0, 9, 0, 0, 0, 1, 0, 0, 0}), "abcde"),
+            std::string(124, '\0') + "bcde");
 }
 
-// The later of two descriptors of one type wins, unless it is skipped.
-TEST(DcfLayout, AFieldOutsideTheRecordDoesNotTakeThePlaceOfOneInside) {
+TEST(UnpackDcf, SkipsAFieldWhoseEndWraps) {
+  for (const int lastByte : {0xFC, 0xFD, 0xFF}) {
+    EXPECT_EQ(Unpack(Bytes({1, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0, 9, 0, 0, 0, lastByte, 0xFF, 0xFF, 0xFF}), "abcd"),
+              std::string(128, '\0'))
+        << lastByte;
+  }
+}
+
+TEST(DcfLayout, TheLaterOfTwoFieldsWinsAlsoOutsideTheStride) {
+  const Unaligned header(Bytes({1, 0, 0, 0, 4, 0, 0, 0, 2, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 4, 0, 0, 0}));
+  EXPECT_EQ(kelva::DcfLayout(header.header()).Decode("abcdefgh").value9, 0x68676665u);
+}
+
+TEST(DcfLayout, AFieldThatIsSkippedDoesNotTakeThePlaceOfAnEarlierOne) {
   const Unaligned header(
       Bytes({1, 0, 0, 0, 4, 0, 0, 0, 2, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF}));
-  const DcfObj picture = kelva::DcfLayout(header.header()).Decode("abcd");
-  EXPECT_EQ(picture.value9, 0x64636261u);
+  EXPECT_EQ(kelva::DcfLayout(header.header()).Decode("abcd").value9, 0x64636261u);
 }
 
 TEST(DcfHeaderSize, OfAHostileCountIsNegativeOrHugeButNeverWraps) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 
@@ -15,23 +14,21 @@ namespace {
 constexpr std::size_t kListingHeader = 8;
 constexpr std::size_t kEntrySize = 12;
 
-// Entries may name the same bytes, so a small answer could claim names without end. What is read for names together, their
-// NULs included, is bounded by this many times the answer's size.
+// Several entries may name the same bytes, so a small answer could claim names without end. All names together, with
+// their NULs, may take this many times the answer's size.
 constexpr std::size_t kNameBudgetFactor = 16;
 
-/// The NUL-terminated text at an offset from the start of the answer; nothing when it is not wholly inside. Every byte
-/// that is looked at is taken from the budget, and what is beyond the budget is not looked at.
+/// The text at an offset from the start of the answer, up to its NUL or the answer's end. Nothing when the offset is
+/// outside or the budget ends first. Every byte looked at is taken from the budget.
 std::optional<std::string> NameAt(std::span<const char> answer, std::int32_t offset, std::size_t& budget) {
   if (offset < 0 || static_cast<std::size_t>(offset) >= answer.size()) return std::nullopt;
-  std::span<const char> rest = answer.subspan(static_cast<std::size_t>(offset));
-  rest = rest.first(std::min(rest.size(), budget));
-  const void* end = std::memchr(rest.data(), '\0', rest.size());
-  if (end == nullptr) {
-    budget -= rest.size();
-    return std::nullopt;
-  }
-  std::string name(rest.data(), static_cast<const char*>(end));
-  budget -= name.size() + 1;
+  const std::span<const char> rest = answer.subspan(static_cast<std::size_t>(offset));
+  const std::span<const char> affordable = rest.first(std::min(rest.size(), budget));
+  const auto nul = std::find(affordable.begin(), affordable.end(), '\0');
+  const bool ended = nul != affordable.end();
+  std::string name(affordable.begin(), nul);
+  budget -= name.size() + (ended ? 1 : 0);
+  if (!ended && affordable.size() < rest.size()) return std::nullopt;
   return name;
 }
 

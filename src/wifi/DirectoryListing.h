@@ -8,9 +8,9 @@
 
 namespace kelva {
 
-/// The entries of a directory listing as the camera sends it, in its order. `answer` is what arrived and nothing more:
-/// counts and offsets are held against it, and an entry that is not wholly inside is left out. An answer without a whole
-/// header is an empty directory.
+/// Decodes a directory listing; the entries keep the camera's order. Counts and offsets are checked against `answer`: an
+/// entry outside it is left out, and a name without a NUL ends with it. An answer shorter than its header is an empty
+/// directory.
 std::vector<CameraDirent> DecodeListing(std::span<const char> answer);
 
 }  // namespace kelva

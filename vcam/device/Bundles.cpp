@@ -33,14 +33,12 @@ DataSet BuildCrashLogBundle(const std::vector<BundleFile>& files) {
   base::Bytes table;
   AppendSize(table, bundle.marks, files.size());
   for (const BundleFile& file : files) AppendEntry(table, bundle.marks, file);
-  const std::size_t tableLength = table.size();
   if (!files.empty()) {
-    table.resize(tableLength - kCountLength);
+    table.resize(table.size() - kCountLength);
     bundle.marks.names.back().length -= kCountLength;
   }
   bundle.AddBytes(std::move(table));
   AddBodies(bundle, files);
-  if (bundle.size() < tableLength) bundle.AddBytes(base::Bytes(tableLength - static_cast<std::size_t>(bundle.size())));
   return bundle;
 }
 

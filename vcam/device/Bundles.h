@@ -22,8 +22,7 @@ inline constexpr std::size_t kMaxCrashLogName = 27;
 inline constexpr std::size_t kMaxCalibrationName = 31;
 inline constexpr std::size_t kCalibrationEntries = 31;
 
-/// Count N, N entries of 36 bytes, bodies from byte 36 x N. Padded with zeros to the end of the table when the bodies
-/// together have less than four bytes.
+/// Count N, N entries of 36 bytes, bodies from byte 36 x N.
 DataSet BuildCrashLogBundle(const std::vector<BundleFile>& files);
 
 /// Always 31 entries of 36 bytes, unused ones all zero, bodies from byte 1,116; at most 31 files.
