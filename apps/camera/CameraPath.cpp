@@ -43,7 +43,8 @@ bool SameName(std::string_view a, std::string_view b) {
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath) {
   const SplitPath path = Split(cameraPath);
   for (CameraDirent& entry : camera.ReadDir(path.folder.c_str())) {
-    if ((entry.attributes & kAttributeVolumeLabel) == 0 && SameName(entry.name, path.name)) return std::move(entry);
+    if ((entry.attributes & kelva::kAttributeVolumeLabel) == 0 && SameName(entry.name, path.name))
+      return std::move(entry);
   }
   return std::nullopt;
 }
@@ -55,7 +56,7 @@ void RequireFolder(Camera& camera, std::string_view folder) {
   }
   RequireFolder(camera, path.folder);
   const auto entry = FindEntry(camera, folder);
-  if (entry && (entry->attributes & kAttributeDirectory) != 0) return;
+  if (entry && (entry->attributes & kelva::kAttributeDirectory) != 0) return;
   throw Failure(ExitCode::kFailed, "There is no folder " + Printable(folder) + " on the camera; `kelva ls " +
                                        Printable(path.folder) + "` shows what is there.");
 }

@@ -10,10 +10,6 @@
 
 namespace apps {
 
-/// FAT attribute bits of a directory entry.
-inline constexpr int kAttributeVolumeLabel = 0x08;
-inline constexpr int kAttributeDirectory = 0x10;
-
 /// A path as a person types it, made a camera's: forward slashes become backslashes (no file of a camera can have one in
 /// its name) and trailing ones go. Throws Failure(kUsage) for an empty path and one without a drive ("I:").
 std::string ToCameraPath(std::string_view typed);

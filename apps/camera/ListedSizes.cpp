@@ -24,7 +24,7 @@ void ListedSizes::Read(const std::string& folder) {
   folder_.reset();
   sizes_.clear();
   for (const CameraDirent& entry : camera_.ReadDir(folder.c_str())) {
-    if ((entry.attributes & (kAttributeVolumeLabel | kAttributeDirectory)) == 0) {
+    if ((entry.attributes & (kelva::kAttributeVolumeLabel | kelva::kAttributeDirectory)) == 0) {
       sizes_.emplace(base::Lower(entry.name), SizeOf(entry));
     }
   }

@@ -18,7 +18,7 @@ CameraDirent FileEntry(Camera& camera, const std::string& path) {
     throw Failed("There is no file " + Printable(path) + " on the camera; `kelva ls " + Printable(Split(path).folder) +
                  "` shows what is there.");
   }
-  if ((entry->attributes & kAttributeDirectory) != 0) {
+  if ((entry->attributes & kelva::kAttributeDirectory) != 0) {
     throw Failed(Printable(path) + " is a folder; name a file in it (`kelva ls` shows them).");
   }
   return *entry;

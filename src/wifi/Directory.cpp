@@ -14,9 +14,6 @@ using kelva::Operation;
 
 namespace {
 
-constexpr int kVolumeLabel = 0x08;
-constexpr int kDirectory = 0x10;
-
 /// A directory whose entries are being visited.
 struct Visit {
   std::string path;
@@ -37,7 +34,7 @@ std::vector<CameraDirent> Camera::ReadDir(const char* path) {
 }
 
 void Camera::TraverseDir(const char* path, std::vector<std::pair<std::string, long long>>& files) {
-  // Not recursive: how deep the tree goes is the camera's word.
+  // An explicit stack: a camera chooses the depth and must not be able to exhaust ours.
   std::vector<Visit> visits;
   visits.push_back({path, ReadDir(path)});
   while (!visits.empty()) {
@@ -48,12 +45,12 @@ void Camera::TraverseDir(const char* path, std::vector<std::pair<std::string, lo
     }
     const CameraDirent& entry = visit.entries[visit.next++];
     std::string full = visit.path + "\\" + entry.name;
-    if ((entry.attributes & kDirectory) != 0) {
+    if ((entry.attributes & kelva::kAttributeDirectory) != 0) {
       if (entry.name != "." && entry.name != "..") {
         std::vector<CameraDirent> below = ReadDir(full.c_str());
         visits.push_back({std::move(full), std::move(below)});
       }
-    } else if ((entry.attributes & kVolumeLabel) == 0) {
+    } else if ((entry.attributes & kelva::kAttributeVolumeLabel) == 0) {
       files.emplace_back(std::move(full), entry.size);
     }
   }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "src/wifi/CameraDirent.h"
+
 namespace vcam {
 namespace {
 
@@ -11,15 +13,15 @@ constexpr std::size_t kHeaderLength = 8;
 constexpr std::size_t kEntryLength = 12;
 
 struct Line {
-  std::uint32_t attributes;
+  int attributes;
   std::uint32_t size;
   std::string name;
 };
 
 Line LineOf(const StorageEntry& entry) {
-  std::uint32_t attributes = entry.isDirectory ? kAttributeDirectory : kAttributeArchive;
-  if (entry.isReadOnly) attributes |= kAttributeReadOnly;
-  if (entry.name.front() == '.') attributes |= kAttributeHidden;
+  int attributes = entry.isDirectory ? kelva::kAttributeDirectory : kelva::kAttributeArchive;
+  if (entry.isReadOnly) attributes |= kelva::kAttributeReadOnly;
+  if (entry.name.front() == '.') attributes |= kelva::kAttributeHidden;
   const std::uint64_t size = entry.isDirectory ? 0 : entry.stamp.size;
   return {attributes,
           static_cast<std::uint32_t>(std::min<std::uint64_t>(size, std::numeric_limits<std::uint32_t>::max())),
@@ -27,8 +29,8 @@ Line LineOf(const StorageEntry& entry) {
 }
 
 std::vector<Line> LinesOf(const std::vector<StorageEntry>& entries, bool isRoot) {
-  std::vector<Line> lines{{kAttributeDirectory, 0, "."}, {kAttributeDirectory, 0, ".."}};
-  if (isRoot) lines.push_back({kAttributeVolumeLabel, 0, kVolumeLabel});
+  std::vector<Line> lines{{kelva::kAttributeDirectory, 0, "."}, {kelva::kAttributeDirectory, 0, ".."}};
+  if (isRoot) lines.push_back({kelva::kAttributeVolumeLabel, 0, kVolumeLabel});
   for (const StorageEntry& entry : entries) lines.push_back(LineOf(entry));
   return lines;
 }
@@ -45,7 +47,7 @@ DataSet BuildListing(const std::vector<StorageEntry>& entries, bool isRoot) {
   base::Append(table, static_cast<std::uint32_t>(lines.size()));
   for (const Line& line : lines) {
     const std::size_t name = kHeaderLength + kEntryLength * lines.size() + names.size();
-    base::Append(table, line.attributes);
+    base::Append(table, static_cast<std::uint32_t>(line.attributes));
     base::Append(table, line.size);
     listing.marks.offsets.push_back(table.size());
     base::Append(table, static_cast<std::uint32_t>(name));

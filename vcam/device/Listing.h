@@ -7,12 +7,6 @@
 
 namespace vcam {
 
-inline constexpr std::uint32_t kAttributeReadOnly = 0x01;
-inline constexpr std::uint32_t kAttributeHidden = 0x02;
-inline constexpr std::uint32_t kAttributeVolumeLabel = 0x08;
-inline constexpr std::uint32_t kAttributeDirectory = 0x10;
-inline constexpr std::uint32_t kAttributeArchive = 0x20;
-
 /// The volume label, which stands in the listing of the root.
 inline constexpr const char* kVolumeLabel = "KELVA";
 

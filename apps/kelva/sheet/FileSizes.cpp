@@ -19,7 +19,7 @@ Listing List(Camera& camera, const std::string& folder) {
   Listing listing;
   try {
     for (const CameraDirent& entry : camera.ReadDir(("I:\\DCIM\\" + folder).c_str())) {
-      if ((entry.attributes & (kAttributeDirectory | kAttributeVolumeLabel)) != 0) continue;
+      if ((entry.attributes & (kelva::kAttributeDirectory | kelva::kAttributeVolumeLabel)) != 0) continue;
       listing.emplace(base::Lower(entry.name), SizeOf(entry));
     }
   } catch (const CameraError& error) {

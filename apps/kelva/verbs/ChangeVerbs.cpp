@@ -32,7 +32,7 @@ std::string TargetPath(Camera& camera, const std::string& typed, const std::stri
   if (isFolder) return path + "\\" + BaseName(file);
   if (Split(path).name.empty()) return path + "\\" + BaseName(file);
   const auto entry = FindEntry(camera, path);
-  const bool folder = entry && (entry->attributes & kAttributeDirectory) != 0;
+  const bool folder = entry && (entry->attributes & kelva::kAttributeDirectory) != 0;
   return folder ? path + "\\" + BaseName(file) : path;
 }
 

@@ -16,11 +16,11 @@ constexpr const char* kDrive = "I:";
 constexpr int kDeepest = 64;  // a camera that lies about its tree must not lead round in circles
 
 bool IsFolder(const CameraDirent& entry) {
-  return (entry.attributes & kAttributeDirectory) != 0;
+  return (entry.attributes & kelva::kAttributeDirectory) != 0;
 }
 
 bool IsShown(const CameraDirent& entry) {
-  return (entry.attributes & kAttributeVolumeLabel) == 0 && entry.name != "." && entry.name != "..";
+  return (entry.attributes & kelva::kAttributeVolumeLabel) == 0 && entry.name != "." && entry.name != "..";
 }
 
 std::vector<CameraDirent> Listing(Camera& camera, const std::string& path) {
@@ -33,7 +33,11 @@ std::string Attributes(const CameraDirent& entry) {
   static constexpr struct {
     int bit;
     char letter;
-  } kBits[] = {{0x10, 'd'}, {0x01, 'r'}, {0x02, 'h'}, {0x04, 's'}, {0x20, 'a'}};
+  } kBits[] = {{kelva::kAttributeDirectory, 'd'},
+               {kelva::kAttributeReadOnly, 'r'},
+               {kelva::kAttributeHidden, 'h'},
+               {kelva::kAttributeSystem, 's'},
+               {kelva::kAttributeArchive, 'a'}};
   std::string text;
   for (const auto& row : kBits) text += (entry.attributes & row.bit) != 0 ? row.letter : '-';
   return text;
