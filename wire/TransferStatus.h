@@ -51,6 +51,14 @@ constexpr Sense SenseOf(std::uint32_t resultStatus) {
           static_cast<std::uint8_t>(resultStatus >> 24)};
 }
 
+/// The host and driver status of a result status whose transport failed.
+constexpr std::uint8_t HostStatusOf(std::uint32_t resultStatus) {
+  return static_cast<std::uint8_t>(resultStatus >> 8);
+}
+constexpr std::uint8_t DriverStatusOf(std::uint32_t resultStatus) {
+  return static_cast<std::uint8_t>(resultStatus >> 16);
+}
+
 }  // namespace wire
 
 #endif  // KELVA_WIRE_TRANSFER_STATUS_H_

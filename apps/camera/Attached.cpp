@@ -1,6 +1,7 @@
+// Finding the cameras that are attached, and choosing the one that a command means.
+
 #include "apps/camera/Attached.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -20,39 +21,19 @@ std::string Serials(const std::vector<AttachedCamera>& cameras) {
   return list;
 }
 
-// Takes the element out, or nothing.
-template <typename Predicate>
-std::optional<RegistryCamera> TakeFirst(std::vector<RegistryCamera>& facts, Predicate matches) {
-  const auto found = std::find_if(facts.begin(), facts.end(), matches);
-  if (found == facts.end()) return std::nullopt;
-  RegistryCamera taken = std::move(*found);
-  facts.erase(found);
-  return taken;
-}
-
 }  // namespace
 
-std::vector<AttachedCamera> Pair(std::vector<boost::shared_ptr<Camera>> cameras, std::vector<RegistryCamera> facts) {
-  std::vector<AttachedCamera> paired;
-  for (boost::shared_ptr<Camera>& camera : cameras) {
-    auto known = TakeFirst(facts, [&camera](const RegistryCamera& entry) {
-      return !entry.serial.empty() && camera->CompareSn(entry.serial.c_str());
-    });
-    if (!known) known = TakeFirst(facts, [](const RegistryCamera& entry) { return entry.serial.empty(); });
-    paired.push_back({known.value_or(RegistryCamera()), std::move(camera)});
-  }
-  return paired;
-}
-
 std::vector<AttachedCamera> FindAttached(StdoutDiversion& diversion) {
-  std::vector<boost::shared_ptr<Camera>> cameras = Camera::EnumerateCameras(false, "", false, 0);
+  const std::vector<boost::shared_ptr<Camera>> cameras = Camera::EnumerateCameras(false, "", false, 0);
   const std::string complaint = diversion.Taken();
   if (!complaint.empty()) {
     throw Failure(ExitCode::kFailed, "The system refused to search for cameras (" +
                                          Printable(complaint.substr(0, complaint.find('\n'))) +
                                          "); `kelva doctor` looks for the cause.");
   }
-  return Pair(std::move(cameras), CamerasInRegistry());
+  std::vector<AttachedCamera> attached;
+  for (const boost::shared_ptr<Camera>& camera : cameras) attached.push_back({FactsOf(*camera), camera});
+  return attached;
 }
 
 std::optional<std::string> WantedSerial(const std::optional<std::string>& option) {

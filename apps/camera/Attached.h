@@ -21,10 +21,6 @@ struct AttachedCamera {
 /// The cameras attached now. Throws Failure when the system refused the search.
 std::vector<AttachedCamera> FindAttached(StdoutDiversion& diversion);
 
-/// Gives each camera the facts of the registry entry whose serial number it answers to. A camera without one gets the
-/// facts that are left over, if any.
-std::vector<AttachedCamera> Pair(std::vector<boost::shared_ptr<Camera>> cameras, std::vector<RegistryCamera> facts);
-
 /// The serial number asked for: the option's, else KELVA_SERIAL's; nothing when neither is set or both are empty.
 std::optional<std::string> WantedSerial(const std::optional<std::string>& option);
 

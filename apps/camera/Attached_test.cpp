@@ -8,6 +8,7 @@
 
 #include "apps/camera/testing/FakeCamera.h"
 #include "apps/commandline/Failure.h"
+#include "darwin/virtual/VirtualRegistry.h"
 
 namespace apps {
 namespace {
@@ -72,25 +73,19 @@ TEST(WantedSerialTest, TheOptionGoesBeforeTheVariable) {
   ::unsetenv("KELVA_SERIAL");
 }
 
-TEST(PairTest, CamerasGetTheFactsOfTheirSerialNumberWhateverTheOrder) {
-  const auto paired = Pair({boost::make_shared<FakeCamera>("K1"), boost::make_shared<FakeCamera>("K2")},
-                           {{"K2", "Kelva", "B", "", ""}, {"K1", "Kelva", "A", "", ""}});
-  ASSERT_EQ(paired.size(), 2U);
-  EXPECT_EQ(paired[0].facts.product, "A");
-  EXPECT_EQ(paired[1].facts.product, "B");
-}
-
-TEST(PairTest, ACameraWithoutANumberGetsWhatIsLeft) {
-  const auto paired = Pair({boost::make_shared<FakeCamera>(""), boost::make_shared<FakeCamera>("K2")},
-                           {{"K2", "Kelva", "B", "", ""}, {"", "Kelva", "A", "", ""}});
-  EXPECT_EQ(paired[0].facts.product, "A");
-  EXPECT_EQ(paired[1].facts.product, "B");
-}
-
-TEST(PairTest, ACameraThatTheRegistryNoLongerKnowsStaysInTheList) {
-  const auto paired = Pair({boost::make_shared<FakeCamera>("K1")}, {});
-  ASSERT_EQ(paired.size(), 1U);
-  EXPECT_EQ(paired[0].facts.serial, "");
+TEST(FindAttachedTest, GivesEachCameraItsOwnFacts) {
+  darwin::VirtualRegistry registry;
+  registry.AttachCamera({"K1", "Kelva", "A", "1.00", 3, {}});
+  registry.AttachCamera({"", "Kelva", "B", "1.00", 3, {}});
+  registry.AttachCamera({"K1", "Kelva", "C", "1.00", 3, {}});
+  registry.AttachCamera({"K4", "Other", "D", "1.00", 3, {}});
+  StdoutDiversion diversion;
+  std::vector<std::string> products;
+  for (const AttachedCamera& camera : FindAttached(diversion)) {
+    products.push_back(camera.facts.product + camera.facts.serial);
+    EXPECT_EQ(camera.camera->CompareSn("K1"), camera.facts.serial == "K1");
+  }
+  EXPECT_THAT(products, testing::UnorderedElementsAre("AK1", "B", "CK1"));
 }
 
 }  // namespace

@@ -7,14 +7,6 @@
 namespace apps {
 namespace {
 
-// The facts of the entry whose serial number the camera answers to.
-RegistryCamera FactsOf(const Camera& camera) {
-  for (RegistryCamera& entry : CamerasInRegistry()) {
-    if (!entry.serial.empty() && camera.CompareSn(entry.serial.c_str())) return std::move(entry);
-  }
-  return {};
-}
-
 /// Makes this thread's run loop handle a source, now or as soon as it runs. (CFRunLoopStop is lost while no run is in
 /// progress.)
 class Alarm {

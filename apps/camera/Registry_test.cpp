@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
+#include "apps/camera/testing/FakeCamera.h"
 #include "darwin/virtual/VirtualRegistry.h"
 
 namespace apps {
@@ -11,14 +14,20 @@ darwin::CameraDescription Made(const std::string& serial, const std::string& ven
   return {serial, vendor, "Camera", "1.00", type, {}};
 }
 
-TEST(RegistryTest, CamerasOfThisMakerAreListedWithWhatTheirEntriesSay) {
+std::vector<RegistryCamera> FactsOfAll() {
+  std::vector<RegistryCamera> facts;
+  for (const auto& camera : Camera::EnumerateCameras(true, "", false, 0)) facts.push_back(FactsOf(*camera));
+  return facts;
+}
+
+TEST(RegistryTest, FactsAreThoseOfTheCamerasEntryAndOfTheUsbDeviceAboveIt) {
   darwin::VirtualRegistry registry;
   registry.AttachCamera(Made("K1", "Kelva", 0));
-  registry.AttachCamera(Made("K2", "Other", 3));
-  registry.AttachCamera(Made("K3", "Kelva", 3));
-  const auto cameras = CamerasInRegistry();
+  registry.AttachCamera(Made("K3", "Other", 3));
+  const auto cameras = FactsOfAll();
   ASSERT_EQ(cameras.size(), 2U);
   EXPECT_EQ(cameras[0].serial, "K3");
+  EXPECT_EQ(cameras[0].vendor, "Other");
   EXPECT_EQ(cameras[0].driver, "com_kelva_Glimmer");
   EXPECT_EQ(cameras[0].product, "Camera");
   EXPECT_EQ(cameras[0].revision, "1.00");
@@ -29,8 +38,13 @@ TEST(RegistryTest, CamerasOfThisMakerAreListedWithWhatTheirEntriesSay) {
 TEST(RegistryTest, ACameraWithoutASerialNumberHasNone) {
   darwin::VirtualRegistry registry;
   registry.AttachCamera(Made("", "Kelva", 3));
-  ASSERT_EQ(CamerasInRegistry().size(), 1U);
-  EXPECT_EQ(CamerasInRegistry()[0].serial, "");
+  ASSERT_EQ(FactsOfAll().size(), 1U);
+  EXPECT_EQ(FactsOfAll()[0].serial, "");
+}
+
+TEST(RegistryTest, ACameraOfAnotherTransportHasNoFacts) {
+  EXPECT_EQ(FactsOf(FakeCamera("K1")).serial, "");
+  EXPECT_EQ(FactsOf(FakeCamera("K1")).driver, "");
 }
 
 }  // namespace

@@ -2,24 +2,20 @@
 
 #include <utility>
 
+#include "wire/RegistryNames.h"
+
 namespace darwin {
 namespace {
 
-constexpr unsigned kDisk = 0;
-constexpr unsigned kCompactDisc = 5;
-constexpr const char* kBadRevision = "Q42";
-constexpr const char* kDriver = "com_kelva_Glimmer";
-constexpr const char* kMassStorageDriver = "com_kelva_Glimmer_ms";
-
 std::map<std::string, PropertyValue> InquiryProperties(const CameraDescription& camera) {
-  return {{"Vendor Identification", camera.vendor},
-          {"Product Identification", camera.product},
-          {"Product Revision Level", camera.revision},
+  return {{wire::kVendorName, camera.vendor},
+          {wire::kProductName, camera.product},
+          {wire::kRevisionName, camera.revision},
           {"Peripheral Device Type", std::uint64_t{camera.peripheralType}}};
 }
 
 EntryDescription Service(std::string className, std::map<std::string, PropertyValue> properties) {
-  properties.emplace("IOClass", className);
+  properties.emplace(wire::kClassName, className);
   return {{std::move(className), "IOService", "IORegistryEntry"}, std::move(properties), {}};
 }
 
@@ -31,22 +27,22 @@ void AddDriver(Registry& registry, EntryId nub, const CameraDescription& camera)
 
 void AddCompactDisc(Registry& registry, EntryId nub) {
   const EntryId driver = registry.Add(nub, Service("IOSCSIPeripheralDeviceType05", {}));
-  registry.RegisterService(registry.Add(driver, Service("IOCompactDiscServices", {})));
+  registry.RegisterService(registry.Add(driver, Service(wire::kCompactDiscClass, {})));
 }
 
 }  // namespace
 
 bool IsBadCamera(const CameraDescription& camera) {
-  return camera.peripheralType == kCompactDisc && camera.revision == kBadRevision;
+  return wire::IsBadCamera(static_cast<int>(camera.peripheralType), camera.revision);
 }
 
 std::string DriverClass(const CameraDescription& camera) {
-  return camera.peripheralType == kDisk ? kMassStorageDriver : kDriver;
+  return camera.peripheralType == wire::kDiskType ? wire::kMassStorageDriverClass : wire::kDriverClass;
 }
 
 EntryId AddCamera(Registry& registry, EntryId parent, const CameraDescription& camera) {
   EntryDescription device = Service("IOUSBHostDevice", {});
-  if (!camera.serial.empty()) device.properties.emplace("USB Serial Number", camera.serial);
+  if (!camera.serial.empty()) device.properties.emplace(wire::kSerialName, camera.serial);
   const EntryId usbDevice = registry.Add(parent, std::move(device));
   AddCameraServices(registry, usbDevice, camera);
   return usbDevice;

@@ -1,19 +1,15 @@
 #include "darwin/udev/ScsiUnit.h"
 
+#include "wire/RegistryNames.h"
+
 namespace darwin::udev {
-namespace {
-
-constexpr int kCompactDisc = 5;
-constexpr const char* kBadRevision = "Q42";
-
-}  // namespace
 
 bool ScsiUnit::IsBadCamera() const {
-  return peripheralType == kCompactDisc && revision == kBadRevision;
+  return wire::IsBadCamera(peripheralType, revision);
 }
 
 bool IsMaker(const std::string& vendor) {
-  return vendor == "Kelva";
+  return vendor == wire::kVendor;
 }
 
 }  // namespace darwin::udev

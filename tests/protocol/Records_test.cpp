@@ -26,7 +26,7 @@ TEST(ProtocolRecords, ShowTheRequestOfAReadinessQuery) {
   const _VscCdb block = {{0xC6, 0x00, 0x04}};
   void* const buffer = reinterpret_cast<void*>(std::uintptr_t{0x7F1122334455});
   EXPECT_EQ(ReadDocument().records.at("request"), BytesOf(kRequest));
-  EXPECT_EQ(BytesOf(MakeTransferRequest(block, 2, 4, buffer)), BytesOf(kRequest));
+  EXPECT_EQ(BytesOf(kelva::MakeTransferRequest(block, 2, 4, buffer)), BytesOf(kRequest));
 }
 
 TEST(ProtocolRecords, ShowTheFieldsOfARequest) {

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "wire/RegistryNames.h"
+
 namespace vcam {
 
 /// One field of the picture catalogue: its type number and where it lies in each record.
@@ -41,7 +43,7 @@ struct Options {
   std::string serial;
   /// Drive I: of the camera. Layout: vcam/README.md.
   std::filesystem::path storage;
-  std::string vendor = "Kelva";
+  std::string vendor = wire::kVendor;
   std::string product = "Camera";
   std::string revision = "1.00";
   /// SCSI peripheral device type of the inquiry data; 3 (processor) is one that no kernel driver takes for itself.

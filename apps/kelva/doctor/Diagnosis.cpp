@@ -5,12 +5,11 @@
 #include <cstring>
 
 #include "apps/kelva/doctor/Holders.h"
+#include "wire/RegistryNames.h"
 
 namespace apps::doctor {
 namespace {
 
-constexpr int kCompactDisc = 5;
-constexpr const char* kBadRevision = "Q42";
 constexpr int kSectorsOfAChunk = 128;  // 65,536 bytes, the chunk of every bulk transfer
 
 Finding AboutCamera(const CameraFacts& camera, Condition condition, std::string sentence) {
@@ -40,7 +39,8 @@ Finding NotSetUp(const CameraFacts& camera) {
 
 Finding BadCamera(const CameraFacts& camera) {
   Finding finding = AboutCamera(camera, Condition::kBadCamera,
-                                "The camera shows itself as a compact disc (revision Q42) and takes no commands.");
+                                std::string("The camera shows itself as a compact disc (revision ") +
+                                    wire::kBadCameraRevision + ") and takes no commands.");
   if (!camera.disc.empty()) finding.command = "sudo eject " + camera.disc;
   finding.advice = "Then unplug the camera, switch it off and on, and plug it in again.";
   return finding;
@@ -106,12 +106,8 @@ Finding Narrow(const CameraFacts& camera) {
   return finding;
 }
 
-bool IsBadCamera(const CameraFacts& camera) {
-  return camera.peripheralType == kCompactDisc && camera.revision == kBadRevision;
-}
-
 Finding DiagnoseUnit(const CameraFacts& camera, const MachineFacts& facts) {
-  if (IsBadCamera(camera)) return BadCamera(camera);
+  if (wire::IsBadCamera(camera.peripheralType, camera.revision)) return BadCamera(camera);
   if (camera.node.empty()) return NoGenericDriver(camera);
   if (camera.nodeError == ENOENT) return NoNode(camera);
   if (camera.nodeError != 0) return NoPermission(camera, facts);

@@ -4,13 +4,15 @@
 
 #include "darwin/sg/SgCommand.h"
 #include "darwin/sg/SgSession.h"
+#include "src/wifi/VscRegister.h"
 
 namespace apps::doctor {
 namespace {
 
 constexpr std::uint32_t kPatienceMs = 5000;
 constexpr std::size_t kReadyStateSize = 4;
-constexpr std::array<std::uint8_t, 16> kReadyQuery{0xC6, 0, 0x04};
+constexpr std::array<std::uint8_t, 16> kReadyQuery{static_cast<std::uint8_t>(kelva::Operation::kQuery), 0,
+                                                   kelva::query::kReady};
 constexpr std::uint16_t kHostTimeOut = 3;
 
 }  // namespace

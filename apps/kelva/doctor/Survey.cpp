@@ -15,6 +15,7 @@
 #include "apps/kelva/doctor/Holders.h"
 #include "apps/kelva/doctor/Rules.h"
 #include "darwin/udev/UdevHandles.h"
+#include "wire/RegistryNames.h"
 
 namespace apps::doctor {
 namespace {
@@ -23,8 +24,6 @@ using darwin::udev::UdevContext;
 using darwin::udev::UdevDevice;
 using darwin::udev::UdevEnumerate;
 
-constexpr const char* kMaker = "Kelva";
-constexpr int kCompactDisc = 5;
 constexpr const char* kMassStorage = "08";  // the USB interface class
 
 std::string Text(const char* text) {
@@ -82,7 +81,7 @@ CameraFacts ReadUnit(::udev* context, udev_device* unit) {
     camera.serial = Attribute(usb, "serial");
   }
   ForEach(context, "block", unit, [&](udev_device* block) {
-    if (camera.peripheralType == kCompactDisc) camera.disc = Text(udev_device_get_devnode(block));
+    if (camera.peripheralType == wire::kCompactDiscType) camera.disc = Text(udev_device_get_devnode(block));
   });
   ForEach(context, "scsi_generic", unit, [&](udev_device* generic) { ReadNode(generic, camera); });
   return camera;
@@ -103,12 +102,13 @@ CameraFacts ReadBareDevice(::udev* context, udev_device* usb) {
 std::vector<CameraFacts> ReadCameras(::udev* context) {
   std::vector<CameraFacts> cameras;
   ForEach(context, "scsi", nullptr, [&](udev_device* unit) {
-    if (HasType(unit, "scsi_device") && Attribute(unit, "vendor") == kMaker) cameras.push_back(ReadUnit(context, unit));
+    if (HasType(unit, "scsi_device") && Attribute(unit, "vendor") == wire::kVendor)
+      cameras.push_back(ReadUnit(context, unit));
   });
   std::set<std::string> seen;
   for (const CameraFacts& camera : cameras) seen.insert(camera.usbPath);
   ForEach(context, "usb", nullptr, [&](udev_device* usb) {
-    if (!HasType(usb, "usb_device") || Attribute(usb, "manufacturer") != kMaker) return;
+    if (!HasType(usb, "usb_device") || Attribute(usb, "manufacturer") != wire::kVendor) return;
     if (!seen.contains(Text(udev_device_get_syspath(usb)))) cameras.push_back(ReadBareDevice(context, usb));
   });
   return cameras;

@@ -13,9 +13,9 @@ bool IsWanted(const RegistryCamera& camera, const std::optional<std::string>& se
   return !serial || camera.serial == *serial;
 }
 
-bool IsAttached(const std::optional<std::string>& serial) {
-  for (const RegistryCamera& camera : CamerasInRegistry()) {
-    if (IsWanted(camera, serial)) return true;
+bool IsAttached(Context& context, const std::optional<std::string>& serial) {
+  for (const AttachedCamera& camera : FindAttached(context.diversion)) {
+    if (IsWanted(camera.facts, serial)) return true;
   }
   return false;
 }
@@ -34,7 +34,7 @@ ExitCode RunWait(Context& context) {
     running->Finish();
   });
   running = &hotplug;
-  if (!forLoss || IsAttached(serial)) hotplug.Run(context.stop);
+  if (!forLoss || IsAttached(context, serial)) hotplug.Run(context.stop);
   Json members = Json::Object();
   members.SetBytes("serial", seen).Set("attached", !forLoss);
   context.Result(std::move(members), forLoss || seen.empty() ? "" : Printable(seen) + "\n");

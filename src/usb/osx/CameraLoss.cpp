@@ -4,7 +4,10 @@
 #include "LossInProgress.h"
 #include "OsxCamera.h"
 #include "OsxCameraError.h"
-#include "RegistryNames.h"
+#include "wire/RegistryNames.h"
+
+using kelva::CfRef;
+using kelva::IoObject;
 
 namespace {
 
@@ -18,7 +21,7 @@ void OsxCamera::ListenForCameraLost(void (*callback)(void*), void* context) {
     // The system dereferences the port, so a camera watched before any attach listening needs one too.
     SetupNotifyPort();
     io_object_t notification = 0;
-    if (IOServiceAddInterestNotification(notifyPort, service_, kGeneralInterestType, CameraMessage, this,
+    if (IOServiceAddInterestNotification(notifyPort, service_, wire::kGeneralInterestType, CameraMessage, this,
                                          &notification) != kIOReturnSuccess) {
       throw OsxCameraError("IOServiceAddInterestNotifaction() failed.");
     }
@@ -31,7 +34,7 @@ void OsxCamera::ListenForCameraLost(void (*callback)(void*), void* context) {
 void OsxCamera::CameraMessage(void* camera, unsigned int, unsigned int messageType, void*) {
   if (messageType != kServiceIsTerminated) return;
   auto* self = static_cast<OsxCamera*>(camera);
-  const LossInProgress loss(self);
+  const kelva::LossInProgress loss(self);
   if (self->lostCb_ != nullptr) self->lostCb_(self->lostContext_);
   // After the callback, which still sees a camera that is not disconnected.
   if (loss.CameraIsAlive()) self->disconnected_ = true;
@@ -42,12 +45,12 @@ bool OsxCamera::WasDisconnected() {
 }
 
 bool OsxCamera::CompareSn(const char* serial) const {
-  const CfRef<CFStringRef> wanted = MakeString(serial);
+  const CfRef<CFStringRef> wanted = kelva::MakeString(serial);
   IOObjectRetain(service_);
   bool matches = false;
   // Up to the registry's root: the serial sits on an ancestor, and a match does not stop the walk.
-  for (IoObject entry(service_); entry; entry = ParentOf(entry.Get())) {
-    if (Equals(CopyProperty(entry.Get(), kSerialName), wanted)) matches = true;
+  for (IoObject entry(service_); entry; entry = kelva::ParentOf(entry.Get())) {
+    if (Equals(kelva::CopyProperty(entry.Get(), wire::kSerialName), wanted)) matches = true;
   }
   return matches;
 }

@@ -7,9 +7,15 @@
 #include "IoKitOwners.h"
 #include "OsxCamera.h"
 #include "OsxCameraError.h"
-#include "RegistryNames.h"
+#include "wire/RegistryNames.h"
 
-const char* const OsxCamera::kDriverNames[] = {kDriverClass, kMassStorageDriverClass, nullptr};
+using kelva::CfRef;
+using kelva::CopyProperty;
+using kelva::IoObject;
+using kelva::MakeString;
+using kelva::ParentOf;
+
+const char* const OsxCamera::kDriverNames[] = {wire::kDriverClass, wire::kMassStorageDriverClass, nullptr};
 IONotificationPortRef OsxCamera::notifyPort = nullptr;
 void (*OsxCamera::cameraCb)(boost::shared_ptr<Camera> camera, void* context) = nullptr;
 void (*OsxCamera::badCameraCb)(void* context) = nullptr;
@@ -27,8 +33,8 @@ boost::shared_ptr<Camera> MakeCamera(IoObject service) {
 void RequireVendor(CFMutableDictionaryRef matching) {
   const CfRef<CFMutableDictionaryRef> properties(CFDictionaryCreateMutable(
       kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-  CFDictionarySetValue(properties.Get(), MakeString(kVendorName).Get(), MakeString(kVendor).Get());
-  CFDictionarySetValue(matching, MakeString(kPropertyMatchName).Get(), properties.Get());
+  CFDictionarySetValue(properties.Get(), MakeString(wire::kVendorName).Get(), MakeString(wire::kVendor).Get());
+  CFDictionarySetValue(matching, MakeString(wire::kPropertyMatchName).Get(), properties.Get());
 }
 
 /// Registers a first-match notification for a class. The iterator is kept for the life of the process: releasing it
@@ -36,7 +42,7 @@ void RequireVendor(CFMutableDictionaryRef matching) {
 io_iterator_t RegisterFirstMatch(IONotificationPortRef port, const char* className, IOServiceMatchingCallback handler,
                                  void* context) {
   io_iterator_t iterator = 0;
-  if (IOServiceAddMatchingNotification(port, kFirstMatchType, IOServiceMatching(className), handler, context,
+  if (IOServiceAddMatchingNotification(port, wire::kFirstMatchType, IOServiceMatching(className), handler, context,
                                        &iterator) != kIOReturnSuccess) {
     throw OsxCameraError("IOServiceAddMatchingNotification() failed.");
   }
@@ -49,9 +55,9 @@ bool IsBadCamera(io_service_t service) {
   if (!parent) return false;
   const IoObject grandparent = ParentOf(parent.Get());
   if (!grandparent) return false;
-  const CfRef<CFTypeRef> vendor = CopyProperty(grandparent.Get(), kVendorName);
-  const CfRef<CFTypeRef> revision = CopyProperty(grandparent.Get(), kRevisionName);
-  return vendor && revision && Equals(vendor, kVendor) && Equals(revision, kBadCameraRevision);
+  const CfRef<CFTypeRef> vendor = CopyProperty(grandparent.Get(), wire::kVendorName);
+  const CfRef<CFTypeRef> revision = CopyProperty(grandparent.Get(), wire::kRevisionName);
+  return vendor && revision && Equals(vendor, wire::kVendor) && Equals(revision, wire::kBadCameraRevision);
 }
 
 /// Reports each service of the iterator. A report that throws does not end the loop: services left in the iterator would
@@ -112,7 +118,7 @@ void OsxCamera::ListenForOsxBadCameraAttach(void (*callback)(void*), void* conte
   if (callback == nullptr) return;
   SetupNotifyPort();
   badCameraCb = callback;
-  BadCameraBounce(context, RegisterFirstMatch(notifyPort, kCompactDiscClass, BadCameraBounce, context));
+  BadCameraBounce(context, RegisterFirstMatch(notifyPort, wire::kCompactDiscClass, BadCameraBounce, context));
 }
 
 void OsxCamera::BadCameraBounce(void* context, unsigned int iterator) {

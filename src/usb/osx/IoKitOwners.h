@@ -6,6 +6,10 @@
 
 #include <utility>
 
+#include "wire/RegistryNames.h"
+
+namespace kelva {
+
 /// Owns one reference to a registry object or iterator; 0 is none.
 class IoObject {
  public:
@@ -72,8 +76,10 @@ inline bool Equals(const CfRef<CFTypeRef>& property, const char* text) {
 /// The entry's parent in the service plane; none on failure.
 inline IoObject ParentOf(io_registry_entry_t entry) {
   io_registry_entry_t parent = 0;
-  if (IORegistryEntryGetParentEntry(entry, "IOService", &parent) != kIOReturnSuccess) return {};
+  if (IORegistryEntryGetParentEntry(entry, wire::kServicePlane, &parent) != kIOReturnSuccess) return {};
   return IoObject(parent);
 }
+
+}  // namespace kelva
 
 #endif  // KELVA_USB_OSX_IO_KIT_OWNERS_H_

@@ -1,6 +1,8 @@
 #ifndef KELVA_USB_OSX_LOSS_IN_PROGRESS_H_
 #define KELVA_USB_OSX_LOSS_IN_PROGRESS_H_
 
+namespace kelva {
+
 /// Knows, while a camera-lost callback runs on this thread, whether the callback destroyed its camera: most callbacks
 /// drop their last pointer to the camera. Other threads may not destroy the camera meanwhile (see OsxCamera.h).
 class LossInProgress {
@@ -25,5 +27,7 @@ class LossInProgress {
   const void* camera_;
   LossInProgress* outer_;
 };
+
+}  // namespace kelva
 
 #endif  // KELVA_USB_OSX_LOSS_IN_PROGRESS_H_

@@ -4,8 +4,8 @@
 
 #include "IoKitOwners.h"
 #include "LossInProgress.h"
-#include "RegistryNames.h"
 #include "UserClientTransfer.h"
+#include "wire/RegistryNames.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ OsxCamera::~OsxCamera() {
   if (connect_ != 0) OsxCamera::Close();
   if (notification_ != 0) IOObjectRelease(notification_);
   IOObjectRelease(service_);
-  LossInProgress::CameraDestroyed(this);
+  kelva::LossInProgress::CameraDestroyed(this);
 }
 
 std::string OsxCamera::Name() const {
@@ -43,7 +43,7 @@ std::string OsxCamera::MountPath() const {
 
 bool OsxCamera::Open() {
   if (connect_ != 0) return true;
-  // Its return code says nothing that the session's start does not.
+  // Return code ignored: selector 0 fails on a connection that did not open.
   IOServiceOpen(service_, mach_task_self(), 0, &connect_);
   if (IOConnectCallScalarMethod(connect_, wire::kUserClientStartSession, nullptr, 0, nullptr, nullptr) ==
       kIOReturnSuccess) {
@@ -66,21 +66,26 @@ bool OsxCamera::IsOpen() {
 }
 
 bool OsxCamera::Transfer(const _VscCdb& cdb, int direction, int& size, char* buffer, bool) {
-  const wire::UserClientTransferRequest request = MakeTransferRequest(cdb, direction, size, buffer);
+  const wire::UserClientTransferRequest request = kelva::MakeTransferRequest(cdb, direction, size, buffer);
   wire::UserClientTransferResult result{kNoStatus, 0};
   std::size_t resultSize = sizeof(result);
   const kern_return_t returnCode =
       IOConnectCallStructMethod(connect_, wire::kUserClientTransfer, &request, sizeof(request), &result, &resultSize);
   if (returnCode != kIOReturnSuccess || result.status != 0) {
-    throw CameraTransferError(TransferErrorReport(cdb, returnCode, result.status));
+    throw CameraTransferError(kelva::WriteTransferReport({cdb, returnCode, result.status}));
   }
   size = result.actualLength;
   return true;
 }
 
 bool OsxCamera::IsScsiInquiryCorrect() const {
-  return Equals(CopyProperty(service_, kVendorName), kVendor) &&
-         Equals(CopyProperty(service_, kClassName), kDriverClass);
+  return Equals(kelva::CopyProperty(service_, wire::kVendorName), wire::kVendor) &&
+         Equals(kelva::CopyProperty(service_, wire::kClassName), wire::kDriverClass);
+}
+
+io_service_t kelva::ServiceOf(const Camera& camera) {
+  const auto* attached = dynamic_cast<const OsxCamera*>(&camera);
+  return attached != nullptr ? attached->service_ : 0;
 }
 
 bool OsxCamera::Cancel(bool, bool) {

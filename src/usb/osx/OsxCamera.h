@@ -10,6 +10,14 @@
 
 #include "Camera.h"
 
+namespace kelva {
+
+/// The registry entry of the camera's driver service, borrowed: valid while the camera lives. 0 for a camera of another
+/// transport.
+io_service_t ServiceOf(const Camera& camera);
+
+}  // namespace kelva
+
 /// The camera as the I/O registry sees it: one service of the camera's kernel driver, the session with it, and each
 /// command carried as one SCSI command through the driver's user client.
 ///
@@ -65,6 +73,8 @@ class OsxCamera : public Camera {
   static void BadCameraBounce(void* context, unsigned int iterator);
   /// The interest-notification handler (IOServiceInterestCallback); `camera` is the OsxCamera that registered.
   static void CameraMessage(void* camera, unsigned int service, unsigned int messageType, void* messageArgument);
+
+  friend io_service_t kelva::ServiceOf(const Camera& camera);
 
  private:
   io_object_t notification_;  // 0 = not watched

@@ -114,6 +114,12 @@ TEST_F(Session, TheEndOfAClosedCameraReleasesItsService) {
   EXPECT_EQ(log(), Log{"Release camera"});
 }
 
+TEST_F(Session, GivesItsServiceWithoutAReference) {
+  log().clear();
+  EXPECT_EQ(kelva::ServiceOf(*camera_), service_);
+  EXPECT_EQ(log(), Log{});
+}
+
 TEST_F(Session, NameMountPathAndCancelAreFixed) {
   EXPECT_EQ(camera_->Name(), "Camera");
   EXPECT_EQ(camera_->MountPath(), "");

@@ -2,17 +2,36 @@
 #define KELVA_USB_OSX_USER_CLIENT_TRANSFER_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "VscCdb.h"
 #include "wire/UserClientRecords.h"
 
-// The building and checking of the records, without any call to the system.
+// What goes to the driver and what a failed transfer leaves, without any call to the system.
 
-/// The request for one command. A direction other than 1 and 2 becomes 0; size and buffer are copied as they stand.
+namespace kelva {
+
+/// The request for one command. A direction other than 1 and 2 becomes 0; size and buffer are copied unchanged.
 wire::UserClientTransferRequest MakeTransferRequest(const _VscCdb& cdb, int direction, int size, const void* buffer);
 
-/// What a failed transfer says: three lines with the command block, the call's return code and the device's status.
-std::string TransferErrorReport(const _VscCdb& cdb, std::int32_t returnCode, std::uint32_t status);
+/// A failed transfer.
+struct TransferReport {
+  _VscCdb cdb;
+  std::int32_t returnCode;  ///< of the call, a kern_return_t
+  std::uint32_t status;     ///< of the command (wire/TransferStatus.h); meaningless unless returnCode is 0
+};
+
+/// The command block as 16 pairs of hexadecimal digits, "c6 00 04 ...".
+std::string BlockText(const _VscCdb& cdb);
+
+/// The message of a failed transfer: three lines with the command block, the return code and the status.
+std::string WriteTransferReport(const TransferReport& report);
+
+/// Reads the report back from the message of a CameraTransferError; nothing when the message is another one.
+std::optional<TransferReport> ReadTransferReport(std::string_view message);
+
+}  // namespace kelva
 
 #endif  // KELVA_USB_OSX_USER_CLIENT_TRANSFER_H_
