@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "Camera.h"
-#include "ErrorPolicy.h"
+#include "Checks.h"
 #include "FatalAssertion.h"
 
 boost::shared_ptr<Camera> Camera::GetCamera(const char* serialNumber, std::string text, bool first, bool second) {

@@ -1,10 +1,10 @@
 // Files of the camera's storage, by path.
 
 #include "Camera.h"
+#include "Checks.h"
 #include "ChunkedRead.h"
 #include "ChunkedWrite.h"
 #include "Command.h"
-#include "SizeReconciliation.h"
 
 using kelva::Block;
 using kelva::Operation;

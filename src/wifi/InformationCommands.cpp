@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "Camera.h"
+#include "Checks.h"
 #include "ChunkedWrite.h"
 #include "Command.h"
-#include "ErrorPolicy.h"
 #include "FatalAssertion.h"
 #include "LittleEndian.h"
 

@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "Camera.h"
+#include "Checks.h"
 #include "Command.h"
-#include "ErrorPolicy.h"
 #include "LittleEndian.h"
 
 using kelva::Block;

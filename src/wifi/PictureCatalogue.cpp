@@ -6,10 +6,10 @@
 #include <iterator>
 
 #include "Camera.h"
+#include "Checks.h"
 #include "ChunkedRead.h"
 #include "Command.h"
 #include "DcfLayout.h"
-#include "ErrorPolicy.h"
 
 using kelva::Block;
 using kelva::Operation;
