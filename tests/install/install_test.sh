@@ -51,6 +51,7 @@ flags=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --cflags --libs kelva)
 expect_consumer "$scratch/with-pkg-config"
 
 # The program that README shows.
+# shellcheck disable=SC2016 # the backquotes are Markdown
 sed -n '/^```cpp$/,/^```$/p' "$here/../../README.md" | sed '/^```/d' >"$scratch/readme.cpp"
 [ -s "$scratch/readme.cpp" ] || fail "README.md shows no program"
 # shellcheck disable=SC2086 # the flags are several words
