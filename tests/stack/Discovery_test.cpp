@@ -84,6 +84,7 @@ TEST_F(Discovery, AnAttachedCameraIsReportedOnce) {
   Settle();
   ASSERT_THAT(TheTold().attached, SizeIs(1));
   EXPECT_TRUE(TheTold().attached[0]->CompareSn("A"));
+  EXPECT_FALSE(TheTold().attached[0]->IsOpen());
 }
 
 TEST_F(Discovery, EveryPlugIsReportedAgain) {
@@ -121,13 +122,21 @@ TEST_F(Discovery, ACompactDiscOfAnotherRevisionIsNoBadCamera) {
   disc.peripheralType = 5;
   disc.revision = "Q43";
   Plug(disc);
-  Settle();
+  EXPECT_TRUE(PumpUntil([] { return !TheTold().attached.empty(); }));
   EXPECT_EQ(TheTold().bad, 0);
   EXPECT_THAT(Enumerate(), SizeIs(1));
 }
 
+/// What the callback of a lost camera saw; its address is the callback's context.
 struct Loss {
+  static void OnLost(void* context) {
+    auto& self = *static_cast<Loss*>(context);
+    ++self.calls;
+    self.disconnectedInside = self.camera->WasDisconnected();
+    if (self.drops) self.camera.reset();
+  }
   boost::shared_ptr<Camera> camera;
+  bool drops = false;
   int calls = 0;
   bool disconnectedInside = true;
 };
@@ -135,19 +144,22 @@ struct Loss {
 TEST_F(Discovery, ALostCameraTellsItsOwnerOnce) {
   Plug("A");
   Loss loss{Enumerate().at(0)};
-  loss.camera->ListenForCameraLost(
-      [](void* context) {
-        auto& told = *static_cast<Loss*>(context);
-        ++told.calls;
-        told.disconnectedInside = told.camera->WasDisconnected();
-      },
-      &loss);
+  loss.camera->ListenForCameraLost(Loss::OnLost, &loss);
   Unplug("A");
   EXPECT_TRUE(PumpUntil([&] { return loss.calls > 0; }));
   Settle();
   EXPECT_EQ(loss.calls, 1);
   EXPECT_FALSE(loss.disconnectedInside);
   EXPECT_TRUE(loss.camera->WasDisconnected());
+}
+
+TEST_F(Discovery, AnOwnerMayDropTheCameraInItsCallback) {
+  Loss loss{PlugAndOpen("A"), true};
+  TheTold() = {};
+  loss.camera->ListenForCameraLost(Loss::OnLost, &loss);
+  Unplug("A");
+  EXPECT_TRUE(PumpUntil([&] { return loss.calls > 0; }));
+  EXPECT_FALSE(loss.camera);
 }
 
 }  // namespace

@@ -76,6 +76,8 @@ TEST_F(Sessions, AfterAnUnplugEveryCommandFailsAndClosingIsHarmless) {
   const auto camera = PlugAndOpen();
   Unplug("K100");
   EXPECT_NE(FailureOf([&] { camera->IsReady(); }), "");
+  EXPECT_FALSE(camera->MonitorCmd("x"));
+  EXPECT_TRUE(camera->IsOpen());
   camera->Close();
   EXPECT_FALSE(camera->Open());
 }
