@@ -7,13 +7,14 @@
 #include <memory>
 
 #include "apps/commandline/Failure.h"
+#include "apps/commandline/testing/SilentContext.h"
 #include "darwin/virtual/VirtualRegistry.h"
 #include "vcam/camera/InProcess.h"
 
 namespace apps {
 namespace {
 
-class LastingSessionTest : public testing::Test {
+class LastingSessionTest : public testing::Test, protected SilentContext {
  protected:
   LastingSessionTest() { k1_ = Attach("K1"); }
   ~LastingSessionTest() override { std::filesystem::remove_all(storage_); }
@@ -33,12 +34,6 @@ class LastingSessionTest : public testing::Test {
   }();
   darwin::VirtualRegistry registry_;
   darwin::EntryId k1_{};
-  Invocation call_;
-  Output out_{-1};
-  Reporter reporter_{"kelva", -1, {}};
-  Stop stop_;
-  StdoutDiversion diversion_;
-  Context context_{call_, out_, reporter_, stop_, diversion_};
 };
 
 TEST_F(LastingSessionTest, TheCameraIsOpenedAgainWhenItIsBack) {

@@ -8,13 +8,14 @@
 
 #include "apps/camera/testing/FakeCamera.h"
 #include "apps/commandline/Failure.h"
+#include "apps/commandline/testing/SilentContext.h"
 
 namespace apps {
 namespace {
 
 using testing::HasSubstr;
 
-class RemoteFileTest : public testing::Test {
+class RemoteFileTest : public testing::Test, protected SilentContext {
  protected:
   static std::string Error(const std::function<void()>& work) {
     try {
@@ -30,12 +31,6 @@ class RemoteFileTest : public testing::Test {
   }
 
   FakeCamera camera_;
-  Invocation call_;
-  Output out_{-1};
-  Reporter reporter_{"kelva", -1, {}};
-  Stop stop_;
-  StdoutDiversion diversion_;
-  Context context_{call_, out_, reporter_, stop_, diversion_};
 };
 
 TEST_F(RemoteFileTest, AFileIsRead) {

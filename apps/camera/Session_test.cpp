@@ -3,12 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "apps/commandline/Failure.h"
+#include "apps/commandline/testing/SilentContext.h"
 #include "darwin/virtual/VirtualRegistry.h"
 
 namespace apps {
 namespace {
 
-class SessionTest : public testing::Test {
+class SessionTest : public testing::Test, protected SilentContext {
  protected:
   ExitCode WhyNot() {
     try {
@@ -20,12 +21,6 @@ class SessionTest : public testing::Test {
   }
 
   darwin::VirtualRegistry registry_;
-  Invocation call_;
-  Output out_{-1};
-  Reporter reporter_{"kelva", -1, {}};
-  Stop stop_;
-  StdoutDiversion diversion_;
-  Context context_{call_, out_, reporter_, stop_, diversion_};
 };
 
 TEST_F(SessionTest, WithoutACameraThereIsNone) {

@@ -1,12 +1,16 @@
+// What an abort leaves behind: no temporary file, one sentence, and with --json a result.
+#include "apps/commandline/Aborts.h"
+
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstring>
 
+#include "apps/commandline/ExitCode.h"
 #include "apps/commandline/Guard.h"
 #include "apps/commandline/Scratch.h"
-#include "apps/commandline/Supervisor.h"
 
 namespace apps {
 namespace {

@@ -1,3 +1,5 @@
+#include "apps/commandline/Aborts.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -8,7 +10,6 @@
 #include <string>
 
 #include "apps/commandline/Scratch.h"
-#include "apps/commandline/Supervisor.h"
 #include "base/FileDescriptor.h"
 
 namespace apps {

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "apps/commandline/Schema.h"
-
 namespace apps {
 
 std::string ResultLine(std::string_view verb, ExitCode code, Json members) {
@@ -16,7 +14,7 @@ std::string ResultLine(std::string_view verb, ExitCode code, Json members) {
 void Context::Result(apps::Json members, std::string_view text, ExitCode code) {
   if (Json() && !out.TakeEnd()) return;
   if (Json() && code != ExitCode::kDone && !members.Has("reason")) members.Set("reason", WordOf(code));
-  out.Add(Json() ? ResultLine(call.verb->name, code, std::move(members)) : std::string(text));
+  out.Add(Json() ? ResultLine(call.Name(), code, std::move(members)) : std::string(text));
   out.Flush();
 }
 

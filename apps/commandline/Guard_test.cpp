@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "apps/commandline/Aborts.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Supervisor.h"
 
@@ -52,7 +53,9 @@ TEST(GuardDeathTest, AnAbortBetweenItemsEndsTheWork) {
 TEST(GuardDeathTest, ASignalToTheToolReachesTheWorker) {
   const auto work = [](Guard&) {
     ::kill(::getppid(), SIGTERM);
-    GiveBackSignals();
+    sigset_t none;
+    sigemptyset(&none);
+    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
     while (true) ::pause();
     return 0;
   };

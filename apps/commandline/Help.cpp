@@ -13,7 +13,7 @@ std::string OneParagraph(std::string_view text, std::size_t indent, std::size_t 
   std::string out = margin;
   std::size_t column = indent;
   while (!text.empty()) {
-    const std::size_t end = std::min(text.find(' '), text.size());
+    const std::size_t end = std::min(text.find_first_of(" \n"), text.size());
     const std::string_view word = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
     if (column > indent && column + 1 + Width(word) > width) {

@@ -23,7 +23,8 @@ std::string CommandOf(const Program& program, const Example& example);
 /// "-s, --serial SERIAL"
 std::string OptionHead(const Option& option);
 
-/// Text broken into lines of at most `width` columns, each after `indent` blanks. Paragraphs are kept apart.
+/// Text broken into lines of at most `width` columns, each after `indent` blanks. A line feed
+/// counts as a blank; an empty line separates paragraphs.
 std::string Wrapped(std::string_view text, std::size_t indent, std::size_t width = 80);
 
 }  // namespace apps

@@ -37,7 +37,7 @@ TEST(HelpTest, TheOverviewListsAllVerbs) {
 TEST(WrappedTest, LinesEndAtTheWidth) {
   EXPECT_EQ(Wrapped("aa bb cc", 2, 7), "  aa bb\n  cc\n");
   EXPECT_EQ(Wrapped("toolongforit b", 0, 5), "toolongforit\nb\n");
-  EXPECT_EQ(Wrapped("a\n\nb", 1, 10), " a\n\n b\n");
+  EXPECT_EQ(Wrapped("a\nb\n\nc", 1, 10), " a b\n\n c\n");
 }
 
 }  // namespace

@@ -85,17 +85,22 @@ class Parser {
     ChooseVerb(word);
   }
 
-  // A name of two words goes before its first word alone.
+  bool Choose(std::string_view name) {
+    result_.verb = FindVerb(program_.verbs, name);
+    result_.byAlias = result_.verb != nullptr && result_.verb->name != name;
+    return result_.verb != nullptr;
+  }
+
+  // Tries the verb of two words (`wifi name`) before the verb of one word.
   void ChooseVerb(std::string_view word) {
     if (!rest_.empty()) {
-      result_.verb = FindVerb(program_.verbs, std::string(word) + " " + rest_.front());
-      if (result_.verb != nullptr) {
+      const std::string both = std::string(word) + " " + rest_.front();
+      if (Choose(both)) {
         Take();
         return;
       }
     }
-    result_.verb = FindVerb(program_.verbs, word);
-    if (result_.verb != nullptr) return;
+    if (Choose(word)) return;
     if (rest_.empty()) first_ = word;
     throw UnknownVerb(word);
   }
@@ -215,6 +220,11 @@ class Parser {
 
 }  // namespace
 
+std::string_view Invocation::Name() const {
+  if (verb == nullptr) return {};
+  return byAlias ? verb->alias : verb->name;
+}
+
 bool Invocation::Has(std::string_view option) const {
   return Value(option).has_value();
 }
@@ -245,7 +255,7 @@ Beginning ParseBeginning(const Program& program, std::span<const char* const> ar
 
 const Verb* FindVerb(std::span<const Verb> table, std::string_view name) {
   for (const Verb& verb : table) {
-    if (verb.name == name) return &verb;
+    if (verb.name == name || (!verb.alias.empty() && verb.alias == name)) return &verb;
   }
   return nullptr;
 }

@@ -20,6 +20,10 @@ class Invocation {
   const Verb* verb = nullptr;  ///< null when only --help or --version was asked
   std::vector<std::string> words;
   bool version = false;
+  bool byAlias = false;  ///< whether the verb was called by its second name
+
+  /// The verb's name as it was given; empty without a verb.
+  std::string_view Name() const;
 
   bool Has(std::string_view option) const;
   /// The option's last value, or nothing.

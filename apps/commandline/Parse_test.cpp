@@ -18,9 +18,12 @@ constexpr Argument kMaybe[] = {{"N", "A number.", Argument::Count::kOptional}};
 constexpr Option kOwn[] = {{"output", 'o', "FILE", "Where to."}, {"force", 'f', "", "Do it."}};
 
 constexpr Verb kTable[] = {
-    {"get", "Fetch", kPath, kOwn, "", "", {}, nullptr},    {"copy", "Copy", kFiles, {}, "", "", {}, nullptr},
-    {"control", "Show", kMaybe, {}, "", "", {}, nullptr},  {"control set", "Set", kPath, {}, "", "", {}, nullptr},
-    {"wifi name", "Name", kPath, {}, "", "", {}, nullptr}, {"wifi off", "Off", {}, {}, "", "", {}, nullptr},
+    {"get", "Fetch", kPath, kOwn, "", "", {}, nullptr},
+    {"copy", "Copy", kFiles, {}, "", "", {}, nullptr},
+    {"control", "Show", kMaybe, {}, "", "", {}, nullptr, false, {}, "control get"},
+    {"control set", "Set", kPath, {}, "", "", {}, nullptr},
+    {"wifi name", "Name", kPath, {}, "", "", {}, nullptr},
+    {"wifi off", "Off", {}, {}, "", "", {}, nullptr},
 };
 
 constexpr Option kCommon[] = {{"serial", 's', "SERIAL", "The camera."}, kJsonOption, kQuietOption, kHelpOption};
@@ -78,6 +81,13 @@ TEST(ParseTest, ANameOfTwoWordsGoesBeforeItsFirstWord) {
   const Invocation call = ParseWords({"control", "3"});
   EXPECT_EQ(call.verb->name, "control");
   EXPECT_THAT(call.words, ElementsAre("3"));
+}
+
+TEST(ParseTest, ASecondNameIsTheSameVerbAndIsKept) {
+  const Invocation call = ParseWords({"control", "get", "3"});
+  EXPECT_EQ(call.verb->name, "control");
+  EXPECT_EQ(call.Name(), "control get");
+  EXPECT_EQ(ParseWords({"control"}).Name(), "control");
 }
 
 TEST(ParseTest, HalfANameSaysWhatIsMissing) {

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "apps/commandline/Output.h"
-#include "apps/commandline/Schema.h"
 #include "base/SendAll.h"
 
 namespace apps {

@@ -11,6 +11,10 @@
 
 namespace apps {
 
+/// The version of everything that --json prints, described in docs/json.md. New members keep the number; a member that
+/// goes or changes its meaning makes a new one.
+inline constexpr int kJsonSchema = 1;
+
 /// How messages are given.
 struct ReportStyle {
   bool json = false;      ///< one JSON object a line

@@ -18,10 +18,6 @@ bool Mentions(std::span<const char* const> arguments, std::string_view option) {
   return false;
 }
 
-std::string_view NameOf(const Invocation& call) {
-  return call.verb == nullptr ? "" : call.verb->name;
-}
-
 ExitCode RunVerb(const Invocation& call, Output& out, Reporter& reporter, StdoutDiversion& diversion) {
   if (const auto text = Answer(call)) return GiveText(out, reporter.Style(), call, *text);
   const Stop never;
@@ -42,7 +38,7 @@ std::optional<std::string> Answer(const Invocation& call) {
 }
 
 ExitCode GiveText(Output& out, const ReportStyle& style, const Invocation& call, const std::string& text) {
-  out.Add(style.json ? ResultLine(NameOf(call), ExitCode::kDone, Json::Object().Set("text", text)) : text);
+  out.Add(style.json ? ResultLine(call.Name(), ExitCode::kDone, Json::Object().Set("text", text)) : text);
   out.Flush();
   return ExitCode::kDone;
 }
@@ -55,7 +51,7 @@ ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, cons
   reporter.Error(outcome.sentence, outcome.code);
   if (reporter.Style().json && out.TakeEnd()) {
     try {
-      out.Add(ResultLine(NameOf(call), outcome.code, ErrorMembers(outcome)));
+      out.Add(ResultLine(call.Name(), outcome.code, ErrorMembers(outcome)));
       out.Flush();
     } catch (const Failure&) {
       // Standard output is what failed; standard error has said it.

@@ -100,12 +100,6 @@ void TakeOverSignals() {
   std::signal(SIGPIPE, SIG_IGN);
 }
 
-void GiveBackSignals() {
-  const sigset_t set = EndingSignals();
-  std::signal(SIGPIPE, SIG_DFL);
-  ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
-}
-
 ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Supervision& supervision,
                    Reporter& reporter) {
   const sigset_t set = EndingSignals();

@@ -15,12 +15,6 @@ namespace apps {
 /// Blocks the signals that end the tool (SIGINT, SIGTERM, SIGHUP) in this thread and all that it starts, and ignores
 /// SIGPIPE. Call it before the first thread starts.
 void TakeOverSignals();
-/// What a child process has to undo before it becomes another program.
-void GiveBackSignals();
-
-/// Has an abort (an assertion of the library about the camera's answers) remove the temporary files, write `lastWord` to
-/// standard error and `lastResult` to `resultFd`, and end the process with exit status 1. The texts are copied now.
-void CatchAborts(const std::string& lastWord, const std::string& lastResult, int resultFd);
 
 /// What ends a command early.
 struct Supervision {

@@ -46,12 +46,13 @@ struct Verb {
   std::string_view summary;  ///< one line, without a full stop
   std::span<const Argument> arguments;
   std::span<const Option> options;
-  std::string_view details;  ///< paragraphs separated by an empty line
+  std::string_view details;  ///< paragraphs separated by an empty line; lines may end anywhere
   std::string_view json;     ///< the members of the result, one for each line: "name: meaning"
   std::span<const Example> examples;
   ExitCode (*run)(Context&);
   bool guarded = false;               ///< an abort in one item does not end the whole; see Guard
   std::string_view guardedWith = {};  ///< for verbs that are guarded with one option only: that option
+  std::string_view alias = {};        ///< a second name, accepted but not listed
 };
 
 }  // namespace apps

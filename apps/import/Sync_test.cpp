@@ -3,12 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "apps/camera/testing/FakeCamera.h"
+#include "apps/commandline/testing/SilentContext.h"
 #include "apps/import/testing/SyncTest.h"
 
 namespace apps {
 namespace {
 
-class SyncTest : public SyncFolderTest {
+class SyncTest : public SyncFolderTest, protected SilentContext {
  protected:
   SyncTest() {
     camera_.folder = "I:\\DCIM\\100ABCDE";
@@ -23,12 +24,6 @@ class SyncTest : public SyncFolderTest {
   }
 
   FakeCamera camera_;
-  Invocation call_;
-  Output out_{-1};
-  Reporter reporter_{"kelva", -1, {}};
-  Stop stop_;
-  StdoutDiversion diversion_;
-  Context context_{call_, out_, reporter_, stop_, diversion_};
 };
 
 TEST_F(SyncTest, NewFilesAreReadOnceAndKnownOnesNotAtAll) {

@@ -9,6 +9,7 @@
 
 #include "apps/camera/Attached.h"
 #include "apps/camera/Explain.h"
+#include "apps/commandline/Aborts.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -64,8 +65,6 @@ class Tool {
   }
 
  private:
-  std::string_view Name() const { return call_.verb == nullptr ? "" : call_.verb->name; }
-
   ExitCode Dispatch() {
     if (const auto text = Answer(call_)) return GiveText(out_, reporter_.Style(), call_, *text);
     Supervision supervision;
@@ -92,14 +91,14 @@ class Tool {
     pollfd ready{diversion_.Real(), POLLOUT, 0};
     constexpr int kPatienceMs = 100;
     if (::poll(&ready, 1, kPatienceMs) != 1) return;
-    base::WriteAll(diversion_.Real(), ResultLine(Name(), outcome.code, ErrorMembers(outcome)));
+    base::WriteAll(diversion_.Real(), ResultLine(call_.Name(), outcome.code, ErrorMembers(outcome)));
   }
 
   void PrepareForAborts() {
     const bool json = reporter_.Style().json;
     const Outcome outcome{ExitCode::kFailed, std::string(kAbortSentence)};
     CatchAborts(reporter_.Line(outcome.sentence, outcome.code),
-                json ? ResultLine(Name(), outcome.code, ErrorMembers(outcome)) : "", diversion_.Real());
+                json ? ResultLine(call_.Name(), outcome.code, ErrorMembers(outcome)) : "", diversion_.Real());
   }
 
   // On the worker's thread.
@@ -108,7 +107,7 @@ class Tool {
     context.guard = guard;
     context.holdersOf = [this](const std::string& serial) { return HoldersInWords(call_.Value("virtual"), serial); };
     try {
-      if (FindVerb(HelpVerbs(), Name()) == nullptr) ChooseSource();
+      if (FindVerb(HelpVerbs(), call_.Name()) == nullptr) ChooseSource();
       return call_.verb->run(context);
     } catch (const std::exception& error) {
       return GiveError(reporter_, out_, call_, Explain(error, context.WasDoing()));

@@ -47,34 +47,26 @@ constexpr Argument kSet[] = {{"N", "The number of the control, 0 to 255."}, {"VA
 constexpr std::string_view kMembers =
     "first, second, sixth: whole numbers of the camera\nthird, fourth, fifth: numbers of the camera";
 
-constexpr Example kShowExamples[] = {{"kelva control", "Show them."}};
-constexpr Example kGetExamples[] = {{"kelva control get --json", "Show them to a script."}};
+constexpr Example kGetExamples[] = {{"kelva control", "Show them."},
+                                    {"kelva control --json", "Show them to a script."}};
 constexpr Example kSetExamples[] = {{"kelva control set 3 0.5", "Send the command for control 3."}};
 
 constexpr Verb kVerbs[] = {
-    {"control",
-     "Show the manual controls",
-     {},
-     {},
-     "The same as `kelva control get`.",
-     kMembers,
-     kShowExamples,
-     RunGet},
-    {"control get",
-     "Show the manual controls",
-     {},
-     {},
-     "Six numbers whose meaning is the camera's.",
-     kMembers,
-     kGetExamples,
-     RunGet},
+    {.name = "control",
+     .summary = "Show the manual controls",
+     .arguments = {},
+     .options = {},
+     .details = "Six numbers, whose meaning the camera defines. `kelva control get` is the same command.",
+     .json = kMembers,
+     .examples = kGetExamples,
+     .run = RunGet,
+     .alias = "control get"},
     {"control set",
      "Set a manual control",
      kSet,
      {},
-     "The command has no data phase, so the camera learns the number of the control and not the value; the tool says "
-     "so and "
-     "ends with exit status 0.",
+     R"(The command has no data phase: the camera learns the number of the control, but not the value. The tool says so and
+ends with exit status 0.)",
      "control: its number\ntext_sent: always false",
      kSetExamples,
      RunSet},

@@ -22,9 +22,9 @@ std::span<const Verb> GetVerbs();      ///< get
 std::span<const Verb> ChangeVerbs();   ///< put, rm
 std::span<const Verb> KeyVerbs();      ///< batch get, batch rm, raw
 std::span<const Verb> WifiVerbs();     ///< wifi name, wifi passphrase, wifi auth, wifi off
-std::span<const Verb> ControlVerbs();  ///< control, control get, control set
-std::span<const Verb> MonitorVerbs();  ///< monitor
+std::span<const Verb> ControlVerbs();  ///< control, control set
 std::span<const Verb> ConsoleVerbs();  ///< console
+std::span<const Verb> MonitorVerbs();  ///< monitor
 std::span<const Verb> BundleVerbs();   ///< crash-logs, calibration
 std::span<const Verb> UpgradeVerbs();  ///< upgrade
 std::span<const Verb> ReportVerbs();   ///< report

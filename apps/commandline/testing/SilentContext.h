@@ -1,11 +1,11 @@
-#ifndef KELVA_APPS_COMMANDLINE_SILENT_CONTEXT_H_
-#define KELVA_APPS_COMMANDLINE_SILENT_CONTEXT_H_
+#ifndef KELVA_APPS_COMMANDLINE_TESTING_SILENT_CONTEXT_H_
+#define KELVA_APPS_COMMANDLINE_TESTING_SILENT_CONTEXT_H_
 
 #include "apps/commandline/Context.h"
 
 namespace apps {
 
-/// For tests: what a command works with, where nobody listens.
+/// What a command works with, where nobody listens. A fixture derives from it.
 struct SilentContext {
   Invocation call_;
   Output out_{-1};
@@ -17,4 +17,4 @@ struct SilentContext {
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_COMMANDLINE_SILENT_CONTEXT_H_
+#endif  // KELVA_APPS_COMMANDLINE_TESTING_SILENT_CONTEXT_H_
