@@ -97,7 +97,7 @@ constexpr Verb kVerbs[] = {
      kCompletionExamples,
      RunCompletion},
     {"manual", "Print a manual page", kCommand, kManualOptions,
-     "Prints the page of the program or of one command in troff form; packages install them all.",
+     "Prints the page of the program or of one command in troff form. Packages install all of them.",
      "text: the page\nfolder: where all pages were written, with --into\nfiles: how many", kManualExamples, RunManual},
     {"help",
      "Say how the commands are used",

@@ -53,13 +53,25 @@ std::string Examples(const Program& program, const Verb& verb) {
   return text;
 }
 
+// Without the blanks that begin a line: troff would break the paragraph there.
+std::string Joined(std::string_view text) {
+  std::string out;
+  for (const char c : text) {
+    if (c != ' ' || !out.ends_with('\n')) out += c;
+  }
+  return out;
+}
+
+// "name: meaning" a line; a line that begins with a blank goes on with the meaning before it.
 std::string JsonMembers(const Verb& verb) {
   std::string text;
   for (std::string_view rest = verb.json; !rest.empty();) {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    std::size_t end = rest.find('\n');
+    while (end < rest.size() - 1 && rest[end + 1] == ' ') end = rest.find('\n', end + 1);
+    end = std::min(end, rest.size());
     const std::string_view line = rest.substr(0, end);
     const std::size_t colon = std::min(line.find(": "), line.size());
-    text += Item(Troff(line.substr(0, colon)), line.substr(std::min(colon + 2, line.size())));
+    text += Item(Troff(line.substr(0, colon)), Joined(line.substr(std::min(colon + 2, line.size()))));
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
   return text;

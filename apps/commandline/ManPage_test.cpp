@@ -12,7 +12,8 @@ using testing::StartsWith;
 constexpr Argument kArguments[] = {{"PATH", "A file."}};
 constexpr Option kOptions[] = {{"output", 'o', "FILE", "Where to."}};
 constexpr Example kExamples[] = {{"PROGRAM wifi name X", "Name it X."}};
-constexpr Verb kName = {"wifi name", "Name it", kArguments, kOptions, "One.\n\n.Two.", "ssid: the name\nlength: of it",
+constexpr Verb kName = {"wifi name", "Name it",       kArguments,
+                        kOptions,    "One.\n\n.Two.", "ssid: the name,\n  all of it\nlength: of it",
                         kExamples,   nullptr};
 constexpr Variable kEnvironment[] = {{"KELVA_SERIAL", "The camera."}};
 constexpr Program kTool = {"to-ol", "1.2.3", "What it does", "", std::span(&kName, 1), {}, kExitCodes, kEnvironment};
@@ -24,7 +25,7 @@ TEST(ManPageTest, APageHasAllThatTheTableSays) {
   EXPECT_THAT(page, HasSubstr(".B to\\-ol wifi name [OPTIONS] PATH\n"));
   EXPECT_THAT(page, HasSubstr("One.\n.PP\n\\&.Two.\n"));
   EXPECT_THAT(page, HasSubstr(".TP\n.B \\-o, \\-\\-output FILE\nWhere to.\n"));
-  EXPECT_THAT(page, HasSubstr(".SH JSON RESULT\n.TP\n.B ssid\nthe name\n.TP\n.B length\nof it\n"));
+  EXPECT_THAT(page, HasSubstr(".SH JSON RESULT\n.TP\n.B ssid\nthe name,\nall of it\n.TP\n.B length\nof it\n"));
   EXPECT_THAT(page, HasSubstr(".TP\n.B to\\-ol wifi name X\nName it X.\n"));
 }
 

@@ -14,14 +14,13 @@ namespace {
 
 constexpr int kVersion = 1;
 
-constexpr const char* kSchema =
-    "CREATE TABLE IF NOT EXISTS files("
-    "serial TEXT NOT NULL, picture TEXT NOT NULL, type INTEGER NOT NULL, fingerprint TEXT NOT NULL,"
-    "path TEXT NOT NULL, sha1 TEXT NOT NULL, size INTEGER NOT NULL, verified INTEGER NOT NULL, deleted INTEGER NOT "
-    "NULL,"
-    "stored TEXT NOT NULL DEFAULT (strftime('%Y-%m-%dT%H:%M:%SZ','now')),"
-    "PRIMARY KEY(serial, picture, type, fingerprint)) WITHOUT ROWID;"
-    "PRAGMA user_version=1;";
+constexpr const char* kSchema = R"(
+  CREATE TABLE IF NOT EXISTS files(
+    serial TEXT NOT NULL, picture TEXT NOT NULL, type INTEGER NOT NULL, fingerprint TEXT NOT NULL,
+    path TEXT NOT NULL, sha1 TEXT NOT NULL, size INTEGER NOT NULL, verified INTEGER NOT NULL, deleted INTEGER NOT NULL,
+    stored TEXT NOT NULL DEFAULT (strftime('%Y-%m-%dT%H:%M:%SZ','now')),
+    PRIMARY KEY(serial, picture, type, fingerprint)) WITHOUT ROWID;
+  PRAGMA user_version=1;)";
 
 bool IsLink(const TargetFolder& folder, const std::string& name) {
   struct stat status {};

@@ -82,7 +82,8 @@ ExitCode RunCalibration(Context& context) {
   return each.Finish(CameraResult(camera));
 }
 
-constexpr Option kInto{"into", 'd', "FOLDER", "Write into this folder, made if need be, instead of the current one.",
+constexpr Option kInto{"into", 'd', "FOLDER",
+                       "Write into this folder instead of the current one; it is created if it does not exist.",
                        Offer::kFolder};
 constexpr Option kCrashOptions[] = {
     kInto, {"delete", 0, "", "Delete each log on the camera once it is on this computer's disk."}};
@@ -96,18 +97,17 @@ constexpr Verb kVerbs[] = {
      "Fetch the camera's crash logs",
      {},
      kCrashOptions,
-     "All logs come in one bundle and are kept on the camera unless --delete is given. A file that holds the same is "
-     "not "
-     "written again; another one of the same name is left as it is, and the new one gets a number.",
-     "logs: array of name, file, size, new, and with --delete deleted; or of path and error\nfailed: how many were not "
-     "stored",
+     R"(All logs come in one bundle. They stay on the camera unless you give --delete. A log that is in the folder
+already is not written again. An existing file with other content is kept, and the new log gets a number.)",
+     R"(logs: array of name, file, size, new, and with --delete deleted; or of path and error
+failed: how many were not stored)",
      kCrashExamples,
      RunCrashLogs},
     {"calibration",
      "Fetch the camera's calibration files",
      {},
      kCalibrationOptions,
-     "At most 31 files, in one bundle.",
+     "The camera sends at most 31 files, in one bundle.",
      "files: array of name, file, size, new; or of path and error\nfailed: how many were not stored",
      kCalibrationExamples,
      RunCalibration},

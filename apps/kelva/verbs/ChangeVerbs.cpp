@@ -75,26 +75,24 @@ ExitCode RunRm(Context& context) {
 }
 
 constexpr Argument kPutArguments[] = {{"FILE", "A file of this computer.", Argument::Count::kOne, Offer::kFile},
-                                      {"PATH", "Where to on the camera; a folder takes the file's own name."}};
-constexpr Option kPutOptions[] = {{"force", 'f', "", "Replace a file that is on the camera already."}};
+                                      {"PATH", "The target on the camera; in a folder the file keeps its name."}};
+constexpr Option kPutOptions[] = {{"force", 'f', "", "Replace an existing file on the camera."}};
 constexpr Example kPutExamples[] = {{"kelva put settings.txt I:/MISC/", "Send a file and check that it arrived."}};
 constexpr Argument kRmArguments[] = {{"PATH", "A file on the camera.", Argument::Count::kOneOrMore}};
 constexpr Example kRmExamples[] = {{"kelva rm I:/DCIM/100ABCDE/IMG_0001.JPG", "Delete one file."}};
 
 constexpr Verb kVerbs[] = {
     {"put", "Send a file to the camera", kPutArguments, kPutOptions,
-     "Writing reports nothing by itself, so the file is read back afterwards and compared with what was sent. A file "
-     "that "
-     "is on the camera already is left as it is, unless --force is given. Ctrl-C and an error remove the unfinished "
-     "file from the "
-     "camera. Files of 2 GiB and more cannot be sent; one file needs memory of twice its size.",
+     R"(The camera does not confirm what it writes, so the file is read back and compared. An existing file on the
+camera is kept unless you give --force. After Ctrl-C or an error the unfinished file is deleted from the camera. Files
+of 2 GiB and more cannot be sent. A file needs memory of twice its size.)",
      "file: of this computer\npath: on the camera\nsize: bytes", kPutExamples, RunPut},
     {"rm",
      "Delete files on the camera",
      kRmArguments,
      {},
-     "The listing of the folder is asked before, so a file that is not there is an error, and after, so a file that "
-     "stayed is one too. Pictures with all their files are deleted with `kelva pictures rm`.",
+     R"(Reads the folder's listing before and after: a file that is not there, or that stays, is an error. `kelva
+pictures rm` deletes a picture with all its files.)",
      "files: array of path, or of path and error\nfailed: how many were not deleted",
      kRmExamples,
      RunRm},

@@ -92,14 +92,16 @@ constexpr Verb kVerbs[] = {
      "Show or set the camera's clock",
      {},
      kOptions,
-     "A camera keeps a time without a zone. This tool takes it as UTC unless --zone local is given, both for showing "
-     "and "
-     "for setting, and says so beside the time.\n\nThe record of 14 bytes is the camera's own; its layout here, seven "
-     "little-endian 16-bit numbers from year to millisecond, is this project's. A record that is no time in this "
-     "layout is "
-     "shown as it came. After setting, the clock is read back and shown.",
-     "time: text without a zone, null when the record is in no known layout\nzone: utc or local, how it was read\n"
-     "seconds_ahead: how far the camera is ahead of this computer\nrecord: the 14 bytes in hexadecimal",
+     R"(The camera's clock has no time zone. The tool takes it as UTC, or as local time with --zone local, both to
+show and to set it, and prints the zone beside the time.
+
+The camera sends a record of 14 bytes, read here as seven little-endian 16-bit numbers from year to millisecond. A
+record that is not a valid time in this layout is shown in hexadecimal. After setting, the clock is read back and
+shown.)",
+     R"(time: text without a zone; null if the record is not a valid time
+zone: utc or local, as the time was read
+seconds_ahead: how far the camera is ahead of this computer
+record: the 14 bytes in hexadecimal)",
      kExamples,
      RunTime}};
 

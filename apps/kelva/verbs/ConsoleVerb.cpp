@@ -44,22 +44,22 @@ ExitCode RunConsole(Context& context) {
   return ExitCode::kDone;
 }
 
-constexpr Option kOptions[] = {{"follow", 'f', "", "Go on with what the camera logs from now on, until Ctrl-C."}};
+constexpr Option kOptions[] = {{"follow", 'f', "", "Go on showing what the camera logs, until Ctrl-C."}};
 constexpr Example kExamples[] = {
     {"kelva console > camera.log", "Keep the log."},
     {"kelva console --follow", "Watch it."},
 };
 
-constexpr Verb kVerbs[] = {{"console",
-                            "Show the camera's console log",
-                            {},
-                            kOptions,
-                            "The camera hands its log over once: what was shown is gone from it. On a terminal, "
-                            "control characters of the log are "
-                            "shown as \\xNN; into a file or a pipe it goes as it came.",
-                            "events, one object a line: console (text, a piece of the log)",
-                            kExamples,
-                            RunConsole}};
+constexpr Verb kVerbs[] = {
+    {"console",
+     "Show the camera's console log",
+     {},
+     kOptions,
+     R"(The camera hands over its log only once: what was shown is gone from the camera. On a terminal, control
+characters of the log are shown as \xNN; into a file or a pipe the log goes unchanged.)",
+     "events, one object a line: console (text, a piece of the log)",
+     kExamples,
+     RunConsole}};
 
 }  // namespace
 

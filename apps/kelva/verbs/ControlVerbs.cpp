@@ -65,8 +65,8 @@ constexpr Verb kVerbs[] = {
      "Set a manual control",
      kSet,
      {},
-     R"(The command has no data phase: the camera learns the number of the control, but not the value. The tool says so and
-ends with exit status 0.)",
+     R"(The command has no data phase: the camera learns the number of the control, but not the value. The tool says
+so and ends with exit status 0.)",
      "control: its number\ntext_sent: always false",
      kSetExamples,
      RunSet},

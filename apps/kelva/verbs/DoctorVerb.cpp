@@ -50,14 +50,14 @@ constexpr Example kExamples[] = {{"kelva doctor", "Why does my camera not show u
 
 constexpr Verb kVerbs[] = {
     {"doctor",
-     "Find out what is in the way of a camera",
+     "Find out why a camera does not work",
      {},
      {},
-     "Looks from the cable upwards: is a camera there, has a driver taken it, is there a node for it, may this user "
-     "use the "
-     "node, does another program hold it, does it answer. The first thing that is wrong is said in one sentence, with "
-     "the "
-     "command that mends it where there is one.\n\nExit status 0 when nothing is in the way, otherwise 1.",
+     R"(Checks from the cable upwards. Is a camera there? Has a driver taken it? Does it have a device node? May
+this user use the node? Does another program hold it? Does it answer? The first problem is reported in one sentence,
+with the command that solves it where there is one.
+
+The exit status is 0 if there is no problem, otherwise 1.)",
      "findings: array of condition (a word), harmless, serial, sentence, command, advice",
      kExamples,
      RunDoctor}};

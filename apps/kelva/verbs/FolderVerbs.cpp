@@ -138,19 +138,20 @@ constexpr Verb kVerbs[] = {
      "List a folder of the camera",
      kPath,
      {},
-     "One line for each entry: attributes (d folder, r read-only, h hidden, s system, a archive), size in bytes, name, "
-     "in "
-     "the camera's order. Control characters in a name are shown as \\xNN.",
+     R"(One line for each entry, in the camera's order: attributes (d folder, r read-only, h hidden, s system, a
+archive), size in bytes, name. Control characters in a name are shown as \xNN.)",
      "path: the folder\nentries: array of name, type (file or folder), size, attributes (FAT bits)",
      kLsExamples,
      RunLs},
     {"tree",
-     "Show a folder of the camera with all that is below it",
+     "Show a folder of the camera with everything below it",
      kPath,
      {},
-     "The camera is asked for one listing after another, so a large tree takes a while.",
-     "path: the folder\nfiles: their number\nbytes: their size together\nentries: array of path, name, type, size, "
-     "attributes",
+     "Asks the camera for one folder after another, so a large tree takes a while.",
+     R"(path: the folder
+files: how many
+bytes: their total size
+entries: array of path, name, type, size, attributes)",
      kTreeExamples,
      RunTree},
 };

@@ -106,11 +106,11 @@ ExitCode RunGet(Context& context) {
 }
 
 constexpr Argument kArguments[] = {
-    {"PATH", "A file on the camera; forward slashes will do.", Argument::Count::kOneOrMore}};
+    {"PATH", "A file on the camera; you may write / for \\.", Argument::Count::kOneOrMore}};
 constexpr Option kOptions[] = {
     {"output", 'o', "FILE", "Write into this file; - is standard output.", Offer::kFile},
     {"into", 'd', "FOLDER", "Write into this folder instead of the current one.", Offer::kFolder},
-    {"force", 'f', "", "Replace a file that is there already."},
+    {"force", 'f', "", "Replace an existing file."},
 };
 constexpr Example kExamples[] = {
     {"kelva get I:/DCIM/100ABCDE/IMG_0001.JPG", "Fetch a picture into the current folder."},
@@ -119,16 +119,15 @@ constexpr Example kExamples[] = {
 
 constexpr Verb kVerbs[] = {
     {"get", "Fetch files from the camera", kArguments, kOptions,
-     "Each file is written under a temporary name in the target folder, flushed to disk, and gets its name only when "
-     "it is "
-     "whole; whatever happens before that leaves nothing behind. A file that is there already is left as it is, unless "
-     "--force is given. A name that would not be sound here (control characters, a slash, a dot at the start) is "
-     "written "
-     "with %XX in place of those bytes.\n\nThe listing of the folder tells an empty file from a missing one. A file "
-     "comes in "
-     "one piece, so memory of its size is needed while it is fetched.",
-     "serial: of the camera\nfiles: array of path, file (where it was written), size, or path and error\n"
-     "failed: how many were not fetched",
+     R"(Each file is written under a temporary name in the target folder and flushed to disk. It gets its name only
+when it is whole, so an interrupted command leaves nothing behind. An existing file is kept unless you give --force.
+Bytes of a name that are not safe here (control characters, a slash, a dot at the start) are written as %XX.
+
+The folder's listing tells an empty file from a missing one. A file arrives in one piece, so memory of its size is
+needed.)",
+     R"(serial: of the camera
+files: array of path, file (where it was written), size; or of path and error
+failed: how many were not fetched)",
      kExamples, RunGet}};
 
 }  // namespace

@@ -37,18 +37,18 @@ ExitCode RunInfo(Context& context) {
 
 constexpr Example kExamples[] = {{"kelva info", "Show model, revision and firmware."}};
 
-constexpr Verb kVerbs[] = {{"info",
-                            "Show what the camera says of itself",
-                            {},
-                            {},
-                            "The record is the camera's own: texts one after another. Their names here are those of "
-                            "this project's cameras; texts "
-                            "beyond these have a number.",
-                            "texts: array of name (empty when not known) and text\nlast: the number behind the "
-                            "record\nrecord: its 640 bytes in "
-                            "hexadecimal",
-                            kExamples,
-                            RunInfo}};
+constexpr Verb kVerbs[] = {
+    {"info",
+     "Show what the camera says about itself",
+     {},
+     {},
+     R"(The camera sends a record of texts, one after another. The first ones are shown with the names that this
+tool knows, the others with their number.)",
+     R"(texts: array of name (empty if not known) and text
+last: the number after the record
+record: its 640 bytes in hexadecimal)",
+     kExamples,
+     RunInfo}};
 
 }  // namespace
 

@@ -7,7 +7,7 @@ namespace apps {
 namespace {
 
 constexpr Option kOptions[] = {
-    {"serial", 's', "SERIAL", "The camera with this USB serial number; KELVA_SERIAL says it for all commands.",
+    {"serial", 's', "SERIAL", "The camera with this USB serial number; KELVA_SERIAL sets it for all commands.",
      Offer::kSerial},
     {.name = "virtual",
      .letter = 0,
@@ -22,18 +22,22 @@ constexpr Option kOptions[] = {
 };
 
 constexpr Variable kEnvironment[] = {
-    {"KELVA_SERIAL", "The camera to use when --serial is not given."},
-    {"NO_COLOR", "Set to anything: no colours."},
-    {"TERM", "With \"dumb\", no progress bars either."},
+    {"KELVA_SERIAL", "The camera to use without --serial."},
+    {"NO_COLOR", "If set to anything, there are no colours."},
+    {"TERM", "If it is \"dumb\", there are no colours and no progress bars."},
 };
 
-// One line is one paragraph.
 constexpr std::string_view kDescription =
-    R"(kelva does with a Kelva camera everything that the camera can do. Each command opens the camera, does its work and closes it again.
+    R"(kelva does everything that a Kelva camera can do. Each command opens the camera, does its work and closes
+the camera again.
 
-Results go to standard output, messages and progress to standard error. With --json the result is one JSON document (commands that report events give one object a line), whose form is stable and carries the number of its schema; the text form is for people and may change. Names and texts from a camera are shown with \xNN in place of bytes that a terminal would obey.
+Results go to standard output, messages and progress to standard error. With --json the result is one JSON document;
+commands that report events print one object a line. The form of the JSON is stable and carries the number of its
+schema. The text form is for people and may change. Names and texts from a camera are shown with \xNN in place of
+bytes that a terminal would obey.
 
-With one camera attached no choice is needed. With several, --serial or KELVA_SERIAL chooses; a number that is not attached is an error, and never another camera.)";
+With one camera attached you need not choose. With several, choose one with --serial or KELVA_SERIAL. If no camera
+with that number is attached, the command fails; it never takes another camera.)";
 
 std::span<const Verb> AllVerbs() {
   static const std::vector<Verb> all = [] {

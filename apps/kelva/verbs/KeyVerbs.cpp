@@ -117,7 +117,7 @@ ExitCode RunRaw(Context& context) {
   return ExitCode::kDone;
 }
 
-constexpr Argument kKeys[] = {{"KEY", "A file's SHA-1, 40 hexadecimal digits; KEY.RAW is another file of its picture.",
+constexpr Argument kKeys[] = {{"KEY", "A file's SHA-1, 40 hexadecimal digits; KEY.RAW is the raw file of its picture.",
                                Argument::Count::kOneOrMore}};
 constexpr Argument kPlainKeys[] = {{"KEY", "A file's SHA-1, 40 hexadecimal digits.", Argument::Count::kOneOrMore}};
 constexpr Argument kKey[] = {{"KEY", "The picture's SHA-1, 40 hexadecimal digits."}};
@@ -132,23 +132,21 @@ constexpr Example kRawExamples[] = {{"kelva raw a9993e364706816aba3e25717850c26c
 
 constexpr Verb kVerbs[] = {
     {"batch get", "Fetch files by their SHA-1", kKeys, kInto,
-     "What arrives is checked against its key before it is stored. A file of the same name that holds something else "
-     "is "
-     "left as it is, and the new one gets a number.",
+     R"(What arrives is checked against its key before it is stored. An existing file with other content is kept,
+and the new file gets a number.)",
      "files: array of key, qualifier, file, size, sha1, or of path and error\nfailed: how many were not fetched",
      kGetExamples, RunBatchGet},
     {"batch rm",
      "Delete files by their SHA-1",
      kPlainKeys,
      {},
-     "All keys travel in one command, and the camera reports nothing of each: `kelva pictures` shows what is left.",
+     "Sends all keys in one command. The camera does not report each file; `kelva pictures` shows what is left.",
      "keys: how many were sent",
      kRmExamples,
      RunBatchRm},
     {"raw", "Fetch the compressed raw data of a picture", kKey, kInto,
-     "The data has up to two parts, stored as KEY.raw1 and KEY.raw2. A part that is empty is not there; one alone is "
-     "stored "
-     "as KEY.raw, because the camera does not say which of the two it is.",
+     R"(The data has up to two parts, stored as KEY.raw1 and KEY.raw2; an empty part is left out. A single part is
+stored as KEY.raw, because the camera does not say which of the two it is.)",
      "key: of the picture\nparts: array of file and size", kRawExamples, RunRaw},
 };
 

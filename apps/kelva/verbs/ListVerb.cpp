@@ -70,14 +70,14 @@ constexpr Verb kVerbs[] = {
      "Show the cameras that are attached",
      {},
      {},
-     "Looks at the system's register of devices and opens no camera, so it works while another program uses one. No "
-     "camera at all is an empty list and no error; with --serial (or KELVA_SERIAL) only that camera is shown, and it "
-     "is an error when it is not there.\n\nThe driver is that of the two kernel drivers which serves the "
-     "camera: com_kelva_Glimmer, or com_kelva_Glimmer_ms where the system also sees a disk in the camera. Commands "
-     "work "
-     "with both.",
-     "cameras: array of serial, vendor, product, revision, driver, expected_driver\n"
-     "unusable: cameras that the system took for compact-disc drives",
+     R"(Reads the system's device registry and opens no camera, so it also works while another program uses a
+camera. If no camera is attached, the list is empty and the exit status is 0. With --serial or KELVA_SERIAL only that
+camera is shown; if it is not attached, that is an error.
+
+DRIVER is the kernel driver that serves the camera: com_kelva_Glimmer, or com_kelva_Glimmer_ms where the system also
+sees a disk in the camera. All commands work with both.)",
+     R"(cameras: array of serial, vendor, product, revision, driver, expected_driver
+unusable: how many cameras the system took for CD drives)",
      kExamples,
      RunList}};
 

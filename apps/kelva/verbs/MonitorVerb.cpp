@@ -15,23 +15,23 @@ ExitCode RunMonitor(Context& context) {
   if (!taken) {
     // The library keeps the reason of this one command to itself.
     throw Failure(ExitCode::kRefused,
-                  "The camera did not take the line; `kelva list` shows whether it is still there, and `kelva console` "
-                  "what it says about it.");
+                  "The camera did not accept the line; `kelva list` shows whether it is still attached, and `kelva "
+                  "console` what it reports.");
   }
   context.Result(CameraResult(camera), "");
   return ExitCode::kDone;
 }
 
-constexpr Argument kArguments[] = {{"LINE", "What to send; quote it when it has blanks."}};
+constexpr Argument kArguments[] = {{"LINE", "What to send; quote a line with blanks."}};
 constexpr Option kOptions[] = {
     {"char", 'c', "", "Send it as input of single characters instead of as a command line."}};
 constexpr Example kExamples[] = {{"kelva monitor 'log level 3'", "Send a command line."}};
 
-constexpr Verb kVerbs[] = {{"monitor", "Send a line to the camera's command monitor", kArguments, kOptions,
-                            "What the camera answers, if anything, goes to its console log: `kelva console`. A line "
-                            "that was not taken ends with "
-                            "exit status 7, whatever the reason.",
-                            "", kExamples, RunMonitor}};
+constexpr Verb kVerbs[] = {
+    {"monitor", "Send a line to the camera's command monitor", kArguments, kOptions,
+     R"(The camera's answer, if any, goes to its console log; read it with `kelva console`. If the camera does not
+accept the line, the exit status is 7, whatever the reason.)",
+     "", kExamples, RunMonitor}};
 
 }  // namespace
 

@@ -53,11 +53,11 @@ ExitCode RunPicturesRm(Context& context) {
 }
 
 constexpr Argument kName[] = {
-    {"NAME", "A picture, such as IMG_0001; with its folder, 100ABCDE/IMG_0001, where two have the same name.",
+    {"NAME", "A picture, such as IMG_0001. Where two have the same name, add the folder: 100ABCDE/IMG_0001.",
      Argument::Count::kOneOrMore}};
 constexpr Option kOptions[] = {
     {"sheet", 0, "FILE", "Make a contact sheet: an HTML file with a thumbnail of each picture.", Offer::kFile},
-    {"force", 'f', "", "Replace a sheet that is there already."},
+    {"force", 'f', "", "Replace an existing sheet."},
 };
 constexpr Example kRmExamples[] = {{"kelva pictures rm 100ABCDE/IMG_0001", "Delete a picture with all its files."}};
 constexpr Example kExamples[] = {
@@ -72,25 +72,26 @@ constexpr Verb kVerbs[] = {
      "List the camera's picture catalogue, or make a contact sheet of it",
      {},
      kOptions,
-     "The catalogue is one answer of the camera, so this is quick however many pictures there are.\n\n"
-     "With --sheet the pictures are drawn into one HTML file, which needs neither scripts nor a network nor other "
-     "files: "
-     "thumbnails of 400 pixels, upright as the camera was held, with name, time, and the types and sizes of the files. "
-     "A file that is in the sheet's folder, or below it where `kelva sync` puts it, is linked.\n\n"
-     "A camera hands over whole files only, and nothing says what its 128 files hold, so each JPEG file is read as a "
-     "whole; one that `kelva sync` has fetched into the sheet's folder is read there, when its SHA-1 is "
-     "still "
-     "the same. One picture is in memory at a time. A picture that is damaged or missing is reported and gets a "
-     "placeholder, and the rest goes on (exit status 6); so is one of more than 200 million pixels, or 40 million when "
-     "it is progressive. The sheet is written under a temporary name and gets its own "
-     "when it is whole and on disk; a file that is there already is left as it is, unless --force is given.",
-     "pictures: array of folder, name, folder_number, number, types, key and time (null when the catalogue has none), "
-     "and the camera's own value5, value6, value9, block7 and block8 (hexadecimal)\n"
-     "pictures (with --sheet): array of folder, name, time, types, drawn, links (files beside the sheet) and, for a "
-     "picture that is damaged or missing, error\n"
-     "file: the sheet, with --sheet; then also size: its bytes, drawn: thumbnails, fetched: those drawn from files "
-     "beside "
-     "it, without_jpeg: pictures without a JPEG file, failed: pictures that were reported",
+     R"(The camera sends its catalogue in one answer, so this is quick however many pictures there are.
+
+With --sheet the pictures are drawn into one HTML file, which needs no scripts, no network and no other files. It
+shows thumbnails of 400 pixels, upright as the camera was held, with name, time, and the types and sizes of the files.
+A picture links to its file if that is in the sheet's folder, or below it where `kelva sync` puts it.
+
+Each JPEG file is read in full, because a camera sends only whole files. A file that `kelva sync` has fetched into the
+sheet's folder is read from there if its SHA-1 is still the same. One picture is in memory at a time.
+
+A picture that is damaged or missing is reported and gets a placeholder, and the rest goes on (exit status 6). So is a
+picture of more than 200 million pixels, or of 40 million if it is progressive.
+
+The sheet is written under a temporary name, and gets its own name when all of it is on disk. An existing file is kept
+unless you give --force.)",
+     R"(pictures: array of folder, name, folder_number, number, types, key and time (null if the catalogue has none),
+  and the camera's own value5, value6, value9, block7 and block8 (hexadecimal)
+pictures (with --sheet): array of folder, name, time, types, drawn, links (files beside the sheet) and, for a
+  picture that is damaged or missing, error
+file: the sheet, with --sheet; then also size: its bytes, drawn: thumbnails, fetched: those drawn from files
+  beside it, without_jpeg: pictures without a JPEG file, failed: pictures that were reported)",
      kExamples,
      RunPictures,
      true,
@@ -99,7 +100,7 @@ constexpr Verb kVerbs[] = {
      "Delete pictures with all their files",
      kName,
      {},
-     "The catalogue says which pictures there are; all files of a picture go together.",
+     "A picture is deleted with all its files. The catalogue says which pictures there are.",
      "pictures: array of folder and name, or of path and error\nfailed: how many were not deleted",
      kRmExamples,
      RunPicturesRm},

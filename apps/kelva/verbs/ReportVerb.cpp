@@ -134,17 +134,17 @@ ExitCode RunReport(Context& context) {
 }
 
 constexpr Argument kArguments[] = {{"FILE", "The archive to write, a tar file.", Argument::Count::kOne, Offer::kFile}};
-constexpr Example kExamples[] = {{"kelva report camera.tar", "Gather what someone needs who is to help."}};
+constexpr Example kExamples[] = {{"kelva report camera.tar", "Gather what someone who helps you needs."}};
 
 constexpr Verb kVerbs[] = {
     {"report",
-     "Gather what is needed to find a fault into one archive",
+     "Gather what helps to find a fault into one archive",
      kArguments,
      {},
-     "Information, battery and counters of the camera, its console log, crash logs and calibration files, and facts "
-     "about this "
-     "computer. Crash logs stay on the camera; the console log is handed over by the camera once and is in the archive "
-     "afterwards. No pictures and no passphrases are in it. A part that fails is reported, and the rest goes on.",
+     R"(The archive holds the camera's information, battery level and counters, its console log, crash logs and
+calibration files, and facts about this computer. It holds no pictures and no passphrases. Crash logs stay on the
+camera. The camera hands over its console log only once, so afterwards only the archive has it. A part that fails is
+reported, and the rest goes on.)",
      "file: the archive\nfiles: how many are in it",
      kExamples,
      RunReport}};

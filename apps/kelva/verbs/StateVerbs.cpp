@@ -78,7 +78,7 @@ constexpr Example kReadyExamples[] = {
 };
 constexpr Example kBatteryExamples[] = {{"kelva battery -s K1-0042", "The battery of one of several cameras."}};
 constexpr Example kDoneCountExamples[] = {
-    {"kelva done-count; kelva capture; kelva done-count", "See by how many commands a picture moves it."}};
+    {"kelva done-count; kelva capture; kelva done-count", "See how many commands a picture counts for."}};
 constexpr Example kCaptureExamples[] = {{"kelva capture", "Take a picture."}};
 
 constexpr Verb kVerbs[] = {
@@ -86,7 +86,7 @@ constexpr Verb kVerbs[] = {
      "Ask whether the camera is ready",
      {},
      kReadyOptions,
-     "Exit status 0 when it is ready and 1 when it is not, so that a script can ask without reading the answer.",
+     "The exit status is 0 if it is ready and 1 if not, so a script need not read the answer.",
      "ready: true or false",
      kReadyExamples,
      RunReady},
@@ -94,15 +94,15 @@ constexpr Verb kVerbs[] = {
      "Show the battery level",
      {},
      {},
-     "The number is the camera's, in the camera's own unit, which is not the same for all models.",
-     "level: number, null when the camera sends none",
+     "The number is in the camera's own unit, which differs between models.",
+     "level: number; null if the camera sends no valid number",
      kBatteryExamples,
      RunBattery},
     {"done-count",
      "Show how many commands the camera has completed",
      {},
      {},
-     "Two counts around a command tell whether the camera has finished it.",
+     "Compare the counts before and after a command to see whether the camera has finished it.",
      "count: whole number",
      kDoneCountExamples,
      RunDoneCount},
@@ -110,7 +110,8 @@ constexpr Verb kVerbs[] = {
      "Take a picture",
      {},
      {},
-     "Returns as soon as the camera has taken the command; the picture appears in its catalogue when it is stored.",
+     R"(Returns as soon as the camera has accepted the command. The picture appears in the catalogue when it is
+stored.)",
      "",
      kCaptureExamples,
      RunCapture},
@@ -118,10 +119,10 @@ constexpr Verb kVerbs[] = {
      "Restart the camera",
      {},
      kRebootOptions,
-     "The camera goes away and comes back; commands fail with exit status 5 or 3 until then. With --wait the command "
-     "ends when the camera with the same serial number is back and ready, with exit status 8 when --timeout comes "
-     "first, and with 1 when the camera does not restart at all.",
-     "back: true when it was waited for",
+     R"(The camera disappears and comes back; until then commands fail with exit status 5 or 3. With --wait the
+command ends when the camera with the same serial number is back and ready. It ends with exit status 8 if --timeout
+passes first, and with 1 if the camera does not restart at all.)",
+     "back: true with --wait",
      kRebootExamples,
      RunReboot},
 };

@@ -95,16 +95,17 @@ ExitCode RunSync(Context& context) {
 }
 
 constexpr Argument kArguments[] = {
-    {"FOLDER", "Where the pictures go; it is made if need be.", Argument::Count::kOne, Offer::kFolder}};
+    {"FOLDER", "Where the pictures go; it is created if it does not exist.", Argument::Count::kOne, Offer::kFolder}};
 constexpr Option kOptions[] = {
-    {"types", 't', "LIST", "Only these files of each picture: jpg, raw, txt, 128, with commas between.", Offer::kWords,
+    {"types", 't', "LIST", "Only these types of files: jpg, raw, txt, 128, separated by commas.", Offer::kWords,
      "jpg raw txt 128 jpg,raw"},
-    {"pattern", 'p', "PATTERN", "How files are named below FOLDER; {folder}/{name} unless given."},
+    {"pattern", 'p', "PATTERN", "How files are named below FOLDER; the default is {folder}/{name}."},
     {"dry-run", 'n', "",
-     "Show what would be fetched and under which names (a number is added where a file of that name is here already), "
-     "and fetch nothing."},
+     R"(Fetch nothing; show what would be fetched, and under which names. A file whose name is taken here gets a
+number.)"},
     {"verify", 0, "", "Read each new file a second time and compare."},
-    {"delete-after-verify", 0, "", "Delete on the camera each file that was read twice, equal, and is on disk here."},
+    {"delete-after-verify", 0, "",
+     "Delete a file on the camera once it was read twice with the same content and is on disk here."},
 };
 constexpr Example kExamples[] = {
     {"kelva sync ~/Pictures/camera", "Fetch what is new."},
@@ -114,32 +115,33 @@ constexpr Example kExamples[] = {
 
 constexpr Verb kVerbs[] = {
     {"sync", "Fetch all new pictures into a folder", kArguments, kOptions,
-     "The catalogue is read once, and compared with the list of what was fetched before (.kelva-manifest.sqlite in "
-     "FOLDER), so "
-     "only new files are read, and one that you have renamed, moved or deleted here is not fetched again. A picture of "
-     "an old "
-     "name that is another picture is new.\n\n"
-     "Each file is written under a temporary name, flushed, checked against the SHA-1 of the catalogue where that has "
-     "one, and "
-     "only then given its name. Ctrl-C, an unplugged camera or a full disk at any moment leave whole files only; the "
-     "same "
-     "command goes on where it ended. A file that is here already is never overwritten: the same content is "
-     "recognised, "
-     "another content stays and the new file gets a number. Symbolic links in FOLDER are not followed. One bad file is "
-     "reported and the rest goes on (exit status 6).\n\n"
-     "The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}; "
-     "the last "
-     "five are \"undated\" where the catalogue gives no time. Names of a camera cannot add a folder: bytes that are "
-     "not sound "
-     "in a name are written as %XX.\n\n"
-     "A file comes from the camera in one piece, and so does the catalogue with 128 bytes for each picture. Memory is "
-     "needed for these, for two of the largest files at a time, and for 4 MB on their way to the disk.",
-     "events, one object a line: stored (path, file, size, sha1, verified, was_here), failed (path, error), deleted "
-     "(path), "
-     "would_store (path, file)\n"
-     "stored: files, then bytes: their size, already_here: those that were here with the same content\n"
-     "known: files that were fetched by an earlier run\nfailed: files that were not stored or not deleted\n"
-     "deleted: files deleted on the camera\nerror: what ended the run early",
+     R"(Reads the camera's catalogue and compares it with the list of what was fetched before
+(.kelva-manifest.sqlite in FOLDER). Only new files are read. A file that you have renamed, moved or deleted here is
+not fetched again. A different picture that reuses an old name counts as new.
+
+Each file is written under a temporary name, flushed, and checked against the SHA-1 in the catalogue if there is one.
+Only then does it get its name, so Ctrl-C, an unplugged camera or a full disk leave whole files only. Run the same
+command again to fetch the rest.
+
+An existing file is never overwritten. If it has the same content, it is kept and counts as fetched; if not, the new
+file gets a number. Symbolic links in FOLDER are not followed. A file that fails is reported and the rest goes on
+(exit status 6).
+
+The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}. The
+last five are "undated" if the catalogue has no time. A name from the camera cannot add a folder: bytes that are not
+safe in a file name are written as %XX.
+
+A file arrives in one piece, and so does the catalogue with 128 bytes for each picture. Memory is needed for the
+catalogue, for two of the largest files, and for 4 MB on their way to the disk.)",
+     R"(events, one object a line: stored (path, file, size, sha1, verified, was_here), failed (path, error), deleted
+  (path), would_store (path, file)
+stored: how many files were stored
+bytes: their total size
+already_here: how many were in FOLDER already, with the same content
+known: how many were fetched by an earlier run
+failed: how many were not stored or not deleted
+deleted: how many were deleted on the camera
+error: what ended the run early)",
      kExamples, RunSync, true}};
 
 }  // namespace

@@ -123,22 +123,22 @@ ExitCode RunUpgrade(Context& context) {
 
 constexpr Argument kArguments[] = {{"FILE", "The firmware image.", Argument::Count::kOne, Offer::kFile}};
 constexpr Option kOptions[] = {{"yes", 'y', "", "Send it without asking."}};
-constexpr Example kExamples[] = {{"kelva upgrade firmware-2.1.bin", "Look at what would be sent, confirm, and wait."}};
+constexpr Example kExamples[] = {{"kelva upgrade firmware-2.1.bin", "Show what would be sent, confirm, and wait."}};
 
-constexpr Verb kVerbs[] = {{"upgrade", "Give the camera new firmware", kArguments, kOptions,
-                            "Shows size and SHA-1 of the image, the firmware that the camera has and its battery level "
-                            "as the camera gives it, and "
-                            "asks before anything is sent. Then it shows how far sending and writing are, waits for "
-                            "the camera to come back, and "
-                            "says which firmware it now has.\n\nSending is refused by no camera at once: whether an "
-                            "image was accepted is known only "
-                            "when it has been written. Do not unplug the camera meanwhile. Ctrl-C while sending leaves "
-                            "the image incomplete; the "
-                            "camera then keeps its firmware.",
-                            "size: of the image\nsha1: of the image\nbattery: level before, in the camera's own "
-                            "unit\nbefore: firmware\nafter: "
-                            "firmware",
-                            kExamples, RunUpgrade}};
+constexpr Verb kVerbs[] = {
+    {"upgrade", "Give the camera new firmware", kArguments, kOptions,
+     R"(Shows the size and SHA-1 of the image, the camera's firmware and its battery level in the camera's own unit,
+and asks before it sends anything. Then it shows how far sending and writing are, waits until the camera is back, and
+says which firmware it has now.
+
+The camera accepts every image and checks it only when it is written. Do not unplug the camera until then. After
+Ctrl-C while sending, the image is incomplete and the camera keeps its firmware.)",
+     R"(size: of the image
+sha1: of the image
+battery: the level before, in the camera's own unit
+before: the firmware
+after: the firmware)",
+     kExamples, RunUpgrade}};
 
 }  // namespace
 

@@ -41,22 +41,22 @@ ExitCode RunWait(Context& context) {
   return ExitCode::kDone;
 }
 
-constexpr Option kOptions[] = {{"gone", 'g', "", "Wait until it is no longer attached instead."}};
+constexpr Option kOptions[] = {{"gone", 'g', "", "Wait until the camera is no longer attached."}};
 constexpr Example kExamples[] = {
     {"kelva wait --timeout 60 && kelva sync ~/Pictures", "Fetch new pictures as soon as a camera is there."},
-    {"kelva wait --gone -s K1-0042", "Wait until this camera was unplugged."},
+    {"kelva wait --gone -s K1-0042", "Wait until this camera has been unplugged."},
 };
 
-constexpr Verb kVerbs[] = {{"wait",
-                            "Wait until a camera is attached",
-                            {},
-                            kOptions,
-                            "Returns at once when one is there already. Without --serial any camera will do; its "
-                            "serial number is printed. With "
-                            "--timeout the exit status is 8 when none came.",
-                            "serial: of the camera\nattached: false with --gone",
-                            kExamples,
-                            RunWait}};
+constexpr Verb kVerbs[] = {
+    {"wait",
+     "Wait until a camera is attached",
+     {},
+     kOptions,
+     R"(Returns at once if a camera is already attached, and prints its serial number. Without --serial any camera
+will do. If --timeout passes before a camera appears, the exit status is 8.)",
+     "serial: of the camera\nattached: false with --gone",
+     kExamples,
+     RunWait}};
 
 }  // namespace
 

@@ -83,9 +83,9 @@ ExitCode RunWatch(Context& context) {
 
 constexpr Option kOptions[] = {
     {"exec", 'x', "COMMAND",
-     "Run this shell command at each change, with KELVA_EVENT (attached, lost, bad) and "
-     "KELVA_SERIAL set; events wait until it has ended."},
-    {"count", 'n', "N", "End after N events, those of cameras already present included."},
+     R"(Run this shell command at each change, with KELVA_EVENT (attached, lost, bad) and KELVA_SERIAL set. Later
+events wait until it ends.)"},
+    {"count", 'n', "N", "End after N events; cameras that are already attached count."},
 };
 constexpr Example kExamples[] = {
     {"kelva watch", "Show cameras come and go until Ctrl-C."},
@@ -98,16 +98,18 @@ constexpr Verb kVerbs[] = {
      "Report cameras as they come and go",
      {},
      kOptions,
-     "First the cameras that are there (\"present\"), then each change: \"attached\", \"lost\", and \"bad\" for a "
-     "camera that "
-     "the system took for a compact-disc drive. It sleeps in between and ends with Ctrl-C (exit status 130), --timeout "
-     "(8) or "
-     "--count (0; 6 when a command of --exec failed). Commands of --exec run for changes only, not for cameras that "
-     "were "
-     "there before. With --json what they print goes to standard error.",
-     "event: attached, lost or bad\nserial: of the camera, empty when it has none; not with bad\nproduct: likewise\n"
-     "revision: likewise\npresent: true for a camera that was there when the watch began\n"
-     "events: how many there were, at the end with --count",
+     R"(Prints the cameras that are attached ("present"), then each change: "attached", "lost", and "bad" for a
+camera that the system took for a CD drive. It uses no processor time while nothing happens. It ends with Ctrl-C (exit
+status 130), after --timeout (8) or after --count events (0, or 6 if a command of --exec failed).
+
+Commands of --exec run for changes only, not for cameras that were attached before. With --json, whatever they print
+goes to standard error.)",
+     R"(event: attached, lost or bad
+serial: of the camera, empty if it has none; not with bad
+product: of the camera; not with bad
+revision: of the camera; not with bad
+present: true for a camera that was attached when the watch began
+events: how many events there were; at the end, with --count)",
      kExamples,
      RunWatch}};
 

@@ -83,7 +83,7 @@ ExitCode RunOff(Context& context) {
 constexpr Argument kName[] = {{"NAME", "At most 19 bytes; \"kelva.camera.\" is put before it."}};
 constexpr Argument kAuth[] = {{"AUTH", "WPA2, WEP or NONE.", Argument::Count::kOne, Offer::kWords, "WPA2 WEP NONE"}};
 constexpr Option kSetting[] = {
-    {"setting", 0, "0|1", "Which of the camera's two Wi-Fi settings; 0 unless given.", Offer::kWords, "0 1"}};
+    {"setting", 0, "0|1", "Which of the camera's two Wi-Fi settings; the default is 0.", Offer::kWords, "0 1"}};
 constexpr Example kNameExamples[] = {{"kelva wifi name den", "Call the network kelva.camera.den."}};
 constexpr Example kPassphraseExamples[] = {
     {"kelva wifi passphrase", "Ask for it, without showing it."},
@@ -99,9 +99,8 @@ constexpr Verb kVerbs[] = {
      "Set the camera's network passphrase",
      {},
      kSetting,
-     "The passphrase, 9 to 63 characters, is asked for on the terminal without being shown, or read as the first line "
-     "of "
-     "standard input. It is never taken from the command line, where other users could see it.",
+     R"(The passphrase has 9 to 63 characters. It is asked for on the terminal without being shown, or read as the
+first line of standard input. It is not taken from the command line, because other users could see it there.)",
      "setting: 0 or 1",
      kPassphraseExamples,
      RunPassphrase},
@@ -109,9 +108,8 @@ constexpr Verb kVerbs[] = {
      "Set the camera's Wi-Fi authentication",
      kAuth,
      {},
-     "Only setting 1 of the camera has one. The command has no data phase, so the camera learns that it was sent and "
-     "not "
-     "which authentication it names; the tool says so and ends with exit status 0.",
+     R"(Sets the authentication of setting 1. The command has no data phase: the camera learns that it was sent, but
+not which authentication it names. The tool says so and ends with exit status 0.)",
      "auth: the word given\ntext_sent: always false",
      kAuthExamples,
      RunAuth},
