@@ -19,6 +19,13 @@ DOCUMENT = pathlib.Path()
 FOLDERS = ("src/wifi", "src/usb/osx")
 INCLUDES = ["-I.", "-Isrc", "-Isrc/wifi", "-Isrc/usb/osx", "-Idarwin/include"]
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Werror"]
+SYSTEMS = ("11.0", "12.0", "13.0", "14.0", "15.0")
+# What Apple's headers say about the two names of one port, and the substitute's headers do not.
+AVAILABILITY = """
+#include <IOKit/IOKitLib.h>
+extern const mach_port_t kIOMasterPortDefault __attribute__((availability(macos, introduced=10.0, deprecated=12.0)));
+extern const mach_port_t kIOMainPortDefault __attribute__((availability(macos, introduced=12.0)));
+"""
 # What exists on both systems besides the C++ standard library, whose headers have neither folder nor suffix.
 KNOWN_HEADERS = re.compile(r"boost/.*|IOKit/IOKitLib\.h|CoreFoundation/CoreFoundation\.h|execinfo\.h|[a-z_0-9]+")
 FRAMEWORK_SYMBOL = re.compile(r"_*(IO[A-Z]|CF[A-Z]|kIO|kCF|mach_|NS[A-Z])\w*")
@@ -49,6 +56,22 @@ def compile_all(*options):
         if compiler.returncode != 0 or text:
             complaints.append(text)
     return "".join(complaints)
+
+
+def read_as_here(text):
+    """The text with everything that it includes: the headers are this system's, so they are read as on this system."""
+    with tempfile.NamedTemporaryFile("w", suffix=".h") as availability:
+        availability.write(AVAILABILITY)
+        availability.flush()
+        command = [COMPILER, "-std=c++20", "-stdlib=libc++", *INCLUDES, "-include", availability.name, "-E", "-x", "c++", "-"]
+        return subprocess.run(command, cwd=PROJECT, input=text, capture_output=True, text=True, check=True).stdout
+
+
+def complaints_for(version, text):
+    """What the compiler of a Mac with this deployment target says about a text that has been read."""
+    mac = [f"--target=x86_64-apple-macos{version}", "-fsyntax-only", "-x", "c++-cpp-output", "-"]
+    command = [COMPILER, "-std=c++20", *WARNINGS, *mac]
+    return subprocess.run(command, input=text, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False).stdout
 
 
 def documented_symbols():
@@ -84,11 +107,18 @@ class LibrarySources(unittest.TestCase):
                 with self.subTest(file=path.name):
                     self.assertRegex(line, r"^#ifndef KELVA_\w+_H_$")
 
-    def test_calls_nothing_that_is_deprecated_at_the_deployment_target(self):
-        # kIOMasterPortDefault is deprecated from macOS 12 on, and 11.0 is the target; the name that replaced it does not
-        # exist there.
-        for path in sources():
-            self.assertNotIn("kIOMainPortDefault", path.read_text(), path.name)
+    def test_compiles_without_a_warning_for_every_system_from_11_on(self):
+        library = read_as_here("".join(f'#include "{source}"\n' for source in sources()))
+        for version in SYSTEMS:
+            with self.subTest(version=version):
+                self.assertEqual(complaints_for(version, library), "")
+
+    def test_that_compiler_knows_when_the_names_of_the_port_exist(self):
+        old = read_as_here("mach_port_t Port() { return kIOMasterPortDefault; }")
+        new = read_as_here("mach_port_t Port() { return kIOMainPortDefault; }")
+        self.assertEqual(complaints_for("11.0", old), "")
+        self.assertIn("deprecated", complaints_for("12.0", old))
+        self.assertIn("only available on macOS 12.0", complaints_for("11.0", new))
 
 
 if __name__ == "__main__":

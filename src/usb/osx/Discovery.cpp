@@ -22,6 +22,10 @@ void (*OsxCamera::badCameraCb)(void* context) = nullptr;
 
 namespace {
 
+// The system's two names for this port do not exist on every macOS: one is deprecated from 12.0 on, and the other came
+// with 12.0. Both stand for the null port.
+constexpr mach_port_t kDefaultPort = MACH_PORT_NULL;
+
 /// Takes over the reference to the service.
 boost::shared_ptr<Camera> MakeCamera(IoObject service) {
   auto* camera = new OsxCamera(service.Get());
@@ -83,7 +87,7 @@ std::vector<boost::shared_ptr<Camera>> OsxCamera::EnumerateOsxCameras(bool anyVe
     const CFMutableDictionaryRef matching = IOServiceMatching(*name);  // consumed by the search
     if (!anyVendor) RequireVendor(matching);
     io_iterator_t found = 0;
-    const kern_return_t returnCode = IOServiceGetMatchingServices(kIOMasterPortDefault, matching, &found);
+    const kern_return_t returnCode = IOServiceGetMatchingServices(kDefaultPort, matching, &found);
     if (returnCode != kIOReturnSuccess) {
       std::printf("IOServiceGetMatchingServices() FAILED = 0x%x\n", static_cast<unsigned int>(returnCode));
       return cameras;
@@ -96,7 +100,7 @@ std::vector<boost::shared_ptr<Camera>> OsxCamera::EnumerateOsxCameras(bool anyVe
 
 void OsxCamera::SetupNotifyPort() {
   if (notifyPort != nullptr) return;
-  notifyPort = IONotificationPortCreate(kIOMasterPortDefault);
+  notifyPort = IONotificationPortCreate(kDefaultPort);
   if (notifyPort == nullptr) throw OsxCameraError("IONotificationPortCreate() failed.");
   CFRunLoopAddSource(CFRunLoopGetCurrent(), IONotificationPortGetRunLoopSource(notifyPort), kCFRunLoopDefaultMode);
 }

@@ -14,8 +14,6 @@ const CFAllocatorRef kCFAllocatorDefault = nullptr;
 const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {};
 const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {};
 const CFRunLoopMode kCFRunLoopDefaultMode = reinterpret_cast<CFRunLoopMode>(fake::Constant("kCFRunLoopDefaultMode"));
-const mach_port_t kIOMasterPortDefault = 0;
-const mach_port_t kIOMainPortDefault = 0;
 mach_port_t mach_task_self_ = 0x707;
 
 void CFRelease(CFTypeRef cf) {
@@ -93,7 +91,7 @@ CFMutableDictionaryRef IOServiceMatching(const char* name) {
 }
 
 kern_return_t IOServiceGetMatchingServices(mach_port_t mainPort, CFDictionaryRef matching, io_iterator_t* existing) {
-  EXPECT_EQ(mainPort, kIOMasterPortDefault);
+  EXPECT_EQ(mainPort, 0U);
   fake::Object* const wanted = fake::AsObject(matching, "IOServiceGetMatchingServices");
   fake::Get().Log("Search " + wanted->text);
   const std::vector<io_object_t> found = fake::Get().Services(*wanted);
@@ -104,7 +102,7 @@ kern_return_t IOServiceGetMatchingServices(mach_port_t mainPort, CFDictionaryRef
 }
 
 IONotificationPortRef IONotificationPortCreate(mach_port_t mainPort) {
-  EXPECT_EQ(mainPort, kIOMasterPortDefault);
+  EXPECT_EQ(mainPort, 0U);
   fake::Get().Log("CreatePort");
   if (fake::Get().refusesPort) return nullptr;
   ++fake::Get().ports;
