@@ -7,9 +7,14 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
-find_program(KELVA_CCACHE ccache)
-if(KELVA_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${KELVA_CCACHE}")
+# ccache unless the user names a launcher, also an empty one, on the command line or in the environment.
+if(NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
+  find_program(KELVA_CCACHE ccache)
+  if(KELVA_CCACHE)
+    # ccache caches nothing that uses a precompiled header unless it is told that times and macros in there do not matter.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+      "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${KELVA_CCACHE}")
+  endif()
 endif()
 
 find_package(Boost 1.74 REQUIRED)
@@ -32,10 +37,11 @@ if(KELVA_SANITIZER)
   endif()
 endif()
 
-# kelva_warnings(TARGET): this project's own sources compile without a warning.
+# kelva_warnings(TARGET): this project's own sources compile without a warning. A warning is an error where KELVA_WERROR
+# is on, as in the presets that developers and CI build: a newer compiler's new warning must not stop an installation.
 function(kelva_warnings target)
   target_compile_options(${target} PRIVATE
-    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor -Werror
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor $<$<BOOL:${KELVA_WERROR}>:-Werror>
     # g++ 12 sees overlapping copies in the standard library's own operator+ of strings when it optimises.
     $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>
     # The same with ends of its vectors overrun, at -O3.
