@@ -23,7 +23,6 @@ LIBRARIES = (
     (r"sqlite3\.h", "SQLite"),
     (r"openssl/.*", "OpenSSL"),
     (r"turbojpeg\.h", "libturbojpeg"),
-    (r"jpeglib\.h", "libjpeg"),
     (r"libexif/.*", "libexif"),
     (r"benchmark/.*", "Google Benchmark"),
     (r"g(test|mock)/.*", "GoogleTest"),

@@ -1,3 +1,4 @@
+// Draws landscapes out of integers, so that every machine draws the same.
 #include "tools/draw-pictures/Scene.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// draw-pictures: JPEG files for a demonstration without a camera.
 #include <cstdio>
 #include <exception>
 
