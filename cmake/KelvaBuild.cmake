@@ -48,19 +48,33 @@ function(kelva_warnings target)
     $<$<AND:$<COMPILE_LANG_AND_ID:CXX,GNU>,$<CONFIG:Release>>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
 endfunction()
 
-# kelva_room(TARGET SOURCES file... [LINKS target...] [PRIVATE_LINKS target...]): one room of the house as a static library.
+# In a unity build (CMAKE_UNITY_BUILD) the sources of a target are compiled as one file. Two ways out, for sources that use a
+# name of their own for different things: APART names such sources, SEPARATE stands for all of a target.
+macro(kelva_unity target prefix)
+  if(${prefix}_APART)
+    set_source_files_properties(${${prefix}_APART} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
+  if(${prefix}_SEPARATE)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD OFF)
+  endif()
+endmacro()
+
+# kelva_room(TARGET SOURCES file... [APART file... | SEPARATE] [LINKS target...] [PRIVATE_LINKS target...]): one room of the
+# house as a static library.
 function(kelva_room target)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ROOM "SEPARATE" "" "SOURCES;APART;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${target} STATIC ${ROOM_SOURCES})
+  kelva_unity(${target} ROOM)
   target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
   kelva_warnings(${target})
   target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS})
 endfunction()
 
-# kelva_program(TARGET SOURCES file... LINKS target...): a program in ${CMAKE_BINARY_DIR}/bin.
+# kelva_program(TARGET SOURCES file... [APART file... | SEPARATE] LINKS target...): a program in ${CMAKE_BINARY_DIR}/bin.
 function(kelva_program target)
-  cmake_parse_arguments(PROGRAM "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(PROGRAM "SEPARATE" "" "SOURCES;APART;LINKS" ${ARGN})
   add_executable(${target} ${PROGRAM_SOURCES})
+  kelva_unity(${target} PROGRAM)
   kelva_warnings(${target})
   target_link_libraries(${target} PRIVATE ${PROGRAM_LINKS})
 endfunction()
@@ -96,19 +110,37 @@ function(kelva_completions program)
   install(FILES "${completions}/${program}.fish" DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endfunction()
 
-# kelva_test(NAME SOURCES file... LINKS target... [LABELS label...] [TIMEOUT seconds]): a GoogleTest program that is
-# one entry of ctest. What is labelled long is left out of the sanitizer builds.
+# A test is compiled more often than it is run.
+set(kelva_test_options -O0)
+
+# What nearly every test includes, compiled once.
+if(KELVA_BUILD_TESTS)
+  add_executable(test_headers "${PROJECT_SOURCE_DIR}/cmake/TestHeaders.cpp")
+  kelva_warnings(test_headers)
+  target_compile_options(test_headers PRIVATE ${kelva_test_options})
+  target_link_libraries(test_headers PRIVATE GTest::gmock GTest::gtest)
+  set_target_properties(test_headers PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/test-bin")
+  target_precompile_headers(test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>
+    <algorithm> <array> <cstdint> <cstring> <filesystem> <fstream> <functional> <iterator> <map> <memory> <optional> <set>
+    <span> <sstream> <stdexcept> <string> <string_view> <thread> <utility> <vector>)
+endif()
+
+# kelva_test(NAME SOURCES file... [APART file... | SEPARATE] LINKS target... [LABELS label...] [TIMEOUT seconds]): a GoogleTest
+# program that is one entry of ctest. What is labelled long is left out of the sanitizer builds.
 function(kelva_test name)
   if(NOT KELVA_BUILD_TESTS)
     return()
   endif()
-  cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(TEST "SEPARATE" "TIMEOUT" "SOURCES;APART;LINKS;LABELS" ${ARGN})
   if(KELVA_SANITIZER AND "long" IN_LIST TEST_LABELS)
     return()
   endif()
   add_executable(${name} ${TEST_SOURCES})
+  kelva_unity(${name} TEST)
   kelva_warnings(${name})
+  target_compile_options(${name} PRIVATE ${kelva_test_options})
   target_link_libraries(${name} PRIVATE ${TEST_LINKS} GTest::gmock GTest::gtest_main)
+  target_precompile_headers(${name} REUSE_FROM test_headers)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/test-bin")
   add_test(NAME ${name} COMMAND ${name})
   if(NOT TEST_TIMEOUT)

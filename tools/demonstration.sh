@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # What ./run shows. Needs say.sh, packages.sh and build.sh. $build is the build folder whose programs are shown.
 root=${root:?the folder of the repository}
-build=${build:-$root/build/dev}
+build=${build:-$root/build/quick}
 bin="$build/bin"
 first=KV-0001
 second=KV-0002
@@ -30,11 +30,11 @@ run_on_macos() {
   need_packages build
   build_preset dev KelvaHelper
   say "Starting KelvaHelper.app; plug a camera in. Ctrl-C ends it."
-  exec "$bin/KelvaHelper.app/Contents/MacOS/KelvaHelper"
+  exec "$root/build/dev/bin/KelvaHelper.app/Contents/MacOS/KelvaHelper"
 }
 
 run_on_system() {
-  build_preset dev kelva kelva-helper kelva-open
+  build_preset quick kelva kelva-helper kelva-open
   say "Starting the helper on this machine's own cameras: each one plugged in from now on starts $(desktop_id). Ctrl-C ends it."
   exec "$bin/kelva-helper"
 }
@@ -45,7 +45,7 @@ desktop_id() {
 
 # demonstrate FOLDER: the main job with virtual cameras. FOLDER may be empty.
 demonstrate() {
-  build_preset dev kelva kelva-vcam kelva-helper kelva-open draw-pictures
+  build_preset quick kelva kelva-vcam kelva-helper kelva-open draw-pictures
   scratch=$(mktemp -d "${TMPDIR:-/tmp}/kelva-run.XXXXXX")
   socket="$scratch/bus"
   started=()

@@ -16,14 +16,15 @@ not_on_macos() {
 
 suite_quick() {
   need_packages build test
-  build_preset dev
   if on_macos; then
+    build_preset dev
     run_ctest build/dev
     return
   fi
+  build_preset quick
   build_preset fuzz
-  merge_suites build/quick dev fuzz
-  run_ctest build/quick -LE "$labels_apart"
+  merge_suites build/quick-set quick fuzz
+  run_ctest build/quick-set -LE "$labels_apart"
 }
 
 suite_sanitizer() {
@@ -35,8 +36,8 @@ suite_sanitizer() {
 suite_labelled() {
   not_on_macos "$1"
   need_packages build test
-  build_preset dev
-  run_ctest build/dev -L "^$1\$"
+  build_preset quick
+  run_ctest build/quick -L "^$1\$"
 }
 
 suite_fuzz() {
