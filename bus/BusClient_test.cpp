@@ -15,7 +15,7 @@ using bus::Kind;
 class BusClientTest : public testing::Test {
  protected:
   void Plug(const std::string& serial) {
-    control_.Request(Kind::kPlug, Encode(bus::PlugRequest{serial, server_.scratch().path().string(), "", "", 3}));
+    control_.Request(Kind::kPlug, Encode(bus::PlugRequest{serial, server_.Scratch().Path().string(), "", "", 3}));
   }
   static std::size_t Services() { return darwin::AccountForRegistry().services; }
   void ExpectReadable() const {
@@ -24,8 +24,8 @@ class BusClientTest : public testing::Test {
   }
 
   vcam::server::test::TestServer server_;
-  BusConnection control_{server_.path()};
-  std::unique_ptr<darwin::RegistrySource> source_ = ConnectBus(server_.path());
+  BusConnection control_{server_.Path()};
+  std::unique_ptr<darwin::RegistrySource> source_ = ConnectBus(server_.Path());
   darwin::Registry& registry_ = darwin::Registry::Shared();
   const std::size_t before_ = darwin::AccountForRegistry().entries;
   const std::size_t servicesBefore_ = Services();

@@ -20,7 +20,7 @@ TEST(BusConnection, SaysThatNobodyServesThePath) {
 
 TEST(BusConnection, ThrowsARefusalWithItsSentence) {
   vcam::server::test::TestServer server;
-  BusConnection connection(server.path());
+  BusConnection connection(server.Path());
   try {
     connection.Request(Kind::kUnplug, bus::EncodeText("X"));
     FAIL() << "unplugged nothing";
@@ -32,8 +32,8 @@ TEST(BusConnection, ThrowsARefusalWithItsSentence) {
 
 TEST(BusConnection, KeepsEventsThatComeBeforeAnAnswer) {
   vcam::server::test::TestServer server;
-  BusConnection connection(server.path());
-  const bus::PlugRequest request{"A", server.scratch().path().string(), "", "", 3};
+  BusConnection connection(server.Path());
+  const bus::PlugRequest request{"A", server.Scratch().Path().string(), "", "", 3};
   connection.Request(Kind::kSubscribe, {});
   EXPECT_FALSE(connection.HasQueuedEvents());
   connection.Request(Kind::kPlug, Encode(request));
@@ -44,7 +44,7 @@ TEST(BusConnection, KeepsEventsThatComeBeforeAnAnswer) {
 
 TEST(BusConnection, SeesTheEndOfTheBus) {
   vcam::server::test::TestServer server;
-  BusConnection connection(server.path());
+  BusConnection connection(server.Path());
   server.Stop();
   EXPECT_FALSE(connection.NextEvent());
   EXPECT_TRUE(connection.Ended());

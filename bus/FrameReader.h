@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "bus/Wire.h"
+#include "bus/Protocol.h"
 
 namespace bus {
 

@@ -22,7 +22,7 @@ class ListenerTest : public testing::Test {
   }
 
   vcam::test::ScratchStorage scratch_;
-  std::string path_ = (scratch_.path() / "bus").string();
+  std::string path_ = (scratch_.Path() / "bus").string();
 };
 
 TEST_F(ListenerTest, AcceptsConnectionsOfItsOwnerOnly) {
@@ -75,8 +75,8 @@ TEST_F(ListenerTest, RefusesWhatIsNoSocket) {
 
 TEST_F(ListenerTest, RefusesPathsThatCannotBe) {
   EXPECT_THAT(FailureAt(""), testing::HasSubstr("107 bytes"));
-  EXPECT_THAT(FailureAt(scratch_.path().string() + "/" + std::string(108, 'x')), testing::HasSubstr("107 bytes"));
-  EXPECT_THAT(FailureAt((scratch_.path() / "no/where").string()), testing::HasSubstr("No such file"));
+  EXPECT_THAT(FailureAt(scratch_.Path().string() + "/" + std::string(108, 'x')), testing::HasSubstr("107 bytes"));
+  EXPECT_THAT(FailureAt((scratch_.Path() / "no/where").string()), testing::HasSubstr("No such file"));
 }
 
 TEST_F(ListenerTest, ConnectsToNothingWhereNobodyListens) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "bus/Wire.h"
+#include "bus/Protocol.h"
 
 namespace bus {
 

@@ -14,7 +14,7 @@ using bus::Kind;
 class SocketSessionTest : public testing::Test {
  protected:
   SocketSessionTest() {
-    connection_.Request(Kind::kPlug, Encode(bus::PlugRequest{"A", server_.scratch().path().string(), "", "", 3}));
+    connection_.Request(Kind::kPlug, Encode(bus::PlugRequest{"A", server_.Scratch().Path().string(), "", "", 3}));
   }
   void Arm(const std::string& fault) { connection_.Request(Kind::kFault, Encode(bus::FaultRequest{"A", fault, 1})); }
   wire::Reply AskReady(CommandSession& session, std::chrono::milliseconds timeout = std::chrono::seconds(10)) {
@@ -25,8 +25,8 @@ class SocketSessionTest : public testing::Test {
   }
 
   vcam::server::test::TestServer server_;
-  BusConnection connection_{server_.path()};
-  std::unique_ptr<CommandSession> session_ = MakeSocketSession(server_.path(), 1);
+  BusConnection connection_{server_.Path()};
+  std::unique_ptr<CommandSession> session_ = MakeSocketSession(server_.Path(), 1);
 };
 
 TEST_F(SocketSessionTest, CarriesACommandThereAndBack) {
@@ -36,14 +36,14 @@ TEST_F(SocketSessionTest, CarriesACommandThereAndBack) {
 
 TEST_F(SocketSessionTest, IsExclusive) {
   ASSERT_EQ(session_->Start(), kIOReturnSuccess);
-  const auto second = MakeSocketSession(server_.path(), 1);
+  const auto second = MakeSocketSession(server_.Path(), 1);
   EXPECT_EQ(second->Start(), kIOReturnExclusiveAccess);
   session_->End();
   EXPECT_EQ(second->Start(), kIOReturnSuccess);
 }
 
 TEST_F(SocketSessionTest, HasNoDeviceBehindAnIdThatIsNot) {
-  EXPECT_EQ(MakeSocketSession(server_.path(), 77)->Start(), kIOReturnNoDevice);
+  EXPECT_EQ(MakeSocketSession(server_.Path(), 77)->Start(), kIOReturnNoDevice);
   EXPECT_EQ(MakeSocketSession("/nonexistent", 1)->Start(), kIOReturnNoDevice);
   EXPECT_EQ(AskReady(*session_).transport, wire::Transport::kGone) << "no session";
 }

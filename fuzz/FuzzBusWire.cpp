@@ -1,7 +1,7 @@
 // The socket of the virtual bus: a stream cut into frames in two pieces, and every payload decoder on each frame.
 
 #include "bus/FrameReader.h"
-#include "bus/Wire.h"
+#include "bus/Protocol.h"
 
 namespace {
 

@@ -81,7 +81,7 @@ class EveryFault : public testing::TestWithParam<std::tuple<NamedDoor, FaultKind
 
   void Try(const Row& row) {
     const vcam::test::ScratchStorage card;
-    FillCard(card.path());
+    FillCard(card.Path());
     door_.Plug(card.CameraOptions(kSerial));
     const boost::shared_ptr<Camera> camera = Camera::GetCamera(kSerial, "", false, false);
     ASSERT_TRUE(camera->Open()) << row.name;

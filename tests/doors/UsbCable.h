@@ -8,8 +8,8 @@
 #include "tests/doors/UsbHost.h"
 #include "vcam/camera/VirtualCamera.h"
 #include "vcam/usbip/CableFaults.h"
+#include "vcam/usbip/CameraModel.h"
 #include "vcam/usbip/Session.h"
-#include "vcam/usbip/UsbDoor.h"
 
 namespace tests::doors {
 

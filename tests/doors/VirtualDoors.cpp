@@ -88,7 +88,7 @@ class SocketDoor : public VirtualDoor {
     const auto answer = control_.Request(bus::Kind::kPlug,
                                          Encode(bus::PlugRequest{options.serial, options.storage.string(), "", "", 3}));
     const auto id = bus::DecodeNumber(answer.payload).value();
-    Show(options, [path = server_.path(), id] { return bus::MakeSocketSession(path, id); });
+    Show(options, [path = server_.Path(), id] { return bus::MakeSocketSession(path, id); });
   }
   void Arm(const vcam::Fault& fault) override {
     control_.Request(bus::Kind::kFault,
@@ -101,7 +101,7 @@ class SocketDoor : public VirtualDoor {
 
  private:
   vcam::server::test::TestServer server_;
-  bus::BusConnection control_{server_.path()};
+  bus::BusConnection control_{server_.Path()};
 };
 
 class UsbDoor : public VirtualDoor {

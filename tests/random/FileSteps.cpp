@@ -106,7 +106,7 @@ void Session::DeleteAPicture() {
 
 void Session::CaptureAPicture() {
   EXPECT_TRUE(camera_.CaptureImage(true));
-  const std::map<std::string, std::string> now = Tree::ReadBack(scratch_.path());
+  const std::map<std::string, std::string> now = Tree::ReadBack(scratch_.Path());
   ASSERT_EQ(now.size(), tree_.files.size() + 1);
   for (const auto& [path, content] : now) {
     if (Content(path) != nullptr) continue;

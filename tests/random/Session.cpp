@@ -26,7 +26,7 @@ Session::Session(std::uint64_t seed, std::size_t chunkSize)
       tree_(Tree::Grow(random_, chunkSize)),
       device_(MakeDevice(random_, scratch_)),
       camera_(*device_, static_cast<int>(chunkSize)) {
-  tree_.WriteTo(scratch_.path());
+  tree_.WriteTo(scratch_.Path());
 }
 
 void Session::Run(std::size_t commands) {
@@ -38,7 +38,7 @@ void Session::Run(std::size_t commands) {
   for (std::size_t i = 0; i < commands && !testing::Test::HasFailure(); ++i) {
     (this->*kSteps[Between(random_, 0, kSteps.size() - 1)])();
   }
-  EXPECT_EQ(Tree::ReadBack(scratch_.path()), tree_.files);
+  EXPECT_EQ(Tree::ReadBack(scratch_.Path()), tree_.files);
 }
 
 const std::string* Session::Content(const std::string& path) const {

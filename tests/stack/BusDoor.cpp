@@ -18,7 +18,7 @@ namespace {
 class BusDoor : public Door {
  public:
   BusDoor()
-      : path_((scratch_.path() / "bus").string()),
+      : path_((scratch_.Path() / "bus").string()),
         server_(path_),
         stop_(::eventfd(0, EFD_CLOEXEC)),
         thread_([this] { server_.Run(stop_.Get()); }),

@@ -112,7 +112,7 @@ bool VirtualCamera::WaitForUnplug(std::chrono::milliseconds atMost) const {
   return state_->unplugged.wait_for(lock, atMost, [this] { return state_->gone; });
 }
 
-const Options& VirtualCamera::options() const {
+const Options& VirtualCamera::GetOptions() const {
   return state_->device.options;
 }
 

@@ -44,7 +44,7 @@ class VirtualCamera {
   /// Waits until the camera is unplugged, at most this long; whether it is. What a door does with Transport::kHang.
   bool WaitForUnplug(std::chrono::milliseconds atMost) const;
 
-  const Options& options() const;
+  const Options& GetOptions() const;
   /// The first 36 bytes of the answer to INQUIRY, for doors that speak SCSI to the end.
   std::array<std::uint8_t, 36> InquiryData() const;
 

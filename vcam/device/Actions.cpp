@@ -35,7 +35,7 @@ wire::Reply SetTime(Device& device, const wire::Command& command) {
     return Refuse(sense::kWrongDataLength);
   }
   if (!device.clock.Set(command.data)) return Refuse(sense::kBadParameter);
-  device.settings.clockOffsetMs = device.clock.offset().count();
+  device.settings.clockOffsetMs = device.clock.Offset().count();
   device.console.Log("clock set");
   const int error = device.Save();
   return error != 0 ? Refuse(SenseOfErrno(error)) : Taken(command);

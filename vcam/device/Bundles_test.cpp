@@ -16,8 +16,8 @@ class BundlesTest : public testing::Test {
     return {name, name, content.size()};
   }
   base::Bytes Whole(DataSet data) const {
-    base::Bytes bytes(data.size());
-    EXPECT_TRUE(data.Read(Storage(scratch_.path()), 0, bytes));
+    base::Bytes bytes(data.Size());
+    EXPECT_TRUE(data.Read(Storage(scratch_.Path()), 0, bytes));
     return bytes;
   }
 

@@ -25,8 +25,8 @@ class CameraClock {
   /// Sets the clock from its 14 bytes; false, and no change, when they are not a time between 1980 and 2107.
   bool Set(std::span<const std::uint8_t> bytes);
 
-  std::chrono::milliseconds offset() const { return offset_; }
-  void setOffset(std::chrono::milliseconds offset) { offset_ = offset; }
+  std::chrono::milliseconds Offset() const { return offset_; }
+  void SetOffset(std::chrono::milliseconds offset) { offset_ = offset; }
 
  private:
   Time HostTime() const;

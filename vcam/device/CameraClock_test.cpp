@@ -49,9 +49,9 @@ TEST_F(CameraClockTest, RefusesWhatIsNoTime) {
 }
 
 TEST_F(CameraClockTest, KeepsItsOffsetToTheHostsTime) {
-  clock_.setOffset(seconds(60));
+  clock_.SetOffset(seconds(60));
   EXPECT_EQ(clock_.Read()[8], 10);
-  EXPECT_EQ(clock_.offset(), seconds(60));
+  EXPECT_EQ(clock_.Offset(), seconds(60));
 }
 
 }  // namespace

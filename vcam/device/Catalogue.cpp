@@ -121,7 +121,7 @@ DataSet BuildCatalogue(const std::vector<base::Bytes>& plainRecords, const Catal
   for (std::size_t i = 0; i < plainRecords.size(); ++i) {
     const std::size_t start = i * layout.stride;
     PutRecord(std::span(records).subspan(start, layout.stride), plainRecords[i], layout);
-    MarkNames(catalogue.marks, catalogue.size() + start, layout);
+    MarkNames(catalogue.marks, catalogue.Size() + start, layout);
   }
   catalogue.AddBytes(std::move(records));
   return catalogue;

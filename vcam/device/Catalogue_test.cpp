@@ -9,8 +9,8 @@ namespace {
 
 base::Bytes ReadWhole(DataSet& data) {
   const test::ScratchStorage scratch;
-  base::Bytes bytes(data.size());
-  EXPECT_TRUE(data.Read(Storage(scratch.path()), 0, bytes));
+  base::Bytes bytes(data.Size());
+  EXPECT_TRUE(data.Read(Storage(scratch.Path()), 0, bytes));
   return bytes;
 }
 

@@ -39,7 +39,7 @@ TEST_F(ChunksTest, StopsWritingWhenSomethingElseIsSelected) {
 TEST_F(ChunksTest, RefusesToReadWhatAFileHasLost) {
   scratch_.Put("a", "12345");
   ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01}, R"(I:\a)").Good());
-  std::filesystem::resize_file(scratch_.path() / "a", 2);
+  std::filesystem::resize_file(scratch_.Path() / "a", 2);
   EXPECT_EQ(Ask(*camera_, {0xC4, 0, 1}, 5).sense, sense::kReadError);
 }
 

@@ -33,9 +33,9 @@ class DataSet {
   /// A file that is already open, and that stays readable even when it is deleted meanwhile.
   void AddOpenFile(base::FileDescriptor file, std::uint64_t size);
 
-  std::uint64_t size() const { return size_; }
+  std::uint64_t Size() const { return size_; }
 
-  /// Fills `out` with the bytes at `offset`; all of them must lie below size(). False when a file has lost them.
+  /// Fills `out` with the bytes at `offset`; all of them must lie below Size(). False when a file has lost them.
   bool Read(const Storage& storage, std::uint64_t offset, std::span<std::uint8_t> out);
 
   Marks marks;

@@ -19,13 +19,13 @@ TEST(DataSet, RunsMemoryAndFilesTogether) {
   const ScratchStorage scratch;
   scratch.Put("x", "file");
   scratch.Put("y", "second");
-  const Storage storage(scratch.path());
+  const Storage storage(scratch.Path());
   DataSet data;
   data.AddBytes({'m', 'e', 'm'});
   data.AddFile("x", 4);
   data.AddBytes({});
   data.AddFile("y", 6);
-  EXPECT_EQ(data.size(), 13U);
+  EXPECT_EQ(data.Size(), 13U);
   EXPECT_EQ(ReadAll(data, storage, 0, 13), "memfilesecond");
   EXPECT_EQ(ReadAll(data, storage, 2, 3), "mfi");
   EXPECT_EQ(ReadAll(data, storage, 12, 1), "d");
@@ -35,7 +35,7 @@ TEST(DataSet, RunsMemoryAndFilesTogether) {
 TEST(DataSet, KeepsAnOpenFileThatIsDeleted) {
   const ScratchStorage scratch;
   scratch.Put("x", "file");
-  const Storage storage(scratch.path());
+  const Storage storage(scratch.Path());
   DataSet data;
   data.AddOpenFile(storage.OpenForReading("x").file, 4);
   storage.Remove("x");
@@ -45,7 +45,7 @@ TEST(DataSet, KeepsAnOpenFileThatIsDeleted) {
 TEST(DataSet, FailsWhenAFileHasLostItsBytes) {
   const ScratchStorage scratch;
   scratch.Put("x", "fil");
-  const Storage storage(scratch.path());
+  const Storage storage(scratch.Path());
   DataSet data;
   data.AddFile("x", 4);
   EXPECT_EQ(ReadAll(data, storage, 0, 3), "fil");

@@ -25,7 +25,7 @@ struct Device {
         clock(options.now),
         settings(LoadSettings(storage)),
         readyAt(options.now()) {
-    clock.setOffset(std::chrono::milliseconds(settings.clockOffsetMs));
+    clock.SetOffset(std::chrono::milliseconds(settings.clockOffsetMs));
   }
 
   using HostTime = std::chrono::system_clock::time_point;

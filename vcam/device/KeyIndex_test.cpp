@@ -17,7 +17,7 @@ TEST(KeyIndex, FindsFilesByTheirBytes) {
   scratch.Put("DCIM/deep/er/copy", "abc");
   scratch.Put("elsewhere", "abc");
   KeyIndex keys;
-  keys.Refresh(Storage(scratch.path()));
+  keys.Refresh(Storage(scratch.Path()));
   const auto found = keys.Find(kAbcKey);
   ASSERT_EQ(found.size(), 2U);
   EXPECT_EQ(found[0].path, "DCIM/100ABCDE/IMG_0001.JPG");
@@ -28,7 +28,7 @@ TEST(KeyIndex, FindsFilesByTheirBytes) {
 
 TEST(KeyIndex, SeesAChangeOfTheSameLengthAtOnce) {
   const ScratchStorage scratch;
-  const Storage storage(scratch.path());
+  const Storage storage(scratch.Path());
   KeyIndex keys;
   for (const char* content : {"xyz", "abd", "abc"}) {
     scratch.Put("DCIM/a", content);
@@ -39,7 +39,7 @@ TEST(KeyIndex, SeesAChangeOfTheSameLengthAtOnce) {
 
 TEST(KeyIndex, ForgetsDeletedFiles) {
   const ScratchStorage scratch;
-  const Storage storage(scratch.path());
+  const Storage storage(scratch.Path());
   scratch.Put("DCIM/a", "abc");
   KeyIndex keys;
   keys.Refresh(storage);
@@ -52,8 +52,8 @@ TEST(KeyIndex, GivesTheKeyOfOneFile) {
   const ScratchStorage scratch;
   scratch.Put("DCIM/a", "abc");
   KeyIndex keys;
-  EXPECT_EQ(keys.KeyOf(Storage(scratch.path()), "DCIM/a", {}), kAbcKey);
-  EXPECT_EQ(keys.KeyOf(Storage(scratch.path()), "DCIM/missing", {}), "");
+  EXPECT_EQ(keys.KeyOf(Storage(scratch.Path()), "DCIM/a", {}), kAbcKey);
+  EXPECT_EQ(keys.KeyOf(Storage(scratch.Path()), "DCIM/missing", {}), "");
 }
 
 TEST(KeyIndex, TellsKeysFromOtherText) {

@@ -36,7 +36,7 @@ TEST(Pictures, GatherTheFilesOfOneNumber) {
         "DCIM/101ABCDE/IMG_0001.TXT", "DCIM/100ABCDE/readme", "DCIM/other/IMG_0001.JPG", "DCIM/IMG_0001.JPG"}) {
     scratch.Put(name, "x");
   }
-  const auto pictures = FindPictures(Storage(scratch.path()));
+  const auto pictures = FindPictures(Storage(scratch.Path()));
   ASSERT_EQ(pictures.size(), 3U);
   EXPECT_EQ(pictures[0].PathOf(0), "DCIM/100ABCDE/IMG_0001.JPG");
   EXPECT_TRUE(pictures[0].files[0] && pictures[0].files[1] && !pictures[0].files[2] && !pictures[0].files[3]);
@@ -47,7 +47,7 @@ TEST(Pictures, GatherTheFilesOfOneNumber) {
 
 TEST(Pictures, AreNoneWithoutADcimFolder) {
   const test::ScratchStorage scratch;
-  EXPECT_TRUE(FindPictures(Storage(scratch.path())).empty());
+  EXPECT_TRUE(FindPictures(Storage(scratch.Path())).empty());
 }
 
 }  // namespace

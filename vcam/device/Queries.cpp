@@ -21,7 +21,7 @@ base::Bytes BytesOf(Number value) {
 
 wire::Reply Size(Device& device, const wire::Command& command) {
   if (!device.selected) return Refuse(sense::kWrongSequence);
-  return Answer(command, BytesOf(static_cast<std::uint32_t>(device.selected->data.size())));
+  return Answer(command, BytesOf(static_cast<std::uint32_t>(device.selected->data.Size())));
 }
 
 wire::Reply ConsolePiece(Device& device, const wire::Command& command) {

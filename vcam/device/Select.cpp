@@ -23,7 +23,7 @@ std::uint32_t MovedBy(const wire::Command& command) {
 }
 
 wire::Reply Prepared(Device& device, const wire::Command& command, DataSet data, std::uint8_t readSubcode) {
-  if (data.size() > kMaxDataSet) return Refuse(sense::kOutOfRange);
+  if (data.Size() > kMaxDataSet) return Refuse(sense::kOutOfRange);
   device.selected = Device::Selected{std::move(data), readSubcode};
   return Done(MovedBy(command));
 }

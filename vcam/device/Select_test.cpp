@@ -116,8 +116,8 @@ TEST_F(SelectTest, RefusesDataWhereNoneBelongs) {
 }
 
 TEST_F(SelectTest, RefusesAFileThatItsInterfaceCannotSay) {
-  std::ofstream(scratch_.path() / "big");
-  std::filesystem::resize_file(scratch_.path() / "big", 5ULL << 30);
+  std::ofstream(scratch_.Path() / "big");
+  std::filesystem::resize_file(scratch_.Path() / "big", 5ULL << 30);
   EXPECT_EQ(SendText(*camera_, {0xC2, 0, 0x01}, R"(I:\big)").sense, sense::kOutOfRange);
 }
 

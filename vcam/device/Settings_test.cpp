@@ -47,18 +47,18 @@ TEST(Settings, KeepDefaultsWhereTheFileMakesNoSense) {
 
 TEST(Settings, AreSavedForTheOwnerOnly) {
   const test::ScratchStorage scratch;
-  const Storage storage(scratch.path());
+  const Storage storage(scratch.Path());
   Settings settings;
   settings.networks[0].ssid = "x";
   ASSERT_EQ(SaveSettings(storage, settings), 0);
   EXPECT_EQ(LoadSettings(storage).networks[0].ssid, "x");
-  const auto permissions = std::filesystem::status(scratch.path() / ".kelva/state").permissions();
+  const auto permissions = std::filesystem::status(scratch.Path() / ".kelva/state").permissions();
   EXPECT_EQ(permissions & std::filesystem::perms::mask, std::filesystem::perms(0600));
 }
 
 TEST(Settings, AreTheDefaultsWithoutAStateFile) {
   const test::ScratchStorage scratch;
-  EXPECT_TRUE(LoadSettings(Storage(scratch.path())).wifiOn);
+  EXPECT_TRUE(LoadSettings(Storage(scratch.Path())).wifiOn);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ using test::ScratchStorage;
 TEST(Storage, OpensARegularFileAndTellsItsSize) {
   const ScratchStorage scratch;
   scratch.Put("DCIM/a.jpg", "12345");
-  const OpenedFile opened = Storage(scratch.path()).OpenForReading("DCIM/a.jpg");
+  const OpenedFile opened = Storage(scratch.Path()).OpenForReading("DCIM/a.jpg");
   EXPECT_TRUE(opened.file);
   EXPECT_EQ(opened.stamp.size, 5U);
 }
@@ -25,8 +25,8 @@ TEST(Storage, OpensARegularFileAndTellsItsSize) {
 TEST(Storage, DoesNotOpenWhatIsNoRegularFile) {
   const ScratchStorage scratch;
   scratch.Put("DCIM/a.jpg", "12345");
-  ::mkfifo((scratch.path() / "fifo").c_str(), 0600);
-  const Storage storage(scratch.path());
+  ::mkfifo((scratch.Path() / "fifo").c_str(), 0600);
+  const Storage storage(scratch.Path());
   EXPECT_EQ(storage.OpenForReading("DCIM").error, EISDIR);
   EXPECT_FALSE(storage.OpenForReading("fifo").file);
   EXPECT_EQ(storage.OpenForReading("missing").error, ENOENT);
@@ -36,9 +36,9 @@ TEST(Storage, FollowsNoSymbolicLink) {
   const ScratchStorage scratch;
   const ScratchStorage outside;
   outside.Put("secret", "secret");
-  std::filesystem::create_symlink(outside.path() / "secret", scratch.path() / "link");
-  std::filesystem::create_directory_symlink(outside.path(), scratch.path() / "folder");
-  const Storage storage(scratch.path());
+  std::filesystem::create_symlink(outside.Path() / "secret", scratch.Path() / "link");
+  std::filesystem::create_directory_symlink(outside.Path(), scratch.Path() / "folder");
+  const Storage storage(scratch.Path());
   EXPECT_FALSE(storage.OpenForReading("link").file);
   EXPECT_FALSE(storage.OpenForWriting("link").file);
   EXPECT_FALSE(storage.OpenForReading("folder/secret").file);
@@ -52,7 +52,7 @@ TEST(Storage, StaysBelowItsFolder) {
   const ScratchStorage scratch;
   scratch.Put("inner/a", "a");
   scratch.Put("outer", "o");
-  const Storage storage(scratch.path() / "inner");
+  const Storage storage(scratch.Path() / "inner");
   EXPECT_FALSE(storage.OpenForReading("../outer").file);
   EXPECT_FALSE(storage.OpenForReading("/etc/passwd").file);
   EXPECT_NE(storage.Remove("../outer"), 0);
@@ -61,14 +61,14 @@ TEST(Storage, StaysBelowItsFolder) {
 TEST(Storage, EmptiesAFileThatIsWrittenAgain) {
   const ScratchStorage scratch;
   scratch.Put("a", "12345");
-  EXPECT_TRUE(Storage(scratch.path()).OpenForWriting("a").file);
+  EXPECT_TRUE(Storage(scratch.Path()).OpenForWriting("a").file);
   EXPECT_EQ(scratch.Get("a"), "");
 }
 
 TEST(Storage, DeletesFilesButNoDirectory) {
   const ScratchStorage scratch;
   scratch.Put("DCIM/a", "1");
-  const Storage storage(scratch.path());
+  const Storage storage(scratch.Path());
   EXPECT_EQ(storage.Remove("DCIM/a"), 0);
   EXPECT_EQ(storage.Remove("DCIM/a"), ENOENT);
   EXPECT_NE(storage.Remove("DCIM"), 0);
@@ -81,7 +81,7 @@ TEST(Storage, ListsByNameWithoutWhatTheCameraCannotSay) {
   scratch.Put("a/x", "1");
   scratch.Put("back\\slash", "1");
   scratch.Put(".kelva/state", "");
-  const auto entries = Storage(scratch.path()).List("");
+  const auto entries = Storage(scratch.Path()).List("");
   ASSERT_EQ(entries.size(), 2U);
   EXPECT_EQ(entries[0].name, "a");
   EXPECT_TRUE(entries[0].isDirectory);
@@ -92,7 +92,7 @@ TEST(Storage, ListsByNameWithoutWhatTheCameraCannotSay) {
 TEST(Storage, ReplacesAFileAsAWhole) {
   const ScratchStorage scratch;
   scratch.Put("a", "old and long");
-  EXPECT_EQ(Storage(scratch.path()).Replace("a", "new", 0600), 0);
+  EXPECT_EQ(Storage(scratch.Path()).Replace("a", "new", 0600), 0);
   EXPECT_EQ(scratch.Get("a"), "new");
   EXPECT_FALSE(scratch.Has("a.new"));
 }

@@ -12,8 +12,8 @@
 #include "vcam/program/EndSignals.h"
 #include "vcam/program/Verbs.h"
 #include "vcam/usbip/CableFaults.h"
+#include "vcam/usbip/CameraModel.h"
 #include "vcam/usbip/Server.h"
-#include "vcam/usbip/UsbDoor.h"
 #include "vcam/usbip/VhciPort.h"
 
 namespace vcam::program {
@@ -71,8 +71,8 @@ void Offer(const usbip::CameraModel& model, apps::Context& context, int stop) {
   const auto offer = usbip::OfferOf(model.identity.speed);
   usbip::Server server(offer, model, PortOf(context.call));
   server.onComplaint = [&context](const std::string& sentence) { context.reporter.Note(sentence); };
-  const std::string port = std::to_string(server.port());
-  context.Event("offering", About(model).Set("host", "127.0.0.1").Set("port", server.port()).Set("bus_id", offer.busId),
+  const std::string port = std::to_string(server.Port());
+  context.Event("offering", About(model).Set("host", "127.0.0.1").Set("port", server.Port()).Set("bus_id", offer.busId),
                 "Offering camera " + model.identity.serial + "; plug it in with: usbip --tcp-port " + port +
                     " attach -r 127.0.0.1 -b " + offer.busId + "\n");
   server.Run(stop);

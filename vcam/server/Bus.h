@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "bus/Wire.h"
+#include "bus/Protocol.h"
 #include "vcam/server/Worker.h"
 
 namespace vcam::server {

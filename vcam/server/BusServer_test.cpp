@@ -18,15 +18,15 @@ using bus::BusConnection;
 class BusServerTest : public testing::Test {
  protected:
   base::Bytes PlugOf(const std::string& serial) const {
-    return bus::Encode(bus::PlugRequest{serial, server_.scratch().path().string(), "", "", 3});
+    return bus::Encode(bus::PlugRequest{serial, server_.Scratch().Path().string(), "", "", 3});
   }
   std::size_t CountCameras() {
-    bus::BusConnection connection(server_.path());
+    bus::BusConnection connection(server_.Path());
     return bus::DecodeStatusList(connection.Request(bus::Kind::kStatus, {}).payload)->size();
   }
   /// Sends these bytes and waits until the bus hangs up.
   void SendAndExpectHangUp(const base::Bytes& bytes) {
-    const base::FileDescriptor socket = bus::ConnectTo(server_.path());
+    const base::FileDescriptor socket = bus::ConnectTo(server_.Path());
     ASSERT_TRUE(socket);
     ::send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
     char byte = 0;
@@ -38,8 +38,8 @@ class BusServerTest : public testing::Test {
 };
 
 TEST_F(BusServerTest, ServesSeveralPeersAtOnce) {
-  bus::BusConnection first(server_.path());
-  bus::BusConnection second(server_.path());
+  bus::BusConnection first(server_.Path());
+  bus::BusConnection second(server_.Path());
   first.Request(bus::Kind::kPlug, PlugOf("A"));
   EXPECT_EQ(bus::DecodeStatusList(second.Request(bus::Kind::kStatus, {}).payload)->at(0).serial, "A");
 }
@@ -62,7 +62,7 @@ TEST_F(BusServerTest, SurvivesSeededNonsense) {
       const base::Bytes frame = bus::EncodeFrame(static_cast<bus::Kind>(random() % 12), i, payload);
       std::copy(frame.begin(), frame.end(), std::back_inserter(bytes));
     }
-    const base::FileDescriptor socket = bus::ConnectTo(server_.path());
+    const base::FileDescriptor socket = bus::ConnectTo(server_.Path());
     ASSERT_TRUE(socket);
     ::send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
   }
@@ -70,8 +70,8 @@ TEST_F(BusServerTest, SurvivesSeededNonsense) {
 }
 
 TEST_F(BusServerTest, HoldsNobodyUpBehindASlowCamera) {
-  bus::BusConnection slow(server_.path());
-  bus::BusConnection quick(server_.path());
+  bus::BusConnection slow(server_.Path());
+  bus::BusConnection quick(server_.Path());
   for (const char* serial : {"A", "B"}) quick.Request(bus::Kind::kPlug, PlugOf(serial));
   quick.Request(bus::Kind::kFault, bus::Encode(bus::FaultRequest{"A", "slow", 3'600'000}));
   slow.Request(bus::Kind::kStartSession, bus::EncodeNumber(1));
@@ -84,10 +84,10 @@ TEST_F(BusServerTest, HoldsNobodyUpBehindASlowCamera) {
 }
 
 TEST_F(BusServerTest, FreesTheCameraOfAPeerThatHasGone) {
-  bus::BusConnection second(server_.path());
+  bus::BusConnection second(server_.Path());
   second.Request(bus::Kind::kPlug, PlugOf("A"));
   {
-    bus::BusConnection first(server_.path());
+    bus::BusConnection first(server_.Path());
     first.Request(bus::Kind::kStartSession, bus::EncodeNumber(1));
     EXPECT_THROW(second.Request(bus::Kind::kStartSession, bus::EncodeNumber(1)), bus::BusRefusal);
   }
@@ -97,7 +97,7 @@ TEST_F(BusServerTest, FreesTheCameraOfAPeerThatHasGone) {
 }
 
 TEST_F(BusServerTest, MovesWholeTransfersOfTheLargestSize) {
-  bus::BusConnection connection(server_.path());
+  bus::BusConnection connection(server_.Path());
   connection.Request(bus::Kind::kPlug, PlugOf("A"));
   connection.Request(bus::Kind::kStartSession, bus::EncodeNumber(1));
   wire::Command command = vcam::test::Block({0xC2, 0, 0x01, 0x01});
@@ -113,7 +113,7 @@ TEST_F(BusServerTest, MovesWholeTransfersOfTheLargestSize) {
   const auto reply = bus::DecodeReply(connection.Request(bus::Kind::kCommand, bus::Encode(command)).payload);
   ASSERT_TRUE(reply);
   EXPECT_EQ(reply->moved, wire::kMaxTransferLength);
-  EXPECT_EQ(std::filesystem::file_size(server_.scratch().path() / "big"), wire::kMaxTransferLength);
+  EXPECT_EQ(std::filesystem::file_size(server_.Scratch().Path() / "big"), wire::kMaxTransferLength);
 }
 
 }  // namespace

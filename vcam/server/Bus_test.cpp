@@ -35,7 +35,7 @@ class BusTest : public testing::Test {
     return bus::DecodeError(answer.payload).value_or(bus::ErrorAnswer{});
   }
 
-  bus::PlugRequest PlugOf(const std::string& serial) const { return {serial, scratch_.path().string(), "", "", 3}; }
+  bus::PlugRequest PlugOf(const std::string& serial) const { return {serial, scratch_.Path().string(), "", "", 3}; }
   void Plug(const std::string& serial) {
     EXPECT_EQ(Answered(1, bus::Kind::kPlug, bus::Encode(PlugOf(serial))).kind, bus::Kind::kOk);
     sent_.clear();

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "vcam/usbip/Wire.h"
+#include "vcam/usbip/Messages.h"
 
 namespace vcam::usbip {
 namespace {

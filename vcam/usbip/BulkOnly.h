@@ -48,8 +48,8 @@ class BulkOnly {
   void Reset();
   void SetHaltIn(bool halted);
   void SetHaltOut(bool halted);
-  bool haltedIn() const { return haltedIn_; }
-  bool haltedOut() const { return haltedOut_; }
+  bool HaltedIn() const { return haltedIn_; }
+  bool HaltedOut() const { return haltedOut_; }
 
  private:
   enum class Phase : std::uint8_t { kCommand, kDataOut, kDataIn, kStatus };

@@ -5,7 +5,7 @@
 
 #include <limits>
 
-#include "vcam/usbip/Wire.h"
+#include "vcam/usbip/Messages.h"
 
 namespace vcam::usbip {
 namespace {
@@ -125,7 +125,7 @@ TEST_F(BulkOnlyTest, MoreDataThanAnnouncedHaltsUntilAReset) {
   EXPECT_EQ(bulk_.Give(base::Bytes{1, 2, 3}, kNow), kUrbStall);
   EXPECT_EQ(executed_, 0);
   bulk_.SetHaltOut(false);
-  EXPECT_TRUE(bulk_.haltedOut());
+  EXPECT_TRUE(bulk_.HaltedOut());
   bulk_.Reset();
   bulk_.SetHaltOut(false);
   bulk_.SetHaltIn(false);

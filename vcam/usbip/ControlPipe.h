@@ -36,7 +36,7 @@ class ControlPipe {
   /// device), or nothing: the request is stalled. `data` are the bytes of a request to the device.
   std::optional<base::Bytes> Handle(const SetupPacket& setup, std::span<const std::uint8_t> data);
 
-  bool configured() const { return configuration_ == 1; }
+  bool Configured() const { return configuration_ == 1; }
 
  private:
   std::optional<base::Bytes> ToDevice(std::uint8_t request, std::uint16_t value);

@@ -40,13 +40,13 @@ TEST_F(ControlPipeTest, StallsADescriptorThatTheDeviceDoesNotHave) {
 TEST_F(ControlPipeTest, ChoosingAConfigurationResetsThePipes) {
   EXPECT_CALL(pipes_, ResetAll());
   EXPECT_THAT(Ask({0x00, 9, 1, 0, 0, 0, 0, 0}), Optional(IsEmpty()));
-  EXPECT_TRUE(pipe_.configured());
+  EXPECT_TRUE(pipe_.Configured());
   EXPECT_THAT(Ask({0x80, 8, 0, 0, 0, 0, 1, 0}), Optional(ElementsAre(1)));
 }
 
 TEST_F(ControlPipeTest, StallsAConfigurationThatDoesNotExist) {
   EXPECT_EQ(Ask({0x00, 9, 2, 0, 0, 0, 0, 0}), std::nullopt);
-  EXPECT_FALSE(pipe_.configured());
+  EXPECT_FALSE(pipe_.Configured());
 }
 
 TEST_F(ControlPipeTest, TellsThatThereIsOneLogicalUnit) {

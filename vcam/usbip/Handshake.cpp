@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "vcam/usbip/BigEndian.h"
-#include "vcam/usbip/Wire.h"
+#include "vcam/usbip/Messages.h"
 
 namespace vcam::usbip {
 namespace {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "vcam/usbip/Wire.h"
+#include "vcam/usbip/Messages.h"
 
 namespace vcam::usbip {
 namespace {

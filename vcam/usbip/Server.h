@@ -23,7 +23,7 @@ class Server {
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
-  std::uint16_t port() const { return port_; }
+  std::uint16_t Port() const { return port_; }
   /// Called with one sentence about every host that broke the protocol.
   std::function<void(const std::string&)> onComplaint = [](const std::string&) {};
 

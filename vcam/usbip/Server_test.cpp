@@ -8,7 +8,7 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
-#include "vcam/usbip/UsbDoor.h"
+#include "vcam/usbip/CameraModel.h"
 
 namespace vcam::usbip {
 namespace {
@@ -31,7 +31,7 @@ class ServerTest : public ::testing::Test {
     base::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = htons(server_.port());
+    address.sin_port = htons(server_.Port());
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     EXPECT_EQ(::connect(socket.Get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
     return socket;

@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "base/FileDescriptor.h"
+#include "vcam/usbip/Messages.h"
 #include "vcam/usbip/UsbCamera.h"
-#include "vcam/usbip/Wire.h"
 
 namespace vcam::usbip {
 

@@ -19,7 +19,7 @@ UsbCamera::UsbCamera(CameraModel model)
 void UsbCamera::Submit(usbip::Submit submit, Clock::time_point now) {
   if (submit.endpoint == 0) {
     Control(submit);
-  } else if (!control_.configured()) {
+  } else if (!control_.Configured()) {
     Finish(submit, {kUrbStall, 0, {}, false});
   } else if (submit.endpoint == kBulkOut && !submit.in) {
     const std::int32_t status = bulk_.Give(submit.data, now);
@@ -83,8 +83,8 @@ void UsbCamera::SetHalt(std::uint8_t address, bool halted) {
 }
 
 bool UsbCamera::Halted(std::uint8_t address) const {
-  if (address == kBulkInAddress) return bulk_.haltedIn();
-  return address == kBulkOut && bulk_.haltedOut();
+  if (address == kBulkInAddress) return bulk_.HaltedIn();
+  return address == kBulkOut && bulk_.HaltedOut();
 }
 
 }  // namespace vcam::usbip

@@ -9,8 +9,8 @@
 
 #include "vcam/usbip/BulkOnly.h"
 #include "vcam/usbip/ControlPipe.h"
+#include "vcam/usbip/Messages.h"
 #include "vcam/usbip/ScsiUnit.h"
-#include "vcam/usbip/Wire.h"
 
 namespace vcam::usbip {
 

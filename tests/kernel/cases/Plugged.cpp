@@ -62,7 +62,7 @@ Plugged::Plugged(vcam::Options options, Speed speed)
       usb_(vcam::usbip::ModelOf(camera_, cable_, speed)),
       session_(PlugIn(speed), DeviceId(speed), usb_),
       server_([this] { session_.Run(); }) {
-  const std::string serial = camera_.options().serial;
+  const std::string serial = camera_.GetOptions().serial;
   const bool there = Eventually([&] { return !(node_ = NodeOf(serial)).empty(); });
   if (!there) Pull(), server_.join();
   tap::Check(there, "camera " + serial + " was plugged in and never got a node");

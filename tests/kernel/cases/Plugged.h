@@ -7,8 +7,8 @@
 
 #include "vcam/camera/VirtualCamera.h"
 #include "vcam/usbip/CableFaults.h"
+#include "vcam/usbip/CameraModel.h"
 #include "vcam/usbip/Session.h"
-#include "vcam/usbip/UsbDoor.h"
 
 /// A virtual camera that hangs on this kernel's virtual USB host while the object lives.
 class Plugged {

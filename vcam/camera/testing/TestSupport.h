@@ -30,7 +30,7 @@ class ScratchStorage {
   ScratchStorage(const ScratchStorage&) = delete;
   ScratchStorage& operator=(const ScratchStorage&) = delete;
 
-  const std::filesystem::path& path() const { return path_; }
+  const std::filesystem::path& Path() const { return path_; }
 
   void Put(const std::string& name, std::string_view content) const {
     std::filesystem::create_directories((path_ / name).parent_path());

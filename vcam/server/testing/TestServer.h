@@ -17,13 +17,13 @@ namespace vcam::server::test {
 class TestServer {
  public:
   TestServer() : stop_(::eventfd(0, EFD_CLOEXEC)) {
-    server_.emplace(path());
+    server_.emplace(Path());
     thread_ = std::thread([this] { server_->Run(stop_.Get()); });
   }
   ~TestServer() { Stop(); }
 
-  std::string path() const { return (scratch_.path() / "bus").string(); }
-  const vcam::test::ScratchStorage& scratch() const { return scratch_; }
+  std::string Path() const { return (scratch_.Path() / "bus").string(); }
+  const vcam::test::ScratchStorage& Scratch() const { return scratch_; }
 
   /// Ends the bus, as if its process had ended.
   void Stop() {

@@ -1,5 +1,5 @@
-#ifndef KELVA_VCAM_USBIP_WIRE_H_
-#define KELVA_VCAM_USBIP_WIRE_H_
+#ifndef KELVA_VCAM_USBIP_MESSAGES_H_
+#define KELVA_VCAM_USBIP_MESSAGES_H_
 
 #include <array>
 #include <cstdint>
@@ -74,4 +74,4 @@ Header EncodeUnlinked(std::uint32_t sequence, std::int32_t status);
 
 }  // namespace vcam::usbip
 
-#endif  // KELVA_VCAM_USBIP_WIRE_H_
+#endif  // KELVA_VCAM_USBIP_MESSAGES_H_

@@ -1,9 +1,9 @@
-#include "vcam/usbip/UsbDoor.h"
+#include "vcam/usbip/CameraModel.h"
 
 namespace vcam::usbip {
 
 CameraModel ModelOf(VirtualCamera& camera, CableFaults& faults, Speed speed) {
-  const Options& options = camera.options();
+  const Options& options = camera.GetOptions();
   CameraModel model;
   model.identity = {options.vendor, options.product, options.serial, speed};
   model.inquiry = camera.InquiryData();

@@ -1,5 +1,5 @@
-#ifndef KELVA_VCAM_USBIP_USB_DOOR_H_
-#define KELVA_VCAM_USBIP_USB_DOOR_H_
+#ifndef KELVA_VCAM_USBIP_CAMERA_MODEL_H_
+#define KELVA_VCAM_USBIP_CAMERA_MODEL_H_
 
 #include "vcam/camera/VirtualCamera.h"
 #include "vcam/usbip/CableFaults.h"
@@ -16,4 +16,4 @@ Offer OfferOf(Speed speed);
 
 }  // namespace vcam::usbip
 
-#endif  // KELVA_VCAM_USBIP_USB_DOOR_H_
+#endif  // KELVA_VCAM_USBIP_CAMERA_MODEL_H_

@@ -1,4 +1,4 @@
-#include "vcam/usbip/UsbDoor.h"
+#include "vcam/usbip/CameraModel.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,10 +11,10 @@ namespace {
 
 using ::testing::SizeIs;
 
-class UsbDoorTest : public ::testing::Test {
+class CameraModelTest : public ::testing::Test {
  protected:
-  UsbDoorTest() { std::filesystem::create_directories(folder_); }
-  ~UsbDoorTest() override { std::filesystem::remove_all(folder_); }
+  CameraModelTest() { std::filesystem::create_directories(folder_); }
+  ~CameraModelTest() override { std::filesystem::remove_all(folder_); }
   Options CameraOptions() {
     Options options;
     options.serial = "A7";
@@ -27,7 +27,7 @@ class UsbDoorTest : public ::testing::Test {
       std::filesystem::temp_directory_path() / ("kelva-usb-door-" + std::to_string(::getpid()));
 };
 
-TEST_F(UsbDoorTest, CommandsReachTheCameraAndCountAsItsOwn) {
+TEST_F(CameraModelTest, CommandsReachTheCameraAndCountAsItsOwn) {
   VirtualCamera camera(CameraOptions());
   CableFaults faults;
   const CameraModel model = ModelOf(camera, faults, Speed::kSuper);
@@ -43,7 +43,7 @@ TEST_F(UsbDoorTest, CommandsReachTheCameraAndCountAsItsOwn) {
   EXPECT_EQ(model.execute(ready).transport, wire::Transport::kGone);
 }
 
-TEST_F(UsbDoorTest, FaultsOfTheCableAreAskedForOncePerCommand) {
+TEST_F(CameraModelTest, FaultsOfTheCableAreAskedForOncePerCommand) {
   VirtualCamera camera(CameraOptions());
   CableFaults faults;
   const CameraModel model = ModelOf(camera, faults, Speed::kHigh);

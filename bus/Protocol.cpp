@@ -1,4 +1,4 @@
-#include "bus/Wire.h"
+#include "bus/Protocol.h"
 
 #include "bus/PayloadReader.h"
 

@@ -1,4 +1,4 @@
-#include "vcam/usbip/Wire.h"
+#include "vcam/usbip/Messages.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#ifndef KELVA_BUS_WIRE_H_
-#define KELVA_BUS_WIRE_H_
+#ifndef KELVA_BUS_PROTOCOL_H_
+#define KELVA_BUS_PROTOCOL_H_
 
 #include <cstdint>
 #include <optional>
@@ -110,4 +110,4 @@ base::Bytes EncodeFrame(Kind kind, std::uint32_t tag, std::span<const std::uint8
 
 }  // namespace bus
 
-#endif  // KELVA_BUS_WIRE_H_
+#endif  // KELVA_BUS_PROTOCOL_H_
