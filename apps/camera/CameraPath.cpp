@@ -1,3 +1,5 @@
+// Paths on the camera: as people type them, as the camera wants them, and whether they exist.
+
 #include "apps/camera/CameraPath.h"
 
 #include <algorithm>

@@ -10,8 +10,8 @@
 
 namespace apps {
 
-/// A path as a person types it, made a camera's: forward slashes become backslashes (no file of a camera can have one in
-/// its name) and trailing ones go. Throws Failure(kUsage) for an empty path and one without a drive ("I:").
+/// A path as a person types it, made a camera's: forward slashes become backslashes (no file of a camera can have one
+/// in its name) and trailing ones go. Throws Failure(kUsage) for an empty path and one without a drive ("I:").
 std::string ToCameraPath(std::string_view typed);
 
 struct SplitPath {

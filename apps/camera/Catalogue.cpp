@@ -1,3 +1,5 @@
+// Finds the picture that a person means, and shows pictures in results.
+
 #include "apps/camera/Catalogue.h"
 
 #include <algorithm>

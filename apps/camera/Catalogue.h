@@ -10,8 +10,8 @@
 
 namespace apps {
 
-/// The pictures of `catalogue` that a person means: "IMG_0001", "100ABCDE/IMG_0001", with or without an extension, in any
-/// case. Throws Failure when there is none, or several.
+/// The pictures of `catalogue` that a person means: "IMG_0001", "100ABCDE/IMG_0001", with or without an extension, in
+/// any case. Throws Failure when there is none, or several.
 DcfObj FindPicture(const std::vector<DcfObj>& catalogue, const std::string& name);
 
 /// "100ABCDE/IMG_0001", printable.

@@ -1,3 +1,5 @@
+// The camera's clock record as a time, and times as text.
+
 #include "apps/camera/Clock.h"
 
 #include <array>

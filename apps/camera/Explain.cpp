@@ -1,3 +1,5 @@
+// Turns any exception into the outcome of a command.
+
 #include "apps/camera/Explain.h"
 
 #include <new>

@@ -1,3 +1,5 @@
+// Watches cameras come and go, for `kelva watch` and `kelva wait`.
+
 #include "apps/camera/Hotplug.h"
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -1,3 +1,5 @@
+// The texts in a camera's information record.
+
 #include "apps/camera/Information.h"
 
 #include <algorithm>

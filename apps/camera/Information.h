@@ -8,8 +8,9 @@
 
 namespace apps {
 
-/// The texts of an information record: NUL-terminated, one after another, empty ones included, up to the last that is not. They are the
-/// camera's own; this project's cameras send serial number, vendor, product, revision, firmware and volume label.
+/// The texts of an information record: NUL-terminated, one after another, empty ones included, up to the last that is
+/// not. They are the camera's own; this project's cameras send serial number, vendor, product, revision, firmware and
+/// volume label.
 std::vector<std::string> InformationTexts(const _VscCdbCameraInformation& record);
 
 /// The firmware among them, empty when the camera does not say.

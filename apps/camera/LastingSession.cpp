@@ -1,3 +1,5 @@
+// Follows one camera through restarts, for firmware upgrades and `kelva reboot`.
+
 #include "apps/camera/LastingSession.h"
 
 #include <chrono>

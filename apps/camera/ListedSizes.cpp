@@ -1,3 +1,5 @@
+// Compares the size of what arrived with what the folder lists.
+
 #include "apps/camera/ListedSizes.h"
 
 #include "apps/camera/CameraPath.h"

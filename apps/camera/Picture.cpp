@@ -1,3 +1,5 @@
+// Names, types, key and time of a picture, from its catalogue record.
+
 #include "apps/camera/Picture.h"
 
 #include <algorithm>

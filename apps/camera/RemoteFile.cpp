@@ -1,3 +1,5 @@
+// Reads, writes and deletes one file on the camera, and checks what the library does not.
+
 #include "apps/camera/RemoteFile.h"
 
 #include "apps/camera/CameraPath.h"

@@ -1,3 +1,5 @@
+// Opens the camera that a command means, and explains why it cannot.
+
 #include "apps/camera/Session.h"
 
 #include <utility>

@@ -1,3 +1,5 @@
+// Cuts a bundle into its files while its chunks arrive.
+
 #include "BundleSplitter.h"
 
 #include <algorithm>
@@ -16,10 +18,10 @@ void BundleSplitter::Append(std::span<const char> bytes) {
   head_.insert(head_.end(), bytes.begin(), bytes.end());
   table_ = decoder_(head_);
   if (table_) {
-    // The first body may start inside the table: the crash logs' does.
+    // In the crash-log bundle the first body starts four bytes before the table's end, so the head is kept until here.
     const auto start = static_cast<std::size_t>(std::min<std::uint64_t>(table_->bodyStart, head_.size()));
     AppendToBodies(std::span<const char>(head_).subspan(start));
-    std::vector<char>().swap(head_);
+    std::vector<char>().swap(head_);  // frees the memory, which clear() would keep
   }
 }
 

@@ -13,17 +13,17 @@
 
 namespace kelva {
 
-/// What a bundle's table says: a record for each entry, `name` and `size` filled, and where the first body starts.
+/// A decoded table: one record for each entry, with `name` and `size`, and the offset of the first body.
 struct BundleTable {
   std::vector<_Sha1obj> entries;
   std::uint64_t bodyStart;
 };
 
-/// Decodes the table at the start of a bundle from the bytes that are there so far; nothing while it is not whole.
+/// Decodes the table from the bytes of a bundle that have arrived; nothing while the table is incomplete.
 using TableDecoder = std::function<std::optional<BundleTable>(std::span<const char>)>;
 
 /// Splits a bundle into its files while it arrives, so that each byte is stored once, in the record that it belongs to.
-/// What the table claims is believed only as bytes arrive.
+/// Sizes in the table are a camera's claim: memory grows only as bytes arrive.
 class BundleSplitter final : public ChunkSink {
  public:
   explicit BundleSplitter(TableDecoder decoder);
@@ -34,7 +34,7 @@ class BundleSplitter final : public ChunkSink {
   std::uint64_t Received() const { return received_; }
   /// The table, once it is whole.
   const std::optional<BundleTable>& Table() const { return table_; }
-  /// Hands over the records whose size is not 0, in table order; empty when the table or a body is short.
+  /// Moves out the records whose size is not 0, in table order. Empty when the table or a body is incomplete.
   std::vector<_Sha1obj> TakeFiles();
 
  private:

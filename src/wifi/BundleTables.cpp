@@ -1,3 +1,5 @@
+// The four tables that a bundle can begin with, and the public functions that decode them without a length.
+
 #include "BundleTables.h"
 
 #include <algorithm>

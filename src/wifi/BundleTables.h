@@ -8,12 +8,12 @@
 
 #include "BundleSplitter.h"
 
-// The tables of the four bundles, decoded within the bytes that are there.
+// The tables of the four bundles. Each decoder reads only the bytes that have arrived.
 
 namespace kelva {
 
-/// A count N, N entries of 36 bytes, and the bodies from 36 x N, four bytes before the table's end. Whole with its first
-/// 36 x N bytes and the end of its last name.
+/// A count N, N entries of 36 bytes, and the bodies from 36 x N, four bytes before the table's end. Whole with its
+/// first 36 x N bytes and the end of its last name.
 std::optional<BundleTable> DecodeCrashLogTable(std::span<const char> bundle);
 
 /// 31 entries of 36 bytes, then the bodies.

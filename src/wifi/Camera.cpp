@@ -1,3 +1,5 @@
+// What belongs to no command: construction, the hex-dump switch, comparison.
+
 #include "Camera.h"
 
 #include <utility>

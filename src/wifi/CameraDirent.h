@@ -5,7 +5,7 @@
 
 /// One entry of a directory listing, by value, as the camera gives it.
 struct CameraDirent {
-  std::string name;  ///< without any directory part; the camera's bytes, so not to be trusted as a file name
+  std::string name;  ///< without a directory part; bytes from the camera, not safe as a file name
   int size;          ///< bytes
   int attributes;    ///< FAT attribute bits (kelva::kAttribute...), as they came
 };

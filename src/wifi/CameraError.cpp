@@ -1,10 +1,12 @@
+// The two exception classes of the command set.
+
 #include "CameraError.h"
 
 CameraError::CameraError() : message_("Camera error."), text_(message_.c_str()) {}
 
 CameraError::CameraError(const std::string& msg) : message_("Camera error: " + msg), text_(message_.c_str()) {}
 
-// A copied pointer would still look at the other object's characters.
+// A copied pointer would point into the other object's message.
 CameraError::CameraError(const CameraError& other)
     : std::exception(other), message_(other.message_), text_(message_.c_str()) {}
 

@@ -1,5 +1,5 @@
-// Finding one camera among those that the platform enumerates. Apart from the rest of Camera, so that a program over a
-// transport of its own needs no platform.
+// Finds one camera among those that the platform enumerates. A file of its own, so that a program with its own
+// transport does not link a platform.
 
 #include <utility>
 

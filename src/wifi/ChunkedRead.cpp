@@ -1,3 +1,5 @@
+// The read loop behind every command that fetches more than a short answer.
+
 #include "ChunkedRead.h"
 
 #include <algorithm>
@@ -23,7 +25,7 @@ bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, C
   std::vector<char> buffer;
   for (std::uint32_t offset = 0;;) {
     read.progress.BeforeChunk(offset);
-    const int asked = chunkSize;
+    const int asked = chunkSize;  // a copy: the transfer below may change the camera's chunk size
     if (asked <= 0) return false;
     const auto capacity = static_cast<std::uint32_t>(asked);
     if (buffer.size() < capacity) buffer.resize(capacity);
@@ -32,6 +34,7 @@ bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, C
     if (!camera.Transfer(cdb, kFromCamera, moved, buffer.data(), read.flag)) return false;
     sink.Append({buffer.data(), BytesArrived(moved, capacity)});
     if (moved != asked) return true;
+    // The offset has 32 bits on the wire. A camera that never sends a short chunk must not start over at 0.
     if (offset > std::numeric_limits<std::uint32_t>::max() - capacity) return false;
     offset += capacity;
   }

@@ -13,29 +13,30 @@
 
 namespace kelva {
 
-/// The largest size that is set aside on a camera's word alone; what is larger grows with what arrives.
+/// The most memory that is reserved because a camera announced it. Larger results grow as bytes arrive, so that a false
+/// announcement costs nothing.
 inline constexpr std::size_t kLargestReservation = std::size_t{64} * 1024 * 1024;
 
-/// Takes the chunks of a read, in order, as they arrive.
+/// Receives the chunks of a read, in order, as they arrive.
 class ChunkSink {
  public:
   virtual ~ChunkSink() = default;
-  /// The bytes are the caller's and valid during the call only.
+  /// The bytes are valid during the call only.
   virtual void Append(std::span<const char> bytes) = 0;
 };
 
-/// Gathers a read in one vector.
+/// Collects a read in one vector.
 class VectorSink final : public ChunkSink {
  public:
-  /// Keeps all that arrives.
+  /// Keeps everything that arrives.
   VectorSink() = default;
-  /// Keeps the first `claimed` bytes, the size that the camera announced, and counts the rest.
+  /// Keeps the first `claimed` bytes (the size that the camera announced) and counts the rest.
   explicit VectorSink(std::size_t claimed);
 
   void Append(std::span<const char> bytes) override;
   /// Bytes that arrived, kept or not.
   std::uint64_t Received() const { return received_; }
-  /// Hands over what was kept.
+  /// Moves out the bytes that were kept.
   std::vector<char> Take() { return std::move(data_); }
 
  private:
@@ -53,8 +54,7 @@ struct ChunkedRead {
 
 /// The chunked read loop: asks for `chunkSize` bytes at offset 0, chunkSize, 2 x chunkSize ... into one buffer until
 /// the first chunk that is not full. `chunkSize` is read anew before each request. False when a transfer returned
-/// false, when the next offset would not fit 32 bits, or when there is no positive chunk size; the sink's content is
-/// then void.
+/// false, the next offset exceeds 32 bits, or the chunk size is not positive; the sink then holds an unusable part.
 bool ReadChunks(Camera& camera, const int& chunkSize, const ChunkedRead& read, ChunkSink& sink);
 
 }  // namespace kelva

@@ -1,3 +1,5 @@
+// The write loop of files and firmware images.
+
 #include "ChunkedWrite.h"
 
 #include <algorithm>
@@ -21,7 +23,7 @@ void WriteChunks(Camera& camera, const int& chunkSize, const ChunkedWrite& write
   for (int offset = 0; offset < write.length;) {
     ReportWriteProgress(write, offset);
     const int chunk = std::min(write.length - offset, chunkSize);
-    if (chunk <= 0) return;
+    if (chunk <= 0) return;  // a chunk size of 0 or less would loop for ever
     StoreU32(cdb.bytes + at::kWriteOffset, static_cast<std::uint32_t>(offset));
     SendBytes(camera, cdb, write.data + offset, chunk, true);
     offset += chunk;

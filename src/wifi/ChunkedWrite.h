@@ -5,7 +5,7 @@
 
 namespace kelva {
 
-/// What is written, and who is told about it: `progress` is called before each chunk whose offset is a whole multiple
+/// What to write and whom to tell: `progress` is called before each chunk whose offset is a whole multiple
 /// of `progressInterval`, which is read anew before each chunk.
 struct ChunkedWrite {
   const char* data;
@@ -15,8 +15,8 @@ struct ChunkedWrite {
   const int& progressInterval;
 };
 
-/// The chunked write loop: sends the data in chunks of at most `chunkSize` bytes. The outcome of a transfer is not
-/// looked at, and the loop does not stop on a failed one; what a transfer throws passes through.
+/// The chunked write loop: sends the data in chunks of at most `chunkSize` bytes. It ignores the result of a transfer
+/// and goes on after a failed one; only an exception ends it.
 void WriteChunks(Camera& camera, const int& chunkSize, const ChunkedWrite& write);
 
 }  // namespace kelva

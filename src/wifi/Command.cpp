@@ -1,3 +1,5 @@
+// Building blocks of every command: the command block, and transfers of the usual shapes.
+
 #include "Command.h"
 
 #include <algorithm>
@@ -26,7 +28,7 @@ bool SendCommand(Camera& camera, const _VscCdb& cdb, bool flag) {
 }
 
 bool SendBytes(Camera& camera, const _VscCdb& cdb, const char* bytes, int size, bool flag) {
-  // The transport takes one buffer type for both directions and only reads this one.
+  // Transfer takes a char* for both directions; here it only reads.
   return camera.Transfer(cdb, kToCamera, size, const_cast<char*>(bytes), flag);
 }
 

@@ -1,3 +1,5 @@
+// Decodes picture records by the field table of the catalogue's header.
+
 #include "DcfLayout.h"
 
 #include <cstring>
@@ -8,7 +10,7 @@
 namespace kelva {
 namespace {
 
-/// Where a field of each type goes in DcfObj, and how many bytes it has there and in a record.
+/// Where a field goes in DcfObj, and its size. The index is the field type.
 struct Destination {
   std::size_t offset;
   std::uint32_t size;

@@ -9,10 +9,11 @@
 
 namespace kelva {
 
-/// Bytes of the header with its field table: 12 + 8 x field count, which a hostile count makes negative or huge.
+/// The size of the header with its field table, 12 + 8 x field count. A hostile count makes it negative or huge; in 64
+/// bits it cannot overflow.
 std::int64_t DcfHeaderSize(const _VscCdbDcfHeader& header);
 
-/// Bytes of a field of this type inside a record; 0 for a type that is not known.
+/// The size of a field of this type; 0 for an unknown type.
 std::uint32_t DcfFieldSize(std::uint32_t type);
 
 /// One descriptor of the field table.
@@ -21,11 +22,11 @@ struct DcfField {
   std::uint32_t offset;
 };
 
-/// Descriptor `index` of the table behind the header, which must be whole.
+/// Descriptor `index` of the field table, which must be complete.
 DcfField DcfFieldAt(const _VscCdbDcfHeader* header, int index);
 
-/// Where each known field lies in a record, looked up once for a whole catalogue. Of several descriptors of one type
-/// the last one counts. A field whose end (offset + size) exceeds 32 bits is skipped.
+/// Where each known field lies in a record. Computed once for a catalogue and used for each of its records. Of several
+/// descriptors of one type the last one counts. A field whose end (offset + size) exceeds 32 bits is skipped.
 class DcfLayout {
  public:
   explicit DcfLayout(const _VscCdbDcfHeader* header);

@@ -5,8 +5,8 @@
 #include <type_traits>
 
 /// One picture of the camera's catalogue, a plain record copied by value. A field that the catalogue does not carry is
-/// zero. The first 24 bytes are the picture's identity; they go back to the camera as they came when the picture is
-/// deleted, so the layout is fixed.
+/// zero. The first 24 bytes identify the picture: DeleteDcfObject sends them back to the camera unchanged, so the
+/// layout is fixed.
 struct DcfObj {
   char directorySuffix[8];  ///< NUL-terminated; the text after the three digits of the directory's name
   char filePrefix[8];       ///< NUL-terminated; the text before the four digits of the file's name
@@ -16,7 +16,7 @@ struct DcfObj {
   unsigned int hasRaw;      ///< not 0 when the picture has a "RAW" file (file type 2)
   unsigned int hasTxt;      ///< not 0 when the picture has a "TXT" file (file type 3)
   unsigned int has128;      ///< not 0 when the picture has a "128" file (file type 4)
-  unsigned int value5;      ///< handed on uninterpreted, like the four that follow
+  unsigned int value5;      ///< not interpreted by the library, like the four fields below
   float value6;
   char block7[48];
   char block8[28];
@@ -33,7 +33,7 @@ static_assert(std::is_trivially_copyable_v<DcfObj>);
 
 #pragma pack(push, 1)
 /// The start of the catalogue answer. `fieldCount` descriptors of 8 bytes (type, offset; both unsigned 32-bit) follow,
-/// then the picture records. Packed, so that a pointer to it may point anywhere into an answer.
+/// then the picture records. Packed, so that a pointer to it needs no alignment.
 struct _VscCdbDcfHeader {
   int version;     ///< must be 1
   int stride;      ///< bytes per picture record

@@ -1,4 +1,4 @@
-// Directory listings, and the walk over a whole subtree.
+// Lists one directory, and walks a whole subtree.
 
 #include <string>
 #include <utility>

@@ -1,3 +1,5 @@
+// Decodes the answer of a directory listing, whatever a camera claims in it.
+
 #include "DirectoryListing.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Ends the process. A file of its own, so that a fuzzer can link another ending.
+
 #include "FatalAssertion.h"
 
 #include <cstdio>

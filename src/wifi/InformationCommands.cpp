@@ -18,7 +18,7 @@ namespace {
 constexpr int kConsoleHeader = 8;
 constexpr std::int32_t kConsoleVersion = 1;
 
-/// A caller that polls until there is no more keeps asking after an error.
+/// Sets `more`, so that a caller who polls until the log is empty asks again after an error.
 std::string FailConsoleLog(const char* message, bool& more) {
   kelva::ReportProtocolError(message);
   more = true;
@@ -53,7 +53,7 @@ std::string Camera::ConsoleLog(bool& more) {
   std::vector<char> buffer(static_cast<std::size_t>(std::max(size, kConsoleHeader)));
   ClearCancel(true);
   Transfer(Block(Operation::kQuery, kelva::query::kConsoleLog), kelva::kFromCamera, size, buffer.data(), true);
-  // The version is looked at first, even before the size.
+  // The version is checked before the size, also when no version arrived.
   if (kelva::LoadI32(buffer.data()) != kConsoleVersion) return FailConsoleLog("ConsoleLog() version incorrect.", more);
   if (size < kConsoleHeader) return FailConsoleLog("ConsoleLog() return size incorrect.", more);
   more = kelva::LoadU32(buffer.data() + 4) != 0;
@@ -73,7 +73,7 @@ void Camera::UpgradeStatus(float& progress, bool& first, bool& second) {
   char answer[12] = {};
   ClearCancel(true);
   int size = sizeof(answer);
-  // Only the size counts here, as in IsReady.
+  // Transfer's result is ignored, as in IsReady: only the size counts.
   Transfer(Block(Operation::kQuery, kelva::query::kUpgradeStatus), kelva::kFromCamera, size, answer, true);
   if (size != sizeof(answer)) {
     kelva::ReportProtocolError("UpgradeStatus() response size incorrect.");

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstdint>
 
-// The one place that turns wire bytes into numbers and back. Pointers need no alignment.
+// Turns wire bytes into numbers and back. Pointers need no alignment.
 
 namespace kelva {
 

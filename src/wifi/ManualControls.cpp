@@ -17,7 +17,7 @@ namespace {
 constexpr int kAskedSize = 40;
 constexpr int kWireSize = 32;
 
-/// The wire form has no gaps between its fields.
+/// Decodes the wire form, which has no gaps between its fields (the struct has).
 _ManualControlsState Decode(const char (&wire)[kWireSize]) {
   _ManualControlsState state{};
   state.first = kelva::LoadI32(wire);
@@ -53,7 +53,7 @@ bool Camera::SetManualControl(int control, std::string value) {
   ClearCancel(true);
   _VscCdb cdb = Block(Operation::kAction, kelva::action::kManualControl);
   cdb.bytes[kelva::at::kParameter] = static_cast<unsigned char>(control);
-  // A size and a buffer with no data phase: the camera is told that the command came, and the value stays here.
+  // A size and a buffer, but no data phase: the camera sees the command, and the value does not leave the host.
   int size = static_cast<int>(value.size()) + 1;
   return Transfer(cdb, kelva::kNoData, size, value.data(), true);
 }

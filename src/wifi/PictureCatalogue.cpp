@@ -1,4 +1,4 @@
-// The picture catalogue, and what can be done with one of its pictures.
+// The picture catalogue, and the commands that name, read and delete one of its pictures.
 
 #include <algorithm>
 #include <boost/format.hpp>
@@ -84,7 +84,7 @@ bool Camera::ValidateDcfHeader(const _VscCdbDcfHeader* header) {
   }
   for (int i = 0; i < header->fieldCount; ++i) {
     const kelva::DcfField field = kelva::DcfFieldAt(header, i);
-    // A 32-bit sum: an offset near 2^32 passes here, and the layout skips the field.
+    // The sum has 32 bits on purpose: an offset near 2^32 passes here. DcfLayout skips such a field.
     const std::uint32_t end = kelva::DcfFieldSize(field.type) + field.offset;
     if (end > static_cast<std::uint32_t>(header->stride)) {
       kelva::ReportProtocolError("DCF field too big.");

@@ -1,3 +1,5 @@
+// Decides before each chunk of a read whether the progress callback is due.
+
 #include "Progress.h"
 
 namespace kelva {

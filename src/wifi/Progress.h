@@ -5,10 +5,10 @@
 
 namespace kelva {
 
-/// When a long read tells its caller how far it is: before a chunk, with the fraction of bytes already transferred.
+/// Reports the progress of a long read: before a chunk, with the fraction of bytes already transferred.
 class ReadProgress {
  public:
-  /// Reports nothing: the total is not known.
+  /// Reports nothing, for reads of an unknown size.
   static ReadProgress None() { return {}; }
 
   /// Before each chunk whose offset is a whole multiple of `*interval`, offset 0 included; never when that is 0. The

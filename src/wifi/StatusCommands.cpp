@@ -1,5 +1,5 @@
-// The short commands that query or change the camera's state. They differ on purpose in whether they ask IsOpen first,
-// whether they check the answer's size, and what they return when something is wrong.
+// The short commands that query or change the camera's state. They look alike but differ in three ways that callers
+// rely on: whether they ask IsOpen first, whether they check the answer's size, and what they return after an error.
 
 #include <bit>
 #include <cstring>
@@ -47,7 +47,7 @@ bool Camera::IsReady() {
   ClearCancel(true);
   char answer[4] = {};
   int size = sizeof(answer);
-  // Only the size counts here: a transport that returns false but moved 4 bytes has answered.
+  // Transfer's result is ignored: a transport that returned false but moved 4 bytes has answered.
   Transfer(Block(Operation::kQuery, kelva::query::kReady), kelva::kFromCamera, size, answer, true);
   if (size != sizeof(answer)) {
     kelva::ReportProtocolError("IsReady() response size incorrect.");
@@ -80,7 +80,7 @@ _VscCdbTime Camera::GetTime() {
     return time;
   }
   kelva::ReportProtocolError();
-  // Bytes 2 and 3 keep whatever the short answer left in them.
+  // Bytes 2 and 3 are not reset: they keep what the short answer left in them.
   std::memset(time.bytes, 0, 2);
   std::memset(time.bytes + 4, 0, sizeof(time.bytes) - 4);
   return time;

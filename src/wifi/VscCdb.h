@@ -5,8 +5,8 @@
 
 /// The 16-byte command descriptor block of a vendor command, as it travels.
 ///
-/// Byte 0 is the operation code, byte 1 is 0, byte 2 the sub-code, parameters follow from byte 3 in little-endian order
-/// and need not be aligned. Bytes that a command does not name are 0.
+/// Byte 0 is the operation code, byte 1 is 0, byte 2 the sub-code. Parameters follow from byte 3, little-endian and
+/// unaligned. Bytes that a command does not use are 0.
 struct _VscCdb {
   unsigned char bytes[16];
 };

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <type_traits>
 
-/// The camera's clock: 14 bytes that the library moves as they are, in both directions, and never looks inside.
+/// The camera's clock: 14 bytes that the library copies in both directions and never interprets.
 struct _VscCdbTime {
   unsigned char bytes[14];
 };
@@ -23,7 +23,7 @@ static_assert(sizeof(_VscCdbCameraInformation) == 644);
 static_assert(offsetof(_VscCdbCameraInformation, last) == 640);
 static_assert(std::is_trivially_copyable_v<_VscCdbCameraInformation>);
 
-/// The Wi-Fi setting that a command addresses; 0 and 1 are accepted. Which network each stands for is the camera's.
+/// The Wi-Fi setting that a command addresses: 0 or 1. The camera defines which network each one is.
 enum _VscWifiType : int {
   kVscWifiType0 = 0,
   kVscWifiType1 = 1,
@@ -38,8 +38,8 @@ enum _VscWifiAuthType : int {
 
 static_assert(sizeof(_VscWifiType) == 4 && sizeof(_VscWifiAuthType) == 4);
 
-/// The manual exposure controls. What each field stands for is the camera's. On the wire the six fields follow one
-/// another without gaps, little-endian, in 32 bytes.
+/// The manual exposure controls; the camera defines what each field means. On the wire the six fields take 32 bytes,
+/// little-endian and without gaps.
 struct _ManualControlsState {
   int first;
   int second;

@@ -1,7 +1,8 @@
 #ifndef KELVA_WIFI_VSC_REGISTER_H_
 #define KELVA_WIFI_VSC_REGISTER_H_
 
-// The register of the vendor command set: every operation code and sub-code, once. Both sides of the wire use it.
+// The register of the vendor command set (VSC, vendor-specific command): every operation code and sub-code, once. The
+// library and the virtual camera use it.
 
 #include <cstdint>
 
@@ -13,7 +14,7 @@ enum class Operation : std::uint8_t {
   kBeginUpgrade = 0xC1,  ///< no sub-code; bytes 2-5 carry the image's length
   kSelect = 0xC2,        ///< selects a data set for later reading or writing
   kEndWrite = 0xC3,      ///< closes the file that is being written
-  kReadChunk = 0xC4,     ///< byte 2 tells how it was selected; bytes 3-6 carry the offset
+  kReadChunk = 0xC4,     ///< byte 2 is a read_chunk sub-code; bytes 3-6 carry the offset
   kWriteChunk = 0xC5,    ///< no sub-code; bytes 2-5 carry the offset
   kQuery = 0xC6,         ///< a short answer from the camera
 };
@@ -74,13 +75,13 @@ inline constexpr std::uint8_t kBattery = 0x06;
 inline constexpr std::uint8_t kManualControls = 0x07;
 }  // namespace query
 
-/// Where a command block carries what.
+/// Offsets of the parts of a command block.
 namespace at {
 inline constexpr unsigned kOperation = 0;
 inline constexpr unsigned kSubCode = 2;
 inline constexpr unsigned kParameter = 3;    ///< one byte that qualifies the sub-code
-inline constexpr unsigned kReadOffset = 3;   ///< 32-bit, after a sub-code
-inline constexpr unsigned kWriteOffset = 2;  ///< 32-bit, in place of a sub-code
+inline constexpr unsigned kReadOffset = 3;   ///< 32-bit, behind the sub-code
+inline constexpr unsigned kWriteOffset = 2;  ///< 32-bit, in place of the sub-code
 inline constexpr unsigned kUpgradeLength = 2;
 }  // namespace at
 

@@ -1,4 +1,4 @@
-// The camera's Wi-Fi settings. Arguments that are not accepted return false before anything is sent, never throw.
+// The camera's Wi-Fi settings. An argument that is not accepted returns false, without a transfer or an exception.
 
 #include <optional>
 
@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kNamePrefix = "kelva.camera.";
 constexpr std::size_t kLongestName = 32;
-constexpr std::size_t kShortestPassphrase = 9;  // one more than the radio standard asks; the camera's rule
+constexpr std::size_t kShortestPassphrase = 9;  // the camera wants one more than the Wi-Fi standard
 constexpr std::size_t kLongestPassphrase = 63;
 
 std::optional<std::uint8_t> SubCodeFor(_VscWifiType type, std::uint8_t type0, std::uint8_t type1) {
@@ -37,7 +37,7 @@ std::optional<std::string> AuthText(_VscWifiAuthType auth) {
   return std::nullopt;
 }
 
-/// Sends a setting whose sub-code depends on the type; the cancel state is cleared before the type is looked at.
+/// Sends a setting. Clears the cancel state also for an unknown type, which has no sub-code and sends nothing.
 bool SendSetting(Camera& camera, std::optional<std::uint8_t> subCode, const std::string& text) {
   camera.ClearCancel(true);
   return subCode && kelva::SendText(camera, Block(Operation::kAction, *subCode), text.c_str(), text.size(), true);
@@ -62,7 +62,7 @@ bool Camera::SetWifiAuthType(_VscWifiType type, _VscWifiAuthType auth) {
   std::optional<std::string> text = AuthText(auth);
   if (!text) return false;
   ClearCancel(true);
-  // A size and a buffer with no data phase: the camera is told that the command came, and the text stays here.
+  // A size and a buffer, but no data phase: the camera sees the command, and the text does not leave the host.
   int size = static_cast<int>(text->size()) + 1;
   return Transfer(Block(Operation::kAction, kelva::action::kWifiAuthType), kelva::kNoData, size, text->data(), true);
 }

@@ -72,11 +72,11 @@ std::string Place(std::int64_t first, std::int64_t second) {
 
 TEST(ProtocolTables, GiveThePlacesInTheCommandBlock) {
   EXPECT_EQ(ReadDocument().tables.at("bytes of the block"),
-            (std::vector<Row>{
-                {std::to_string(kelva::at::kOperation), "operation code, 0xC0 to 0xC6"},
-                {"1", "0"},
-                {std::to_string(kelva::at::kSubCode), "sub-code"},
-                {std::to_string(kelva::at::kParameter) + " and on", "parameters; what a command does not name is 0"}}));
+            (std::vector<Row>{{std::to_string(kelva::at::kOperation), "operation code, 0xC0 to 0xC6"},
+                              {"1", "0"},
+                              {std::to_string(kelva::at::kSubCode), "sub-code"},
+                              {std::to_string(kelva::at::kParameter) + " and on",
+                               "parameters; bytes that a command does not use are 0"}}));
 }
 
 TEST(ProtocolTables, GiveTheSizesOfTheRecords) {
@@ -131,7 +131,7 @@ TEST(ProtocolTables, GiveThePlacesInAListing) {
   const std::vector<CameraDirent> entries = Player(steps).ReadDir("I:\\DCIM");
   ASSERT_EQ(entries.size(), 4u);
   EXPECT_EQ(ReadDocument().tables.at("listing offset"),
-            (std::vector<Row>{{"0", "4", "not looked at"},
+            (std::vector<Row>{{"0", "4", "the host ignores it"},
                               {std::to_string(entries.size()), "4", "number of entries"},
                               {Place(entries[0].attributes, entries[1].attributes), "4",
                                "attributes of entry i: 0x10 directory, 0x08 volume label"},

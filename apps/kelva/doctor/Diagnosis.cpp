@@ -1,3 +1,5 @@
+// Judges what the survey found: what is in the way of each camera, and the command that mends it.
+
 #include "apps/kelva/doctor/Diagnosis.h"
 
 #include <algorithm>

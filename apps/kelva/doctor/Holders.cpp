@@ -1,3 +1,5 @@
+// Finds the processes that use a camera's node, from /proc.
+
 #include "apps/kelva/doctor/Holders.h"
 
 #include <sys/stat.h>

@@ -1,3 +1,5 @@
+// Asks one camera one short question through its node.
+
 #include "apps/kelva/doctor/Probe.h"
 
 #include <array>

@@ -1,3 +1,5 @@
+// Looks for the installed udev rule.
+
 #include "apps/kelva/doctor/Rules.h"
 
 #include <unistd.h>

@@ -1,3 +1,5 @@
+// Collects what udev, sysfs and /proc show of every camera on this machine.
+
 #include "apps/kelva/doctor/Survey.h"
 
 #include <grp.h>

@@ -1,4 +1,4 @@
-// The entry points of Camera on this platform: the arguments that select nothing here are dropped.
+// The entry points of Camera on this platform. Arguments that have no meaning here are ignored.
 
 #include "Camera.h"
 #include "OsxCamera.h"

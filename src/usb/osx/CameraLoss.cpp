@@ -1,4 +1,4 @@
-// One camera's identity and its going away.
+// Tells a camera's owner when the camera goes away, and recognises a camera by its serial number.
 
 #include "IoKitOwners.h"
 #include "LossInProgress.h"
@@ -11,14 +11,14 @@ using kelva::IoObject;
 
 namespace {
 
-// kIOMessageServiceIsTerminated, whose header is not among those that this folder includes.
+// kIOMessageServiceIsTerminated. Its header, IOKit/IOMessage.h, is not needed for anything else here.
 constexpr unsigned int kServiceIsTerminated = 0xE0000010;
 
 }  // namespace
 
 void OsxCamera::ListenForCameraLost(void (*callback)(void*), void* context) {
   if (notification_ == 0) {
-    // The system dereferences the port, so a camera watched before any attach listening needs one too.
+    // The call below dereferences the port, so it must exist even when nobody has listened for attaches yet.
     SetupNotifyPort();
     io_object_t notification = 0;
     if (IOServiceAddInterestNotification(notifyPort, service_, wire::kGeneralInterestType, CameraMessage, this,
@@ -36,7 +36,7 @@ void OsxCamera::CameraMessage(void* camera, unsigned int, unsigned int messageTy
   auto* self = static_cast<OsxCamera*>(camera);
   const kelva::LossInProgress loss(self);
   if (self->lostCb_ != nullptr) self->lostCb_(self->lostContext_);
-  // After the callback, which still sees a camera that is not disconnected.
+  // Set after the callback: inside it WasDisconnected() is still false.
   if (loss.CameraIsAlive()) self->disconnected_ = true;
 }
 
@@ -48,7 +48,7 @@ bool OsxCamera::CompareSn(const char* serial) const {
   const CfRef<CFStringRef> wanted = kelva::MakeString(serial);
   IOObjectRetain(service_);
   bool matches = false;
-  // Up to the registry's root: the serial sits on an ancestor, and a match does not stop the walk.
+  // The serial number belongs to an ancestor, the USB device. The walk always goes up to the registry's root.
   for (IoObject entry(service_); entry; entry = kelva::ParentOf(entry.Get())) {
     if (Equals(kelva::CopyProperty(entry.Get(), wire::kSerialName), wanted)) matches = true;
   }

@@ -1,4 +1,4 @@
-// Finding cameras: those attached now, those attached later, and those that the system took for compact discs.
+// Finds cameras: those attached now, those attached later, and those that the system took for compact discs.
 
 #include <cstdio>
 #include <exception>
@@ -33,7 +33,7 @@ boost::shared_ptr<Camera> MakeCamera(IoObject service) {
   return boost::shared_ptr<Camera>(camera);
 }
 
-/// Narrows a matching dictionary to this maker's devices.
+/// Restricts a matching dictionary to this maker's devices.
 void RequireVendor(CFMutableDictionaryRef matching) {
   const CfRef<CFMutableDictionaryRef> properties(CFDictionaryCreateMutable(
       kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
@@ -64,8 +64,8 @@ bool IsBadCamera(io_service_t service) {
   return vendor && revision && Equals(vendor, wire::kVendor) && Equals(revision, wire::kBadCameraRevision);
 }
 
-/// Reports each service of the iterator. A report that throws does not end the loop: services left in the iterator would
-/// be lost, and the notification would not be armed again. The first exception goes on to the caller at the end.
+/// Reports each service of the iterator. A report that throws does not end the loop: services left in the iterator
+/// would be lost, and the notification would not be armed again. The first exception goes on to the caller at the end.
 template <class Report>
 void Drain(io_iterator_t iterator, Report report) {
   std::exception_ptr first;

@@ -54,17 +54,17 @@ class CfRef {
   Ref ref_;
 };
 
-/// A CoreFoundation string of a C string, in the encoding that the registry's strings are compared in.
+/// Makes a CoreFoundation string, in the encoding in which registry strings are compared.
 inline CfRef<CFStringRef> MakeString(const char* text) {
   return CfRef<CFStringRef>(CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingMacRoman));
 }
 
-/// The entry's own property; none when it has none of that name.
+/// Copies a property of the entry itself; null when the entry does not have it.
 inline CfRef<CFTypeRef> CopyProperty(io_registry_entry_t entry, const char* key) {
   return CfRef<CFTypeRef>(IORegistryEntryCreateCFProperty(entry, MakeString(key).Get(), kCFAllocatorDefault, 0));
 }
 
-/// True when the property is there and equals the text.
+/// True when the property exists and equals the text.
 inline bool Equals(const CfRef<CFTypeRef>& property, const CfRef<CFStringRef>& text) {
   return property && text && CFEqual(property.Get(), text.Get());
 }

@@ -12,7 +12,7 @@ namespace {
 constexpr int kChunkSize = 65536;
 constexpr int kProgressInterval = 262144;
 
-// Shown as the status of a call that never produced one. The record is not cleared before the call.
+// Shows in the report that a failed call wrote no status.
 constexpr std::uint32_t kNoStatus = 0xFFFFFFFF;
 
 }  // namespace

@@ -18,11 +18,17 @@ io_service_t ServiceOf(const Camera& camera);
 
 }  // namespace kelva
 
-/// The camera as the I/O registry sees it: one service of the camera's kernel driver, the session with it, and each
-/// command carried as one SCSI command through the driver's user client.
+/// A camera attached by USB: one service of the camera's kernel driver in the I/O registry, and the session with it.
+/// Each command travels as one SCSI command through the driver's user client. Programs use it through Camera:
 ///
-/// Ownership: a camera owns one reference to its service, its connection and its interest notification, and gives all
-/// three back in its destructor. The registered callbacks and the notification port live until the process ends.
+///     void OnAttach(boost::shared_ptr<Camera> camera, void* context) {
+///       if (camera->Open()) static_cast<App*>(context)->Add(camera);
+///     }
+///     Camera::ListenForCameraAttach(OnAttach, &app, false);
+///     CFRunLoopRun();
+///
+/// Ownership: a camera owns one reference to its service, its connection and its interest notification; the destructor
+/// gives all three back. The registered callbacks and the notification port live until the process ends.
 ///
 /// Threads: notifications arrive on the thread whose run loop first listened, while it runs in the default mode.
 /// Nothing is locked. Destroy a camera that ListenForCameraLost watches on that thread, inside its callback or outside;
@@ -46,7 +52,7 @@ class OsxCamera : public Camera {
   /// "IOServiceAddInterestNotifaction() failed."; the camera is then not watched, and a later call tries again.
   void ListenForCameraLost(void (*callback)(void*), void* context) override;
   bool WasDisconnected() override;
-  /// True for the first driver name only: a camera of the "_ms" driver fails this check, although it is enumerated.
+  /// True for the first driver name only. Enumeration also accepts the "_ms" driver, whose cameras fail this check.
   bool IsScsiInquiryCorrect() const override;
   /// Always false: this transport does not support cancelling.
   bool Cancel(bool, bool) override;
@@ -57,11 +63,12 @@ class OsxCamera : public Camera {
   bool Transfer(const _VscCdb& cdb, int direction, int& size, char* buffer, bool flag) override;
   bool CompareSn(const char* serial) const override;
 
-  /// The cameras attached now, by driver name and in the registry's order; of this maker only unless anyVendor.
+  /// The cameras attached now, by driver name and then in the registry's order; of this maker only unless anyVendor. A
+  /// search that the system refuses ends the list and prints the code to standard output.
   static std::vector<boost::shared_ptr<Camera>> EnumerateOsxCameras(bool anyVendor);
-  /// Reports each camera present now (before this returns) and each one attached later. Null registers nothing. When the
-  /// callback throws, the other cameras of the same notification are reported first; then the exception goes on to the
-  /// caller, which for a later attach is the run loop.
+  /// Reports each camera present now (before this returns) and each one attached later. Null registers nothing. When
+  /// the callback throws, the other cameras of the same notification are reported first; then the exception goes on to
+  /// the caller, which for a later attach is the run loop.
   static void ListenForOsxCameraAttach(void (*callback)(boost::shared_ptr<Camera>, void*), void* context);
   /// As above, for each camera that the system attached through its compact-disc services.
   static void ListenForOsxBadCameraAttach(void (*callback)(void*), void* context);

@@ -1,3 +1,5 @@
+// The exception of the platform layer, with the call stack of the place that threw it.
+
 #include "OsxCameraError.h"
 
 #include <execinfo.h>
@@ -13,7 +15,7 @@ struct FreeArray {
   void operator()(char** lines) const { std::free(lines); }
 };
 
-/// Each frame's text after a line feed; nothing when the frames cannot be named.
+/// A line feed and a text for each frame; empty when the system cannot name the frames.
 std::string TraceText(void* const* frames, int count) {
   const std::unique_ptr<char*, FreeArray> lines(backtrace_symbols(frames, count));
   std::string text;
@@ -27,14 +29,14 @@ std::string TraceText(void* const* frames, int count) {
 }  // namespace
 
 OsxCameraError::OsxCameraError(const std::string& msg) : message_("OsxCameraError: " + msg) {
-  // Captured here and not in a helper, so that the one frame left out is this constructor's.
+  // Not in a helper: the first frame is left out, and it must be this constructor's.
   void* frames[kMostFrames];
   const int count = backtrace(frames, kMostFrames);
   if (count > 1) message_ += TraceText(frames + 1, count - 1);
   text_ = message_.c_str();
 }
 
-// A copied pointer would still look at the other object's characters.
+// A copied pointer would point into the other object's message.
 OsxCameraError::OsxCameraError(const OsxCameraError& other)
     : CameraError(other), message_(other.message_), text_(message_.c_str()) {}
 
