@@ -1,5 +1,6 @@
 // The whole agent, its own main included, watched from inside: this class comes with the program as a category of its
-// life, plugs cameras in and out while the application runs, and ends it with the number of its first unmet expectation.
+// life, plugs cameras in and out while the application runs, and ends it with the number of its first unmet expectation. With
+// --stay nothing happens, and the agent runs until it is ended.
 
 #import <AppKit/AppKit.h>
 #import <GNUstepBase/NSObject+GNUstepBase.h>
@@ -71,6 +72,11 @@ void ExpectLaunches(std::size_t count, const char* what) {
 }
 
 + (void)didFinish:(NSNotification*)notification {
+  if ([[[NSProcessInfo processInfo] arguments] containsObject:@"--stay"]) {
+    std::printf("the agent stays\n");
+    std::fflush(stdout);
+    return;
+  }
   // The delegate hears of the same moment, before or after: the scenario goes on when both have.
   [self performSelector:@selector(play) withObject:nil afterDelay:0];
 }
