@@ -1,3 +1,4 @@
+// The near end of a bus as a source of the registry: entries come and go with the events of the bus.
 #include "bus/BusClient.h"
 
 #include <map>

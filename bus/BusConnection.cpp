@@ -1,3 +1,4 @@
+// A client's connection to a bus: finds each answer by its tag and keeps the events that arrive in between.
 #include "bus/BusConnection.h"
 
 #include <poll.h>

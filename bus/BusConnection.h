@@ -27,12 +27,12 @@ class BusConnection {
 
   /// Sends a request once and waits for its answer. Throws BusRefusal, or std::runtime_error when the bus has gone.
   bus::Frame Request(bus::Kind kind, const base::Bytes& payload);
-  /// As Request, for a command: nothing when no answer came in time, or when the bus has gone (Ended).
+  /// The same for a command: nothing when no answer came in time or the bus has gone (Ended).
   std::optional<bus::Frame> Request(bus::Kind kind, const base::Bytes& payload, std::chrono::milliseconds timeout);
 
   /// Events that came while a request waited, or that can be read now without waiting.
   std::optional<bus::Frame> NextEvent();
-  /// Whether NextEvent has something that the descriptor does not show.
+  /// Whether NextEvent has events although the descriptor is not readable.
   bool HasQueuedEvents() const { return !events_.empty(); }
   /// Whether the bus has gone; seen when NextEvent read the end.
   bool Ended() const { return ended_; }

@@ -1,3 +1,4 @@
+// Cuts the bytes of a socket into the bus's frames.
 #include "bus/FrameReader.h"
 
 namespace bus {

@@ -7,13 +7,13 @@
 
 namespace bus {
 
-/// Cuts a stream into frames, however it arrives. Takes up memory for what has arrived, not for what a length announces.
+/// Cuts a stream into frames. Uses memory for bytes that have arrived, never for those that a length only announces.
 class FrameReader {
  public:
   void Feed(std::span<const std::uint8_t> bytes);
   /// The next whole frame, if there is one.
   std::optional<Frame> Next();
-  /// Whether the stream has announced a frame that cannot be (too short or too long); nothing is read after that.
+  /// Whether the stream announced a frame that is too short or too long; nothing is read after that.
   bool Broken() const { return broken_; }
 
  private:

@@ -1,3 +1,4 @@
+// Local sockets: listens at a path where a dead socket may lie, and connects to one.
 #include "bus/Listener.h"
 
 #include <sys/socket.h>
@@ -61,7 +62,7 @@ Listener::Listener(const std::string& path) : path_(path) {
 }
 
 Listener::~Listener() {
-  // Only if it is still ours: another bus may have taken the path since.
+  // Only if the socket is still ours: another bus may have taken the path.
   struct stat status {};
   if (::lstat(path_.c_str(), &status) == 0 && status.st_ino == inode_) ::unlink(path_.c_str());
 }

@@ -8,8 +8,8 @@
 
 namespace bus {
 
-/// Takes a payload apart from the front. The first thing that does not fit makes every later one neutral; ask Complete at
-/// the end.
+/// Takes a payload apart from the front. After the first value that does not fit, every value is 0 or empty; ask
+/// Complete at the end.
 class PayloadReader {
  public:
   explicit PayloadReader(std::span<const std::uint8_t> bytes) : rest_(bytes) {}

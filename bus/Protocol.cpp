@@ -1,3 +1,4 @@
+// Turns the payloads of the bus's frames into bytes and back.
 #include "bus/Protocol.h"
 
 #include "bus/PayloadReader.h"

@@ -19,7 +19,7 @@ namespace bus {
 inline constexpr std::uint32_t kProtocolVersion = 1;
 inline constexpr std::size_t kFrameHeader = 5;
 inline constexpr std::size_t kMaxText = 4096;
-/// The largest frame: a whole data phase, a surplus, and what stands before it.
+/// The largest frame: a header, a whole data phase and surplus bytes.
 inline constexpr std::size_t kMaxFrame = wire::kMaxTransferLength + 1024;
 
 enum class Kind : std::uint8_t {
@@ -81,8 +81,7 @@ struct ErrorAnswer {
   std::string sentence;
 };
 
-/// Everything below returns bytes to put behind the tag, or nothing when the bytes are not exactly what they should be:
-/// too short, too long, a text over kMaxText.
+/// Encode gives a payload. Decode gives nothing when the payload is too short, too long or has a text over kMaxText.
 base::Bytes Encode(const PlugRequest& request);
 base::Bytes Encode(const FaultRequest& request);
 base::Bytes Encode(const CameraStatus& status);

@@ -1,3 +1,4 @@
+// A session with a camera that lives in another process.
 #include "bus/SocketSession.h"
 
 #include <IOKit/IOReturn.h>
@@ -29,7 +30,7 @@ class SocketSession : public CommandSession {
   }
 
   void End() override {
-    // Waits for the answer, so that another process finds the camera free once this call is done.
+    // Waits for the answer: afterwards another process must find the camera free.
     if (connection_) connection_->Request(bus::Kind::kEndSession, {}, std::chrono::seconds(1));
     connection_.reset();
   }
@@ -37,7 +38,7 @@ class SocketSession : public CommandSession {
   wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
     if (!connection_) return wire::EndedBy(wire::Transport::kGone);
     const auto answer = connection_->Request(bus::Kind::kCommand, bus::Encode(command), timeout);
-    // A late answer carries this command's tag, so it is not taken for another one's.
+    // An answer that comes too late has this command's tag and is dropped.
     if (!answer) return wire::EndedBy(connection_->Ended() ? wire::Transport::kGone : wire::Transport::kHang);
     const std::optional<wire::Reply> reply = bus::DecodeReply(answer->payload);
     return answer->kind == bus::Kind::kReply && reply ? *reply : wire::EndedBy(wire::Transport::kGone);

@@ -8,8 +8,8 @@
 
 namespace bus {
 
-/// A session with a camera of a bus, on a connection of its own, so that it ends when this process does. A bus that has
-/// gone is a camera that has gone.
+/// A session with a camera of a bus, on a connection of its own, so that it ends when this process does. If the bus
+/// ends, the camera counts as unplugged.
 std::unique_ptr<CommandSession> MakeSocketSession(const std::string& path, std::uint32_t camera);
 
 }  // namespace bus

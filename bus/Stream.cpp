@@ -1,3 +1,4 @@
+// The buffers of one peer at the far end of the bus. Nothing here waits, because one loop serves all peers.
 #include "bus/Stream.h"
 
 #include <poll.h>
@@ -9,9 +10,9 @@
 namespace bus {
 namespace {
 
-// Beyond this, answers wait for the peer and the peer waits for us.
+// Beyond this, requests of the peer wait until it has read answers.
 constexpr std::size_t kMaxUnread = 1 << 20;
-// Beyond this the peer is cut off: it subscribed to events and does not read them.
+// Beyond this the peer is disconnected: it subscribed to events and does not read them.
 constexpr std::size_t kMaxQueued = 4 * kMaxFrame;
 
 bool WouldBlock() {

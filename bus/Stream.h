@@ -12,13 +12,13 @@ class Stream {
   explicit Stream(base::FileDescriptor socket) : socket_(std::move(socket)) {}
 
   int Descriptor() const { return socket_.Get(); }
-  /// The events to poll for. A peer that does not read its answers is not read from either.
+  /// The events to poll for. Stops reading from a peer that does not read its answers.
   short Wants() const;
 
   void Queue(base::Bytes frame);
-  /// Reads what is there; false when the peer has gone or has sent what is no frame.
+  /// Reads what is there; false when the peer has gone.
   bool ReadSome();
-  /// Sends what fits; false when the peer has gone or lets more wait than it may.
+  /// Sends what fits; false when the peer has gone or leaves too much unread.
   bool WriteSome();
   std::optional<Frame> Next() { return in_.Next(); }
   bool Broken() const { return in_.Broken(); }

@@ -1,3 +1,4 @@
+// Plays the kernel driver's user client over a virtual camera.
 #include "bus/UserClientDoor.h"
 
 #include <IOKit/IOReturn.h>
@@ -37,7 +38,7 @@ wire::Command CommandOf(const wire::UserClientTransferRequest& request) {
   command.direction = DirectionOf(request);
   if (command.direction == wire::Direction::kNone) return command;
   command.length = static_cast<std::uint32_t>(request.length);
-  // A length that the camera refuses anyway is no reason to read that much memory.
+  // The camera refuses longer data phases, so their memory is not read.
   if (command.direction == wire::Direction::kToCamera && command.length <= wire::kMaxTransferLength) {
     command.data = {BufferOf(request), command.length};
   }

@@ -12,7 +12,7 @@ namespace bus {
 ///
 /// Selector 2 reads and writes the caller's memory at the address in the request, at most the length asked for, and only
 /// for the directions 1 and 2. The time-out of the request is taken as seconds. A refusal comes back as a result status
-/// (darwin/registry/TransferStatus.h); a camera that has gone and a time-out are return codes.
+/// (wire/TransferStatus.h); a camera that has gone and a time-out are return codes.
 std::unique_ptr<darwin::UserClient> MakeUserClient(std::unique_ptr<CommandSession> session);
 
 }  // namespace bus

@@ -27,7 +27,7 @@ inline constexpr std::uint32_t kMaxTransferLength = 16U << 20;
 struct Command {
   std::array<std::uint8_t, 16> cdb{};
   Direction direction = Direction::kNone;
-  /// Bytes the host announced for its data phase; not looked at when the direction is kNone.
+  /// Bytes the host announced for its data phase; ignored for kNone.
   std::uint32_t length = 0;
   /// The bytes of a data phase to the camera; empty otherwise. A door passes at most `length` bytes. Borrowed for the
   /// call.
@@ -50,7 +50,7 @@ enum class Transport : std::uint8_t {
 /// What the camera did with one command.
 ///
 /// `moved` is what the camera claims. Without faults it equals data.size() (from the camera), the bytes accepted (to
-/// the camera) or 0. Under a fault it may be anything: a door reports it as it stands (over USB: residue = asked -
+/// the camera) or 0. Under a fault it may be anything: a door reports it unchanged (over USB: residue = asked -
 /// moved, modulo 2^32), but never touches host memory beyond the length that was asked for.
 struct Reply {
   Transport transport = Transport::kOk;

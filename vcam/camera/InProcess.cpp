@@ -1,3 +1,4 @@
+// A session with a camera of this process. It waits as long as the reply says that the command takes.
 #include "vcam/camera/InProcess.h"
 
 #include <IOKit/IOReturn.h>

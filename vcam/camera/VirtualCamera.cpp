@@ -1,3 +1,4 @@
+// The virtual camera: commands pass its faults and its device one at a time, while other threads arm faults and unplug.
 #include "vcam/camera/VirtualCamera.h"
 
 #include <algorithm>
@@ -37,12 +38,12 @@ struct VirtualCamera::State {
     armed.clear();
   }
 
-  // Held while a command runs, which may take long.
+  // Held while a command runs, which may take long: a file may be hashed.
   std::mutex running;
   Device device;
   FaultPlan faults;
 
-  // Never held for long: what other threads change while a command runs.
+  // Held for moments only. Guards what other threads change while a command runs.
   mutable std::mutex mutex;
   mutable std::condition_variable unplugged;
   std::vector<Fault> armed;

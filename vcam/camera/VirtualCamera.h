@@ -24,8 +24,8 @@ class VirtualCamera {
   VirtualCamera(const VirtualCamera&) = delete;
   VirtualCamera& operator=(const VirtualCamera&) = delete;
 
-  /// Runs one command. Never waits: how long the command takes stands in the reply. Any bytes are safe to pass;
-  /// what the camera does not understand it refuses with sense data.
+  /// Runs one command. Never waits: the reply says how long the command takes. Any bytes are safe to pass; the camera
+  /// refuses with sense data what it does not understand.
   wire::Reply Execute(const wire::Command& command);
 
   /// Arms a fault; several may be armed at once.

@@ -1,3 +1,4 @@
+// Operation 0xC0, by sub-code: reboot, set the clock, delete, and the actions of other files.
 #include <algorithm>
 #include <cerrno>
 
@@ -79,7 +80,7 @@ std::size_t RemoveByKeys(Device& device, const std::vector<BatchItem>& items) {
     for (const KeyedFile& file : device.keys.Find(item.key)) {
       const int error = device.storage.Remove(file.path);
       deleted += static_cast<std::size_t>(error == 0);
-      // The same key may have been asked for twice.
+      // The host may have named the same key twice.
       failed += static_cast<std::size_t>(error != 0 && error != ENOENT);
     }
   }

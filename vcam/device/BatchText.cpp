@@ -1,3 +1,4 @@
+// Reads the text with which a host asks for several files by key.
 #include "vcam/device/BatchText.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Lays out answers that carry several files: a table of sizes and names, then the files themselves.
 #include "vcam/device/Bundles.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The camera's clock as an offset from the host's, and its 14 bytes on the wire.
 #include "vcam/device/CameraClock.h"
 
 #include <array>

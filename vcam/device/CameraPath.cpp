@@ -1,3 +1,4 @@
+// Turns paths of the camera (I:\DCIM) into paths below the storage folder, and refuses those that could leave it.
 #include "vcam/device/CameraPath.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The action "capture": writes a new picture into the storage.
 #include <algorithm>
 #include <cerrno>
 
@@ -15,7 +16,7 @@ constexpr int kLastFile = 9999;
 constexpr float kBatteryPerCapture = 0.25F;
 constexpr float kBatteryFloor = 1.0F;
 
-/// The number after the highest one in the last directory; the next directory when that one is full.
+/// Takes the number after the highest one in the last directory, or the next directory if that one is full.
 Picture NextPicture(const std::vector<Picture>& pictures) {
   Picture next{{100, "KELVA"}, "IMG_", 1, {}};
   for (const Picture& picture : pictures) {

@@ -1,3 +1,4 @@
+// Lays out the picture catalogue in any of the layouts that a host must be able to read.
 #include "vcam/device/Catalogue.h"
 
 #include <algorithm>

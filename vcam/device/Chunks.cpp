@@ -1,3 +1,4 @@
+// Operations that move data piece by piece: reading a selection, writing a file, receiving firmware.
 #include <algorithm>
 #include <cerrno>
 #include <limits>

@@ -1,3 +1,4 @@
+// The camera's console log, of which the host takes piece after piece.
 #include "vcam/device/Console.h"
 
 #include <algorithm>

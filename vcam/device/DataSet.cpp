@@ -1,3 +1,4 @@
+// A selection as pieces of memory and files, read at any offset without loading the files as a whole.
 #include "vcam/device/DataSet.h"
 
 #include <algorithm>
@@ -66,6 +67,7 @@ bool DataSet::ReadPiece(const Storage& storage, std::size_t index, std::uint64_t
 
 bool DataSet::Open(const Storage& storage, std::size_t index) {
   if (pieces_[index].file) return true;
+  // One file at a time: a batch may name more files than a process may open.
   if (!pieces_[opened_].path.empty()) pieces_[opened_].file.Reset();
   pieces_[index].file = storage.OpenForReading(pieces_[index].path).file;
   opened_ = index;

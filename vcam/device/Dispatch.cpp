@@ -1,3 +1,4 @@
+// Checks what every command has in common and calls the handler of its operation.
 #include "src/wifi/VscRegister.h"
 #include "vcam/device/Handlers.h"
 #include "vcam/device/Replies.h"

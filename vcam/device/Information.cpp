@@ -1,3 +1,4 @@
+// The information record, and the files that go into the bundles of crash logs and calibration.
 #include "vcam/device/Information.h"
 
 #include "src/wifi/VscRecords.h"

@@ -1,3 +1,4 @@
+// Finds files by the SHA-1 of their bytes, and reads a file again only when it may have changed.
 #include "vcam/device/KeyIndex.h"
 
 #include <sys/types.h>

@@ -21,7 +21,7 @@ struct KeyedFile {
 };
 
 /// The keys of all files below DCIM. A file is read again only when its size, times or inode have changed, or when it
-/// was changed so shortly before the last reading that its times could not show another change.
+/// changed just before the last reading, so that its times may not show a second change.
 class KeyIndex {
  public:
   /// Brings the index up to date with the storage.

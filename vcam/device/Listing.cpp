@@ -1,3 +1,4 @@
+// Lays out the listing of one directory.
 #include "vcam/device/Listing.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The layouts of the catalogue that --catalogue offers.
 #include "vcam/device/Options.h"
 
 namespace vcam {

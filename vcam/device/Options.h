@@ -38,7 +38,7 @@ struct CatalogueLayout {
   static std::optional<CatalogueLayout> ByName(std::string_view name);
 };
 
-/// What a virtual camera is made of. Everything has a default but the serial number and the storage folder.
+/// What a virtual camera is made of. Only the serial number and the storage folder have no default.
 struct Options {
   std::string serial;
   /// Drive I: of the camera. Layout: vcam/README.md.
@@ -46,7 +46,7 @@ struct Options {
   std::string vendor = wire::kVendor;
   std::string product = "Camera";
   std::string revision = "1.00";
-  /// SCSI peripheral device type of the inquiry data; 3 (processor) is one that no kernel driver takes for itself.
+  /// SCSI peripheral device type of the inquiry data. No kernel driver claims type 3 (processor).
   std::uint8_t peripheralType = 3;
   CatalogueLayout catalogue = CatalogueLayout::Standard();
   /// Whether catalogue records carry the SHA-1 key of the picture's first file (which reads every picture once).

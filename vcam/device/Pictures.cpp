@@ -1,3 +1,4 @@
+// Finds the pictures below DCIM by the rules for names of directories and files.
 #include "vcam/device/Pictures.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Operation 0xC6, by sub-code: the questions that the camera answers without a selection.
 #include <algorithm>
 #include <bit>
 
@@ -35,7 +36,7 @@ wire::Reply ConsolePiece(Device& device, const wire::Command& command) {
   return Answer(command, std::move(bytes));
 }
 
-/// The camera's own meaning of the six fields stands in vcam/README.md.
+/// vcam/README.md says what the six fields mean.
 wire::Reply ManualControls(Device& device, const wire::Command& command) {
   base::Bytes bytes;
   base::Append(bytes, device.settings.lastManualControl);

@@ -1,3 +1,4 @@
+// Builds the few kinds of replies that handlers give.
 #include "vcam/device/Replies.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The picture that a capture writes.
 #include "vcam/device/SampleImage.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// Operation 0xC2, by sub-code: prepares what the host then reads, or opens the file that it then writes.
 #include <limits>
 #include <utility>
 
@@ -158,7 +159,7 @@ bool TakesText(std::uint8_t selection) {
 
 wire::Reply HandleSelect(Device& device, const wire::Command& command) {
   if (!TakesText(command.cdb[kelva::at::kSubCode]) && !HasNoData(command)) return Refuse(sense::kWrongDataLength);
-  // Whatever was selected is gone, also when this selection is refused.
+  // A selection drops the last one even if it is refused.
   device.selected.reset();
   device.writing.reset();
   device.upgrade.Abandon();

@@ -1,3 +1,4 @@
+// Reads and writes the state file.
 #include "vcam/device/Settings.h"
 
 #include <charconv>

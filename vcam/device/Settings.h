@@ -25,7 +25,7 @@ struct Settings {
   std::int64_t clockOffsetMs = 0;
 
   std::string Text() const;
-  /// Lines that are not understood keep their defaults.
+  /// A setting whose line is missing or cannot be read keeps its default.
   static Settings Parse(const std::string& text);
 };
 

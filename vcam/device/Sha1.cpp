@@ -1,3 +1,4 @@
+// Hashes, by OpenSSL's digest interface.
 #include "vcam/device/Sha1.h"
 
 #include <openssl/evp.h>

@@ -17,7 +17,7 @@ class Sha1 {
   Sha1();
 
   void Update(std::span<const std::uint8_t> bytes);
-  /// Ends it: 40 lower-case hexadecimal digits.
+  /// Ends the computation. Gives 40 lower-case hexadecimal digits.
   std::string Hex();
 
  private:

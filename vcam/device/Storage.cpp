@@ -1,3 +1,4 @@
+// The storage folder. openat2 resolves every path, so that no path and no link leads out of the folder.
 #include "vcam/device/Storage.h"
 
 #include <dirent.h>

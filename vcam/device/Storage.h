@@ -11,7 +11,7 @@
 
 namespace vcam {
 
-/// What tells that a file has changed since it was last looked at.
+/// Differs when a file has changed since the last look.
 struct FileStamp {
   std::uint64_t size = 0;
   std::int64_t modifiedNs = 0;
@@ -52,8 +52,8 @@ class Storage {
   int MakeDirectory(const std::string& path) const;
   /// Whether this is a directory.
   bool HasDirectory(const std::string& path) const;
-  /// The entries of a directory by name, without "." and ".."; empty when there is no such directory. Names that cannot
-  /// be said in a camera path are left out.
+  /// The entries of a directory by name, without "." and ".."; empty when there is no such directory. Names that a
+  /// camera path cannot hold are left out.
   std::vector<StorageEntry> List(const std::string& path) const;
   /// Replaces a small file as a whole, through a temporary file and a rename. Returns 0 or the errno.
   int Replace(const std::string& path, std::string_view content, unsigned mode) const;

@@ -1,3 +1,4 @@
+// The phases of a firmware upgrade and what its status says in each.
 #include "vcam/device/Upgrade.h"
 
 #include <algorithm>

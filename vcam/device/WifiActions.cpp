@@ -1,3 +1,4 @@
+// Actions that change settings: Wi-Fi names and passphrases, manual controls.
 #include "vcam/device/Handlers.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"

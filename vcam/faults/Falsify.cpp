@@ -1,3 +1,4 @@
+// Changes replies into those of a camera that lies: about lengths, counts, offsets, names.
 #include "vcam/faults/Falsify.h"
 
 #include <algorithm>
@@ -121,6 +122,7 @@ void LieAboutSize(const FalsifiedCommand& about, wire::Reply& reply) {
 
 void Falsify(FaultKind kind, const FalsifiedCommand& about, wire::Reply& reply) {
   if (reply.transport != wire::Transport::kOk) return;
+  // An endless answer goes on where a real one would be refused.
   if (!reply.Good() && kind != FaultKind::kEndless) return;
   switch (kind) {
     case FaultKind::kShort:

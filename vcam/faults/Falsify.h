@@ -14,14 +14,14 @@ struct FalsifiedCommand {
   const wire::Command& command;
   /// Marks of the selected data set; null when there is none.
   const Marks* marks;
-  /// Whether this is the very command that the fault names, not a later one.
+  /// Whether the fault names this command, not an earlier one.
   bool isTheOne;
   /// 1 for that command, 2 for the next, ...
   std::uint64_t ordinal;
 };
 
-/// Falsifies the reply of a command that ran. A command without what the fault is about (a count, a name, ...) gets a
-/// substitute when it is the very one: vcam/README.md lists both effects.
+/// Falsifies the reply of a command that ran. If the fault names this command and its reply has nothing that the fault
+/// is about (no count, no name, ...), another effect stands in. vcam/README.md lists both.
 void Falsify(FaultKind kind, const FalsifiedCommand& about, wire::Reply& reply);
 
 }  // namespace vcam

@@ -1,5 +1,4 @@
 // The names under which a person arms the faults of a virtual camera.
-
 #include "vcam/faults/Fault.h"
 
 #include "vcam/faults/Named.h"

@@ -1,3 +1,4 @@
+// Decides for each command which armed faults apply.
 #include "vcam/faults/FaultPlan.h"
 
 #include <algorithm>
@@ -38,6 +39,7 @@ void FaultPlan::Arm(const Fault& fault) {
 }
 
 std::optional<wire::Reply> FaultPlan::Next() {
+  // A fault that happens once has happened by now.
   std::erase_if(armed_, [](const Armed& armed) { return HappensOnce(armed.fault.kind) && armed.Running(); });
   for (Armed& armed : armed_) {
     if (armed.fault.kind != FaultKind::kUnplugAtByte && armed.fault.kind != FaultKind::kSlow) ++armed.seen;
@@ -63,7 +65,7 @@ void FaultPlan::Apply(const wire::Command& command, const Marks* marks, wire::Re
   for (Armed& armed : armed_) {
     if (armed.fault.kind != FaultKind::kUnplugAtByte) ApplyOne(armed, command, marks, reply);
   }
-  // Last, so that bytes which another fault added count as well.
+  // Last, so that bytes that other faults added count too.
   for (Armed& armed : armed_) {
     if (armed.fault.kind == FaultKind::kUnplugAtByte) ApplyUnplug(armed, command, reply);
   }

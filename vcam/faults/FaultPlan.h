@@ -10,13 +10,13 @@
 
 namespace vcam {
 
-/// The faults that are armed on one camera, and what they do around each command. Per command: Next, then unless it
-/// gave a reply Limit, the command itself, Apply.
+/// The faults that are armed on one camera, and what they do around each command. For each command call Next; if it
+/// gives no reply, call Limit, run the command and call Apply.
 class FaultPlan {
  public:
   void Arm(const Fault& fault);
 
-  /// Counts one command. The reply that a fault gives instead of running it, if any.
+  /// Counts one command. Gives the reply of a fault that prevents it from running, if there is one.
   std::optional<wire::Reply> Next();
   /// The command as the camera sees it: data to the camera ends where the unplug comes.
   wire::Command Limit(const wire::Command& command) const;

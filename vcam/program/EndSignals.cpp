@@ -1,5 +1,4 @@
 // SIGTERM and SIGINT as a descriptor, so that a loop can end in order.
-
 #include "vcam/program/EndSignals.h"
 
 #include <signal.h>

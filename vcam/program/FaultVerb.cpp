@@ -1,5 +1,4 @@
 // `kelva-vcam fault`: makes a camera of a bus go wrong.
-
 #include <limits>
 
 #include "apps/commandline/Failure.h"

@@ -1,5 +1,4 @@
 // `kelva-vcam plug` and `kelva-vcam unplug`: cameras come to a bus and leave it.
-
 #include <unistd.h>
 
 #include <cerrno>

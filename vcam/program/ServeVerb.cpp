@@ -1,5 +1,4 @@
 // `kelva-vcam serve`: a bus of virtual cameras, until a signal ends it.
-
 #include "vcam/program/EndSignals.h"
 #include "vcam/program/Verbs.h"
 #include "vcam/server/BusServer.h"

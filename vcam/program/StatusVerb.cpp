@@ -1,5 +1,4 @@
 // `kelva-vcam status`: the cameras of a bus.
-
 #include <stdexcept>
 
 #include "vcam/program/Verbs.h"

@@ -1,5 +1,4 @@
 // `kelva-vcam usbip`: one virtual camera as a USB device that this machine's kernel attaches.
-
 #include <poll.h>
 #include <sys/eventfd.h>
 

@@ -1,5 +1,4 @@
 // kelva-vcam as the command line's machinery sees it, and what its verbs share.
-
 #include <vector>
 
 #include "apps/commandline/Failure.h"

@@ -1,5 +1,4 @@
 // kelva-vcam: virtual cameras on a bus or as a USB device.
-
 #include "apps/commandline/Run.h"
 #include "vcam/program/Verbs.h"
 

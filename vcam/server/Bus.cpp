@@ -1,3 +1,4 @@
+// The state of the bus: its cameras, its peers, and the replies that wait to be sent.
 #include "vcam/server/Bus.h"
 
 #include <algorithm>
@@ -16,6 +17,7 @@ void Bus::AddPeer(PeerId peer, pid_t process) {
 }
 
 void Bus::RemovePeer(PeerId peer) {
+  // Before its entry goes, which names the camera.
   DropSession(peer);
   peers_.erase(peer);
   DropHeld(peer);
@@ -56,6 +58,7 @@ Bus::Camera* Bus::FindBySerial(const std::string& serial) {
 void Bus::TakeCompletions() {
   for (Completion& completion : completions_->TakeAll()) {
     if (completion.reply.transport == wire::Transport::kHang) {
+      // Held until the camera leaves or the peer sends another command.
       held_.push_back({std::move(completion), Clock::time_point::max()});
     } else if (completion.reply.delay.count() > 0) {
       const auto due = Clock::now() + completion.reply.delay;
@@ -73,7 +76,7 @@ void Bus::AnswerCommand(const Completion& completion) {
     --peer->second.unfinished;
     Answer(completion.peer, completion.tag, bus::Kind::kReply, bus::Encode(completion.reply));
   }
-  // A camera that left in the middle of a command leaves the bus as well.
+  // A fault unplugged the camera in the middle of this command.
   if (completion.reply.transport == wire::Transport::kGone) RemoveCamera(completion.camera);
 }
 
@@ -89,6 +92,7 @@ Bus::Clock::time_point Bus::NextDue() const {
 
 void Bus::SendDue() {
   const Clock::time_point now = Clock::now();
+  // Taken out first: answering may remove a camera, which changes held_.
   const auto due = std::stable_partition(held_.begin(), held_.end(), [&](const Held& held) { return held.due > now; });
   std::vector<Held> ready(std::make_move_iterator(due), std::make_move_iterator(held_.end()));
   held_.erase(due, held_.end());
@@ -109,13 +113,14 @@ void Bus::ReleaseHeld(std::uint32_t camera) {
 void Bus::RemoveCamera(std::uint32_t id) {
   const auto found = cameras_.find(id);
   if (found == cameras_.end()) return;
+  // Erased before any answer goes out, because AnswerCommand comes back here for a camera that has gone.
   Camera camera = std::move(found->second);
   cameras_.erase(found);
   camera.device->Unplug();
   const auto holder = peers_.find(camera.holder);
   if (holder != peers_.end()) holder->second.session = 0;
   ReleaseHeld(id);
-  // Its thread may still be in a command, which nobody else should wait for.
+  // The thread may still run a command. DropRetired joins it later, so that the loop does not wait now.
   retired_.push_back(std::move(camera.worker));
   DropRetired();
   Announce(bus::Kind::kUnplugged, bus::EncodeNumber(id));

@@ -30,13 +30,13 @@ class Bus {
   void AddPeer(PeerId peer, pid_t process);
   /// Ends the peer's session; answers that are still to come for it are dropped.
   void RemovePeer(PeerId peer);
-  /// Handles one request; false when the frame is none, and the peer is to be cut off.
+  /// Handles one request; false when the frame is malformed and the caller must disconnect the peer.
   bool Handle(PeerId peer, const bus::Frame& frame);
 
   /// Readable when TakeCompletions has something to do.
   int Descriptor() const { return completions_->Descriptor(); }
   void TakeCompletions();
-  /// When SendDue wants to be called; the largest time for never.
+  /// When SendDue must be called next; the largest time for never.
   Clock::time_point NextDue() const;
   void SendDue();
 

@@ -1,9 +1,8 @@
+// What each request of a peer does. A function returns false for a malformed request, which ends the connection.
 #include <exception>
 
 #include "vcam/faults/Fault.h"
 #include "vcam/server/Bus.h"
-
-// What each request does. A function returns false for a frame that is not the request it claims to be.
 
 namespace vcam::server {
 namespace {
@@ -192,13 +191,13 @@ bool Bus::EndSession(PeerId peer, const bus::Frame& frame) {
 bool Bus::RunCommand(PeerId peer, const bus::Frame& frame) {
   const auto command = bus::DecodeCommand(frame.payload);
   Peer& from = peers_[peer];
-  // A host that sends another command has given up on the one before. That one may still be running, and its answer goes
-  // out under its own tag; but nobody may pile commands up.
+  // A host that sends another command has given up on the last one. If that one still runs, its answer goes out under
+  // its own tag. The limit keeps a peer from piling up commands.
   from.unfinished -= DropHeld(peer);
   if (!command || from.unfinished >= kMaxUnfinished) return false;
   const auto found = cameras_.find(from.session);
   if (found == cameras_.end()) {
-    // No session, or its camera has gone: for the host the same.
+    // No session, or its camera has left the bus: the same to the host.
     Answer(peer, frame.tag, bus::Kind::kReply, bus::Encode(wire::EndedBy(wire::Transport::kGone)));
     return true;
   }

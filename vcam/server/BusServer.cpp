@@ -1,3 +1,4 @@
+// The loop that serves all sockets of a bus.
 #include "vcam/server/BusServer.h"
 
 #include <algorithm>
@@ -21,7 +22,7 @@ void BusServer::SendTo(PeerId peer, base::Bytes frame) {
   const auto stream = streams_.find(peer);
   if (stream == streams_.end()) return;
   stream->second.Queue(std::move(frame));
-  // At once, so that what one peer has been told another has not yet to be told. A peer that has gone is seen by FlushAll.
+  // Sent now, so that no peer acts on a change before the others have been told. FlushAll finds peers that have gone.
   stream->second.WriteSome();
 }
 
@@ -32,6 +33,7 @@ void BusServer::Run(int stopDescriptor) {
     if (::poll(waits.data(), waits.size(), TimeoutMs()) < 0) continue;
     if (waits[kStop].revents != 0) return;
     ServeReady(waits);
+    // After the requests: a peer that has just hung up gets no answer any more.
     if (waits[kCompletions].revents != 0) bus_.TakeCompletions();
     bus_.SendDue();
     if (waits[kListener].revents != 0) AcceptAll();

@@ -1,3 +1,4 @@
+// The thread of one camera, and the queue through which its replies reach the loop.
 #include "vcam/server/Worker.h"
 
 #include <sys/eventfd.h>
@@ -16,7 +17,7 @@ void CompletionQueue::Put(Completion completion) {
   const std::lock_guard lock(mutex_);
   completions_.push_back(std::move(completion));
   const std::uint64_t one = 1;
-  // Fails only when the counter is full, and then the descriptor is readable anyway.
+  // Fails only when the counter is full, and the descriptor is readable then.
   while (::write(wake_.Get(), &one, sizeof one) < 0 && errno == EINTR) {
   }
 }
@@ -37,6 +38,7 @@ Worker::~Worker() {
     const std::lock_guard lock(mutex_);
     stopping_ = true;
   }
+  // The thread needs the lock to see this, so it is joined outside of it.
   wake_.notify_all();
   thread_.join();
 }
@@ -61,9 +63,11 @@ void Worker::Run() {
     if (stopping_) return;
     Job job = std::move(jobs_.front());
     jobs_.pop_front();
+    // Set before the lock is released: Idle must not take this moment for the end of all work.
     running_ = true;
     lock.unlock();
     job.command.data = job.data;
+    // Without the lock, because a command may take long and the loop must still be able to add jobs.
     completions_->Put({job.peer, job.tag, job.camera, camera_->Execute(job.command)});
     lock.lock();
     running_ = false;

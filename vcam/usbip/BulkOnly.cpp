@@ -1,3 +1,4 @@
+// The bulk-only transport as a device speaks it. Its phases follow the host; faults and halts break them on purpose.
 #include "vcam/usbip/BulkOnly.h"
 
 #include <algorithm>
@@ -25,12 +26,14 @@ std::int32_t BulkOnly::Give(std::span<const std::uint8_t> bytes, Clock::time_poi
     case Phase::kDataOut:
       return Collect(bytes, now);
     default:
+      // The host writes while we owe it data or a status: we disagree about the phase.
       return HaltBoth();
   }
 }
 
 std::int32_t BulkOnly::Begin(std::span<const std::uint8_t> bytes, Clock::time_point now) {
   const auto command = DecodeCommand(bytes);
+  // The answer of the standard to an invalid wrapper: it has no tag that a status could name.
   if (!command || command->length > wire::kMaxTransferLength) return HaltBoth();
   command_ = *command;
   data_.clear();
@@ -48,6 +51,7 @@ std::int32_t BulkOnly::Collect(std::span<const std::uint8_t> bytes, Clock::time_
   if (data_.size() < command_.length) return kUrbOk;
   RunCommand(now);
   if (!stall_) return kUrbOk;
+  // The stall ends this data phase. The host clears the pipe and then asks for the status.
   stall_ = false;
   haltedOut_ = true;
   return kUrbStall;
@@ -61,6 +65,7 @@ std::int32_t BulkOnly::HaltBoth() {
 void BulkOnly::RunCommand(Clock::time_point now) {
   const wire::Command command{command_.cdb, command_.direction, command_.length, data_};
   Settle(unit_.Run(command), now);
+  // What the kernel asks of its own accord is not counted, so that --fault NAME@N means the same in every run.
   if (faults_ && IsCameraCommand(command_.cdb[0])) ApplyFault(faults_());
 }
 
@@ -69,6 +74,7 @@ void BulkOnly::Settle(wire::Reply reply, Clock::time_point now) {
   hang_ = reply.transport == wire::Transport::kHang;
   gone_ = reply.transport == wire::Transport::kGone;
   stall_ = reply.transport == wire::Transport::kStall;
+  // A fault may claim more than was asked for. The residue then wraps, as that of a device that counts wrongly.
   status_ = {command_.tag, command_.length - reply.moved, StatusOf(reply)};
   data_ = std::move(reply.data);
   sent_ = 0;
@@ -139,6 +145,7 @@ Taken BulkOnly::TakeData(std::uint32_t length) {
   const auto begin = data_.begin() + static_cast<std::ptrdiff_t>(sent_);
   Taken taken{kUrbOk, static_cast<std::uint32_t>(part), {}, false};
   if (sent_ == 0 && part == data_.size()) {
+    // The usual case, up to 4 MiB: the answer is moved, not copied.
     taken.data = std::move(data_);
     data_.clear();
   } else {
@@ -147,13 +154,14 @@ Taken BulkOnly::TakeData(std::uint32_t length) {
   sent_ += part;
   const bool hostIsFull = sent_ >= command_.length;
   if (gone_ && part == rest) {
-    // Pulled in the middle of the transfer: the host still waits for the rest of it.
+    // The header announces the whole transfer, so the host still waits for its rest when the cable is out.
     taken.actual = length;
     taken.unplug = true;
   } else if (part < rest && hostIsFull) {
+    // The device had more to send than the wrapper announced.
     taken.status = kUrbBabble;
   }
-  // A transfer that is not filled ends the data, and so does the last announced byte.
+  // A short transfer ends the data phase, and so does the last byte that was announced.
   if (part < length || hostIsFull) phase_ = Phase::kStatus;
   return taken;
 }
@@ -174,11 +182,13 @@ std::optional<Clock::time_point> BulkOnly::WaitsUntil(Clock::time_point now) con
 }
 
 bool BulkOnly::Unplugged(Clock::time_point now) const {
+  // The bytes before the pull still go out; TakeData then reports the end.
   const bool bytesLeft = phase_ == Phase::kDataIn && sent_ < data_.size();
   return gone_ && !bytesLeft && now >= readyAt_;
 }
 
 void BulkOnly::Reset() {
+  // Leaves the halts: the host clears each pipe in a request of its own.
   phase_ = Phase::kCommand;
   broken_ = stall_ = hang_ = cutStatus_ = false;
   readyAt_ = {};

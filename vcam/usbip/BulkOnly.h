@@ -22,7 +22,7 @@ struct Taken {
   /// The bytes moved, as the answer's header tells the host.
   std::uint32_t actual = 0;
   base::Bytes data{};
-  /// The cable is pulled behind the last byte of `data`, which may be less than `actual`.
+  /// Pull the cable after the last byte of `data`, even if `actual` announces more.
   bool unplug = false;
 };
 
@@ -37,11 +37,11 @@ class BulkOnly {
 
   /// Takes a transfer to the device. Gives its status.
   std::int32_t Give(std::span<const std::uint8_t> bytes, Clock::time_point now);
-  /// Answers a transfer from the device that has room for `length` bytes, or gives nothing as long as it has to wait.
+  /// Answers a transfer from the device with room for `length` bytes; nothing while the camera is not done.
   std::optional<Taken> Take(std::uint32_t length, Clock::time_point now);
   /// When Take will have more to say; nothing when only the host can change that.
   std::optional<Clock::time_point> WaitsUntil(Clock::time_point now) const;
-  /// Whether the camera has gone without a byte left to be sent.
+  /// Whether the camera has gone and every byte before that was sent.
   bool Unplugged(Clock::time_point now) const;
 
   /// Waits for a command again. Halts stay.
@@ -69,7 +69,7 @@ class BulkOnly {
   Phase phase_ = Phase::kCommand;
   bool haltedIn_ = false;
   bool haltedOut_ = false;
-  /// After a wrapper that is none, halts come back until the host resets the transport.
+  /// Set by an invalid command wrapper: both pipes stay halted until a Bulk-Only Reset.
   bool broken_ = false;
   /// Whether the data phase, or the status of a command without one, is to be stalled.
   bool stall_ = false;

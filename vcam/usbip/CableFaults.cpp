@@ -1,5 +1,4 @@
 // The faults of a USB cable: their names, which commands they spoil, and the `--fault NAME@N` of the command line.
-
 #include "vcam/usbip/CableFaults.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Makes the USB device of a virtual camera.
 #include "vcam/usbip/CameraModel.h"
 
 namespace vcam::usbip {

@@ -1,3 +1,4 @@
+// The two wrappers of the bulk-only transport as bytes.
 #include "vcam/usbip/CommandWrapper.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Endpoint 0: the requests with which a host sets the device up, clears halts and resets the transport.
 #include "vcam/usbip/ControlPipe.h"
 
 namespace vcam::usbip {
@@ -31,7 +32,7 @@ enum ClassRequest : std::uint8_t { kGetMaxLun = 0xFE, kBulkOnlyReset = 0xFF };
 
 constexpr std::uint16_t kEndpointHalt = 0;
 constexpr std::uint16_t kFunctionSuspend = 0;
-// Link power management of SuperSpeed, remote wake-up: nothing that a virtual cable would notice.
+// Link power management of SuperSpeed, remote wake-up: accepted, without effect on a virtual cable.
 constexpr std::uint16_t kFirstPowerFeature = 48;
 constexpr std::uint16_t kLastPowerFeature = 50;
 constexpr std::uint8_t kSelfPoweredStatus = 1;
@@ -42,8 +43,8 @@ std::uint16_t Word(const SetupPacket& setup, std::size_t offset) {
   return base::Load<std::uint16_t>(std::span<const std::uint8_t>(setup), offset);
 }
 
-// A question that is put as an order, or an order as a question, is neither.
-bool IsQuestion(std::uint8_t request) {
+// Standard requests that read must have direction IN, those that write OUT.
+bool Reads(std::uint8_t request) {
   return request == kGetStatus || request == kGetDescriptor || request == kGetConfiguration || request == kGetInterface;
 }
 
@@ -62,7 +63,7 @@ std::optional<base::Bytes> ControlPipe::Handle(const SetupPacket& setup, std::sp
   std::optional<base::Bytes> answer;
   if ((setup[0] & kTypeMask) == kClassType) {
     if (value == 0 && index == 0) answer = OfClass(setup[0], setup[1]);
-  } else if ((setup[0] & kTypeMask) == 0 && IsQuestion(setup[1]) == toHost) {
+  } else if ((setup[0] & kTypeMask) == 0 && Reads(setup[1]) == toHost) {
     switch (setup[0] & kRecipientMask) {
       case kDevice:
         answer = ToDevice(setup[1], value);
@@ -77,6 +78,7 @@ std::optional<base::Bytes> ControlPipe::Handle(const SetupPacket& setup, std::sp
         break;
     }
   }
+  // Hosts read the head of a descriptor first, to learn its length.
   if (answer && answer->size() > length) answer->resize(length);
   return answer;
 }
@@ -91,9 +93,11 @@ std::optional<base::Bytes> ControlPipe::ToDevice(std::uint8_t request, std::uint
       return base::Bytes{configuration_};
     case kSetConfiguration:
       if (value > 1) return std::nullopt;
+      // Clears every halt, also when the configuration was chosen before.
       configuration_ = static_cast<std::uint8_t>(value);
       pipes_.ResetAll();
       return kDone;
+    // The virtual controller sets the address, and a virtual cable has no latencies.
     case kSetAddress:
     case kSetExitLatencies:
     case kSetIsochronousDelay:
@@ -126,6 +130,7 @@ std::optional<base::Bytes> ControlPipe::ToInterface(std::uint8_t request, std::u
 
 std::optional<base::Bytes> ControlPipe::ToEndpoint(std::uint8_t request, std::uint16_t value, std::uint16_t index) {
   const auto address = static_cast<std::uint8_t>(index);
+  // Endpoint 0 may be named in both directions.
   const bool exists = index == (0x80 | kBulkIn) || index == kBulkOut || (index & 0xFF7F) == 0;
   if (!exists) return std::nullopt;
   switch (request) {

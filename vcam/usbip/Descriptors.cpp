@@ -1,3 +1,4 @@
+// The camera's USB descriptors, byte by byte.
 #include "vcam/usbip/Descriptors.h"
 
 #include <initializer_list>
@@ -54,7 +55,7 @@ base::Bytes ConfigurationDescriptor(const UsbIdentity& identity) {
   return bytes;
 }
 
-// SuperSpeed devices say here that they know link power management and which speeds they work at.
+// SuperSpeed devices must say here that they support link power management, and at which speeds they work.
 base::Bytes ObjectStoreDescriptor() {
   base::Bytes bytes = Begin(5, kObjectStoreDescriptor);
   AppendBytes(bytes, {22, 0, 2});

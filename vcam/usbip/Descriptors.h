@@ -12,7 +12,7 @@
 
 namespace vcam::usbip {
 
-/// From the block of numbers that is set aside for private testing: the virtual camera is nobody's product.
+/// From the range that is set aside for private tests: no product has these numbers.
 inline constexpr std::uint16_t kVendorId = 0x1209;
 inline constexpr std::uint16_t kProductId = 0x0001;
 inline constexpr std::uint16_t kRelease = 0x0100;
@@ -41,7 +41,7 @@ struct UsbIdentity {
   Speed speed = Speed::kHigh;
 };
 
-/// The bytes of a descriptor, or nothing when the device has no such descriptor (it stalls the request).
+/// The bytes of a descriptor; nothing when the device has no such descriptor, and the request is stalled.
 std::optional<base::Bytes> Describe(const UsbIdentity& identity, std::uint8_t type, std::uint8_t index);
 
 }  // namespace vcam::usbip

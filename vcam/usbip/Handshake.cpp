@@ -1,3 +1,4 @@
+// The first exchange with the `usbip` command, byte by byte.
 #include "vcam/usbip/Handshake.h"
 
 #include <algorithm>

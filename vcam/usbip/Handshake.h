@@ -40,7 +40,7 @@ struct Offer {
 
 /// Reads the head of a request. Throws ProtocolError.
 Request DecodeRequest(std::span<const std::uint8_t, kRequestSize> head);
-/// The bus id of an import request. Throws ProtocolError when it is not terminated or has bytes that no bus id has.
+/// The bus id of an import request. Throws ProtocolError when it is not terminated or has an invalid character.
 std::string DecodeBusId(std::span<const std::uint8_t, kBusIdSize> field);
 
 base::Bytes EncodeDeviceList(const Offer& offer);

@@ -1,3 +1,4 @@
+// The messages of an attached USB/IP device, read from a stream and written.
 #include "vcam/usbip/Messages.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The SCSI commands that a kernel sends to any device; the camera's own are passed on.
 #include "vcam/usbip/ScsiUnit.h"
 
 #include <algorithm>
@@ -60,7 +61,7 @@ bool IsCameraCommand(std::uint8_t operation) {
 wire::Reply ScsiUnit::Run(const wire::Command& command) {
   wire::Reply reply = Dispatch(command);
   if (reply.transport == wire::Transport::kOk && reply.status == wire::kScsiGood) {
-    // A reason not asked for is gone with the next command that needs none.
+    // Sense data lasts until the next command that succeeds.
     sense_ = {};
   } else {
     sense_ = reply.sense;
@@ -141,6 +142,7 @@ wire::Reply ScsiUnit::TellModes(const wire::Command& command) const {
 
 wire::Reply ScsiUnit::TellCapacity(const wire::Command& command) {
   if (selection_ == Selection::kNone) return Refuse(kNoMedium);
+  // Asked anew each time: the fault lie-size must show here too.
   wire::Reply size = Query(kelva::query::kSelectedSize, 4);
   if (!size.Good() || size.data.size() != 4) return size;
   const std::uint32_t blocks =
@@ -161,6 +163,7 @@ wire::Reply ScsiUnit::ReadBlocks(const wire::Command& command) {
   wire::Reply chunk = ReadChunk(static_cast<std::uint32_t>(offset), length);
   if (!chunk.Good()) return chunk;
   if (chunk.data.size() < length) {
+    // The end of the data set: its last block is filled up with zeros, and no block exists behind it.
     const std::size_t whole = (chunk.data.size() + kBlock - 1) / kBlock * kBlock;
     if (whole < length) return Refuse(sense::kOutOfRange);
     chunk.data.resize(whole);

@@ -30,7 +30,7 @@ class ScsiUnit {
 
   /// Carries a command out. A refusal is kept for the REQUEST SENSE that follows.
   wire::Reply Run(const wire::Command& command);
-  /// Forgets the reason of the last refusal, as a device does that fails without one.
+  /// Forgets the reason of the last refusal, for a command that fails without sense data.
   void DropSense() { sense_ = {}; }
 
  private:

@@ -1,3 +1,4 @@
+// Offers the camera on loopback, one attached host at a time.
 #include "vcam/usbip/Server.h"
 
 #include <arpa/inet.h>
@@ -15,7 +16,7 @@
 namespace vcam::usbip {
 namespace {
 
-// Long enough for a command on this machine; a silent peer must not keep the others out.
+// The handshake blocks the loop, so a silent peer must not keep others out for longer.
 constexpr timeval kHandshakeTime{2, 0};
 constexpr timeval kNoTimeout{0, 0};
 constexpr int kBacklog = 8;
@@ -107,6 +108,7 @@ void Server::Import(base::FileDescriptor socket) {
   if (!base::ReceiveAll(socket.Get(), field)) return;
   const bool exists = DecodeBusId(field) == offer_.busId;
   const Outcome outcome = !exists ? Outcome::kNoDevice : HostAttached() ? Outcome::kBusy : Outcome::kOk;
+  // An attached host may be silent for hours.
   SetReceiveTime(socket, kNoTimeout);
   if (base::SendAll(socket.Get(), EncodeImport(outcome, offer_)) && outcome == Outcome::kOk) Attach(std::move(socket));
 }
@@ -128,6 +130,7 @@ void Server::Attach(base::FileDescriptor socket) {
       onComplaint(error.what());
     }
     session->Pull();
+    // Under the lock, because EndHost may be about to pull the cable of this session.
     const std::lock_guard ending(mutex_);
     session_ = nullptr;
     if (camera->Unplugged(Clock::now())) ::eventfd_write(gone_.Get(), 1);

@@ -13,11 +13,12 @@
 
 namespace vcam::usbip {
 
-/// Offers one camera to the `usbip` command of this machine: answers who asks what there is, and serves the one host that
-/// has attached it. Listens on loopback only, since the protocol knows no passwords.
+/// Offers one camera to the `usbip` command of this machine: lists it and serves one attached host at a time. Listens
+/// on loopback only, because the protocol has no passwords.
 class Server {
  public:
-  /// `port` 0 takes any free one. `model` is what every host gets anew. Throws std::runtime_error with one sentence.
+  /// `port` 0 takes any free one. Every host that attaches gets a new UsbCamera of `model`. Throws
+  /// std::runtime_error with one sentence.
   Server(Offer offer, CameraModel model, std::uint16_t port);
   ~Server();
   Server(const Server&) = delete;
@@ -27,7 +28,7 @@ class Server {
   /// Called with one sentence about every host that broke the protocol.
   std::function<void(const std::string&)> onComplaint = [](const std::string&) {};
 
-  /// Serves until `stop` is readable or the camera was unplugged by a fault. The attached host loses the camera then.
+  /// Serves until `stop` is readable or a fault unplugs the camera. The attached host then loses the camera.
   void Run(int stop);
 
  private:
@@ -45,7 +46,7 @@ class Server {
   std::mutex mutex_;
   /// The session of the attached host, while it lasts.
   Session* session_ = nullptr;
-  /// Readable once a host has gone that saw the camera vanish.
+  /// Readable once a fault has unplugged the camera and its host was told.
   base::FileDescriptor gone_;
 };
 

@@ -1,3 +1,4 @@
+// Serves one attached host until the host, the camera or the caller ends it.
 #include "vcam/usbip/Session.h"
 
 #include <poll.h>
@@ -55,7 +56,7 @@ void Session::Wait() const {
   ::poll(&readable, 1, until ? MillisecondsFrom(now, *until) : kForever);
 }
 
-// Takes what has arrived, which may be nothing.
+// Handles what has arrived; false when the host has gone.
 bool Session::Receive() {
   std::array<std::uint8_t, kReceiveSize> buffer;
   const ssize_t count = ::recv(socket_.Get(), buffer.data(), buffer.size(), MSG_DONTWAIT);

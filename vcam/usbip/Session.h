@@ -17,7 +17,7 @@ class Session {
       : socket_(std::move(socket)), reader_(device), camera_(camera) {}
 
   /// Serves until the host lets go, the camera goes, or Pull is called; then the cable is out. Throws ProtocolError when
-  /// the host sends what no host sends.
+  /// the host breaks the protocol.
   void Run();
 
   /// Pulls the cable. May be called from any thread, as long as the session lives.

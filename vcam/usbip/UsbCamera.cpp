@@ -1,3 +1,4 @@
+// Hands the transfers of the USB host to the pipe that they belong to.
 #include "vcam/usbip/UsbCamera.h"
 
 #include <algorithm>

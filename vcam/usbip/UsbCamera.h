@@ -34,9 +34,9 @@ class UsbCamera : private ControlledPipes {
  public:
   explicit UsbCamera(CameraModel model);
 
-  /// Takes a transfer. Throws ProtocolError when the host piles up more than any driver does.
+  /// Takes a transfer. Throws ProtocolError when the host has too many pending.
   void Submit(usbip::Submit submit, Clock::time_point now);
-  /// Takes a transfer back; false when it is not pending (any more).
+  /// Takes a transfer back; false when it is not pending.
   bool Unlink(std::uint32_t sequence);
   /// The next finished transfer, or nothing at this time.
   std::optional<Finished> Next(Clock::time_point now);

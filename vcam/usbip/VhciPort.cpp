@@ -1,3 +1,4 @@
+// Plugs the camera into the kernel's virtual USB controller, without the `usbip` command.
 #include "vcam/usbip/VhciPort.h"
 
 #include <fcntl.h>
@@ -42,7 +43,7 @@ std::string ReadTable(const std::filesystem::path& controller) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// The kernel takes the order in one write, and answers in its errno. False when the port was taken in the meantime.
+// The kernel takes the order in one write and answers with errno. False when the port has been taken in the meantime.
 bool Write(const std::filesystem::path& attribute, const std::string& order) {
   const base::FileDescriptor file(::open(attribute.c_str(), O_WRONLY | O_CLOEXEC));
   if (!file) {
@@ -78,7 +79,7 @@ base::FileDescriptor PlugIntoController(const std::filesystem::path& controller,
   const base::FileDescriptor far(ends[1]);
   const std::string rest = " " + std::to_string(far.Get()) + " " + std::to_string(device) + " " +
                            std::to_string(static_cast<unsigned>(speed));
-  // Others plug in as well: a port that was free a moment ago may be taken.
+  // Another program may take the port between the look at the table and the order.
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto port = FreePort(ReadTable(controller), speed);
     if (!port) break;

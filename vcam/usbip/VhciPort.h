@@ -15,12 +15,12 @@
 namespace vcam::usbip {
 
 /// The first free port for a device of that speed in the controller's status table; nothing when all are taken or the
-/// table is not one.
+/// table cannot be read.
 std::optional<unsigned> FreePort(std::string_view table, Speed speed);
 
-/// Plugs a device into this machine: gives one end of a socket pair to the controller found below `controller` (normally
-/// DefaultController()) and hands the other one, which is for a Session, back. Needs root. Throws std::runtime_error with
-/// one sentence that says what is missing. The device is unplugged by closing that end.
+/// Plugs a device into this machine: gives one end of a socket pair to the controller below `controller` (normally
+/// DefaultController()) and returns the other end, for a Session. Closing that end unplugs the device. Needs root. Throws
+/// std::runtime_error with one sentence that says what is missing.
 base::FileDescriptor PlugIntoController(const std::filesystem::path& controller, std::uint32_t device, Speed speed);
 
 /// The directory of the kernel's first virtual controller.
