@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <filesystem>
 #include <memory>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/testing/SilentContext.h"
+#include "base/testing/ScratchFolder.h"
 #include "darwin/virtual/VirtualRegistry.h"
 #include "vcam/camera/InProcess.h"
 
@@ -17,21 +17,17 @@ namespace {
 class LastingSessionTest : public testing::Test, protected SilentContext {
  protected:
   LastingSessionTest() { k1_ = Attach("K1"); }
-  ~LastingSessionTest() override { std::filesystem::remove_all(storage_); }
 
   darwin::EntryId Attach(const std::string& serial) {
     vcam::Options options;
     options.serial = serial;
-    options.storage = storage_;
+    options.storage = storage_.Path();
     darwin::CameraDescription description{serial, "Kelva", "Camera", "1.00", 3, {}};
     description.openUserClient = vcam::OpenInProcess(std::make_shared<vcam::VirtualCamera>(options));
     return registry_.AttachCamera(description);
   }
 
-  std::string storage_ = [] {
-    std::string pattern = testing::TempDir() + "lasting-XXXXXX";
-    return std::string(::mkdtemp(pattern.data()));
-  }();
+  const base::ScratchFolder storage_;
   darwin::VirtualRegistry registry_;
   darwin::EntryId k1_{};
 };

@@ -11,13 +11,14 @@
 
 #include "apps/commandline/Scratch.h"
 #include "base/FileDescriptor.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
 
 TEST(AbortsDeathTest, AnAbortRemovesTheFileAndEndsWithOne) {
-  std::string pattern = testing::TempDir() + "aborts-XXXXXX";
-  const std::string folder = ::mkdtemp(pattern.data());
+  const base::ScratchFolder scratch;
+  const std::string folder = scratch.Path();
   std::ofstream(folder + "/part") << "half";
   EXPECT_EXIT(
       {
@@ -28,7 +29,6 @@ TEST(AbortsDeathTest, AnAbortRemovesTheFileAndEndsWithOne) {
       },
       testing::ExitedWithCode(1), "kelva: The camera broke a rule.");
   EXPECT_FALSE(std::filesystem::exists(folder + "/part"));
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

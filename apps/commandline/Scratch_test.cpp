@@ -7,29 +7,23 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "base/FileDescriptor.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
 
 class ScratchTest : public testing::Test {
  protected:
-  ScratchTest() {
-    std::string pattern = testing::TempDir() + "scratch-XXXXXX";
-    path_ = ::mkdtemp(pattern.data());
-    folder_ = base::FileDescriptor(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  }
-  ~ScratchTest() override { std::filesystem::remove_all(path_); }
-
   void Make(const std::string& name) const { std::ofstream(path_ / name) << "x"; }
   bool Exists(const std::string& name) const { return std::filesystem::exists(path_ / name); }
 
-  std::filesystem::path path_;
-  base::FileDescriptor folder_;
+  const base::ScratchFolder scratch_;
+  const std::filesystem::path path_ = scratch_.Path();
+  const base::FileDescriptor folder_{::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
 };
 
 TEST_F(ScratchTest, FilesThatAreRememberedAreRemoved) {

@@ -8,13 +8,13 @@
 
 #include <array>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "apps/commandline/Scratch.h"
 #include "base/FileDescriptor.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
@@ -81,15 +81,10 @@ TEST_F(SupervisorTest, ASignalEndsTheWorkAndSaysSo) {
 
 using SupervisorDeathTest = SupervisorTest;
 
-std::string FolderWithFile(const std::string& name) {
-  std::string pattern = testing::TempDir() + "supervisor-XXXXXX";
-  const std::string folder = ::mkdtemp(pattern.data());
-  std::ofstream(folder + "/" + name) << "half";
-  return folder;
-}
-
 TEST_F(SupervisorDeathTest, WorkThatCannotStopIsLeftAndItsFileRemoved) {
-  const std::string folder = FolderWithFile("part");
+  const base::ScratchFolder scratch;
+  const std::string folder = scratch.Path();
+  std::ofstream(folder + "/part") << "half";
   EXPECT_EXIT(
       {
         TakeOverSignals();
@@ -100,7 +95,6 @@ TEST_F(SupervisorDeathTest, WorkThatCannotStopIsLeftAndItsFileRemoved) {
       },
       ExitedWithCode(8), "Timed out after 0.01 s");
   EXPECT_FALSE(std::filesystem::exists(folder + "/part"));
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

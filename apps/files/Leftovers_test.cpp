@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "apps/commandline/Failure.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
@@ -20,13 +21,6 @@ namespace fs = std::filesystem;
 
 class LeftoversTest : public testing::Test {
  protected:
-  LeftoversTest() {
-    std::string pattern = testing::TempDir() + "newfile-XXXXXX";
-    path_ = ::mkdtemp(pattern.data());
-    folder_.emplace(TargetFolder::Open(path_));
-  }
-  ~LeftoversTest() override { fs::remove_all(path_); }
-
   void Put(const std::string& name, const std::string& text) const { std::ofstream(path_ / name) << text; }
   std::vector<std::string> Names() const {
     std::vector<std::string> names;
@@ -34,8 +28,9 @@ class LeftoversTest : public testing::Test {
     return names;
   }
 
-  fs::path path_;
-  std::optional<TargetFolder> folder_;
+  const base::ScratchFolder scratch_;
+  const fs::path path_ = scratch_.Path();
+  std::optional<TargetFolder> folder_ = TargetFolder::Open(path_);
 };
 
 TEST_F(LeftoversTest, LeftoversOfAKilledRunGoAndFilesInUseStay) {

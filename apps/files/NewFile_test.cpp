@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "apps/commandline/Failure.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
@@ -23,13 +24,6 @@ using testing::IsEmpty;
 
 class NewFileTest : public testing::Test {
  protected:
-  NewFileTest() {
-    std::string pattern = testing::TempDir() + "newfile-XXXXXX";
-    path_ = ::mkdtemp(pattern.data());
-    folder_.emplace(TargetFolder::Open(path_));
-  }
-  ~NewFileTest() override { fs::remove_all(path_); }
-
   void Put(const std::string& name, const std::string& text) const { std::ofstream(path_ / name) << text; }
   std::string Text(const std::string& name) const {
     std::ifstream file(path_ / name);
@@ -41,8 +35,9 @@ class NewFileTest : public testing::Test {
     return names;
   }
 
-  fs::path path_;
-  std::optional<TargetFolder> folder_;
+  const base::ScratchFolder scratch_;
+  const fs::path path_ = scratch_.Path();
+  std::optional<TargetFolder> folder_ = TargetFolder::Open(path_);
 };
 
 TEST_F(NewFileTest, TheNameAppearsOnlyWhenItIsTaken) {

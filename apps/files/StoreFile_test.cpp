@@ -11,6 +11,7 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/files/Sha1.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
@@ -19,13 +20,6 @@ namespace fs = std::filesystem;
 
 class StoreFileTest : public testing::Test {
  protected:
-  StoreFileTest() {
-    std::string pattern = testing::TempDir() + "storefile-XXXXXX";
-    path_ = ::mkdtemp(pattern.data());
-    folder_.emplace(TargetFolder::Open(path_));
-  }
-  ~StoreFileTest() override { fs::remove_all(path_); }
-
   std::string Text(const std::string& name) const {
     std::ifstream file(path_ / name);
     return {std::istreambuf_iterator<char>(file), {}};
@@ -34,8 +28,9 @@ class StoreFileTest : public testing::Test {
     return StoreBeside(*folder_, name, text, Sha1(text));
   }
 
-  fs::path path_;
-  std::optional<TargetFolder> folder_;
+  const base::ScratchFolder scratch_;
+  const fs::path path_ = scratch_.Path();
+  std::optional<TargetFolder> folder_ = TargetFolder::Open(path_);
 };
 
 TEST_F(StoreFileTest, AFreeNameIsTaken) {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "apps/commandline/Failure.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
@@ -22,16 +23,10 @@ using testing::HasSubstr;
 
 class TargetFolderTest : public testing::Test {
  protected:
-  TargetFolderTest() {
-    std::string pattern = testing::TempDir() + "newfile-XXXXXX";
-    path_ = ::mkdtemp(pattern.data());
-    folder_.emplace(TargetFolder::Open(path_));
-  }
-  ~TargetFolderTest() override { fs::remove_all(path_); }
-
   void Put(const std::string& name, const std::string& text) const { std::ofstream(path_ / name) << text; }
-  fs::path path_;
-  std::optional<TargetFolder> folder_;
+  const base::ScratchFolder scratch_;
+  const fs::path path_ = scratch_.Path();
+  std::optional<TargetFolder> folder_ = TargetFolder::Open(path_);
 };
 
 TEST_F(TargetFolderTest, AFolderThatIsMissingIsAFailureWithItsName) {

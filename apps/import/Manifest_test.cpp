@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "apps/commandline/Failure.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
@@ -17,13 +18,6 @@ using testing::HasSubstr;
 
 class ManifestTest : public testing::Test {
  protected:
-  ManifestTest() {
-    std::string pattern = testing::TempDir() + "manifest-XXXXXX";
-    path_ = ::mkdtemp(pattern.data());
-    folder_.emplace(TargetFolder::Open(path_));
-  }
-  ~ManifestTest() override { fs::remove_all(path_); }
-
   std::string WhyNot() const {
     try {
       Manifest(*folder_, true);
@@ -33,8 +27,9 @@ class ManifestTest : public testing::Test {
     return "opened";
   }
 
-  fs::path path_;
-  std::optional<TargetFolder> folder_;
+  const base::ScratchFolder scratch_;
+  const fs::path path_ = scratch_.Path();
+  std::optional<TargetFolder> folder_ = TargetFolder::Open(path_);
 };
 
 constexpr char kSha1[] = "a9993e364706816aba3e25717850c26c9cd0d89d";

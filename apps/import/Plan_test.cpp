@@ -5,9 +5,9 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <filesystem>
 
 #include "apps/commandline/Failure.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
@@ -30,18 +30,12 @@ DcfObj Made(int folder, int number) {
 
 class PlanTest : public testing::Test {
  protected:
-  ~PlanTest() override { std::filesystem::remove_all(path_); }
-
   SyncPlan Plan(const std::vector<DcfObj>& catalogue, const std::vector<int>& types) {
     return MakePlan(catalogue, "K1", types, Pattern(Pattern::kDefault), manifest_);
   }
 
-  std::string path_;
-  TargetFolder folder_ = [this] {
-    std::string pattern = testing::TempDir() + "plan-XXXXXX";
-    path_ = ::mkdtemp(pattern.data());
-    return TargetFolder::Open(path_);
-  }();
+  const base::ScratchFolder scratch_;
+  TargetFolder folder_ = TargetFolder::Open(scratch_.Path());
   Manifest manifest_{folder_, true};
 };
 

@@ -19,12 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path ScratchFolder() {
-  std::string name = (fs::temp_directory_path() / "kelva-agent-XXXXXX").string();
-  if (!::mkdtemp(name.data())) throw std::runtime_error("no scratch folder");
-  return name;
-}
-
 // The value of "NAME:  VALUE ..." in a file of /proc.
 long ValueIn(const fs::path& file, const std::string& name) {
   std::ifstream stream(file);
@@ -56,7 +50,7 @@ std::vector<char*> Pointers(std::vector<std::string>& words) {
 
 }  // namespace
 
-AgentUnderTest::AgentUnderTest(const std::vector<std::string>& before) : folder_(ScratchFolder()) {
+AgentUnderTest::AgentUnderTest(const std::vector<std::string>& before) {
   // The agent finds its opener beside itself.
   fs::copy_file(KELVA_HELPER_PROGRAM, folder_ / "kelva-helper");
   fs::copy_file(KELVA_LAUNCH_COUNTER, folder_ / "kelva-open");
@@ -83,7 +77,6 @@ void AgentUnderTest::Start(const std::vector<std::string>& before) {
 AgentUnderTest::~AgentUnderTest() {
   End();
   ::close(launches_);
-  fs::remove_all(folder_);
 }
 
 bool AgentUnderTest::AwaitListening(MockMachine& machine) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/testing/ScratchFolder.h"
 #include "tests/umockdev/MockMachine.h"
 
 namespace mock {
@@ -41,7 +42,8 @@ class AgentUnderTest {
   void Start(const std::vector<std::string>& before);
   std::filesystem::path Proc() const { return "/proc/" + std::to_string(process_); }
 
-  std::filesystem::path folder_;
+  const base::ScratchFolder scratch_;
+  const std::filesystem::path folder_ = scratch_.Path();
   int launches_ = -1;
   pid_t process_ = 0;
 };

@@ -5,11 +5,13 @@
 
 namespace apps {
 
-/// What a command works with, where nobody listens. A fixture derives from it.
+/// What a command works with, writing nowhere. A fixture derives from it.
 struct SilentContext {
+  explicit SilentContext(ReportStyle style = {}) : reporter_("kelva", -1, style) {}
+
   Invocation call_;
   Output out_{-1};
-  Reporter reporter_{"kelva", -1, {}};
+  Reporter reporter_;
   Stop stop_;
   StdoutDiversion diversion_;
   Context context_{call_, out_, reporter_, stop_, diversion_};

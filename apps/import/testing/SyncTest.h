@@ -5,21 +5,19 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "apps/import/Plan.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 
 /// A target folder with a manifest, and pictures of a catalogue.
 class SyncFolderTest : public testing::Test {
  protected:
-  ~SyncFolderTest() override { std::filesystem::remove_all(path_); }
-
   static DcfObj Picture(int number, const std::string& key = "") {
     DcfObj picture{};
     std::memcpy(picture.directorySuffix, "ABCDE", 5);
@@ -38,10 +36,8 @@ class SyncFolderTest : public testing::Test {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  std::string path_ = [] {
-    std::string pattern = testing::TempDir() + "sync-XXXXXX";
-    return std::string(::mkdtemp(pattern.data()));
-  }();
+  const base::ScratchFolder scratch_;
+  const std::string path_ = scratch_.Path();
   TargetFolder folder_ = TargetFolder::Open(path_);
   Manifest manifest_{folder_, true};
 };

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "base/testing/ScratchFolder.h"
+
 namespace apps::doctor {
 namespace {
 
@@ -13,19 +15,14 @@ namespace fs = std::filesystem;
 
 class RulesTest : public testing::Test {
  protected:
-  RulesTest() {
-    std::string name = (fs::temp_directory_path() / "kelva-rules-XXXXXX").string();
-    root_ = ::mkdtemp(name.data());
-  }
-  ~RulesTest() override { fs::remove_all(root_); }
-
   std::string Install(const std::string& folder) {
     fs::create_directories(root_ + folder);
     std::ofstream(root_ + folder + "/70-kelva.rules") << "# rules\n";
     return root_ + folder + "/70-kelva.rules";
   }
 
-  std::string root_;
+  const base::ScratchFolder scratch_;
+  const std::string root_ = scratch_.Path();
 };
 
 TEST_F(RulesTest, WithoutTheFileThereAreNone) {

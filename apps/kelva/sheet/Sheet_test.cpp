@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "apps/camera/testing/FakeCamera.h"
+#include "apps/commandline/testing/SilentContext.h"
 #include "apps/kelva/sheet/testing/SheetTest.h"
 #include "apps/kelva/sheet/testing/TinyJpeg.h"
 #include "src/wifi/CameraError.h"
@@ -31,9 +32,9 @@ class StumblingCamera : public FakeCamera {
   }
 };
 
-class SheetTest : public SheetFolderTest {
+class SheetTest : public SheetFolderTest, protected SilentContext {
  protected:
-  SheetTest() {
+  SheetTest() : SilentContext({.json = true}) {
     camera_.folder = "I:\\DCIM\\100ABCDE";
     camera_.files["IMG_0001.JPG"] = TinyJpeg::File(1, {90});
     camera_.files["IMG_0002.JPG"] = TinyJpeg::File(1, {90});
@@ -50,12 +51,6 @@ class SheetTest : public SheetFolderTest {
   }
 
   StumblingCamera camera_;
-  Invocation call_;
-  Output out_{-1};
-  Reporter reporter_{"kelva", -1, {.json = true}};
-  Stop stop_;
-  StdoutDiversion diversion_;
-  Context context_{call_, out_, reporter_, stop_, diversion_};
   std::vector<Card> cards_;
   std::string list_;
 };

@@ -51,16 +51,12 @@ class VerbTest::Machine {
 };
 
 VerbTest::VerbTest() {
-  std::string pattern = testing::TempDir() + "verb-XXXXXX";
-  folder = ::mkdtemp(pattern.data());
-  storage = folder / "camera";
   std::filesystem::create_directory(storage);
   machine_ = std::make_unique<Machine>(storage);
 }
 
 VerbTest::~VerbTest() {
   machine_.reset();
-  std::filesystem::remove_all(folder);
 }
 
 void VerbTest::Put(const std::string& name, const std::string& text) const {

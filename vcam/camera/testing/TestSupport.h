@@ -7,11 +7,11 @@
 #include <initializer_list>
 #include <iterator>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "base/Bytes.h"
+#include "base/testing/ScratchFolder.h"
 #include "vcam/camera/VirtualCamera.h"
 
 // What the tests of the virtual camera share: a scratch storage folder, and commands said in few words.
@@ -21,15 +21,6 @@ namespace vcam::test {
 /// A storage folder of its own, deleted with the object.
 class ScratchStorage {
  public:
-  ScratchStorage() {
-    std::string name = (std::filesystem::temp_directory_path() / "kelva-vcam-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder");
-    path_ = name;
-  }
-  ~ScratchStorage() { std::filesystem::remove_all(path_); }
-  ScratchStorage(const ScratchStorage&) = delete;
-  ScratchStorage& operator=(const ScratchStorage&) = delete;
-
   const std::filesystem::path& Path() const { return path_; }
 
   void Put(const std::string& name, std::string_view content) const {
@@ -50,7 +41,8 @@ class ScratchStorage {
   }
 
  private:
-  std::filesystem::path path_;
+  const base::ScratchFolder folder_;
+  const std::filesystem::path path_ = folder_.Path();
 };
 
 inline wire::Command Block(std::initializer_list<std::uint8_t> bytes) {

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "apps/files/TargetFolder.h"
+#include "base/testing/ScratchFolder.h"
 #include "src/wifi/DcfObj.h"
 
 namespace apps {
@@ -29,8 +30,6 @@ inline DcfObj SheetPicture(int number, int folder = 100) {
 /// A folder for a sheet and for what is beside it.
 class SheetFolderTest : public testing::Test {
  protected:
-  ~SheetFolderTest() override { std::filesystem::remove_all(path_); }
-
   void Put(const std::string& name, const std::string& text) const {
     std::filesystem::create_directories(std::filesystem::path(path_ + "/" + name).parent_path());
     std::ofstream(path_ + "/" + name) << text;
@@ -40,10 +39,8 @@ class SheetFolderTest : public testing::Test {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  std::string path_ = [] {
-    std::string pattern = testing::TempDir() + "sheet-XXXXXX";
-    return std::string(::mkdtemp(pattern.data()));
-  }();
+  const base::ScratchFolder scratch_;
+  const std::string path_ = scratch_.Path();
   TargetFolder folder_ = TargetFolder::Open(path_);
 };
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "apps/commandline/ExitCode.h"
+#include "base/testing/ScratchFolder.h"
 
 namespace apps {
 
@@ -30,8 +31,9 @@ class VerbTest : public testing::Test {
   std::string Text(const std::filesystem::path& path) const;
   bool Has(const std::string& name) const { return std::filesystem::exists(storage / name); }
 
-  std::filesystem::path folder;   ///< for files of this computer
-  std::filesystem::path storage;  ///< the camera's drive
+  const base::ScratchFolder scratch;
+  const std::filesystem::path folder = scratch.Path();      ///< for files of this computer
+  const std::filesystem::path storage = folder / "camera";  ///< the camera's drive
 
  private:
   class Machine;

@@ -10,6 +10,7 @@
 #include <functional>
 #include <stdexcept>
 
+#include "base/testing/ScratchFolder.h"
 #include "darwin/registry/Registry.h"
 #include "src/ui/linux/KelvaHelper/CameraSource.h"
 #include "src/ui/linux/KelvaHelper/SessionLock.h"
@@ -56,13 +57,10 @@ struct Outcome {
 class AgentTest : public testing::Test {
  protected:
   AgentTest() {
-    char name[] = "/tmp/kelva-agent-test-XXXXXX";
-    folder_ = ::mkdtemp(name);
     ::setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
     ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
     UseSource("");
   }
-  ~AgentTest() override { std::filesystem::remove_all(folder_); }
 
   static void UseSource(const std::string& error) {
     onChoice = [error] { darwin::Registry::Shared().SetSource(std::make_unique<Source>(error)); };
@@ -75,7 +73,8 @@ class AgentTest : public testing::Test {
     return {code, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
   }
 
-  std::filesystem::path folder_;
+  const base::ScratchFolder scratch_;
+  const std::filesystem::path folder_ = scratch_.Path();
 };
 
 TEST_F(AgentTest, WatchesUntilASignalAndEndsWithZero) {

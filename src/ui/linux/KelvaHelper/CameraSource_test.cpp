@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <thread>
 
 #include "base/FileDescriptor.h"
+#include "base/testing/ScratchFolder.h"
 #include "bus/BusConnection.h"
 #include "src/usb/osx/OsxCamera.h"
 #include "vcam/server/BusServer.h"
@@ -49,16 +49,12 @@ class Bus {
 };
 
 TEST(CameraSource, PathOfABusGivesTheCamerasOfThatBus) {
-  char name[] = "/tmp/kelva-source-test-XXXXXX";
-  const std::filesystem::path folder = ::mkdtemp(name);
-  {
-    const Bus bus(folder);
-    UseCamerasOf(bus.Path());
-    const auto cameras = OsxCamera::EnumerateOsxCameras(false);
-    ASSERT_EQ(cameras.size(), 1U);
-    EXPECT_TRUE(cameras[0]->CompareSn("KV0001"));
-  }
-  std::filesystem::remove_all(folder);
+  const base::ScratchFolder folder;
+  const Bus bus(folder.Path());
+  UseCamerasOf(bus.Path());
+  const auto cameras = OsxCamera::EnumerateOsxCameras(false);
+  ASSERT_EQ(cameras.size(), 1U);
+  EXPECT_TRUE(cameras[0]->CompareSn("KV0001"));
 }
 
 TEST(CameraSource, BusThatNobodyServesIsAnErrorThatNamesItAndNoFallback) {

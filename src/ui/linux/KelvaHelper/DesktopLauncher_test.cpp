@@ -5,22 +5,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "base/testing/ScratchFolder.h"
 
 namespace helper {
 namespace {
 
 class DesktopLauncherTest : public testing::Test {
  protected:
-  void SetUp() override {
-    char name[] = "/tmp/kelva-launcher-test-XXXXXX";
-    folder_ = ::mkdtemp(name);
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
   std::filesystem::path WriteProgram(const std::string& name, const std::string& text) {
     const std::filesystem::path path = folder_ / name;
     std::ofstream(path) << "#!/bin/sh\n" << text << "\n";
@@ -28,7 +23,8 @@ class DesktopLauncherTest : public testing::Test {
     return path;
   }
 
-  std::filesystem::path folder_;
+  const base::ScratchFolder scratch_;
+  const std::filesystem::path folder_ = scratch_.Path();
 };
 
 TEST_F(DesktopLauncherTest, OpenerBesideTheAgentIsPreferred) {

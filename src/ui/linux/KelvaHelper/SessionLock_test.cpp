@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "base/testing/ScratchFolder.h"
+
 namespace helper {
 namespace {
 
@@ -50,15 +52,9 @@ TEST(LockPath, WithoutARunTimeFolderItCarriesTheUsersNumber) {
 
 class SessionLockTest : public testing::Test {
  protected:
-  void SetUp() override {
-    char name[] = "/tmp/kelva-lock-test-XXXXXX";
-    folder_ = ::mkdtemp(name);
-    path_ = folder_ / "agent.lock";
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  std::filesystem::path folder_;
-  std::filesystem::path path_;
+  const base::ScratchFolder scratch_;
+  const std::filesystem::path folder_ = scratch_.Path();
+  const std::filesystem::path path_ = folder_ / "agent.lock";
 };
 
 TEST_F(SessionLockTest, SecondTakerLearnsWhoHoldsIt) {

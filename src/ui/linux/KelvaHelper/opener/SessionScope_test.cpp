@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "base/testing/ScratchFolder.h"
 #include "src/ui/linux/KelvaHelper/opener/GObjects.h"
 #include "src/ui/linux/KelvaHelper/opener/ScopeName.h"
 
@@ -146,13 +147,12 @@ TEST(SessionScope, ManagerThatNeverFinishesIsNotWaitedForLongerThanAllowed) {
 }
 
 TEST(SessionScope, ServiceManagerIsKnownByItsFolderInTheRunTimeFolder) {
-  char name[] = "/tmp/kelva-scope-test-XXXXXX";
-  const std::filesystem::path folder = ::mkdtemp(name);
+  const base::ScratchFolder scratch;
+  const std::filesystem::path& folder = scratch.Path();
   EXPECT_FALSE(HasServiceManager(""));
   EXPECT_FALSE(HasServiceManager(folder));
   std::filesystem::create_directory(folder / "systemd");
   EXPECT_TRUE(HasServiceManager(folder));
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -8,6 +8,8 @@
 #include <fstream>
 #include <string>
 
+#include "base/testing/ScratchFolder.h"
+
 namespace opener {
 
 /// For tests: the XDG folders of a user who has installed these applications and no others, and no session bus. GIO reads
@@ -23,7 +25,6 @@ class ScratchDesktop {
   }
   ScratchDesktop(const ScratchDesktop&) = delete;
   ScratchDesktop& operator=(const ScratchDesktop&) = delete;
-  ~ScratchDesktop() { std::filesystem::remove_all(folder_); }
 
   /// What the started application writes; opening the pipe waits for it. An application that wrote before and has not yet
   /// closed its end brings an end without a word.
@@ -35,8 +36,6 @@ class ScratchDesktop {
 
  private:
   ScratchDesktop() {
-    char name[] = "/tmp/kelva-open-test-XXXXXX";
-    folder_ = ::mkdtemp(name);
     std::filesystem::create_directories(folder_ / "applications");
     ::setenv("XDG_DATA_HOME", folder_.c_str(), 1);
     ::setenv("XDG_DATA_DIRS", folder_.c_str(), 1);
@@ -67,7 +66,8 @@ class ScratchDesktop {
     return path;
   }
 
-  std::filesystem::path folder_;
+  const base::ScratchFolder scratch_;
+  const std::filesystem::path folder_ = scratch_.Path();
 };
 
 }  // namespace opener
