@@ -79,32 +79,24 @@ function(kelva_program target)
   target_link_libraries(${target} PRIVATE ${PROGRAM_LINKS})
 endfunction()
 
-# kelva_manual(PROGRAM): the manual pages of a program, which prints them from its own table. Not while cross-compiling: the
-# program has to run.
+# kelva_manual(PROGRAM): the manual pages and completions of a program, which prints them from its own table. Not while
+# cross-compiling: the program has to run.
 function(kelva_manual program)
   if(CMAKE_CROSSCOMPILING OR KELVA_SANITIZER)
     return()
   endif()
   set(pages "${CMAKE_CURRENT_BINARY_DIR}/man")
-  add_custom_command(OUTPUT "${pages}/${program}.1" COMMAND ${program} manual --into "${pages}" DEPENDS ${program} VERBATIM)
-  add_custom_target(${program}_manual ALL DEPENDS "${pages}/${program}.1")
-  install(DIRECTORY "${pages}/" DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-endfunction()
-
-# kelva_completions(PROGRAM): the same for its completions.
-function(kelva_completions program)
-  if(CMAKE_CROSSCOMPILING OR KELVA_SANITIZER)
-    return()
-  endif()
   set(completions "${CMAKE_CURRENT_BINARY_DIR}/completions")
   add_custom_command(
-    OUTPUT "${completions}/${program}" "${completions}/_${program}" "${completions}/${program}.fish"
+    OUTPUT "${pages}/${program}.1" "${completions}/${program}" "${completions}/_${program}" "${completions}/${program}.fish"
     COMMAND ${CMAKE_COMMAND} -E make_directory "${completions}"
+    COMMAND ${program} manual --into "${pages}"
     COMMAND ${program} completion bash > "${completions}/${program}"
     COMMAND ${program} completion zsh > "${completions}/_${program}"
     COMMAND ${program} completion fish > "${completions}/${program}.fish"
     DEPENDS ${program} VERBATIM)
-  add_custom_target(${program}_completions ALL DEPENDS "${completions}/${program}")
+  add_custom_target(${program}_manual ALL DEPENDS "${pages}/${program}.1")
+  install(DIRECTORY "${pages}/" DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES "${completions}/${program}" DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   install(FILES "${completions}/_${program}" DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
   install(FILES "${completions}/${program}.fish" DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)

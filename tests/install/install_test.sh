@@ -30,9 +30,11 @@ for file in include/kelva/Camera.h include/kelva/OsxCamera.h include/kelva/darwi
   include/kelva/darwin/CoreFoundation/CoreFoundation.h bin/kelva bin/kelva-vcam bin/kelva-helper; do
   [ -f "$scratch/moved/$file" ] || fail "$file was not installed"
 done
-for file in share/man/man1/kelva.1 share/man/man1/kelva-vcam.1 share/bash-completion/completions/kelva \
-  share/zsh/site-functions/_kelva share/fish/vendor_completions.d/kelva.fish; do
-  [ -s "$scratch/moved/$file" ] || fail "$file was not installed"
+for program in kelva kelva-vcam; do
+  for file in share/man/man1/$program.1 share/bash-completion/completions/$program \
+    share/zsh/site-functions/_$program share/fish/vendor_completions.d/$program.fish; do
+    [ -s "$scratch/moved/$file" ] || fail "$file was not installed"
+  done
 done
 for program in kelva kelva-vcam kelva-helper; do
   "$scratch/moved/bin/$program" --version >/dev/null || fail "the installed $program does not start"

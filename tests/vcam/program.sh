@@ -152,6 +152,14 @@ read -r line <&3
 [ "$line" = '{"schema":1,"command":"serve","exit":0,"ok":true}' ] || fail "serve --json ended with: $line"
 exec 3<&-
 
-# The manual comes from the same table.
+# The manual and the completions come from the same table; the serial numbers on offer come from the bus.
 expect 0 '.TH KELVA\-VCAM 1 ' manual
+for shell in bash zsh fish; do expect 0 "kelva-vcam __complete $shell" completion "$shell"; done
+start
+expect 0 "Plugged in K100" plug --virtual "$socket" --serial K100 --storage "$work/card"
+expect 0 "K100" __complete bash unplug --virtual "$socket" --serial ""
+expect 0 "K100" __complete bash unplug --virtual "$socket" ""
+expect 0 "wrong-count" __complete bash fault --virtual "$socket" K100 wr
+[ -z "$("$vcam" __complete bash unplug --virtual "$work/none" "" 2>&1)" ] || fail "a bus that is not there offered something"
+stop TERM
 echo "all as expected"

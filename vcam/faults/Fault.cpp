@@ -40,8 +40,8 @@ std::span<const FaultKind> AllFaults() {
   return kKinds;
 }
 
-std::string FaultNames() {
-  return NamesIn(kFaults);
+std::string FaultNames(std::string_view between) {
+  return NamesIn(kFaults, between);
 }
 
 }  // namespace vcam

@@ -39,8 +39,8 @@ std::string_view NameOf(FaultKind kind);
 std::optional<FaultKind> FaultByName(std::string_view name);
 /// All faults, in the order of the enumeration.
 std::span<const FaultKind> AllFaults();
-/// Their names with commas between them, for messages and help.
-std::string FaultNames();
+/// Their names with `between` between them, for messages and help.
+std::string FaultNames(std::string_view between = ", ");
 
 }  // namespace vcam
 

@@ -38,11 +38,11 @@ constexpr std::array<Value, Count> ValuesIn(const std::array<Named<Value>, Count
   return values;
 }
 
-/// All names with commas between them, for messages and help.
+/// All names with `between` between them.
 template <typename Table>
-std::string NamesIn(const Table& table) {
+std::string NamesIn(const Table& table, std::string_view between = ", ") {
   std::string names;
-  for (const auto& row : table) names.append(names.empty() ? "" : ", ").append(row.name);
+  for (const auto& row : table) names.append(names.empty() ? "" : between).append(row.name);
   return names;
 }
 

@@ -42,9 +42,10 @@ constexpr apps::Example kExamples[] = {
 std::span<const apps::Verb> FaultVerbs() {
   using Count = apps::Argument::Count;
   static const std::string names = FaultNames() + ", or none to take all back.";
+  static const std::string offered = FaultNames(" ") + " none";
   static const apps::Argument words[] = {
       {"SERIAL", "The serial number, instead of --serial.", Count::kOptional, apps::Offer::kSerial},
-      {"NAME", names},
+      {"NAME", names, Count::kOne, apps::Offer::kWords, offered},
       {"AT", "Which command from now, 1 if not given; for slow: milliseconds; for unplug: bytes until then.",
        Count::kOptional}};
   static const apps::Verb verbs[] = {
