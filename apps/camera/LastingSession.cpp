@@ -59,9 +59,10 @@ void LastingSession::WaitUntilGone(int commands) {
   const auto until = std::chrono::steady_clock::now() + kPatience;
   while (!HasRestarted(commands)) {
     if (std::chrono::steady_clock::now() >= until) {
-      throw Failure(ExitCode::kFailed,
-                    "The camera took the command to restart, but is still there and ready after ten seconds; switch it "
-                    "off and on instead.");
+      throw Failure(
+          ExitCode::kFailed,
+          "The camera accepted the command to restart, but is still there and ready after ten seconds; switch it "
+          "off and on instead.");
     }
     context_.stop.Check();
     std::this_thread::sleep_for(kPause);

@@ -87,8 +87,8 @@ void DeleteRemoteFile(Camera& camera, const std::string& path) {
     throw Failure(ExitCode::kRefused, "The camera refused to delete " + Printable(path) + ".");
   }
   if (FindEntry(camera, path)) {
-    throw Failure(ExitCode::kRefused,
-                  "The camera took the command but still lists " + Printable(path) + "; it may be write-protected.");
+    throw Failure(ExitCode::kRefused, "The camera accepted the command but still lists " + Printable(path) +
+                                          "; it may be write-protected.");
   }
 }
 

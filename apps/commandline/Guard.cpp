@@ -30,6 +30,7 @@ struct Guard::Page {
   std::atomic<bool> aborted = false;
   std::size_t badCount = 0;
   std::array<Token, kMostBad> bad{};
+  std::atomic<unsigned long long> expected = 0;
   std::atomic<unsigned long long> files = 0;
   std::atomic<unsigned long long> bytes = 0;
 
@@ -92,9 +93,9 @@ int Guard::Run(const std::function<int(Guard&)>& work) {
     const int status = WaitFor(child);
     if (!page.aborted) ::_exit(status);
     if (page.badCount == Page::kMostBad) {
-      throw Failure(ExitCode::kFailed, "The camera sends more than it announces for more than " +
-                                           std::to_string(Page::kMostBad) +
-                                           " files, so no more were tried; check the cable and restart the camera.");
+      throw Failure(ExitCode::kFailed,
+                    "The camera sent more than it announced for " + std::to_string(Page::kMostBad) +
+                        " files, so the rest was not tried; check the cable and restart the camera.");
     }
     page.bad[page.badCount++] = page.current;
   }
@@ -115,6 +116,14 @@ bool Guard::IsBad(std::string_view token) const {
   const auto end = page_.bad.begin() + static_cast<std::ptrdiff_t>(page_.badCount);
   return std::any_of(page_.bad.begin(), end,
                      [&wanted](const Page::Token& bad) { return TextOf(bad) == TextOf(wanted); });
+}
+
+void Guard::Expect(unsigned long long files) {
+  page_.expected = files;
+}
+
+unsigned long long Guard::Expected() const {
+  return page_.expected;
 }
 
 void Guard::Count(unsigned long long files, unsigned long long bytes) {

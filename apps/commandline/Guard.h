@@ -23,6 +23,9 @@ class Guard {
   /// Whether an earlier process aborted in this item.
   bool IsBad(std::string_view token) const;
 
+  /// How many files the whole work will store, as far as that is known now.
+  void Expect(unsigned long long files);
+  unsigned long long Expected() const;
   void Count(unsigned long long files, unsigned long long bytes);
   unsigned long long Files() const;
   unsigned long long Bytes() const;

@@ -190,6 +190,15 @@ class Parser {
     }
   }
 
+  // "one FOLDER", "FILE and PATH"
+  std::string Wanted() const {
+    std::string names;
+    for (const Argument& argument : result_.verb->arguments) {
+      names += (names.empty() ? "" : " and ") + std::string(argument.name);
+    }
+    return names.empty() ? "no words" : result_.verb->arguments.size() == 1 ? "one " + names : names;
+  }
+
   Failure Needs(std::string_view what) const {
     return Usage(Command(result_.verb->name) + " needs " + std::string(what) + Help());
   }
@@ -206,7 +215,8 @@ class Parser {
       if (most == static_cast<std::size_t>(-1)) return;
     }
     if (result_.words.size() > most) {
-      throw Usage("\"" + Printable(result_.words[most]) + "\" is one word too many" + Of() + Help());
+      throw Usage(Command(result_.Name()) + " takes " + Wanted() + "; \"" + Printable(result_.words[most]) +
+                  "\" is one too many.");
     }
   }
 

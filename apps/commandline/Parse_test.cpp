@@ -108,7 +108,8 @@ TEST(ParseTest, UnknownOptionsAreErrorsThatNameTheVerb) {
 TEST(ParseTest, MissingAndSurplusWordsAreErrors) {
   EXPECT_EQ(UsageError({"get"}), "`kelva get` needs PATH; `kelva help get` shows how it is used.");
   EXPECT_EQ(UsageError({"copy", "F"}), "`kelva copy` needs FILE; `kelva help copy` shows how it is used.");
-  EXPECT_THAT(UsageError({"get", "A", "B"}), HasSubstr("\"B\" is one word too many"));
+  EXPECT_EQ(UsageError({"get", "A", "B"}), "`kelva get` takes one PATH; \"B\" is one too many.");
+  EXPECT_EQ(UsageError({"wifi", "off", "B"}), "`kelva wifi off` takes no words; \"B\" is one too many.");
   EXPECT_THAT(ParseWords({"copy", "F", "1", "2", "3"}).words, ElementsAre("F", "1", "2", "3"));
 }
 

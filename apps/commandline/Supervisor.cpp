@@ -114,13 +114,14 @@ ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Super
 
   const bool late = cause == Cause::kDeadline;
   const ExitCode code = late ? ExitCode::kTimedOut : ExitCode::kInterrupted;
+  worker.AskToStop();
+  // A worker inside one long transfer cannot notice the request, and Ctrl-C must not have to wait for it.
+  const bool done = WaitForCause(worker, -1, Clock::now() + supervision.grace) == Cause::kDone;
+  const std::string rest = supervision.afterStop ? supervision.afterStop() : "Everything finished so far is kept.";
   const std::string sentence =
       late ? "Timed out after " + InWords(*supervision.timeout) + " s; a longer --timeout gives the camera more time."
-           : "Interrupted; what was finished before stays as it is.";
+           : "Stopped. " + rest;
   reporter.LastWord(sentence, code);
-  worker.AskToStop();
-  // A worker that sits in one long transfer is not waited for.
-  const bool done = WaitForCause(worker, -1, Clock::now() + supervision.grace) == Cause::kDone;
   if (supervision.atEnd) supervision.atEnd(code, sentence);
   if (done) return code;
   RemoveScratchFiles();

@@ -23,6 +23,8 @@ struct Supervision {
   std::chrono::milliseconds spent{0};
   /// How long the worker may take to notice before the process ends without it.
   std::chrono::milliseconds grace{600};
+  /// What a signal's message says after "Stopped."; asked when the worker has stopped or the grace is over.
+  std::function<std::string()> afterStop = {};
   /// Called last when one of the two ended the command, with how it ends and the sentence that was given. The worker may
   /// still run.
   std::function<void(ExitCode, const std::string& sentence)> atEnd = {};

@@ -76,7 +76,7 @@ TEST_F(SupervisorTest, ASignalEndsTheWorkAndSaysSo) {
     return Obedient(stop);
   };
   EXPECT_EQ(Supervise(work, {}, reporter_), ExitCode::kInterrupted);
-  EXPECT_EQ(Said(), "kelva: Interrupted; what was finished before stays as it is.\n");
+  EXPECT_EQ(Said(), "kelva: Stopped. Everything finished so far is kept.\n");
 }
 
 using SupervisorDeathTest = SupervisorTest;

@@ -35,7 +35,7 @@ void StoreNew(const TargetFolder& folder, const std::string& name, std::span<con
   file.Flush();
   if (!file.TakeName(name)) {
     throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
-                                         " already, and it was left as it is; --force replaces it, --output chooses "
+                                         " already, and it was kept; --force replaces it, --output chooses "
                                          "another name.");
   }
   folder.Sync();

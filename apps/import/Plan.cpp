@@ -20,7 +20,8 @@ int TypeNamed(std::string_view name) {
   for (int type = kFirstFileType; type <= kLastFileType; ++type) {
     if (SameName(FileTypeName(type), name)) return type;
   }
-  throw Failure(ExitCode::kUsage, "\"" + Printable(name) + "\" is no type of file; there are jpg, raw, txt and 128.");
+  throw Failure(ExitCode::kUsage,
+                "\"" + Printable(name) + "\" is not a type of file; the types are jpg, raw, txt and 128.");
 }
 
 SyncItem::State StateOf(const std::optional<ManifestRow>& known) {

@@ -92,7 +92,8 @@ void Sync::Fetch(const SyncItem& item, Writers& writers) {
   if (options_.verify) {
     sha1 = Sha1(bytes);
     if (Sha1(Read(item)) != sha1) {
-      Fail(item, "Two reads of " + Printable(item.CameraPath()) + " differ; it was not kept, check cable and card.");
+      Fail(item, "Two reads of " + Printable(item.CameraPath()) +
+                     " differ, so it was not stored; check the cable and the card.");
       return;
     }
   }

@@ -191,9 +191,10 @@ std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
   std::string sha1 = job.sha1.empty() ? Sha1(job.bytes) : job.sha1;
   const std::string expected = item.ExpectedSha1();
   if (!expected.empty() && expected != sha1) {
-    throw Failure(ExitCode::kFailed, "What the camera sent of " + Printable(item.CameraPath()) +
-                                         " has another SHA-1 than the catalogue says; it was not kept, the next run "
-                                         "reads it again.");
+    throw Failure(ExitCode::kFailed,
+                  "What the camera sent of " + Printable(item.CameraPath()) +
+                      " has another SHA-1 than the catalogue says, so it was not stored; the next run "
+                      "reads it again.");
   }
   LocalPath path = item.Local();
   auto folder = FolderFor(path);

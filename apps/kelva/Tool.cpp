@@ -23,8 +23,9 @@ namespace apps {
 namespace {
 
 constexpr std::string_view kAbortSentence =
-    "The camera sent more than it had announced, which the library does not survive; nothing unfinished was kept. "
-    "Repeat the command, and restart the camera if it stays.";
+    "The camera sent more than it announced, so the command had to end; no unfinished file was kept. Repeat the "
+    "command; "
+    "if it happens again, restart the camera.";
 
 std::vector<std::string> AttachedSerials(const Invocation& call) {
   ChooseCameraSource(call.Value("virtual"), [](const std::string&) {});
@@ -46,6 +47,13 @@ const Program& TheTool() {
 
 bool IsGuarded(const Invocation& call) {
   return call.verb->guarded && (call.verb->guardedWith.empty() || call.Has(call.verb->guardedWith));
+}
+
+// What Ctrl-C leaves of a sync: "985 of 3203 files are saved; run the same command to fetch the rest."
+std::string AfterStop(const Guard& guard) {
+  if (guard.Expected() == 0) return "Run the same command to start again.";
+  return std::to_string(guard.Files()) + " of " + std::to_string(guard.Expected()) +
+         " files are saved; run the same command to fetch the rest.";
 }
 
 class Tool {
@@ -79,8 +87,9 @@ class Tool {
     }));
   }
 
-  ExitCode RunSupervised(const Supervision& supervision, Guard* guard) {
+  ExitCode RunSupervised(Supervision supervision, Guard* guard) {
     PrepareForAborts();
+    if (guard != nullptr) supervision.afterStop = [guard] { return AfterStop(*guard); };
     return Supervise([this, guard](const Stop& stop) { return Work(stop, guard); }, supervision, reporter_);
   }
 

@@ -64,7 +64,7 @@ class MomentsTest(Bus):
             code, messages = self.end_at_some_moment(signal.SIGINT)
             self.assertIn(code, (0, 130), messages)
             if code == 130:
-                self.assertIn("Interrupted", messages)
+                self.assertIn("Stopped. ", messages)
             self.whole_files_only(self.target)
         self.fault("none")
         self.complete()

@@ -34,14 +34,14 @@ Finding DriverNotLoaded(const CameraFacts& camera) {
 
 Finding NotSetUp(const CameraFacts& camera) {
   Finding finding = AboutCamera(camera, Condition::kNotSetUp,
-                                "The kernel's driver has the camera, but has not got its first answer from it.");
+                                "The kernel's driver has the camera, but the camera has not answered it yet.");
   finding.advice = "Wait two seconds and ask again; then unplug the camera, switch it off and on, and plug it in.";
   return finding;
 }
 
 Finding BadCamera(const CameraFacts& camera) {
   Finding finding = AboutCamera(camera, Condition::kBadCamera,
-                                std::string("The camera shows itself as a compact disc (revision ") +
+                                std::string("The camera presents itself as a CD drive (revision ") +
                                     wire::kBadCameraRevision + ") and takes no commands.");
   if (!camera.disc.empty()) finding.command = "sudo eject " + camera.disc;
   finding.advice = "Then unplug the camera, switch it off and on, and plug it in again.";
@@ -70,7 +70,7 @@ Finding NoPermission(const CameraFacts& camera, const MachineFacts& facts) {
                   "This user may not read and write " + camera.node + " (" + std::strerror(camera.nodeError) + ").");
   if (facts.rulesFile.empty()) {
     finding.command = "sudo setfacl -m u:" + facts.user + ":rw " + camera.node;
-    finding.advice = "That lasts until the camera is unplugged; the udev rule of the kelva package lasts for ever.";
+    finding.advice = "That lasts until the camera is unplugged; the udev rule of the kelva package is permanent.";
   } else if (!facts.userInPlugdev) {
     finding.command = "sudo usermod -aG plugdev " + facts.user;
     finding.advice = "Log out and in again afterwards. At the machine's own screen no group is needed.";
@@ -94,7 +94,7 @@ Finding NotAnswering(const CameraFacts& camera) {
                   silent ? "The camera does not answer." : "The camera answers every question with an error.");
   finding.command = PlugAgain(camera);
   finding.advice =
-      "Should that not help, unplug it, switch it off and on, and plug it in again; then try another cable "
+      "If that does not help, unplug it, switch it off and on, and plug it in again; then try another cable "
       "or port.";
   return finding;
 }
@@ -133,8 +133,8 @@ Finding NoDevice() {
 }
 
 Finding NoUdev() {
-  Finding finding{Condition::kNoUdev, "", "No udev runs here, so cameras that are plugged in later go unnoticed.", "",
-                  ""};
+  Finding finding{Condition::kNoUdev, "", "udev does not run here, so cameras that are plugged in later go unnoticed.",
+                  "", ""};
   finding.command = "sudo systemctl start systemd-udevd";
   finding.advice = "In a container, run the tool on the host, or share the host's /run/udev and network.";
   return finding;

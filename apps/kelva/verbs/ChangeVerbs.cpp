@@ -46,8 +46,8 @@ ExitCode RunPut(Context& context) {
   const std::string path = TargetPath(*camera, context.call.words[1], file);
   context.Doing("write " + Printable(path));
   if (!context.call.Has("force") && FindEntry(*camera, path)) {
-    throw Failure(ExitCode::kFailed, "There is a " + Printable(path) +
-                                         " on the camera already, and it was left as it is; --force replaces it.");
+    throw Failure(ExitCode::kFailed,
+                  "There is a " + Printable(path) + " on the camera already, and it was kept; --force replaces it.");
   }
   WriteRemoteFile(context, *camera, bytes, path);
   Json members = CameraResult(camera);

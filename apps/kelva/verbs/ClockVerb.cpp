@@ -45,7 +45,7 @@ std::string_view Bytes14(const _VscCdbTime& record) {
 ExitCode ShowUnknown(Context& context, const Session& camera, const _VscCdbTime& record) {
   const std::string hex = base::Hex(Bytes14(record));
   context.Result(CameraResult(camera).Set("time", Json()).Set("record", hex), hex + "\n");
-  context.reporter.Note("The camera's clock is in no layout that is known here; its 14 bytes are shown.");
+  context.reporter.Note("The camera's clock is not a valid time; its 14 bytes are shown in hexadecimal.");
   return ExitCode::kDone;
 }
 

@@ -34,11 +34,12 @@ ExitCode RunSet(Context& context) {
   context.Doing("set a manual control");
   const Session camera(context);
   if (!camera->SetManualControl(control, value)) {
-    throw Failure(ExitCode::kRefused, "The camera did not take the command.");
+    throw Failure(ExitCode::kRefused, "The camera did not accept the command.");
   }
   context.Result(CameraResult(camera).Set("control", control).Set("text_sent", false), "");
   context.reporter.Note(
-      "The camera took the command for this control, but the command carries no text: the value itself does not reach "
+      "The camera accepted the command for this control. The command carries no text, so the value itself does not "
+      "reach "
       "the camera.");
   return ExitCode::kDone;
 }

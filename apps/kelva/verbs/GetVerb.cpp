@@ -30,15 +30,15 @@ Target TargetOf(const Context& context) {
   const auto output = context.call.Value("output");
   if (!output) return target;
   if (context.call.words.size() > 1) {
-    throw Failure(ExitCode::kUsage, "--output takes one file; several go into a folder with --into.");
+    throw Failure(ExitCode::kUsage, "--output takes one file; use --into for several.");
   }
-  if (context.call.Has("into")) throw Failure(ExitCode::kUsage, "--output and --into exclude each other.");
+  if (context.call.Has("into")) throw Failure(ExitCode::kUsage, "Use --output or --into, not both.");
   target.toOutput = *output == "-";
   const std::size_t slash = output->rfind('/');
   if (slash != std::string::npos) target.folder = slash == 0 ? "/" : output->substr(0, slash);
   target.name = slash == std::string::npos ? *output : output->substr(slash + 1);
   if (target.name->empty()) {
-    throw Failure(ExitCode::kUsage, "--output takes the name of a file; a folder is named with --into.");
+    throw Failure(ExitCode::kUsage, "--output takes the name of a file; use --into for a folder.");
   }
   return target;
 }
@@ -55,7 +55,7 @@ void CheckOutput(const Context& context, const Target& target) {
   }
   if (context.out.IsTerminal()) {
     throw Failure(ExitCode::kUsage,
-                  "Standard output is a terminal, which would obey the file's bytes; send it to a "
+                  "Standard output is a terminal, which would obey the file's bytes; write to a "
                   "file or a pipe.");
   }
 }
@@ -72,7 +72,7 @@ Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const 
   if (!target.replace && folder.Has(name)) {
     throw Failure(ExitCode::kFailed,
                   "There is a " + Printable(folder.PathOf(name)) +
-                      " already, and it was left as it is; --force replaces it, --output chooses another name.");
+                      " already, and it was kept; --force replaces it, --output chooses another name.");
   }
   const std::vector<char> bytes = ReadRemoteFile(context, camera, path);
   context.stop.Check();

@@ -27,7 +27,7 @@ Request Understand(const std::string& word) {
   Request request{word.substr(0, dot), word.substr(dot)};
   if (!IsKey(request.key)) {
     throw Failure(ExitCode::kUsage, "\"" + Printable(word) +
-                                        "\" is no key; a key is the SHA-1 of a file, 40 hexadecimal digits, as "
+                                        "\" is not a key; a key is the SHA-1 of a file, 40 hexadecimal digits, as "
                                         "`kelva pictures --json` shows them.");
   }
   return request;
@@ -53,7 +53,7 @@ Json BatchGetOne(Context& context, Camera& camera, const TargetFolder& folder, c
   const std::string sha1 = Sha1(file.data);
   if (request.qualifier.empty() && sha1 != base::Lower(request.key)) {
     throw Failure(ExitCode::kFailed, "What the camera sent for the key " + request.key +
-                                         " has another SHA-1; it was not kept, repeat the command.");
+                                         " has another SHA-1 and was not stored; repeat the command.");
   }
   const Stored stored = StoreBeside(folder, SafeName(word), file.data, sha1);
   folder.Sync();
@@ -81,7 +81,7 @@ ExitCode RunBatchGet(Context& context) {
 ExitCode RunBatchRm(Context& context) {
   for (const std::string& word : context.call.words) {
     if (!Understand(word).qualifier.empty()) {
-      throw Failure(ExitCode::kUsage, "Deleting takes keys alone, without an extension.");
+      throw Failure(ExitCode::kUsage, "`kelva batch rm` takes keys without an extension.");
     }
   }
   context.Doing("delete files by key");

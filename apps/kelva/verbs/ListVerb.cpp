@@ -15,7 +15,7 @@ void CountBad(void* count) {
   ++*static_cast<int*>(count);
 }
 
-// Cameras that the system took for a compact-disc drive. The library reports those present during the call.
+// Cameras that the system took for a CD drive. The library reports those present during the call.
 int UnusableCameras() {
   int count = 0;
   Camera::ListenForBadCameraAttach(CountBad, &count);
@@ -54,8 +54,9 @@ ExitCode RunList(Context& context) {
   context.Result(Json::Object().Set("cameras", std::move(list)).Set("unusable", unusable), Table(cameras));
   if (cameras.empty()) context.reporter.Note("No camera is attached.");
   if (unusable > 0) {
-    context.reporter.Note(std::to_string(unusable) +
-                          " attached as compact-disc drive, which cannot be used; `kelva doctor` says what to do.");
+    const std::string which = unusable == 1 ? "One camera was taken for a CD drive"
+                                            : std::to_string(unusable) + " cameras were taken for CD drives";
+    context.reporter.Note(which + " and cannot be used; `kelva doctor` says what to do.");
   }
   return ExitCode::kDone;
 }

@@ -17,7 +17,7 @@ unsigned long long CheckedSize(int fd, const std::string& path, unsigned long lo
   struct stat status {};
   if (::fstat(fd, &status) != 0) throw SystemFailure("look at " + Printable(path), errno);
   if (!S_ISREG(status.st_mode)) {
-    throw Failure(ExitCode::kFailed, Printable(path) + " is no regular file; only files can be sent to a camera.");
+    throw Failure(ExitCode::kFailed, Printable(path) + " is not a regular file; only files can be sent to a camera.");
   }
   const auto size = static_cast<unsigned long long>(status.st_size);
   if (size > most) {

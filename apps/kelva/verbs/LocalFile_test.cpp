@@ -34,8 +34,8 @@ TEST(LocalFileTest, AFileIsReadWhole) {
 
 TEST(LocalFileTest, WhatIsNoFileIsRefusedByName) {
   EXPECT_EQ(WhyNot("/nowhere", 1), "Cannot open /nowhere: No such file or directory; check the name.");
-  EXPECT_THAT(WhyNot("/tmp", 1), HasSubstr("/tmp is no regular file"));
-  EXPECT_THAT(WhyNot("/dev/zero", 1), HasSubstr("/dev/zero is no regular file"));
+  EXPECT_THAT(WhyNot("/tmp", 1), HasSubstr("/tmp is not a regular file"));
+  EXPECT_THAT(WhyNot("/dev/zero", 1), HasSubstr("/dev/zero is not a regular file"));
 }
 
 }  // namespace

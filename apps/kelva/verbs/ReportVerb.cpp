@@ -118,7 +118,7 @@ ExitCode RunReport(Context& context) {
   if (folder.Has(name)) {
     // Said before the camera is asked: it hands its console log over only once.
     throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
-                                         " already, and it was left as it is; choose another name for the report.");
+                                         " already, and it was kept; choose another name for the report.");
   }
   context.Doing("open the camera");
   const Session camera(context);

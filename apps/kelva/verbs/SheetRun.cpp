@@ -31,8 +31,8 @@ SheetPath Understand(const std::string& path) {
 }
 
 Failure Taken(const TargetFolder& folder, const std::string& name) {
-  return Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
-                                        " already, and it was left as it is; --force replaces it.");
+  return Failure(ExitCode::kFailed,
+                 "There is a " + Printable(folder.PathOf(name)) + " already, and it was kept; --force replaces it.");
 }
 
 // A page of pictures being written; one picture of it is in memory.

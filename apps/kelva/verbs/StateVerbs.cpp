@@ -46,7 +46,8 @@ ExitCode RunDoneCount(Context& context) {
 ExitCode RunCapture(Context& context) {
   context.Doing("take a picture");
   const Session camera(context);
-  if (!camera->CaptureImage(true)) throw Failure(ExitCode::kRefused, "The camera did not take the command to capture.");
+  if (!camera->CaptureImage(true))
+    throw Failure(ExitCode::kRefused, "The camera did not accept the command to take a picture.");
   context.Result(CameraResult(camera), "");
   context.reporter.Note("The camera was told to take a picture.");
   return ExitCode::kDone;

@@ -58,7 +58,7 @@ ExitCode Finish(Context& context, const Session& camera, const Sync& sync, std::
                      " known before, " + std::to_string(totals.failed) + " failed";
   if (totals.deleted != 0) text += ", " + std::to_string(totals.deleted) + " deleted on the camera";
   context.Result(std::move(members), text + "\n", code);
-  if (ended) context.reporter.Note("Run the same command again to go on.");
+  if (ended) context.reporter.Note("Run the same command again to fetch the rest.");
   return code;
 }
 
@@ -89,6 +89,7 @@ ExitCode RunSync(Context& context) {
   RemoveLeftovers(folder);
   const unsigned long long before = context.guard == nullptr ? 0 : context.guard->Files();
   const SyncPlan plan = MakePlan(camera->GetDcf(), camera.Facts().serial, types, pattern, manifest);
+  if (context.guard != nullptr) context.guard->Expect(before + plan.NewFiles());
   Sync sync(context, *camera, folder, manifest, options);
   const auto ended = sync.Run(plan);
   return Finish(context, camera, sync, plan.items.size() - plan.NewFiles() - before, ended);

@@ -37,7 +37,7 @@ Json Members(const HotplugEvent& event) {
 
 std::string Line(const HotplugEvent& event) {
   if (event.kind == Kind::kBad) {
-    return "bad        a camera that the system took for a compact-disc drive; see `kelva doctor`\n";
+    return "bad        a camera that the system took for a CD drive; see `kelva doctor`\n";
   }
   const std::string name = event.facts.serial.empty() ? "-" : Printable(event.facts.serial);
   const std::string word = event.kind == Kind::kLost ? "lost       " : event.present ? "present    " : "attached   ";

@@ -19,7 +19,7 @@ _VscWifiType TypeOf(const Context& context) {
 }
 
 ExitCode Finish(Context& context, const Session& camera, bool taken, Json members) {
-  if (!taken) throw Failure(ExitCode::kRefused, "The camera did not take the Wi-Fi setting.");
+  if (!taken) throw Failure(ExitCode::kRefused, "The camera did not accept the Wi-Fi setting.");
   context.Result(CameraResult(camera).Merge(std::move(members)), "");
   return ExitCode::kDone;
 }
@@ -38,7 +38,7 @@ ExitCode RunName(Context& context) {
   Json members = Json::Object();
   members.Set("setting", static_cast<int>(type)).SetBytes("ssid", std::string(kPrefix) + name);
   const ExitCode code = Finish(context, camera, taken, std::move(members));
-  context.reporter.Note("The network is called " + std::string(kPrefix) + Printable(name) + " now.");
+  context.reporter.Note("The network is now called " + std::string(kPrefix) + Printable(name) + ".");
   return code;
 }
 
@@ -69,7 +69,7 @@ ExitCode RunAuth(Context& context) {
   const Session camera(context);
   const bool taken = camera->SetWifiAuthType(kVscWifiType1, auth);
   const ExitCode code = Finish(context, camera, taken, Json::Object().Set("auth", word).Set("text_sent", false));
-  context.reporter.Note("The camera took the command, but the command carries no text: \"" + word +
+  context.reporter.Note("The camera accepted the command. The command carries no text, so \"" + word +
                         "\" itself does not reach the camera.");
   return code;
 }

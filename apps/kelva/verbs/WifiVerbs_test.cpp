@@ -6,7 +6,7 @@ namespace {
 using WifiVerbsTest = VerbTest;
 
 TEST_F(WifiVerbsTest, WifiSettingsSayWhatTheyDo) {
-  EXPECT_EQ(Run({"wifi", "name", "den"}).err, "kelva: The network is called kelva.camera.den now.\n");
+  EXPECT_EQ(Run({"wifi", "name", "den"}).err, "kelva: The network is now called kelva.camera.den.\n");
   EXPECT_EQ(Run({"wifi", "off"}).code, ExitCode::kDone);
   const Ran ran = Run({"wifi", "auth", "WEP"});
   EXPECT_EQ(ran.code, ExitCode::kDone);
