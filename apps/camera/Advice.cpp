@@ -55,7 +55,7 @@ struct SenseRow {
 constexpr SenseRow kSenses[] = {
     {0x2, "not ready", "wait until the camera is ready (`kelva ready --wait`) and repeat the command"},
     {0x3, "medium error", "its storage may be damaged; copy what is left and replace the card"},
-    {0x4, "hardware error", "switch the camera off and on; if it stays, the camera needs repair"},
+    {0x4, "hardware error", "switch the camera off and on; if the error comes back, the camera needs repair"},
     {0x5, "illegal request", "it does not know the command, or not with these values"},
     {0x6, "unit attention", "it was restarted or its storage changed; repeat the command"},
     {0x7, "data protect", "its storage is write-protected or full of protected pictures"},
@@ -113,7 +113,7 @@ Verdict UnknownReturn(const kelva::TransferReport& report) {
                                         static_cast<std::uint32_t>(report.returnCode))};
 }
 
-// The library's own words about a wrong answer: "Camera error: ReadFile() truncated." without prefix and call stack.
+// Quotes the library's message about a wrong answer without its prefix and call stack.
 Verdict WrongAnswer(std::string_view message) {
   std::string_view said = message.substr(0, message.find('\n'));
   for (const std::string_view prefix : {"Camera error: ", "OsxCameraError: "}) {
@@ -121,8 +121,8 @@ Verdict WrongAnswer(std::string_view message) {
   }
   while (said.ends_with('.')) said.remove_suffix(1);
   const std::string shown = Printable(said);
-  return {ExitCode::kFailed, "the camera's answer was not what it had announced or must be (" + shown +
-                                 "); repeat the command, and restart the camera if it stays."};
+  return {ExitCode::kFailed, "the camera sent a wrong answer (" + shown +
+                                 "); repeat the command, and restart the camera if that does not help."};
 }
 
 }  // namespace

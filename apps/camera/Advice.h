@@ -9,16 +9,16 @@
 
 namespace apps {
 
-/// How the tool ends on a failure of the camera, and the rest of the sentence that began with "Cannot ...: ".
+/// How the tool ends after a failure of the camera, and the rest of the sentence "Cannot ...: ".
 struct Verdict {
   ExitCode code;
   std::string clause;  ///< what came back and what to do, with its full stop
 };
 
-/// The one place that turns codes into advice.
+/// What a failed transfer means for the person at the tool. The only place that turns codes into advice.
 Verdict AdviceFor(const kelva::TransferReport& report);
 
-/// The verdict on any message of the library's exceptions.
+/// The same for the message of any exception of the library.
 Verdict AdviceFor(std::string_view message);
 
 }  // namespace apps

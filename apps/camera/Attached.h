@@ -21,10 +21,11 @@ struct AttachedCamera {
 /// The cameras attached now. Throws Failure when the system refused the search.
 std::vector<AttachedCamera> FindAttached(StdoutDiversion& diversion);
 
-/// The serial number asked for: the option's, else KELVA_SERIAL's; nothing when neither is set or both are empty.
+/// The serial number asked for: from the option, else from KELVA_SERIAL. Nothing when the option is not given and the
+/// variable is unset or empty. Throws Failure for an empty option.
 std::optional<std::string> WantedSerial(const std::optional<std::string>& option);
 
-/// The one camera that is meant. Throws Failure: none attached, none with that number, several and no choice.
+/// The camera that is meant. Throws Failure when none is attached, none has that number, or several do.
 AttachedCamera Choose(std::vector<AttachedCamera> attached, const std::optional<std::string>& serial);
 
 }  // namespace apps

@@ -10,25 +10,26 @@
 
 namespace apps {
 
-/// A path as a person types it, made a camera's: forward slashes become backslashes (no file of a camera can have one
-/// in its name) and trailing ones go. Throws Failure(kUsage) for an empty path and one without a drive ("I:").
+/// Turns a path as people type it into the camera's: forward slashes, which no name can contain, become backslashes,
+/// and trailing ones are removed. Throws Failure(kUsage) for an empty path or one without a drive ("I:").
 std::string ToCameraPath(std::string_view typed);
 
 struct SplitPath {
-  std::string folder;  ///< "I:" for what lies directly on the drive
+  std::string folder;  ///< "I:" for an entry directly on the drive
   std::string name;    ///< empty for the drive itself
 };
 SplitPath Split(std::string_view cameraPath);
 
-/// Whether two names mean the same file: cameras ignore the case of ASCII letters, as FAT does.
+/// Whether two names mean the same file. Cameras ignore the case of ASCII letters, as FAT does.
 bool SameName(std::string_view a, std::string_view b);
 
-/// The entry of a file or folder in the listing of its parent, or nothing when it is not there.
+/// Looks a file or folder up in the listing of its parent folder; nothing when the listing does not have it.
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath);
-/// Throws Failure unless this folder and all above it are on the camera, which itself only says that it refused.
+/// Throws Failure that names the folder when it, or one above it, is missing. The camera would only say that it
+/// refused.
 void RequireFolder(Camera& camera, std::string_view folder);
 
-/// An entry's size; files of 2 GiB and more arrive as negative numbers.
+/// An entry's size in bytes. CameraDirent::size is negative for files of 2 GiB and more.
 unsigned long long SizeOf(const CameraDirent& entry);
 
 }  // namespace apps

@@ -14,14 +14,14 @@ namespace apps {
 /// any case. Throws Failure when there is none, or several.
 DcfObj FindPicture(const std::vector<DcfObj>& catalogue, const std::string& name);
 
-/// "100ABCDE/IMG_0001", printable.
+/// The picture's folder and name, printable: "100ABCDE/IMG_0001".
 std::string PictureName(const DcfObj& picture);
 
 /// A picture's members in JSON style: name, folder, number, types, key and time where there are, and the camera's own
 /// fields.
 Json PictureMembers(const DcfObj& picture);
 
-/// "JPG RAW".
+/// The types of the picture's files: "JPG RAW".
 std::string TypeList(const DcfObj& picture);
 
 }  // namespace apps

@@ -35,7 +35,7 @@ Fields ToFields(ClockTime time) {
           static_cast<int>(clock.subseconds().count())};
 }
 
-// ".5" is 500 ms; more than three digits are more than a camera keeps.
+// ".5" is 500 ms. More than three digits are refused: a camera keeps milliseconds.
 std::optional<int> Milliseconds(std::string_view fraction) {
   if (fraction.empty()) return 0;
   if (fraction.size() < 2 || fraction.size() > 4 || fraction[0] != '.') return std::nullopt;

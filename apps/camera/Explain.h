@@ -8,10 +8,10 @@
 
 namespace apps {
 
-/// The outcome of any exception. `doing` is what was tried ("read I:\X.JPG"), for those that do not say it themselves.
+/// The outcome of any exception. `doing` is what was tried ("read I:\X.JPG"), for exceptions that do not say it.
 Outcome Explain(const std::exception& error, const std::string& doing);
 
-/// Whether a camera in this state would answer the next command no better, so that work on several files ends.
+/// Whether work on several files should end here, because the next command would fail in the same way.
 bool EndsAll(ExitCode code);
 
 }  // namespace apps

@@ -71,7 +71,7 @@ void Hotplug::OnLost(void* watched) {
   lost.owner->Report({HotplugEvent::Kind::kLost, false, lost.facts});
 }
 
-// Not in OnLost: the library still uses the camera after it.
+// Not in OnLost: WasDisconnected() becomes true only after that callback.
 void Hotplug::ForgetLost() {
   watched_.remove_if([](const Watched& watched) { return watched.camera->WasDisconnected(); });
 }

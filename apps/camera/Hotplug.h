@@ -16,8 +16,8 @@ namespace apps {
 /// What happened to a camera.
 struct HotplugEvent {
   enum class Kind { kAttached, kLost, kBad } kind;
-  bool present;          ///< attached before the watch began
-  RegistryCamera facts;  ///< empty for a bad camera: the system does not tell which it is
+  bool present;          ///< true for a camera that was attached before the watch began
+  RegistryCamera facts;  ///< empty for a bad camera: the system does not tell which camera it is
 };
 
 /// Watches cameras come and go on the thread that runs it. One per process.
@@ -25,7 +25,7 @@ class Hotplug {
  public:
   using Handler = std::function<void(const HotplugEvent&)>;
 
-  /// The handler may throw; Run then ends with that exception, and no event after it is handled.
+  /// The handler may throw: Run then handles no further event and throws that exception.
   explicit Hotplug(Handler handler) : handler_(std::move(handler)) {}
   Hotplug(const Hotplug&) = delete;
   Hotplug& operator=(const Hotplug&) = delete;

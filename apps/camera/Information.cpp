@@ -17,7 +17,7 @@ constexpr std::size_t kFirmware = 4;
 std::vector<std::string> InformationTexts(const _VscCdbCameraInformation& record) {
   std::string_view rest(reinterpret_cast<const char*>(record.information), sizeof record.information);
   std::vector<std::string> texts;
-  // Texts may be empty, so the end is where nothing but zeros follows.
+  // A text may be empty, so two NULs do not end the list. It ends where only zeros follow.
   while (rest.find_first_not_of('\0') != std::string_view::npos) {
     const std::size_t end = std::min(rest.find('\0'), rest.size());
     texts.emplace_back(rest.substr(0, end));

@@ -8,15 +8,14 @@
 
 namespace apps {
 
-/// The texts of an information record: NUL-terminated, one after another, empty ones included, up to the last that is
-/// not. They are the camera's own; this project's cameras send serial number, vendor, product, revision, firmware and
-/// volume label.
+/// The NUL-terminated texts of an information record, up to the last text that is not empty. The camera defines them;
+/// the virtual camera sends serial number, vendor, product, revision, firmware and volume label.
 std::vector<std::string> InformationTexts(const _VscCdbCameraInformation& record);
 
-/// The firmware among them, empty when the camera does not say.
+/// The text with the firmware version; empty when the camera does not send one.
 std::string FirmwareIn(const _VscCdbCameraInformation& record);
 
-/// The names that this project's cameras give their texts; empty beyond the last.
+/// What the text at this index means in the virtual camera's record; empty beyond the last.
 std::string InformationName(std::size_t index);
 
 }  // namespace apps

@@ -32,7 +32,7 @@ bool LastingSession::IsReady() {
   try {
     session_.emplace(context_, serial_);
   } catch (const Failure&) {
-    // Not there yet, or not to be opened yet.
+    // The camera is not attached yet, or cannot be opened yet.
   }
   return false;
 }

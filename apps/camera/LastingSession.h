@@ -10,26 +10,27 @@
 
 namespace apps {
 
-/// A session over restarts of its camera: after each one it is that camera again, by its serial number, and never
-/// another one that was plugged in meanwhile.
+/// A session that survives restarts of its camera. After a restart it finds the same camera again by its serial number,
+/// never another camera that was plugged in meanwhile.
 class LastingSession {
  public:
   /// Opens the camera that the command line means. Throws as Session does.
   explicit LastingSession(Context& context);
 
   bool IsOpen() const { return session_.has_value(); }
-  /// Only while it is open.
+  /// Call only while the session is open.
   Camera& Device() const { return **session_; }
   const Session& Current() const { return *session_; }
-  /// The camera has gone, or is about to.
+  /// Drops the session: the camera has gone, or is about to go.
   void Drop() { session_.reset(); }
 
-  /// Whether the camera is there and ready; opens it again if need be. A camera that does not answer is dropped.
+  /// Whether the camera is attached and ready; opens the session when it is not open. Drops a camera that does not
+  /// answer.
   bool IsReady();
-  /// Asks five times a second until it is. Throws Stopped.
+  /// Asks IsReady five times a second until it is true. Throws Stopped.
   void WaitUntilReady();
-  /// After the camera was told to restart: until it went away, was not ready, or counts its commands anew from below
-  /// `commands`. Throws Failure when nothing of this happened for ten seconds, and Stopped.
+  /// Waits, after the camera was told to restart, until it has gone, is not ready, or its count of commands is below
+  /// `commands`. Throws Failure when none of this happens within ten seconds. Throws Stopped.
   void WaitUntilGone(int commands);
 
  private:

@@ -9,16 +9,16 @@
 
 namespace apps {
 
-/// The sizes of files as their folders list them. Remembers one folder, so files in the order of a catalogue cost one
-/// listing for each folder.
+/// The sizes of files as their folders list them. Caches one folder: files in catalogue order cost one listing for each
+/// folder.
 class ListedSizes {
  public:
   explicit ListedSizes(Camera& camera) : camera_(camera) {}
 
-  /// Whether the listing gives the file this size. Where it does not, the folder is listed once more: a file may have
-  /// grown since. Nothing when the folder does not list the file. Throws as Camera::ReadDir does.
+  /// Whether the folder lists the file with this size. When it does not, lists the folder again, since the file may
+  /// have grown. Nothing when the folder does not list the file. Throws as Camera::ReadDir does.
   std::optional<bool> Agrees(const std::string& cameraPath, unsigned long long size);
-  /// What the last answer was about; 0 for a file that is not listed.
+  /// The listed size of the file last asked about; 0 when the folder does not list it.
   unsigned long long Listed() const { return listed_; }
 
  private:

@@ -27,12 +27,12 @@ std::string PictureFileName(const DcfObj& picture, int type);
 /// "I:\DCIM\100ABCDE\IMG_0001.JPG".
 std::string PicturePath(const DcfObj& picture, int type);
 
-/// The SHA-1 key of the picture's first file, where the catalogue carries one (as text in its field of type 7).
+/// The SHA-1 key of the picture's first file, when the catalogue carries one (a text in the field of type 7).
 std::optional<std::string> PictureKey(const DcfObj& picture);
-/// The time of the picture, "2026-03-14 15:09:26", where the catalogue carries one (as text in its field of type 8).
+/// When the picture was taken, "2026-03-14 15:09:26", when the catalogue says so (a text in the field of type 8).
 std::optional<std::string> PictureTime(const DcfObj& picture);
 
-/// What tells this picture from an earlier one of the same name: its key, or else all that the catalogue says of it.
+/// Distinguishes this picture from an earlier one of the same name: its key, else the whole catalogue record.
 std::string PictureFingerprint(const DcfObj& picture);
 
 }  // namespace apps

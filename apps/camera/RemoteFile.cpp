@@ -31,13 +31,13 @@ std::vector<char> ReadOnce(Context& context, Camera& camera, const std::string& 
   return camera.ReadFile(path.c_str(), Progress::Callback, &progress, true);
 }
 
-// What arrived of a file that was not sent to its end must not pass for the file.
+// Deletes a partial upload, so that nobody takes it for the whole file.
 void TakeBack(Context& context, Camera& camera, const std::string& path) {
   bool deleted = false;
   try {
     deleted = camera.DeleteFile(path.c_str());
   } catch (const CameraError&) {
-    // The first error is the one to report.
+    // Ignored: the caller reports the error that stopped the upload.
   }
   if (!deleted) {
     context.reporter.Note("The camera may hold an unfinished " + Printable(path) +
@@ -50,7 +50,7 @@ void TakeBack(Context& context, Camera& camera, const std::string& path) {
 std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::string& path) {
   unsigned long long listed = 0;
   unsigned long long received = 0;
-  // A file that grows while it is read (a log) has another size than its listing; the second look decides.
+  // A log may grow between the listing and the read, so a difference is tried once more.
   for (int attempt = 0; attempt < 2; ++attempt) {
     context.stop.Check();
     listed = SizeOf(FileEntry(camera, path));

@@ -9,16 +9,15 @@
 
 namespace apps {
 
-/// Reads a whole file, which the library hands over in one piece of memory. The listing of its folder tells an empty
-/// file from a missing one, and a file that changed meanwhile is read once more. Throws Failure: missing, a folder,
-/// changing.
+/// Reads a whole file into memory. Uses the listing of its folder to tell an empty file from a missing one, and reads a
+/// file that changed meanwhile once more. Throws Failure for a missing file, a folder, or a file that keeps changing.
 std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::string& path);
 
-/// Writes a file, reads it back and compares, because writing itself reports nothing. Throws Failure when the camera
-/// holds something else afterwards. A write that is stopped half-way is removed from the camera.
+/// Writes a file, reads it back and compares, because Camera::WriteFile does not report failures. Throws Failure when
+/// the bytes differ. Deletes the file when the write is stopped half-way.
 void WriteRemoteFile(Context& context, Camera& camera, const std::vector<char>& bytes, const std::string& path);
 
-/// Deletes a file that the listing shows. Throws Failure: missing, a folder, still there afterwards.
+/// Deletes a file. Throws Failure for a missing file, a folder, or a file that is still listed afterwards.
 void DeleteRemoteFile(Camera& camera, const std::string& path);
 
 }  // namespace apps

@@ -11,10 +11,10 @@
 
 namespace apps {
 
-/// One open camera; closed when this goes.
+/// One open camera. The destructor closes it.
 class Session {
  public:
-  /// Opens the camera that the command line means. Throws Failure: as Choose, or it cannot be opened.
+  /// Opens the camera that the command line means. Throws Failure as Choose does, and when it cannot be opened.
   explicit Session(Context& context);
   /// Opens the camera with this serial number, or the only one.
   Session(Context& context, const std::optional<std::string>& serial);
@@ -30,7 +30,7 @@ class Session {
   AttachedCamera chosen_;
 };
 
-/// The beginning of every result about one camera: its serial number.
+/// Starts a result about one camera with its serial number.
 Json CameraResult(const Session& session);
 
 }  // namespace apps

@@ -18,7 +18,7 @@ Finding AboutCamera(const CameraFacts& camera, Condition condition, std::string 
   return {condition, camera.serial, std::move(sentence), "", ""};
 }
 
-/// What unplugging and plugging in do, without touching the cable; empty for a unit that hangs on no USB device.
+/// The command that does what unplugging and plugging in do; empty for a unit that is not attached by USB.
 std::string PlugAgain(const CameraFacts& camera) {
   if (camera.usbPath.empty()) return "";
   const std::string file = camera.usbPath + "/authorized";

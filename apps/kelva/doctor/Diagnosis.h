@@ -9,7 +9,7 @@
 
 namespace apps::doctor {
 
-/// What holds of a camera or of the machine.
+/// What can be said about a camera or the machine.
 enum class Condition {
   kWell,
   kNoDevice,
@@ -33,19 +33,19 @@ struct Finding {
   Condition condition = Condition::kWell;
   /// The camera's serial number; empty for a finding about the machine or a camera that shows none.
   std::string serial;
-  /// One sentence: what is so.
+  /// What was found, in one sentence.
   std::string sentence;
-  /// The command that mends it, ready to be pasted; empty when none does.
+  /// The command that mends it, ready to be pasted; empty when no command does.
   std::string command;
-  /// What to do where no command helps, or besides; empty when there is nothing to say.
+  /// What to do besides, or instead of a command; may be empty.
   std::string advice;
 };
 
-/// Judges the facts: for each camera the first thing that is in its way, counted from the cable upwards, and then what
-/// holds of the machine. Never empty: without a camera it says so.
+/// Judges the facts. Gives for each camera the first obstacle, counted from the cable upwards, then the findings about
+/// the machine. Never empty: without a camera it says that there is none.
 std::vector<Finding> Diagnose(const MachineFacts& facts);
 
-/// True when nothing of this is in the way of using a camera.
+/// True when this condition does not keep anyone from using a camera.
 bool IsHarmless(Condition condition);
 
 }  // namespace apps::doctor

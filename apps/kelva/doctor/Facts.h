@@ -7,7 +7,7 @@
 
 namespace apps::doctor {
 
-/// A process that works with a camera's node.
+/// A process that uses a camera's node.
 struct Holder {
   int pid = 0;
   std::string name;
@@ -17,11 +17,10 @@ struct Holder {
 /// How a camera answered one short question.
 enum class Answer { kNotAsked, kAnswers, kSilent, kFails };
 
-/// What the machine shows of one camera, from the cable upwards. What is further up than the first thing that is
-/// missing is empty.
+/// What the machine shows of one camera, from the cable upwards. Members above the first missing one are empty.
 struct CameraFacts {
   std::string serial;
-  /// The USB device's directory in sysfs; empty for a unit that hangs on no USB device.
+  /// The USB device's directory in sysfs; empty for a unit that is not attached by USB.
   std::string usbPath;
   /// A kernel driver has taken the USB interface.
   bool driverBound = false;
@@ -29,7 +28,7 @@ struct CameraFacts {
   std::string unitPath;
   int peripheralType = -1;
   std::string revision;
-  /// The compact disc that a bad camera shows, such as "/dev/sr0"; empty for other units.
+  /// The disc drive that a bad camera shows, such as "/dev/sr0"; empty for other units.
   std::string disc;
   /// Sectors of 512 bytes that the kernel carries in one command; nothing when it sets no limit of its own.
   std::optional<int> maxSectors;
@@ -48,7 +47,7 @@ struct CameraFacts {
 struct MachineFacts {
   std::vector<CameraFacts> cameras;
   bool udevRuns = false;
-  /// The file of this system's udev rules; empty when it is not installed.
+  /// The installed file with the udev rules of the kelva package; empty when there is none.
   std::string rulesFile;
   std::string user;
   bool userInPlugdev = false;

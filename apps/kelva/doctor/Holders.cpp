@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// One line of the list: "3: FLOCK  ADVISORY  WRITE 1234 00:05:6789 0 EOF"; a waiting one has "->" after the number.
+// A line reads "3: FLOCK  ADVISORY  WRITE 1234 00:05:6789 0 EOF". A process that waits has "->" after the number.
 bool IsLockOn(const std::string& line, const FileIdentity& file, int& pid) {
   std::istringstream words(line);
   std::string number, type, manner, mode, where;

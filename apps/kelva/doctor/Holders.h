@@ -17,18 +17,18 @@ struct FileIdentity {
   unsigned long inode = 0;
 };
 
-/// The processes that hold or await an flock on the file, read from the kernel's list in the format of /proc/locks.
-/// Lines that cannot be read are passed over. Processes of other namespaces have no number here and are left out.
+/// The processes that hold or await an flock on the file, read from a list in the format of /proc/locks. Skips lines
+/// that it cannot read, and processes of other namespaces, which have no number here.
 std::vector<int> LockHolders(std::istream& locks, const FileIdentity& file);
 
-/// The processes other than this one that hold the node's lock or have it open, with their names. Of other users'
-/// processes only the lock is seen, unless this runs as root. `proc` is "/proc".
+/// The processes, except this one, that hold the node's lock or have the node open, with their names. Without root only
+/// the locks of other users' processes are visible. `proc` is "/proc".
 std::vector<Holder> HoldersOf(const std::string& node, const std::filesystem::path& proc = "/proc");
 
 /// The name of a process; "a process" when it has ended or hides it.
 std::string ProcessName(int pid, const std::filesystem::path& proc = "/proc");
 
-/// For a sentence: "photos (process 4711), kelva (process 4712)".
+/// The holders as part of a sentence: "photos (process 4711), kelva (process 4712)".
 std::string InWords(const std::vector<Holder>& holders);
 
 }  // namespace apps::doctor

@@ -8,8 +8,8 @@
 
 namespace apps::doctor {
 
-/// Asks the camera at a node whether it is ready, and waits at most five seconds: the hundred seconds that commands
-/// have are for work, not for a first look. Changes nothing on the camera.
+/// Asks the camera at a node whether it is ready. Waits at most five seconds, not the hundred that a command may take:
+/// the doctor must not keep a person waiting. Changes nothing on the camera.
 Answer AskCamera(const std::string& node, darwin::sg::SgSystem& system = darwin::sg::SgSystem::Kernel());
 
 }  // namespace apps::doctor

@@ -9,7 +9,7 @@
 namespace apps::doctor {
 namespace {
 
-// udev's own folders, in its order.
+// The folders that udev searches, in udev's order.
 constexpr std::array kFolders{"/etc/udev/rules.d", "/run/udev/rules.d", "/usr/local/lib/udev/rules.d",
                               "/usr/lib/udev/rules.d", "/lib/udev/rules.d"};
 constexpr const char* kFile = "/70-kelva.rules";

@@ -5,8 +5,8 @@
 
 namespace apps::doctor {
 
-/// The file of this system's udev rules as udev finds it: in the first of its folders that has it. Empty when it is not
-/// installed. `root` is what stands before each folder, "" for the system itself.
+/// The installed udev rule: the file in the first of udev's folders that has it. Empty when none has it. `root` is put
+/// before each folder; "" is the system itself.
 std::string InstalledRules(const std::string& root = "");
 
 }  // namespace apps::doctor

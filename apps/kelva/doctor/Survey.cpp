@@ -44,7 +44,7 @@ std::optional<int> Number(const std::string& text) {
   return error == std::errc() ? std::optional(number) : std::nullopt;
 }
 
-// Calls `visit` with each device of a subsystem, below `parent` where one is given.
+// Calls `visit` with each device of a subsystem; with a parent, only with those below it.
 void ForEach(::udev* context, const char* subsystem, udev_device* parent,
              const std::function<void(udev_device*)>& visit) {
   const UdevEnumerate enumerate(udev_enumerate_new(context));
@@ -89,7 +89,7 @@ CameraFacts ReadUnit(::udev* context, udev_device* unit) {
   return camera;
 }
 
-// A camera of which the kernel shows no unit yet.
+// A camera on the USB bus that the kernel shows no SCSI unit for, because no driver has set it up yet.
 CameraFacts ReadBareDevice(::udev* context, udev_device* usb) {
   CameraFacts camera;
   camera.usbPath = Text(udev_device_get_syspath(usb));

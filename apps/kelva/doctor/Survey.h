@@ -9,14 +9,14 @@
 
 namespace apps::doctor {
 
-/// Puts one short question to the camera at a node, and says how it was answered.
+/// Asks the camera at a node one short question and says how the camera answered.
 using Probe = std::function<Answer(const std::string& node)>;
 
-/// Looks at this machine: USB, the kernel's drivers, the nodes, and who holds them. Only a camera that nothing else is
-/// in the way of is asked a question, through `probe`; everything else is looked at from outside.
+/// Looks at this machine: USB, the kernel's drivers, the nodes, and who holds them. Sends nothing to a camera, except
+/// that `probe` asks each camera whose node is usable and free.
 MachineFacts SurveyMachine(const Probe& probe);
 
-/// The processes other than this one that hold the camera with this serial number.
+/// The processes, except this one, that hold the camera with this serial number.
 std::vector<Holder> HoldersOfCamera(const std::string& serial);
 
 }  // namespace apps::doctor
