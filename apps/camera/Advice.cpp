@@ -119,6 +119,7 @@ Verdict WrongAnswer(std::string_view message) {
   for (const std::string_view prefix : {"Camera error: ", "OsxCameraError: "}) {
     if (said.starts_with(prefix)) said.remove_prefix(prefix.size());
   }
+  // The quotation stands inside a sentence.
   while (said.ends_with('.')) said.remove_suffix(1);
   const std::string shown = Printable(said);
   return {ExitCode::kFailed, "the camera sent a wrong answer (" + shown +
@@ -128,6 +129,7 @@ Verdict WrongAnswer(std::string_view message) {
 }  // namespace
 
 Verdict AdviceFor(const kelva::TransferReport& report) {
+  // A return code goes first: with one, the status is meaningless.
   for (const ReturnRow& row : kReturns) {
     if (row.code == report.returnCode) return {row.exit, std::string(row.clause)};
   }

@@ -25,6 +25,7 @@ std::string Serials(const std::vector<AttachedCamera>& cameras) {
 
 std::vector<AttachedCamera> FindAttached(StdoutDiversion& diversion) {
   const std::vector<boost::shared_ptr<Camera>> cameras = Camera::EnumerateCameras(false, "", false, 0);
+  // The library prints a refused search to standard output and returns what it found before.
   const std::string complaint = diversion.Taken();
   if (!complaint.empty()) {
     throw Failure(ExitCode::kFailed, "The system refused to search for cameras (" +

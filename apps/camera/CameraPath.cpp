@@ -45,8 +45,8 @@ bool SameName(std::string_view a, std::string_view b) {
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath) {
   const SplitPath path = Split(cameraPath);
   for (CameraDirent& entry : camera.ReadDir(path.folder.c_str())) {
-    if ((entry.attributes & kelva::kAttributeVolumeLabel) == 0 && SameName(entry.name, path.name))
-      return std::move(entry);
+    const bool isLabel = (entry.attributes & kelva::kAttributeVolumeLabel) != 0;
+    if (!isLabel && SameName(entry.name, path.name)) return std::move(entry);
   }
   return std::nullopt;
 }

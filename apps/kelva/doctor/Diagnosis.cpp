@@ -108,6 +108,7 @@ Finding Narrow(const CameraFacts& camera) {
   return finding;
 }
 
+// The order is that of the way from the cable to the camera: a later check would only show the earlier obstacle again.
 Finding DiagnoseUnit(const CameraFacts& camera, const MachineFacts& facts) {
   if (wire::IsBadCamera(camera.peripheralType, camera.revision)) return BadCamera(camera);
   if (camera.node.empty()) return NoGenericDriver(camera);

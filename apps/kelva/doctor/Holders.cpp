@@ -87,7 +87,7 @@ std::vector<Holder> HoldersOf(const std::string& node, const fs::path& proc) {
     const int pid = ProcessNumber(entry.path());
     if (pid != 0 && HasOpen(entry.path(), status)) pids.insert(pid);
   }
-  pids.erase(::getpid());
+  pids.erase(::getpid());  // the doctor itself may have the node open
   std::vector<Holder> holders;
   holders.reserve(pids.size());
   for (int pid : pids) holders.push_back({pid, ProcessName(pid, proc)});

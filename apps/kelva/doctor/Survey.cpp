@@ -107,6 +107,7 @@ std::vector<CameraFacts> ReadCameras(::udev* context) {
     if (HasType(unit, "scsi_device") && Attribute(unit, "vendor") == wire::kVendor)
       cameras.push_back(ReadUnit(context, unit));
   });
+  // A camera without a driver has no SCSI unit; its USB device is then all there is to see.
   std::set<std::string> seen;
   for (const CameraFacts& camera : cameras) seen.insert(camera.usbPath);
   ForEach(context, "usb", nullptr, [&](udev_device* usb) {
@@ -142,6 +143,7 @@ MachineFacts SurveyMachine(const Probe& probe) {
   for (CameraFacts& camera : facts.cameras) {
     if (camera.node.empty() || camera.nodeError != 0) continue;
     camera.holders = HoldersOf(camera.node);
+    // A camera carries one command at a time: a question would disturb the program that holds it.
     if (camera.holders.empty()) camera.answer = probe(camera.node);
   }
   return facts;
