@@ -29,7 +29,7 @@ TEST(ExplainTest, AFailureOfTheCameraSaysWhatWasTriedAndWhatToDo) {
 TEST(ExplainTest, AWrongAnswerIsAFailure) {
   const Outcome outcome = Explain(CameraError("ReadFile() truncated."), "read X");
   EXPECT_EQ(outcome.code, ExitCode::kFailed);
-  EXPECT_TRUE(outcome.sentence.starts_with("Cannot read X: the camera's answer")) << outcome.sentence;
+  EXPECT_TRUE(outcome.sentence.starts_with("Cannot read X: the camera sent a wrong answer (")) << outcome.sentence;
 }
 
 TEST(ExplainTest, LackOfMemoryIsNamed) {

@@ -104,8 +104,8 @@ CameraFacts ReadBareDevice(::udev* context, udev_device* usb) {
 std::vector<CameraFacts> ReadCameras(::udev* context) {
   std::vector<CameraFacts> cameras;
   ForEach(context, "scsi", nullptr, [&](udev_device* unit) {
-    if (HasType(unit, "scsi_device") && Attribute(unit, "vendor") == wire::kVendor)
-      cameras.push_back(ReadUnit(context, unit));
+    if (!HasType(unit, "scsi_device") || Attribute(unit, "vendor") != wire::kVendor) return;
+    cameras.push_back(ReadUnit(context, unit));
   });
   // A camera without a driver has no SCSI unit; its USB device is then all there is to see.
   std::set<std::string> seen;
