@@ -16,6 +16,9 @@ struct Named {
   Value value;
   std::string_view name;
 };
+// clang 14 does not find this out.
+template <typename Value>
+Named(Value, std::string_view) -> Named<Value>;
 
 /// The name of a value; empty when the table has no row for it.
 template <typename Table, typename Value>
