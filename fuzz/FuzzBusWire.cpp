@@ -5,7 +5,7 @@
 
 namespace {
 
-using namespace vcam::bus;
+using namespace bus;
 using base::Bytes;
 
 void DecodeAll(const Bytes& payload) {
