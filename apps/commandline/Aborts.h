@@ -5,9 +5,9 @@
 
 namespace apps {
 
-/// Prepares for an abort: the library ends the process when a camera sends more than it announced. The temporary files are
-/// then removed, `lastWord` goes to standard error and `lastResult` to `resultFd`, and the process ends with exit status 1.
-/// The texts are copied now.
+/// Prepares for an abort: the library ends the process when a camera sends more than it announced. The temporary files
+/// are then removed, `lastWord` goes to standard error and `lastResult` to `resultFd`, and the process ends with exit
+/// status 1. The texts are copied now.
 void CatchAborts(const std::string& lastWord, const std::string& lastResult, int resultFd);
 
 }  // namespace apps

@@ -1,3 +1,4 @@
+// Lines up cells in columns for people: list, ls and the like.
 #include "apps/commandline/Columns.h"
 
 #include <algorithm>

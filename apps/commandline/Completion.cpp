@@ -9,8 +9,8 @@
 namespace apps {
 namespace {
 
-// %q quotes a name so that the shell that runs the line reads one word. That does not work inside quotes which are still
-// open, so only names that need no quoting are offered there.
+// %q quotes a name so that the shell that runs the line reads one word. That does not work inside quotes which are
+// still open, so only names that need no quoting are offered there.
 constexpr std::string_view kBash =
     R"(# bash completion for PROGRAM, which says itself what may come next. Nothing that it says is evaluated.
 _PROGRAM() {
@@ -105,8 +105,8 @@ class Completer {
   }
 
  private:
-  // bash takes what it is given. zsh and fish choose among all words, as the user has set them up; but fish's loose way of
-  // comparing would turn an unknown option into another one, and it expands a leading tilde.
+  // bash takes what it is given. zsh and fish choose among all words, as the user has set them up; but fish's loose way
+  // of comparing would turn an unknown option into another one, and it expands a leading tilde.
   void Add(std::string_view name, std::string_view meaning = {}) {
     const std::string whole = prefix_ + std::string(name);
     const bool chosenHere = bash_ || last_.starts_with('-');

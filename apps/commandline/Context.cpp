@@ -1,3 +1,4 @@
+// Gives a verb's results: one JSON document a line, or text.
 #include "apps/commandline/Context.h"
 
 #include <utility>

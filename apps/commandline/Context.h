@@ -35,7 +35,8 @@ class Context {
   void Doing(std::string what) { doing_ = std::move(what); }
   const std::string& WasDoing() const { return doing_; }
   bool Json() const { return reporter.Style().json; }
-  /// The result of the whole command, once; a document after the one that ends the command is left out: its members in JSON style, else its text. `code` is how the command ends; its word becomes the member "reason" of a failure that has none.
+  /// Prints the result (members with --json, else text). Only the first call prints. `code` becomes `exit`, and the
+  /// `reason` of a failure without one.
   void Result(apps::Json members, std::string_view text, ExitCode code = ExitCode::kDone);
   /// One of many results, given at once: a JSON object on a line of its own, else its text.
   void Event(std::string_view event, apps::Json members, std::string_view text);

@@ -1,3 +1,4 @@
+// Turns errno into a sentence that also says what to do.
 #include "apps/commandline/Failure.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// Repeats work in child processes, without the items in which the library aborted.
 #include "apps/commandline/Guard.h"
 
 #include <poll.h>
@@ -20,7 +21,8 @@
 
 namespace apps {
 
-// Shared memory of all processes of one piece of work.
+// Shared memory of all processes of one piece of work. Lock-free atomics and plain arrays only: a process writes here
+// from its handler of SIGABRT.
 struct Guard::Page {
   using Token = std::array<char, 80>;
   static constexpr std::size_t kMostBad = 1024;
@@ -84,6 +86,7 @@ int Guard::Run(const std::function<int(Guard&)>& work) {
     const pid_t child = ::fork();
     if (child < 0) throw SystemFailure("start a process", errno);
     if (child == 0) {
+      // A worker must not outlive the tool, even one that was killed. The parent may have ended before the call: check.
       ::prctl(PR_SET_PDEATHSIG, SIGTERM);
       if (::getppid() != parent) ::_exit(1);
       Page::ofThisProcess = &page;
@@ -91,12 +94,14 @@ int Guard::Run(const std::function<int(Guard&)>& work) {
       return work(guard);
     }
     const int status = WaitFor(child);
+    // The child has given the result and flushed it; destructors of this process have nothing to add.
     if (!page.aborted) ::_exit(status);
     if (page.badCount == Page::kMostBad) {
       throw Failure(ExitCode::kFailed,
                     "The camera sent more than it announced for " + std::to_string(Page::kMostBad) +
                         " files, so the rest was not tried; check the cable and restart the camera.");
     }
+    // The next process reads everything again but this item.
     page.bad[page.badCount++] = page.current;
   }
 }

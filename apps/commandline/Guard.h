@@ -6,8 +6,8 @@
 
 namespace apps {
 
-/// Lets long work survive an abort: a process of its own does it, and where the library aborts in the middle of one item (a
-/// camera that breaks a rule which the library relies on), another process goes on without that item.
+/// Lets long work survive an abort. A child process does the work. If the library aborts in the middle of one item,
+/// because the camera sent more than it announced, another child goes on without that item.
 /// Items are named by short tokens. The counters are the whole work's, over all processes.
 class Guard {
  public:

@@ -1,3 +1,4 @@
+// Lays out --help for a terminal of 80 columns.
 #include "apps/commandline/Help.h"
 
 #include <algorithm>

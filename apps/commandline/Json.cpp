@@ -1,3 +1,4 @@
+// Prints JSON values; a writer only, because the tool reads none.
 #include "apps/commandline/Json.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Writes the manual pages in troff from the table of verbs.
 #include "apps/commandline/ManPage.h"
 
 #include <algorithm>

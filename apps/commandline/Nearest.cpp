@@ -1,3 +1,4 @@
+// Guesses the command that a mistyped word meant.
 #include "apps/commandline/Nearest.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Standard output: collects results and writes them whole.
 #include "apps/commandline/Output.h"
 
 #include <unistd.h>

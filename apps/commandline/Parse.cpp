@@ -1,3 +1,4 @@
+// Reads a command line against a program's table of verbs.
 #include "apps/commandline/Parse.h"
 
 #include <cctype>

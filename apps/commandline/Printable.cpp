@@ -1,3 +1,4 @@
+// Makes bytes from a camera safe for a terminal.
 #include "apps/commandline/Printable.h"
 
 #include <array>

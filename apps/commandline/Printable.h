@@ -14,10 +14,12 @@ struct Utf8Piece {
   bool valid;
 };
 
-/// The first character of `bytes`, which is not empty. Overlong forms, surrogates and values above U+10FFFF are not valid.
+/// The first character of `bytes`, which is not empty. Overlong forms, surrogates and values above U+10FFFF are not
+/// valid.
 Utf8Piece FirstUtf8(std::string_view bytes);
 
-/// What a terminal obeys instead of showing: C0, DEL, C1, and the characters that turn the direction of text or hide it.
+/// What a terminal obeys instead of showing: C0, DEL, C1, and the characters that turn the direction of text or hide
+/// it.
 bool IsCommand(char32_t codePoint);
 
 bool IsUtf8(std::string_view bytes);

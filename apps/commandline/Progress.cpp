@@ -1,3 +1,4 @@
+// Shows how far a transfer is, as a bar or as JSON events.
 #include "apps/commandline/Progress.h"
 
 #include <sys/ioctl.h>

@@ -22,11 +22,12 @@ struct ProgressView {
   bool shareAlone = false;  ///< done and total are no bytes; only how they compare means something
 };
 
-/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left; of a share alone no bytes and no rate.
+/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left; of a share alone no bytes and no
+/// rate.
 std::string ProgressLine(const ProgressView& view, std::size_t columns);
 
-/// Shows how far a transfer is: a bar on a terminal, events in JSON style, nothing elsewhere. It also is the place where
-/// a running transfer notices that it has to stop. Used from the thread that transfers.
+/// Shows how far a transfer is: a bar on a terminal, events in JSON style, nothing elsewhere. It also is the place
+/// where a running transfer notices that it has to stop. Used from the thread that transfers.
 class Progress {
  public:
   using Clock = std::chrono::steady_clock;

@@ -1,3 +1,4 @@
+// Standard error: messages, the progress line, JSON events.
 #include "apps/commandline/Reporter.h"
 
 #include <poll.h>

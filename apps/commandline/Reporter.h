@@ -42,7 +42,8 @@ class Reporter {
   void Overwrite(std::string_view line);
   /// Gives an event in JSON style; nothing in the others, nor when quiet.
   void Event(Json members);
-  /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a command.
+  /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a
+  /// command.
   bool IsProgressDue(std::chrono::steady_clock::time_point now) const;
   /// As IsProgressDue, and takes the turn where it is.
   bool TakeProgressTurn(std::chrono::steady_clock::time_point now);

@@ -1,3 +1,4 @@
+// Remembers temporary files, so that every way to end the process can remove them.
 #include "apps/commandline/Scratch.h"
 
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// Keeps what libraries print out of the tool's results.
 #include "apps/commandline/StdoutDiversion.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// Runs a verb on a worker thread and ends it on a signal or at the deadline.
 #include "apps/commandline/Supervisor.h"
 
 #include <poll.h>
@@ -96,7 +97,9 @@ std::string InWords(milliseconds time) {
 
 void TakeOverSignals() {
   const sigset_t set = EndingSignals();
+  // Threads inherit the mask: only the descriptor in Supervise ever receives these signals.
   ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
+  // A reader that has gone is an error of write, which is reported, not a silent death.
   std::signal(SIGPIPE, SIG_IGN);
 }
 
@@ -124,6 +127,7 @@ ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Super
   reporter.LastWord(sentence, code);
   if (supervision.atEnd) supervision.atEnd(code, sentence);
   if (done) return code;
+  // The worker still runs and uses what destructors would free, so the process ends without them.
   RemoveScratchFiles();
   ::_exit(static_cast<int>(code));
 }

@@ -25,14 +25,14 @@ struct Supervision {
   std::chrono::milliseconds grace{600};
   /// What a signal's message says after "Stopped."; asked when the worker has stopped or the grace is over.
   std::function<std::string()> afterStop = {};
-  /// Called last when one of the two ended the command, with how it ends and the sentence that was given. The worker may
-  /// still run.
+  /// Called last when one of the two ended the command, with how it ends and the sentence that was given. The worker
+  /// may still run.
   std::function<void(ExitCode, const std::string& sentence)> atEnd = {};
 };
 
-/// Runs `work` on a thread of its own while this thread waits for its end, a signal or the deadline. When one of the two
-/// comes first, its sentence is given, the worker is asked to stop and has the grace to do so; then the temporary files
-/// are removed and the process ends at once. `work` throws nothing but Stopped.
+/// Runs `work` on a thread of its own while this thread waits for its end, a signal or the deadline. When one of the
+/// two comes first, its sentence is given, the worker is asked to stop and has the grace to do so; then the temporary
+/// files are removed and the process ends at once. `work` throws nothing but Stopped.
 ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Supervision& supervision,
                    Reporter& reporter);
 

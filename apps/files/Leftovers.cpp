@@ -1,3 +1,4 @@
+// Removes temporary files of processes that were killed.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>

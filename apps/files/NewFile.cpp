@@ -1,3 +1,4 @@
+// Writes a file under a temporary name and names it only when it is whole.
 #include "apps/files/NewFile.h"
 
 #include <fcntl.h>

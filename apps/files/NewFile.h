@@ -16,8 +16,8 @@ inline constexpr std::string_view kTemporaryStart = ".kelva-";
 inline constexpr std::string_view kTemporaryEnd = ".part";
 
 /// A file that is being written under a temporary name and gets its final name only when it is whole and on disk.
-/// Destroyed before that, or with the process (an abort included), it leaves nothing behind. A lock (flock) tells a later
-/// run that a temporary file is still in use.
+/// Destroyed before that, or with the process (an abort included), it leaves nothing behind. A lock (flock) tells a
+/// later run that a temporary file is still in use.
 class NewFile {
  public:
   /// `folder` outlives the file. Throws Failure.

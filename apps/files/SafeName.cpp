@@ -1,3 +1,4 @@
+// Makes file names from a camera's bytes that are safe here.
 #include "apps/files/SafeName.h"
 
 #include <array>

@@ -1,4 +1,5 @@
-// The plain SHA-1 functions of libcrypto need none of its start-up work; the newer interface costs megabytes at each start.
+// The plain SHA-1 functions of libcrypto need none of its start-up work; the newer interface costs megabytes at each
+// start.
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include "apps/files/Sha1.h"
 

@@ -1,3 +1,4 @@
+// Stores bytes under a free name, beside files that exist.
 #include "apps/files/StoreFile.h"
 
 #include <fcntl.h>

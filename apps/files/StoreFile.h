@@ -23,12 +23,12 @@ struct Stored {
   std::string name;
   bool wasThere = false;  ///< the same bytes were there under this name already, and nothing was written
 };
-/// Stores bytes under a name, or where that is taken by something else, under the next free numbered one. In three steps,
-/// so that the disk can work on several files at once, and need not write their folder again for each.
+/// Stores bytes under a name, or where that is taken by something else, under the next free numbered one. In three
+/// steps, so that the disk can work on several files at once, and need not write their folder again for each.
 class BesideFile {
  public:
-  /// Writes the bytes under a temporary name, unless they are there already. `first` is the number to begin with, `sha1`
-  /// that of the bytes; the folder outlives this. Throws Failure.
+  /// Writes the bytes under a temporary name, unless they are there already. `first` is the number to begin with,
+  /// `sha1` that of the bytes; the folder outlives this. Throws Failure.
   BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,
              int first = 1);
   /// Waits until it is on disk. Throws Failure.

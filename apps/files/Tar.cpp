@@ -1,3 +1,4 @@
+// Builds the tar archive of `kelva report`.
 #include "apps/files/Tar.h"
 
 #include <algorithm>

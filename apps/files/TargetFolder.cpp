@@ -1,3 +1,4 @@
+// Opens the folder that files go into, and resolves names below it without following links.
 #include "apps/files/TargetFolder.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// The list of fetched files: an SQLite database in the target folder.
 #include "apps/import/Manifest.h"
 
 #include <fcntl.h>
@@ -74,7 +75,7 @@ class Manifest::Statement {
 
 namespace {
 
-// Leaves a prepared statement as it was found, whatever happens.
+// Resets a prepared statement on every way out: a statement that is not reset keeps the database locked.
 template <typename Statement>
 class Use {
  public:
@@ -98,13 +99,13 @@ Manifest::Manifest(const TargetFolder& folder, bool make) : path_(folder.PathOf(
     throw Failure(ExitCode::kFailed, Printable(path_) + " is a symbolic link and is not followed; remove it.");
   }
   if (!make && !folder.Has(name)) return;
-  // Through the open folder, which cannot be exchanged meanwhile.
+  // Opened through the folder's descriptor, so that nobody can put another folder in its place meanwhile.
   const std::string opened = "/proc/self/fd/" + std::to_string(folder.Fd()) + "/" + name;
   const int flags = make ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY;
   try {
     if (sqlite3_open_v2(opened.c_str(), &database_, flags, nullptr) != SQLITE_OK) Fail("open");
     sqlite3_busy_timeout(database_, 5000);
-    // Rows are looked up once each; what was read of them before is of no use.
+    // Each row is looked up once, so a large cache would only cost memory.
     Execute("PRAGMA cache_size=-256");
     Prepare();
   } catch (...) {

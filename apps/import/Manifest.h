@@ -32,8 +32,8 @@ struct ManifestRow {
   bool deleted = false;   ///< on the camera, after it was verified
 };
 
-/// The list of what was fetched into a folder, in the folder itself (.kelva-manifest.sqlite). It decides what is new, so a
-/// file that was renamed or moved here is not fetched again. Any thread.
+/// The list of what was fetched into a folder, in the folder itself (.kelva-manifest.sqlite). It decides what is new,
+/// so a file that was renamed or moved here is not fetched again. Any thread.
 class Manifest {
  public:
   static constexpr std::string_view kName = ".kelva-manifest.sqlite";

@@ -1,3 +1,4 @@
+// Turns a pattern such as {year}/{name} into a path below the target folder.
 #include "apps/import/Pattern.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Compares the catalogue with the manifest: which files are new, and their names here.
 #include "apps/import/Plan.h"
 
 #include <algorithm>

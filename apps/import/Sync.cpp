@@ -1,3 +1,4 @@
+// Runs a plan: reads files from the camera and hands them to the writers.
 #include "apps/import/Sync.h"
 
 #include <fcntl.h>

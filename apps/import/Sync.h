@@ -31,8 +31,8 @@ struct SyncTotals {
   unsigned long long deleted = 0;
 };
 
-/// Carries out a plan: reads on the calling thread, stores on others, and deletes last. A file that fails is reported and
-/// the rest goes on; a camera that has gone, a full disk or a request to stop ends it, and what is stored stays.
+/// Carries out a plan: reads on the calling thread, stores on others, and deletes last. A file that fails is reported
+/// and the rest goes on; a camera that has gone, a full disk or a request to stop ends it, and what is stored stays.
 class Sync {
  public:
   Sync(Context& context, Camera& camera, const TargetFolder& folder, Manifest& manifest, SyncOptions options);

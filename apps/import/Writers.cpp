@@ -1,3 +1,4 @@
+// Threads that check, store and record files while the camera is read.
 #include "apps/import/Writers.h"
 
 #include <cerrno>
@@ -87,7 +88,8 @@ std::vector<WriteJob> Writers::Take() {
   return jobs;
 }
 
-// As much as is worth to be on its way at once; nothing when it is over.
+// A batch for one thread; empty at the end. Waits a moment for more jobs, because one flush of the folder and one
+// transaction then serve the whole batch, and those cost more than the bytes of small files.
 std::vector<WriteJob> Writers::Next() {
   std::unique_lock lock(mutex_);
   while (true) {
@@ -110,7 +112,7 @@ void Writers::Run() {
     } catch (const std::exception& error) {
       GiveUp(Failure(ExitCode::kFailed, std::string("Storing files stopped: ") + Printable(error.what()) + "."));
     }
-    jobs.clear();
+    jobs.clear();  // gives the memory back before the reader is told that there is room
     const std::scoped_lock lock(mutex_);
     bytes_ -= bytes;
     --active_;
@@ -125,7 +127,8 @@ void Writers::GiveUp(const Failure& failure) {
   stored_.notify_one();
 }
 
-// True when it worked. A failure of one file is reported; one that ends all is kept.
+// True if it worked. A failure of one file is reported, and the rest goes on; a failure that no other file could escape
+// (a full disk) is kept in `ending`.
 bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending) {
   try {
     work();
@@ -141,8 +144,9 @@ bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::
   }
 }
 
-// All are on their way before the first one is waited for, and named after the last one: a name changes the folder, which
-// a file system may write with each file that is flushed. Where the disk is full, those that were written are finished.
+// All are on their way before the first one is waited for, and named after the last one: a name changes the folder,
+// which a file system may write with each file that is flushed. Where the disk is full, those that were written are
+// finished.
 void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   std::optional<Failure> ending;
   std::vector<std::unique_ptr<Started>> started;

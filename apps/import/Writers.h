@@ -37,9 +37,9 @@ struct WriteOutcome {
   std::string error;
 };
 
-/// Stores files while the next ones are being read. Several threads, because most of their time is spent waiting for the
-/// disk. Files become part of the manifest in groups, about one a second, after their folders were flushed; outcomes are
-/// reported after that.
+/// Stores files while the next ones are being read. Several threads, because most of their time is spent waiting for
+/// the disk. Files become part of the manifest in groups, about one a second, after their folders were flushed;
+/// outcomes are reported after that.
 class Writers {
  public:
   using Report = std::function<void(const WriteOutcome&)>;

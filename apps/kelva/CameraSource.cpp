@@ -1,3 +1,4 @@
+// The one place that chooses between this machine and a virtual bus.
 #include "apps/kelva/CameraSource.h"
 
 #include <stdexcept>

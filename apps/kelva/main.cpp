@@ -1,3 +1,4 @@
+// Entry point of `kelva`.
 #include <cstddef>
 #include <span>
 

@@ -1,3 +1,4 @@
+// Finds files beside a contact sheet that `kelva sync` fetched before.
 #include "apps/kelva/sheet/Beside.h"
 
 #include <fcntl.h>

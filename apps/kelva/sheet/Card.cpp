@@ -1,3 +1,4 @@
+// One picture of a contact sheet as HTML.
 #include "apps/kelva/sheet/Card.h"
 
 #include <algorithm>
@@ -10,7 +11,8 @@
 namespace apps {
 namespace {
 
-// How wide a card is for its height. Very long pictures would take a whole row, very high ones leave no room for a name.
+// How wide a card is for its height. Very long pictures would take a whole row, very high ones leave no room for a
+// name.
 std::string Ratio(const Card& card) {
   constexpr double kUsual = 1.5;
   constexpr double kNarrowest = 0.62;

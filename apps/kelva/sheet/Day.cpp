@@ -1,3 +1,4 @@
+// Names of days for the headings of a contact sheet.
 #include "apps/kelva/sheet/Day.h"
 
 #include <array>

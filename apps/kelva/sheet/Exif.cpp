@@ -1,3 +1,4 @@
+// Reads orientation and time from a JPEG file.
 #include "apps/kelva/sheet/Exif.h"
 
 #include <libexif/exif-data.h>

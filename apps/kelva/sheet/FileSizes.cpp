@@ -1,3 +1,4 @@
+// Lists the folders of a catalogue for the sizes of its files.
 #include "apps/kelva/sheet/FileSizes.h"
 
 #include <map>

@@ -1,3 +1,4 @@
+// Escapes names from a camera for HTML and addresses.
 #include "apps/kelva/sheet/Html.h"
 
 #include "apps/commandline/Printable.h"

@@ -1,3 +1,4 @@
+// Decodes and encodes JPEG files within bounds of memory.
 #include "apps/kelva/sheet/Jpeg.h"
 
 #include <turbojpeg.h>

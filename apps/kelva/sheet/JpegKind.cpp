@@ -1,3 +1,4 @@
+// Tells a baseline JPEG file from a progressive one, which needs more memory.
 #include "apps/kelva/sheet/JpegKind.h"
 
 #include <cstddef>

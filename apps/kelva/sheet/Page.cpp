@@ -1,3 +1,4 @@
+// The HTML of a contact sheet around its pictures.
 #include "apps/kelva/sheet/Page.h"
 
 #include "apps/kelva/sheet/Day.h"

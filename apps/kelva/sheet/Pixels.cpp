@@ -1,3 +1,4 @@
+// Shrinks and turns images.
 #include "apps/kelva/sheet/Pixels.h"
 
 #include <algorithm>

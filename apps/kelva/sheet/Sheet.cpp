@@ -1,3 +1,4 @@
+// Draws the pictures of a catalogue one after another.
 #include "apps/kelva/sheet/Sheet.h"
 
 #include <algorithm>

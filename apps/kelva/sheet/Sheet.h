@@ -27,8 +27,8 @@ struct SheetTotals {
   std::size_t failed = 0;   ///< pictures that are damaged, missing or cannot be read; each was reported
 };
 
-/// Draws the pictures of a catalogue, one after the other: at any time one picture's bytes are in memory. A picture that
-/// cannot be read or drawn is reported and gets a placeholder, and the rest goes on.
+/// Draws the pictures of a catalogue, one after the other: at any time one picture's bytes are in memory. A picture
+/// that cannot be read or drawn is reported and gets a placeholder, and the rest goes on.
 class Sheet {
  public:
   /// Takes each picture's element of the page.
@@ -36,8 +36,8 @@ class Sheet {
 
   Sheet(Context& context, Camera& camera, Beside beside);
 
-  /// `sizes` are those of `catalogue`, in its order. Throws what the sink throws, Stopped, and CameraError when the camera
-  /// has gone.
+  /// `sizes` are those of `catalogue`, in its order. Throws what the sink throws, Stopped, and CameraError when the
+  /// camera has gone.
   void Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSizes>& sizes, const Sink& sink);
 
   const SheetTotals& Totals() const { return totals_; }

@@ -1,3 +1,4 @@
+// The style sheet of a contact sheet.
 #include "apps/kelva/sheet/Style.h"
 
 namespace apps {

@@ -1,3 +1,4 @@
+// Draws one thumbnail: decode, shrink, turn upright, encode.
 #include "apps/kelva/sheet/Thumbnail.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// The verbs crash-logs and calibration.
 #include <string>
 #include <vector>
 

@@ -1,3 +1,4 @@
+// The verbs put and rm.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

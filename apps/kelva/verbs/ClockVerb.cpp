@@ -1,3 +1,4 @@
+// The verb time.
 #include <array>
 #include <cmath>
 #include <cstdio>

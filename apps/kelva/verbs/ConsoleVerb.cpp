@@ -1,3 +1,4 @@
+// The verb console.
 #include <string>
 #include <thread>
 

@@ -1,3 +1,4 @@
+// The verbs control and control set.
 #include <string>
 
 #include "apps/camera/Session.h"

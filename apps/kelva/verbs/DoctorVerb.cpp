@@ -1,3 +1,4 @@
+// The verb doctor.
 #include <string>
 #include <vector>
 

@@ -1,3 +1,4 @@
+// Does the same for several files and reports each failure.
 #include "apps/kelva/verbs/Each.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// The verbs ls and tree.
 #include <algorithm>
 #include <string>
 #include <vector>

@@ -1,3 +1,4 @@
+// The verb get.
 #include <optional>
 #include <set>
 #include <string>

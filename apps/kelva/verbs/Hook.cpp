@@ -1,3 +1,4 @@
+// Runs the command of `kelva watch --exec`.
 #include "apps/kelva/verbs/Hook.h"
 
 #include <spawn.h>

@@ -1,3 +1,4 @@
+// The verb info.
 #include <string>
 #include <vector>
 

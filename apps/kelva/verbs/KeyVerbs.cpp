@@ -1,3 +1,4 @@
+// The verbs batch get, batch rm and raw, which name files by SHA-1.
 #include <algorithm>
 #include <string>
 #include <vector>

@@ -1,3 +1,4 @@
+// The verb list.
 #include <string>
 #include <utility>
 #include <vector>

@@ -1,3 +1,4 @@
+// Reads a file of this computer that is to be sent to a camera.
 #include "apps/kelva/verbs/LocalFile.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// The verb monitor.
 #include <string>
 
 #include "apps/camera/Session.h"

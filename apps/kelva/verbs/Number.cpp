@@ -1,3 +1,4 @@
+// Prints a camera's numbers as people read them.
 #include "apps/kelva/verbs/Number.h"
 
 #include <array>

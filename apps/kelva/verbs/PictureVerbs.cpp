@@ -1,3 +1,4 @@
+// The verbs pictures and pictures rm.
 #include <string>
 #include <vector>
 

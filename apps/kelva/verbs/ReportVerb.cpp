@@ -1,3 +1,4 @@
+// The verb report.
 #include <sys/utsname.h>
 
 #include <ctime>

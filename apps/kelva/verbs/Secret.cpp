@@ -1,3 +1,4 @@
+// Reads a passphrase without showing it.
 #include "apps/kelva/verbs/Secret.h"
 
 #include <fcntl.h>

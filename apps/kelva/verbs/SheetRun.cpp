@@ -1,3 +1,4 @@
+// `kelva pictures --sheet`: writes a contact sheet.
 #include "apps/kelva/verbs/SheetRun.h"
 
 #include <algorithm>

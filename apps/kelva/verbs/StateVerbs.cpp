@@ -1,3 +1,4 @@
+// The verbs ready, battery, done-count, capture and reboot.
 #include <string>
 #include <thread>
 #include <utility>

@@ -1,3 +1,4 @@
+// The verb sync.
 #include <sys/file.h>
 #include <unistd.h>
 

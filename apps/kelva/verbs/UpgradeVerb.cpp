@@ -1,3 +1,4 @@
+// The verb upgrade.
 #include <unistd.h>
 
 #include <limits>

@@ -1,3 +1,4 @@
+// The verb wait.
 #include <string>
 
 #include "apps/camera/Attached.h"

@@ -1,3 +1,4 @@
+// The verb watch.
 #include <unistd.h>
 
 #include <string>

@@ -1,3 +1,4 @@
+// The verbs wifi name, passphrase, auth and off.
 #include <string>
 
 #include "apps/camera/Session.h"

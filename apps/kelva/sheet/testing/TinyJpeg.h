@@ -41,8 +41,8 @@ class TinyJpeg {
   }
 
  private:
-  // All steps of quantisation are 8, so that the coefficient of a square is its level. The codes for the number of bits of
-  // a difference are that number in four bits; the one code for the rest of a square, "nothing", is the bit 0.
+  // All steps of quantisation are 8, so that the coefficient of a square is its level. The codes for the number of bits
+  // of a difference are that number in four bits; the one code for the rest of a square, "nothing", is the bit 0.
   static std::string Tables() {
     using namespace std::string_literals;
     const std::string quantisation = "\0"s + std::string(64, 8);
