@@ -1,3 +1,5 @@
+// How many objects and descriptors this process holds: tests compare the numbers before and after.
+
 #include "darwin/cf/Accounting.h"
 
 #include <filesystem>
@@ -13,7 +15,7 @@ std::size_t LiveCoreFoundationObjects() {
 
 std::size_t OpenDescriptors() {
   const std::filesystem::directory_iterator all("/proc/self/fd");
-  // The one that does the counting is not the caller's.
+  // Minus the descriptor of /proc/self/fd itself.
   return static_cast<std::size_t>(std::distance(begin(all), end(all))) - 1;
 }
 

@@ -1,3 +1,5 @@
+// Dictionaries of CoreFoundation, with and without the callbacks that retain and compare what they hold.
+
 #include "darwin/cf/Dictionary.h"
 
 namespace darwin::cf {

@@ -1,3 +1,5 @@
+// Mac Roman to UTF-8 and back: the encoding in which strings come from C.
+
 #include "darwin/cf/MacRoman.h"
 
 #include <algorithm>

@@ -10,7 +10,7 @@ namespace darwin::cf {
 /// Mac Roman to UTF-8; every byte is a character.
 std::string Utf8FromMacRoman(std::string_view text);
 
-/// UTF-8 to Mac Roman; nothing when a character has no place there.
+/// UTF-8 to Mac Roman; nothing when Mac Roman lacks a character.
 std::optional<std::string> MacRomanFromUtf8(std::string_view text);
 
 /// True when the bytes are well-formed UTF-8.

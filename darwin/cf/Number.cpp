@@ -1,3 +1,5 @@
+// Numbers and booleans of CoreFoundation, which registry properties hold.
+
 #include "darwin/cf/Number.h"
 
 #include <cstring>

@@ -1,3 +1,5 @@
+// Reference counts and comparison for every CoreFoundation object.
+
 #include "darwin/cf/Object.h"
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// The run loop of a thread over poll(2), and the framework calls on run loops.
+
 #include "darwin/cf/RunLoop.h"
 
 #include <poll.h>
@@ -147,6 +149,7 @@ CFRunLoopRunResult RunLoop::Run(const std::string& mode, CFTimeInterval seconds,
   for (;;) {
     // Cleared before the look at the sources: what is signalled from here on ends the wait below.
     wakeUp_.Clear();
+    // A copy with references: a source may add or remove sources, or itself, while it performs.
     const std::vector<SourceRef> sources = SourcesOf(mode);
     if (sources.empty()) return kCFRunLoopRunFinished;
     const bool handled = !run.stopped && PerformAll(sources);
@@ -155,6 +158,7 @@ CFRunLoopRunResult RunLoop::Run(const std::string& mode, CFTimeInterval seconds,
     if (handled && returnAfterSourceHandled) return kCFRunLoopRunHandledSource;
     const int left = MillisecondsUntil(deadline);
     if (left == 0) return kCFRunLoopRunTimedOut;
+    // After something was handled more may be due at once; only an idle pass sleeps.
     if (!handled) Wait(sources, Sooner(seconds >= kLongestWait ? -1 : left, ShortestTimeout(sources)));
   }
 }
@@ -191,6 +195,7 @@ void RunLoop::Wait(const std::vector<SourceRef>& sources, int timeoutMs) {
 }
 
 void RunLoop::UpdateWatch() {
+  // Asked anew after every pass: performing a source may change what it waits for.
   const std::vector<SourceRef> sources = SourcesOf(kDefaultMode);
   std::vector<int> descriptors = DescriptorsOf(sources);
   descriptors.push_back(wakeUp_.Descriptor());

@@ -34,8 +34,8 @@ class SourceRef {
   RunLoopSource* source_;
 };
 
-/// One thread's run loop over poll(2). Nothing runs it by itself; while it waits for nothing that is timed it does not
-/// wake up. Sources may be added, and the loop stopped, from any thread.
+/// One thread's run loop over poll(2). Runs only inside CFRunLoopRun*(); sleeps until a source is ready or a deadline
+/// comes. Sources may be added, and the loop stopped, from any thread.
 class RunLoop final : public Object {
  public:
   /// The calling thread's loop, made on first use and destroyed with the thread.

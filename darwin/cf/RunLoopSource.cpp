@@ -1,3 +1,5 @@
+// Sources of run loops: a descriptor that becomes readable, or a signal from any thread.
+
 #include "darwin/cf/RunLoopSource.h"
 
 #include <poll.h>

@@ -1,3 +1,5 @@
+// Strings of CoreFoundation, constant and counted ones.
+
 #include "darwin/cf/String.h"
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// An eventfd that wakes a sleeping run loop.
+
 #include "darwin/cf/WakeUp.h"
 
 #include <sys/eventfd.h>

@@ -1,3 +1,5 @@
+// One descriptor that stands for all sources of a run loop, for programs with an event loop of their own.
+
 #include "darwin/cf/WatchDescriptor.h"
 
 #include <sys/epoll.h>
@@ -32,7 +34,7 @@ void WatchDescriptor::Change(int operation, int descriptor) {
   epoll_event event{};
   event.events = EPOLLIN;
   event.data.fd = descriptor;
-  // A descriptor that was closed meanwhile has left by itself.
+  // Closing a descriptor has already removed it.
   ::epoll_ctl(epoll_.Get(), operation, descriptor, &event);
 }
 

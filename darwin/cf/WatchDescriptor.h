@@ -14,7 +14,7 @@ class WatchDescriptor {
   WatchDescriptor();
 
   int Get() const { return epoll_.Get(); }
-  /// Replaces what is stood for; timeoutMs -1 is no moment.
+  /// Replaces the descriptors and the deadline; timeoutMs -1 is no deadline.
   void Update(const std::vector<int>& descriptors, int timeoutMs);
 
  private:

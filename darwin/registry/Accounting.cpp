@@ -1,3 +1,5 @@
+// How many handles, references, services, entries and ports this process holds, for tests.
+
 #include "darwin/registry/Accounting.h"
 
 #include "darwin/registry/State.h"

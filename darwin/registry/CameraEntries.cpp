@@ -1,3 +1,5 @@
+// The chain of entries that every back end publishes for a camera.
+
 #include "darwin/registry/CameraEntries.h"
 
 #include <utility>

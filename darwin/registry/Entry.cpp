@@ -1,3 +1,5 @@
+// An entry of the registry: its classes, properties and parents.
+
 #include "darwin/registry/Entry.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The numbers that a program holds in place of kernel objects, with their reference counts.
+
 #include "darwin/registry/HandleTable.h"
 
 #include <utility>

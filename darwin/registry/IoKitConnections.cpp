@@ -73,7 +73,7 @@ kern_return_t AskDriver(const Entry& entry, std::shared_ptr<UserClient>& client)
     int error = kIOReturnUnsupported;
     client = open(error);
     if (client != nullptr) return kIOReturnSuccess;
-    // Without a client there is no success, whatever the driver says.
+    // A driver that reports success but gives no client has failed.
     return error != kIOReturnSuccess ? error : kIOReturnUnsupported;
   });
 }

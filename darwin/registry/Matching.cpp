@@ -1,3 +1,5 @@
+// Whether a service fits a matching dictionary.
+
 #include "darwin/registry/Matching.h"
 
 #include <IOKit/IOKitKeys.h>
@@ -65,7 +67,7 @@ std::optional<Matching> Matching::FromDictionary(CFDictionaryRef ref) {
   return matching;
 }
 
-/// No entry has a dictionary for a property, and what is no dictionary of properties asks for nothing that there is.
+/// Properties are never dictionaries, so a condition that is not a dictionary of plain values matches no entry.
 void Matching::RequireProperties(const void* value) {
   const Dictionary* properties = AsDictionary(value);
   possible_ = properties != nullptr;

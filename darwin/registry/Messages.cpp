@@ -1,3 +1,5 @@
+// What a notification port delivers: a match, or a message about one service.
+
 #include "darwin/registry/Messages.h"
 
 #include <mutex>

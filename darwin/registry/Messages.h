@@ -21,7 +21,7 @@ class MatchMessage final : public Message {
   const std::weak_ptr<MatchingNotification> notification_;
 };
 
-/// An entry has something to say to one who is interested in it.
+/// A message from an entry to one registration of interest.
 class InterestMessage final : public Message {
  public:
   InterestMessage(std::weak_ptr<InterestNotification> notification, std::shared_ptr<Entry> entry, std::uint32_t type)

@@ -1,3 +1,5 @@
+// Registrations for matches and messages: when they are armed and what they send.
+
 #include "darwin/registry/Notification.h"
 
 #include "darwin/registry/Messages.h"

@@ -1,3 +1,5 @@
+// A notification port: the queue of messages, and the run-loop source that delivers them.
+
 #include "darwin/registry/NotificationPort.h"
 
 #include <cstdio>
@@ -56,7 +58,7 @@ class PortSource final : public cf::RunLoopSource {
   }
 
  private:
-  /// Nobody asked, so nobody is there to be told of a failure: it goes to standard error, once.
+  /// The failure has no caller to return to, so it is printed to standard error, once.
   void LookAgain() {
     const std::string error = Registry::Shared().LookAgain() ? "" : Registry::Shared().LastSourceError();
     if (error != reported_ && !error.empty()) std::fprintf(stderr, "%s\n", error.c_str());

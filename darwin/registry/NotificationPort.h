@@ -12,7 +12,7 @@
 
 namespace darwin {
 
-/// What waits in a port.
+/// One message that waits in a port.
 class Message {
  public:
   virtual ~Message() = default;
@@ -26,9 +26,9 @@ class MessageQueue {
   void Push(std::unique_ptr<Message> message);
   /// The oldest message, or null.
   std::unique_ptr<Message> Pop();
-  /// The messages that wait. Having looked, the descriptor is readable only while there are some.
+  /// The messages that wait. After this call the descriptor is readable only while there are any.
   std::size_t Look();
-  /// Has the run loop look again, although there may be no message: what it waits for has changed.
+  /// Wakes the run loop without a message, because what the loop has to wait for has changed.
   void Nudge() { wakeUp_.Signal(); }
   int Descriptor() const { return wakeUp_.Descriptor(); }
 

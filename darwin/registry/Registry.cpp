@@ -1,3 +1,5 @@
+// Entries, services and the source that fills them: who is told of what, under which lock.
+
 #include "darwin/registry/Registry.h"
 
 #include <IOKit/IOMessage.h>
@@ -31,7 +33,8 @@ std::vector<std::shared_ptr<Entry>> Subtree(const std::shared_ptr<Entry>& top) {
   return all;
 }
 
-/// The entry leaves matching results, and its handles and connections die.
+/// Takes the entry out of matching results and ends its handles and connections. Clients and last owners go to the
+/// graveyard: their destructors may call back into the registry, so they run after the lock.
 void Deactivate(Registry::State& state, const std::shared_ptr<Entry>& entry, Graveyard& graveyard) {
   entry->active = false;
   state.entries.erase(entry->Id());
@@ -46,6 +49,7 @@ void Deactivate(Registry::State& state, const std::shared_ptr<Entry>& entry, Gra
   entry->connections.clear();
 }
 
+/// Queues a message for everyone who registered for this service. Callbacks run later, on their own run loops.
 void TellInterested(const std::shared_ptr<Entry>& entry, std::uint32_t messageType, Graveyard& graveyard) {
   Prune(entry->interests);
   for (const std::weak_ptr<InterestNotification>& reference : entry->interests) {
@@ -56,7 +60,8 @@ void TellInterested(const std::shared_ptr<Entry>& entry, std::uint32_t messageTy
   }
 }
 
-/// Has the source publish what is present or what has changed, and keeps what it says of a failure.
+/// Has the source publish what is present or what has changed. An exception becomes state: the callers are C functions
+/// of the frameworks, which can only return an error code.
 void AskSource(Registry& registry, Registry::State& state) {
   try {
     if (!state.started) {
@@ -82,8 +87,8 @@ bool HasPorts(Registry::State& state) {
   return state.livePorts != 0;
 }
 
-/// A run loop on another thread may be asleep without knowing of a descriptor or a moment that the source has only now.
-/// Without a port nobody waits, and the source is not asked: it may have something to say to those who do.
+/// Wakes run loops on other threads when the source's descriptor or deadline changed. Skipped without a port: asking
+/// would trigger warnings for nobody.
 void NoteWhatIsWaitedFor(Registry::State& state) {
   if (!HasPorts(state)) return;
   const int descriptor = IsWaitedFor(state) ? state.source->Descriptor() : -1;
@@ -146,6 +151,7 @@ void Registry::RegisterService(EntryId id) {
   Graveyard graveyard;
   const std::lock_guard lock(state_->mutex);
   const auto found = state_->entries.find(id);
+  // A service is announced once, however often its back end registers it.
   if (found == state_->entries.end() || std::exchange(found->second->registered, true)) return;
   state_->services.push_back(found->second);
   Prune(state_->matchings);
@@ -171,13 +177,14 @@ void Registry::Terminate(EntryId id) {
   if (found == state_->entries.end() || id == kRootId) return;
   const std::vector<std::shared_ptr<Entry>> ended = Subtree(found->second);
   for (const std::shared_ptr<Entry>& entry : ended) Deactivate(*state_, entry, graveyard);
-  // Connections fail from now on; only then is anybody told.
+  // The order of the kernel: all connections of the subtree fail first, then the messages go out.
   for (const std::shared_ptr<Entry>& entry : ended) {
     TellInterested(entry, kIOMessageServiceIsTerminated, graveyard);
     graveyard.push_back(entry);
   }
 }
 
+// Under sourceMutex alone: the source publishes from within, and that takes the mutex of the entries.
 bool Registry::LookAgain() {
   const std::lock_guard lock(state_->sourceMutex);
   if (state_->source == nullptr) return true;

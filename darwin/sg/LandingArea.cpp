@@ -1,3 +1,5 @@
+// The buffer that the kernel writes the bytes of a command into, mapped from the node where it allows that.
+
 #include "darwin/sg/LandingArea.h"
 
 #include <unistd.h>

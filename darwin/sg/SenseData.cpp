@@ -1,3 +1,5 @@
+// Reads key, code and qualifier out of sense data of both formats.
+
 #include "darwin/sg/SenseData.h"
 
 #include <cstddef>

@@ -9,7 +9,7 @@
 namespace darwin::sg {
 
 /// The sense key, code and qualifier of sense data in any of its four formats. What the device did not send, or sent in
-/// a format that is none of the four, is 0: the length of sense data is the device's own choice.
+/// an unknown format, is 0: the device chooses the length of its sense data.
 wire::Sense DecodeSense(std::span<const std::uint8_t> sense);
 
 }  // namespace darwin::sg

@@ -1,3 +1,5 @@
+// Sends one command with SG_IO.
+
 #include "darwin/sg/SgCommand.h"
 
 #include <scsi/sg.h>

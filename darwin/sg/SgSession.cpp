@@ -1,3 +1,5 @@
+// Opens, locks and prepares a node for one session.
+
 #include "darwin/sg/SgSession.h"
 
 #include <linux/fs.h>

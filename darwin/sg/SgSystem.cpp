@@ -1,3 +1,5 @@
+// The system calls of this folder, which tests replace.
+
 #include "darwin/sg/SgSystem.h"
 
 #include <fcntl.h>

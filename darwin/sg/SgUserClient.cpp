@@ -1,3 +1,5 @@
+// What the driver of a camera does on a real machine: selectors 0, 1 and 2 over /dev/sgN.
+
 #include "darwin/sg/SgUserClient.h"
 
 #include <IOKit/IOReturn.h>
@@ -11,11 +13,12 @@ namespace {
 
 constexpr std::uint8_t kToCamera = 1;
 constexpr std::uint8_t kFromCamera = 2;
-constexpr std::uint8_t kShortestCdb = 6;  // the kernel takes none shorter
+constexpr std::uint8_t kShortestCdb = 6;  // the kernel refuses shorter ones
 constexpr std::uint32_t kMsPerSecond = 1000;
-// How long an unplugged device may take to be known as such after its command has failed.
+// How long the kernel may take to report an unplug after the command has failed.
 constexpr int kHangUpPatienceMs = 300;
 
+// The request holds seconds in a full 32-bit field; a product above that would wrap to a short time-out.
 std::uint32_t Milliseconds(std::uint32_t seconds) {
   return std::min(seconds, std::numeric_limits<std::uint32_t>::max() / kMsPerSecond - 1) * kMsPerSecond;
 }
@@ -71,7 +74,7 @@ int SgUserClient::CallStruct(std::uint32_t selector, const void* in, std::size_t
   if (selector != wire::kUserClientTransfer || inSize != sizeof request || *outSize < sizeof result) {
     return kIOReturnBadArgument;
   }
-  std::memcpy(&request, in, sizeof request);
+  std::memcpy(&request, in, sizeof request);  // the caller's record may lie at any address
   const Verdict verdict = Transfer(request);
   if (verdict.returnCode != kIOReturnSuccess) return verdict.returnCode;
   result = {verdict.status, static_cast<std::int32_t>(verdict.moved)};
@@ -85,7 +88,7 @@ int SgUserClient::StartSession() {
   int error = 0;
   auto session = SgSession::Open(*system_, target_.node, error);
   if (!session) return ReturnCodeOf(error);
-  // Asked after the opening: from here on the descriptor cannot become another device's.
+  // Checked after opening: the path may have passed to another device, an open descriptor cannot.
   if (!target_.isPresent()) return kIOReturnNoDevice;
   const std::lock_guard lock(sessionMutex_);
   session_ = std::make_shared<SgSession>(std::move(*session));
@@ -116,9 +119,10 @@ Verdict SgUserClient::Transfer(const wire::UserClientTransferRequest& request) {
 
 Verdict SgUserClient::Carry(SgSession& session, const wire::UserClientTransferRequest& request, DataPhase phase,
                             std::uint32_t length) {
-  const std::lock_guard oneAtATime(commandMutex_);
+  const std::lock_guard oneAtATime(commandMutex_);  // they share the landing area
   const SgOutcome outcome = RunCommand(*system_, session.Descriptor(), Prepare(session, request, phase, length));
   const Verdict verdict = Judge(outcome, length, HasGone(session, outcome));
+  // Only the bytes that moved: the rest of the landing area may hold another command's.
   if (phase == DataPhase::kFromDevice && verdict.moved > 0) {
     std::memcpy(BufferOf(request), session.Landing().Bytes(length).data(), verdict.moved);
   }
@@ -132,6 +136,7 @@ Verdict SgUserClient::RefuseTooLong(std::uint32_t length, std::uint32_t largest)
   return {kIOReturnMessageTooLarge, 0, 0};
 }
 
+// After an unplug the host status alone looks like any failed transport, so the node is asked for a while.
 bool SgUserClient::HasGone(const SgSession& session, const SgOutcome& outcome) const {
   return MayBeGone(outcome) &&
          (system_->WaitForHangUp(session.Descriptor(), kHangUpPatienceMs) || !target_.isPresent());

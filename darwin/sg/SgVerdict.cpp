@@ -1,3 +1,5 @@
+// What a finished SG_IO came to, as return code, status and length.
+
 #include "darwin/sg/SgVerdict.h"
 
 #include <IOKit/IOReturn.h>

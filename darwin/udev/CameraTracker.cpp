@@ -1,3 +1,5 @@
+// Which cameras are published, kept true to udev messages that come late, twice or not at all.
+
 #include "darwin/udev/CameraTracker.h"
 
 #include <algorithm>
@@ -14,13 +16,15 @@ constexpr int kLossesPerDispatch = 64;  // a monitor that only loses must not ho
 
 }  // namespace
 
+// Waits for late permissions here, not in the run loop: a camera that is present at the start must not look like an
+// attach afterwards, because an attach launches the application.
 void CameraTracker::Start() {
   Reconcile();
   for (int looks = 0; looks < kTriesAtStart && AnyWaits(); ++looks) {
     surroundings_.SleepMs(kRetryMs);
     for (auto& [path, known] : known_) {
       if (!known.Waits()) continue;
-      if (looks == kTriesAtStart - 1) known.triesLeft = 1;
+      if (looks == kTriesAtStart - 1) known.triesLeft = 1;  // the last look gives up and reports it
       TryPublish(known);
     }
   }
@@ -72,14 +76,16 @@ void CameraTracker::OnGone(const Notice& notice) {
   if (found == known_.end()) return;
   const Known& known = found->second;
   if (notice.sequence != 0 && notice.sequence <= known.settledBy && source_.Look(notice.path) == known.unit) {
-    return;  // an old message about the one that was here before
+    return;  // an old message, about the device that was here before
   }
   Forget(notice.path);
 }
 
+// After lost messages sysfs is the only truth. The sequence is read after sysfs, so messages up to it no longer count.
 void CameraTracker::Reconcile() {
   const std::vector<ScsiUnit> present = source_.Enumerate();
   const std::uint64_t settledBy = source_.LatestSequence();
+  // Departures first: a path that another device has taken over must be free before it is published.
   std::set<std::string> gone;
   for (const auto& [path, known] : known_) gone.insert(path);
   for (const ScsiUnit& unit : present) gone.erase(unit.path);
@@ -91,7 +97,7 @@ void CameraTracker::Meet(const ScsiUnit& unit, std::uint64_t settledBy) {
   const auto found = known_.find(unit.path);
   if (found == known_.end()) return Admit(unit, settledBy);
   Known& known = found->second;
-  if (known.unit != unit) {
+  if (known.unit != unit) {  // another device at the same path, whose removal nobody reported
     Forget(unit.path);
     return Admit(unit, settledBy);
   }
@@ -116,6 +122,7 @@ void CameraTracker::Forget(const std::string& path) {
   if (published) publisher_.Withdraw(*published);
 }
 
+// A bad camera is only reported, never opened, so it needs no permission.
 void CameraTracker::TryPublish(Known& known) {
   const int why = known.unit.IsBadCamera() ? 0 : surroundings_.WhyNotUsable(known.unit.node);
   if (why == 0) {

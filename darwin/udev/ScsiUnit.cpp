@@ -1,3 +1,5 @@
+// Which SCSI devices are cameras, and which of them are bad ones.
+
 #include "darwin/udev/ScsiUnit.h"
 
 #include "wire/RegistryNames.h"

@@ -18,7 +18,7 @@ struct ScsiUnit {
   /// The serial number of the USB device above the unit; empty without one.
   std::string serial;
   /// Bus and device number of that USB device. The kernel counts it up at every plug, so that it tells a camera from
-  /// the one that was at the same path before.
+  /// the device that was at the same path before.
   std::string usbAddress;
 
   /// The camera that the system has attached through its compact-disc services.

@@ -1,3 +1,5 @@
+// The clock, the permission of nodes and the journal, which tests replace.
+
 #include "darwin/udev/Surroundings.h"
 
 #include <unistd.h>

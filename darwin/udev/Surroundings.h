@@ -15,8 +15,8 @@ class Surroundings {
   /// Milliseconds of a clock that never goes back.
   virtual std::int64_t NowMs() = 0;
   virtual void SleepMs(int milliseconds) = 0;
-  /// 0 when this user may read and write the node, otherwise why not, as an errno value. Opens nothing: opening the
-  /// node of a camera disturbs whoever works with it.
+  /// 0 when this user may read and write the node, otherwise why not, as an errno value. Never opens the node: that
+  /// would disturb a program that works with the camera.
   virtual int WhyNotUsable(const std::string& node) = 0;
   /// Receives one sentence for the user or the journal.
   virtual void Report(const std::string& sentence) = 0;

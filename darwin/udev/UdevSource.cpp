@@ -1,3 +1,5 @@
+// The source of cameras of a real machine: joins tracker, udev and the registry.
+
 #include "darwin/udev/UdevSource.h"
 
 #include <utility>

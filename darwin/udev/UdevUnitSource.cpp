@@ -1,3 +1,5 @@
+// Messages of the udev monitor and the devices in sysfs, through libudev.
+
 #include "darwin/udev/UdevUnitSource.h"
 
 #include <linux/netlink.h>
@@ -26,7 +28,7 @@ bool IsUnitOrNode(udev_device* device) {
   return (subsystem && std::string(subsystem) == kGeneric) || (type && std::string(type) == kUnit);
 }
 
-// True when the monitor listens to nobody: libudev makes it so, without an error, where no udev runs.
+// libudev returns an unbound monitor, without an error, where udevd does not run.
 bool ListensToNobody(int descriptor) {
   sockaddr_nl address{};
   socklen_t size = sizeof address;

@@ -1,3 +1,5 @@
+// Reads one SCSI device and its USB parent from sysfs.
+
 #include "darwin/udev/UnitReader.h"
 
 #include <charconv>

@@ -1,3 +1,5 @@
+// The source of cameras that a program attaches and detaches.
+
 #include "darwin/virtual/VirtualRegistry.h"
 
 namespace darwin {

@@ -6,7 +6,7 @@
 
 namespace darwin {
 
-/// A registry that the program fills by itself: cameras are there when they are attached and go when they are detached,
+/// A registry that the program fills: cameras are there when they are attached and go when they are detached,
 /// and nothing else is asked. What is still attached goes with this object. Any thread.
 class VirtualRegistry {
  public:

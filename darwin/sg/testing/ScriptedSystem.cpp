@@ -1,3 +1,5 @@
+// A system for tests whose answers are written down beforehand.
+
 #include "darwin/sg/testing/ScriptedSystem.h"
 
 #include <linux/fs.h>

@@ -1,3 +1,5 @@
+// A machine for tests: devices, messages and permissions that the test sets.
+
 #include "darwin/udev/testing/FakeMachine.h"
 
 #include <algorithm>

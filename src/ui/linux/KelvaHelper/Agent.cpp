@@ -1,3 +1,5 @@
+// The agent from its arguments to its exit code.
+
 #include "src/ui/linux/KelvaHelper/Agent.h"
 
 #include <CoreFoundation/CoreFoundation.h>

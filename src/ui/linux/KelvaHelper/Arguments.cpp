@@ -1,3 +1,5 @@
+// Reads the command line of the agent.
+
 #include "src/ui/linux/KelvaHelper/Arguments.h"
 
 #include <string_view>
@@ -5,7 +7,10 @@
 namespace helper {
 namespace {
 
-constexpr std::string_view kVirtual = "--virtual";
+// `--socket` is the older name of the option.
+bool IsVirtual(std::string_view option) {
+  return option == "--virtual" || option == "--socket";
+}
 
 Arguments Wrong(std::string complaint) {
   return {Arguments::Request::kWrong, {}, std::move(complaint)};
@@ -17,13 +22,14 @@ Arguments ParseArguments(const std::vector<std::string>& arguments) {
   Arguments result;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
+    const std::size_t equals = argument.find('=');
     if (argument == "--help" || argument == "-h") return {Arguments::Request::kHelp, {}, {}};
     if (argument == "--version") return {Arguments::Request::kVersion, {}, {}};
-    if (argument == kVirtual && i + 1 < arguments.size()) {
+    if (IsVirtual(argument) && i + 1 < arguments.size()) {
       result.virtualBus = arguments[++i];
-    } else if (argument.rfind("--virtual=", 0) == 0) {
-      result.virtualBus = argument.substr(kVirtual.size() + 1);
-    } else if (argument != kVirtual) {
+    } else if (equals != std::string::npos && IsVirtual(std::string_view(argument).substr(0, equals))) {
+      result.virtualBus = argument.substr(equals + 1);
+    } else if (!IsVirtual(argument)) {
       return Wrong("\"" + argument + "\" is not an argument of this program; --help lists them.");
     }
     if (result.virtualBus.empty()) return Wrong("--virtual needs the path of a virtual bus's socket.");

@@ -19,6 +19,13 @@ TEST(Arguments, VirtualTakesThePathAsTheNextWordOrAfterAnEqualsSign) {
   EXPECT_EQ(ParseArguments({"--virtual=/tmp/bus"}).request, Request::kWatch);
 }
 
+TEST(Arguments, TheOlderNameOfTheOptionIsTaken) {
+  EXPECT_EQ(ParseArguments({"--socket", "/tmp/bus"}).virtualBus, "/tmp/bus");
+  EXPECT_EQ(ParseArguments({"--socket=/tmp/bus"}).virtualBus, "/tmp/bus");
+  EXPECT_EQ(ParseArguments({"--socket"}).request, Request::kWrong);
+  EXPECT_EQ(ParseArguments({"--sock=/tmp/bus"}).request, Request::kWrong);
+}
+
 TEST(Arguments, VirtualWithoutAPathIsWrongAndNeverFallsBackToTheMachine) {
   for (const auto& words : {std::vector<std::string>{"--virtual"}, {"--virtual", ""}, {"--virtual="}}) {
     const Arguments arguments = ParseArguments(words);

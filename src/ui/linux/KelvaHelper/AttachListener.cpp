@@ -1,3 +1,5 @@
+// Launches the application each time a camera is attached after the start.
+
 #include "src/ui/linux/KelvaHelper/AttachListener.h"
 
 #include "src/ui/linux/KelvaHelper/DesktopLauncher.h"

@@ -1,3 +1,5 @@
+// Chooses where cameras come from: this machine, or a virtual bus.
+
 #include "src/ui/linux/KelvaHelper/CameraSource.h"
 
 #include "bus/BusClient.h"

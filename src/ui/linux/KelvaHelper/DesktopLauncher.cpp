@@ -1,3 +1,5 @@
+// Finds and runs the opener, which launches the application and reports how that went.
+
 #include "src/ui/linux/KelvaHelper/DesktopLauncher.h"
 
 #include <limits.h>

@@ -5,8 +5,8 @@
 
 namespace helper {
 
-/// Where the opener is, for an agent whose own program is `program`: beside it (a build tree), otherwise at its place in
-/// an installation, whether or not it is there.
+/// Where the opener is, for an agent whose own program is `program`: beside it (a build tree), otherwise at its place
+/// in an installation, whether or not it is there.
 std::string OpenerBeside(const std::string& program);
 
 /// The path of this process's program; empty where the system does not tell.
@@ -17,7 +17,7 @@ std::string OwnProgram();
 void UseOpener(std::string path);
 
 /// Runs the opener, the short-lived program that finds and launches the desktop application, and returns at its execve.
-/// What becomes of the launch the opener says itself; an opener that cannot be run is one line on standard error.
+/// The opener reports the outcome of the launch; an opener that cannot be run is one line on standard error.
 void LaunchDesktopApplication();
 
 }  // namespace helper

@@ -1,3 +1,5 @@
+// Lines for the journal or the terminal.
+
 #include "src/ui/linux/KelvaHelper/Report.h"
 
 #include <unistd.h>

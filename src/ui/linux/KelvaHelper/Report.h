@@ -10,7 +10,7 @@ namespace helper {
 void Say(const std::string& sentence);
 void Complain(const std::string& sentence);
 
-/// The first line of an error's text: what follows it is a trace of calls, of no use to the reader of a journal.
+/// The first line of an error's text. The rest is a trace of calls, which does not help the reader of a journal.
 std::string FirstLine(const std::string& text);
 
 }  // namespace helper

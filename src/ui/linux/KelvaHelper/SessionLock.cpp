@@ -1,3 +1,5 @@
+// Keeps a second agent out of the same login session.
+
 #include "src/ui/linux/KelvaHelper/SessionLock.h"
 
 #include <fcntl.h>

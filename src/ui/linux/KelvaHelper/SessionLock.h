@@ -9,15 +9,15 @@
 
 namespace helper {
 
-/// What tells one login session, and what the agent does there, from another.
+/// What distinguishes one login session, and the agent's task in it, from another.
 struct SessionIdentity {
   /// XDG_RUNTIME_DIR; may be empty.
   std::string runtimeDirectory;
   /// The address of the session's message bus: the one name that a unit of the user manager and an autostart entry of
   /// the same desktop have in common. Empty where there is none.
   std::string busAddress;
-  /// The virtual bus being watched, or empty: a copy that watches a virtual bus is no rival of the one that watches the
-  /// machine.
+  /// The virtual bus being watched, or empty: a copy that watches a virtual bus may run beside the copy that watches
+  /// the machine.
   std::string virtualBus;
   uid_t user = 0;
 };
@@ -38,7 +38,7 @@ class SessionLock {
   explicit SessionLock(const std::string& path);
 
   Outcome Result() const { return outcome_; }
-  /// With kHeldByAnother the process that holds the lock; 0 when it did not say.
+  /// With kHeldByAnother the number of the process that holds the lock; 0 when the lock file does not tell.
   pid_t Rival() const { return rival_; }
   /// With kFailed the errno of the lock file that could not be made or used.
   int Error() const { return error_; }

@@ -1,3 +1,5 @@
+// Ends the run loop when the session or the user asks the agent to stop.
+
 #include "src/ui/linux/KelvaHelper/SignalStop.h"
 
 #include <signal.h>

@@ -7,9 +7,9 @@
 
 namespace helper {
 
-/// Turns SIGTERM, SIGINT (Ctrl-C) and SIGHUP into the end of the calling thread's run loop, so that the process leaves
-/// from its own main and not from wherever it is. To be made before another thread is, and kept for as long as the loop
-/// runs. Throws std::system_error when the system has no descriptor to spare.
+/// Turns SIGTERM, SIGINT (Ctrl-C) and SIGHUP into the end of the calling thread's run loop, so that the process ends by
+/// returning from main. Make it before the first other thread, and keep it for as long as the loop runs. Throws
+/// std::system_error when the system has no descriptor to spare.
 class SignalStop {
  public:
   SignalStop();

@@ -1,3 +1,5 @@
+// Starts a program in a session of its own, without waiting for its end.
+
 #include "src/ui/linux/KelvaHelper/Spawn.h"
 
 #include <signal.h>

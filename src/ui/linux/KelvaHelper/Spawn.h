@@ -6,12 +6,12 @@
 
 namespace helper {
 
-/// Asks the kernel to forget children as they end, so that none is ever left for this process to collect.
+/// Asks the kernel to forget children as they end, so that this process never has to collect one.
 void ForgetChildren();
 
-/// Starts `command` (a path, then its arguments) in a session of its own, with every signal at its default and none
-/// blocked: what it starts must not inherit the agent's habits. Returns at the program's execve, with 0 or the errno
-/// of what failed.
+/// Starts `command` (a path, then its arguments) in a session of its own, with every signal at its default and
+/// unblocked: the child must not inherit the agent's signal handling. Returns at the program's execve, with 0 or the
+/// errno of what failed.
 int Spawn(const std::vector<std::string>& command);
 
 }  // namespace helper

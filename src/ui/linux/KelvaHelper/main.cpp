@@ -1,3 +1,5 @@
+// The agent of Linux.
+
 #include <string>
 #include <vector>
 

@@ -1,3 +1,5 @@
+// What the agent of macOS does when a camera is attached.
+
 #include "src/ui/osx/KelvaHelper/Callback.h"
 
 #import <Cocoa/Cocoa.h>

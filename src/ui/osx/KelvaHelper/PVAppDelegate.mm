@@ -1,3 +1,5 @@
+// The delegate of the agent of macOS: listens for cameras once the application has launched.
+
 #import "src/ui/osx/KelvaHelper/PVAppDelegate.h"
 
 #include "src/ui/osx/KelvaHelper/Callback.h"

@@ -1,3 +1,5 @@
+// Gives the application its delegate, without a nib.
+
 #import <Cocoa/Cocoa.h>
 
 #include <cstdlib>

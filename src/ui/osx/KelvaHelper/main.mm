@@ -1,3 +1,5 @@
+// The agent of macOS.
+
 #import <Cocoa/Cocoa.h>
 
 int main(int argc, const char* argv[]) {

@@ -1,3 +1,5 @@
+// Finds an installed desktop application and launches it, through GIO.
+
 #include "src/ui/linux/KelvaHelper/opener/DesktopApplication.h"
 
 #include <unistd.h>

@@ -1,3 +1,5 @@
+// The opener from its arguments to its exit code.
+
 #include "src/ui/linux/KelvaHelper/opener/Opener.h"
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// The name of the scope that the service manager puts an application into.
+
 #include "src/ui/linux/KelvaHelper/opener/ScopeName.h"
 
 #include <string_view>

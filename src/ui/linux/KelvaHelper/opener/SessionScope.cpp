@@ -1,3 +1,5 @@
+// Moves the opener into a scope of its own, so that the application outlives the agent.
+
 #include "src/ui/linux/KelvaHelper/opener/SessionScope.h"
 
 #include <unistd.h>

@@ -1,3 +1,5 @@
+// The short-lived program that launches the desktop application.
+
 #include <string>
 #include <vector>
 
