@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "fuzz/InputReader.h"
-#include "src/wifi/Camera.h"
 #include "src/wifi/FatalAssertion.h"
+#include "src/wifi/testing/PlainCamera.h"
 
 namespace {
 
@@ -20,20 +20,10 @@ constexpr std::size_t kMostAnswered = 1024 * 1024;
 // in the one before, would be gibibytes of paths.
 constexpr int kLongestPath = 260;
 
-class HostileCamera final : public Camera {
+class HostileCamera final : public wifi_testing::PlainCamera {
  public:
-  HostileCamera(InputReader& input, int chunkSize) : Camera(chunkSize, 64), input_(input) {}
+  HostileCamera(InputReader& input, int chunkSize) : PlainCamera(chunkSize, 64), input_(input) {}
 
-  std::string Name() const override { return "hostile"; }
-  std::string MountPath() const override { return {}; }
-  bool Open() override { return true; }
-  void Close() override {}
-  void ListenForCameraLost(void (*)(void*), void*) override {}
-  bool WasDisconnected() override { return false; }
-  bool IsScsiInquiryCorrect() const override { return true; }
-  bool Cancel(bool, bool) override { return false; }
-  void ClearCancel(bool) override {}
-  bool IsOpen() override { return true; }
   bool CompareSn(const char*) const override { return true; }
 
   /// One answer: a kind, and for some kinds a number. What is reported as moved need not be what was written.

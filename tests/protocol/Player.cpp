@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-Player::Player(std::vector<Step> steps) : Camera(65536, 262144), steps_(std::move(steps)) {}
+Player::Player(std::vector<Step> steps) : steps_(std::move(steps)) {}
 
 Player::~Player() {
   EXPECT_EQ(next_, steps_.size()) << "the example has steps that the library does not take";

@@ -5,25 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "src/wifi/Camera.h"
+#include "src/wifi/testing/PlainCamera.h"
 
 namespace apps {
 
 /// A camera for tests: files in memory, in one folder, and switches for what can go wrong. Sends no commands.
-class FakeCamera : public Camera {
+class FakeCamera : public wifi_testing::PlainCamera {
  public:
-  explicit FakeCamera(std::string serial = "") : Camera(65536, 262144), serial_(std::move(serial)) {}
+  explicit FakeCamera(std::string serial = "") : serial_(std::move(serial)) { open = false; }
 
-  std::string Name() const override { return "Fake"; }
-  std::string MountPath() const override { return ""; }
-  bool Open() override { return open_ = true; }
-  void Close() override { open_ = false; }
-  void ListenForCameraLost(void (*)(void*), void*) override {}
-  bool WasDisconnected() override { return false; }
-  bool IsScsiInquiryCorrect() const override { return true; }
-  bool Cancel(bool, bool) override { return false; }
-  void ClearCancel(bool) override {}
-  bool IsOpen() override { return open_; }
   bool Transfer(const _VscCdb&, int, int&, char*, bool) override { return false; }
   bool CompareSn(const char* serial) const override { return serial_ == serial; }
 
@@ -69,7 +59,6 @@ class FakeCamera : public Camera {
   static std::string NameIn(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 
   std::string serial_;
-  bool open_ = false;
 };
 
 }  // namespace apps

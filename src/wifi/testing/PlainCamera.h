@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Camera.h"
+#include "src/wifi/Camera.h"
 
 namespace wifi_testing {
 
