@@ -1,6 +1,8 @@
 """Every check complains about a repository that is wrong in its way, and about nothing else."""
 
+import json
 import pathlib
+import shutil
 import subprocess
 import tempfile
 import unittest
@@ -11,6 +13,7 @@ import layout
 import references
 import scripts
 import tested_sources
+import tidy
 
 
 HERE = pathlib.Path(__file__).parent
@@ -53,6 +56,23 @@ class Checks(unittest.TestCase):
         self.write(".clang-format", "BasedOnStyle: Google\n")
         self.write("a.cpp", "int main() {}\n")
         self.assertEqual(self.complaints(layout), [])
+
+    def test_clang_tidy_finds_a_missing_brace_a_wrong_name_and_a_likely_bug(self):
+        shutil.copy(PROJECT / ".clang-tidy", self.root)
+        self.write("src/a.cpp", """
+            int wrongly_named(int value) {
+              if (value > 1)
+                return
+                    2;
+              return sizeof(sizeof(value)) > 4 ? 1 : 0;
+            }
+            """)
+        command = {"directory": str(self.root), "file": "src/a.cpp", "command": "c++ -std=c++20 -o a.o -c src/a.cpp"}
+        self.write("build/compile_commands.json", json.dumps([command]))
+        complaints = "\n".join(tidy.check(self.root, self.root / "build"))
+        self.assertIn("readability-braces-around-statements", complaints)
+        self.assertIn("readability-identifier-naming", complaints)
+        self.assertIn("bugprone-sizeof-expression", complaints)
 
     def arrow_complaints(self):
         """The complaints about includes, in a repository with this one's table."""
