@@ -131,6 +131,15 @@ class Checks(unittest.TestCase):
         self.write("src/wifi/main.cpp", "")
         self.assertEqual(self.complaints(tested_sources), ["src/wifi/a.cpp has no a_test.cpp beside it"])
 
+    def test_exemption_that_nothing_needs_is_found(self):
+        self.write("darwin/cf/WakeUp.cpp", "")
+        self.write("darwin/cf/WakeUp_test.cpp", "")
+        self.write("darwin/cf/RunLoop_test.cpp", "")
+        self.write("darwin/cf/RunLoop.cpp", "")
+        self.assertEqual(
+            self.complaints(tested_sources), ["darwin/cf/WakeUp.cpp has a test beside it and needs no exemption"]
+        )
+
     def test_dead_link_is_found_and_a_live_one_is_not(self):
         self.write("a.md", "[dead](b.md) [live](a.md#top) [far](https://example.com/x)\n")
         self.assertEqual(self.complaints(documents), ["a.md links to b.md, which is not there"])
