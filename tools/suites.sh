@@ -2,8 +2,9 @@
 # The sets of tests that ./test knows. Needs say.sh, packages.sh and build.sh.
 root=${root:?the folder of the repository}
 #
-# Labels: long (minutes), kernel (needs an emulator), browser, gnustep. The quick set is what is not long.
-labels_apart='^long$'
+# Labels: long (minutes), full (longer than CI may take), kernel (needs an emulator), browser, gnustep. The quick set is what
+# is neither long nor full.
+labels_apart='^(long|full)$'
 
 # On a Mac there are the library, the agent and their tests; all else is built on Linux only.
 on_macos() {
@@ -30,7 +31,7 @@ suite_quick() {
 suite_sanitizer() {
   need_packages build test
   build_preset "$1"
-  run_ctest "build/$1"
+  run_ctest "build/$1" -LE '^full$'
 }
 
 suite_labelled() {
@@ -49,6 +50,16 @@ suite_fuzz() {
 
 # Builds first, tests after, so that one run of ctest closes with the sum of everything.
 suite_all() {
+  build_everything
+  run_ctest build/all -LE '^full$'
+}
+
+suite_full() {
+  build_everything
+  run_ctest build/all
+}
+
+build_everything() {
   local presets=(dev asan tsan) preset
   on_macos || presets+=(fuzz)
   need_packages build test
@@ -56,7 +67,6 @@ suite_all() {
     build_preset "$preset"
   done
   merge_suites build/all "${presets[@]}"
-  run_ctest build/all
 }
 
 # run_ctest FOLDER ARGUMENT...: runs the tests of a build folder; its last lines are ctest's summary.
@@ -64,7 +74,8 @@ run_ctest() {
   local folder=$1 outcome=0
   shift
   export TSAN_OPTIONS="suppressions=$root/tools/tsan.supp"
-  ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$(cores)" "$@" </dev/null || outcome=$?
+  # Most tests wait for most of their time; those that compute take two places (PROCESSORS).
+  ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$(($(cores) * 2))" "$@" </dev/null || outcome=$?
   if [ "${CI:-}" = true ]; then
     refuse_skips "$folder/Testing/Temporary/LastTest.log"
   fi
