@@ -4,10 +4,9 @@
 
 #import <Cocoa/Cocoa.h>
 
-// These two operations are deprecated from macOS 11 on, and their successors change what the agent does: the launch would
-// be asynchronous and report from a thread of its own, while the agent has one thread and lets the workspace decide in the
-// call. The launch takes no configuration, although its declaration asks for one: an empty dictionary would be a request
-// for the defaults in words, nil is the same without them.
+// These two operations are deprecated from macOS 11 on. Their successors launch asynchronously and report on another
+// thread, but the agent has one thread and wants the outcome when the call returns. The configuration is nil, although its
+// declaration asks for one: nil means the defaults, as an empty dictionary does.
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 #pragma clang diagnostic ignored "-Wnonnull"
