@@ -4,6 +4,7 @@
 #include <boost/format.hpp>
 #include <cstdio>
 #include <iterator>
+#include <locale>
 
 #include "Camera.h"
 #include "Checks.h"
@@ -111,7 +112,9 @@ std::vector<char> Camera::ReadFile(const DcfObj& obj, int type, void (*progress)
                                    bool flag) {
   const FileType* fileType = FindFileType(type);
   if (fileType == nullptr || obj.*(fileType->present) == 0) {
-    kelva::ReportProtocolError((boost::format("ReadFile() file type %d does not exist.") % type).str());
+    // Another locale may group the digits of the number.
+    boost::format message("ReadFile() file type %d does not exist.", std::locale::classic());
+    kelva::ReportProtocolError((message % type).str());
     return {};
   }
   char path[kPathCapacity];

@@ -159,6 +159,11 @@ TEST(ReadPictureFile, OfAnUnknownTypeSendsNothing) {
             "CameraError: Camera error: ReadFile() file type -1 does not exist.");
   EXPECT_EQ(Thrown([&] { camera.ReadFile(Picture(), 5, nullptr, nullptr, true); }),
             "CameraError: Camera error: ReadFile() file type 5 does not exist.");
+  {
+    const GroupedDigits grouped;
+    EXPECT_EQ(Thrown([&] { camera.ReadFile(Picture(), 123456, nullptr, nullptr, true); }),
+              "CameraError: Camera error: ReadFile() file type 123456 does not exist.");
+  }
   const ExceptionsOff off;
   EXPECT_TRUE(camera.ReadFile(Picture(), 5, nullptr, nullptr, true).empty());
   EXPECT_TRUE(camera.ReadFile(Picture(), 2, nullptr, nullptr, true).empty());

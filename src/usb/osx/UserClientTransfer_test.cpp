@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <locale>
 #include <memory>
 #include <string>
 
 #include "UserClientTransfer.h"
+#include "src/wifi/testing/Switches.h"
 #include "testing/FakeCalls.h"
 #include "testing/OsxCameraState.h"
 
@@ -130,18 +130,11 @@ TEST_F(Transfer, AFailedCallIsAnErrorThoughTheStatusIsGood) {
             std::string("Camera error: Transfer error\n") + kBlockText + "ret=0x00000005 result.status=0x00000000");
 }
 
-// Digits in groups of three, as a program's locale may write numbers.
-class Grouping : public std::numpunct<char> {
-  std::string do_grouping() const override { return "\3"; }
-};
-
 TEST_F(Transfer, ReportsAFailureAlikeInEveryLocale) {
-  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Grouping));
   framework().results["IOConnectCallStructMethod"] = {kIOReturnNoDevice};
   framework().answer = Bytes({0xEF, 0xBE, 0xAD, 0xDE, 2, 0, 0, 0});
-  const std::string text = ErrorText();
-  std::locale::global(before);
-  EXPECT_EQ(text,
+  const wifi_testing::GroupedDigits grouped;
+  EXPECT_EQ(ErrorText(),
             std::string("Camera error: Transfer error\n") + kBlockText + "ret=0xe00002c0 result.status=0xdeadbeef");
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <locale>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,6 +52,21 @@ inline auto Assertion(const char* expression, const char* function) {
 
 #define EXPECT_FATAL(statement, expression, function) \
   EXPECT_EXIT(statement, ::testing::KilledBySignal(SIGABRT), ::wifi_testing::Assertion(expression, function))
+
+/// While it lives, the program's locale writes numbers with their digits in groups of three.
+class GroupedDigits {
+ public:
+  GroupedDigits() : before_(std::locale::global(std::locale(std::locale::classic(), new Grouping))) {}
+  ~GroupedDigits() { std::locale::global(before_); }
+  GroupedDigits(const GroupedDigits&) = delete;
+  GroupedDigits& operator=(const GroupedDigits&) = delete;
+
+ private:
+  class Grouping : public std::numpunct<char> {
+    std::string do_grouping() const override { return "\3"; }
+  };
+  std::locale before_;
+};
 
 }  // namespace wifi_testing
 
