@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string>
 
-// The case of ASCII letters, whatever the locale; other bytes stay as they are.
+// Changes the case of ASCII letters, whatever the locale, and of no other bytes.
 
 namespace base {
 

@@ -7,7 +7,7 @@
 
 namespace base {
 
-/// Owns a file descriptor; -1 is none.
+/// Owns a file descriptor; -1 when empty.
 class FileDescriptor {
  public:
   FileDescriptor() = default;

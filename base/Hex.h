@@ -10,7 +10,7 @@
 
 namespace base {
 
-/// Two hexadecimal digits for each byte, in small letters.
+/// Two hexadecimal digits for each byte, in lower case.
 inline std::string Hex(std::span<const std::uint8_t> bytes) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   std::string text;

@@ -12,7 +12,7 @@
 #include <span>
 #include <string_view>
 
-// Reads and writes of everything at once: they go on after signals and short counts.
+// Reads and writes that move all of the bytes: they go on after signals and short counts.
 
 namespace base {
 
@@ -29,7 +29,7 @@ inline int WriteAll(int descriptor, std::string_view bytes) {
 
 /// Sends `head`, then `body`. False when the peer has gone; never raises SIGPIPE.
 inline bool SendAll(int socket, std::span<const std::uint8_t> head, std::span<const std::uint8_t> body = {}) {
-  // sendmsg only reads, but its iovec knows no const.
+  // sendmsg only reads, but an iovec has no const pointer.
   const auto part = [](std::span<const std::uint8_t> bytes) {
     return iovec{const_cast<std::uint8_t*>(bytes.data()), bytes.size()};
   };

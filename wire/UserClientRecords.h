@@ -1,8 +1,8 @@
 #ifndef KELVA_WIRE_USER_CLIENT_RECORDS_H_
 #define KELVA_WIRE_USER_CLIENT_RECORDS_H_
 
-// The records exchanged with the kernel driver's user client, and its selectors. Only std: the driver's end, wherever
-// it stands in user space, includes this header and no other of the library.
+// The records exchanged with the kernel driver's user client, and its selectors. Needs only std, so that a driver's end
+// in user space can include it without the rest of the library.
 
 #include <cstddef>
 #include <cstdint>
