@@ -38,8 +38,8 @@ std::optional<BundleTable> DecodeCrashLogTable(std::span<const char> bundle) {
   if (bundle.size() < kWord) return std::nullopt;
   const std::uint64_t bodyStart = kNamedEntry * std::uint64_t{LoadU32(bundle.data())};
   if (bundle.size() < bodyStart) return std::nullopt;
-  // The last name field ends four bytes behind the start of the bodies. A bundle whose bodies are shorter than that
-  // ends inside the field, which is enough for a name that ended before.
+  // The last name field ends four bytes behind the start of the bodies. Bodies of fewer than four bytes end the bundle
+  // inside that field; the table is complete if the name has ended by then.
   if (bodyStart != 0 && bundle.size() < kWord + bodyStart) {
     const std::span<const char> lastName = bundle.subspan(static_cast<std::size_t>(bodyStart) - kNameWidth + kWord);
     if (std::find(lastName.begin(), lastName.end(), '\0') == lastName.end()) return std::nullopt;

@@ -12,8 +12,8 @@
 
 namespace kelva {
 
-/// A count N, N entries of 36 bytes, and the bodies from 36 x N, four bytes before the table's end. Whole with its
-/// first 36 x N bytes and the end of its last name.
+/// A count N, N entries of 36 bytes, and the bodies from 36 x N, four bytes before the table's end. The table is
+/// complete once its first 36 x N bytes and the end of its last name have arrived.
 std::optional<BundleTable> DecodeCrashLogTable(std::span<const char> bundle);
 
 /// 31 entries of 36 bytes, then the bodies.

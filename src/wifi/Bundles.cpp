@@ -14,7 +14,7 @@ namespace {
 
 /// One bulk read: what the camera is asked to assemble, and who hears how far it is.
 struct BulkRead {
-  std::uint8_t selection;           // `select::kBatch` and the three after it
+  std::uint8_t selection;           // `select::kBatch` to `select::kCrashLogs`
   std::optional<std::string> text;  // sent with the selection, with its NUL; nothing for a selection without data phase
   void (*progress)(void*, float);
   void* context;

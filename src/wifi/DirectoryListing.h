@@ -9,8 +9,8 @@
 namespace kelva {
 
 /// Decodes a directory listing; the entries keep the camera's order. Counts and offsets are checked against `answer`:
-/// an entry outside it is left out, and a name without a NUL ends with it. An answer shorter than its header is an
-/// empty directory.
+/// an entry outside of `answer` is left out, and a name without a NUL ends where `answer` ends. An answer shorter than
+/// its header is an empty directory.
 std::vector<CameraDirent> DecodeListing(std::span<const char> answer);
 
 }  // namespace kelva
