@@ -10,7 +10,7 @@
 
 namespace kelva {
 
-/// Owns one reference to a registry object or iterator; 0 is none.
+/// Owns one reference to a registry object or iterator; 0 when empty.
 class IoObject {
  public:
   IoObject() = default;
@@ -36,7 +36,7 @@ class IoObject {
   io_object_t object_ = 0;
 };
 
-/// Owns one reference to a CoreFoundation object; null is none.
+/// Owns one reference to a CoreFoundation object; null when empty.
 template <class Ref>
 class CfRef {
  public:
@@ -73,7 +73,7 @@ inline bool Equals(const CfRef<CFTypeRef>& property, const char* text) {
   return Equals(property, MakeString(text));
 }
 
-/// The entry's parent in the service plane; none on failure.
+/// The entry's parent in the service plane; empty on failure.
 inline IoObject ParentOf(io_registry_entry_t entry) {
   io_registry_entry_t parent = 0;
   if (IORegistryEntryGetParentEntry(entry, wire::kServicePlane, &parent) != kIOReturnSuccess) return {};

@@ -48,7 +48,7 @@ class OsxCamera : public Camera {
   std::string MountPath() const override;
   bool Open() override;
   void Close() override;
-  /// Makes the notification port when no attach listening has made it before. Throws OsxCameraError
+  /// Makes the notification port unless listening for attaches has made it. Throws OsxCameraError
   /// "IOServiceAddInterestNotifaction() failed."; the camera is then not watched, and a later call tries again.
   void ListenForCameraLost(void (*callback)(void*), void* context) override;
   bool WasDisconnected() override;

@@ -9,7 +9,7 @@
 #include "VscCdb.h"
 #include "wire/UserClientRecords.h"
 
-// What goes to the driver and what a failed transfer leaves, without any call to the system.
+// Builds the request to the driver, and writes and reads the report of a failed transfer. Makes no system call.
 
 namespace kelva {
 
@@ -29,7 +29,7 @@ std::string BlockText(const _VscCdb& cdb);
 /// The message of a failed transfer: three lines with the command block, the return code and the status.
 std::string WriteTransferReport(const TransferReport& report);
 
-/// Reads the report back from the message of a CameraTransferError; nothing when the message is another one.
+/// Reads the report back from the message of a CameraTransferError; nothing for any other message.
 std::optional<TransferReport> ReadTransferReport(std::string_view message);
 
 }  // namespace kelva
