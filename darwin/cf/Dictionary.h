@@ -27,7 +27,7 @@ class Dictionary final : public Object {
 
   const CFDictionaryKeyCallBacks keys_;
   const CFDictionaryValueCallBacks values_;
-  std::vector<std::pair<const void*, const void*>> entries_;  // few, so looked through in order
+  std::vector<std::pair<const void*, const void*>> entries_;  // few, so searched one by one
 };
 
 }  // namespace darwin::cf

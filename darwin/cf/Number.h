@@ -19,7 +19,7 @@ class Number final : public Object {
   const std::uint64_t value_;
 };
 
-/// A truth value; not a number. There are two, and neither is ever given back.
+/// True or false, which are not numbers here. Two constants, never released.
 class Truth final : public Object {
  public:
   Truth(bool value, Lifetime lifetime) : Object(Type::kBoolean, lifetime), value_(value) {}
@@ -30,7 +30,7 @@ class Truth final : public Object {
   const bool value_;
 };
 
-/// One of the two.
+/// The constant for a value.
 CFTypeRef MakeBoolean(bool value);
 
 }  // namespace darwin::cf

@@ -45,16 +45,16 @@ class RunLoop final : public Object {
 
   ~RunLoop() override;
 
-  /// Keeps the source; a second time in one mode does nothing, nor does an invalid source.
+  /// Adds and retains the source, unless it is invalid or the mode has it already.
   void Add(RunLoopSource& source, const std::string& mode);
-  /// Lets the source go; nothing happens when it is not there.
+  /// Removes and releases the source, if the mode has it.
   void Remove(const RunLoopSource& source, const std::string& mode);
   bool Contains(const RunLoopSource& source, const std::string& mode);
   /// Takes the source out of every mode of every thread's loop.
   static void RemoveEverywhere(const RunLoopSource& source);
   /// Runs the sources of a mode as CFRunLoopRunInMode does.
   CFRunLoopRunResult Run(const std::string& mode, CFTimeInterval seconds, bool returnAfterSourceHandled);
-  /// Ends the innermost run in progress; without one nothing happens.
+  /// Ends the innermost run in progress, if there is one.
   void Stop();
   /// Makes a sleeping run look at its sources again. Kept for the next run when none is in progress.
   void WakeUpNow() { wakeUp_.Signal(); }

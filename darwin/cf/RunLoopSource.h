@@ -20,11 +20,11 @@ class RunLoopSource : public Object {
   virtual int TimeoutMs() const { return -1; }
   /// Does what is due, without blocking. True when something was handled. Not called once the source is invalid.
   virtual bool Perform() = 0;
-  /// Makes a source that waits for signals due. Any thread; other sources ignore it.
+  /// Marks the source as due, as CFRunLoopSourceSignal does. Any thread; sources that wait for descriptors ignore it.
   virtual void Signal() {}
 
   bool IsValid() const { return valid_; }
-  /// Takes the source out of every run loop, for good. Any thread; a Perform in progress on another goes on.
+  /// Takes the source out of every run loop, for good. Any thread; a Perform in progress on another thread goes on.
   void Invalidate();
 
  private:

@@ -8,7 +8,7 @@
 
 namespace darwin::cf {
 
-/// A string, equal to another of the same characters whatever encoding each was made from.
+/// A string. Two strings of the same characters are equal, whatever encodings they were made from.
 class String final : public Object {
  public:
   explicit String(std::string utf8, Lifetime lifetime = Lifetime::kCounted)

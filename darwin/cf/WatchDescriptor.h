@@ -7,14 +7,15 @@
 
 namespace darwin::cf {
 
-/// One descriptor that stands for many and for a moment: readable when one of them is, or when the moment has come.
+/// One descriptor for several others and a deadline: readable when one of the others is readable or the deadline has
+/// come.
 class WatchDescriptor {
  public:
   /// Throws std::system_error when the system has no descriptor left.
   WatchDescriptor();
 
   int Get() const { return epoll_.Get(); }
-  /// Replaces the descriptors and the deadline; timeoutMs -1 is no deadline.
+  /// Replaces the descriptors and the deadline; timeoutMs -1 means no deadline.
   void Update(const std::vector<int>& descriptors, int timeoutMs);
 
  private:

@@ -37,7 +37,7 @@ class Machine {
   virtual void Unplug(int camera) = 0;
   /// The camera's driver sends a message to everyone interested in its service.
   virtual void Announce(int camera, std::uint32_t messageType) = 0;
-  /// What this process still holds of what it obtained since the machine was made; empty for nothing.
+  /// Names what this process has obtained since the machine was made and still holds; empty when nothing is left.
   virtual std::string StillHeld() const = 0;
 };
 

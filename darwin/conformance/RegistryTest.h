@@ -20,7 +20,7 @@ inline constexpr const char* kDiskDriver = "com_kelva_Glimmer_ms";
 /// No handle is ever this number.
 inline constexpr io_object_t kUntouched = 0x5A5A5A5A;
 
-/// Owns one reference to a registry object; 0 is none.
+/// Owns one reference to a registry object; 0 when empty.
 class Object {
  public:
   Object() = default;
@@ -123,13 +123,13 @@ inline std::vector<std::string> SerialsOf(const std::vector<Object>& services) {
   return serials;
 }
 
-/// Delivers what waits, and nothing else.
+/// Delivers the messages that wait, and waits for no others.
 inline void RunPending() {
   while (CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true) == kCFRunLoopRunHandledSource) {
   }
 }
 
-/// A machine of its own for each test, and the demand that a test gives back everything that it obtained.
+/// Gives each test a machine of its own, and checks that the test gives back everything that it obtained.
 class RegistryTest : public ::testing::Test {
  protected:
   void TearDown() override { EXPECT_EQ(machine_->StillHeld(), ""); }

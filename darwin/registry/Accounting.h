@@ -5,7 +5,7 @@
 
 namespace darwin {
 
-/// What this process holds of the registry, so that a test can ask that nothing is left.
+/// Counts what this process holds of the registry, so that a test can check that nothing is left.
 struct RegistryAccounting {
   std::size_t handles;     ///< numbers in use: entries, iterators, notifications, connections, dead ones included
   std::size_t references;  ///< references to them

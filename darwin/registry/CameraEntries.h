@@ -20,12 +20,13 @@ struct CameraDescription {
 /// True for a camera that the system takes for a compact disc: peripheral type 5 with revision "Q42".
 bool IsBadCamera(const CameraDescription& camera);
 
-/// The class of the driver that serves a camera: the kernel's disk driver has taken those of peripheral type 0.
+/// The class of the driver that serves a camera: "com_kelva_Glimmer_ms" for peripheral type 0, which the kernel's disk
+/// driver also claims, else "com_kelva_Glimmer".
 std::string DriverClass(const CameraDescription& camera);
 
 /// Adds a camera below `parent` as the registry shows one: the USB device with its serial number, the entry with the
-/// inquiry data, and the driver's service; for a bad camera the compact-disc service, two levels below the inquiry data.
-/// Returns the USB device's entry; terminating that ends them all.
+/// inquiry data, and the driver's service; for a bad camera the compact-disc service, two levels below the inquiry
+/// data. Returns the USB device's entry; terminating that entry ends them all.
 EntryId AddCamera(Registry& registry, EntryId parent, const CameraDescription& camera);
 
 /// As above, below a USB device that is there already. Returns the entry with the inquiry data.

@@ -9,7 +9,8 @@
 
 namespace darwin {
 
-/// One open user client. The client is shared with a call in progress, so that it outlives a termination in its midst.
+/// One open user client. A call in progress shares the client, so that the client outlives a termination during the
+/// call.
 class Connection final : public KernelObject {
  public:
   Connection(std::shared_ptr<UserClient> opened, EntryId openedOn) : client(std::move(opened)), service(openedOn) {}

@@ -24,10 +24,10 @@ class HandleTable {
   bool Holds(Handle handle) const { return slots_.contains(handle); }
   /// One more reference to a handle that the process holds.
   void Retain(Handle handle);
-  /// Gives back one reference. Returns the object when it was the last, so that the caller can let it go outside of the
-  /// lock.
+  /// Gives back one reference. Returns the object when that was the last reference, so that the caller can destroy it
+  /// outside of the lock.
   std::shared_ptr<KernelObject> Release(Handle handle);
-  /// The object's handle, if it has one, stays with its holder but leads nowhere from now on. Returns the object, as
+  /// Makes the object's handle, if it has one, a dead one, which its holder must still release. Returns the object, as
   /// Release does.
   std::shared_ptr<KernelObject> Kill(const KernelObject* object);
 

@@ -24,7 +24,7 @@ class Matching {
  private:
   void RequireProperties(const void* value);
 
-  bool possible_ = true;  // false: it asks for what no entry has
+  bool possible_ = true;  // false: no entry can match
   std::optional<std::string> className_;
   std::map<std::string, PropertyValue> properties_;
 };

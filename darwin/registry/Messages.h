@@ -10,7 +10,7 @@
 
 namespace darwin {
 
-/// A registration has something to drain.
+/// Tells a registration's callback that its iterator has services to hand out.
 class MatchMessage final : public Message {
  public:
   explicit MatchMessage(std::weak_ptr<MatchingNotification> notification) : notification_(std::move(notification)) {}

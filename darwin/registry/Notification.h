@@ -32,8 +32,8 @@ class SnapshotIterator final : public EntryIterator {
   std::size_t next_ = 0;
 };
 
-/// A registration for services that match from now on, and the iterator that hands them out, newest first. It is armed by
-/// a Next that finds nothing; armed and empty, it announces the next match once and is disarmed.
+/// A registration for services that match from now on, and the iterator that hands them out, newest first. A Next that
+/// finds nothing arms it; the next match is then announced once and disarms it.
 class MatchingNotification final : public EntryIterator {
  public:
   MatchingNotification(Matching matching, std::weak_ptr<MessageQueue> queue, IOServiceMatchingCallback callback,
@@ -43,7 +43,7 @@ class MatchingNotification final : public EntryIterator {
   /// A service has been registered; `self` is this object.
   void OnRegistered(const std::shared_ptr<Entry>& entry, const std::shared_ptr<MatchingNotification>& self);
 
-  io_iterator_t handle = 0;  ///< the number that the callback is given, the one of the registration
+  io_iterator_t handle = 0;  ///< the registration's number, which the callback receives
   const IOServiceMatchingCallback callback;
   void* const context;
 

@@ -14,14 +14,14 @@
 
 namespace darwin {
 
-/// The driver's end of one connection, made by IOServiceOpen and destroyed by IOServiceClose or when the service ends and
-/// no call is in progress. Called on the thread that makes the call. Return codes are kern_return_t values.
+/// The driver's end of one connection, made by IOServiceOpen. Destroyed after IOServiceClose or the end of the service,
+/// once no call is in progress. Called on the thread that makes the call. Return codes are kern_return_t values.
 class UserClient {
  public:
   virtual ~UserClient() = default;
   /// IOConnectCallScalarMethod without scalars in or out.
   virtual int CallScalar(std::uint32_t selector) = 0;
-  /// IOConnectCallStructMethod; outSize is in: capacity, out: bytes produced.
+  /// IOConnectCallStructMethod; outSize: on entry the capacity, on return the bytes produced.
   virtual int CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out,
                          std::size_t* outSize) = 0;
 };
@@ -38,7 +38,7 @@ struct EntryDescription {
   std::vector<std::string> classNames;
   /// The entry's own properties; texts are UTF-8.
   std::map<std::string, PropertyValue> properties;
-  /// Absent: a connection is refused with kIOReturnUnsupported.
+  /// When empty, IOServiceOpen answers kIOReturnUnsupported.
   UserClientFactory openUserClient;
 };
 
@@ -72,8 +72,8 @@ class Registry {
   /// Replaces the source; only before the first look at the registry.
   void SetSource(std::unique_ptr<RegistrySource> source);
 
-  /// What the source said when its latest call failed, one sentence; empty when that call succeeded. A call of IOKit that
-  /// came to nothing for this reason has returned kIOReturnError.
+  /// Why the source's latest call failed, in one sentence; empty when that call succeeded. An IOKit call that fails for
+  /// this reason returns kIOReturnError.
   std::string LastSourceError() const;
 
   EntryId Root() const;
@@ -84,7 +84,8 @@ class Registry {
   void RegisterService(EntryId entry);
   /// Sends a message of this type to everyone interested in the entry.
   void SendMessage(EntryId entry, std::uint32_t messageType);
-  /// Ends an entry and everything below it: it leaves matching results, its connections are dead, interest is told.
+  /// Ends an entry and everything below it: matching no longer finds it, its connections die, and those interested in
+  /// it are told.
   void Terminate(EntryId entry);
 
   // The near side: what IOKitLib.h is written over.

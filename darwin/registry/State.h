@@ -22,7 +22,7 @@ struct Registry::State {
   std::mutex sourceMutex;
   std::unique_ptr<RegistrySource> source;
   bool started = false;
-  bool failed = false;  // its last call threw: nothing is waited for on its behalf until one succeeds
+  bool failed = false;  // its last call threw: run loops ignore it until a call succeeds
   std::string error;    // what its last failed call said; empty after one that succeeded
   int descriptor = -1;  // what run loops were told to wait for
   bool timed = false;

@@ -10,12 +10,12 @@
 
 namespace darwin::sg {
 
-/// Where an answer lands until it is known how much of it is the device's own: the kernel fills all of the length asked
-/// for, beyond the device's bytes with those of an earlier command, and does so even when the transport failed.
+/// Holds an answer until its true length is known. The kernel fills all of the length asked for: behind the device's
+/// bytes stand bytes of an earlier command, even when the transport failed.
 ///
-/// The node's reserved buffer itself where it can be mapped, which saves the kernel's copy, so that handing over just
-/// the bytes that moved costs no more than a transfer straight to the caller. Memory of this side where it cannot, or
-/// where an answer is larger. Move-only owner of the mapping; it must end before the descriptor is closed.
+/// The answer lands in the node's reserved buffer where that can be mapped. The kernel then copies nothing, so copying
+/// only the bytes that moved costs no more than a transfer straight to the caller. Otherwise, and for a larger answer,
+/// it lands in memory of this process. Move-only owner of the mapping; destroy it before the descriptor is closed.
 class LandingArea {
  public:
   LandingArea() = default;

@@ -26,11 +26,11 @@ struct SgRequest {
   bool intoMapped = false;
 };
 
-/// What the kernel said of it.
+/// How the command ended, as the kernel tells.
 struct SgOutcome {
-  int error = 0;  ///< errno of the call; when it is not 0 the rest says nothing
+  int error = 0;  ///< errno of the call; unless it is 0, the other members mean nothing
   std::uint16_t hostStatus = 0;
-  std::uint16_t driverStatus = 0;  ///< without the mark "there is sense data"
+  std::uint16_t driverStatus = 0;  ///< without the bit that announces sense data
   std::uint8_t status = 0;
   wire::Sense sense;
   std::int64_t moved = 0;  ///< asked minus residual, unchecked: the residual is the device's claim

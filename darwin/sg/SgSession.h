@@ -16,7 +16,8 @@ namespace darwin::sg {
 class SgSession {
  public:
   /// Opens and locks the node, asks how much it carries in one command and reserves a kernel buffer for it, which saves
-  /// an allocation per command. Nothing and `error` (an errno value) when the node cannot be opened or is locked.
+  /// an allocation per command. When the node cannot be opened or is locked, returns nothing and sets `error` to an
+  /// errno value.
   static std::optional<SgSession> Open(SgSystem& system, const std::string& node, int& error);
 
   ~SgSession();

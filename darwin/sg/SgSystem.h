@@ -16,7 +16,8 @@ class SgSystem {
   /// Takes the node's advisory lock without waiting; EWOULDBLOCK when another process holds it.
   virtual int Lock(int descriptor) = 0;
   virtual int Ioctl(int descriptor, unsigned long request, void* argument) = 0;
-  /// Maps the node's reserved buffer, where commands with SG_FLAG_MMAP_IO leave their data; null when it cannot be had.
+  /// Maps the node's reserved buffer, where commands with SG_FLAG_MMAP_IO leave their data; null when it cannot be
+  /// mapped.
   virtual void* Map(int descriptor, std::size_t size) = 0;
   virtual void Unmap(void* bytes, std::size_t size) = 0;
   /// True as soon as the kernel says that the device has been detached; false after `milliseconds`.

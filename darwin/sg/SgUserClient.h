@@ -18,8 +18,8 @@ namespace darwin::sg {
 struct SgTarget {
   /// The node, such as "/dev/sg3".
   std::string node;
-  /// True while the device that was found is still the one behind the node: the kernel gives a number of a device that
-  /// has gone to the next one that comes.
+  /// True while the node still belongs to the device that was found: the kernel reuses the number of a device that has
+  /// gone.
   std::function<bool()> isPresent;
   /// Receives one sentence for the user where a return code cannot say enough.
   std::function<void(const std::string&)> report;

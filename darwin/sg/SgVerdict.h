@@ -17,11 +17,12 @@ struct Verdict {
 /// The return code for a system call that failed with `error`.
 int ReturnCodeOf(int error);
 
-/// True when the outcome may mean that the device has been unplugged, and only the device's absence can tell.
+/// True when the device may have been unplugged, which the outcome alone does not tell.
 bool MayBeGone(const SgOutcome& outcome);
 
 /// Turns an outcome into a verdict. The host status comes first: after an unplug in the middle of a command the status
-/// is good and the residual is 0, as if every byte had arrived. `gone` is what the look for the device found.
+/// is good and the residual is 0, as if every byte had arrived. `gone`: the caller has looked for the device, and it
+/// has gone.
 Verdict Judge(const SgOutcome& outcome, std::uint32_t length, bool gone);
 
 }  // namespace darwin::sg

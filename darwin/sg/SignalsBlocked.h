@@ -8,8 +8,8 @@ namespace darwin::sg {
 /// Keeps every signal from this thread for its lifetime.
 ///
 /// A signal that arrives while SG_IO waits makes the kernel start the call again, and the camera receives the command a
-/// second time; without a restart the call ends early and the next command waits behind the first. Held back, signals
-/// are delivered as soon as the command has ended.
+/// second time; without a restart the call ends early and the next command waits behind the first. Blocked signals are
+/// delivered as soon as the command has ended.
 class SignalsBlocked {
  public:
   SignalsBlocked() {

@@ -23,17 +23,17 @@ class Publisher {
   virtual void Withdraw(EntryId published) = 0;
 };
 
-/// Keeps what is published equal to what is plugged in: every unit once, none missed, none twice, whatever the monitor
-/// loses, and a camera only once this user may use its node.
+/// Publishes every unit that is plugged in exactly once, whatever the monitor loses, and withdraws it when it goes.
+/// Publishes a camera only when this user may use its node.
 class CameraTracker {
  public:
   CameraTracker(UnitSource& source, Surroundings& surroundings, Publisher& publisher)
       : source_(source), surroundings_(surroundings), publisher_(publisher) {}
 
   /// Publishes what is present. Waits at most a second for permissions that udev is still about to give, so that a
-  /// camera that was there first never looks like one that came.
+  /// camera that was there before never looks newly attached.
   void Start();
-  /// Takes in what the monitor has, and tries again what waits for a permission. Never blocks.
+  /// Handles the monitor's messages, and looks again at units that wait for a permission. Never blocks.
   void Dispatch();
   /// Milliseconds until a permission is to be looked at again; -1 when none is awaited.
   int TimeoutMs() const;
@@ -41,7 +41,7 @@ class CameraTracker {
  private:
   struct Known {
     ScsiUnit unit;
-    /// The latest event that was already behind us when sysfs was read for this unit.
+    /// The number of the latest event before sysfs was read for this unit.
     std::uint64_t settledBy = 0;
     std::optional<EntryId> published = {};
     /// While unpublished: looks still to come, and the time of the next one.

@@ -17,11 +17,11 @@ struct ScsiUnit {
   int peripheralType = 0;
   /// The serial number of the USB device above the unit; empty without one.
   std::string serial;
-  /// Bus and device number of that USB device. The kernel counts it up at every plug, so that it tells a camera from
-  /// the device that was at the same path before.
+  /// Bus and device number of that USB device. The kernel counts the device number up at every plug, which tells a
+  /// camera from an earlier device at the same path.
   std::string usbAddress;
 
-  /// The camera that the system has attached through its compact-disc services.
+  /// True for a camera that the system has attached through its compact-disc services.
   bool IsBadCamera() const;
   bool operator==(const ScsiUnit&) const = default;
 };

@@ -25,7 +25,8 @@ class Surroundings {
 /// Receives sentences, on any thread.
 using SentenceHandler = std::function<void(const std::string&)>;
 
-/// This process itself; reports go to standard error, which the journal keeps for an agent, or to who asks for them.
+/// This process itself; reports go to standard error, which the journal keeps for an agent, or to a function of the
+/// caller's.
 class ProcessSurroundings : public Surroundings {
  public:
   explicit ProcessSurroundings(SentenceHandler report = {}) : report_(std::move(report)) {}

@@ -21,7 +21,7 @@ class UdevUnitSource : public UnitSource {
 
   /// The monitor's descriptor; -1 when there is no monitor.
   int Descriptor() const;
-  /// Why plugging in would go unnoticed here; empty when it is noticed.
+  /// Why a camera that is plugged in would go unnoticed; empty when it is noticed.
   std::string WhyDeaf() const;
 
  private:

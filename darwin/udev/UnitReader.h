@@ -12,7 +12,8 @@ namespace darwin::udev {
 /// Reads what sysfs shows of a "scsi_generic" or "scsi_device" entry now.
 ///
 /// A camera is read at its generic node, since it is used through that. A bad camera is read at the unit itself: it is
-/// there whether or not the generic driver is. Any other device, and one that has gone meanwhile, is nothing.
+/// there whether or not the generic driver is. Returns nothing for any other device, and for one that has gone
+/// meanwhile.
 std::optional<ScsiUnit> ReadUnit(udev_device* device);
 
 }  // namespace darwin::udev

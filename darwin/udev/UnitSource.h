@@ -22,7 +22,7 @@ struct Notice {
   std::string path = {};
   /// The kernel's running number of the event; 0 when it gave none.
   std::uint64_t sequence = 0;
-  /// For kSeen: what sysfs shows at `path` now; nothing when that is not a camera.
+  /// For kSeen: the camera that sysfs shows at `path` now; nothing when there is none.
   std::optional<ScsiUnit> unit = {};
 };
 

@@ -6,8 +6,8 @@
 
 namespace darwin {
 
-/// A registry that the program fills: cameras are there when they are attached and go when they are detached,
-/// and nothing else is asked. What is still attached goes with this object. Any thread.
+/// A registry that the program fills: AttachCamera adds a camera, Detach removes it, and the destructor removes those
+/// that are left. Any thread.
 class VirtualRegistry {
  public:
   /// The process's registry.
@@ -19,7 +19,7 @@ class VirtualRegistry {
 
   /// Plugs a camera in. Returns what Detach takes.
   EntryId AttachCamera(const CameraDescription& camera);
-  /// Pulls a camera out; nothing happens for one that has gone.
+  /// Pulls a camera out, if it is still there.
   void Detach(EntryId camera);
 
  private:

@@ -1,8 +1,8 @@
 #ifndef KELVA_DARWIN_INCLUDE_CORE_FOUNDATION_CORE_FOUNDATION_H_
 #define KELVA_DARWIN_INCLUDE_CORE_FOUNDATION_CORE_FOUNDATION_H_
 
-// The part of CoreFoundation that this project uses, with the framework's own signatures and meaning. What is not here is
-// not there, so the linker says so.
+// The part of CoreFoundation that this project uses, with the framework's own signatures and meaning. A call that is
+// missing here does not compile.
 
 #include <stddef.h>
 #include <stdint.h>
