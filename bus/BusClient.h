@@ -8,9 +8,9 @@
 
 namespace bus {
 
-/// The near end of a bus: its cameras appear in the registry and leave it as they are plugged and unplugged, and commands
-/// travel to them, each exactly once. When the bus ends, every camera of it has been unplugged.
-/// Throws std::runtime_error with one sentence when nobody serves the path.
+/// The near end of a bus. Its cameras are in the registry while they are plugged in, and each command is sent to them
+/// exactly once. When the bus ends, all of its cameras count as unplugged. Throws std::runtime_error with one sentence
+/// when nobody serves the path.
 std::unique_ptr<darwin::RegistrySource> ConnectBus(const std::string& socketPath);
 
 }  // namespace bus

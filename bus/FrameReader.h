@@ -7,7 +7,7 @@
 
 namespace bus {
 
-/// Cuts a stream into frames. Uses memory for bytes that have arrived, never for those that a length only announces.
+/// Cuts a stream into frames. Holds the bytes that have arrived; an announced length reserves no memory.
 class FrameReader {
  public:
   void Feed(std::span<const std::uint8_t> bytes);

@@ -13,7 +13,7 @@ namespace bus {
 class Listener {
  public:
   /// Takes the place of a socket that nobody serves any more. Throws std::runtime_error with one sentence when the path
-  /// is too long, is served already or is no socket, or when the system refuses.
+  /// is too long, is served already or is not a socket, or when the system refuses.
   explicit Listener(const std::string& path);
   ~Listener();
   Listener(const Listener&) = delete;
