@@ -30,7 +30,7 @@ class VirtualCamera {
 
   /// Arms a fault; several may be armed at once.
   void Arm(const Fault& fault);
-  /// Takes all faults back.
+  /// Disarms all faults.
   void Disarm();
 
   /// Takes the camera's one session; false while another holder has it.
@@ -41,7 +41,8 @@ class VirtualCamera {
   void Unplug();
   /// Whether the camera was unplugged, by Unplug or by a fault in the middle of a command.
   bool Gone() const;
-  /// Waits until the camera is unplugged, at most this long; whether it is. What a door does with Transport::kHang.
+  /// Waits for the camera to be unplugged, at most this long, and returns whether it is. A door does this for
+  /// Transport::kHang.
   bool WaitForUnplug(std::chrono::milliseconds atMost) const;
 
   const Options& GetOptions() const;

@@ -28,7 +28,8 @@ DataSet BuildCrashLogBundle(const std::vector<BundleFile>& files);
 /// Always 31 entries of 36 bytes, unused ones all zero, bodies from byte 1,116; at most 31 files.
 DataSet BuildCalibrationBundle(const std::vector<BundleFile>& files);
 
-/// N sizes, then the bodies from byte 4 x N. A file without a path is one that the camera does not have: size 0.
+/// N sizes, then the bodies from byte 4 x N. A file without a path stands for one that the camera does not have; its
+/// size is 0.
 DataSet BuildBatchBundle(const std::vector<BundleFile>& files);
 
 /// Two sizes, then the file: its first half, rounded up, and the rest.

@@ -13,7 +13,7 @@ inline constexpr std::string_view kStateFolder = ".kelva";
 /// The path below the storage folder that a camera path names: "I:\DCIM\A.JPG" is "DCIM/A.JPG", "I:\" is "".
 ///
 /// The drive letter is I, in either case; names are taken byte for byte, case included. Doubled and trailing
-/// backslashes mean nothing. Nothing is returned for another drive, a relative path, "." or "..", a name with '/',
+/// backslashes are ignored. Nothing is returned for another drive, a relative path, "." or "..", a name with '/',
 /// control characters or more than 255 bytes, a path of more than 1,024 bytes, and the state folder.
 std::optional<std::string> RelativePath(std::string_view cameraPath);
 

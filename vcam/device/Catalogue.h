@@ -9,7 +9,7 @@
 
 namespace vcam {
 
-/// One catalogue record before it is laid out, field types 0 to 9 as they stand one after another in 128 bytes.
+/// One catalogue record before it is laid out: field types 0 to 9, one after another, in 128 bytes.
 ///
 /// Types 5 to 9 are this camera's own: 5 the size of the JPG file in bytes, 6 the size of all files in megabytes, 7 the
 /// key of the picture's first file as text with a NUL, 8 the time of its last change in UTC as text

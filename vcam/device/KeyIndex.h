@@ -46,7 +46,7 @@ class KeyIndex {
   std::multimap<std::string, std::string> byKey_;
 };
 
-/// Whether this is a key, and nothing else.
+/// Whether the whole text is a key.
 bool IsKey(std::string_view text);
 
 }  // namespace vcam

@@ -49,12 +49,13 @@ struct Options {
   /// SCSI peripheral device type of the inquiry data. No kernel driver claims type 3 (processor).
   std::uint8_t peripheralType = 3;
   CatalogueLayout catalogue = CatalogueLayout::Standard();
-  /// Whether catalogue records carry the SHA-1 key of the picture's first file (which reads every picture once).
+  /// Whether catalogue records carry the SHA-1 key of the picture's first file. For that the camera reads every picture
+  /// once.
   bool keysInCatalogue = true;
   /// How long a reboot and the writing of a received firmware image take.
   std::chrono::milliseconds bootTime{1500};
   std::chrono::milliseconds upgradeTime{3000};
-  /// The camera's idea of time before anyone set its clock; also what reboot and upgrade are measured by.
+  /// The host's clock: what the camera's clock shows until a host sets it, and what times reboot and upgrade.
   std::function<std::chrono::system_clock::time_point()> now = [] { return std::chrono::system_clock::now(); };
 };
 

@@ -8,7 +8,7 @@
 #include "src/wifi/VscRegister.h"
 #include "wire/Command.h"
 
-// The few shapes that a reply takes, and the few questions that handlers ask of a command.
+// The kinds of reply that handlers give, and their checks of a command's data phase.
 
 namespace vcam {
 

@@ -17,10 +17,10 @@ struct Settings {
   };
   std::array<Network, 2> networks;
   bool wifiOn = true;
-  /// How often the command arrived; it carries no text.
+  /// How often the command for the authentication type arrived; it carries no text.
   std::uint32_t authTypeCommands = 0;
   std::uint32_t manualControlCommands = 0;
-  /// The control number of the last of them, -1 before the first.
+  /// The control number of the last manual-control command, -1 before the first.
   std::int32_t lastManualControl = -1;
   std::int64_t clockOffsetMs = 0;
 

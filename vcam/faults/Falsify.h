@@ -21,7 +21,7 @@ struct FalsifiedCommand {
 };
 
 /// Falsifies the reply of a command that ran. If the fault names this command and its reply has nothing that the fault
-/// is about (no count, no name, ...), another effect stands in. vcam/README.md lists both.
+/// is about (no count, no name, ...), another effect takes its place. vcam/README.md lists both.
 void Falsify(FaultKind kind, const FalsifiedCommand& about, wire::Reply& reply);
 
 }  // namespace vcam

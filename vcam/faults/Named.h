@@ -16,7 +16,7 @@ struct Named {
   Value value;
   std::string_view name;
 };
-// clang 14 does not find this out.
+// clang 14 does not deduce this for aggregates.
 template <typename Value>
 Named(Value, std::string_view) -> Named<Value>;
 

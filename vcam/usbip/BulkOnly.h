@@ -26,8 +26,8 @@ struct Taken {
   bool unplug = false;
 };
 
-/// The device's side of the bulk-only transport: a command wrapper comes in, data moves, a status wrapper goes out.
-/// Time is given by the caller, so that a slow or silent camera can be waited for, given up or reset.
+/// The device's side of the bulk-only transport: a command wrapper comes in, data moves, a status wrapper goes out. The
+/// caller gives the time, and so decides whether to wait for a slow or silent camera, to give it up or to reset it.
 class BulkOnly {
  public:
   /// Tells which fault, if any, the cable adds to a command of the camera.
@@ -44,7 +44,7 @@ class BulkOnly {
   /// Whether the camera has gone and every byte before that was sent.
   bool Unplugged(Clock::time_point now) const;
 
-  /// Waits for a command again. Halts stay.
+  /// Waits for a command again; halted pipes stay halted.
   void Reset();
   void SetHaltIn(bool halted);
   void SetHaltOut(bool halted);

@@ -56,7 +56,7 @@ class MessageReader {
   explicit MessageReader(std::uint32_t device) : device_(device) {}
 
   void Feed(std::span<const std::uint8_t> bytes);
-  /// The next whole message, or nothing yet. Throws ProtocolError; after that the reader is of no more use.
+  /// The next whole message, or nothing yet. Throws ProtocolError; after that the reader must not be used.
   std::optional<Message> Next();
 
  private:

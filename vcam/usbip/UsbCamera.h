@@ -40,7 +40,7 @@ class UsbCamera : private ControlledPipes {
   bool Unlink(std::uint32_t sequence);
   /// The next finished transfer, or nothing at this time.
   std::optional<Finished> Next(Clock::time_point now);
-  /// When Next will have more to say without anything new from the host, or the camera vanishes.
+  /// When Next will have more to give without new input from the host, or when the camera vanishes.
   std::optional<Clock::time_point> WaitsUntil(Clock::time_point now) const { return bulk_.WaitsUntil(now); }
   bool Unplugged(Clock::time_point now) const { return bulk_.Unplugged(now); }
 
