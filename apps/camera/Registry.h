@@ -16,8 +16,8 @@ struct RegistryCamera {
   std::string driver;  ///< the service's class
 };
 
-/// Reads the facts of this camera's own registry entry and of those above it. All are empty for a camera of another
-/// transport.
+/// Reads the facts of this camera's own registry entry and of those above it. All of them are empty for a camera of
+/// another transport.
 RegistryCamera FactsOf(const Camera& camera);
 
 }  // namespace apps

@@ -23,7 +23,7 @@ std::optional<std::string> Completion(const Program& program, std::string_view s
 /// typed, quotes included, and from the others as the shell understands them.
 std::string Offers(const Program& program, std::string_view shell, std::span<const char* const> words);
 
-/// A word as bash would read it, without its quotes and backslashes. A quote may be open still. Nothing is evaluated.
+/// A word as bash would read it, without its quotes and backslashes. A quote may still be open. Nothing is evaluated.
 std::string Unquoted(std::string_view word);
 
 }  // namespace apps

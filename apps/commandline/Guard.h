@@ -11,9 +11,9 @@ namespace apps {
 /// Items are named by short tokens. The counters are the whole work's, over all processes.
 class Guard {
  public:
-  /// Runs `work` in a process of its own, again without the item after each abort that happened in an item, and returns
-  /// its exit status. Signals that end the tool reach the worker; so does the end of this process. Call it while this
-  /// process has one thread and TakeOverSignals has been called.
+  /// Runs `work` in a child process and returns its exit status. When `work` aborts in an item, runs it again in
+  /// another child, without that item. Signals that end the tool reach the worker; so does the end of this process.
+  /// Call it while this process has one thread and TakeOverSignals has been called.
   static int Run(const std::function<int(Guard&)>& work);
 
   /// An item begins. Tokens longer than 79 bytes are cut.

@@ -40,11 +40,11 @@ class Invocation {
 /// numbers are words. Throws Failure(kUsage).
 Invocation Parse(const Program& program, std::span<const char* const> arguments);
 
-/// A command line that may not be whole: what can be understood of it, for whoever completes it.
+/// What can be understood of a command line that is still being typed, for completion.
 struct Beginning {
   Invocation call;
   const Option* pending = nullptr;  ///< the last word is this option, and its value is to come
-  std::string first = {};           ///< the last word, where it begins the names of verbs and is none
+  std::string first = {};           ///< the last word, if verbs' names begin with it and it is not a verb itself
   bool onlyWords = false;           ///< after "--"
 };
 Beginning ParseBeginning(const Program& program, std::span<const char* const> arguments);

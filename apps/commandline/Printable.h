@@ -7,7 +7,7 @@
 
 namespace apps {
 
-/// One character of a byte string that may be no UTF-8 at all.
+/// One character of a byte string that need not be UTF-8.
 struct Utf8Piece {
   char32_t codePoint;  ///< meaningless when not valid
   std::size_t length;  ///< bytes taken, at least 1 while there are any
@@ -24,7 +24,7 @@ bool IsCommand(char32_t codePoint);
 
 bool IsUtf8(std::string_view bytes);
 
-/// `bytes` as one line that is safe on a terminal: control characters, direction overrides and bytes that are no UTF-8
+/// `bytes` as one line that is safe on a terminal: control characters, direction overrides and bytes that are not UTF-8
 /// become \xNN or \u{N}, a backslash stays as it is because camera paths are full of them.
 std::string Printable(std::string_view bytes);
 

@@ -16,13 +16,13 @@ struct ProgressView {
   unsigned long long done;
   unsigned long long total;  ///< 0 when unknown
   std::chrono::duration<double> elapsed;
-  /// For several files whose bytes nobody knows before: how many are done, of how many. 0 for one file.
+  /// For several files whose sizes are not known in advance: how many are done, of how many. Both are 0 for one file.
   unsigned long long files = 0;
   unsigned long long filesTotal = 0;
-  bool shareAlone = false;  ///< done and total are no bytes; only how they compare means something
+  bool shareAlone = false;  ///< done and total are not bytes: only their ratio has a meaning
 };
 
-/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left; of a share alone no bytes and no
+/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left; with shareAlone no bytes and no
 /// rate.
 std::string ProgressLine(const ProgressView& view, std::size_t columns);
 

@@ -11,8 +11,8 @@
 
 namespace apps {
 
-/// The version of everything that --json prints, described in docs/json.md. New members keep the number; a member that
-/// goes or changes its meaning makes a new one.
+/// The version of everything that --json prints, described in docs/json.md. New members keep the number; removing a
+/// member or changing its meaning makes a new number.
 inline constexpr int kJsonSchema = 1;
 
 /// How messages are given.
@@ -34,18 +34,18 @@ class Reporter {
 
   /// A remark; not given when quiet.
   void Note(std::string_view sentence);
-  /// A question, or what it is about: a remark that is also given when quiet, for nobody answers what was not asked.
+  /// A question, or a remark that explains it. Given when quiet too: nobody can answer a question that is not shown.
   void Ask(std::string_view sentence);
   /// Why something did not work. Always given.
   void Error(std::string_view sentence, ExitCode code);
   /// Shows `line` in place of the last one; only on a terminal, not when quiet.
   void Overwrite(std::string_view line);
-  /// Gives an event in JSON style; nothing in the others, nor when quiet.
+  /// Gives an event in JSON style, unless quiet; does nothing in the other styles.
   void Event(Json members);
   /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a
   /// command.
   bool IsProgressDue(std::chrono::steady_clock::time_point now) const;
-  /// As IsProgressDue, and takes the turn where it is.
+  /// As IsProgressDue. When true, starts the wait for the next turn.
   bool TakeProgressTurn(std::chrono::steady_clock::time_point now);
   /// Takes away what Overwrite showed.
   void Clear();

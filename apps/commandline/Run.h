@@ -30,7 +30,7 @@ Json ErrorMembers(const Outcome& outcome);
 ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, const Outcome& outcome);
 
 /// Answers `PROGRAM __complete SHELL WORD...`, the question of the completion scripts, and returns true; returns false
-/// when the command line is another. It is in no help, because only scripts ask it.
+/// for any other command line. No help mentions it, because only scripts ask it.
 bool AnswerShell(const Program& program, std::span<const char* const> arguments);
 
 /// A whole program without supervision: reads the command line and runs its verb on this thread. Standard output leads

@@ -15,7 +15,7 @@ class ScratchRecord {
   ScratchRecord(const ScratchRecord&) = delete;
   ScratchRecord& operator=(const ScratchRecord&) = delete;
 
-  /// The file has its final name, or is gone: leave it alone.
+  /// Forgets the file, which has its final name or is gone.
   void Forget();
 
  private:

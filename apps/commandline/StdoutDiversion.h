@@ -8,7 +8,7 @@
 namespace apps {
 
 /// Keeps standard output for the tool's own results: while this lives, descriptor 1 leads into memory, so that a line
-/// which a library prints cannot get between them, and the real one is at hand here.
+/// that a library prints cannot get between them. Real() is the real standard output.
 class StdoutDiversion {
  public:
   StdoutDiversion();

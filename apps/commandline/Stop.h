@@ -8,7 +8,8 @@
 
 namespace apps {
 
-/// Thrown in the worker when it has been asked to stop. No std::exception, so that nothing mistakes it for a failure.
+/// Thrown in the worker when it has been asked to stop. Not a std::exception, so that no handler mistakes it for a
+/// failure.
 struct Stopped {};
 
 /// The request to stop, made by one thread and noticed by the worker between two steps of its work.

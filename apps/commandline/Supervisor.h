@@ -19,20 +19,20 @@ void TakeOverSignals();
 /// What ends a command early.
 struct Supervision {
   std::optional<std::chrono::milliseconds> timeout;
-  /// How much of it was spent before.
+  /// How much of the time-out was spent before.
   std::chrono::milliseconds spent{0};
-  /// How long the worker may take to notice before the process ends without it.
+  /// How long the worker may take to stop before the process ends without it.
   std::chrono::milliseconds grace{600};
   /// What a signal's message says after "Stopped."; asked when the worker has stopped or the grace is over.
   std::function<std::string()> afterStop = {};
-  /// Called last when one of the two ended the command, with how it ends and the sentence that was given. The worker
-  /// may still run.
+  /// Called last when a signal or the time-out ended the command, with the exit code and the sentence that was given.
+  /// The worker may still run.
   std::function<void(ExitCode, const std::string& sentence)> atEnd = {};
 };
 
-/// Runs `work` on a thread of its own while this thread waits for its end, a signal or the deadline. When one of the
-/// two comes first, its sentence is given, the worker is asked to stop and has the grace to do so; then the temporary
-/// files are removed and the process ends at once. `work` throws nothing but Stopped.
+/// Runs `work` on a thread of its own while this thread waits for its end, a signal or the deadline. When a signal or
+/// the deadline comes first, gives its sentence, asks the worker to stop and waits for `grace`; then removes the
+/// temporary files and ends the process. `work` throws nothing but Stopped.
 ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Supervision& supervision,
                    Reporter& reporter);
 

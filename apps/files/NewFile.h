@@ -28,13 +28,13 @@ class NewFile {
 
   /// Throws Failure, a full disk included.
   void Write(std::span<const char> bytes);
-  /// Has the system begin to put the bytes on disk, and waits for nothing: a Flush that follows later is shorter.
+  /// Starts to put the bytes on disk and does not wait, so that a later Flush is shorter.
   void BeginFlush() noexcept;
   /// Puts the bytes on disk. Throws Failure.
   void Flush();
   /// Gives the file its name; false when the name is taken, which is then left as it is. Throws Failure.
   bool TakeName(const std::string& name);
-  /// As TakeName, in place of what has the name.
+  /// As TakeName, but replaces what has the name.
   void ReplaceName(const std::string& name);
 
  private:
@@ -47,7 +47,7 @@ class NewFile {
   bool named_ = false;
 };
 
-/// Removes temporary files that an earlier process left behind (killed, or the power went) and none that is in use.
+/// Removes the temporary files that earlier processes left behind (killed, or the power went), except those in use.
 /// Returns how many.
 int RemoveLeftovers(const TargetFolder& folder);
 

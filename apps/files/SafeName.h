@@ -7,9 +7,9 @@
 namespace apps {
 
 /// A file name of one component made from a camera's bytes. Names that are harmless stay as they are. Others are
-/// written with %XX for each byte that is no part of a sound name here: '/', '\', '%', control characters, bytes that
-/// are no UTF-8, and a dot or a blank at the start. Two different names stay different. A name that would be longer
-/// than 200 bytes keeps its start and its extension and gets a check sum of the whole between them.
+/// written with %XX for each byte that is not safe in a name here: '/', '\', '%', control characters, bytes that are
+/// not UTF-8, and a dot or a blank at the start. Two different names stay different. A name that would be longer than
+/// 200 bytes keeps its start and its extension, with a check sum of the whole name between them.
 std::string SafeName(std::string_view cameraBytes);
 
 }  // namespace apps

@@ -15,7 +15,7 @@ std::string Numbered(const std::string& name, int number);
 
 /// Stores whole, flushed bytes under a name that must be free. Throws Failure when it is not.
 void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes);
-/// As StoreNew, in place of what has the name.
+/// As StoreNew, but replaces what has the name.
 void StoreReplacing(const TargetFolder& folder, const std::string& name, std::span<const char> bytes);
 
 /// Where bytes ended up.
@@ -28,12 +28,12 @@ struct Stored {
 class BesideFile {
  public:
   /// Writes the bytes under a temporary name, unless they are there already. `first` is the number to begin with,
-  /// `sha1` that of the bytes; the folder outlives this. Throws Failure.
+  /// `sha1` the SHA-1 of the bytes; the folder outlives this object. Throws Failure.
   BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,
              int first = 1);
-  /// Waits until it is on disk. Throws Failure.
+  /// Waits until the file is on disk. Throws Failure.
   void Flush();
-  /// Gives it its name. The caller flushes the folder. Throws Failure.
+  /// Gives the file its name. The caller flushes the folder. Throws Failure.
   Stored TakeName();
 
  private:

@@ -16,17 +16,17 @@ class TargetFolder {
  public:
   /// Opens a folder that the user named; symbolic links in `path` are the user's own. Throws Failure.
   static TargetFolder Open(const std::string& path);
-  /// As Open, made first where it is missing.
+  /// As Open, but makes the folder first if it is missing.
   static TargetFolder OpenOrMake(const std::string& path);
   /// Opens, and makes if need be, a folder directly below this one. Never follows a symbolic link. Throws Failure.
   TargetFolder Below(const std::string& name) const;
 
   int Fd() const { return folder_.Get(); }
-  /// As the user knows it, for messages.
+  /// The folder as the user named it, for messages.
   const std::string& Path() const { return path_; }
   std::string PathOf(const std::string& name) const;
   bool Has(const std::string& name) const;
-  /// Makes the names in it last through a power cut. Throws Failure.
+  /// Flushes the folder, so that the names in it survive a power cut. Throws Failure.
   void Sync() const;
 
  private:

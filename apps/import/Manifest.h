@@ -14,7 +14,7 @@ struct sqlite3;
 
 namespace apps {
 
-/// What names one file of one camera, now and at the next run.
+/// Identifies one file of one camera, in this run and in later ones.
 struct ManifestKey {
   std::string serial;
   std::string picture;      ///< the picture's identity, 24 bytes in hexadecimal
@@ -38,10 +38,10 @@ class Manifest {
  public:
   static constexpr std::string_view kName = ".kelva-manifest.sqlite";
 
-  /// An empty one, of a folder that does not exist yet.
+  /// The empty manifest of a folder that does not exist yet.
   Manifest();
-  /// Opens the folder's manifest, and makes it when `make` is set; without a file and `make` it is empty.
-  /// Throws Failure when it cannot be read, or was made by a newer version.
+  /// Opens the folder's manifest. A missing one is made if `make` is set, otherwise it counts as empty. Throws Failure
+  /// when it cannot be read, or was made by a newer version.
   Manifest(const TargetFolder& folder, bool make);
   ~Manifest();
   Manifest(Manifest&&) noexcept;

@@ -26,7 +26,7 @@ class Pattern {
   /// Throws Failure(kUsage): an unknown token, a path that is absolute or leads upwards, no name at its end.
   explicit Pattern(std::string_view text);
 
-  /// Names one file. Every value becomes a sound part of a name first, so nothing of a camera can add a folder.
+  /// Names one file. Every value is made safe for a name first, so that no name from a camera can add a folder.
   LocalPath Apply(const DcfObj& picture, int type, const std::string& serial) const;
 
   static constexpr std::string_view kDefault = "{folder}/{name}";

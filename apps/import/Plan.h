@@ -14,7 +14,7 @@
 
 namespace apps {
 
-/// What names a file of a picture in a manifest.
+/// Identifies a file of a picture in a manifest.
 ManifestKey KeyOf(const DcfObj& picture, int type, const std::string& serial);
 
 /// What all items of one plan share.
@@ -24,8 +24,8 @@ struct SyncSource {
   Pattern pattern;
 };
 
-/// One file of a picture, and what is known of it. Small, because there is one for every file of the camera; what else
-/// can be said of it is worked out when it is asked for. Valid as long as its plan.
+/// One file of a picture, and what is known of it. Small, because there is one for every file of the camera; everything
+/// else is worked out on request. Valid as long as its plan.
 class SyncItem {
  public:
   enum class State : std::uint8_t { kNew, kFetched, kDeleted };

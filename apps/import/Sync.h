@@ -22,7 +22,7 @@ struct SyncOptions {
   bool deleteAfter = false;  ///< delete on the camera what was read twice and is on disk
 };
 
-/// What came of it.
+/// The outcome of a sync.
 struct SyncTotals {
   unsigned long long stored = 0;
   unsigned long long alreadyHere = 0;  ///< of these, files that were here already with the same content

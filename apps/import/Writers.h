@@ -66,10 +66,10 @@ class Writers {
   static constexpr std::size_t kMostInGroup = 1024;
   static constexpr std::chrono::milliseconds kGroupTime{500};
   static constexpr std::size_t kThreads = 4;
-  /// What one thread has on its way to the disk at once.
+  /// The most files, and the most bytes, that one thread stores at once.
   static constexpr std::size_t kMostAtOnce = 16;
   static constexpr std::size_t kMostBytesAtOnce = 1U << 20;
-  /// How long a thread waits for more to put on its way at once.
+  /// How long a thread waits for more files to store at once.
   static constexpr std::chrono::milliseconds kGather{2};
 
   struct Done {
@@ -109,7 +109,7 @@ class Writers {
 
   std::mutex mutex_;                // the queue and what follows it
   std::condition_variable work_;    // for the writers
-  std::condition_variable stored_;  // for the one who hands over
+  std::condition_variable stored_;  // for Submit and Finish
   std::deque<WriteJob> queue_;
   std::size_t queued_ = 0;  // bytes in the queue
   std::size_t bytes_ = 0;   // handed over and not stored yet

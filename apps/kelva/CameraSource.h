@@ -12,8 +12,8 @@ namespace apps {
 /// Throws Failure.
 void ChooseCameraSource(const std::optional<std::string>& socket, const std::function<void(const std::string&)>& note);
 
-/// Names the processes that hold the camera with this serial number, where cameras come from as above; empty when that
-/// cannot be told.
+/// Names the processes that hold the camera with this serial number, from the same source of cameras as above; empty
+/// when that cannot be told.
 std::string HoldersInWords(const std::optional<std::string>& socket, const std::string& serial);
 
 }  // namespace apps

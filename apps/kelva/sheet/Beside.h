@@ -14,19 +14,20 @@
 
 namespace apps {
 
-/// The fetched files that are in a sheet's folder or below it: where `kelva sync` says that it stored them, where it
-/// does so without a pattern, or, as `kelva get` leaves them, in the folder itself.
+/// The fetched files that are in a sheet's folder or below it. Looks at the place that the list of `kelva sync` names,
+/// then at the place that `kelva sync` uses without a pattern, then in the folder itself, where `kelva get` leaves
+/// files.
 class Beside {
  public:
-  /// The folder outlives this.
+  /// The folder outlives this object.
   Beside(const TargetFolder& folder, Manifest manifest, std::string serial, const std::vector<DcfObj>& catalogue);
 
   /// Where a file of a picture is, from the folder; empty when it is not here. A file that only has the right name
   /// counts when it also has the size that the camera lists.
   std::string Find(const DcfObj& picture, int type, std::optional<unsigned long long> size);
 
-  /// The content of a file as `kelva sync` fetched it, when it is here and its SHA-1 is still the one that was noted:
-  /// then nothing has to be read from the camera.
+  /// The content of a file as `kelva sync` fetched it, when it is here and its SHA-1 is still the same: then nothing
+  /// has to be read from the camera.
   std::optional<std::vector<char>> Read(const DcfObj& picture, int type);
 
  private:

@@ -9,7 +9,7 @@
 
 namespace apps {
 
-/// Why there is no picture in some bytes, as the end of a sentence.
+/// Thrown for bytes that hold no picture; what() says why, as the end of a sentence.
 class NoPicture : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

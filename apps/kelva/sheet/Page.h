@@ -11,7 +11,7 @@ namespace apps {
 
 /// What a sheet says of the whole.
 struct PageFacts {
-  std::string product;  ///< the camera's, its bytes
+  std::string product;  ///< the camera's product name, in the camera's bytes
   std::string serial;
   std::size_t pictures = 0;
   std::string first;  ///< the earliest and the latest time of the catalogue, empty where it has none
@@ -23,7 +23,7 @@ struct PageFacts {
 class Page {
  public:
   std::string Start(const PageFacts& facts);
-  /// One picture, below the name of its day where that is another day than the one before.
+  /// One picture, under a heading with its day if the picture before it is of another day.
   std::string Picture(const Card& card);
   /// `made` is when and with what the sheet was made.
   std::string End(std::string_view made);

@@ -15,8 +15,8 @@
 
 namespace apps {
 
-/// The pictures in the order of a sheet: by time where the catalogue has one of every picture, else as the camera has
-/// them.
+/// The pictures in the order of a sheet: by time if the catalogue has a time for every picture, else in the camera's
+/// order.
 std::vector<DcfObj> InSheetOrder(std::vector<DcfObj> catalogue);
 
 /// What came of a sheet.

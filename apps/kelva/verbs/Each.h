@@ -11,8 +11,8 @@
 
 namespace apps {
 
-/// Does the same for several files: one that fails is reported, and the rest goes on. A camera that has gone or was
-/// asked to stop ends the whole.
+/// Does the same for several files: one that fails is reported, and the rest goes on. A camera that has gone, or a
+/// request to stop, ends the whole.
 class Each {
  public:
   /// `member` is the name of the array of outcomes in JSON style.

@@ -6,8 +6,8 @@
 
 namespace apps {
 
-/// Reads a whole regular file of this computer, at most `most` bytes. Throws Failure: missing, unreadable, no regular
-/// file, too large.
+/// Reads a whole regular file of this computer, at most `most` bytes. Throws Failure: missing, unreadable, not a
+/// regular file, too large.
 std::vector<char> ReadLocalFile(const std::string& path, unsigned long long most);
 
 }  // namespace apps
