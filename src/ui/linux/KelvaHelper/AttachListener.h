@@ -12,7 +12,7 @@ namespace helper {
 void Callback(boost::shared_ptr<Camera> camera, void* context);
 
 /// Registers Callback on the calling thread's run loop. Cameras that are there already are reported before this
-/// returns, and launch nothing; each later one launches once. Throws what the registration throws.
+/// returns, and launch nothing; each later one launches once. Throws as Camera::ListenForCameraAttach does.
 void ListenForCameras();
 
 }  // namespace helper

@@ -5,9 +5,9 @@
 
 namespace helper {
 
-/// Decides where this process's cameras come from: the virtual bus whose socket is `virtualBus`, or, when that is empty,
-/// this machine's own devices. To be called once, before the first look at the registry. Throws std::runtime_error when
-/// the bus cannot be reached.
+/// Decides where this process's cameras come from: the virtual bus whose socket is `virtualBus`, or, when that is
+/// empty, this machine's own devices. Call it once, before the first look at the registry. Throws std::runtime_error
+/// when the bus cannot be reached.
 void UseCamerasOf(const std::string& virtualBus);
 
 }  // namespace helper

@@ -12,8 +12,8 @@ std::string OpenerBeside(const std::string& program);
 /// The path of this process's program; empty where the system does not tell.
 std::string OwnProgram();
 
-/// Sets the program that LaunchDesktopApplication runs. To be called once, at the start: an upgrade of the package may
-/// later move the agent's own file away.
+/// Sets the program that LaunchDesktopApplication runs. Call it once, at the start: an upgrade of the package may later
+/// move the agent's own file away.
 void UseOpener(std::string path);
 
 /// Runs the opener, the short-lived program that finds and launches the desktop application, and returns at its execve.
