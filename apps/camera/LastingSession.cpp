@@ -19,8 +19,12 @@ constexpr auto kPause = 200ms;
 
 LastingSession::LastingSession(Context& context)
     : context_(context), serial_(WantedSerial(context.call.Value("serial"))) {
-  session_.emplace(context_, serial_);
+  Open();
   if (!session_->Facts().serial.empty()) serial_ = session_->Facts().serial;
+}
+
+void LastingSession::Open() {
+  session_.emplace(context_, Choose(FindAttached(context_.diversion), serial_));
 }
 
 bool LastingSession::IsReady() {
@@ -30,7 +34,7 @@ bool LastingSession::IsReady() {
     session_.reset();
   }
   try {
-    session_.emplace(context_, serial_);
+    Open();
   } catch (const Failure&) {
     // The camera is not attached yet, or cannot be opened yet.
   }

@@ -34,6 +34,7 @@ class LastingSession {
   void WaitUntilGone(int commands);
 
  private:
+  void Open();
   bool HasRestarted(int commands);
 
   Context& context_;

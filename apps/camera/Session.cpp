@@ -33,12 +33,16 @@ Failure CannotOpen(Context& context, const std::string& serial) {
                      "`kelva doctor` says which and what to do.");
 }
 
+AttachedCamera Wanted(Context& context, std::string doing) {
+  context.Doing(std::move(doing));
+  return Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")));
+}
+
 }  // namespace
 
-Session::Session(Context& context) : Session(context, WantedSerial(context.call.Value("serial"))) {}
+Session::Session(Context& context, std::string doing) : Session(context, Wanted(context, std::move(doing))) {}
 
-Session::Session(Context& context, const std::optional<std::string>& serial)
-    : chosen_(Choose(FindAttached(context.diversion), serial)) {
+Session::Session(Context& context, AttachedCamera chosen) : chosen_(std::move(chosen)) {
   context.stop.Check();
   if (!chosen_.camera->Open()) throw CannotOpen(context, chosen_.facts.serial);
 }
@@ -48,9 +52,7 @@ Session::~Session() {
 }
 
 Json CameraResult(const Session& session) {
-  Json result = Json::Object();
-  result.SetBytes("serial", session.Facts().serial);
-  return result;
+  return Json::Object().SetBytes("serial", session.Facts().serial);
 }
 
 }  // namespace apps

@@ -14,10 +14,11 @@ namespace apps {
 /// One open camera. The destructor closes it.
 class Session {
  public:
-  /// Opens the camera that the command line means. Throws Failure as Choose does, and when it cannot be opened.
-  explicit Session(Context& context);
-  /// Opens the camera with this serial number, or the only one.
-  Session(Context& context, const std::optional<std::string>& serial);
+  /// Opens the camera that the command line means, for what is then tried (see Context::Doing). Throws Failure as
+  /// Choose does, and when it cannot be opened.
+  Session(Context& context, std::string doing);
+  /// Opens this camera.
+  Session(Context& context, AttachedCamera chosen);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;

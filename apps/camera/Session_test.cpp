@@ -13,7 +13,7 @@ class SessionTest : public testing::Test, protected SilentContext {
  protected:
   ExitCode WhyNot() {
     try {
-      const Session session(context_);
+      const Session session(context_, "try the camera");
     } catch (const Failure& failure) {
       return failure.Code();
     }

@@ -6,17 +6,17 @@
 namespace apps {
 
 std::string ResultLine(std::string_view verb, ExitCode code, Json members) {
-  Json document = Json::Object();
-  document.Set("schema", kJsonSchema).Set("command", verb).Set("exit", static_cast<int>(code));
-  document.Set("ok", code == ExitCode::kDone);
-  return document.Merge(std::move(members)).Text() + "\n";
+  Json document = Json::Object().Set("schema", kJsonSchema).Set("command", verb);
+  document.Set("exit", static_cast<int>(code)).Set("ok", code == ExitCode::kDone);
+  return std::move(document).Merge(std::move(members)).Text() + "\n";
 }
 
-void Context::Result(apps::Json members, std::string_view text, ExitCode code) {
-  if (Json() && !out.TakeEnd()) return;
+ExitCode Context::Result(apps::Json members, std::string_view text, ExitCode code) {
+  if (Json() && !out.TakeEnd()) return code;
   if (Json() && code != ExitCode::kDone && !members.Has("reason")) members.Set("reason", WordOf(code));
   out.Add(Json() ? ResultLine(call.Name(), code, std::move(members)) : std::string(text));
   out.Flush();
+  return code;
 }
 
 void Context::Event(std::string_view event, apps::Json members, std::string_view text) {

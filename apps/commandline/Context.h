@@ -36,8 +36,8 @@ class Context {
   const std::string& WasDoing() const { return doing_; }
   bool Json() const { return reporter.Style().json; }
   /// Prints the result (members with --json, else text). Only the first call prints. `code` becomes `exit`, and the
-  /// `reason` of a failure without one.
-  void Result(apps::Json members, std::string_view text, ExitCode code = ExitCode::kDone);
+  /// `reason` of a failure without one. Returns `code`.
+  ExitCode Result(apps::Json members, std::string_view text, ExitCode code = ExitCode::kDone);
   /// One of many results, given at once: a JSON object on a line of its own, else its text.
   void Event(std::string_view event, apps::Json members, std::string_view text);
 

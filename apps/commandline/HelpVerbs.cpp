@@ -27,8 +27,7 @@ const Verb& Named(const Program& program, const std::string& name) {
 }
 
 ExitCode Print(Context& context, const std::string& text) {
-  context.Result(Json::Object().Set("text", text), text);
-  return ExitCode::kDone;
+  return context.Result(Json::Object().Set("text", text), text);
 }
 
 ExitCode RunHelp(Context& context) {
@@ -52,9 +51,7 @@ ExitCode StoreAllPages(Context& context, const std::string& path) {
   if (error) throw SystemFailure("create " + Printable(path), error.value());
   StorePage(path, std::string(program.name), ManPageOf(program));
   for (const Verb& verb : program.verbs) StorePage(path, ManName(program, verb), ManPageOfVerb(program, verb));
-  Json members = Json::Object();
-  context.Result(std::move(members.SetBytes("folder", path).Set("files", program.verbs.size() + 1)), "");
-  return ExitCode::kDone;
+  return context.Result(Json::Object().SetBytes("folder", path).Set("files", program.verbs.size() + 1), "");
 }
 
 ExitCode RunManual(Context& context) {
@@ -88,25 +85,14 @@ constexpr Example kHelpExamples[] = {
 constexpr std::string_view kTextMember = "text: what is printed without --json";
 
 constexpr Verb kVerbs[] = {
-    {"completion",
-     "Print a completion script for a shell",
-     kShell,
-     {},
-     "The shell then offers commands, options and the serial numbers of the cameras that are attached.",
-     kTextMember,
-     kCompletionExamples,
-     RunCompletion},
+    {"completion", "Print a completion script for a shell", kShell, kNoOptions,
+     "The shell then offers commands, options and the serial numbers of the cameras that are attached.", kTextMember,
+     kCompletionExamples, RunCompletion},
     {"manual", "Print a manual page", kCommand, kManualOptions,
      "Prints the page of the program or of one command in troff form. Packages install all of them.",
      "text: the page\nfolder: where all pages were written, with --into\nfiles: how many", kManualExamples, RunManual},
-    {"help",
-     "Say how the commands are used",
-     kCommand,
-     {},
-     "The same as COMMAND --help.",
-     kTextMember,
-     kHelpExamples,
-     RunHelp},
+    {"help", "Say how the commands are used", kCommand, kNoOptions, "The same as COMMAND --help.", kTextMember,
+     kHelpExamples, RunHelp},
 };
 
 }  // namespace

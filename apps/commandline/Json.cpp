@@ -79,20 +79,20 @@ Json Json::Array() {
   return Json(Elements{});
 }
 
-Json& Json::Set(std::string_view name, Json value) {
+Json& Json::Set(std::string_view name, Json value) & {
   std::get<Members>(value_).emplace_back(std::string(name), std::move(value));
   return *this;
 }
 
-Json& Json::SetBytes(std::string_view name, std::string_view bytes) {
+Json& Json::SetBytes(std::string_view name, std::string_view bytes) & {
   Set(name, bytes);
   if (!IsUtf8(bytes)) Set(std::string(name) + "_hex", base::Hex(bytes));
   return *this;
 }
 
-Json& Json::Merge(Json other) {
+Json&& Json::Merge(Json other) && {
   for (auto& [name, value] : std::get<Members>(other.value_)) Set(name, std::move(value));
-  return *this;
+  return std::move(*this);
 }
 
 bool Json::Has(std::string_view name) const {

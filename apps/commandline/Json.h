@@ -31,11 +31,13 @@ class Json {
   static Json Array();
 
   /// Adds a member to an object. Names are the tool's own; one is set once.
-  Json& Set(std::string_view name, Json value);
+  Json& Set(std::string_view name, Json value) &;
+  Json&& Set(std::string_view name, Json value) && { return std::move(Set(name, std::move(value))); }
   /// Sets `name` to bytes of a camera: as text, and when they are no UTF-8 also as "<name>_hex", without loss.
-  Json& SetBytes(std::string_view name, std::string_view bytes);
+  Json& SetBytes(std::string_view name, std::string_view bytes) &;
+  Json&& SetBytes(std::string_view name, std::string_view bytes) && { return std::move(SetBytes(name, bytes)); }
   /// Adds every member of another object.
-  Json& Merge(Json other);
+  Json&& Merge(Json other) &&;
   /// Whether an object has this member.
   bool Has(std::string_view name) const;
   /// Adds an element to an array.

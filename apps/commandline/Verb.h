@@ -34,6 +34,10 @@ struct Option {
   bool needed = false;          ///< whether the verb cannot do without it
 };
 
+/// For verbs that take none.
+inline constexpr std::span<const Argument> kNoArguments;
+inline constexpr std::span<const Option> kNoOptions;
+
 /// In `command`, the word PROGRAM stands for the program's name.
 struct Example {
   std::string_view command;
@@ -44,8 +48,8 @@ struct Example {
 struct Verb {
   std::string_view name;     ///< one word, or two ("wifi name")
   std::string_view summary;  ///< one line, without a full stop
-  std::span<const Argument> arguments;
-  std::span<const Option> options;
+  std::span<const Argument> arguments = {};
+  std::span<const Option> options = {};
   std::string_view details;  ///< paragraphs separated by an empty line; lines may end anywhere
   std::string_view json;     ///< the members of the result, one for each line: "name: meaning"
   std::span<const Example> examples;

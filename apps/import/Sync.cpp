@@ -140,8 +140,7 @@ void Sync::OnOutcome(const WriteOutcome& outcome) {
   if (context_.guard != nullptr) context_.guard->Count(1, outcome.row->size);
   if (options_.deleteAfter && outcome.row->verified) deletable_.push_back(outcome.item);
   if (!context_.Json()) return;
-  Json members = Json::Object();
-  members.SetBytes("path", outcome.item->CameraPath()).SetBytes("file", outcome.row->path);
+  Json members = Json::Object().SetBytes("path", outcome.item->CameraPath()).SetBytes("file", outcome.row->path);
   members.Set("size", outcome.row->size).Set("sha1", outcome.row->sha1).Set("verified", outcome.row->verified);
   context_.Event("stored", std::move(members.Set("was_here", outcome.wasThere)), "");
 }
@@ -151,8 +150,7 @@ void Sync::Fail(const SyncItem& item, const std::string& sentence) {
   ++totals_.failed;
   context_.reporter.Error(sentence, ExitCode::kPartial);
   if (!context_.Json()) return;
-  Json members = Json::Object();
-  context_.Event("failed", std::move(members.SetBytes("path", item.CameraPath()).Set("error", sentence)), "");
+  context_.Event("failed", Json::Object().SetBytes("path", item.CameraPath()).Set("error", sentence), "");
 }
 
 bool Sync::IsOnDisk(const ManifestRow& row) const {
@@ -187,7 +185,7 @@ void Sync::DeleteOne(const SyncItem& item) {
   if (!camera_.DeleteFile(path.c_str())) return Fail(item, "The camera refused to delete " + Printable(path) + ".");
   manifest_.MarkDeleted(item.Key());
   ++totals_.deleted;
-  if (context_.Json()) context_.Event("deleted", std::move(Json::Object().SetBytes("path", path)), "");
+  if (context_.Json()) context_.Event("deleted", Json::Object().SetBytes("path", path), "");
 }
 
 void Sync::ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item) {

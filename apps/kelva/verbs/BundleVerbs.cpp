@@ -25,9 +25,8 @@ std::string LocalName(const std::string& name) {
 
 Json Store(const TargetFolder& folder, const _Sha1obj& file) {
   const Stored stored = StoreBeside(folder, LocalName(file.name), file.data, Sha1(file.data));
-  Json members = Json::Object();
-  members.SetBytes("name", file.name).SetBytes("file", folder.PathOf(stored.name)).Set("size", file.data.size());
-  return std::move(members.Set("new", !stored.wasThere));
+  Json members = Json::Object().SetBytes("name", file.name).SetBytes("file", folder.PathOf(stored.name));
+  return std::move(members.Set("size", file.data.size()).Set("new", !stored.wasThere));
 }
 
 std::string Line(const _Sha1obj& file) {
@@ -36,8 +35,7 @@ std::string Line(const _Sha1obj& file) {
 
 ExitCode RunCrashLogs(Context& context) {
   const TargetFolder folder = Into(context);
-  context.Doing("read the crash logs");
-  const Session camera(context);
+  const Session camera(context, "read the crash logs");
   std::vector<_Sha1obj> logs;
   {
     Progress progress(context.reporter, context.stop, "crash logs", 0);
@@ -63,8 +61,7 @@ ExitCode RunCrashLogs(Context& context) {
 
 ExitCode RunCalibration(Context& context) {
   const TargetFolder folder = Into(context);
-  context.Doing("read the calibration files");
-  const Session camera(context);
+  const Session camera(context, "read the calibration files");
   std::vector<_Sha1obj> files;
   {
     Progress progress(context.reporter, context.stop, "calibration", 0);
@@ -94,24 +91,16 @@ constexpr Example kCalibrationExamples[] = {
     {"kelva calibration --into calibration", "Keep them in a folder of their own."}};
 
 constexpr Verb kVerbs[] = {
-    {"crash-logs",
-     "Fetch the camera's crash logs",
-     {},
-     kCrashOptions,
+    {"crash-logs", "Fetch the camera's crash logs", kNoArguments, kCrashOptions,
      R"(All logs come in one bundle. They stay on the camera unless you give --delete. A log that is in the folder
 already is not written again. An existing file with other content is kept, and the new log gets a number.)",
      R"(logs: array of name, file, size, new, and with --delete deleted; or of path and error
 failed: how many were not stored)",
-     kCrashExamples,
-     RunCrashLogs},
-    {"calibration",
-     "Fetch the camera's calibration files",
-     {},
-     kCalibrationOptions,
+     kCrashExamples, RunCrashLogs},
+    {"calibration", "Fetch the camera's calibration files", kNoArguments, kCalibrationOptions,
      "The camera sends at most 31 files, in one bundle.",
      "files: array of name, file, size, new; or of path and error\nfailed: how many were not stored",
-     kCalibrationExamples,
-     RunCalibration},
+     kCalibrationExamples, RunCalibration},
 };
 
 }  // namespace

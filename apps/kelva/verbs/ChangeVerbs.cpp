@@ -42,8 +42,7 @@ ExitCode RunPut(Context& context) {
   ToCameraPath(context.call.words[1]);  // a wrong path is an error before anything is read
   constexpr auto kMost = static_cast<unsigned long long>(std::numeric_limits<int>::max());
   const std::vector<char> bytes = ReadLocalFile(file, kMost);
-  context.Doing("write " + Printable(context.call.words[1]));
-  const Session camera(context);
+  const Session camera(context, "write " + Printable(context.call.words[1]));
   const std::string path = TargetPath(*camera, context.call.words[1], file);
   context.Doing("write " + Printable(path));
   if (!context.call.Has("force") && FindEntry(*camera, path)) {
@@ -51,25 +50,21 @@ ExitCode RunPut(Context& context) {
                   "There is a " + Printable(path) + " on the camera already, and it was kept; --force replaces it.");
   }
   WriteRemoteFile(context, *camera, bytes, path);
-  Json members = CameraResult(camera);
-  members.SetBytes("file", file).SetBytes("path", path).Set("size", bytes.size());
-  context.Result(std::move(members), "");
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera).SetBytes("file", file).SetBytes("path", path).Set("size", bytes.size()),
+                        "");
 }
 
 ExitCode RunRm(Context& context) {
   std::vector<std::string> paths;
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
-  context.Doing("delete " + Printable(paths[0]));
-  const Session camera(context);
+  const Session camera(context, "delete " + Printable(paths[0]));
   Each each(context, "files");
   for (const std::string& path : paths) {
     each.Try(path, [&] {
       context.stop.Check();
       context.Doing("delete " + Printable(path));
       DeleteRemoteFile(*camera, path);
-      Json members = Json::Object();
-      return members.SetBytes("path", path);
+      return Json::Object().SetBytes("path", path);
     });
   }
   return each.Finish(CameraResult(camera));
@@ -88,15 +83,10 @@ constexpr Verb kVerbs[] = {
 camera is kept unless you give --force. After Ctrl-C or an error the unfinished file is deleted from the camera. Files
 of 2 GiB and more cannot be sent. A file needs memory of twice its size.)",
      "file: of this computer\npath: on the camera\nsize: bytes", kPutExamples, RunPut},
-    {"rm",
-     "Delete files on the camera",
-     kRmArguments,
-     {},
+    {"rm", "Delete files on the camera", kRmArguments, kNoOptions,
      R"(Reads the folder's listing before and after: a file that is not there, or that stays, is an error. `kelva
 pictures rm` deletes a picture with all its files.)",
-     "files: array of path, or of path and error\nfailed: how many were not deleted",
-     kRmExamples,
-     RunRm},
+     "files: array of path, or of path and error\nfailed: how many were not deleted", kRmExamples, RunRm},
 };
 
 }  // namespace

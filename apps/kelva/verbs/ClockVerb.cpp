@@ -56,11 +56,10 @@ ExitCode ShowTime(Context& context, const Session& camera, bool utc) {
   const auto time = DecodeClock(record);
   if (!time) return ShowUnknown(context, camera, record);
   const double ahead = std::chrono::duration<double>(*time - host).count();
-  Json members = CameraResult(camera);
-  members.Set("time", IsoText(*time)).Set("zone", utc ? "utc" : "local");
+  Json members = CameraResult(camera).Set("time", IsoText(*time)).Set("zone", utc ? "utc" : "local");
   members.Set("seconds_ahead", ahead).Set("record", base::Hex(Bytes14(record)));
-  context.Result(std::move(members), IsoText(*time) + (utc ? " UTC" : " local time") + ", " + Difference(ahead) + "\n");
-  return ExitCode::kDone;
+  return context.Result(std::move(members),
+                        IsoText(*time) + (utc ? " UTC" : " local time") + ", " + Difference(ahead) + "\n");
 }
 
 ExitCode RunTime(Context& context) {
@@ -69,8 +68,7 @@ ExitCode RunTime(Context& context) {
   if (wanted) {
     TimeToSet(*wanted, utc);  // a wrong time is an error before the camera is opened
   }
-  context.Doing(wanted ? "set the camera's clock" : "read the camera's clock");
-  const Session camera(context);
+  const Session camera(context, wanted ? "set the camera's clock" : "read the camera's clock");
   // Only now, so that the time spent on opening is not lost.
   if (wanted) camera->SetTime(EncodeClock(TimeToSet(*wanted, utc)));
   return ShowTime(context, camera, utc);
@@ -89,10 +87,7 @@ constexpr Example kExamples[] = {
 };
 
 constexpr Verb kVerbs[] = {
-    {"time",
-     "Show or set the camera's clock",
-     {},
-     kOptions,
+    {"time", "Show or set the camera's clock", kNoArguments, kOptions,
      R"(The camera's clock has no time zone. The tool takes it as UTC, or as local time with --zone local, both to
 show and to set it, and prints the zone beside the time.
 
@@ -103,8 +98,7 @@ shown.)",
 zone: utc or local, as the time was read
 seconds_ahead: how far the camera is ahead of this computer
 record: the 14 bytes in hexadecimal)",
-     kExamples,
-     RunTime}};
+     kExamples, RunTime}};
 
 }  // namespace
 

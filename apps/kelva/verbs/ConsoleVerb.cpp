@@ -17,7 +17,7 @@ std::string Shown(const Context& context, const std::string& text) {
 }
 
 void Give(Context& context, const std::string& text) {
-  context.Event("console", std::move(Json::Object().SetBytes("text", text)), Shown(context, text));
+  context.Event("console", Json::Object().SetBytes("text", text), Shown(context, text));
 }
 
 // Gives what there is now.
@@ -33,16 +33,14 @@ void Drain(Context& context, Camera& camera) {
 }
 
 ExitCode RunConsole(Context& context) {
-  context.Doing("read the console log");
-  const Session camera(context);
+  const Session camera(context, "read the console log");
   Drain(context, *camera);
   while (context.call.Has("follow")) {
     context.stop.Check();
     std::this_thread::sleep_for(300ms);
     Drain(context, *camera);
   }
-  context.Result(CameraResult(camera), "");
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera), "");
 }
 
 constexpr Option kOptions[] = {{"follow", 'f', "", "Go on showing what the camera logs, until Ctrl-C."}};
@@ -52,15 +50,10 @@ constexpr Example kExamples[] = {
 };
 
 constexpr Verb kVerbs[] = {
-    {"console",
-     "Show the camera's console log",
-     {},
-     kOptions,
+    {"console", "Show the camera's console log", kNoArguments, kOptions,
      R"(The camera hands over its log only once: what was shown is gone from the camera. On a terminal, control
 characters of the log are shown as \xNN; into a file or a pipe the log goes unchanged.)",
-     "events, one object a line: console (text, a piece of the log)",
-     kExamples,
-     RunConsole}};
+     "events, one object a line: console (text, a piece of the log)", kExamples, RunConsole}};
 
 }  // namespace
 

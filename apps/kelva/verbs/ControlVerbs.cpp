@@ -11,29 +11,26 @@ namespace apps {
 namespace {
 
 ExitCode RunGet(Context& context) {
-  context.Doing("read the manual controls");
-  const Session camera(context);
+  const Session camera(context, "read the manual controls");
   _ManualControlsState state{};
   if (!camera->GetManualControlsState(state)) {
     throw Failure(ExitCode::kFailed, "The camera gave no state of its manual controls.");
   }
-  Json members = CameraResult(camera);
-  members.Set("first", state.first).Set("second", state.second).Set("third", NumberOf(state.third));
+  Json members = CameraResult(camera).Set("first", state.first).Set("second", state.second);
+  members.Set("third", NumberOf(state.third));
   members.Set("fourth", state.fourth).Set("fifth", state.fifth).Set("sixth", state.sixth);
-  context.Result(std::move(members), Columns({{"first", std::to_string(state.first)},
-                                              {"second", std::to_string(state.second)},
-                                              {"third", Shortest(state.third)},
-                                              {"fourth", Shortest(state.fourth)},
-                                              {"fifth", Shortest(state.fifth)},
-                                              {"sixth", std::to_string(state.sixth)}}));
-  return ExitCode::kDone;
+  return context.Result(std::move(members), Columns({{"first", std::to_string(state.first)},
+                                                     {"second", std::to_string(state.second)},
+                                                     {"third", Shortest(state.third)},
+                                                     {"fourth", Shortest(state.fourth)},
+                                                     {"fifth", Shortest(state.fifth)},
+                                                     {"sixth", std::to_string(state.sixth)}}));
 }
 
 ExitCode RunSet(Context& context) {
   const auto control = static_cast<int>(ParseNumber(context.call.words[0], "the number of a control", 0, 255));
   const std::string& value = context.call.words[1];
-  context.Doing("set a manual control");
-  const Session camera(context);
+  const Session camera(context, "set a manual control");
   if (!camera->SetManualControl(control, value)) {
     throw Failure(ExitCode::kRefused, "The camera did not accept the command.");
   }
@@ -56,22 +53,15 @@ constexpr Example kSetExamples[] = {{"kelva control set 3 0.5", "Send the comman
 constexpr Verb kVerbs[] = {
     {.name = "control",
      .summary = "Show the manual controls",
-     .arguments = {},
-     .options = {},
      .details = "Six numbers, whose meaning the camera defines. `kelva control get` is the same command.",
      .json = kMembers,
      .examples = kGetExamples,
      .run = RunGet,
      .alias = "control get"},
-    {"control set",
-     "Set a manual control",
-     kSet,
-     {},
+    {"control set", "Set a manual control", kSet, kNoOptions,
      R"(The command has no data phase: the camera learns the number of the control, but not the value. The tool says
 so and ends with exit status 0.)",
-     "control: its number\ntext_sent: always false",
-     kSetExamples,
-     RunSet},
+     "control: its number\ntext_sent: always false", kSetExamples, RunSet},
 };
 
 }  // namespace

@@ -14,8 +14,8 @@ namespace apps {
 namespace {
 
 Json Members(const doctor::Finding& finding) {
-  Json members = Json::Object();
-  members.Set("condition", doctor::WordOf(finding.condition)).Set("harmless", doctor::IsHarmless(finding.condition));
+  Json members = Json::Object().Set("condition", doctor::WordOf(finding.condition));
+  members.Set("harmless", doctor::IsHarmless(finding.condition));
   members.SetBytes("serial", finding.serial).SetBytes("sentence", finding.sentence);
   return std::move(members.SetBytes("command", finding.command).SetBytes("advice", finding.advice));
 }
@@ -43,25 +43,19 @@ ExitCode RunDoctor(Context& context) {
     harmless = harmless && doctor::IsHarmless(finding.condition);
   }
   const ExitCode code = harmless ? ExitCode::kDone : ExitCode::kFailed;
-  context.Result(Json::Object().Set("findings", std::move(list)), text, code);
-  return code;
+  return context.Result(Json::Object().Set("findings", std::move(list)), text, code);
 }
 
 constexpr Example kExamples[] = {{"kelva doctor", "Why does my camera not show up?"}};
 
 constexpr Verb kVerbs[] = {
-    {"doctor",
-     "Find out why a camera does not work",
-     {},
-     {},
+    {"doctor", "Find out why a camera does not work", kNoArguments, kNoOptions,
      R"(Checks from the cable upwards. Is a camera there? Has a driver taken it? Does it have a device node? May
 this user use the node? Does another program hold it? Does it answer? The first problem is reported in one sentence,
 with the command that solves it where there is one.
 
 The exit status is 0 if there is no problem, otherwise 1.)",
-     "findings: array of condition (a word), harmless, serial, sentence, command, advice",
-     kExamples,
-     RunDoctor}};
+     "findings: array of condition (a word), harmless, serial, sentence, command, advice", kExamples, RunDoctor}};
 
 }  // namespace
 

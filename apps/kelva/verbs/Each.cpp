@@ -14,9 +14,8 @@ void Each::Try(const std::string& path, const std::function<Json()>& work) {
     // Nothing more can be had from a camera that is not there.
     if (outcome.code == ExitCode::kGone) throw;
     context_.reporter.Error(outcome.sentence, outcome.code);
-    Json members = Json::Object();
-    members.SetBytes("path", path).Set("reason", WordOf(outcome.code)).Set("error", outcome.sentence);
-    outcomes_.Push(std::move(members));
+    Json members = Json::Object().SetBytes("path", path).Set("reason", WordOf(outcome.code));
+    outcomes_.Push(std::move(members.Set("error", outcome.sentence)));
     if (!firstFailure_) firstFailure_ = outcome.code;
     ++failed_;
   }
@@ -25,8 +24,7 @@ void Each::Try(const std::string& path, const std::function<Json()>& work) {
 ExitCode Each::Finish(Json result) {
   const ExitCode code = failed_ == 0 ? ExitCode::kDone : done_ == 0 ? *firstFailure_ : ExitCode::kPartial;
   result.Set(member_, std::move(outcomes_)).Set("failed", failed_);
-  context_.Result(std::move(result), "", code);
-  return code;
+  return context_.Result(std::move(result), "", code);
 }
 
 }  // namespace apps

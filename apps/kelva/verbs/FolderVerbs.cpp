@@ -45,8 +45,7 @@ std::string Attributes(const CameraDirent& entry) {
 }
 
 Json Members(const CameraDirent& entry) {
-  Json members = Json::Object();
-  members.SetBytes("name", entry.name).Set("type", IsFolder(entry) ? "folder" : "file");
+  Json members = Json::Object().SetBytes("name", entry.name).Set("type", IsFolder(entry) ? "folder" : "file");
   return members.Set("size", SizeOf(entry)).Set("attributes", entry.attributes);
 }
 
@@ -64,8 +63,7 @@ void CheckFolder(Camera& camera, const std::string& path) {
 
 ExitCode RunLs(Context& context) {
   const std::string path = WantedFolder(context);
-  context.Doing("list " + Printable(path));
-  const Session camera(context);
+  const Session camera(context, "list " + Printable(path));
   CheckFolder(*camera, path);
   const std::vector<CameraDirent> entries = Listing(*camera, path);
   Json list = Json::Array();
@@ -74,10 +72,8 @@ ExitCode RunLs(Context& context) {
     list.Push(Members(entry));
     rows.push_back({Attributes(entry), IsFolder(entry) ? "" : std::to_string(SizeOf(entry)), Printable(entry.name)});
   }
-  Json members = CameraResult(camera);
-  members.SetBytes("path", path).Set("entries", std::move(list));
-  context.Result(std::move(members), Columns(rows, {1}));
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera).SetBytes("path", path).Set("entries", std::move(list)),
+                        Columns(rows, {1}));
 }
 
 // Walks a tree and gives each entry with its path and depth, in the camera's order.
@@ -106,8 +102,7 @@ class Walk {
 
 ExitCode RunTree(Context& context) {
   const std::string path = WantedFolder(context);
-  context.Doing("walk through " + Printable(path));
-  const Session camera(context);
+  const Session camera(context, "walk through " + Printable(path));
   CheckFolder(*camera, path);
   unsigned long long files = 0;
   unsigned long long bytes = 0;
@@ -123,10 +118,9 @@ ExitCode RunTree(Context& context) {
     const std::string size = IsFolder(entry) ? "\\" : "  " + Bytes(SizeOf(entry));
     context.out.Add(std::string(static_cast<std::size_t>(depth) * 2 + 2, ' ') + Printable(entry.name) + size + "\n");
   });
-  Json members = CameraResult(camera);
-  members.SetBytes("path", path).Set("files", files).Set("bytes", bytes).Set("entries", std::move(list));
-  context.Result(std::move(members), std::to_string(files) + " files, " + Bytes(bytes) + "\n");
-  return ExitCode::kDone;
+  Json members = CameraResult(camera).SetBytes("path", path).Set("files", files).Set("bytes", bytes);
+  members.Set("entries", std::move(list));
+  return context.Result(std::move(members), std::to_string(files) + " files, " + Bytes(bytes) + "\n");
 }
 
 constexpr Argument kPath[] = {
@@ -135,26 +129,18 @@ constexpr Example kLsExamples[] = {{"kelva ls I:/DCIM", "The picture folders."}}
 constexpr Example kTreeExamples[] = {{"kelva tree", "Everything on the camera."}};
 
 constexpr Verb kVerbs[] = {
-    {"ls",
-     "List a folder of the camera",
-     kPath,
-     {},
+    {"ls", "List a folder of the camera", kPath, kNoOptions,
      R"(One line for each entry, in the camera's order: attributes (d folder, r read-only, h hidden, s system, a
 archive), size in bytes, name. Control characters in a name are shown as \xNN.)",
-     "path: the folder\nentries: array of name, type (file or folder), size, attributes (FAT bits)",
-     kLsExamples,
+     "path: the folder\nentries: array of name, type (file or folder), size, attributes (FAT bits)", kLsExamples,
      RunLs},
-    {"tree",
-     "Show a folder of the camera with everything below it",
-     kPath,
-     {},
+    {"tree", "Show a folder of the camera with everything below it", kPath, kNoOptions,
      "Asks the camera for one folder after another, so a large tree takes a while.",
      R"(path: the folder
 files: how many
 bytes: their total size
 entries: array of path, name, type, size, attributes)",
-     kTreeExamples,
-     RunTree},
+     kTreeExamples, RunTree},
 };
 
 }  // namespace

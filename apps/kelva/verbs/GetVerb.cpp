@@ -79,9 +79,7 @@ Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const 
   context.stop.Check();
   target.replace ? StoreReplacing(folder, name, bytes) : StoreNew(folder, name, bytes);
   stored.insert(name);
-  Json members = Json::Object();
-  members.SetBytes("path", path).SetBytes("file", folder.PathOf(name)).Set("size", bytes.size());
-  return members;
+  return Json::Object().SetBytes("path", path).SetBytes("file", folder.PathOf(name)).Set("size", bytes.size());
 }
 
 ExitCode RunGet(Context& context) {
@@ -90,14 +88,12 @@ ExitCode RunGet(Context& context) {
   std::vector<std::string> paths;
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
   if (target.toOutput) {
-    context.Doing("read " + Printable(paths[0]));
-    const Session camera(context);
+    const Session camera(context, "read " + Printable(paths[0]));
     ToOutput(context, ReadRemoteFile(context, *camera, paths[0]));
     return ExitCode::kDone;
   }
   const TargetFolder folder = TargetFolder::Open(target.folder);
-  context.Doing("read " + Printable(paths[0]));
-  const Session camera(context);
+  const Session camera(context, "read " + Printable(paths[0]));
   Each each(context, "files");
   std::set<std::string> stored;
   for (const std::string& path : paths) {

@@ -58,8 +58,8 @@ Json BatchGetOne(Context& context, Camera& camera, const TargetFolder& folder, c
   }
   const Stored stored = StoreBeside(folder, SafeName(word), file.data, sha1);
   folder.Sync();
-  Json members = Json::Object();
-  members.Set("key", request.key).Set("qualifier", request.qualifier).SetBytes("file", folder.PathOf(stored.name));
+  Json members = Json::Object().Set("key", request.key).Set("qualifier", request.qualifier);
+  members.SetBytes("file", folder.PathOf(stored.name));
   return members.Set("size", file.data.size()).Set("sha1", sha1);
 }
 
@@ -69,9 +69,8 @@ TargetFolder Into(const Context& context) {
 
 ExitCode RunBatchGet(Context& context) {
   const TargetFolder folder = Into(context);
-  context.Doing("fetch files by key");
   for (const std::string& word : context.call.words) Understand(word);
-  const Session camera(context);
+  const Session camera(context, "fetch files by key");
   Each each(context, "files");
   for (const std::string& word : context.call.words) {
     each.Try(word, [&] { return BatchGetOne(context, *camera, folder, word); });
@@ -85,20 +84,17 @@ ExitCode RunBatchRm(Context& context) {
       throw Failure(ExitCode::kUsage, "`kelva batch rm` takes keys without an extension.");
     }
   }
-  context.Doing("delete files by key");
-  const Session camera(context);
+  const Session camera(context, "delete files by key");
   if (!camera->DeleteBatch(context.call.words, true)) {
     throw Failure(ExitCode::kRefused, "The camera refused to delete the files.");
   }
-  context.Result(CameraResult(camera).Set("keys", context.call.words.size()), "");
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera).Set("keys", context.call.words.size()), "");
 }
 
 ExitCode RunRaw(Context& context) {
   const std::string key = Understand(context.call.words[0]).key;
   const TargetFolder folder = Into(context);
-  context.Doing("fetch the compressed raw data of " + key);
-  const Session camera(context);
+  const Session camera(context, "fetch the compressed raw data of " + key);
   std::vector<_Sha1obj> parts;
   {
     Progress progress(context.reporter, context.stop, key, 0);
@@ -110,12 +106,10 @@ ExitCode RunRaw(Context& context) {
     // With one part alone the camera does not say which of the two it is.
     const std::string name = key + (parts.size() == 1 ? ".raw" : ".raw" + std::to_string(i + 1));
     const Stored stored = StoreBeside(folder, name, parts[i].data, Sha1(parts[i].data));
-    Json members = Json::Object();
-    list.Push(members.SetBytes("file", folder.PathOf(stored.name)).Set("size", parts[i].data.size()));
+    list.Push(Json::Object().SetBytes("file", folder.PathOf(stored.name)).Set("size", parts[i].data.size()));
   }
   folder.Sync();
-  context.Result(CameraResult(camera).Set("key", key).Set("parts", std::move(list)), "");
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera).Set("key", key).Set("parts", std::move(list)), "");
 }
 
 constexpr Argument kKeys[] = {{"KEY", "A file's SHA-1, 40 hexadecimal digits; KEY.RAW is the raw file of its picture.",
@@ -137,14 +131,9 @@ constexpr Verb kVerbs[] = {
 and the new file gets a number.)",
      "files: array of key, qualifier, file, size, sha1, or of path and error\nfailed: how many were not fetched",
      kGetExamples, RunBatchGet},
-    {"batch rm",
-     "Delete files by their SHA-1",
-     kPlainKeys,
-     {},
+    {"batch rm", "Delete files by their SHA-1", kPlainKeys, kNoOptions,
      "Sends all keys in one command. The camera does not report each file; `kelva pictures` shows what is left.",
-     "keys: how many were sent",
-     kRmExamples,
-     RunBatchRm},
+     "keys: how many were sent", kRmExamples, RunBatchRm},
     {"raw", "Fetch the compressed raw data of a picture", kKey, kInto,
      R"(The data has up to two parts, stored as KEY.raw1 and KEY.raw2; an empty part is left out. A single part is
 stored as KEY.raw, because the camera does not say which of the two it is.)",

@@ -24,11 +24,10 @@ int UnusableCameras() {
 }
 
 Json CameraMembers(const AttachedCamera& camera) {
-  Json members = Json::Object();
-  members.SetBytes("serial", camera.facts.serial).SetBytes("vendor", camera.facts.vendor);
-  members.SetBytes("product", camera.facts.product).SetBytes("revision", camera.facts.revision);
-  members.Set("driver", camera.facts.driver).Set("expected_driver", camera.camera->IsScsiInquiryCorrect());
-  return members;
+  const RegistryCamera& facts = camera.facts;
+  Json members = Json::Object().SetBytes("serial", facts.serial).SetBytes("vendor", facts.vendor);
+  members.SetBytes("product", facts.product).SetBytes("revision", facts.revision);
+  return members.Set("driver", facts.driver).Set("expected_driver", camera.camera->IsScsiInquiryCorrect());
 }
 
 std::string Table(const std::vector<AttachedCamera>& cameras) {
@@ -68,10 +67,7 @@ constexpr Example kExamples[] = {
 };
 
 constexpr Verb kVerbs[] = {
-    {"list",
-     "Show the cameras that are attached",
-     {},
-     {},
+    {"list", "Show the cameras that are attached", kNoArguments, kNoOptions,
      R"(Reads the system's device registry and opens no camera, so it also works while another program uses a
 camera. If no camera is attached, the list is empty and the exit status is 0. With --serial or KELVA_SERIAL only that
 camera is shown; if it is not attached, that is an error.
@@ -80,8 +76,7 @@ DRIVER is the kernel driver that serves the camera: com_kelva_Glimmer, or com_ke
 sees a disk in the camera. All commands work with both.)",
      R"(cameras: array of serial, vendor, product, revision, driver, expected_driver
 unusable: how many cameras the system took for CD drives)",
-     kExamples,
-     RunList}};
+     kExamples, RunList}};
 
 }  // namespace
 

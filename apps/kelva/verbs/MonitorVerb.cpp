@@ -9,8 +9,7 @@ namespace apps {
 namespace {
 
 ExitCode RunMonitor(Context& context) {
-  context.Doing("send a line to the camera's monitor");
-  const Session camera(context);
+  const Session camera(context, "send a line to the camera's monitor");
   const char* line = context.call.words[0].c_str();
   const bool taken = context.call.Has("char") ? camera->MonitorCmdSingleChar(line) : camera->MonitorCmd(line);
   if (!taken) {
@@ -19,8 +18,7 @@ ExitCode RunMonitor(Context& context) {
                   "The camera did not accept the line; `kelva list` shows whether it is still attached, and `kelva "
                   "console` what it reports.");
   }
-  context.Result(CameraResult(camera), "");
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera), "");
 }
 
 constexpr Argument kArguments[] = {{"LINE", "What to send; quote a line with blanks."}};

@@ -18,8 +18,7 @@ namespace {
 ExitCode RunPictures(Context& context) {
   if (const auto sheet = context.call.Value("sheet")) return RunSheet(context, *sheet);
   if (context.call.Has("force")) throw Failure(ExitCode::kUsage, "--force goes with --sheet; a list replaces nothing.");
-  context.Doing("read the picture catalogue");
-  const Session camera(context);
+  const Session camera(context, "read the picture catalogue");
   const std::vector<DcfObj> catalogue = camera->GetDcf();
   Json list = Json::Array();
   std::vector<std::vector<std::string>> rows = {{"PICTURE", "FILES", "TIME"}};
@@ -33,8 +32,7 @@ ExitCode RunPictures(Context& context) {
 }
 
 ExitCode RunPicturesRm(Context& context) {
-  context.Doing("read the picture catalogue");
-  const Session camera(context);
+  const Session camera(context, "read the picture catalogue");
   const std::vector<DcfObj> catalogue = camera->GetDcf();
   Each each(context, "pictures");
   for (const std::string& name : context.call.words) {
@@ -45,9 +43,7 @@ ExitCode RunPicturesRm(Context& context) {
       if (!camera->DeleteDcfObject(picture)) {
         throw Failure(ExitCode::kRefused, "The camera refused to delete the picture " + PictureName(picture) + ".");
       }
-      Json members = Json::Object();
-      members.SetBytes("folder", PictureFolder(picture));
-      return std::move(members.SetBytes("name", PictureStem(picture)));
+      return Json::Object().SetBytes("folder", PictureFolder(picture)).SetBytes("name", PictureStem(picture));
     });
   }
   return each.Finish(CameraResult(camera));
@@ -69,10 +65,7 @@ constexpr Example kExamples[] = {
 };
 
 constexpr Verb kVerbs[] = {
-    {"pictures",
-     "List the camera's picture catalogue, or make a contact sheet of it",
-     {},
-     kOptions,
+    {"pictures", "List the camera's picture catalogue, or make a contact sheet of it", kNoArguments, kOptions,
      R"(The camera sends its catalogue in one answer, so this is quick however many pictures there are.
 
 With --sheet the pictures are drawn into one HTML file, which needs no scripts, no network and no other files. It
@@ -93,17 +86,10 @@ pictures (with --sheet): array of folder, name, time, types, drawn, links (files
   picture that is damaged or missing, error
 file: the sheet, with --sheet; then also size: its bytes, drawn: thumbnails, fetched: those drawn from files
   beside it, without_jpeg: pictures without a JPEG file, failed: pictures that were reported)",
-     kExamples,
-     RunPictures,
-     true,
-     "sheet"},
-    {"pictures rm",
-     "Delete pictures with all their files",
-     kName,
-     {},
+     kExamples, RunPictures, true, "sheet"},
+    {"pictures rm", "Delete pictures with all their files", kName, kNoOptions,
      "A picture is deleted with all its files. The catalogue says which pictures there are.",
-     "pictures: array of folder and name, or of path and error\nfailed: how many were not deleted",
-     kRmExamples,
+     "pictures: array of folder and name, or of path and error\nfailed: how many were not deleted", kRmExamples,
      RunPicturesRm},
 };
 

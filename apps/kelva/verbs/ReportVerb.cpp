@@ -121,15 +121,12 @@ ExitCode RunReport(Context& context) {
     throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
                                          " already, and it was kept; choose another name for the report.");
   }
-  context.Doing("open the camera");
-  const Session camera(context);
+  const Session camera(context, "open the camera");
   Report report(context);
   Gather(context, camera, report);
   StoreNew(folder, name, report.Finish());
   const ExitCode code = report.IsWhole() ? ExitCode::kDone : ExitCode::kPartial;
-  Json members = CameraResult(camera);
-  members.SetBytes("file", path).Set("files", report.Files());
-  context.Result(std::move(members), "", code);
+  context.Result(CameraResult(camera).SetBytes("file", path).Set("files", report.Files()), "", code);
   context.reporter.Note("The report is in " + Printable(path) + "; look through it before you send it to anyone.");
   return code;
 }
@@ -138,17 +135,12 @@ constexpr Argument kArguments[] = {{"FILE", "The archive to write, a tar file.",
 constexpr Example kExamples[] = {{"kelva report camera.tar", "Gather what someone who helps you needs."}};
 
 constexpr Verb kVerbs[] = {
-    {"report",
-     "Gather what helps to find a fault into one archive",
-     kArguments,
-     {},
+    {"report", "Gather what helps to find a fault into one archive", kArguments, kNoOptions,
      R"(The archive holds the camera's information, battery level and counters, its console log, crash logs and
 calibration files, and facts about this computer. It holds no pictures and no passphrases. Crash logs stay on the
 camera. The camera hands over its console log only once, so afterwards only the archive has it. A part that fails is
 reported, and the rest goes on.)",
-     "file: the archive\nfiles: how many are in it",
-     kExamples,
-     RunReport}};
+     "file: the archive\nfiles: how many are in it", kExamples, RunReport}};
 
 }  // namespace
 

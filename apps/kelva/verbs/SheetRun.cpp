@@ -101,8 +101,7 @@ ExitCode Finish(Context& context, const Session& camera, Sheet& sheet, const std
   Json members = CameraResult(camera);
   members.SetBytes("file", path).Set("size", size).Set("drawn", totals.drawn).Set("fetched", totals.fetched);
   members.Set("without_jpeg", totals.without).Set("failed", totals.failed).Set("pictures", sheet.TakeList());
-  context.Result(std::move(members), Line(totals, path, size), code);
-  return code;
+  return context.Result(std::move(members), Line(totals, path, size), code);
 }
 
 }  // namespace
@@ -112,8 +111,7 @@ ExitCode RunSheet(Context& context, const std::string& path) {
   const bool replace = context.call.Has("force");
   const TargetFolder folder = TargetFolder::Open(target.folder);
   if (!replace && folder.Has(target.name)) throw Taken(folder, target.name);
-  context.Doing("read the picture catalogue");
-  const Session camera(context);
+  const Session camera(context, "read the picture catalogue");
   const std::vector<DcfObj> catalogue = InSheetOrder(camera->GetDcf());
   context.Doing("list the folders of the pictures");
   const std::vector<FileSizes> sizes = ReadFileSizes(context.stop, *camera, catalogue);

@@ -14,8 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 ExitCode RunReady(Context& context) {
-  context.Doing("ask whether the camera is ready");
-  const Session camera(context);
+  const Session camera(context, "ask whether the camera is ready");
   const bool wait = context.call.Has("wait");
   bool ready = camera->IsReady();
   while (wait && !ready) {
@@ -24,29 +23,23 @@ ExitCode RunReady(Context& context) {
     ready = camera->IsReady();
   }
   const ExitCode code = ready ? ExitCode::kDone : ExitCode::kFailed;
-  context.Result(CameraResult(camera).Set("ready", ready), ready ? "ready\n" : "not ready\n", code);
-  return code;
+  return context.Result(CameraResult(camera).Set("ready", ready), ready ? "ready\n" : "not ready\n", code);
 }
 
 ExitCode RunBattery(Context& context) {
-  context.Doing("read the battery level");
-  const Session camera(context);
+  const Session camera(context, "read the battery level");
   const float level = camera->BatteryLevel();
-  context.Result(CameraResult(camera).Set("level", NumberOf(level)), Shortest(level) + "\n");
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera).Set("level", NumberOf(level)), Shortest(level) + "\n");
 }
 
 ExitCode RunDoneCount(Context& context) {
-  context.Doing("read the count of completed commands");
-  const Session camera(context);
+  const Session camera(context, "read the count of completed commands");
   const int count = camera->GetDoneCmdCount();
-  context.Result(CameraResult(camera).Set("count", count), std::to_string(count) + "\n");
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera).Set("count", count), std::to_string(count) + "\n");
 }
 
 ExitCode RunCapture(Context& context) {
-  context.Doing("take a picture");
-  const Session camera(context);
+  const Session camera(context, "take a picture");
   if (!camera->CaptureImage(true))
     throw Failure(ExitCode::kRefused, "The camera did not accept the command to take a picture.");
   context.Result(CameraResult(camera), "");
@@ -84,49 +77,24 @@ constexpr Example kDoneCountExamples[] = {
 constexpr Example kCaptureExamples[] = {{"kelva capture", "Take a picture."}};
 
 constexpr Verb kVerbs[] = {
-    {"ready",
-     "Ask whether the camera is ready",
-     {},
-     kReadyOptions,
-     "The exit status is 0 if it is ready and 1 if not, so a script need not read the answer.",
-     "ready: true or false",
-     kReadyExamples,
-     RunReady},
-    {"battery",
-     "Show the battery level",
-     {},
-     {},
+    {"ready", "Ask whether the camera is ready", kNoArguments, kReadyOptions,
+     "The exit status is 0 if it is ready and 1 if not, so a script need not read the answer.", "ready: true or false",
+     kReadyExamples, RunReady},
+    {"battery", "Show the battery level", kNoArguments, kNoOptions,
      "The number is in the camera's own unit, which differs between models.",
-     "level: number; null if the camera sends no valid number",
-     kBatteryExamples,
-     RunBattery},
-    {"done-count",
-     "Show how many commands the camera has completed",
-     {},
-     {},
-     "Compare the counts before and after a command to see whether the camera has finished it.",
-     "count: whole number",
-     kDoneCountExamples,
-     RunDoneCount},
-    {"capture",
-     "Take a picture",
-     {},
-     {},
+     "level: number; null if the camera sends no valid number", kBatteryExamples, RunBattery},
+    {"done-count", "Show how many commands the camera has completed", kNoArguments, kNoOptions,
+     "Compare the counts before and after a command to see whether the camera has finished it.", "count: whole number",
+     kDoneCountExamples, RunDoneCount},
+    {"capture", "Take a picture", kNoArguments, kNoOptions,
      R"(Returns as soon as the camera has accepted the command. The picture appears in the catalogue when it is
 stored.)",
-     "",
-     kCaptureExamples,
-     RunCapture},
-    {"reboot",
-     "Restart the camera",
-     {},
-     kRebootOptions,
+     "", kCaptureExamples, RunCapture},
+    {"reboot", "Restart the camera", kNoArguments, kRebootOptions,
      R"(The camera disappears and comes back; until then commands fail with exit status 5 or 3. With --wait the
 command ends when the camera with the same serial number is back and ready. It ends with exit status 8 if --timeout
 passes first, and with 1 if the camera does not restart at all.)",
-     "back: true with --wait",
-     kRebootExamples,
-     RunReboot},
+     "back: true with --wait", kRebootExamples, RunReboot},
 };
 
 }  // namespace

@@ -25,15 +25,12 @@ void LockFolder(const TargetFolder& folder) {
 ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan) {
   for (const SyncItem& item : plan.items) {
     if (!item.IsNew()) continue;
-    Json members = Json::Object();
-    members.SetBytes("path", item.CameraPath()).SetBytes("file", item.LocalText());
-    context.Event("would_store", std::move(members),
+    context.Event("would_store", Json::Object().SetBytes("path", item.CameraPath()).SetBytes("file", item.LocalText()),
                   Printable(item.CameraPath()) + "  ->  " + Printable(item.LocalText()) + "\n");
   }
-  Json members = CameraResult(camera);
-  members.Set("new", plan.NewFiles()).Set("known", plan.items.size() - plan.NewFiles());
-  context.Result(std::move(members), "");
-  context.reporter.Note(std::to_string(plan.NewFiles()) + " files are new; nothing was fetched.");
+  const std::size_t fresh = plan.NewFiles();
+  context.Result(CameraResult(camera).Set("new", fresh).Set("known", plan.items.size() - fresh), "");
+  context.reporter.Note(std::to_string(fresh) + " files are new; nothing was fetched.");
   return ExitCode::kDone;
 }
 
@@ -66,8 +63,7 @@ ExitCode Finish(Context& context, const Session& camera, const Sync& sync, std::
 ExitCode RunDry(Context& context, const std::string& path, const std::vector<int>& types, const Pattern& pattern) {
   const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
   Manifest manifest = missing ? Manifest() : Manifest(TargetFolder::Open(path), false);
-  context.Doing("read the picture catalogue");
-  const Session camera(context);
+  const Session camera(context, "read the picture catalogue");
   return ShowPlan(context, camera, MakePlan(camera->GetDcf(), camera.Facts().serial, types, pattern, manifest));
 }
 
@@ -81,9 +77,8 @@ ExitCode RunSync(Context& context) {
   const std::string& path = context.call.words[0];
   if (context.call.Has("dry-run")) return RunDry(context, path, types, pattern);
 
-  context.Doing("read the picture catalogue");
   // First, so that a camera that is not there leaves no folder behind.
-  const Session camera(context);
+  const Session camera(context, "read the picture catalogue");
   const TargetFolder folder = TargetFolder::OpenOrMake(path);
   LockFolder(folder);
   Manifest manifest(folder, true);

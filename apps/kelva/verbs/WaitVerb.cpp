@@ -36,10 +36,8 @@ ExitCode RunWait(Context& context) {
   });
   running = &hotplug;
   if (!forLoss || IsAttached(context, serial)) hotplug.Run(context.stop);
-  Json members = Json::Object();
-  members.SetBytes("serial", seen).Set("attached", !forLoss);
-  context.Result(std::move(members), forLoss || seen.empty() ? "" : Printable(seen) + "\n");
-  return ExitCode::kDone;
+  return context.Result(Json::Object().SetBytes("serial", seen).Set("attached", !forLoss),
+                        forLoss || seen.empty() ? "" : Printable(seen) + "\n");
 }
 
 constexpr Option kOptions[] = {{"gone", 'g', "", "Wait until the camera is no longer attached."}};
@@ -49,15 +47,10 @@ constexpr Example kExamples[] = {
 };
 
 constexpr Verb kVerbs[] = {
-    {"wait",
-     "Wait until a camera is attached",
-     {},
-     kOptions,
+    {"wait", "Wait until a camera is attached", kNoArguments, kOptions,
      R"(Returns at once if a camera is already attached, and prints its serial number. Without --serial any camera
 will do. If --timeout passes before a camera appears, the exit status is 8.)",
-     "serial: of the camera\nattached: false with --gone",
-     kExamples,
-     RunWait}};
+     "serial: of the camera\nattached: false with --gone", kExamples, RunWait}};
 
 }  // namespace
 

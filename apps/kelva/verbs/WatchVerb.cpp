@@ -78,8 +78,7 @@ ExitCode RunWatch(Context& context) {
   running = &hotplug;
   hotplug.Run(context.stop);
   const ExitCode code = hookFailed ? ExitCode::kPartial : ExitCode::kDone;
-  context.Result(Json::Object().Set("events", seen), "", code);
-  return code;
+  return context.Result(Json::Object().Set("events", seen), "", code);
 }
 
 constexpr Option kOptions[] = {
@@ -95,10 +94,7 @@ constexpr Example kExamples[] = {
 };
 
 constexpr Verb kVerbs[] = {
-    {"watch",
-     "Report cameras as they come and go",
-     {},
-     kOptions,
+    {"watch", "Report cameras as they come and go", kNoArguments, kOptions,
      R"(Prints the cameras that are attached ("present"), then each change: "attached", "lost", and "bad" for a
 camera that the system took for a CD drive. It uses no processor time while nothing happens. It ends with Ctrl-C (exit
 status 130), after --timeout (8) or after --count events (0, or 6 if a command of --exec failed).
@@ -111,8 +107,7 @@ product: of the camera; not with bad
 revision: of the camera; not with bad
 present: true for a camera that was attached when the watch began
 events: how many events there were; at the end, with --count)",
-     kExamples,
-     RunWatch}};
+     kExamples, RunWatch}};
 
 }  // namespace
 

@@ -21,8 +21,7 @@ _VscWifiType TypeOf(const Context& context) {
 
 ExitCode Finish(Context& context, const Session& camera, bool taken, Json members) {
   if (!taken) throw Failure(ExitCode::kRefused, "The camera did not accept the Wi-Fi setting.");
-  context.Result(CameraResult(camera).Merge(std::move(members)), "");
-  return ExitCode::kDone;
+  return context.Result(CameraResult(camera).Merge(std::move(members)), "");
 }
 
 ExitCode RunName(Context& context) {
@@ -33,8 +32,7 @@ ExitCode RunName(Context& context) {
                                         std::to_string(kLongestName) + ".");
   }
   const _VscWifiType type = TypeOf(context);
-  context.Doing("set the Wi-Fi name");
-  const Session camera(context);
+  const Session camera(context, "set the Wi-Fi name");
   const bool taken = camera->SetWifiSSID(type, name);
   Json members = Json::Object();
   members.Set("setting", static_cast<int>(type)).SetBytes("ssid", std::string(kPrefix) + name);
@@ -50,8 +48,7 @@ ExitCode RunPassphrase(Context& context) {
     throw Failure(ExitCode::kUsage,
                   "A passphrase has 9 to 63 characters; this one has " + std::to_string(passphrase.size()) + ".");
   }
-  context.Doing("set the Wi-Fi passphrase");
-  const Session camera(context);
+  const Session camera(context, "set the Wi-Fi passphrase");
   return Finish(context, camera, camera->SetWifiPassphrase(type, passphrase),
                 Json::Object().Set("setting", static_cast<int>(type)));
 }
@@ -66,8 +63,7 @@ _VscWifiAuthType AuthType(const std::string& word) {
 ExitCode RunAuth(Context& context) {
   const std::string& word = context.call.words[0];
   const _VscWifiAuthType auth = AuthType(word);
-  context.Doing("set the Wi-Fi authentication");
-  const Session camera(context);
+  const Session camera(context, "set the Wi-Fi authentication");
   const bool taken = camera->SetWifiAuthType(kVscWifiType1, auth);
   const ExitCode code = Finish(context, camera, taken, Json::Object().Set("auth", word).Set("text_sent", false));
   context.reporter.Note("The camera accepted the command. The command carries no text, so \"" + word +
@@ -76,8 +72,7 @@ ExitCode RunAuth(Context& context) {
 }
 
 ExitCode RunOff(Context& context) {
-  context.Doing("switch Wi-Fi off");
-  const Session camera(context);
+  const Session camera(context, "switch Wi-Fi off");
   return Finish(context, camera, camera->DisableWifi(true), Json::Object());
 }
 
@@ -96,25 +91,15 @@ constexpr Example kOffExamples[] = {{"kelva wifi off", "Switch it off."}};
 constexpr Verb kVerbs[] = {
     {"wifi name", "Set the camera's network name", kName, kSetting, "", "setting: 0 or 1\nssid: the whole name",
      kNameExamples, RunName},
-    {"wifi passphrase",
-     "Set the camera's network passphrase",
-     {},
-     kSetting,
+    {"wifi passphrase", "Set the camera's network passphrase", kNoArguments, kSetting,
      R"(The passphrase has 9 to 63 characters. It is asked for on the terminal without being shown, or read as the
 first line of standard input. It is not taken from the command line, because other users could see it there.)",
-     "setting: 0 or 1",
-     kPassphraseExamples,
-     RunPassphrase},
-    {"wifi auth",
-     "Set the camera's Wi-Fi authentication",
-     kAuth,
-     {},
+     "setting: 0 or 1", kPassphraseExamples, RunPassphrase},
+    {"wifi auth", "Set the camera's Wi-Fi authentication", kAuth, kNoOptions,
      R"(Sets the authentication of setting 1. The command has no data phase: the camera learns that it was sent, but
 not which authentication it names. The tool says so and ends with exit status 0.)",
-     "auth: the word given\ntext_sent: always false",
-     kAuthExamples,
-     RunAuth},
-    {"wifi off", "Switch the camera's Wi-Fi off", {}, {}, "", "", kOffExamples, RunOff},
+     "auth: the word given\ntext_sent: always false", kAuthExamples, RunAuth},
+    {"wifi off", "Switch the camera's Wi-Fi off", kNoArguments, kNoOptions, "", "", kOffExamples, RunOff},
 };
 
 }  // namespace
