@@ -1,4 +1,4 @@
-// How many objects and descriptors this process holds: tests compare the numbers before and after.
+// Counts the objects and descriptors that this process holds; tests compare the numbers before and after.
 
 #include "darwin/cf/Accounting.h"
 

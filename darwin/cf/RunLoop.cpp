@@ -117,7 +117,7 @@ void RunLoop::RemoveEverywhere(const RunLoopSource& source) {
 
 template <class Predicate>
 void RunLoop::RemoveIf(Predicate predicate) {
-  std::vector<Member> removed;  // let go after the lock
+  std::vector<Member> removed;  // released after the lock
   const std::lock_guard lock(mutex_);
   const auto kept = std::stable_partition(members_.begin(), members_.end(), std::not_fn(predicate));
   std::move(kept, members_.end(), std::back_inserter(removed));

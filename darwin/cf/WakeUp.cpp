@@ -14,7 +14,7 @@ WakeUp::WakeUp() : descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
 }
 
 void WakeUp::Signal() {
-  // Fails only when the counter is full, and then it is readable.
+  // Fails only when the counter is full, and then the descriptor is readable.
   [[maybe_unused]] const int result = ::eventfd_write(descriptor_.Get(), 1);
 }
 

@@ -1,4 +1,4 @@
-// One descriptor that stands for all sources of a run loop, for programs with an event loop of their own.
+// One descriptor for all sources of a run loop, for programs with an event loop of their own.
 
 #include "darwin/cf/WatchDescriptor.h"
 
@@ -17,7 +17,7 @@ WatchDescriptor::WatchDescriptor()
 }
 
 void WatchDescriptor::Update(const std::vector<int>& descriptors, int timeoutMs) {
-  // Taken out and put in again: a number may stand for another file than it did.
+  // Removed and added again: the same number may stand for another file now.
   for (const int descriptor : watched_) Change(EPOLL_CTL_DEL, descriptor);
   watched_ = descriptors;
   for (const int descriptor : watched_) Change(EPOLL_CTL_ADD, descriptor);

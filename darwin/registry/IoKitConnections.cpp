@@ -65,7 +65,7 @@ bool IsActive(const Entry& entry) {
   return entry.active;
 }
 
-/// Asks the driver for a user client, outside of the lock: this may take its time.
+/// Asks the driver for a user client, outside of the lock, because this may take long.
 kern_return_t AskDriver(const Entry& entry, std::shared_ptr<UserClient>& client) {
   const darwin::UserClientFactory& open = entry.Description().openUserClient;
   if (!open) return kIOReturnUnsupported;
@@ -121,7 +121,7 @@ kern_return_t IOServiceOpen(io_service_t service, task_port_t owningTask, uint32
 
 kern_return_t IOServiceClose(io_connect_t connect) {
   const kern_return_t result = Disconnect(connect);
-  // The name goes in any case; the first code is returned.
+  // Releases the handle in any case; returns the code of Disconnect.
   IOObjectRelease(connect);
   return result;
 }

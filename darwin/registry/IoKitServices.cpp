@@ -19,7 +19,7 @@ using darwin::Matching;
 using darwin::MatchingNotification;
 using darwin::SharedState;
 
-/// Copies what a matching dictionary asks for, and consumes the one reference that every look consumes.
+/// Copies what a matching dictionary asks for, and consumes the caller's reference to it, as every search does.
 std::optional<Matching> Consume(CFDictionaryRef dictionary) {
   std::optional<Matching> matching = Matching::FromDictionary(dictionary);
   CFRelease(dictionary);

@@ -90,7 +90,7 @@ bool Matching::Accepts(const Entry& entry) const {
 
 CFTypeRef MakePropertyObject(const PropertyValue& value) {
   if (const auto* text = std::get_if<std::string>(&value)) {
-    // A device's bytes may be no UTF-8; then they are taken as Mac Roman, in which every byte is a character.
+    // A device's bytes need not be UTF-8. Others are read as Mac Roman, in which every byte is a character.
     return cf::MakeString(cf::IsUtf8(*text) ? *text : cf::Utf8FromMacRoman(*text));
   }
   if (const auto* number = std::get_if<std::uint64_t>(&value)) {

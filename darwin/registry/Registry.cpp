@@ -1,4 +1,4 @@
-// Entries, services and the source that fills them: who is told of what, under which lock.
+// Entries, services, and the source that fills them: who is told about a change, and under which lock.
 
 #include "darwin/registry/Registry.h"
 
@@ -184,7 +184,7 @@ void Registry::Terminate(EntryId id) {
   }
 }
 
-// Under sourceMutex alone: the source publishes from within, and that takes the mutex of the entries.
+// Under sourceMutex alone: the source publishes during the call, which locks `mutex`.
 bool Registry::LookAgain() {
   const std::lock_guard lock(state_->sourceMutex);
   if (state_->source == nullptr) return true;

@@ -13,7 +13,7 @@ namespace darwin::sg {
 namespace {
 
 constexpr int kReservedSize = 64 * 1024;            // one chunk of every bulk transfer
-constexpr std::uint32_t kUsualLargest = 64 * 1024;  // what a node carries that does not answer the question
+constexpr std::uint32_t kUsualLargest = 64 * 1024;  // for a node that does not answer the question
 
 }  // namespace
 
@@ -63,7 +63,7 @@ void SgSession::AskLargestTransfer() {
   largestTransfer_ = answered ? static_cast<std::uint32_t>(bytes) : kUsualLargest;
 }
 
-// Only speed depends on it: the kernel clamps the size or keeps the default, and commands work all the same.
+// A failure only costs speed: the kernel clamps the size or keeps the default, and commands still work.
 std::size_t SgSession::Reserve() const {
   int size = kReservedSize;
   system_->Ioctl(descriptor_, SG_SET_RESERVED_SIZE, &size);

@@ -14,8 +14,8 @@ namespace {
 
 class KernelSystem : public SgSystem {
  public:
-  // O_NONBLOCK concerns the opening alone: an error recovery or another's exclusive open fails at once instead of
-  // holding the caller for as long as it lasts.
+  // O_NONBLOCK affects open alone: during an error recovery or another program's exclusive open it fails at once
+  // instead of blocking.
   int Open(const char* node) override { return ::open(node, O_RDWR | O_NONBLOCK | O_CLOEXEC); }
   void Close(int descriptor) override { ::close(descriptor); }
   int Lock(int descriptor) override { return ::flock(descriptor, LOCK_EX | LOCK_NB); }

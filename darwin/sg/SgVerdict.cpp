@@ -1,4 +1,4 @@
-// What a finished SG_IO came to, as return code, status and length.
+// Turns a finished SG_IO into return code, status and length.
 
 #include "darwin/sg/SgVerdict.h"
 

@@ -1,4 +1,4 @@
-// Which cameras are published, kept true to udev messages that come late, twice or not at all.
+// Publishes and withdraws cameras correctly even when udev's messages come late, twice or not at all.
 
 #include "darwin/udev/CameraTracker.h"
 
@@ -81,7 +81,7 @@ void CameraTracker::OnGone(const Notice& notice) {
   Forget(notice.path);
 }
 
-// After lost messages sysfs is the only truth. The sequence is read after sysfs, so messages up to it no longer count.
+// After lost messages only sysfs is reliable. The sequence number is read after sysfs, so messages up to it are old.
 void CameraTracker::Reconcile() {
   const std::vector<ScsiUnit> present = source_.Enumerate();
   const std::uint64_t settledBy = source_.LatestSequence();

@@ -15,7 +15,7 @@ namespace darwin {
 namespace udev {
 namespace {
 
-// Asked by whichever thread opens the camera, so with a udev context of its own.
+// Makes a udev context of its own, because any thread may open the camera.
 bool IsStillThere(const ScsiUnit& unit) {
   const UdevContext context(udev_new());
   const UdevDevice device(context ? udev_device_new_from_syspath(context.get(), ("/sys" + unit.path).c_str())
@@ -66,7 +66,7 @@ class UdevSource : public RegistrySource {
   void Dispatch(Registry&) override { tracker_.Dispatch(); }
 
  private:
-  // Only to those who wait for cameras: a look at what is there now needs no monitor.
+  // Said only to a program that waits for cameras: a single enumeration needs no monitor.
   void SayOnceWhyDeaf() const {
     if (std::exchange(askedToListen_, true)) return;
     const std::string why = units_.WhyDeaf();

@@ -43,10 +43,10 @@ UdevUnitSource::UdevUnitSource() : context_(udev_new()) {
 }
 
 void UdevUnitSource::StartMonitor() {
-  // "udev", not "kernel": permissions and access lists exist only when udev is through with its rules.
+  // "udev", not "kernel": permissions and access lists exist only when udev has run its rules.
   monitor_.reset(udev_monitor_new_from_netlink(context_.get(), "udev"));
   if (!monitor_) return;
-  // In the kernel: events of other subsystems do not even wake this process.
+  // Filters in the kernel, so that events of other subsystems do not wake this process.
   udev_monitor_filter_add_match_subsystem_devtype(monitor_.get(), kGeneric, nullptr);
   udev_monitor_filter_add_match_subsystem_devtype(monitor_.get(), kScsi, kUnit);
   if (udev_monitor_enable_receiving(monitor_.get()) < 0) monitor_.reset();

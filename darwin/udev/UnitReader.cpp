@@ -50,7 +50,7 @@ std::optional<ScsiUnit> ReadUnit(udev_device* device) {
   result.revision = Attribute(unit, "rev");
   result.peripheralType = PeripheralType(unit);
   if (result.IsBadCamera() == generic) {
-    return std::nullopt;  // read at the other of its two entries
+    return std::nullopt;  // read at its other entry
   }
   result.path = Text(udev_device_get_devpath(device));
   if (generic) result.node = Text(udev_device_get_devnode(device));
