@@ -10,9 +10,9 @@
 namespace bus {
 namespace {
 
-// Beyond this, requests of the peer wait until it has read answers.
+// Above this, the peer's requests wait until it has read answers.
 constexpr std::size_t kMaxUnread = 1 << 20;
-// Beyond this the peer is disconnected: it subscribed to events and does not read them.
+// Above this, the peer is disconnected, because it does not read the events that it subscribed to.
 constexpr std::size_t kMaxQueued = 4 * kMaxFrame;
 
 bool WouldBlock() {
