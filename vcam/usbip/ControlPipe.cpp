@@ -93,7 +93,7 @@ std::optional<base::Bytes> ControlPipe::ToDevice(std::uint8_t request, std::uint
       return base::Bytes{configuration_};
     case kSetConfiguration:
       if (value > 1) return std::nullopt;
-      // Clears every halt, also when the configuration was chosen before.
+      // Clears every halt, even when the host chooses the same configuration again.
       configuration_ = static_cast<std::uint8_t>(value);
       pipes_.ResetAll();
       return kDone;

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kReceiveSize = 128U << 10;
 constexpr int kForever = -1;
 
-// Rounded up: a wait that ends too early would only be repeated.
+// Rounded up, because a wait that ends too early would have to be repeated.
 int MillisecondsFrom(Clock::time_point now, Clock::time_point until) {
   const auto wait = std::chrono::ceil<std::chrono::milliseconds>(until - now).count();
   return static_cast<int>(std::min<std::int64_t>(wait, std::numeric_limits<int>::max()));

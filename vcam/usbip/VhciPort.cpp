@@ -79,7 +79,7 @@ base::FileDescriptor PlugIntoController(const std::filesystem::path& controller,
   const base::FileDescriptor far(ends[1]);
   const std::string rest = " " + std::to_string(far.Get()) + " " + std::to_string(device) + " " +
                            std::to_string(static_cast<unsigned>(speed));
-  // Another program may take the port between the look at the table and the order.
+  // Another program may take the port after the table was read and before the kernel gets the order.
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto port = FreePort(ReadTable(controller), speed);
     if (!port) break;
