@@ -129,7 +129,7 @@ Verdict WrongAnswer(std::string_view message) {
 }  // namespace
 
 Verdict AdviceFor(const kelva::TransferReport& report) {
-  // A return code goes first: with one, the status is meaningless.
+  // The return code first: unless it is 0, the status is meaningless.
   for (const ReturnRow& row : kReturns) {
     if (row.code == report.returnCode) return {row.exit, std::string(row.clause)};
   }

@@ -50,7 +50,7 @@ void TakeBack(Context& context, Camera& camera, const std::string& path) {
 std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::string& path) {
   unsigned long long listed = 0;
   unsigned long long received = 0;
-  // A log may grow between the listing and the read, so a difference is tried once more.
+  // A log may grow between the listing and the read, so a file whose size differs is read once more.
   for (int attempt = 0; attempt < 2; ++attempt) {
     context.stop.Check();
     listed = SizeOf(FileEntry(camera, path));

@@ -126,7 +126,7 @@ void Progress::AtShare(double share, Clock::time_point now) {
   constexpr unsigned long long kParts = 1000;
   shareAlone_ = true;
   total_ = kParts;
-  // A camera may send what is no number; that is no share either.
+  // A camera may send a value that is not a number. Such a value counts as no progress.
   const double known = share > 0 ? std::min(share, 1.0) : 0;
   At(static_cast<unsigned long long>(known * static_cast<double>(kParts)), now);
 }

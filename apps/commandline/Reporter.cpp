@@ -39,7 +39,7 @@ void Reporter::Write(std::string_view text) {
   std::string whole;
   if (std::exchange(lineShown_, false)) whole = kEraseLine;
   whole += text;
-  // Nobody is left to be told when standard error itself fails.
+  // A failure of standard error cannot be reported anywhere.
   base::WriteAll(fd_, whole);
 }
 

@@ -54,7 +54,7 @@ ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, cons
       out.Add(ResultLine(call.Name(), outcome.code, ErrorMembers(outcome)));
       out.Flush();
     } catch (const Failure&) {
-      // Standard output is what failed; standard error has said it.
+      // Standard output has failed, and standard error has reported it.
     }
   }
   return outcome.code;

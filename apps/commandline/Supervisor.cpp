@@ -99,7 +99,7 @@ void TakeOverSignals() {
   const sigset_t set = EndingSignals();
   // Threads inherit the mask: only the descriptor in Supervise ever receives these signals.
   ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
-  // A reader that has gone is an error of write, which is reported, not a silent death.
+  // When the reader has gone, write fails and the tool reports it, instead of dying silently.
   std::signal(SIGPIPE, SIG_IGN);
 }
 

@@ -27,7 +27,7 @@ std::string RandomWord() {
   return base::Hex(std::string_view(bytes.data(), bytes.size()));
 }
 
-// Random once for each process, then counted; the number of the process keeps those apart that were forked after it.
+// Random once for each process, then counted. The process number keeps forked processes apart.
 std::string TemporaryName() {
   static const std::string word = RandomWord();
   static std::atomic<unsigned long long> count = 0;
@@ -64,7 +64,7 @@ NewFile::NewFile(const TargetFolder& folder)
       record_(folder.Fd(), temporary_),
       file_(OpenBeneath(folder.Fd(), temporary_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
   if (!file_) throw SystemFailure("create a file in " + Printable(folder.Path()), errno);
-  // Where there are no locks, leftovers of a killed run cannot be told from files in use; see RemoveLeftovers.
+  // Without locks, RemoveLeftovers cannot tell a killed run's files from files in use.
   ::flock(file_.Get(), LOCK_EX | LOCK_NB);
 }
 

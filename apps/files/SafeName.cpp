@@ -24,7 +24,7 @@ bool IsSound(std::string_view character, bool first) {
   return Printable(character) == character;
 }
 
-// FNV-1a: only keeps shortened names apart, guards nothing.
+// FNV-1a: only keeps shortened names apart; security does not depend on it.
 std::uint64_t CheckSum(std::string_view bytes) {
   std::uint64_t sum = 14'695'981'039'346'656'037ULL;
   for (const char c : bytes) sum = (sum ^ static_cast<unsigned char>(c)) * 1'099'511'628'211ULL;

@@ -17,7 +17,7 @@ bool HoldsTheSame(const TargetFolder& folder, const std::string& name, std::size
   struct stat status {};
   if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   if (static_cast<std::size_t>(status.st_size) != size || Sha1OfFile(file.Get()) != sha1) return false;
-  // Whoever wrote it may not have flushed it, and the camera's file may be deleted because this one is here.
+  // Flushed here, because its writer may not have done so, and the camera's file may be deleted once this one exists.
   return ::fsync(file.Get()) == 0;
 }
 

@@ -25,7 +25,7 @@ int Openat2(int folder, const char* path, int flags, unsigned mode) {
   return static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how));
 }
 
-// The same promise on an older kernel: one component after the other, none of them "..", none a link.
+// Keeps the same promise on an older kernel: opens one component after the other and refuses ".." and links.
 int WalkBeneath(int folder, const std::string& path, int flags, unsigned mode) {
   const std::size_t slash = path.find('/');
   const std::string first = path.substr(0, slash);

@@ -30,8 +30,8 @@ SyncItem::State StateOf(const std::optional<ManifestRow>& known) {
   return known->deleted ? SyncItem::State::kDeleted : SyncItem::State::kFetched;
 }
 
-// In the catalogue's order, so that a preview is right and every run gives the same names. A hash stands for each name,
-// to hold a few bytes for it; two names with one hash would cost a number that was not needed.
+// In the catalogue's order, so that a preview is right and every run gives the same names. Compares 8-byte hashes of
+// the names to save memory; a collision only adds an unneeded number.
 void NumberNames(std::vector<SyncItem>& items) {
   std::vector<std::pair<std::size_t, SyncItem*>> names;
   names.reserve(items.size());

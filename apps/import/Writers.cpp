@@ -11,7 +11,7 @@
 namespace apps {
 namespace {
 
-// After these no other file will fare better.
+// After these errors every other file would fail too.
 bool EndsAll(int error) {
   return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE || error == ENODEV;
 }
@@ -144,9 +144,9 @@ bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::
   }
 }
 
-// All are on their way before the first one is waited for, and named after the last one: a name changes the folder,
-// which a file system may write with each file that is flushed. Where the disk is full, those that were written are
-// finished.
+// Starts to flush all files before it waits for the first, and names them after the last: a new name changes the
+// folder, and a file system may write a changed folder with each file that is flushed. When the disk is full, finishes
+// the files that were written.
 void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   std::optional<Failure> ending;
   std::vector<std::unique_ptr<Started>> started;
@@ -172,7 +172,7 @@ void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   if (ending) throw Failure(*ending);
 }
 
-// The group that is due, with it, or nothing.
+// Adds a file to the group. Returns the group if it is due, otherwise nothing.
 std::vector<Writers::Done> Writers::AddDone(Done done) {
   const Clock::time_point now = Clock::now();
   const std::scoped_lock lock(mutex_);

@@ -94,8 +94,8 @@ class Tool {
     return Supervise([this, guard](const Stop& stop) { return Work(stop, guard); }, supervision, reporter_);
   }
 
-  // For a command that was ended. Its worker may sit in a transfer for good, so this goes past what the worker
-  // collects, and waits for nobody.
+  // For a command that was ended. Its worker may sit in a transfer for good, so this writes without the worker's output
+  // buffer and without waiting.
   void GiveEnd(const Outcome& outcome) {
     if (!reporter_.Style().json || !out_.TakeEnd()) return;
     pollfd ready{diversion_.Real(), POLLOUT, 0};

@@ -11,8 +11,8 @@
 namespace apps {
 namespace {
 
-// How wide a card is for its height. Very long pictures would take a whole row, very high ones leave no room for a
-// name.
+// The width of a card relative to its height. Limited, because a very wide picture would take a whole row, and a very
+// tall one would leave no room for its name.
 std::string Ratio(const Card& card) {
   constexpr double kUsual = 1.5;
   constexpr double kNarrowest = 0.62;
@@ -51,7 +51,7 @@ std::string Frame(const Card& card) {
   return "<a class=\"frame\" href=\"" + RelativeAddress(beside) + "\">" + content + "</a>\n";
 }
 
-// "15:09" is what a person looks for below the name of the day; the rest is there for machines and on asking.
+// Shows "15:09", since the day's name is above; the full time is in the element's attributes.
 std::string Time(const Card& card) {
   if (!card.time) return "";
   const std::string date = card.time->substr(0, 10);

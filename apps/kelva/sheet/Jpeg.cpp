@@ -62,7 +62,7 @@ Size SizeIn(const Handle& handle, std::span<const char> bytes) {
   return size;
 }
 
-// The smallest scale that leaves enough pixels; the decoder offers no other ones than eighths.
+// The smallest scale that leaves enough pixels; the decoder scales by eighths only.
 Size ScaledFor(Size full, int longest) {
   for (int eighths = 1; eighths < 8; ++eighths) {
     const tjscalingfactor factor{eighths, 8};

@@ -16,7 +16,7 @@ constexpr std::string_view kHead =
     "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
     "<meta name=\"color-scheme\" content=\"light dark\">\n";
 
-// Stays on the line of what is before it.
+// A no-break space keeps the dot on the line of the text before it.
 constexpr std::string_view kDot = "\u00A0<span class=\"dot\">\u00B7</span> ";
 
 std::string Count(std::size_t pictures) {

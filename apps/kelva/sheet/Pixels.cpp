@@ -7,7 +7,7 @@
 namespace apps {
 namespace {
 
-// What makes an image upright: its rows become columns, and then each axis may run backwards. By EXIF orientation.
+// How to turn an image upright, by EXIF orientation: swap rows and columns, then reverse either axis.
 struct Turn {
   bool swap;
   bool flipX;
