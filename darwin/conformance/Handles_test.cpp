@@ -7,7 +7,7 @@ namespace {
 
 using Handles = RegistryTest;
 
-/// A number that was a handle and is none any more.
+/// A number that is no longer a handle.
 io_object_t StaleHandle() {
   Object service = FindOne(kDriver);
   const io_object_t number = service.Number();

@@ -233,7 +233,7 @@ TEST(ReadCalibration, OfAShortBodyIsEmpty) {
   EXPECT_TRUE(Calibration(huge + "Abb").empty());
 }
 
-// Each size is small enough by itself; their sum wraps in 32 bits.
+// Each size alone is small enough; their sum wraps in 32 bits.
 TEST(ReadCalibration, OfSizesWhoseSumWrapsIsEmpty) {
   std::string table(1116, '\0');
   table.replace(0, 4, Bytes({1, 0, 0, 0}));

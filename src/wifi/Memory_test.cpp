@@ -76,7 +76,7 @@ using wifi_testing::PlainCamera;
 constexpr std::size_t kMebibyte = 1024 * 1024;
 
 // A camera whose every selected data set is `claimed` bytes long by its own word, and in truth as long as `content`
-// with zeros behind it up to `delivered`. Allocates nothing by itself.
+// with zeros behind it up to `delivered`. Allocates nothing itself.
 class Stream : public PlainCamera {
  public:
   Stream(int chunkSize, std::uint32_t claimed, std::size_t delivered, std::string content = "")

@@ -21,7 +21,7 @@ class Door {
   /// From now on a command that is not answered is given up soon.
   virtual void GrowImpatient() = 0;
   virtual void Arm(const vcam::Fault& fault) = 0;
-  /// Takes the camera away, which may have gone by itself.
+  /// Takes the camera away, if a fault has not done so already.
   virtual void Unplug(bool hasGone) = 0;
 };
 

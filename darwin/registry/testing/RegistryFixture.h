@@ -14,7 +14,8 @@
 
 namespace darwin {
 
-/// The process's registry with nothing in it, and the demand that nothing is left in it or held of it.
+/// Gives each test the process's registry, empty, and checks that the test leaves nothing in it and holds nothing of
+/// it.
 class RegistryFixture : public ::testing::Test {
  protected:
   void TearDown() override {

@@ -11,7 +11,7 @@
 #include "testing/FakeCalls.h"
 #include "testing/OsxCameraState.h"
 
-// The session with the driver, the camera's end, and what this transport answers by itself.
+// The session with the driver, the camera's end, and what this transport answers without the driver.
 
 namespace {
 

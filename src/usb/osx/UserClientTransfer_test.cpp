@@ -20,7 +20,7 @@ std::string Bytes(std::initializer_list<int> values) {
   return bytes;
 }
 
-// The address as it stands in the request.
+// The address in the request.
 std::string AddressOf(const void* pointer) {
   return {reinterpret_cast<const char*>(&pointer), 8};
 }
