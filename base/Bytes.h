@@ -30,11 +30,11 @@ void Store(std::span<std::uint8_t> bytes, std::size_t offset, Number value) {
   std::memcpy(bytes.subspan(offset, sizeof(Number)).data(), &value, sizeof(Number));
 }
 
-template <typename Number>
-void Append(Bytes& bytes, Number value) {
-  const std::size_t offset = bytes.size();
-  bytes.resize(offset + sizeof(Number));
-  Store(std::span<std::uint8_t>(bytes), offset, value);
+template <typename... Numbers>
+void Append(Bytes& bytes, Numbers... values) {
+  std::size_t offset = bytes.size();
+  bytes.resize(offset + (sizeof values + ...));
+  ((Store(std::span<std::uint8_t>(bytes), offset, values), offset += sizeof values), ...);
 }
 
 inline void AppendText(Bytes& bytes, std::string_view text) {

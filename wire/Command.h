@@ -68,9 +68,7 @@ struct Reply {
 
 /// A reply of a command that moved no data and has no status, because its transport ended like this.
 inline Reply EndedBy(Transport transport) {
-  Reply reply;
-  reply.transport = transport;
-  return reply;
+  return {.transport = transport};
 }
 
 }  // namespace wire
