@@ -119,12 +119,9 @@ const Options& VirtualCamera::GetOptions() const {
 
 std::array<std::uint8_t, 36> VirtualCamera::InquiryData() const {
   const Options& options = state_->device.options;
-  std::array<std::uint8_t, 36> data{};
-  data[0] = options.peripheralType & 0x1F;
-  data[1] = 0x80;  // removable
-  data[2] = 0x04;  // SPC-2
-  data[3] = 0x02;
-  data[4] = 31;
+  constexpr std::uint8_t kRemovable = 0x80;
+  constexpr std::uint8_t kSpc2 = 0x04;
+  std::array<std::uint8_t, 36> data{static_cast<std::uint8_t>(options.peripheralType & 0x1F), kRemovable, kSpc2, 2, 31};
   const std::span<std::uint8_t> out(data);
   PutPadded(out.subspan(8, 8), options.vendor);
   PutPadded(out.subspan(16, 16), options.product);

@@ -20,8 +20,7 @@ wire::Reply Taken(const wire::Command& command) {
   return Done(static_cast<std::uint32_t>(command.data.size()));
 }
 
-wire::Reply Reboot(Device& device, const wire::Command& command) {
-  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
+wire::Reply Reboot(Device& device, const wire::Command&) {
   device.selected.reset();
   device.writing.reset();
   device.upgrade.Abandon();
@@ -42,10 +41,8 @@ wire::Reply SetTime(Device& device, const wire::Command& command) {
   return error != 0 ? Refuse(SenseOfErrno(error)) : Taken(command);
 }
 
-wire::Reply Monitor(Device& device, const wire::Command& command) {
-  const std::optional<std::string> text = TextOf(command);
-  if (!text) return Refuse(sense::kWrongDataLength);
-  device.console.Log("> " + *text);
+wire::Reply Monitor(Device& device, const wire::Command& command, const std::string& text) {
+  device.console.Log("> " + text);
   return Taken(command);
 }
 
@@ -88,16 +85,12 @@ std::size_t RemoveByKeys(Device& device, const std::vector<BatchItem>& items) {
   return failed;
 }
 
-}  // namespace
-
-wire::Reply DeletePath(Device& device, const wire::Command& command) {
-  const std::optional<std::string> text = TextOf(command);
-  if (!text) return Refuse(sense::kWrongDataLength);
-  const std::optional<std::string> path = RelativePath(*text);
+wire::Reply DeletePath(Device& device, const wire::Command& command, const std::string& text) {
+  const std::optional<std::string> path = RelativePath(text);
   if (!path || path->empty()) return Refuse(sense::kBadParameter);
   const int error = device.storage.Remove(*path);
   if (error != 0) return Refuse(SenseOfErrno(error));
-  device.console.Log("deleted " + *text);
+  device.console.Log("deleted " + text);
   return Taken(command);
 }
 
@@ -124,50 +117,37 @@ wire::Reply DeletePicture(Device& device, const wire::Command& command) {
   return Taken(command);
 }
 
-wire::Reply DeleteBatch(Device& device, const wire::Command& command) {
-  const std::optional<std::string> text = TextOf(command);
-  if (!text) return Refuse(sense::kWrongDataLength);
-  const auto items = ParseBatchText(*text);
+wire::Reply DeleteBatch(Device& device, const wire::Command& command, const std::string& text) {
+  const auto items = ParseBatchText(text);
   if (!items || std::any_of(items->begin(), items->end(), IsQualified)) return Refuse(sense::kBadParameter);
   device.keys.Refresh(device.storage);
   const std::size_t failed = RemoveByKeys(device, *items);
   return failed != 0 ? Refuse(sense::kWriteProtected) : Taken(command);
 }
 
+constexpr Route kActions[] = {
+    {kelva::action::kCaptureImage, WithoutData<CapturePicture>},
+    {kelva::action::kDeleteFile, WithText<DeletePath>},
+    {kelva::action::kEndUpgrade, WithoutData<HandleUpgradeEnd>},
+    {kelva::action::kReboot, WithoutData<Reboot>},
+    {kelva::action::kSetTime, SetTime},
+    {kelva::action::kDeletePicture, DeletePicture},
+    {kelva::action::kDeleteBatch, WithText<DeleteBatch>},
+    {kelva::action::kWifiNameType0, WithText<SetNetworkName>},
+    {kelva::action::kWifiNameType1, WithText<SetNetworkName>},
+    {kelva::action::kWifiPassphraseType0, WithText<SetPassphrase>},
+    {kelva::action::kWifiPassphraseType1, WithText<SetPassphrase>},
+    {kelva::action::kWifiAuthType, WithoutData<NoteAuthType>},
+    {kelva::action::kManualControl, WithoutData<NoteManualControl>},
+    {kelva::action::kDisableWifi, WithoutData<SwitchWifiOff>},
+    {kelva::action::kMonitorSingleChar, WithText<Monitor>},
+    {kelva::action::kMonitorLine, WithText<Monitor>},
+};
+
+}  // namespace
+
 wire::Reply HandleAction(Device& device, const wire::Command& command) {
-  switch (command.cdb[kelva::at::kSubCode]) {
-    case kelva::action::kCaptureImage:
-      return CapturePicture(device, command);
-    case kelva::action::kDeleteFile:
-      return DeletePath(device, command);
-    case kelva::action::kEndUpgrade:
-      return HandleUpgradeEnd(device, command);
-    case kelva::action::kReboot:
-      return Reboot(device, command);
-    case kelva::action::kSetTime:
-      return SetTime(device, command);
-    case kelva::action::kDeletePicture:
-      return DeletePicture(device, command);
-    case kelva::action::kDeleteBatch:
-      return DeleteBatch(device, command);
-    case kelva::action::kWifiNameType0:
-    case kelva::action::kWifiNameType1:
-      return SetNetworkName(device, command, command.cdb[kelva::at::kSubCode] - kelva::action::kWifiNameType0);
-    case kelva::action::kWifiPassphraseType0:
-    case kelva::action::kWifiPassphraseType1:
-      return SetPassphrase(device, command, command.cdb[kelva::at::kSubCode] - kelva::action::kWifiPassphraseType0);
-    case kelva::action::kWifiAuthType:
-      return NoteAuthType(device, command);
-    case kelva::action::kManualControl:
-      return NoteManualControl(device, command);
-    case kelva::action::kDisableWifi:
-      return SwitchWifiOff(device, command);
-    case kelva::action::kMonitorSingleChar:
-    case kelva::action::kMonitorLine:
-      return Monitor(device, command);
-    default:
-      return Refuse(sense::kBadCommandField);
-  }
+  return Follow(kActions, command.cdb[kelva::at::kSubCode], device, command);
 }
 
 }  // namespace vcam

@@ -23,8 +23,10 @@ void AppendEntry(base::Bytes& table, Marks& marks, const BundleFile& file) {
   table.resize(end);
 }
 
-void AddBodies(DataSet& bundle, const std::vector<BundleFile>& files) {
+DataSet Assemble(DataSet bundle, base::Bytes table, const std::vector<BundleFile>& files) {
+  bundle.AddBytes(std::move(table));
   for (const BundleFile& file : files) bundle.AddFile(file.path, file.size);
+  return bundle;
 }
 
 }  // namespace
@@ -38,9 +40,7 @@ DataSet BuildCrashLogBundle(const std::vector<BundleFile>& files) {
     table.resize(table.size() - kCountLength);
     bundle.marks.names.back().length -= kCountLength;
   }
-  bundle.AddBytes(std::move(table));
-  AddBodies(bundle, files);
-  return bundle;
+  return Assemble(std::move(bundle), std::move(table), files);
 }
 
 DataSet BuildCalibrationBundle(const std::vector<BundleFile>& files) {
@@ -48,18 +48,14 @@ DataSet BuildCalibrationBundle(const std::vector<BundleFile>& files) {
   base::Bytes table;
   for (const BundleFile& file : files) AppendEntry(table, bundle.marks, file);
   table.resize(kCalibrationEntries * kEntryLength);
-  bundle.AddBytes(std::move(table));
-  AddBodies(bundle, files);
-  return bundle;
+  return Assemble(std::move(bundle), std::move(table), files);
 }
 
 DataSet BuildBatchBundle(const std::vector<BundleFile>& files) {
   DataSet bundle;
   base::Bytes table;
   for (const BundleFile& file : files) AppendSize(table, bundle.marks, file.size);
-  bundle.AddBytes(std::move(table));
-  AddBodies(bundle, files);
-  return bundle;
+  return Assemble(std::move(bundle), std::move(table), files);
 }
 
 DataSet BuildCompressedRawBundle(const BundleFile& file) {
@@ -67,9 +63,7 @@ DataSet BuildCompressedRawBundle(const BundleFile& file) {
   base::Bytes table;
   AppendSize(table, bundle.marks, file.size - file.size / 2);
   AppendSize(table, bundle.marks, file.size / 2);
-  bundle.AddBytes(std::move(table));
-  bundle.AddFile(file.path, file.size);
-  return bundle;
+  return Assemble(std::move(bundle), std::move(table), {file});
 }
 
 }  // namespace vcam

@@ -48,13 +48,9 @@ base::Bytes CameraClock::Read() const {
   const year_month_day date(day);
   const hh_mm_ss<milliseconds> clock(time - day);
   base::Bytes bytes;
-  base::Append(bytes, static_cast<std::uint16_t>(static_cast<int>(date.year())));
-  base::Append(bytes, static_cast<std::uint16_t>(static_cast<unsigned>(date.month())));
-  base::Append(bytes, static_cast<std::uint16_t>(static_cast<unsigned>(date.day())));
-  base::Append(bytes, static_cast<std::uint16_t>(clock.hours().count()));
-  base::Append(bytes, static_cast<std::uint16_t>(clock.minutes().count()));
-  base::Append(bytes, static_cast<std::uint16_t>(clock.seconds().count()));
-  base::Append(bytes, static_cast<std::uint16_t>(clock.subseconds().count()));
+  const auto append = [&](auto... fields) { base::Append(bytes, static_cast<std::uint16_t>(fields)...); };
+  append(static_cast<int>(date.year()), static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+         clock.hours().count(), clock.minutes().count(), clock.seconds().count(), clock.subseconds().count());
   return bytes;
 }
 

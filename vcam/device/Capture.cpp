@@ -36,8 +36,7 @@ int WriteFile(const Storage& storage, const std::string& path, const base::Bytes
 
 }  // namespace
 
-wire::Reply CapturePicture(Device& device, const wire::Command& command) {
-  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
+wire::Reply CapturePicture(Device& device, const wire::Command&) {
   const Picture next = NextPicture(FindPictures(device.storage));
   if (next.directory.number > kLastDirectory) return Refuse(sense::kStorageFull);
   const std::string path = next.PathOf(0);

@@ -3,8 +3,7 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
-#include <cstdio>
+#include <ctime>
 
 #include "src/wifi/DcfObj.h"
 
@@ -36,17 +35,11 @@ void PutText(base::Bytes& record, std::size_t offset, std::size_t width, std::st
   std::copy_n(text.begin(), std::min(text.size(), width - 1), record.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
-std::string TimeText(std::int64_t seconds) {
-  using std::chrono::floor;
-  const std::chrono::sys_seconds time{std::chrono::seconds(seconds)};
-  const auto day = floor<std::chrono::days>(time);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss clock(time - day);
+std::string TimeText(std::time_t seconds) {
+  std::tm utc{};
+  ::gmtime_r(&seconds, &utc);
   std::array<char, 48> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                static_cast<int>(clock.seconds().count()));
+  std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &utc);
   return text.data();
 }
 
@@ -78,8 +71,7 @@ void PutRecord(std::span<std::uint8_t> out, const base::Bytes& plain, const Cata
 
 base::Bytes Header(const CatalogueLayout& layout, Marks& marks) {
   base::Bytes header;
-  base::Append(header, kVersion);
-  base::Append(header, layout.stride);
+  base::Append(header, kVersion, layout.stride);
   marks.counts.push_back(header.size());
   base::Append(header, static_cast<std::uint32_t>(layout.fields.size()));
   for (const CatalogueField& field : layout.fields) {

@@ -57,7 +57,6 @@ wire::Reply HandleWriteChunk(Device& device, const wire::Command& command) {
 }
 
 wire::Reply HandleWriteEnd(Device& device, const wire::Command& command) {
-  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   if (command.cdb[kelva::at::kSubCode] != 0) return Refuse(sense::kBadCommandField);
   if (!device.writing) return Refuse(sense::kWrongSequence);
   device.console.Log("wrote " + device.writing->path + ", " + std::to_string(device.writing->size) + " bytes");
@@ -66,7 +65,6 @@ wire::Reply HandleWriteEnd(Device& device, const wire::Command& command) {
 }
 
 wire::Reply HandleUpgradeStart(Device& device, const wire::Command& command) {
-  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
   const auto length = base::Load<std::uint32_t>(command.cdb, kelva::at::kUpgradeLength);
   device.writing.reset();
   device.upgrade.Start(length);
@@ -74,8 +72,7 @@ wire::Reply HandleUpgradeStart(Device& device, const wire::Command& command) {
   return Done();
 }
 
-wire::Reply HandleUpgradeEnd(Device& device, const wire::Command& command) {
-  if (!HasNoData(command)) return Refuse(sense::kWrongDataLength);
+wire::Reply HandleUpgradeEnd(Device& device, const wire::Command&) {
   const bool doomed = std::exchange(device.nextUpgradeFails, false);
   if (!device.upgrade.Finish(device.options.now(), device.options.upgradeTime, doomed)) {
     return Refuse(sense::kWrongSequence);

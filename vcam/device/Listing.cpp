@@ -48,8 +48,7 @@ DataSet BuildListing(const std::vector<StorageEntry>& entries, bool isRoot) {
   base::Append(table, static_cast<std::uint32_t>(lines.size()));
   for (const Line& line : lines) {
     const std::size_t name = kHeaderLength + kEntryLength * lines.size() + names.size();
-    base::Append(table, static_cast<std::uint32_t>(line.attributes));
-    base::Append(table, line.size);
+    base::Append(table, static_cast<std::uint32_t>(line.attributes), line.size);
     listing.marks.offsets.push_back(table.size());
     base::Append(table, static_cast<std::uint32_t>(name));
     base::AppendString(names, line.name);

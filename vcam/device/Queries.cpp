@@ -13,16 +13,16 @@ namespace {
 constexpr std::size_t kConsoleHeader = 8;
 constexpr std::uint32_t kConsoleVersion = 1;
 
-template <typename Number>
-base::Bytes BytesOf(Number value) {
+template <typename... Numbers>
+wire::Reply AnswerNumbers(const wire::Command& command, Numbers... values) {
   base::Bytes bytes;
-  base::Append(bytes, value);
-  return bytes;
+  base::Append(bytes, values...);
+  return Answer(command, std::move(bytes));
 }
 
 wire::Reply Size(Device& device, const wire::Command& command) {
   if (!device.selected) return Refuse(sense::kWrongSequence);
-  return Answer(command, BytesOf(static_cast<std::uint32_t>(device.selected->data.Size())));
+  return AnswerNumbers(command, static_cast<std::uint32_t>(device.selected->data.Size()));
 }
 
 wire::Reply ConsolePiece(Device& device, const wire::Command& command) {
@@ -30,22 +30,15 @@ wire::Reply ConsolePiece(Device& device, const wire::Command& command) {
   const std::size_t room = command.direction == wire::Direction::kFromCamera ? command.length : 0;
   const std::string text = device.console.Take(room > kConsoleHeader ? room - kConsoleHeader : 0);
   base::Bytes bytes;
-  base::Append(bytes, kConsoleVersion);
-  base::Append(bytes, static_cast<std::uint32_t>(!device.console.Empty()));
+  base::Append(bytes, kConsoleVersion, std::uint32_t{!device.console.Empty()});
   base::AppendText(bytes, text);
   return Answer(command, std::move(bytes));
 }
 
 /// vcam/README.md says what the six fields mean.
 wire::Reply ManualControls(Device& device, const wire::Command& command) {
-  base::Bytes bytes;
-  base::Append(bytes, device.settings.lastManualControl);
-  base::Append(bytes, device.settings.manualControlCommands);
-  base::Append(bytes, 0.0F);
-  base::Append(bytes, 0.008);
-  base::Append(bytes, 2.8);
-  base::Append(bytes, std::int32_t{100});
-  return Answer(command, std::move(bytes));
+  return AnswerNumbers(command, device.settings.lastManualControl, device.settings.manualControlCommands, 0.0F, 0.008,
+                       2.8, std::int32_t{100});
 }
 
 }  // namespace
@@ -61,11 +54,11 @@ wire::Reply HandleQuery(Device& device, const wire::Command& command) {
     case kelva::query::kTime:
       return Answer(command, device.clock.Read());
     case kelva::query::kReady:
-      return Answer(command, BytesOf(static_cast<std::uint32_t>(device.Ready())));
+      return AnswerNumbers(command, std::uint32_t{device.Ready()});
     case kelva::query::kDoneCommands:
-      return Answer(command, BytesOf(device.doneCount));
+      return AnswerNumbers(command, device.doneCount);
     case kelva::query::kBattery:
-      return Answer(command, BytesOf(device.battery));
+      return AnswerNumbers(command, device.battery);
     case kelva::query::kManualControls:
       return ManualControls(device, command);
     default:

@@ -9,26 +9,19 @@
 namespace vcam {
 
 wire::Reply Done(std::uint32_t moved) {
-  wire::Reply reply;
-  reply.moved = moved;
-  return reply;
+  return {.moved = moved};
 }
 
 wire::Reply Refuse(wire::Sense reason) {
-  wire::Reply reply;
-  reply.status = wire::kScsiCheckCondition;
-  reply.sense = reason;
-  return reply;
+  return {.status = wire::kScsiCheckCondition, .sense = reason};
 }
 
 wire::Reply Answer(const wire::Command& command, base::Bytes bytes) {
   if (!MayAnswer(command)) return Refuse(sense::kBadCommandField);
   const std::size_t room = command.direction == wire::Direction::kFromCamera ? command.length : 0;
   bytes.resize(std::min(bytes.size(), room));
-  wire::Reply reply;
-  reply.moved = static_cast<std::uint32_t>(bytes.size());
-  reply.data = std::move(bytes);
-  return reply;
+  const auto moved = static_cast<std::uint32_t>(bytes.size());
+  return {.data = std::move(bytes), .moved = moved};
 }
 
 bool MayAnswer(const wire::Command& command) {

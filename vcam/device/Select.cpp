@@ -50,10 +50,8 @@ wire::Reply OpenForWriting(Device& device, const wire::Command& command, const s
   return Done(MovedBy(command));
 }
 
-wire::Reply SelectFile(Device& device, const wire::Command& command) {
-  const std::optional<std::string> text = TextOf(command);
-  if (!text) return Refuse(sense::kWrongDataLength);
-  const std::optional<std::string> path = RelativePath(*text);
+wire::Reply SelectFile(Device& device, const wire::Command& command, const std::string& text) {
+  const std::optional<std::string> path = RelativePath(text);
   if (!path || path->empty()) return Refuse(sense::kBadParameter);
   if (command.cdb[kelva::at::kParameter] > kelva::kSelectForWriting) return Refuse(sense::kBadCommandField);
   return command.cdb[kelva::at::kParameter] == kelva::kSelectForWriting ? OpenForWriting(device, command, *path)
@@ -76,10 +74,8 @@ wire::Reply SelectCatalogue(Device& device, const wire::Command& command) {
   return Prepared(device, command, BuildCatalogue(records, device.options.catalogue), kelva::read_chunk::kSelected);
 }
 
-wire::Reply SelectListing(Device& device, const wire::Command& command) {
-  const std::optional<std::string> text = TextOf(command);
-  if (!text) return Refuse(sense::kWrongDataLength);
-  const std::optional<std::string> path = RelativePath(*text);
+wire::Reply SelectListing(Device& device, const wire::Command& command, const std::string& text) {
+  const std::optional<std::string> path = RelativePath(text);
   if (!path) return Refuse(sense::kBadParameter);
   if (!device.storage.HasDirectory(*path)) return Refuse(sense::kNotFound);
   return Prepared(device, command, BuildListing(device.storage.List(*path), path->empty()),
@@ -98,10 +94,8 @@ BundleFile FindItem(Device& device, const BatchItem& item) {
   return opened.file ? BundleFile{{}, sibling, opened.stamp.size} : BundleFile{};
 }
 
-wire::Reply SelectBatch(Device& device, const wire::Command& command) {
-  const std::optional<std::string> text = TextOf(command);
-  if (!text) return Refuse(sense::kWrongDataLength);
-  const auto items = ParseBatchText(*text);
+wire::Reply SelectBatch(Device& device, const wire::Command& command, const std::string& text) {
+  const auto items = ParseBatchText(text);
   if (!items) return Refuse(sense::kBadParameter);
   device.keys.Refresh(device.storage);
   std::vector<BundleFile> files;
@@ -109,12 +103,10 @@ wire::Reply SelectBatch(Device& device, const wire::Command& command) {
   return Prepared(device, command, BuildBatchBundle(files), kelva::read_chunk::kBundle);
 }
 
-wire::Reply SelectCompressedRaw(Device& device, const wire::Command& command) {
-  const std::optional<std::string> text = TextOf(command);
-  if (!text) return Refuse(sense::kWrongDataLength);
-  if (!IsKey(*text)) return Refuse(sense::kBadParameter);
+wire::Reply SelectCompressedRaw(Device& device, const wire::Command& command, const std::string& text) {
+  if (!IsKey(text)) return Refuse(sense::kBadParameter);
   device.keys.Refresh(device.storage);
-  const BundleFile raw = FindItem(device, {*text, "RAW"});
+  const BundleFile raw = FindItem(device, {text, "RAW"});
   if (raw.path.empty()) return Refuse(sense::kNotFound);
   return Prepared(device, command, BuildCompressedRawBundle(raw), kelva::read_chunk::kBundle);
 }
@@ -127,28 +119,16 @@ wire::Reply SelectCalibration(Device& device, const wire::Command& command) {
   return Prepared(device, command, BuildCalibrationBundle(FindCalibration(device.storage)), kelva::read_chunk::kBundle);
 }
 
-wire::Reply Select(Device& device, const wire::Command& command) {
-  switch (command.cdb[kelva::at::kSubCode]) {
-    case kelva::select::kInformation:
-      return SelectInformation(device, command);
-    case kelva::select::kFile:
-      return SelectFile(device, command);
-    case kelva::select::kCatalogue:
-      return SelectCatalogue(device, command);
-    case kelva::select::kDirectory:
-      return SelectListing(device, command);
-    case kelva::select::kBatch:
-      return SelectBatch(device, command);
-    case kelva::select::kCalibration:
-      return SelectCalibration(device, command);
-    case kelva::select::kCompressedRaw:
-      return SelectCompressedRaw(device, command);
-    case kelva::select::kCrashLogs:
-      return SelectCrashLogs(device, command);
-    default:
-      return Refuse(sense::kBadCommandField);
-  }
-}
+constexpr Route kSelections[] = {
+    {kelva::select::kInformation, SelectInformation},
+    {kelva::select::kFile, WithText<SelectFile>},
+    {kelva::select::kCatalogue, SelectCatalogue},
+    {kelva::select::kDirectory, WithText<SelectListing>},
+    {kelva::select::kBatch, WithText<SelectBatch>},
+    {kelva::select::kCalibration, SelectCalibration},
+    {kelva::select::kCompressedRaw, WithText<SelectCompressedRaw>},
+    {kelva::select::kCrashLogs, SelectCrashLogs},
+};
 
 bool TakesText(std::uint8_t selection) {
   return selection == kelva::select::kFile || selection == kelva::select::kDirectory ||
@@ -163,7 +143,7 @@ wire::Reply HandleSelect(Device& device, const wire::Command& command) {
   device.selected.reset();
   device.writing.reset();
   device.upgrade.Abandon();
-  return Select(device, command);
+  return Follow(kSelections, command.cdb[kelva::at::kSubCode], device, command);
 }
 
 }  // namespace vcam

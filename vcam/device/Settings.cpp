@@ -57,49 +57,59 @@ Lines Split(const std::string& text) {
   return lines;
 }
 
-void Take(const Lines& lines, std::string_view key, std::string& value) {
-  const auto found = lines.find(key);
-  if (found != lines.end()) value = Unescape(found->second);
+void Take(const std::string& text, std::string& value) {
+  value = Unescape(text);
 }
 
 template <typename Number>
-void TakeNumber(const Lines& lines, std::string_view key, Number& value) {
-  const auto found = lines.find(key);
-  if (found == lines.end()) return;
+void Take(const std::string& text, Number& value) {
   Number parsed{};
-  const char* end = found->second.data() + found->second.size();
-  if (std::from_chars(found->second.data(), end, parsed).ec == std::errc()) value = parsed;
+  if (std::from_chars(text.data(), text.data() + text.size(), parsed).ec == std::errc()) value = parsed;
 }
 
-std::string Line(std::string_view key, std::string_view value) {
-  return std::string(key) + "=" + Escape(value) + "\n";
+void Take(const std::string& text, bool& value) {
+  int number = value ? 1 : 0;
+  Take(text, number);
+  value = number != 0;
+}
+
+template <typename Value>
+std::string TextOf(const Value& value) {
+  if constexpr (std::is_same_v<Value, std::string>) {
+    return Escape(value);
+  } else {
+    return std::to_string(value);
+  }
+}
+
+/// Calls `visit` with the key and the value of each setting, in the order of the file.
+template <typename AnySettings, typename Visit>
+void VisitAll(AnySettings& settings, Visit visit) {
+  visit("wifi.0.ssid", settings.networks[0].ssid);
+  visit("wifi.0.passphrase.sha256", settings.networks[0].passphraseSha256);
+  visit("wifi.1.ssid", settings.networks[1].ssid);
+  visit("wifi.1.passphrase.sha256", settings.networks[1].passphraseSha256);
+  visit("wifi.on", settings.wifiOn);
+  visit("wifi.auth-type-commands", settings.authTypeCommands);
+  visit("manual.commands", settings.manualControlCommands);
+  visit("manual.last-control", settings.lastManualControl);
+  visit("clock.offset-ms", settings.clockOffsetMs);
 }
 
 }  // namespace
 
 std::string Settings::Text() const {
-  return Line("wifi.0.ssid", networks[0].ssid) + Line("wifi.0.passphrase.sha256", networks[0].passphraseSha256) +
-         Line("wifi.1.ssid", networks[1].ssid) + Line("wifi.1.passphrase.sha256", networks[1].passphraseSha256) +
-         Line("wifi.on", wifiOn ? "1" : "0") + Line("wifi.auth-type-commands", std::to_string(authTypeCommands)) +
-         Line("manual.commands", std::to_string(manualControlCommands)) +
-         Line("manual.last-control", std::to_string(lastManualControl)) +
-         Line("clock.offset-ms", std::to_string(clockOffsetMs));
+  std::string text;
+  VisitAll(*this, [&](const char* key, const auto& value) { text.append(key).append("=" + TextOf(value) + "\n"); });
+  return text;
 }
 
 Settings Settings::Parse(const std::string& text) {
   const Lines lines = Split(text);
   Settings settings;
-  Take(lines, "wifi.0.ssid", settings.networks[0].ssid);
-  Take(lines, "wifi.0.passphrase.sha256", settings.networks[0].passphraseSha256);
-  Take(lines, "wifi.1.ssid", settings.networks[1].ssid);
-  Take(lines, "wifi.1.passphrase.sha256", settings.networks[1].passphraseSha256);
-  int on = 1;
-  TakeNumber(lines, "wifi.on", on);
-  settings.wifiOn = on != 0;
-  TakeNumber(lines, "wifi.auth-type-commands", settings.authTypeCommands);
-  TakeNumber(lines, "manual.commands", settings.manualControlCommands);
-  TakeNumber(lines, "manual.last-control", settings.lastManualControl);
-  TakeNumber(lines, "clock.offset-ms", settings.clockOffsetMs);
+  VisitAll(settings, [&](std::string_view key, auto& value) {
+    if (const auto found = lines.find(key); found != lines.end()) Take(found->second, value);
+  });
   return settings;
 }
 

@@ -9,28 +9,13 @@
 #include "base/Hex.h"
 
 namespace vcam {
-namespace {
-
-EVP_MD_CTX* NewContext() {
-  EVP_MD_CTX* context = EVP_MD_CTX_new();
-  if (context == nullptr) throw std::bad_alloc();
-  return context;
-}
-
-std::string Finish(EVP_MD_CTX* context) {
-  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-  unsigned int length = 0;
-  EVP_DigestFinal_ex(context, digest.data(), &length);
-  return base::Hex(std::span(digest).first(length));
-}
-
-}  // namespace
 
 void Sha1::Free::operator()(evp_md_ctx_st* context) const {
   EVP_MD_CTX_free(context);
 }
 
-Sha1::Sha1() : context_(NewContext()) {
+Sha1::Sha1() : context_(EVP_MD_CTX_new()) {
+  if (!context_) throw std::bad_alloc();
   EVP_DigestInit_ex(context_.get(), EVP_sha1(), nullptr);
 }
 
@@ -39,7 +24,10 @@ void Sha1::Update(std::span<const std::uint8_t> bytes) {
 }
 
 std::string Sha1::Hex() {
-  return Finish(context_.get());
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+  unsigned int length = 0;
+  EVP_DigestFinal_ex(context_.get(), digest.data(), &length);
+  return base::Hex(std::span(digest).first(length));
 }
 
 std::string Sha256Hex(std::string_view text) {

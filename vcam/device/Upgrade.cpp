@@ -66,9 +66,7 @@ float Upgrade::Progress(Time now) const {
 
 base::Bytes Upgrade::Status(Time now) const {
   base::Bytes bytes;
-  base::Append(bytes, Progress(now));
-  base::Append(bytes, static_cast<std::uint32_t>(Receiving() || Writing(now)));
-  base::Append(bytes, static_cast<std::uint32_t>(Failed(now)));
+  base::Append(bytes, Progress(now), std::uint32_t{Receiving() || Writing(now)}, std::uint32_t{Failed(now)});
   return bytes;
 }
 
