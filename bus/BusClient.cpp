@@ -17,7 +17,7 @@ class BusSource : public darwin::RegistrySource {
   explicit BusSource(const std::string& path) : path_(path), connection_(path) {}
 
   void Start(darwin::Registry& registry) override {
-    connection_.Request(bus::Kind::kSubscribe, {});
+    connection_.Request(Kind::kSubscribe, {});
     Dispatch(registry);
   }
 
@@ -25,17 +25,17 @@ class BusSource : public darwin::RegistrySource {
   int TimeoutMs() const override { return connection_.HasQueuedEvents() ? 0 : -1; }
 
   void Dispatch(darwin::Registry& registry) override {
-    while (const std::optional<bus::Frame> event = connection_.NextEvent()) Follow(registry, *event);
+    while (const std::optional<Frame> event = connection_.NextEvent()) Follow(registry, *event);
     if (!connection_.Ended()) return;
     for (const auto& [id, entry] : std::exchange(cameras_, {})) registry.Terminate(entry);
   }
 
  private:
-  void Follow(darwin::Registry& registry, const bus::Frame& event) {
-    if (event.kind == bus::Kind::kPlugged) {
-      const auto status = bus::DecodeStatus(event.payload);
+  void Follow(darwin::Registry& registry, const Frame& event) {
+    if (event.kind == Kind::kPlugged) {
+      const auto status = Decode<CameraStatus>(event.payload);
       if (status) Add(registry, *status);
-    } else if (const auto id = bus::DecodeNumber(event.payload)) {
+    } else if (const auto id = Decode<std::uint32_t>(event.payload)) {
       const auto found = cameras_.find(*id);
       if (found == cameras_.end()) return;
       const darwin::EntryId entry = found->second;
@@ -44,18 +44,12 @@ class BusSource : public darwin::RegistrySource {
     }
   }
 
-  void Add(darwin::Registry& registry, const bus::CameraStatus& status) {
+  void Add(darwin::Registry& registry, const CameraStatus& status) {
     if (cameras_.count(status.id) != 0) return;
-    darwin::CameraDescription camera;
-    camera.serial = status.serial;
-    camera.vendor = status.vendor;
-    camera.product = status.product;
-    camera.revision = status.revision;
-    camera.peripheralType = status.peripheralType;
-    camera.openUserClient = [path = path_, id = status.id](int&) {
-      return MakeUserClient(MakeSocketSession(path, id));
-    };
-    cameras_[status.id] = darwin::AddCamera(registry, registry.Root(), camera);
+    const auto open = [path = path_, id = status.id](int&) { return MakeUserClient(MakeSocketSession(path, id)); };
+    cameras_[status.id] =
+        darwin::AddCamera(registry, registry.Root(),
+                          {status.serial, status.vendor, status.product, status.revision, status.peripheralType, open});
   }
 
   std::string path_;

@@ -10,12 +10,10 @@
 namespace bus {
 namespace {
 
-using bus::Kind;
-
 class BusClientTest : public testing::Test {
  protected:
   void Plug(const std::string& serial) {
-    control_.Request(Kind::kPlug, Encode(bus::PlugRequest{serial, server_.Scratch().Path().string(), "", "", 3}));
+    control_.Request(Kind::kPlug, Encode(PlugRequest{serial, server_.Scratch().Path().string(), "", "", 3}));
   }
   static std::size_t Services() { return darwin::AccountForRegistry().services; }
   void ExpectReadable() const {
@@ -40,7 +38,7 @@ TEST_F(BusClientTest, PublishesWhatIsPresentAndFollowsWhatChanges) {
   ExpectReadable();
   source_->Dispatch(registry_);
   EXPECT_EQ(Services(), servicesBefore_ + 2 * perCamera);
-  for (const char* serial : {"A", "B"}) control_.Request(Kind::kUnplug, bus::EncodeText(serial));
+  for (const char* serial : {"A", "B"}) control_.Request(Kind::kUnplug, EncodeText(serial));
   ExpectReadable();
   source_->Dispatch(registry_);
   EXPECT_EQ(darwin::AccountForRegistry().entries, before_);

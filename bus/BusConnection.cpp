@@ -21,34 +21,33 @@ int MillisecondsUntil(std::chrono::steady_clock::time_point deadline) {
   return static_cast<int>(std::clamp<long long>(left, 0, 1'000'000'000));
 }
 
-bool IsEvent(const bus::Frame& frame) {
-  return frame.kind == bus::Kind::kPlugged || frame.kind == bus::Kind::kUnplugged;
+bool IsEvent(const Frame& frame) {
+  return frame.kind == Kind::kPlugged || frame.kind == Kind::kUnplugged;
 }
 
 }  // namespace
 
-BusConnection::BusConnection(const std::string& path) : path_(path), socket_(bus::ConnectTo(path)) {
+BusConnection::BusConnection(const std::string& path) : path_(path), socket_(ConnectTo(path)) {
   if (!socket_) {
     throw std::runtime_error("Cannot reach a bus at " + path + ": " + std::strerror(errno) +
                              "; start one with `kelva-vcam serve --virtual " + path + "`.");
   }
-  Request(bus::Kind::kHello, bus::EncodeNumber(bus::kProtocolVersion));
+  Request(Kind::kHello, EncodeNumber(kProtocolVersion));
 }
 
-bus::Frame BusConnection::Request(bus::Kind kind, const base::Bytes& payload) {
+Frame BusConnection::Request(Kind kind, const base::Bytes& payload) {
   const std::uint32_t tag = nextTag_++;
-  std::optional<bus::Frame> answer;
-  if (SendAll(bus::EncodeFrame(kind, tag, payload))) answer = AwaitAnswer(tag, std::nullopt);
+  std::optional<Frame> answer;
+  if (SendAll(EncodeFrame(kind, tag, payload))) answer = AwaitAnswer(tag, std::nullopt);
   if (!answer) throw std::runtime_error("The bus at " + path_ + " has ended; start it again with `kelva-vcam serve`.");
-  if (answer->kind != bus::Kind::kError) return std::move(*answer);
+  if (answer->kind != Kind::kError) return std::move(*answer);
   throw BusRefusal(
-      bus::DecodeError(answer->payload).value_or(bus::ErrorAnswer{{}, "The bus refused without saying why."}));
+      Decode<ErrorAnswer>(answer->payload).value_or(ErrorAnswer{{}, "The bus refused without saying why."}));
 }
 
-std::optional<bus::Frame> BusConnection::Request(bus::Kind kind, const base::Bytes& payload,
-                                                 std::chrono::milliseconds timeout) {
+std::optional<Frame> BusConnection::Request(Kind kind, const base::Bytes& payload, std::chrono::milliseconds timeout) {
   const std::uint32_t tag = nextTag_++;
-  if (!SendAll(bus::EncodeFrame(kind, tag, payload))) return std::nullopt;
+  if (!SendAll(EncodeFrame(kind, tag, payload))) return std::nullopt;
   return AwaitAnswer(tag, std::chrono::steady_clock::now() + timeout);
 }
 
@@ -58,9 +57,9 @@ bool BusConnection::SendAll(const base::Bytes& bytes) {
   return false;
 }
 
-std::optional<bus::Frame> BusConnection::AwaitAnswer(std::uint32_t tag, Deadline deadline) {
+std::optional<Frame> BusConnection::AwaitAnswer(std::uint32_t tag, Deadline deadline) {
   do {
-    while (std::optional<bus::Frame> frame = in_.Next()) {
+    while (std::optional<Frame> frame = in_.Next()) {
       if (IsEvent(*frame)) {
         events_.push_back(std::move(*frame));
       } else if (frame->tag == tag) {
@@ -92,15 +91,15 @@ bool BusConnection::Receive(Deadline deadline, bool wait) {
   return true;
 }
 
-std::optional<bus::Frame> BusConnection::NextEvent() {
+std::optional<Frame> BusConnection::NextEvent() {
   for (;;) {
-    while (std::optional<bus::Frame> frame = in_.Next()) {
+    while (std::optional<Frame> frame = in_.Next()) {
       if (IsEvent(*frame)) events_.push_back(std::move(*frame));
     }
     if (!events_.empty()) break;
     if (!Receive(std::nullopt, false)) return std::nullopt;
   }
-  bus::Frame event = std::move(events_.front());
+  Frame event = std::move(events_.front());
   events_.pop_front();
   return event;
 }

@@ -15,8 +15,8 @@ namespace bus {
 /// The bus refused a request; what() is its sentence.
 class BusRefusal : public std::runtime_error {
  public:
-  explicit BusRefusal(const bus::ErrorAnswer& answer) : std::runtime_error(answer.sentence), code(answer.code) {}
-  bus::ErrorCode code;
+  explicit BusRefusal(const ErrorAnswer& answer) : std::runtime_error(answer.sentence), code(answer.code) {}
+  ErrorCode code;
 };
 
 /// One connection to a bus: requests and their answers, one at a time, and the events that come between.
@@ -26,12 +26,12 @@ class BusConnection {
   explicit BusConnection(const std::string& path);
 
   /// Sends a request once and waits for its answer. Throws BusRefusal, or std::runtime_error when the bus has gone.
-  bus::Frame Request(bus::Kind kind, const base::Bytes& payload);
+  Frame Request(Kind kind, const base::Bytes& payload);
   /// The same for a command: nothing when no answer came in time or the bus has gone (Ended).
-  std::optional<bus::Frame> Request(bus::Kind kind, const base::Bytes& payload, std::chrono::milliseconds timeout);
+  std::optional<Frame> Request(Kind kind, const base::Bytes& payload, std::chrono::milliseconds timeout);
 
   /// Events that came while a request waited, or that can be read now without waiting.
-  std::optional<bus::Frame> NextEvent();
+  std::optional<Frame> NextEvent();
   /// Whether NextEvent has events although the descriptor is not readable.
   bool HasQueuedEvents() const { return !events_.empty(); }
   /// Whether the bus has gone; seen when NextEvent read the end.
@@ -42,14 +42,14 @@ class BusConnection {
   using Deadline = std::optional<std::chrono::steady_clock::time_point>;
 
   bool SendAll(const base::Bytes& bytes);
-  std::optional<bus::Frame> AwaitAnswer(std::uint32_t tag, Deadline deadline);
+  std::optional<Frame> AwaitAnswer(std::uint32_t tag, Deadline deadline);
   /// Reads once; false when nothing came by then or the bus has gone.
   bool Receive(Deadline deadline, bool wait);
 
   std::string path_;
   base::FileDescriptor socket_;
-  bus::FrameReader in_;
-  std::deque<bus::Frame> events_;
+  FrameReader in_;
+  std::deque<Frame> events_;
   std::uint32_t nextTag_ = 1;
   bool ended_ = false;
 };

@@ -7,8 +7,6 @@
 namespace bus {
 namespace {
 
-using bus::Kind;
-
 TEST(BusConnection, SaysThatNobodyServesThePath) {
   try {
     BusConnection connection("/nonexistent/bus");
@@ -22,10 +20,10 @@ TEST(BusConnection, ThrowsARefusalWithItsSentence) {
   vcam::server::test::TestServer server;
   BusConnection connection(server.Path());
   try {
-    connection.Request(Kind::kUnplug, bus::EncodeText("X"));
+    connection.Request(Kind::kUnplug, EncodeText("X"));
     FAIL() << "unplugged nothing";
   } catch (const BusRefusal& refusal) {
-    EXPECT_EQ(refusal.code, bus::ErrorCode::kNoSuchCamera);
+    EXPECT_EQ(refusal.code, ErrorCode::kNoSuchCamera);
     EXPECT_THAT(refusal.what(), testing::HasSubstr("No camera X"));
   }
 }
@@ -33,7 +31,7 @@ TEST(BusConnection, ThrowsARefusalWithItsSentence) {
 TEST(BusConnection, KeepsEventsThatComeBeforeAnAnswer) {
   vcam::server::test::TestServer server;
   BusConnection connection(server.Path());
-  const bus::PlugRequest request{"A", server.Scratch().Path().string(), "", "", 3};
+  const PlugRequest request{"A", server.Scratch().Path().string(), "", "", 3};
   connection.Request(Kind::kSubscribe, {});
   EXPECT_FALSE(connection.HasQueuedEvents());
   connection.Request(Kind::kPlug, Encode(request));

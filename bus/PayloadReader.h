@@ -37,7 +37,6 @@ class PayloadReader {
     return rest;
   }
 
-  std::size_t Left() const { return rest_.size(); }
   bool Good() const { return good_; }
   /// Whether everything fitted and nothing is left.
   bool Complete() const { return good_ && rest_.empty(); }

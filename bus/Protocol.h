@@ -81,28 +81,18 @@ struct ErrorAnswer {
   std::string sentence;
 };
 
-/// Encode gives a payload. Decode gives nothing when the payload is too short, too long or has a text over kMaxText.
-base::Bytes Encode(const PlugRequest& request);
-base::Bytes Encode(const FaultRequest& request);
-base::Bytes Encode(const CameraStatus& status);
-base::Bytes Encode(const std::vector<CameraStatus>& list);
-base::Bytes Encode(const ErrorAnswer& error);
-base::Bytes Encode(const wire::Command& command);
-base::Bytes Encode(const wire::Reply& reply);
+/// The payload of a record: PlugRequest, FaultRequest, CameraStatus, a vector of CameraStatus, ErrorAnswer, wire::Command,
+/// wire::Reply.
+template <typename Record>
+base::Bytes Encode(const Record& record);
 base::Bytes EncodeNumber(std::uint32_t number);
 base::Bytes EncodeText(std::string_view text);
 
-std::optional<PlugRequest> DecodePlug(std::span<const std::uint8_t> payload);
-std::optional<FaultRequest> DecodeFault(std::span<const std::uint8_t> payload);
-std::optional<CameraStatus> DecodeStatus(std::span<const std::uint8_t> payload);
-std::optional<std::vector<CameraStatus>> DecodeStatusList(std::span<const std::uint8_t> payload);
-std::optional<ErrorAnswer> DecodeError(std::span<const std::uint8_t> payload);
-/// The command's data points into `payload`. A direction above 2, data without direction 1 or more data than announced is
-/// not a command.
-std::optional<wire::Command> DecodeCommand(std::span<const std::uint8_t> payload);
-std::optional<wire::Reply> DecodeReply(std::span<const std::uint8_t> payload);
-std::optional<std::uint32_t> DecodeNumber(std::span<const std::uint8_t> payload);
-std::optional<std::string> DecodeText(std::span<const std::uint8_t> payload);
+/// The record of a payload, also a std::uint32_t or a std::string. Nothing when the payload is too short, too long, or has
+/// a text over kMaxText or an unknown error code or transport. A command's data points into `payload`; a direction above
+/// 2, data without direction 1 or more data than announced is not a command.
+template <typename Record>
+std::optional<Record> Decode(std::span<const std::uint8_t> payload);
 
 /// The frame as it travels.
 base::Bytes EncodeFrame(Kind kind, std::uint32_t tag, std::span<const std::uint8_t> payload);

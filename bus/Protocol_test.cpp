@@ -15,7 +15,7 @@ const base::Bytes kStatusBytes{9, 0, 0,   0, 1, 0, 'K', 1, 0, 'v', 1, 0, 'p', 1,
                                1, 0, '/', 5, 7, 0, 0,   0, 8, 0,   0, 0, 0,   0, 0, 0};
 
 TEST(Wire, SaysACommand) {
-  const auto command = DecodeCommand(kCommandBytes);
+  const auto command = Decode<wire::Command>(kCommandBytes);
   ASSERT_TRUE(command);
   EXPECT_EQ(command->direction, wire::Direction::kToCamera);
   EXPECT_EQ(command->cdb[0], 0xC5);
@@ -28,19 +28,19 @@ TEST(Wire, SaysACommand) {
 TEST(Wire, RefusesACommandThatIsNone) {
   base::Bytes bytes = kCommandBytes;
   bytes[0] = 2;
-  EXPECT_FALSE(DecodeCommand(bytes)) << "data with a direction from the camera";
+  EXPECT_FALSE(Decode<wire::Command>(bytes)) << "data with a direction from the camera";
   bytes[0] = 3;
-  EXPECT_FALSE(DecodeCommand(bytes)) << "no such direction";
+  EXPECT_FALSE(Decode<wire::Command>(bytes)) << "no such direction";
   bytes = kCommandBytes;
   bytes[17] = 1;
-  EXPECT_FALSE(DecodeCommand(bytes)) << "more data than announced";
+  EXPECT_FALSE(Decode<wire::Command>(bytes)) << "more data than announced";
   for (std::size_t length = 0; length < 21; ++length) {
-    EXPECT_FALSE(DecodeCommand(std::span(kCommandBytes).first(length)));
+    EXPECT_FALSE(Decode<wire::Command>(std::span(kCommandBytes).first(length)));
   }
 }
 
 TEST(Wire, SaysAReply) {
-  const auto reply = DecodeReply(kReplyBytes);
+  const auto reply = Decode<wire::Reply>(kReplyBytes);
   ASSERT_TRUE(reply);
   EXPECT_EQ(reply->transport, wire::Transport::kGone);
   EXPECT_EQ(reply->status, 2);
@@ -50,12 +50,12 @@ TEST(Wire, SaysAReply) {
   EXPECT_EQ(Encode(*reply), kReplyBytes);
   base::Bytes bytes = kReplyBytes;
   bytes[0] = 4;
-  EXPECT_FALSE(DecodeReply(bytes));
-  EXPECT_FALSE(DecodeReply(std::span(kReplyBytes).first(8)));
+  EXPECT_FALSE(Decode<wire::Reply>(bytes));
+  EXPECT_FALSE(Decode<wire::Reply>(std::span(kReplyBytes).first(8)));
 }
 
 TEST(Wire, SaysAPlug) {
-  const auto plug = DecodePlug(kPlugBytes);
+  const auto plug = Decode<PlugRequest>(kPlugBytes);
   ASSERT_TRUE(plug);
   EXPECT_EQ(plug->serial, "K");
   EXPECT_EQ(plug->storage, "/s");
@@ -64,7 +64,7 @@ TEST(Wire, SaysAPlug) {
 }
 
 TEST(Wire, SaysAFault) {
-  const auto fault = DecodeFault(kFaultBytes);
+  const auto fault = Decode<FaultRequest>(kFaultBytes);
   ASSERT_TRUE(fault);
   EXPECT_EQ(fault->name, "fail");
   EXPECT_EQ(fault->at, 3U);
@@ -72,16 +72,16 @@ TEST(Wire, SaysAFault) {
 }
 
 TEST(Wire, SaysAnError) {
-  const auto error = DecodeError(kErrorBytes);
+  const auto error = Decode<ErrorAnswer>(kErrorBytes);
   ASSERT_TRUE(error);
   EXPECT_EQ(error->code, ErrorCode::kNoSuchCamera);
   EXPECT_EQ(error->sentence, "no");
   EXPECT_EQ(Encode(*error), kErrorBytes);
-  EXPECT_FALSE(DecodeError(base::Bytes{2, 0, 0})) << "no such code";
+  EXPECT_FALSE(Decode<ErrorAnswer>(base::Bytes{2, 0, 0})) << "no such code";
 }
 
 TEST(Wire, SaysTheStatusOfACamera) {
-  const auto status = DecodeStatus(kStatusBytes);
+  const auto status = Decode<CameraStatus>(kStatusBytes);
   ASSERT_TRUE(status);
   EXPECT_EQ(status->id, 9U);
   EXPECT_EQ(status->storage, "/");
@@ -94,40 +94,40 @@ TEST(Wire, SaysTheStatusOfACamera) {
 TEST(Wire, SaysAListOfCameras) {
   base::Bytes bytes{2, 0, 0, 0};
   for (int i = 0; i < 2; ++i) bytes.insert(bytes.end(), kStatusBytes.begin(), kStatusBytes.end());
-  const auto list = DecodeStatusList(bytes);
+  const auto list = Decode<std::vector<CameraStatus>>(bytes);
   ASSERT_TRUE(list);
   EXPECT_EQ(list->size(), 2U);
   EXPECT_EQ(Encode(*list), bytes);
   bytes[0] = 1;
-  EXPECT_FALSE(DecodeStatusList(bytes)) << "bytes that the count does not cover";
-  EXPECT_FALSE(DecodeStatusList(base::Bytes{0xFF, 0xFF, 0xFF, 0xFF})) << "a count without bytes";
+  EXPECT_FALSE(Decode<std::vector<CameraStatus>>(bytes)) << "bytes that the count does not cover";
+  EXPECT_FALSE(Decode<std::vector<CameraStatus>>(base::Bytes{0xFF, 0xFF, 0xFF, 0xFF})) << "a count without bytes";
 }
 
 TEST(Wire, TakesNothingThatIsTooShortOrTooLong) {
   for (std::size_t length = 0; length < kPlugBytes.size(); ++length) {
-    EXPECT_FALSE(DecodePlug(std::span(kPlugBytes).first(length)));
+    EXPECT_FALSE(Decode<PlugRequest>(std::span(kPlugBytes).first(length)));
   }
   for (std::size_t length = 0; length < kFaultBytes.size(); ++length) {
-    EXPECT_FALSE(DecodeFault(std::span(kFaultBytes).first(length)));
+    EXPECT_FALSE(Decode<FaultRequest>(std::span(kFaultBytes).first(length)));
   }
   for (std::size_t length = 0; length < kStatusBytes.size(); ++length) {
-    EXPECT_FALSE(DecodeStatus(std::span(kStatusBytes).first(length)));
+    EXPECT_FALSE(Decode<CameraStatus>(std::span(kStatusBytes).first(length)));
   }
   for (base::Bytes bytes : {kPlugBytes, kFaultBytes, kStatusBytes, kErrorBytes}) {
     bytes.push_back(0);
-    EXPECT_FALSE(DecodePlug(bytes));
-    EXPECT_FALSE(DecodeFault(bytes));
-    EXPECT_FALSE(DecodeStatus(bytes));
-    EXPECT_FALSE(DecodeError(bytes));
+    EXPECT_FALSE(Decode<PlugRequest>(bytes));
+    EXPECT_FALSE(Decode<FaultRequest>(bytes));
+    EXPECT_FALSE(Decode<CameraStatus>(bytes));
+    EXPECT_FALSE(Decode<ErrorAnswer>(bytes));
   }
 }
 
 TEST(Wire, BoundsTexts) {
   base::Bytes bytes{0x01, 0x10};  // 4,097 bytes
   bytes.resize(2 + 4097, 'x');
-  EXPECT_FALSE(DecodeText(bytes));
+  EXPECT_FALSE(Decode<std::string>(bytes));
   EXPECT_EQ(EncodeText(std::string(5000, 'x')).size(), 2U + 4096U);
-  EXPECT_EQ(DecodeText(base::Bytes{2, 0, 'h', 'i'}), "hi");
+  EXPECT_EQ(Decode<std::string>(base::Bytes{2, 0, 'h', 'i'}), "hi");
 }
 
 TEST(Wire, FramesAPayload) {

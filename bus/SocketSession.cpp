@@ -18,11 +18,11 @@ class SocketSession : public CommandSession {
   int Start() override {
     try {
       connection_.emplace(path_);
-      connection_->Request(bus::Kind::kStartSession, bus::EncodeNumber(camera_));
+      connection_->Request(Kind::kStartSession, EncodeNumber(camera_));
       return kIOReturnSuccess;
     } catch (const BusRefusal& refusal) {
       connection_.reset();
-      return refusal.code == bus::ErrorCode::kBusy ? kIOReturnExclusiveAccess : kIOReturnNoDevice;
+      return refusal.code == ErrorCode::kBusy ? kIOReturnExclusiveAccess : kIOReturnNoDevice;
     } catch (const std::runtime_error&) {
       connection_.reset();
       return kIOReturnNoDevice;
@@ -31,17 +31,17 @@ class SocketSession : public CommandSession {
 
   void End() override {
     // Waits for the answer: afterwards another process must find the camera free.
-    if (connection_) connection_->Request(bus::Kind::kEndSession, {}, std::chrono::seconds(1));
+    if (connection_) connection_->Request(Kind::kEndSession, {}, std::chrono::seconds(1));
     connection_.reset();
   }
 
   wire::Reply Execute(const wire::Command& command, std::chrono::milliseconds timeout) override {
     if (!connection_) return wire::EndedBy(wire::Transport::kGone);
-    const auto answer = connection_->Request(bus::Kind::kCommand, bus::Encode(command), timeout);
+    const auto answer = connection_->Request(Kind::kCommand, Encode(command), timeout);
     // An answer that comes too late has this command's tag and is dropped.
     if (!answer) return wire::EndedBy(connection_->Ended() ? wire::Transport::kGone : wire::Transport::kHang);
-    const std::optional<wire::Reply> reply = bus::DecodeReply(answer->payload);
-    return answer->kind == bus::Kind::kReply && reply ? *reply : wire::EndedBy(wire::Transport::kGone);
+    const std::optional<wire::Reply> reply = Decode<wire::Reply>(answer->payload);
+    return answer->kind == Kind::kReply && reply ? *reply : wire::EndedBy(wire::Transport::kGone);
   }
 
  private:

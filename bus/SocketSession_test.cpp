@@ -9,14 +9,12 @@
 namespace bus {
 namespace {
 
-using bus::Kind;
-
 class SocketSessionTest : public testing::Test {
  protected:
   SocketSessionTest() {
-    connection_.Request(Kind::kPlug, Encode(bus::PlugRequest{"A", server_.Scratch().Path().string(), "", "", 3}));
+    connection_.Request(Kind::kPlug, Encode(PlugRequest{"A", server_.Scratch().Path().string(), "", "", 3}));
   }
-  void Arm(const std::string& fault) { connection_.Request(Kind::kFault, Encode(bus::FaultRequest{"A", fault, 1})); }
+  void Arm(const std::string& fault) { connection_.Request(Kind::kFault, Encode(FaultRequest{"A", fault, 1})); }
   wire::Reply AskReady(CommandSession& session, std::chrono::milliseconds timeout = std::chrono::seconds(10)) {
     wire::Command command = vcam::test::Block({0xC6, 0, 0x04});
     command.direction = wire::Direction::kFromCamera;
@@ -57,7 +55,7 @@ TEST_F(SocketSessionTest, GivesUpACommandThatHangsAndRunsTheNext) {
 
 TEST_F(SocketSessionTest, IsGoneWithTheCamera) {
   ASSERT_EQ(session_->Start(), kIOReturnSuccess);
-  connection_.Request(Kind::kUnplug, bus::EncodeText("A"));
+  connection_.Request(Kind::kUnplug, EncodeText("A"));
   EXPECT_EQ(AskReady(*session_).transport, wire::Transport::kGone);
 }
 

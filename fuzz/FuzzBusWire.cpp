@@ -9,15 +9,16 @@ using namespace bus;
 using base::Bytes;
 
 void DecodeAll(const Bytes& payload) {
-  DecodePlug(payload);
-  DecodeFault(payload);
-  DecodeStatus(payload);
-  DecodeStatusList(payload);
-  DecodeError(payload);
-  DecodeReply(payload);
-  DecodeNumber(payload);
-  DecodeText(payload);
-  if (const auto command = DecodeCommand(payload); command && command->data.size() > command->length) __builtin_trap();
+  Decode<PlugRequest>(payload);
+  Decode<FaultRequest>(payload);
+  Decode<CameraStatus>(payload);
+  Decode<std::vector<CameraStatus>>(payload);
+  Decode<ErrorAnswer>(payload);
+  Decode<wire::Reply>(payload);
+  Decode<std::uint32_t>(payload);
+  Decode<std::string>(payload);
+  const auto command = Decode<wire::Command>(payload);
+  if (command && command->data.size() > command->length) __builtin_trap();
 }
 
 void ReadFrames(FrameReader& reader) {

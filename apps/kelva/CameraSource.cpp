@@ -21,7 +21,7 @@ std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::s
   std::vector<doctor::Holder> holders;
   try {
     bus::BusConnection bus(socket);
-    const auto cameras = bus::DecodeStatusList(bus.Request(bus::Kind::kStatus, {}).payload);
+    const auto cameras = bus::Decode<std::vector<bus::CameraStatus>>(bus.Request(bus::Kind::kStatus, {}).payload);
     for (const bus::CameraStatus& camera : cameras.value_or(std::vector<bus::CameraStatus>())) {
       const int pid = static_cast<int>(camera.holder);
       if (camera.serial == serial && pid != 0) holders.push_back({pid, doctor::ProcessName(pid)});

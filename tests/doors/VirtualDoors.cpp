@@ -87,7 +87,7 @@ class SocketDoor : public VirtualDoor {
   void Plug(const vcam::Options& options) override {
     const auto answer = control_.Request(bus::Kind::kPlug,
                                          Encode(bus::PlugRequest{options.serial, options.storage.string(), "", "", 3}));
-    const auto id = bus::DecodeNumber(answer.payload).value();
+    const auto id = bus::Decode<std::uint32_t>(answer.payload).value();
     Show(options, [path = server_.Path(), id] { return bus::MakeSocketSession(path, id); });
   }
   void Arm(const vcam::Fault& fault) override {

@@ -7,7 +7,7 @@ namespace vcam::program {
 namespace {
 
 std::vector<bus::CameraStatus> Fetch(const apps::Invocation& call) {
-  const auto list = bus::DecodeStatusList(AskBus(call, bus::Kind::kStatus, {}).payload);
+  const auto list = bus::Decode<std::vector<bus::CameraStatus>>(AskBus(call, bus::Kind::kStatus, {}).payload);
   if (!list) throw std::runtime_error("The bus sent a status that cannot be read; use programs of one release.");
   return *list;
 }

@@ -41,7 +41,7 @@ std::span<const apps::Verb> AllVerbs() {
 
 std::vector<std::string> SerialsOnBus(const apps::Invocation& call) {
   std::vector<std::string> serials;
-  const auto list = bus::DecodeStatusList(AskBus(call, bus::Kind::kStatus, {}).payload);
+  const auto list = bus::Decode<std::vector<bus::CameraStatus>>(AskBus(call, bus::Kind::kStatus, {}).payload);
   if (list) {
     for (const bus::CameraStatus& camera : *list) serials.push_back(camera.serial);
   }

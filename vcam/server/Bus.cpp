@@ -35,12 +35,13 @@ void Bus::DropSession(PeerId peer) {
   found->second.status.holder = 0;
 }
 
-void Bus::Answer(PeerId peer, std::uint32_t tag, bus::Kind kind, const base::Bytes& payload) {
+bool Bus::Answer(PeerId peer, std::uint32_t tag, bus::Kind kind, const base::Bytes& payload) {
   send_(peer, bus::EncodeFrame(kind, tag, payload));
+  return true;
 }
 
-void Bus::AnswerError(PeerId peer, std::uint32_t tag, bus::ErrorCode code, const std::string& sentence) {
-  Answer(peer, tag, bus::Kind::kError, bus::Encode(bus::ErrorAnswer{code, sentence}));
+bool Bus::AnswerError(PeerId peer, std::uint32_t tag, bus::ErrorCode code, const std::string& sentence) {
+  return Answer(peer, tag, bus::Kind::kError, bus::Encode(bus::ErrorAnswer{code, sentence}));
 }
 
 void Bus::Announce(bus::Kind kind, const base::Bytes& payload) {
@@ -90,21 +91,22 @@ Bus::Clock::time_point Bus::NextDue() const {
   return next;
 }
 
+// Taken out before they are answered: answering may remove a camera, which changes held_.
+template <typename Condition>
+std::vector<Bus::Held> Bus::TakeHeld(Condition isMeant) {
+  const auto meant = std::stable_partition(held_.begin(), held_.end(), std::not_fn(isMeant));
+  std::vector<Held> taken(std::make_move_iterator(meant), std::make_move_iterator(held_.end()));
+  held_.erase(meant, held_.end());
+  return taken;
+}
+
 void Bus::SendDue() {
   const Clock::time_point now = Clock::now();
-  // Taken out first: answering may remove a camera, which changes held_.
-  const auto due = std::stable_partition(held_.begin(), held_.end(), [&](const Held& held) { return held.due > now; });
-  std::vector<Held> ready(std::make_move_iterator(due), std::make_move_iterator(held_.end()));
-  held_.erase(due, held_.end());
-  for (const Held& held : ready) AnswerCommand(held.completion);
+  for (const Held& held : TakeHeld([&](const Held& one) { return one.due <= now; })) AnswerCommand(held.completion);
 }
 
 void Bus::ReleaseHeld(std::uint32_t camera) {
-  const auto first = std::stable_partition(held_.begin(), held_.end(),
-                                           [&](const Held& held) { return held.completion.camera != camera; });
-  std::vector<Held> released(std::make_move_iterator(first), std::make_move_iterator(held_.end()));
-  held_.erase(first, held_.end());
-  for (Held& held : released) {
+  for (Held& held : TakeHeld([&](const Held& one) { return one.completion.camera == camera; })) {
     held.completion.reply = wire::EndedBy(wire::Transport::kGone);
     AnswerCommand(held.completion);
   }

@@ -69,17 +69,20 @@ class Bus {
   bool EndSession(PeerId peer, const bus::Frame& frame);
   bool RunCommand(PeerId peer, const bus::Frame& frame);
 
-  void Answer(PeerId peer, std::uint32_t tag, bus::Kind kind, const base::Bytes& payload = {});
-  void AnswerError(PeerId peer, std::uint32_t tag, bus::ErrorCode code, const std::string& sentence);
+  /// Sends an answer; true, because the request was well-formed.
+  bool Answer(PeerId peer, std::uint32_t tag, bus::Kind kind, const base::Bytes& payload = {});
+  bool AnswerError(PeerId peer, std::uint32_t tag, bus::ErrorCode code, const std::string& sentence);
   void AnswerCommand(const Completion& completion);
   void Announce(bus::Kind kind, const base::Bytes& payload);
   Camera* FindBySerial(const std::string& serial);
-  std::string NoSuchCamera(const std::string& serial) const;
-  void AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest& request);
+  bool AnswerNoSuchCamera(PeerId peer, const bus::Frame& frame, const std::string& serial);
+  bool AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest& request);
   void DropSession(PeerId peer);
   void RemoveCamera(std::uint32_t id);
   void ReleaseHeld(std::uint32_t camera);
   void DropRetired();
+  template <typename Condition>
+  std::vector<Held> TakeHeld(Condition isMeant);
   std::size_t DropHeld(PeerId peer);
 
   Send send_;

@@ -11,83 +11,68 @@ constexpr std::size_t kMaxUnfinished = 4;
 constexpr std::size_t kMaxSerial = 126;  // what a USB string descriptor holds
 
 bus::CameraStatus StatusOf(std::uint32_t id, const Options& options) {
-  bus::CameraStatus status;
-  status.id = id;
-  status.serial = options.serial;
-  status.vendor = options.vendor;
-  status.product = options.product;
-  status.revision = options.revision;
-  status.storage = options.storage.string();
-  status.peripheralType = options.peripheralType;
-  return status;
+  return {.id = id,
+          .serial = options.serial,
+          .vendor = options.vendor,
+          .product = options.product,
+          .revision = options.revision,
+          .storage = options.storage.string(),
+          .peripheralType = options.peripheralType};
 }
 
 }  // namespace
 
 bool Bus::Handle(PeerId peer, const bus::Frame& frame) {
+  static const std::map<bus::Kind, bool (Bus::*)(PeerId, const bus::Frame&)> requests{
+      {bus::Kind::kHello, &Bus::Greet},
+      {bus::Kind::kSubscribe, &Bus::Subscribe},
+      {bus::Kind::kPlug, &Bus::Plug},
+      {bus::Kind::kUnplug, &Bus::Unplug},
+      {bus::Kind::kStatus, &Bus::Status},
+      {bus::Kind::kFault, &Bus::Fault},
+      {bus::Kind::kStartSession, &Bus::StartSession},
+      {bus::Kind::kEndSession, &Bus::EndSession},
+      {bus::Kind::kCommand, &Bus::RunCommand},
+  };
   if (frame.kind != bus::Kind::kHello && !peers_[peer].greeted) return false;
-  switch (frame.kind) {
-    case bus::Kind::kHello:
-      return Greet(peer, frame);
-    case bus::Kind::kSubscribe:
-      return Subscribe(peer, frame);
-    case bus::Kind::kPlug:
-      return Plug(peer, frame);
-    case bus::Kind::kUnplug:
-      return Unplug(peer, frame);
-    case bus::Kind::kStatus:
-      return Status(peer, frame);
-    case bus::Kind::kFault:
-      return Fault(peer, frame);
-    case bus::Kind::kStartSession:
-      return StartSession(peer, frame);
-    case bus::Kind::kEndSession:
-      return EndSession(peer, frame);
-    case bus::Kind::kCommand:
-      return RunCommand(peer, frame);
-    default:
-      return false;
-  }
+  const auto request = requests.find(frame.kind);
+  return request != requests.end() && (this->*request->second)(peer, frame);
 }
 
 bool Bus::Greet(PeerId peer, const bus::Frame& frame) {
-  const auto version = bus::DecodeNumber(frame.payload);
+  const auto version = bus::Decode<std::uint32_t>(frame.payload);
   if (!version) return false;
   if (*version != bus::kProtocolVersion) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kRefused,
-                "This bus speaks version " + std::to_string(bus::kProtocolVersion) + " of its protocol, not version " +
-                    std::to_string(*version) + "; use programs of one release.");
-    return true;
+    return AnswerError(peer, frame.tag, bus::ErrorCode::kRefused,
+                       "This bus speaks version " + std::to_string(bus::kProtocolVersion) +
+                           " of its protocol, not version " + std::to_string(*version) +
+                           "; use programs of one release.");
   }
   peers_[peer].greeted = true;
-  Answer(peer, frame.tag, bus::Kind::kOk);
-  return true;
+  return Answer(peer, frame.tag, bus::Kind::kOk);
 }
 
 bool Bus::Subscribe(PeerId peer, const bus::Frame& frame) {
   if (!frame.payload.empty()) return false;
   for (const auto& [id, camera] : cameras_) Answer(peer, 0, bus::Kind::kPlugged, bus::Encode(camera.status));
   peers_[peer].subscribed = true;
-  Answer(peer, frame.tag, bus::Kind::kOk);
-  return true;
+  return Answer(peer, frame.tag, bus::Kind::kOk);
 }
 
 bool Bus::Plug(PeerId peer, const bus::Frame& frame) {
-  const auto request = bus::DecodePlug(frame.payload);
+  const auto request = bus::Decode<bus::PlugRequest>(frame.payload);
   if (!request) return false;
   if (request->serial.empty() || request->serial.size() > kMaxSerial) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kRefused,
-                "A serial number has 1 to " + std::to_string(kMaxSerial) + " characters; give another one.");
-  } else if (FindBySerial(request->serial) != nullptr) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kBusy,
-                "Camera " + request->serial + " is plugged in already; unplug it first or use another serial number.");
-  } else {
-    AddCamera(peer, frame, *request);
+    return AnswerError(peer, frame.tag, bus::ErrorCode::kRefused,
+                       "A serial number has 1 to " + std::to_string(kMaxSerial) + " characters; give another one.");
   }
-  return true;
+  if (FindBySerial(request->serial) == nullptr) return AddCamera(peer, frame, *request);
+  return AnswerError(
+      peer, frame.tag, bus::ErrorCode::kBusy,
+      "Camera " + request->serial + " is plugged in already; unplug it first or use another serial number.");
 }
 
-void Bus::AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest& request) {
+bool Bus::AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest& request) {
   Options options;
   options.serial = request.serial;
   options.storage = request.storage;
@@ -108,88 +93,78 @@ void Bus::AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest
     const base::Bytes announcement = bus::Encode(camera.status);
     cameras_.emplace(nextCamera_, std::move(camera));
     Announce(bus::Kind::kPlugged, announcement);
-    Answer(peer, frame.tag, bus::Kind::kOk, bus::EncodeNumber(nextCamera_++));
+    return Answer(peer, frame.tag, bus::Kind::kOk, bus::EncodeNumber(nextCamera_++));
   } catch (const std::exception& error) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kRefused, error.what());
+    return AnswerError(peer, frame.tag, bus::ErrorCode::kRefused, error.what());
   }
 }
 
-std::string Bus::NoSuchCamera(const std::string& serial) const {
-  return "No camera " + serial + " is plugged in; `kelva-vcam status` lists those that are.";
+bool Bus::AnswerNoSuchCamera(PeerId peer, const bus::Frame& frame, const std::string& serial) {
+  return AnswerError(peer, frame.tag, bus::ErrorCode::kNoSuchCamera,
+                     "No camera " + serial + " is plugged in; `kelva-vcam status` lists those that are.");
 }
 
 bool Bus::Unplug(PeerId peer, const bus::Frame& frame) {
-  const auto serial = bus::DecodeText(frame.payload);
+  const auto serial = bus::Decode<std::string>(frame.payload);
   if (!serial) return false;
   const Camera* camera = FindBySerial(*serial);
-  if (camera == nullptr) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kNoSuchCamera, NoSuchCamera(*serial));
-    return true;
-  }
+  if (camera == nullptr) return AnswerNoSuchCamera(peer, frame, *serial);
   RemoveCamera(camera->status.id);
-  Answer(peer, frame.tag, bus::Kind::kOk);
-  return true;
+  return Answer(peer, frame.tag, bus::Kind::kOk);
 }
 
 bool Bus::Status(PeerId peer, const bus::Frame& frame) {
   if (!frame.payload.empty()) return false;
   std::vector<bus::CameraStatus> list;
   for (const auto& [id, camera] : cameras_) list.push_back(camera.status);
-  Answer(peer, frame.tag, bus::Kind::kOk, bus::Encode(list));
-  return true;
+  return Answer(peer, frame.tag, bus::Kind::kOk, bus::Encode(list));
 }
 
 bool Bus::Fault(PeerId peer, const bus::Frame& frame) {
-  const auto request = bus::DecodeFault(frame.payload);
+  const auto request = bus::Decode<bus::FaultRequest>(frame.payload);
   if (!request) return false;
   const Camera* camera = FindBySerial(request->serial);
+  if (camera == nullptr) return AnswerNoSuchCamera(peer, frame, request->serial);
   const auto kind = FaultByName(request->name);
-  if (camera == nullptr) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kNoSuchCamera, NoSuchCamera(request->serial));
-  } else if (request->name == "none") {
+  if (request->name == "none") {
     camera->device->Disarm();
-    Answer(peer, frame.tag, bus::Kind::kOk);
-  } else if (!kind) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kRefused,
-                "There is no fault " + request->name + "; choose one of " + FaultNames() + ", or none.");
-  } else {
+  } else if (kind) {
     camera->device->Arm({*kind, request->at});
-    Answer(peer, frame.tag, bus::Kind::kOk);
+  } else {
+    return AnswerError(peer, frame.tag, bus::ErrorCode::kRefused,
+                       "There is no fault " + request->name + "; choose one of " + FaultNames() + ", or none.");
   }
-  return true;
+  return Answer(peer, frame.tag, bus::Kind::kOk);
 }
 
 bool Bus::StartSession(PeerId peer, const bus::Frame& frame) {
-  const auto id = bus::DecodeNumber(frame.payload);
+  const auto id = bus::Decode<std::uint32_t>(frame.payload);
   if (!id || peers_[peer].session != 0) return false;
   const auto found = cameras_.find(*id);
   if (found == cameras_.end()) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kNoSuchCamera, "That camera has been unplugged; plug it in again.");
-    return true;
+    return AnswerError(peer, frame.tag, bus::ErrorCode::kNoSuchCamera,
+                       "That camera has been unplugged; plug it in again.");
   }
   Camera& camera = found->second;
   if (!camera.device->StartSession()) {
-    AnswerError(peer, frame.tag, bus::ErrorCode::kBusy,
-                "Camera " + camera.status.serial + " is in use by process " + std::to_string(camera.status.holder) +
-                    "; wait until it is done.");
-    return true;
+    return AnswerError(peer, frame.tag, bus::ErrorCode::kBusy,
+                       "Camera " + camera.status.serial + " is in use by process " +
+                           std::to_string(camera.status.holder) + "; wait until it is done.");
   }
   camera.holder = peer;
   camera.status.holder = static_cast<std::uint32_t>(peers_[peer].process);
   peers_[peer].session = *id;
-  Answer(peer, frame.tag, bus::Kind::kOk);
-  return true;
+  return Answer(peer, frame.tag, bus::Kind::kOk);
 }
 
 bool Bus::EndSession(PeerId peer, const bus::Frame& frame) {
   if (!frame.payload.empty()) return false;
   DropSession(peer);
-  Answer(peer, frame.tag, bus::Kind::kOk);
-  return true;
+  return Answer(peer, frame.tag, bus::Kind::kOk);
 }
 
 bool Bus::RunCommand(PeerId peer, const bus::Frame& frame) {
-  const auto command = bus::DecodeCommand(frame.payload);
+  const auto command = bus::Decode<wire::Command>(frame.payload);
   Peer& from = peers_[peer];
   // A host that sends another command has given up on the last one. If that one still runs, its answer goes out under
   // its own tag. The limit keeps a peer from piling up commands.
@@ -198,8 +173,7 @@ bool Bus::RunCommand(PeerId peer, const bus::Frame& frame) {
   const auto found = cameras_.find(from.session);
   if (found == cameras_.end()) {
     // No session, or its camera has left the bus: the same to the host.
-    Answer(peer, frame.tag, bus::Kind::kReply, bus::Encode(wire::EndedBy(wire::Transport::kGone)));
-    return true;
+    return Answer(peer, frame.tag, bus::Kind::kReply, bus::Encode(wire::EndedBy(wire::Transport::kGone)));
   }
   ++found->second.status.commands;
   ++from.unfinished;

@@ -22,7 +22,7 @@ class BusServerTest : public testing::Test {
   }
   std::size_t CountCameras() {
     bus::BusConnection connection(server_.Path());
-    return bus::DecodeStatusList(connection.Request(bus::Kind::kStatus, {}).payload)->size();
+    return bus::Decode<std::vector<bus::CameraStatus>>(connection.Request(bus::Kind::kStatus, {}).payload)->size();
   }
   /// Sends these bytes and waits until the bus hangs up.
   void SendAndExpectHangUp(const base::Bytes& bytes) {
@@ -41,7 +41,8 @@ TEST_F(BusServerTest, ServesSeveralPeersAtOnce) {
   bus::BusConnection first(server_.Path());
   bus::BusConnection second(server_.Path());
   first.Request(bus::Kind::kPlug, PlugOf("A"));
-  EXPECT_EQ(bus::DecodeStatusList(second.Request(bus::Kind::kStatus, {}).payload)->at(0).serial, "A");
+  EXPECT_EQ(bus::Decode<std::vector<bus::CameraStatus>>(second.Request(bus::Kind::kStatus, {}).payload)->at(0).serial,
+            "A");
 }
 
 TEST_F(BusServerTest, HangsUpOnPeersThatSpeakAnotherLanguage) {
@@ -110,7 +111,7 @@ TEST_F(BusServerTest, MovesWholeTransfersOfTheLargestSize) {
   command.cdb = {0xC5};
   command.length = wire::kMaxTransferLength;
   command.data = content;
-  const auto reply = bus::DecodeReply(connection.Request(bus::Kind::kCommand, bus::Encode(command)).payload);
+  const auto reply = bus::Decode<wire::Reply>(connection.Request(bus::Kind::kCommand, bus::Encode(command)).payload);
   ASSERT_TRUE(reply);
   EXPECT_EQ(reply->moved, wire::kMaxTransferLength);
   EXPECT_EQ(std::filesystem::file_size(server_.Scratch().Path() / "big"), wire::kMaxTransferLength);

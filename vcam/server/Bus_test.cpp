@@ -32,7 +32,7 @@ class BusTest : public testing::Test {
   bus::ErrorAnswer Refused(PeerId peer, bus::Kind kind, const base::Bytes& payload) {
     const bus::Frame answer = Answered(peer, kind, payload);
     EXPECT_EQ(answer.kind, bus::Kind::kError);
-    return bus::DecodeError(answer.payload).value_or(bus::ErrorAnswer{});
+    return bus::Decode<bus::ErrorAnswer>(answer.payload).value_or(bus::ErrorAnswer{});
   }
 
   bus::PlugRequest PlugOf(const std::string& serial) const { return {serial, scratch_.Path().string(), "", "", 3}; }
@@ -57,7 +57,7 @@ class BusTest : public testing::Test {
     EXPECT_FALSE(sent_.empty());
     if (sent_.empty()) return {};
     EXPECT_EQ(sent_.back().second.kind, bus::Kind::kReply);
-    return bus::DecodeReply(sent_.back().second.payload).value_or(wire::Reply{});
+    return bus::Decode<wire::Reply>(sent_.back().second.payload).value_or(wire::Reply{});
   }
 
   test::ScratchStorage scratch_;
@@ -82,7 +82,7 @@ TEST_F(BusTest, TellsSubscribersWhatIsPresentAndWhatChanges) {
   EXPECT_TRUE(Ask(2, bus::Kind::kSubscribe, {}));
   ASSERT_EQ(sent_.size(), 2U);
   EXPECT_EQ(sent_[0].second.kind, bus::Kind::kPlugged);
-  EXPECT_EQ(bus::DecodeStatus(sent_[0].second.payload)->serial, "A");
+  EXPECT_EQ(bus::Decode<bus::CameraStatus>(sent_[0].second.payload)->serial, "A");
   EXPECT_EQ(sent_[1].second.kind, bus::Kind::kOk);
   sent_.clear();
   EXPECT_TRUE(Ask(1, bus::Kind::kPlug, bus::Encode(PlugOf("B"))));
@@ -93,7 +93,7 @@ TEST_F(BusTest, TellsSubscribersWhatIsPresentAndWhatChanges) {
   EXPECT_TRUE(Ask(1, bus::Kind::kUnplug, bus::EncodeText("A")));
   ASSERT_EQ(sent_.size(), 2U);
   EXPECT_EQ(sent_[0].second.kind, bus::Kind::kUnplugged);
-  EXPECT_EQ(bus::DecodeNumber(sent_[0].second.payload), 1U);
+  EXPECT_EQ(bus::Decode<std::uint32_t>(sent_[0].second.payload), 1U);
 }
 
 TEST_F(BusTest, RefusesCamerasThatCannotBe) {
@@ -138,7 +138,7 @@ TEST_F(BusTest, GivesASessionToOnePeerAndSaysWhoHasIt) {
   const bus::ErrorAnswer busy = Refused(2, bus::Kind::kStartSession, bus::EncodeNumber(1));
   EXPECT_EQ(busy.code, bus::ErrorCode::kBusy);
   EXPECT_THAT(busy.sentence, HasSubstr("process 1001"));
-  const auto list = bus::DecodeStatusList(Answered(2, bus::Kind::kStatus, {}).payload);
+  const auto list = bus::Decode<std::vector<bus::CameraStatus>>(Answered(2, bus::Kind::kStatus, {}).payload);
   EXPECT_EQ(list->at(0).holder, 1001U);
   EXPECT_EQ(Answered(1, bus::Kind::kEndSession, {}).kind, bus::Kind::kOk);
   EXPECT_EQ(Answered(2, bus::Kind::kStartSession, bus::EncodeNumber(1)).kind, bus::Kind::kOk);
@@ -175,7 +175,7 @@ TEST_F(BusTest, HoldsACommandThatHangsUntilTheUnplug) {
   EXPECT_TRUE(sent_.empty());
   EXPECT_TRUE(Ask(2, bus::Kind::kUnplug, bus::EncodeText("A")));
   EXPECT_EQ(sent_[0].first, 1U);
-  EXPECT_EQ(bus::DecodeReply(sent_[0].second.payload)->transport, wire::Transport::kGone);
+  EXPECT_EQ(bus::Decode<wire::Reply>(sent_[0].second.payload)->transport, wire::Transport::kGone);
   EXPECT_TRUE(Ask(1, bus::Kind::kCommand, bus::Encode(ReadyCommand())));
   EXPECT_EQ(LastReply().transport, wire::Transport::kGone);
 }
@@ -223,9 +223,9 @@ TEST_F(BusTest, UnplugsACameraThatLeavesInMidCommand) {
   EXPECT_TRUE(Ask(1, bus::Kind::kCommand, bus::Encode(ReadyCommand())));
   Complete();
   ASSERT_EQ(sent_.size(), 2U);
-  EXPECT_EQ(bus::DecodeReply(sent_[0].second.payload)->transport, wire::Transport::kGone);
+  EXPECT_EQ(bus::Decode<wire::Reply>(sent_[0].second.payload)->transport, wire::Transport::kGone);
   EXPECT_EQ(sent_[1].second.kind, bus::Kind::kUnplugged);
-  EXPECT_TRUE(bus::DecodeStatusList(Answered(1, bus::Kind::kStatus, {}).payload)->empty());
+  EXPECT_TRUE(bus::Decode<std::vector<bus::CameraStatus>>(Answered(1, bus::Kind::kStatus, {}).payload)->empty());
 }
 
 TEST_F(BusTest, TakesFaultsBack) {
@@ -243,7 +243,8 @@ TEST_F(BusTest, CountsCommandsInItsStatus) {
   Answered(1, bus::Kind::kStartSession, bus::EncodeNumber(1));
   EXPECT_TRUE(Ask(1, bus::Kind::kCommand, bus::Encode(ReadyCommand())));
   Complete();
-  EXPECT_EQ(bus::DecodeStatusList(Answered(2, bus::Kind::kStatus, {}).payload)->at(0).commands, 1U);
+  EXPECT_EQ(bus::Decode<std::vector<bus::CameraStatus>>(Answered(2, bus::Kind::kStatus, {}).payload)->at(0).commands,
+            1U);
 }
 
 }  // namespace
