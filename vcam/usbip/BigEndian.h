@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <span>
 
+#include "base/Bytes.h"
+
 // Numbers of the USB/IP headers and of SCSI command blocks, which are big-endian.
 
 namespace vcam::usbip {
@@ -23,6 +25,13 @@ void StoreBig(std::span<std::uint8_t> bytes, std::size_t offset, Number value) {
   auto rest = static_cast<std::uint64_t>(value);
   const auto field = bytes.subspan(offset, sizeof(Number));
   for (std::size_t i = field.size(); i-- > 0; rest >>= 8) field[i] = static_cast<std::uint8_t>(rest);
+}
+
+template <typename... Numbers>
+void AppendBig(base::Bytes& bytes, Numbers... values) {
+  std::size_t offset = bytes.size();
+  bytes.resize(offset + (sizeof values + ...));
+  ((StoreBig(std::span<std::uint8_t>(bytes), offset, values), offset += sizeof values), ...);
 }
 
 }  // namespace vcam::usbip

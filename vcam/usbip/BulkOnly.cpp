@@ -11,11 +11,6 @@ namespace {
 constexpr std::uint32_t kImpossibleResidue = 0x7FFFFFFF;
 constexpr std::uint32_t kAnotherTag = 0x5A5A5A5A;
 
-WrapperStatus StatusOf(const wire::Reply& reply) {
-  return reply.transport == wire::Transport::kOk && reply.status == wire::kScsiGood ? WrapperStatus::kPassed
-                                                                                    : WrapperStatus::kFailed;
-}
-
 }  // namespace
 
 std::int32_t BulkOnly::Give(std::span<const std::uint8_t> bytes, Clock::time_point now) {
@@ -75,7 +70,8 @@ void BulkOnly::Settle(wire::Reply reply, Clock::time_point now) {
   gone_ = reply.transport == wire::Transport::kGone;
   stall_ = reply.transport == wire::Transport::kStall;
   // A fault may claim more than was asked for. The residue then wraps, as that of a device that counts wrongly.
-  status_ = {command_.tag, command_.length - reply.moved, StatusOf(reply)};
+  status_ = {command_.tag, command_.length - reply.moved,
+             reply.Good() ? WrapperStatus::kPassed : WrapperStatus::kFailed};
   data_ = std::move(reply.data);
   sent_ = 0;
   phase_ = command_.direction == wire::Direction::kFromCamera ? Phase::kDataIn : Phase::kStatus;
@@ -125,7 +121,7 @@ void BulkOnly::ApplyFault(CableFault fault) {
 }
 
 std::optional<Taken> BulkOnly::Take(std::uint32_t length, Clock::time_point now) {
-  if (haltedIn_) return Taken{kUrbStall, 0, {}, false};
+  if (haltedIn_) return Taken{.status = kUrbStall};
   if (phase_ == Phase::kCommand || phase_ == Phase::kDataOut || hang_ || now < readyAt_) return std::nullopt;
   if (stall_) return StallIn();
   return phase_ == Phase::kDataIn ? TakeData(length) : TakeStatus(length);
@@ -136,7 +132,7 @@ Taken BulkOnly::StallIn() {
   stall_ = false;
   haltedIn_ = true;
   phase_ = Phase::kStatus;
-  return {kUrbStall, 0, {}, false};
+  return {.status = kUrbStall};
 }
 
 Taken BulkOnly::TakeData(std::uint32_t length) {
@@ -171,7 +167,7 @@ Taken BulkOnly::TakeStatus(std::uint32_t length) {
   if (cutStatus_) bytes.pop_back();
   cutStatus_ = false;
   phase_ = Phase::kCommand;
-  if (length < bytes.size()) return {kUrbBabble, 0, {}, false};
+  if (length < bytes.size()) return {.status = kUrbBabble};
   const auto size = static_cast<std::uint32_t>(bytes.size());
   return {kUrbOk, size, std::move(bytes), false};
 }

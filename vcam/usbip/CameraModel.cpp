@@ -5,22 +5,14 @@ namespace vcam::usbip {
 
 CameraModel ModelOf(VirtualCamera& camera, CableFaults& faults, Speed speed) {
   const Options& options = camera.GetOptions();
-  CameraModel model;
-  model.identity = {options.vendor, options.product, options.serial, speed};
-  model.inquiry = camera.InquiryData();
-  model.execute = [&camera](const wire::Command& command) { return camera.Execute(command); };
-  model.faults = [&faults] { return faults.Next(); };
-  return model;
+  return {.identity = {options.vendor, options.product, options.serial, speed},
+          .inquiry = camera.InquiryData(),
+          .execute = [&camera](const wire::Command& command) { return camera.Execute(command); },
+          .faults = [&faults] { return faults.Next(); }};
 }
 
 Offer OfferOf(Speed speed) {
-  Offer offer;
-  offer.busId = "1-1";
-  offer.speed = speed;
-  offer.vendor = kVendorId;
-  offer.product = kProductId;
-  offer.release = kRelease;
-  return offer;
+  return {.busId = "1-1", .speed = speed, .vendor = kVendorId, .product = kProductId, .release = kRelease};
 }
 
 }  // namespace vcam::usbip

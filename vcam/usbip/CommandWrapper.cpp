@@ -42,11 +42,7 @@ std::optional<CommandWrapper> DecodeCommand(std::span<const std::uint8_t> bytes)
 
 base::Bytes EncodeStatus(const StatusWrapper& status) {
   base::Bytes bytes;
-  bytes.reserve(kStatusWrapperSize);
-  base::Append(bytes, kStatusSignature);
-  base::Append(bytes, status.tag);
-  base::Append(bytes, status.residue);
-  bytes.push_back(static_cast<std::uint8_t>(status.status));
+  base::Append(bytes, kStatusSignature, status.tag, status.residue, status.status);
   return bytes;
 }
 

@@ -15,15 +15,6 @@ constexpr std::uint16_t kAskImport = 0x8003;
 constexpr std::uint16_t kTellList = 0x0005;
 constexpr std::uint16_t kTellImport = 0x0003;
 constexpr std::size_t kPathSize = 256;
-// Mass storage, SCSI transparent command set, bulk-only transport.
-constexpr std::array<std::uint8_t, 3> kInterface{0x08, 0x06, 0x50};
-
-template <typename Number>
-void AppendBig(base::Bytes& bytes, Number value) {
-  const std::size_t offset = bytes.size();
-  bytes.resize(offset + sizeof(Number));
-  StoreBig(std::span<std::uint8_t>(bytes), offset, value);
-}
 
 void AppendField(base::Bytes& bytes, const std::string& text, std::size_t size) {
   const std::size_t end = bytes.size() + size;
@@ -33,24 +24,16 @@ void AppendField(base::Bytes& bytes, const std::string& text, std::size_t size) 
 
 base::Bytes AnswerHead(std::uint16_t code, Outcome outcome) {
   base::Bytes bytes;
-  AppendBig(bytes, kVersion);
-  AppendBig(bytes, code);
-  AppendBig(bytes, static_cast<std::uint32_t>(outcome));
+  AppendBig(bytes, kVersion, code, outcome);
   return bytes;
 }
 
 void AppendDevice(base::Bytes& bytes, const Offer& offer) {
   AppendField(bytes, "/sys/devices/kelva-vcam/" + offer.busId, kPathSize);
   AppendField(bytes, offer.busId, kBusIdSize);
-  AppendBig(bytes, offer.busNumber);
-  AppendBig(bytes, offer.deviceNumber);
-  AppendBig(bytes, static_cast<std::uint32_t>(offer.speed));
-  AppendBig(bytes, offer.vendor);
-  AppendBig(bytes, offer.product);
-  AppendBig(bytes, offer.release);
+  AppendBig(bytes, offer.busNumber, offer.deviceNumber, offer.speed, offer.vendor, offer.product, offer.release);
   // Class, subclass and protocol stand in the interface; the configuration in force is 1 of 1, with 1 interface.
-  constexpr std::array<std::uint8_t, 6> kClassesAndCounts{0, 0, 0, 1, 1, 1};
-  bytes.insert(bytes.end(), kClassesAndCounts.begin(), kClassesAndCounts.end());
+  bytes.insert(bytes.end(), {0, 0, 0, 1, 1, 1});
 }
 
 bool IsBusIdByte(std::uint8_t byte) {
@@ -82,8 +65,8 @@ base::Bytes EncodeDeviceList(const Offer& offer) {
   base::Bytes bytes = AnswerHead(kTellList, Outcome::kOk);
   AppendBig(bytes, std::uint32_t{1});
   AppendDevice(bytes, offer);
-  bytes.insert(bytes.end(), kInterface.begin(), kInterface.end());
-  bytes.push_back(0);
+  // Mass storage, SCSI transparent command set, bulk-only transport; and a byte of padding.
+  bytes.insert(bytes.end(), {0x08, 0x06, 0x50, 0});
   return bytes;
 }
 

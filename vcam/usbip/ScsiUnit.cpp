@@ -42,14 +42,9 @@ std::uint16_t Allocated16(const wire::Command& command, std::size_t offset) {
   return LoadBig<std::uint16_t>(command.cdb, offset);
 }
 
+// Current, fixed format; byte 7 counts the bytes that follow it.
 base::Bytes SenseData(const wire::Sense& sense) {
-  base::Bytes bytes(18, 0);
-  bytes[0] = 0x70;  // current, fixed format
-  bytes[2] = sense.key;
-  bytes[7] = 10;  // bytes that follow this one
-  bytes[12] = sense.asc;
-  bytes[13] = sense.ascq;
-  return bytes;
+  return {0x70, 0, sense.key, 0, 0, 0, 0, 10, 0, 0, 0, 0, sense.asc, sense.ascq, 0, 0, 0, 0};
 }
 
 }  // namespace
@@ -60,12 +55,8 @@ bool IsCameraCommand(std::uint8_t operation) {
 
 wire::Reply ScsiUnit::Run(const wire::Command& command) {
   wire::Reply reply = Dispatch(command);
-  if (reply.transport == wire::Transport::kOk && reply.status == wire::kScsiGood) {
-    // Sense data lasts until the next command that succeeds.
-    sense_ = {};
-  } else {
-    sense_ = reply.sense;
-  }
+  // Sense data lasts until the next command that succeeds.
+  sense_ = reply.Good() ? wire::Sense{} : reply.sense;
   return reply;
 }
 
@@ -105,8 +96,8 @@ wire::Reply ScsiUnit::TestReady() const {
 }
 
 wire::Reply ScsiUnit::TellSense(const wire::Command& command) {
-  const bool descriptors = (command.cdb[1] & 1) != 0;
-  if (descriptors) return Refuse(sense::kBadCommandField);
+  const bool wantsDescriptors = (command.cdb[1] & 1) != 0;
+  if (wantsDescriptors) return Refuse(sense::kBadCommandField);
   return AnswerAtMost(command, SenseData(sense_), command.cdb[4]);
 }
 
@@ -143,14 +134,13 @@ wire::Reply ScsiUnit::TellModes(const wire::Command& command) const {
 wire::Reply ScsiUnit::TellCapacity(const wire::Command& command) {
   if (selection_ == Selection::kNone) return Refuse(kNoMedium);
   // Asked anew each time: the fault lie-size must show here too.
-  wire::Reply size = Query(kelva::query::kSelectedSize, 4);
+  wire::Reply size = Ask(kQuery, kelva::query::kSelectedSize, 0, 4);
   if (!size.Good() || size.data.size() != 4) return size;
-  const std::uint32_t blocks =
-      base::Load<std::uint32_t>(size.data, 0) / kBlock + (base::Load<std::uint32_t>(size.data, 0) % kBlock ? 1 : 0);
+  const auto bytesSelected = base::Load<std::uint32_t>(size.data, 0);
+  const std::uint32_t blocks = bytesSelected / kBlock + (bytesSelected % kBlock != 0 ? 1 : 0);
   if (blocks == 0) return Refuse(kNoMedium);
-  base::Bytes bytes(8, 0);
-  StoreBig(std::span<std::uint8_t>(bytes), 0, blocks - 1);
-  StoreBig(std::span<std::uint8_t>(bytes), 4, kBlock);
+  base::Bytes bytes;
+  AppendBig(bytes, blocks - 1, kBlock);
   return Answer(command, std::move(bytes));
 }
 
@@ -160,7 +150,8 @@ wire::Reply ScsiUnit::ReadBlocks(const wire::Command& command) {
   const std::uint32_t length = Allocated16(command, 7) * kBlock;
   if (offset + length > UINT32_MAX) return Refuse(sense::kOutOfRange);
   if (length == 0) return Done();
-  wire::Reply chunk = ReadChunk(static_cast<std::uint32_t>(offset), length);
+  const auto subCode = selection_ == Selection::kBundle ? kelva::read_chunk::kBundle : kelva::read_chunk::kSelected;
+  wire::Reply chunk = Ask(kReadChunk, subCode, static_cast<std::uint32_t>(offset), length);
   if (!chunk.Good()) return chunk;
   if (chunk.data.size() < length) {
     // The end of the data set: its last block is filled up with zeros, and no block exists behind it.
@@ -171,22 +162,9 @@ wire::Reply ScsiUnit::ReadBlocks(const wire::Command& command) {
   return Answer(command, std::move(chunk.data));
 }
 
-wire::Reply ScsiUnit::Query(std::uint8_t query, std::uint32_t length) {
-  wire::Command command;
-  command.cdb[0] = kQuery;
-  command.cdb[2] = query;
-  command.direction = wire::Direction::kFromCamera;
-  command.length = length;
-  return camera_(command);
-}
-
-wire::Reply ScsiUnit::ReadChunk(std::uint32_t offset, std::uint32_t length) {
-  wire::Command command;
-  command.cdb[0] = kReadChunk;
-  command.cdb[2] = selection_ == Selection::kBundle ? kelva::read_chunk::kBundle : kelva::read_chunk::kSelected;
-  base::Store(std::span<std::uint8_t>(command.cdb), 3, offset);
-  command.direction = wire::Direction::kFromCamera;
-  command.length = length;
+wire::Reply ScsiUnit::Ask(std::uint8_t operation, std::uint8_t subCode, std::uint32_t offset, std::uint32_t length) {
+  wire::Command command{.cdb = {operation, 0, subCode}, .direction = wire::Direction::kFromCamera, .length = length};
+  base::Store(std::span<std::uint8_t>(command.cdb), kelva::at::kReadOffset, offset);
   return camera_(command);
 }
 

@@ -45,8 +45,7 @@ class ScsiUnit {
   wire::Reply TellModes(const wire::Command& command) const;
   wire::Reply TellCapacity(const wire::Command& command);
   wire::Reply ReadBlocks(const wire::Command& command);
-  wire::Reply Query(std::uint8_t query, std::uint32_t length);
-  wire::Reply ReadChunk(std::uint32_t offset, std::uint32_t length);
+  wire::Reply Ask(std::uint8_t operation, std::uint8_t subCode, std::uint32_t offset, std::uint32_t length);
 
   Inquiry inquiry_;
   std::string serial_;

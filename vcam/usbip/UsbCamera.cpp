@@ -21,7 +21,7 @@ void UsbCamera::Submit(usbip::Submit submit, Clock::time_point now) {
   if (submit.endpoint == 0) {
     Control(submit);
   } else if (!control_.Configured()) {
-    Finish(submit, {kUrbStall, 0, {}, false});
+    Finish(submit, {.status = kUrbStall});
   } else if (submit.endpoint == kBulkOut && !submit.in) {
     const std::int32_t status = bulk_.Give(submit.data, now);
     Finish(submit, {status, status == kUrbOk ? submit.length : 0, {}, false});
@@ -31,13 +31,13 @@ void UsbCamera::Submit(usbip::Submit submit, Clock::time_point now) {
     }
     waiting_.push_back({submit.sequence, submit.length});
   } else {
-    Finish(submit, {kUrbStall, 0, {}, false});
+    Finish(submit, {.status = kUrbStall});
   }
 }
 
 void UsbCamera::Control(const usbip::Submit& submit) {
   auto answer = control_.Handle(submit.setup, submit.data);
-  if (!answer || answer->size() > (submit.in ? submit.length : 0)) return Finish(submit, {kUrbStall, 0, {}, false});
+  if (!answer || answer->size() > (submit.in ? submit.length : 0)) return Finish(submit, {.status = kUrbStall});
   const auto moved = submit.in ? static_cast<std::uint32_t>(answer->size()) : submit.length;
   Finish(submit, {kUrbOk, moved, std::move(*answer), false});
 }
