@@ -18,15 +18,8 @@ constexpr std::size_t kSenseRoom = 96;  // as much as the kernel keeps
 constexpr std::uint16_t kDriverSense = 8;
 
 int KernelDirection(DataPhase phase) {
-  switch (phase) {
-    case DataPhase::kToDevice:
-      return SG_DXFER_TO_DEV;
-    case DataPhase::kFromDevice:
-      return SG_DXFER_FROM_DEV;
-    case DataPhase::kNone:
-      break;
-  }
-  return SG_DXFER_NONE;
+  if (phase == DataPhase::kNone) return SG_DXFER_NONE;
+  return phase == DataPhase::kToDevice ? SG_DXFER_TO_DEV : SG_DXFER_FROM_DEV;
 }
 
 sg_io_hdr_t HeaderOf(const SgRequest& request, std::span<std::uint8_t> sense) {

@@ -57,14 +57,8 @@ SgRequest Prepare(SgSession& session, const wire::UserClientTransferRequest& req
 }  // namespace
 
 int SgUserClient::CallScalar(std::uint32_t selector) {
-  switch (selector) {
-    case wire::kUserClientStartSession:
-      return StartSession();
-    case wire::kUserClientEndSession:
-      return EndSession();
-    default:
-      return kIOReturnBadArgument;
-  }
+  if (selector == wire::kUserClientStartSession) return StartSession();
+  return selector == wire::kUserClientEndSession ? EndSession() : kIOReturnBadArgument;
 }
 
 int SgUserClient::CallStruct(std::uint32_t selector, const void* in, std::size_t inSize, void* out,

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "wire/RegistryNames.h"
+
 namespace darwin::udev {
 
 /// A SCSI unit of this maker as sysfs shows it: a camera, or a camera that serves as a compact disc.
@@ -22,12 +24,14 @@ struct ScsiUnit {
   std::string usbAddress;
 
   /// True for a camera that the system has attached through its compact-disc services.
-  bool IsBadCamera() const;
+  bool IsBadCamera() const { return wire::IsBadCamera(peripheralType, revision); }
   bool operator==(const ScsiUnit&) const = default;
 };
 
 /// True for an inquiry vendor identification of this maker, trailing blanks cut.
-bool IsMaker(const std::string& vendor);
+inline bool IsMaker(const std::string& vendor) {
+  return vendor == wire::kVendor;
+}
 
 }  // namespace darwin::udev
 

@@ -18,7 +18,7 @@ ELSEWHERE = {
     "darwin/cf/EventLoop_test.cpp": "darwin/cf/WatchDescriptor.cpp",
     # They talk to udev and to the kernel, which a mock machine answers there.
     "tests/umockdev": """
-        darwin/sg/SgSystem.cpp darwin/udev/ScsiUnit.cpp darwin/udev/UdevSource.cpp darwin/udev/UdevUnitSource.cpp
+        darwin/sg/SgSystem.cpp darwin/udev/UdevSource.cpp darwin/udev/UdevUnitSource.cpp
         darwin/udev/UnitReader.cpp""",
     "vcam/server/Bus_test.cpp": "vcam/server/BusRequests.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.
