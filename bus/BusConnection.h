@@ -30,11 +30,11 @@ class BusConnection {
   /// The same for a command: nothing when no answer came in time or the bus has gone (Ended).
   std::optional<Frame> Request(Kind kind, const base::Bytes& payload, std::chrono::milliseconds timeout);
 
-  /// Events that came while a request waited, or that can be read now without waiting.
+  /// The next event that came while a request waited, or that can be read without waiting.
   std::optional<Frame> NextEvent();
   /// Whether NextEvent has events although the descriptor is not readable.
   bool HasQueuedEvents() const { return !events_.empty(); }
-  /// Whether the bus has gone; seen when NextEvent read the end.
+  /// Whether the bus has gone, as far as a request or NextEvent has noticed.
   bool Ended() const { return ended_; }
   int Descriptor() const { return socket_.Get(); }
 
@@ -43,7 +43,7 @@ class BusConnection {
 
   bool SendAll(const base::Bytes& bytes);
   std::optional<Frame> AwaitAnswer(std::uint32_t tag, Deadline deadline);
-  /// Reads once; false when nothing came by then or the bus has gone.
+  /// Reads once; false when nothing came by the deadline or the bus has gone.
   bool Receive(Deadline deadline, bool wait);
 
   std::string path_;

@@ -8,8 +8,8 @@
 
 namespace bus {
 
-/// Takes a payload apart from the front. After the first value that does not fit, every value is 0 or empty; ask
-/// Complete at the end.
+/// Reads the values of a payload from front to back. After the first value that does not fit, every value is 0 or
+/// empty; ask Complete at the end.
 class PayloadReader {
  public:
   explicit PayloadReader(std::span<const std::uint8_t> bytes) : rest_(bytes) {}

@@ -75,7 +75,7 @@ void Take(PayloadReader& reader, Value& value) {
 }
 
 void Take(PayloadReader& reader, std::vector<CameraStatus>& list) {
-  // The loop ends with the bytes, whatever the count says.
+  // The loop ends where the bytes end, whatever the count says.
   for (auto count = reader.Take<std::uint32_t>(); count > 0 && reader.Good(); --count) {
     Take(reader, list.emplace_back());
   }

@@ -25,13 +25,13 @@ inline constexpr std::size_t kMaxFrame = wire::kMaxTransferLength + 1024;
 enum class Kind : std::uint8_t {
   // Requests.
   kHello = 1,         ///< version
-  kSubscribe = 2,     ///< nothing; kPlugged for every camera present, then kOk, later changes as they come
+  kSubscribe = 2,     ///< no payload; kPlugged for every camera present, then kOk, then every change
   kPlug = 3,          ///< PlugRequest
   kUnplug = 4,        ///< serial
-  kStatus = 5,        ///< nothing; kOk with a list of CameraStatus
+  kStatus = 5,        ///< no payload; kOk with a list of CameraStatus
   kFault = 6,         ///< FaultRequest
   kStartSession = 7,  ///< id of the camera; one session per connection
-  kEndSession = 8,    ///< nothing
+  kEndSession = 8,    ///< no payload
   kCommand = 9,       ///< one command; kReply, or no answer at all while the camera hangs
   // Answers.
   kOk = 0x40,
