@@ -43,7 +43,7 @@ struct VirtualCamera::State {
   Device device;
   FaultPlan faults;
 
-  // Held for moments only. Guards what other threads change while a command runs.
+  // Held only briefly. Guards what other threads change while a command runs.
   mutable std::mutex mutex;
   mutable std::condition_variable unplugged;
   std::vector<Fault> armed;

@@ -139,7 +139,7 @@ bool TakesText(std::uint8_t selection) {
 
 wire::Reply HandleSelect(Device& device, const wire::Command& command) {
   if (!TakesText(command.cdb[kelva::at::kSubCode]) && !HasNoData(command)) return Refuse(sense::kWrongDataLength);
-  // A selection drops the last one even if it is refused.
+  // A selection that is refused still drops the one before it.
   device.selected.reset();
   device.writing.reset();
   device.upgrade.Abandon();

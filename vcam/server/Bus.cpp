@@ -17,7 +17,7 @@ void Bus::AddPeer(PeerId peer, pid_t process) {
 }
 
 void Bus::RemovePeer(PeerId peer) {
-  // Before its entry goes, which names the camera.
+  // Done before the entry that names the camera is erased.
   DropSession(peer);
   peers_.erase(peer);
   DropHeld(peer);

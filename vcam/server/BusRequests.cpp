@@ -166,13 +166,13 @@ bool Bus::EndSession(PeerId peer, const bus::Frame& frame) {
 bool Bus::RunCommand(PeerId peer, const bus::Frame& frame) {
   const auto command = bus::Decode<wire::Command>(frame.payload);
   Peer& from = peers_[peer];
-  // A host that sends another command has given up on the last one. If that one still runs, its answer goes out under
-  // its own tag. The limit keeps a peer from piling up commands.
+  // A host that sends another command has given up on the previous one. If the previous command still runs, its answer
+  // goes out under its own tag. The limit keeps a peer from piling up commands.
   from.unfinished -= DropHeld(peer);
   if (!command || from.unfinished >= kMaxUnfinished) return false;
   const auto found = cameras_.find(from.session);
   if (found == cameras_.end()) {
-    // No session, or its camera has left the bus: the same to the host.
+    // For the host, having no session and a camera that has left the bus are the same.
     return Answer(peer, frame.tag, bus::Kind::kReply, bus::Encode(wire::EndedBy(wire::Transport::kGone)));
   }
   ++found->second.status.commands;

@@ -60,7 +60,7 @@ std::int32_t BulkOnly::HaltBoth() {
 void BulkOnly::RunCommand(Clock::time_point now) {
   const wire::Command command{command_.cdb, command_.direction, command_.length, data_};
   Settle(unit_.Run(command), now);
-  // What the kernel asks of its own accord is not counted, so that --fault NAME@N means the same in every run.
+  // Commands that the kernel sends on its own are not counted, so that --fault NAME@N means the same in every run.
   if (faults_ && IsCameraCommand(command_.cdb[0])) ApplyFault(faults_());
 }
 

@@ -124,7 +124,7 @@ wire::Reply ScsiUnit::TellPage(const wire::Command& command) const {
   return AnswerAtMost(command, std::move(bytes), Allocated16(command, 3));
 }
 
-// The camera has no mode pages; the header alone says that it cannot be written as a disk.
+// The camera has no mode pages; the header says that the unit cannot be written as a disk.
 wire::Reply ScsiUnit::TellModes(const wire::Command& command) const {
   if ((command.cdb[2] & kAllPages) != kAllPages) return Refuse(sense::kBadCommandField);
   if (command.cdb[0] == kModeSense6) return AnswerAtMost(command, {3, 0, kWriteProtected, 0}, command.cdb[4]);
