@@ -82,7 +82,7 @@ int SgUserClient::StartSession() {
   int error = 0;
   auto session = SgSession::Open(*system_, target_.node, error);
   if (!session) return ReturnCodeOf(error);
-  // Checked after opening: the path may have passed to another device, an open descriptor cannot.
+  // Checked after opening, because the path may pass to another device, but an open descriptor cannot.
   if (!target_.isPresent()) return kIOReturnNoDevice;
   const std::lock_guard lock(sessionMutex_);
   session_ = std::make_shared<SgSession>(std::move(*session));
@@ -113,7 +113,7 @@ Verdict SgUserClient::Transfer(const wire::UserClientTransferRequest& request) {
 
 Verdict SgUserClient::Carry(SgSession& session, const wire::UserClientTransferRequest& request, DataPhase phase,
                             std::uint32_t length) {
-  const std::lock_guard oneAtATime(commandMutex_);  // they share the landing area
+  const std::lock_guard oneAtATime(commandMutex_);  // commands share the landing area
   const SgOutcome outcome = RunCommand(*system_, session.Descriptor(), Prepare(session, request, phase, length));
   const Verdict verdict = Judge(outcome, length, HasGone(session, outcome));
   // Only the bytes that moved: the rest of the landing area may hold another command's.
