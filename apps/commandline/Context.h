@@ -24,7 +24,8 @@ class Context {
   const Stop& stop;
   StdoutDiversion& diversion;
   Guard* guard = nullptr;  ///< for verbs that are guarded
-  /// Names the processes that hold the camera with a serial number, for a sentence; empty when that cannot be told.
+  /// Names the processes that hold the camera with a serial number, as part of a sentence; empty when that cannot be
+  /// told.
   std::function<std::string(const std::string& serial)> holdersOf;
 
   Context(const Invocation& invocation, Output& output, Reporter& messages, const Stop& stopRequest,

@@ -12,7 +12,7 @@
 namespace apps {
 
 /// A JSON value that the tool builds and prints; it never reads any. Members keep the order in which they were set.
-/// Texts may be any bytes: what is not UTF-8 is printed as U+FFFD, so that the document is always valid.
+/// Texts may be any bytes: each byte that is not UTF-8 is printed as U+FFFD, so that the document is always valid.
 class Json {
  public:
   Json() = default;  ///< null
@@ -33,7 +33,7 @@ class Json {
   /// Adds a member to an object. Names are the tool's own; one is set once.
   Json& Set(std::string_view name, Json value) &;
   Json&& Set(std::string_view name, Json value) && { return std::move(Set(name, std::move(value))); }
-  /// Sets `name` to bytes of a camera: as text, and when they are no UTF-8 also as "<name>_hex", without loss.
+  /// Sets `name` to bytes of a camera: as text, and when they are not UTF-8 also as "<name>_hex", without loss.
   Json& SetBytes(std::string_view name, std::string_view bytes) &;
   Json&& SetBytes(std::string_view name, std::string_view bytes) && { return std::move(SetBytes(name, bytes)); }
   /// Adds every member of another object.

@@ -16,7 +16,7 @@
 namespace apps {
 namespace {
 
-// Asked on a connection of its own: the source's one belongs to the registry.
+// Uses a connection of its own, because the source's connection belongs to the registry.
 std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::string& serial) {
   std::vector<doctor::Holder> holders;
   try {
@@ -27,7 +27,7 @@ std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::s
       if (camera.serial == serial && pid != 0) holders.push_back({pid, doctor::ProcessName(pid)});
     }
   } catch (const std::runtime_error&) {
-    // Who holds a camera is an addition to a sentence that stands without it.
+    // Optional: the message is complete without the holder's name.
   }
   return holders;
 }

@@ -11,7 +11,7 @@ void Each::Try(const std::string& path, const std::function<Json()>& work) {
     ++done_;
   } catch (const std::exception& error) {
     const Outcome outcome = Explain(error, context_.WasDoing());
-    // Nothing more can be had from a camera that is not there.
+    // A camera that has gone answers nothing more.
     if (outcome.code == ExitCode::kGone) throw;
     context_.reporter.Error(outcome.sentence, outcome.code);
     Json members = Json::Object().SetBytes("path", path).Set("reason", WordOf(outcome.code));
