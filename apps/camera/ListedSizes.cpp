@@ -6,6 +6,16 @@
 #include "base/Ascii.h"
 
 namespace apps {
+
+SizesByName ReadSizes(Camera& camera, const std::string& folder) {
+  SizesByName sizes;
+  for (const CameraDirent& entry : camera.ReadDir(folder.c_str())) {
+    if ((entry.attributes & (kelva::kAttributeVolumeLabel | kelva::kAttributeDirectory)) != 0) continue;
+    sizes.emplace(base::Lower(entry.name), SizeOf(entry));
+  }
+  return sizes;
+}
+
 std::optional<bool> ListedSizes::Agrees(const std::string& cameraPath, unsigned long long size) {
   const SplitPath path = Split(cameraPath);
   const bool fresh = folder_ != path.folder;
@@ -24,12 +34,7 @@ bool ListedSizes::LookUp(const std::string& name) {
 
 void ListedSizes::Read(const std::string& folder) {
   folder_.reset();
-  sizes_.clear();
-  for (const CameraDirent& entry : camera_.ReadDir(folder.c_str())) {
-    if ((entry.attributes & (kelva::kAttributeVolumeLabel | kelva::kAttributeDirectory)) == 0) {
-      sizes_.emplace(base::Lower(entry.name), SizeOf(entry));
-    }
-  }
+  sizes_ = ReadSizes(camera_, folder);
   folder_ = folder;
 }
 

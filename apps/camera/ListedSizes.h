@@ -9,6 +9,10 @@
 
 namespace apps {
 
+/// The sizes of the files in a folder, by name in small letters: cameras ignore the case of ASCII letters.
+using SizesByName = std::map<std::string, unsigned long long>;
+SizesByName ReadSizes(Camera& camera, const std::string& folder);
+
 /// The sizes of files as their folders list them. Caches one folder: files in catalogue order cost one listing for each
 /// folder.
 class ListedSizes {
@@ -27,7 +31,7 @@ class ListedSizes {
 
   Camera& camera_;
   std::optional<std::string> folder_;
-  std::map<std::string, unsigned long long> sizes_;  // by name in small letters
+  SizesByName sizes_;
   unsigned long long listed_ = 0;
 };
 

@@ -30,12 +30,12 @@ std::string Number(int number, int digits) {
   return text.data();
 }
 
+}  // namespace
+
 bool HasShape(std::string_view text, std::string_view shape) {
   return std::equal(text.begin(), text.end(), shape.begin(), shape.end(),
                     [](char c, char wanted) { return wanted == '0' ? c >= '0' && c <= '9' : c == wanted; });
 }
-
-}  // namespace
 
 std::string_view FileTypeName(int type) {
   return type >= kFirstFileType && type <= kLastFileType ? kTypeNames[static_cast<std::size_t>(type - 1)] : "";

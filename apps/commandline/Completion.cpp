@@ -117,26 +117,12 @@ class Completer {
   }
 
   void AddOffer(Offer offer, std::string_view words) {
-    switch (offer) {
-      case Offer::kFile:
-        text_ += kFiles;
-        break;
-      case Offer::kFolder:
-        text_ += kFolders;
-        break;
-      case Offer::kWords:
-        AddEach(words);
-        break;
-      case Offer::kVerb:
-        AddFirstWords();
-        break;
-      case Offer::kSerial:
-        if (program_.serials == nullptr) break;
-        for (const std::string& serial : program_.serials(begun_.call)) Add(serial);
-        break;
-      case Offer::kNothing:
-        break;
-    }
+    if (offer == Offer::kFile) text_ += kFiles;
+    if (offer == Offer::kFolder) text_ += kFolders;
+    if (offer == Offer::kWords) AddEach(words);
+    if (offer == Offer::kVerb) AddFirstWords();
+    if (offer != Offer::kSerial || program_.serials == nullptr) return;
+    for (const std::string& serial : program_.serials(begun_.call)) Add(serial);
   }
 
   void AddEach(std::string_view words) {

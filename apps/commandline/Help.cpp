@@ -84,18 +84,9 @@ std::string UsageLine(const Program& program, const Verb& verb) {
   }
   line += " [OPTIONS]";
   for (const Argument& argument : verb.arguments) {
-    const std::string name(argument.name);
-    switch (argument.count) {
-      case Argument::Count::kOne:
-        line += " " + name;
-        break;
-      case Argument::Count::kOptional:
-        line += " [" + name + "]";
-        break;
-      case Argument::Count::kOneOrMore:
-        line += " " + name + "...";
-        break;
-    }
+    const bool optional = argument.count == Argument::Count::kOptional;
+    line += (optional ? " [" : " ") + std::string(argument.name) + (optional ? "]" : "");
+    if (argument.count == Argument::Count::kOneOrMore) line += "...";
   }
   return line;
 }

@@ -22,25 +22,16 @@ void AppendControl(std::string& out, char32_t c) {
 }
 
 void AppendAscii(std::string& out, char c) {
-  switch (c) {
-    case '"':
-      out += "\\\"";
-      return;
-    case '\\':
-      out += "\\\\";
-      return;
-    case '\n':
-      out += "\\n";
-      return;
-    case '\t':
-      out += "\\t";
-      return;
-    default:
-      break;
-  }
+  constexpr std::string_view kEscaped = "\"\\\n\t";
+  constexpr std::string_view kLetters = "\"\\nt";  // what stands behind the backslash
   const auto byte = static_cast<unsigned char>(c);
-  if (byte < 0x20 || byte == 0x7F) return AppendControl(out, byte);
-  out += c;
+  if (const std::size_t at = kEscaped.find(c); at != std::string_view::npos) {
+    out.append("\\").append(1, kLetters[at]);
+  } else if (byte < 0x20 || byte == 0x7F) {
+    AppendControl(out, byte);
+  } else {
+    out += c;
+  }
 }
 
 void AppendText(std::string& out, std::string_view text) {

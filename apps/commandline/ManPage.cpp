@@ -2,6 +2,7 @@
 #include "apps/commandline/ManPage.h"
 
 #include <algorithm>
+#include <array>
 
 #include "apps/commandline/Help.h"
 #include "base/Ascii.h"
@@ -96,32 +97,14 @@ std::string Environment(const Program& program) {
 }  // namespace
 
 std::string Troff(std::string_view text) {
+  constexpr std::string_view kSpecial = "\\-~^`'";
+  constexpr std::array<std::string_view, kSpecial.size()> kEscapes = {"e", "-", "(ti", "(ha", "(ga", "(aq"};
   std::string out;
   bool lineStart = true;
   for (const char c : text) {
     if (lineStart && (c == '.' || c == '\'')) out += "\\&";
-    switch (c) {
-      case '\\':
-        out += "\\e";
-        break;
-      case '-':
-        out += "\\-";
-        break;
-      case '~':
-        out += "\\(ti";
-        break;
-      case '^':
-        out += "\\(ha";
-        break;
-      case '`':
-        out += "\\(ga";
-        break;
-      case '\'':
-        out += "\\(aq";
-        break;
-      default:
-        out += c;
-    }
+    const std::size_t at = kSpecial.find(c);
+    out += at == std::string_view::npos ? std::string(1, c) : "\\" + std::string(kEscapes[at]);
     lineStart = c == '\n';
   }
   return out;

@@ -2,7 +2,7 @@
 
 #include "apps/kelva/doctor/Diagnosis.h"
 
-#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -14,8 +14,9 @@ namespace {
 
 constexpr int kSectorsOfAChunk = 128;  // 65,536 bytes, the chunk of every bulk transfer
 
-Finding AboutCamera(const CameraFacts& camera, Condition condition, std::string sentence) {
-  return {condition, camera.serial, std::move(sentence), "", ""};
+Finding AboutCamera(const CameraFacts& camera, Condition condition, std::string sentence, std::string command = "",
+                    std::string advice = "") {
+  return {condition, camera.serial, std::move(sentence), std::move(command), std::move(advice)};
 }
 
 /// The command that does what unplugging and plugging in do; empty for a unit that is not attached by USB.
@@ -26,42 +27,36 @@ std::string PlugAgain(const CameraFacts& camera) {
 }
 
 Finding DriverNotLoaded(const CameraFacts& camera) {
-  Finding finding =
-      AboutCamera(camera, Condition::kDriverNotLoaded, "The camera is on the bus, but no kernel driver has taken it.");
-  finding.command = "sudo modprobe usb-storage";
-  return finding;
+  return AboutCamera(camera, Condition::kDriverNotLoaded,
+                     "The camera is on the bus, but no kernel driver has taken it.", "sudo modprobe usb-storage");
 }
 
 Finding NotSetUp(const CameraFacts& camera) {
-  Finding finding = AboutCamera(camera, Condition::kNotSetUp,
-                                "The kernel's driver has the camera, but the camera has not answered it yet.");
-  finding.advice = "Wait two seconds and ask again; then unplug the camera, switch it off and on, and plug it in.";
-  return finding;
+  return AboutCamera(camera, Condition::kNotSetUp,
+                     "The kernel's driver has the camera, but the camera has not answered it yet.", "",
+                     "Wait two seconds and ask again; then unplug the camera, switch it off and on, and plug it in.");
 }
 
 Finding BadCamera(const CameraFacts& camera) {
-  Finding finding = AboutCamera(camera, Condition::kBadCamera,
-                                std::string("The camera presents itself as a CD drive (revision ") +
-                                    wire::kBadCameraRevision + ") and takes no commands.");
-  if (!camera.disc.empty()) finding.command = "sudo eject " + camera.disc;
-  finding.advice = "Then unplug the camera, switch it off and on, and plug it in again.";
-  return finding;
+  return AboutCamera(camera, Condition::kBadCamera,
+                     std::string("The camera presents itself as a CD drive (revision ") + wire::kBadCameraRevision +
+                         ") and takes no commands.",
+                     camera.disc.empty() ? "" : "sudo eject " + camera.disc,
+                     "Then unplug the camera, switch it off and on, and plug it in again.");
 }
 
 Finding NoGenericDriver(const CameraFacts& camera) {
-  Finding finding = AboutCamera(camera, Condition::kNoGenericDriver,
-                                "The camera has no generic node, because the kernel's sg driver is not loaded.");
-  finding.command = "sudo modprobe sg";
-  return finding;
+  return AboutCamera(camera, Condition::kNoGenericDriver,
+                     "The camera has no generic node, because the kernel's sg driver is not loaded.",
+                     "sudo modprobe sg");
 }
 
 Finding NoNode(const CameraFacts& camera) {
-  Finding finding = AboutCamera(camera, Condition::kNoNode,
-                                "The kernel has the camera as " + camera.node + ", but that node does not exist here.");
-  finding.command =
-      "sudo mknod -m 0666 " + camera.node + " c " + std::to_string(camera.major) + " " + std::to_string(camera.minor);
-  finding.advice = "In a container, start it with --device=" + camera.node + " instead.";
-  return finding;
+  const std::string numbers = std::to_string(camera.major) + " " + std::to_string(camera.minor);
+  return AboutCamera(camera, Condition::kNoNode,
+                     "The kernel has the camera as " + camera.node + ", but that node does not exist here.",
+                     "sudo mknod -m 0666 " + camera.node + " c " + numbers,
+                     "In a container, start it with --device=" + camera.node + " instead.");
 }
 
 Finding NoPermission(const CameraFacts& camera, const MachineFacts& facts) {
@@ -81,31 +76,26 @@ Finding NoPermission(const CameraFacts& camera, const MachineFacts& facts) {
 }
 
 Finding Held(const CameraFacts& camera) {
-  Finding finding = AboutCamera(camera, Condition::kHeld, "The camera is held by " + InWords(camera.holders) + ".");
-  finding.command = "kill " + std::to_string(camera.holders.front().pid);
-  finding.advice = "Better let it finish, or close it the usual way.";
-  return finding;
+  return AboutCamera(camera, Condition::kHeld, "The camera is held by " + InWords(camera.holders) + ".",
+                     "kill " + std::to_string(camera.holders.front().pid),
+                     "Better let it finish, or close it the usual way.");
 }
 
 Finding NotAnswering(const CameraFacts& camera) {
   const bool silent = camera.answer == Answer::kSilent;
-  Finding finding =
-      AboutCamera(camera, Condition::kNotAnswering,
-                  silent ? "The camera does not answer." : "The camera answers every question with an error.");
-  finding.command = PlugAgain(camera);
-  finding.advice =
-      "If that does not help, unplug it, switch it off and on, and plug it in again; then try another cable "
-      "or port.";
-  return finding;
+  return AboutCamera(camera, Condition::kNotAnswering,
+                     silent ? "The camera does not answer." : "The camera answers every question with an error.",
+                     PlugAgain(camera),
+                     "If that does not help, unplug it, switch it off and on, and plug it in again; then try another "
+                     "cable or port.");
 }
 
 Finding Narrow(const CameraFacts& camera) {
-  Finding finding = AboutCamera(camera, Condition::kNarrow,
-                                "The kernel carries only " + std::to_string(*camera.maxSectors * 512) +
-                                    " bytes in one command for this camera, and the camera's chunks are 65536.");
-  finding.command = "echo " + std::to_string(kSectorsOfAChunk) + " | sudo tee " + camera.unitPath + "/max_sectors";
-  finding.advice = "The udev rule of the kelva package does this at every plug.";
-  return finding;
+  return AboutCamera(camera, Condition::kNarrow,
+                     "The kernel carries only " + std::to_string(*camera.maxSectors * 512) +
+                         " bytes in one command for this camera, and the camera's chunks are 65536.",
+                     "echo " + std::to_string(kSectorsOfAChunk) + " | sudo tee " + camera.unitPath + "/max_sectors",
+                     "The udev rule of the kelva package does this at every plug.");
 }
 
 // The order is that of the way from the cable to the camera: a later check would only show the earlier obstacle again.
@@ -126,51 +116,34 @@ Finding DiagnoseCamera(const CameraFacts& camera, const MachineFacts& facts) {
 }
 
 Finding NoDevice() {
-  Finding finding{Condition::kNoDevice, "", "No camera is attached to this machine.", "", ""};
-  finding.advice =
-      "Switch the camera on, and try another cable or port: the kernel sees no USB device of this maker. "
-      "`journalctl -k -f` shows what it says while you plug in.";
-  return finding;
+  return {Condition::kNoDevice, "", "No camera is attached to this machine.", "",
+          "Switch the camera on, and try another cable or port: the kernel sees no USB device of this maker. "
+          "`journalctl -k -f` shows what it says while you plug in."};
 }
 
 Finding NoUdev() {
-  Finding finding{Condition::kNoUdev, "", "udev does not run here, so cameras that are plugged in later go unnoticed.",
-                  "", ""};
-  finding.command = "sudo systemctl start systemd-udevd";
-  finding.advice = "In a container, run the tool on the host, or share the host's /run/udev and network.";
-  return finding;
+  return {Condition::kNoUdev, "", "udev does not run here, so cameras that are plugged in later go unnoticed.",
+          "sudo systemctl start systemd-udevd",
+          "In a container, run the tool on the host, or share the host's /run/udev and network."};
 }
 
 }  // namespace
 
 std::string_view WordOf(Condition condition) {
-  switch (condition) {
-    case Condition::kWell:
-      return "well";
-    case Condition::kNoDevice:
-      return "no-device";
-    case Condition::kDriverNotLoaded:
-      return "driver-not-loaded";
-    case Condition::kNotSetUp:
-      return "not-set-up";
-    case Condition::kNoGenericDriver:
-      return "no-generic-driver";
-    case Condition::kNoNode:
-      return "no-node";
-    case Condition::kNoPermission:
-      return "no-permission";
-    case Condition::kHeld:
-      return "held";
-    case Condition::kBadCamera:
-      return "bad-camera";
-    case Condition::kNotAnswering:
-      return "not-answering";
-    case Condition::kNarrow:
-      return "narrow";
-    case Condition::kNoUdev:
-      return "no-udev";
-  }
-  return "unknown";
+  // In the order of Condition.
+  static constexpr std::array<std::string_view, 12> kWords = {"well",
+                                                              "no-device",
+                                                              "driver-not-loaded",
+                                                              "not-set-up",
+                                                              "no-generic-driver",
+                                                              "no-node",
+                                                              "no-permission",
+                                                              "held",
+                                                              "bad-camera",
+                                                              "not-answering",
+                                                              "narrow",
+                                                              "no-udev"};
+  return kWords.at(static_cast<std::size_t>(condition));
 }
 
 std::vector<Finding> Diagnose(const MachineFacts& facts) {

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string_view>
 
+#include "apps/camera/Picture.h"
+
 namespace apps {
 namespace {
 
@@ -35,18 +37,12 @@ int OrientationIn(ExifData* data) {
   return value >= 1 && value <= 8 ? value : 1;
 }
 
-bool IsTime(std::string_view text) {
-  constexpr std::string_view kShape = "0000:00:00 00:00:00";
-  return std::equal(text.begin(), text.end(), kShape.begin(), kShape.end(),
-                    [](char c, char wanted) { return wanted == '0' ? c >= '0' && c <= '9' : c == wanted; });
-}
-
 std::optional<std::string> TimeIn(ExifData* data) {
   const ExifEntry* entry = exif_content_get_entry(data->ifd[EXIF_IFD_EXIF], EXIF_TAG_DATE_TIME_ORIGINAL);
   constexpr unsigned kLength = 19;
   if (entry == nullptr || entry->format != EXIF_FORMAT_ASCII || entry->size < kLength) return std::nullopt;
   std::string text(reinterpret_cast<const char*>(entry->data), kLength);
-  if (!IsTime(text)) return std::nullopt;
+  if (!HasShape(text, "0000:00:00 00:00:00")) return std::nullopt;
   text[4] = text[7] = '-';
   return text;
 }

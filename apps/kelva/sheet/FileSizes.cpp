@@ -6,6 +6,7 @@
 
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Explain.h"
+#include "apps/camera/ListedSizes.h"
 #include "apps/camera/Picture.h"
 #include "base/Ascii.h"
 #include "src/wifi/CameraError.h"
@@ -13,23 +14,16 @@
 namespace apps {
 namespace {
 
-// By name in small letters: cameras ignore the case of ASCII letters.
-using Listing = std::map<std::string, unsigned long long>;
-
-Listing List(Camera& camera, const std::string& folder) {
-  Listing listing;
+SizesByName List(Camera& camera, const std::string& folder) {
   try {
-    for (const CameraDirent& entry : camera.ReadDir(("I:\\DCIM\\" + folder).c_str())) {
-      if ((entry.attributes & (kelva::kAttributeDirectory | kelva::kAttributeVolumeLabel)) != 0) continue;
-      listing.emplace(base::Lower(entry.name), SizeOf(entry));
-    }
+    return ReadSizes(camera, "I:\\DCIM\\" + folder);
   } catch (const CameraError& error) {
     if (EndsAll(Explain(error, "").code)) throw;
+    return {};
   }
-  return listing;
 }
 
-FileSizes SizesIn(const Listing& listing, const DcfObj& picture) {
+FileSizes SizesIn(const SizesByName& listing, const DcfObj& picture) {
   FileSizes sizes;
   for (const int type : FileTypes(picture)) {
     const auto found = listing.find(base::Lower(PictureFileName(picture, type)));
@@ -46,7 +40,7 @@ std::vector<FileSizes> ReadFileSizes(const Stop& stop, Camera& camera, const std
   std::vector<FileSizes> sizes(catalogue.size());
   for (const auto& [folder, indexes] : folders) {
     stop.Check();
-    const Listing listing = List(camera, folder);
+    const SizesByName listing = List(camera, folder);
     for (const std::size_t i : indexes) sizes[i] = SizesIn(listing, catalogue[i]);
   }
   return sizes;

@@ -1,28 +1,13 @@
 // Escapes names from a camera for HTML and addresses.
 #include "apps/kelva/sheet/Html.h"
 
+#include <array>
+
 #include "apps/commandline/Printable.h"
 #include "base/Hex.h"
 
 namespace apps {
 namespace {
-
-std::string_view Entity(char c) {
-  switch (c) {
-    case '&':
-      return "&amp;";
-    case '<':
-      return "&lt;";
-    case '>':
-      return "&gt;";
-    case '"':
-      return "&quot;";
-    case '\'':
-      return "&#39;";
-    default:
-      return "";
-  }
-}
 
 bool StandsForItself(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
@@ -46,14 +31,12 @@ std::string Base64(std::string_view bytes) {
 }  // namespace
 
 std::string Html(std::string_view bytes) {
+  constexpr std::string_view kSpecial = "&<>\"'";
+  constexpr std::array<std::string_view, kSpecial.size()> kEntities = {"&amp;", "&lt;", "&gt;", "&quot;", "&#39;"};
   std::string out;
   for (const char c : Printable(bytes)) {
-    const std::string_view entity = Entity(c);
-    if (entity.empty()) {
-      out += c;
-    } else {
-      out += entity;
-    }
+    const std::size_t at = kSpecial.find(c);
+    out += at == std::string_view::npos ? std::string(1, c) : std::string(kEntities[at]);
   }
   return out;
 }

@@ -1,4 +1,5 @@
 // The verbs crash-logs and calibration.
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,51 +34,50 @@ std::string Line(const _Sha1obj& file) {
   return Printable(file.name) + "  " + Bytes(file.data.size()) + "\n";
 }
 
-ExitCode RunCrashLogs(Context& context) {
+struct Bundle {
+  std::string_view title;  ///< beside the progress bar
+  std::string file;        ///< what one of its files is called
+  std::string_view member;
+};
+
+// Stores what `read` fetches. Only the crash logs have the option --delete.
+ExitCode Fetch(Context& context, const Bundle& bundle,
+               const std::function<std::vector<_Sha1obj>(Camera&, Progress&)>& read) {
   const TargetFolder folder = Into(context);
-  const Session camera(context, "read the crash logs");
-  std::vector<_Sha1obj> logs;
+  const Session camera(context, "read the " + bundle.file + "s");
+  std::vector<_Sha1obj> files;
   {
-    Progress progress(context.reporter, context.stop, "crash logs", 0);
-    logs = camera->ReadCrashLogs(Progress::Callback, &progress, false, true);
+    Progress progress(context.reporter, context.stop, bundle.title, 0);
+    files = read(*camera, progress);
   }
-  Each each(context, "logs");
-  for (const _Sha1obj& log : logs) {
-    each.Try(log.name, [&] {
-      context.Doing("store the crash log " + Printable(log.name));
-      Json members = Store(folder, log);
+  Each each(context, bundle.member);
+  for (const _Sha1obj& file : files) {
+    each.Try(file.name, [&] {
+      context.Doing("store the " + bundle.file + " " + Printable(file.name));
+      Json members = Store(folder, file);
       if (!context.call.Has("delete")) return members;
       // Only now: what is deleted on the camera is on this computer's disk.
       folder.Sync();
-      context.Doing("delete the crash log " + Printable(log.name));
-      return std::move(members.Set("deleted", camera->DeleteFile(log.name.c_str())));
-    });
-    if (!context.Json()) context.out.Add(Line(log));
-  }
-  folder.Sync();
-  if (logs.empty()) context.reporter.Note("There are no crash logs on the camera.");
-  return each.Finish(CameraResult(camera));
-}
-
-ExitCode RunCalibration(Context& context) {
-  const TargetFolder folder = Into(context);
-  const Session camera(context, "read the calibration files");
-  std::vector<_Sha1obj> files;
-  {
-    Progress progress(context.reporter, context.stop, "calibration", 0);
-    files = camera->ReadCalibration(Progress::Callback, &progress, true);
-  }
-  Each each(context, "files");
-  for (const _Sha1obj& file : files) {
-    each.Try(file.name, [&] {
-      context.Doing("store the calibration file " + Printable(file.name));
-      return Store(folder, file);
+      context.Doing("delete the " + bundle.file + " " + Printable(file.name));
+      return std::move(members.Set("deleted", camera->DeleteFile(file.name.c_str())));
     });
     if (!context.Json()) context.out.Add(Line(file));
   }
   folder.Sync();
-  if (files.empty()) context.reporter.Note("There are no calibration files on the camera.");
+  if (files.empty()) context.reporter.Note("There are no " + bundle.file + "s on the camera.");
   return each.Finish(CameraResult(camera));
+}
+
+ExitCode RunCrashLogs(Context& context) {
+  return Fetch(context, {"crash logs", "crash log", "logs"}, [](Camera& camera, Progress& progress) {
+    return camera.ReadCrashLogs(Progress::Callback, &progress, false, true);
+  });
+}
+
+ExitCode RunCalibration(Context& context) {
+  return Fetch(context, {"calibration", "calibration file", "files"}, [](Camera& camera, Progress& progress) {
+    return camera.ReadCalibration(Progress::Callback, &progress, true);
+  });
 }
 
 constexpr Option kInto{"into", 'd', "FOLDER",

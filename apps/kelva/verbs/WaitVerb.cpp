@@ -26,15 +26,13 @@ ExitCode RunWait(Context& context) {
   const bool forLoss = context.call.Has("gone");
   context.Doing("wait for a camera");
   std::string seen = serial.value_or("");
-  Hotplug* running = nullptr;
   Hotplug hotplug([&](const HotplugEvent& event) {
     if (event.kind == HotplugEvent::Kind::kBad || !IsWanted(event.facts, serial)) return;
     const bool attached = event.kind == HotplugEvent::Kind::kAttached;
     if (attached == forLoss) return;
     seen = event.facts.serial;
-    running->Finish();
+    hotplug.Finish();
   });
-  running = &hotplug;
   if (!forLoss || IsAttached(context, serial)) hotplug.Run(context.stop);
   return context.Result(Json::Object().SetBytes("serial", seen).Set("attached", !forLoss),
                         forLoss || seen.empty() ? "" : Printable(seen) + "\n");

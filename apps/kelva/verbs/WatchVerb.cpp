@@ -16,15 +16,7 @@ namespace {
 using Kind = HotplugEvent::Kind;
 
 std::string_view WordFor(Kind kind) {
-  switch (kind) {
-    case Kind::kAttached:
-      return "attached";
-    case Kind::kLost:
-      return "lost";
-    case Kind::kBad:
-      return "bad";
-  }
-  return "";
+  return kind == Kind::kAttached ? "attached" : kind == Kind::kLost ? "lost" : "bad";
 }
 
 Json Members(const HotplugEvent& event) {
@@ -68,14 +60,12 @@ ExitCode RunWatch(Context& context) {
   const long long most = ParseNumber(context.call.Value("count").value_or("0"), "a number of events", 0, 1'000'000'000);
   long long seen = 0;
   bool hookFailed = false;
-  Hotplug* running = nullptr;
   Hotplug hotplug([&](const HotplugEvent& event) {
     if (!IsWanted(event, serial)) return;
     context.Event(WordFor(event.kind), Members(event), Line(event));
     if (command && !event.present) RunHook(context, *command, event, hookFailed);
-    if (most != 0 && ++seen == most) running->Finish();
+    if (most != 0 && ++seen == most) hotplug.Finish();
   });
-  running = &hotplug;
   hotplug.Run(context.stop);
   const ExitCode code = hookFailed ? ExitCode::kPartial : ExitCode::kDone;
   return context.Result(Json::Object().Set("events", seen), "", code);
