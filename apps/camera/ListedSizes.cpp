@@ -1,4 +1,4 @@
-// Compares the size of what arrived with what the folder lists.
+// Compares the size of a file that arrived with the size that its folder lists.
 
 #include "apps/camera/ListedSizes.h"
 

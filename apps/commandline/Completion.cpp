@@ -30,7 +30,7 @@ _PROGRAM() {
 complete -o nosort -F _PROGRAM PROGRAM
 )";
 
-// Found in $fpath, the file is the body of _PROGRAM when it is first called; read with `source`, it is not.
+// zsh runs a file found in $fpath as the body of _PROGRAM at its first call, but not one read with `source`.
 constexpr std::string_view kZsh = R"(#compdef PROGRAM
 # zsh completion for PROGRAM, which says itself what may come next. Nothing that it says is evaluated.
 _PROGRAM() {
@@ -105,8 +105,8 @@ class Completer {
   }
 
  private:
-  // bash takes what it is given. zsh and fish choose among all words, as the user has set them up; but fish's loose way
-  // of comparing would turn an unknown option into another one, and it expands a leading tilde.
+  // bash offers every word that it is given. zsh and fish choose among them, as the user has set them up. But fish's
+  // loose matching would turn an unknown option into another one, and fish expands a leading tilde.
   void Add(std::string_view name, std::string_view meaning = {}) {
     const std::string whole = prefix_ + std::string(name);
     const bool chosenHere = bash_ || last_.starts_with('-');

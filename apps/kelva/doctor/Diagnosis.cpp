@@ -1,4 +1,4 @@
-// Judges what the survey found: what is in the way of each camera, and the command that mends it.
+// Judges what the survey found: why each camera does not work, and the command that mends it.
 
 #include "apps/kelva/doctor/Diagnosis.h"
 
@@ -98,7 +98,7 @@ Finding Narrow(const CameraFacts& camera) {
                      "The udev rule of the kelva package does this at every plug.");
 }
 
-// The order is that of the way from the cable to the camera: a later check would only show the earlier obstacle again.
+// In the order from the cable to the program: after the first obstacle, later checks would only show it again.
 Finding DiagnoseUnit(const CameraFacts& camera, const MachineFacts& facts) {
   if (wire::IsBadCamera(camera.peripheralType, camera.revision)) return BadCamera(camera);
   if (camera.node.empty()) return NoGenericDriver(camera);

@@ -23,7 +23,7 @@ constexpr std::size_t kMostBytes = 1U << 20;
 Data Load(std::span<const char> bytes) {
   Data data(exif_data_new());
   if (!data) return data;
-  // Otherwise entries that the file lacks are made up, the time among them.
+  // By default libexif invents missing mandatory tags, the time included.
   exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
   const std::size_t size = std::min(bytes.size(), kMostBytes);
   exif_data_load_data(data.get(), reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<unsigned>(size));
