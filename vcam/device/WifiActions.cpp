@@ -11,7 +11,7 @@ constexpr std::size_t kMaxSsid = 32;
 constexpr std::size_t kMinPassphrase = 8;
 constexpr std::size_t kMaxPassphrase = 63;
 
-/// Changes the settings and writes them back; when that fails the command is refused and the change taken back.
+/// Changes the settings and writes them to the state file. When that fails, undoes the change and refuses the command.
 template <typename Change>
 wire::Reply ChangeSettings(Device& device, const wire::Command& command, const std::string& note, Change change) {
   const Settings before = device.settings;

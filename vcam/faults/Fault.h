@@ -9,7 +9,7 @@
 
 namespace vcam {
 
-/// What can be made to go wrong. Each works at every command; the table in vcam/README.md says what it does to which.
+/// What can go wrong on request. Each fault works at every command; the table in vcam/README.md says what it does.
 enum class FaultKind : std::uint8_t {
   kFail,              ///< the n-th command is refused as a hardware error
   kShort,             ///< the n-th command moves one byte less
