@@ -33,6 +33,7 @@ std::vector<AttachedCamera> FindAttached(StdoutDiversion& diversion) {
                                          "); `kelva doctor` looks for the cause.");
   }
   std::vector<AttachedCamera> attached;
+  attached.reserve(cameras.size());
   for (const boost::shared_ptr<Camera>& camera : cameras) attached.push_back({FactsOf(*camera), camera});
   return attached;
 }

@@ -86,6 +86,7 @@ class Completer {
       : program_(program), bash_(shell == "bash"), last_(std::move(words.back())) {
     words.pop_back();
     std::vector<const char*> before;
+    before.reserve(words.size());
     for (const std::string& word : words) before.push_back(word.c_str());
     begun_ = ParseBeginning(program, before);
   }

@@ -186,8 +186,9 @@ class Parser {
     if (result_.verb == nullptr) throw Usage("No command was given; " + Command("help") + " lists all.");
     CheckCount();
     for (const Option& option : result_.verb->options) {
-      if (option.needed && !result_.Has(option.name))
+      if (option.needed && !result_.Has(option.name)) {
         throw Needs("--" + std::string(option.name) + " " + std::string(option.value));
+      }
     }
   }
 

@@ -15,6 +15,7 @@ namespace apps {
 
 StdoutDiversion::StdoutDiversion()
     : real_(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)), memory_(::memfd_create("stdout", MFD_CLOEXEC)) {
+  std::fflush(stdout);  // what the program has printed before is its own
   if (!memory_ || ::dup2(memory_.Get(), STDOUT_FILENO) < 0) throw SystemFailure("set standard output aside", errno);
 }
 

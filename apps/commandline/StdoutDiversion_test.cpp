@@ -40,6 +40,14 @@ TEST_F(StdoutDiversionTest, WhatALibraryPrintsIsTakenAndNotSeen) {
   EXPECT_EQ(::lseek(page_.Get(), 0, SEEK_END), 0);
 }
 
+TEST_F(StdoutDiversionTest, WhatWaitedInTheBufferBeforeIsNotTaken) {
+  diversion_.reset();
+  std::printf("the program's own");
+  diversion_.emplace();
+  EXPECT_EQ(diversion_->Taken(), "");
+  EXPECT_EQ(::lseek(page_.Get(), 0, SEEK_END), 17);
+}
+
 TEST_F(StdoutDiversionTest, EachLineIsTakenOnce) {
   std::printf("one\n");
   EXPECT_EQ(diversion_->Taken(), "one\n");

@@ -21,8 +21,9 @@ namespace {
 /// The failure of an option whose value is not one of its words.
 apps::Failure NotOneOf(const apps::Option& option, const std::string& value) {
   std::string words(option.words);
-  for (std::size_t at = words.find(' '); at != std::string::npos; at = words.find(' ', at + 2))
+  for (std::size_t at = words.find(' '); at != std::string::npos; at = words.find(' ', at + 2)) {
     words.replace(at, 1, ", ");
+  }
   return {apps::ExitCode::kUsage,
           "--" + std::string(option.name) + " is one of " + words + ", not \"" + apps::Printable(value) + "\"."};
 }

@@ -66,8 +66,9 @@ bool Session::Receive() {
   while (auto message = reader_.Next()) {
     if (const auto* unlink = std::get_if<Unlink>(&*message)) {
       const bool pending = camera_.Unlink(unlink->target);
-      if (!base::SendAll(socket_.Get(), EncodeUnlinked(unlink->sequence, pending ? kUrbUnlinked : kUrbOk)))
+      if (!base::SendAll(socket_.Get(), EncodeUnlinked(unlink->sequence, pending ? kUrbUnlinked : kUrbOk))) {
         return false;
+      }
     } else {
       camera_.Submit(std::move(std::get<usbip::Submit>(*message)), Clock::now());
       if (!AnswerAll()) return false;

@@ -40,8 +40,9 @@ ExitCode RunDoneCount(Context& context) {
 
 ExitCode RunCapture(Context& context) {
   const Session camera(context, "take a picture");
-  if (!camera->CaptureImage(true))
+  if (!camera->CaptureImage(true)) {
     throw Failure(ExitCode::kRefused, "The camera did not accept the command to take a picture.");
+  }
   context.Result(CameraResult(camera), "");
   context.reporter.Note("The camera was told to take a picture.");
   return ExitCode::kDone;
