@@ -64,8 +64,8 @@ endforeach()
 configure_file(cmake/kelva.pc.in "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-if(NOT KELVA_BUILD_PROGRAMS)
-  return()
+if(APPLE OR NOT KELVA_BUILD_PROGRAMS)
+  return()  # the pages are those of the Linux agent
 endif()
 file(GLOB kelva_manuals CONFIGURE_DEPENDS docs/man/*.1 docs/man/*.8)
 foreach(page IN LISTS kelva_manuals)

@@ -6,21 +6,21 @@ class Kelva < Formula
   license "MIT"
   head "https://kelva.example/kelva.git", branch: "main"
 
-  depends_on "boost" => :build
   depends_on "cmake" => :build
   depends_on "ninja" => :build
+  depends_on "boost" # its headers are part of the library's interface
   depends_on macos: :big_sur
 
   def install
-    system "cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DKELVA_BUILD_TESTS=OFF", *std_cmake_args
+    system "cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DKELVA_BUILD_TESTS=OFF",
+           "-DCMAKE_OSX_ARCHITECTURES=#{Hardware::CPU.arch}", "-DKELVA_LAUNCH_AGENT_DIR=#{prefix}",
+           "-DKELVA_LAUNCH_AGENT_APP=#{opt_prefix}/Applications/KelvaHelper.app", *std_cmake_args
     system "cmake", "--build", "build"
     system "cmake", "--install", "build"
   end
 
   service do
-    run [opt_prefix/"Applications/KelvaHelper.app/Contents/MacOS/KelvaHelper"]
-    keep_alive successful_exit: false
-    process_type :background
+    name macos: "com.kelva.KelvaHelper" # the LaunchAgent that the installation puts there
   end
 
   test do
@@ -29,7 +29,7 @@ class Kelva < Formula
       #include <Camera.h>
       int main() { return Camera::throwExceptions_ ? 0 : 1; }
     EOS
-    system ENV.cxx, "-std=c++20", "test.cpp", "-I#{include}/kelva", "-L#{lib}", "-lkelva",
+    system ENV.cxx, "-std=c++20", "test.cpp", "-I#{include}/kelva", "-I#{Formula["boost"].opt_include}", "-L#{lib}", "-lkelva",
            "-framework", "IOKit", "-framework", "CoreFoundation", "-o", "test"
     system "./test"
   end

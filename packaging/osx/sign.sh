@@ -19,6 +19,13 @@ codesign --force --options runtime --timestamp --sign "$identity" "$app"
 codesign --verify --strict --verbose=2 "$app"
 
 ditto -c -k --keepParent "$app" "$archive"
-xcrun notarytool submit "$archive" --keychain-profile "$profile" --wait
+# The command ends with 0 also when the verdict is "Invalid".
+verdict=$(xcrun notarytool submit "$archive" --keychain-profile "$profile" --wait --output-format json)
+if ! grep -Eq '"status" *: *"Accepted"' <<<"$verdict"; then
+  printf 'The notary did not accept %s: %s\n' "$app" "$verdict" >&2
+  id=$(sed -nE 's/.*"id" *: *"([^"]*)".*/\1/p' <<<"$verdict" | head -1)
+  [ -z "$id" ] || xcrun notarytool log "$id" --keychain-profile "$profile" >&2
+  exit 1
+fi
 xcrun stapler staple "$app"
 spctl --assess --type execute --verbose "$app"

@@ -25,7 +25,8 @@ def information():
 
 
 def launch_agent():
-    return plistlib.loads((PROJECT / "packaging/osx/com.kelva.KelvaHelper.plist").read_bytes())
+    template = (PROJECT / "packaging/osx/com.kelva.KelvaHelper.plist.in").read_text()
+    return plistlib.loads(template.replace("@KELVA_HELPER_APP@", "/prefix/Applications/KelvaHelper.app").encode())
 
 
 class Bundle(unittest.TestCase):
@@ -66,6 +67,21 @@ class Bundle(unittest.TestCase):
     def test_launchd_starts_it_at_login_and_after_a_crash_only(self):
         self.assertIs(launch_agent()["RunAtLoad"], True)
         self.assertEqual(launch_agent()["KeepAlive"], {"SuccessfulExit": False})
+
+    def test_launchd_does_not_throttle_it(self):
+        self.assertNotIn("ProcessType", launch_agent())
+
+    def test_login_items_show_it_by_its_bundle(self):
+        self.assertEqual(launch_agent()["AssociatedBundleIdentifiers"], information()["CFBundleIdentifier"])
+
+    def test_a_second_user_of_the_mac_has_an_agent(self):
+        # The key would refuse one; the agent's lock is each user's own.
+        self.assertNotIn("LSMultipleInstancesProhibited", information())
+
+    def test_the_icon_is_there(self):
+        icon = (PROJECT / f"packaging/osx/{information()['CFBundleIconFile']}.icns").read_bytes()
+        self.assertEqual(icon[:4], b"icns")
+        self.assertEqual(int.from_bytes(icon[4:8], "big"), len(icon))
 
 
 if __name__ == "__main__":

@@ -5,6 +5,7 @@ Usage: configure_test.py PROJECT COMPILER GTEST_FOLDER
 """
 
 import json
+import os
 import pathlib
 import plistlib
 import subprocess
@@ -93,6 +94,27 @@ class ShippedBuild(unittest.TestCase):
         self.assertEqual(information["CFBundleExecutable"], "KelvaHelper")
         self.assertEqual(information["LSMinimumSystemVersion"], "11.0")
         self.assertIs(information["LSUIElement"], True)
+
+    def launch_agent(self, prefix):
+        """What the installation's own step gives for a prefix that is named while installing."""
+        script = self.build.folder / "packaging/osx/install_launch_agent.cmake"
+        with tempfile.TemporaryDirectory() as root:
+            environment = {**os.environ, "DESTDIR": root}
+            subprocess.run(["cmake", f"-DCMAKE_INSTALL_PREFIX={prefix}", "-P", script], env=environment, check=True, capture_output=True)
+            found = list(pathlib.Path(root).rglob("*.plist"))
+            self.assertEqual(len(found), 1)
+            return "/" + found[0].parent.relative_to(root).as_posix(), plistlib.loads(found[0].read_bytes())
+
+    def test_launch_agent_names_the_place_of_the_application(self):
+        for prefix, folder in (("/usr/local", "/Library/LaunchAgents"), ("/opt/kelva", "/opt/kelva/Library/LaunchAgents")):
+            place, agent = self.launch_agent(prefix)
+            self.assertEqual(place, folder)
+            self.assertEqual(agent["ProgramArguments"], [f"{prefix}/Applications/KelvaHelper.app/Contents/MacOS/KelvaHelper"])
+
+    def test_installation_runs_that_step_and_puts_no_linux_page(self):
+        scripts = "".join(path.read_text() for path in self.build.folder.rglob("cmake_install.cmake"))
+        self.assertIn("install_launch_agent.cmake", scripts)
+        self.assertNotIn("kelva-helper", scripts)
 
     def test_release_preset_needs_no_benchmark_library(self):
         presets = json.loads((PROJECT / "CMakePresets.json").read_text())["configurePresets"]
