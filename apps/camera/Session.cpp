@@ -33,14 +33,14 @@ Failure CannotOpen(Context& context, const std::string& serial) {
                      "`kelva doctor` says which and what to do.");
 }
 
-AttachedCamera Wanted(Context& context, std::string doing) {
+AttachedCamera WantedCamera(Context& context, std::string doing) {
   context.Doing(std::move(doing));
   return Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")));
 }
 
 }  // namespace
 
-Session::Session(Context& context, std::string doing) : Session(context, Wanted(context, std::move(doing))) {}
+Session::Session(Context& context, std::string doing) : Session(context, WantedCamera(context, std::move(doing))) {}
 
 Session::Session(Context& context, AttachedCamera chosen) : chosen_(std::move(chosen)) {
   context.stop.Check();
