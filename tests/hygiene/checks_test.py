@@ -101,7 +101,7 @@ class Checks(unittest.TestCase):
         self.assertEqual(self.arrow_complaints(), [])
 
     def table(self, *rows):
-        self.write("ARCHITECTURE.md", "| Folder | What it is | Includes |\n|---|---|---|\n" + "".join(f"{row}\n" for row in rows))
+        self.write("ARCHITECTURE.md", "| Folder | What it is | May use |\n|---|---|---|\n" + "".join(f"{row}\n" for row in rows))
 
     def test_entry_of_the_table_that_no_include_needs_is_found(self):
         self.table("| `a` | one | `b`, Boost |", "| `b` | two | |")
