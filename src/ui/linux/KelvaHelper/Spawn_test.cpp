@@ -36,7 +36,11 @@ std::string OutputOf(const std::string& line) {
 class SpawnTest : public testing::Test {
  protected:
   void SetUp() override { ::sigaction(SIGCHLD, nullptr, &childAction_); }
-  void TearDown() override { ::sigaction(SIGCHLD, &childAction_, nullptr); }
+  void TearDown() override {
+    // A child that outlived its output must not become a zombie of the next test.
+    while (::waitpid(-1, nullptr, 0) > 0) continue;
+    ::sigaction(SIGCHLD, &childAction_, nullptr);
+  }
   struct sigaction childAction_ = {};
 };
 
