@@ -29,18 +29,16 @@ std::vector<std::string> TemporaryNames(const TargetFolder& folder) {
   return names;
 }
 
-// A lock that can be had shows that no process writes the file any more.
-bool IsAbandoned(const TargetFolder& folder, const std::string& name) {
-  const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
-  return file && ::flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
-}
-
 }  // namespace
 
 int RemoveLeftovers(const TargetFolder& folder) {
   int removed = 0;
   for (const std::string& name : TemporaryNames(folder)) {
-    if (IsAbandoned(folder, name) && ::unlinkat(folder.Fd(), name.c_str(), 0) == 0) ++removed;
+    // A lock that can be had shows that no process writes the file. It is held until the name is gone, so that a process
+    // which has only just created the file learns of it.
+    const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+    if (!file || ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0) continue;
+    if (::unlinkat(folder.Fd(), name.c_str(), 0) == 0) ++removed;
   }
   return removed;
 }

@@ -5,10 +5,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "apps/commandline/Failure.h"
@@ -40,6 +42,26 @@ TEST_F(LeftoversTest, LeftoversOfAKilledRunGoAndFilesInUseStay) {
   EXPECT_EQ(RemoveLeftovers(*folder_), 1);
   EXPECT_FALSE(fs::exists(path_ / ".kelva-0011223344556677.part"));
   EXPECT_EQ(Names().size(), 2U);
+}
+
+TEST_F(LeftoversTest, ASweepBesideNewbornFilesTakesNoneOfThem) {
+  std::atomic<bool> done = false;
+  std::thread sweeper([&] {
+    while (!done) RemoveLeftovers(*folder_);
+  });
+  int lost = 0;
+  for (int i = 0; i < 500; ++i) {
+    NewFile file(*folder_);
+    try {
+      if (!file.TakeName(std::to_string(i))) ++lost;
+    } catch (const Failure&) {
+      ++lost;
+    }
+  }
+  done = true;
+  sweeper.join();
+  EXPECT_EQ(lost, 0);
+  EXPECT_EQ(Names().size(), 500U);
 }
 
 }  // namespace

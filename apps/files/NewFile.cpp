@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/random.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -56,16 +57,28 @@ int RenameWithoutReplacing(int folder, const char* from, const char* to) {
   return LookAndRename(folder, from, to);
 }
 
+// Locks a newborn file, so that RemoveLeftovers knows that it is in use. A sweep may look at the file before that: it then
+// holds the lock, or has unlinked the file already. A file system without locks is never swept.
+bool Claim(int file) {
+  if (::flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+  struct stat status {};
+  return ::fstat(file, &status) != 0 || status.st_nlink > 0;
+}
+
 }  // namespace
 
-NewFile::NewFile(const TargetFolder& folder)
-    : folder_(folder),
-      temporary_(TemporaryName()),
-      record_(folder.Fd(), temporary_),
-      file_(OpenBeneath(folder.Fd(), temporary_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
-  if (!file_) throw SystemFailure("create a file in " + Printable(folder.Path()), errno);
-  // Without locks, RemoveLeftovers cannot tell a killed run's files from files in use.
-  ::flock(file_.Get(), LOCK_EX | LOCK_NB);
+NewFile::NewFile(const TargetFolder& folder) : folder_(folder) {
+  constexpr int kAttempts = 100;
+  for (int i = 0; i < kAttempts; ++i) {
+    // A new name each time: the sweep that took the last one may unlink that name only now.
+    temporary_ = TemporaryName();
+    record_.emplace(folder.Fd(), temporary_);
+    file_ = base::FileDescriptor(OpenBeneath(folder.Fd(), temporary_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file_) throw SystemFailure("create a file in " + Printable(folder.Path()), errno);
+    if (Claim(file_.Get())) return;
+    ::unlinkat(folder.Fd(), temporary_.c_str(), 0);
+  }
+  throw SystemFailure("lock a file in " + Printable(folder.Path()), EBUSY);
 }
 
 NewFile::~NewFile() {
@@ -102,7 +115,7 @@ void NewFile::ReplaceName(const std::string& name) {
 
 void NewFile::Named() {
   named_ = true;
-  record_.Forget();
+  record_->Forget();
 }
 
 }  // namespace apps

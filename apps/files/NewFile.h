@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_FILES_NEW_FILE_H_
 #define KELVA_APPS_FILES_NEW_FILE_H_
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -42,7 +43,7 @@ class NewFile {
 
   const TargetFolder& folder_;
   std::string temporary_;
-  ScratchRecord record_;
+  std::optional<ScratchRecord> record_;
   base::FileDescriptor file_;
   bool named_ = false;
 };
