@@ -48,7 +48,9 @@ class Configured:
 
 
 def everyday_build(folder):
-    return Configured(folder, f"-DGTest_DIR={GTEST_FOLDER}", "-DCMAKE_FIND_PACKAGE_PREFER_CONFIG=ON")
+    # Nothing is built, so there is no precompiled header that a command could read.
+    return Configured(folder, f"-DGTest_DIR={GTEST_FOLDER}", "-DCMAKE_FIND_PACKAGE_PREFER_CONFIG=ON",
+                      "-DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON")
 
 
 class EverydayBuild(unittest.TestCase):
