@@ -83,9 +83,9 @@ function(kelva_program target)
   target_link_libraries(${target} PRIVATE ${PROGRAM_LINKS})
 endfunction()
 
-# kelva_manual(PROGRAM): the manual pages and completions of a program, which prints them from its own table. Not while
-# cross-compiling: the program has to run.
-function(kelva_manual program)
+# kelva_manual(PROGRAM COMPONENT): the manual pages and completions of a program, which prints them from its own table. Not
+# while cross-compiling: the program has to run.
+function(kelva_manual program component)
   if(CMAKE_CROSSCOMPILING OR KELVA_SANITIZER)
     return()
   endif()
@@ -100,10 +100,12 @@ function(kelva_manual program)
     COMMAND ${program} completion fish > "${completions}/${program}.fish"
     DEPENDS ${program} VERBATIM)
   add_custom_target(${program}_manual ALL DEPENDS "${pages}/${program}.1")
-  install(DIRECTORY "${pages}/" DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-  install(FILES "${completions}/${program}" DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-  install(FILES "${completions}/_${program}" DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-  install(FILES "${completions}/${program}.fish" DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  install(DIRECTORY "${pages}/" DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
+  install(FILES "${completions}/${program}" DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    COMPONENT ${component})
+  install(FILES "${completions}/_${program}" DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT ${component})
+  install(FILES "${completions}/${program}.fish" DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+    COMPONENT ${component})
 endfunction()
 
 # A test is compiled more often than it is run.

@@ -1,5 +1,9 @@
 # What `cmake --install` gives: the library with its headers, CMake package and pkg-config file, and the manual
 # pages. The rooms install their own programs.
+#
+# Each file belongs to one component, for those who make packages: Library (the shared library), Development (headers,
+# static library, CMake package, pkg-config file), Tool (kelva), VirtualCamera (kelva-vcam), Helper (the agent, its opener,
+# and what starts it), DeviceRules (the udev rule) and Documentation (what none of the programs brings itself).
 include(CMakePackageConfigHelpers)
 
 set(kelva_rooms kelva_wifi kelva_usb_osx)
@@ -29,29 +33,32 @@ set_target_properties(kelva_library PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 target_compile_features(kelva_library INTERFACE cxx_std_20)
 
-install(TARGETS kelva_library EXPORT KelvaTargets)
-install(EXPORT KelvaTargets NAMESPACE Kelva:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva)
+install(TARGETS kelva_library EXPORT KelvaTargets
+  ARCHIVE COMPONENT Development
+  LIBRARY COMPONENT Library NAMELINK_COMPONENT Development)
+install(EXPORT KelvaTargets NAMESPACE Kelva:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva COMPONENT Development)
 
 # Headers that an embedding program includes; the rooms' inner headers stay in the tree.
 install(FILES
   src/wifi/Camera.h src/wifi/CameraDirent.h src/wifi/CameraError.h src/wifi/DcfObj.h src/wifi/Sha1obj.h
   src/wifi/VscCdb.h src/wifi/VscRecords.h src/usb/osx/OsxCamera.h src/usb/osx/OsxCameraError.h
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva)
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva COMPONENT Development)
 if(NOT APPLE)
-  install(DIRECTORY darwin/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin FILES_MATCHING PATTERN "*.h")
+  install(DIRECTORY darwin/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin COMPONENT Development
+    FILES_MATCHING PATTERN "*.h")
   # Where cameras come from is the embedding program's choice as well.
   install(FILES darwin/registry/Registry.h darwin/registry/CameraEntries.h
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/registry)
-  install(FILES darwin/cf/EventLoop.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/cf)
-  install(FILES darwin/udev/UdevSource.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/udev)
-  install(FILES darwin/virtual/VirtualRegistry.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/virtual)
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/registry COMPONENT Development)
+  install(FILES darwin/cf/EventLoop.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/cf COMPONENT Development)
+  install(FILES darwin/udev/UdevSource.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/udev COMPONENT Development)
+  install(FILES darwin/virtual/VirtualRegistry.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/virtual COMPONENT Development)
 endif()
 
 configure_package_config_file(cmake/KelvaConfig.cmake.in "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfig.cmake"
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva)
 write_basic_package_version_file("${CMAKE_CURRENT_BINARY_DIR}/KelvaConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfig.cmake" "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfigVersion.cmake"
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva)
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva COMPONENT Development)
 
 # pkg-config finds its folders from where the file itself lies, so the installed tree may be moved.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
@@ -62,7 +69,7 @@ foreach(library IN LISTS kelva_system_libraries)
   string(APPEND kelva_pc_libraries " ${flag}")
 endforeach()
 configure_file(cmake/kelva.pc.in "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" @ONLY)
-install(FILES "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
 
 if(APPLE OR NOT KELVA_BUILD_PROGRAMS)
   return()  # the pages are those of the Linux agent
@@ -71,5 +78,5 @@ file(GLOB kelva_manuals CONFIGURE_DEPENDS docs/man/*.1 docs/man/*.8)
 foreach(page IN LISTS kelva_manuals)
   cmake_path(GET page EXTENSION LAST_ONLY section)
   string(SUBSTRING "${section}" 1 -1 section)
-  install(FILES "${page}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+  install(FILES "${page}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT Helper)
 endforeach()

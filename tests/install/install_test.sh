@@ -23,6 +23,10 @@ expect_consumer() {
 }
 
 cmake --install "$build" --prefix "$scratch/installed" >"$scratch/install.log" || fail "cmake --install: $(cat "$scratch/install.log")"
+# A file without a component of its own is in no package. `cmake --install` gives such a file the name Unspecified.
+cmake --install "$build" --prefix "$scratch/unnamed" --component Unspecified >"$scratch/install.log"
+left=$(find "$scratch/unnamed" ! -type d 2>/dev/null || true)
+[ -z "$left" ] || fail "installed without a component: $left"
 # Moved, so that a path of the build or of the first place would show.
 mv "$scratch/installed" "$scratch/moved"
 
