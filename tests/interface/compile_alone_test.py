@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The library compiles by its include directories alone, and includes only what it may know.
 
-Usage: compile_alone_test.py PROJECT COMPILER
+Usage: compile_alone_test.py PROJECT COMPILER [CLASS...]
 """
 
 import concurrent.futures
@@ -45,7 +45,7 @@ def compile_one(source, includes, output):
     return result.returncode, result.stdout + result.stderr
 
 
-class Compilation(unittest.TestCase):
+class Scratch(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
         self.addCleanup(self.folder.cleanup)
@@ -55,6 +55,8 @@ class Compilation(unittest.TestCase):
         source.write_text(text)
         return compile_one(source, includes, f"{self.folder.name}/alone.o")
 
+
+class OneByOne(Scratch):
     def test_every_source_compiles_with_the_include_directories_and_nothing_else(self):
         sources = library(WIFI, "*.cpp") + library(OSX, "*.cpp")
         self.assertGreater(len(sources), 20)
@@ -68,6 +70,23 @@ class Compilation(unittest.TestCase):
         for header in library(WIFI, "*.h") + library(OSX, "*.h"):
             with self.subTest(header=header.name):
                 self.assertEqual(self.compile_text(f'#include "{header.name}"\n#include "{header.name}"\n', INCLUDES), (0, ""))
+
+    def test_wifi_needs_neither_the_platforms_folder_nor_the_frameworks_headers(self):
+        for source in library(WIFI, "*.cpp"):
+            with self.subTest(source=source.name):
+                self.assertEqual(compile_one(source.relative_to(PROJECT), ["-Isrc/wifi"], f"{self.folder.name}/w.o"), (0, ""))
+
+
+class Together(Scratch):
+    def compile_sources(self, sources, includes):
+        self.assertGreater(len(sources), 5)
+        return self.compile_text("".join(f'#include "{source}"\n' for source in sources), includes)
+
+    def test_wifi_compiles_with_its_own_folder_alone(self):
+        self.assertEqual(self.compile_sources(library(WIFI, "*.cpp"), ["-Isrc/wifi"]), (0, ""))
+
+    def test_the_library_compiles_with_the_include_directories_and_nothing_else(self):
+        self.assertEqual(self.compile_sources(library(OSX, "*.cpp"), INCLUDES), (0, ""))
 
     def test_camera_h_alone_gives_the_whole_interface(self):
         text = """
@@ -106,11 +125,6 @@ class Compilation(unittest.TestCase):
     def test_every_operation_has_its_signature_to_the_letter(self):
         signatures = PROJECT / "tests/interface/Signatures.cpp"
         self.assertEqual(compile_one(signatures, INCLUDES, f"{self.folder.name}/signatures.o"), (0, ""))
-
-    def test_wifi_needs_neither_the_platforms_folder_nor_the_frameworks_headers(self):
-        for source in library(WIFI, "*.cpp"):
-            with self.subTest(source=source.name):
-                self.assertEqual(compile_one(source.relative_to(PROJECT), ["-Isrc/wifi"], f"{self.folder.name}/w.o"), (0, ""))
 
 
 class Includes(unittest.TestCase):
