@@ -4,7 +4,6 @@
 #include <map>
 #include <string>
 
-#include "apps/camera/CameraPath.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/ListedSizes.h"
 #include "apps/camera/Picture.h"

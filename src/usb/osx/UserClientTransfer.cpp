@@ -23,12 +23,10 @@ std::uint8_t DirectionByte(int direction) {
   return direction == 1 || direction == 2 ? static_cast<std::uint8_t>(direction) : std::uint8_t{0};
 }
 
-/// A stream for lower-case hexadecimal digits with leading zeros, whatever the program's locale.
-std::ostringstream HexStream() {
-  std::ostringstream stream;
+/// Makes a stream write lower-case hexadecimal digits with leading zeros, whatever the program's locale.
+void WriteHex(std::ostringstream& stream) {
   stream.imbue(std::locale::classic());  // another locale may group digits
   stream << std::hex << std::setfill('0');
-  return stream;
 }
 
 /// Takes `literal` and the hexadecimal number behind it from the front of the text.
@@ -56,7 +54,8 @@ wire::UserClientTransferRequest MakeTransferRequest(const _VscCdb& cdb, int dire
 }
 
 std::string BlockText(const _VscCdb& cdb) {
-  std::ostringstream text = HexStream();
+  std::ostringstream text;
+  WriteHex(text);
   const char* separator = "";
   for (const unsigned byte : cdb.bytes) {
     text << separator << std::setw(2) << byte;
@@ -66,7 +65,8 @@ std::string BlockText(const _VscCdb& cdb) {
 }
 
 std::string WriteTransferReport(const TransferReport& report) {
-  std::ostringstream text = HexStream();
+  std::ostringstream text;
+  WriteHex(text);
   text << kBeforeBlock << BlockText(report.cdb) << kBeforeReturnCode << std::setw(8)
        << static_cast<std::uint32_t>(report.returnCode) << kBeforeStatus << std::setw(8) << report.status;
   return text.str();
