@@ -19,10 +19,19 @@ pictures_of() {
   find "$1" -maxdepth 1 -type f \( -iname '*.jpg' -o -iname '*.jpeg' \) -print0
 }
 
+# files_of_card FOLDER: the files of a camera's card, as DCIM/100ABCDE/IMG_0001.JPG, each ended by a NUL. A camera knows no links.
+files_of_card() {
+  [ ! -d "$1/DCIM" ] || (cd "$1" && find DCIM -mindepth 2 -maxdepth 2 -type f -path 'DCIM/[1-9][0-9][0-9]*/*' -print0 | sort -z)
+}
+
+is_card() {
+  [ "$(files_of_card "$1" | head -c 1 | wc -c)" != 0 ]
+}
+
 # need_pictures FOLDER: before anything is built, which takes a minute the first time.
 need_pictures() {
-  [ "$(pictures_of "$1" | head -c 1 | wc -c)" != 0 ] ||
-    die 1 "there is no JPEG file (*.jpg, *.jpeg) in \"$1\"; name a folder that holds some."
+  is_card "$1" || [ "$(pictures_of "$1" | head -c 1 | wc -c)" != 0 ] ||
+    die 1 "there is no JPEG file (*.jpg, *.jpeg) in \"$1\", and no DCIM/100ABCDE/IMG_0001.JPG as on a camera's card; name a folder that holds some."
 }
 
 run_on_macos() {
@@ -46,9 +55,7 @@ desktop_id() {
 # demonstrate FOLDER: the main job with virtual cameras. FOLDER may be empty.
 demonstrate() {
   build_preset quick kelva kelva-vcam kelva-helper kelva-open draw-pictures
-  scratch=$(mktemp -d "${TMPDIR:-/tmp}/kelva-run.XXXXXX")
-  socket="$scratch/bus"
-  started=()
+  make_scratch
   trap clean_up EXIT
   trap 'exit 130' INT TERM
   prepare_storage "$1"
@@ -61,6 +68,12 @@ demonstrate() {
   expect_launch
   stop_helper
   say "Done: the second camera started the application, the first did not."
+}
+
+make_scratch() {
+  scratch=$(mktemp -d "${TMPDIR:-/tmp}/kelva-run.XXXXXX")
+  socket="$scratch/bus"
+  started=()
 }
 
 clean_up() {
@@ -83,14 +96,22 @@ wait_for() {
   done
 }
 
-# The storage of both cameras: the pictures, named and placed as a camera does.
+# The storage of the cameras: a card as it is, or pictures that are named and placed as a camera does.
 prepare_storage() {
-  local pictures="$scratch/storage/DCIM/100KELVA" picture reason count=0
+  storage="$scratch/storage"
   if [ -z "$1" ]; then
-    "$bin/draw-pictures" "$scratch/storage" || die 1 "the pictures could not be drawn; the reason is above."
-    say "Drew 4 pictures: they are the storage of two virtual cameras."
-    return
+    "$bin/draw-pictures" "$storage" || die 1 "the pictures could not be drawn; the reason is above."
+    say "Drew 4 pictures: they are the storage of the virtual cameras."
+  elif is_card "$1"; then
+    storage=$1
+    say "Took $1 as it is, with $(files_of_card "$1" | tr -dc '\0' | wc -c) files: it is the storage of the virtual cameras. Nothing in it is changed."
+  else
+    copy_pictures "$1"
   fi
+}
+
+copy_pictures() {
+  local pictures="$storage/DCIM/100KELVA" picture reason count=0
   mkdir -p "$pictures"
   while IFS= read -r -d '' picture; do
     count=$((count + 1))
@@ -98,7 +119,12 @@ prepare_storage() {
       die 1 "\"$picture\" cannot be copied (${reason##*: }); change its permissions or name another folder."
     [ "$count" -lt 50 ] || break
   done < <(pictures_of "$1" | sort -z)
-  say "Took $count pictures of $1 (no more than 50): they are the storage of two virtual cameras."
+  say "Took $count pictures of $1 (no more than 50): they are the storage of the virtual cameras."
+}
+
+# desktop_quoted TEXT: for between the quotes of an Exec line. A string's backslash is written twice, and a percent sign too.
+desktop_quoted() {
+  printf '%s' "$1" | sed -e 's/[\\"`$]/\\&/g' -e 's/\\/\\\\/g' -e 's/%/%%/g'
 }
 
 # A desktop of our own: folders that nothing else looks into, and the stand-in for the desktop application.
@@ -109,7 +135,7 @@ prepare_desktop() {
 [Desktop Entry]
 Type=Application
 Name=Stand-in for the desktop application
-Exec="$root/tools/stand-in.sh" "$bin/kelva" "$socket" $second "$scratch"
+Exec="$root/tools/stand-in.sh" "$bin/kelva" "$socket" $second "$scratch" "$(desktop_quoted "$storage")"
 END
 }
 
@@ -123,7 +149,7 @@ start_bus() {
 
 # plug SERIAL REASON
 plug() {
-  "$bin/kelva-vcam" plug --socket "$socket" --serial "$1" --storage "$scratch/storage" >"$scratch/plug.log" 2>&1 ||
+  "$bin/kelva-vcam" plug --socket "$socket" --serial "$1" --storage "$storage" >"$scratch/plug.log" 2>&1 ||
     die 1 "camera $1 could not be plugged in: $(cat "$scratch/plug.log")"
   say "Plugged in camera $1. $2"
 }
@@ -147,9 +173,17 @@ expect_launch() {
     die 1 "the application was not started within 20 s; the helper said: $(cat "$scratch/helper.log")"
   cat "$scratch/said"
   [ "$(cat "$scratch/finished")" = 0 ] || die 1 "the stand-in failed; its words are above."
-  diff -r "$scratch/storage/DCIM" "$scratch/fetched/DCIM" >&2 ||
-    die 1 "the fetched pictures differ from those on the camera."
+  expect_equal_files
   say "The fetched pictures are equal to the camera's, byte for byte."
+}
+
+expect_equal_files() {
+  local file count=0
+  while IFS= read -r -d '' file; do
+    cmp "$storage/$file" "$scratch/fetched/$file" >&2 || die 1 "the fetched pictures differ from those on the camera."
+    count=$((count + 1))
+  done < <(cd "$scratch/fetched" && find DCIM -type f -print0)
+  [ "$count" != 0 ] || die 1 "the stand-in fetched no picture."
 }
 
 stop_helper() {
@@ -159,4 +193,64 @@ stop_helper() {
   [ "$outcome" = 0 ] || die 1 "the helper ended with $outcome instead of 0: $(cat "$scratch/helper.log")"
   [ "$(wc -l <"$scratch/launched")" = 1 ] || die 1 "the application was started more than once."
   say "Ended the helper (SIGTERM); its exit code is 0."
+}
+
+# stay FOLDER: a bus and a camera that go on after this script, and what can be tried with them. FOLDER may be empty.
+stay() {
+  build_preset quick kelva kelva-vcam kelva-helper kelva-open draw-pictures
+  make_scratch
+  trap give_up_staying EXIT
+  prepare_storage "$1"
+  [ "$storage" = "$scratch/storage" ] || copy_card "$storage"
+  start_bus_that_stays
+  plug "$first" "It is there until you end the bus."
+  trap - EXIT
+  say_what_to_try
+}
+
+give_up_staying() {
+  [ ! -e "$scratch/bus.pid" ] || kill "$(cat "$scratch/bus.pid")" 2>/dev/null || true
+  rm -rf "$scratch"
+}
+
+# copy_card FOLDER: commands that delete shall not reach the pictures of the caller.
+copy_card() {
+  local needed free
+  needed=$(du -sk "$1/DCIM" | cut -f 1)
+  free=$(df -Pk "$scratch" | awk 'NR == 2 { print $4 }')
+  [ "$needed" -lt "$free" ] ||
+    die 1 "the copy of $1 needs $needed KiB, and ${scratch%/*} has $free KiB left; make room, or set TMPDIR to a folder with more."
+  storage="$scratch/storage"
+  mkdir "$storage"
+  cp -R "$1/DCIM" "$storage/" || die 1 "$1 cannot be copied; the reason is above."
+  say "Copied it to $storage, so that your own pictures stay whatever you try."
+}
+
+# The folder goes when the bus ends.
+start_bus_that_stays() {
+  # shellcheck disable=SC2016 # the words belong to the inner shell
+  setsid bash -c '"$1" serve --virtual "$2/bus" >"$2/bus.log" 2>&1 & echo $! >"$2/bus.pid"; wait; rm -rf "$2"' \
+    bus "$bin/kelva-vcam" "$scratch" </dev/null >/dev/null 2>&1 &
+  wait_for 10 "$bin/kelva-vcam" status --virtual "$socket" ||
+    die 1 "the bus of virtual cameras did not start: $(cat "$scratch/bus.log")"
+  say "Started a bus of virtual cameras (kelva-vcam serve); it goes on when this script has ended."
+}
+
+say_what_to_try() {
+  cat <<END
+
+Try, in this folder or any other:
+  export PATH="$bin:\$PATH"
+  kelva --virtual $socket list
+  kelva --virtual $socket sync ~/Pictures/kelva
+  kelva --virtual $socket pictures --sheet ~/Pictures/kelva/index.html
+  kelva-vcam unplug --virtual $socket --serial $first
+  kelva-vcam plug --virtual $socket --serial $second --storage $storage
+
+The launcher, with an application of your own (README.md says how to name it); plug a camera in while it runs:
+  kelva-helper --virtual $socket
+
+End the bus and remove its folder:
+  kill $(cat "$scratch/bus.pid")
+END
 }

@@ -1,24 +1,21 @@
 #!/usr/bin/env bash
-# Stands in for the desktop application in ./run: fetches every picture of the camera and says so.
-# Usage: stand-in.sh KELVA SOCKET SERIAL SCRATCH
+# Stands in for the desktop application in ./run: fetches the camera's pictures, at most 50, and says so.
+# Usage: stand-in.sh KELVA SOCKET SERIAL SCRATCH STORAGE
 set -uo pipefail
 kelva=$1
 socket=$2
 serial=$3
 scratch=$4
+storage=$5
 
 fetch_all() {
-  local folder picture
-  for folder in "$scratch"/storage/DCIM/*; do
-    folder=${folder#"$scratch/storage/"}
+  local file folder
+  while IFS= read -r -d '' file; do
+    folder=$(dirname "$file")
     mkdir -p "$scratch/fetched/$folder"
-    for picture in "$scratch/storage/$folder"/*; do
-      picture=$(basename "$picture")
-      "$kelva" get --virtual "$socket" --serial "$serial" --quiet --into "$scratch/fetched/$folder" "I:/$folder/$picture" ||
-        return
-      printf '  fetched %s (%s bytes) with kelva get\n' "$picture" "$(wc -c <"$scratch/fetched/$folder/$picture")"
-    done
-  done
+    "$kelva" get --virtual "$socket" --serial "$serial" --quiet --into "$scratch/fetched/$folder" "I:/$file" || return
+    printf '  fetched %s (%s bytes) with kelva get\n' "${file##*/}" "$(wc -c <"$scratch/fetched/$file")"
+  done < <(cd "$storage" && find DCIM -mindepth 2 -maxdepth 2 -type f -print0 | sort -z | head -z -n 50)
 }
 
 echo started >>"$scratch/launched"

@@ -50,6 +50,30 @@ in_demonstration demonstrate "$scratch_of_test/my pictures" || fail "with a fold
 expect_line "Took 1 pictures of $scratch_of_test/my pictures"
 expect_line "fetched IMG_0001.JPG ($(wc -c <"$scratch_of_test/my pictures/a holiday.jpeg") bytes)"
 
+# A card is taken as it is: its own names, whatever they end in, and nothing in it is touched. The name of its folder is hostile.
+# shellcheck disable=SC2016 # the dollar sign belongs to the name
+card="$scratch_of_test/"'a "card" of $HOME, 100 %'
+mkdir -p "$card/DCIM/103TRIPS" "$card/MISC"
+cp "$scratch_of_test/DCIM/100KELVA/IMG_0002.JPG" "$card/DCIM/103TRIPS/DSC_0107.JPG"
+echo "raw" >"$card/DCIM/103TRIPS/DSC_0107.RAW"
+contents() { (cd "$card" && find . -printf '%p %s %T@\n' | sort); }
+before=$(contents)
+in_demonstration need_pictures "$card" || fail "a card is refused: $(cat "$scratch_of_test/err")"
+in_demonstration demonstrate "$card" || fail "with a card: $(cat "$scratch_of_test/out" "$scratch_of_test/err")"
+expect_line "as it is, with 2 files"
+expect_line "fetched DSC_0107.RAW (4 bytes)"
+[ "$before" = "$(contents)" ] || fail "the card was changed: $(contents)"
+
+# What stays: a bus that other programs reach, over a copy, until it is ended; then nothing is left.
+in_demonstration stay "$card" || fail "--stay: $(cat "$scratch_of_test/out" "$scratch_of_test/err")"
+socket=$(sed -n 's/^  kelva --virtual \(.*\) list$/\1/p' "$scratch_of_test/out")
+"$build/bin/kelva" --virtual "$socket" list | grep -q KV-0001 || fail "no camera stays behind $socket"
+"$build/bin/kelva" --virtual "$socket" rm 'I:/DCIM/103TRIPS/DSC_0107.RAW' || fail "a file of the copy cannot be deleted"
+[ "$before" = "$(contents)" ] || fail "the card was changed through its copy: $(contents)"
+eval "$(sed -n 's/^  \(kill [0-9]*\)$/\1/p' "$scratch_of_test/out")"
+for _ in $(seq 200); do [ -e "$(dirname "$socket")" ] || break; sleep 0.05; done
+[ ! -e "$(dirname "$socket")" ] || fail "the folder of the bus stays when the bus has ended"
+
 mkdir "$scratch_of_test/empty"
 expect_refusal "there is no JPEG file" need_pictures "$scratch_of_test/empty"
 expect_refusal "there is no folder" absolute_folder "$scratch_of_test/missing"

@@ -93,6 +93,20 @@ expect 2 "needs one --serial SERIAL" unplug --virtual "$socket"
 expect 2 "needs one --serial SERIAL" unplug --virtual "$socket" --serial K100 K200
 expect 0 '"command":"plug","exit":0,"ok":true,"serial":"K100","storage":"'"$work"'/card"}' plug --json --virtual "$socket" --serial K100 --storage "$work/card"
 expect 0 '{"schema":1,"command":"unplug","exit":0,"ok":true,"serial":"K100"}' unplug --virtual "$socket" --serial K100 --json
+
+# Pictures that a camera would not find are named when their folder is plugged in; a camera's own folders are not.
+mkdir -p "$work/plain/more" "$work/good/DCIM/100ABCDE"
+: >"$work/plain/a.JPG"
+: >"$work/plain/more/b.jpeg"
+: >"$work/plain/more/notes.txt"
+: >"$work/good/DCIM/100ABCDE/IMG_0001.JPG"
+: >"$work/good/c.jpg"
+expect 0 "kelva-vcam: The camera has no picture: 2 JPEG files lie elsewhere in the folder" plug --virtual "$socket" --serial K1 --storage "$work/plain"
+expect 0 '{"schema":1,"event":"note","message":"The camera has no picture: 2 JPEG' plug --virtual "$socket" --serial K2 --storage "$work/plain" --json
+for plain in good card; do
+  expect 0 "Plugged in" plug --virtual "$socket" --serial "$plain" --storage "$work/$plain"
+  [ ! -s "$work/err" ] || fail "a note about $plain: $(cat "$work/err")"
+done
 stop TERM
 
 # A bus that died leaves a socket that nobody serves; the next one takes its place.

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "apps/commandline/Failure.h"
+#include "vcam/program/StorageNote.h"
 #include "vcam/program/Verbs.h"
 
 namespace vcam::program {
@@ -35,6 +36,7 @@ apps::ExitCode Plug(apps::Context& context) {
   request.revision = call.Value("revision").value_or("");
   request.catalogue = call.Value("catalogue").value_or("");
   AskBus(call, bus::Kind::kPlug, bus::Encode(request));
+  if (const std::string note = StorageNote(request.storage); !note.empty()) context.reporter.Note(note);
   apps::Json members = apps::Json::Object().Set("serial", request.serial);
   context.Result(std::move(members.SetBytes("storage", request.storage)),
                  "Plugged in " + request.serial + " with " + request.storage + ".\n");

@@ -9,6 +9,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "vcam/program/EndSignals.h"
+#include "vcam/program/StorageNote.h"
 #include "vcam/program/Verbs.h"
 #include "vcam/usbip/CableFaults.h"
 #include "vcam/usbip/CameraModel.h"
@@ -103,6 +104,7 @@ apps::ExitCode Usbip(apps::Context& context) {
   VirtualCamera camera(OptionsOf(call));
   usbip::CableFaults cable;
   for (const std::string& fault : call.Values("fault")) usbip::ArmByText(fault, camera, cable);
+  if (const std::string note = StorageNote(*call.Value("storage")); !note.empty()) context.reporter.Note(note);
   const auto model = usbip::ModelOf(camera, cable, speed);
   call.Has("attach") ? PlugIn(model, context, stop.Get()) : Offer(model, context, stop.Get());
   context.Result(About(model), "");
