@@ -1,14 +1,17 @@
-# What every room shares: language level, warnings, sanitizers, and the two functions that make a room and its tests.
+# What every room shares: language level, warnings, sanitizers, and the two functions that make a room and its tests. Where
+# this project is a part of another one's build, the variables below end with this folder.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+if(PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+endif()
 
 # ccache unless the user names a launcher, also an empty one, on the command line or in the environment.
-if(NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
+if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
   find_program(KELVA_CCACHE ccache)
   if(KELVA_CCACHE)
     # ccache caches nothing that uses a precompiled header unless it is told that times and macros in there do not matter.
@@ -17,7 +20,8 @@ if(NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
   endif()
 endif()
 
-find_package(Boost 1.74 REQUIRED)
+# Global, because Kelva::kelva names it to programs in other folders.
+find_package(Boost 1.74 REQUIRED GLOBAL)
 find_package(Threads REQUIRED)
 if(KELVA_BUILD_TESTS)
   find_package(GTest REQUIRED)
@@ -74,7 +78,7 @@ function(kelva_room target)
   target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS})
 endfunction()
 
-# kelva_program(TARGET SOURCES file... [APART file... | SEPARATE] LINKS target...): a program in ${CMAKE_BINARY_DIR}/bin.
+# kelva_program(TARGET SOURCES file... [APART file... | SEPARATE] LINKS target...): a program in ${PROJECT_BINARY_DIR}/bin.
 function(kelva_program target)
   cmake_parse_arguments(PROGRAM "SEPARATE" "" "SOURCES;APART;LINKS" ${ARGN})
   add_executable(${target} ${PROGRAM_SOURCES})
@@ -117,7 +121,7 @@ if(KELVA_BUILD_TESTS)
   kelva_warnings(test_headers)
   target_compile_options(test_headers PRIVATE ${kelva_test_options})
   target_link_libraries(test_headers PRIVATE GTest::gmock GTest::gtest)
-  set_target_properties(test_headers PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/test-bin")
+  set_target_properties(test_headers PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/test-bin")
   target_precompile_headers(test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>
     <algorithm> <array> <cstdint> <cstring> <filesystem> <fstream> <functional> <iterator> <map> <memory> <optional> <set>
     <span> <sstream> <stdexcept> <string> <string_view> <thread> <utility> <vector>)
@@ -139,7 +143,7 @@ function(kelva_test name)
   target_compile_options(${name} PRIVATE ${kelva_test_options})
   target_link_libraries(${name} PRIVATE ${TEST_LINKS} GTest::gmock GTest::gtest_main)
   target_precompile_headers(${name} REUSE_FROM test_headers)
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/test-bin")
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/test-bin")
   add_test(NAME ${name} COMMAND ${name})
   if(NOT TEST_TIMEOUT)
     set(TEST_TIMEOUT 120)

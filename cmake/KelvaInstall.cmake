@@ -6,53 +6,17 @@
 # and what starts it), DeviceRules (the udev rule) and Documentation (what none of the programs brings itself).
 include(CMakePackageConfigHelpers)
 
-set(kelva_rooms kelva_wifi kelva_usb_osx)
-set(kelva_system_libraries "")
-if(APPLE)
-  list(APPEND kelva_system_libraries "-framework IOKit" "-framework CoreFoundation")
-else()
-  list(APPEND kelva_rooms darwin_cf darwin_registry darwin_virtual darwin_udev darwin_sg)
-  list(APPEND kelva_system_libraries udev)
-endif()
-
-# In the tree each room is a target of its own; an embedding program sees one library.
-# (The target `kelva` is the command-line tool.)
-add_library(kelva_library)
-foreach(room IN LISTS kelva_rooms)
-  target_sources(kelva_library PRIVATE $<TARGET_OBJECTS:${room}>)
-endforeach()
-target_link_libraries(kelva_library PUBLIC Boost::headers PRIVATE ${kelva_system_libraries})
-target_include_directories(kelva_library INTERFACE
-  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
-  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/kelva>)
-if(NOT APPLE)
-  target_include_directories(kelva_library INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin>)
-endif()
-set_target_properties(kelva_library PROPERTIES
-  OUTPUT_NAME kelva EXPORT_NAME kelva LINKER_LANGUAGE CXX
-  VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-target_compile_features(kelva_library INTERFACE cxx_std_20)
-
 install(TARGETS kelva_library EXPORT KelvaTargets
   ARCHIVE COMPONENT Development
   LIBRARY COMPONENT Library NAMELINK_COMPONENT Development)
+if(TARGET kelva_vcam)
+  install(TARGETS kelva_vcam EXPORT KelvaTargets)
+endif()
 install(EXPORT KelvaTargets NAMESPACE Kelva:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva COMPONENT Development)
 
-# Headers that an embedding program includes; the rooms' inner headers stay in the tree.
-install(FILES
-  src/wifi/Camera.h src/wifi/CameraDirent.h src/wifi/CameraError.h src/wifi/DcfObj.h src/wifi/Sha1obj.h
-  src/wifi/VscCdb.h src/wifi/VscRecords.h src/usb/osx/OsxCamera.h src/usb/osx/OsxCameraError.h
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva COMPONENT Development)
-if(NOT APPLE)
-  install(DIRECTORY darwin/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin COMPONENT Development
-    FILES_MATCHING PATTERN "*.h")
-  # Where cameras come from is the embedding program's choice as well.
-  install(FILES darwin/registry/Registry.h darwin/registry/CameraEntries.h
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/registry COMPONENT Development)
-  install(FILES darwin/cf/EventLoop.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/cf COMPONENT Development)
-  install(FILES darwin/udev/UdevSource.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/udev COMPONENT Development)
-  install(FILES darwin/virtual/VirtualRegistry.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva/darwin/virtual COMPONENT Development)
-endif()
+foreach(header IN LISTS kelva_headers)
+  install(FILES "${header}" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelva COMPONENT Development)
+endforeach()
 
 configure_package_config_file(cmake/KelvaConfig.cmake.in "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfig.cmake"
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva)
@@ -60,18 +24,31 @@ write_basic_package_version_file("${CMAKE_CURRENT_BINARY_DIR}/KelvaConfigVersion
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfig.cmake" "${CMAKE_CURRENT_BINARY_DIR}/KelvaConfigVersion.cmake"
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelva COMPONENT Development)
 
-# pkg-config finds its folders from where the file itself lies, so the installed tree may be moved.
+# pkg-config finds its folders from where the file itself lies, so that the installed tree may be moved; but below /usr,
+# which nobody moves, by plain paths, which pkg-config then leaves out as the compiler's own. Which of the two is known at
+# installation. What libkelva itself needs is private: a program that links libkelva.a asks with --static.
+set(kelva_pc_requires "")
+set(kelva_pc_libraries "")
+if(APPLE)
+  list(JOIN kelva_system_libraries " " kelva_pc_libraries)
+else()
+  set(kelva_pc_requires libudev)
+endif()
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
   OUTPUT_VARIABLE kelva_prefix_from_pkgconfig)
-set(kelva_pc_libraries "")
-foreach(library IN LISTS kelva_system_libraries)
-  string(REGEX REPLACE "^([^-].*)$" "-l\\1" flag "${library}")
-  string(APPEND kelva_pc_libraries " ${flag}")
-endforeach()
-configure_file(cmake/kelva.pc.in "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" @ONLY)
-install(FILES "${CMAKE_CURRENT_BINARY_DIR}/kelva.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
+set(kelva_pc_prefix "\${pcfiledir}/${kelva_prefix_from_pkgconfig}")
+configure_file(cmake/kelva.pc.in "${CMAKE_CURRENT_BINARY_DIR}/pkgconfig/moved/kelva.pc" @ONLY)
+set(kelva_pc_prefix /usr)
+configure_file(cmake/kelva.pc.in "${CMAKE_CURRENT_BINARY_DIR}/pkgconfig/usr/kelva.pc" @ONLY)
+install(CODE "
+  set(place moved)
+  if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\")
+    set(place usr)
+  endif()
+  file(INSTALL \"${CMAKE_CURRENT_BINARY_DIR}/pkgconfig/\${place}/kelva.pc\"
+    DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig\")" COMPONENT Development)
 
-if(APPLE OR NOT KELVA_BUILD_PROGRAMS)
+if(APPLE OR NOT KELVA_BUILD_HELPER)
   return()  # the pages are those of the Linux agent
 endif()
 file(GLOB kelva_manuals CONFIGURE_DEPENDS docs/man/*.1 docs/man/*.8)

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "darwin/registry/Connection.h"
+#include "darwin/registry/DefaultSource.h"
 #include "darwin/registry/Notification.h"
 #include "darwin/registry/State.h"
 
@@ -121,6 +122,7 @@ Registry& Registry::Shared() {
 void Registry::SetSource(std::unique_ptr<RegistrySource> source) {
   const std::lock_guard lock(state_->sourceMutex);
   state_->source = std::move(source);
+  state_->named = true;
   state_->started = false;
   state_->failed = false;
   state_->error.clear();
@@ -129,6 +131,11 @@ void Registry::SetSource(std::unique_ptr<RegistrySource> source) {
 std::string Registry::LastSourceError() const {
   const std::lock_guard lock(state_->sourceMutex);
   return state_->error;
+}
+
+std::string Registry::WhyDeaf() const {
+  const std::lock_guard lock(state_->sourceMutex);
+  return IsWaitedFor(*state_) ? state_->source->WhyDeaf() : std::string();
 }
 
 EntryId Registry::Root() const {
@@ -187,6 +194,7 @@ void Registry::Terminate(EntryId id) {
 // Under sourceMutex alone: the source publishes during the call, which locks `mutex`.
 bool Registry::LookAgain() {
   const std::lock_guard lock(state_->sourceMutex);
+  if (!std::exchange(state_->named, true)) state_->source = DefaultSource();
   if (state_->source == nullptr) return true;
   AskSource(*this, *state_);
   NoteWhatIsWaitedFor(*state_);

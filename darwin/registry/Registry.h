@@ -46,7 +46,8 @@ using EntryId = std::uint64_t;
 
 class Registry;
 
-/// What fills the registry. Chosen by the program before its first look at the registry; there is no silent fallback.
+/// What fills the registry. Chosen by the program before its first look at the registry, or by the build
+/// (DefaultSource.h); there is no silent fallback.
 /// Never called by two threads at once.
 class RegistrySource {
  public:
@@ -62,6 +63,8 @@ class RegistrySource {
   /// Publishes and terminates what has changed. Never blocks. Called from the run loop, and before each enumeration.
   /// An exception makes that look fail, and run loops wait for the source again only after a call that succeeds.
   virtual void Dispatch(Registry& registry) = 0;
+  /// Why changes go unnoticed although no call fails, in one sentence; empty when they are noticed.
+  virtual std::string WhyDeaf() const { return {}; }
 };
 
 /// The process's I/O registry. Every operation may be called from any thread.
@@ -69,12 +72,14 @@ class Registry {
  public:
   static Registry& Shared();
 
-  /// Replaces the source; only before the first look at the registry.
+  /// Replaces the source, also the default one; only before the first look at the registry. Null names none.
   void SetSource(std::unique_ptr<RegistrySource> source);
 
   /// Why the source's latest call failed, in one sentence; empty when that call succeeded. An IOKit call that fails for
   /// this reason returns kIOReturnError.
   std::string LastSourceError() const;
+  /// What the source says of itself (RegistrySource::WhyDeaf) once it has started; empty without a source.
+  std::string WhyDeaf() const;
 
   EntryId Root() const;
   /// Adds an entry below `parent`. It is seen by parent walks and property reads, not by matching, until it is

@@ -21,6 +21,7 @@ class MessageQueue;
 struct Registry::State {
   std::mutex sourceMutex;
   std::unique_ptr<RegistrySource> source;
+  bool named = false;  // the program chose the source, or the default one was taken
   bool started = false;
   bool failed = false;  // its last call threw: run loops ignore it until a call succeeds
   std::string error;    // what its last failed call said; empty after one that succeeded

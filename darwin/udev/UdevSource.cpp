@@ -64,6 +64,7 @@ class UdevSource : public RegistrySource {
 
   int TimeoutMs() const override { return tracker_.TimeoutMs(); }
   void Dispatch(Registry&) override { tracker_.Dispatch(); }
+  std::string WhyDeaf() const override { return units_.WhyDeaf(); }
 
  private:
   // Said only to a program that waits for cameras: a single enumeration needs no monitor.

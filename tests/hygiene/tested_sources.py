@@ -2,7 +2,7 @@
 
 import repository
 
-ROOMS = ("src/", "base/", "wire/", "darwin/", "bus/", "apps/", "vcam/", "tools/")
+ROOMS = ("src/", "base/", "wire/", "darwin/", "bus/", "embed/", "apps/", "vcam/", "tools/")
 # A main without a decision in it is tested by the end-to-end tests.
 MAINS = ("main.cpp", "main.mm")
 # By what a source is tested instead; a source that gets a test of its own leaves the list.
@@ -20,6 +20,8 @@ ELSEWHERE = {
     "tests/umockdev": """
         darwin/sg/SgSystem.cpp darwin/udev/UdevSource.cpp darwin/udev/UdevUnitSource.cpp
         darwin/udev/UnitReader.cpp""",
+    # What an installed library does that names no source.
+    "tests/install": "darwin/registry/NoDefaultSource.cpp darwin/udev/DefaultSource.cpp embed/macos/CameraSource.cpp",
     "vcam/server/Bus_test.cpp": "vcam/server/BusRequests.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.
     "tests/vcam": """

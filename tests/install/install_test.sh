@@ -13,13 +13,20 @@ fail() {
   exit 1
 }
 
+# Cameras come from the machine when the program names no source, and from a bus when it names one.
 expect_consumer() {
   local said
-  said=$("$1") || fail "$1 ended with $?"
+  said=$("$1") || fail "$1 ended with $?: $said"
   case $said in
-    *"found "*", which does not open"*) ;;
+    *"source: "*) ;;
     *) fail "$1 said: $said" ;;
   esac
+  if [ ! -e /run/udev/control ] && [[ $said != *"No udev runs here"* ]]; then fail "$1 does not say that no udev runs: $said"; fi
+  said=$("$1" "$scratch/bus") || fail "$1 with a bus ended with $?: $said"
+  [ "$said" = "found Camera, which opens
+source: " ] || fail "$1 with a bus said: $said"
+  if "$1" "$scratch/nobody" >"$scratch/said"; then fail "$1 has a bus that nobody serves"; fi
+  grep -q "^error: .*$scratch/nobody" "$scratch/said" || fail "$1 without a bus said: $(cat "$scratch/said")"
 }
 
 cmake --install "$build" --prefix "$scratch/installed" >"$scratch/install.log" || fail "cmake --install: $(cat "$scratch/install.log")"
@@ -30,8 +37,7 @@ left=$(find "$scratch/unnamed" ! -type d 2>/dev/null || true)
 # Moved, so that a path of the build or of the first place would show.
 mv "$scratch/installed" "$scratch/moved"
 
-for file in include/kelva/Camera.h include/kelva/OsxCamera.h include/kelva/darwin/IOKit/IOKitLib.h \
-  include/kelva/darwin/CoreFoundation/CoreFoundation.h bin/kelva bin/kelva-vcam bin/kelva-helper; do
+for file in include/kelva/Camera.h include/kelva/CameraSource.h bin/kelva bin/kelva-vcam bin/kelva-helper; do
   [ -f "$scratch/moved/$file" ] || fail "$file was not installed"
 done
 for program in kelva kelva-vcam; do
@@ -44,6 +50,20 @@ for program in kelva kelva-vcam kelva-helper; do
   "$scratch/moved/bin/$program" --version >/dev/null || fail "the installed $program does not start"
 done
 
+for header in OsxCamera.h IOKitLib.h CoreFoundation.h; do
+  found=$(find "$scratch/moved" -name "$header")
+  [ -z "$found" ] || fail "$found was installed, and is the inside of the library"
+done
+"$scratch/moved/bin/kelva-vcam" serve --virtual "$scratch/bus" >"$scratch/serve.log" &
+bus=$!
+trap 'kill $bus; rm -rf "$scratch"' EXIT
+mkdir "$scratch/card"
+until [ -S "$scratch/bus" ]; do
+  kill -0 $bus || fail "kelva-vcam serve ended: $(cat "$scratch/serve.log")"
+  sleep 0.05
+done
+"$scratch/moved/bin/kelva-vcam" plug --virtual "$scratch/bus" --serial KV-0001 --storage "$scratch/card" >/dev/null
+
 cmake -S "$here/consumer" -B "$scratch/consumer" -DCMAKE_PREFIX_PATH="$scratch/moved" -DCMAKE_CXX_COMPILER="$compiler" \
   >"$scratch/configure.log" || fail "find_package(Kelva): $(cat "$scratch/configure.log")"
 cmake --build "$scratch/consumer" >"$scratch/build.log" || fail "building with CMake: $(cat "$scratch/build.log")"
@@ -51,7 +71,8 @@ expect_consumer "$scratch/consumer/consumer"
 
 pc=$(find "$scratch/moved" -name kelva.pc)
 [ -n "$pc" ] || fail "kelva.pc was not installed"
-flags=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --cflags --libs kelva)
+# --static: what is installed here is libkelva.a.
+flags=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --static --cflags --libs kelva)
 # shellcheck disable=SC2086 # the flags are several words
 "$compiler" -std=c++20 "$here/consumer/main.cpp" -o "$scratch/with-pkg-config" $flags
 expect_consumer "$scratch/with-pkg-config"

@@ -16,7 +16,7 @@ PROJECT = pathlib.Path()
 COMPILER = ""
 DOCUMENT = pathlib.Path()
 
-FOLDERS = ("src/wifi", "src/usb/osx")
+FOLDERS = ("src/wifi", "src/usb/osx", "embed/macos")
 INCLUDES = ["-I.", "-Isrc", "-Isrc/wifi", "-Isrc/usb/osx", "-Idarwin/include"]
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Werror"]
 SYSTEMS = ("11.0", "12.0", "13.0", "14.0", "15.0")
@@ -32,7 +32,7 @@ FRAMEWORK_SYMBOL = re.compile(r"_*(IO[A-Z]|CF[A-Z]|kIO|kCF|mach_|NS[A-Z])\w*")
 
 
 def sources():
-    """The library: every .cpp of its two folders that is not a test."""
+    """The library: every .cpp of its folders that is not a test."""
     found = [path for folder in FOLDERS for path in sorted((PROJECT / folder).glob("*.cpp"))]
     return [path for path in found if not path.name.endswith("_test.cpp")]
 

@@ -1,19 +1,22 @@
-// Embeds the installed library on Linux: lists this machine's cameras, then one that the program itself plugs in.
+// A program of someone else's: lists this machine's cameras, or with a path those of a bus of virtual cameras.
 #include <kelva/Camera.h>
-#include <kelva/OsxCamera.h>
-#include <kelva/darwin/udev/UdevSource.h>
-#include <kelva/darwin/virtual/VirtualRegistry.h>
+#include <kelva/CameraSource.h>
+#include <kelva/VirtualBus.h>
 
+#include <exception>
 #include <iostream>
 
-int main() {
-  darwin::Registry::Shared().SetSource(darwin::MakeUdevSource());
-  const auto cameras = Camera::EnumerateCameras(false, "", false, 0);
-  std::cout << "cameras of this machine: " << cameras.size() << "\n";
-
-  darwin::VirtualRegistry registry;
-  registry.AttachCamera({"KV-0001", "Kelva", "Camera", "1.00", 3, nullptr});
-  const auto camera = Camera::GetCamera("KV-0001", "", false, false);
-  std::cout << "found " << camera->Name() << ", which " << (camera->Open() ? "opens" : "does not open") << "\n";
+int main(int argc, char** argv) {
+  try {
+    if (argc > 1) kelva::UseVirtualBus(argv[1]);
+    Camera::ListenForCameraAttach([](boost::shared_ptr<Camera>, void*) {}, nullptr, false);
+    for (const auto& camera : Camera::EnumerateCameras(false, "", false, 0)) {
+      std::cout << "found " << camera->Name() << ", which " << (camera->Open() ? "opens" : "does not open") << "\n";
+    }
+    std::cout << "source: " << kelva::LastSourceError() << "\n";
+  } catch (const std::exception& error) {
+    std::cout << "error: " << error.what() << "\n";
+    return 1;
+  }
   return 0;
 }
