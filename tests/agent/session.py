@@ -69,8 +69,9 @@ class Agent:
 class Session:
     """A folder that holds all that a session has; ends what it started."""
 
-    def __init__(self, programs):
+    def __init__(self, programs, helper=None):
         self.programs = pathlib.Path(programs)
+        self.helper = helper or self.programs / "kelva-helper"
         self.scratch = tempfile.TemporaryDirectory(prefix="kelva-agent-")
         self.folder = pathlib.Path(self.scratch.name)
         for name in ("data/applications", "run", "card/DCIM"):
@@ -127,7 +128,7 @@ class Session:
     def start_agent(self, *arguments, **environment):
         """An agent that watches the virtual bus, or what the arguments say."""
         arguments = arguments or ("--virtual", self.socket)
-        agent = Agent(self.programs / "kelva-helper", arguments, {**self.environment, **environment})
+        agent = Agent(self.helper, arguments, {**self.environment, **environment})
         self.agents.append(agent)
         return agent
 
