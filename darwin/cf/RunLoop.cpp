@@ -11,6 +11,7 @@
 #include <limits>
 #include <set>
 
+#include "base/FirstException.h"
 #include "darwin/cf/EventLoop.h"
 #include "darwin/cf/String.h"
 
@@ -52,9 +53,14 @@ std::vector<int> DescriptorsOf(const std::vector<SourceRef>& sources) {
   return descriptors;
 }
 
+/// A source that throws keeps no other from its turn.
 bool PerformAll(const std::vector<SourceRef>& sources) {
   bool handled = false;
-  for (const SourceRef& source : sources) handled = (source->IsValid() && source->Perform()) || handled;
+  base::FirstException exceptions;
+  for (const SourceRef& source : sources) {
+    exceptions.Try([&] { handled = (source->IsValid() && source->Perform()) || handled; });
+  }
+  exceptions.Rethrow();
   return handled;
 }
 

@@ -4,6 +4,7 @@
 #include <sys/eventfd.h>
 
 #include <functional>
+#include <stdexcept>
 #include <utility>
 
 namespace darwin::cf {
@@ -74,6 +75,14 @@ TEST(RunLoop, ASourceMayInvalidateItselfAndTheNext) {
   EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunFinished);
   EXPECT_EQ(first->performed, 1);
   EXPECT_EQ(second->performed, 0);
+}
+
+TEST(RunLoop, ASourceThatThrowsKeepsNoOtherFromItsTurn) {
+  const Joined<Counter> first;
+  const Joined<Counter> second;
+  first->onPerform = [] { throw std::runtime_error("thrown by a source"); };
+  EXPECT_THROW(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false), std::runtime_error);
+  EXPECT_EQ(second->performed, 1);
 }
 
 TEST(RunLoop, ACallbackMayRunTheLoop) {

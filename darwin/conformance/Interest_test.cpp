@@ -45,6 +45,8 @@ class Interest : public RegistryTest {
     return Object(number);
   }
 
+  IONotificationPortRef ThePort() const { return port_->Get(); }
+
  private:
   std::unique_ptr<Port> port_ = std::make_unique<Port>();
 };
@@ -144,6 +146,21 @@ TEST_F(Interest, AReleasedRegistrationHearsNothing) {
   watch = Object();
   RunPending();
   EXPECT_THAT(witness.types, IsEmpty());
+}
+
+TEST_F(Interest, ACallbackMayReleaseItsOwnRegistration) {
+  const int camera = Plug();
+  const Object service = FindOne(kDriver);
+  Object watch;
+  const auto release = [](void* own, io_service_t, uint32_t, void*) { *static_cast<Object*>(own) = Object(); };
+  io_object_t number = 0;
+  ASSERT_EQ(IOServiceAddInterestNotification(ThePort(), service.Number(), kIOGeneralInterest, release, &watch, &number),
+            kIOReturnSuccess);
+  watch = Object(number);
+  TheMachine().Announce(camera, kPowerMessage);
+  Unplug(camera);
+  RunPending();
+  EXPECT_FALSE(watch);
 }
 
 TEST_F(Interest, EachRegistrationHearsForItself) {

@@ -1,5 +1,7 @@
 // IOServiceAddMatchingNotification: what is handed out, in which order, and when somebody is told.
 
+#include <functional>
+
 #include "darwin/conformance/RegistryTest.h"
 
 namespace conformance {
@@ -248,6 +250,48 @@ TEST_F(MatchNotification, ACallbackMayReleaseItsOwnIterator) {
   Plug();
   RunPending();
   EXPECT_EQ(IOObjectRelease(number), KERN_INVALID_NAME);
+}
+
+TEST_F(MatchNotification, ACallbackMayReleaseItsIteratorAndDestroyItsPort) {
+  struct Owner {
+    std::function<void()> destroyPort;
+    Object iterator = {};
+    int calls = 0;
+    static void OnMatch(void* self, io_iterator_t) {
+      auto& owner = *static_cast<Owner*>(self);
+      ++owner.calls;
+      owner.iterator = Object();
+      owner.destroyPort();
+    }
+  };
+  Owner owner{[this] { DestroyPort(); }};
+  io_iterator_t number = 0;
+  IOServiceAddMatchingNotification(ThePort(), kIOFirstMatchNotification, IOServiceMatching(kDriver), Owner::OnMatch,
+                                   &owner, &number);
+  owner.iterator = Object(number);
+  Drain(owner.iterator);
+  Plug();
+  RunPending();
+  Plug();
+  RunPending();
+  EXPECT_EQ(owner.calls, 1);
+}
+
+TEST_F(MatchNotification, EachPortIsToldForItself) {
+  const Port second;
+  Listener here;
+  Listener there;
+  const Object iterator = Listen(here);
+  io_iterator_t number = 0;
+  IOServiceAddMatchingNotification(second.Get(), kIOFirstMatchNotification, IOServiceMatching(kDriver),
+                                   Listener::OnMatch, &there, &number);
+  const Object other(number);
+  Drain(iterator);
+  Drain(other);
+  Plug({.serial = "K1"});
+  RunPending();
+  EXPECT_THAT(here.serials, ElementsAre("K1"));
+  EXPECT_THAT(there.serials, ElementsAre("K1"));
 }
 
 TEST_F(MatchNotification, ADestroyedPortDeliversNothing) {

@@ -7,6 +7,7 @@
 #include <exception>
 #include <string>
 
+#include "base/FirstException.h"
 #include "darwin/registry/State.h"
 
 namespace darwin {
@@ -44,16 +45,19 @@ class PortSource final : public cf::RunLoopSource {
 
   int TimeoutMs() const override { return Registry::Shared().SourceTimeoutMs(); }
 
-  /// Delivers the messages that are waiting now; what a callback causes waits for the next round.
+  /// Delivers the messages that are waiting now; what a callback causes waits for the next round. A callback that
+  /// throws keeps no other from its message.
   bool Perform() override {
     LookAgain();
     std::size_t waiting = Waiting();
     const bool handled = waiting != 0;
+    base::FirstException exceptions;
     // A callback may destroy the port.
     for (; waiting != 0 && IsValid(); --waiting) {
-      if (const std::unique_ptr<Message> message = Next()) message->Deliver();
+      if (const std::unique_ptr<Message> message = Next()) exceptions.Try([&] { message->Deliver(); });
     }
     Waiting();
+    exceptions.Rethrow();
     return handled;
   }
 
