@@ -4,17 +4,11 @@
 #include "LossInProgress.h"
 #include "OsxCamera.h"
 #include "OsxCameraError.h"
+#include "Services.h"
 #include "wire/RegistryNames.h"
 
 using kelva::CfRef;
 using kelva::IoObject;
-
-namespace {
-
-// kIOMessageServiceIsTerminated. Its header, IOKit/IOMessage.h, is not needed for anything else here.
-constexpr unsigned int kServiceIsTerminated = 0xE0000010;
-
-}  // namespace
 
 void OsxCamera::ListenForCameraLost(void (*callback)(void*), void* context) {
   if (notification_ == 0) {
@@ -32,7 +26,7 @@ void OsxCamera::ListenForCameraLost(void (*callback)(void*), void* context) {
 }
 
 void OsxCamera::CameraMessage(void* camera, unsigned int, unsigned int messageType, void*) {
-  if (messageType != kServiceIsTerminated) return;
+  if (messageType != kelva::kServiceIsTerminated) return;
   auto* self = static_cast<OsxCamera*>(camera);
   const kelva::LossInProgress loss(self);
   if (self->lostCb_ != nullptr) self->lostCb_(self->lostContext_);

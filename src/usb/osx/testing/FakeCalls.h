@@ -33,6 +33,24 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef alloc, const char* cStr, CF
   return reinterpret_cast<CFStringRef>(fake::Get().NewObject(cStr));
 }
 
+CFTypeID CFStringGetTypeID(void) {
+  return 7;
+}
+
+// Whatever a property holds here is a string.
+CFTypeID CFGetTypeID(CFTypeRef cf) {
+  fake::AsObject(cf, "CFGetTypeID");
+  return CFStringGetTypeID();
+}
+
+Boolean CFStringGetCString(CFStringRef theString, char* buffer, CFIndex bufferSize, CFStringEncoding encoding) {
+  EXPECT_EQ(encoding, kCFStringEncodingMacRoman);
+  const std::string& text = fake::AsObject(theString, "CFStringGetCString")->text;
+  if (text.size() >= static_cast<std::size_t>(bufferSize)) return 0;
+  std::memcpy(buffer, text.c_str(), text.size() + 1);
+  return 1;
+}
+
 CFStringRef __CFStringMakeConstantString(const char* cStr) {
   return reinterpret_cast<CFStringRef>(fake::Constant(cStr));
 }
@@ -107,6 +125,12 @@ IONotificationPortRef IONotificationPortCreate(mach_port_t mainPort) {
   if (fake::Get().refusesPort) return nullptr;
   ++fake::Get().ports;
   return reinterpret_cast<IONotificationPortRef>(fake::Constant("port"));
+}
+
+void IONotificationPortDestroy(IONotificationPortRef notify) {
+  fake::AsObject(notify, "IONotificationPortDestroy");
+  fake::Get().Log("DestroyPort");
+  --fake::Get().ports;
 }
 
 CFRunLoopSourceRef IONotificationPortGetRunLoopSource(IONotificationPortRef notify) {
