@@ -6,7 +6,7 @@ set(kelva_rooms kelva_wifi kelva_usb_osx kelva_embed)
 set(kelva_headers
   src/wifi/Camera.h src/wifi/CameraDirent.h src/wifi/CameraError.h src/wifi/DcfObj.h src/wifi/Sha1obj.h
   src/wifi/VscCdb.h src/wifi/VscRecords.h
-  src/usb/osx/Listener.h embed/CameraSource.h)
+  src/usb/osx/Listener.h embed/CameraSource.h embed/EventLoop.h)
 if(APPLE)
   list(APPEND kelva_headers src/usb/osx/OsxCamera.h src/usb/osx/OsxCameraError.h)
   set(kelva_system_libraries "-framework IOKit" "-framework CoreFoundation")

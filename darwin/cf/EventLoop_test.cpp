@@ -5,6 +5,7 @@
 #include <sys/eventfd.h>
 
 #include <memory>
+#include <stdexcept>
 #include <thread>
 
 #include "base/FileDescriptor.h"
@@ -35,12 +36,14 @@ class Bell {
 
   void Ring() { ::eventfd_write(descriptor_.Get(), 1); }
   int Answered() const { return answered_; }
+  bool throws = false;
 
  private:
   void Answer() {
     eventfd_t count = 0;
     ::eventfd_read(descriptor_.Get(), &count);
     ++answered_;
+    if (throws) throw std::runtime_error("thrown by a source");
   }
 
   base::FileDescriptor descriptor_;
@@ -95,6 +98,19 @@ TEST(EventLoop, ASourceAddedLaterIsWatchedToo) {
   EXPECT_TRUE(IsReadable(descriptor));
   DispatchEvents();
   EXPECT_EQ(late.Answered(), 1);
+}
+
+TEST(EventLoop, ASourceIsWatchedAlthoughTheRoundThatTookItInThrew) {
+  const int descriptor = EventDescriptor();
+  DispatchEvents();
+  Bell bell;
+  Bell thrower;
+  thrower.throws = true;
+  thrower.Ring();
+  EXPECT_THROW(DispatchEvents(), std::runtime_error);
+  EXPECT_FALSE(IsReadable(descriptor));
+  bell.Ring();
+  EXPECT_TRUE(IsReadable(descriptor));
 }
 
 TEST(EventLoop, ASourceThatLeftIsNotWatched) {

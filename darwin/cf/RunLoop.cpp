@@ -54,13 +54,11 @@ std::vector<int> DescriptorsOf(const std::vector<SourceRef>& sources) {
 }
 
 /// A source that throws keeps no other from its turn.
-bool PerformAll(const std::vector<SourceRef>& sources) {
+bool PerformAll(const std::vector<SourceRef>& sources, base::FirstException& exceptions) {
   bool handled = false;
-  base::FirstException exceptions;
   for (const SourceRef& source : sources) {
     exceptions.Try([&] { handled = (source->IsValid() && source->Perform()) || handled; });
   }
-  exceptions.Rethrow();
   return handled;
 }
 
@@ -158,8 +156,10 @@ CFRunLoopRunResult RunLoop::Run(const std::string& mode, CFTimeInterval seconds,
     // A copy with references: a source may add or remove sources, or itself, while it performs.
     const std::vector<SourceRef> sources = SourcesOf(mode);
     if (sources.empty()) return kCFRunLoopRunFinished;
-    const bool handled = !run.stopped && PerformAll(sources);
+    base::FirstException exceptions;
+    const bool handled = !run.stopped && PerformAll(sources, exceptions);
     if (watch_ != nullptr) UpdateWatch();
+    exceptions.Rethrow();
     if (run.stopped) return kCFRunLoopRunStopped;
     if (handled && returnAfterSourceHandled) return kCFRunLoopRunHandledSource;
     const int left = MillisecondsUntil(deadline);

@@ -17,6 +17,8 @@ COMPILER = ""
 DOCUMENT = pathlib.Path()
 
 FOLDERS = ("src/wifi", "src/usb/osx", "embed/macos")
+# What a Mac compiles of a folder whose other files it does not.
+SINGLE_FILES = ("embed/EventLoop.cpp",)
 INCLUDES = ["-I.", "-Isrc", "-Isrc/wifi", "-Isrc/usb/osx", "-Idarwin/include"]
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Werror"]
 SYSTEMS = ("11.0", "12.0", "13.0", "14.0", "15.0")
@@ -34,6 +36,7 @@ FRAMEWORK_SYMBOL = re.compile(r"_*(IO[A-Z]|CF[A-Z]|kIO|kCF|mach_|NS[A-Z])\w*")
 def sources():
     """The library: every .cpp of its folders that is not a test."""
     found = [path for folder in FOLDERS for path in sorted((PROJECT / folder).glob("*.cpp"))]
+    found += [PROJECT / path for path in SINGLE_FILES]
     return [path for path in found if not path.name.endswith("_test.cpp")]
 
 
