@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "apps/files/FileCalls.h"
 #include "apps/files/NewFile.h"
 
 namespace apps {
@@ -36,7 +37,7 @@ int RemoveLeftovers(const TargetFolder& folder) {
   for (const std::string& name : TemporaryNames(folder)) {
     // A lock that can be had shows that no process writes the file. It is held until the name is gone, so that a process
     // which has only just created the file learns of it.
-    const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+    const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_NONBLOCK));
     if (!file || ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0) continue;
     if (::unlinkat(folder.Fd(), name.c_str(), 0) == 0) ++removed;
   }

@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/random.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,8 +13,8 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Output.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/FileCalls.h"
 #include "base/Hex.h"
-#include "base/SendAll.h"
 
 namespace apps {
 namespace {
@@ -36,35 +35,6 @@ std::string TemporaryName() {
          std::string(kTemporaryEnd);
 }
 
-// For file systems without RENAME_NOREPLACE: a second name that fails when it exists, then the first one goes.
-int LinkAndUnlink(int folder, const char* from, const char* to) {
-  if (::linkat(folder, from, folder, to, 0) != 0) return errno;
-  return ::unlinkat(folder, from, 0) == 0 ? 0 : errno;
-}
-
-// Last resort where there are no hard links either (some network and memory-card file systems).
-int LookAndRename(int folder, const char* from, const char* to) {
-  if (::faccessat(folder, to, F_OK, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
-  return ::renameat(folder, from, folder, to) == 0 ? 0 : errno;
-}
-
-// 0 or errno; EEXIST when the name is taken.
-int RenameWithoutReplacing(int folder, const char* from, const char* to) {
-  if (::renameat2(folder, from, folder, to, RENAME_NOREPLACE) == 0) return 0;
-  if (errno != EINVAL && errno != ENOSYS) return errno;
-  const int error = LinkAndUnlink(folder, from, to);
-  if (error != EPERM && error != EOPNOTSUPP && error != ENOSYS) return error;
-  return LookAndRename(folder, from, to);
-}
-
-// Locks a newborn file, so that RemoveLeftovers knows that it is in use. A sweep may look at the file before that: it then
-// holds the lock, or has unlinked the file already. A file system without locks is never swept.
-bool Claim(int file) {
-  if (::flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
-  struct stat status {};
-  return ::fstat(file, &status) != 0 || status.st_nlink > 0;
-}
-
 }  // namespace
 
 NewFile::NewFile(const TargetFolder& folder) : folder_(folder) {
@@ -73,9 +43,9 @@ NewFile::NewFile(const TargetFolder& folder) : folder_(folder) {
     // A new name each time: the sweep that took the last one may unlink that name only now.
     temporary_ = TemporaryName();
     record_.emplace(folder.Fd(), temporary_);
-    file_ = base::FileDescriptor(OpenBeneath(folder.Fd(), temporary_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (!file_) throw SystemFailure("create a file in " + Printable(folder.Path()), errno);
-    if (Claim(file_.Get())) return;
+    file_ = base::FileDescriptor(FileCalls::Current().Create(folder.Fd(), temporary_));
+    if (!file_ && errno != EINTR) throw SystemFailure("create a file in " + Printable(folder.Path()), errno);
+    if (file_ && Claim()) return;
     ::unlinkat(folder.Fd(), temporary_.c_str(), 0);
   }
   throw SystemFailure("lock a file in " + Printable(folder.Path()), EBUSY);
@@ -85,37 +55,48 @@ NewFile::~NewFile() {
   if (!named_) ::unlinkat(folder_.Fd(), temporary_.c_str(), 0);
 }
 
+// Locks a newborn file, so that RemoveLeftovers knows that it is in use. A sweep may look at the file before that: it then
+// holds the lock, or has taken the name away already. A file system without locks is never swept.
+bool NewFile::Claim() const {
+  if (::flock(file_.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+  // The name and not the number of links: some file systems go on to count a link of a file that has lost its name.
+  return folder_.Has(temporary_);
+}
+
 void NewFile::Write(std::span<const char> bytes) {
-  const int error = base::WriteAll(file_.Get(), std::string_view(bytes.data(), bytes.size()));
-  if (error != 0) throw SystemFailure("write into " + Printable(folder_.Path()), error);
+  std::string_view rest(bytes.data(), bytes.size());
+  while (!rest.empty()) {
+    const ssize_t written = UntilDone([&] { return FileCalls::Current().Write(file_.Get(), rest); });
+    if (written < 0) throw SystemFailure("write into " + Printable(folder_.Path()), errno);
+    rest.remove_prefix(static_cast<std::size_t>(written));
+  }
 }
 
 void NewFile::BeginFlush() noexcept {
-  ::sync_file_range(file_.Get(), 0, 0, SYNC_FILE_RANGE_WRITE);
+  FileCalls::Current().BeginFlush(file_.Get());
 }
 
 void NewFile::Flush() {
-  if (::fdatasync(file_.Get()) != 0) throw SystemFailure("flush a file in " + Printable(folder_.Path()), errno);
+  if (UntilDone([this] { return FileCalls::Current().Flush(file_.Get()); }) == 0) return;
+  throw SystemFailure("flush a file in " + Printable(folder_.Path()), errno);
 }
 
 bool NewFile::TakeName(const std::string& name) {
-  const int error = RenameWithoutReplacing(folder_.Fd(), temporary_.c_str(), name.c_str());
-  if (error == EEXIST) return false;
-  if (error != 0) throw SystemFailure("name a file " + Printable(folder_.PathOf(name)), error);
-  Named();
-  return true;
+  return Rename(name, false);
 }
 
 void NewFile::ReplaceName(const std::string& name) {
-  if (::renameat(folder_.Fd(), temporary_.c_str(), folder_.Fd(), name.c_str()) != 0) {
-    throw SystemFailure("name a file " + Printable(folder_.PathOf(name)), errno);
-  }
-  Named();
+  Rename(name, true);
 }
 
-void NewFile::Named() {
+bool NewFile::Rename(const std::string& name, bool replace) {
+  FileCalls& calls = FileCalls::Current();
+  const int result = UntilDone([&] { return calls.Rename(folder_.Fd(), temporary_, name, replace); });
+  if (result != 0 && errno == EEXIST && !replace) return false;
+  if (result != 0) throw SystemFailure("name a file " + Printable(folder_.PathOf(name)), errno);
   named_ = true;
   record_->Forget();
+  return true;
 }
 
 }  // namespace apps

@@ -39,7 +39,8 @@ class NewFile {
   void ReplaceName(const std::string& name);
 
  private:
-  void Named();
+  bool Claim() const;
+  bool Rename(const std::string& name, bool replace);
 
   const TargetFolder& folder_;
   std::string temporary_;

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "apps/commandline/Failure.h"
+#include "apps/files/testing/RecordingCalls.h"
 #include "base/testing/ScratchFolder.h"
 
 namespace apps {
@@ -80,6 +81,83 @@ TEST_F(NewFileTest, ReplacingIsAChoice) {
   file.Write(std::string("new"));
   file.ReplaceName("A");
   EXPECT_EQ(Text("A"), "new");
+}
+
+TEST_F(NewFileTest, AWriteThatTakesAFewBytesIsContinued) {
+  RecordingCalls calls(path_);
+  calls.WriteAtMost(3);
+  NewFile file(*folder_);
+  file.Write(std::string("whole file"));
+  EXPECT_TRUE(file.TakeName("A"));
+  EXPECT_EQ(Text("A"), "whole file");
+}
+
+TEST_F(NewFileTest, ASignalInAnyCallChangesNothing) {
+  RecordingCalls calls(path_);
+  for (int nth = 1; nth <= 4; ++nth) {
+    calls.FailAt(nth, EINTR);
+    NewFile file(*folder_);
+    file.Write(std::string("whole"));
+    file.Flush();
+    EXPECT_TRUE(file.TakeName(std::to_string(nth)));
+    EXPECT_TRUE(calls.HasFailed());
+    EXPECT_EQ(Text(std::to_string(nth)), "whole");
+  }
+  EXPECT_EQ(Names().size(), 4U);
+}
+
+TEST_F(NewFileTest, AFailureOfAnyCallIsSaidAndLeavesNothing) {
+  RecordingCalls calls(path_);
+  for (const int error : {EIO, ENOSPC, EDQUOT, EROFS, EACCES}) {
+    for (int nth = 1; nth <= 4; ++nth) {
+      calls.FailAt(nth, error);
+      try {
+        NewFile file(*folder_);
+        file.Write(std::string("whole"));
+        file.Flush();
+        file.TakeName("A");
+        FAIL();
+      } catch (const Failure& failure) {
+        EXPECT_EQ(failure.SystemError(), error);
+      }
+      EXPECT_THAT(Names(), IsEmpty());
+    }
+  }
+}
+
+// Stands for a sweep that comes between the making of a file and its lock.
+class SweepingCalls : public SystemCalls {
+ public:
+  explicit SweepingCalls(int sweeps) : left_(sweeps), before_(Replace(*this)) {}
+  ~SweepingCalls() override { Replace(before_); }
+
+  int Create(int folder, const std::string& name) override {
+    const int file = SystemCalls::Create(folder, name);
+    if (left_-- > 0) ::unlinkat(folder, name.c_str(), 0);
+    return file;
+  }
+
+ private:
+  int left_;
+  FileCalls& before_;
+};
+
+TEST_F(NewFileTest, AFileThatASweepTookBeforeItsLockIsMadeAnew) {
+  const SweepingCalls sweep(3);
+  NewFile file(*folder_);
+  file.Write(std::string("whole"));
+  EXPECT_TRUE(file.TakeName("A"));
+  EXPECT_EQ(Text("A"), "whole");
+}
+
+TEST_F(NewFileTest, SweepsWithoutEndAreAFailureInWords) {
+  const SweepingCalls sweep(1 << 30);
+  try {
+    const NewFile file(*folder_);
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_THAT(failure.what(), testing::StartsWith("Cannot lock a file in "));
+  }
 }
 
 }  // namespace

@@ -7,18 +7,19 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/FileCalls.h"
 #include "apps/files/Sha1.h"
 
 namespace apps {
 namespace {
 
 bool HoldsTheSame(const TargetFolder& folder, const std::string& name, std::size_t size, const std::string& sha1) {
-  const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW, 0));
+  const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_NONBLOCK));
   struct stat status {};
   if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   if (static_cast<std::size_t>(status.st_size) != size || Sha1OfFile(file.Get()) != sha1) return false;
   // Flushed here, because its writer may not have done so, and the camera's file may be deleted once this one exists.
-  return ::fsync(file.Get()) == 0;
+  return UntilDone([&] { return FileCalls::Current().Flush(file.Get()); }) == 0;
 }
 
 }  // namespace
@@ -51,8 +52,8 @@ void StoreReplacing(const TargetFolder& folder, const std::string& name, std::sp
 }
 
 BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
-                       const std::string& sha1, int first)
-    : folder_(folder), name_(name), number_(first), last_(first + 10'000) {
+                       const std::string& sha1, int first, int most)
+    : folder_(folder), name_(name), number_(first), last_(first + most) {
   // Files that are there already are looked at before anything is written.
   for (; number_ <= last_ && folder_.Has(Numbered(name_, number_)); ++number_) {
     isThere_ = HoldsTheSame(folder_, Numbered(name_, number_), bytes.size(), sha1);

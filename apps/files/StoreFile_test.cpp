@@ -11,12 +11,14 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/files/Sha1.h"
+#include "apps/files/testing/RecordingCalls.h"
 #include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ElementsAre;
 
 class StoreFileTest : public testing::Test {
  protected:
@@ -83,6 +85,46 @@ TEST_F(StoreFileTest, StoringNewRefusesATakenNameAndReplacingDoesNot) {
   EXPECT_EQ(Text("A"), "one");
   StoreReplacing(*folder_, "A", std::string("two"));
   EXPECT_EQ(Text("A"), "two");
+}
+
+TEST_F(StoreFileTest, TheBytesAreOnDiskBeforeTheNameAndTheNameBeforeTheEnd) {
+  const RecordingCalls calls(path_);
+  StoreNew(*folder_, "A", std::string("one"));
+  EXPECT_THAT(calls.Log(), ElementsAre("create *.part", "write *.part", "flush *.part", "rename A", "flush folder ."));
+}
+
+TEST_F(StoreFileTest, ReplacingKeepsTheSameOrder) {
+  const RecordingCalls calls(path_);
+  StoreReplacing(*folder_, "A", std::string("one"));
+  EXPECT_THAT(calls.Log(), ElementsAre("create *.part", "write *.part", "flush *.part", "replace A", "flush folder ."));
+}
+
+TEST_F(StoreFileTest, AFileThatIsThereIsFlushedBeforeItCountsAsStored) {
+  Store("A.JPG", "one");
+  const RecordingCalls calls(path_);
+  EXPECT_TRUE(Store("A.JPG", "one").wasThere);
+  EXPECT_THAT(calls.Log(), ElementsAre("flush A.JPG"));
+}
+
+TEST_F(StoreFileTest, AFileThatIsThereAndCannotBeFlushedDoesNotCount) {
+  Store("A.JPG", "one");
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EIO);
+  EXPECT_EQ(Store("A.JPG", "one").name, "A-2.JPG");
+}
+
+TEST_F(StoreFileTest, NumbersHaveAnEndAndTheLastIsUsedToo) {
+  const std::string text = "one";
+  for (const char* name : {"A.JPG", "A-2.JPG", "A-3.JPG"}) std::ofstream(path_ / name) << "other";
+  const auto store = [&](int most) {
+    BesideFile file(*folder_, "A.JPG", text, Sha1(text), 1, most);
+    file.Flush();
+    return file.TakeName();
+  };
+  EXPECT_THROW(store(2), Failure);
+  EXPECT_EQ(store(3).name, "A-4.JPG");
+  EXPECT_TRUE(store(3).wasThere);
+  EXPECT_THROW(store(2), Failure);
 }
 
 TEST(NumberedTest, TheNumberStandsBeforeTheExtension) {

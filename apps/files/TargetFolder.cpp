@@ -2,49 +2,41 @@
 #include "apps/files/TargetFolder.h"
 
 #include <fcntl.h>
-#include <linux/openat2.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/FileCalls.h"
 
 namespace apps {
 namespace {
 
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
-int Openat2(int folder, const char* path, int flags, unsigned mode) {
-  open_how how{};
-  how.flags = static_cast<unsigned>(flags);
-  how.mode = (flags & O_CREAT) != 0 ? mode : 0;
-  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
-  return static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how));
+void MakeFolder(int parent, const std::string& name, const std::string& path) {
+  if (UntilDone([&] { return FileCalls::Current().MakeFolder(parent, name); }) == 0 || errno == EEXIST) return;
+  throw SystemFailure("make the folder " + Printable(path), errno);
 }
 
-// Keeps the same promise on an older kernel: opens one component after the other and refuses ".." and links.
-int WalkBeneath(int folder, const std::string& path, int flags, unsigned mode) {
-  const std::size_t slash = path.find('/');
-  const std::string first = path.substr(0, slash);
-  if (first.empty() || first == "..") {
-    errno = EXDEV;
-    return -1;
-  }
-  if (slash == std::string::npos) return ::openat(folder, first.c_str(), flags | O_NOFOLLOW, mode);
-  const base::FileDescriptor next(::openat(folder, first.c_str(), kFolderFlags | O_NOFOLLOW));
-  return next ? WalkBeneath(next.Get(), path.substr(slash + 1), flags, mode) : -1;
+// Keeps errno: a link has to be told from other failures.
+bool IsLink(int parent, const std::string& name) {
+  const int saved = errno;
+  struct stat status {};
+  const bool isLink = ::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
+  errno = saved;
+  return isLink;
+}
+
+// Some file systems cannot flush a folder and say EINVAL; their renames are as safe as they get.
+void FlushFolder(int folder, const std::string& path) {
+  if (UntilDone([folder] { return FileCalls::Current().FlushFolder(folder); }) == 0 || errno == EINVAL) return;
+  throw SystemFailure("flush the folder " + Printable(path), errno);
 }
 
 }  // namespace
-
-int OpenBeneath(int folder, const std::string& path, int flags, unsigned mode) {
-  const int fd = Openat2(folder, path.c_str(), flags, mode);
-  if (fd >= 0 || (errno != ENOSYS && errno != EPERM)) return fd;
-  return WalkBeneath(folder, path, flags, mode);
-}
 
 TargetFolder TargetFolder::Open(const std::string& path) {
   base::FileDescriptor folder(::open(path.c_str(), kFolderFlags));
@@ -53,18 +45,14 @@ TargetFolder TargetFolder::Open(const std::string& path) {
 }
 
 TargetFolder TargetFolder::OpenOrMake(const std::string& path) {
-  if (::mkdir(path.c_str(), 0777) != 0 && errno != EEXIST) {
-    throw SystemFailure("make the folder " + Printable(path), errno);
-  }
+  MakeFolder(AT_FDCWD, path, path);
   return Open(path);
 }
 
 TargetFolder TargetFolder::Below(const std::string& name) const {
-  if (::mkdirat(Fd(), name.c_str(), 0777) != 0 && errno != EEXIST) {
-    throw SystemFailure("make the folder " + Printable(PathOf(name)), errno);
-  }
-  base::FileDescriptor folder(OpenBeneath(Fd(), name, kFolderFlags, 0));
-  if (!folder && errno == ELOOP) {
+  MakeFolder(Fd(), name, PathOf(name));
+  base::FileDescriptor folder(OpenBeneath(Fd(), name, kFolderFlags));
+  if (!folder && IsLink(Fd(), name)) {
     throw Failure(ExitCode::kFailed, Printable(PathOf(name)) +
                                          " is a symbolic link and is not followed; replace it by a folder or choose "
                                          "another target.");
@@ -84,8 +72,7 @@ bool TargetFolder::Has(const std::string& name) const {
 }
 
 void TargetFolder::Sync() const {
-  // Some file systems cannot flush a folder and say EINVAL; their renames are as safe as they get.
-  if (::fsync(Fd()) != 0 && errno != EINVAL) throw SystemFailure("flush the folder " + Printable(path_), errno);
+  FlushFolder(Fd(), path_);
 }
 
 }  // namespace apps

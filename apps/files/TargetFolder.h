@@ -7,10 +7,6 @@
 
 namespace apps {
 
-/// openat2 below `folder`: no component leads out of it or through a symbolic link. Kernels without openat2 get a walk
-/// with O_NOFOLLOW. Returns a descriptor, or -1 with errno.
-int OpenBeneath(int folder, const std::string& path, int flags, unsigned mode);
-
 /// A folder that files of a camera are written into. It stays open, so that it cannot be exchanged meanwhile.
 class TargetFolder {
  public:

@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "apps/commandline/Failure.h"
+#include "apps/files/FileCalls.h"
+#include "apps/files/testing/RecordingCalls.h"
 #include "base/testing/ScratchFolder.h"
 
 namespace apps {
@@ -52,12 +54,42 @@ TEST_F(TargetFolderTest, AFolderBelowIsMadeOnceAndALinkInItsPlaceIsRefused) {
 
 TEST_F(TargetFolderTest, NothingIsOpenedOutsideTheFolder) {
   Put("inside", "x");
-  const base::FileDescriptor inside(OpenBeneath(folder_->Fd(), "inside", O_RDONLY | O_CLOEXEC, 0));
+  const base::FileDescriptor inside(OpenBeneath(folder_->Fd(), "inside", O_RDONLY));
   EXPECT_TRUE(static_cast<bool>(inside));
-  EXPECT_EQ(OpenBeneath(folder_->Fd(), "../etc", O_RDONLY | O_CLOEXEC, 0), -1);
-  EXPECT_EQ(OpenBeneath(folder_->Fd(), "/etc/passwd", O_RDONLY | O_CLOEXEC, 0), -1);
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "../etc", O_RDONLY), -1);
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "/etc/passwd", O_RDONLY), -1);
   fs::create_symlink("/etc/passwd", path_ / "link");
-  EXPECT_EQ(OpenBeneath(folder_->Fd(), "link", O_RDONLY | O_CLOEXEC, 0), -1);
+  EXPECT_EQ(OpenBeneath(folder_->Fd(), "link", O_RDONLY), -1);
+}
+
+TEST_F(TargetFolderTest, AFolderThatCannotBeFlushedIsAFailure) {
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EIO);
+  EXPECT_THROW(folder_->Sync(), Failure);
+  calls.FailAt(1, EINTR);
+  EXPECT_NO_THROW(folder_->Sync());
+}
+
+TEST_F(TargetFolderTest, AFileSystemThatFlushesNoFoldersIsGoodEnough) {
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EINVAL);
+  EXPECT_NO_THROW(folder_->Sync());
+}
+
+TEST_F(TargetFolderTest, NoOpenFolderReachesAnotherProgram) {
+  EXPECT_EQ(::fcntl(folder_->Fd(), F_GETFD), FD_CLOEXEC);
+  EXPECT_EQ(::fcntl(folder_->Below("100ABCDE").Fd(), F_GETFD), FD_CLOEXEC);
+}
+
+TEST_F(TargetFolderTest, WithoutOpenat2ALinkInPlaceOfAFolderIsNamedToo) {
+  const RecordingCalls calls(path_, {.openat2 = true});
+  fs::create_directory_symlink("/tmp", path_ / "101ABCDE");
+  try {
+    folder_->Below("101ABCDE");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_THAT(failure.what(), HasSubstr("is a symbolic link and is not followed"));
+  }
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "apps/camera/Picture.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/FileCalls.h"
 #include "apps/files/Sha1.h"
 
 namespace apps {
@@ -154,7 +155,7 @@ void Sync::Fail(const SyncItem& item, const std::string& sentence) {
 }
 
 bool Sync::IsOnDisk(const ManifestRow& row) const {
-  const base::FileDescriptor file(OpenBeneath(folder_.Fd(), row.path, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+  const base::FileDescriptor file(OpenBeneath(folder_.Fd(), row.path, O_RDONLY | O_NONBLOCK));
   struct stat status {};
   if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   return static_cast<unsigned long long>(status.st_size) == row.size && Sha1OfFile(file.Get()) == row.sha1;

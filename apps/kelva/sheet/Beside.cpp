@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "apps/camera/Picture.h"
+#include "apps/files/FileCalls.h"
 #include "apps/files/SafeName.h"
 #include "apps/files/Sha1.h"
 #include "base/FileDescriptor.h"
@@ -17,7 +18,7 @@ namespace apps {
 namespace {
 
 base::FileDescriptor OpenHere(const TargetFolder& folder, const std::string& path) {
-  return base::FileDescriptor(OpenBeneath(folder.Fd(), path, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+  return base::FileDescriptor(OpenBeneath(folder.Fd(), path, O_RDONLY | O_NONBLOCK));
 }
 
 bool IsFileOf(const base::FileDescriptor& file, unsigned long long size) {

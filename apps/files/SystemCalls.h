@@ -1,0 +1,41 @@
+#ifndef KELVA_APPS_FILES_SYSTEM_CALLS_H_
+#define KELVA_APPS_FILES_SYSTEM_CALLS_H_
+
+#include "apps/files/FileCalls.h"
+
+namespace apps {
+
+/// The calls of this system. What a kernel or a file system may lack has a substitute, which tests can ask for.
+class SystemCalls : public FileCalls {
+ public:
+  /// What is taken to be missing.
+  struct Missing {
+    bool openat2 = false;          ///< kernels before 5.6, and some sandboxes
+    bool renameNoReplace = false;  ///< NFS, and many file systems in user space
+    bool hardLinks = false;        ///< memory cards (FAT, exFAT)
+  };
+
+  SystemCalls() = default;
+  explicit SystemCalls(const Missing& missing) : missing_(missing) {}
+
+  int Open(int folder, const std::string& path, int flags) override;
+  int Create(int folder, const std::string& name) override;
+  int MakeFolder(int parent, const std::string& name) override;
+  ssize_t Write(int file, std::string_view bytes) override;
+  void BeginFlush(int file) noexcept override;
+  int Flush(int file) override;
+  int FlushFolder(int folder) override;
+  int Rename(int folder, const std::string& from, const std::string& to, bool replace) override;
+  int Commit(const std::function<int()>& commit) override;
+
+ private:
+  int OpenBelow(int folder, const std::string& path, int flags, unsigned mode) const;
+  int RenameNoReplace(int folder, const char* from, const char* to) const;
+  int LinkAndUnlink(int folder, const char* from, const char* to) const;
+
+  Missing missing_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_FILES_SYSTEM_CALLS_H_
