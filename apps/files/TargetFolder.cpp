@@ -46,7 +46,12 @@ TargetFolder TargetFolder::Open(const std::string& path) {
 
 TargetFolder TargetFolder::OpenOrMake(const std::string& path) {
   MakeFolder(AT_FDCWD, path, path);
-  return Open(path);
+  TargetFolder folder = Open(path);
+  // Also when the folder was there: whoever made it may have done so a moment ago. A parent that this user may not read
+  // cannot be flushed.
+  const base::FileDescriptor parent(::openat(folder.Fd(), "..", kFolderFlags));
+  if (parent) FlushFolder(parent.Get(), folder.PathOf(".."));
+  return folder;
 }
 
 TargetFolder TargetFolder::Below(const std::string& name) const {

@@ -21,6 +21,7 @@ namespace apps {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 class TargetFolderTest : public testing::Test {
@@ -60,6 +61,13 @@ TEST_F(TargetFolderTest, NothingIsOpenedOutsideTheFolder) {
   EXPECT_EQ(OpenBeneath(folder_->Fd(), "/etc/passwd", O_RDONLY), -1);
   fs::create_symlink("/etc/passwd", path_ / "link");
   EXPECT_EQ(OpenBeneath(folder_->Fd(), "link", O_RDONLY), -1);
+}
+
+TEST_F(TargetFolderTest, ANewTargetsOwnNameIsPutOnDisk) {
+  const RecordingCalls calls(path_);
+  const TargetFolder made = TargetFolder::OpenOrMake(path_ / "out");
+  const TargetFolder again = TargetFolder::OpenOrMake(path_ / "out");
+  EXPECT_THAT(calls.Log(), ElementsAre("make out", "flush folder .", "make out", "flush folder ."));
 }
 
 TEST_F(TargetFolderTest, AFolderThatCannotBeFlushedIsAFailure) {

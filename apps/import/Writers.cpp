@@ -2,10 +2,10 @@
 #include "apps/import/Writers.h"
 
 #include <cerrno>
+#include <set>
 #include <utility>
 
 #include "apps/commandline/Printable.h"
-#include "apps/files/NewFile.h"
 #include "apps/files/Sha1.h"
 
 namespace apps {
@@ -19,7 +19,7 @@ bool EndsAll(int error) {
 }  // namespace
 
 Writers::Writers(const TargetFolder& folder, Manifest& manifest, Report report)
-    : folder_(folder), manifest_(manifest), report_(std::move(report)) {
+    : manifest_(manifest), report_(std::move(report)), folders_(folder) {
   for (std::size_t i = 0; i < kThreads; ++i) threads_.emplace_back([this] { Run(); });
 }
 
@@ -55,8 +55,6 @@ void Writers::Finish() {
   std::vector<Done> rest;
   {
     std::unique_lock lock(mutex_);
-    ending_ = true;
-    work_.notify_all();
     stored_.wait(lock, [this] { return broken_ || (queue_.empty() && active_ == 0); });
     rest = std::exchange(done_, {});
   }
@@ -201,7 +199,7 @@ std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
                       "reads it again.");
   }
   LocalPath path = item.Local();
-  auto folder = FolderFor(path);
+  auto folder = folders_.For(path);
   return std::make_unique<Started>(job, std::move(path), std::move(sha1), std::move(folder));
 }
 
@@ -215,37 +213,20 @@ Writers::Done Writers::Finish(Started& started) {
           stored.wasThere};
 }
 
-std::shared_ptr<const TargetFolder> Writers::FolderFor(const LocalPath& path) {
-  const std::scoped_lock lock(mutex_);
-  constexpr std::size_t kMostOpen = 128;
-  std::string name;
-  std::shared_ptr<const TargetFolder> folder;
-  for (const std::string& component : path.folders) {
-    name += component + "/";
-    std::shared_ptr<const TargetFolder>& known = folders_[name];
-    if (!known) {
-      known = std::make_shared<const TargetFolder>((folder ? *folder : folder_).Below(component));
-      RemoveLeftovers(*known);
-    }
-    folder = known;
-  }
-  if (folders_.size() > kMostOpen) folders_.clear();
-  if (folder) return folder;
-  return std::shared_ptr<const TargetFolder>(&folder_, [](const TargetFolder*) {});
-}
-
 void Writers::Commit(std::vector<Done> group) {
-  if (group.empty()) return;
   const std::scoped_lock lock(commitMutex_);
+  // What a flush that failed should have put on disk may be lost, even if the next flush succeeds.
+  if (group.empty() || std::exchange(unrecorded_, true)) return;
   // Names first, then the list that says they are there.
-  std::map<std::string, std::shared_ptr<const TargetFolder>> flushed;
+  std::set<Folders::Way> ways;
   std::vector<ManifestRow> rows;
   for (const Done& done : group) {
-    auto& folder = flushed[done.row.path.substr(0, done.row.path.rfind('/') + 1)];
-    if (!folder) (folder = FolderFor(done.item->Local()))->Sync();
+    ways.insert(done.item->Local().folders);
     rows.push_back(done.row);
   }
+  folders_.Flush(ways);
   manifest_.Record(rows);
+  unrecorded_ = false;
   for (Done& done : group) report_({done.item, std::move(done.row), done.wasThere, ""});
 }
 

@@ -5,7 +5,6 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -16,6 +15,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/files/StoreFile.h"
 #include "apps/files/TargetFolder.h"
+#include "apps/import/Folders.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Plan.h"
 
@@ -98,14 +98,13 @@ class Writers {
   std::vector<Done> AddDone(Done done);
   std::unique_ptr<Started> Start(const WriteJob& job);
   Done Finish(Started& started);
-  std::shared_ptr<const TargetFolder> FolderFor(const LocalPath& path);
   void Commit(std::vector<Done> group);
   void GiveUp(const Failure& failure);
   void ThrowIfBroken(const std::unique_lock<std::mutex>& lock) const;
 
-  const TargetFolder& folder_;
   Manifest& manifest_;
   Report report_;
+  Folders folders_;
 
   std::mutex mutex_;                // the queue and what follows it
   std::condition_variable work_;    // for the writers
@@ -118,9 +117,9 @@ class Writers {
   std::optional<Failure> broken_;
   std::vector<Done> done_;
   Clock::time_point lastGroup_ = Clock::now();
-  std::map<std::string, std::shared_ptr<const TargetFolder>> folders_;
 
-  std::mutex commitMutex_;  // the manifest and the report
+  std::mutex commitMutex_;   // the manifest and the report
+  bool unrecorded_ = false;  // a group could not be recorded, so no other will be
   std::vector<std::thread> threads_;
 };
 

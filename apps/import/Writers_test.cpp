@@ -1,7 +1,9 @@
 #include "apps/import/Writers.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "apps/files/testing/RecordingCalls.h"
 #include "apps/import/testing/SyncTest.h"
 
 namespace apps {
@@ -51,6 +53,38 @@ TEST_F(WritersTest, ALinkInPlaceOfAFolderIsAnErrorOfThatFile) {
   Store(Plan({Picture(1)}), "abc");
   EXPECT_EQ(stored_, 0);
   EXPECT_NE(errors_.find("is a symbolic link and is not followed"), std::string::npos);
+}
+
+TEST_F(WritersTest, WhatIsStoredIsRecordedAlsoWhenNobodyWaitsForTheEnd) {
+  const SyncPlan plan = Plan({Picture(1)});
+  {
+    Writers(folder_, manifest_, [](const WriteOutcome&) {}).Submit({plan.items.data(), {'a'}, "", false});
+  }
+  EXPECT_EQ(Text("100ABCDE/IMG_0001.JPG"), "a");
+  EXPECT_EQ(Plan({Picture(1)}).NewFiles(), 0U);
+}
+
+TEST_F(WritersTest, AFileThatCannotBeFlushedGetsNoNameAndTheOthersDo) {
+  const SyncPlan plan = Plan({Picture(1), Picture(2), Picture(3)});
+  RecordingCalls calls(path_);
+  // Not one of the errors after which every other file would fail too.
+  calls.FailAt(2, EACCES, "flush 100ABCDE/");
+  Store(plan, "abc");
+  EXPECT_TRUE(calls.HasFailed());
+  EXPECT_EQ(stored_, 2);
+  EXPECT_NE(errors_.find("Cannot flush a file in"), std::string::npos) << errors_;
+  EXPECT_EQ(Plan({Picture(1), Picture(2), Picture(3)}).NewFiles(), 1U);
+  EXPECT_THAT(calls.NamedUnflushed(), testing::IsEmpty());
+}
+
+TEST_F(WritersTest, NothingIsRecordedOnceAFolderCouldNotBeFlushed) {
+  const SyncPlan plan = Plan({Picture(1)});
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EIO, "flush folder");
+  EXPECT_THROW(Store(plan, "abc"), Failure);
+  EXPECT_EQ(calls.Log().back(), "flush folder 100ABCDE");
+  EXPECT_EQ(stored_, 0);
+  EXPECT_EQ(Plan({Picture(1)}).NewFiles(), 1U);
 }
 
 }  // namespace

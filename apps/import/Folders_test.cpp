@@ -1,0 +1,97 @@
+#include "apps/import/Folders.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "apps/commandline/Failure.h"
+#include "apps/files/testing/RecordingCalls.h"
+#include "base/testing/ScratchFolder.h"
+
+namespace apps {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+
+class FoldersTest : public testing::Test {
+ protected:
+  void PutLeftover(const std::string& folder) const { std::ofstream(path_ / folder / kLeftover) << "half"; }
+  bool HasLeftover(const std::string& folder) const { return fs::exists(path_ / folder / kLeftover); }
+
+  static constexpr const char* kLeftover = ".kelva-0011223344556677.part";
+  const base::ScratchFolder scratch_;
+  const fs::path path_ = scratch_.Path();
+  const TargetFolder target_ = TargetFolder::Open(path_);
+  Folders folders_{target_};
+};
+
+TEST_F(FoldersTest, AFileWithoutFoldersIsInTheTarget) {
+  EXPECT_EQ(folders_.For({{}, "A.JPG"})->Path(), path_);
+}
+
+TEST_F(FoldersTest, FoldersAreMadeAsTheyAreNeeded) {
+  folders_.For({{"2026", "100ABCDE"}, "A.JPG"});
+  folders_.For({{"2026", "101ABCDE"}, "A.JPG"});
+  EXPECT_TRUE(fs::is_directory(path_ / "2026/100ABCDE"));
+  EXPECT_TRUE(fs::is_directory(path_ / "2026/101ABCDE"));
+}
+
+TEST_F(FoldersTest, LeftoversOfKilledRunsGoAtTheFirstLookAndNoLater) {
+  fs::create_directory(path_ / "100ABCDE");
+  PutLeftover("100ABCDE");
+  folders_.For({{"100ABCDE"}, "A.JPG"});
+  EXPECT_FALSE(HasLeftover("100ABCDE"));
+  PutLeftover("100ABCDE");
+  // More folders than stay open at once.
+  for (int i = 200; i < 400; ++i) folders_.For({{std::to_string(i)}, "A.JPG"});
+  folders_.For({{"100ABCDE"}, "A.JPG"});
+  EXPECT_TRUE(HasLeftover("100ABCDE"));
+}
+
+TEST_F(FoldersTest, NewFoldersAreFlushedWithAllThatLeadToThem) {
+  folders_.For({{"2026", "100ABCDE"}, "A.JPG"});
+  folders_.For({{"2026", "101ABCDE"}, "A.JPG"});
+  const RecordingCalls calls(path_);
+  folders_.Flush({{"2026", "100ABCDE"}, {"2026", "101ABCDE"}});
+  EXPECT_THAT(calls.Log(), ElementsAre("flush folder 2026/100ABCDE", "flush folder 2026/101ABCDE", "flush folder .",
+                                       "flush folder 2026"));
+}
+
+TEST_F(FoldersTest, FoldersAboveWithoutNewNamesAreNotFlushedAgain) {
+  folders_.For({{"2026", "100ABCDE"}, "A.JPG"});
+  folders_.Flush({{"2026", "100ABCDE"}});
+  folders_.For({{"2026", "101ABCDE"}, "A.JPG"});
+  const RecordingCalls calls(path_);
+  folders_.Flush({{"2026", "101ABCDE"}});
+  folders_.Flush({{"2026", "101ABCDE"}});
+  EXPECT_THAT(calls.Log(),
+              ElementsAre("flush folder 2026/101ABCDE", "flush folder 2026", "flush folder 2026/101ABCDE"));
+}
+
+TEST_F(FoldersTest, AFolderThatAnEarlierRunMadeIsFlushedOnceToo) {
+  fs::create_directory(path_ / "100ABCDE");
+  folders_.For({{"100ABCDE"}, "A.JPG"});
+  const RecordingCalls calls(path_);
+  folders_.Flush({{"100ABCDE"}});
+  EXPECT_THAT(calls.Log(), ElementsAre("flush folder 100ABCDE", "flush folder ."));
+}
+
+TEST_F(FoldersTest, TheTargetItselfIsFlushedForItsOwnFiles) {
+  const RecordingCalls calls(path_);
+  folders_.Flush({{}});
+  EXPECT_THAT(calls.Log(), ElementsAre("flush folder ."));
+}
+
+TEST_F(FoldersTest, AFolderAboveThatCannotBeFlushedIsAFailure) {
+  folders_.For({{"100ABCDE"}, "A.JPG"});
+  RecordingCalls calls(path_);
+  calls.FailAt(2, EIO);
+  EXPECT_THROW(folders_.Flush({{"100ABCDE"}}), Failure);
+}
+
+}  // namespace
+}  // namespace apps
