@@ -4,11 +4,14 @@
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/FileCalls.h"
 
 namespace apps {
 namespace {
@@ -26,6 +29,14 @@ constexpr const char* kSchema = R"(
 bool IsLink(const TargetFolder& folder, const std::string& name) {
   struct stat status {};
   return ::fstatat(folder.Fd(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
+}
+
+// errno behind an SQLite error that is the disk's; 0 for an error that is the database's own.
+int SystemErrorOf(int code, sqlite3* database, const std::string& path) {
+  if (code == SQLITE_FULL) return ENOSPC;
+  if (code == SQLITE_READONLY) return ::access(path.c_str(), W_OK) != 0 ? errno : EROFS;
+  if (code == SQLITE_IOERR || code == SQLITE_CANTOPEN) return sqlite3_system_errno(database);
+  return 0;
 }
 
 }  // namespace
@@ -93,25 +104,35 @@ class Use {
 
 Manifest::Manifest() = default;
 
-Manifest::Manifest(const TargetFolder& folder, bool make) : path_(folder.PathOf(std::string(kName))) {
+Manifest::Manifest(const TargetFolder& folder, bool make, std::chrono::milliseconds patience)
+    : path_(folder.PathOf(std::string(kName))) {
   const std::string name(kName);
   if (IsLink(folder, name)) {
     throw Failure(ExitCode::kFailed, Printable(path_) + " is a symbolic link and is not followed; remove it.");
   }
   if (!make && !folder.Has(name)) return;
-  // Opened through the folder's descriptor, so that nobody can put another folder in its place meanwhile.
-  const std::string opened = "/proc/self/fd/" + std::to_string(folder.Fd()) + "/" + name;
-  const int flags = make ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY;
   try {
-    if (sqlite3_open_v2(opened.c_str(), &database_, flags, nullptr) != SQLITE_OK) Fail("open");
-    sqlite3_busy_timeout(database_, 5000);
-    // Each row is looked up once, so a large cache would only cost memory.
-    Execute("PRAGMA cache_size=-256");
-    Prepare();
+    // Opened through the folder's descriptor, so that nobody can put another folder in its place meanwhile.
+    Open("/proc/self/fd/" + std::to_string(folder.Fd()) + "/" + name,
+         make ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY, patience);
+    CheckVersion();
   } catch (...) {
     sqlite3_close(database_);
     throw;
   }
+}
+
+void Manifest::Open(const std::string& path, int flags, std::chrono::milliseconds patience) {
+  if (sqlite3_open_v2(path.c_str(), &database_, flags, nullptr) != SQLITE_OK) Fail("open");
+  sqlite3_busy_timeout(database_, static_cast<int>(patience.count()));
+  // The file may come from another program, which could have left commands of its own in it.
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+  // EXTRA flushes the folder once more when the journal is gone. Otherwise a power cut could bring the journal back, and
+  // the journal would take the last rows away. Each row is looked up once, so a large cache would only cost memory.
+  Execute("PRAGMA synchronous=EXTRA; PRAGMA cache_size=-256", "open");
 }
 
 Manifest::~Manifest() {
@@ -136,7 +157,7 @@ Manifest::Statement& Manifest::Prepared(std::unique_ptr<Statement>& statement, c
   return *statement;
 }
 
-void Manifest::Prepare() {
+void Manifest::CheckVersion() {
   const long long found = [this] {
     Statement version(*this, "PRAGMA user_version");
     version.Step("read");
@@ -146,20 +167,52 @@ void Manifest::Prepare() {
     throw Failure(ExitCode::kFailed, "The list of fetched files " + Printable(path_) +
                                          " was made by a newer version of this tool; use that one.");
   }
-  if (found == 0 && sqlite3_db_readonly(database_, "main") == 0) Execute(kSchema);
+  if (found < 0) {
+    throw Failure(ExitCode::kFailed, "The list of fetched files " + Printable(path_) +
+                                         " was made by another program; move it away, and files that are here are "
+                                         "recognised by their content.");
+  }
+  if (found == 0 && sqlite3_db_readonly(database_, "main") == 0) {
+    Transact([this] { Execute(kSchema); });
+  }
 }
 
-void Manifest::Execute(const char* sql) {
-  if (sqlite3_exec(database_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) Fail("write");
+void Manifest::Execute(const char* sql, const std::string& doing) {
+  if (sqlite3_exec(database_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) Fail(doing);
+}
+
+// All of a change or nothing of it.
+void Manifest::Transact(const std::function<void()>& change) {
+  Execute("BEGIN IMMEDIATE");
+  try {
+    change();
+    const int result = UntilDone([this] {
+      return FileCalls::Current().Commit([this] {
+        Execute("COMMIT");
+        return 0;
+      });
+    });
+    if (result != 0) throw SystemFailure("write the list of fetched files " + Printable(path_), errno);
+  } catch (...) {
+    sqlite3_exec(database_, "ROLLBACK", nullptr, nullptr, nullptr);
+    throw;
+  }
 }
 
 void Manifest::Fail(const std::string& doing) const {
+  const std::string list = "the list of fetched files " + Printable(path_);
+  const int code = database_ == nullptr ? SQLITE_NOMEM : sqlite3_errcode(database_) & 0xff;
+  if (code == SQLITE_BUSY || code == SQLITE_LOCKED) {
+    throw Failure(ExitCode::kBusy,
+                  "Cannot " + doing + " " + list +
+                      ": another program has locked it; repeat the command when that program has finished.");
+  }
+  if (const int error = SystemErrorOf(code, database_, path_); error != 0)
+    throw SystemFailure(doing + " " + list, error);
   const std::string why = database_ == nullptr ? "no memory" : sqlite3_errmsg(database_);
-  throw Failure(ExitCode::kFailed,
-                "Cannot " + doing + " the list of fetched files " + Printable(path_) + ": " + why +
-                    "; if it is damaged, move it away, and files that are here are recognised by "
-                    "their content.",
-                database_ == nullptr ? 0 : sqlite3_system_errno(database_));
+  throw Failure(ExitCode::kFailed, "Cannot " + doing + " " + list + ": " + why +
+                                       "; if it is damaged, move it away, and files that are here are recognised by "
+                                       "their content.");
 }
 
 std::optional<ManifestRow> Manifest::Find(const ManifestKey& key) {
@@ -188,20 +241,17 @@ void Manifest::Insert(const ManifestRow& row) {
 void Manifest::Record(const std::vector<ManifestRow>& rows) {
   if (rows.empty()) return;
   const std::scoped_lock lock(mutex_);
-  Execute("BEGIN IMMEDIATE");
-  try {
+  Transact([&] {
     for (const ManifestRow& row : rows) Insert(row);
-    Execute("COMMIT");
-  } catch (...) {
-    sqlite3_exec(database_, "ROLLBACK", nullptr, nullptr, nullptr);
-    throw;
-  }
+  });
 }
 
 void Manifest::MarkDeleted(const ManifestKey& key) {
   const std::scoped_lock lock(mutex_);
-  Statement update(*this, "UPDATE files SET deleted=1 WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4");
-  update.Bind(key).Step("write");
+  Transact([&] {
+    Statement update(*this, "UPDATE files SET deleted=1 WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4");
+    update.Bind(key).Step("write");
+  });
 }
 
 }  // namespace apps

@@ -1,6 +1,8 @@
 #ifndef KELVA_APPS_IMPORT_MANIFEST_H_
 #define KELVA_APPS_IMPORT_MANIFEST_H_
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -40,9 +42,10 @@ class Manifest {
 
   /// The empty manifest of a folder that does not exist yet.
   Manifest();
-  /// Opens the folder's manifest. A missing one is made if `make` is set, otherwise it counts as empty. Throws Failure
-  /// when it cannot be read, or was made by a newer version.
-  Manifest(const TargetFolder& folder, bool make);
+  /// Opens the folder's manifest. A missing one is made if `make` is set, otherwise it counts as empty. Waits up to
+  /// `patience` while another program has locked it. Throws Failure when it cannot be read, or was made by a newer version
+  /// or another program. What another program left in it besides its tables (triggers, views) has no effect.
+  Manifest(const TargetFolder& folder, bool make, std::chrono::milliseconds patience = std::chrono::seconds(5));
   ~Manifest();
   Manifest(Manifest&&) noexcept;
   Manifest& operator=(Manifest&&) = delete;
@@ -50,6 +53,7 @@ class Manifest {
   std::optional<ManifestRow> Find(const ManifestKey& key);
   /// Adds rows, or replaces those of the same keys, all or none. They are on disk when this returns.
   void Record(const std::vector<ManifestRow>& rows);
+  /// As Record.
   void MarkDeleted(const ManifestKey& key);
 
   /// While it lives, Find looks at one state of the list, which is faster for many. Nothing is recorded meanwhile.
@@ -66,8 +70,10 @@ class Manifest {
 
  private:
   class Statement;
-  void Execute(const char* sql);
-  void Prepare();
+  void Open(const std::string& path, int flags, std::chrono::milliseconds patience);
+  void Execute(const char* sql, const std::string& doing = "write");
+  void Transact(const std::function<void()>& change);
+  void CheckVersion();
   void Insert(const ManifestRow& row);
   [[noreturn]] void Fail(const std::string& doing) const;
 

@@ -2,12 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "apps/commandline/Failure.h"
+#include "apps/files/testing/RecordingCalls.h"
 #include "base/testing/ScratchFolder.h"
 
 namespace apps {
@@ -15,16 +17,25 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::Not;
 
 class ManifestTest : public testing::Test {
  protected:
-  std::string WhyNot() const {
+  std::string WhyNot(ExitCode code = ExitCode::kFailed) const {
     try {
-      Manifest(*folder_, true);
+      Manifest(*folder_, true, std::chrono::milliseconds(1));
     } catch (const Failure& failure) {
+      EXPECT_EQ(failure.Code(), code);
       return failure.what();
     }
     return "opened";
+  }
+  // What another program does to the list.
+  std::unique_ptr<sqlite3, decltype(&sqlite3_close)> Elsewhere(const char* sql) const {
+    sqlite3* database = nullptr;
+    EXPECT_EQ(sqlite3_open((path_ / Manifest::kName).c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
+    return {database, sqlite3_close};
   }
 
   const base::ScratchFolder scratch_;
@@ -99,6 +110,102 @@ TEST_F(ManifestTest, ADamagedManifestIsAFailureThatSaysWhatToDo) {
 TEST_F(ManifestTest, ALinkInItsPlaceIsNotFollowed) {
   fs::create_symlink("/tmp/elsewhere.sqlite", path_ / Manifest::kName);
   EXPECT_THAT(WhyNot(), HasSubstr("is a symbolic link and is not followed"));
+}
+
+TEST_F(ManifestTest, TheListOfAnotherProgramIsRefused) {
+  Elsewhere("PRAGMA user_version=-1");
+  EXPECT_THAT(WhyNot(), HasSubstr("was made by another program; move it away"));
+  Elsewhere("PRAGMA user_version=2");
+  EXPECT_THAT(WhyNot(), HasSubstr("was made by a newer version of this tool"));
+}
+
+TEST_F(ManifestTest, ALockedListIsCalledLockedAndNotDamaged) {
+  const Manifest made(*folder_, true);
+  const auto other = Elsewhere("BEGIN EXCLUSIVE");
+  const std::string why = WhyNot(ExitCode::kBusy);
+  EXPECT_THAT(why, HasSubstr("another program has locked it; repeat the command"));
+  EXPECT_THAT(why, Not(HasSubstr("damaged")));
+}
+
+TEST_F(ManifestTest, AListThatIsLockedWhenRowsComeIsCalledLockedToo) {
+  Manifest manifest(*folder_, true, std::chrono::milliseconds(1));
+  const auto other = Elsewhere("BEGIN IMMEDIATE");
+  try {
+    manifest.Record({Row("K1", 1)});
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Code(), ExitCode::kBusy);
+    EXPECT_THAT(failure.what(), HasSubstr("another program has locked it"));
+  }
+}
+
+TEST_F(ManifestTest, CommandsThatAnotherProgramLeftInTheListDoNotRun) {
+  Manifest(*folder_, true).Record({Row("K1", 1)});
+  Elsewhere("CREATE TRIGGER vanish AFTER INSERT ON files BEGIN DELETE FROM files; END");
+  Manifest manifest(*folder_, true);
+  manifest.Record({Row("K2", 1)});
+  EXPECT_TRUE(manifest.Find(Row("K1", 1).key).has_value());
+  EXPECT_TRUE(manifest.Find(Row("K2", 1).key).has_value());
+}
+
+sqlite3* lastOpened = nullptr;
+
+int KeepOpened(sqlite3* database, const char**, const sqlite3_api_routines*) {
+  lastOpened = database;
+  return SQLITE_OK;
+}
+
+int Number(const char* question) {
+  sqlite3_stmt* statement = nullptr;
+  EXPECT_EQ(sqlite3_prepare_v2(lastOpened, question, -1, &statement, nullptr), SQLITE_OK);
+  EXPECT_EQ(sqlite3_step(statement), SQLITE_ROW);
+  const int number = sqlite3_column_int(statement, 0);
+  sqlite3_finalize(statement);
+  return number;
+}
+
+int Setting(int setting) {
+  int value = -1;
+  sqlite3_db_config(lastOpened, setting, -1, &value);
+  return value;
+}
+
+TEST_F(ManifestTest, RowsAreOnDiskWhenTheyAreRecordedAndTheFileIsNotTrusted) {
+  sqlite3_auto_extension(reinterpret_cast<void (*)()>(KeepOpened));
+  const Manifest manifest(*folder_, true);
+  sqlite3_reset_auto_extension();
+  ASSERT_NE(lastOpened, nullptr);
+  constexpr int kExtra = 3;
+  EXPECT_EQ(Number("PRAGMA synchronous"), kExtra);
+  EXPECT_EQ(Setting(SQLITE_DBCONFIG_DEFENSIVE), 1);
+  EXPECT_EQ(Setting(SQLITE_DBCONFIG_TRUSTED_SCHEMA), 0);
+  EXPECT_EQ(Setting(SQLITE_DBCONFIG_ENABLE_TRIGGER), 0);
+  EXPECT_EQ(Setting(SQLITE_DBCONFIG_ENABLE_VIEW), 0);
+}
+
+TEST_F(ManifestTest, RowsThatCannotBeCommittedAreNotThereAndTheListStaysUsable) {
+  Manifest manifest(*folder_, true);
+  RecordingCalls calls(path_);
+  for (const int error : {EIO, ENOSPC, EDQUOT, EROFS}) {
+    calls.FailAt(1, error);
+    try {
+      manifest.Record({Row("K1", 1), Row("K2", 1)});
+      FAIL();
+    } catch (const Failure& failure) {
+      EXPECT_THAT(failure.what(), testing::StartsWith("Cannot write the list of fetched files "));
+      EXPECT_EQ(failure.SystemError(), error);
+    }
+    EXPECT_FALSE(manifest.Find(Row("K1", 1).key).has_value());
+  }
+  manifest.Record({Row("K1", 1)});
+  EXPECT_TRUE(manifest.Find(Row("K1", 1).key).has_value());
+}
+
+TEST_F(ManifestTest, ASignalDuringACommitChangesNothing) {
+  RecordingCalls calls(path_);
+  calls.FailEach(1, 3, EINTR);
+  Manifest(*folder_, true).Record({Row("K1", 1)});
+  EXPECT_TRUE(Manifest(*folder_, false).Find(Row("K1", 1).key).has_value());
 }
 
 }  // namespace
