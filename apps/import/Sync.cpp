@@ -171,6 +171,8 @@ std::optional<Outcome> Sync::DeleteVerified() {
       Outcome outcome = Explain(error, context_.WasDoing());
       if (EndsAll(outcome.code)) return outcome;
       Fail(*item, outcome.sentence);
+    } catch (const Failure& failure) {
+      return Outcome{failure.Code(), failure.what()};
     }
   }
   return std::nullopt;

@@ -1,23 +1,28 @@
 #include "apps/import/Sync.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "apps/camera/testing/FakeCamera.h"
 #include "apps/commandline/testing/SilentContext.h"
+#include "apps/files/testing/RecordingCalls.h"
 #include "apps/import/testing/SyncTest.h"
 
 namespace apps {
 namespace {
 
+using testing::ElementsAre;
+using testing::HasSubstr;
+
 class SyncTest : public SyncFolderTest, protected SilentContext {
  protected:
-  SyncTest() {
+  explicit SyncTest(ReportStyle style = {}) : SilentContext(style) {
     camera_.folder = "I:\\DCIM\\100ABCDE";
     camera_.files = {{"IMG_0001.JPG", "one"}, {"IMG_0002.JPG", "two"}};
   }
 
-  SyncTotals Run(SyncOptions options = {}) {
-    const SyncPlan plan = Plan({Picture(1), Picture(2)});
+  SyncTotals Run(SyncOptions options = {}, const std::vector<DcfObj>& catalogue = {Picture(1), Picture(2)}) {
+    const SyncPlan plan = Plan(catalogue);
     Sync sync(context_, camera_, folder_, manifest_, options);
     EXPECT_FALSE(sync.Run(plan).has_value());
     return sync.Totals();
@@ -77,6 +82,46 @@ TEST_F(SyncTest, WhatHasChangedOnTheCameraIsNotDeleted) {
   camera_.files["IMG_0001.JPG"] = "another";
   EXPECT_EQ(Run({.verify = true, .deleteAfter = true}).deleted, 1U);
   EXPECT_EQ(camera_.files.count("IMG_0001.JPG"), 1U);
+}
+
+TEST_F(SyncTest, EveryReadIsSentWithTheFlagOfATransfer) {
+  Run();
+  EXPECT_TRUE(camera_.lastFlag);
+}
+
+TEST_F(SyncTest, NothingIsDeletedOnTheCameraBeforeAllOfItIsOnDiskHere) {
+  RecordingCalls calls(path_);
+  camera_.onDelete = [&](const std::string& path) { calls.Note("DELETE " + path); };
+  EXPECT_EQ(Run({.verify = true, .deleteAfter = true}, {Picture(1)}).deleted, 1U);
+  EXPECT_THAT(calls.Log(),
+              ElementsAre("make 100ABCDE", "create 100ABCDE/*.part", "write 100ABCDE/*.part", "flush 100ABCDE/*.part",
+                          "rename 100ABCDE/IMG_0001.JPG", "flush folder 100ABCDE", "flush folder .", "commit",
+                          "DELETE I:\\DCIM\\100ABCDE\\IMG_0001.JPG", "commit"));
+}
+
+TEST_F(SyncTest, AMarkThatCannotBeWrittenEndsTheRunAndItsTotalsAreKept) {
+  RecordingCalls calls(path_);
+  camera_.onDelete = [&](const std::string&) { calls.FailAt(1, ENOSPC); };
+  const SyncPlan plan = Plan({Picture(1), Picture(2)});
+  Sync sync(context_, camera_, folder_, manifest_, {.verify = true, .deleteAfter = true});
+  const auto ended = sync.Run(plan);
+  ASSERT_TRUE(ended.has_value());
+  EXPECT_THAT(ended->sentence, testing::StartsWith("Cannot write the list of fetched files "));
+  EXPECT_EQ(sync.Totals().stored, 2U);
+  EXPECT_EQ(camera_.files.size(), 1U) << "the second file stays on the camera";
+}
+
+class SyncJsonTest : public SyncTest {
+ protected:
+  SyncJsonTest() : SyncTest({.json = true}) {}
+};
+
+TEST_F(SyncJsonTest, AFileThatFailsIsAnEventOfItsOwn) {
+  camera_.files.erase("IMG_0001.JPG");
+  Run();
+  const std::string events = Printed();
+  EXPECT_THAT(events, HasSubstr("\"event\":\"failed\",\"path\":\"I:\\\\DCIM\\\\100ABCDE\\\\IMG_0001.JPG\",\"error\":"));
+  EXPECT_THAT(events, HasSubstr("\"event\":\"stored\",\"path\":\"I:\\\\DCIM\\\\100ABCDE\\\\IMG_0002.JPG\","));
 }
 
 }  // namespace

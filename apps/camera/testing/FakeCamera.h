@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
 #define KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -25,8 +26,9 @@ class FakeCamera : public wifi_testing::PlainCamera {
     return entries;
   }
   using Camera::ReadFile;
-  std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool) override {
+  std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool flag) override {
     ++reads;
+    lastFlag = flag;
     if (progress != nullptr) progress(context, 0);
     const auto found = files.find(NameIn(path));
     if (found == files.end()) return {};
@@ -39,6 +41,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
     if (progress != nullptr) progress(context, 0);
   }
   bool DeleteFile(const char* path) override {
+    if (onDelete) onDelete(path);
     if (forbidden == NameIn(path)) throw CameraTransferError("refused");
     if (!stubborn) files.erase(NameIn(path));
     return !refuses;
@@ -48,12 +51,14 @@ class FakeCamera : public wifi_testing::PlainCamera {
   std::map<std::string, std::string> files;
   std::vector<std::string> folders;
   int reads = 0;
+  bool lastFlag = false;     ///< that the last read was sent with
   int lie = 0;               ///< added to every size in a listing
   std::string damage;        ///< added to every file that is written
   std::string forbidden;     ///< deleting this one is an error
   bool writeBreaks = false;  ///< writing ends in an error, half of it done
   bool stubborn = false;
   bool refuses = false;
+  std::function<void(const std::string& path)> onDelete;  ///< before anything is deleted
 
  private:
   static std::string NameIn(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
