@@ -20,7 +20,7 @@ class Listener {
   Listener& operator=(const Listener&) = delete;
 
   int Descriptor() const { return socket_.Get(); }
-  /// The next connection; empty when none waits.
+  /// The next connection; empty, with errno, when none waits or the system refuses.
   base::FileDescriptor Accept() const;
 
  private:

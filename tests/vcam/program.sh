@@ -135,15 +135,25 @@ expect 2 "needs --serial SERIAL" usbip --storage "$work/card"
 expect 2 "too long" usbip --storage "$work/card" --serial "$(printf '%0200d' 0)"
 expect 2 '"65536" is not a port' usbip --storage "$work/card" --serial K --port 65536
 
-mkfifo "$work/ready"
-"$vcam" usbip --port 0 --serial K300 --storage "$work/card" --speed super --catalogue wide --fault short@2 >"$work/ready" &
-server=$!
-read -r line <"$work/ready"
-rm "$work/ready"
-kill "$server"
-wait "$server" || fail "usbip ended with $? after SIGTERM"
-server=
-[ "${line#Offering camera K300; plug it in with: usbip --tcp-port }" != "$line" ] || fail "usbip said: $line"
+# offer ARGUMENT...: offers a camera until it has said so, and counts the private folders for what hosts write.
+offer() {
+  mkfifo "$work/ready"
+  mkdir "$work/temporary"
+  TMPDIR=$work/temporary "$vcam" usbip --port 0 --serial K300 --storage "$work/card" "$@" >"$work/ready" &
+  server=$!
+  read -r line <"$work/ready"
+  rm "$work/ready"
+  folders=$(find "$work/temporary" -mindepth 1 -maxdepth 1 -name 'kelva-vcam-*' -perm 700 | wc -l)
+  kill "$server"
+  wait "$server" || fail "usbip ended with $? after SIGTERM"
+  server=
+  [ "${line#Offering camera K300; plug it in with: usbip --tcp-port }" != "$line" ] || fail "usbip said: $line"
+  rmdir "$work/temporary" || fail "usbip left something in TMPDIR"
+}
+offer --speed super --catalogue wide --fault short@2
+[ "$folders" = 1 ] || fail "what hosts write is not kept apart: $folders private folders"
+offer --writable
+[ "$folders" = 0 ] || fail "--writable has $folders private folders"
 
 : >"$work/file"
 expect 1 "a file of that name exists" serve --socket "$work/file"

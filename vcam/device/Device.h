@@ -21,7 +21,7 @@ namespace vcam {
 struct Device {
   explicit Device(Options given)
       : options(std::move(given)),
-        storage(options.storage),
+        storage(options.storage, options.keep),
         clock(options.now),
         settings(LoadSettings(storage)),
         readyAt(options.now()) {

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "vcam/device/Storage.h"
 #include "wire/RegistryNames.h"
 
 namespace vcam {
@@ -43,6 +44,8 @@ struct Options {
   std::string serial;
   /// Drive I: of the camera. Layout: vcam/README.md.
   std::filesystem::path storage;
+  /// Whether hosts change that folder, or a view of it that ends with the camera.
+  Keep keep = Keep::kInFolder;
   std::string vendor = wire::kVendor;
   std::string product = "Camera";
   std::string revision = "1.00";

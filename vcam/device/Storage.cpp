@@ -1,128 +1,134 @@
-// The storage folder. openat2 resolves every path, so that no path and no link leads out of the folder.
+// The storage that hosts see: the folder itself, or the folder below what they have changed.
 #include "vcam/device/Storage.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <linux/openat2.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <set>
 #include <stdexcept>
 
-#include "base/SendAll.h"
-#include "vcam/device/CameraPath.h"
 #include "vcam/device/SenseCodes.h"
 
 namespace vcam {
 namespace {
 
-constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
-
-std::int64_t Nanoseconds(const timespec& time) {
-  return time.tv_sec * kNanosecondsPerSecond + time.tv_nsec;
+std::filesystem::path MakePrivateFolder() {
+  std::string name = (std::filesystem::temp_directory_path() / "kelva-vcam-XXXXXX").string();
+  if (::mkdtemp(name.data()) == nullptr) {
+    throw std::runtime_error("Cannot make a folder for what hosts write (" + name + "): " + std::strerror(errno) +
+                             "; set TMPDIR to a folder that you may write.");
+  }
+  return name;
 }
 
-FileStamp StampOf(const struct stat& status) {
-  return {static_cast<std::uint64_t>(status.st_size), Nanoseconds(status.st_mtim), Nanoseconds(status.st_ctim),
-          status.st_ino};
+std::string ParentOf(const std::string& path) {
+  const std::size_t end = path.rfind('/');
+  return end == std::string::npos ? "" : path.substr(0, end);
 }
 
-std::string NameOf(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
+std::string Join(const std::string& directory, const std::string& name) {
+  return directory.empty() ? name : directory + "/" + name;
 }
 
-struct CloseDirectory {
-  void operator()(DIR* directory) const { ::closedir(directory); }
-};
-using Directory = std::unique_ptr<DIR, CloseDirectory>;
-
-bool ReadEntry(int directory, const char* name, StorageEntry& entry) {
+bool IsReadOnly(const OpenedFile& opened) {
   struct stat status {};
-  if (!IsCameraName(name) || ::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
-  if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return false;
-  entry.name = name;
-  entry.isDirectory = S_ISDIR(status.st_mode);
-  entry.isReadOnly = (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
-  entry.stamp = StampOf(status);
-  return true;
-}
-
-OpenedFile RegularFile(base::FileDescriptor file) {
-  if (!file) return {{}, errno};
-  struct stat status {};
-  if (::fstat(file.Get(), &status) != 0) return {{}, errno};
-  if (!S_ISREG(status.st_mode)) return {{}, EISDIR};
-  return {std::move(file), 0, StampOf(status)};
+  return ::fstat(opened.file.Get(), &status) == 0 && (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
 }
 
 }  // namespace
 
-Storage::Storage(const std::filesystem::path& folder)
-    : root_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-  if (!root_) {
-    throw std::runtime_error("Cannot use " + folder.string() + " as the camera's storage: " + std::strerror(errno) +
-                             "; name a folder that you may read.");
+struct Storage::View {
+  View() = default;
+  ~View() {
+    std::error_code error;
+    std::filesystem::remove_all(place, error);
   }
-}
+  View(const View&) = delete;
+  View& operator=(const View&) = delete;
 
-base::FileDescriptor Storage::OpenBeneath(const std::string& path, std::uint64_t flags) const {
-  open_how how{};
-  how.flags = flags | O_CLOEXEC | O_NONBLOCK;
-  how.mode = (flags & O_CREAT) != 0 ? 0644 : 0;
-  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
-  const char* name = path.empty() ? "." : path.c_str();
-  return base::FileDescriptor(static_cast<int>(::syscall(SYS_openat2, root_.Get(), name, &how, sizeof how)));
-}
+  std::filesystem::path place = MakePrivateFolder();
+  StorageFolder written{place};
+  /// Paths of files that hosts have replaced or deleted; the folder is not asked for them any more.
+  std::set<std::string> hidden{};
 
-base::FileDescriptor Storage::OpenParent(const std::string& path) const {
-  const std::size_t end = path.rfind('/');
-  return OpenBeneath(end == std::string::npos ? "" : path.substr(0, end), O_RDONLY | O_DIRECTORY);
+  /// Whether the folder's file of this path, or a file in place of one of its directories, is hidden.
+  bool Hides(const std::string& path) const {
+    return !path.empty() && (hidden.contains(path) || Hides(ParentOf(path)));
+  }
+  /// Makes the directory, and those above it, in the private folder.
+  int MakeAll(const std::string& directory) const {
+    if (directory.empty() || written.HasDirectory(directory)) return 0;
+    const int error = MakeAll(ParentOf(directory));
+    return error != 0 ? error : written.MakeDirectory(directory);
+  }
+};
+
+Storage::Storage(const std::filesystem::path& folder, Keep keep)
+    : folder_(folder), view_(keep == Keep::kInView ? std::make_unique<View>() : nullptr) {}
+
+Storage::~Storage() = default;
+Storage::Storage(Storage&&) noexcept = default;
+
+OpenedFile Storage::OpenBelow(const std::string& path) const {
+  return view_->Hides(path) ? OpenedFile{{}, ENOENT} : folder_.OpenForReading(path);
 }
 
 OpenedFile Storage::OpenForReading(const std::string& path) const {
-  return RegularFile(OpenBeneath(path, O_RDONLY));
+  if (!view_) return folder_.OpenForReading(path);
+  OpenedFile written = view_->written.OpenForReading(path);
+  return written.error == ENOENT ? OpenBelow(path) : std::move(written);
+}
+
+/// Refuses what the folder would refuse, and makes the way to the file in the private folder.
+int Storage::PrepareToWrite(const std::string& path) const {
+  const OpenedFile below = OpenBelow(path);
+  if (!below.file && below.error != ENOENT) return below.error;
+  if (below.file && IsReadOnly(below)) return EACCES;
+  if (!HasDirectory(ParentOf(path))) return ENOENT;
+  return view_->MakeAll(ParentOf(path));
 }
 
 OpenedFile Storage::OpenForWriting(const std::string& path) const {
-  // Emptied only once it is known to be a regular file.
-  OpenedFile opened = RegularFile(OpenBeneath(path, O_RDWR | O_CREAT));
-  if (opened.file && ::ftruncate(opened.file.Get(), 0) != 0) return {{}, errno};
+  if (!view_) return folder_.OpenForWriting(path);
+  if (const int error = PrepareToWrite(path); error != 0) return {{}, error};
+  OpenedFile opened = view_->written.OpenForWriting(path);
+  if (opened.file) view_->hidden.insert(path);
   return opened;
 }
 
 int Storage::Remove(const std::string& path) const {
-  const base::FileDescriptor parent = OpenParent(path);
-  if (!parent) return errno;
-  StorageEntry entry;
-  if (!ReadEntry(parent.Get(), NameOf(path).c_str(), entry)) return ENOENT;
-  return ::unlinkat(parent.Get(), entry.name.c_str(), 0) == 0 ? 0 : errno;
+  if (!view_) return folder_.Remove(path);
+  if (view_->Hides(path)) return view_->written.Remove(path);
+  const OpenedFile below = OpenBelow(path);
+  if (!below.file) return below.error;
+  view_->hidden.insert(path);
+  return 0;
 }
 
 int Storage::MakeDirectory(const std::string& path) const {
-  const base::FileDescriptor parent = OpenParent(path);
-  if (!parent) return errno;
-  if (::mkdirat(parent.Get(), NameOf(path).c_str(), 0755) == 0) return 0;
-  return errno == EEXIST && HasDirectory(path) ? 0 : errno;
+  if (!view_) return folder_.MakeDirectory(path);
+  if (HasDirectory(path)) return 0;
+  if (OpenBelow(path).error != ENOENT) return EEXIST;
+  if (!HasDirectory(ParentOf(path))) return ENOENT;
+  const int error = view_->MakeAll(ParentOf(path));
+  return error != 0 ? error : view_->written.MakeDirectory(path);
 }
 
 bool Storage::HasDirectory(const std::string& path) const {
-  return static_cast<bool>(OpenBeneath(path, O_RDONLY | O_DIRECTORY));
+  return (view_ && view_->written.HasDirectory(path)) || folder_.HasDirectory(path);
 }
 
 std::vector<StorageEntry> Storage::List(const std::string& path) const {
-  std::vector<StorageEntry> entries;
-  base::FileDescriptor file = OpenBeneath(path, O_RDONLY | O_DIRECTORY);
-  if (!file) return entries;
-  const Directory directory(::fdopendir(file.Get()));
-  if (!directory) return entries;
-  file.Release();
-  while (const dirent* found = ::readdir(directory.get())) {
-    StorageEntry entry;
-    if (ReadEntry(::dirfd(directory.get()), found->d_name, entry)) entries.push_back(std::move(entry));
+  std::vector<StorageEntry> below = folder_.List(path);
+  if (!view_) return below;
+  std::vector<StorageEntry> entries = view_->written.List(path);
+  std::set<std::string> names;
+  for (const StorageEntry& entry : entries) names.insert(entry.name);
+  for (StorageEntry& entry : below) {
+    if (!names.contains(entry.name) && !view_->Hides(Join(path, entry.name))) entries.push_back(std::move(entry));
   }
   std::sort(entries.begin(), entries.end(),
             [](const StorageEntry& a, const StorageEntry& b) { return a.name < b.name; });
@@ -130,15 +136,11 @@ std::vector<StorageEntry> Storage::List(const std::string& path) const {
 }
 
 int Storage::Replace(const std::string& path, std::string_view content, unsigned mode) const {
-  const base::FileDescriptor parent = OpenParent(path);
-  if (!parent) return errno;
-  const std::string name = NameOf(path);
-  const std::string temporary = name + ".new";
-  const base::FileDescriptor file(
-      ::openat(parent.Get(), temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, mode));
-  if (!file) return errno;
-  if (const int error = base::WriteAll(file.Get(), content); error != 0) return error;
-  return ::renameat(parent.Get(), temporary.c_str(), parent.Get(), name.c_str()) == 0 ? 0 : errno;
+  if (!view_) return folder_.Replace(path, content, mode);
+  if (const int error = PrepareToWrite(path); error != 0) return error;
+  const int error = view_->written.Replace(path, content, mode);
+  if (error == 0) view_->hidden.insert(path);
+  return error;
 }
 
 wire::Sense SenseOfErrno(int error) {

@@ -1,68 +1,48 @@
 #ifndef KELVA_VCAM_DEVICE_STORAGE_H_
 #define KELVA_VCAM_DEVICE_STORAGE_H_
 
-#include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "base/FileDescriptor.h"
+#include "vcam/device/StorageFolder.h"
 #include "wire/Command.h"
 
 namespace vcam {
 
-/// Differs when a file has changed since the last look.
-struct FileStamp {
-  std::uint64_t size = 0;
-  std::int64_t modifiedNs = 0;
-  std::int64_t changedNs = 0;
-  std::uint64_t inode = 0;
-  bool operator==(const FileStamp&) const = default;
-};
+/// Who sees what a host writes and deletes: everyone, in the storage folder, or the hosts of this camera alone.
+enum class Keep : bool { kInFolder, kInView };
 
-/// One file or directory of the storage.
-struct StorageEntry {
-  std::string name;
-  bool isDirectory = false;
-  bool isReadOnly = false;
-  FileStamp stamp;
-};
-
-/// A file that was opened, or the errno that says why not.
-struct OpenedFile {
-  base::FileDescriptor file;
-  int error = 0;
-  FileStamp stamp{};
-};
-
-/// The storage folder. Paths are relative to it, separated by '/', as RelativePath makes them; the kernel resolves them
-/// below the folder and follows no symbolic link, so nothing outside is ever reached. Only regular files and
-/// directories exist for the camera.
+/// Drive I: of the camera, over a storage folder. With Keep::kInView the folder never changes: what hosts write lies in
+/// a private folder below the system's folder for temporary files, which ends with this object, and what they delete is
+/// hidden. Hosts see the same as with Keep::kInFolder, but for one thing: the folder's own permissions on its
+/// directories forbid nothing.
 class Storage {
  public:
   /// Throws std::runtime_error with one sentence when the folder is missing, not a folder, or unreadable.
-  explicit Storage(const std::filesystem::path& folder);
+  explicit Storage(const std::filesystem::path& folder, Keep keep = Keep::kInFolder);
+  ~Storage();
+  Storage(Storage&&) noexcept;
+
+  // These do what the members of StorageFolder do.
 
   OpenedFile OpenForReading(const std::string& path) const;
-  /// Creates the file, or empties it; its directory must exist.
   OpenedFile OpenForWriting(const std::string& path) const;
-  /// Deletes a file, never a directory. Returns 0 or the errno.
   int Remove(const std::string& path) const;
-  /// Returns 0 or the errno; a directory that exists already is success.
   int MakeDirectory(const std::string& path) const;
-  /// Whether this is a directory.
   bool HasDirectory(const std::string& path) const;
-  /// The entries of a directory by name, without "." and ".."; empty when there is no such directory. Names that a
-  /// camera path cannot hold are left out.
   std::vector<StorageEntry> List(const std::string& path) const;
-  /// Replaces a small file as a whole, through a temporary file and a rename. Returns 0 or the errno.
   int Replace(const std::string& path, std::string_view content, unsigned mode) const;
 
  private:
-  base::FileDescriptor OpenBeneath(const std::string& path, std::uint64_t flags) const;
-  base::FileDescriptor OpenParent(const std::string& path) const;
+  struct View;
+  OpenedFile OpenBelow(const std::string& path) const;
+  int PrepareToWrite(const std::string& path) const;
 
-  base::FileDescriptor root_;
+  StorageFolder folder_;
+  /// What the hosts have changed; null when they change the folder.
+  std::unique_ptr<View> view_;
 };
 
 /// The sense data with which the camera refuses a command that ended in this errno.

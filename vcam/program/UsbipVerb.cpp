@@ -54,6 +54,7 @@ Options OptionsOf(const apps::Invocation& call) {
                                                     std::to_string(usbip::kMaxStringLength) + " characters.");
   }
   options.storage = *call.Value("storage");
+  options.keep = call.Has("writable") ? Keep::kInFolder : Keep::kInView;
   options.revision = call.Value("revision").value_or(options.revision);
   options.peripheralType = PeripheralType(call);
   const std::string name = call.Value("catalogue").value_or("standard");
@@ -129,6 +130,7 @@ std::span<const apps::Verb> UsbipVerbs() {
       kCatalogue,
       kSpeed,
       {"port", 0, "N", "Port of loopback to listen on; 0 takes any; 3240 if not given."},
+      {"writable", 0, "", "Keep in the folder what a host writes and deletes; otherwise the folder stays as it is."},
       {"attach", 0, "", "Plug the camera in at once, without the usbip command; needs root."},
       {"fault", 0, "FAULT", faults}};
   static const apps::Verb verbs[] = {
@@ -136,7 +138,9 @@ std::span<const apps::Verb> UsbipVerbs() {
        "Be a USB device that this machine's kernel attaches",
        {},
        options,
-       "Offers one camera on loopback, and nowhere else, until SIGTERM or Ctrl-C. Needs the kernel module vhci-hcd.",
+       "Offers one camera on loopback, and nowhere else, until SIGTERM or Ctrl-C. Serves this user and root only. What "
+       "a host writes or deletes lasts until the end, and the storage folder stays as it is, unless --writable is "
+       "given. Needs the kernel module vhci-hcd.",
        "serial: its USB serial number; the event \"offering\" also has host, port and bus_id",
        kExamples,
        Usbip}};

@@ -2,6 +2,10 @@
 #include "vcam/server/BusServer.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace vcam::server {
@@ -30,7 +34,10 @@ void BusServer::Run(int stopDescriptor) {
   std::vector<pollfd> waits;
   for (;;) {
     Prepare(stopDescriptor, waits);
-    if (::poll(waits.data(), waits.size(), TimeoutMs()) < 0) continue;
+    if (::poll(waits.data(), waits.size(), pause_.TimeoutMs(TimeoutMs())) < 0) {
+      if (errno == EINTR) continue;
+      throw std::runtime_error(std::string("Cannot wait for requests: ") + std::strerror(errno) + ".");
+    }
     if (waits[kStop].revents != 0) return;
     ServeReady(waits);
     // After the requests: a peer that has just hung up gets no answer any more.
@@ -42,7 +49,9 @@ void BusServer::Run(int stopDescriptor) {
 }
 
 void BusServer::Prepare(int stopDescriptor, std::vector<pollfd>& waits) const {
-  waits.assign({{stopDescriptor, POLLIN, 0}, {listener_.Descriptor(), POLLIN, 0}, {bus_.Descriptor(), POLLIN, 0}});
+  waits.assign({{stopDescriptor, POLLIN, 0},
+                {pause_.Awaited(listener_.Descriptor()), POLLIN, 0},
+                {bus_.Descriptor(), POLLIN, 0}});
   for (const auto& [peer, stream] : streams_) waits.push_back({stream.Descriptor(), stream.Wants(), 0});
 }
 
@@ -94,6 +103,7 @@ void BusServer::AcceptAll() {
     bus_.AddPeer(peer, bus::PeerProcess(socket.Get()));
     streams_.emplace(peer, bus::Stream(std::move(socket)));
   }
+  pause_.NoteFailure(errno);
 }
 
 }  // namespace vcam::server

@@ -7,6 +7,7 @@
 
 #include <poll.h>
 
+#include "base/AcceptPause.h"
 #include "bus/Listener.h"
 #include "bus/Stream.h"
 #include "vcam/server/Bus.h"
@@ -36,6 +37,7 @@ class BusServer {
   std::map<PeerId, bus::Stream> streams_;
   Bus bus_;
   PeerId nextPeer_ = 1;
+  base::AcceptPause pause_;
 };
 
 }  // namespace vcam::server

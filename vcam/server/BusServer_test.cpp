@@ -7,6 +7,7 @@
 #include <iterator>
 #include <random>
 
+#include "base/testing/NoFreeDescriptor.h"
 #include "bus/BusConnection.h"
 #include "vcam/server/testing/TestServer.h"
 
@@ -36,6 +37,21 @@ class BusServerTest : public testing::Test {
 
   test::TestServer server_;
 };
+
+TEST_F(BusServerTest, WaitsWhenNoDescriptorIsFree) {
+  bus::BusConnection connected(server_.Path());
+  base::FileDescriptor waiting;
+  {
+    const base::test::NoFreeDescriptor none(1);
+    waiting = bus::ConnectTo(server_.Path());
+    ASSERT_TRUE(waiting);
+    EXPECT_LT(base::test::ProcessorTimeUntilReadable(waiting.Get(), std::chrono::milliseconds(500)),
+              std::chrono::milliseconds(100));
+    // Peers that are connected are served meanwhile.
+    EXPECT_EQ(connected.Request(bus::Kind::kStatus, {}).kind, bus::Kind::kOk);
+  }
+  EXPECT_EQ(CountCameras(), 0U);
+}
 
 TEST_F(BusServerTest, ServesSeveralPeersAtOnce) {
   bus::BusConnection first(server_.Path());

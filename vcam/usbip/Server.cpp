@@ -7,18 +7,17 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "base/SendAll.h"
 
 namespace vcam::usbip {
 namespace {
 
-// The handshake blocks the loop, so a silent peer must not keep others out for longer.
-constexpr timeval kHandshakeTime{2, 0};
-constexpr timeval kNoTimeout{0, 0};
 constexpr int kBacklog = 8;
 
 [[noreturn]] void Fail(const std::string& what) {
@@ -51,8 +50,19 @@ std::uint16_t PortOf(const base::FileDescriptor& socket) {
   return ntohs(address.sin_port);
 }
 
-void SetReceiveTime(const base::FileDescriptor& socket, const timeval& time) {
-  ::setsockopt(socket.Get(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time));
+/// Fills `bytes`. False when the peer has gone, or has not sent them all at the deadline.
+bool ReceiveBefore(Clock::time_point deadline, int socket, std::span<std::uint8_t> bytes) {
+  while (!bytes.empty()) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    pollfd wait{socket, POLLIN, 0};
+    if (left <= 0) return false;
+    if (::poll(&wait, 1, static_cast<int>(left)) <= 0) continue;
+    const ssize_t count = ::recv(socket, bytes.data(), bytes.size(), MSG_DONTWAIT);
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+    if (count <= 0) return false;
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+  return true;
 }
 
 }  // namespace
@@ -73,43 +83,61 @@ Server::~Server() {
 void Server::Run(int stop) {
   std::array<pollfd, 3> waits{pollfd{stop, POLLIN, 0}, {listener_.Get(), POLLIN, 0}, {gone_.Get(), POLLIN, 0}};
   while (true) {
-    if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) Fail("Cannot wait for hosts");
-    if (waits[0].revents != 0 || waits[2].revents != 0) break;
-    if (waits[1].revents == 0) continue;
-    base::FileDescriptor socket(::accept4(listener_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
-    if (!socket) continue;
-    try {
-      Greet(std::move(socket));
-    } catch (const ProtocolError& error) {
-      onComplaint(error.what());
+    waits[1].fd = pause_.Awaited(listener_.Get());
+    if (::poll(waits.data(), waits.size(), pause_.TimeoutMs()) < 0) {
+      if (errno == EINTR) continue;
+      Fail("Cannot wait for hosts");
     }
+    if (waits[0].revents != 0 || waits[2].revents != 0) break;
+    if (waits[1].revents != 0) Accept();
   }
   EndHost();
+}
+
+void Server::Accept() {
+  base::FileDescriptor socket(::accept4(listener_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+  if (!socket) return pause_.NoteFailure(errno);
+  if (!Admits(socket.Get())) return;
+  try {
+    Greet(std::move(socket));
+  } catch (const ProtocolError& error) {
+    onComplaint(error.what());
+  }
+}
+
+bool Server::Admits(int socket) {
+  const std::optional<uid_t> user = userOf(socket);
+  if (user && (*user == 0 || *user == ::geteuid())) return true;
+  // Said once: whoever tries again and again must not fill the terminal.
+  if (!std::exchange(hasRefused_, true)) {
+    onComplaint("Refused a connection of " + (user ? "user " + std::to_string(*user) : std::string("an unknown user")) +
+                "; only user " + std::to_string(::geteuid()) +
+                " and root may use this camera. Further refusals are not reported.");
+  }
+  return false;
 }
 
 void Server::Greet(base::FileDescriptor socket) {
   const int yes = 1;
   ::setsockopt(socket.Get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof(yes));
-  SetReceiveTime(socket, kHandshakeTime);
+  const auto deadline = Clock::now() + greetingTime;
   std::array<std::uint8_t, kRequestSize> head;
-  if (!base::ReceiveAll(socket.Get(), head)) return;
+  if (!ReceiveBefore(deadline, socket.Get(), head)) return;
   switch (DecodeRequest(head)) {
     case Request::kListDevices:
       base::SendAll(socket.Get(), EncodeDeviceList(offer_));
       return;
     case Request::kImportDevice:
-      Import(std::move(socket));
+      Import(std::move(socket), deadline);
       return;
   }
 }
 
-void Server::Import(base::FileDescriptor socket) {
+void Server::Import(base::FileDescriptor socket, Clock::time_point deadline) {
   std::array<std::uint8_t, kBusIdSize> field;
-  if (!base::ReceiveAll(socket.Get(), field)) return;
+  if (!ReceiveBefore(deadline, socket.Get(), field)) return;
   const bool exists = DecodeBusId(field) == offer_.busId;
   const Outcome outcome = !exists ? Outcome::kNoDevice : HostAttached() ? Outcome::kBusy : Outcome::kOk;
-  // An attached host may be silent for hours.
-  SetReceiveTime(socket, kNoTimeout);
   if (base::SendAll(socket.Get(), EncodeImport(outcome, offer_)) && outcome == Outcome::kOk) Attach(std::move(socket));
 }
 

@@ -1,10 +1,12 @@
 #include "vcam/usbip/Server.h"
 #include "base/SendAll.h"
+#include "base/testing/NoFreeDescriptor.h"
 
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
@@ -14,21 +16,32 @@ namespace vcam::usbip {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 class ServerTest : public ::testing::Test {
  protected:
   ServerTest() {
-    server_.onComplaint = [this](const std::string& sentence) { complaint_ = sentence; };
-    thread_ = std::thread([this] { server_.Run(stop_.Get()); });
+    server_.onComplaint = [this](const std::string& sentence) { complaints_.push_back(sentence); };
+    server_.userOf = [this](int socket) { return users_.empty() ? PeerUser(socket) : NextUser(); };
+    server_.greetingTime = std::chrono::milliseconds(400);
   }
   ~ServerTest() override { Stop(); }
+  void Start() {
+    thread_ = std::thread([this] { server_.Run(stop_.Get()); });
+  }
   void Stop() {
     ::eventfd_write(stop_.Get(), 1);
     if (thread_.joinable()) thread_.join();
   }
+  static base::FileDescriptor NewSocket() {
+    return base::FileDescriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  }
   base::FileDescriptor Connect() {
-    base::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!thread_.joinable()) Start();
+    return Connect(NewSocket());
+  }
+  base::FileDescriptor Connect(base::FileDescriptor socket) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(server_.Port());
@@ -49,8 +62,16 @@ class ServerTest : public ::testing::Test {
     return base::ReceiveAll(socket.Get(), bytes) ? bytes : base::Bytes{};
   }
 
+  /// The users of the next connections, in order. The server's thread reads them, so they are set before it starts.
+  std::optional<uid_t> NextUser() {
+    const std::optional<uid_t> user = users_.front();
+    users_.erase(users_.begin());
+    return user;
+  }
+
   wire::Reply reply_;
-  std::string complaint_;
+  std::vector<std::string> complaints_;
+  std::vector<std::optional<uid_t>> users_;
   Server server_{OfferOf(Speed::kHigh),
                  {{"Kelva", "Camera", "A7", Speed::kHigh}, {}, [this](const wire::Command&) { return reply_; }, {}},
                  0};
@@ -88,7 +109,54 @@ TEST_F(ServerTest, ComplainsOfAPeerThatSpeaksAnotherLanguage) {
   base::SendAll(socket.Get(), base::Bytes{'G', 'E', 'T', ' ', '/', '\r', '\n', '\n'});
   EXPECT_THAT(Receive(socket, 1), IsEmpty());
   Stop();
-  EXPECT_THAT(complaint_, ::testing::HasSubstr("1.1.1"));
+  EXPECT_THAT(complaints_, ElementsAre(HasSubstr("1.1.1")));
+}
+
+TEST_F(ServerTest, ServesItsOwnUserAndRoot) {
+  users_ = {::geteuid(), 0};
+  for (int i = 0; i < 2; ++i) {
+    const base::FileDescriptor socket = AskToImport("1-2");
+    EXPECT_THAT(Receive(socket, 8), ElementsAre(0x01, 0x11, 0, 3, 0, 0, 0, 4));
+  }
+}
+
+TEST_F(ServerTest, RefusesOtherUsersAndComplainsOnce) {
+  const uid_t neighbour = ::geteuid() + 1;
+  users_ = {neighbour, std::nullopt, neighbour, ::geteuid()};
+  for (int i = 0; i < 3; ++i) EXPECT_THAT(Receive(AskToImport("1-1"), 1), IsEmpty());
+  EXPECT_EQ(Receive(AskToImport("1-1"), 320).size(), 320U);
+  Stop();
+  EXPECT_THAT(complaints_, ElementsAre(HasSubstr("connection of user " + std::to_string(neighbour) + ";")));
+}
+
+/// Sends a request for the camera one byte every 30 ms; the number of bytes until the server hangs up.
+std::size_t DripImport(const base::FileDescriptor& socket) {
+  base::Bytes request{0x01, 0x11, 0x80, 0x03, 0, 0, 0, 0, '1', '-', '1'};
+  request.resize(8 + 32);
+  for (std::size_t sent = 0; sent < request.size(); ++sent) {
+    pollfd answer{socket.Get(), POLLIN, 0};
+    if (::poll(&answer, 1, 30) != 0) return sent;
+    ::send(socket.Get(), &request[sent], 1, MSG_NOSIGNAL);
+  }
+  return request.size();
+}
+
+TEST_F(ServerTest, GivesTheWholeGreetingOneDeadline) {
+  const base::FileDescriptor socket = Connect();
+  EXPECT_LT(DripImport(socket), 40U);
+  EXPECT_THAT(Receive(socket, 1), IsEmpty());
+}
+
+TEST_F(ServerTest, WaitsWhenNoDescriptorIsFree) {
+  base::FileDescriptor early = NewSocket();
+  Start();
+  std::optional<base::test::NoFreeDescriptor> none(std::in_place);
+  const base::FileDescriptor socket = Connect(std::move(early));
+  EXPECT_TRUE(base::SendAll(socket.Get(), base::Bytes{0x01, 0x11, 0x80, 0x05, 0, 0, 0, 0}));
+  EXPECT_LT(base::test::ProcessorTimeUntilReadable(socket.Get(), std::chrono::milliseconds(500)),
+            std::chrono::milliseconds(100));
+  none.reset();
+  EXPECT_EQ(Receive(socket, 328).size(), 328U);
 }
 
 }  // namespace

@@ -151,6 +151,9 @@ void AttachWithUsbip() {
   const Background offer({"kelva-vcam", "usbip", "--serial", kSerial, "--storage", card.folder().string()},
                          "/tmp/offer");
   Check(Eventually([&] { return offer.Printed().find("Offering") != std::string::npos; }), offer.Printed());
+  const Outcome neighbour = RunProgram(AsPerson({"usbip", "list", "-r", "127.0.0.1"}));
+  Check(neighbour.output.find("1-1") == std::string::npos, "another user sees the camera: " + neighbour.output);
+  Check(offer.Printed().find("Refused a connection of user ") != std::string::npos, offer.Printed());
   const Outcome attach = RunProgram({"usbip", "attach", "-r", "127.0.0.1", "-b", "1-1"});
   Check(attach.code == 0, attach.output);
   const bool there = Eventually([] { return !NodeOf(kSerial).empty(); });

@@ -1,0 +1,100 @@
+#include "vcam/device/StorageFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <sys/stat.h>
+
+#include <cerrno>
+
+#include "vcam/camera/testing/TestSupport.h"
+
+namespace vcam {
+namespace {
+
+using test::ScratchStorage;
+
+TEST(StorageFolder, OpensARegularFileAndTellsItsSize) {
+  const ScratchStorage scratch;
+  scratch.Put("DCIM/a.jpg", "12345");
+  const OpenedFile opened = StorageFolder(scratch.Path()).OpenForReading("DCIM/a.jpg");
+  EXPECT_TRUE(opened.file);
+  EXPECT_EQ(opened.stamp.size, 5U);
+}
+
+TEST(StorageFolder, DoesNotOpenWhatIsNoRegularFile) {
+  const ScratchStorage scratch;
+  scratch.Put("DCIM/a.jpg", "12345");
+  ::mkfifo((scratch.Path() / "fifo").c_str(), 0600);
+  const StorageFolder storage(scratch.Path());
+  EXPECT_EQ(storage.OpenForReading("DCIM").error, EISDIR);
+  EXPECT_FALSE(storage.OpenForReading("fifo").file);
+  EXPECT_EQ(storage.OpenForReading("missing").error, ENOENT);
+}
+
+TEST(StorageFolder, FollowsNoSymbolicLink) {
+  const ScratchStorage scratch;
+  const ScratchStorage outside;
+  outside.Put("secret", "secret");
+  std::filesystem::create_symlink(outside.Path() / "secret", scratch.Path() / "link");
+  std::filesystem::create_directory_symlink(outside.Path(), scratch.Path() / "folder");
+  const StorageFolder storage(scratch.Path());
+  EXPECT_FALSE(storage.OpenForReading("link").file);
+  EXPECT_FALSE(storage.OpenForWriting("link").file);
+  EXPECT_FALSE(storage.OpenForReading("folder/secret").file);
+  EXPECT_NE(storage.Remove("folder/secret"), 0);
+  EXPECT_NE(storage.Remove("link"), 0);
+  EXPECT_TRUE(storage.List("").empty());
+  EXPECT_EQ(outside.Get("secret"), "secret");
+}
+
+TEST(StorageFolder, StaysBelowItsFolder) {
+  const ScratchStorage scratch;
+  scratch.Put("inner/a", "a");
+  scratch.Put("outer", "o");
+  const StorageFolder storage(scratch.Path() / "inner");
+  EXPECT_FALSE(storage.OpenForReading("../outer").file);
+  EXPECT_FALSE(storage.OpenForReading("/etc/passwd").file);
+  EXPECT_NE(storage.Remove("../outer"), 0);
+}
+
+TEST(StorageFolder, EmptiesAFileThatIsWrittenAgain) {
+  const ScratchStorage scratch;
+  scratch.Put("a", "12345");
+  EXPECT_TRUE(StorageFolder(scratch.Path()).OpenForWriting("a").file);
+  EXPECT_EQ(scratch.Get("a"), "");
+}
+
+TEST(StorageFolder, DeletesFilesButNoDirectory) {
+  const ScratchStorage scratch;
+  scratch.Put("DCIM/a", "1");
+  const StorageFolder storage(scratch.Path());
+  EXPECT_EQ(storage.Remove("DCIM/a"), 0);
+  EXPECT_EQ(storage.Remove("DCIM/a"), ENOENT);
+  EXPECT_NE(storage.Remove("DCIM"), 0);
+  EXPECT_TRUE(scratch.Has("DCIM"));
+}
+
+TEST(StorageFolder, ListsByNameWithoutWhatTheCameraCannotSay) {
+  const ScratchStorage scratch;
+  scratch.Put("b", "22");
+  scratch.Put("a/x", "1");
+  scratch.Put("back\\slash", "1");
+  scratch.Put(".kelva/state", "");
+  const auto entries = StorageFolder(scratch.Path()).List("");
+  ASSERT_EQ(entries.size(), 2U);
+  EXPECT_EQ(entries[0].name, "a");
+  EXPECT_TRUE(entries[0].isDirectory);
+  EXPECT_EQ(entries[1].name, "b");
+  EXPECT_EQ(entries[1].stamp.size, 2U);
+}
+
+TEST(StorageFolder, ReplacesAFileAsAWhole) {
+  const ScratchStorage scratch;
+  scratch.Put("a", "old and long");
+  EXPECT_EQ(StorageFolder(scratch.Path()).Replace("a", "new", 0600), 0);
+  EXPECT_EQ(scratch.Get("a"), "new");
+  EXPECT_FALSE(scratch.Has("a.new"));
+}
+
+}  // namespace
+}  // namespace vcam
