@@ -137,6 +137,16 @@ TEST(EventLoop, AMomentMakesItReadable) {
   alarm->Release();
 }
 
+TEST(EventLoop, AMomentThatIsFarDoesNotMakeItReadableYet) {
+  auto* alarm = new Alarm(60'000);
+  CFRunLoopAddSource(CFRunLoopGetCurrent(), cf::ToSourceRef(alarm), kCFRunLoopDefaultMode);
+  EventDescriptor();
+  DispatchEvents();
+  EXPECT_FALSE(IsReadable(EventDescriptor()));
+  alarm->Invalidate();
+  alarm->Release();
+}
+
 TEST(EventLoop, EachThreadHasItsOwnDescriptor) {
   int there = -1;
   bool readable = true;

@@ -65,6 +65,14 @@ TEST(RunLoop, ATimedSourceIsPerformedAtItsMomentWithoutAnyDescriptor) {
   EXPECT_EQ(counter->performed, 5);
 }
 
+TEST(RunLoop, EverySourceOfAModeIsPerformed) {
+  const Joined<Counter> first;
+  const Joined<Counter> second;
+  CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+  EXPECT_EQ(first->performed, 1);
+  EXPECT_EQ(second->performed, 1);
+}
+
 TEST(RunLoop, ASourceMayInvalidateItselfAndTheNext) {
   const Joined<Counter> first;
   const Joined<Counter> second;

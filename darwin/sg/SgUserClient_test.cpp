@@ -197,6 +197,15 @@ TEST_F(SgUserClientTest, DataToTheCameraAreTheCallersBytes) {
   EXPECT_EQ(result_.actualLength, 5);
 }
 
+TEST_F(SgUserClientTest, OneByteIsATransfer) {
+  client_.CallScalar(0);
+  AnswerWith(0x11, 0);
+  EXPECT_EQ(Call(Request(2, 1)), kIOReturnSuccess);
+  EXPECT_EQ(result_.actualLength, 1);
+  EXPECT_THAT(std::span(buffer_).first(1), Each(0x11));
+  EXPECT_THAT(std::span(buffer_).subspan(1), Each(0xEE));
+}
+
 TEST_F(SgUserClientTest, WithoutADirectionNothingIsMovedWhateverTheLength) {
   client_.CallScalar(0);
   for (std::uint8_t direction : std::array<std::uint8_t, 3>{0, 3, 255}) {

@@ -46,6 +46,16 @@ TEST_F(CameraTrackerTest, AnOldRemovalDoesNotEndTheCameraThatCameAfterIt) {
   EXPECT_EQ(machine_.publishes, 1);
 }
 
+TEST_F(CameraTrackerTest, TheLatestRemovalBeforeTheEnumerationDoesNotEndTheCameraThatIsBack) {
+  machine_.Plug(Camera("A"));
+  machine_.Unplug(Camera("A").path);
+  machine_.Appear(Camera("A"));
+  tracker_.Start();
+  tracker_.Dispatch();
+  EXPECT_THAT(machine_.Published(), ElementsAre("A"));
+  EXPECT_EQ(machine_.publishes, 1);
+}
+
 TEST_F(CameraTrackerTest, ARemovalSentBeforeTheEnumerationCountsWhenTheCameraIsGone) {
   machine_.Plug(Camera("A"));
   tracker_.Start();
@@ -164,6 +174,15 @@ TEST_F(CameraTrackerTest, TheStartWaitsAtMostASecondAndSaysWhatIsMissing) {
   EXPECT_THAT(machine_.Published(), IsEmpty());
   EXPECT_THAT(machine_.reports, ElementsAre(HasSubstr("cannot use /dev/sg0 (Permission denied)")));
   EXPECT_EQ(tracker_.TimeoutMs(), -1);
+}
+
+TEST_F(CameraTrackerTest, ACameraThatIsUsableIsPublishedOnceWhileTheStartWaitsForAnother) {
+  machine_.Plug(Camera("A", "/devices/1/sg0"));
+  machine_.Plug(Camera("B", "/devices/2/sg1"));
+  machine_.unusable.insert("/dev/sg1");
+  tracker_.Start();
+  EXPECT_THAT(machine_.Published(), ElementsAre("A"));
+  EXPECT_EQ(machine_.publishes, 1);
 }
 
 TEST_F(CameraTrackerTest, AStartWithoutMissingPermissionsDoesNotWait) {

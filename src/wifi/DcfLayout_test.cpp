@@ -160,6 +160,11 @@ TEST(DcfLayout, TheLaterOfTwoFieldsWinsAlsoOutsideTheStride) {
   EXPECT_EQ(kelva::DcfLayout(header.header()).Decode("abcdefgh").value9, 0x68676665u);
 }
 
+TEST(DcfLayout, ReadsNoFieldBehindTheCount) {
+  const Unaligned header(Bytes({1, 0, 0, 0, 8, 0, 0, 0, 1, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 4, 0, 0, 0}));
+  EXPECT_EQ(kelva::DcfLayout(header.header()).Decode("abcdefgh").value9, 0x64636261u);
+}
+
 TEST(DcfLayout, AFieldThatIsSkippedDoesNotTakeThePlaceOfAnEarlierOne) {
   const Unaligned header(
       Bytes({1, 0, 0, 0, 4, 0, 0, 0, 2, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF}));

@@ -21,6 +21,15 @@ TEST(DirectoryListing, IsAHeaderATableAndNamesAtOffsetsOfTheAnswer) {
   EXPECT_EQ(entries[0].attributes, 0x21);
 }
 
+TEST(DirectoryListing, EndsWithItsCountAlthoughTheTableGoesOn) {
+  const auto entries = kelva::DecodeListing(Bytes({0,    0, 0, 0, 1, 0, 0, 0,               //
+                                                   0x20, 0, 0, 0, 5, 0, 0, 0, 32, 0, 0, 0,  //
+                                                   0x20, 0, 0, 0, 6, 0, 0, 0, 32, 0, 0, 0,  //
+                                                   'A',  0}));
+  ASSERT_EQ(entries.size(), 1u);
+  EXPECT_EQ(entries[0].size, 5);
+}
+
 TEST(DirectoryListing, WithoutAWholeHeaderIsEmpty) {
   EXPECT_TRUE(kelva::DecodeListing({}).empty());
   EXPECT_TRUE(kelva::DecodeListing(Bytes({0, 0, 0, 0, 1, 0, 0})).empty());

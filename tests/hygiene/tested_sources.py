@@ -9,7 +9,7 @@ MAINS = ("main.cpp", "main.mm")
 ELSEWHERE = {
     # The frameworks' behaviour is one suite, written against their calls and not against these files.
     "darwin/conformance": """
-        darwin/cf/Dictionary.cpp darwin/cf/MacRoman.cpp darwin/cf/Number.cpp darwin/cf/Object.cpp
+        darwin/cf/Dictionary.cpp darwin/cf/Number.cpp darwin/cf/Object.cpp
         darwin/cf/RunLoopSource.cpp darwin/cf/String.cpp darwin/registry/Accounting.cpp darwin/registry/Entry.cpp
         darwin/registry/IoKitConnections.cpp darwin/registry/IoKitObjects.cpp darwin/registry/IoKitServices.cpp
         darwin/registry/Notification.cpp darwin/registry/NotificationPort.cpp darwin/virtual/VirtualRegistry.cpp""",
@@ -17,8 +17,7 @@ ELSEWHERE = {
     "darwin/cf/EventLoop_test.cpp": "darwin/cf/WatchDescriptor.cpp",
     # They talk to udev and to the kernel, which a mock machine answers there.
     "tests/umockdev": """
-        darwin/sg/SgSystem.cpp darwin/udev/UdevSource.cpp darwin/udev/UdevUnitSource.cpp
-        darwin/udev/UnitReader.cpp""",
+        darwin/udev/UdevSource.cpp darwin/udev/UdevUnitSource.cpp darwin/udev/UnitReader.cpp""",
     # What an installed library does that names no source.
     "embed/EventLoop_test.cpp": "embed/EventDescriptor.cpp",
     "tests/macos/library_sources_test.py": "embed/macos/EventDescriptor.cpp",

@@ -48,6 +48,17 @@ TEST_F(CameraClockTest, RefusesWhatIsNoTime) {
   EXPECT_FALSE(clock_.Set(base::Bytes(13, 0x01)));
 }
 
+TEST_F(CameraClockTest, TakesTheYearsThatAFileOnTheCardCanHave) {
+  const auto january = [](int year) {
+    return base::Bytes{
+        static_cast<std::uint8_t>(year), static_cast<std::uint8_t>(year >> 8), 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+  };
+  EXPECT_FALSE(clock_.Set(january(1979)));
+  EXPECT_TRUE(clock_.Set(january(1980)));
+  EXPECT_TRUE(clock_.Set(january(2107)));
+  EXPECT_FALSE(clock_.Set(january(2108)));
+}
+
 TEST_F(CameraClockTest, KeepsItsOffsetToTheHostsTime) {
   clock_.SetOffset(seconds(60));
   EXPECT_EQ(clock_.Read()[8], 10);

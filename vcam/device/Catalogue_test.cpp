@@ -69,5 +69,14 @@ TEST(Catalogue, MarksItsCountItsOffsetsAndItsNames) {
   EXPECT_EQ(data.marks.names[3].offset, 92U + 128U + 8U);
 }
 
+TEST(Catalogue, MarksNamesWhereItsLayoutPutsThem) {
+  const DataSet data = BuildCatalogue({base::Bytes(128), base::Bytes(128)}, {32, {{1, 0}, {0, 4}}});
+  ASSERT_EQ(data.marks.names.size(), 4U);
+  EXPECT_EQ(data.marks.names[0].offset, 28U + 4U);
+  EXPECT_EQ(data.marks.names[1].offset, 28U + 4U + 8U);
+  EXPECT_EQ(data.marks.names[2].offset, 28U + 32U + 4U);
+  EXPECT_EQ(data.marks.names[3].offset, 28U + 32U + 4U + 8U);
+}
+
 }  // namespace
 }  // namespace vcam

@@ -30,6 +30,24 @@ TEST_F(ChunksTest, RefusesWritingWithoutAFile) {
   EXPECT_EQ(Tell(*camera_, {0xC3, 0, 1}).sense, sense::kBadCommandField);
 }
 
+TEST_F(ChunksTest, ClosesTheFileWithTheEndAndNotesIt) {
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\a)").Good());
+  ASSERT_TRUE(Send(*camera_, {0xC5, 0, 0}, {'x', 'y'}).Good());
+  ASSERT_TRUE(Tell(*camera_, {0xC3}).Good());
+  EXPECT_EQ(Tell(*camera_, {0xC3}).sense, sense::kWrongSequence);
+  EXPECT_EQ(Send(*camera_, {0xC5}, {'z'}).sense, sense::kWrongSequence);
+  EXPECT_EQ(scratch_.Get("a"), "xy");
+  EXPECT_THAT(AsText(Ask(*camera_, {0xC6, 0, 0x02}, 65536).data), testing::HasSubstr(R"(wrote I:\a, 2 bytes)"));
+}
+
+TEST_F(ChunksTest, ClosesTheFileWhenFirmwareIsAnnounced) {
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\a)").Good());
+  ASSERT_TRUE(Tell(*camera_, {0xC1, 0, 1}).Good());
+  ASSERT_TRUE(Send(*camera_, {0xC5}, {'x'}).Good());
+  EXPECT_EQ(scratch_.Get("a"), "");
+  EXPECT_EQ(Tell(*camera_, {0xC3}).sense, sense::kWrongSequence);
+}
+
 TEST_F(ChunksTest, StopsWritingWhenSomethingElseIsSelected) {
   ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\a)").Good());
   ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x02}).Good());
@@ -74,6 +92,17 @@ TEST_F(ChunksTest, CanFailAnUpgradeHalfWay) {
   ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
   now_ += std::chrono::seconds(3);
   EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (base::Bytes{0, 0, 0x40, 0x3F, 0, 0, 0, 0, 1, 0, 0, 0}));
+}
+
+TEST_F(ChunksTest, FailsOneUpgradeAlone) {
+  camera_->Arm({FaultKind::kUpgradeFails});
+  for (const std::uint8_t failed : base::Bytes{1, 0}) {
+    ASSERT_TRUE(Tell(*camera_, {0xC1, 0, 1}).Good());
+    ASSERT_TRUE(Send(*camera_, {0xC5}, {'x'}).Good());
+    ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
+    now_ += std::chrono::seconds(3);
+    EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data[8], failed);
+  }
 }
 
 }  // namespace

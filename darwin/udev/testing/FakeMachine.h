@@ -20,6 +20,8 @@ class FakeMachine : public UnitSource, public Surroundings, public Publisher {
   /// A device comes or goes, and a message about it is queued.
   void Plug(const ScsiUnit& unit);
   void Unplug(const std::string& path);
+  /// A device is in sysfs already; the message about it has still to be numbered and sent.
+  void Appear(const ScsiUnit& unit) { present_[unit.path] = unit; }
   /// The n-th call of Receive from now on (1 is the next) reports an overflow and loses what is queued beyond `kept`.
   void OverflowAtReceive(int n, std::size_t kept = 0) { overflowAt_ = receives_ + n, kept_ = kept; }
   bool QueueIsEmpty() const { return queue_.empty(); }
