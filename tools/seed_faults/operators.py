@@ -162,11 +162,13 @@ def droplock(source):
 
 
 def swap(source):
+    """Two assignments are left as they are: their order hardly ever matters."""
     simple = [(start, end) for start, end in source.statements()
               if is_call(source.code[start:end]) or is_assignment(source.code[start:end])]
     for (first, middle), (second, end) in zip(simple, simple[1:]):
         between = source.code[middle:second]
-        if not between.strip() and between.count("\n") == 1:
+        calls = is_call(source.code[first:middle]) or is_call(source.code[second:end])
+        if calls and not between.strip() and between.count("\n") == 1:
             made = source.text[second:end] + source.text[middle:second] + source.text[first:middle]
             yield Fault("swap", source.line(first), first, end, made)
 
@@ -174,7 +176,7 @@ def swap(source):
 def ret(source):
     for start, end in source.statements():
         value = source.code[start + 7:end - 1].strip()
-        if source.code[start:start + 7] == "return " and value not in ("true", "false", "{}", "0", "nullptr", "std::nullopt", "*this"):
+        if source.code[start:start + 7] == "return " and value not in ("true", "false", "{}", "0", "nullptr", "std::nullopt", "kIOReturnSuccess", "*this"):
             yield Fault("ret", source.line(start), start, end, "return {};")
 
 
