@@ -5,11 +5,13 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <functional>
 #include <iterator>
 #include <limits>
 #include <set>
+#include <thread>
 
 #include "base/FirstException.h"
 #include "darwin/cf/EventLoop.h"
@@ -22,6 +24,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* kDefaultMode = "kCFRunLoopDefaultMode";
 constexpr CFTimeInterval kLongestWait = 1.0e9;
+constexpr int kLookMs = 100;
 
 /// The moment so many seconds from now.
 Clock::time_point After(CFTimeInterval seconds) {
@@ -96,8 +99,8 @@ RunLoop& RunLoop::Current() {
 }
 
 void RunLoop::Add(RunLoopSource& source, const std::string& mode) {
-  if (!source.IsValid() || Contains(source, mode)) return;
   const std::lock_guard lock(mutex_);
+  if (!source.IsValid() || Has(source, mode)) return;
   members_.push_back({mode, SourceRef(source)});
   wakeUp_.Signal();
 }
@@ -108,6 +111,10 @@ void RunLoop::Remove(const RunLoopSource& source, const std::string& mode) {
 
 bool RunLoop::Contains(const RunLoopSource& source, const std::string& mode) {
   const std::lock_guard lock(mutex_);
+  return Has(source, mode);
+}
+
+bool RunLoop::Has(const RunLoopSource& source, const std::string& mode) const {
   return std::any_of(members_.begin(), members_.end(),
                      [&](const Member& member) { return member.source.Get() == &source && member.mode == mode; });
 }
@@ -197,7 +204,9 @@ void RunLoop::Wait(const std::vector<SourceRef>& sources, int timeoutMs) {
   std::vector<pollfd> entries{{wakeUp_.Descriptor(), POLLIN, 0}};
   for (const int descriptor : DescriptorsOf(sources)) entries.push_back({descriptor, POLLIN, 0});
   // An interrupted wait is a short one: the caller looks again.
-  ::poll(entries.data(), entries.size(), timeoutMs);
+  if (::poll(entries.data(), entries.size(), timeoutMs) >= 0 || errno == EINTR) return;
+  // The system has no memory for the wait, or allows this process fewer descriptors: look at the sources now and then.
+  std::this_thread::sleep_for(std::chrono::milliseconds(Sooner(timeoutMs, kLookMs)));
 }
 
 void RunLoop::UpdateWatch() {

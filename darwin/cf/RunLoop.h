@@ -69,6 +69,7 @@ class RunLoop final : public Object {
     SourceRef source;
   };
 
+  bool Has(const RunLoopSource& source, const std::string& mode) const;
   template <class Predicate>
   void RemoveIf(Predicate predicate);
   std::vector<SourceRef> SourcesOf(const std::string& mode);

@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
+#include <sys/resource.h>
 
+#include <atomic>
 #include <functional>
 #include <stdexcept>
+#include <thread>
 #include <utility>
+#include <vector>
 
 namespace darwin::cf {
 namespace {
@@ -71,6 +75,50 @@ TEST(RunLoop, EverySourceOfAModeIsPerformed) {
   CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
   EXPECT_EQ(first->performed, 1);
   EXPECT_EQ(second->performed, 1);
+}
+
+TEST(RunLoop, ASourceThatTwoThreadsAddAtOnceIsInTheLoopOnce) {
+  constexpr int kRounds = 1000;
+  RunLoop& loop = RunLoop::Current();
+  Counter* const counter = new Counter;
+  // Threads that look through a long list keep the loop's lock busy, so that an addition is often kept waiting.
+  std::vector<Counter*> crowd(2000);
+  for (Counter*& one : crowd) loop.Add(*(one = new Counter), "crowd");
+  std::atomic<bool> done{false};
+  const auto look = [&] {
+    while (!done) loop.Contains(*counter, "crowd");
+  };
+  std::thread firstLooker(look);
+  std::thread secondLooker(look);
+  for (int round = 0; round < kRounds; ++round) {
+    std::thread other([&] { loop.Add(*counter, "race"); });
+    loop.Add(*counter, "race");
+    other.join();
+    loop.Run("race", 0, false);
+    loop.Remove(*counter, "race");
+  }
+  done = true;
+  firstLooker.join();
+  secondLooker.join();
+  EXPECT_EQ(counter->performed, kRounds);
+  counter->Release();
+  for (Counter* one : crowd) {
+    one->Invalidate();
+    one->Release();
+  }
+}
+
+TEST(RunLoop, DoesNotSpinWhenTheSystemRefusesToWait) {
+  const Joined<Counter> counter;
+  rlimit before{};
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  // Poll refuses more entries than this process may have descriptors.
+  const rlimit none{0, before.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, false);
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_GE(counter->performed, 1);
+  EXPECT_LE(counter->performed, 4);
 }
 
 TEST(RunLoop, ASourceMayInvalidateItselfAndTheNext) {

@@ -1,5 +1,6 @@
 // When a source is asked, and what becomes of its failures.
 
+#include <poll.h>
 #include <sys/eventfd.h>
 
 #include <atomic>
@@ -7,6 +8,7 @@
 #include <thread>
 
 #include "base/FileDescriptor.h"
+#include "darwin/cf/EventLoop.h"
 #include "darwin/registry/testing/RegistryFixture.h"
 
 namespace darwin {
@@ -157,6 +159,24 @@ TEST_F(Source, AMomentThatItWantsSinceAnotherThreadsLookWakesTheSleepingLoop) {
   });
   EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1000, false), kCFRunLoopRunStopped);
   worker.join();
+}
+
+bool EventsAreReadable() {
+  pollfd events{EventDescriptor(), POLLIN, 0};
+  return ::poll(&events, 1, 0) == 1;
+}
+
+TEST_F(Source, AnyMomentThatItWantsSinceALookIsToldToThoseWhoWait) {
+  const Listening listening;
+  for (const int moment : {0, 1}) {
+    script_.timeoutMs = -1;
+    Count(IOServiceMatching("Camera"));
+    DispatchEvents();
+    EXPECT_FALSE(EventsAreReadable());
+    script_.timeoutMs = moment;
+    Count(IOServiceMatching("Camera"));
+    EXPECT_TRUE(EventsAreReadable()) << moment << " ms";
+  }
 }
 
 TEST_F(Source, AFailedStartFailsTheLookInItsOwnWordsAndIsTriedAgain) {
