@@ -6,9 +6,10 @@ set(kelva_rooms kelva_wifi kelva_usb_osx kelva_embed)
 set(kelva_headers
   src/wifi/Camera.h src/wifi/CameraDirent.h src/wifi/CameraError.h src/wifi/DcfObj.h src/wifi/Sha1obj.h
   src/wifi/VscCdb.h src/wifi/VscRecords.h
-  src/usb/osx/Listener.h embed/CameraSource.h embed/EventLoop.h)
+  src/usb/osx/Listener.h src/usb/osx/OsxCameraError.h
+  embed/CameraSource.h embed/EventLoop.h)
 if(APPLE)
-  list(APPEND kelva_headers src/usb/osx/OsxCamera.h src/usb/osx/OsxCameraError.h)
+  list(APPEND kelva_headers src/usb/osx/OsxCamera.h)
   set(kelva_system_libraries "-framework IOKit" "-framework CoreFoundation")
 else()
   # darwin_udev_default: who names no source gets the machine's cameras.
@@ -28,7 +29,14 @@ target_include_directories(kelva_library INTERFACE
   $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 set_target_properties(kelva_library PROPERTIES
   OUTPUT_NAME kelva EXPORT_NAME kelva LINKER_LANGUAGE CXX
-  VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})  # until 1.0 each 0.x is one of its own
+if(BUILD_SHARED_LIBS AND NOT APPLE)
+  set(kelva_exports "${PROJECT_SOURCE_DIR}/cmake/libkelva.map")
+  set(kelva_interposed "${PROJECT_SOURCE_DIR}/cmake/libkelva.dynamic")
+  target_link_options(kelva_library PRIVATE
+    "LINKER:--version-script=${kelva_exports}" LINKER:-Bsymbolic "LINKER:--dynamic-list=${kelva_interposed}")
+  set_target_properties(kelva_library PROPERTIES LINK_DEPENDS "${kelva_exports};${kelva_interposed}")
+endif()
 
 # The same include tree as the installed one, for programs that build this project as a part of theirs.
 file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/include/kelva")
