@@ -14,27 +14,69 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <cstring>
+#include <functional>
 #include <new>
 
 #include "apps/commandline/Failure.h"
 #include "base/FileDescriptor.h"
 
 namespace apps {
+namespace {
+
+// What is known of one item. 0 stands for no item.
+struct Note {
+  std::uint64_t item;
+  unsigned facts;
+};
+
+enum Fact : unsigned { kReported = 1, kAborted = 2, kKilled = 4, kKilledAgain = 8 };
+
+std::uint64_t ItemOf(std::string_view token) {
+  return std::hash<std::string_view>{}(token) | 1U;
+}
+
+}  // namespace
 
 // Shared memory of all processes of one piece of work. Lock-free atomics and plain arrays only: a process writes here
-// from its handler of SIGABRT.
+// from its handler of SIGABRT, and may be killed at any moment.
 struct Guard::Page {
-  using Token = std::array<char, 80>;
-  static constexpr std::size_t kMostBad = 1024;
+  static constexpr std::size_t kNotes = 16384;
+  static constexpr std::size_t kMostNotes = kNotes / 4 * 3;
+  static constexpr int kMostAborts = 1024;
+  static constexpr int kMostKills = 16;
 
-  Token current{};
+  std::atomic<std::uint64_t> current = 0;  // the item that began last
   std::atomic<bool> inItem = false;
   std::atomic<bool> aborted = false;
-  std::size_t badCount = 0;
-  std::array<Token, kMostBad> bad{};
+  int aborts = 0;
+  int kills = 0;
+  std::array<char, 256> name{};  // of the current item
   std::atomic<unsigned long long> expected = 0;
   std::atomic<unsigned long long> files = 0;
   std::atomic<unsigned long long> bytes = 0;
+  std::size_t noted = 0;
+  // A hash table, nulls at first. Not touched before it is needed: most work fails nowhere.
+  std::array<Note, kNotes> notes;
+
+  unsigned FactsOf(std::uint64_t item) { return noted == 0 ? 0 : notes[PlaceOf(item)].facts; }
+  // When the table is full, new items stay unknown.
+  void Add(std::uint64_t item, Fact fact) {
+    Note& note = notes[PlaceOf(item)];
+    if (note.item == 0) {
+      if (noted == kMostNotes) return;
+      ++noted;
+      note.item = item;
+    }
+    note.facts |= fact;
+  }
+  // Where the note of an item is, or belongs.
+  std::size_t PlaceOf(std::uint64_t item) const {
+    std::size_t i = item % kNotes;
+    while (notes[i].item != 0 && notes[i].item != item) i = (i + 1) % kNotes;
+    return i;
+  }
 
   static Page* ofThisProcess;
 };
@@ -42,17 +84,6 @@ struct Guard::Page {
 Guard::Page* Guard::Page::ofThisProcess = nullptr;
 
 namespace {
-
-template <typename Token>
-void Copy(Token& token, std::string_view text) {
-  token.fill('\0');
-  std::copy_n(text.begin(), std::min(text.size(), token.size() - 1), token.begin());
-}
-
-template <typename Token>
-std::string_view TextOf(const Token& token) {
-  return std::string_view(token.data());
-}
 
 // Waits for the child and hands on the signals that are meant to end the tool.
 int WaitFor(pid_t child) {
@@ -70,18 +101,31 @@ int WaitFor(pid_t child) {
   int status = 0;
   while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return status;
+}
+
+// Killed by somebody else: the signals that end the tool were handed on.
+bool WasKilled(int status) {
+  if (!WIFSIGNALED(status)) return false;
+  const int signal = WTERMSIG(status);
+  return signal != SIGINT && signal != SIGTERM && signal != SIGHUP;
+}
+
+std::string HowKilled(int signal) {
+  const std::string how = "was killed (signal " + std::to_string(signal) + ", " + ::strsignal(signal) + ")";
+  return signal == SIGKILL ? how + ", as happens when memory runs out" : how;
 }
 
 }  // namespace
 
-int Guard::Run(const std::function<int(Guard&)>& work) {
+int Guard::Run(const std::function<int(Guard&)>& work, const std::function<void(const std::string&)>& say) {
   void* memory = ::mmap(nullptr, sizeof(Page), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) throw SystemFailure("get shared memory", errno);
-  Page& page = *new (memory) Page();
+  Page& page = *new (memory) Page;
   while (true) {
     page.aborted = false;
     page.inItem = false;
+    page.current = 0;
     const pid_t parent = ::getpid();
     const pid_t child = ::fork();
     if (child < 0) throw SystemFailure("start a process", errno);
@@ -94,20 +138,40 @@ int Guard::Run(const std::function<int(Guard&)>& work) {
       return work(guard);
     }
     const int status = WaitFor(child);
+    if (WasKilled(status)) {
+      NoteKill(page, WTERMSIG(status), say);
+      continue;
+    }
     // The child has given the result and flushed it; destructors of this process have nothing to add.
-    if (!page.aborted) ::_exit(status);
-    if (page.badCount == Page::kMostBad) {
+    if (!page.aborted) ::_exit(WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status));
+    if (page.aborts++ == Page::kMostAborts) {
       throw Failure(ExitCode::kFailed,
-                    "The camera sent more than it announced for " + std::to_string(Page::kMostBad) +
+                    "The camera sent more than it announced for " + std::to_string(Page::kMostAborts) +
                         " files, so the rest was not tried; check the cable and restart the camera.");
     }
     // The next process reads everything again but this item.
-    page.bad[page.badCount++] = page.current;
+    page.Add(page.current, kAborted);
   }
 }
 
-void Guard::Begin(std::string_view token) {
-  Copy(page_.current, token);
+void Guard::NoteKill(Page& page, int signal, const std::function<void(const std::string&)>& say) {
+  const std::string name = page.name.data();
+  if (page.current == 0 || page.kills++ == Page::kMostKills) {
+    throw Failure(ExitCode::kFailed, "The process that did the work " + HowKilled(signal) +
+                                         "; what was finished is kept, and the same command goes on from there.");
+  }
+  if ((page.FactsOf(page.current) & kKilled) != 0) {
+    page.Add(page.current, kKilledAgain);
+    return;
+  }
+  page.Add(page.current, kKilled);
+  say("The process that read " + name + " " + HowKilled(signal) + "; another one tries that file once more.");
+}
+
+void Guard::Begin(std::string_view token, std::string_view name) {
+  const std::string_view kept = name.substr(0, page_.name.size() - 1);
+  *std::copy(kept.begin(), kept.end(), page_.name.begin()) = '\0';
+  page_.current = ItemOf(token);
   page_.inItem = true;
 }
 
@@ -115,12 +179,24 @@ void Guard::End() {
   page_.inItem = false;
 }
 
-bool Guard::IsBad(std::string_view token) const {
-  Page::Token wanted{};
-  Copy(wanted, token);
-  const auto end = page_.bad.begin() + static_cast<std::ptrdiff_t>(page_.badCount);
-  return std::any_of(page_.bad.begin(), end,
-                     [&wanted](const Page::Token& bad) { return TextOf(bad) == TextOf(wanted); });
+Guard::Fate Guard::FateOf(std::string_view token) const {
+  const std::scoped_lock lock(mutex_);
+  const unsigned facts = page_.FactsOf(ItemOf(token));
+  if ((facts & kAborted) != 0) return Fate::kAbort;
+  return (facts & kKilledAgain) != 0 ? Fate::kKilledTwice : Fate::kUnknown;
+}
+
+bool Guard::TakeReport(std::string_view token) {
+  const std::scoped_lock lock(mutex_);
+  const std::uint64_t item = ItemOf(token);
+  if ((page_.FactsOf(item) & kReported) != 0) return false;
+  page_.Add(item, kReported);
+  return true;
+}
+
+bool Guard::WasReported(std::string_view token) const {
+  const std::scoped_lock lock(mutex_);
+  return (page_.FactsOf(ItemOf(token)) & kReported) != 0;
 }
 
 void Guard::Expect(unsigned long long files) {

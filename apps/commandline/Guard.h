@@ -2,26 +2,37 @@
 #define KELVA_APPS_COMMANDLINE_GUARD_H_
 
 #include <functional>
+#include <mutex>
+#include <string>
 #include <string_view>
 
 namespace apps {
 
-/// Lets long work survive an abort. A child process does the work. If the library aborts in the middle of one item,
-/// because the camera sent more than it announced, another child goes on without that item.
-/// Items are named by short tokens. The counters are the whole work's, over all processes.
+/// Lets long work survive the end of its process. A child process does the work. If the library aborts in the middle of one
+/// item, because the camera sent more than it announced, another child goes on without that item. If a child is killed
+/// (memory), another one tries the item once more; an item at which two were killed is left out.
+/// Items are named by tokens. What is counted and noted here holds for the whole work, over all processes. Any thread.
 class Guard {
  public:
-  /// Runs `work` in a child process and returns its exit status. When `work` aborts in an item, runs it again in
-  /// another child, without that item. Signals that end the tool reach the worker; so does the end of this process.
-  /// Call it while this process has one thread and TakeOverSignals has been called.
-  static int Run(const std::function<int(Guard&)>& work);
+  /// What earlier processes met in an item.
+  enum class Fate { kUnknown, kAbort, kKilledTwice };
 
-  /// An item begins. Tokens longer than 79 bytes are cut.
-  void Begin(std::string_view token);
+  /// Runs `work` in a child process and returns its exit status; runs it again in another child as said above. `say` is
+  /// given a sentence about a child that was killed. Throws Failure when one was killed before its first item, or too many
+  /// were. Signals that end the tool reach the worker; so does the end of this process.
+  /// Call it while this process has one thread and TakeOverSignals has been called.
+  static int Run(const std::function<int(Guard&)>& work, const std::function<void(const std::string&)>& say);
+
+  /// An item begins; `name` is what a person calls it.
+  void Begin(std::string_view token, std::string_view name);
   /// The item is over.
   void End();
-  /// Whether an earlier process aborted in this item.
-  bool IsBad(std::string_view token) const;
+  /// An item whose fate is known is left out.
+  Fate FateOf(std::string_view token) const;
+  /// True for the first call with this token. Whoever reports an item asks first, since a later process meets it again.
+  bool TakeReport(std::string_view token);
+  /// Whether TakeReport was called with this token.
+  bool WasReported(std::string_view token) const;
 
   /// How many files the whole work will store, as far as that is known now.
   void Expect(unsigned long long files);
@@ -37,7 +48,10 @@ class Guard {
  private:
   struct Page;
   explicit Guard(Page& page) : page_(page) {}
+  static void NoteKill(Page& page, int signal, const std::function<void(const std::string&)>& say);
+
   Page& page_;
+  mutable std::mutex mutex_;  // the notes
 };
 
 }  // namespace apps

@@ -1,5 +1,6 @@
 #include "apps/commandline/Guard.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -14,19 +15,35 @@
 namespace apps {
 namespace {
 
+using testing::AllOf;
 using testing::ExitedWithCode;
+using testing::HasSubstr;
+using testing::Not;
+
+void SayOnStandardError(const std::string& sentence) {
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, sentence.data(), sentence.size());
+}
 
 // Ends the process that does the work; what Run itself returns to is that process.
 [[noreturn]] void RunAndExit(const std::function<int(Guard&)>& work) {
   TakeOverSignals();
-  ::_exit(Guard::Run(work));
+  try {
+    ::_exit(Guard::Run(work, SayOnStandardError));
+  } catch (const Failure& failure) {
+    SayOnStandardError(failure.what());
+    ::_exit(static_cast<int>(failure.Code()));
+  }
+}
+
+bool IsOpen(const Guard& guard, const std::string& item) {
+  return guard.FateOf(item) == Guard::Fate::kUnknown;
 }
 
 int WorkThatAbortsInTwoItems(Guard& guard) {
   CatchAborts("", "", -1);
   for (const std::string item : {"a", "b", "c", "d"}) {
-    if (guard.IsBad(item)) continue;
-    guard.Begin(item);
+    if (!IsOpen(guard, item)) continue;
+    guard.Begin(item, item);
     if (item == "b" || item == "d") std::abort();
     guard.Count(1, 10);
     guard.End();
@@ -42,7 +59,7 @@ TEST(GuardDeathTest, WorkGoesOnWithoutTheItemsInWhichItAborted) {
 TEST(GuardDeathTest, AnAbortBetweenItemsEndsTheWork) {
   const auto work = [](Guard& guard) {
     CatchAborts("kelva: aborted\n", "", -1);
-    guard.Begin("a");
+    guard.Begin("a", "A");
     guard.End();
     std::abort();
     return 0;
@@ -65,20 +82,90 @@ TEST(GuardDeathTest, ASignalToTheToolReachesTheWorker) {
 TEST(GuardDeathTest, WorkThatAbortsWithoutEndIsAFailureInWords) {
   const auto work = [](Guard& guard) {
     CatchAborts("", "", -1);
-    guard.Begin("always");
+    guard.Begin("always", "");
     std::abort();
     return 0;
   };
-  const auto run = [work] {
-    TakeOverSignals();
-    try {
-      Guard::Run(work);
-    } catch (const Failure& failure) {
-      ::_exit(std::string(failure.what()).find("1024 files") != std::string::npos ? 42 : 43);
-    }
-    ::_exit(44);
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(1), "1024 files");
+}
+
+TEST(GuardDeathTest, AnAbortAfterWhichAnotherProcessGoesOnIsNotTheLastWord) {
+  const auto work = [](Guard& guard) {
+    if (!IsOpen(guard, "a")) return 6;
+    CatchAborts("kelva: aborted\n", "", -1);
+    guard.Begin("a", "A");
+    std::abort();
   };
-  EXPECT_EXIT(run(), ExitedWithCode(42), "");
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(6), Not(HasSubstr("aborted")));
+}
+
+TEST(GuardDeathTest, AnItemIsReportedOnceHoweverManyProcessesMeetIt) {
+  const auto work = [](Guard& guard) {
+    CatchAborts("", "", -1);
+    if (guard.TakeReport("bad")) SayOnStandardError("[bad]");
+    if (!guard.WasReported("bad") || guard.WasReported("good")) return 99;
+    for (const std::string item : {"a", "b", "c"}) {
+      if (!IsOpen(guard, item)) continue;
+      guard.Begin(item, item);
+      std::abort();
+    }
+    return 6;
+  };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(6), AllOf(HasSubstr("[bad]"), Not(HasSubstr("[bad][bad]"))));
+}
+
+TEST(GuardDeathTest, AWorkerThatIsKilledIsSaidAndItsItemTriedOnceMore) {
+  const auto work = [](Guard& guard) {
+    if (!IsOpen(guard, "a")) return 99;
+    guard.Begin("a", "I:\\A.JPG");
+    if (guard.TakeReport("first")) ::kill(::getpid(), SIGKILL);
+    return 0;
+  };
+  EXPECT_EXIT(
+      RunAndExit(work), ExitedWithCode(0),
+      "^The process that read I:.A\\.JPG was killed \\(signal 9, Killed\\), as happens when memory runs out; another "
+      "one tries that file once more\\.$");
+}
+
+TEST(GuardDeathTest, AnItemAtWhichTwoWorkersWereKilledIsLeftOut) {
+  const auto work = [](Guard& guard) {
+    if (guard.FateOf("a") == Guard::Fate::kKilledTwice) return guard.FateOf("b") == Guard::Fate::kUnknown ? 6 : 99;
+    guard.Begin("a", "A");
+    guard.End();
+    return ::kill(::getpid(), SIGSEGV);
+  };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(6), "A was killed \\(signal 11, Segmentation fault\\); another");
+}
+
+TEST(GuardDeathTest, AWorkerThatIsKilledBeforeItsFirstItemIsAFailureInWords) {
+  const auto work = [](Guard&) { return ::kill(::getpid(), SIGKILL); };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(1), "^The process that did the work was killed \\(signal 9, Killed\\)");
+}
+
+TEST(GuardDeathTest, WorkersThatAreKilledWithoutEndAreAFailureInWords) {
+  const auto work = [](Guard& guard) {
+    guard.Count(1, 0);
+    guard.Begin(std::to_string(guard.Files()), "A");
+    return ::kill(::getpid(), SIGKILL);
+  };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(1), "The process that did the work was killed");
+}
+
+TEST(GuardDeathTest, ALongNameIsCut) {
+  const auto work = [](Guard& guard) {
+    guard.Begin("a", std::string(100'000, 'n'));
+    if (guard.TakeReport("first")) ::kill(::getpid(), SIGKILL);
+    return 0;
+  };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(0), "read n{255} was killed");
+}
+
+TEST(GuardDeathTest, MoreReportsThanThereIsRoomForAreMadeAgain) {
+  const auto work = [](Guard& guard) {
+    for (int i = 0; i < 20'000; ++i) guard.TakeReport(std::to_string(i));
+    return guard.WasReported("1") && !guard.WasReported("19999") && guard.TakeReport("19999") ? 0 : 99;
+  };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -71,11 +71,7 @@ bool Sync::IsRead(const SyncItem& item) const {
 }
 
 void Sync::ReadOne(const SyncItem& item, Writers& writers) {
-  if (context_.guard != nullptr && context_.guard->IsBad(TokenOf(item))) {
-    Fail(item, "The camera sent more of " + Printable(item.CameraPath()) +
-                   " than it had announced, which ends the reading process; the file was left out.");
-    return;
-  }
+  if (context_.guard != nullptr && LeaveOut(item)) return;
   context_.Doing("read " + Printable(item.CameraPath()));
   try {
     item.IsNew() ? Fetch(item, writers) : CompareKnown(item);
@@ -86,6 +82,20 @@ void Sync::ReadOne(const SyncItem& item, Writers& writers) {
   } catch (const std::bad_alloc& error) {
     Fail(item, Explain(error, context_.WasDoing()).sentence);
   }
+}
+
+// True for a file that failed in an earlier process of this run, or ended one.
+bool Sync::LeaveOut(const SyncItem& item) {
+  const std::string token = TokenOf(item);
+  const Guard::Fate fate = context_.guard->FateOf(token);
+  if (fate == Guard::Fate::kUnknown && !context_.guard->WasReported(token)) return false;
+  const std::string path = Printable(item.CameraPath());
+  Fail(item, fate == Guard::Fate::kKilledTwice
+                 ? "Two processes that read " + path +
+                       " were killed, so the file was left out; close other programs and run the same command again."
+                 : "The camera sent more of " + path +
+                       " than it had announced, which ends the reading process; the file was left out.");
+  return true;
 }
 
 void Sync::Fetch(const SyncItem& item, Writers& writers) {
@@ -114,7 +124,7 @@ void Sync::CompareKnown(const SyncItem& item) {
 }
 
 std::vector<char> Sync::Read(const SyncItem& item) {
-  if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item));
+  if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item), Printable(item.CameraPath()));
   std::vector<char> bytes = camera_.ReadFile(item.Picture(), item.Type(), Progress::Check, &progress_, true);
   if (context_.guard != nullptr) context_.guard->End();
   CheckSize(item, bytes.size());
@@ -149,6 +159,7 @@ void Sync::OnOutcome(const WriteOutcome& outcome) {
 void Sync::Fail(const SyncItem& item, const std::string& sentence) {
   const std::scoped_lock lock(mutex_);
   ++totals_.failed;
+  if (context_.guard != nullptr && !context_.guard->TakeReport(TokenOf(item))) return;
   context_.reporter.Error(sentence, ExitCode::kPartial);
   if (!context_.Json()) return;
   context_.Event("failed", Json::Object().SetBytes("path", item.CameraPath()).Set("error", sentence), "");

@@ -44,6 +44,7 @@ class Sync {
  private:
   void ReadAll(const SyncPlan& plan, Writers& writers);
   void ReadOne(const SyncItem& item, Writers& writers);
+  bool LeaveOut(const SyncItem& item);
   void Fetch(const SyncItem& item, Writers& writers);
   void CompareKnown(const SyncItem& item);
   std::vector<char> Read(const SyncItem& item);

@@ -81,11 +81,12 @@ class Tool {
     if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");
     if (!IsGuarded(call_)) return RunSupervised(supervision, nullptr);
     const auto start = std::chrono::steady_clock::now();
-    return static_cast<ExitCode>(Guard::Run([&](Guard& guard) {
+    const auto work = [&](Guard& guard) {
       Supervision rest = supervision;
       rest.spent = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
       return static_cast<int>(RunSupervised(rest, &guard));
-    }));
+    };
+    return static_cast<ExitCode>(Guard::Run(work, [this](const std::string& sentence) { reporter_.Note(sentence); }));
   }
 
   ExitCode RunSupervised(Supervision supervision, Guard* guard) {

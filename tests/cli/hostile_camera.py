@@ -1,5 +1,6 @@
 """A camera that lies: a bus of its own in this process, which speaks the protocol of vcam/README.md from the other end."""
 
+import contextlib
 import os
 import socketserver
 import struct
@@ -37,12 +38,16 @@ class HostileCamera:
         # What is said in place of a file's true size: by the catalogue, by the listing of its folder, when it is selected.
         self.claims = {"catalogue": None, "listing": None, "selection": None}
         self.read = []
+        self.surplus = set()  # paths of files of which more is sent than was announced
+        self.on_select = lambda path: None
         self.selected = b""
         camera = self
 
         class Connection(socketserver.BaseRequestHandler):
             def handle(self):
-                camera.serve(self.request)
+                # A program that ends in the middle of an answer resets the connection.
+                with contextlib.suppress(ConnectionError):
+                    camera.serve(self.request)
 
         class Server(socketserver.ThreadingUnixStreamServer):
             daemon_threads = True
@@ -101,7 +106,8 @@ class HostileCamera:
             return struct.pack("<I", 1)
         if operation == 0xC4:
             offset = struct.unpack("<I", block[3:7])[0]
-            return self.selected[offset:offset + length]
+            chunk = self.selected[offset:offset + length]
+            return chunk + b"!!" if self.read and self.read[-1] in self.surplus and length else chunk
         return NO_SUCH_THING
 
     @staticmethod
@@ -112,6 +118,7 @@ class HostileCamera:
         if path not in self.files:
             return NO_SUCH_THING
         self.read.append(path)
+        self.on_select(path)
         self.selected = self.files[path]
         return b""
 

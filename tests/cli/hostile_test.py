@@ -4,6 +4,7 @@ import json
 import os
 import random
 import shutil
+import signal
 import subprocess
 import tempfile
 import unittest
@@ -162,6 +163,86 @@ class HostileSizesTest(HostileTest):
             self.assertIn(run.returncode, (0, 1), run.stderr)
             if "listing" not in places:
                 self.assertIn(self.stored(), ([], [content]))
+
+
+class HostileEndsTest(HostileTest):
+    """Files that end the process that reads them."""
+
+    def setUp(self):
+        super().setUp()
+        records = [Record(b"ABCDE", b"IMG_", 100, number) for number in range(8)]
+        self.files = {library_path(record): b"content of %d" % number for number, record in enumerate(records)}
+        self.paths = list(self.files)
+        self.camera = self.serve(records, self.files)
+
+    def printed(self, path):
+        return path.decode()
+
+    def test_each_bad_file_is_one_error(self):
+        self.camera.surplus = set(self.paths[1::2])
+        self.camera.files = {path: content for path, content in self.files.items() if path != self.paths[0]}
+        bad = 1 + len(self.camera.surplus)
+        run = self.kelva("sync", self.target)
+        self.assertEqual(run.returncode, 6, run.stderr)
+        sentences = [line for line in run.stderr.splitlines() if line.startswith("kelva: ")]
+        self.assertEqual((len(sentences), len(set(sentences))), (bad, bad), run.stderr)
+        self.assertIn(f"{len(self.files) - bad} stored", run.stdout)
+        self.assertIn(f"{bad} failed", run.stdout)
+
+    def test_each_bad_file_is_one_event(self):
+        self.camera.surplus = set(self.paths[1::2])
+        run = self.kelva("sync", "--json", self.target)
+        self.assertEqual(run.returncode, 6, run.stderr)
+        events = [json.loads(line) for line in run.stdout.splitlines()]
+        failed = [event["path"] for event in events if event.get("event") == "failed"]
+        self.assertEqual(sorted(failed), sorted(map(self.printed, self.camera.surplus)))
+        errors = [line for line in run.stderr.splitlines() if '"event":"error"' in line]
+        self.assertEqual(len(errors), len(self.camera.surplus), run.stderr)
+        self.assertEqual(events[-1]["failed"], len(self.camera.surplus))
+
+    def test_each_picture_that_cannot_be_drawn_is_one_error_of_the_sheet(self):
+        self.camera.surplus = set(self.paths[1::2])
+        run = self.kelva("pictures", "--sheet", os.path.join(self.folder, "sheet.html"))
+        self.assertEqual(run.returncode, 6, run.stderr)
+        sentences = [line for line in run.stderr.splitlines() if line.startswith("kelva: ")]
+        self.assertEqual((len(sentences), len(set(sentences))), (len(self.files), len(self.files)), run.stderr)
+
+    def kill_workers_at(self, path, times):
+        """Kills the process that reads when it asks for a file."""
+        kills = []
+
+        def kill(asked):
+            if asked == path and len(kills) < times:
+                kills.append(path)
+                with open(f"/proc/{self.run.pid}/task/{self.run.pid}/children", encoding="ascii") as children:
+                    os.kill(int(children.read()), signal.SIGKILL)
+
+        self.camera.on_select = kill
+
+    def sync(self, *words):
+        command = [bench_of_cameras.BIN + "/kelva", "--virtual", os.path.join(self.folder, "bus"), "sync", *words, self.target]
+        # The camera answers in this process while the command runs.
+        self.run = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        printed, said = self.run.communicate(timeout=60)
+        return self.run.returncode, printed, said
+
+    def test_a_worker_that_is_killed_is_said_and_nothing_is_missing(self):
+        self.kill_workers_at(self.paths[3], 1)
+        code, printed, said = self.sync()
+        self.assertEqual(code, 0, said)
+        self.assertEqual(said, f"kelva: The process that read {self.printed(self.paths[3])} was killed (signal 9, Killed), as happens "
+                               "when memory runs out; another one tries that file once more.\n")
+        self.assertEqual(self.stored(), sorted(self.files.values()))
+
+    def test_a_file_at_which_two_workers_were_killed_is_left_out(self):
+        self.kill_workers_at(self.paths[3], 9)
+        code, printed, said = self.sync("--quiet")
+        self.assertEqual(code, 6, said)
+        self.assertEqual(said, f"kelva: Two processes that read {self.printed(self.paths[3])} were killed, so the file was left out; close "
+                               "other programs and run the same command again.\n")
+        del self.files[self.paths[3]]
+        self.assertEqual(self.stored(), sorted(self.files.values()))
+        self.assertIn("1 failed", printed)
 
 
 if __name__ == "__main__":

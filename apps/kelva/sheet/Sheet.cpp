@@ -23,6 +23,17 @@ unsigned long long BytesToDraw(const std::vector<FileSizes>& sizes) {
   return bytes;
 }
 
+void ThrowIfLeftOut(Guard::Fate fate) {
+  switch (fate) {
+    case Guard::Fate::kAbort:
+      throw NoPicture("the camera sends more of it than it had announced, which ends the reading process");
+    case Guard::Fate::kKilledTwice:
+      throw NoPicture("two processes that read it were killed, as happens when memory runs out");
+    case Guard::Fate::kUnknown:
+      return;
+  }
+}
+
 }  // namespace
 
 std::vector<DcfObj> InSheetOrder(std::vector<DcfObj> catalogue) {
@@ -102,10 +113,8 @@ void Sheet::TryToDraw(Card& card, const DcfObj& picture) {
 
 std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture) {
   const std::string token = PicturePath(picture, kJpg);
-  if (context_.guard != nullptr && context_.guard->IsBad(token)) {
-    throw NoPicture("the camera sends more of it than it had announced, which ends the reading process");
-  }
-  if (context_.guard != nullptr) context_.guard->Begin(token);
+  if (context_.guard != nullptr) ThrowIfLeftOut(context_.guard->FateOf(token));
+  if (context_.guard != nullptr) context_.guard->Begin(token, Printable(token));
   std::vector<char> bytes = camera_.ReadFile(picture, kJpg, Progress::Check, progress_, true);
   if (context_.guard != nullptr) context_.guard->End();
   if (bytes.empty()) throw NoPicture("the catalogue names it, but the camera has no bytes of it");
@@ -116,6 +125,8 @@ void Sheet::Fail(Card& card, const char* words, const std::string& sentence) {
   ++totals_.failed;
   card.trouble = words;
   failure_ = sentence;
+  // A process that takes over draws everything once more.
+  if (context_.guard != nullptr && !context_.guard->TakeReport(sentence)) return;
   context_.reporter.Error(sentence, ExitCode::kPartial);
 }
 

@@ -121,8 +121,9 @@ Only then does it get its name, so Ctrl-C, an unplugged camera or a full disk le
 command again to fetch the rest.
 
 An existing file is never overwritten. If it has the same content, it is kept and counts as fetched; if not, the new
-file gets a number. Symbolic links in FOLDER are not followed. A file that fails is reported and the rest goes on
-(exit status 6).
+file gets a number. Symbolic links in FOLDER are not followed. A file that fails is reported once and the rest goes on
+(exit status 6). If the process that reads is killed, as happens when memory runs out, another one tries the file once
+more; if that one is killed too, the file counts as failed.
 
 The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}. The
 last five are "undated" if the catalogue has no time. A name from the camera cannot add a folder: bytes that are not
