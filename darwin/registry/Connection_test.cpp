@@ -146,6 +146,24 @@ TEST_F(Connections, AServiceThatGoesWhileItOpensIsNoDevice) {
   EXPECT_EQ(connection, 0u);
 }
 
+TEST_F(Connections, ADriverIsNotAskedForAServiceThatHasGone) {
+  int asked = 0;
+  camera_ = Publish({{"Camera"}, {}, [&asked](int&) -> std::unique_ptr<UserClient> {
+                       ++asked;
+                       return nullptr;
+                     }});
+  io_iterator_t iterator = 0;
+  IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching("Camera"), &iterator);
+  TheRegistry().Terminate(camera_);
+  const io_service_t service = IOIteratorNext(iterator);
+  io_connect_t connection = 77;
+  EXPECT_EQ(IOServiceOpen(service, mach_task_self(), 0, &connection), kIOReturnNoDevice);
+  EXPECT_EQ(connection, 0u);
+  EXPECT_EQ(asked, 0);
+  IOObjectRelease(service);
+  IOObjectRelease(iterator);
+}
+
 TEST_F(Connections, MoreThanAMessageHoldsIsABadArgument) {
   const io_connect_t connection = Open();
   const std::vector<char> large(4097);

@@ -195,6 +195,14 @@ TEST_F(Source, AFailedStartFailsTheLookInItsOwnWordsAndIsTriedAgain) {
   EXPECT_EQ(script_.starts, 2);
 }
 
+TEST_F(Source, AnotherSourceHasNotFailed) {
+  script_.startFails = true;
+  Listening();
+  EXPECT_EQ(TheRegistry().LastSourceError(), "The bus cannot be reached.");
+  TheRegistry().SetSource(nullptr);
+  EXPECT_EQ(TheRegistry().LastSourceError(), "");
+}
+
 TEST_F(Source, AFailedStartFailsARegistrationToo) {
   script_.startFails = true;
   const Listening listening;

@@ -49,6 +49,14 @@ TEST_F(LandingAreaTest, ANodeThatCannotBeMappedHasMemoryOfThisSide) {
   EXPECT_EQ(area.Bytes(64).size(), 64U);
 }
 
+TEST_F(LandingAreaTest, MemoryOfThisSideMovesWithItsOwner) {
+  LandingArea area = Map(0);
+  const std::uint8_t* bytes = area.Bytes(64).data();
+  LandingArea other(std::move(area));
+  area = std::move(other);
+  EXPECT_EQ(area.Bytes(64).data(), bytes);
+}
+
 TEST_F(LandingAreaTest, TheMappingEndsOnceHoweverOftenItsOwnerMoves) {
   {
     LandingArea area = Map(65536);

@@ -86,6 +86,16 @@ TEST_F(SgCommandTest, TheMarkThatThereIsSenseDataIsNoDriverError) {
   EXPECT_TRUE(Run(Read(64)).Succeeded(64));
 }
 
+TEST_F(SgCommandTest, ADriverErrorStaysOneBesideThatMark) {
+  for (const std::uint16_t status : std::array<std::uint16_t, 2>{1, 9}) {
+    system_.command = [status](sg_io_hdr_t& header) {
+      header.driver_status = status;
+      return 0;
+    };
+    EXPECT_EQ(Run(Read(64)).driverStatus, 1);
+  }
+}
+
 TEST_F(SgCommandTest, OnlySenseBytesThatWereWrittenAreRead) {
   system_.command = [](sg_io_hdr_t& header) {
     const std::array<std::uint8_t, 14> sense{0x70, 0, 5, 0, 0, 0, 0, 6, 0, 0, 0, 0, 0x20, 0};

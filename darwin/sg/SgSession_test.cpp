@@ -31,6 +31,7 @@ TEST_F(SgSessionTest, TheReservedBufferIsMappedForTheTimeOfTheSession) {
   }
   EXPECT_EQ(system_.unmapped, 1);
   EXPECT_EQ(system_.closed, 1);
+  EXPECT_EQ(system_.closedBeforeUnmap, 0);
 }
 
 TEST_F(SgSessionTest, OfABufferThatTheKernelClampedAsMuchIsMapped) {

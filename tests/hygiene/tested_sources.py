@@ -12,7 +12,7 @@ ELSEWHERE = {
         darwin/cf/Dictionary.cpp darwin/cf/Number.cpp darwin/cf/Object.cpp
         darwin/cf/RunLoopSource.cpp darwin/cf/String.cpp darwin/registry/Accounting.cpp darwin/registry/Entry.cpp
         darwin/registry/IoKitConnections.cpp darwin/registry/IoKitObjects.cpp darwin/registry/IoKitServices.cpp
-        darwin/registry/Notification.cpp darwin/registry/NotificationPort.cpp darwin/virtual/VirtualRegistry.cpp""",
+        darwin/registry/Notification.cpp darwin/virtual/VirtualRegistry.cpp""",
     "darwin/cf/RunLoop_test.cpp": "darwin/cf/WakeUp.cpp",
     "darwin/cf/EventLoop_test.cpp": "darwin/cf/WatchDescriptor.cpp",
     # They talk to udev and to the kernel, which a mock machine answers there.

@@ -32,6 +32,7 @@ class ScriptedSystem : public SgSystem {
   std::vector<std::uint8_t> reservedBuffer;
   int mapped = 0;
   int unmapped = 0;
+  int closedBeforeUnmap = 0;
   int mappedCommands = 0;
   int commands = 0;
   int hangUpWaits = 0;
@@ -44,7 +45,10 @@ class ScriptedSystem : public SgSystem {
   int Lock(int) override { return lockError == 0 ? 0 : Fail(lockError); }
   int Ioctl(int, unsigned long request, void* argument) override;
   void* Map(int, std::size_t size) override;
-  void Unmap(void*, std::size_t) override { ++unmapped; }
+  void Unmap(void*, std::size_t) override {
+    ++unmapped;
+    closedBeforeUnmap = closed;
+  }
   bool WaitForHangUp(int, int) override {
     ++hangUpWaits;
     return hangsUp;

@@ -1,0 +1,140 @@
+// Everything that several threads may do to the registry at once. ThreadSanitizer says whether they may.
+
+#include <IOKit/IOMessage.h>
+
+#include "base/testing/Crowd.h"
+#include "darwin/registry/testing/RegistryFixture.h"
+
+namespace darwin {
+namespace {
+
+constexpr int kRounds = 2000;
+
+/// A source whose calls change it, which they may: no two threads call it at once.
+class RestlessSource final : public RegistrySource {
+ public:
+  void Start(Registry&) override { ++calls_; }
+  int Descriptor() const override {
+    ++calls_;
+    return -1;
+  }
+  int TimeoutMs() const override { return ++calls_ % 3 == 0 ? 1000 : -1; }
+  void Dispatch(Registry&) override { ++calls_; }
+  std::string WhyDeaf() const override { return std::to_string(++calls_); }
+
+ private:
+  mutable int calls_ = 0;
+};
+
+class QuietClient final : public UserClient {
+ public:
+  int CallScalar(std::uint32_t) override { return kIOReturnSuccess; }
+  int CallStruct(std::uint32_t, const void*, std::size_t, void*, std::size_t*) override { return kIOReturnSuccess; }
+};
+
+class Threads : public RegistryFixture {
+ protected:
+  void SetUp() override { TheRegistry().SetSource(std::make_unique<RestlessSource>()); }
+
+  void PlugAndUnplug() {
+    const EntryId camera =
+        Publish({{"Camera"}, {{"Name", "K100"}}, [](int&) { return std::make_unique<QuietClient>(); }});
+    TheRegistry().SendMessage(camera, kIOMessageServiceIsSuspended);
+    TheRegistry().Terminate(camera);
+  }
+
+  static void LookAt(io_service_t service) {
+    io_registry_entry_t parent = 0;
+    IORegistryEntryGetParentEntry(service, kIOServicePlane, &parent);
+    IOObjectRelease(parent);
+    if (const CFTypeRef name = IORegistryEntryCreateCFProperty(service, CFSTR("Name"), kCFAllocatorDefault, 0)) {
+      CFRelease(name);
+    }
+    IOObjectRetain(service);
+    IOObjectRelease(service);
+  }
+
+  static void Use(io_service_t service) {
+    io_connect_t connection = 0;
+    if (IOServiceOpen(service, mach_task_self(), 0, &connection) != kIOReturnSuccess) return;
+    IOConnectCallScalarMethod(connection, 0, nullptr, 0, nullptr, nullptr);
+    IOServiceClose(connection);
+  }
+
+  static void Enumerate() {
+    io_iterator_t iterator = 0;
+    IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching("Camera"), &iterator);
+    while (const io_service_t service = IOIteratorNext(iterator)) {
+      LookAt(service);
+      Use(service);
+      IOObjectRelease(service);
+    }
+    IOObjectRelease(iterator);
+  }
+
+  /// What a program does that waits for cameras, and for what becomes of each.
+  class Listening {
+   public:
+    Listening() {
+      CFRunLoopAddSource(CFRunLoopGetCurrent(), IONotificationPortGetRunLoopSource(port_), kCFRunLoopDefaultMode);
+      IOServiceAddMatchingNotification(port_, kIOFirstMatchNotification, IOServiceMatching("Camera"), OnMatch, this,
+                                       &matches_);
+      Drain();
+    }
+    ~Listening() {
+      for (const io_object_t interest : interests_) IOObjectRelease(interest);
+      IOObjectRelease(matches_);
+      IONotificationPortDestroy(port_);
+    }
+    Listening(const Listening&) = delete;
+    Listening& operator=(const Listening&) = delete;
+
+   private:
+    void Drain() {
+      while (const io_service_t service = IOIteratorNext(matches_)) {
+        io_object_t interest = 0;
+        IOServiceAddInterestNotification(
+            port_, service, kIOGeneralInterest, [](auto...) {}, nullptr, &interest);
+        interests_.push_back(interest);
+        IOObjectRelease(service);
+      }
+    }
+    static void OnMatch(void* self, io_iterator_t) { static_cast<Listening*>(self)->Drain(); }
+
+    const IONotificationPortRef port_ = IONotificationPortCreate(kIOMainPortDefault);
+    io_iterator_t matches_ = 0;
+    std::vector<io_object_t> interests_;
+  };
+
+  static void ListenForAWhile() {
+    const Listening listening;
+    for (int i = 0; i < 3; ++i) CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+  }
+};
+
+TEST_F(Threads, PlugEnumerateOpenAndListenAtOnce) {
+  const auto plug = [this] { PlugAndUnplug(); };
+  const base::Crowd crowd(kRounds, {plug, plug, Enumerate, Enumerate, ListenForAWhile, ListenForAWhile});
+}
+
+TEST_F(Threads, AskWhatIsHeldWhileOthersPlug) {
+  const base::Crowd crowd(kRounds, {[this] { PlugAndUnplug(); }, Enumerate, [] { AccountForRegistry(); }});
+}
+
+TEST_F(Threads, AskTheSourceWhileAnotherIsNamed) {
+  Registry& registry = TheRegistry();
+  const auto ask = [&registry] {
+    registry.LastSourceError();
+    registry.WhyDeaf();
+  };
+  const auto wait = [&registry] {
+    registry.SourceDescriptor();
+    registry.SourceTimeoutMs();
+    registry.LookAgain();
+  };
+  const base::Crowd crowd(kRounds,
+                          {ask, wait, [&registry] { registry.SetSource(std::make_unique<RestlessSource>()); }});
+}
+
+}  // namespace
+}  // namespace darwin
