@@ -41,6 +41,8 @@ if(KELVA_SANITIZER)
   endif()
 endif()
 
+include(KelvaHardening)
+
 # kelva_warnings(TARGET): this project's own sources compile without a warning. A warning is an error where KELVA_WERROR
 # is on, as in the presets that developers and CI build: a newer compiler's new warning must not stop an installation.
 function(kelva_warnings target)
@@ -67,6 +69,21 @@ macro(kelva_unity target prefix)
   endif()
 endmacro()
 
+# kelva_find_library(VARIABLE NAME): a library of the system, its static archive where KELVA_STATIC asks for one and there is one.
+function(kelva_find_library variable name)
+  if(KELVA_STATIC)
+    list(APPEND names lib${name}.a)
+  endif()
+  find_library(${variable} NAMES ${names} ${name} REQUIRED)
+endfunction()
+
+# kelva_static_runtime(TARGET): the few pages of the compiler's libraries that a program uses, not all of them.
+function(kelva_static_runtime target)
+  if(KELVA_STATIC AND NOT KELVA_SANITIZER)
+    target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc)
+  endif()
+endfunction()
+
 # kelva_room(TARGET SOURCES file... [APART file... | SEPARATE] [LINKS target...] [PRIVATE_LINKS target...]): one room of the
 # house as a static library.
 function(kelva_room target)
@@ -75,6 +92,7 @@ function(kelva_room target)
   kelva_unity(${target} ROOM)
   target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
   kelva_warnings(${target})
+  kelva_harden(${target})
   target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS})
 endfunction()
 
@@ -84,6 +102,7 @@ function(kelva_program target)
   add_executable(${target} ${PROGRAM_SOURCES})
   kelva_unity(${target} PROGRAM)
   kelva_warnings(${target})
+  kelva_harden(${target})
   target_link_libraries(${target} PRIVATE ${PROGRAM_LINKS})
 endfunction()
 

@@ -24,6 +24,7 @@ foreach(room IN LISTS kelva_rooms)
   target_sources(kelva_library PRIVATE $<TARGET_OBJECTS:${room}>)
 endforeach()
 target_link_libraries(kelva_library PUBLIC Boost::headers PRIVATE ${kelva_system_libraries})
+kelva_harden(kelva_library)
 target_compile_features(kelva_library INTERFACE cxx_std_20)
 target_include_directories(kelva_library INTERFACE
   $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
