@@ -11,8 +11,8 @@ RULE = ""
 
 
 class UdevRule(unittest.TestCase):
-    def evaluate(self, path, action="add", **camera):
-        return evaluate(RULE, describe(**camera), path, action)
+    def evaluate(self, path, action="add", group="plugdev", **camera):
+        return evaluate(RULE, describe(**camera), path, action, group)
 
     def test_its_name_sorts_before_the_rule_that_gives_permissions(self):
         self.assertLess(pathlib.Path(RULE).name, "73-seat-late.rules")
@@ -23,9 +23,16 @@ class UdevRule(unittest.TestCase):
         self.assertIn(":uaccess:", tags)
 
     def test_without_a_seat_the_members_of_plugdev_may(self):
-        outcome = self.evaluate(GENERIC)
-        self.assertTrue(outcome.says("GROUP "), outcome.text)
+        outcome = self.evaluate(GENERIC, group="plugdev")
+        self.assertTrue(outcome.says("GROUP plugdev(4711)"), outcome.text)
         self.assertTrue(outcome.says("MODE 0660"), outcome.text)
+
+    def test_without_that_group_nobody_else_gets_the_camera_and_udev_has_nothing_to_complain_of(self):
+        outcome = self.evaluate(GENERIC, group="other")
+        self.assertFalse(outcome.says("GROUP "), outcome.text)
+        self.assertNotIn("Unknown group", outcome.text)
+        self.assertTrue(outcome.says("MODE 0660"), outcome.text)
+        self.assertIn(":uaccess:", outcome.properties["CURRENT_TAGS"])
 
     def test_a_camera_is_found_by_its_serial_number(self):
         self.assertEqual(self.evaluate(GENERIC).properties["DEVLINKS"], "/dev/kelva/KV0001")

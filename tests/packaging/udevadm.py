@@ -16,6 +16,7 @@ PARTITION = BLOCK + "/sdz1"
 
 SCRIPT = """
 mount -t tmpfs none /run && mkdir -p /run/udev/rules.d && cp "$1" /run/udev/rules.d/ || exit 3
+sed '/^plugdev:/d' /etc/group >/run/group && echo "$5:x:4711:" >>/run/group && mount --bind /run/group /etc/group || exit 3
 exec umockdev-run --device="$2" -- udevadm test --action="$3" "/sys$4"
 """
 
@@ -94,12 +95,12 @@ class Outcome:
         return any(words in line for line in self.ours)
 
 
-def evaluate(rule, device, path, action="add"):
-    """Runs the event of one device through the machine's rules and the one under test."""
+def evaluate(rule, device, path, action="add", group="plugdev"):
+    """Runs the event of one device through the machine's rules and the one under test, on a machine that has this group."""
     with tempfile.TemporaryDirectory() as folder:
         description = pathlib.Path(folder, "camera.umockdev")
         description.write_text(device)
-        command = ["unshare", "--user", "--map-root-user", "--mount", "sh", "-c", SCRIPT, "sh", rule, str(description), action, path]
+        command = ["unshare", "--user", "--map-root-user", "--mount", "sh", "-c", SCRIPT, "sh", rule, str(description), action, path, group]
         run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=60, check=False)
     if run.returncode != 0:
         raise RuntimeError(f"udevadm ended with {run.returncode}:\n{run.stdout}")
