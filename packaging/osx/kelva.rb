@@ -26,10 +26,10 @@ class Kelva < Formula
   test do
     system "plutil", "-lint", prefix/"Applications/KelvaHelper.app/Contents/Info.plist"
     (testpath/"test.cpp").write <<~EOS
-      #include <Camera.h>
+      #include <kelva/Camera.h>
       int main() { return Camera::throwExceptions_ ? 0 : 1; }
     EOS
-    system ENV.cxx, "-std=c++20", "test.cpp", "-I#{include}/kelva", "-I#{Formula["boost"].opt_include}", "-L#{lib}", "-lkelva",
+    system ENV.cxx, "-std=c++20", "test.cpp", "-I#{include}", "-I#{Formula["boost"].opt_include}", "-L#{lib}", "-lkelva",
            "-framework", "IOKit", "-framework", "CoreFoundation", "-o", "test"
     system "./test"
   end

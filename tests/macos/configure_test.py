@@ -47,6 +47,16 @@ class Configured:
         return plistlib.loads((self.folder / "bin/KelvaHelper.app/Contents/Info.plist").read_bytes())
 
 
+def install_with_stand_ins(build, root, *options):
+    """A whole `cmake --install` below a folder, of products that stand in for what a Mac builds; what it put there."""
+    for name in ("libkelva.a", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
+        product = build.folder / name
+        product.parent.mkdir(parents=True, exist_ok=True)
+        product.touch()
+    subprocess.run(["cmake", "--install", build.folder, *options], env={**os.environ, "DESTDIR": str(root)}, check=True, capture_output=True)
+    return sorted(path.relative_to(root).as_posix() for path in pathlib.Path(root).rglob("*") if path.is_symlink() or not path.is_dir())
+
+
 def everyday_build(folder):
     # Nothing is built, so there is no precompiled header that a command could read.
     return Configured(folder, f"-DGTest_DIR={GTEST_FOLDER}", "-DCMAKE_FIND_PACKAGE_PREFER_CONFIG=ON",
@@ -97,26 +107,28 @@ class ShippedBuild(unittest.TestCase):
         self.assertEqual(information["LSMinimumSystemVersion"], "11.0")
         self.assertIs(information["LSUIElement"], True)
 
-    def launch_agent(self, prefix):
-        """What the installation's own step gives for a prefix that is named while installing."""
-        script = self.build.folder / "packaging/osx/install_launch_agent.cmake"
+    def test_installation_puts_the_agent_and_a_launch_agent_that_names_its_place(self):
+        for prefix, folder in (("/usr/local", "/Library/LaunchAgents"), ("/opt/a place", "/opt/a place/Library/LaunchAgents")):
+            with self.subTest(prefix=prefix), tempfile.TemporaryDirectory() as root:
+                files = install_with_stand_ins(self.build, root, "--prefix", prefix)
+                plist = f"{folder[1:]}/com.kelva.KelvaHelper.plist"
+                self.assertEqual([name for name in files if "LaunchAgent" in name], [plist])
+                agent = plistlib.loads((pathlib.Path(root) / plist).read_bytes())
+                program = f"{prefix}/Applications/KelvaHelper.app/Contents/MacOS/KelvaHelper"
+                self.assertEqual(agent["ProgramArguments"], [program])
+                self.assertIn(program[1:], files)
+
+    def test_installation_puts_library_agent_and_documents_and_nothing_of_linux(self):
         with tempfile.TemporaryDirectory() as root:
-            environment = {**os.environ, "DESTDIR": root}
-            subprocess.run(["cmake", f"-DCMAKE_INSTALL_PREFIX={prefix}", "-P", script], env=environment, check=True, capture_output=True)
-            found = list(pathlib.Path(root).rglob("*.plist"))
-            self.assertEqual(len(found), 1)
-            return "/" + found[0].parent.relative_to(root).as_posix(), plistlib.loads(found[0].read_bytes())
-
-    def test_launch_agent_names_the_place_of_the_application(self):
-        for prefix, folder in (("/usr/local", "/Library/LaunchAgents"), ("/opt/kelva", "/opt/kelva/Library/LaunchAgents")):
-            place, agent = self.launch_agent(prefix)
-            self.assertEqual(place, folder)
-            self.assertEqual(agent["ProgramArguments"], [f"{prefix}/Applications/KelvaHelper.app/Contents/MacOS/KelvaHelper"])
-
-    def test_installation_runs_that_step_and_puts_no_linux_page(self):
-        scripts = "".join(path.read_text() for path in self.build.folder.rglob("cmake_install.cmake"))
-        self.assertIn("install_launch_agent.cmake", scripts)
-        self.assertNotIn("kelva-helper", scripts)
+            files = install_with_stand_ins(self.build, root, "--prefix", "/opt/kelva")
+            names = [name.removeprefix("opt/kelva/") for name in files]
+            self.assertLessEqual({"lib/libkelva.a", "include/kelva/Camera.h", "lib/pkgconfig/kelva.pc", "share/doc/kelva/LICENSE",
+                                  "share/doc/kelva/THIRD-PARTY-NOTICES.md", "share/doc/kelva/docs/macos.md"}, set(names))
+            homes = ("include/kelva/", "lib/libkelva", "lib/cmake/Kelva/", "lib/pkgconfig/", "share/doc/kelva/", "Applications/KelvaHelper.app/",
+                     "Library/LaunchAgents/")
+            for name in names:
+                self.assertTrue(name.startswith(homes), name)
+                self.assertNotRegex(name, r"/man/|systemd|udev|autostart|kelva-(helper|open|vcam)|usbip|json\.md|darwin")
 
     def test_release_preset_needs_no_benchmark_library(self):
         presets = json.loads((PROJECT / "CMakePresets.json").read_text())["configurePresets"]
