@@ -10,6 +10,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <semaphore>
 #include <string>
 
 #include "apps/commandline/Scratch.h"
@@ -38,10 +39,11 @@ class SupervisorTest : public testing::Test {
 
 // Ends when it is asked to.
 ExitCode Obedient(const Stop& stop) {
-  while (true) {
-    stop.Check();
-    ::usleep(1000);
-  }
+  std::counting_semaphore asked(0);
+  const Stop::WakeUp wakeUp(stop, [&asked] { asked.release(); });
+  while (!stop.Requested()) asked.acquire();
+  stop.Check();
+  return ExitCode::kDone;
 }
 
 // Sits in a transfer that nobody can end.

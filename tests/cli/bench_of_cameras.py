@@ -12,12 +12,19 @@ import time
 import unittest
 
 BIN = ""
+# What a test draws at random depends on this and on its name alone.
+SEED = os.environ.get("KELVA_RANDOM_SEED") or str(random.SystemRandom().randrange(10 ** 6))
+
+
+def seed(test):
+    random.seed(f"{SEED} {test.id()}")
 
 
 class Bus(unittest.TestCase):
     """One bus with one camera, K1, whose drive is the folder `drive`."""
 
     def setUp(self):
+        seed(self)
         self.folder = tempfile.mkdtemp(prefix="kelva-cli-")
         self.drive = os.path.join(self.folder, "drive")
         os.mkdir(self.drive)
@@ -101,4 +108,5 @@ def digest(content):
 def main():
     global BIN
     BIN = os.path.abspath(sys.argv.pop(1))
+    print(f"KELVA_RANDOM_SEED={SEED}", file=sys.stderr)
     unittest.main(module="__main__")

@@ -35,6 +35,7 @@ def unsafe_on_a_terminal(output):
 
 class HostileTest(unittest.TestCase):
     def setUp(self):
+        bench_of_cameras.seed(self)
         self.folder = tempfile.mkdtemp(prefix="kelva-hostile-")
         self.addCleanup(shutil.rmtree, self.folder)
         self.target = os.path.join(self.folder, "out")

@@ -14,6 +14,7 @@ import references
 import scripts
 import tested_sources
 import tidy
+import unit_tests
 
 
 HERE = pathlib.Path(__file__).parent
@@ -139,6 +140,16 @@ class Checks(unittest.TestCase):
         self.assertEqual(
             self.complaints(tested_sources), ["darwin/cf/WakeUp.cpp has a test beside it and needs no exemption"]
         )
+
+    def test_sleep_in_a_unit_test_is_found(self):
+        self.write("bus/a_test.cpp", "::usleep(1);\nstd::this_thread::sleep_for(1ms);\n")
+        self.write("bus/testing/b.h", "sleep(1);\n")
+        self.write("bus/c.cpp", "sleep(1);\n")
+        self.assertEqual(len(self.complaints(unit_tests)), 3)
+
+    def test_random_numbers_without_a_seed_that_can_be_given_are_found(self):
+        self.write("bus/a_test.cpp", "std::mt19937 random(1);\nstd::mt19937 other(base::RandomSeed());\n")
+        self.assertEqual(self.complaints(unit_tests), ["bus/a_test.cpp:1: draws at random without base::RandomSeed()"])
 
     def test_dead_link_is_found_and_a_live_one_is_not(self):
         self.write("a.md", "[dead](b.md) [live](a.md#top) [far](https://example.com/x)\n")

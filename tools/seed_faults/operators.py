@@ -91,7 +91,7 @@ def both(*pairs):
 
 COMPARE = {" < ": " <= ", " <= ": " < ", " > ": " >= ", " >= ": " > ", " == ": " != ", " != ": " == "}
 ARITHMETIC = both((" + ", " - "), (" += ", " -= "), (" * ", " / "))
-FLAG = r"[A-Z][A-Z0-9_]{2,}"
+FLAG = r"(?!O_RDONLY)[A-Z][A-Z0-9_]{2,}"  # O_RDONLY is 0: without it everything stays as it is
 
 
 def conditions(source):
@@ -181,7 +181,7 @@ def ret(source):
 
 
 def flag(source):
-    for pattern in (rf" \| {FLAG}\b", rf"\b{FLAG} \| "):
+    for pattern in (rf" \| {FLAG}\b", rf"(?<!\| )\b{FLAG} \| "):
         yield from replaced("flag", pattern, lambda found: "")(source)
 
 

@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "base/testing/RandomSeed.h"
 #include "vcam/camera/testing/TestSupport.h"
 #include "vcam/device/SenseCodes.h"
 
@@ -42,7 +43,7 @@ TEST(Dispatch, SurvivesSeededNonsense) {
   Options options = scratch.CameraOptions();
   options.bootTime = options.upgradeTime = std::chrono::milliseconds(0);
   VirtualCamera camera(options);
-  std::mt19937 random(20260314);
+  std::mt19937 random(base::RandomSeed());
   for (int i = 0; i < 20'000; ++i) {
     wire::Command command;
     for (std::uint8_t& byte : command.cdb) byte = static_cast<std::uint8_t>(random() % 3 == 0 ? random() : 0);

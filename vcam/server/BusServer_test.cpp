@@ -8,6 +8,7 @@
 #include <random>
 
 #include "base/testing/NoFreeDescriptor.h"
+#include "base/testing/RandomSeed.h"
 #include "bus/BusConnection.h"
 #include "vcam/server/testing/TestServer.h"
 
@@ -70,7 +71,7 @@ TEST_F(BusServerTest, HangsUpOnPeersThatSpeakAnotherLanguage) {
 }
 
 TEST_F(BusServerTest, SurvivesSeededNonsense) {
-  std::mt19937 random(20260314);
+  std::mt19937 random(base::RandomSeed());
   for (int round = 0; round < 200; ++round) {
     base::Bytes bytes = bus::EncodeFrame(bus::Kind::kHello, 1, bus::EncodeNumber(bus::kProtocolVersion));
     for (std::uint32_t i = 0; i < 10; ++i) {
