@@ -13,6 +13,7 @@ if(TARGET kelva-vcam)
   list(APPEND kelva_guides docs/usbip.md)
 endif()
 install(FILES ${kelva_guides} DESTINATION "${kelva_documents}/docs" COMPONENT Documentation)
+install(DIRECTORY examples DESTINATION "${kelva_documents}" USE_SOURCE_PERMISSIONS COMPONENT Documentation)
 
 if(PROJECT_IS_TOP_LEVEL)
   add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} "-DBUILD=${PROJECT_BINARY_DIR}" -P "${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake"

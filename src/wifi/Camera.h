@@ -36,6 +36,9 @@
 /// null. The fraction is offset / total. No call reports completion.
 ///
 /// Paths are byte strings in the camera's own syntax ("I:\DCIM\100ABCDE\IMG_0001.JPG"), sent unchanged.
+///
+/// Trust: what a camera sends is not checked beyond its form. Names may hold anything, "../" included. A camera that
+/// delivers two or more bytes beyond the announced size of a file or of the information record ends the process.
 class Camera {
  public:
   virtual ~Camera();
@@ -55,7 +58,8 @@ class Camera {
 
   /// True when the camera reports ready. False when it does not, or when the session is not open.
   virtual bool IsReady();
-  /// True once the camera has gone; never becomes false again.
+  /// True once the camera has gone and ListenForCameraLost was told so; never becomes false again. Without a call of
+  /// ListenForCameraLost it may stay false.
   virtual bool WasDisconnected() = 0;
   /// Sends a line with its NUL to the camera's command monitor. True when the camera took it. False when the session is
   /// not open, and for any CameraError: only the monitor commands swallow transfer errors.
@@ -148,15 +152,22 @@ class Camera {
   virtual bool operator==(const Camera& other) const;
 
   /// The cameras attached now, not opened; only those of this maker unless allVendors. The platform defines the other
-  /// arguments.
+  /// arguments. A search that the system refuses throws nothing: it prints one line to standard output and gives the
+  /// cameras found until then.
   static std::vector<boost::shared_ptr<Camera>> EnumerateCameras(bool allVendors, std::string, bool, int);
   /// The first attached camera with this serial number. Throws "Camera not found.", or returns an empty pointer.
   static boost::shared_ptr<Camera> GetCamera(const char* serialNumber, std::string, bool, bool);
-  /// Sets the attach callback of the process; a later call replaces it. The callback gets a new camera, not opened: for
-  /// each camera present during this call, and for each later one from the run loop of the thread that first listened.
-  /// A null callback registers nothing. Throws the platform's CameraError when the system refuses the registration.
+  /// Sets the attach callback of the process. The callback gets a new camera, not opened: for each camera present during
+  /// this call, and for each later one from the run loop of the thread that first listened. That thread must live and
+  /// run its run loop; once it has ended, no later listening of the process reports anything. A null callback registers
+  /// nothing. Throws the platform's CameraError when the system refuses the registration.
+  ///
+  /// Nobody can stop listening: the callback must be callable until the process ends. A second call replaces the
+  /// callback and registers once more: each attach then calls the new callback twice, once with the earlier context and
+  /// once with its own. kelva::Listener (Listener.h) has neither limit.
   static void ListenForCameraAttach(void (*callback)(boost::shared_ptr<Camera>, void*), void* context, bool);
-  /// As ListenForCameraAttach, for cameras that the system attached without the camera's driver, which cannot be used.
+  /// As ListenForCameraAttach, with the same limits, for cameras that the system attached without the camera's driver,
+  /// which cannot be used.
   static void ListenForBadCameraAttach(void (*callback)(void*), void* context);
 
   bool CaptureImage(bool flag);
@@ -187,7 +198,9 @@ class Camera {
   bool setHexDump(bool on);
 
  protected:
-  /// chunkSize: bytes per chunk of every bulk read and write. progressInterval: bytes between progress calls, not 0.
+  /// chunkSize: bytes per chunk of every bulk read and write; a read ends with the first chunk that is not full.
+  /// progressInterval: progress is reported at offsets that are multiples of both numbers; not 0. OsxCamera has 65536
+  /// and 262144.
   Camera(int chunkSize, int progressInterval);
 
   bool hexDump_;  // for a transport that logs its traffic; the library does not read it
@@ -195,7 +208,8 @@ class Camera {
   int progressInterval_;
 
  public:
-  /// Whether protocol errors throw CameraError (the default). Set it before any camera is used.
+  /// Whether protocol errors throw CameraError (the default). One plain variable for all users of the library in the
+  /// process: set it before any camera is used, and never in a library inside somebody else's program.
   static bool throwExceptions_;
 };
 

@@ -17,9 +17,11 @@ EVERYTHING = "everything"
 BARE = ("src/wifi", "src/usb/osx")
 FRAMEWORKS = "darwin/include"
 LIBRARIES = (
+    (r"kelva/.*", "libkelva"),
     (r"boost/.*", "Boost"),
     (r"libudev\.h", "libudev"),
     (r"(gio|glib|glib-unix)[/.].*", "GIO"),
+    (r"Q[A-Z]\w+", "Qt"),
     (r"sqlite3\.h", "SQLite"),
     (r"openssl/.*", "OpenSSL"),
     (r"turbojpeg\.h", "libturbojpeg"),

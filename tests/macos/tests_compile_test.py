@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """The tests that a Mac runs compile there: with its compiler's family, its standard library and the warnings of the build.
+So do the examples that need no package of Linux, with the headers that a Mac installs.
 
 Usage: tests_compile_test.py PROJECT COMPILER GTEST_FOLDER
 """
@@ -24,7 +25,22 @@ def compile_one(entry):
     return run.stdout if run.returncode != 0 or run.stdout else ""
 
 
+# They include what is not on a Mac: virtual cameras, or packages that are tried on Linux alone.
+NOT_HERE = ("application_test.cpp", "virtual_bus.cpp", "hotplug_glib.cpp", "hotplug_qt.cpp")
+
+
 class TestsOfAMac(unittest.TestCase):
+    def test_every_example_compiles_with_the_headers_of_a_mac(self):
+        with tempfile.TemporaryDirectory() as folder:
+            build = configure_test.everyday_build(folder)
+            self.assertFalse((build.folder / "include/kelva/VirtualBus.h").exists())
+            examples = [path for path in sorted((configure_test.PROJECT / "examples").glob("*.cpp")) if path.name not in NOT_HERE]
+            self.assertGreater(len(examples), 4)
+            for path in examples:
+                command = f"{configure_test.COMPILER} -std=c++20 -Wall -Wextra -Werror -I{build.folder}/include {path}"
+                with self.subTest(file=path.name):
+                    self.assertEqual(compile_one({"command": command, "directory": folder}), "")
+
     def test_every_one_compiles_without_a_warning(self):
         with tempfile.TemporaryDirectory() as folder:
             build = configure_test.everyday_build(folder)
