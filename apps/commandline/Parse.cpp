@@ -123,7 +123,7 @@ class Parser {
   const Option& Known(const Option* common, const Option* own, std::string_view shown) const {
     if (common != nullptr) return *common;
     if (own != nullptr) return *own;
-    throw Usage("There is no option " + Printable(shown) + Of() + Help());
+    throw Usage("There is no " + (HidesWords() ? "such option" : "option " + Printable(shown)) + Of() + Help());
   }
 
   std::span<const Option> Own() const {
@@ -133,6 +133,7 @@ class Parser {
   std::string Command(std::string_view words) const {
     return "`" + std::string(program_.name) + " " + std::string(words) + "`";
   }
+  bool HidesWords() const { return result_.verb != nullptr && result_.verb->mayMeetSecrets; }
   std::string Of() const { return result_.verb == nullptr ? "" : " of " + Command(result_.verb->name); }
   std::string Help() const {
     const std::string name = result_.verb == nullptr ? "" : " " + std::string(result_.verb->name);
@@ -217,8 +218,8 @@ class Parser {
       if (most == static_cast<std::size_t>(-1)) return;
     }
     if (result_.words.size() > most) {
-      throw Usage(Command(result_.Name()) + " takes " + Wanted() + "; \"" + Printable(result_.words[most]) +
-                  "\" is one too many.");
+      const std::string extra = HidesWords() ? "what was given" : "\"" + Printable(result_.words[most]) + "\"";
+      throw Usage(Command(result_.Name()) + " takes " + Wanted() + "; " + extra + " is one too many.");
     }
   }
 

@@ -24,6 +24,7 @@ constexpr Verb kTable[] = {
     {"control set", "Set", kPath, {}, "", "", {}, nullptr},
     {"wifi name", "Name", kPath, {}, "", "", {}, nullptr},
     {"wifi off", "Off", {}, {}, "", "", {}, nullptr},
+    {"wifi passphrase", "Ask", {}, {}, "", "", {}, nullptr, false, {}, {}, true},
 };
 
 constexpr Option kCommon[] = {{"serial", 's', "SERIAL", "The camera."}, kJsonOption, kQuietOption, kHelpOption};
@@ -76,6 +77,15 @@ TEST(ParseTest, TheLastOfSeveralValuesCountsAndAllAreKept) {
   EXPECT_THAT(call.Values("output"), ElementsAre("1", "2"));
 }
 
+TEST(ParseTest, ErrorsDoNotRepeatWhatMayBeASecret) {
+  EXPECT_EQ(UsageError({"wifi", "passphrase", "hunter2secret"}),
+            "`kelva wifi passphrase` takes no words; what was given is one too many.");
+  for (const char* word : {"--hunter2secret", "--hunter2=secret", "-unter2secret"}) {
+    EXPECT_EQ(UsageError({"wifi", "passphrase", word}),
+              "There is no such option of `kelva wifi passphrase`; `kelva help wifi passphrase` shows how it is used.");
+  }
+}
+
 TEST(ParseTest, ANameOfTwoWordsGoesBeforeItsFirstWord) {
   EXPECT_EQ(ParseWords({"control", "set", "3"}).verb->name, "control set");
   const Invocation call = ParseWords({"control", "3"});
@@ -91,7 +101,7 @@ TEST(ParseTest, ASecondNameIsTheSameVerbAndIsKept) {
 }
 
 TEST(ParseTest, HalfANameSaysWhatIsMissing) {
-  EXPECT_EQ(UsageError({"wifi"}), "`kelva wifi` needs one of these after it: name, off.");
+  EXPECT_EQ(UsageError({"wifi"}), "`kelva wifi` needs one of these after it: name, off, passphrase.");
 }
 
 TEST(ParseTest, ANearMissIsNamed) {

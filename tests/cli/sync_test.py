@@ -108,7 +108,7 @@ class SyncTest(Bus):
     def fill(self, target, list_of_files):
         """A folder as an earlier build left it, and on the camera the same pictures; one was renamed here since."""
         os.mkdir(target)
-        stored = {os.path.join(target, ".kelva-manifest.sqlite")}
+        stored = {os.path.join(target, ".kelva-manifest" + end) for end in (".sqlite", ".lock")}
         with open(os.path.join(FILLED, list_of_files), encoding="utf-8") as file:
             with contextlib.closing(sqlite3.connect(os.path.join(target, ".kelva-manifest.sqlite"))) as manifest:
                 manifest.executescript(file.read())

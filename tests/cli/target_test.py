@@ -1,6 +1,7 @@
 """sync into folders that are full, read-only, in use or not empty: nothing lost, nothing overwritten, nothing half."""
 
 import json
+import fcntl
 import os
 import random
 
@@ -117,6 +118,14 @@ class TargetTest(Bus):
         first.communicate(timeout=60)
         self.assertEqual(first.returncode, 0)
         self.assertEqual(self.whole_files_only(self.target), 2)
+
+    def test_a_reader_who_locks_the_target_keeps_nobody_out(self):
+        self.pictures(1, 400)
+        os.mkdir(self.target)
+        reader = os.open(self.target, os.O_RDONLY)
+        self.addCleanup(os.close, reader)
+        fcntl.flock(reader, fcntl.LOCK_EX)
+        self.complete(1)
 
     def test_two_tools_with_one_camera_on_two_targets(self):
         self.pictures(2, 400_000)

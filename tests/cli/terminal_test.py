@@ -85,6 +85,7 @@ class TerminalTest(Bus):
         run = self.kelva("wifi", "passphrase", "nine chars and more")
         self.assertEqual(run.returncode, 2)
         self.assertIn("is one too many", run.stderr)
+        self.assertNotIn("nine chars", run.stderr)
 
     def test_upgrade_asks_and_takes_no_for_an_answer(self):
         with open(self.folder + "/image", "wb") as file:

@@ -3,6 +3,8 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -57,9 +59,17 @@ std::string ReadLine(int fd, const Stop& stop) {
   return line;
 }
 
+// The limit is enough for a dump into a file. A dump into a program ignores it, but not the attribute.
+void LeaveNoCoreDump() {
+  const rlimit none{0, 0};
+  ::setrlimit(RLIMIT_CORE, &none);
+  ::prctl(PR_SET_DUMPABLE, 0);
+}
+
 }  // namespace
 
 std::string ReadSecret(const std::string& prompt, const Stop& stop) {
+  LeaveNoCoreDump();
   std::string line;
   if (::isatty(STDIN_FILENO) != 1) {
     line = ReadLine(STDIN_FILENO, stop);

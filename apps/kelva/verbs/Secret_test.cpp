@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
@@ -37,6 +39,19 @@ TEST(SecretTest, TheFirstLineOfAPipeIsTheSecret) {
   const Input input("open sesame\r\nmore\n");
   const Stop stop;
   EXPECT_EQ(ReadSecret("? ", stop), "open sesame");
+}
+
+TEST(SecretTest, TheProcessThatHoldsItLeavesNoCoreDump) {
+  // In a process of its own, because there is no way back.
+  const auto read = [] {
+    const Input input("open sesame\n");
+    const Stop stop;
+    ReadSecret("? ", stop);
+    rlimit core{1, 1};
+    ::getrlimit(RLIMIT_CORE, &core);
+    std::_Exit(::prctl(PR_GET_DUMPABLE) == 0 && core.rlim_cur == 0 && core.rlim_max == 0 ? 0 : 1);
+  };
+  EXPECT_EXIT(read(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST(SecretTest, NothingIsAnError) {

@@ -1,5 +1,4 @@
 // The verb sync.
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,18 +8,13 @@
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/FolderLock.h"
 #include "apps/files/NewFile.h"
 #include "apps/import/Sync.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
 namespace {
-
-void LockFolder(const TargetFolder& folder) {
-  if (::flock(folder.Fd(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
-  throw Failure(ExitCode::kBusy,
-                "Another `kelva sync` is at work in " + Printable(folder.Path()) + "; wait until it has finished.");
-}
 
 ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan) {
   for (const SyncItem& item : plan.items) {
@@ -80,7 +74,7 @@ ExitCode RunSync(Context& context) {
   // First, so that a camera that is not there leaves no folder behind.
   const Session camera(context, "read the picture catalogue");
   const TargetFolder folder = TargetFolder::OpenOrMake(path);
-  LockFolder(folder);
+  const FolderLock lock(folder);
   Manifest manifest(folder, true);
   RemoveLeftovers(folder);
   const unsigned long long before = context.guard == nullptr ? 0 : context.guard->Files();
@@ -123,7 +117,8 @@ command again to fetch the rest.
 An existing file is never overwritten. If it has the same content, it is kept and counts as fetched; if not, the new
 file gets a number. Symbolic links in FOLDER are not followed. A file that fails is reported once and the rest goes on
 (exit status 6). If the process that reads is killed, as happens when memory runs out, another one tries the file once
-more; if that one is killed too, the file counts as failed.
+more; if that one is killed too, the file counts as failed. While one run is at work in FOLDER a second one stops
+(exit status 4); .kelva-manifest.lock, a file that stays, is for that.
 
 The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}. The
 last five are "undated" if the catalogue has no time. A name from the camera cannot add a folder: bytes that are not

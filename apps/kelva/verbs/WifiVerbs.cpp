@@ -91,10 +91,19 @@ constexpr Example kOffExamples[] = {{"kelva wifi off", "Switch it off."}};
 constexpr Verb kVerbs[] = {
     {"wifi name", "Set the camera's network name", kName, kSetting, "", "setting: 0 or 1\nssid: the whole name",
      kNameExamples, RunName},
-    {"wifi passphrase", "Set the camera's network passphrase", kNoArguments, kSetting,
+    {"wifi passphrase",
+     "Set the camera's network passphrase",
+     kNoArguments,
+     kSetting,
      R"(The passphrase has 9 to 63 characters. It is asked for on the terminal without being shown, or read as the
 first line of standard input. It is not taken from the command line, because other users could see it there.)",
-     "setting: 0 or 1", kPassphraseExamples, RunPassphrase},
+     "setting: 0 or 1",
+     kPassphraseExamples,
+     RunPassphrase,
+     false,
+     {},
+     {},
+     true},
     {"wifi auth", "Set the camera's Wi-Fi authentication", kAuth, kNoOptions,
      R"(Sets the authentication of setting 1. The command has no data phase: the camera learns that it was sent, but
 not which authentication it names. The tool says so and ends with exit status 0.)",

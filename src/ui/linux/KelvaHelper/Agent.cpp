@@ -66,8 +66,17 @@ std::string NameOf(pid_t process) {
   return process > 0 ? " (process " + std::to_string(process) + ")" : std::string();
 }
 
+int CannotLock(const std::string& path, int error) {
+  return Fail(kFailed, "The lock file " + path + " cannot be used (" + std::strerror(error) +
+                           "); set XDG_RUNTIME_DIR to a folder of your own.");
+}
+
 int WatchAlone(const std::string& virtualBus) {
-  const std::string path = LockPath(CurrentSession(virtualBus));
+  const SessionIdentity session = CurrentSession(virtualBus);
+  const std::string path = LockPath(session);
+  if (session.runtimeDirectory.empty()) {
+    if (const int error = MakeLockFolder(path); error != 0) return CannotLock(path, error);
+  }
   const SessionLock lock(path);
   switch (lock.Result()) {
     case SessionLock::Outcome::kHeld:
@@ -78,8 +87,7 @@ int WatchAlone(const std::string& virtualBus) {
     case SessionLock::Outcome::kFailed:
       break;
   }
-  return Fail(kFailed, "The lock file " + path + " cannot be used (" + std::strerror(lock.Error()) +
-                           "); set XDG_RUNTIME_DIR to a folder of your own, or remove that file.");
+  return CannotLock(path, lock.Error());
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/utsname.h>
 
 #include <cerrno>
 #include <charconv>
@@ -64,14 +65,20 @@ bool IsOurs(int file) {
   return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
 }
 
+std::string MachineName() {
+  utsname name;
+  return ::uname(&name) == 0 ? name.nodename : "";
+}
+
 }  // namespace
 
 SessionIdentity CurrentSession(const std::string& virtualBus) {
   SessionIdentity session;
   session.runtimeDirectory = Environment("XDG_RUNTIME_DIR");
+  session.home = Environment("HOME");
+  session.machine = MachineName();
   session.busAddress = Environment("DBUS_SESSION_BUS_ADDRESS");
   session.virtualBus = virtualBus;
-  session.user = ::geteuid();
   return session;
 }
 
@@ -80,10 +87,21 @@ std::string LockPath(const SessionIdentity& session) {
   // The user manager's own bus is found by its place when no address is given.
   if (key.empty()) key = "unix:path=" + session.runtimeDirectory + "/bus";
   key += '\n' + session.virtualBus;
-  if (session.runtimeDirectory.empty()) {
-    return "/tmp/kelva-helper-" + std::to_string(session.user) + "-" + Hexadecimal(Hash(key)) + ".lock";
+  if (!session.runtimeDirectory.empty()) {
+    return session.runtimeDirectory + "/kelva-helper-" + Hexadecimal(Hash(key)) + ".lock";
   }
-  return session.runtimeDirectory + "/kelva-helper-" + Hexadecimal(Hash(key)) + ".lock";
+  return session.home + "/.cache/kelva-helper/" + Hexadecimal(Hash(key + '\n' + session.machine)) + ".lock";
+}
+
+int MakeLockFolder(const std::string& lockPath) {
+  for (std::size_t end = lockPath.find('/', 1); end != std::string::npos; end = lockPath.find('/', end + 1)) {
+    ::mkdir(lockPath.substr(0, end).c_str(), S_IRWXU);
+  }
+  const std::string folder = lockPath.substr(0, lockPath.rfind('/'));
+  struct stat status;
+  if (::lstat(folder.c_str(), &status) != 0) return errno;
+  const bool ours = S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
+  return ours && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0 ? 0 : EPERM;
 }
 
 SessionLock::SessionLock(const std::string& path)

@@ -13,21 +13,29 @@ namespace helper {
 struct SessionIdentity {
   /// XDG_RUNTIME_DIR; may be empty.
   std::string runtimeDirectory;
+  /// The home folder, for sessions without a run-time folder.
+  std::string home;
+  /// The machine's name: several machines may share a home folder.
+  std::string machine;
   /// The address of the session's message bus: the one name that a unit of the user manager and an autostart entry of
   /// the same desktop have in common. Empty where there is none.
   std::string busAddress;
   /// The virtual bus being watched, or empty: a copy that watches a virtual bus may run beside the copy that watches
   /// the machine.
   std::string virtualBus;
-  uid_t user = 0;
 };
 
 /// Reads the identity from this process's environment.
 SessionIdentity CurrentSession(const std::string& virtualBus);
 
 /// The path of the session's lock file. Two processes of one session get the same path, whichever way they were
-/// started; those of two sessions get different ones.
+/// started; those of two sessions get different ones. It lies in the run-time folder. Without one it lies in a folder of
+/// its own below the home folder: never in a folder that all users share, where another user could take the name.
 std::string LockPath(const SessionIdentity& session);
+
+/// Makes the folder of the lock file of a session without a run-time folder, and the folders above it, for this user
+/// alone. Returns 0 or an errno: EPERM when the folder is another user's, or others may write into it.
+int MakeLockFolder(const std::string& lockPath);
 
 /// The lock that keeps the agent to one copy per login session. It ends with the process, however that ends.
 class SessionLock {

@@ -17,7 +17,7 @@ namespace {
 using Outcome = SessionLock::Outcome;
 
 SessionIdentity Session(const std::string& bus, const std::string& virtualBus = "") {
-  return {"/run/user/1000", bus, virtualBus, 1000};
+  return {"/run/user/1000", "/users/me", "desk", bus, virtualBus};
 }
 
 TEST(LockPath, IsTheSameWhetherOrNotTheBusAddressNamesItsDaemonsStart) {
@@ -45,9 +45,10 @@ TEST(LockPath, LiesInTheRunTimeFolderUnderAPlainName) {
   EXPECT_EQ(path.extension(), ".lock");
 }
 
-TEST(LockPath, WithoutARunTimeFolderItCarriesTheUsersNumber) {
-  EXPECT_EQ(LockPath({"", "", "", 1000}).rfind("/tmp/kelva-helper-1000-", 0), 0U);
-  EXPECT_NE(LockPath({"", "", "", 1000}), LockPath({"", "", "", 1001}));
+TEST(LockPath, WithoutARunTimeFolderItLiesInAFolderOfTheUsersOwn) {
+  const auto path = [](const char* home, const char* machine) { return LockPath({"", home, machine, "", ""}); };
+  EXPECT_EQ(path("/users/me", "desk").rfind("/users/me/.cache/kelva-helper/", 0), 0U);
+  EXPECT_NE(path("/users/me", "desk"), path("/users/me", "laptop"));
 }
 
 class SessionLockTest : public testing::Test {
@@ -84,6 +85,36 @@ TEST_F(SessionLockTest, AFolderThatIsMissingIsAFailureWithItsReason) {
   EXPECT_EQ(lock.Error(), ENOENT);
 }
 
+TEST_F(SessionLockTest, AFolderInWhichOthersMayWriteIsRefused) {
+  for (const mode_t mode : {0777U, 01777U, 0770U}) {
+    ASSERT_EQ(::chmod(folder_.c_str(), mode), 0);
+    EXPECT_EQ(MakeLockFolder(path_), EPERM);
+  }
+}
+
+TEST_F(SessionLockTest, AFolderOfAnotherUserIsRefused) {
+  // The device folder belongs to root; as root the test gives its own folder away.
+  const bool isRoot = ::geteuid() == 0 && ::chown(folder_.c_str(), 65534, 65534) == 0;
+  EXPECT_EQ(MakeLockFolder(isRoot ? path_.string() : "/dev/agent.lock"), EPERM);
+}
+
+TEST_F(SessionLockTest, AFolderThatCannotBeMadeIsRefused) {
+  std::ofstream(folder_ / "file") << "";
+  EXPECT_EQ(MakeLockFolder(folder_ / "file" / "agent.lock"), EPERM);
+  EXPECT_EQ(MakeLockFolder(folder_ / "file" / "agent" / "a.lock"), ENOTDIR);
+}
+
+TEST_F(SessionLockTest, AMissingFolderIsMadeForThisUserAlone) {
+  const std::string path = folder_ / "home" / ".cache" / "agent" / "a.lock";
+  const mode_t before = ::umask(0);
+  EXPECT_EQ(MakeLockFolder(path), 0);
+  ::umask(before);
+  struct stat status;
+  ASSERT_EQ(::stat((folder_ / "home" / ".cache" / "agent").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0700U);
+  EXPECT_EQ(SessionLock(path).Result(), Outcome::kHeld);
+}
+
 TEST_F(SessionLockTest, ALinkInPlaceOfTheFileIsNotFollowed) {
   std::filesystem::create_symlink(folder_ / "elsewhere", path_);
   EXPECT_EQ(SessionLock(path_).Error(), ELOOP);
@@ -105,11 +136,13 @@ TEST_F(SessionLockTest, TheFileIsPrivateAndKeptFromCleaners) {
 TEST(CurrentSession, IsReadFromTheEnvironment) {
   ::setenv("XDG_RUNTIME_DIR", "/run/user/7", 1);
   ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/run/user/7/bus", 1);
+  ::setenv("HOME", "/users/seven", 1);
   const SessionIdentity session = CurrentSession("/tmp/bus");
   EXPECT_EQ(session.runtimeDirectory, "/run/user/7");
   EXPECT_EQ(session.busAddress, "unix:path=/run/user/7/bus");
   EXPECT_EQ(session.virtualBus, "/tmp/bus");
-  EXPECT_EQ(session.user, ::geteuid());
+  EXPECT_EQ(session.home, "/users/seven");
+  EXPECT_NE(session.machine, "");
 }
 
 TEST(CurrentSession, MissingVariablesAreEmpty) {

@@ -1,0 +1,26 @@
+#ifndef KELVA_APPS_FILES_FOLDER_LOCK_H_
+#define KELVA_APPS_FILES_FOLDER_LOCK_H_
+
+#include <string_view>
+
+#include "apps/files/TargetFolder.h"
+
+namespace apps {
+
+/// The lock file's name. The file is empty and stays: to remove it would let two runs lock two files of one name.
+inline constexpr std::string_view kLockName = ".kelva-manifest.lock";
+
+/// Keeps every other `kelva sync` out of a folder while it lives. The lock is on a file that only those can open who may
+/// write into the folder: anyone may lock what he can read, a folder included.
+class FolderLock {
+ public:
+  /// Throws Failure: kBusy when another run holds the lock.
+  explicit FolderLock(const TargetFolder& folder);
+
+ private:
+  base::FileDescriptor file_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_FILES_FOLDER_LOCK_H_

@@ -1,0 +1,75 @@
+#include "apps/files/FolderLock.h"
+
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "apps/commandline/Failure.h"
+#include "base/testing/ScratchFolder.h"
+
+namespace apps {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FolderLockTest : public ::testing::Test {
+ protected:
+  TargetFolder Folder() const { return TargetFolder::Open(scratch_.Path().string()); }
+  fs::path LockPath() const { return scratch_.Path() / kLockName; }
+  ExitCode CodeOfAnother() const {
+    try {
+      const FolderLock lock(Folder());
+      return ExitCode::kDone;
+    } catch (const Failure& failure) {
+      return failure.Code();
+    }
+  }
+  mode_t ModeIn(mode_t folderMode) const {
+    ::chmod(scratch_.Path().c_str(), folderMode);
+    fs::remove(LockPath());
+    const FolderLock lock(Folder());
+    struct stat status {};
+    EXPECT_EQ(::stat(LockPath().c_str(), &status), 0);
+    return status.st_mode & 07777U;
+  }
+
+  const base::ScratchFolder scratch_;
+};
+
+TEST_F(FolderLockTest, KeepsASecondRunOutUntilTheFirstHasEnded) {
+  {
+    const FolderLock lock(Folder());
+    EXPECT_EQ(CodeOfAnother(), ExitCode::kBusy);
+  }
+  EXPECT_EQ(CodeOfAnother(), ExitCode::kDone);
+}
+
+TEST_F(FolderLockTest, IsNotHeldByAReaderWhoLocksTheFolder) {
+  const TargetFolder reader = Folder();
+  ASSERT_EQ(::flock(reader.Fd(), LOCK_EX | LOCK_NB), 0);
+  EXPECT_EQ(CodeOfAnother(), ExitCode::kDone);
+}
+
+TEST_F(FolderLockTest, CanBeOpenedByThoseAloneWhoMayWriteIntoTheFolder) {
+  const mode_t before = ::umask(0);
+  EXPECT_EQ(ModeIn(0755), 0600U);
+  EXPECT_EQ(ModeIn(0700), 0600U);
+  ::umask(0077);
+  EXPECT_EQ(ModeIn(0775), 0660U);
+  EXPECT_EQ(ModeIn(0777), 0666U);
+  ::umask(before);
+}
+
+TEST_F(FolderLockTest, FollowsNoLinkAndTakesPlainFilesOnly) {
+  fs::create_symlink(scratch_.Path() / "elsewhere", LockPath());
+  EXPECT_EQ(CodeOfAnother(), ExitCode::kFailed);
+  EXPECT_FALSE(fs::exists(scratch_.Path() / "elsewhere"));
+  fs::remove(LockPath());
+  ASSERT_EQ(::mkfifo(LockPath().c_str(), 0600), 0);
+  EXPECT_EQ(CodeOfAnother(), ExitCode::kFailed);
+}
+
+}  // namespace
+}  // namespace apps
