@@ -159,6 +159,13 @@ class Checks(unittest.TestCase):
         self.write("README.md", "```\n./walk now\n```\n")
         self.assertEqual(self.complaints(documents), ["README.md shows the command ./walk, which is not there"])
 
+    def test_version_without_a_dated_entry_is_found(self):
+        self.write("CMakeLists.txt", "project(It\n  VERSION 1.2.3)\n")
+        self.write("CHANGELOG.md", "## [1.2.3]\n")
+        self.assertEqual(self.complaints(documents), ["CHANGELOG.md has no dated entry for 1.2.3, the version of CMakeLists.txt"])
+        self.write("CHANGELOG.md", "## [1.2.3] - 2026-01-31\n")
+        self.assertEqual(self.complaints(documents), [])
+
     def test_careless_script_is_found(self):
         self.write("a.sh", "#!/bin/bash\nrm $1\n")
         self.assertEqual(len(self.complaints(scripts)), 1)

@@ -1,6 +1,7 @@
-"""Links between the documents resolve, and the commands that they show exist."""
+"""Links between the documents resolve, the commands that they show exist, and the changelog has a dated entry for the version."""
 
 import os
+import pathlib
 import re
 
 import repository
@@ -8,6 +9,7 @@ import repository
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
 COMMAND = re.compile(r"^\s*(?:\$ )?\./([\w./-]+)", re.MULTILINE)
 INLINE_COMMAND = re.compile(r"`\./([\w./-]+)")
+VERSION = re.compile(r"^project\([^)]*\bVERSION ([\d.]+)", re.MULTILINE)
 BLOCK = re.compile(r"^```.*?^```", re.MULTILINE | re.DOTALL)
 
 
@@ -25,7 +27,15 @@ def missing_commands(root, content):
             yield f"shows the command ./{command}, which is not there"
 
 
+def missing_entry(root):
+    project, changelog = root / "CMakeLists.txt", root / "CHANGELOG.md"
+    version = VERSION.search(repository.text(project)) if project.exists() else None
+    if version and not re.search(rf"^## \[{re.escape(version[1])}\] - \d{{4}}-\d\d-\d\d$", repository.text(changelog), re.MULTILINE):
+        yield f"CHANGELOG.md has no dated entry for {version[1]}, the version of CMakeLists.txt"
+
+
 def check(root):
+    yield from missing_entry(pathlib.Path(root))
     for path in repository.files(root, ".md"):
         content = repository.text(path)
         for complaint in [*broken_links(path, content), *missing_commands(root, content)]:

@@ -24,7 +24,8 @@ class Build:
     def written_list(self):
         """component -> the files that the list names for this kind of build, below the prefix."""
         kind = "shared" if self.cache.get("BUILD_SHARED_LIBS", "OFF") in ("ON", "TRUE", "1") else "static"
-        values = {"lib": self.cache.get("CMAKE_INSTALL_LIBDIR", "lib"), "version": self.cache["CMAKE_PROJECT_VERSION"],
+        version = self.cache["CMAKE_PROJECT_VERSION"]
+        values = {"lib": self.cache.get("CMAKE_INSTALL_LIBDIR", "lib"), "version": version, "soversion": version.rpartition(".")[0],
                   "type": self.cache["CMAKE_BUILD_TYPE"].lower() or "noconfig"}
         components, files = {}, []
         for line in LIST.read_text().splitlines():
