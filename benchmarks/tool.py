@@ -57,11 +57,12 @@ class Tool:
     def plug(self, serial, drive):
         self.vcam("plug", "--serial", serial, "--storage", drive)
 
-    def timed(self, *command, runs=1, start="warm"):
+    def timed(self, *command, runs=1, start="warm", **environment):
         """(seconds, largest resident kilobytes) of each run."""
         words = [self.build / "bench-aid/bench-timed", str(runs), start, *command]
         results = []
-        for text in subprocess.check_output(words, text=True, stderr=subprocess.DEVNULL).splitlines():
+        for text in subprocess.check_output(words, text=True, stderr=subprocess.DEVNULL,
+                                            env={**os.environ, **environment}).splitlines():
             nanoseconds, kilobytes, status = map(int, text.split())
             if status != 0:
                 sys.exit(f"tool: {' '.join(map(str, command))} ended with status {status}")
@@ -85,6 +86,12 @@ class Tool:
     def sync(self, serial):
         return self.timed(*self.kelva("sync", "--quiet", "-s", serial, self.fresh()))[0]
 
+    def sync_without_flushing(self, serial):
+        preload = str(self.build / "bench-aid/bench-no-flush.so")
+        result = self.timed(*self.kelva("sync", "--quiet", "-s", serial, self.fresh()), LD_PRELOAD=preload)[0]
+        os.sync()  # the next one finds the disk at rest
+        return result
+
     def interrupt(self):
         """Seconds from Ctrl-C to the end of a command whose camera hangs."""
         self.vcam("fault", "HANGS", "hang", "1")
@@ -98,7 +105,8 @@ class Tool:
 
 
 def measure_sync(tool):
-    measures = {"read": tool.read, "one": lambda: tool.write(1), "four": lambda: tool.write(4), "sync": lambda: tool.sync("MANY")}
+    measures = {"read": tool.read, "one": lambda: tool.write(1), "four": lambda: tool.write(4), "sync": lambda: tool.sync("MANY"),
+                "unflushed": lambda: tool.sync_without_flushing("MANY")}
     results = {name: [] for name in measures}
     tool.read()  # the camera works out the keys of its pictures once
     os.sync()  # and its drives are on disk
@@ -108,6 +116,9 @@ def measure_sync(tool):
     seconds = {name: statistics.median(result[0] for result in runs) for name, runs in results.items()}
     print(f"Reading {PICTURES:,} pictures of {SIZE // 1000} kB: {seconds['read']:.2f} s alone; writing and flushing them alone, "
           f"one after the other: {seconds['one']:.2f} s, four at a time: {seconds['four']:.2f} s; sync: {seconds['sync']:.2f} s")
+    print(f"The same sync without flushing: {seconds['unflushed']:.2f} s; so durability costs "
+          f"{seconds['sync'] - seconds['unflushed']:.2f} s, or {(seconds['sync'] - seconds['unflushed']) * 1000 / PICTURES:.2f} ms "
+          "for one picture")
     slower = max(seconds["read"], seconds["one"])
     kept = line(f"sync of {PICTURES:,} pictures: speed against the slower half", slower / seconds["sync"], "at least", SYNC_LIMIT)
     return kept, statistics.median(result[1] for result in results["sync"])
