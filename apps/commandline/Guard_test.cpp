@@ -132,9 +132,9 @@ TEST(GuardDeathTest, AnItemAtWhichTwoWorkersWereKilledIsLeftOut) {
     if (guard.FateOf("a") == Guard::Fate::kKilledTwice) return guard.FateOf("b") == Guard::Fate::kUnknown ? 6 : 99;
     guard.Begin("a", "A");
     guard.End();
-    return ::kill(::getpid(), SIGSEGV);
+    return ::kill(::getpid(), SIGUSR1);
   };
-  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(6), "A was killed \\(signal 11, Segmentation fault\\); another");
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(6), "A was killed \\(signal 10, User defined signal 1\\); another");
 }
 
 TEST(GuardDeathTest, AWorkerThatIsKilledBeforeItsFirstItemIsAFailureInWords) {

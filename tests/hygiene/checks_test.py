@@ -9,6 +9,7 @@ import unittest
 
 import arrows
 import documents
+import file_calls
 import layout
 import references
 import scripts
@@ -43,6 +44,17 @@ class Checks(unittest.TestCase):
     def test_reference_to_a_folder_of_one_machine_is_found(self):
         self.write("a.cpp", 'auto path = "/wo' + 'rk/main/x";\n')
         self.assertEqual(len(self.complaints(references)), 1)
+
+    def test_call_past_the_door_of_files_is_found(self):
+        self.write("apps/import/A.cpp", "int a = ::fsync(3);\n::renameat2(3, a, 3, b, 0);\n")
+        self.assertEqual(self.complaints(file_calls), ["apps/import/A.cpp:1: calls fsync past apps/files/FileCalls.h",
+                                                       "apps/import/A.cpp:2: calls renameat2 past apps/files/FileCalls.h"])
+
+    def test_calls_behind_the_door_and_in_tests_are_accepted(self):
+        for name in ("apps/files/SystemCalls.cpp", "apps/files/A_test.cpp", "apps/files/testing/A.h", "vcam/device/A.cpp"):
+            self.write(name, "int a = ::fsync(3);\n")
+        self.write("apps/import/A.cpp", "calls.Rename(a, b);\nif (IsLink(folder, name)) return;\nfiles.unlinkat(a);\n")
+        self.assertEqual(self.complaints(file_calls), [])
 
     def test_parts_of_a_sentence_are_no_reference(self):
         self.write("a.md", "Two parts, 128 bytes each; part 1, then part 2; spec" + "ific.\n")
