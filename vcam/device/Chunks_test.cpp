@@ -31,13 +31,14 @@ TEST_F(ChunksTest, RefusesWritingWithoutAFile) {
 }
 
 TEST_F(ChunksTest, ClosesTheFileWithTheEndAndNotesIt) {
-  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\a)").Good());
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\A_NAME_THAT_IS_LONG.TXT)").Good());
   ASSERT_TRUE(Send(*camera_, {0xC5, 0, 0}, {'x', 'y'}).Good());
   ASSERT_TRUE(Tell(*camera_, {0xC3}).Good());
   EXPECT_EQ(Tell(*camera_, {0xC3}).sense, sense::kWrongSequence);
   EXPECT_EQ(Send(*camera_, {0xC5}, {'z'}).sense, sense::kWrongSequence);
-  EXPECT_EQ(scratch_.Get("a"), "xy");
-  EXPECT_THAT(AsText(Ask(*camera_, {0xC6, 0, 0x02}, 65536).data), testing::HasSubstr(R"(wrote I:\a, 2 bytes)"));
+  EXPECT_EQ(scratch_.Get("A_NAME_THAT_IS_LONG.TXT"), "xy");
+  EXPECT_THAT(AsText(Ask(*camera_, {0xC6, 0, 0x02}, 65536).data),
+              testing::HasSubstr(R"(wrote I:\A_NAME_THAT_IS_LONG.TXT, 2 bytes)"));
 }
 
 TEST_F(ChunksTest, ClosesTheFileWhenFirmwareIsAnnounced) {

@@ -31,6 +31,22 @@ TEST(Console, DropsTheOldestLinesWhenNobodyReads) {
   EXPECT_EQ(text.size() % 1024, 0U);
 }
 
+TEST(Console, HoldsAsMuchAsItsCapacityAndThenDropsAWholeLine) {
+  Console console;
+  for (std::size_t i = 0; i < Console::kCapacity / 1024; ++i)
+    console.Log(std::string(1023, static_cast<char>('a' + i % 26)));
+  console.Log("");
+  const std::string text = console.Take(Console::kCapacity * 2);
+  EXPECT_EQ(text.size(), Console::kCapacity - 1024 + 1);
+  EXPECT_EQ(text.substr(0, 1024), std::string(1023, 'b') + "\n");
+}
+
+TEST(Console, LosesNothingUpToItsCapacity) {
+  Console console;
+  for (std::size_t i = 0; i < Console::kCapacity / 1024; ++i) console.Log(std::string(1023, 'x'));
+  EXPECT_EQ(console.Take(Console::kCapacity * 2).size(), Console::kCapacity);
+}
+
 TEST(Console, CutsALineThatIsLongerThanTheLog) {
   Console console;
   console.Log(std::string(Console::kCapacity * 2, 'x'));
