@@ -25,12 +25,6 @@
 namespace apps {
 namespace {
 
-// What is known of one item. 0 stands for no item.
-struct Note {
-  std::uint64_t item;
-  unsigned facts;
-};
-
 enum Fact : unsigned { kReported = 1, kAborted = 2, kKilled = 4, kKilledAgain = 8 };
 
 std::uint64_t ItemOf(std::string_view token) {
@@ -42,6 +36,12 @@ std::uint64_t ItemOf(std::string_view token) {
 // Shared memory of all processes of one piece of work. Lock-free atomics and plain arrays only: a process writes here
 // from its handler of SIGABRT, and may be killed at any moment.
 struct Guard::Page {
+  // What is known of one item. 0 stands for no item.
+  struct Note {
+    std::uint64_t item;
+    unsigned facts;
+  };
+
   static constexpr std::size_t kNotes = 16384;
   static constexpr std::size_t kMostNotes = kNotes / 4 * 3;
   static constexpr int kMostAborts = 1024;
