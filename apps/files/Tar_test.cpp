@@ -13,7 +13,7 @@ TEST(TarTest, AFileIsAHeaderAndWholeBlocks) {
   const std::string archive = tar.Finish();
   ASSERT_EQ(archive.size(), 4 * 512U);
   EXPECT_EQ(archive.substr(0, 8), std::string("a/b.txt\0", 8));
-  EXPECT_EQ(archive.substr(100, 8), std::string("0000644\0", 8));
+  EXPECT_EQ(archive.substr(100, 8), std::string("0000600\0", 8));
   EXPECT_EQ(archive.substr(124, 12), std::string("00000000005\0", 12));
   EXPECT_EQ(archive[156], '0');
   EXPECT_EQ(archive.substr(257, 8), std::string("ustar\0"
@@ -25,9 +25,9 @@ TEST(TarTest, AFileIsAHeaderAndWholeBlocks) {
 TEST(TarTest, TheCheckSumCountsItselfAsBlanks) {
   Tar tar(0);
   tar.Add("a", "");
-  // 'a' 97, eight blanks 256, mode 0000644 350, owner and group 7 zeros each 672, size and time 11 zeros each 1056,
-  // type '0' 48, "ustar" 559, version "00" 96: 3134, in octal 6076.
-  EXPECT_EQ(tar.Finish().substr(148, 8), std::string("006076\0 ", 8));
+  // 'a' 97, eight blanks 256, mode 0000600 342, owner and group 7 zeros each 672, size and time 11 zeros each 1056,
+  // type '0' 48, "ustar" 559, version "00" 96: 3126, in octal 6066.
+  EXPECT_EQ(tar.Finish().substr(148, 8), std::string("006066\0 ", 8));
 }
 
 TEST(TarTest, AFileOfAWholeBlockNeedsNoFilling) {
@@ -36,11 +36,37 @@ TEST(TarTest, AFileOfAWholeBlockNeedsNoFilling) {
   EXPECT_EQ(tar.Finish().size(), 4 * 512U);
 }
 
-TEST(TarTest, ALongNameIsCut) {
+TEST(TarTest, ALongNameStandsWholeInAPaxHeader) {
   Tar tar(0);
-  tar.Add(std::string(300, 'n'), "");
-  EXPECT_EQ(tar.Finish()[98], 'n');
-  EXPECT_EQ(tar.Finish()[99], '\0');
+  const std::string name = "dir/" + std::string(96, 'n');
+  tar.Add(name, "x");
+  const std::string archive = tar.Finish();
+  // Header and record of the name, header and bytes of the file, two empty blocks.
+  ASSERT_EQ(archive.size(), 6 * 512U);
+  EXPECT_EQ(archive[156], 'x');
+  EXPECT_EQ(archive.substr(124, 12), std::string("00000000156\0", 12));
+  EXPECT_EQ(archive.substr(512, 111), "110 path=" + name + "\n" + std::string(1, '\0'));
+  EXPECT_EQ(archive.substr(1024, 100), name.substr(0, 99) + std::string(1, '\0'));
+  EXPECT_EQ(archive[1024 + 156], '0');
+}
+
+TEST(TarTest, TheLengthOfARecordCountsItsOwnDigits) {
+  Tar tar(0);
+  tar.Add("short", "");
+  tar.Add(std::string(984, 'n'), "");
+  const std::string archive = tar.Finish();
+  EXPECT_EQ(archive[156], '0');
+  // 991 bytes and three digits are 994.
+  EXPECT_EQ(archive.substr(1024, 9), "994 path=");
+}
+
+TEST(TarTest, TwoFilesOfOneNameAreTwoMembers) {
+  Tar tar(0);
+  for (const char* bytes : {"one", "two", "three"}) tar.Add("crash/A.LOG", bytes);
+  const std::string archive = tar.Finish();
+  EXPECT_EQ(archive.substr(0, 12), std::string("crash/A.LOG\0", 12));
+  EXPECT_EQ(archive.substr(1024, 14), std::string("crash/A-2.LOG\0", 14));
+  EXPECT_EQ(archive.substr(2048, 14), std::string("crash/A-3.LOG\0", 14));
 }
 
 }  // namespace

@@ -65,6 +65,18 @@ class ReportTest(Bus):
         with open(self.archive, encoding="ascii") as file:
             self.assertEqual(file.read(), "mine")
 
+    def test_calibration_files_with_long_names_are_unpacked_whole_and_privately(self):
+        # 31 bytes are the longest; each control byte is written with three.
+        name = "\x7f" * 31
+        self.put("CALIB/" + name, b"long")
+        self.assertEqual(self.kelva("report", self.archive).returncode, 0)
+        self.assertEqual(os.stat(self.archive).st_mode & 0o777, 0o600)
+        self.tar("-xf", self.archive, "-C", self.folder)
+        path = os.path.join(self.folder, "kelva-report/calibration", "%7F" * 31)
+        with open(path, "rb") as file:
+            self.assertEqual(file.read(), b"long")
+        self.assertEqual(os.stat(path).st_mode & 0o777, 0o600)
+
     def test_no_passphrase_is_in_it(self):
         self.kelva("wifi", "passphrase", input="correct horse battery\n")
         self.assertEqual(self.kelva("report", self.archive).returncode, 0)

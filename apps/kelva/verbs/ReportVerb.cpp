@@ -1,4 +1,5 @@
 // The verb report.
+#include <sys/stat.h>
 #include <sys/utsname.h>
 
 #include <ctime>
@@ -99,6 +100,18 @@ class Report {
   int files_ = 0;
 };
 
+/// While it lives, only their owner may read new files.
+class PrivateFiles {
+ public:
+  PrivateFiles() : before_(::umask(S_IRWXG | S_IRWXO)) {}
+  ~PrivateFiles() { ::umask(before_); }
+  PrivateFiles(const PrivateFiles&) = delete;
+  PrivateFiles& operator=(const PrivateFiles&) = delete;
+
+ private:
+  const mode_t before_;
+};
+
 void Gather(Context& context, const Session& camera, Report& report) {
   Progress progress(context.reporter, context.stop, "report", 0);
   report.Add("host.txt", HostFacts());
@@ -124,10 +137,13 @@ ExitCode RunReport(Context& context) {
   const Session camera(context, "open the camera");
   Report report(context);
   Gather(context, camera, report);
+  const PrivateFiles privately;
   StoreNew(folder, name, report.Finish());
   const ExitCode code = report.IsWhole() ? ExitCode::kDone : ExitCode::kPartial;
   context.Result(CameraResult(camera).SetBytes("file", path).Set("files", report.Files()), "", code);
-  context.reporter.Note("The report is in " + Printable(path) + "; look through it before you send it to anyone.");
+  context.reporter.Note("The report is in " + Printable(path) +
+                        ", and only you may read it. It holds the camera's state, console log, crash logs and "
+                        "calibration, and facts about this computer; look through it before you send it to anyone.");
   return code;
 }
 
@@ -137,8 +153,8 @@ constexpr Example kExamples[] = {{"kelva report camera.tar", "Gather what someon
 constexpr Verb kVerbs[] = {
     {"report", "Gather what helps to find a fault into one archive", kArguments, kNoOptions,
      R"(The archive holds the camera's information, battery level and counters, its console log, crash logs and
-calibration files, and facts about this computer. It holds no pictures and no passphrases. Crash logs stay on the
-camera. The camera hands over its console log only once, so afterwards only the archive has it. A part that fails is
+calibration files, and facts about this computer. It holds no pictures and no passphrases, but whatever the camera wrote into its logs. Only
+you may read the archive. Crash logs stay on the camera. The camera hands over its console log only once, so afterwards only the archive has it. A part that fails is
 reported, and the rest goes on.)",
      "file: the archive\nfiles: how many are in it", kExamples, RunReport}};
 

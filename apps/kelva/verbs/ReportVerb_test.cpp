@@ -18,6 +18,11 @@ TEST_F(ReportVerbTest, EverythingIsInOneArchive) {
   }
   EXPECT_NE(archive.find("boom"), std::string::npos);
   EXPECT_TRUE(Has("CRASH/A.LOG"));
+  EXPECT_EQ(std::filesystem::status(file).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  EXPECT_NE(ran.err.find("only you may read it. It holds the camera's state, console log, crash logs and calibration"),
+            std::string::npos)
+      << ran.err;
   EXPECT_EQ(Run({"report", file.c_str()}).code, ExitCode::kFailed);
 }
 
