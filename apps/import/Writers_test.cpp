@@ -87,5 +87,20 @@ TEST_F(WritersTest, NothingIsRecordedOnceAFolderCouldNotBeFlushed) {
   EXPECT_EQ(Plan({Picture(1)}).NewFiles(), 1U);
 }
 
+TEST_F(WritersTest, AfterAFlushThatFailedTheNextOneIsNotBelieved) {
+  const SyncPlan plan = Plan({Picture(1), Picture(2)});
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EIO, "flush folder");
+  {
+    Writers writers(folder_, manifest_, [this](const WriteOutcome&) { ++stored_; });
+    writers.Submit({&plan.items[0], {'a'}, "", false});
+    EXPECT_THROW(writers.Finish(), Failure);
+    writers.Submit({&plan.items[1], {'a'}, "", false});
+    writers.Finish();
+  }
+  EXPECT_EQ(stored_, 0);
+  EXPECT_EQ(Plan({Picture(1), Picture(2)}).NewFiles(), 2U);
+}
+
 }  // namespace
 }  // namespace apps
