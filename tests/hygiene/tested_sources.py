@@ -12,16 +12,15 @@ ELSEWHERE = {
         darwin/cf/Dictionary.cpp darwin/cf/Number.cpp darwin/cf/Object.cpp
         darwin/cf/RunLoopSource.cpp darwin/cf/String.cpp darwin/registry/Accounting.cpp darwin/registry/Entry.cpp
         darwin/registry/IoKitConnections.cpp darwin/registry/IoKitObjects.cpp darwin/registry/IoKitServices.cpp
-        darwin/registry/Notification.cpp darwin/virtual/VirtualRegistry.cpp""",
+        darwin/registry/Notification.cpp darwin/registry/NoDefaultSource.cpp darwin/virtual/VirtualRegistry.cpp""",
     "darwin/cf/RunLoop_test.cpp": "darwin/cf/WakeUp.cpp",
     "darwin/cf/EventLoop_test.cpp": "darwin/cf/WatchDescriptor.cpp",
     # They talk to udev and to the kernel, which a mock machine answers there.
     "tests/umockdev": """
         darwin/udev/UdevSource.cpp darwin/udev/UdevUnitSource.cpp darwin/udev/UnitReader.cpp""",
-    # What an installed library does that names no source.
     "embed/EventLoop_test.cpp": "embed/EventDescriptor.cpp",
-    "tests/macos/library_sources_test.py": "embed/macos/EventDescriptor.cpp",
-    "tests/install": "darwin/registry/NoDefaultSource.cpp darwin/udev/DefaultSource.cpp embed/macos/CameraSource.cpp",
+    "tests/macos/library_sources_test.py": "embed/macos/CameraSource.cpp embed/macos/EventDescriptor.cpp",
+    "tests/umockdev/DefaultSource_test.cpp": "darwin/udev/DefaultSource.cpp",
     "vcam/server/Bus_test.cpp": "vcam/server/BusRequests.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.
     "tests/vcam": """
