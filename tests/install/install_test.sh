@@ -77,6 +77,13 @@ flags=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --static --cflags --libs kel
 "$compiler" -std=c++20 "$here/consumer/main.cpp" -o "$scratch/with-pkg-config" $flags
 expect_consumer "$scratch/with-pkg-config"
 
+# Below /usr the paths are plain, and pkg-config leaves them out as the compiler's own.
+DESTDIR=$scratch/root cmake --install "$build" --prefix /usr --component Development >"$scratch/install.log"
+system_pc=$(find "$scratch/root/usr" -name kelva.pc)
+grep -qx 'prefix=/usr' "$system_pc" || fail "kelva.pc below /usr says: $(cat "$system_pc")"
+system_flags=$(PKG_CONFIG_PATH=$(dirname "$system_pc") pkg-config --cflags kelva)
+[ -z "${system_flags// /}" ] || fail "pkg-config below /usr says: $system_flags"
+
 # The program that README shows.
 # shellcheck disable=SC2016 # the backquotes are Markdown
 sed -n '/^```cpp$/,/^```$/p' "$here/../../README.md" | sed '/^```/d' >"$scratch/readme.cpp"
