@@ -38,8 +38,9 @@ void Folders::Flush(const std::set<Way>& ways) {
   std::set<Way> above;
   for (const Way& way : ways) {
     For({way, ""})->Sync();
-    for (std::size_t i = 0; i < way.size(); ++i)
+    for (std::size_t i = 0; i < way.size(); ++i) {
       above.emplace(way.begin(), way.begin() + static_cast<std::ptrdiff_t>(i));
+    }
   }
   for (const Way& way : above) FlushNewNamesIn(way);
 }

@@ -207,8 +207,8 @@ void Manifest::Fail(const std::string& doing) const {
                   "Cannot " + doing + " " + list +
                       ": another program has locked it; repeat the command when that program has finished.");
   }
-  if (const int error = SystemErrorOf(code, database_, path_); error != 0)
-    throw SystemFailure(doing + " " + list, error);
+  const int error = SystemErrorOf(code, database_, path_);
+  if (error != 0) throw SystemFailure(doing + " " + list, error);
   const std::string why = database_ == nullptr ? "no memory" : sqlite3_errmsg(database_);
   throw Failure(ExitCode::kFailed, "Cannot " + doing + " " + list + ": " + why +
                                        "; if it is damaged, move it away, and files that are here are recognised by "
