@@ -4,6 +4,7 @@
 
 #include "apps/camera/CameraPath.h"
 #include "base/Ascii.h"
+#include "src/wifi/CameraError.h"
 
 namespace apps {
 
@@ -26,6 +27,17 @@ std::optional<bool> ListedSizes::Agrees(const std::string& cameraPath, unsigned 
   return listed_ == size;
 }
 
+std::optional<unsigned long long> ListedSizes::SizeOf(const std::string& cameraPath) {
+  const SplitPath path = Split(cameraPath);
+  try {
+    if (folder_ != path.folder) Read(path.folder);
+  } catch (const CameraError&) {
+    // Not asked again for each of its files; what is wrong shows when a file is read.
+    folder_ = path.folder;
+  }
+  return LookUp(path.name) ? std::optional(listed_) : std::nullopt;
+}
+
 bool ListedSizes::LookUp(const std::string& name) {
   const auto found = sizes_.find(base::Lower(name));
   listed_ = found == sizes_.end() ? 0 : found->second;
@@ -34,6 +46,7 @@ bool ListedSizes::LookUp(const std::string& name) {
 
 void ListedSizes::Read(const std::string& folder) {
   folder_.reset();
+  sizes_.clear();
   sizes_ = ReadSizes(camera_, folder);
   folder_ = folder;
 }

@@ -22,6 +22,9 @@ class ListedSizes {
   /// Whether the folder lists the file with this size. When it does not, lists the folder again, since the file may
   /// have grown. Nothing when the folder does not list the file. Throws as Camera::ReadDir does.
   std::optional<bool> Agrees(const std::string& cameraPath, unsigned long long size);
+  /// The size with which the folder lists a file, as far as it is known: nothing when the folder does not list the file
+  /// or cannot be listed.
+  std::optional<unsigned long long> SizeOf(const std::string& cameraPath);
   /// The listed size of the file last asked about; 0 when the folder does not list it.
   unsigned long long Listed() const { return listed_; }
 

@@ -3,6 +3,7 @@
 #include "apps/camera/RemoteFile.h"
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/ReadLimit.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Progress.h"
@@ -28,7 +29,8 @@ CameraDirent FileEntry(Camera& camera, const std::string& path) {
 
 std::vector<char> ReadOnce(Context& context, Camera& camera, const std::string& path, unsigned long long size) {
   Progress progress(context.reporter, context.stop, Split(path).name, size);
-  return camera.ReadFile(path.c_str(), Progress::Callback, &progress, true);
+  ReadLimit limit(Printable(path), size, Progress::Callback, progress);
+  return camera.ReadFile(path.c_str(), ReadLimit::Check, &limit, true);
 }
 
 // Deletes a partial upload, so that nobody takes it for the whole file.

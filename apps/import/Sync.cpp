@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "apps/camera/Picture.h"
+#include "apps/camera/ReadLimit.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/FileCalls.h"
@@ -124,8 +125,10 @@ void Sync::CompareKnown(const SyncItem& item) {
 }
 
 std::vector<char> Sync::Read(const SyncItem& item) {
+  const std::optional<unsigned long long> listed = listed_.SizeOf(item.CameraPath());
   if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item), Printable(item.CameraPath()));
-  std::vector<char> bytes = camera_.ReadFile(item.Picture(), item.Type(), Progress::Check, &progress_, true);
+  ReadLimit limit(Printable(item.CameraPath()), listed, Progress::Check, progress_);
+  std::vector<char> bytes = camera_.ReadFile(item.Picture(), item.Type(), ReadLimit::Check, &limit, true);
   if (context_.guard != nullptr) context_.guard->End();
   CheckSize(item, bytes.size());
   readBytes_ += bytes.size();

@@ -7,6 +7,7 @@
 #include <locale>
 
 #include "Camera.h"
+#include "CatalogueDecoder.h"
 #include "Checks.h"
 #include "ChunkedRead.h"
 #include "Command.h"
@@ -49,7 +50,9 @@ std::vector<DcfObj> DecodeRecords(const _VscCdbDcfHeader* header, const char* re
   return pictures;
 }
 
-std::vector<DcfObj> DecodeCatalogue(const std::vector<char>& answer) {
+}  // namespace
+
+std::vector<DcfObj> kelva::DecodeCatalogue(const std::vector<char>& answer) {
   const auto* header = reinterpret_cast<const _VscCdbDcfHeader*>(answer.data());
   const std::int64_t headerSize = answer.size() < sizeof(*header) ? -1 : kelva::DcfHeaderSize(*header);
   if (headerSize < 0 || headerSize > static_cast<std::int64_t>(answer.size())) {
@@ -61,8 +64,6 @@ std::vector<DcfObj> DecodeCatalogue(const std::vector<char>& answer) {
   return DecodeRecords(header, answer.data() + start, answer.size() - start);
 }
 
-}  // namespace
-
 std::vector<DcfObj> Camera::GetDcf() {
   if (!IsOpen()) return {};
   ClearCancel(true);
@@ -71,7 +72,7 @@ std::vector<DcfObj> Camera::GetDcf() {
   if (!kelva::ReadChunks(*this, chunkSize_, {kelva::read_chunk::kSelected, true, kelva::ReadProgress::None()}, sink)) {
     return {};
   }
-  return DecodeCatalogue(sink.Take());
+  return kelva::DecodeCatalogue(sink.Take());
 }
 
 bool Camera::ValidateDcfHeader(const _VscCdbDcfHeader* header) {

@@ -18,6 +18,16 @@ TEST(JpegKindTest, AProgressiveFileDoesNot) {
   EXPECT_FALSE(ComesRowByRow(file));
 }
 
+TEST(JpegKindTest, AFileWithAScanForEachComponentDoesNot) {
+  std::string file = TinyJpeg::File(1, {90});
+  const std::size_t frame = file.find("\xFF\xC0");
+  const std::size_t scan = file.find("\xFF\xDA");
+  ASSERT_EQ(file[frame + 9], file[scan + 4]);
+  file[frame + 9] = 3;
+  file[scan + 4] = 1;
+  EXPECT_FALSE(ComesRowByRow(file));
+}
+
 TEST(JpegKindTest, WhatIsInsideAnotherPartIsNoFrame) {
   const std::string decoy = TinyJpeg::Segment('\xE1', std::string("\xFF\xC0\0\x08", 4));
   std::string file = TinyJpeg::File(1, {90}, decoy);
@@ -27,8 +37,8 @@ TEST(JpegKindTest, WhatIsInsideAnotherPartIsNoFrame) {
 
 TEST(JpegKindTest, EveryCutAndEveryOtherFileIsInDoubt) {
   const std::string file = TinyJpeg::File(1, {90});
-  const std::size_t frame = file.find("\xFF\xC0");
-  for (std::size_t size = 0; size < frame + 4; ++size) {
+  const std::size_t scan = file.find("\xFF\xDA");
+  for (std::size_t size = 0; size < scan + 5; ++size) {
     EXPECT_FALSE(ComesRowByRow(file.substr(0, size))) << size;
   }
   EXPECT_FALSE(ComesRowByRow(std::string("no picture at all")));

@@ -8,6 +8,7 @@
 #include "apps/camera/Catalogue.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
+#include "apps/camera/ReadLimit.h"
 #include "apps/commandline/Printable.h"
 #include "apps/kelva/sheet/Jpeg.h"
 #include "src/wifi/CameraError.h"
@@ -97,7 +98,7 @@ void Sheet::DrawInto(Card& card, const DcfObj& picture) {
 void Sheet::TryToDraw(Card& card, const DcfObj& picture) {
   std::optional<std::vector<char>> fetched = beside_.Read(picture, kJpg);
   const bool isHere = fetched.has_value();
-  const std::vector<char> bytes = isHere ? *std::move(fetched) : ReadFromCamera(picture);
+  const std::vector<char> bytes = isHere ? *std::move(fetched) : ReadFromCamera(picture, card.files.front().size);
   if (!card.files.front().size) card.files.front().size = bytes.size();
   Thumbnail thumbnail = DrawThumbnail(bytes);
   if (!card.time) card.time = thumbnail.time;
@@ -111,11 +112,12 @@ void Sheet::TryToDraw(Card& card, const DcfObj& picture) {
            "); fetch it again, and check the card if it stays.");
 }
 
-std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture) {
+std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<unsigned long long> listed) {
   const std::string token = PicturePath(picture, kJpg);
   if (context_.guard != nullptr) ThrowIfLeftOut(context_.guard->FateOf(token));
   if (context_.guard != nullptr) context_.guard->Begin(token, Printable(token));
-  std::vector<char> bytes = camera_.ReadFile(picture, kJpg, Progress::Check, progress_, true);
+  ReadLimit limit(Printable(token), listed, Progress::Check, *progress_);
+  std::vector<char> bytes = camera_.ReadFile(picture, kJpg, ReadLimit::Check, &limit, true);
   if (context_.guard != nullptr) context_.guard->End();
   if (bytes.empty()) throw NoPicture("the catalogue names it, but the camera has no bytes of it");
   return bytes;

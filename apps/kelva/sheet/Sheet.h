@@ -2,6 +2,7 @@
 #define KELVA_APPS_KELVA_SHEET_SHEET_H_
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,7 +49,7 @@ class Sheet {
   Card CardOf(const DcfObj& picture, const FileSizes& sizes);
   void DrawInto(Card& card, const DcfObj& picture);
   void TryToDraw(Card& card, const DcfObj& picture);
-  std::vector<char> ReadFromCamera(const DcfObj& picture);
+  std::vector<char> ReadFromCamera(const DcfObj& picture, std::optional<unsigned long long> listed);
   void Fail(Card& card, const char* words, const std::string& sentence);
   void List(const Card& card);
 

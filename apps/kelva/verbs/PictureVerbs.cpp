@@ -4,6 +4,7 @@
 
 #include "apps/camera/Catalogue.h"
 #include "apps/camera/Picture.h"
+#include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Columns.h"
 #include "apps/commandline/Failure.h"
@@ -19,7 +20,7 @@ ExitCode RunPictures(Context& context) {
   if (const auto sheet = context.call.Value("sheet")) return RunSheet(context, *sheet);
   if (context.call.Has("force")) throw Failure(ExitCode::kUsage, "--force goes with --sheet; a list replaces nothing.");
   const Session camera(context, "read the picture catalogue");
-  const std::vector<DcfObj> catalogue = camera->GetDcf();
+  const std::vector<DcfObj> catalogue = ReadPictures(*camera);
   Json list = Json::Array();
   std::vector<std::vector<std::string>> rows = {{"PICTURE", "FILES", "TIME"}};
   for (const DcfObj& picture : catalogue) {
@@ -33,7 +34,7 @@ ExitCode RunPictures(Context& context) {
 
 ExitCode RunPicturesRm(Context& context) {
   const Session camera(context, "read the picture catalogue");
-  const std::vector<DcfObj> catalogue = camera->GetDcf();
+  const std::vector<DcfObj> catalogue = ReadPictures(*camera);
   Each each(context, "pictures");
   for (const std::string& name : context.call.words) {
     each.Try(name, [&] {

@@ -10,6 +10,7 @@
 #include "apps/camera/Clock.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Information.h"
+#include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -54,7 +55,7 @@ std::string CameraFacts(Camera& camera, const RegistryCamera& facts) {
   for (const std::string& line : InformationTexts(record)) text += "information: " + Printable(line) + "\n";
   text += "battery: " + Shortest(camera.BatteryLevel()) + "\n";
   text += "completed commands: " + std::to_string(camera.GetDoneCmdCount()) + "\n";
-  return text + "pictures: " + std::to_string(camera.GetDcf().size()) + "\n";
+  return text + "pictures: " + std::to_string(ReadPictures(camera).size()) + "\n";
 }
 
 // Gathers what it can; what fails is said in the archive too.

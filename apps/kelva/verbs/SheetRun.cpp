@@ -7,6 +7,7 @@
 
 #include "apps/camera/Clock.h"
 #include "apps/camera/Picture.h"
+#include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -112,7 +113,7 @@ ExitCode RunSheet(Context& context, const std::string& path) {
   const TargetFolder folder = TargetFolder::Open(target.folder);
   if (!replace && folder.Has(target.name)) throw Taken(folder, target.name);
   const Session camera(context, "read the picture catalogue");
-  const std::vector<DcfObj> catalogue = InSheetOrder(camera->GetDcf());
+  const std::vector<DcfObj> catalogue = InSheetOrder(ReadPictures(*camera));
   context.Doing("list the folders of the pictures");
   const std::vector<FileSizes> sizes = ReadFileSizes(context.stop, *camera, catalogue);
 

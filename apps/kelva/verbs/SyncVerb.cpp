@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -58,7 +59,7 @@ ExitCode RunDry(Context& context, const std::string& path, const std::vector<int
   const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
   Manifest manifest = missing ? Manifest() : Manifest(TargetFolder::Open(path), false);
   const Session camera(context, "read the picture catalogue");
-  return ShowPlan(context, camera, MakePlan(camera->GetDcf(), camera.Facts().serial, types, pattern, manifest));
+  return ShowPlan(context, camera, MakePlan(ReadPictures(*camera), camera.Facts().serial, types, pattern, manifest));
 }
 
 ExitCode RunSync(Context& context) {
@@ -78,7 +79,7 @@ ExitCode RunSync(Context& context) {
   Manifest manifest(folder, true);
   RemoveLeftovers(folder);
   const unsigned long long before = context.guard == nullptr ? 0 : context.guard->Files();
-  const SyncPlan plan = MakePlan(camera->GetDcf(), camera.Facts().serial, types, pattern, manifest);
+  const SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, types, pattern, manifest);
   if (context.guard != nullptr) context.guard->Expect(before + plan.NewFiles());
   Sync sync(context, *camera, folder, manifest, options);
   const auto ended = sync.Run(plan);
