@@ -13,7 +13,7 @@ int main() {
         std::cout << "A camera that another program uses.\n";
         continue;
       }
-      std::cout << "A camera with " << camera->GetDcf().size() << " pictures.\n";
+      std::cout << "A camera. Pictures: " << camera->GetDcf().size() << "\n";
     }
   } catch (const CameraError& error) {
     std::cerr << error.what() << "\n";

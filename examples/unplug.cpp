@@ -42,14 +42,14 @@ int main() {
     try {
       const boost::shared_ptr<Camera> camera = attached;  // for as long as a command runs
       ReadWhatIsMissing(*camera);
-      std::cout << done.size() << " pictures read." << std::endl;
+      std::cout << "Pictures read: " << done.size() << std::endl;
       return 0;
     } catch (const CameraTransferError& error) {
       if (!WasUnplugged()) {
         std::cerr << error.what() << "\n";
         return 1;
       }
-      std::cout << "Unplugged after " << done.size() << " pictures; plug it in again." << std::endl;
+      std::cout << "Unplugged; plug it in again. Pictures read: " << done.size() << std::endl;
     }
   }
 }

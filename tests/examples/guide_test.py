@@ -62,7 +62,7 @@ class Guide(unittest.TestCase):
                             ["cmake", "--build", folder / "build"]):
                 subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
             said = subprocess.check_output([folder / "build/program"], text=True)
-            self.assertRegex(said, r"^(No camera is attached\.|A camera )")
+            self.assertRegex(said, r"^(No camera is attached\.|A camera\b)")
 
 
 if __name__ == "__main__":

@@ -426,6 +426,24 @@ TEST_F(ListenerTest, EachThreadHearsItsOwn) {
   EXPECT_THAT(there.heard, ElementsAre("+K1"));
 }
 
+TEST_F(ListenerTest, ACameraMayBeUsedAndDestroyedOnAnotherThread) {
+  std::promise<boost::shared_ptr<Camera>> found;
+  Log lost;
+  const kelva::Listener listener({.attached = [&](auto camera, auto&) { found.set_value(std::move(camera)); },
+                                  .lost = [&](auto, auto& serial) { lost.push_back(serial); },
+                                  .badCamera = {}});
+  std::thread worker([&] {
+    const boost::shared_ptr<Camera> camera = found.get_future().get();
+    EXPECT_FALSE(camera->CompareSn("K2"));
+  });
+  const darwin::EntryId camera = Plug("K1");
+  RunPending();
+  Unplug(camera);
+  RunPending();
+  worker.join();
+  EXPECT_THAT(lost, ElementsAre("K1"));
+}
+
 // The fixed listening functions cannot be ended: their context lives until the process ends, and so do their handles.
 struct FixedProgram {
   static void Attached(boost::shared_ptr<Camera> camera, void* self) {
