@@ -36,7 +36,7 @@ suite_sanitizer() {
 
 suite_labelled() {
   not_on_macos "$1"
-  need_packages build test
+  need_packages build test long package
   build_preset quick
   run_ctest build/quick -L "^$1\$"
 }
@@ -62,7 +62,7 @@ suite_full() {
 build_everything() {
   local presets=(dev asan tsan) preset
   on_macos || presets+=(fuzz)
-  need_packages build test
+  need_packages build test long package
   for preset in "${presets[@]}"; do
     build_preset "$preset"
   done

@@ -24,19 +24,23 @@ class Build:
     def written_list(self):
         """component -> the files that the list names for this kind of build, below the prefix."""
         kind = "shared" if self.cache.get("BUILD_SHARED_LIBS", "OFF") in ("ON", "TRUE", "1") else "static"
-        version = self.cache["CMAKE_PROJECT_VERSION"]
-        values = {"lib": self.cache.get("CMAKE_INSTALL_LIBDIR", "lib"), "version": version, "soversion": version.rpartition(".")[0],
-                  "type": self.cache["CMAKE_BUILD_TYPE"].lower() or "noconfig"}
-        components, files = {}, []
-        for line in LIST.read_text().splitlines():
-            name, _, condition = line.partition("  if ")
-            if not name or name.startswith("#"):
-                continue
-            if name.startswith("["):
-                files = components.setdefault(name.strip("[]"), [])
-            elif condition in ("", kind):
-                files.append(name.format(**values))
-        return {component: sorted(names) for component, names in components.items()}
+        build_type = self.cache["CMAKE_BUILD_TYPE"].lower() or "noconfig"
+        return written_list(kind, self.cache["CMAKE_PROJECT_VERSION"], self.cache.get("CMAKE_INSTALL_LIBDIR", "lib"), build_type)
+
+
+def written_list(kind, version, libraries, build_type):
+    """component -> the files that the list names for a kind of build, "static" or "shared"."""
+    values = {"lib": libraries, "version": version, "soversion": version.rpartition(".")[0], "type": build_type}
+    components, files = {}, []
+    for line in LIST.read_text().splitlines():
+        name, _, condition = line.partition("  if ")
+        if not name or name.startswith("#"):
+            continue
+        if name.startswith("["):
+            files = components.setdefault(name.strip("[]"), [])
+        elif condition in ("", kind):
+            files.append(name.format(**values))
+    return {component: sorted(names) for component, names in components.items()}
 
 
 def files_below(folder):

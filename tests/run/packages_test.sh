@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# How ./run and ./test get what they need on Debian, and what they say when they cannot. Usage: packages_test.sh REPOSITORY
+# How ./run, ./test and ./package get what they need on Debian, and what they say when they cannot. Usage: packages_test.sh REPOSITORY
 set -euo pipefail
 root=$1
 # shellcheck source=tests/run/stand_ins.sh
@@ -36,6 +36,17 @@ rm "$scratch/bin/ninja"
 on_it 1 ./run --system
 complained "ninja is missing; install it"
 stand_in ninja
+
+# ./package asks for what it needs besides, and leaves a machine alone that cannot build packages.
+cp "$root/package" "$root/CMakeLists.txt" "$copy/"
+on_it 2 ./package --onto build
+complained "is no argument of ./package"
+machine_with "$(grep -v 'debhelper$' <<<"$all_packages")"
+on_it 1 ./package
+said "debhelper *the steps of that build"
+grep -q '^apt-get .*install -y --no-install-recommends debhelper$' "$CALLS" || fail "not installed: $(cat "$CALLS")"
+complained "packages are built on Debian only"
+[ ! -e "$copy/build/packages" ] || fail "a folder was made for packages that cannot be built"
 
 # Without a network: one sentence, with the reason and what to do.
 machine_with ""
