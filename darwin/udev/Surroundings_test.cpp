@@ -21,6 +21,13 @@ TEST(ProcessSurroundingsTest, TheClockNeverGoesBack) {
   EXPECT_GE(process.NowMs(), first);
 }
 
+TEST(ProcessSurroundingsTest, APauseTakesAsLongAsAsked) {
+  ProcessSurroundings process;
+  const auto first = process.NowMs();
+  process.SleepMs(3);
+  EXPECT_GE(process.NowMs(), first + 3);
+}
+
 TEST(ProcessSurroundingsTest, AReportIsOneLineOnStandardError) {
   testing::internal::CaptureStderr();
   ProcessSurroundings().Report("Something is so.");

@@ -25,6 +25,12 @@ TEST_F(CaptureTest, CountsOnInTheLastDirectory) {
   EXPECT_TRUE(scratch_.Has("DCIM/105OTHER/IMG_0042.JPG"));
 }
 
+TEST_F(CaptureTest, StaysInTheFirstDirectoryWhoeverNamedIt) {
+  scratch_.Put("DCIM/100ABCDE/IMG_0001.JPG", "");
+  ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x00}).Good());
+  EXPECT_TRUE(scratch_.Has("DCIM/100ABCDE/IMG_0002.JPG"));
+}
+
 TEST_F(CaptureTest, StartsANewDirectoryAfterTheLastNumber) {
   scratch_.Put("DCIM/100KELVA/IMG_9999.JPG", "");
   ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x00}).Good());

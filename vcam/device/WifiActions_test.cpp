@@ -72,6 +72,9 @@ TEST_F(WifiActionsTest, RefusesAChangeThatItCannotKeep) {
   scratch_.Put(".kelva/state/in-the-way", "");
   Restart();
   EXPECT_FALSE(SendText(*camera_, {0xC0, 0, 0x07}, "kelva.camera.x").Good());
+  std::filesystem::remove_all(scratch_.Path() / ".kelva/state");
+  EXPECT_TRUE(SendText(*camera_, {0xC0, 0, 0x08}, "kelva.camera.y").Good());
+  EXPECT_THAT(scratch_.Get(".kelva/state"), testing::Not(testing::HasSubstr("kelva.camera.x")));
 }
 
 }  // namespace
