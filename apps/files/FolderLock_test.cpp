@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "apps/commandline/Failure.h"
@@ -60,6 +61,20 @@ TEST_F(FolderLockTest, CanBeOpenedByThoseAloneWhoMayWriteIntoTheFolder) {
   EXPECT_EQ(ModeIn(0775), 0660U);
   EXPECT_EQ(ModeIn(0777), 0666U);
   ::umask(before);
+}
+
+TEST_F(FolderLockTest, LeavesALockThatIsThereAsItIs) {
+  { const FolderLock lock(Folder()); }
+  ::chmod(scratch_.Path().c_str(), 0777);
+  const FolderLock lock(Folder());
+  struct stat status {};
+  EXPECT_EQ(::stat(LockPath().c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777U, 0600U);
+}
+
+TEST_F(FolderLockTest, IsNotMisledByTheErrorOfAnEarlierCall) {
+  errno = EWOULDBLOCK;
+  EXPECT_EQ(CodeOfAnother(), ExitCode::kDone);
 }
 
 TEST_F(FolderLockTest, FollowsNoLinkAndTakesPlainFilesOnly) {

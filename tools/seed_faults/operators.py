@@ -173,10 +173,14 @@ def swap(source):
             yield Fault("swap", source.line(first), first, end, made)
 
 
+# Values for which {} is another name, or that another operator takes.
+NOTHING = ("true", "false", "{}", "0", "nullptr", "std::nullopt", "kIOReturnSuccess", "Done()", "*this")
+
+
 def ret(source):
     for start, end in source.statements():
         value = source.code[start + 7:end - 1].strip()
-        if source.code[start:start + 7] == "return " and value not in ("true", "false", "{}", "0", "nullptr", "std::nullopt", "kIOReturnSuccess", "*this"):
+        if source.code[start:start + 7] == "return " and value not in NOTHING:
             yield Fault("ret", source.line(start), start, end, "return {};")
 
 

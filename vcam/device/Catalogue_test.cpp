@@ -69,6 +69,18 @@ TEST(Catalogue, MarksItsCountItsOffsetsAndItsNames) {
   EXPECT_EQ(data.marks.names[3].offset, 92U + 128U + 8U);
 }
 
+TEST(Catalogue, GivesEachFieldTheBytesOfItsType) {
+  const std::uint32_t sizes[] = {24, 4, 4, 4, 4, 4, 4, 48, 28, 4};
+  for (std::uint32_t type = 0; type < std::size(sizes); ++type) {
+    DataSet data = BuildCatalogue({base::Bytes(128)}, {sizes[type] + 1, {{type, 0}}});
+    const base::Bytes bytes = ReadWhole(data);
+    ASSERT_EQ(bytes.size(), 20U + sizes[type] + 1);
+    base::Bytes expected(sizes[type]);
+    expected.push_back(0xEE);
+    EXPECT_EQ(base::Bytes(bytes.begin() + 20, bytes.end()), expected) << type;
+  }
+}
+
 TEST(Catalogue, MarksNamesWhereItsLayoutPutsThem) {
   const DataSet data = BuildCatalogue({base::Bytes(128), base::Bytes(128)}, {32, {{1, 0}, {0, 4}}});
   ASSERT_EQ(data.marks.names.size(), 4U);

@@ -77,6 +77,14 @@ TEST_F(ChunksTest, TakesAFirmwareImageAndWritesIt) {
   EXPECT_THAT(AsText(Ask(*camera_, {0xC4, 0, 1}, 644).data), testing::HasSubstr("a9993e364706"));
 }
 
+TEST_F(ChunksTest, GivesUpAnUpgradeWhenSomethingIsSelected) {
+  ASSERT_TRUE(Tell(*camera_, {0xC1, 0, 2}).Good());
+  ASSERT_TRUE(Send(*camera_, {0xC5}, {'a'}).Good());
+  ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x02}).Good());
+  EXPECT_EQ(Send(*camera_, {0xC5, 0, 1}, {'b'}).sense, sense::kWrongSequence);
+  EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data[8], 1) << "failed";
+}
+
 TEST_F(ChunksTest, FailsAnUpgradeThatIsEmptyOrEndsTooSoon) {
   for (const std::uint8_t length : base::Bytes{0, 3}) {
     ASSERT_TRUE(Tell(*camera_, {0xC1, 0, length}).Good());

@@ -29,6 +29,14 @@ TEST(Pictures, TakeFileNamesApart) {
   }
 }
 
+TEST(Pictures, HaveNamesUpToTheLongestThatARecordHolds) {
+  EXPECT_EQ(ParseDirectoryName("999").value().suffix, "");
+  EXPECT_EQ(ParseDirectoryName("100ABCDEFG").value().suffix, "ABCDEFG");
+  EXPECT_EQ(ParseFileName("0012.JPG").value().prefix, "");
+  EXPECT_EQ(ParseFileName("PREFIX_0012.JPG").value().prefix, "PREFIX_");
+  EXPECT_EQ(ParseFileName("9999.128").value().number, 9999);
+}
+
 TEST(Pictures, GatherTheFilesOfOneNumber) {
   const test::ScratchStorage scratch;
   for (const char* name :

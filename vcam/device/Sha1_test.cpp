@@ -2,8 +2,29 @@
 
 #include <gmock/gmock.h>
 
+namespace {
+
+int freedContexts = 0;
+
+}  // namespace
+
+// The linker puts this in the place of OpenSSL's (--wrap).
+extern "C" {
+void __real_EVP_MD_CTX_free(void* context);
+void __wrap_EVP_MD_CTX_free(void* context) {
+  ++freedContexts;
+  __real_EVP_MD_CTX_free(context);
+}
+}
+
 namespace vcam {
 namespace {
+
+TEST(Sha1, GivesItsMemoryBack) {
+  const int before = freedContexts;
+  Sha1().Hex();
+  EXPECT_EQ(freedContexts, before + 1);
+}
 
 TEST(Sha1, KnowsThePublishedExamples) {
   EXPECT_EQ(Sha1().Hex(), "da39a3ee5e6b4b0d3255bfef95601890afd80709");

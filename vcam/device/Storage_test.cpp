@@ -167,5 +167,13 @@ TEST(Storage, TurnsErrorsIntoSenseData) {
   EXPECT_EQ(SenseOfErrno(EIO), sense::kReadError);
 }
 
+TEST_F(ViewTest, SaysWhyAFileCannotBeReplaced) {
+  EXPECT_EQ(storage_.Replace("missing/a", "x", 0600), ENOENT);
+  ASSERT_EQ(storage_.MakeDirectory("new"), 0);
+  EXPECT_EQ(storage_.Replace("new", "x", 0600), EISDIR);
+  EXPECT_TRUE(storage_.HasDirectory("new"));
+  ExpectFolderUnchanged();
+}
+
 }  // namespace
 }  // namespace vcam

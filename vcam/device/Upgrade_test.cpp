@@ -45,6 +45,17 @@ TEST(Upgrade, NamesTheFirmwareAfterItsImage) {
   EXPECT_EQ(upgrade.Firmware(kStart + milliseconds(100)), "a9993e364706");
 }
 
+TEST(Upgrade, NamesTheNextFirmwareAfterTheNextImageAlone) {
+  Upgrade upgrade;
+  for (const char* name : {"a9993e364706", "86f7e437faa5"}) {  // of "abc", and then of "a"
+    const base::Bytes image(kAbc.begin(), name[0] == 'a' ? kAbc.end() : kAbc.begin() + 1);
+    upgrade.Start(static_cast<std::uint32_t>(image.size()));
+    ASSERT_TRUE(upgrade.Receive(0, image));
+    ASSERT_TRUE(upgrade.Finish(kStart, milliseconds(100), false));
+    EXPECT_EQ(upgrade.Firmware(kStart + milliseconds(100)), name);
+  }
+}
+
 TEST(Upgrade, FailsHalfWayWhenItIsDoomed) {
   Upgrade upgrade;
   upgrade.Start(3);

@@ -38,6 +38,15 @@ TEST_F(WifiActionsTest, RefusesNamesAndPassphrasesThatCannotBe) {
   EXPECT_EQ(Tell(*camera_, {0xC0, 0, 0x09}).sense, sense::kWrongDataLength);
 }
 
+TEST_F(WifiActionsTest, TakesNamesAndPassphrasesOfEveryLengthThatCanBe) {
+  for (const std::size_t length : {std::size_t{1}, std::size_t{32}}) {
+    EXPECT_TRUE(SendText(*camera_, {0xC0, 0, 0x07}, std::string(length, 'x')).Good()) << length;
+  }
+  for (const std::size_t length : {std::size_t{8}, std::size_t{63}}) {
+    EXPECT_TRUE(SendText(*camera_, {0xC0, 0, 0x09}, std::string(length, 'x')).Good()) << length;
+  }
+}
+
 TEST_F(WifiActionsTest, NotesThatAnAuthTypeCommandArrived) {
   EXPECT_TRUE(Tell(*camera_, {0xC0, 0, 0x0B}).Good());
   EXPECT_TRUE(Tell(*camera_, {0xC0, 0, 0x0B}).Good());
