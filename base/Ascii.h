@@ -3,8 +3,9 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
-// Changes the case of ASCII letters, whatever the locale, and of no other bytes.
+// ASCII text, whatever the locale: changes the case of letters and of no other bytes, and compares shapes.
 
 namespace base {
 
@@ -24,6 +25,12 @@ inline std::string Lower(std::string text) {
 inline std::string Upper(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(), [](char c) { return Upper(c); });
   return text;
+}
+
+/// Whether the text looks like `shape`, in which a 0 stands for any digit: "0000-00-00".
+inline bool HasShape(std::string_view text, std::string_view shape) {
+  return std::equal(text.begin(), text.end(), shape.begin(), shape.end(),
+                    [](char c, char wanted) { return wanted == '0' ? c >= '0' && c <= '9' : c == wanted; });
 }
 
 }  // namespace base

@@ -15,5 +15,12 @@ TEST(AsciiTest, BytesAboveAsciiStay) {
   EXPECT_EQ(Upper(std::string("\xC3\xA4\xFF")), "\xC3\xA4\xFF");
 }
 
+TEST(Ascii, AShapeHasDigitsWhereItHasZeros) {
+  EXPECT_TRUE(HasShape("2026-03-14", "0000-00-00"));
+  EXPECT_FALSE(HasShape("2026-03-1", "0000-00-00"));
+  EXPECT_FALSE(HasShape("2026-03-1x", "0000-00-00"));
+  EXPECT_FALSE(HasShape("2026:03-14", "0000-00-00"));
+}
+
 }  // namespace
 }  // namespace base

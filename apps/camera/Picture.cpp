@@ -32,11 +32,6 @@ std::string Number(int number, int digits) {
 
 }  // namespace
 
-bool HasShape(std::string_view text, std::string_view shape) {
-  return std::equal(text.begin(), text.end(), shape.begin(), shape.end(),
-                    [](char c, char wanted) { return wanted == '0' ? c >= '0' && c <= '9' : c == wanted; });
-}
-
 std::string_view FileTypeName(int type) {
   return type >= kFirstFileType && type <= kLastFileType ? kTypeNames[static_cast<std::size_t>(type - 1)] : "";
 }
@@ -74,7 +69,7 @@ std::optional<std::string> PictureKey(const DcfObj& picture) {
 
 std::optional<std::string> PictureTime(const DcfObj& picture) {
   const std::string_view text = TextIn(picture.block8);
-  if (!HasShape(text, "0000-00-00 00:00:00")) return std::nullopt;
+  if (!base::HasShape(text, "0000-00-00 00:00:00")) return std::nullopt;
   return std::string(text);
 }
 

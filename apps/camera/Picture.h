@@ -18,9 +18,6 @@ std::string_view FileTypeName(int type);
 /// The types that a picture has, in order.
 std::vector<int> FileTypes(const DcfObj& picture);
 
-/// Whether the text looks like `shape`, in which a 0 stands for any digit: "0000-00-00".
-bool HasShape(std::string_view text, std::string_view shape);
-
 /// "100ABCDE". The camera's bytes, not to be trusted.
 std::string PictureFolder(const DcfObj& picture);
 /// "IMG_0001".

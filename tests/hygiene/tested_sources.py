@@ -22,6 +22,9 @@ ELSEWHERE = {
     "tests/macos/library_sources_test.py": "embed/macos/CameraSource.cpp embed/macos/EventDescriptor.cpp",
     "tests/umockdev/DefaultSource_test.cpp": "darwin/udev/DefaultSource.cpp",
     "vcam/server/Bus_test.cpp": "vcam/server/BusRequests.cpp",
+    # One test for what the build chooses among.
+    "apps/kelva/thumbnail/Confine_test.cpp": """
+        apps/kelva/thumbnail/ConfineLinux.cpp apps/kelva/thumbnail/ConfineNot.cpp apps/kelva/thumbnail/ConfinePosix.cpp""",
     # The verbs of kelva-vcam are tested as the program that people run.
     "tests/vcam": """
         vcam/program/EndSignals.cpp vcam/program/FaultVerb.cpp vcam/program/PlugVerbs.cpp vcam/program/ServeVerb.cpp

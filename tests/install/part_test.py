@@ -56,7 +56,7 @@ class Options(unittest.TestCase):
             self.assertCountEqual(re.findall(r" -o bin/(\S+)", run("ninja", "-C", folder, "-t", "commands", "all")), programs)
 
     def test_tool_alone(self):
-        self.expect_programs("TOOL", ["kelva"])
+        self.expect_programs("TOOL", ["kelva-thumbnail", "kelva"])
 
     def test_virtual_camera_alone(self):
         self.expect_programs("VCAM", ["kelva-vcam"])

@@ -10,7 +10,7 @@
 #include "apps/camera/Picture.h"
 #include "apps/camera/ReadLimit.h"
 #include "apps/commandline/Printable.h"
-#include "apps/kelva/sheet/Jpeg.h"
+#include "apps/kelva/thumbnail/Jpeg.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {
@@ -100,7 +100,7 @@ void Sheet::TryToDraw(Card& card, const DcfObj& picture) {
   const bool isHere = fetched.has_value();
   const std::vector<char> bytes = isHere ? *std::move(fetched) : ReadFromCamera(picture, card.files.front().size);
   if (!card.files.front().size) card.files.front().size = bytes.size();
-  Thumbnail thumbnail = DrawThumbnail(bytes);
+  Thumbnail thumbnail = DrawThumbnail(thumbnailer_, bytes, context_.stop);
   if (!card.time) card.time = thumbnail.time;
   const std::string complaint = thumbnail.complaint;
   card.thumbnail = std::move(thumbnail);

@@ -12,6 +12,7 @@
 #include "apps/kelva/sheet/Beside.h"
 #include "apps/kelva/sheet/Card.h"
 #include "apps/kelva/sheet/FileSizes.h"
+#include "apps/kelva/sheet/Thumbnailer.h"
 #include "src/wifi/Camera.h"
 
 namespace apps {
@@ -56,6 +57,7 @@ class Sheet {
   Context& context_;
   Camera& camera_;
   Beside beside_;
+  Thumbnailer thumbnailer_;
   Progress* progress_ = nullptr;
   std::string failure_;  // of the picture at hand
   SheetTotals totals_;

@@ -1,19 +1,19 @@
-// Draws one thumbnail: decode, shrink, turn upright, encode.
+// Draws one thumbnail: another process decodes it, this one stores it.
 #include "apps/kelva/sheet/Thumbnail.h"
 
 #include <utility>
+#include <variant>
 
-#include "apps/kelva/sheet/Exif.h"
-#include "apps/kelva/sheet/Jpeg.h"
-#include "apps/kelva/sheet/Pixels.h"
+#include "apps/kelva/thumbnail/Jpeg.h"
 
 namespace apps {
 
-Thumbnail DrawThumbnail(std::span<const char> jpegFile) {
-  Decoded decoded = DecodeJpeg(jpegFile, kThumbnailSide);
-  ExifFacts facts = ReadExif(jpegFile);
-  const Pixels image = Upright(Shrunk(decoded.image, kThumbnailSide), facts.orientation);
-  return {image.width, image.height, EncodeJpeg(image), std::move(facts.time), std::move(decoded.complaint)};
+Thumbnail DrawThumbnail(Thumbnailer& thumbnailer, std::span<const char> jpegFile, const Stop& stop) {
+  DrawingOrReason answer = thumbnailer.Draw(jpegFile, stop);
+  if (const auto* reason = std::get_if<std::string>(&answer)) throw NoPicture(*reason);
+  Drawing& drawing = std::get<Drawing>(answer);
+  const Pixels& image = drawing.image;
+  return {image.width, image.height, EncodeJpeg(image), std::move(drawing.time), std::move(drawing.complaint)};
 }
 
 }  // namespace apps

@@ -5,6 +5,9 @@
 #include <span>
 #include <string>
 
+#include "apps/commandline/Stop.h"
+#include "apps/kelva/sheet/Thumbnailer.h"
+
 namespace apps {
 
 /// A small, upright picture of a JPEG file.
@@ -16,11 +19,8 @@ struct Thumbnail {
   std::string complaint;            ///< empty, or what is damaged in a picture that could be drawn in part
 };
 
-/// The longer side of a thumbnail: sharp at twice the size at which the sheet shows most of them.
-inline constexpr int kThumbnailSide = 400;
-
-/// Throws NoPicture.
-Thumbnail DrawThumbnail(std::span<const char> jpegFile);
+/// Throws NoPicture, and what Thumbnailer::Draw throws.
+Thumbnail DrawThumbnail(Thumbnailer& thumbnailer, std::span<const char> jpegFile, const Stop& stop);
 
 }  // namespace apps
 

@@ -2,11 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include "apps/kelva/sheet/Jpeg.h"
-#include "apps/kelva/sheet/testing/TinyJpeg.h"
+#include "apps/kelva/thumbnail/Jpeg.h"
+#include "apps/kelva/thumbnail/testing/TinyJpeg.h"
 
 namespace apps {
 namespace {
+
+Thumbnail DrawThumbnail(std::span<const char> file) {
+  static Thumbnailer thumbnailer;
+  const Stop stop;
+  return apps::DrawThumbnail(thumbnailer, file, stop);
+}
 
 TEST(ThumbnailTest, ALargePictureBecomesSmall) {
   const Thumbnail thumbnail = DrawThumbnail(TinyJpeg::File(100, std::vector<int>(5000, 90)));

@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "apps/files/testing/RecordingCalls.h"
-#include "apps/kelva/sheet/testing/TinyJpeg.h"
+#include "apps/kelva/thumbnail/testing/TinyJpeg.h"
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {

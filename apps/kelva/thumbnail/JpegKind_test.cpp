@@ -1,8 +1,8 @@
-#include "apps/kelva/sheet/JpegKind.h"
+#include "apps/kelva/thumbnail/JpegKind.h"
 
 #include <gtest/gtest.h>
 
-#include "apps/kelva/sheet/testing/TinyJpeg.h"
+#include "apps/kelva/thumbnail/testing/TinyJpeg.h"
 
 namespace apps {
 namespace {

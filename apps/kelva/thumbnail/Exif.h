@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_KELVA_SHEET_EXIF_H_
-#define KELVA_APPS_KELVA_SHEET_EXIF_H_
+#ifndef KELVA_APPS_KELVA_THUMBNAIL_EXIF_H_
+#define KELVA_APPS_KELVA_THUMBNAIL_EXIF_H_
 
 #include <optional>
 #include <span>
@@ -18,4 +18,4 @@ ExifFacts ReadExif(std::span<const char> bytes);
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_KELVA_SHEET_EXIF_H_
+#endif  // KELVA_APPS_KELVA_THUMBNAIL_EXIF_H_

@@ -1,8 +1,8 @@
-#include "apps/kelva/sheet/Exif.h"
+#include "apps/kelva/thumbnail/Exif.h"
 
 #include <gtest/gtest.h>
 
-#include "apps/kelva/sheet/testing/TinyJpeg.h"
+#include "apps/kelva/thumbnail/testing/TinyJpeg.h"
 
 namespace apps {
 namespace {

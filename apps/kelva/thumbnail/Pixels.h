@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_KELVA_SHEET_PIXELS_H_
-#define KELVA_APPS_KELVA_SHEET_PIXELS_H_
+#ifndef KELVA_APPS_KELVA_THUMBNAIL_PIXELS_H_
+#define KELVA_APPS_KELVA_THUMBNAIL_PIXELS_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -27,4 +27,4 @@ Pixels Shrunk(const Pixels& image, int longest);
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_KELVA_SHEET_PIXELS_H_
+#endif  // KELVA_APPS_KELVA_THUMBNAIL_PIXELS_H_

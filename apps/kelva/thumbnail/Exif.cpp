@@ -1,5 +1,5 @@
 // Reads orientation and time from a JPEG file.
-#include "apps/kelva/sheet/Exif.h"
+#include "apps/kelva/thumbnail/Exif.h"
 
 #include <libexif/exif-data.h>
 
@@ -7,7 +7,7 @@
 #include <memory>
 #include <string_view>
 
-#include "apps/camera/Picture.h"
+#include "base/Ascii.h"
 
 namespace apps {
 namespace {
@@ -42,7 +42,7 @@ std::optional<std::string> TimeIn(ExifData* data) {
   constexpr unsigned kLength = 19;
   if (entry == nullptr || entry->format != EXIF_FORMAT_ASCII || entry->size < kLength) return std::nullopt;
   std::string text(reinterpret_cast<const char*>(entry->data), kLength);
-  if (!HasShape(text, "0000:00:00 00:00:00")) return std::nullopt;
+  if (!base::HasShape(text, "0000:00:00 00:00:00")) return std::nullopt;
   text[4] = text[7] = '-';
   return text;
 }

@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_KELVA_SHEET_JPEG_KIND_H_
-#define KELVA_APPS_KELVA_SHEET_JPEG_KIND_H_
+#ifndef KELVA_APPS_KELVA_THUMBNAIL_JPEG_KIND_H_
+#define KELVA_APPS_KELVA_THUMBNAIL_JPEG_KIND_H_
 
 #include <span>
 
@@ -11,4 +11,4 @@ bool ComesRowByRow(std::span<const char> bytes);
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_KELVA_SHEET_JPEG_KIND_H_
+#endif  // KELVA_APPS_KELVA_THUMBNAIL_JPEG_KIND_H_

@@ -1,9 +1,9 @@
-#include "apps/kelva/sheet/Jpeg.h"
+#include "apps/kelva/thumbnail/Jpeg.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "apps/kelva/sheet/testing/TinyJpeg.h"
+#include "apps/kelva/thumbnail/testing/TinyJpeg.h"
 
 namespace apps {
 namespace {

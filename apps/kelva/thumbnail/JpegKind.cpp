@@ -1,5 +1,5 @@
 // Tells a JPEG file that comes in one pass from one in several, which needs more memory.
-#include "apps/kelva/sheet/JpegKind.h"
+#include "apps/kelva/thumbnail/JpegKind.h"
 
 #include <cstddef>
 #include <optional>

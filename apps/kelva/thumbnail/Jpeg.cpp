@@ -1,5 +1,5 @@
 // Decodes and encodes JPEG files within bounds of memory.
-#include "apps/kelva/sheet/Jpeg.h"
+#include "apps/kelva/thumbnail/Jpeg.h"
 
 #include <turbojpeg.h>
 
@@ -8,7 +8,7 @@
 #include <new>
 
 #include "apps/commandline/Printable.h"
-#include "apps/kelva/sheet/JpegKind.h"
+#include "apps/kelva/thumbnail/JpegKind.h"
 
 namespace apps {
 namespace {

@@ -1,4 +1,4 @@
-#include "apps/kelva/sheet/Pixels.h"
+#include "apps/kelva/thumbnail/Pixels.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#ifndef KELVA_APPS_KELVA_SHEET_JPEG_H_
-#define KELVA_APPS_KELVA_SHEET_JPEG_H_
+#ifndef KELVA_APPS_KELVA_THUMBNAIL_JPEG_H_
+#define KELVA_APPS_KELVA_THUMBNAIL_JPEG_H_
 
 #include <span>
 #include <stdexcept>
 #include <string>
 
-#include "apps/kelva/sheet/Pixels.h"
+#include "apps/kelva/thumbnail/Pixels.h"
 
 namespace apps {
 
@@ -30,4 +30,4 @@ std::string EncodeJpeg(const Pixels& image);
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_KELVA_SHEET_JPEG_H_
+#endif  // KELVA_APPS_KELVA_THUMBNAIL_JPEG_H_

@@ -1,5 +1,5 @@
 // Shrinks and turns images.
-#include "apps/kelva/sheet/Pixels.h"
+#include "apps/kelva/thumbnail/Pixels.h"
 
 #include <algorithm>
 #include <array>
