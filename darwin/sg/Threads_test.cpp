@@ -63,7 +63,7 @@ TEST_F(Threads, CommandsOfOneSessionDoNotMix) {
 }
 
 TEST_F(Threads, ASessionMayEndWhileCommandsRun) {
-  const base::Crowd crowd(kRounds, {[this] { Start(); }, [this] { End(); }, [this] { Read(0x11); }});
+  const base::Crowd crowd(10 * kRounds, {[this] { Start(); }, [this] { End(); }, [this] { Read(0x11); }});
 }
 
 }  // namespace
