@@ -49,6 +49,33 @@ ManifestRow Row(const std::string& serial, int type) {
   return {{serial, "00ff", type, "print"}, "100/IMG.JPG", kSha1, 5'000'000'000ULL, true, false};
 }
 
+/// How many descriptors of this process are of a file.
+int OpenDescriptorsOf(const fs::path& path) {
+  int count = 0;
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    if (fs::read_symlink(entry.path(), gone) == path) ++count;
+  }
+  return count;
+}
+
+TEST_F(ManifestTest, TheFileIsClosedAtTheEnd) {
+  const fs::path file = fs::canonical(path_) / Manifest::kName;
+  {
+    Manifest manifest(*folder_, true);
+    manifest.Record({Row("K1", 1)});
+    manifest.Find(Row("K1", 1).key);
+    EXPECT_GT(OpenDescriptorsOf(file), 0);
+  }
+  EXPECT_EQ(OpenDescriptorsOf(file), 0);
+}
+
+TEST_F(ManifestTest, TheFileIsClosedWhenItCannotBeUsed) {
+  Elsewhere("PRAGMA user_version=99");
+  WhyNot();
+  EXPECT_EQ(OpenDescriptorsOf(fs::canonical(path_) / Manifest::kName), 0);
+}
+
 TEST_F(ManifestTest, WhatWasRecordedIsFoundByTheNextRun) {
   Manifest(*folder_, true).Record({Row("K1", 1), Row("K2", 2)});
   Manifest manifest(*folder_, true);

@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <latch>
 #include <memory>
 #include <utility>
 
+#include "apps/files/SystemCalls.h"
 #include "apps/files/testing/RecordingCalls.h"
 #include "apps/import/testing/SyncTest.h"
 
@@ -69,6 +71,36 @@ TEST_F(WritersTest, WhatIsStoredIsRecordedAlsoWhenNobodyWaitsForTheEnd) {
   }
   EXPECT_EQ(Text("100ABCDE/IMG_0001.JPG"), "a");
   EXPECT_EQ(Plan({Picture(1)}).NewFiles(), 0U);
+}
+
+/// The system's calls; no file is made before a test lets them.
+class HeldCalls : public SystemCalls {
+ public:
+  HeldCalls() : before_(FileCalls::Replace(*this)) {}
+  ~HeldCalls() override { FileCalls::Replace(before_); }
+  void Release() { open_.count_down(); }
+  int Create(int folder, const std::string& name) override {
+    open_.wait();
+    return SystemCalls::Create(folder, name);
+  }
+
+ private:
+  std::latch open_{1};
+  FileCalls& before_;
+};
+
+TEST_F(WritersTest, WhatIsAbandonedBeforeItBeganIsNotStored) {
+  std::vector<DcfObj> catalogue;
+  for (int i = 1; i <= 200; ++i) catalogue.push_back(Picture(i));
+  const SyncPlan plan = Plan(catalogue);
+  HeldCalls calls;
+  {
+    Writers writers(folder_, manifest_, [this](const WriteOutcome&) { ++stored_; });
+    for (const SyncItem& item : plan.items) writers.Submit({&item, {'a'}, "", false});
+    writers.Abandon();
+    calls.Release();
+  }
+  EXPECT_LE(stored_, 64) << "what four threads had taken, 16 files each";
 }
 
 TEST_F(WritersTest, AFileThatCannotBeFlushedGetsNoNameAndTheOthersDo) {
