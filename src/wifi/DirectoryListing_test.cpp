@@ -30,6 +30,13 @@ TEST(DirectoryListing, EndsWithItsCountAlthoughTheTableGoesOn) {
   EXPECT_EQ(entries[0].size, 5);
 }
 
+TEST(DirectoryListing, MayEndWithItsTable) {
+  const auto entries = kelva::DecodeListing(Bytes({'A',  0, 0, 0, 1, 0, 0, 0,  //
+                                                   0x20, 0, 0, 0, 5, 0, 0, 0, 0, 0, 0, 0}));
+  ASSERT_EQ(entries.size(), 1u);
+  EXPECT_EQ(entries[0].name, "A");
+}
+
 TEST(DirectoryListing, WithoutAWholeHeaderIsEmpty) {
   EXPECT_TRUE(kelva::DecodeListing({}).empty());
   EXPECT_TRUE(kelva::DecodeListing(Bytes({0, 0, 0, 0, 1, 0, 0})).empty());

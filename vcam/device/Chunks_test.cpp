@@ -1,7 +1,25 @@
 #include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
 
 #include "vcam/camera/testing/CameraFixture.h"
 #include "vcam/device/SenseCodes.h"
+
+namespace {
+
+std::size_t mostToWrite = SIZE_MAX;
+
+}  // namespace
+
+// The linker puts this in the place of the C library's (--wrap). A call may write less than it is given.
+extern "C" {
+ssize_t __real_pwrite(int file, const void* bytes, std::size_t count, off_t offset);
+ssize_t __wrap_pwrite(int file, const void* bytes, std::size_t count, off_t offset) {
+  return __real_pwrite(file, bytes, std::min(count, mostToWrite), offset);
+}
+}
 
 namespace vcam {
 namespace {
@@ -30,6 +48,14 @@ TEST_F(ChunksTest, RefusesWritingWithoutAFile) {
   EXPECT_EQ(Tell(*camera_, {0xC3, 0, 1}).sense, sense::kBadCommandField);
 }
 
+TEST_F(ChunksTest, WritesAllAlsoWhereOneCallWritesLess) {
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\a)").Good());
+  mostToWrite = 2;
+  EXPECT_TRUE(Send(*camera_, {0xC5, 0, 0}, {'v', 'w', 'x', 'y', 'z'}).Good());
+  mostToWrite = SIZE_MAX;
+  EXPECT_EQ(scratch_.Get("a"), "vwxyz");
+}
+
 TEST_F(ChunksTest, ClosesTheFileWithTheEndAndNotesIt) {
   ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\A_NAME_THAT_IS_LONG.TXT)").Good());
   ASSERT_TRUE(Send(*camera_, {0xC5, 0, 0}, {'x', 'y'}).Good());
@@ -47,6 +73,17 @@ TEST_F(ChunksTest, ClosesTheFileWhenFirmwareIsAnnounced) {
   ASSERT_TRUE(Send(*camera_, {0xC5}, {'x'}).Good());
   EXPECT_EQ(scratch_.Get("a"), "");
   EXPECT_EQ(Tell(*camera_, {0xC3}).sense, sense::kWrongSequence);
+}
+
+TEST_F(ChunksTest, StopsWritingAndReadingAtAReboot) {
+  for (const std::uint8_t forWriting : base::Bytes{1, 0}) {
+    scratch_.Put("a", "1");
+    ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01, forWriting}, R"(I:\a)").Good());
+    ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x03}).Good());
+    now_ += std::chrono::minutes(1);
+    EXPECT_EQ(Send(*camera_, {0xC5}, {'x'}).sense, sense::kWrongSequence);
+    EXPECT_EQ(Ask(*camera_, {0xC4, 0, 1}, 1).sense, sense::kWrongSequence);
+  }
 }
 
 TEST_F(ChunksTest, StopsWritingWhenSomethingElseIsSelected) {

@@ -42,6 +42,45 @@ TEST(DataSet, KeepsAnOpenFileThatIsDeleted) {
   EXPECT_EQ(ReadAll(data, storage, 1, 3), "ile");
 }
 
+/// How many descriptors of this process are of a file.
+int OpenDescriptorsOf(const std::filesystem::path& path) {
+  int count = 0;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    if (std::filesystem::read_symlink(entry.path(), gone) == path) ++count;
+  }
+  return count;
+}
+
+TEST(DataSet, OpensItsFilesOneAtATime) {
+  const ScratchStorage scratch;
+  const std::filesystem::path folder = std::filesystem::canonical(scratch.Path());
+  scratch.Put("x", "file");
+  scratch.Put("y", "second");
+  const Storage storage(scratch.Path());
+  DataSet data;
+  data.AddFile("x", 4);
+  data.AddFile("y", 6);
+  EXPECT_EQ(ReadAll(data, storage, 0, 4), "file");
+  EXPECT_EQ(OpenDescriptorsOf(folder / "x"), 1);
+  EXPECT_EQ(ReadAll(data, storage, 4, 6), "second");
+  EXPECT_EQ(OpenDescriptorsOf(folder / "x"), 0);
+  EXPECT_EQ(OpenDescriptorsOf(folder / "y"), 1);
+}
+
+TEST(DataSet, LeavesAFileThatCameOpenAsItIs) {
+  const ScratchStorage scratch;
+  scratch.Put("x", "file");
+  scratch.Put("y", "second");
+  const Storage storage(scratch.Path());
+  DataSet data;
+  data.AddOpenFile(storage.OpenForReading("x").file, 4);
+  data.AddFile("y", 6);
+  storage.Remove("x");
+  EXPECT_EQ(ReadAll(data, storage, 0, 10), "filesecond");
+  EXPECT_EQ(ReadAll(data, storage, 0, 10), "filesecond");
+}
+
 TEST(DataSet, FailsWhenAFileHasLostItsBytes) {
   const ScratchStorage scratch;
   scratch.Put("x", "fil");
