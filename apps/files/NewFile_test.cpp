@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -13,7 +14,9 @@
 #include <vector>
 
 #include "apps/commandline/Failure.h"
+#include "apps/files/SystemCalls.h"
 #include "apps/files/testing/RecordingCalls.h"
+#include "base/FileDescriptor.h"
 #include "base/testing/ScratchFolder.h"
 
 namespace apps {
@@ -54,6 +57,36 @@ TEST_F(NewFileTest, TheNameAppearsOnlyWhenItIsTaken) {
 TEST_F(NewFileTest, AFileThatIsNotFinishedLeavesNothing) {
   { NewFile(*folder_).Write(std::string("half")); }
   EXPECT_THAT(Names(), IsEmpty());
+}
+
+/// The system's calls, beside a sweep that holds the first file that is made and never comes to remove it.
+class SweptCalls : public SystemCalls {
+ public:
+  SweptCalls() : before_(FileCalls::Replace(*this)) {}
+  ~SweptCalls() override { FileCalls::Replace(before_); }
+  int Create(int folder, const std::string& name) override {
+    const int file = SystemCalls::Create(folder, name);
+    if (!sweep_) {
+      sweep_ = base::FileDescriptor(SystemCalls::Open(folder, name, O_RDONLY));
+      EXPECT_EQ(::flock(sweep_.Get(), LOCK_EX | LOCK_NB), 0);
+    }
+    return file;
+  }
+
+ private:
+  base::FileDescriptor sweep_;
+  FileCalls& before_;
+};
+
+TEST_F(NewFileTest, AFileThatASweepHoldsIsLeftForAnotherAndRemoved) {
+  const SweptCalls calls;
+  {
+    NewFile file(*folder_);
+    EXPECT_EQ(Names().size(), 1U);
+    file.Write(std::string("whole"));
+    EXPECT_TRUE(file.TakeName("A"));
+  }
+  EXPECT_THAT(Names(), ElementsAre("A"));
 }
 
 TEST_F(NewFileTest, AnExistingFileIsNotReplaced) {

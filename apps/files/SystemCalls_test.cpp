@@ -122,5 +122,18 @@ INSTANTIATE_TEST_SUITE_P(Systems, SystemCallsTest,
                                          SystemCalls::Missing{.renameNoReplace = true},
                                          SystemCalls::Missing{.renameNoReplace = true, .hardLinks = true}));
 
+TEST(SystemCallsTest, WhatReachesNoFileIsAnError) {
+  SystemCalls calls;
+  const int none = -1;
+  EXPECT_EQ(calls.Write(none, "x"), -1);
+  for (const auto& call : {&SystemCalls::Flush, &SystemCalls::FlushFolder}) {
+    errno = 0;
+    EXPECT_EQ((calls.*call)(none), -1);
+    EXPECT_EQ(errno, EBADF);
+  }
+  EXPECT_EQ(calls.MakeFolder(none, "a"), -1);
+  EXPECT_EQ(calls.Rename(none, "a", "b", true), -1);
+}
+
 }  // namespace
 }  // namespace apps
