@@ -24,6 +24,8 @@ import udevadm  # noqa: E402
 COMPONENTS = {"libkelva0.1": ["Library"], "libkelva-dev": ["Development"], "kelva": ["Tool", "VirtualCamera", "DeviceRules", "Documentation"],
               "kelva-helper": ["Helper"]}
 PROGRAMS = ["/usr/bin/kelva", "/usr/bin/kelva-vcam", "/usr/bin/kelva-helper", "/usr/libexec/kelva/kelva-open"]
+# It takes its work from standard input and no arguments.
+BUILT = [*PROGRAMS, "/usr/libexec/kelva/kelva-thumbnail"]
 # Licences that Debian keeps in /usr/share/common-licenses, and notices about libraries that its packages do not hold.
 NOT_PACKAGED = re.compile(r"^share/doc/kelva/(LICENSE|THIRD-PARTY-NOTICES\.md|packaging/)")
 FOR_PROGRAMMERS = re.compile(r"^share/doc/kelva/(docs/embedding\.md|docs/protocol\.md|examples/)")
@@ -133,14 +135,16 @@ class Packages(unittest.TestCase):
             self.assertIn(version_of_sources(), self.root.run(program, "--version"))
 
     def test_3_no_program_holds_a_library_of_the_system(self):
-        for program in PROGRAMS:
-            needed = run("readelf", "-d", f"{self.root.folder}{program}")
-            self.assertIn("libstdc++.so.6", needed)
-        self.assertRegex(run("readelf", "-d", self.root.folder / "usr/bin/kelva"), r"(?s)libcrypto.*libsqlite3.*libturbojpeg.*libexif")
+        loaded = set()
+        for program in BUILT:
+            needed = re.findall(r"Shared library: \[(\w[^]]*?)\.so", run("readelf", "-d", f"{self.root.folder}{program}"))
+            self.assertIn("libstdc++", needed)
+            loaded.update(needed)
+        self.assertLessEqual({"libcrypto", "libsqlite3", "libturbojpeg", "libexif", "libudev"}, loaded)
 
     def test_3_programs_and_library_are_hardened(self):
         library = self.root.folder / f"{next(name for name in expected_files('libkelva0.1') if name.endswith(version_of_sources()))[1:]}"
-        files = [library, *(f"{self.root.folder}{program}" for program in PROGRAMS)]
+        files = [library, *(f"{self.root.folder}{program}" for program in BUILT)]
         # Their tables of symbols are stripped; what the linker needs shows the rest.
         run(sys.executable, "-B", SOURCE / "tests/install/hardening_test.py", "programs", *files)
 
