@@ -227,7 +227,9 @@ class EveryVerbTest(Bus):
                 self.assertEqual(run.returncode, 2, run.stderr)
                 document = json.loads(run.stdout)
                 self.assertEqual((document["exit"], document["reason"]), (2, "usage"))
-                self.assertIn("--no-such-option", document["error"])
+                # What stands where a passphrase may stand is not repeated.
+                secret = verb == "wifi passphrase"
+                (self.assertNotIn if secret else self.assertIn)("--no-such-option", document["error"])
 
 
 if __name__ == "__main__":
