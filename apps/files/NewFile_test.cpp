@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "apps/commandline/Failure.h"
+#include "apps/commandline/Scratch.h"
 #include "apps/files/SystemCalls.h"
 #include "apps/files/testing/RecordingCalls.h"
 #include "base/FileDescriptor.h"
@@ -65,6 +66,7 @@ class SweptCalls : public SystemCalls {
   SweptCalls() : before_(FileCalls::Replace(*this)) {}
   ~SweptCalls() override { FileCalls::Replace(before_); }
   int Create(int folder, const std::string& name) override {
+    ++created;
     const int file = SystemCalls::Create(folder, name);
     if (!sweep_) {
       sweep_ = base::FileDescriptor(SystemCalls::Open(folder, name, O_RDONLY));
@@ -72,6 +74,8 @@ class SweptCalls : public SystemCalls {
     }
     return file;
   }
+
+  int created = 0;
 
  private:
   base::FileDescriptor sweep_;
@@ -82,11 +86,19 @@ TEST_F(NewFileTest, AFileThatASweepHoldsIsLeftForAnotherAndRemoved) {
   const SweptCalls calls;
   {
     NewFile file(*folder_);
+    EXPECT_EQ(calls.created, 2);
     EXPECT_EQ(Names().size(), 1U);
     file.Write(std::string("whole"));
     EXPECT_TRUE(file.TakeName("A"));
   }
   EXPECT_THAT(Names(), ElementsAre("A"));
+}
+
+TEST_F(NewFileTest, AProcessThatIsAbortedCanStillRemoveIt) {
+  const NewFile file(*folder_);
+  EXPECT_EQ(Names().size(), 1U);
+  RemoveScratchFiles();
+  EXPECT_THAT(Names(), IsEmpty());
 }
 
 TEST_F(NewFileTest, AnExistingFileIsNotReplaced) {

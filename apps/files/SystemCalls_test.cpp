@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -39,6 +40,15 @@ class SystemCallsTest : public testing::TestWithParam<SystemCalls::Missing> {
   const base::FileDescriptor folder_{::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
   SystemCalls calls_{GetParam()};
 };
+
+TEST_P(SystemCallsTest, NewFilesAndFoldersHaveThePermissionsThatTheUserLeaves) {
+  const mode_t before = ::umask(0);
+  const base::FileDescriptor made(calls_.Create(folder_.Get(), "file"));
+  EXPECT_EQ(calls_.MakeFolder(folder_.Get(), "folder"), 0);
+  ::umask(before);
+  EXPECT_EQ(fs::status(path_ / "file").permissions(), static_cast<fs::perms>(0666));
+  EXPECT_EQ(fs::status(path_ / "folder").permissions(), static_cast<fs::perms>(0777));
+}
 
 TEST_P(SystemCallsTest, WhatIsBelowTheFolderIsOpened) {
   Put("a/b/c", "deep");

@@ -71,11 +71,13 @@ TEST_F(Threads, StoreRecordAndReportWhileMoreIsHandedOver) {
 }
 
 TEST_F(Threads, EndAtAnyMomentAndStoreWhatTheyHave) {
-  const SyncPlan plan = Plan(Pictures(40));
+  const SyncPlan plan = Plan(Pictures(200));
   for (int round = 0; round < 15; ++round) {
     Writers writers(folder_, manifest_, Count());
-    for (const SyncItem& item : plan.items) writers.Submit({&item, {'x'}, "", false});
-    if (round % 2 == 0) writers.Abandon();
+    for (const SyncItem& item : plan.items) {
+      writers.Submit({&item, {'x'}, "", false});
+      if (round % 2 == 0) writers.Abandon();
+    }
   }
 }
 

@@ -43,6 +43,7 @@ class ScriptedSource final : public RegistrySource {
     return script_.readable.Get();
   }
   int TimeoutMs() const override { return script_.timeoutMs; }
+  std::string WhyDeaf() const override { return "Nobody tells."; }
 
   /// Publishes a camera when the descriptor says so.
   void Dispatch(Registry& registry) override {
@@ -193,6 +194,14 @@ TEST_F(Source, AFailedStartFailsTheLookInItsOwnWordsAndIsTriedAgain) {
   EXPECT_EQ(Count(IOServiceMatching("Camera")), 0u);
   EXPECT_EQ(TheRegistry().LastSourceError(), "");
   EXPECT_EQ(script_.starts, 2);
+}
+
+TEST_F(Source, SaysWhyItIsDeafOnceItHasStarted) {
+  EXPECT_EQ(TheRegistry().WhyDeaf(), "");
+  EXPECT_EQ(Count(IOServiceMatching("Camera")), 0u);
+  EXPECT_EQ(TheRegistry().WhyDeaf(), "Nobody tells.");
+  TheRegistry().SetSource(nullptr);
+  EXPECT_EQ(TheRegistry().WhyDeaf(), "");
 }
 
 TEST_F(Source, AnotherSourceHasNotFailed) {

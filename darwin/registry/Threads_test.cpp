@@ -66,7 +66,7 @@ class Threads : public RegistryFixture {
     IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching("Camera"), &iterator);
     while (const io_service_t service = IOIteratorNext(iterator)) {
       LookAt(service);
-      Use(service);
+      for (int i = 0; i < 5; ++i) Use(service);
       IOObjectRelease(service);
     }
     IOObjectRelease(iterator);

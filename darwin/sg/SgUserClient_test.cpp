@@ -276,6 +276,15 @@ TEST_F(SgUserClientTest, RecordsOfAnotherSizeAreABadArgument) {
   EXPECT_EQ(client_.CallStruct(2, &request, 34, &result_, &size), kIOReturnBadArgument);
 }
 
+TEST_F(SgUserClientTest, ALargerRoomIsFilledAsFarAsTheResultGoes) {
+  client_.CallScalar(0);
+  const auto request = Request(0, 0);
+  std::array<std::uint8_t, 16> room{};
+  std::size_t size = room.size();
+  EXPECT_EQ(client_.CallStruct(2, &request, sizeof request, room.data(), &size), kIOReturnSuccess);
+  EXPECT_EQ(size, 8U);
+}
+
 TEST_F(SgUserClientTest, AnErrorLeavesTheResultUntouched) {
   client_.CallScalar(0);
   system_.command = [](sg_io_hdr_t&) { return ScriptedSystem::Fail(ENODEV); };

@@ -32,6 +32,7 @@ class Seeded:
         self.file = path.relative_to(root).as_posix()
         begin = text.rfind("\n", 0, fault.start) + 1
         end = text.find("\n", fault.end)
+        self.behind = one_line(text[:begin].rstrip("\n").rpartition("\n")[2])
         self.was = one_line(text[begin:end])
         self.made = one_line(text[begin:fault.start] + fault.made + text[fault.end:end])
 
@@ -94,9 +95,10 @@ class Judge:
 
     def outcome(self, seeded, stages):
         """The kind of outcome, and what says so: a test's name or a reason."""
-        reason = self.equivalents.get((seeded.file, seeded.fault.operator, seeded.was, seeded.made))
-        if reason:
-            return EQUIVALENT, reason
+        for behind in (seeded.behind, ""):
+            reason = self.equivalents.get((seeded.file, seeded.fault.operator, seeded.was, seeded.made, behind))
+            if reason:
+                return EQUIVALENT, reason
         built = max(os.stat(program).st_mtime for tests in stages.values() for test in tests for program in self.shop.programs(test))
         known = self.known.get(seeded.key())
         # What passed may be noticed by tests that were built since.
@@ -149,7 +151,7 @@ def read_equivalents(root, file):
         lines = one_line((root / entry["file"]).read_text(encoding="utf-8"))
         if entry["was"] not in lines:
             raise SystemExit(f"{file.name}: {entry['file']} no longer has: {entry['was']}")
-        found[entry["file"], entry["operator"], entry["was"], entry["is"]] = entry["reason"]
+        found[entry["file"], entry["operator"], entry["was"], entry["is"], entry.get("behind", "")] = entry["reason"]
     return found
 
 

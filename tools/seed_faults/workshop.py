@@ -86,6 +86,8 @@ class Workshop:
         """The programs of this build that a test runs: its own, or those that a script is given, one by one or as a folder."""
         if test not in self.tests:
             raise Failed(f"{self.build} has no test {test}.")
+        if "command" not in self.tests[test]:
+            raise Failed(f"{test} is not built; build everything first.")
         known = self.build / "test-bin", self.build / "bin"
         found = []
         for word in self.tests[test]["command"]:

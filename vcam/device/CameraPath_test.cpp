@@ -44,6 +44,15 @@ TEST(CameraPath, RefusesControlCharactersAndWhatIsTooLong) {
   EXPECT_EQ(RelativePath(deep), std::nullopt);
 }
 
+TEST(CameraPath, TakesTheFirstCharacterThatIsNoneOfControlAndTheLongestPath) {
+  EXPECT_EQ(RelativePath("I:\\a\x1F"), std::nullopt);
+  EXPECT_EQ(RelativePath("I:\\a b"), "a b");
+  std::string deep = "I:";
+  while (deep.size() < 1022) deep += "\\abc";
+  EXPECT_TRUE(RelativePath(deep + "\\a"));
+  EXPECT_FALSE(RelativePath(deep + "\\ab"));
+}
+
 TEST(CameraPath, DoesNotSeeTheStateFolder) {
   EXPECT_EQ(RelativePath(R"(I:\.kelva\state)"), std::nullopt);
   EXPECT_EQ(RelativePath(R"(I:\.kelva)"), std::nullopt);

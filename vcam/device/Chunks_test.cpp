@@ -140,6 +140,15 @@ TEST_F(ChunksTest, CanFailAnUpgradeHalfWay) {
   EXPECT_EQ(Ask(*camera_, {0xC6, 0, 0x01}, 12).data, (base::Bytes{0, 0, 0x40, 0x3F, 0, 0, 0, 0, 1, 0, 0, 0}));
 }
 
+TEST_F(ChunksTest, NotesAnUpgradeInTheConsole) {
+  Ask(*camera_, {0xC6, 0, 0x02}, 65536);
+  ASSERT_TRUE(Tell(*camera_, {0xC1, 0, 1}).Good());
+  ASSERT_TRUE(Send(*camera_, {0xC5}, {'x'}).Good());
+  ASSERT_TRUE(Tell(*camera_, {0xC0, 0, 0x02}).Good());
+  EXPECT_THAT(AsText(Ask(*camera_, {0xC6, 0, 0x02}, 65536).data),
+              testing::EndsWith("upgrade announced, 1 bytes\nupgrade received\n"));
+}
+
 TEST_F(ChunksTest, FailsOneUpgradeAlone) {
   camera_->Arm({FaultKind::kUpgradeFails});
   for (const std::uint8_t failed : base::Bytes{1, 0}) {

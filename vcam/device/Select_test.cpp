@@ -33,6 +33,13 @@ TEST_F(SelectTest, OpensNoFileThatIsNotThere) {
   EXPECT_EQ(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\missing\a)").sense, sense::kNotFound);
 }
 
+TEST_F(SelectTest, TakesTheWholePathThatIsSent) {
+  scratch_.Put("a", "abc");
+  EXPECT_EQ(SendText(*camera_, {0xC2, 0, 0x01}, R"(I:\a)").moved, 5U);
+  EXPECT_EQ(SendText(*camera_, {0xC2, 0, 0x01, 1}, R"(I:\a)").moved, 5U);
+  EXPECT_EQ(Tell(*camera_, {0xC2, 0, 0x02}).moved, 0U);
+}
+
 TEST_F(SelectTest, ForgetsTheLastSelectionWhenOneIsRefused) {
   scratch_.Put("a", "abc");
   ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01}, R"(I:\a)").Good());

@@ -38,6 +38,16 @@ TEST(Settings, ComeBackFromTheStateFile) {
   EXPECT_EQ(settings.clockOffsetMs, -86400000);
 }
 
+TEST(Settings, EscapeWhatIsNoPlainCharacterAndNothingElse) {
+  Settings settings;
+  settings.networks[0].ssid = "\x1F !%~\x7F";
+  EXPECT_THAT(settings.Text(), testing::StartsWith("wifi.0.ssid=%1F%20!%25~%7F\n"));
+  EXPECT_EQ(Settings::Parse(settings.Text()).networks[0].ssid, "\x1F !%~\x7F");
+  EXPECT_EQ(Settings::Parse("wifi.0.ssid=%4").networks[0].ssid, "%4");
+  EXPECT_EQ(Settings::Parse("wifi.0.ssid=%4x%41").networks[0].ssid, "%4xA");
+  EXPECT_TRUE(Settings::Parse("wifi.on=yes").wifiOn);
+}
+
 TEST(Settings, KeepDefaultsWhereTheFileMakesNoSense) {
   const Settings settings = Settings::Parse("garbage\n=\nwifi.0.ssid=%\nmanual.last-control=x\n\n%%%=1");
   EXPECT_EQ(settings.networks[0].ssid, "%");
