@@ -58,6 +58,14 @@ TEST_F(StoreFileTest, TheSameBytesAreNotStoredTwice) {
   EXPECT_TRUE(stored.wasThere);
 }
 
+TEST_F(StoreFileTest, AFileBesideOthersIsFlushedBeforeItHasItsName) {
+  const std::string text = "one";
+  RecordingCalls calls(path_);
+  BesideFile file(*folder_, "A.JPG", text, Sha1(text));
+  calls.FailAt(1, EIO, "flush");
+  EXPECT_THROW(file.Flush(), Failure);
+}
+
 TEST_F(StoreFileTest, NothingBearsTheNameBeforeTheLastStep) {
   const std::string one = "one";
   const std::string two = "two";

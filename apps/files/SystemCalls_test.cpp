@@ -142,6 +142,7 @@ TEST(SystemCallsTest, WhatReachesNoFileIsAnError) {
     EXPECT_EQ(errno, EBADF);
   }
   EXPECT_EQ(calls.MakeFolder(none, "a"), -1);
+  EXPECT_EQ(calls.Commit([] { return -1; }), -1);
   EXPECT_EQ(calls.Rename(none, "a", "b", true), -1);
 }
 

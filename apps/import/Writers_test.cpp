@@ -116,6 +116,14 @@ TEST_F(WritersTest, AFileThatCannotBeFlushedGetsNoNameAndTheOthersDo) {
   EXPECT_THAT(calls.NamedUnflushed(), testing::IsEmpty());
 }
 
+TEST_F(WritersTest, AFullDiskIsAFailureAlsoAtTheLastFile) {
+  const SyncPlan plan = Plan({Picture(1)});
+  RecordingCalls calls(path_);
+  calls.FailEach(1, 1 << 20, ENOSPC, "write ");
+  EXPECT_THROW(Store(plan, "abc"), Failure);
+  EXPECT_EQ(stored_, 0);
+}
+
 TEST_F(WritersTest, NothingIsRecordedOnceAFolderCouldNotBeFlushed) {
   const SyncPlan plan = Plan({Picture(1)});
   RecordingCalls calls(path_);
