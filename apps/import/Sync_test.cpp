@@ -122,6 +122,10 @@ TEST_F(SyncJsonTest, AFileThatFailsIsAnEventOfItsOwn) {
   const std::string events = Printed();
   EXPECT_THAT(events, HasSubstr("\"event\":\"failed\",\"path\":\"I:\\\\DCIM\\\\100ABCDE\\\\IMG_0001.JPG\",\"error\":"));
   EXPECT_THAT(events, HasSubstr("\"event\":\"stored\",\"path\":\"I:\\\\DCIM\\\\100ABCDE\\\\IMG_0002.JPG\","));
+  EXPECT_THAT(
+      events,
+      HasSubstr(
+          "\"size\":3,\"sha1\":\"ad782ecdac770fc6eb9a62e44f90873fb97fb26b\",\"verified\":false,\"was_here\":false}"));
 }
 
 }  // namespace
