@@ -1,11 +1,9 @@
-# The documents that are installed, in the folders that their links name, and the target `uninstall`.
+# The documents that are installed, in the folders that their links name, and the target `uninstall`. Links to what only
+# the sources have lead nowhere there.
 set(kelva_documents "${CMAKE_INSTALL_DATADIR}/doc/kelva")
-install(FILES LICENSE THIRD-PARTY-NOTICES.md README.md CHANGELOG.md DESTINATION "${kelva_documents}" COMPONENT Documentation)
+install(FILES LICENSE THIRD-PARTY-NOTICES.md README.md CHANGELOG.md SECURITY.md DESTINATION "${kelva_documents}" COMPONENT Documentation)
 install(DIRECTORY packaging/licences DESTINATION "${kelva_documents}/packaging" COMPONENT Documentation)
-set(kelva_guides docs/embedding.md docs/protocol.md)
-if(APPLE)
-  list(APPEND kelva_guides docs/macos.md)
-endif()
+set(kelva_guides docs/embedding.md docs/protocol.md docs/macos.md docs/packaging.md docs/performance.md)
 if(TARGET kelva)
   list(APPEND kelva_guides docs/json.md)
 endif()

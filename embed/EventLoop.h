@@ -11,7 +11,7 @@ namespace kelva {
 // - A program without a loop of its own calls RunEvents again and again.
 // - A program with a loop of its own adds EventDescriptor to what that loop watches, and calls DispatchEvents when it is
 //   readable.
-// - On macOS, a main thread that runs AppKit's or Qt's loop runs these events too and calls nothing here.
+// - On macOS, the main thread of an application with windows (AppKit, Qt) runs these events too and calls nothing here.
 //
 // An exception of a function that reports goes on to the caller of RunEvents or DispatchEvents, once the other reports
 // that are due have been made.

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <iostream>
 
 int main(int argc, char** argv) {
@@ -16,5 +17,8 @@ int main(int argc, char** argv) {
   });
   const QSocketNotifier notifier(kelva::EventDescriptor(), QSocketNotifier::Read);
   QObject::connect(&notifier, &QSocketNotifier::activated, [] { kelva::DispatchEvents(); });
+  QTimer timer;
+  QObject::connect(&timer, &QTimer::timeout, [] { kelva::DispatchEvents(); });
+  if (kelva::EventDescriptor() < 0) timer.start(100);  // macOS
   return QCoreApplication::exec();
 }

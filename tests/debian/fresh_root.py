@@ -45,7 +45,7 @@ class FreshRoot:
         # Nothing that a package brings is started.
         (self.folder / "usr/sbin/policy-rc.d").write_text("#!/bin/sh\nexit 101\n")
         (self.folder / "usr/sbin/policy-rc.d").chmod(0o755)
-        # Nothing is waited for to be safe from a power cut.
+        # No flushing: this system is thrown away.
         (self.folder / "etc/dpkg/dpkg.cfg.d/unsafe-io").write_text("force-unsafe-io\n")
         run("mount", "-t", "proc", "proc", self.folder / "proc")
 

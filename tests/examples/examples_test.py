@@ -201,17 +201,9 @@ class WithTheStaticLibrary(Examples, bench_of_cameras.Bus):
         card.mkdir(parents=True)
         (card / "IMG_0001.JPG").write_bytes(b"a picture")
         environment = {**os.environ, "HOME": str(self.work), "PATH": f"{bench_of_cameras.BIN}:{os.environ['PATH']}"}
-        lines = guide.block("sh", "KELVA_BUS").replace("/tmp/bus", str(self.work / "bus")).splitlines()
-        said = []
-        for line in lines:
-            if line.endswith(" &"):
-                server = subprocess.Popen(["sh", "-c", "exec " + line[:-2]], stdout=subprocess.PIPE, env=environment)
-                self.addCleanup(server.communicate)
-                self.addCleanup(server.terminate)
-                server.stdout.readline()  # says that the bus is ready
-            else:
-                said.append(run("sh", "-ec", line, cwd=self.work, env=environment))
-        self.assertEqual(said[-1], "A camera. Pictures: 1\n")
+        lines = guide.block("sh", "KELVA_BUS").replace("/tmp/bus", str(self.work / "bus"))
+        said = run("sh", "-ec", "trap 'kill $!' EXIT\n" + lines, cwd=self.work, env=environment)
+        self.assertEqual(said.splitlines()[-1], "A camera. Pictures: 1")
 
 
 class WithTheSharedLibrary(Examples, bench_of_cameras.Bus):

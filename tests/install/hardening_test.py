@@ -26,7 +26,7 @@ class Programs(unittest.TestCase):
             with self.subTest(file=pathlib.Path(file).name):
                 check(file)
 
-    def test_loaded_at_an_address_of_chance(self):
+    def test_loaded_at_a_random_address(self):
         self.each(lambda file: self.assertRegex(words_of("readelf", "-hW", file), r"Type:\s+DYN"))
 
     def test_tables_of_the_linker_cannot_be_written_after_the_start(self):

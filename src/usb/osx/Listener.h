@@ -16,8 +16,9 @@ namespace kelva {
 ///     const kelva::Listener listener({
 ///         .attached = [&](boost::shared_ptr<Camera> camera, const std::string& serial) { cameras[serial] = camera; },
 ///         .lost = [&](boost::shared_ptr<Camera>, const std::string& serial) { cameras.erase(serial); },
+///         .badCamera = {},
 ///     });
-///     while (!done) kelva::RunEvents(1000);
+///     while (!done) kelva::RunEvents(std::chrono::seconds(1));
 ///
 /// Threads: the functions are called inside the constructor, for the cameras that are there, and later on the thread
 /// that made the listener, while that thread runs its events (EventLoop.h). The thread must live and run them as long
