@@ -51,6 +51,17 @@ bool IsPlainFile(int file) {
 
 }  // namespace
 
+void LimitToWriters(const TargetFolder& folder, const std::string& name) {
+  struct stat status {};
+  if (::fstat(folder.Fd(), &status) != 0) return;
+  // By name: to open and close a file here would give up the locks that SQLite holds on it.
+  const mode_t mode = ModeFor(status);
+  const bool shared = mode == kOwnerOnly || ::fchownat(folder.Fd(), name.c_str(), static_cast<uid_t>(-1), status.st_gid,
+                                                       AT_SYMLINK_NOFOLLOW) == 0;
+  const bool limited = ::fchmodat(folder.Fd(), name.c_str(), shared ? mode : kOwnerOnly, AT_SYMLINK_NOFOLLOW) == 0;
+  static_cast<void>(limited);
+}
+
 FolderLock::FolderLock(const TargetFolder& folder) : file_(OpenOrMake(folder)) {
   const std::string path = Printable(folder.PathOf(std::string(kLockName)));
   if (!file_) throw SystemFailure("open the lock file " + path, errno);

@@ -12,6 +12,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/FileCalls.h"
+#include "apps/files/FolderLock.h"
 
 namespace apps {
 namespace {
@@ -115,6 +116,7 @@ Manifest::Manifest(const TargetFolder& folder, bool make, std::chrono::milliseco
     // Opened through the folder's descriptor, so that nobody can put another folder in its place meanwhile.
     Open("/proc/self/fd/" + std::to_string(folder.Fd()) + "/" + name,
          make ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY, patience);
+    if (make) LimitToWriters(folder, name);
     CheckVersion();
   } catch (...) {
     sqlite3_close(database_);

@@ -49,6 +49,21 @@ ManifestRow Row(const std::string& serial, int type) {
   return {{serial, "00ff", type, "print"}, "100/IMG.JPG", kSha1, 5'000'000'000ULL, true, false};
 }
 
+// Who can read a file can lock it, and a list that somebody else has locked keeps every sync from its end.
+TEST_F(ManifestTest, OnlyWhoMayWriteIntoTheFolderCanOpenTheList) {
+  const fs::path list = path_ / Manifest::kName;
+  const auto modeOf = [&] { return fs::status(list).permissions(); };
+  fs::permissions(path_, fs::perms(0755));
+  Manifest(*folder_, true, std::chrono::milliseconds(1));
+  EXPECT_EQ(modeOf(), fs::perms(0600));
+  fs::permissions(list, fs::perms(0644));  // as earlier versions made it
+  Manifest(*folder_, true, std::chrono::milliseconds(1));
+  EXPECT_EQ(modeOf(), fs::perms(0600));
+  fs::permissions(path_, fs::perms(0775));
+  Manifest(*folder_, true, std::chrono::milliseconds(1));
+  EXPECT_EQ(modeOf(), fs::perms(0660));
+}
+
 /// How many descriptors of this process are of a file.
 int OpenDescriptorsOf(const fs::path& path) {
   int count = 0;

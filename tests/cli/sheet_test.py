@@ -114,6 +114,12 @@ class SheetTest(Bus):
         self.assertIn("damaged", page.text)
         self.assertEqual(len(page.all("img")), 2)
 
+    def test_a_lower_limit_of_the_user_spoils_no_picture(self):
+        self.picture(1)
+        lower = lambda: resource.setrlimit(resource.RLIMIT_CPU, (300, 300))
+        run = self.kelva("pictures", "--sheet", self.path, "--quiet", preexec_fn=lower)
+        self.assertEqual((run.returncode, run.stderr), (0, ""))
+
     def test_hostile_names_are_text(self):
         names = [b"<B>%04d", b"'\"> %04d", b"\xff\xfe<%04d", b"a\x7f<%04d", b"&lt;%04d", b"--> %04d"]
         for number, name in enumerate(names, 1):

@@ -23,6 +23,12 @@ std::optional<int> NumberAt(std::span<const char> bytes, std::size_t at) {
   return at < bytes.size() ? std::optional(ByteAt(bytes, at)) : std::nullopt;
 }
 
+// Markers without a length behind them, and the byte that may stand before any marker. What follows those is not followed
+// here, so that no other segment can be made up.
+bool HasNoLength(int marker) {
+  return marker < 0xC0 || (marker >= 0xD0 && marker <= 0xD9) || marker == 0xFF;
+}
+
 // Codings of frames: SOF0 to SOF15 but for DHT, JPG and DAC, which share their range.
 bool IsFrame(int marker) {
   return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
@@ -36,6 +42,7 @@ bool ComesRowByRow(std::span<const char> bytes) {
   std::size_t at = 2;
   while (bytes.size() >= 4 && at <= bytes.size() - 4 && ByteAt(bytes, at) == 0xFF) {
     const int marker = ByteAt(bytes, at + 1);
+    if (HasNoLength(marker)) return false;
     if (IsFrame(marker)) {
       if (components || (marker != kBaseline && marker != kExtended)) return false;
       components = NumberAt(bytes, at + kComponentsInFrame);

@@ -6,7 +6,8 @@
 namespace apps {
 
 /// Whether a JPEG file certainly comes row by row from the top, as cameras write it. A progressive one comes in several
-/// passes, and so does one that has a scan for each colour component, so that its decoder holds the whole picture at full size however small it is drawn. False when in doubt.
+/// passes, and so does one that has a scan for each colour component, so that its decoder holds the whole picture at full
+/// size however small it is drawn. False when in doubt.
 bool ComesRowByRow(std::span<const char> bytes);
 
 }  // namespace apps

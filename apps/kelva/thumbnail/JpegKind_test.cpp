@@ -35,6 +35,14 @@ TEST(JpegKindTest, WhatIsInsideAnotherPartIsNoFrame) {
   EXPECT_FALSE(ComesRowByRow(file));
 }
 
+// Such a marker would make the look jump to a place that the sender chooses.
+TEST(JpegKindTest, AMarkerWithoutALengthIsInDoubt) {
+  const std::string file = TinyJpeg::File(1, {90});
+  for (const char* marker : {"\xFF", "\xFF\x01", "\xFF\xD0", "\xFF\xD7", "\xFF\xD8", "\xFF\xBF"}) {
+    EXPECT_FALSE(ComesRowByRow(file.substr(0, 2) + marker + file.substr(2)));
+  }
+}
+
 TEST(JpegKindTest, EveryCutAndEveryOtherFileIsInDoubt) {
   const std::string file = TinyJpeg::File(1, {90});
   const std::size_t scan = file.find("\xFF\xDA");
