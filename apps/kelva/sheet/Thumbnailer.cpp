@@ -128,8 +128,9 @@ std::string Thumbnailer::OwnProgram() {
 
 void Thumbnailer::Start() {
   std::array<int, 2> ends{};
-  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
     throw SystemFailure("make a socket", errno);
+  }
   socket_.Reset(ends[0]);
   const base::FileDescriptor far(ends[1]);
   for (const int end : ends) ::setsockopt(end, SOL_SOCKET, SO_SNDBUF, &kSocketBuffer, sizeof kSocketBuffer);
