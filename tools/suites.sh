@@ -23,9 +23,7 @@ suite_quick() {
     return
   fi
   build_preset quick
-  build_preset fuzz
-  merge_suites build/quick-set quick fuzz
-  run_ctest build/quick-set -LE "$labels_apart"
+  run_ctest build/quick -LE "$labels_apart"
 }
 
 suite_sanitizer() {
