@@ -30,7 +30,9 @@ class UdevRule(unittest.TestCase):
     def test_without_that_group_nobody_else_gets_the_camera_and_udev_has_nothing_to_complain_of(self):
         outcome = self.evaluate(GENERIC, group="other")
         self.assertFalse(outcome.says("GROUP "), outcome.text)
-        self.assertNotIn("Unknown group", outcome.text)
+        # Rules of other packages may name groups that are missing here.
+        complaints = [line for line in outcome.text.splitlines() if "Unknown group" in line and pathlib.Path(RULE).name in line]
+        self.assertEqual(complaints, [])
         self.assertTrue(outcome.says("MODE 0660"), outcome.text)
         self.assertIn(":uaccess:", outcome.properties["CURRENT_TAGS"])
 
