@@ -178,6 +178,13 @@ class Examples:
     def test_own_transport_answers(self):
         self.assertEqual(self.example("own_transport"), (0, "Camera in memory, battery level 80\n", ""))
 
+    def test_trace_prints_each_exchange(self):
+        self.pictures(2, 1000)
+        code, said, errors = self.example("trace")
+        self.assertEqual((code, said), (0, "Pictures: 2\n"))
+        self.assertRegex(errors, r"^c2000200000000000000000000000000 0 -> 0 bytes, \d+ us\n"
+                                 r"c4000100000000000000000000000000 65536 -> \d+ bytes, \d+ us\n$")
+
     def test_application_test_passes_with_a_bus_of_its_own(self):
         environment = {**os.environ, "PATH": f"{bench_of_cameras.BIN}:{os.environ['PATH']}"}
         run("ctest", "--test-dir", self.programs, "--output-on-failure", "--no-tests=error", env=environment)

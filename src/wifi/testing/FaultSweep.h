@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "Traced.h"
 #include "testing/ScriptedCamera.h"
 #include "testing/Switches.h"
 
@@ -68,16 +69,25 @@ inline std::string WithoutPrefix(const std::string& text) {
   return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
 }
 
-inline std::string Outcome(const Sweep& sweep, const std::vector<Step>& script) {
+/// A pointer to a camera that somebody else owns.
+inline boost::shared_ptr<Camera> Borrowed(Camera& camera) {
+  return {&camera, [](Camera*) {}};
+}
+
+/// With `observed`, the command runs on a camera around the scripted one, which must make no difference.
+inline std::string Outcome(const Sweep& sweep, const std::vector<Step>& script, bool observed) {
   ScriptedCamera camera(sweep.chunkSize, 1 << 20);
   for (const Step& step : script) camera.Expect(step);
+  int told = 0;
+  const auto around = kelva::Traced(Borrowed(camera), {.ended = [&](const kelva::Exchange&) { ++told; }, .began = {}});
   std::string text;
   try {
-    text = sweep.run(camera);
+    text = sweep.run(observed ? *around : camera);
   } catch (const CameraError& error) {
     text = WithoutPrefix(error.what());
   }
   camera.ForgetTheRest();
+  EXPECT_EQ(told, observed ? camera.transfers : 0);
   return std::to_string(camera.transfers) + " " + text;
 }
 
@@ -88,21 +98,25 @@ inline std::string Expected(const std::string& outcome, bool throwing) {
   return throwing ? outcome.substr(0, cut) : outcome.substr(0, outcome.find(' ') + 1) + outcome.substr(cut + 3);
 }
 
-/// Sweeps every fault over every transfer, with exceptions on and off.
+/// Sweeps every fault over every transfer, with exceptions on and off, alone and observed.
 inline void RunSweep(const Sweep& sweep) {
   ASSERT_EQ(sweep.outcomes.size(), sweep.script.size());
   for (const bool throwing : {true, false}) {
     const ExceptionsOff mode(throwing);
-    EXPECT_EQ(Outcome(sweep, sweep.script), sweep.undisturbed);
+    for (const bool observed : {false, true}) {
+      EXPECT_EQ(Outcome(sweep, sweep.script, observed), sweep.undisturbed) << (observed ? "observed" : "alone");
+    }
     for (std::size_t k = 0; k < sweep.script.size(); ++k) {
       const Outcomes& row = sweep.outcomes[k];
       const char* const columns[] = {row.thrown, row.failed, row.shorter, row.longer};
       for (const Fault fault : {Fault::kThrow, Fault::kFalse, Fault::kShort, Fault::kLong}) {
         std::vector<Step> script = sweep.script;
         script[k] = Faulted(script[k], fault);
-        EXPECT_EQ(Outcome(sweep, script), Expected(columns[static_cast<int>(fault)], throwing))
-            << sweep.name << ", transfer " << k << ", fault " << static_cast<int>(fault) << ", exceptions "
-            << (throwing ? "on" : "off");
+        for (const bool observed : {false, true}) {
+          EXPECT_EQ(Outcome(sweep, script, observed), Expected(columns[static_cast<int>(fault)], throwing))
+              << sweep.name << ", transfer " << k << ", fault " << static_cast<int>(fault) << ", exceptions "
+              << (throwing ? "on" : "off") << (observed ? ", observed" : ", alone");
+        }
       }
     }
   }
