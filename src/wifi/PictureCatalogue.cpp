@@ -1,10 +1,6 @@
-// The picture catalogue, and the commands that name, read and delete one of its pictures.
+// The picture catalogue, and the command that deletes one of its pictures.
 
 #include <algorithm>
-#include <boost/format.hpp>
-#include <cstdio>
-#include <iterator>
-#include <locale>
 
 #include "Camera.h"
 #include "CatalogueDecoder.h"
@@ -20,25 +16,6 @@ namespace {
 
 constexpr std::int32_t kCatalogueVersion = 1;
 constexpr int kIdentitySize = 24;
-constexpr std::size_t kPathCapacity = 48;
-constexpr int kNameFieldWidth = sizeof(DcfObj::filePrefix);
-
-struct FileType {
-  const char* extension;
-  unsigned int DcfObj::*present;
-};
-
-/// File types 1 to 4.
-constexpr FileType kFileTypes[] = {
-    {"JPG", &DcfObj::hasJpg},
-    {"RAW", &DcfObj::hasRaw},
-    {"TXT", &DcfObj::hasTxt},
-    {"128", &DcfObj::has128},
-};
-
-const FileType* FindFileType(int type) {
-  return type >= 1 && type <= static_cast<int>(std::size(kFileTypes)) ? &kFileTypes[type - 1] : nullptr;
-}
 
 std::vector<DcfObj> DecodeRecords(const _VscCdbDcfHeader* header, const char* records, std::size_t size) {
   if (header->stride == 0) return {};
@@ -98,30 +75,6 @@ bool Camera::ValidateDcfHeader(const _VscCdbDcfHeader* header) {
 
 DcfObj Camera::UnpackDcf(const _VscCdbDcfHeader* header, const char* record) {
   return kelva::DcfLayout(header).Decode(record);
-}
-
-std::string Camera::DcfFilename(const DcfObj& obj, int type) {
-  const FileType* fileType = FindFileType(type);
-  if (fileType == nullptr) kelva::ReportProtocolError("Unknown filetype.");
-  char name[kPathCapacity];
-  std::snprintf(name, sizeof(name), "%.*s%04d.%s", kNameFieldWidth, obj.filePrefix, obj.fileNumber,
-                fileType != nullptr ? fileType->extension : "INVALID");
-  return name;
-}
-
-std::vector<char> Camera::ReadFile(const DcfObj& obj, int type, void (*progress)(void*, float), void* context,
-                                   bool flag) {
-  const FileType* fileType = FindFileType(type);
-  if (fileType == nullptr || obj.*(fileType->present) == 0) {
-    // Another locale may group the digits of the number.
-    boost::format message("ReadFile() file type %d does not exist.", std::locale::classic());
-    kelva::ReportProtocolError((message % type).str());
-    return {};
-  }
-  char path[kPathCapacity];
-  std::snprintf(path, sizeof(path), "I:\\DCIM\\%03d%.*s\\%.*s%04d.%s", obj.directoryNumber, kNameFieldWidth,
-                obj.directorySuffix, kNameFieldWidth, obj.filePrefix, obj.fileNumber, fileType->extension);
-  return ReadFile(path, progress, context, flag);
 }
 
 bool Camera::DeleteDcfObject(const DcfObj& obj) {
