@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "FileReader.h"
 #include "testing/PlainCamera.h"
 #include "testing/Switches.h"
 
@@ -139,6 +140,44 @@ TEST(Allocations, ABulkReadDoesNotAllocatePerChunk) {
   ExpectNoAllocationPerChunk([](Camera& camera) { camera.ReadCrashLogs(nullptr, nullptr, false, true); });
   ExpectNoAllocationPerChunk([](Camera& camera) { camera.ReadFilesBySha1({"k"}, {""}, nullptr, nullptr, true); });
   ExpectNoAllocationPerChunk([](Camera& camera) { camera.ReadCompressedRaw("k", nullptr, nullptr, true); });
+}
+
+/// A reader's view of a camera that lies on the stack.
+boost::shared_ptr<Camera> Shared(Camera& camera) {
+  return {&camera, [](Camera*) {}};
+}
+
+TEST(Allocations, AReaderAllocatesNothingPerPieceOrPerChunk) {
+  const auto readAll = [](Camera& camera) {
+    kelva::FileReader reader(Shared(camera), "x");
+    char piece[48];
+    while (reader.ReadOn(piece) != 0) {
+    }
+  };
+  Stream few(16, 8 * 16, 8 * 16);
+  Stream many(16, 4096 * 16, 4096 * 16);
+  const std::size_t base = Measure(few, readAll).allocations;
+  EXPECT_EQ(Measure(many, readAll).allocations, base);
+}
+
+TEST(Allocations, AReaderThatSkipsAllocatesOneChunk) {
+  Stream camera(65536, 64 * kMebibyte, 64 * kMebibyte);
+  const Counters measured = Measure(camera, [](Camera& target) {
+    kelva::FileReader reader(Shared(target), "x");
+    char piece[16];
+    reader.ReadOn(piece);
+  });
+  EXPECT_LE(measured.peak, 4096U);
+  Stream skipped(65536, 64 * kMebibyte, 64 * kMebibyte);
+  const Counters skip = Measure(skipped, [](Camera& target) {
+    kelva::FileReader reader(Shared(target), "x");
+    char piece[16];
+    try {
+      reader.Read(32 * kMebibyte, piece);  // this camera cannot begin anew
+    } catch (const kelva::FileReadError&) {
+    }
+  });
+  EXPECT_LE(skip.peak, 65536U + 4096U);
 }
 
 TEST(Allocations, AWriteDoesNotAllocatePerChunk) {

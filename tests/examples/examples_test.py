@@ -78,8 +78,8 @@ class Examples:
         self.work.mkdir()
         self.environment = {**os.environ, "KELVA_BUS": self.socket}
 
-    def example(self, name):
-        done = subprocess.run([self.programs / name], capture_output=True, text=True, cwd=self.work, env=self.environment, timeout=60)
+    def example(self, name, *words):
+        done = subprocess.run([self.programs / name, *words], capture_output=True, text=True, cwd=self.work, env=self.environment, timeout=60)
         return done.returncode, done.stdout, done.stderr
 
     def start_example(self, name):
@@ -105,6 +105,16 @@ class Examples:
         self.put("DCIM/101ABCDE/IMG_0001.JPG", b"older")
         self.assertEqual(self.example("newest"), (0, "Picture 101-2, 600000 bytes.\n", "0 %\n43 %\n87 %\n"))
         self.assertEqual((self.work / "newest.jpg").read_bytes(), newest)
+
+    def test_part_copies_any_part_and_goes_on_behind_another_command(self):
+        text = "".join(chr(33 + i * 7 % 90) for i in range(200_000))
+        self.put("DCIM/100ABCDE/MOVIE.TXT", text.encode())
+        path = "I:\\DCIM\\100ABCDE\\MOVIE.TXT"
+        said = "The file has 200000 bytes; the camera's battery is at 100.\nBytes that would follow: {}\n"
+        for offset, count, follow in ((0, 10, 16), (150_000, 20_000, 16), (199_990, 100, 0), (70_000, 129_999, 1)):
+            self.assertEqual(self.example("part", path, str(offset), str(count)),
+                             (0, text[offset:offset + count], said.format(follow)))
+        self.assertEqual(self.example("part")[0], 1)
 
     def test_newest_can_be_stopped_and_the_camera_read_again(self):
         self.pictures(1, 3_000_000)
