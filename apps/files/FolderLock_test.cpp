@@ -1,11 +1,14 @@
 #include "apps/files/FolderLock.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
+#include <string>
 
 #include "apps/commandline/Failure.h"
 #include "base/testing/ScratchFolder.h"
@@ -81,9 +84,59 @@ TEST_F(FolderLockTest, FollowsNoLinkAndTakesPlainFilesOnly) {
   fs::create_symlink(scratch_.Path() / "elsewhere", LockPath());
   EXPECT_EQ(CodeOfAnother(), ExitCode::kFailed);
   EXPECT_FALSE(fs::exists(scratch_.Path() / "elsewhere"));
+  std::ofstream(scratch_.Path() / "elsewhere").close();
+  EXPECT_EQ(CodeOfAnother(), ExitCode::kFailed);
   fs::remove(LockPath());
   ASSERT_EQ(::mkfifo(LockPath().c_str(), 0600), 0);
   EXPECT_EQ(CodeOfAnother(), ExitCode::kFailed);
+}
+
+TEST_F(FolderLockTest, SaysWhatIsInTheWay) {
+  const auto why = [this] {
+    try {
+      const FolderLock lock(Folder());
+    } catch (const Failure& failure) {
+      return std::string(failure.what());
+    }
+    return std::string();
+  };
+  {
+    const FolderLock lock(Folder());
+    EXPECT_EQ(why(),
+              "Another `kelva sync` is at work in " + scratch_.Path().string() + "; wait until it has finished.");
+  }
+  fs::remove(LockPath());
+  fs::create_symlink("elsewhere", LockPath());
+  EXPECT_EQ(why(), "Cannot open the lock file " + LockPath().string() + ": Too many levels of symbolic links.");
+  fs::remove(LockPath());
+  ASSERT_EQ(::mkfifo(LockPath().c_str(), 0600), 0);
+  EXPECT_EQ(why(), LockPath().string() + " is not a plain file; move it away.");
+}
+
+TEST_F(FolderLockTest, IsNotHandedToAnotherProgram) {
+  const FolderLock lock(Folder());
+  int found = 0;
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    if (fs::read_symlink(entry.path(), gone) != fs::canonical(LockPath())) continue;
+    ++found;
+    EXPECT_EQ(::fcntl(std::stoi(entry.path().filename()), F_GETFD), FD_CLOEXEC);
+  }
+  EXPECT_EQ(found, 1);
+}
+
+TEST_F(FolderLockTest, AListIsLimitedToThoseWhoMayWriteIntoTheFolderToo) {
+  const fs::path list = scratch_.Path() / "list";
+  std::ofstream(list).close();
+  const auto modeIn = [&](mode_t folderMode) {
+    ::chmod(scratch_.Path().c_str(), folderMode);
+    ::chmod(list.c_str(), 0644);
+    LimitToWriters(Folder(), "list");
+    return static_cast<unsigned>(fs::status(list).permissions());
+  };
+  EXPECT_EQ(modeIn(0755), 0600U);
+  EXPECT_EQ(modeIn(0775), 0660U);
+  EXPECT_EQ(modeIn(0757), 0606U);
 }
 
 }  // namespace

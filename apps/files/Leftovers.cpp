@@ -19,9 +19,7 @@ struct CloseDir {
 
 std::vector<std::string> TemporaryNames(const TargetFolder& folder) {
   std::vector<std::string> names;
-  const int fd = ::openat(folder.Fd(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (fd < 0) return names;
-  const std::unique_ptr<DIR, CloseDir> dir(::fdopendir(fd));
+  const std::unique_ptr<DIR, CloseDir> dir(::fdopendir(OpenBeneath(folder.Fd(), ".", O_RDONLY)));
   if (!dir) return names;
   while (const dirent* entry = ::readdir(dir.get())) {
     const std::string_view name = entry->d_name;

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "apps/commandline/Failure.h"
+#include "base/testing/NoFreeDescriptor.h"
 #include "base/testing/ScratchFolder.h"
 
 namespace apps {
@@ -62,6 +64,17 @@ TEST_F(LeftoversTest, ASweepBesideNewbornFilesTakesNoneOfThem) {
   sweeper.join();
   EXPECT_EQ(lost, 0);
   EXPECT_EQ(Names().size(), 500U);
+}
+
+TEST_F(LeftoversTest, APipeOfTheNameIsNotWaitedFor) {
+  ASSERT_EQ(::mkfifo((path_ / ".kelva-0011223344556677.part").c_str(), 0600), 0);
+  EXPECT_EQ(RemoveLeftovers(*folder_), 1);
+}
+
+TEST_F(LeftoversTest, AFolderThatCannotBeReadIsLeftAsItIs) {
+  Put(".kelva-0011223344556677.part", "half");
+  const base::test::NoFreeDescriptor full;
+  EXPECT_EQ(RemoveLeftovers(*folder_), 0);
 }
 
 }  // namespace

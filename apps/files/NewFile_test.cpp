@@ -173,17 +173,18 @@ TEST_F(NewFileTest, AFailureOfAnyCallIsSaidAndLeavesNothing) {
 // Stands for a sweep that comes between the making of a file and its lock.
 class SweepingCalls : public SystemCalls {
  public:
-  explicit SweepingCalls(int sweeps) : left_(sweeps), before_(Replace(*this)) {}
+  explicit SweepingCalls(int sweeps) : left(sweeps), before_(Replace(*this)) {}
   ~SweepingCalls() override { Replace(before_); }
 
   int Create(int folder, const std::string& name) override {
     const int file = SystemCalls::Create(folder, name);
-    if (left_-- > 0) ::unlinkat(folder, name.c_str(), 0);
+    if (left-- > 0) ::unlinkat(folder, name.c_str(), 0);
     return file;
   }
 
+  int left;
+
  private:
-  int left_;
   FileCalls& before_;
 };
 
@@ -203,6 +204,16 @@ TEST_F(NewFileTest, SweepsWithoutEndAreAFailureInWords) {
   } catch (const Failure& failure) {
     EXPECT_THAT(failure.what(), testing::StartsWith("Cannot lock a file in "));
   }
+  EXPECT_EQ(sweep.left, (1 << 30) - 100);
+}
+
+TEST_F(NewFileTest, TheErrorOfAnEarlierCallDoesNotCount) {
+  errno = EWOULDBLOCK;
+  EXPECT_NO_THROW(NewFile{*folder_});
+  errno = EEXIST;
+  NewFile file(*folder_);
+  errno = EEXIST;
+  EXPECT_TRUE(file.TakeName("A"));
 }
 
 }  // namespace

@@ -61,5 +61,17 @@ TEST(SafeNameTest, ShorteningTearsNoEscapeAndNoCharacter) {
   }
 }
 
+TEST(SafeNameTest, NamesOfMoreThan200BytesEndInTheirCheckSum) {
+  EXPECT_EQ(SafeName(std::string(200, 'n')), std::string(200, 'n'));
+  // FNV-1a with 64 bits of 201 times 'n'.
+  EXPECT_EQ(SafeName(std::string(201, 'n')), std::string(182, 'n') + "%~bb093304263dfe91");
+}
+
+TEST(SafeNameTest, AShortenedNameKeepsAnExtensionOfUpTo15Letters) {
+  const std::string longName(300, 'n');
+  EXPECT_TRUE(SafeName(longName + "." + std::string(15, 'e')).ends_with("." + std::string(15, 'e')));
+  EXPECT_FALSE(SafeName(longName + "." + std::string(16, 'e')).ends_with("e"));
+}
+
 }  // namespace
 }  // namespace apps

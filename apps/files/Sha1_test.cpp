@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string>
 
 #include "apps/commandline/Output.h"
@@ -24,6 +25,12 @@ TEST(Sha1Test, AFileIsReadFromItsStartWhereverItsOffsetIs) {
   EXPECT_EQ(Sha1OfFile(file.Get()), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
 }
 
+TEST(Sha1Test, TheErrorOfAnEarlierCallDoesNotCount) {
+  const base::FileDescriptor file(::memfd_create("file", MFD_CLOEXEC));
+  errno = EINTR;
+  EXPECT_EQ(Sha1OfFile(file.Get()), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+}
+
 TEST(Sha1Test, AFileThatCannotBeReadHasNone) {
   EXPECT_EQ(Sha1OfFile(-1), std::nullopt);
 }
@@ -31,6 +38,7 @@ TEST(Sha1Test, AFileThatCannotBeReadHasNone) {
 TEST(Sha1Test, AKeyIsFortyHexadecimalDigits) {
   EXPECT_TRUE(IsKey("a9993e364706816aba3e25717850c26c9cd0d89D"));
   EXPECT_FALSE(IsKey("a9993e364706816aba3e25717850c26c9cd0d89"));
+  EXPECT_FALSE(IsKey("a9993e364706816aba3e25717850c26c9cd0d89d0"));
   EXPECT_FALSE(IsKey("g9993e364706816aba3e25717850c26c9cd0d89d"));
 }
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -66,6 +67,13 @@ TEST_F(StoreFileTest, AFileBesideOthersIsFlushedBeforeItHasItsName) {
   EXPECT_THROW(file.Flush(), Failure);
 }
 
+TEST_F(StoreFileTest, AFileBesideOthersIsOnItsWayToTheDiskBeforeItIsWaitedFor) {
+  const std::string text = "one";
+  const RecordingCalls calls(path_);
+  const BesideFile file(*folder_, "A.JPG", text, Sha1(text));
+  EXPECT_EQ(calls.Begun(), 3U);
+}
+
 TEST_F(StoreFileTest, NothingBearsTheNameBeforeTheLastStep) {
   const std::string one = "one";
   const std::string two = "two";
@@ -87,9 +95,26 @@ TEST_F(StoreFileTest, ALinkIsNotLookedThrough) {
   EXPECT_TRUE(fs::is_symlink(path_ / "A.JPG"));
 }
 
+TEST_F(StoreFileTest, NothingButFilesIsLookedInto) {
+  ASSERT_EQ(::mkfifo((path_ / "A.JPG").c_str(), 0600), 0);  // opening it would wait for a writer
+  fs::create_directory(path_ / "A-2.JPG");
+  EXPECT_EQ(Store("A.JPG", "").name, "A-3.JPG");
+}
+
+TEST_F(StoreFileTest, AFileOfTheSameSizeIsAnotherFile) {
+  Store("A.JPG", "one");
+  EXPECT_EQ(Store("A.JPG", "eno").name, "A-2.JPG");
+}
+
 TEST_F(StoreFileTest, StoringNewRefusesATakenNameAndReplacingDoesNot) {
   StoreNew(*folder_, "A", std::string("one"));
-  EXPECT_THROW(StoreNew(*folder_, "A", std::string("two")), Failure);
+  try {
+    StoreNew(*folder_, "A", std::string("two"));
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.what(), "There is a " + (path_ / "A").string() +
+                                  " already, and it was kept; --force replaces it, --output chooses another name.");
+  }
   EXPECT_EQ(Text("A"), "one");
   StoreReplacing(*folder_, "A", std::string("two"));
   EXPECT_EQ(Text("A"), "two");
@@ -140,6 +165,8 @@ TEST(NumberedTest, TheNumberStandsBeforeTheExtension) {
   EXPECT_EQ(Numbered("A.JPG", 2), "A-2.JPG");
   EXPECT_EQ(Numbered("A", 2), "A-2");
   EXPECT_EQ(Numbered("%2Ea.b", 3), "%2Ea-3.b");
+  EXPECT_EQ(Numbered("a.b", 2), "a-2.b");
+  EXPECT_EQ(Numbered(".hidden", 2), ".hidden-2");
 }
 
 }  // namespace

@@ -19,10 +19,15 @@ int Refuse(int error) {
 
 int Openat2(int folder, const char* path, int flags, unsigned mode) {
   open_how how{};
-  how.flags = static_cast<unsigned>(flags);
-  how.mode = (flags & O_CREAT) != 0 ? mode : 0;
-  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
+  how.flags = static_cast<unsigned>(flags | O_CLOEXEC);
+  how.mode = mode;
+  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS;
   return static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how));
+}
+
+// Opens one component.
+int OpenHere(int folder, const std::string& name, int flags, unsigned mode) {
+  return ::openat(folder, name.c_str(), flags | O_NOFOLLOW | O_CLOEXEC, mode);
 }
 
 // Keeps the promise of openat2: opens one component after the other and refuses ".." and links.
@@ -30,8 +35,8 @@ int WalkBeneath(int folder, const std::string& path, int flags, unsigned mode) {
   const std::size_t slash = path.find('/');
   const std::string first = path.substr(0, slash);
   if (first.empty() || first == "..") return Refuse(EXDEV);
-  if (slash == std::string::npos) return ::openat(folder, first.c_str(), flags | O_NOFOLLOW, mode);
-  const base::FileDescriptor next(::openat(folder, first.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (slash == std::string::npos) return OpenHere(folder, first, flags, mode);
+  const base::FileDescriptor next(OpenHere(folder, first, O_RDONLY | O_DIRECTORY, 0));
   return next ? WalkBeneath(next.Get(), path.substr(slash + 1), flags, mode) : -1;
 }
 
@@ -44,10 +49,9 @@ int LookAndRename(int folder, const char* from, const char* to) {
 }  // namespace
 
 int SystemCalls::OpenBelow(int folder, const std::string& path, int flags, unsigned mode) const {
-  flags |= O_CLOEXEC;
-  const int fd = missing_.openat2 ? Refuse(ENOSYS) : Openat2(folder, path.c_str(), flags, mode);
+  const int fd = missing_.openat2 != 0 ? Refuse(missing_.openat2) : Openat2(folder, path.c_str(), flags, mode);
   // Some sandboxes answer EPERM to a call that they do not know.
-  if (fd >= 0 || (errno != ENOSYS && errno != EPERM)) return fd;
+  if (fd != -1 || (errno != ENOSYS && errno != EPERM)) return fd;
   return WalkBeneath(folder, path, flags, mode);
 }
 
@@ -85,15 +89,16 @@ int SystemCalls::Rename(int folder, const std::string& from, const std::string& 
 }
 
 int SystemCalls::RenameNoReplace(int folder, const char* from, const char* to) const {
-  const int result =
-      missing_.renameNoReplace ? Refuse(EINVAL) : ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
+  const int missing = missing_.renameNoReplace;
+  const int result = missing != 0 ? Refuse(missing) : ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
   if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result;
   return LinkAndUnlink(folder, from, to);
 }
 
 // A second name, which fails when it exists; then the first one goes.
 int SystemCalls::LinkAndUnlink(int folder, const char* from, const char* to) const {
-  const int result = missing_.hardLinks ? Refuse(EPERM) : ::linkat(folder, from, folder, to, 0);
+  const int missing = missing_.hardLinks;
+  const int result = missing != 0 ? Refuse(missing) : ::linkat(folder, from, folder, to, 0);
   if (result == 0) return ::unlinkat(folder, from, 0);
   if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) return result;
   return LookAndRename(folder, from, to);

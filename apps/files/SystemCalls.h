@@ -8,11 +8,11 @@ namespace apps {
 /// The calls of this system. What a kernel or a file system may lack has a substitute, which tests can ask for.
 class SystemCalls : public FileCalls {
  public:
-  /// What is taken to be missing.
+  /// What is taken to be missing: the error with which a system says so, 0 for what is there.
   struct Missing {
-    bool openat2 = false;          ///< kernels before 5.6, and some sandboxes
-    bool renameNoReplace = false;  ///< NFS, and many file systems in user space
-    bool hardLinks = false;        ///< memory cards (FAT, exFAT)
+    int openat2 = 0;          ///< kernels before 5.6 (ENOSYS), and some sandboxes (EPERM)
+    int renameNoReplace = 0;  ///< NFS, and many file systems in user space (EINVAL); old kernels (ENOSYS)
+    int hardLinks = 0;        ///< memory cards (FAT, exFAT: EPERM), network folders (EOPNOTSUPP, ENOSYS)
   };
 
   SystemCalls() = default;

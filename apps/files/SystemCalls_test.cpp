@@ -54,8 +54,31 @@ TEST_P(SystemCallsTest, WhatIsBelowTheFolderIsOpened) {
   Put("a/b/c", "deep");
   EXPECT_TRUE(Open("a/b/c"));
   EXPECT_TRUE(Open("a/b", O_RDONLY | O_DIRECTORY));
-  EXPECT_FALSE(Open("a/b/d"));
-  EXPECT_EQ(errno, ENOENT);
+  for (const char* path : {"a/b/d", "a/d/c", "d"}) {
+    EXPECT_EQ(calls_.Open(folder_.Get(), path, O_RDONLY), -1) << path;
+    EXPECT_EQ(errno, ENOENT) << path;
+  }
+}
+
+TEST_P(SystemCallsTest, NothingOnTheWayIsOpenedButFolders) {
+  Put("file", "");
+  ASSERT_EQ(::mkfifo((path_ / "pipe").c_str(), 0600), 0);  // opening it would wait for a writer
+  for (const char* path : {"file/a", "pipe/a"}) {
+    EXPECT_FALSE(Open(path)) << path;
+    EXPECT_EQ(errno, ENOTDIR) << path;
+  }
+}
+
+TEST_P(SystemCallsTest, TheErrorOfAnEarlierCallDoesNotCount) {
+  int number = 0;
+  for (const int error : {EPERM, ENOSYS, EINVAL, EOPNOTSUPP}) {
+    const std::string name = std::to_string(++number);
+    errno = error;
+    EXPECT_TRUE(base::FileDescriptor(calls_.Create(folder_.Get(), name)));
+    errno = error;
+    EXPECT_EQ(calls_.Rename(folder_.Get(), name, "renamed" + name, false), 0);
+    EXPECT_TRUE(fs::exists(path_ / ("renamed" + name)));
+  }
 }
 
 TEST_P(SystemCallsTest, NoPathLeadsOutOfTheFolder) {
@@ -65,7 +88,7 @@ TEST_P(SystemCallsTest, NoPathLeadsOutOfTheFolder) {
     EXPECT_FALSE(Open(path)) << path;
     EXPECT_EQ(errno, EXDEV) << path;
   }
-  EXPECT_LT(calls_.Create(folder_.Get(), "../made"), 0);
+  EXPECT_EQ(calls_.Create(folder_.Get(), "../made"), -1);
   EXPECT_FALSE(fs::exists(path_ / "../made"));
 }
 
@@ -90,7 +113,7 @@ TEST_P(SystemCallsTest, NoOpenFileReachesAnotherProgram) {
 
 TEST_P(SystemCallsTest, AFileIsMadeOnlyWhereThereIsNone) {
   Put("taken", "mine");
-  EXPECT_LT(calls_.Create(folder_.Get(), "taken"), 0);
+  EXPECT_EQ(calls_.Create(folder_.Get(), "taken"), -1);
   EXPECT_EQ(errno, EEXIST);
   EXPECT_EQ(Text("taken"), "mine");
 }
@@ -128,9 +151,13 @@ TEST_P(SystemCallsTest, AFileThatHasGoneHasNoNameToGive) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Systems, SystemCallsTest,
-                         testing::Values(SystemCalls::Missing{}, SystemCalls::Missing{.openat2 = true},
-                                         SystemCalls::Missing{.renameNoReplace = true},
-                                         SystemCalls::Missing{.renameNoReplace = true, .hardLinks = true}));
+                         testing::Values(SystemCalls::Missing{}, SystemCalls::Missing{.openat2 = ENOSYS},
+                                         SystemCalls::Missing{.openat2 = EPERM},
+                                         SystemCalls::Missing{.renameNoReplace = EINVAL},
+                                         SystemCalls::Missing{.renameNoReplace = ENOSYS},
+                                         SystemCalls::Missing{.renameNoReplace = EINVAL, .hardLinks = EPERM},
+                                         SystemCalls::Missing{.renameNoReplace = EINVAL, .hardLinks = EOPNOTSUPP},
+                                         SystemCalls::Missing{.renameNoReplace = EINVAL, .hardLinks = ENOSYS}));
 
 TEST(SystemCallsTest, WhatReachesNoFileIsAnError) {
   SystemCalls calls;

@@ -69,5 +69,30 @@ TEST(TarTest, TwoFilesOfOneNameAreTwoMembers) {
   EXPECT_EQ(archive.substr(2048, 14), std::string("crash/A-3.LOG\0", 14));
 }
 
+TEST(TarTest, EveryFieldOfAHeaderStandsInItsPlace) {
+  Tar tar(1'000'000'000);
+  tar.Add("a", std::string(513, 'x'));
+  const std::string archive = tar.Finish();
+  EXPECT_EQ(archive.substr(108, 16), std::string("0000000\0"
+                                                 "0000000\0",
+                                                 16))
+      << "owner and group";
+  EXPECT_EQ(archive.substr(124, 12), std::string("00000001001\0", 12)) << "size";
+  EXPECT_EQ(archive.substr(136, 12), std::string("07346545000\0", 12)) << "time";
+  EXPECT_EQ(archive.substr(265), std::string(512 - 265, '\0') + std::string(513, 'x') + std::string(511 + 1024, '\0'));
+}
+
+TEST(TarTest, ATimeBefore1970Is1970) {
+  Tar tar(-1);
+  tar.Add("a", "");
+  EXPECT_EQ(tar.Finish().substr(136, 12), std::string("00000000000\0", 12));
+}
+
+TEST(TarTest, ANameOf99BytesNeedsNoPaxHeader) {
+  Tar tar(0);
+  tar.Add(std::string(99, 'n'), "");
+  EXPECT_EQ(tar.Finish().size(), 3 * 512U);
+}
+
 }  // namespace
 }  // namespace apps

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/commandline/Failure.h"
@@ -90,7 +91,7 @@ TEST_F(TargetFolderTest, NoOpenFolderReachesAnotherProgram) {
 }
 
 TEST_F(TargetFolderTest, WithoutOpenat2ALinkInPlaceOfAFolderIsNamedToo) {
-  const RecordingCalls calls(path_, {.openat2 = true});
+  const RecordingCalls calls(path_, {.openat2 = ENOSYS});
   fs::create_directory_symlink("/tmp", path_ / "101ABCDE");
   try {
     folder_->Below("101ABCDE");
@@ -98,6 +99,63 @@ TEST_F(TargetFolderTest, WithoutOpenat2ALinkInPlaceOfAFolderIsNamedToo) {
   } catch (const Failure& failure) {
     EXPECT_THAT(failure.what(), HasSubstr("is a symbolic link and is not followed"));
   }
+}
+
+/// Why something failed.
+template <typename Work>
+std::string WhyNot(const Work& work) {
+  try {
+    work();
+  } catch (const Failure& failure) {
+    return failure.what();
+  }
+  return "";
+}
+
+TEST_F(TargetFolderTest, AFileInPlaceOfAFolderIsNamed) {
+  Put("file", "x");
+  const std::string path = path_ / "file";
+  EXPECT_EQ(WhyNot([&] { TargetFolder::Open(path); }),
+            "Cannot open the folder " + path + ": Not a directory; name a folder.");
+  EXPECT_EQ(WhyNot([&] { folder_->Below("file"); }),
+            "Cannot open the folder " + path + ": Not a directory; name a folder.");
+}
+
+TEST_F(TargetFolderTest, AFolderThatCannotBeMadeIsNamed) {
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EROFS, "make");
+  EXPECT_EQ(WhyNot([&] { folder_->Below("100ABCDE"); }),
+            "Cannot make the folder " + (path_ / "100ABCDE").string() +
+                ": Read-only file system; choose another place, or have it mounted for writing.");
+  calls.FailAt(1, EINTR, "make");
+  EXPECT_NO_THROW(folder_->Below("100ABCDE"));
+}
+
+/// The system's calls, which open no folder because too much is open; another program takes the folder away meanwhile.
+class FullCalls : public SystemCalls {
+ public:
+  explicit FullCalls(fs::path folder) : folder_(std::move(folder)), before_(FileCalls::Replace(*this)) {}
+  ~FullCalls() override { FileCalls::Replace(before_); }
+  int Open(int, const std::string&, int) override {
+    fs::remove(folder_);
+    errno = EMFILE;
+    return -1;
+  }
+
+ private:
+  fs::path folder_;
+  FileCalls& before_;
+};
+
+TEST_F(TargetFolderTest, AFolderThatIsNotOpenedIsNamedWithTheFirstError) {
+  const FullCalls calls(path_ / "100ABCDE");
+  EXPECT_THAT(WhyNot([&] { folder_->Below("100ABCDE"); }), HasSubstr("100ABCDE: Too many open files."));
+}
+
+TEST_F(TargetFolderTest, APathIsShownAsTheUserWouldTypeIt) {
+  EXPECT_EQ(TargetFolder::Open(".").PathOf("a.jpg"), "a.jpg");
+  EXPECT_EQ(TargetFolder::Open("/").PathOf("a.jpg"), "/a.jpg");
+  EXPECT_EQ(TargetFolder::Open("/tmp").PathOf("a.jpg"), "/tmp/a.jpg");
 }
 
 }  // namespace

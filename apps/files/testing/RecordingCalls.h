@@ -4,6 +4,7 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <mutex>
 #include <set>
@@ -59,6 +60,9 @@ class RecordingCalls : public FileCalls {
     return unflushed_;
   }
 
+  /// How many bytes were on their way to the disk before anybody waited for them.
+  std::size_t Begun() const { return begun_; }
+
   int Open(int folder, const std::string& path, int flags) override { return system_.Open(folder, path, flags); }
   int Create(int folder, const std::string& name) override {
     return Fails("create " + Below(folder, "*.part")) ? -1 : system_.Create(folder, name);
@@ -72,7 +76,10 @@ class RecordingCalls : public FileCalls {
     flushed_.erase(PathOf(file));
     return system_.Write(file, bytes.substr(0, mostBytes_));
   }
-  void BeginFlush(int file) noexcept override { system_.BeginFlush(file); }
+  void BeginFlush(int file) noexcept override {
+    begun_ += std::filesystem::file_size("/proc/self/fd/" + std::to_string(file));
+    system_.BeginFlush(file);
+  }
   int Flush(int file) override {
     if (Fails("flush " + Shown(PathOf(file)))) return -1;
     const std::scoped_lock lock(mutex_);
@@ -121,6 +128,7 @@ class RecordingCalls : public FileCalls {
   std::vector<std::string> log_;
   std::set<std::string> flushed_;
   std::vector<std::string> unflushed_;
+  std::atomic<std::size_t> begun_ = 0;
   std::size_t mostBytes_ = std::string::npos;
   std::string kind_;
   int calls_ = 0;
