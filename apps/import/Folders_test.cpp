@@ -93,5 +93,20 @@ TEST_F(FoldersTest, AFolderAboveThatCannotBeFlushedIsAFailure) {
   EXPECT_THROW(folders_.Flush({{"100ABCDE"}}), Failure);
 }
 
+TEST_F(FoldersTest, AFolderStaysOpenForItsNextFile) {
+  const auto first = folders_.For({{"2026", "100ABCDE"}, "A.JPG"});
+  EXPECT_EQ(folders_.For({{"2026", "100ABCDE"}, "B.JPG"}), first);
+}
+
+TEST_F(FoldersTest, NotAllFoldersStayOpen) {
+  for (int i = 0; i < 150; ++i) folders_.For({{std::to_string(i)}, "A.JPG"});
+  int open = 0;
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    open += fs::read_symlink(entry.path(), gone).parent_path() == fs::canonical(path_) ? 1 : 0;
+  }
+  EXPECT_LE(open, 128);
+}
+
 }  // namespace
 }  // namespace apps

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "apps/commandline/Failure.h"
 #include "apps/files/testing/RecordingCalls.h"
@@ -212,10 +213,18 @@ int Setting(int setting) {
   return value;
 }
 
+/// While it lives, each new connection is noted.
+class NotingConnections {
+ public:
+  NotingConnections() { sqlite3_auto_extension(reinterpret_cast<void (*)()>(KeepOpened)); }
+  ~NotingConnections() { sqlite3_reset_auto_extension(); }
+  NotingConnections(const NotingConnections&) = delete;
+  NotingConnections& operator=(const NotingConnections&) = delete;
+};
+
 TEST_F(ManifestTest, RowsAreOnDiskWhenTheyAreRecordedAndTheFileIsNotTrusted) {
-  sqlite3_auto_extension(reinterpret_cast<void (*)()>(KeepOpened));
+  const NotingConnections noting;
   const Manifest manifest(*folder_, true);
-  sqlite3_reset_auto_extension();
   ASSERT_NE(lastOpened, nullptr);
   constexpr int kExtra = 3;
   EXPECT_EQ(Number("PRAGMA synchronous"), kExtra);
@@ -223,6 +232,78 @@ TEST_F(ManifestTest, RowsAreOnDiskWhenTheyAreRecordedAndTheFileIsNotTrusted) {
   EXPECT_EQ(Setting(SQLITE_DBCONFIG_TRUSTED_SCHEMA), 0);
   EXPECT_EQ(Setting(SQLITE_DBCONFIG_ENABLE_TRIGGER), 0);
   EXPECT_EQ(Setting(SQLITE_DBCONFIG_ENABLE_VIEW), 0);
+}
+
+TEST_F(ManifestTest, AnotherProgramsLockIsWaitedForFiveSeconds) {
+  const NotingConnections noting;
+  const Manifest manifest(*folder_, true);
+  EXPECT_EQ(Number("PRAGMA busy_timeout"), 5000);
+}
+
+/// The sentence of a row that cannot be recorded, and errno.
+std::pair<std::string, int> WhyNotRecorded(Manifest& manifest) {
+  ManifestRow row = Row("K1", 1);
+  row.path = std::string(100'000, 'n');
+  try {
+    manifest.Record({row});
+  } catch (const Failure& failure) {
+    return {failure.what(), failure.SystemError()};
+  }
+  return {"recorded", 0};
+}
+
+TEST_F(ManifestTest, AListThatHasNoRoomIsAFullDisk) {
+  const NotingConnections noting;
+  Manifest manifest(*folder_, true);
+  EXPECT_EQ(sqlite3_exec(lastOpened, "PRAGMA max_page_count=2", nullptr, nullptr, nullptr), SQLITE_OK);
+  const auto [sentence, error] = WhyNotRecorded(manifest);
+  EXPECT_THAT(sentence, testing::StartsWith("Cannot write the list of fetched files "));
+  EXPECT_THAT(sentence, HasSubstr("make room there"));
+  EXPECT_EQ(error, ENOSPC);
+}
+
+TEST_F(ManifestTest, AListThatMayNotBeWrittenSaysWhatToDo) {
+  { const Manifest made(*folder_, true); }
+  Manifest manifest(*folder_, false);
+  const auto [sentence, error] = WhyNotRecorded(manifest);
+  EXPECT_THAT(sentence, HasSubstr("choose another place, or have it mounted for writing"));
+  EXPECT_EQ(error, EROFS);
+}
+
+TEST_F(ManifestTest, AFolderInPlaceOfTheListIsTheSystemsError) {
+  fs::create_directory(path_ / Manifest::kName);
+  const std::string why = WhyNot();
+  EXPECT_THAT(why, testing::StartsWith("Cannot open the list of fetched files "));
+  EXPECT_THAT(why, HasSubstr("Is a directory"));
+}
+
+TEST_F(ManifestTest, AListWithoutItsTableIsNamedAsDamaged) {
+  Manifest manifest(*folder_, true);
+  Elsewhere("DROP TABLE files");
+  try {
+    manifest.Find(Row("K1", 1).key);
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_THAT(failure.what(), testing::StartsWith("Cannot read the list of fetched files "));
+    EXPECT_THAT(failure.what(),
+                HasSubstr(": no such table: files; if it is damaged, move it away, and files that are"));
+  }
+}
+
+TEST_F(ManifestTest, AnEmptyFileOfTheNameIsAListOfNothingForALook) {
+  std::ofstream(path_ / Manifest::kName).close();
+  EXPECT_NO_THROW(Manifest(*folder_, false));
+  EXPECT_EQ(fs::file_size(path_ / Manifest::kName), 0U);
+}
+
+TEST_F(ManifestTest, OneRowCanBeMarkedAfterAnother) {
+  Manifest manifest(*folder_, true);
+  manifest.Record({Row("K1", 1), Row("K1", 2), Row("K1", 3)});
+  manifest.MarkDeleted(Row("K1", 1).key);
+  manifest.MarkDeleted(Row("K1", 3).key);
+  EXPECT_TRUE(manifest.Find(Row("K1", 1).key)->deleted);
+  EXPECT_FALSE(manifest.Find(Row("K1", 2).key)->deleted);
+  EXPECT_TRUE(manifest.Find(Row("K1", 3).key)->deleted);
 }
 
 TEST_F(ManifestTest, RowsThatCannotBeCommittedAreNotThereAndTheListStaysUsable) {

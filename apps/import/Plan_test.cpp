@@ -68,6 +68,25 @@ TEST_F(PlanTest, WhatTheManifestHasIsNotNew) {
   EXPECT_TRUE(after.items[1].IsNew());
 }
 
+TEST_F(PlanTest, WhatWasDeletedOnTheCameraIsKnownAsDeleted) {
+  const SyncPlan before = Plan({Made(100, 1)}, {1, 2});
+  EXPECT_FALSE(before.items[0].IsDeleted());
+  manifest_.Record({{before.items[0].Key(), "a.jpg", kKey, 3, true, true}});
+  manifest_.Record({{before.items[1].Key(), "a.raw", kKey, 3, true, false}});
+  const SyncPlan after = Plan({Made(100, 1)}, {1, 2});
+  EXPECT_TRUE(after.items[0].IsDeleted());
+  EXPECT_FALSE(after.items[0].IsNew());
+  EXPECT_FALSE(after.items[1].IsDeleted());
+  EXPECT_EQ(after.NewFiles(), 0U);
+}
+
+TEST_F(PlanTest, AKeyIsTheSerialNumberTheIdentityInHexadecimalAndTheType) {
+  const ManifestKey key = KeyOf(Made(100, 1), 2, "K1");
+  EXPECT_EQ(key.serial, "K1");
+  EXPECT_EQ(key.picture.size(), 48U) << "24 bytes";
+  EXPECT_EQ(key.type, 2);
+}
+
 TEST_F(PlanTest, AnotherPictureOfTheSameNameIsNew) {
   const SyncPlan before = Plan({Made(100, 1)}, {1});
   manifest_.Record({{before.items[0].Key(), "100ABCDE/IMG_0001.JPG", kKey, 3, false, false}});
@@ -77,11 +96,13 @@ TEST_F(PlanTest, AnotherPictureOfTheSameNameIsNew) {
 }
 
 TEST_F(PlanTest, ItemsThatWouldHaveOneNameAreNumberedInTheCataloguesOrder) {
-  const SyncPlan plan = MakePlan({Made(100, 1), Made(101, 1), Made(101, 2)}, "K1", {1}, Pattern("{name}"), manifest_);
-  ASSERT_EQ(plan.items.size(), 3U);
+  const SyncPlan plan =
+      MakePlan({Made(100, 1), Made(101, 1), Made(102, 1), Made(102, 2)}, "K1", {1}, Pattern("{name}"), manifest_);
+  ASSERT_EQ(plan.items.size(), 4U);
   EXPECT_EQ(plan.items[0].LocalText(), "IMG_0001.JPG");
   EXPECT_EQ(plan.items[1].LocalText(), "IMG_0001-2.JPG");
-  EXPECT_EQ(plan.items[2].LocalText(), "IMG_0002.JPG");
+  EXPECT_EQ(plan.items[2].LocalText(), "IMG_0001-3.JPG");
+  EXPECT_EQ(plan.items[3].LocalText(), "IMG_0002.JPG");
 }
 
 TEST(ParseTypesTest, TypesAreReadInAnyCaseAndOnce) {
@@ -89,6 +110,16 @@ TEST(ParseTypesTest, TypesAreReadInAnyCaseAndOnce) {
   EXPECT_THAT(ParseTypes(std::nullopt), ElementsAre(1, 2, 3, 4));
   for (const char* bad : {"", "jpg,", "png", "jpg raw"}) {
     EXPECT_THROW(ParseTypes(bad), Failure) << bad;
+  }
+}
+
+TEST(ParseTypesTest, AWrongTypeIsNamedWithTheRightOnes) {
+  try {
+    ParseTypes("jpg,png");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Code(), ExitCode::kUsage);
+    EXPECT_STREQ(failure.what(), "\"png\" is not a type of file; the types are jpg, raw, txt and 128.");
   }
 }
 

@@ -3,33 +3,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "apps/camera/testing/FakeCamera.h"
-#include "apps/commandline/testing/SilentContext.h"
+#include <fstream>
+#include <new>
+#include <thread>
+
 #include "apps/files/testing/RecordingCalls.h"
-#include "apps/import/testing/SyncTest.h"
+#include "apps/import/testing/SyncFixture.h"
 
 namespace apps {
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-class SyncTest : public SyncFolderTest, protected SilentContext {
- protected:
-  explicit SyncTest(ReportStyle style = {}) : SilentContext(style) {
-    camera_.folder = "I:\\DCIM\\100ABCDE";
-    camera_.files = {{"IMG_0001.JPG", "one"}, {"IMG_0002.JPG", "two"}};
-  }
-
-  SyncTotals Run(SyncOptions options = {}, const std::vector<DcfObj>& catalogue = {Picture(1), Picture(2)}) {
-    const SyncPlan plan = Plan(catalogue);
-    Sync sync(context_, camera_, folder_, manifest_, options);
-    EXPECT_FALSE(sync.Run(plan).has_value());
-    return sync.Totals();
-  }
-
-  FakeCamera camera_;
-};
 
 TEST_F(SyncTest, NewFilesAreReadOnceAndKnownOnesNotAtAll) {
   EXPECT_EQ(Run().stored, 2U);
@@ -56,6 +41,108 @@ TEST_F(SyncTest, AFileWithoutAKeyMustHaveTheSizeOfItsListing) {
 TEST_F(SyncTest, VerifyingReadsTwice) {
   EXPECT_EQ(Run({.verify = true}).stored, 2U);
   EXPECT_EQ(camera_.reads, 4);
+}
+
+TEST_F(SyncTest, AFileThatIsMissingIsNamedWithTheReason) {
+  camera_.files.erase("IMG_0001.JPG");
+  Run();
+  EXPECT_THAT(Said(), testing::StartsWith("kelva: Cannot read I:\\DCIM\\100ABCDE\\IMG_0001.JPG: "));
+  EXPECT_THAT(Said(), HasSubstr("the catalogue names it, but it is not in its folder"));
+}
+
+TEST_F(SyncTest, AFileOfAnotherSizeIsNamedWithBothSizes) {
+  camera_.lie = 1;
+  Run();
+  EXPECT_THAT(Said(), HasSubstr("the folder gives it 4 bytes, and 3 came"));
+}
+
+TEST_F(SyncTest, AKeySaysMoreThanTheSizeOfAListing) {
+  camera_.lie = 1;
+  camera_.files["IMG_0001.JPG"] = "abc";
+  EXPECT_EQ(Run({}, {Picture(1, "a9993e364706816aba3e25717850c26c9cd0d89d")}).stored, 1U);
+}
+
+TEST_F(SyncTest, AnEmptyFileIsStoredWhenItsFolderSaysSoToo) {
+  camera_.files["IMG_0001.JPG"] = "";
+  EXPECT_EQ(Run({}, {Picture(1)}).stored, 1U);
+  EXPECT_TRUE(std::filesystem::exists(path_ + "/100ABCDE/IMG_0001.JPG"));
+}
+
+TEST_F(SyncTest, AFileThatNoFolderListsAndThatCanBeReadIsStored) {
+  camera_.folder = "elsewhere";
+  EXPECT_EQ(Run().stored, 2U);
+}
+
+TEST_F(SyncTest, TheTotalsCountBytesAndWhatWasHereAlready) {
+  std::filesystem::create_directory(path_ + "/100ABCDE");
+  std::ofstream(path_ + "/100ABCDE/IMG_0002.JPG") << "two";
+  const SyncTotals totals = Run();
+  EXPECT_EQ(totals.stored, 2U);
+  EXPECT_EQ(totals.alreadyHere, 1U);
+  EXPECT_EQ(totals.bytes, 6U);
+}
+
+TEST_F(SyncTest, TwoReadsThatDifferAreSaidAndNothingIsStored) {
+  camera_.onRead = [&](const std::string&) { camera_.files["IMG_0001.JPG"] = camera_.reads == 1 ? "one" : "eno"; };
+  const SyncTotals totals = Run({.verify = true}, {Picture(1)});
+  EXPECT_EQ(totals.stored, 0U);
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_EQ(
+      Said(),
+      "kelva: Two reads of I:\\DCIM\\100ABCDE\\IMG_0001.JPG differ, so it was not stored; check the cable and the "
+      "card.\n");
+}
+
+TEST_F(SyncTest, AFileThatDoesNotFitIntoMemoryIsReportedAndTheRestGoesOn) {
+  camera_.onRead = [&](const std::string&) {
+    if (camera_.reads == 1) throw std::bad_alloc();
+  };
+  const SyncTotals totals = Run();
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_EQ(totals.stored, 1U);
+  EXPECT_THAT(Said(), HasSubstr("IMG_0001.JPG: there is not enough memory"));
+}
+
+TEST_F(SyncTest, ACameraThatHasGoneEndsTheRunAndWhatCameBeforeIsKept) {
+  camera_.onRead = [&](const std::string&) {
+    if (camera_.reads == 2) throw Gone();
+  };
+  const Outcome outcome = RunToItsEnd(kVerifyAndDelete);
+  EXPECT_EQ(outcome.code, ExitCode::kGone);
+  EXPECT_THAT(outcome.sentence,
+              testing::StartsWith("Cannot read I:\\DCIM\\100ABCDE\\IMG_0001.JPG: the camera is no longer there"));
+  EXPECT_EQ(camera_.reads, 2);
+  EXPECT_EQ(Said(), "") << "the end of all is said by the caller";
+}
+
+TEST_F(SyncTest, WhatWasReadBeforeTheCameraWentIsStored) {
+  camera_.onRead = [&](const std::string&) {
+    if (camera_.reads == 2) throw Gone();
+  };
+  RunToItsEnd();
+  EXPECT_EQ(Text("100ABCDE/IMG_0001.JPG"), "one");
+  EXPECT_EQ(Plan({Picture(1), Picture(2)}).NewFiles(), 1U);
+}
+
+TEST_F(SyncTest, AFullDiskEndsTheRunWithItsSentence) {
+  RecordingCalls calls(path_);
+  calls.FailEach(1, 1 << 20, ENOSPC, "write ");
+  const Outcome outcome = RunToItsEnd();
+  EXPECT_EQ(outcome.code, ExitCode::kFailed);
+  EXPECT_THAT(outcome.sentence, HasSubstr("make room there and repeat the command"));
+}
+
+TEST_F(SyncTest, AStopBeforeAFileReadsNothingMore) {
+  stop_.Request();
+  EXPECT_THROW(Run(), Stopped);
+  EXPECT_EQ(camera_.reads, 0);
+}
+
+TEST_F(SyncTest, AStopInTheMiddleOfAFileStoresNothingOfIt) {
+  camera_.onRead = [&](const std::string&) { stop_.Request(); };
+  EXPECT_THROW(Run(), Stopped);
+  EXPECT_EQ(camera_.reads, 1);
+  EXPECT_FALSE(std::filesystem::exists(path_ + "/100ABCDE/IMG_0001.JPG"));
 }
 
 TEST_F(SyncTest, OnlyWhatIsOnDiskIsDeletedOnTheCamera) {
@@ -111,11 +198,6 @@ TEST_F(SyncTest, AMarkThatCannotBeWrittenEndsTheRunAndItsTotalsAreKept) {
   EXPECT_EQ(camera_.files.size(), 1U) << "the second file stays on the camera";
 }
 
-class SyncJsonTest : public SyncTest {
- protected:
-  SyncJsonTest() : SyncTest({.json = true}) {}
-};
-
 TEST_F(SyncJsonTest, AFileThatFailsIsAnEventOfItsOwn) {
   camera_.files.erase("IMG_0001.JPG");
   Run();
@@ -126,6 +208,18 @@ TEST_F(SyncJsonTest, AFileThatFailsIsAnEventOfItsOwn) {
       events,
       HasSubstr(
           "\"size\":3,\"sha1\":\"ad782ecdac770fc6eb9a62e44f90873fb97fb26b\",\"verified\":false,\"was_here\":false}"));
+}
+
+TEST_F(SyncJsonTest, ProgressSaysWhichFileIsNextOfHowManyAndHowMuchCame) {
+  manifest_.Record({{KeyOf(Picture(3), 1, "K1"), "here.jpg", "", 3, false, false}});  // not read, so not counted
+  camera_.onRead = [&](const std::string&) {
+    while (camera_.reads == 1 && !reporter_.IsProgressDue(Progress::Clock::now())) std::this_thread::yield();
+  };
+  Run({}, {Picture(1), Picture(2), Picture(3)});
+  EXPECT_THAT(Said(), testing::StartsWith(
+                          "{\"schema\":1,\"event\":\"progress\",\"what\":\"1 of 2  100ABCDE/IMG_0001.JPG\",\"done\":0,"
+                          "\"files\":0,\"files_total\":2}\n{\"schema\":1,\"event\":\"progress\",\"what\":\"2 of 2  "
+                          "100ABCDE/IMG_0002.JPG\",\"done\":3,\"files\":1,\"files_total\":2"));
 }
 
 }  // namespace

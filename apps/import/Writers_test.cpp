@@ -3,8 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
+#include <fstream>
 #include <latch>
 #include <memory>
+#include <mutex>
+#include <new>
 #include <utility>
 
 #include "apps/files/SystemCalls.h"
@@ -40,6 +45,24 @@ TEST_F(WritersTest, FilesAreStoredAndPartOfTheManifest) {
   EXPECT_EQ(stored_, 200);
   EXPECT_EQ(Text("100ABCDE/IMG_0200.JPG"), "abc");
   EXPECT_EQ(Plan(catalogue).NewFiles(), 0U);
+}
+
+TEST_F(WritersTest, TheManifestSaysWhatWasStoredAndWhere) {
+  std::filesystem::create_directory(path_ + "/100ABCDE");
+  std::ofstream(path_ + "/100ABCDE/IMG_0001.JPG") << "another";
+  const SyncPlan plan = Plan({Picture(1), Picture(2)});
+  const auto writers = Make([](const WriteOutcome&) {});
+  writers->Submit({&plan.items[0], {'a', 'b', 'c'}, "", true});
+  writers->Submit({&plan.items[1], {'a', 'b', 'c'}, "", false});
+  writers->Finish();
+  const auto row = manifest_.Find(plan.items[0].Key());
+  ASSERT_TRUE(row.has_value());
+  EXPECT_EQ(row->path, "100ABCDE/IMG_0001-2.JPG");
+  EXPECT_EQ(row->sha1, "a9993e364706816aba3e25717850c26c9cd0d89d");
+  EXPECT_EQ(row->size, 3U);
+  EXPECT_TRUE(row->verified);
+  EXPECT_FALSE(row->deleted);
+  EXPECT_FALSE(manifest_.Find(plan.items[1].Key())->verified);
 }
 
 TEST_F(WritersTest, LargeFilesPassOneAtATime) {
@@ -147,6 +170,79 @@ TEST_F(WritersTest, AfterAFlushThatFailedTheNextOneIsNotBelieved) {
   }
   EXPECT_EQ(stored_, 0);
   EXPECT_EQ(Plan({Picture(1), Picture(2)}).NewFiles(), 2U);
+}
+
+TEST_F(WritersTest, WhatWasWrittenBeforeTheDiskWasFullIsKept) {
+  const SyncPlan plan = Plan({Picture(1), Picture(2), Picture(3)});
+  RecordingCalls calls(path_);
+  calls.FailAt(3, ENOSPC, "write ");
+  EXPECT_THROW(Store(plan, "abc"), Failure);
+  EXPECT_EQ(Plan({Picture(1), Picture(2), Picture(3)}).NewFiles(), 1U);
+}
+
+/// The system's calls without memory for a new file.
+class PoorCalls : public SystemCalls {
+ public:
+  PoorCalls() : before_(FileCalls::Replace(*this)) {}
+  ~PoorCalls() override { FileCalls::Replace(before_); }
+  int Create(int, const std::string&) override { throw std::bad_alloc(); }
+
+ private:
+  FileCalls& before_;
+};
+
+TEST_F(WritersTest, AnyOtherErrorEndsTheWritingInWords) {
+  const SyncPlan plan = Plan({Picture(1)});
+  const PoorCalls calls;
+  try {
+    Store(plan, "abc");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_STREQ(failure.what(), "Storing files stopped: std::bad_alloc.");
+  }
+}
+
+/// Measures how much is on its way at most, whenever a file is made.
+class MeasuringCalls : public SystemCalls {
+ public:
+  explicit MeasuringCalls(std::size_t size) : size_(size), before_(FileCalls::Replace(*this)) {}
+  ~MeasuringCalls() override { FileCalls::Replace(before_); }
+  int Create(int folder, const std::string& name) override {
+    const std::size_t handedOver = submitted;  // before what is named: rather too little than too much
+    const std::scoped_lock lock(mutex_);
+    most = std::max(most, (handedOver - std::min(handedOver, named_)) * size_);
+    return SystemCalls::Create(folder, name);
+  }
+  int Rename(int folder, const std::string& from, const std::string& to, bool replace) override {
+    const std::scoped_lock lock(mutex_);
+    ++named_;
+    return SystemCalls::Rename(folder, from, to, replace);
+  }
+
+  std::atomic<std::size_t> submitted = 0;
+  std::size_t most = 0;
+
+ private:
+  std::mutex mutex_;
+  std::size_t size_;
+  std::size_t named_ = 0;
+  FileCalls& before_;
+};
+
+TEST_F(WritersTest, TheReaderWaitsWhileFourMegabytesAreOnTheirWay) {
+  std::vector<DcfObj> catalogue;
+  for (int i = 1; i <= 40; ++i) catalogue.push_back(Picture(i));
+  const SyncPlan plan = Plan(catalogue);
+  constexpr std::size_t kMegabyte = 1U << 20;
+  MeasuringCalls calls(kMegabyte);
+  const auto writers = Make([this](const WriteOutcome&) { ++stored_; });
+  for (const SyncItem& item : plan.items) {
+    writers->Submit({&item, std::vector<char>(kMegabyte, 'x'), "", false});
+    ++calls.submitted;
+  }
+  writers->Finish();
+  EXPECT_EQ(stored_, 40);
+  EXPECT_LE(calls.most, 4 * kMegabyte);
 }
 
 }  // namespace

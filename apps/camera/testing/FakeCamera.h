@@ -29,6 +29,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
   std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool flag) override {
     ++reads;
     lastFlag = flag;
+    if (onRead) onRead(path);
     if (progress != nullptr) progress(context, 0);
     const auto found = files.find(NameIn(path));
     if (found == files.end()) return {};
@@ -58,6 +59,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
   bool writeBreaks = false;  ///< writing ends in an error, half of it done
   bool stubborn = false;
   bool refuses = false;
+  std::function<void(const std::string& path)> onRead;    ///< before anything is sent
   std::function<void(const std::string& path)> onDelete;  ///< before anything is deleted
 
  private:

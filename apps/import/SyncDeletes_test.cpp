@@ -1,0 +1,113 @@
+// What a sync deletes on the camera, and what it leaves there.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "apps/import/testing/SyncFixture.h"
+
+namespace apps {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+using SyncDeletesTest = SyncTest;
+
+TEST_F(SyncDeletesTest, AFileHereThatIsNoLongerTheSameKeepsItsPictureOnTheCamera) {
+  camera_.files["IMG_0003.JPG"] = camera_.files["IMG_0004.JPG"] = camera_.files["IMG_0005.JPG"] = "one";
+  const std::vector<DcfObj> catalogue = {Picture(1), Picture(2), Picture(3), Picture(4), Picture(5)};
+  EXPECT_EQ(Run({.verify = true}, catalogue).stored, 5U);
+  const fs::path folder = fs::path(path_) / "100ABCDE";
+  std::ofstream(folder / "IMG_0001.JPG") << "eno";
+  std::ofstream(folder / "IMG_0002.JPG") << "two and more";
+  fs::remove(folder / "IMG_0003.JPG");
+  ASSERT_EQ(::mkfifo((folder / "IMG_0003.JPG").c_str(), 0600), 0);
+  fs::rename(folder / "IMG_0004.JPG", folder / "moved");
+  fs::create_symlink("moved", folder / "IMG_0004.JPG");
+  const SyncTotals totals = Run(kVerifyAndDelete, catalogue);
+  EXPECT_EQ(totals.deleted, 1U);
+  EXPECT_EQ(totals.failed, 4U);
+  EXPECT_TRUE(CameraHas("IMG_0001.JPG") && CameraHas("IMG_0002.JPG") && CameraHas("IMG_0003.JPG"));
+  EXPECT_TRUE(CameraHas("IMG_0004.JPG") && !CameraHas("IMG_0005.JPG"));
+  EXPECT_THAT(Said(),
+              HasSubstr("kelva: 100ABCDE/IMG_0001.JPG is not where it was stored; the file on the camera was not "
+                        "deleted.\n"));
+}
+
+TEST_F(SyncDeletesTest, WhatWasReadOnlyOnceIsNotDeleted) {
+  EXPECT_EQ(Run({.verify = false, .deleteAfter = true}).deleted, 0U);
+  EXPECT_TRUE(CameraHas("IMG_0001.JPG") && CameraHas("IMG_0002.JPG"));
+}
+
+TEST_F(SyncDeletesTest, WithoutTheWishNothingIsDeleted) {
+  EXPECT_EQ(Run({.verify = true}).deleted, 0U);
+  EXPECT_TRUE(CameraHas("IMG_0001.JPG") && CameraHas("IMG_0002.JPG"));
+}
+
+TEST_F(SyncDeletesTest, ADeletionThatTheCameraDoesNotCarryOutIsSaidAndNotRemembered) {
+  camera_.refuses = true;
+  const SyncTotals totals = Run(kVerifyAndDelete, {Picture(1)});
+  EXPECT_EQ(totals.deleted, 0U);
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_EQ(Said(), "kelva: The camera refused to delete I:\\DCIM\\100ABCDE\\IMG_0001.JPG.\n");
+  EXPECT_FALSE(manifest_.Find(KeyOf(Picture(1), 1, "K1"))->deleted);
+}
+
+TEST_F(SyncDeletesTest, AnErrorOfTheCameraIsSaidWithWhatWasTried) {
+  camera_.forbidden = "IMG_0001.JPG";
+  Run(kVerifyAndDelete);
+  EXPECT_THAT(Said(), testing::StartsWith("kelva: Cannot delete I:\\DCIM\\100ABCDE\\IMG_0001.JPG: "));
+}
+
+TEST_F(SyncDeletesTest, APictureThatHasChangedIsNamed) {
+  EXPECT_EQ(Run({}, {Picture(1)}).stored, 1U);
+  camera_.files["IMG_0001.JPG"] = "eno";
+  EXPECT_EQ(Run(kVerifyAndDelete, {Picture(1)}).failed, 1U);
+  EXPECT_EQ(Said(),
+            "kelva: I:\\DCIM\\100ABCDE\\IMG_0001.JPG is no longer what was fetched from there; it was not deleted.\n");
+}
+
+TEST_F(SyncDeletesTest, WhatWasDeletedIsNotAskedForAgain) {
+  EXPECT_EQ(Run(kVerifyAndDelete).deleted, 2U);
+  EXPECT_EQ(camera_.reads, 4);
+  const SyncTotals totals = Run(kVerifyAndDelete);
+  EXPECT_EQ(totals.deleted + totals.failed, 0U);
+  EXPECT_EQ(camera_.reads, 4);
+}
+
+TEST_F(SyncDeletesTest, ACameraThatHasGoneEndsTheDeletions) {
+  camera_.onDelete = [](const std::string&) { throw Gone(); };
+  const Outcome outcome = RunToItsEnd(kVerifyAndDelete);
+  EXPECT_EQ(outcome.code, ExitCode::kGone);
+  EXPECT_THAT(outcome.sentence, testing::StartsWith("Cannot delete I:\\DCIM\\100ABCDE\\IMG_0001.JPG: "));
+  EXPECT_EQ(Said(), "");
+}
+
+TEST_F(SyncDeletesTest, NothingIsDeletedAfterARunThatDidNotGetToItsEnd) {
+  camera_.onRead = [&](const std::string& path) {
+    if (path.ends_with("IMG_0002.JPG")) throw Gone();
+  };
+  RunToItsEnd(kVerifyAndDelete);
+  EXPECT_TRUE(CameraHas("IMG_0001.JPG"));
+}
+
+TEST_F(SyncDeletesTest, AStopBetweenTwoDeletionsKeepsTheSecondPicture) {
+  camera_.onDelete = [&](const std::string&) { stop_.Request(); };
+  EXPECT_THROW(Run(kVerifyAndDelete), Stopped);
+  EXPECT_FALSE(CameraHas("IMG_0001.JPG"));
+  EXPECT_TRUE(CameraHas("IMG_0002.JPG"));
+}
+
+using SyncDeletesJsonTest = SyncJsonTest;
+
+TEST_F(SyncDeletesJsonTest, EachDeletionIsAnEvent) {
+  Run(kVerifyAndDelete, {Picture(1)});
+  EXPECT_THAT(Printed(),
+              HasSubstr("{\"schema\":1,\"event\":\"deleted\",\"path\":\"I:\\\\DCIM\\\\100ABCDE\\\\IMG_0001.JPG\"}\n"));
+}
+
+}  // namespace
+}  // namespace apps
