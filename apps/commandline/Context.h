@@ -15,6 +15,8 @@
 
 namespace apps {
 
+class Trace;
+
 /// What a verb works with. Lives as long as the verb runs and belongs to its thread, but for the reporter and the stop.
 class Context {
  public:
@@ -24,6 +26,7 @@ class Context {
   const Stop& stop;
   StdoutDiversion& diversion;
   Guard* guard = nullptr;  ///< for verbs that are guarded
+  Trace* trace = nullptr;  ///< null unless the exchanges with cameras are to be written (apps/trace/Trace.h)
   /// Names the processes that hold the camera with a serial number, as part of a sentence; empty when that cannot be
   /// told.
   std::function<std::string(const std::string& serial)> holdersOf;

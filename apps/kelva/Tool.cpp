@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,7 @@
 #include "apps/commandline/Supervisor.h"
 #include "apps/kelva/CameraSource.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "apps/trace/Trace.h"
 #include "base/SendAll.h"
 
 namespace apps {
@@ -57,6 +60,16 @@ std::string AfterStop(const Guard& guard) {
          " files are saved; run the same command to fetch the rest.";
 }
 
+// What the command line or the environment says of a trace.
+std::optional<Trace::Wanted> WantedTrace(const Invocation& call) {
+  const char* variable = std::getenv("KELVA_TRACE");
+  std::optional<std::string> path = call.Value("trace");
+  if (!path && variable != nullptr && *variable != '\0') path = variable;
+  if (path) return Trace::Wanted{*path, call.Has("trace-private")};
+  if (!call.Has("trace-private")) return std::nullopt;
+  throw Failure(ExitCode::kUsage, "--trace-private goes with --trace FILE or KELVA_TRACE; there is no trace without.");
+}
+
 class Tool {
  public:
   explicit Tool(std::span<const char* const> arguments)
@@ -76,8 +89,12 @@ class Tool {
  private:
   ExitCode Dispatch() {
     if (const auto text = Answer(call_)) return GiveText(out_, reporter_.Style(), call_, *text);
+    OpenTrace();
     Supervision supervision;
-    supervision.atEnd = [this](ExitCode code, const std::string& sentence) { GiveEnd({code, sentence}); };
+    supervision.atEnd = [this](ExitCode code, const std::string& sentence) {
+      if (trace_) trace_->CutOff();
+      GiveEnd({code, sentence});
+    };
     if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");
     if (!IsGuarded(call_)) return RunSupervised(supervision, nullptr);
     const auto start = std::chrono::steady_clock::now();
@@ -87,6 +104,15 @@ class Tool {
       return static_cast<int>(RunSupervised(rest, &guard));
     };
     return static_cast<ExitCode>(Guard::Run(work, [this](const std::string& sentence) { reporter_.Note(sentence); }));
+  }
+
+  // Before any other process is made, so that all of them add to one file.
+  void OpenTrace() {
+    if (FindVerb(HelpVerbs(), call_.Name()) != nullptr) return;
+    if (const auto wanted = WantedTrace(call_)) {
+      trace_.emplace(*wanted, TheTool(), call_.Name(),
+                     [this](const std::string& sentence) { reporter_.Note(sentence); });
+    }
   }
 
   ExitCode RunSupervised(Supervision supervision, Guard* guard) {
@@ -116,6 +142,7 @@ class Tool {
   ExitCode Work(const Stop& stop, Guard* guard) {
     Context context(call_, out_, reporter_, stop, diversion_);
     context.guard = guard;
+    context.trace = trace_ ? &*trace_ : nullptr;
     context.holdersOf = [this](const std::string& serial) { return HoldersInWords(call_.Value("virtual"), serial); };
     try {
       if (FindVerb(HelpVerbs(), call_.Name()) == nullptr) ChooseSource();
@@ -134,6 +161,7 @@ class Tool {
   Reporter reporter_;
   Output out_;
   Invocation call_;
+  std::optional<Trace> trace_;
 };
 
 }  // namespace

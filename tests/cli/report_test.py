@@ -77,6 +77,17 @@ class ReportTest(Bus):
             self.assertEqual(file.read(), b"long")
         self.assertEqual(os.stat(path).st_mode & 0o777, 0o600)
 
+    def test_a_trace_is_in_it_when_one_is_written(self):
+        trace = self.folder + "/camera.trace"
+        self.kelva("battery", "--trace", trace)
+        self.assertEqual(self.kelva("report", self.archive, "--trace", trace).returncode, 0)
+        lines = [json.loads(line) for line in self.member("trace.jsonl").decode().splitlines()]
+        self.assertEqual([line["command"] for line in lines if line["event"] == "trace"], ["battery", "report"])
+        self.assertIn("read bundle", [line["command"] for line in lines if line["event"] == "exchange"])
+        with open(trace, "rb") as file:
+            self.assertEqual(file.read(), self.member("trace.jsonl"))
+        self.assertNotIn(b"went wrong".hex().encode(), self.member("trace.jsonl"))
+
     def test_no_passphrase_is_in_it(self):
         self.kelva("wifi", "passphrase", input="correct horse battery\n")
         self.assertEqual(self.kelva("report", self.archive).returncode, 0)

@@ -26,6 +26,7 @@ LIBRARIES = (
     (r"openssl/.*", "OpenSSL"),
     (r"turbojpeg\.h", "libturbojpeg"),
     (r"libexif/.*", "libexif"),
+    (r"libdeflate\.h", "libdeflate"),
     (r"benchmark/.*", "Google Benchmark"),
     (r"g(test|mock)/.*", "GoogleTest"),
     (r"(AppKit|Foundation|Cocoa)/.*", "AppKit"),

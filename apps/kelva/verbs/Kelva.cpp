@@ -17,12 +17,16 @@ constexpr Option kOptions[] = {
      .alias = "socket"},
     kJsonOption,
     kQuietOption,
+    {"trace", 0, "FILE", "Write each exchange with the camera into this file, or add it to a trace that is there.",
+     Offer::kFile},
+    {"trace-private", 0, "", "In the trace, put stand-ins in place of serial numbers and network names."},
     {"timeout", 0, "SECONDS", "End after this time, with exit status 8."},
     kHelpOption,
 };
 
 constexpr Variable kEnvironment[] = {
     {"KELVA_SERIAL", "The camera to use without --serial."},
+    {"KELVA_TRACE", "The file for the trace without --trace."},
     {"NO_COLOR", "If set to anything, there are no colours."},
     {"TERM", "If it is \"dumb\", there are no colours and no progress bars."},
 };

@@ -20,6 +20,7 @@
 #include "apps/files/Tar.h"
 #include "apps/kelva/verbs/Number.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "apps/trace/Trace.h"
 
 namespace apps {
 namespace {
@@ -138,6 +139,9 @@ ExitCode RunReport(Context& context) {
   const Session camera(context, "open the camera");
   Report report(context);
   Gather(context, camera, report);
+  // What is older than this is in the file alone.
+  constexpr std::size_t kMostTrace = 64U << 20;
+  if (context.trace != nullptr) report.Add("trace.jsonl", context.trace->Contents(kMostTrace));
   const PrivateFiles privately;
   StoreNew(folder, name, report.Finish());
   const ExitCode code = report.IsWhole() ? ExitCode::kDone : ExitCode::kPartial;
@@ -156,7 +160,7 @@ constexpr Verb kVerbs[] = {
      R"(The archive holds the camera's information, battery level and counters, its console log, crash logs and
 calibration files, and facts about this computer. It holds no pictures and no passphrases, but whatever the camera wrote into its logs. Only
 you may read the archive. Crash logs stay on the camera. The camera hands over its console log only once, so afterwards only the archive has it. A part that fails is
-reported, and the rest goes on.)",
+reported, and the rest goes on. With --trace FILE the archive also holds that trace.)",
      "file: the archive\nfiles: how many are in it", kExamples, RunReport}};
 
 }  // namespace

@@ -1,0 +1,88 @@
+// Opens a trace without touching what is not a trace, and adds lines to it.
+#include "apps/trace/TraceFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "base/SendAll.h"
+
+namespace apps {
+namespace {
+
+Failure Refusal(const std::string& path, const std::string& why) {
+  return {ExitCode::kFailed, "There is a " + Printable(path) + " already, and " + why +
+                                 "; it was kept. Choose another name for the trace."};
+}
+
+bool StartsAsATrace(int file) {
+  std::array<char, kTraceStart.size()> start{};
+  const ssize_t count = ::pread(file, start.data(), start.size(), 0);
+  return count == static_cast<ssize_t>(start.size()) && std::string_view(start.data(), start.size()) == kTraceStart;
+}
+
+void MakeSureItIsOurs(int file, const std::string& path) {
+  struct stat status {};
+  if (::fstat(file, &status) != 0) throw SystemFailure("look at " + Printable(path), errno);
+  if (!S_ISREG(status.st_mode)) throw Refusal(path, "it is not a regular file");
+  if (status.st_uid != ::geteuid()) throw Refusal(path, "it belongs to somebody else");
+  if (status.st_nlink > 1) throw Refusal(path, "it has another name too");
+  if (status.st_size > 0 && !StartsAsATrace(file)) throw Refusal(path, "it is not a trace");
+  if (::fchmod(file, S_IRUSR | S_IWUSR) != 0) throw SystemFailure("make " + Printable(path) + " private", errno);
+}
+
+}  // namespace
+
+TraceFile::TraceFile(const std::string& path, std::function<void(const std::string&)> complain)
+    : path_(path), complain_(std::move(complain)) {
+  if (path.empty()) throw Failure(ExitCode::kUsage, "--trace needs the name of a file.");
+  // Not blocking: a pipe of this name is refused below, and must not keep the tool waiting until then.
+  constexpr int kFlags = O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+  file_.Reset(::open(path.c_str(), kFlags, S_IRUSR | S_IWUSR));
+  if (!file_ && errno == ELOOP) throw Refusal(path, "it is a symbolic link");
+  if (!file_) throw SystemFailure("write the trace " + Printable(path), errno);
+  MakeSureItIsOurs(file_.Get(), path);
+}
+
+void TraceFile::Add(std::string_view line) noexcept {
+  if (failed_) return;
+  if (const int error = base::WriteAll(file_.Get(), line); error != 0 && !failed_.exchange(true)) Complain(error);
+}
+
+void TraceFile::Complain(int error) noexcept {
+  try {
+    complain_("The trace " + Printable(path_) + " ends early, because it cannot be written: " + std::strerror(error) +
+              ". The command itself goes on.");
+  } catch (const std::exception&) {
+    // No memory for the sentence; the command itself goes on all the same.
+  }
+}
+
+std::string TraceFile::Contents(std::size_t most) const {
+  struct stat status {};
+  if (::fstat(file_.Get(), &status) != 0 || status.st_size <= 0) return "";
+  const auto size = static_cast<std::size_t>(status.st_size);
+  const std::size_t begin = size > most ? size - most : 0;
+  std::string text(size - begin, '\0');
+  std::size_t filled = 0;
+  while (filled < text.size()) {
+    const ssize_t count =
+        ::pread(file_.Get(), text.data() + filled, text.size() - filled, static_cast<off_t>(begin + filled));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) break;
+    filled += static_cast<std::size_t>(count);
+  }
+  text.resize(filled);
+  if (begin == 0) return text;
+  const std::size_t end = text.find('\n');
+  return end == std::string::npos ? "" : text.substr(end + 1);
+}
+
+}  // namespace apps

@@ -1,0 +1,40 @@
+#ifndef KELVA_APPS_TRACE_TRACE_FILE_H_
+#define KELVA_APPS_TRACE_TRACE_FILE_H_
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "base/FileDescriptor.h"
+
+namespace apps {
+
+/// How every trace begins, up to the number of its version.
+inline constexpr std::string_view kTraceStart = R"({"event":"trace","trace":)";
+
+/// The file of a trace. Only its owner may read it. Nothing in it is ever overwritten: a file that exists is added to if
+/// it is a trace of the same user, and refused otherwise.
+class TraceFile {
+ public:
+  /// Throws Failure when the file cannot be written, or is not ours to add to. `complain` is called once, on the thread
+  /// that writes, when a line cannot be written; the rest of the trace is then left out.
+  TraceFile(const std::string& path, std::function<void(const std::string& sentence)> complain);
+
+  /// Adds one line at once, which is whole even when several processes add to the file. Any thread.
+  void Add(std::string_view line) noexcept;
+  /// What the file holds, at most the last `most` bytes, from the beginning of a line. Empty when it cannot be read.
+  std::string Contents(std::size_t most) const;
+
+ private:
+  void Complain(int error) noexcept;
+
+  const std::string path_;
+  const std::function<void(const std::string&)> complain_;
+  base::FileDescriptor file_;
+  std::atomic<bool> failed_ = false;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_TRACE_TRACE_FILE_H_

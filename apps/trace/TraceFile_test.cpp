@@ -1,0 +1,140 @@
+#include "apps/trace/TraceFile.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <vector>
+
+#include "apps/commandline/Failure.h"
+#include "base/testing/ScratchFolder.h"
+
+namespace apps {
+namespace {
+
+const std::string kHeader = std::string(kTraceStart) + "1}\n";
+
+class TraceFileTest : public testing::Test {
+ protected:
+  TraceFile Open() {
+    return TraceFile(path_.string(), [this](const std::string& sentence) { complaints_.push_back(sentence); });
+  }
+  void Put(const std::string& text) const { std::ofstream(path_) << text; }
+  std::string Text() const {
+    std::stringstream text;
+    text << std::ifstream(path_).rdbuf();
+    return text.str();
+  }
+  unsigned Mode() const {
+    struct stat status {};
+    return ::stat(path_.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
+  }
+  std::string Refused() {
+    try {
+      Open();
+    } catch (const Failure& failure) {
+      return failure.what();
+    }
+    return "";
+  }
+
+  const base::ScratchFolder folder_;
+  const std::filesystem::path path_ = folder_.Path() / "camera.trace";
+  std::vector<std::string> complaints_;
+};
+
+TEST_F(TraceFileTest, OnlyItsOwnerMayReadANewFile) {
+  const mode_t before = ::umask(0);
+  { Open().Add(kHeader); }
+  ::umask(before);
+  EXPECT_EQ(Mode(), 0600U);
+  EXPECT_EQ(Text(), kHeader);
+}
+
+TEST_F(TraceFileTest, ATraceThatIsThereIsAddedTo) {
+  Put(kHeader + "{\"event\":\"exchange\"}\n");
+  ::chmod(path_.c_str(), 0644);
+  TraceFile file = Open();
+  file.Add(kHeader);
+  EXPECT_EQ(Text(), kHeader + "{\"event\":\"exchange\"}\n" + kHeader);
+  EXPECT_EQ(Mode(), 0600U);
+}
+
+TEST_F(TraceFileTest, AnEmptyFileIsTaken) {
+  Put("");
+  Open().Add(kHeader);
+  EXPECT_EQ(Text(), kHeader);
+}
+
+TEST_F(TraceFileTest, AFileOfAnotherKindIsKept) {
+  Put("my holidays");
+  EXPECT_NE(Refused().find("it is not a trace; it was kept"), std::string::npos) << Refused();
+  EXPECT_EQ(Text(), "my holidays");
+  EXPECT_NE(Mode(), 0600U);
+}
+
+TEST_F(TraceFileTest, ALinkIsNotFollowed) {
+  std::filesystem::create_symlink("elsewhere", path_);
+  EXPECT_NE(Refused().find("it is a symbolic link"), std::string::npos) << Refused();
+  EXPECT_FALSE(std::filesystem::exists(folder_.Path() / "elsewhere"));
+}
+
+TEST_F(TraceFileTest, AFileWithAnotherNameIsKept) {
+  Put(kHeader);
+  std::filesystem::create_hard_link(path_, folder_.Path() / "other");
+  EXPECT_NE(Refused().find("it has another name too"), std::string::npos) << Refused();
+}
+
+TEST_F(TraceFileTest, APipeIsRefusedWithoutWaitingForAReader) {
+  ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_NE(Refused().find("it is not a regular file"), std::string::npos) << Refused();
+}
+
+TEST_F(TraceFileTest, AFileOfAnotherUserIsKept) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
+  Put(kHeader);
+  ASSERT_EQ(::chown(path_.c_str(), 65534, 65534), 0);
+  EXPECT_NE(Refused().find("it belongs to somebody else"), std::string::npos) << Refused();
+}
+
+TEST_F(TraceFileTest, AFolderThatIsMissingIsAFailure) {
+  EXPECT_THROW(TraceFile((folder_.Path() / "none" / "trace").string(), nullptr), Failure);
+  EXPECT_THROW(TraceFile("", nullptr), Failure);
+}
+
+TEST_F(TraceFileTest, AFullDiskEndsTheTraceWithOneComplaint) {
+  TraceFile file = Open();
+  file.Add(kHeader);
+  const rlimit none{kHeader.size() + 4, RLIM_INFINITY};
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &none), 0);
+  file.Add("a line that does not fit\n");
+  file.Add("x\n");
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, handler);
+  ASSERT_EQ(complaints_.size(), 1U);
+  EXPECT_NE(complaints_[0].find("ends early, because it cannot be written"), std::string::npos) << complaints_[0];
+  file.Add("and nothing follows\n");
+  EXPECT_EQ(Text(), kHeader + "a li");
+}
+
+TEST_F(TraceFileTest, ContentsAreReadBackFromTheBeginningOfALine) {
+  TraceFile file = Open();
+  EXPECT_EQ(file.Contents(100), "");
+  file.Add("first\n");
+  file.Add("second\n");
+  EXPECT_EQ(file.Contents(100), "first\nsecond\n");
+  EXPECT_EQ(file.Contents(13), "first\nsecond\n");
+  EXPECT_EQ(file.Contents(9), "second\n");
+  EXPECT_EQ(file.Contents(3), "");
+}
+
+}  // namespace
+}  // namespace apps
