@@ -15,7 +15,7 @@ concept Is = std::same_as<std::remove_const_t<Value>, Record>;
 
 // The fields of each record in the order of its bytes, to read and to write.
 auto Fields(Is<PlugRequest> auto& plug) {
-  return std::tie(plug.serial, plug.storage, plug.revision, plug.catalogue, plug.peripheralType);
+  return std::tie(plug.serial, plug.storage, plug.revision, plug.catalogue, plug.peripheralType, plug.traits);
 }
 auto Fields(Is<FaultRequest> auto& fault) {
   return std::tie(fault.serial, fault.name, fault.at);
@@ -84,6 +84,10 @@ void Take(PayloadReader& reader, std::vector<CameraStatus>& list) {
 template <typename Record>
 bool IsSound(const Record&) {
   return true;
+}
+
+bool IsSound(const PlugRequest& plug) {
+  return plug.traits <= (kForwardOnly | kWithoutKeys);
 }
 
 bool IsSound(const ErrorAnswer& error) {

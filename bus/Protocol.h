@@ -16,7 +16,7 @@
 
 namespace bus {
 
-inline constexpr std::uint32_t kProtocolVersion = 1;
+inline constexpr std::uint32_t kProtocolVersion = 2;
 inline constexpr std::size_t kFrameHeader = 5;
 inline constexpr std::size_t kMaxText = 4096;
 /// The largest frame: a header, a whole data phase and surplus bytes.
@@ -50,12 +50,17 @@ struct Frame {
   base::Bytes payload;
 };
 
+/// What is peculiar about a camera: bits of PlugRequest::traits.
+inline constexpr std::uint8_t kForwardOnly = 1;
+inline constexpr std::uint8_t kWithoutKeys = 2;
+
 struct PlugRequest {
   std::string serial;
   std::string storage;
   std::string revision;
   std::string catalogue;
   std::uint8_t peripheralType = 0;
+  std::uint8_t traits = 0;
 };
 
 struct FaultRequest {
@@ -89,7 +94,7 @@ base::Bytes EncodeNumber(std::uint32_t number);
 base::Bytes EncodeText(std::string_view text);
 
 /// The record of a payload, also a std::uint32_t or a std::string. Nothing when the payload is too short, too long, or has
-/// a text over kMaxText or an unknown error code or transport. A command's data points into `payload`; a direction above
+/// a text over kMaxText or an unknown trait, error code or transport. A command's data points into `payload`; a direction above
 /// 2, data without direction 1 or more data than announced is not a command.
 template <typename Record>
 std::optional<Record> Decode(std::span<const std::uint8_t> payload);

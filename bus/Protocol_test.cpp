@@ -8,8 +8,8 @@ namespace {
 // A command with two bytes for the camera, announced as three.
 const base::Bytes kCommandBytes{1, 0xC5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x99, 3, 0, 0, 0, 'a', 'b'};
 const base::Bytes kReplyBytes{3, 2, 5, 0x14, 1, 7, 0, 0, 0, 'x', 'y'};
-const base::Bytes kPlugBytes{1, 0, 'K', 2, 0, '/', 's', 0, 0, 0, 0, 5};
-const base::Bytes kFaultBytes{1, 0, 'K', 4, 0, 'f', 'a', 'i', 'l', 3, 0, 0, 0, 0, 0, 0, 0};
+const base::Bytes kPlugBytes{1, 0, 'K', 2, 0, '/', 's', 0, 0, 0, 0, 5, 3};
+const base::Bytes kFaultBytes{1, 0, 'K', 4, 0, 'f', 'a', 'i', 'l', 9, 0, 0, 0, 0, 0, 0, 0};
 const base::Bytes kErrorBytes{3, 2, 0, 'n', 'o'};
 const base::Bytes kStatusBytes{9, 0, 0,   0, 1, 0, 'K', 1, 0, 'v', 1, 0, 'p', 1, 0, 'r',
                                1, 0, '/', 5, 7, 0, 0,   0, 8, 0,   0, 0, 0,   0, 0, 0};
@@ -60,14 +60,18 @@ TEST(Wire, SaysAPlug) {
   EXPECT_EQ(plug->serial, "K");
   EXPECT_EQ(plug->storage, "/s");
   EXPECT_EQ(plug->peripheralType, 5);
+  EXPECT_EQ(plug->traits, kForwardOnly | kWithoutKeys);
   EXPECT_EQ(Encode(*plug), kPlugBytes);
+  base::Bytes bytes = kPlugBytes;
+  bytes.back() = 4;
+  EXPECT_FALSE(Decode<PlugRequest>(bytes)) << "no such trait";
 }
 
 TEST(Wire, SaysAFault) {
   const auto fault = Decode<FaultRequest>(kFaultBytes);
   ASSERT_TRUE(fault);
   EXPECT_EQ(fault->name, "fail");
-  EXPECT_EQ(fault->at, 3U);
+  EXPECT_EQ(fault->at, 9U);
   EXPECT_EQ(Encode(*fault), kFaultBytes);
 }
 

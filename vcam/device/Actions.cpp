@@ -120,7 +120,7 @@ wire::Reply DeletePicture(Device& device, const wire::Command& command) {
 wire::Reply DeleteBatch(Device& device, const wire::Command& command, const std::string& text) {
   const auto items = ParseBatchText(text);
   if (!items || std::any_of(items->begin(), items->end(), IsQualified)) return Refuse(sense::kBadParameter);
-  device.keys.Refresh(device.storage);
+  device.RefreshKeys();
   const std::size_t failed = RemoveByKeys(device, *items);
   return failed != 0 ? Refuse(sense::kWriteProtected) : Taken(command);
 }

@@ -39,11 +39,14 @@ wire::Reply HandleReadChunk(Device& device, const wire::Command& command) {
   }
   if (!MayAnswer(command)) return Refuse(sense::kBadCommandField);
   DataSet& data = device.selected->data;
-  const auto offset = base::Load<std::uint32_t>(command.cdb, kelva::at::kReadOffset);
+  const std::uint64_t offset = device.options.forwardOnly
+                                   ? device.selected->next
+                                   : base::Load<std::uint32_t>(command.cdb, kelva::at::kReadOffset);
   if (offset > data.Size()) return Refuse(sense::kOutOfRange);
   if (command.direction == wire::Direction::kNone) return Done();
   base::Bytes bytes(static_cast<std::size_t>(std::min<std::uint64_t>(command.length, data.Size() - offset)));
   if (!data.Read(device.storage, offset, bytes)) return Refuse(sense::kReadError);
+  device.selected->next = offset + bytes.size();
   return Answer(command, std::move(bytes));
 }
 

@@ -41,6 +41,28 @@ TEST_F(ChunksTest, RefusesAChunkThatLeavesAGap) {
   EXPECT_EQ(scratch_.Get("a"), "xz");
 }
 
+TEST_F(ChunksTest, ReadsAtTheOffsetThatIsAskedFor) {
+  scratch_.Put("a", "0123456789");
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01}, R"(I:\a)").Good());
+  EXPECT_EQ(AsText(Ask(*camera_, {0xC4, 0, 0x01, 6}, 3).data), "678");
+  EXPECT_EQ(AsText(Ask(*camera_, {0xC4, 0, 0x01, 1}, 3).data), "123");
+  EXPECT_EQ(Ask(*camera_, {0xC4, 0, 0x01, 11}, 3).sense, sense::kOutOfRange);
+}
+
+TEST_F(ChunksTest, ACameraThatIsReadForwardOnlySendsTheNextBytes) {
+  scratch_.Put("a", "0123456789");
+  options_.forwardOnly = true;
+  Restart();
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x01}, R"(I:\a)").Good());
+    EXPECT_EQ(AsText(Ask(*camera_, {0xC4, 0, 0x01, 6}, 3).data), "012");
+    EXPECT_EQ(AsText(Ask(*camera_, {0xC4, 0, 0x01, 0}, 3).data), "345");
+    EXPECT_TRUE(Tell(*camera_, {0xC4, 0, 0x01, 0}).Good()) << "without data nothing moves on";
+    EXPECT_EQ(AsText(Ask(*camera_, {0xC4, 0, 0x01, 99}, 9).data), "6789");
+    EXPECT_EQ(AsText(Ask(*camera_, {0xC4, 0, 0x01, 0}, 9).data), "");
+  }
+}
+
 TEST_F(ChunksTest, RefusesWritingWithoutAFile) {
   EXPECT_EQ(Send(*camera_, {0xC5}, {'x'}).sense, sense::kWrongSequence);
   EXPECT_EQ(Tell(*camera_, {0xC3}).sense, sense::kWrongSequence);

@@ -34,6 +34,7 @@ struct Device {
   struct Selected {
     DataSet data;
     std::uint8_t readSubcode;
+    std::uint64_t next = 0;  ///< where a camera goes on that ignores offsets
   };
   struct WriteTarget {
     base::FileDescriptor file;
@@ -44,6 +45,10 @@ struct Device {
   bool Ready() const { return options.now() >= readyAt && !upgrade.Writing(options.now()); }
   /// Writes the settings back; the reply for the command that changed them.
   int Save() const { return SaveSettings(storage, settings); }
+  /// Brings the keys up to date; a camera without keys knows none.
+  void RefreshKeys() {
+    if (options.hasKeys) keys.Refresh(storage);
+  }
 
   Options options;
   Storage storage;

@@ -52,9 +52,11 @@ struct Options {
   /// SCSI peripheral device type of the inquiry data. No kernel driver claims type 3 (processor).
   std::uint8_t peripheralType = 3;
   CatalogueLayout catalogue = CatalogueLayout::Standard();
-  /// Whether catalogue records carry the SHA-1 key of the picture's first file. For that the camera reads every picture
-  /// once.
-  bool keysInCatalogue = true;
+  /// Whether the camera knows files by their SHA-1 key: in its catalogue, in batches, in compressed raw data. For that it
+  /// reads every picture once.
+  bool hasKeys = true;
+  /// Whether the camera ignores the offset of a read and sends the next bytes of its selection.
+  bool forwardOnly = false;
   /// How long a reboot and the writing of a received firmware image take.
   std::chrono::milliseconds bootTime{1500};
   std::chrono::milliseconds upgradeTime{3000};

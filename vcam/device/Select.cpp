@@ -68,8 +68,7 @@ std::string KeyOfFirstFile(Device& device, const Picture& picture) {
 wire::Reply SelectCatalogue(Device& device, const wire::Command& command) {
   std::vector<base::Bytes> records;
   for (const Picture& picture : FindPictures(device.storage)) {
-    records.push_back(
-        PlainRecord(picture, device.options.keysInCatalogue ? KeyOfFirstFile(device, picture) : std::string()));
+    records.push_back(PlainRecord(picture, device.options.hasKeys ? KeyOfFirstFile(device, picture) : std::string()));
   }
   return Prepared(device, command, BuildCatalogue(records, device.options.catalogue), kelva::read_chunk::kSelected);
 }
@@ -97,7 +96,7 @@ BundleFile FindItem(Device& device, const BatchItem& item) {
 wire::Reply SelectBatch(Device& device, const wire::Command& command, const std::string& text) {
   const auto items = ParseBatchText(text);
   if (!items) return Refuse(sense::kBadParameter);
-  device.keys.Refresh(device.storage);
+  device.RefreshKeys();
   std::vector<BundleFile> files;
   for (const BatchItem& item : *items) files.push_back(FindItem(device, item));
   return Prepared(device, command, BuildBatchBundle(files), kelva::read_chunk::kBundle);
@@ -105,7 +104,7 @@ wire::Reply SelectBatch(Device& device, const wire::Command& command, const std:
 
 wire::Reply SelectCompressedRaw(Device& device, const wire::Command& command, const std::string& text) {
   if (!IsKey(text)) return Refuse(sense::kBadParameter);
-  device.keys.Refresh(device.storage);
+  device.RefreshKeys();
   const BundleFile raw = FindItem(device, {text, "RAW"});
   if (raw.path.empty()) return Refuse(sense::kNotFound);
   return Prepared(device, command, BuildCompressedRawBundle(raw), kelva::read_chunk::kBundle);

@@ -91,6 +91,22 @@ TEST_F(SelectTest, AnswersCompressedRawByTheKeyOfAnyFileOfThePicture) {
   EXPECT_EQ(SendText(*camera_, {0xC2, 0, 0x07}, "key").sense, sense::kBadParameter);
 }
 
+TEST_F(SelectTest, ACameraWithoutKeysFindsNothingByKey) {
+  scratch_.Put("DCIM/100ABCDE/IMG_0001.JPG", "abc");
+  scratch_.Put("DCIM/100ABCDE/IMG_0001.RAW", "12345");
+  options_.hasKeys = false;
+  Restart();
+  ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x02}).Good());
+  const base::Bytes catalogue = ReadPlain(*camera_);
+  ASSERT_EQ(catalogue.size(), 12U + 80U + 128U);
+  EXPECT_EQ(base::Bytes(catalogue.begin() + 92 + 48, catalogue.begin() + 92 + 96), base::Bytes(48));
+  EXPECT_EQ(SendText(*camera_, {0xC2, 0, 0x07}, kAbcKey).sense, sense::kNotFound);
+  ASSERT_TRUE(SendText(*camera_, {0xC2, 0, 0x05}, kAbcKey).Good());
+  EXPECT_EQ(AsText(ReadBundle(*camera_)), std::string(4, '\0'));
+  EXPECT_TRUE(SendText(*camera_, {0xC0, 0, 0x06}, kAbcKey).Good()) << "deletes nothing";
+  EXPECT_EQ(scratch_.Get("DCIM/100ABCDE/IMG_0001.JPG"), "abc");
+}
+
 TEST_F(SelectTest, AnswersCrashLogsWithPathsThatCanBeDeleted) {
   scratch_.Put("CRASH/A.LOG", "oops!");
   ASSERT_TRUE(Tell(*camera_, {0xC2, 0, 0x08}).Good());

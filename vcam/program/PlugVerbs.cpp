@@ -35,6 +35,8 @@ apps::ExitCode Plug(apps::Context& context) {
   request.storage = UsableStorage(*call.Value("storage"));
   request.revision = call.Value("revision").value_or("");
   request.catalogue = call.Value("catalogue").value_or("");
+  if (call.Has("forward-only")) request.traits |= bus::kForwardOnly;
+  if (call.Has("no-keys")) request.traits |= bus::kWithoutKeys;
   AskBus(call, bus::Kind::kPlug, bus::Encode(request));
   if (const std::string note = StorageNote(request.storage); !note.empty()) context.reporter.Note(note);
   apps::Json members = apps::Json::Object().Set("serial", request.serial);
@@ -57,7 +59,8 @@ apps::ExitCode Unplug(apps::Context& context) {
   return apps::ExitCode::kDone;
 }
 
-constexpr apps::Option kPlugOptions[] = {kBus, kNewSerial, kStorage, kRevision, kType, kCatalogue};
+constexpr apps::Option kPlugOptions[] = {kBus,  kNewSerial, kStorage,     kRevision,
+                                         kType, kCatalogue, kForwardOnly, kNoKeys};
 constexpr apps::Option kUnplugOptions[] = {kBus, kSerial};
 constexpr apps::Argument kUnplugWords[] = {
     {"SERIAL", "The serial number, instead of --serial.", apps::Argument::Count::kOptional, apps::Offer::kSerial}};

@@ -57,6 +57,8 @@ Options OptionsOf(const apps::Invocation& call) {
   options.keep = call.Has("writable") ? Keep::kInFolder : Keep::kInView;
   options.revision = call.Value("revision").value_or(options.revision);
   options.peripheralType = PeripheralType(call);
+  options.forwardOnly = call.Has("forward-only");
+  options.hasKeys = !call.Has("no-keys");
   const std::string name = call.Value("catalogue").value_or("standard");
   const auto layout = CatalogueLayout::ByName(name);
   if (!layout) throw NotOneOf(kCatalogue, name);
@@ -128,6 +130,8 @@ std::span<const apps::Verb> UsbipVerbs() {
       kRevision,
       kType,
       kCatalogue,
+      kForwardOnly,
+      kNoKeys,
       kSpeed,
       {"port", 0, "N", "Port of loopback to listen on; 0 takes any; 3240 if not given."},
       {"writable", 0, "", "Keep in the folder what a host writes and deletes; otherwise the folder stays as it is."},

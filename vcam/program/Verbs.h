@@ -53,6 +53,11 @@ inline constexpr apps::Option kCatalogue = {"catalogue",
                                             apps::Offer::kWords,
                                             "standard reordered unknown-fields wide"};
 
+inline constexpr apps::Option kForwardOnly = {
+    "forward-only", 0, "", "Ignore the offset of a read and send the next bytes of the selection, as a stream does."};
+inline constexpr apps::Option kNoKeys = {
+    "no-keys", 0, "", "Know no SHA-1 keys, so that no file is read before a host asks for it: for large cards."};
+
 /// The number that --type gives.
 std::uint8_t PeripheralType(const apps::Invocation& call);
 

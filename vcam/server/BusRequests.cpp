@@ -77,6 +77,8 @@ bool Bus::AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest
   options.serial = request.serial;
   options.storage = request.storage;
   options.peripheralType = request.peripheralType;
+  options.forwardOnly = (request.traits & bus::kForwardOnly) != 0;
+  options.hasKeys = (request.traits & bus::kWithoutKeys) == 0;
   if (!request.revision.empty()) options.revision = request.revision;
   const auto layout = CatalogueLayout::ByName(request.catalogue.empty() ? "standard" : request.catalogue);
   if (!layout) {

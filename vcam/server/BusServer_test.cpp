@@ -114,6 +114,24 @@ TEST_F(BusServerTest, FreesTheCameraOfAPeerThatHasGone) {
   EXPECT_EQ(second.Request(bus::Kind::kStartSession, bus::EncodeNumber(1)).kind, bus::Kind::kOk);
 }
 
+TEST_F(BusServerTest, PlugsACameraWithItsTraits) {
+  bus::BusConnection connection(server_.Path());
+  bus::PlugRequest peculiar{"A", server_.Scratch().Path().string(), "", "", 3};
+  peculiar.traits = bus::kForwardOnly | bus::kWithoutKeys;
+  connection.Request(bus::Kind::kPlug, bus::Encode(peculiar));
+  connection.Request(bus::Kind::kStartSession, bus::EncodeNumber(1));
+  wire::Command command = vcam::test::Block({0xC2, 0, 0x02});
+  connection.Request(bus::Kind::kCommand, bus::Encode(command));
+  command = vcam::test::Block({0xC4, 0, 0x01});
+  command.direction = wire::Direction::kFromCamera;
+  command.length = 4;
+  const auto read = [&] {
+    return bus::Decode<wire::Reply>(connection.Request(bus::Kind::kCommand, bus::Encode(command)).payload)->data;
+  };
+  EXPECT_EQ(read(), (base::Bytes{1, 0, 0, 0}));
+  EXPECT_EQ(read(), (base::Bytes{128, 0, 0, 0})) << "the next bytes, whatever the offset";
+}
+
 TEST_F(BusServerTest, MovesWholeTransfersOfTheLargestSize) {
   bus::BusConnection connection(server_.Path());
   connection.Request(bus::Kind::kPlug, PlugOf("A"));

@@ -16,7 +16,7 @@ class BusTest : public testing::Test {
   BusTest() {
     for (const PeerId peer : {1U, 2U}) {
       bus_.AddPeer(peer, static_cast<pid_t>(1000 + peer));
-      EXPECT_TRUE(Ask(peer, bus::Kind::kHello, bus::EncodeNumber(1)));
+      EXPECT_TRUE(Ask(peer, bus::Kind::kHello, bus::EncodeNumber(2)));
       sent_.clear();
     }
   }
@@ -72,7 +72,7 @@ class BusTest : public testing::Test {
 TEST_F(BusTest, WantsAGreetingFirst) {
   bus_.AddPeer(3, 1003);
   EXPECT_FALSE(Ask(3, bus::Kind::kStatus, {}));
-  EXPECT_THAT(Refused(3, bus::Kind::kHello, bus::EncodeNumber(2)).sentence, HasSubstr("version 1"));
+  EXPECT_THAT(Refused(3, bus::Kind::kHello, bus::EncodeNumber(1)).sentence, HasSubstr("version 2"));
   EXPECT_FALSE(Ask(3, bus::Kind::kStatus, {})) << "the greeting was refused";
   EXPECT_FALSE(Ask(3, bus::Kind::kHello, {1})) << "no number";
 }
