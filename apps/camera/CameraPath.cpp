@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstdint>
 
+#include "apps/camera/FolderListing.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "base/Ascii.h"
@@ -44,7 +45,7 @@ bool SameName(std::string_view a, std::string_view b) {
 
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath) {
   const SplitPath path = Split(cameraPath);
-  for (CameraDirent& entry : camera.ReadDir(path.folder.c_str())) {
+  for (CameraDirent& entry : ListFolder(camera, path.folder)) {
     const bool isLabel = (entry.attributes & kelva::kAttributeVolumeLabel) != 0;
     if (!isLabel && SameName(entry.name, path.name)) return std::move(entry);
   }

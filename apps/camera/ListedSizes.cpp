@@ -3,6 +3,7 @@
 #include "apps/camera/ListedSizes.h"
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/FolderListing.h"
 #include "base/Ascii.h"
 #include "src/wifi/CameraError.h"
 
@@ -10,7 +11,7 @@ namespace apps {
 
 SizesByName ReadSizes(Camera& camera, const std::string& folder) {
   SizesByName sizes;
-  for (const CameraDirent& entry : camera.ReadDir(folder.c_str())) {
+  for (const CameraDirent& entry : ListFolder(camera, folder)) {
     if ((entry.attributes & (kelva::kAttributeVolumeLabel | kelva::kAttributeDirectory)) != 0) continue;
     sizes.emplace(base::Lower(entry.name), SizeOf(entry));
   }

@@ -20,7 +20,7 @@ class ListedSizes {
   explicit ListedSizes(Camera& camera) : camera_(camera) {}
 
   /// Whether the folder lists the file with this size. When it does not, lists the folder again, since the file may
-  /// have grown. Nothing when the folder does not list the file. Throws as Camera::ReadDir does.
+  /// have grown. Nothing when the folder does not list the file. Throws as ListFolder does.
   std::optional<bool> Agrees(const std::string& cameraPath, unsigned long long size);
   /// The size with which the folder lists a file, as far as it is known: nothing when the folder does not list the file
   /// or cannot be listed.

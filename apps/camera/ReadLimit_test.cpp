@@ -10,11 +10,14 @@ namespace {
 
 class ReadLimitTest : public testing::Test, protected SilentContext {
  protected:
-  /// How many calls pass, of at most 100.
+  /// How many calls pass, of at most 5000.
   int Passed(std::optional<unsigned long long> listed) {
     Progress progress(context_.reporter, stop_, "", 0);
     ReadLimit limit("I:\\A", listed, Progress::Check, progress);
-    for (int calls = 0; calls < 100; ++calls) {
+    return Passed(limit);
+  }
+  int Passed(ReadLimit& limit) {
+    for (int calls = 0; calls < 5000; ++calls) {
       try {
         ReadLimit::Check(&limit, 0);
       } catch (const CameraError& error) {
@@ -22,7 +25,7 @@ class ReadLimitTest : public testing::Test, protected SilentContext {
         return calls;
       }
     }
-    return 100;
+    return 5000;
   }
 
   std::string message_;
@@ -37,8 +40,19 @@ TEST_F(ReadLimitTest, EndsAReadThatGoesOnBeyondTheListedSize) {
       << message_;
 }
 
-TEST_F(ReadLimitTest, LetsAReadGoOnWhenNoSizeIsListed) {
-  EXPECT_EQ(Passed(std::nullopt), 100);
+// The first call comes before the first byte, so 1025 calls have seen 256 MiB.
+TEST_F(ReadLimitTest, AFileThatIsNotListedIsReadUpToABound) {
+  EXPECT_EQ(Passed(std::nullopt), 1025);
+  EXPECT_EQ(message_,
+            "Camera error: no folder lists I:\\A, so 256 MiB are read at most, and it goes on after 268697600");
+}
+
+// The first call comes behind the first chunk of 64 KiB.
+TEST_F(ReadLimitTest, ABundleIsReadUpToABound) {
+  Progress progress(context_.reporter, stop_, "", 0);
+  ReadLimit limit = ReadLimit::OfBundle("the crash logs", 1 << 20, Progress::Check, progress);
+  EXPECT_EQ(Passed(limit), 16);
+  EXPECT_EQ(message_, "Camera error: of the crash logs 1 MiB are read at most, and it goes on after 1114112");
 }
 
 TEST_F(ReadLimitTest, HandsTheCallOn) {

@@ -9,6 +9,7 @@
 #include "apps/camera/testing/FakeCamera.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/testing/SilentContext.h"
+#include "src/wifi/CameraError.h"
 
 namespace apps {
 namespace {
@@ -49,6 +50,13 @@ TEST_F(RemoteFileTest, AnEmptyFileIsEmptyAndAMissingOneIsAnError) {
 TEST_F(RemoteFileTest, AFolderIsNoFile) {
   camera_.folders = {"DCIM"};
   EXPECT_THAT(Error([this] { Read("I:\\DCIM"); }), HasSubstr("I:\\DCIM is a folder"));
+}
+
+TEST_F(RemoteFileTest, AFileThatGoesOnBeyondItsListedSizeEndsThere) {
+  camera_.files = {{"A.TXT", "abc"}};
+  camera_.endless = true;
+  EXPECT_THROW(Read("I:\\A.TXT"), CameraError);
+  EXPECT_THROW(WriteRemoteFile(context_, camera_, {'a', 'b'}, "I:\\B.TXT"), CameraError);
 }
 
 TEST_F(RemoteFileTest, AFileThatKeepsChangingIsAnErrorAfterTwoReads) {

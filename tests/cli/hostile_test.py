@@ -3,6 +3,7 @@
 import json
 import os
 import random
+import resource
 import shutil
 import signal
 import subprocess
@@ -58,6 +59,57 @@ class HostileTest(unittest.TestCase):
                     with open(os.path.join(folder, name), "rb") as file:
                         contents.append(file.read())
         return sorted(contents)
+
+
+class EndlessTest(bench_of_cameras.Bus):
+    """Whatever goes on without end, every verb that reads ends at a bound, in a sentence, and in little memory."""
+
+    MOST_MEMORY_KB = 450_000
+
+    def clean(self, *paths):
+        for path in paths:
+            if os.path.isdir(path):
+                shutil.rmtree(path)
+            elif os.path.exists(path):
+                os.remove(path)
+
+    def ends_at(self, bound, words, *leftovers):
+        """Whether the verb says so when its camera goes on without end from some command on."""
+        messages = []
+        for at in range(1, 20):
+            self.fault("endless", at)
+            run = self.kelva(*words)
+            self.fault("none")
+            self.clean(*leftovers)
+            messages.append(run.stderr)
+            # The largest of all children until now.
+            self.assertLess(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, self.MOST_MEMORY_KB, run.stderr)
+            if bound in run.stderr:
+                self.assertNotEqual(run.returncode, 0)
+                return
+        self.fail(messages)
+
+    def test_every_verb_that_reads_ends_at_a_bound(self):
+        self.pictures(1, 1000)
+        self.put("LOG.TXT", b"log")
+        self.put("CRASH/A.LOG", b"crash log")
+        self.put("CALIB/A.DAT", b"calibration")
+        upload = os.path.join(self.folder, "upload")
+        with open(upload, "wb") as file:
+            file.write(b"upload")
+        target = os.path.join(self.folder, "out")
+        bounds = {
+            ("ls", "I:/"): "goes on after 64 MiB",
+            ("get", "-o", target, "I:/LOG.TXT"): "goes on after 262144",
+            ("put", upload, "I:/NEW.TXT"): "goes on after 262144",
+            ("sync", target): "goes on after 262144",
+            ("pictures", "--sheet", target + ".html"): "goes on after 262144",
+            ("calibration", "--into", target): "64 MiB are read at most",
+            ("report", target + ".tar"): "64 MiB are read at most",
+        }
+        for words, bound in bounds.items():
+            with self.subTest(words[0]):
+                self.ends_at(bound, words, target, target + ".html", target + ".tar", self.drive + "/NEW.TXT")
 
 
 class HostileNamesTest(HostileTest):

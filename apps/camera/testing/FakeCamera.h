@@ -1,21 +1,37 @@
 #ifndef KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
 #define KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "src/wifi/VscRegister.h"
 #include "src/wifi/testing/PlainCamera.h"
 
 namespace apps {
 
-/// A camera for tests: files in memory, in one folder, and switches for what can go wrong. Sends no commands.
+/// A camera for tests: files in memory, in one folder, and switches for what can go wrong. The one command that it answers
+/// is the listing of a folder, with what ReadDir gives.
 class FakeCamera : public wifi_testing::PlainCamera {
  public:
   explicit FakeCamera(std::string serial = "") : serial_(std::move(serial)) { open = false; }
 
-  bool Transfer(const _VscCdb&, int, int&, char*, bool) override { return false; }
+  bool Transfer(const _VscCdb& cdb, int, int& size, char* buffer, bool) override {
+    const auto operation = kelva::Operation{static_cast<std::uint8_t>(cdb.bytes[0])};
+    const auto subCode = static_cast<std::uint8_t>(cdb.bytes[kelva::at::kSubCode]);
+    if (operation == kelva::Operation::kSelect && subCode == kelva::select::kDirectory) {
+      listing_ = Encode(ReadDir(buffer));
+      return true;
+    }
+    if (operation != kelva::Operation::kReadChunk) return false;
+    const std::string piece = listing_.substr(0, static_cast<std::size_t>(size));
+    listing_.erase(0, piece.size());
+    piece.copy(buffer, piece.size());
+    size = static_cast<int>(piece.size());
+    return true;
+  }
   bool CompareSn(const char* serial) const override { return serial_ == serial; }
 
   std::vector<CameraDirent> ReadDir(const char* path) override {
@@ -31,6 +47,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
     lastFlag = flag;
     if (onRead) onRead(path);
     if (progress != nullptr) progress(context, 0);
+    while (endless) progress(context, 1);
     const auto found = files.find(NameIn(path));
     if (found == files.end()) return {};
     return {found->second.begin(), found->second.end()};
@@ -56,6 +73,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
   int lie = 0;               ///< added to every size in a listing
   std::string damage;        ///< added to every file that is written
   std::string forbidden;     ///< deleting this one is an error
+  bool endless = false;      ///< a read goes on until its progress function throws
   bool writeBreaks = false;  ///< writing ends in an error, half of it done
   bool stubborn = false;
   bool refuses = false;
@@ -63,9 +81,26 @@ class FakeCamera : public wifi_testing::PlainCamera {
   std::function<void(const std::string& path)> onDelete;  ///< before anything is deleted
 
  private:
+  /// A count behind four bytes; for each entry attributes, size and the place of its name; the names.
+  static std::string Encode(const std::vector<CameraDirent>& entries) {
+    const auto word = [](std::size_t value) {
+      std::string bytes;
+      for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(value >> shift);
+      return bytes;
+    };
+    std::string table = word(0) + word(entries.size());
+    std::string names;
+    for (const CameraDirent& entry : entries) {
+      table += word(static_cast<std::size_t>(entry.attributes)) + word(static_cast<std::size_t>(entry.size)) +
+               word(8 + 12 * entries.size() + names.size());
+      names += entry.name + '\0';
+    }
+    return table + names;
+  }
   static std::string NameIn(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 
   std::string serial_;
+  std::string listing_;  // what of it was not sent yet
 };
 
 }  // namespace apps

@@ -63,6 +63,22 @@ TEST_F(SheetTest, APictureIsReadOnceAndDrawn) {
   EXPECT_EQ(cards_[1].thumbnail->width, 16);
 }
 
+TEST_F(SheetTest, CardsKeepTheOrderOfTheCatalogueHoweverLongEachTakes) {
+  std::vector<DcfObj> catalogue;
+  std::vector<std::string> expected;
+  for (int number = 10; number < 30; ++number) {
+    const std::string name = "IMG_00" + std::to_string(number);
+    const bool slow = number % 5 == 0;
+    camera_.files[name + ".JPG"] = slow ? TinyJpeg::File(100, std::vector<int>(20000, 90)) : TinyJpeg::File(1, {90});
+    catalogue.push_back(SheetPicture(number));
+    expected.push_back(name);
+  }
+  EXPECT_EQ(Draw(camera_, catalogue).drawn, 20U);
+  std::vector<std::string> names;
+  for (const Card& card : cards_) names.push_back(card.name);
+  EXPECT_EQ(names, expected);
+}
+
 TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
   const SheetTotals totals = Draw(camera_, {SheetPicture(1), SheetPicture(2), SheetPicture(3)});
   EXPECT_EQ(totals.drawn, 2U);
@@ -70,6 +86,13 @@ TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
   EXPECT_EQ(cards_[1].trouble, "cannot be read");
   EXPECT_THAT(list_, testing::HasSubstr("\"name\":\"IMG_0002\",\"time\":null,\"types\":[\"JPG\"],\"drawn\":false,"
                                         "\"links\":[],\"error\":\""));
+}
+
+TEST_F(SheetTest, AFileThatGoesOnBeyondItsListedSizeOrIsNotListedHasABound) {
+  camera_.endless = true;
+  EXPECT_EQ(Draw(camera_, {SheetPicture(1), SheetPicture(9)}).failed, 2U);
+  EXPECT_THAT(list_, testing::HasSubstr("lists I:\\\\DCIM\\\\100ABCDE\\\\IMG_0001.JPG with"));
+  EXPECT_THAT(list_, testing::HasSubstr("no folder lists I:\\\\DCIM\\\\100ABCDE\\\\IMG_0009.JPG"));
 }
 
 TEST_F(SheetTest, AMissingAndAnEmptyAndANonsenseFileAreNotDrawn) {

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/ReadLimit.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Progress.h"
@@ -70,13 +71,15 @@ ExitCode Fetch(Context& context, const Bundle& bundle,
 
 ExitCode RunCrashLogs(Context& context) {
   return Fetch(context, {"crash logs", "crash log", "logs"}, [](Camera& camera, Progress& progress) {
-    return camera.ReadCrashLogs(Progress::Callback, &progress, false, true);
+    ReadLimit limit = ReadLimit::OfBundle("the crash logs", kLargestBundle, Progress::Callback, progress);
+    return camera.ReadCrashLogs(ReadLimit::Check, &limit, false, true);
   });
 }
 
 ExitCode RunCalibration(Context& context) {
   return Fetch(context, {"calibration", "calibration file", "files"}, [](Camera& camera, Progress& progress) {
-    return camera.ReadCalibration(Progress::Callback, &progress, true);
+    ReadLimit limit = ReadLimit::OfBundle("the calibration files", kLargestBundle, Progress::Callback, progress);
+    return camera.ReadCalibration(ReadLimit::Check, &limit, true);
   });
 }
 
@@ -92,13 +95,13 @@ constexpr Example kCalibrationExamples[] = {
 
 constexpr Verb kVerbs[] = {
     {"crash-logs", "Fetch the camera's crash logs", kNoArguments, kCrashOptions,
-     R"(All logs come in one bundle. They stay on the camera unless you give --delete. A log that is in the folder
+     R"(All logs come in one bundle, of which 64 MiB are read at most; `kelva get` fetches the logs of a larger one. They stay on the camera unless you give --delete. A log that is in the folder
 already is not written again. An existing file with other content is kept, and the new log gets a number.)",
      R"(logs: array of name, file, size, new, and with --delete deleted; or of path and error
 failed: how many were not stored)",
      kCrashExamples, RunCrashLogs},
     {"calibration", "Fetch the camera's calibration files", kNoArguments, kCalibrationOptions,
-     "The camera sends at most 31 files, in one bundle.",
+     "The camera sends at most 31 files, in one bundle, of which 64 MiB are read at most.",
      "files: array of name, file, size, new; or of path and error\nfailed: how many were not stored",
      kCalibrationExamples, RunCalibration},
 };

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/FolderListing.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Columns.h"
 #include "apps/commandline/Failure.h"
@@ -25,7 +26,7 @@ bool IsShown(const CameraDirent& entry) {
 }
 
 std::vector<CameraDirent> Listing(Camera& camera, const std::string& path) {
-  std::vector<CameraDirent> entries = camera.ReadDir(path.c_str());
+  std::vector<CameraDirent> entries = ListFolder(camera, path);
   std::erase_if(entries, [](const CameraDirent& entry) { return !IsShown(entry); });
   return entries;
 }

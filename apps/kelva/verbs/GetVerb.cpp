@@ -121,7 +121,7 @@ when it is whole, so an interrupted command leaves nothing behind. An existing f
 Bytes of a name that are not safe here (control characters, a slash, a dot at the start) are written as %XX.
 
 The folder's listing tells an empty file from a missing one. A file arrives in one piece, so memory of its size is
-needed.)",
+needed. A file that goes on beyond the size that its folder lists is not kept.)",
      R"(serial: of the camera
 files: array of path, file (where it was written), size; or of path and error
 failed: how many were not fetched)",

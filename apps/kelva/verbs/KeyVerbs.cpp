@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/ReadLimit.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -36,8 +37,9 @@ Request Understand(const std::string& word) {
 
 _Sha1obj Fetch(Context& context, Camera& camera, const Request& request) {
   Progress progress(context.reporter, context.stop, request.key, 0);
+  ReadLimit limit = ReadLimit::OfBundle("a file by its key", kMostUnlisted, Progress::Callback, progress);
   std::vector<_Sha1obj> files =
-      camera.ReadFilesBySha1({request.key}, {request.qualifier}, Progress::Callback, &progress, true);
+      camera.ReadFilesBySha1({request.key}, {request.qualifier}, ReadLimit::Check, &limit, true);
   if (files.size() != 1) {
     throw Failure(ExitCode::kFailed, "The camera has no file with the key " +
                                          Printable(request.key + request.qualifier) +
@@ -98,7 +100,8 @@ ExitCode RunRaw(Context& context) {
   std::vector<_Sha1obj> parts;
   {
     Progress progress(context.reporter, context.stop, key, 0);
-    parts = camera->ReadCompressedRaw(key, Progress::Callback, &progress, true);
+    ReadLimit limit = ReadLimit::OfBundle("compressed raw data", kMostUnlisted, Progress::Callback, progress);
+    parts = camera->ReadCompressedRaw(key, ReadLimit::Check, &limit, true);
   }
   if (parts.empty()) throw Failure(ExitCode::kFailed, "The camera has no compressed raw data for the key " + key + ".");
   Json list = Json::Array();
@@ -128,7 +131,7 @@ constexpr Example kRawExamples[] = {{"kelva raw a9993e364706816aba3e25717850c26c
 constexpr Verb kVerbs[] = {
     {"batch get", "Fetch files by their SHA-1", kKeys, kInto,
      R"(What arrives is checked against its key before it is stored. An existing file with other content is kept,
-and the new file gets a number.)",
+and the new file gets a number. Of a file 256 MiB are read at most.)",
      "files: array of key, qualifier, file, size, sha1, or of path and error\nfailed: how many were not fetched",
      kGetExamples, RunBatchGet},
     {"batch rm", "Delete files by their SHA-1", kPlainKeys, kNoOptions,
@@ -136,7 +139,7 @@ and the new file gets a number.)",
      "keys: how many were sent", kRmExamples, RunBatchRm},
     {"raw", "Fetch the compressed raw data of a picture", kKey, kInto,
      R"(The data has up to two parts, stored as KEY.raw1 and KEY.raw2; an empty part is left out. A single part is
-stored as KEY.raw, because the camera does not say which of the two it is.)",
+stored as KEY.raw, because the camera does not say which of the two it is. 256 MiB are read at most.)",
      "key: of the picture\nparts: array of file and size", kRawExamples, RunRaw},
 };
 

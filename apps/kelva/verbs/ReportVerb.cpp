@@ -11,6 +11,7 @@
 #include "apps/camera/Explain.h"
 #include "apps/camera/Information.h"
 #include "apps/camera/PictureList.h"
+#include "apps/camera/ReadLimit.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -119,10 +120,14 @@ void Gather(Context& context, const Session& camera, Report& report) {
   report.Add("host.txt", HostFacts());
   report.Part("read the camera's state", [&] { report.Add("camera.txt", CameraFacts(*camera, camera.Facts())); });
   report.Part("read the console log", [&] { report.Add("console.txt", Console(context, *camera)); });
-  report.Part("read the crash logs",
-              [&] { report.AddAll("crash", camera->ReadCrashLogs(Progress::Callback, &progress, false, true)); });
-  report.Part("read the calibration files",
-              [&] { report.AddAll("calibration", camera->ReadCalibration(Progress::Callback, &progress, true)); });
+  report.Part("read the crash logs", [&] {
+    ReadLimit limit = ReadLimit::OfBundle("the crash logs", kLargestBundle, Progress::Callback, progress);
+    report.AddAll("crash", camera->ReadCrashLogs(ReadLimit::Check, &limit, false, true));
+  });
+  report.Part("read the calibration files", [&] {
+    ReadLimit limit = ReadLimit::OfBundle("the calibration files", kLargestBundle, Progress::Callback, progress);
+    report.AddAll("calibration", camera->ReadCalibration(ReadLimit::Check, &limit, true));
+  });
 }
 
 ExitCode RunReport(Context& context) {
@@ -159,7 +164,8 @@ constexpr Verb kVerbs[] = {
     {"report", "Gather what helps to find a fault into one archive", kArguments, kNoOptions,
      R"(The archive holds the camera's information, battery level and counters, its console log, crash logs and
 calibration files, and facts about this computer. It holds no pictures and no passphrases, but whatever the camera wrote into its logs. Only
-you may read the archive. Crash logs stay on the camera. The camera hands over its console log only once, so afterwards only the archive has it. A part that fails is
+you may read the archive. Of the console log 16 MiB are read at most, of the crash logs and of the calibration files
+64 MiB each. Crash logs stay on the camera. The camera hands over its console log only once, so afterwards only the archive has it. A part that fails is
 reported, and the rest goes on. With --trace FILE the archive also holds that trace.)",
      "file: the archive\nfiles: how many are in it", kExamples, RunReport}};
 

@@ -1,0 +1,46 @@
+// Lists a folder within a bound of memory.
+#include "apps/camera/FolderListing.h"
+
+#include "apps/commandline/Printable.h"
+#include "src/wifi/CameraError.h"
+#include "src/wifi/ChunkedRead.h"
+#include "src/wifi/Command.h"
+#include "src/wifi/DirectoryListing.h"
+
+namespace apps {
+namespace {
+
+// What every transport of the library asks for at once.
+constexpr int kListingChunk = 65'536;
+
+/// Collects a listing, and refuses it while it arrives.
+class BoundedListing final : public kelva::ChunkSink {
+ public:
+  explicit BoundedListing(const std::string& path) : path_(path) {}
+
+  void Append(std::span<const char> bytes) override {
+    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+    if (bytes_.size() <= kLargestListing) return;
+    throw CameraError("the listing of " + Printable(path_) + " goes on after " + std::to_string(kLargestListing >> 20) +
+                      " MiB");
+  }
+  const std::vector<char>& Bytes() const { return bytes_; }
+
+ private:
+  const std::string& path_;
+  std::vector<char> bytes_;
+};
+
+}  // namespace
+
+std::vector<CameraDirent> ListFolder(Camera& camera, const std::string& path) {
+  camera.ClearCancel(true);
+  const _VscCdb select = kelva::Block(kelva::Operation::kSelect, kelva::select::kDirectory);
+  if (!kelva::SendText(camera, select, path.c_str(), true)) return {};
+  BoundedListing listing(path);
+  const kelva::ChunkedRead read{kelva::read_chunk::kSelected, true, kelva::ReadProgress::None()};
+  if (!kelva::ReadChunks(camera, kListingChunk, read, listing)) return {};
+  return kelva::DecodeListing(listing.Bytes());
+}
+
+}  // namespace apps
