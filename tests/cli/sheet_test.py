@@ -7,7 +7,9 @@ import os
 import random
 import re
 import resource
+import shutil
 import signal
+import subprocess
 import time
 
 import bench_of_cameras
@@ -113,6 +115,24 @@ class SheetTest(Bus):
         page = Page(self.path)
         self.assertIn("damaged", page.text)
         self.assertEqual(len(page.all("img")), 2)
+
+    def test_a_decoder_that_cannot_start_or_be_confined_is_one_error_and_no_damaged_pictures(self):
+        for number in range(1, 6):
+            self.picture(number)
+        programs = os.path.join(self.folder, "bin")
+        os.mkdir(programs)
+        tool = shutil.copy(os.path.join(bench_of_cameras.BIN, "kelva"), programs)
+        decoder = os.path.join(programs, "kelva-thumbnail")
+        for script, reason in (("#!/bin/sh\nexit 3\n", "give up its rights"), ("#!/nowhere\n", "install kelva again")):
+            with open(decoder, "w", encoding="ascii") as file:
+                file.write(script)
+            os.chmod(decoder, 0o755)
+            run = subprocess.run([tool, *self.command("pictures", "--sheet", self.path)[1:]], capture_output=True,
+                                 text=True, timeout=60)
+            self.assertEqual(run.returncode, 1, run.stderr)
+            self.assertEqual(len(run.stderr.splitlines()), 1, run.stderr)
+            self.assertIn(reason, run.stderr)
+            self.nothing_is_left()
 
     def test_a_lower_limit_of_the_user_spoils_no_picture(self):
         self.picture(1)

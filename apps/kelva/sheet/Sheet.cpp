@@ -1,7 +1,8 @@
-// Draws the pictures of a catalogue one after another.
+// Reads the pictures of a catalogue one after another, and has them drawn.
 #include "apps/kelva/sheet/Sheet.h"
 
 #include <algorithm>
+#include <chrono>
 #include <new>
 #include <utility>
 
@@ -51,17 +52,21 @@ Sheet::Sheet(Context& context, Camera& camera, Beside beside)
 void Sheet::Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSizes>& sizes, const Sink& sink) {
   Progress progress(context_.reporter, context_.stop, "", BytesToDraw(sizes));
   progress_ = &progress;
+  const auto pictures =
+      std::count_if(catalogue.begin(), catalogue.end(), [](const DcfObj& p) { return p.hasJpg != 0; });
+  const std::size_t processes = ThumbnailPool::SizeFor(static_cast<std::size_t>(pictures));
+  pool_.emplace(processes);
+  mostBegun_ = 2 * processes;
   unsigned long long passed = 0;
   for (std::size_t i = 0; i < catalogue.size(); ++i) {
     progress.Name(std::to_string(i + 1) + " of " + std::to_string(catalogue.size()) + "  " + PictureName(catalogue[i]));
     progress.At(passed);
-    Card card = CardOf(catalogue[i], sizes[i]);
-    failure_.clear();
-    DrawInto(card, catalogue[i]);
-    sink(card);
-    List(card);
+    Begin(catalogue[i], sizes[i]);
+    while (IsFull()) FinishOldest(sink);
     passed += sizes[i][0].value_or(0);
   }
+  while (!begun_.empty()) FinishOldest(sink);
+  pool_.reset();
   progress_ = nullptr;
 }
 
@@ -74,42 +79,77 @@ Card Sheet::CardOf(const DcfObj& picture, const FileSizes& sizes) {
   return card;
 }
 
-void Sheet::DrawInto(Card& card, const DcfObj& picture) {
+void Sheet::Begin(const DcfObj& picture, const FileSizes& sizes) {
+  Begun& begun = begun_.emplace_back();
+  begun.card = CardOf(picture, sizes);
   if (picture.hasJpg == 0) {
-    card.trouble = "no JPEG";
+    begun.card.trouble = "no JPEG";
     ++totals_.without;
     return;
   }
-  const std::string path = Printable(PicturePath(picture, kJpg));
-  context_.Doing("read " + path);
+  begun.path = Printable(PicturePath(picture, kJpg));
+  Try(begun, [&] { Read(begun, picture); });
+}
+
+void Sheet::Read(Begun& begun, const DcfObj& picture) {
+  std::optional<std::vector<char>> fetched = beside_.Read(picture, kJpg);
+  CardFile& file = begun.card.files.front();
+  begun.isHere = fetched.has_value();
+  std::vector<char> bytes = fetched ? *std::move(fetched) : ReadFromCamera(picture, file.size);
+  if (!file.size) file.size = bytes.size();
+  begun.bytes = bytes.size();
+  bytes_ += begun.bytes;
+  begun.thumbnail = pool_->Draw(std::move(bytes));
+}
+
+// Enough that no process waits for the next picture while one is read, and a few pictures' bytes in memory.
+bool Sheet::IsFull() const {
+  constexpr std::size_t kMostBytes = std::size_t{64} << 20;
+  return begun_.size() > mostBegun_ || (bytes_ > kMostBytes && begun_.size() > 1);
+}
+
+void Sheet::FinishOldest(const Sink& sink) {
+  Begun begun = std::move(begun_.front());
+  begun_.pop_front();
+  bytes_ -= begun.bytes;
+  if (begun.thumbnail.valid()) Try(begun, [&] { Take(begun); });
+  if (!begun.failure.empty()) Report(begun);
+  sink(begun.card);
+  List(begun);
+}
+
+void Sheet::Take(Begun& begun) {
+  constexpr std::chrono::milliseconds kLook{100};
+  while (begun.thumbnail.wait_for(kLook) != std::future_status::ready) context_.stop.Check();
+  Card& card = begun.card;
+  card.thumbnail = begun.thumbnail.get();
+  if (!card.time) card.time = card.thumbnail->time;
+  ++totals_.drawn;
+  totals_.fetched += begun.isHere ? 1U : 0U;
+  const std::string& complaint = card.thumbnail->complaint;
+  if (complaint.empty()) return;
+  card.trouble = "damaged";
+  begun.failure = begun.path + " is damaged and was drawn as far as it goes (" + complaint +
+                  "); fetch it again, and check the card if it stays.";
+}
+
+template <typename Step>
+void Sheet::Try(Begun& begun, Step step) {
+  context_.Doing("read " + begun.path);
   try {
-    TryToDraw(card, picture);
+    step();
   } catch (const NoPicture& reason) {
-    Fail(card, "cannot be drawn", "There is no thumbnail of " + path + ": " + reason.what() + ".");
+    begun.card.trouble = "cannot be drawn";
+    begun.failure = "There is no thumbnail of " + begun.path + ": " + reason.what() + ".";
   } catch (const CameraError& error) {
     const Outcome outcome = Explain(error, context_.WasDoing());
     if (EndsAll(outcome.code)) throw;
-    Fail(card, "cannot be read", outcome.sentence);
+    begun.card.trouble = "cannot be read";
+    begun.failure = outcome.sentence;
   } catch (const std::bad_alloc& error) {
-    Fail(card, "cannot be read", Explain(error, context_.WasDoing()).sentence);
+    begun.card.trouble = "cannot be read";
+    begun.failure = Explain(error, context_.WasDoing()).sentence;
   }
-}
-
-void Sheet::TryToDraw(Card& card, const DcfObj& picture) {
-  std::optional<std::vector<char>> fetched = beside_.Read(picture, kJpg);
-  const bool isHere = fetched.has_value();
-  const std::vector<char> bytes = isHere ? *std::move(fetched) : ReadFromCamera(picture, card.files.front().size);
-  if (!card.files.front().size) card.files.front().size = bytes.size();
-  Thumbnail thumbnail = DrawThumbnail(thumbnailer_, bytes, context_.stop);
-  if (!card.time) card.time = thumbnail.time;
-  const std::string complaint = thumbnail.complaint;
-  card.thumbnail = std::move(thumbnail);
-  ++totals_.drawn;
-  totals_.fetched += isHere ? 1U : 0U;
-  if (complaint.empty()) return;
-  Fail(card, "damaged",
-       Printable(PicturePath(picture, kJpg)) + " is damaged and was drawn as far as it goes (" + complaint +
-           "); fetch it again, and check the card if it stays.");
 }
 
 std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<unsigned long long> listed) {
@@ -123,17 +163,16 @@ std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<uns
   return bytes;
 }
 
-void Sheet::Fail(Card& card, const char* words, const std::string& sentence) {
+void Sheet::Report(const Begun& begun) {
   ++totals_.failed;
-  card.trouble = words;
-  failure_ = sentence;
   // A process that takes over draws everything once more.
-  if (context_.guard != nullptr && !context_.guard->TakeReport(sentence)) return;
-  context_.reporter.Error(sentence, ExitCode::kPartial);
+  if (context_.guard != nullptr && !context_.guard->TakeReport(begun.failure)) return;
+  context_.reporter.Error(begun.failure, ExitCode::kPartial);
 }
 
-void Sheet::List(const Card& card) {
+void Sheet::List(const Begun& begun) {
   if (!context_.Json()) return;
+  const Card& card = begun.card;
   Json types = Json::Array();
   Json beside = Json::Array();
   for (const CardFile& file : card.files) {
@@ -144,7 +183,7 @@ void Sheet::List(const Card& card) {
   members.SetBytes("folder", card.folder).SetBytes("name", card.name);
   members.Set("time", card.time ? Json(*card.time) : Json()).Set("types", std::move(types));
   members.Set("drawn", card.thumbnail.has_value()).Set("links", std::move(beside));
-  if (!failure_.empty()) members.Set("error", failure_);
+  if (!begun.failure.empty()) members.Set("error", begun.failure);
   list_.Push(std::move(members));
 }
 

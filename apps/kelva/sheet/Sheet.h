@@ -1,7 +1,9 @@
 #ifndef KELVA_APPS_KELVA_SHEET_SHEET_H_
 #define KELVA_APPS_KELVA_SHEET_SHEET_H_
 
+#include <deque>
 #include <functional>
+#include <future>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,7 +14,7 @@
 #include "apps/kelva/sheet/Beside.h"
 #include "apps/kelva/sheet/Card.h"
 #include "apps/kelva/sheet/FileSizes.h"
-#include "apps/kelva/sheet/Thumbnailer.h"
+#include "apps/kelva/sheet/ThumbnailPool.h"
 #include "src/wifi/Camera.h"
 
 namespace apps {
@@ -29,17 +31,18 @@ struct SheetTotals {
   std::size_t failed = 0;   ///< pictures that are damaged, missing or cannot be read; each was reported
 };
 
-/// Draws the pictures of a catalogue, one after the other: at any time one picture's bytes are in memory. A picture
-/// that cannot be read or drawn is reported and gets a placeholder, and the rest goes on.
+/// Draws the pictures of a catalogue: reads one after the other, while processes draw those before it. A few pictures' bytes
+/// are in memory at any time. A picture that cannot be read or drawn is reported and gets a placeholder, and the rest
+/// goes on.
 class Sheet {
  public:
-  /// Takes each picture's element of the page.
+  /// Takes each picture's element of the page, in the order of the catalogue.
   using Sink = std::function<void(const Card&)>;
 
   Sheet(Context& context, Camera& camera, Beside beside);
 
-  /// `sizes` are those of `catalogue`, in its order. Throws what the sink throws, Stopped, and CameraError when the
-  /// camera has gone.
+  /// `sizes` are those of `catalogue`, in its order. Call it once. Throws what the sink throws, Stopped, CameraError when the
+  /// camera has gone, and Failure when no picture can be decoded.
   void Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSizes>& sizes, const Sink& sink);
 
   const SheetTotals& Totals() const { return totals_; }
@@ -47,19 +50,37 @@ class Sheet {
   Json TakeList() { return std::move(list_); }
 
  private:
+  /// A picture that was read, and perhaps not drawn yet.
+  struct Begun {
+    Card card;
+    std::string path;                  // printable
+    std::size_t bytes = 0;             // of its JPEG file
+    bool isHere = false;               // read from the fetched file
+    std::future<Thumbnail> thumbnail;  // not valid when the picture has no JPEG file or cannot be read
+    std::string failure;               // a sentence
+  };
+
   Card CardOf(const DcfObj& picture, const FileSizes& sizes);
-  void DrawInto(Card& card, const DcfObj& picture);
-  void TryToDraw(Card& card, const DcfObj& picture);
+  void Begin(const DcfObj& picture, const FileSizes& sizes);
+  void Read(Begun& begun, const DcfObj& picture);
   std::vector<char> ReadFromCamera(const DcfObj& picture, std::optional<unsigned long long> listed);
-  void Fail(Card& card, const char* words, const std::string& sentence);
-  void List(const Card& card);
+  bool IsFull() const;
+  void FinishOldest(const Sink& sink);
+  void Take(Begun& begun);
+  /// Does one step of a picture. A failure that is the picture's own is kept in it.
+  template <typename Step>
+  void Try(Begun& begun, Step step);
+  void Report(const Begun& begun);
+  void List(const Begun& begun);
 
   Context& context_;
   Camera& camera_;
   Beside beside_;
-  Thumbnailer thumbnailer_;
   Progress* progress_ = nullptr;
-  std::string failure_;  // of the picture at hand
+  std::optional<ThumbnailPool> pool_;
+  std::size_t mostBegun_ = 0;
+  std::deque<Begun> begun_;  // in the order of the catalogue
+  std::size_t bytes_ = 0;    // of these
   SheetTotals totals_;
   Json list_ = Json::Array();
 };

@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -17,6 +18,7 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/kelva/thumbnail/Worker.h"
 
 namespace apps {
 namespace {
@@ -63,6 +65,12 @@ class Setup {
   posix_spawnattr_t attributes_{};
   posix_spawn_file_actions_t actions_{};
 };
+
+/// The end of a sentence.
+std::string HowEnded(int status) {
+  return WIFSIGNALED(status) ? "was killed by signal " + std::to_string(WTERMSIG(status))
+                             : "ended with status " + std::to_string(WEXITSTATUS(status));
+}
 
 }  // namespace
 
@@ -126,7 +134,30 @@ std::string Thumbnailer::OwnProgram() {
   return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : std::string();
 }
 
-void Thumbnailer::Start() {
+void Thumbnailer::Start(const Stop& stop, std::chrono::milliseconds patience) {
+  Spawn();
+  Exchange exchange(socket_.Get(), stop, patience);
+  std::array<std::uint8_t, kReady.size()> ready{};
+  if (!exchange.Receive(ready)) FailToStart(exchange.TimeIsOver());
+  if (std::equal(ready.begin(), ready.end(), kReady.begin())) return;
+  Reap();
+  throw Failure(ExitCode::kFailed,
+                Printable(program_) + " speaks another language than this kelva; install both from one version.");
+}
+
+void Thumbnailer::FailToStart(bool silent) {
+  const int status = Reap();
+  if (!silent && WIFEXITED(status) && WEXITSTATUS(status) == kCannotConfine) {
+    throw Failure(ExitCode::kFailed,
+                  "The system does not let " + Printable(program_) +
+                      " give up its rights, so no picture was decoded; run kelva where seccomp is allowed, outside of "
+                      "a container that forbids it.");
+  }
+  throw Failure(ExitCode::kFailed, "Cannot run " + Printable(program_) + ", which decodes the pictures: it " +
+                                       (silent ? "is silent" : HowEnded(status)) + "; install kelva again.");
+}
+
+void Thumbnailer::Spawn() {
   std::array<int, 2> ends{};
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
     throw SystemFailure("make a socket", errno);
@@ -142,23 +173,22 @@ void Thumbnailer::Start() {
                                        std::strerror(error) + "; install kelva again.");
 }
 
-std::string Thumbnailer::End() {
+int Thumbnailer::Reap() {
   socket_.Reset();
-  if (process_ == 0) return "";
-  ::kill(process_, SIGKILL);
   int status = 0;
+  if (process_ == 0) return status;
+  ::kill(process_, SIGKILL);
   while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
   }
   process_ = 0;
-  return WIFSIGNALED(status) ? "was killed by signal " + std::to_string(WTERMSIG(status))
-                             : "ended with status " + std::to_string(WEXITSTATUS(status));
+  return status;
 }
 
 DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& stop,
                                   std::chrono::milliseconds patience) {
   if (jpegFile.size() > kLargestPicture) return "it is larger than a file that a thumbnail is drawn from";
-  if (process_ != 0 && drawn_ == kPicturesPerProcess) End();
-  if (process_ == 0) Start();
+  if (process_ != 0 && drawn_ == kPicturesPerProcess) Reap();
+  if (process_ == 0) Start(stop, patience);
   ++drawn_;
   Exchange exchange(socket_.Get(), stop, patience);
   const std::uint64_t size = jpegFile.size();
@@ -175,10 +205,10 @@ DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& st
   if (more && came) {
     if (auto answer = DecodeAnswer(head, rest)) return *std::move(answer);
   }
-  if (exchange.TimeIsOver()) return End(), "the process that draws it does not come to an end";
-  if (came) return End(), "the process that draws it answers in another language";
-  // Killed by what it did, not by End: it has gone already.
-  return "the process that draws it " + End();
+  if (exchange.TimeIsOver()) return Reap(), "the process that draws it does not come to an end";
+  if (came) return Reap(), "the process that draws it answers in another language";
+  // Killed by what it did, not by Reap: it has gone already.
+  return "the process that draws it " + HowEnded(Reap());
 }
 
 }  // namespace apps

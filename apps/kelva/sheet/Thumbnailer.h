@@ -20,12 +20,12 @@ class Thumbnailer {
  public:
   /// `program`: the path of kelva-thumbnail.
   explicit Thumbnailer(std::string program = ProgramBeside(OwnProgram())) : program_(std::move(program)) {}
-  ~Thumbnailer() { End(); }
+  ~Thumbnailer() { Reap(); }
   Thumbnailer(const Thumbnailer&) = delete;
   Thumbnailer& operator=(const Thumbnailer&) = delete;
 
   /// What the process makes of a JPEG file; a process that ends or is silent for `patience` counts as a reason. Throws
-  /// Stopped, and Failure when the program cannot be started.
+  /// Stopped, and Failure when the program cannot be started or cannot be confined: then no picture can be drawn.
   DrawingOrReason Draw(std::span<const char> jpegFile, const Stop& stop,
                        std::chrono::milliseconds patience = std::chrono::seconds(60));
 
@@ -38,9 +38,12 @@ class Thumbnailer {
 
  private:
   class Exchange;
-  void Start();
-  /// Ends the process; how it ended, as the end of a sentence.
-  std::string End();
+  void Start(const Stop& stop, std::chrono::milliseconds patience);
+  void Spawn();
+  /// Ends a process that has not become ready; `silent` when it did not even end. Throws.
+  [[noreturn]] void FailToStart(bool silent);
+  /// Ends the process; its status as waitpid has it.
+  int Reap();
 
   std::string program_;
   pid_t process_ = 0;

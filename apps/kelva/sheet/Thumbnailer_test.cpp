@@ -32,6 +32,13 @@ class ThumbnailerTest : public ::testing::Test {
     const auto* reason = std::get_if<std::string>(&answer);
     return reason == nullptr ? "drawn" : *reason;
   }
+  std::string FailureOf(Thumbnailer& thumbnailer, std::chrono::milliseconds patience = std::chrono::seconds(60)) const {
+    try {
+      return "no failure: " + ReasonOf(thumbnailer, patience);
+    } catch (const Failure& failure) {
+      return failure.what();
+    }
+  }
 
   const base::ScratchFolder scratch_{};
   const std::string picture_ = TinyJpeg::File(1, {90});
@@ -58,13 +65,13 @@ TEST_F(ThumbnailerTest, AKilledProcessCostsOnePictureAndIsReplaced) {
 }
 
 TEST_F(ThumbnailerTest, AProcessThatAnswersNonsenseIsNotBelieved) {
-  Thumbnailer thumbnailer(Script("printf 0123456789abcdef >&0; sleep 60"));
+  Thumbnailer thumbnailer(Script("printf KTHR0123456789abcdef >&0; sleep 60"));
   EXPECT_EQ(ReasonOf(thumbnailer), "the process that draws it answers in another language");
   EXPECT_EQ(thumbnailer.Process(), 0);
 }
 
 TEST_F(ThumbnailerTest, AProcessThatIsSilentIsEnded) {
-  Thumbnailer thumbnailer(Script("exec sleep 60"));
+  Thumbnailer thumbnailer(Script("printf KTHR >&0; exec sleep 60"));
   EXPECT_EQ(ReasonOf(thumbnailer, std::chrono::milliseconds(150)), "the process that draws it does not come to an end");
   EXPECT_EQ(thumbnailer.Process(), 0);
 }
@@ -77,12 +84,30 @@ TEST_F(ThumbnailerTest, ARequestToStopEndsTheWait) {
 
 TEST_F(ThumbnailerTest, AProgramThatIsMissingIsAFailure) {
   Thumbnailer thumbnailer("/nonexistent/kelva-thumbnail");
-  try {
-    ReasonOf(thumbnailer);
-    FAIL() << "started";
-  } catch (const Failure& failure) {
-    EXPECT_THAT(failure.what(), HasSubstr("Cannot run /nonexistent/kelva-thumbnail"));
-  }
+  EXPECT_THAT(FailureOf(thumbnailer), HasSubstr("Cannot run /nonexistent/kelva-thumbnail"));
+}
+
+TEST_F(ThumbnailerTest, AProgramThatCannotConfineItselfIsAFailureAndNoDamagedPicture) {
+  Thumbnailer thumbnailer(Script("exit 3"));
+  EXPECT_THAT(FailureOf(thumbnailer), HasSubstr("give up its rights, so no picture was decoded; run kelva where"));
+  EXPECT_EQ(thumbnailer.Process(), 0);
+}
+
+TEST_F(ThumbnailerTest, AProgramThatEndsBeforeItsFirstPictureIsAFailure) {
+  Thumbnailer thumbnailer(Script("exit 127"));
+  EXPECT_THAT(FailureOf(thumbnailer), HasSubstr("it ended with status 127; install kelva again"));
+}
+
+TEST_F(ThumbnailerTest, AProgramThatNeverBecomesReadyIsAFailure) {
+  Thumbnailer thumbnailer(Script("exec sleep 60"));
+  EXPECT_THAT(FailureOf(thumbnailer, std::chrono::milliseconds(150)), HasSubstr("it is silent; install kelva again"));
+  EXPECT_EQ(thumbnailer.Process(), 0);
+}
+
+TEST_F(ThumbnailerTest, AProgramOfAnotherVersionIsAFailure) {
+  Thumbnailer thumbnailer(Script("printf HTTP/1.1 >&0; exec sleep 60"));
+  EXPECT_THAT(FailureOf(thumbnailer), HasSubstr("install both from one version"));
+  EXPECT_EQ(thumbnailer.Process(), 0);
 }
 
 TEST_F(ThumbnailerTest, TheProgramLiesBesideTheToolOrWhereItIsInstalled) {

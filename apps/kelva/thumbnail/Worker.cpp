@@ -31,6 +31,7 @@ std::size_t ReadAll(int descriptor, std::span<char> bytes) {
 bool DrawAll(int descriptor) {
   // Kept from picture to picture, so that its pages need not come anew for each.
   std::vector<char> file;
+  if (base::WriteAll(descriptor, kReady) != 0) return false;
   for (;;) {
     std::array<char, 8> head{};
     const std::size_t came = ReadAll(descriptor, head);

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <string>
 #include <thread>
 
 #include "apps/kelva/thumbnail/Drawing.h"
@@ -27,6 +28,9 @@ class WorkerTest : public ::testing::Test {
       ended_ = DrawAll(far_.Get());
       far_.Reset();
     });
+    std::array<std::uint8_t, 4> ready{};
+    EXPECT_TRUE(base::ReceiveAll(near_.Get(), ready));
+    EXPECT_EQ(std::string(ready.begin(), ready.end()), "KTHR");
   }
   ~WorkerTest() override { End(); }
   bool End() {

@@ -13,6 +13,6 @@
 int main() {
   // Some processors' decoders look into files at their first use.
   apps::DecodeJpeg(apps::EncodeJpeg({8, 8, std::vector<std::uint8_t>(8 * 8 * 3)}), 8);
-  if (!apps::Confine()) return EXIT_FAILURE;
+  if (!apps::Confine()) return apps::kCannotConfine;
   return apps::DrawAll(STDIN_FILENO) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
