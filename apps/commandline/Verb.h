@@ -57,7 +57,7 @@ struct Verb {
   bool guarded = false;               ///< an abort in one item does not end the whole; see Guard
   std::string_view guardedWith = {};  ///< for verbs that are guarded with one option only: that option
   std::string_view alias = {};        ///< a second name, accepted but not listed
-  bool mayMeetSecrets = false;        ///< errors do not repeat words and options that the verb does not know
+  bool mayMeetSecrets = false;        ///< errors do not repeat what was typed; see Discreet
 };
 
 }  // namespace apps

@@ -8,12 +8,14 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/camera/Attached.h"
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Aborts.h"
 #include "apps/commandline/Context.h"
+#include "apps/commandline/Discretion.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Run.h"
@@ -82,7 +84,7 @@ class Tool {
       call_ = Parse(TheTool(), arguments_);
       return Dispatch();
     } catch (const std::exception& error) {
-      return GiveError(reporter_, out_, call_, Explain(error, "start"));
+      return GiveDiscreetly(Explain(error, "start"));
     }
   }
 
@@ -111,7 +113,7 @@ class Tool {
     if (FindVerb(HelpVerbs(), call_.Name()) != nullptr) return;
     if (const auto wanted = WantedTrace(call_)) {
       trace_.emplace(*wanted, TheTool(), call_.Name(),
-                     [this](const std::string& sentence) { reporter_.Note(sentence); });
+                     [this](const std::string& sentence) { reporter_.Note(Said(sentence)); });
     }
   }
 
@@ -119,6 +121,11 @@ class Tool {
     PrepareForAborts();
     if (guard != nullptr) supervision.afterStop = [guard] { return AfterStop(*guard); };
     return Supervise([this, guard](const Stop& stop) { return Work(stop, guard); }, supervision, reporter_);
+  }
+
+  std::string Said(std::string sentence) const { return Discreet(std::move(sentence), TheTool(), arguments_); }
+  ExitCode GiveDiscreetly(const Outcome& outcome) {
+    return GiveError(reporter_, out_, call_, {outcome.code, Said(outcome.sentence)});
   }
 
   // For a command that was ended. Its worker may sit in a transfer for good, so this writes without the worker's output
@@ -148,12 +155,13 @@ class Tool {
       if (FindVerb(HelpVerbs(), call_.Name()) == nullptr) ChooseSource();
       return call_.verb->run(context);
     } catch (const std::exception& error) {
-      return GiveError(reporter_, out_, call_, Explain(error, context.WasDoing()));
+      return GiveDiscreetly(Explain(error, context.WasDoing()));
     }
   }
 
   void ChooseSource() {
-    ChooseCameraSource(call_.Value("virtual"), [this](const std::string& said) { reporter_.Note(Printable(said)); });
+    ChooseCameraSource(call_.Value("virtual"),
+                       [this](const std::string& said) { reporter_.Note(Said(Printable(said))); });
   }
 
   std::span<const char* const> arguments_;

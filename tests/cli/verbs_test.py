@@ -231,6 +231,18 @@ class EveryVerbTest(Bus):
                 secret = verb == "wifi passphrase"
                 (self.assertNotIn if secret else self.assertIn)("--no-such-option", document["error"])
 
+    def test_a_passphrase_at_the_wrong_place_is_not_repeated(self):
+        secret = "hunter2secret"
+        for words in ((secret,), ("--setting", secret), ("--setting=" + secret,), ("--timeout", secret), ("-s", secret),
+                      ("-s" + secret,), ("--" + secret,), ("--json=" + secret,)):
+            for line in (("wifi", "passphrase", *words), (*words, "wifi", "passphrase")):
+                with self.subTest(line=line):
+                    run = self.kelva(*line, "--json")
+                    if line[0] == secret:
+                        continue  # the name of a command, which is said
+                    self.assertNotEqual(run.returncode, 0)
+                    self.assertNotIn(secret, run.stdout + run.stderr)
+
 
 if __name__ == "__main__":
     bench_of_cameras.main()
