@@ -5,7 +5,7 @@ set(kelva_rooms kelva_wifi kelva_usb_osx kelva_embed)
 # What a program includes. The rooms' inner headers stay in the tree.
 set(kelva_headers
   src/wifi/Camera.h src/wifi/CameraDirent.h src/wifi/CameraError.h src/wifi/DcfObj.h src/wifi/FileReader.h
-  src/wifi/Sha1obj.h src/wifi/Traced.h src/wifi/VscCdb.h src/wifi/VscRecords.h
+  src/wifi/FileWriter.h src/wifi/Sha1obj.h src/wifi/Traced.h src/wifi/VscCdb.h src/wifi/VscRecords.h
   src/usb/osx/Listener.h src/usb/osx/OsxCameraError.h
   embed/CameraSource.h embed/EventLoop.h)
 if(APPLE)

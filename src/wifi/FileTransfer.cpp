@@ -25,12 +25,8 @@ std::vector<char> Camera::ReadFile(const char* path, void (*progress)(void*, flo
 }
 
 void Camera::WriteFile(const char* path, const char* data, int length, void (*progress)(void*, float), void* context) {
-  ClearCancel(true);
-  _VscCdb open = Block(Operation::kSelect, kelva::select::kFile);
-  open.bytes[kelva::at::kParameter] = kelva::kSelectForWriting;
-  kelva::SendText(*this, open, path, true);
-  kelva::WriteChunks(*this, chunkSize_, {data, length, progress, context, progressInterval_});
-  kelva::SendCommand(*this, Block(Operation::kEndWrite, kelva::kEndWriteFile), true);
+  kelva::MemorySource source(data);
+  kelva::SendFile(*this, path, chunkSize_, {length, progress, context, progressInterval_}, source);
 }
 
 bool Camera::DeleteFile(const char* path) {

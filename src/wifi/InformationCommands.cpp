@@ -61,12 +61,9 @@ std::string Camera::ConsoleLog(bool& more) {
 }
 
 void Camera::Upgrade(const char* image, int length, void (*progress)(void*, float), void* context) {
-  ClearCancel(true);
-  _VscCdb begin = Block(Operation::kBeginUpgrade);
-  kelva::StoreU32(begin.bytes + kelva::at::kUpgradeLength, static_cast<std::uint32_t>(length));
-  kelva::SendCommand(*this, begin, true);
-  kelva::WriteChunks(*this, chunkSize_, {image, length, progress, context, progressInterval_});
-  kelva::SendCommand(*this, Block(Operation::kAction, kelva::action::kEndUpgrade), true);
+  kelva::MemorySource source(image);
+  kelva::SendImage(*this, static_cast<std::uint32_t>(length), chunkSize_,
+                   {length, progress, context, progressInterval_}, source);
 }
 
 void Camera::UpgradeStatus(float& progress, bool& first, bool& second) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "FileReader.h"
+#include "FileWriter.h"
 #include "testing/PlainCamera.h"
 #include "testing/Switches.h"
 
@@ -191,6 +192,17 @@ TEST(Allocations, AWriteDoesNotAllocatePerChunk) {
     return [&, length](Camera& target) { target.Upgrade(data.data(), length, nullptr, nullptr); };
   };
   EXPECT_EQ(Measure(camera, upgrade(65536)).allocations, Measure(camera, upgrade(16)).allocations);
+}
+
+TEST(Allocations, AWriteFromASourceAllocatesOneChunk) {
+  Stream camera(16, 0, 0);
+  const kelva::ByteSource source = [](std::span<char>) {};
+  const auto write = [&](std::uint32_t length) {
+    return [&, length](Camera& target) { kelva::WriteFile(target, "x", length, source); };
+  };
+  const Counters measured = Measure(camera, write(65536));
+  EXPECT_EQ(measured.allocations, Measure(camera, write(16)).allocations);
+  EXPECT_EQ(measured.largest, 16U);
 }
 
 TEST(Allocations, AReadOfAClaimedSizeAllocatesItsResultOnce) {
