@@ -15,7 +15,8 @@ concept Is = std::same_as<std::remove_const_t<Value>, Record>;
 
 // The fields of each record in the order of its bytes, to read and to write.
 auto Fields(Is<PlugRequest> auto& plug) {
-  return std::tie(plug.serial, plug.storage, plug.revision, plug.catalogue, plug.peripheralType, plug.traits);
+  return std::tie(plug.serial, plug.storage, plug.revision, plug.catalogue, plug.peripheralType, plug.traits,
+                  plug.seed);
 }
 auto Fields(Is<FaultRequest> auto& fault) {
   return std::tie(fault.serial, fault.name, fault.at);
@@ -87,7 +88,7 @@ bool IsSound(const Record&) {
 }
 
 bool IsSound(const PlugRequest& plug) {
-  return plug.traits <= (kForwardOnly | kWithoutKeys);
+  return plug.traits <= (kForwardOnly | kWithoutKeys | kOpaque);
 }
 
 bool IsSound(const ErrorAnswer& error) {

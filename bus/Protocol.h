@@ -53,6 +53,7 @@ struct Frame {
 /// What is peculiar about a camera: bits of PlugRequest::traits.
 inline constexpr std::uint8_t kForwardOnly = 1;
 inline constexpr std::uint8_t kWithoutKeys = 2;
+inline constexpr std::uint8_t kOpaque = 4;
 
 struct PlugRequest {
   std::string serial;
@@ -61,6 +62,7 @@ struct PlugRequest {
   std::string catalogue;
   std::uint8_t peripheralType = 0;
   std::uint8_t traits = 0;
+  std::uint32_t seed = 0;  ///< of a camera that is opaque
 };
 
 struct FaultRequest {

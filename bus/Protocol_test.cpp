@@ -8,7 +8,7 @@ namespace {
 // A command with two bytes for the camera, announced as three.
 const base::Bytes kCommandBytes{1, 0xC5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x99, 3, 0, 0, 0, 'a', 'b'};
 const base::Bytes kReplyBytes{3, 2, 5, 0x14, 1, 7, 0, 0, 0, 'x', 'y'};
-const base::Bytes kPlugBytes{1, 0, 'K', 2, 0, '/', 's', 0, 0, 0, 0, 5, 3};
+const base::Bytes kPlugBytes{1, 0, 'K', 2, 0, '/', 's', 0, 0, 0, 0, 5, 7, 0x78, 0x56, 0x34, 0x12};
 const base::Bytes kFaultBytes{1, 0, 'K', 4, 0, 'f', 'a', 'i', 'l', 9, 0, 0, 0, 0, 0, 0, 0};
 const base::Bytes kErrorBytes{3, 2, 0, 'n', 'o'};
 const base::Bytes kStatusBytes{9, 0, 0,   0, 1, 0, 'K', 1, 0, 'v', 1, 0, 'p', 1, 0, 'r',
@@ -60,10 +60,11 @@ TEST(Wire, SaysAPlug) {
   EXPECT_EQ(plug->serial, "K");
   EXPECT_EQ(plug->storage, "/s");
   EXPECT_EQ(plug->peripheralType, 5);
-  EXPECT_EQ(plug->traits, kForwardOnly | kWithoutKeys);
+  EXPECT_EQ(plug->traits, kForwardOnly | kWithoutKeys | kOpaque);
+  EXPECT_EQ(plug->seed, 0x12345678U);
   EXPECT_EQ(Encode(*plug), kPlugBytes);
   base::Bytes bytes = kPlugBytes;
-  bytes.back() = 4;
+  bytes[12] = 8;
   EXPECT_FALSE(Decode<PlugRequest>(bytes)) << "no such trait";
 }
 

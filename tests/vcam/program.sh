@@ -71,7 +71,8 @@ expect 0 "Plugged in K100" plug --socket "$socket" --serial K100 --storage "$wor
 expect 1 "plugged in already" plug --socket "$socket" --serial K100 --storage "$work/card"
 expect 1 "There is no folder" plug --socket "$socket" --serial K200 --storage "$work/none"
 expect 1 "catalogue layout odd" plug --socket "$socket" --serial K200 --storage "$work/card" --catalogue odd
-expect 0 "Plugged in K300" plug --socket "$socket" --serial K300 --storage "$work/card" --forward-only --no-keys
+expect 2 "a seed" plug --socket "$socket" --serial K300 --storage "$work/card" --opaque many
+expect 0 "Plugged in K300" plug --socket "$socket" --serial K300 --storage "$work/card" --forward-only --no-keys --opaque 7
 expect 0 "Unplugged K300." unplug --socket "$socket" K300
 expect 0 "K100  revision Q42, type 5, free" status --socket "$socket"
 expect 0 "K100  revision Q42" status --virtual "$socket"
@@ -152,7 +153,7 @@ offer() {
   [ "${line#Offering camera K300; plug it in with: usbip --tcp-port }" != "$line" ] || fail "usbip said: $line"
   rmdir "$work/temporary" || fail "usbip left something in TMPDIR"
 }
-offer --speed super --catalogue wide --forward-only --no-keys --fault short@2
+offer --speed super --catalogue wide --forward-only --no-keys --opaque 7 --fault short@2
 [ "$folders" = 1 ] || fail "what hosts write is not kept apart: $folders private folders"
 offer --writable
 [ "$folders" = 0 ] || fail "--writable has $folders private folders"

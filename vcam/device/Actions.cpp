@@ -34,6 +34,10 @@ wire::Reply SetTime(Device& device, const wire::Command& command) {
   if (command.direction != wire::Direction::kToCamera || command.data.size() != kTimeLength) {
     return Refuse(sense::kWrongDataLength);
   }
+  if (device.options.opaque) {
+    device.givenTime.assign(command.data.begin(), command.data.end());
+    return Taken(command);
+  }
   if (!device.clock.Set(command.data)) return Refuse(sense::kBadParameter);
   device.settings.clockOffsetMs = device.clock.Offset().count();
   device.console.Log("clock set");

@@ -59,7 +59,8 @@ struct Device {
   KeyIndex keys;
   HostTime readyAt;
   std::uint32_t doneCount = 0;
-  float battery = 100.0F;  ///< per cent; charged at every start
+  base::Bytes givenTime{};  ///< what a host has set, by a camera whose clock means nothing
+  float battery = 100.0F;   ///< per cent; charged at every start
   bool nextUpgradeFails = false;
   std::optional<Selected> selected;
   std::optional<WriteTarget> writing;

@@ -4,6 +4,7 @@
 #include "src/wifi/VscRecords.h"
 #include "vcam/device/CameraPath.h"
 #include "vcam/device/Listing.h"
+#include "vcam/device/Opaque.h"
 
 namespace vcam {
 namespace {
@@ -26,6 +27,8 @@ base::Bytes InformationRecord(const Device& device, Marks& marks) {
   }
   record.resize(kTextsLength);
   record.resize(sizeof(_VscCdbCameraInformation));
+  if (device.options.opaque) marks.names.clear();
+  MakeOpaque(device.options.opaque, "information", record);
   return record;
 }
 

@@ -57,6 +57,9 @@ struct Options {
   bool hasKeys = true;
   /// Whether the camera ignores the offset of a read and sends the next bytes of its selection.
   bool forwardOnly = false;
+  /// With a seed, everything that the protocol leaves to the camera is bytes without a meaning: types 5 to 9 of the
+  /// catalogue, clock, battery and information record. Lengths stay.
+  std::optional<std::uint32_t> opaque{};
   /// How long a reboot and the writing of a received firmware image take.
   std::chrono::milliseconds bootTime{1500};
   std::chrono::milliseconds upgradeTime{3000};

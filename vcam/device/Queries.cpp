@@ -4,6 +4,7 @@
 
 #include "src/wifi/VscRegister.h"
 #include "vcam/device/Handlers.h"
+#include "vcam/device/Opaque.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
 
@@ -23,6 +24,19 @@ wire::Reply AnswerNumbers(const wire::Command& command, Numbers... values) {
 wire::Reply Size(Device& device, const wire::Command& command) {
   if (!device.selected) return Refuse(sense::kWrongSequence);
   return AnswerNumbers(command, static_cast<std::uint32_t>(device.selected->data.Size()));
+}
+
+wire::Reply Time(const Device& device, const wire::Command& command) {
+  base::Bytes bytes = device.clock.Read();
+  MakeOpaque(device.options.opaque, "clock", bytes);
+  return Answer(command, device.givenTime.empty() ? std::move(bytes) : device.givenTime);
+}
+
+wire::Reply Battery(const Device& device, const wire::Command& command) {
+  base::Bytes bytes;
+  base::Append(bytes, device.battery);
+  MakeOpaque(device.options.opaque, "battery", bytes);
+  return Answer(command, std::move(bytes));
 }
 
 wire::Reply ConsolePiece(Device& device, const wire::Command& command) {
@@ -52,13 +66,13 @@ wire::Reply HandleQuery(Device& device, const wire::Command& command) {
     case kelva::query::kConsoleLog:
       return ConsolePiece(device, command);
     case kelva::query::kTime:
-      return Answer(command, device.clock.Read());
+      return Time(device, command);
     case kelva::query::kReady:
       return AnswerNumbers(command, std::uint32_t{device.Ready()});
     case kelva::query::kDoneCommands:
       return AnswerNumbers(command, device.doneCount);
     case kelva::query::kBattery:
-      return AnswerNumbers(command, device.battery);
+      return Battery(device, command);
     case kelva::query::kManualControls:
       return ManualControls(device, command);
     default:

@@ -2,6 +2,7 @@
 #include <limits>
 #include <utility>
 
+#include "src/wifi/DcfObj.h"
 #include "src/wifi/VscRegister.h"
 #include "vcam/device/BatchText.h"
 #include "vcam/device/Bundles.h"
@@ -10,6 +11,7 @@
 #include "vcam/device/Handlers.h"
 #include "vcam/device/Information.h"
 #include "vcam/device/Listing.h"
+#include "vcam/device/Opaque.h"
 #include "vcam/device/Pictures.h"
 #include "vcam/device/Replies.h"
 #include "vcam/device/SenseCodes.h"
@@ -68,7 +70,10 @@ std::string KeyOfFirstFile(Device& device, const Picture& picture) {
 wire::Reply SelectCatalogue(Device& device, const wire::Command& command) {
   std::vector<base::Bytes> records;
   for (const Picture& picture : FindPictures(device.storage)) {
-    records.push_back(PlainRecord(picture, device.options.hasKeys ? KeyOfFirstFile(device, picture) : std::string()));
+    base::Bytes& record = records.emplace_back(
+        PlainRecord(picture, device.options.hasKeys ? KeyOfFirstFile(device, picture) : std::string()));
+    const std::string name(record.begin(), record.begin() + offsetof(DcfObj, hasJpg));
+    MakeOpaque(device.options.opaque, name, std::span(record).subspan(offsetof(DcfObj, value5)));
   }
   return Prepared(device, command, BuildCatalogue(records, device.options.catalogue), kelva::read_chunk::kSelected);
 }

@@ -37,6 +37,10 @@ apps::ExitCode Plug(apps::Context& context) {
   request.catalogue = call.Value("catalogue").value_or("");
   if (call.Has("forward-only")) request.traits |= bus::kForwardOnly;
   if (call.Has("no-keys")) request.traits |= bus::kWithoutKeys;
+  if (const auto seed = OpaqueSeed(call)) {
+    request.traits |= bus::kOpaque;
+    request.seed = *seed;
+  }
   AskBus(call, bus::Kind::kPlug, bus::Encode(request));
   if (const std::string note = StorageNote(request.storage); !note.empty()) context.reporter.Note(note);
   apps::Json members = apps::Json::Object().Set("serial", request.serial);
@@ -59,8 +63,8 @@ apps::ExitCode Unplug(apps::Context& context) {
   return apps::ExitCode::kDone;
 }
 
-constexpr apps::Option kPlugOptions[] = {kBus,  kNewSerial, kStorage,     kRevision,
-                                         kType, kCatalogue, kForwardOnly, kNoKeys};
+constexpr apps::Option kPlugOptions[] = {kBus,       kNewSerial,   kStorage, kRevision,    kType,
+                                         kCatalogue, kForwardOnly, kNoKeys,  kOpaqueOption};
 constexpr apps::Option kUnplugOptions[] = {kBus, kSerial};
 constexpr apps::Argument kUnplugWords[] = {
     {"SERIAL", "The serial number, instead of --serial.", apps::Argument::Count::kOptional, apps::Offer::kSerial}};

@@ -59,6 +59,7 @@ Options OptionsOf(const apps::Invocation& call) {
   options.peripheralType = PeripheralType(call);
   options.forwardOnly = call.Has("forward-only");
   options.hasKeys = !call.Has("no-keys");
+  options.opaque = OpaqueSeed(call);
   const std::string name = call.Value("catalogue").value_or("standard");
   const auto layout = CatalogueLayout::ByName(name);
   if (!layout) throw NotOneOf(kCatalogue, name);
@@ -132,6 +133,7 @@ std::span<const apps::Verb> UsbipVerbs() {
       kCatalogue,
       kForwardOnly,
       kNoKeys,
+      kOpaqueOption,
       kSpeed,
       {"port", 0, "N", "Port of loopback to listen on; 0 takes any; 3240 if not given."},
       {"writable", 0, "", "Keep in the folder what a host writes and deletes; otherwise the folder stays as it is."},

@@ -1,4 +1,5 @@
 // kelva-vcam as the command line's machinery sees it, and what its verbs share.
+#include <limits>
 #include <vector>
 
 #include "apps/commandline/Failure.h"
@@ -68,6 +69,13 @@ std::uint8_t PeripheralType(const apps::Invocation& call) {
   constexpr long long kLargest = 31;
   const auto text = call.Value("type");
   return static_cast<std::uint8_t>(text ? apps::ParseNumber(*text, "a SCSI peripheral type", 0, kLargest) : 3);
+}
+
+std::optional<std::uint32_t> OpaqueSeed(const apps::Invocation& call) {
+  constexpr long long kLargest = std::numeric_limits<std::uint32_t>::max();
+  const auto text = call.Value("opaque");
+  if (!text) return std::nullopt;
+  return static_cast<std::uint32_t>(apps::ParseNumber(*text, "a seed", 0, kLargest));
 }
 
 bus::Frame AskBus(const apps::Invocation& call, bus::Kind kind, const base::Bytes& payload) {

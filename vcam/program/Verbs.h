@@ -1,6 +1,8 @@
 #ifndef KELVA_VCAM_PROGRAM_VERBS_H_
 #define KELVA_VCAM_PROGRAM_VERBS_H_
 
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -57,6 +59,14 @@ inline constexpr apps::Option kForwardOnly = {
     "forward-only", 0, "", "Ignore the offset of a read and send the next bytes of the selection, as a stream does."};
 inline constexpr apps::Option kNoKeys = {
     "no-keys", 0, "", "Know no SHA-1 keys, so that no file is read before a host asks for it: for large cards."};
+
+inline constexpr apps::Option kOpaqueOption = {"opaque", 0, "SEED",
+                                               "Fill what the protocol leaves to cameras with random bytes from this "
+                                               "number: clock, battery, information record, and "
+                                               "the catalogue's fields 5 to 9."};
+
+/// The number that --opaque gives, if it is given.
+std::optional<std::uint32_t> OpaqueSeed(const apps::Invocation& call);
 
 /// The number that --type gives.
 std::uint8_t PeripheralType(const apps::Invocation& call);

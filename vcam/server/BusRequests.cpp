@@ -79,6 +79,7 @@ bool Bus::AddCamera(PeerId peer, const bus::Frame& frame, const bus::PlugRequest
   options.peripheralType = request.peripheralType;
   options.forwardOnly = (request.traits & bus::kForwardOnly) != 0;
   options.hasKeys = (request.traits & bus::kWithoutKeys) == 0;
+  if ((request.traits & bus::kOpaque) != 0) options.opaque = request.seed;
   if (!request.revision.empty()) options.revision = request.revision;
   const auto layout = CatalogueLayout::ByName(request.catalogue.empty() ? "standard" : request.catalogue);
   if (!layout) {

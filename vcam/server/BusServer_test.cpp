@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <iterator>
 #include <random>
+#include <set>
 
 #include "base/testing/NoFreeDescriptor.h"
 #include "base/testing/RandomSeed.h"
@@ -112,6 +113,24 @@ TEST_F(BusServerTest, FreesTheCameraOfAPeerThatHasGone) {
   // The bus has seen the end of the first by the time it answers a later connection.
   EXPECT_EQ(CountCameras(), 1U);
   EXPECT_EQ(second.Request(bus::Kind::kStartSession, bus::EncodeNumber(1)).kind, bus::Kind::kOk);
+}
+
+TEST_F(BusServerTest, PlugsAnOpaqueCameraWithItsSeed) {
+  bus::BusConnection connection(server_.Path());
+  std::set<base::Bytes> levels;
+  for (const std::uint32_t seed : {1U, 2U, 1U}) {
+    bus::PlugRequest opaque{"A", server_.Scratch().Path().string(), "", "", 3, bus::kOpaque, seed};
+    const bus::Frame plugged = connection.Request(bus::Kind::kPlug, bus::Encode(opaque));
+    connection.Request(bus::Kind::kStartSession, plugged.payload);
+    wire::Command battery = vcam::test::Block({0xC6, 0, 0x06});
+    battery.direction = wire::Direction::kFromCamera;
+    battery.length = 4;
+    levels.insert(
+        bus::Decode<wire::Reply>(connection.Request(bus::Kind::kCommand, bus::Encode(battery)).payload)->data);
+    connection.Request(bus::Kind::kUnplug, bus::EncodeText("A"));
+  }
+  EXPECT_EQ(levels.size(), 2U);
+  EXPECT_FALSE(levels.contains({0, 0, 0xC8, 0x42}));
 }
 
 TEST_F(BusServerTest, PlugsACameraWithItsTraits) {
