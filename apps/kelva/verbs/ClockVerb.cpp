@@ -62,6 +62,18 @@ ExitCode ShowTime(Context& context, const Session& camera, bool utc) {
                         IsoText(*time) + (utc ? " UTC" : " local time") + ", " + Difference(ahead) + "\n");
 }
 
+// Never sends a camera a record in a layout that may not be its own.
+void SetClock(Camera& camera, const std::string& wanted, bool utc) {
+  const _VscCdbTime record = camera.GetTime();
+  if (!DecodeClock(record)) {
+    throw Failure(ExitCode::kFailed,
+                  "The camera's clock is no time in the layout that this tool knows (its 14 bytes are " +
+                      base::Hex(Bytes14(record)) + "), so it was not set; set it in the camera's menu.");
+  }
+  // Only now, so that the time spent on asking is not lost.
+  camera.SetTime(EncodeClock(TimeToSet(wanted, utc)));
+}
+
 ExitCode RunTime(Context& context) {
   const bool utc = InUtc(context);
   const auto wanted = context.call.Value("set");
@@ -69,8 +81,7 @@ ExitCode RunTime(Context& context) {
     TimeToSet(*wanted, utc);  // a wrong time is an error before the camera is opened
   }
   const Session camera(context, wanted ? "set the camera's clock" : "read the camera's clock");
-  // Only now, so that the time spent on opening is not lost.
-  if (wanted) camera->SetTime(EncodeClock(TimeToSet(*wanted, utc)));
+  if (wanted) SetClock(*camera, *wanted, utc);
   return ShowTime(context, camera, utc);
 }
 
@@ -92,7 +103,7 @@ constexpr Verb kVerbs[] = {
 show and to set it, and prints the zone beside the time.
 
 The camera sends a record of 14 bytes, read here as seven little-endian 16-bit numbers from year to millisecond. A
-record that is not a valid time in this layout is shown in hexadecimal. After setting, the clock is read back and
+record that is not a valid time in this layout is shown in hexadecimal, and such a clock is not set. After setting, the clock is read back and
 shown.)",
      R"(time: text without a zone; null if the record is not a valid time
 zone: utc or local, as the time was read

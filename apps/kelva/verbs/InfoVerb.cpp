@@ -20,25 +20,32 @@ ExitCode RunInfo(Context& context) {
     throw Failure(ExitCode::kFailed, "The camera gave no information about itself.");
   }
   const std::vector<std::string> texts = InformationTexts(record);
+  const bool known = AreKnownTexts(texts, camera.Facts());
   Json list = Json::Array();
   std::vector<std::vector<std::string>> rows;
   for (std::size_t i = 0; i < texts.size(); ++i) {
-    const std::string name = InformationName(i);
+    const std::string name = known ? InformationName(i) : "";
     list.Push(Json::Object().Set("name", name).SetBytes("text", texts[i]));
     rows.push_back({name.empty() ? std::to_string(i + 1) : name, Printable(texts[i])});
   }
   Json members = CameraResult(camera).Set("texts", std::move(list)).Set("last", record.last);
   members.Set("record", base::Hex({reinterpret_cast<const char*>(record.information), sizeof record.information}));
-  return context.Result(std::move(members), Columns(rows));
+  context.Result(std::move(members), texts.empty() ? InformationDump(record) : Columns(rows));
+  if (texts.empty()) {
+    context.reporter.Note(
+        "The camera's record holds no texts that this tool can read; its bytes are shown in hexadecimal.");
+  }
+  return ExitCode::kDone;
 }
 
 constexpr Example kExamples[] = {{"kelva info", "Show model, revision and firmware."}};
 
 constexpr Verb kVerbs[] = {
     {"info", "Show what the camera says about itself", kNoArguments, kNoOptions,
-     R"(The camera sends a record of texts, one after another. The first ones are shown with the names that this
-tool knows, the others with their number.)",
-     R"(texts: array of name (empty if not known) and text
+     R"(The camera sends a record whose layout is its own. If it holds texts, one after another, they are shown with
+their number. If they begin with the serial number and the vendor that the system knows too, the first ones have names. Any other
+record is shown in hexadecimal.)",
+     R"(texts: array of name (empty if not known) and text; empty if the record does not hold texts
 last: the number after the record
 record: its 640 bytes in hexadecimal)",
      kExamples, RunInfo}};

@@ -25,7 +25,7 @@ ExitCode RunPictures(Context& context) {
   std::vector<std::vector<std::string>> rows = {{"PICTURE", "FILES", "TIME"}};
   for (const DcfObj& picture : catalogue) {
     if (context.Json()) list.Push(PictureMembers(picture));
-    rows.push_back({PictureName(picture), TypeList(picture), PictureTime(picture).value_or("")});
+    rows.push_back({PictureName(picture), TypeList(picture), PictureTime(picture).value_or("no date")});
   }
   context.Result(CameraResult(camera).Set("pictures", std::move(list)), catalogue.empty() ? "" : Columns(rows));
   if (catalogue.empty()) context.reporter.Note("There are no pictures in the camera's catalogue.");

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/Battery.h"
 #include "apps/camera/Clock.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Information.h"
@@ -19,7 +20,6 @@
 #include "apps/files/SafeName.h"
 #include "apps/files/StoreFile.h"
 #include "apps/files/Tar.h"
-#include "apps/kelva/verbs/Number.h"
 #include "apps/kelva/verbs/Verbs.h"
 #include "apps/trace/Trace.h"
 
@@ -54,8 +54,10 @@ std::string CameraFacts(Camera& camera, const RegistryCamera& facts) {
   if (!camera.CameraInformation(record)) {
     throw Failure(ExitCode::kFailed, "The camera gave no information about itself.");
   }
-  for (const std::string& line : InformationTexts(record)) text += "information: " + Printable(line) + "\n";
-  text += "battery: " + Shortest(camera.BatteryLevel()) + "\n";
+  const std::vector<std::string> texts = InformationTexts(record);
+  for (const std::string& line : texts) text += "information: " + Printable(line) + "\n";
+  if (texts.empty()) text += "information, in hexadecimal:\n" + InformationDump(record);
+  text += "battery: " + LevelText(camera.BatteryLevel()) + "\n";
   text += "completed commands: " + std::to_string(camera.GetDoneCmdCount()) + "\n";
   return text + "pictures: " + std::to_string(ReadPictures(camera).size()) + "\n";
 }

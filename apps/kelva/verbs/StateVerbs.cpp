@@ -3,6 +3,7 @@
 #include <thread>
 #include <utility>
 
+#include "apps/camera/Battery.h"
 #include "apps/camera/LastingSession.h"
 #include "apps/commandline/Failure.h"
 #include "apps/kelva/verbs/Number.h"
@@ -29,7 +30,9 @@ ExitCode RunReady(Context& context) {
 ExitCode RunBattery(Context& context) {
   const Session camera(context, "read the battery level");
   const float level = camera->BatteryLevel();
-  return context.Result(CameraResult(camera).Set("level", NumberOf(level)), Shortest(level) + "\n");
+  const Json number = IsReadableLevel(level) ? NumberOf(level) : Json();
+  return context.Result(CameraResult(camera).Set("level", number).Set("bits", LevelBits(level)),
+                        LevelText(level) + "\n");
 }
 
 ExitCode RunDoneCount(Context& context) {
@@ -82,8 +85,11 @@ constexpr Verb kVerbs[] = {
      "The exit status is 0 if it is ready and 1 if not, so a script need not read the answer.", "ready: true or false",
      kReadyExamples, RunReady},
     {"battery", "Show the battery level", kNoArguments, kNoOptions,
-     "The number is in the camera's own unit, which differs between models.",
-     "level: number; null if the camera sends no valid number", kBatteryExamples, RunBattery},
+     "The number is in the camera's own unit, which differs between models. If it cannot be a level, its 32 bits are "
+     "shown in "
+     "hexadecimal.",
+     "level: number; null if it cannot be a level\nbits: its 32 bits, 0x3f400000 for 0.75", kBatteryExamples,
+     RunBattery},
     {"done-count", "Show how many commands the camera has completed", kNoArguments, kNoOptions,
      "Compare the counts before and after a command to see whether the camera has finished it.", "count: whole number",
      kDoneCountExamples, RunDoneCount},

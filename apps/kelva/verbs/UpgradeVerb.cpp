@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "apps/camera/Battery.h"
 #include "apps/camera/Information.h"
 #include "apps/camera/LastingSession.h"
 #include "apps/commandline/Failure.h"
@@ -21,9 +22,14 @@ namespace {
 
 using namespace std::chrono_literals;
 
-std::string Firmware(Camera& camera) {
+// Empty when the camera does not say it.
+std::string Firmware(LastingSession& session) {
   _VscCdbCameraInformation record{};
-  return camera.CameraInformation(record) ? FirmwareIn(record) : "";
+  return session.Device().CameraInformation(record) ? FirmwareIn(record, session.Current().Facts()) : "";
+}
+
+std::string Named(const std::string& firmware) {
+  return firmware.empty() ? "unknown" : Printable(firmware);
 }
 
 std::vector<char> ReadImage(const std::string& path) {
@@ -106,19 +112,22 @@ ExitCode RunUpgrade(Context& context) {
   const std::string sha1 = Sha1(image);
   context.Doing("prepare the upgrade");
   Upgrade upgrade(context);
-  const std::string before = Firmware(upgrade.Session().Device());
+  const std::string before = Firmware(upgrade.Session());
   const float battery = upgrade.Session().Device().BatteryLevel();
   Confirm(context, Printable(path) + ": " + Bytes(image.size()) + ", SHA-1 " + sha1 + "; firmware now " +
-                       Printable(before) + "; battery level " + Shortest(battery) + " in the camera's own unit.");
+                       Named(before) + "; battery level " + LevelText(battery) + " in the camera's own unit.");
   upgrade.Send(image);
   upgrade.WaitUntilWritten();
   upgrade.WaitUntilBack();
-  const std::string after = Firmware(upgrade.Session().Device());
+  const std::string after = Firmware(upgrade.Session());
   Json members = CameraResult(upgrade.Session().Current());
-  members.Set("size", image.size()).Set("sha1", sha1).Set("battery", NumberOf(battery));
+  members.Set("size", image.size())
+      .Set("sha1", sha1)
+      .Set("battery", IsReadableLevel(battery) ? NumberOf(battery) : Json());
   members.SetBytes("before", before).SetBytes("after", after);
-  context.Result(std::move(members), Printable(after) + "\n");
-  context.reporter.Note("The camera is back with firmware " + Printable(after) + ".");
+  context.Result(std::move(members), Named(after) + "\n");
+  context.reporter.Note(after.empty() ? "The camera is back; it does not say which firmware it has."
+                                      : "The camera is back with firmware " + Printable(after) + ".");
   return ExitCode::kDone;
 }
 
@@ -136,9 +145,9 @@ The camera accepts every image and checks it only when it is written. Do not unp
 Ctrl-C while sending, the image is incomplete and the camera keeps its firmware.)",
      R"(size: of the image
 sha1: of the image
-battery: the level before, in the camera's own unit
-before: the firmware
-after: the firmware)",
+battery: the level before, in the camera's own unit; null if it cannot be a level
+before: the firmware; empty if the camera does not say it
+after: the firmware, likewise)",
      kExamples, RunUpgrade}};
 
 }  // namespace
