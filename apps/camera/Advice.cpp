@@ -73,10 +73,8 @@ std::string Format(const char* format, Values... values) {
 }
 
 Verdict Transport(std::uint32_t status) {
-  return {ExitCode::kFailed,
-          Format("the transfer broke off (host status 0x%02x, driver status 0x%02x); check cable and port, then repeat "
-                 "the command.",
-                 wire::HostStatusOf(status), wire::DriverStatusOf(status))};
+  return {ExitCode::kFailed, "the transfer broke off; check cable and port, then repeat the command.",
+          Format("host status 0x%02x, driver status 0x%02x", wire::HostStatusOf(status), wire::DriverStatusOf(status))};
 }
 
 std::string_view SenseAdvice(wire::Sense sense) {
@@ -96,21 +94,20 @@ std::string SenseName(std::uint8_t key) {
 
 Verdict Refused(const kelva::TransferReport& report) {
   const wire::Sense sense = wire::SenseOf(report.status);
-  std::string clause = "the camera refused the command [" + kelva::BlockText(report.cdb) + "]";
+  const std::string command = "command " + kelva::BlockText(report.cdb);
   if (sense == wire::Sense{}) {
-    clause +=
-        Format(" with status 0x%02x and gave no reason; `kelva ready` shows whether it takes commands.", report.status);
-    return {ExitCode::kRefused, clause};
+    return {ExitCode::kRefused, "the camera refused and gave no reason; `kelva ready` shows whether it takes commands.",
+            command + Format(", status 0x%02x", report.status)};
   }
-  clause += Format(" with sense key %x", sense.key) + SenseName(sense.key);
-  clause += Format(", code %02x/%02x; ", sense.asc, sense.ascq);
-  return {ExitCode::kRefused, clause + std::string(SenseAdvice(sense)) + "."};
+  return {ExitCode::kRefused,
+          "the camera refused" + SenseName(sense.key) + "; " + std::string(SenseAdvice(sense)) + ".",
+          command + Format(", sense key %x, code %02x/%02x", sense.key, sense.asc, sense.ascq)};
 }
 
 Verdict UnknownReturn(const kelva::TransferReport& report) {
-  return {ExitCode::kFailed, "the system's driver failed on the command [" + kelva::BlockText(report.cdb) +
-                                 Format("] with code 0x%08x; `kelva doctor` looks for the cause.",
-                                        static_cast<std::uint32_t>(report.returnCode))};
+  return {ExitCode::kFailed, "the system's driver failed; `kelva doctor` looks for the cause.",
+          "command " + kelva::BlockText(report.cdb) +
+              Format(", code 0x%08x", static_cast<std::uint32_t>(report.returnCode))};
 }
 
 // Quotes the library's message about a wrong answer without its prefix and call stack.

@@ -12,7 +12,8 @@ namespace apps {
 /// How the tool ends after a failure of the camera, and the rest of the sentence "Cannot ...: ".
 struct Verdict {
   ExitCode code;
-  std::string clause;  ///< what came back and what to do, with its full stop
+  std::string clause;      ///< what came back and what to do, with its full stop
+  std::string codes = "";  ///< the same for engineers: command block and numbers; empty when there are none
 };
 
 /// What a failed transfer means for the person at the tool. The only place that turns codes into advice.

@@ -10,9 +10,14 @@
 
 namespace apps {
 
-/// Turns a path as people type it into the camera's: forward slashes, which no name can contain, become backslashes,
-/// and trailing ones are removed. Throws Failure(kUsage) for an empty path or one without a drive ("I:").
+/// Turns a path as people type it, or as ShownPath wrote it, into the camera's. Slashes become backslashes, and trailing ones
+/// are removed. The drive may be left out: "DCIM" and "/DCIM" are on I:. In a path with a forward slash, what ShownPath
+/// writes for a byte that cannot be shown (\\xNN, \\u{N}) stands for that byte. Throws Failure(kUsage) for an empty path.
 std::string ToCameraPath(std::string_view typed);
+
+/// A camera's path for people: forward slashes, safe on a terminal, and in quotes where a shell needs them. Typed again,
+/// it means the same file.
+std::string ShownPath(std::string_view cameraPath);
 
 struct SplitPath {
   std::string folder;  ///< "I:" for an entry directly on the drive
@@ -23,7 +28,8 @@ SplitPath Split(std::string_view cameraPath);
 /// Whether two names mean the same file. Cameras ignore the case of ASCII letters, as FAT does.
 bool SameName(std::string_view a, std::string_view b);
 
-/// Looks a file or folder up in the listing of its parent folder; nothing when the listing does not have it.
+/// Looks a file or folder up in the listing of its parent folder, exactly as it is written or else in another case of
+/// letters. Nothing when the listing does not have it.
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath);
 /// Throws Failure that names the folder when it, or one above it, is missing. The camera would only say that it
 /// refused.

@@ -14,10 +14,41 @@ TEST(CameraPathTest, ForwardSlashesWillDoAndTrailingOnesGo) {
   EXPECT_EQ(ToCameraPath("I:/"), "I:");
 }
 
-TEST(CameraPathTest, APathNeedsADrive) {
-  for (const char* bad : {"", "DCIM", "/DCIM", "I", "1:\\X", "I:X", "./I:/X"}) {
-    EXPECT_THROW(ToCameraPath(bad), Failure) << bad;
-  }
+TEST(CameraPathTest, TheDriveMayBeLeftOut) {
+  EXPECT_EQ(ToCameraPath("DCIM/100ABCDE"), "I:\\DCIM\\100ABCDE");
+  EXPECT_EQ(ToCameraPath("/DCIM"), "I:\\DCIM");
+  EXPECT_EQ(ToCameraPath("MISC"), "I:\\MISC");
+  EXPECT_EQ(ToCameraPath("/"), "I:");
+}
+
+TEST(CameraPathTest, NothingAndWhatOnlyLooksLikeADriveAreNoPaths) {
+  for (const char* bad : {"", "1:\\X", "I:X", "./I:/X"}) EXPECT_THROW(ToCameraPath(bad), Failure) << bad;
+}
+
+TEST(CameraPathTest, AShownPathMeansTheSameFileWhenItIsTyped) {
+  EXPECT_EQ(ShownPath("I:\\DCIM\\100ABCDE\\IMG_0001.JPG"), "I:/DCIM/100ABCDE/IMG_0001.JPG");
+  EXPECT_EQ(ShownPath("I:\\IM\xFF_1.JPG"), "'I:/IM\\xff_1.JPG'");
+  EXPECT_EQ(ToCameraPath("I:/IM\\xff_1.JPG"), "I:\\IM\xFF_1.JPG");
+  EXPECT_EQ(ShownPath("I:\\a\x1b[2J"), "'I:/a\\x1b[2J'");
+  EXPECT_EQ(ToCameraPath("I:/a\\x1b[2J"), "I:\\a\x1b[2J");
+  EXPECT_EQ(ShownPath("I:\\\xE2\x80\xAE.JPG"), "'I:/\\u{202e}.JPG'");
+  EXPECT_EQ(ToCameraPath("I:/\\u{202e}.JPG"), "I:\\\xE2\x80\xAE.JPG");
+  EXPECT_EQ(ShownPath("I:\\a/b"), "'I:/a\\x2fb'");
+  EXPECT_EQ(ToCameraPath("I:/a\\x2fb"), "I:\\a/b");
+}
+
+TEST(CameraPathTest, AShellTakesAShownPathAsOneWord) {
+  EXPECT_EQ(ShownPath("I:\\My holiday 1.jpg"), "'I:/My holiday 1.jpg'");
+  EXPECT_EQ(ShownPath("I:\\it's $HOME.jpg"), "'I:/it'\\''s $HOME.jpg'");
+  EXPECT_EQ(ShownPath("I:\\Z\xC3\xBCrich.JPG"), "I:/Z\xC3\xBCrich.JPG");
+}
+
+TEST(CameraPathTest, ABackslashThatIsNoEscapeSeparates) {
+  EXPECT_EQ(ToCameraPath("I:/DCIM\\x41"), "I:\\DCIM\\x41") << "an A is shown as A";
+  EXPECT_EQ(ToCameraPath("I:\\DCIM\\xff"), "I:\\DCIM\\xff") << "no forward slash";
+  EXPECT_EQ(ToCameraPath("I:/DCIM\\x1"), "I:\\DCIM\\x1");
+  EXPECT_EQ(ToCameraPath("I:/\\u{110000}"), "I:\\\\u{110000}");
+  EXPECT_EQ(ToCameraPath("I:/\\u{}"), "I:\\\\u{}");
 }
 
 TEST(CameraPathTest, TheParentOfAFileOnTheDriveIsTheDrive) {
@@ -53,7 +84,7 @@ TEST(CameraPathTest, TheFirstFolderThatIsMissingIsNamed) {
     RequireFolder(camera, "I:\\NOPE\\DEEPER");
     FAIL();
   } catch (const Failure& failure) {
-    EXPECT_STREQ(failure.what(), "There is no folder I:\\NOPE on the camera; `kelva ls I:` shows what is there.");
+    EXPECT_STREQ(failure.what(), "There is no folder I:/NOPE on the camera; `kelva ls I:` shows what is there.");
   }
 }
 

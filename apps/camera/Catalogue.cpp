@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/Meant.h"
 #include "apps/camera/Picture.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -32,9 +33,20 @@ Wanted Understand(std::string name) {
   return wanted;
 }
 
-bool IsMeant(const DcfObj& picture, const Wanted& wanted) {
-  return SameName(PictureStem(picture), wanted.stem) &&
-         (wanted.folder.empty() || SameName(PictureFolder(picture), wanted.folder));
+bool Matches(const std::string& pattern, const std::string& name) {
+  return SameName(pattern, name) || MatchesName(pattern, name);
+}
+
+std::vector<DcfObj> AllMeant(const std::vector<DcfObj>& catalogue, const std::string& name) {
+  const Wanted wanted = Understand(name);
+  std::vector<DcfObj> meant;
+  for (const DcfObj& picture : catalogue) {
+    if (!Matches(wanted.stem, PictureStem(picture))) continue;
+    if (wanted.folder.empty() || Matches(wanted.folder, PictureFolder(picture))) meant.push_back(picture);
+  }
+  if (!meant.empty()) return meant;
+  throw Failure(ExitCode::kFailed,
+                "There is no picture " + Printable(name) + " in the camera's catalogue; `kelva pictures` lists it.");
 }
 
 }  // namespace
@@ -50,19 +62,16 @@ std::string TypeList(const DcfObj& picture) {
 }
 
 DcfObj FindPicture(const std::vector<DcfObj>& catalogue, const std::string& name) {
-  const Wanted wanted = Understand(name);
-  std::vector<const DcfObj*> meant;
-  for (const DcfObj& picture : catalogue) {
-    if (IsMeant(picture, wanted)) meant.push_back(&picture);
-  }
-  if (meant.size() == 1) return *meant.front();
-  if (meant.empty()) {
-    throw Failure(ExitCode::kFailed,
-                  "There is no picture " + Printable(name) + " in the camera's catalogue; `kelva pictures` lists it.");
-  }
+  const std::vector<DcfObj> meant = AllMeant(catalogue, name);
+  if (meant.size() == 1) return meant.front();
   std::string all;
-  for (const DcfObj* picture : meant) all += (all.empty() ? "" : ", ") + PictureName(*picture);
+  for (const DcfObj& picture : meant) all += (all.empty() ? "" : ", ") + PictureName(picture);
   throw Failure(ExitCode::kUsage, Printable(name) + " may mean " + all + "; name the folder too.");
+}
+
+std::vector<DcfObj> FindPictures(const std::vector<DcfObj>& catalogue, const std::string& name) {
+  if (IsPattern(name)) return AllMeant(catalogue, name);
+  return {FindPicture(catalogue, name)};
 }
 
 Json PictureMembers(const DcfObj& picture) {

@@ -14,6 +14,10 @@ namespace apps {
 /// any case. Throws Failure when there is none, or several.
 DcfObj FindPicture(const std::vector<DcfObj>& catalogue, const std::string& name);
 
+/// As FindPicture, and a name may be a pattern (see Meant.h), which means every picture that it matches. Throws Failure
+/// when there is none.
+std::vector<DcfObj> FindPictures(const std::vector<DcfObj>& catalogue, const std::string& name);
+
 /// The picture's folder and name, printable: "100ABCDE/IMG_0001".
 std::string PictureName(const DcfObj& picture);
 

@@ -11,12 +11,24 @@
 
 namespace apps {
 
-Outcome Explain(const std::exception& error, const std::string& doing) {
+namespace {
+
+std::string WithCodes(const Verdict& verdict) {
+  return verdict.clause.substr(0, verdict.clause.size() - 1) + " [" + verdict.codes + "].";
+}
+
+}  // namespace
+
+Outcome Explain(const std::exception& error, const Context& context) {
+  return Explain(error, context.WasDoing(), context.ShowsCodes());
+}
+
+Outcome Explain(const std::exception& error, const std::string& doing, bool codes) {
   if (const auto* failure = dynamic_cast<const Failure*>(&error)) return {failure->Code(), failure->what()};
   const std::string start = "Cannot " + (doing.empty() ? "do that" : doing) + ": ";
   if (dynamic_cast<const CameraError*>(&error) != nullptr) {
     const Verdict verdict = AdviceFor(std::string_view(error.what()));
-    return {verdict.code, start + verdict.clause};
+    return {verdict.code, start + (codes && !verdict.codes.empty() ? WithCodes(verdict) : verdict.clause)};
   }
   if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) {
     return {ExitCode::kFailed,

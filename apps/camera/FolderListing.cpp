@@ -1,7 +1,7 @@
 // Lists a folder within a bound of memory.
 #include "apps/camera/FolderListing.h"
 
-#include "apps/commandline/Printable.h"
+#include "apps/camera/CameraPath.h"
 #include "src/wifi/CameraError.h"
 #include "src/wifi/ChunkedRead.h"
 #include "src/wifi/Command.h"
@@ -21,7 +21,7 @@ class BoundedListing final : public kelva::ChunkSink {
   void Append(std::span<const char> bytes) override {
     bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
     if (bytes_.size() <= kLargestListing) return;
-    throw CameraError("the listing of " + Printable(path_) + " goes on after " + std::to_string(kLargestListing >> 20) +
+    throw CameraError("the listing of " + ShownPath(path_) + " goes on after " + std::to_string(kLargestListing >> 20) +
                       " MiB");
   }
   const std::vector<char>& Bytes() const { return bytes_; }

@@ -15,21 +15,9 @@ Failure Failed(const std::string& sentence) {
   return Failure(ExitCode::kFailed, sentence);
 }
 
-CameraDirent FileEntry(Camera& camera, const std::string& path) {
-  const auto entry = FindEntry(camera, path);
-  if (!entry) {
-    throw Failed("There is no file " + Printable(path) + " on the camera; `kelva ls " + Printable(Split(path).folder) +
-                 "` shows what is there.");
-  }
-  if ((entry->attributes & kelva::kAttributeDirectory) != 0) {
-    throw Failed(Printable(path) + " is a folder; name a file in it (`kelva ls` shows them).");
-  }
-  return *entry;
-}
-
 std::vector<char> ReadOnce(Context& context, Camera& camera, const std::string& path, unsigned long long size) {
   Progress progress(context.reporter, context.stop, Split(path).name, size);
-  ReadLimit limit(Printable(path), size, Progress::Callback, progress);
+  ReadLimit limit(ShownPath(path), size, Progress::Callback, progress);
   return camera.ReadFile(path.c_str(), ReadLimit::Check, &limit, true);
 }
 
@@ -42,12 +30,24 @@ void TakeBack(Context& context, Camera& camera, const std::string& path) {
     // Ignored: the caller reports the error that stopped the upload.
   }
   if (!deleted) {
-    context.reporter.Note("The camera may hold an unfinished " + Printable(path) +
+    context.reporter.Note("The camera may hold an unfinished " + ShownPath(path) +
                           "; delete it before you send it again.");
   }
 }
 
 }  // namespace
+
+CameraDirent FileEntry(Camera& camera, const std::string& path) {
+  const auto entry = FindEntry(camera, path);
+  if (!entry) {
+    throw Failed("There is no file " + ShownPath(path) + " on the camera; `kelva ls " + ShownPath(Split(path).folder) +
+                 "` shows what is there.");
+  }
+  if ((entry->attributes & kelva::kAttributeDirectory) != 0) {
+    throw Failed(ShownPath(path) + " is a folder; name a file in it (`kelva ls` shows them).");
+  }
+  return *entry;
+}
 
 std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::string& path) {
   unsigned long long listed = 0;
@@ -61,7 +61,7 @@ std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::st
     if (bytes.size() == listed) return bytes;
     received = bytes.size();
   }
-  throw Failed("The camera lists " + Printable(path) + " with " + std::to_string(listed) + " bytes but sent " +
+  throw Failed("The camera lists " + ShownPath(path) + " with " + std::to_string(listed) + " bytes but sent " +
                std::to_string(received) + ", twice; nothing was kept, repeat the command when the file is at rest.");
 }
 
@@ -76,9 +76,9 @@ void WriteRemoteFile(Context& context, Camera& camera, const std::vector<char>& 
     TakeBack(context, camera, path);
     throw;
   }
-  context.Doing("read back " + Printable(path));
+  context.Doing("read back " + ShownPath(path));
   if (ReadRemoteFile(context, camera, path) != bytes) {
-    throw Failed("The camera now holds something else in " + Printable(path) +
+    throw Failed("The camera now holds something else in " + ShownPath(path) +
                  " than was sent; delete it and send it again.");
   }
 }
@@ -86,10 +86,10 @@ void WriteRemoteFile(Context& context, Camera& camera, const std::vector<char>& 
 void DeleteRemoteFile(Camera& camera, const std::string& path) {
   FileEntry(camera, path);
   if (!camera.DeleteFile(path.c_str())) {
-    throw Failure(ExitCode::kRefused, "The camera refused to delete " + Printable(path) + ".");
+    throw Failure(ExitCode::kRefused, "The camera refused to delete " + ShownPath(path) + ".");
   }
   if (FindEntry(camera, path)) {
-    throw Failure(ExitCode::kRefused, "The camera accepted the command but still lists " + Printable(path) +
+    throw Failure(ExitCode::kRefused, "The camera accepted the command but still lists " + ShownPath(path) +
                                           "; it may be write-protected.");
   }
 }

@@ -9,6 +9,9 @@
 
 namespace apps {
 
+/// A file's entry in the listing of its folder. Throws Failure for a missing file or a folder.
+CameraDirent FileEntry(Camera& camera, const std::string& path);
+
 /// Reads a whole file into memory. Uses the listing of its folder to tell an empty file from a missing one, and reads a
 /// file that changed meanwhile once more. Throws Failure for a missing file, a folder, or a file that keeps changing.
 std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::string& path);

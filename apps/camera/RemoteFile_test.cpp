@@ -44,12 +44,12 @@ TEST_F(RemoteFileTest, AnEmptyFileIsEmptyAndAMissingOneIsAnError) {
   EXPECT_EQ(Read("I:\\A.TXT"), "");
   EXPECT_EQ(camera_.reads, 0);
   EXPECT_EQ(Error([this] { Read("I:\\B.TXT"); }),
-            "There is no file I:\\B.TXT on the camera; `kelva ls I:` shows what is there.");
+            "There is no file I:/B.TXT on the camera; `kelva ls I:` shows what is there.");
 }
 
 TEST_F(RemoteFileTest, AFolderIsNoFile) {
   camera_.folders = {"DCIM"};
-  EXPECT_THAT(Error([this] { Read("I:\\DCIM"); }), HasSubstr("I:\\DCIM is a folder"));
+  EXPECT_THAT(Error([this] { Read("I:\\DCIM"); }), HasSubstr("I:/DCIM is a folder"));
 }
 
 TEST_F(RemoteFileTest, AFileThatGoesOnBeyondItsListedSizeEndsThere) {
@@ -93,7 +93,7 @@ TEST_F(RemoteFileTest, AFileIsDeleted) {
 TEST_F(RemoteFileTest, AFileThatStaysIsARefusal) {
   camera_.files = {{"A.TXT", "abc"}};
   camera_.stubborn = true;
-  EXPECT_THAT(Error([this] { DeleteRemoteFile(camera_, "I:\\A.TXT"); }), HasSubstr("still lists I:\\A.TXT"));
+  EXPECT_THAT(Error([this] { DeleteRemoteFile(camera_, "I:\\A.TXT"); }), HasSubstr("still lists I:/A.TXT"));
   camera_.refuses = true;
   EXPECT_THAT(Error([this] { DeleteRemoteFile(camera_, "I:\\A.TXT"); }), HasSubstr("refused to delete"));
 }

@@ -35,10 +35,12 @@ class Context {
           StdoutDiversion& diverted)
       : call(invocation), out(output), reporter(messages), stop(stopRequest), diversion(diverted) {}
 
-  /// Says what is being tried, for the sentence of a failure: "read I:\X.JPG". Printable.
+  /// Says what is being tried, for the sentence of a failure: "read I:/X.JPG". Printable.
   void Doing(std::string what) { doing_ = std::move(what); }
   const std::string& WasDoing() const { return doing_; }
   bool Json() const { return reporter.Style().json; }
+  /// Whether errors end with the numbers behind them: for scripts, and for people who ask with --verbose.
+  bool ShowsCodes() const { return Json() || reporter.Style().verbose; }
   /// Prints the result (members with --json, else text). Only the first call prints. `code` becomes `exit`, and the
   /// `reason` of a failure without one. Returns `code`.
   ExitCode Result(apps::Json members, std::string_view text, ExitCode code = ExitCode::kDone);

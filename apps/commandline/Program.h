@@ -39,6 +39,7 @@ inline constexpr Option kJsonOption = {
     "json", 0, "", "Print the result as one JSON document, and messages and progress as one JSON object a line."};
 inline constexpr Option kQuietOption = {"quiet", 'q', "",
                                         "No progress and no remarks; only the result, errors and questions."};
+inline constexpr Option kVerboseOption = {"verbose", 'v', "", "Say more: the command and the codes behind an error."};
 inline constexpr Option kHelpOption = {"help", 'h', "", "Say how the command is used."};
 
 /// The verbs completion, manual and help, which explain the program they belong to.

@@ -28,7 +28,10 @@ ExitCode RunVerb(const Invocation& call, Output& out, Reporter& reporter, Stdout
 }  // namespace
 
 ReportStyle StyleFor(int fd, std::span<const char* const> arguments) {
-  return StyleFor(fd, Mentions(arguments, "--json"), Mentions(arguments, "--quiet") || Mentions(arguments, "-q"));
+  ReportStyle style =
+      StyleFor(fd, Mentions(arguments, "--json"), Mentions(arguments, "--quiet") || Mentions(arguments, "-q"));
+  style.verbose = Mentions(arguments, "--verbose") || Mentions(arguments, "-v");
+  return style;
 }
 
 std::optional<std::string> Answer(const Invocation& call) {

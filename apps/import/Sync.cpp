@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "apps/camera/CameraPath.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/ReadLimit.h"
 #include "apps/commandline/Failure.h"
@@ -42,7 +43,7 @@ std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
       writers.Abandon();
       throw;
     } catch (const std::exception& error) {
-      ended = Explain(error, context_.WasDoing());
+      ended = Explain(error, context_);
     }
     try {
       writers.Finish();
@@ -73,15 +74,15 @@ bool Sync::IsRead(const SyncItem& item) const {
 
 void Sync::ReadOne(const SyncItem& item, Writers& writers) {
   if (context_.guard != nullptr && LeaveOut(item)) return;
-  context_.Doing("read " + Printable(item.CameraPath()));
+  context_.Doing("read " + ShownPath(item.CameraPath()));
   try {
     item.IsNew() ? Fetch(item, writers) : CompareKnown(item);
   } catch (const CameraError& error) {
-    const Outcome outcome = Explain(error, context_.WasDoing());
+    const Outcome outcome = Explain(error, context_);
     if (EndsAll(outcome.code)) throw;
     Fail(item, outcome.sentence);
   } catch (const std::bad_alloc& error) {
-    Fail(item, Explain(error, context_.WasDoing()).sentence);
+    Fail(item, Explain(error, context_).sentence);
   }
 }
 
@@ -90,7 +91,7 @@ bool Sync::LeaveOut(const SyncItem& item) {
   const std::string token = TokenOf(item);
   const Guard::Fate fate = context_.guard->FateOf(token);
   if (fate == Guard::Fate::kUnknown && !context_.guard->WasReported(token)) return false;
-  const std::string path = Printable(item.CameraPath());
+  const std::string path = ShownPath(item.CameraPath());
   Fail(item, fate == Guard::Fate::kKilledTwice
                  ? "Two processes that read " + path +
                        " were killed, so the file was left out; close other programs and run the same command again."
@@ -105,7 +106,7 @@ void Sync::Fetch(const SyncItem& item, Writers& writers) {
   if (options_.verify) {
     sha1 = Sha1(bytes);
     if (Sha1(Read(item)) != sha1) {
-      Fail(item, "Two reads of " + Printable(item.CameraPath()) +
+      Fail(item, "Two reads of " + ShownPath(item.CameraPath()) +
                      " differ, so it was not stored; check the cable and the card.");
       return;
     }
@@ -117,7 +118,7 @@ void Sync::Fetch(const SyncItem& item, Writers& writers) {
 void Sync::CompareKnown(const SyncItem& item) {
   const auto known = manifest_.Find(item.Key());
   if (!known || Sha1(Read(item)) != known->sha1) {
-    Fail(item, Printable(item.CameraPath()) + " is no longer what was fetched from there; it was not deleted.");
+    Fail(item, ShownPath(item.CameraPath()) + " is no longer what was fetched from there; it was not deleted.");
     return;
   }
   const std::scoped_lock lock(mutex_);
@@ -126,8 +127,8 @@ void Sync::CompareKnown(const SyncItem& item) {
 
 std::vector<char> Sync::Read(const SyncItem& item) {
   const std::optional<unsigned long long> listed = listed_.SizeOf(item.CameraPath());
-  if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item), Printable(item.CameraPath()));
-  ReadLimit limit(Printable(item.CameraPath()), listed, Progress::Check, progress_);
+  if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item), ShownPath(item.CameraPath()));
+  ReadLimit limit(ShownPath(item.CameraPath()), listed, Progress::Check, progress_);
   std::vector<char> bytes = camera_.ReadFile(item.Picture(), item.Type(), ReadLimit::Check, &limit, true);
   if (context_.guard != nullptr) context_.guard->End();
   CheckSize(item, bytes.size());
@@ -178,11 +179,11 @@ bool Sync::IsOnDisk(const ManifestRow& row) const {
 std::optional<Outcome> Sync::DeleteVerified() {
   for (const SyncItem* item : deletable_) {
     context_.stop.Check();
-    context_.Doing("delete " + Printable(item->CameraPath()));
+    context_.Doing("delete " + ShownPath(item->CameraPath()));
     try {
       DeleteOne(*item);
     } catch (const CameraError& error) {
-      Outcome outcome = Explain(error, context_.WasDoing());
+      Outcome outcome = Explain(error, context_);
       if (EndsAll(outcome.code)) return outcome;
       Fail(*item, outcome.sentence);
     } catch (const Failure& failure) {
@@ -199,7 +200,7 @@ void Sync::DeleteOne(const SyncItem& item) {
     return Fail(item, Printable(row ? row->path : item.LocalText()) +
                           " is not where it was stored; the file on the camera was not deleted.");
   }
-  if (!camera_.DeleteFile(path.c_str())) return Fail(item, "The camera refused to delete " + Printable(path) + ".");
+  if (!camera_.DeleteFile(path.c_str())) return Fail(item, "The camera refused to delete " + ShownPath(path) + ".");
   manifest_.MarkDeleted(item.Key());
   ++totals_.deleted;
   if (context_.Json()) context_.Event("deleted", Json::Object().SetBytes("path", path), "");

@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "apps/camera/CameraPath.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/Sha1.h"
 
@@ -194,7 +195,7 @@ std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
   const std::string expected = item.ExpectedSha1();
   if (!expected.empty() && expected != sha1) {
     throw Failure(ExitCode::kFailed,
-                  "What the camera sent of " + Printable(item.CameraPath()) +
+                  "What the camera sent of " + ShownPath(item.CameraPath()) +
                       " has another SHA-1 than the catalogue says, so it was not stored; the next run "
                       "reads it again.");
   }

@@ -155,7 +155,7 @@ class Tool {
       if (FindVerb(HelpVerbs(), call_.Name()) == nullptr) ChooseSource();
       return call_.verb->run(context);
     } catch (const std::exception& error) {
-      return GiveDiscreetly(Explain(error, context.WasDoing()));
+      return GiveDiscreetly(Explain(error, context));
     }
   }
 

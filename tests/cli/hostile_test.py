@@ -34,6 +34,11 @@ def unsafe_on_a_terminal(output):
     return [c for c in output if (ord(c) < 32 and c != "\n") or 127 <= ord(c) < 160 or c in "\u202e\u2066\u200f"]
 
 
+def shown(path):
+    """A path as the tool prints it."""
+    return path.decode().replace("\\", "/")
+
+
 class HostileTest(unittest.TestCase):
     def setUp(self):
         bench_of_cameras.seed(self)
@@ -283,7 +288,7 @@ class HostileEndsTest(HostileTest):
         self.kill_workers_at(self.paths[3], 1)
         code, printed, said = self.sync()
         self.assertEqual(code, 0, said)
-        self.assertEqual(said, f"kelva: The process that read {self.printed(self.paths[3])} was killed (signal 9, Killed), as happens "
+        self.assertEqual(said, f"kelva: The process that read {shown(self.paths[3])} was killed (signal 9, Killed), as happens "
                                "when memory runs out; another one tries that file once more.\n")
         self.assertEqual(self.stored(), sorted(self.files.values()))
 
@@ -291,7 +296,7 @@ class HostileEndsTest(HostileTest):
         self.kill_workers_at(self.paths[3], 9)
         code, printed, said = self.sync("--quiet")
         self.assertEqual(code, 6, said)
-        self.assertEqual(said, f"kelva: Two processes that read {self.printed(self.paths[3])} were killed, so the file was left out; close "
+        self.assertEqual(said, f"kelva: Two processes that read {shown(self.paths[3])} were killed, so the file was left out; close "
                                "other programs and run the same command again.\n")
         del self.files[self.paths[3]]
         self.assertEqual(self.stored(), sorted(self.files.values()))

@@ -99,6 +99,22 @@ class TerminalTest(Bus):
         self.assertIn(b"writing (do not switch", seen)
         self.assertIn(b"[####", seen)
 
+    def test_rm_asks_on_a_terminal_and_takes_no_for_an_answer(self):
+        path = os.path.join(self.drive, "A.TXT")
+        for answer, expected in ((b"no\n", 1), (b"yes\n", 0)):
+            with open(path, "w") as file:
+                file.write("x")
+            run = self.terminal("rm", "I:/A.TXT")
+            seen = run.read_until(b"Type yes and press Enter:")
+            self.assertIn(b"1 to delete on the camera: I:/A.TXT.", seen)
+            run.type(answer)
+            self.assertEqual(run.end()[0], expected)
+            self.assertEqual(os.path.exists(path), expected == 1)
+        with open(path, "w") as file:
+            file.write("x")
+        self.assertEqual(self.terminal("rm", "--yes", "I:/A.TXT").end()[0], 0)
+        self.assertFalse(os.path.exists(path))
+
     def test_a_quiet_upgrade_still_says_what_it_asks_about(self):
         with open(self.folder + "/image", "wb") as file:
             file.write(b"firmware")

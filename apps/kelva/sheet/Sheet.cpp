@@ -6,11 +6,11 @@
 #include <new>
 #include <utility>
 
+#include "apps/camera/CameraPath.h"
 #include "apps/camera/Catalogue.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/ReadLimit.h"
-#include "apps/commandline/Printable.h"
 #include "apps/kelva/thumbnail/Jpeg.h"
 #include "src/wifi/CameraError.h"
 
@@ -87,7 +87,7 @@ void Sheet::Begin(const DcfObj& picture, const FileSizes& sizes) {
     ++totals_.without;
     return;
   }
-  begun.path = Printable(PicturePath(picture, kJpg));
+  begun.path = ShownPath(PicturePath(picture, kJpg));
   Try(begun, [&] { Read(begun, picture); });
 }
 
@@ -142,21 +142,21 @@ void Sheet::Try(Begun& begun, Step step) {
     begun.card.trouble = "cannot be drawn";
     begun.failure = "There is no thumbnail of " + begun.path + ": " + reason.what() + ".";
   } catch (const CameraError& error) {
-    const Outcome outcome = Explain(error, context_.WasDoing());
+    const Outcome outcome = Explain(error, context_);
     if (EndsAll(outcome.code)) throw;
     begun.card.trouble = "cannot be read";
     begun.failure = outcome.sentence;
   } catch (const std::bad_alloc& error) {
     begun.card.trouble = "cannot be read";
-    begun.failure = Explain(error, context_.WasDoing()).sentence;
+    begun.failure = Explain(error, context_).sentence;
   }
 }
 
 std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<unsigned long long> listed) {
   const std::string token = PicturePath(picture, kJpg);
   if (context_.guard != nullptr) ThrowIfLeftOut(context_.guard->FateOf(token));
-  if (context_.guard != nullptr) context_.guard->Begin(token, Printable(token));
-  ReadLimit limit(Printable(token), listed, Progress::Check, *progress_);
+  if (context_.guard != nullptr) context_.guard->Begin(token, ShownPath(token));
+  ReadLimit limit(ShownPath(token), listed, Progress::Check, *progress_);
   std::vector<char> bytes = camera_.ReadFile(picture, kJpg, ReadLimit::Check, &limit, true);
   if (context_.guard != nullptr) context_.guard->End();
   if (bytes.empty()) throw NoPicture("the catalogue names it, but the camera has no bytes of it");

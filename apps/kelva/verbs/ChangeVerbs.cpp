@@ -3,16 +3,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/Meant.h"
 #include "apps/camera/RemoteFile.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/Each.h"
 #include "apps/kelva/verbs/LocalFile.h"
 #include "apps/kelva/verbs/Verbs.h"
@@ -26,8 +29,8 @@ std::string BaseName(const std::string& path) {
 }
 
 // "I:/NOTES/" and a folder that exists take the file's own name.
-std::string TargetPath(Camera& camera, const std::string& typed, const std::string& file) {
-  const std::string path = ToCameraPath(typed);
+std::string TargetPath(Context& context, Camera& camera, const std::string& typed, const std::string& file) {
+  const std::string path = InListedFolder(context, camera, ToCameraPath(typed));
   const bool isFolder = typed.ends_with('/') || typed.ends_with('\\');
   RequireFolder(camera, isFolder ? path : Split(path).folder);
   if (isFolder) return path + "\\" + BaseName(file);
@@ -39,30 +42,56 @@ std::string TargetPath(Camera& camera, const std::string& typed, const std::stri
 
 ExitCode RunPut(Context& context) {
   const std::string& file = context.call.words[0];
-  ToCameraPath(context.call.words[1]);  // a wrong path is an error before anything is read
+  const std::string target = ToCameraPath(context.call.words[1]);  // an error before anything is read
   constexpr auto kMost = static_cast<unsigned long long>(std::numeric_limits<int>::max());
   const std::vector<char> bytes = ReadLocalFile(file, kMost);
-  const Session camera(context, "write " + Printable(context.call.words[1]));
-  const std::string path = TargetPath(*camera, context.call.words[1], file);
-  context.Doing("write " + Printable(path));
+  const Session camera(context, "write " + ShownPath(target));
+  const std::string path = TargetPath(context, *camera, context.call.words[1], file);
+  context.Doing("write " + ShownPath(path));
   if (!context.call.Has("force") && FindEntry(*camera, path)) {
     throw Failure(ExitCode::kFailed,
-                  "There is a " + Printable(path) + " on the camera already, and it was kept; --force replaces it.");
+                  "There is a " + ShownPath(path) + " on the camera already, and it was kept; --force replaces it.");
   }
   WriteRemoteFile(context, *camera, bytes, path);
   return context.Result(CameraResult(camera).SetBytes("file", file).SetBytes("path", path).Set("size", bytes.size()),
                         "");
 }
 
+// "I:/A.TXT, I:/B.TXT and 3 more".
+std::string InWords(const std::vector<std::string>& paths) {
+  constexpr std::size_t kMost = 5;
+  std::string words;
+  for (std::size_t i = 0; i < std::min(paths.size(), kMost); ++i) words += (i == 0 ? "" : ", ") + ShownPath(paths[i]);
+  return words + (paths.size() > kMost ? " and " + std::to_string(paths.size() - kMost) + " more" : "");
+}
+
+ExitCode ShowWhatWouldGo(Context& context, const Session& camera, const std::vector<std::string>& paths) {
+  Each each(context, "files");
+  for (const std::string& path : paths) {
+    each.Try(path, [&] {
+      const auto entry = FileEntry(*camera, path);
+      context.out.Add(context.Json() ? "" : ShownPath(path) + "  " + Bytes(SizeOf(entry)) + "\n");
+      return Json::Object().SetBytes("path", path).Set("size", SizeOf(entry));
+    });
+  }
+  const ExitCode code = each.Finish(CameraResult(camera).Set("dry_run", true));
+  context.reporter.Note(std::to_string(each.Done()) + " files would be deleted; nothing was.");
+  return code;
+}
+
 ExitCode RunRm(Context& context) {
   std::vector<std::string> paths;
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
-  const Session camera(context, "delete " + Printable(paths[0]));
+  const Session camera(context, "delete " + ShownPath(paths[0]));
+  paths = AllMeant(context, *camera, paths);
+  if (context.call.Has("dry-run")) return ShowWhatWouldGo(context, camera, paths);
+  AskOnTerminal(context, {std::to_string(paths.size()) + " to delete on the camera: " + InWords(paths) + ".", "Delete?",
+                          "nothing was deleted"});
   Each each(context, "files");
   for (const std::string& path : paths) {
     each.Try(path, [&] {
       context.stop.Check();
-      context.Doing("delete " + Printable(path));
+      context.Doing("delete " + ShownPath(path));
       DeleteRemoteFile(*camera, path);
       return Json::Object().SetBytes("path", path);
     });
@@ -74,8 +103,11 @@ constexpr Argument kPutArguments[] = {{"FILE", "A file of this computer.", Argum
                                       {"PATH", "The target on the camera; in a folder the file keeps its name."}};
 constexpr Option kPutOptions[] = {{"force", 'f', "", "Replace an existing file on the camera."}};
 constexpr Example kPutExamples[] = {{"kelva put settings.txt I:/MISC/", "Send a file and check that it arrived."}};
-constexpr Argument kRmArguments[] = {{"PATH", "A file on the camera.", Argument::Count::kOneOrMore}};
-constexpr Example kRmExamples[] = {{"kelva rm I:/DCIM/100ABCDE/IMG_0001.JPG", "Delete one file."}};
+constexpr Argument kRmArguments[] = {
+    {"PATH", "A file on the camera, or a pattern in quotes.", Argument::Count::kOneOrMore}};
+constexpr Option kRmOptions[] = {kDryRunOption, kYesOption};
+constexpr Example kRmExamples[] = {{"kelva rm DCIM/100ABCDE/IMG_0001.JPG", "Delete one file."},
+                                   {"kelva rm -n 'DCIM/*/*.MP4'", "Show which files a pattern would delete."}};
 
 constexpr Verb kVerbs[] = {
     {"put", "Send a file to the camera", kPutArguments, kPutOptions,
@@ -83,10 +115,17 @@ constexpr Verb kVerbs[] = {
 camera is kept unless you give --force. After Ctrl-C or an error the unfinished file is deleted from the camera. Files
 of 2 GiB and more cannot be sent. A file needs memory of twice its size.)",
      "file: of this computer\npath: on the camera\nsize: bytes", kPutExamples, RunPut},
-    {"rm", "Delete files on the camera", kRmArguments, kNoOptions,
-     R"(Reads the folder's listing before and after: a file that is not there, or that stays, is an error. `kelva
-pictures rm` deletes a picture with all its files.)",
-     "files: array of path, or of path and error\nfailed: how many were not deleted", kRmExamples, RunRm},
+    {"rm", "Delete files on the camera", kRmArguments, kRmOptions,
+     R"(On a terminal it names the files and asks first; elsewhere the command itself is consent. Reads the folder's
+listing before and after: a file that is not there, or that stays, is an error. `kelva pictures rm` deletes a picture
+with all its files.
+
+In a pattern * ? and [...] match within a name, in any case of letters. Put it in quotes, so that the shell leaves it
+alone.)",
+     R"(files: array of path, or of path and error; with --dry-run of path and size
+failed: how many were not deleted
+dry_run: true with --dry-run)",
+     kRmExamples, RunRm},
 };
 
 }  // namespace

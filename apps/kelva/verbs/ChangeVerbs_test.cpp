@@ -17,5 +17,29 @@ TEST_F(ChangeVerbsTest, AFileIsSentCheckedAndDeleted) {
   EXPECT_EQ(Run({"rm", "I:/N.TXT"}).code, ExitCode::kFailed);
 }
 
+TEST_F(ChangeVerbsTest, APatternDeletesAllThatItMatchesAndADryRunNone) {
+  Put("A.TXT", "one");
+  Put("b.txt", "four");
+  Put("C.BIN", "");
+  const auto dry = Run({"rm", "-n", "*.TXT", "C.TXT"});
+  EXPECT_EQ(dry.code, ExitCode::kPartial);
+  EXPECT_EQ(dry.out, "I:/A.TXT  3 B\nI:/b.txt  4 B\n");
+  EXPECT_TRUE(Has("A.TXT"));
+  EXPECT_EQ(Run({"rm", "*.TXT"}).code, ExitCode::kDone);
+  EXPECT_FALSE(Has("A.TXT"));
+  EXPECT_FALSE(Has("b.txt"));
+  EXPECT_TRUE(Has("C.BIN"));
+  EXPECT_EQ(Run({"rm", "*.TXT"}).err,
+            "kelva: There is no file 'I:/*.TXT' on the camera; `kelva ls I:` shows what is there.\n");
+}
+
+TEST_F(ChangeVerbsTest, AFileIsSentIntoAFolderThatIsTypedInSmallLetters) {
+  const std::string file = (folder / "note.txt").string();
+  Put("../note.txt", "hello");
+  Put("MISC/A.TXT", "");
+  EXPECT_EQ(Run({"put", file.c_str(), "misc/"}).code, ExitCode::kDone);
+  EXPECT_EQ(Text(storage / "MISC/note.txt"), "hello");
+}
+
 }  // namespace
 }  // namespace apps

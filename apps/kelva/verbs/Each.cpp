@@ -10,7 +10,7 @@ void Each::Try(const std::string& path, const std::function<Json()>& work) {
     outcomes_.Push(work());
     ++done_;
   } catch (const std::exception& error) {
-    const Outcome outcome = Explain(error, context_.WasDoing());
+    const Outcome outcome = Explain(error, context_);
     // A camera that has gone answers nothing more.
     if (outcome.code == ExitCode::kGone) throw;
     context_.reporter.Error(outcome.sentence, outcome.code);

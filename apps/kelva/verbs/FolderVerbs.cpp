@@ -5,6 +5,7 @@
 
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/FolderListing.h"
+#include "apps/camera/Meant.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Columns.h"
 #include "apps/commandline/Failure.h"
@@ -14,7 +15,6 @@
 namespace apps {
 namespace {
 
-constexpr const char* kDrive = "I:";
 constexpr int kDeepest = 64;  // a camera that lies about its tree must not lead round in circles
 
 bool IsFolder(const CameraDirent& entry) {
@@ -51,21 +51,25 @@ Json Members(const CameraDirent& entry) {
 }
 
 std::string WantedFolder(const Context& context) {
-  return context.call.words.empty() ? kDrive : ToCameraPath(context.call.words[0]);
+  return ToCameraPath(context.call.words.empty() ? "/" : context.call.words[0]);
 }
 
-// Cameras answer for a folder that is not there with an empty listing or a bare refusal; its parent knows.
-void CheckFolder(Camera& camera, const std::string& path) {
-  if (Split(path).name.empty()) return;
+// The folder that is meant. Cameras answer for a folder that is not there with an empty listing or a bare refusal; its
+// parent knows.
+std::string FolderMeant(Context& context, Camera& camera, const std::string& typed) {
+  const std::string path = MeantOne(context, camera, typed);
+  if (Split(path).name.empty()) return path;
+  RequireFolder(camera, Split(path).folder);
   const auto entry = FindEntry(camera, path);
-  if (!entry) throw Failure(ExitCode::kFailed, "There is no folder " + Printable(path) + " on the camera.");
-  if (!IsFolder(*entry)) throw Failure(ExitCode::kFailed, Printable(path) + " is a file; `kelva get` fetches it.");
+  if (!entry) throw Failure(ExitCode::kFailed, "There is no folder " + ShownPath(path) + " on the camera.");
+  if (!IsFolder(*entry)) throw Failure(ExitCode::kFailed, ShownPath(path) + " is a file; `kelva get` fetches it.");
+  return path;
 }
 
 ExitCode RunLs(Context& context) {
-  const std::string path = WantedFolder(context);
-  const Session camera(context, "list " + Printable(path));
-  CheckFolder(*camera, path);
+  const std::string typed = WantedFolder(context);
+  const Session camera(context, "list " + ShownPath(typed));
+  const std::string path = FolderMeant(context, *camera, typed);
   const std::vector<CameraDirent> entries = Listing(*camera, path);
   Json list = Json::Array();
   std::vector<std::vector<std::string>> rows;
@@ -90,7 +94,7 @@ class Walk {
       visit(entry, below, depth);
       if (!IsFolder(entry)) continue;
       if (depth == kDeepest) {
-        throw Failure(ExitCode::kFailed, "The camera's folders are nested too deep at " + Printable(below) + ".");
+        throw Failure(ExitCode::kFailed, "The camera's folders are nested too deep at " + ShownPath(below) + ".");
       }
       Run(below, depth + 1, visit);
     }
@@ -102,13 +106,13 @@ class Walk {
 };
 
 ExitCode RunTree(Context& context) {
-  const std::string path = WantedFolder(context);
-  const Session camera(context, "walk through " + Printable(path));
-  CheckFolder(*camera, path);
+  const std::string typed = WantedFolder(context);
+  const Session camera(context, "walk through " + ShownPath(typed));
+  const std::string path = FolderMeant(context, *camera, typed);
   unsigned long long files = 0;
   unsigned long long bytes = 0;
   Json list = Json::Array();
-  if (!context.Json()) context.out.Add(Printable(path) + "\n");
+  if (!context.Json()) context.out.Add(ShownPath(path) + "\n");
   Walk(context, *camera).Run(path, 0, [&](const CameraDirent& entry, const std::string& below, int depth) {
     files += IsFolder(entry) ? 0U : 1U;
     bytes += IsFolder(entry) ? 0ULL : SizeOf(entry);
@@ -116,7 +120,7 @@ ExitCode RunTree(Context& context) {
       list.Push(std::move(Members(entry).SetBytes("path", below)));
       return;
     }
-    const std::string size = IsFolder(entry) ? "\\" : "  " + Bytes(SizeOf(entry));
+    const std::string size = IsFolder(entry) ? "/" : "  " + Bytes(SizeOf(entry));
     context.out.Add(std::string(static_cast<std::size_t>(depth) * 2 + 2, ' ') + Printable(entry.name) + size + "\n");
   });
   Json members = CameraResult(camera).SetBytes("path", path).Set("files", files).Set("bytes", bytes);
@@ -125,14 +129,15 @@ ExitCode RunTree(Context& context) {
 }
 
 constexpr Argument kPath[] = {
-    {"FOLDER", "A folder on the camera; the drive I: unless given.", Argument::Count::kOptional}};
+    {"FOLDER", "A folder on the camera, such as DCIM; the drive I: unless given.", Argument::Count::kOptional}};
 constexpr Example kLsExamples[] = {{"kelva ls I:/DCIM", "The picture folders."}};
 constexpr Example kTreeExamples[] = {{"kelva tree", "Everything on the camera."}};
 
 constexpr Verb kVerbs[] = {
     {"ls", "List a folder of the camera", kPath, kNoOptions,
      R"(One line for each entry, in the camera's order: attributes (d folder, r read-only, h hidden, s system, a
-archive), size in bytes, name. Control characters in a name are shown as \xNN.)",
+archive), size in bytes, name. Bytes of a name that a terminal would obey are shown as \xNN; a path with them can be
+typed in quotes. The drive I: may be left out, and letters may be typed in either case.)",
      "path: the folder\nentries: array of name, type (file or folder), size, attributes (FAT bits)", kLsExamples,
      RunLs},
     {"tree", "Show a folder of the camera with everything below it", kPath, kNoOptions,

@@ -9,13 +9,23 @@ TEST_F(FolderVerbsTest, AFolderIsListedWithControlCharactersMadeVisible) {
   Put("A.TXT", "abc");
   Put("D/B.TXT", "");
   EXPECT_EQ(Run({"ls"}).out, "----a  3  A.TXT\nd----     D\n");
-  EXPECT_EQ(Run({"tree"}).out, "I:\n  A.TXT  3 B\n  D\\\n    B.TXT  0 B\n2 files, 3 B\n");
+  EXPECT_EQ(Run({"tree"}).out, "I:\n  A.TXT  3 B\n  D/\n    B.TXT  0 B\n2 files, 3 B\n");
 }
 
 TEST_F(FolderVerbsTest, AFolderThatIsMissingAndAFileAreErrors) {
   Put("A.TXT", "abc");
   EXPECT_EQ(Run({"ls", "I:/NOPE"}).code, ExitCode::kFailed);
-  EXPECT_EQ(Run({"ls", "DCIM"}).code, ExitCode::kUsage);
+  EXPECT_EQ(Run({"ls", "A.TXT"}).err, "kelva: I:/A.TXT is a file; `kelva get` fetches it.\n");
+  EXPECT_EQ(Run({"ls", ""}).code, ExitCode::kUsage);
+}
+
+TEST_F(FolderVerbsTest, AFolderMayBeTypedWithoutItsDriveAndInSmallLetters) {
+  Put("DCIM/B.TXT", "");
+  EXPECT_EQ(Run({"ls", "DCIM"}).out, "----a  0  B.TXT\n");
+  const auto ran = Run({"ls", "I:/dcim"});
+  EXPECT_EQ(ran.code, ExitCode::kDone);
+  EXPECT_EQ(ran.out, "----a  0  B.TXT\n");
+  EXPECT_EQ(ran.err, "kelva: There is no I:/dcim; there is I:/DCIM.\n");
 }
 
 }  // namespace

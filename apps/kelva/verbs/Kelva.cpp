@@ -17,6 +17,7 @@ constexpr Option kOptions[] = {
      .alias = "socket"},
     kJsonOption,
     kQuietOption,
+    kVerboseOption,
     {"trace", 0, "FILE", "Write each exchange with the camera into this file, or add it to a trace that is there.",
      Offer::kFile},
     {"trace-private", 0, "", "In the trace, put stand-ins in place of serial numbers and network names."},

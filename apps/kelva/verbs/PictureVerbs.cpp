@@ -1,5 +1,7 @@
 // The verbs pictures and pictures rm.
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/camera/Catalogue.h"
@@ -9,6 +11,7 @@
 #include "apps/commandline/Columns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/Each.h"
 #include "apps/kelva/verbs/SheetRun.h"
 #include "apps/kelva/verbs/Verbs.h"
@@ -32,32 +35,84 @@ ExitCode RunPictures(Context& context) {
   return ExitCode::kDone;
 }
 
+// What to do with one word of the command line: the pictures that it means, or why it means none.
+struct Meaning {
+  std::string word;
+  std::vector<DcfObj> pictures;
+  std::optional<Failure> failure;
+};
+
+Meaning MeaningOf(const std::vector<DcfObj>& catalogue, const std::string& word) {
+  try {
+    return {word, FindPictures(catalogue, word), std::nullopt};
+  } catch (const Failure& failure) {
+    return {word, {}, failure};
+  }
+}
+
+Json Named(const DcfObj& picture) {
+  return Json::Object().SetBytes("folder", PictureFolder(picture)).SetBytes("name", PictureStem(picture));
+}
+
+Json ShowOne(Context& context, const DcfObj& picture) {
+  if (!context.Json()) context.out.Add(PictureName(picture) + "  " + TypeList(picture) + "\n");
+  return Named(picture);
+}
+
+Json DeleteOne(Context& context, Camera& camera, const DcfObj& picture) {
+  context.stop.Check();
+  context.Doing("delete the picture " + PictureName(picture));
+  if (camera.DeleteDcfObject(picture)) return Named(picture);
+  throw Failure(ExitCode::kRefused, "The camera refused to delete the picture " + PictureName(picture) + ".");
+}
+
+void AskAboutPictures(Context& context, const std::vector<Meaning>& meanings) {
+  if (!CanAsk(context)) return;
+  std::size_t count = 0;
+  for (const Meaning& meaning : meanings) {
+    for (const DcfObj& picture : meaning.pictures) {
+      ShowOne(context, picture);
+      ++count;
+    }
+  }
+  context.out.Flush();
+  if (count == 0) return;
+  Ask(context, {std::to_string(count) + " pictures to delete on the camera, each with all its files.", "Delete?",
+                "nothing was deleted"});
+}
+
 ExitCode RunPicturesRm(Context& context) {
   const Session camera(context, "read the picture catalogue");
   const std::vector<DcfObj> catalogue = ReadPictures(*camera);
+  std::vector<Meaning> meanings;
+  for (const std::string& word : context.call.words) meanings.push_back(MeaningOf(catalogue, word));
+  const bool dry = context.call.Has("dry-run");
+  if (!dry) AskAboutPictures(context, meanings);
   Each each(context, "pictures");
-  for (const std::string& name : context.call.words) {
-    each.Try(name, [&] {
-      context.stop.Check();
-      context.Doing("delete the picture " + Printable(name));
-      const DcfObj picture = FindPicture(catalogue, name);
-      if (!camera->DeleteDcfObject(picture)) {
-        throw Failure(ExitCode::kRefused, "The camera refused to delete the picture " + PictureName(picture) + ".");
-      }
-      return Json::Object().SetBytes("folder", PictureFolder(picture)).SetBytes("name", PictureStem(picture));
-    });
+  for (const Meaning& meaning : meanings) {
+    if (meaning.failure) each.Try(meaning.word, [&]() -> Json { throw Failure(*meaning.failure); });
+    for (const DcfObj& picture : meaning.pictures) {
+      each.Try(meaning.word, [&] { return dry ? ShowOne(context, picture) : DeleteOne(context, *camera, picture); });
+    }
   }
-  return each.Finish(CameraResult(camera));
+  Json result = CameraResult(camera);
+  if (dry) result.Set("dry_run", true);
+  return each.Finish(std::move(result));
 }
 
-constexpr Argument kName[] = {
-    {"NAME", "A picture, such as IMG_0001. Where two have the same name, add the folder: 100ABCDE/IMG_0001.",
-     Argument::Count::kOneOrMore}};
+constexpr Argument kName[] = {{"NAME",
+                               "A picture, such as IMG_0001 or IMG_0001.JPG, or a pattern in quotes. Where two have "
+                               "the same name, add the folder: 100ABCDE/IMG_0001.",
+                               Argument::Count::kOneOrMore}};
+constexpr Option kRmOptions[] = {kDryRunOption, kYesOption};
 constexpr Option kOptions[] = {
     {"sheet", 0, "FILE", "Make a contact sheet: an HTML file with a thumbnail of each picture.", Offer::kFile},
     {"force", 'f', "", "Replace an existing sheet."},
 };
-constexpr Example kRmExamples[] = {{"kelva pictures rm 100ABCDE/IMG_0001", "Delete a picture with all its files."}};
+constexpr Example kRmExamples[] = {
+    {"kelva pictures rm 100ABCDE/IMG_0001", "Delete a picture with all its files."},
+    {"kelva pictures rm -n 'DSC_00*'", "Show which pictures a pattern would delete."},
+};
 constexpr Example kExamples[] = {
     {"kelva pictures", "List the pictures on the camera."},
     {"kelva sync ~/Pictures/camera && kelva pictures --sheet ~/Pictures/camera/index.html",
@@ -89,10 +144,14 @@ pictures (with --sheet): array of folder, name, time, types, drawn, links (files
 file: the sheet, with --sheet; then also size: its bytes, drawn: thumbnails, fetched: those drawn from files
   beside it, without_jpeg: pictures without a JPEG file, failed: pictures that were reported)",
      kExamples, RunPictures, true, "sheet"},
-    {"pictures rm", "Delete pictures with all their files", kName, kNoOptions,
-     "A picture is deleted with all its files. The catalogue says which pictures there are.",
-     "pictures: array of folder and name, or of path and error\nfailed: how many were not deleted", kRmExamples,
-     RunPicturesRm},
+    {"pictures rm", "Delete pictures with all their files", kName, kRmOptions,
+     R"(A picture is deleted with all its files. The catalogue says which pictures there are. On a terminal the
+pictures are named and you are asked first; elsewhere the command itself is consent. In a pattern * ? and [...] match
+within a name, in any case of letters.)",
+     R"(pictures: array of folder and name, or of path and error
+failed: how many were not deleted
+dry_run: true with --dry-run)",
+     kRmExamples, RunPicturesRm},
 };
 
 }  // namespace

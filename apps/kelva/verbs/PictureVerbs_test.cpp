@@ -15,5 +15,18 @@ TEST_F(PictureVerbsTest, PicturesAreListedAndDeletedWithAllTheirFiles) {
   EXPECT_EQ(Run({"pictures", "rm", "IMG_0001"}).code, ExitCode::kFailed);
 }
 
+TEST_F(PictureVerbsTest, APictureIsNamedByItsFileAndSeveralByAPattern) {
+  for (const char* name : {"IMG_0001.JPG", "IMG_0002.JPG", "IMG_0103.JPG", "IMG_0103.RAW"}) {
+    Put(std::string("DCIM/100ABCDE/") + name, "one");
+  }
+  EXPECT_EQ(Run({"pictures", "rm", "-n", "img_00*"}).out, "100ABCDE/IMG_0001  JPG\n100ABCDE/IMG_0002  JPG\n");
+  EXPECT_TRUE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
+  EXPECT_EQ(Run({"pictures", "rm", "img_00*", "NOPE*"}).code, ExitCode::kPartial);
+  EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
+  EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0002.JPG"));
+  EXPECT_EQ(Run({"pictures", "rm", "img_0103.jpg"}).code, ExitCode::kDone);
+  EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0103.RAW"));
+}
+
 }  // namespace
 }  // namespace apps

@@ -77,7 +77,7 @@ class Report {
     try {
       work();
     } catch (const std::exception& error) {
-      const Outcome outcome = Explain(error, doing);
+      const Outcome outcome = Explain(error, doing, true);
       if (outcome.code == ExitCode::kGone) throw;
       context_.reporter.Error(outcome.sentence, ExitCode::kPartial);
       errors_ += outcome.sentence + "\n";

@@ -44,7 +44,7 @@ TEST_F(SheetRunTest, ADamagedPictureIsReportedAndTheSheetIsThere) {
   Put("DCIM/100ABCDE/IMG_0002.JPG", TinyJpeg::File(1, {90}));
   const Ran ran = Sheet();
   EXPECT_EQ(ran.code, ExitCode::kPartial);
-  EXPECT_THAT(ran.err, HasSubstr("There is no thumbnail of I:\\DCIM\\100ABCDE\\IMG_0001.JPG"));
+  EXPECT_THAT(ran.err, HasSubstr("There is no thumbnail of I:/DCIM/100ABCDE/IMG_0001.JPG"));
   EXPECT_THAT(Page(), HasSubstr("cannot be drawn"));
   EXPECT_THAT(Page(), HasSubstr("IMG_0002"));
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/CameraPath.h"
 #include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
@@ -21,7 +22,7 @@ ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan)
   for (const SyncItem& item : plan.items) {
     if (!item.IsNew()) continue;
     context.Event("would_store", Json::Object().SetBytes("path", item.CameraPath()).SetBytes("file", item.LocalText()),
-                  Printable(item.CameraPath()) + "  ->  " + Printable(item.LocalText()) + "\n");
+                  ShownPath(item.CameraPath()) + "  ->  " + Printable(item.LocalText()) + "\n");
   }
   const std::size_t fresh = plan.NewFiles();
   context.Result(CameraResult(camera).Set("new", fresh).Set("known", plan.items.size() - fresh), "");

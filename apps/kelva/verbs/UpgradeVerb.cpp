@@ -13,6 +13,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Progress.h"
 #include "apps/files/Sha1.h"
+#include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/LocalFile.h"
 #include "apps/kelva/verbs/Number.h"
 #include "apps/kelva/verbs/Verbs.h"
@@ -40,15 +41,10 @@ std::vector<char> ReadImage(const std::string& path) {
 
 // Shows what would be sent and has it confirmed.
 void Confirm(Context& context, const std::string& facts) {
-  const bool asks = !context.call.Has("yes") && ::isatty(STDIN_FILENO) == 1;
-  if (!asks) context.reporter.Note(facts);
+  if (CanAsk(context)) return Ask(context, {facts, "Send it?", "nothing was sent"});
+  context.reporter.Note(facts);
   if (context.call.Has("yes")) return;
-  if (!asks) throw Failure(ExitCode::kUsage, "An upgrade is confirmed on a terminal, or with --yes; nothing was sent.");
-  context.reporter.Ask(facts);
-  std::string answer;
-  context.reporter.Ask("Send it? Type yes and press Enter:");
-  for (char c = 0; ::read(STDIN_FILENO, &c, 1) == 1 && c != '\n';) answer += c;
-  if (answer != "yes") throw Failure(ExitCode::kFailed, "The upgrade was not confirmed; nothing was sent.");
+  throw Failure(ExitCode::kUsage, "An upgrade is confirmed on a terminal, or with --yes; nothing was sent.");
 }
 
 // One upgrade, over the restart of the camera that may come with it.

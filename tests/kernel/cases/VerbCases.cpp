@@ -105,7 +105,7 @@ const std::vector<Verb> kState{
 // What is read from the card and written to it.
 const std::vector<Verb> kFiles{
     {{"ls", "I:/DCIM/100ABCDE"}, 0, "131072"},
-    {{"ls", "I:/NOWHERE"}, 1, "There is no folder I:\\NOWHERE"},
+    {{"ls", "I:/NOWHERE"}, 1, "There is no folder I:/NOWHERE"},
     {{"tree", "I:/"}, 0, "IMG_0003.TXT"},
     {{"pictures"}, 0, "100ABCDE/IMG_0001"},
     {{"get", "I:/DCIM/100ABCDE/IMG_0001.JPG", "-o", "/tmp/verbs/one"},

@@ -1,0 +1,35 @@
+#ifndef KELVA_APPS_CAMERA_MEANT_H_
+#define KELVA_APPS_CAMERA_MEANT_H_
+
+#include <string>
+#include <vector>
+
+#include "apps/commandline/Context.h"
+#include "src/wifi/Camera.h"
+
+namespace apps {
+
+/// The files and folders that a typed path means, as the camera lists them. A path in another case of letters means the
+/// one that is listed, and a note says so. A path that is not listed may be a pattern: * ? and [...] match within a name.
+/// The path itself, unchanged, when nothing is listed that it could mean. Throws CameraError as Camera::ReadDir does, but
+/// for a folder that the camera refuses to list.
+std::vector<std::string> Meant(Context& context, Camera& camera, const std::string& cameraPath);
+
+/// As Meant, for a path that has to mean one thing. Throws Failure(kUsage) for a pattern that matches several.
+std::string MeantOne(Context& context, Camera& camera, const std::string& cameraPath);
+
+/// Meant for each of several paths, in order and without repetitions.
+std::vector<std::string> AllMeant(Context& context, Camera& camera, const std::vector<std::string>& cameraPaths);
+
+/// A path with its folder as the camera lists it; the last part, which may be new, only where it is listed. For the target
+/// of a file.
+std::string InListedFolder(Context& context, Camera& camera, const std::string& cameraPath);
+
+/// Whether a name matches a pattern with * ? and [...], in any case of letters.
+bool MatchesName(const std::string& pattern, const std::string& name);
+/// Whether text has a character that makes it a pattern.
+bool IsPattern(std::string_view text);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_CAMERA_MEANT_H_

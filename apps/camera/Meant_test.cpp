@@ -1,0 +1,109 @@
+#include "apps/camera/Meant.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "apps/camera/testing/FakeCamera.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/testing/SilentContext.h"
+
+namespace apps {
+namespace {
+
+using testing::ElementsAre;
+
+// A camera with a tree of folders.
+class TreeCamera : public FakeCamera {
+ public:
+  std::vector<CameraDirent> ReadDir(const char* path) override {
+    ++listings;
+    if (!tree.contains(path)) {
+      throw CameraTransferError(
+          "Transfer error\nCDB=[c2 00 03 00 00 00 00 00 00 00 00 00 00 00 00 00]\nret=0x00000000 "
+          "result.status=0x01140502");
+    }
+    return tree[path];
+  }
+
+  std::map<std::string, std::vector<CameraDirent>> tree = {
+      {"I:", {{"LABEL", 0, 0x08}, {"DCIM", 0, 0x10}, {"A.TXT", 3, 0x20}}},
+      {"I:\\DCIM", {{".", 0, 0x10}, {"..", 0, 0x10}, {"100ABCDE", 0, 0x10}, {"101ABCDE", 0, 0x10}}},
+      {"I:\\DCIM\\100ABCDE", {{"IMG_0001.JPG", 3, 0x20}, {"MVI_0002.MP4", 3, 0x20}, {"a[1].jpg", 3, 0x20}}},
+      {"I:\\DCIM\\101ABCDE", {{"MVI_0003.MP4", 3, 0x20}, {"img_0004.jpg", 3, 0x20}, {"IMG_0004.JPG", 3, 0x20}}},
+  };
+  int listings = 0;
+};
+
+class MeantTest : public testing::Test, protected SilentContext {
+ protected:
+  std::vector<std::string> Find(const std::string& path) { return Meant(context_, camera_, path); }
+
+  TreeCamera camera_;
+};
+
+TEST_F(MeantTest, APathAsListedMeansItselfAfterOneListing) {
+  EXPECT_THAT(Find("I:\\DCIM\\100ABCDE\\IMG_0001.JPG"), ElementsAre("I:\\DCIM\\100ABCDE\\IMG_0001.JPG"));
+  EXPECT_EQ(camera_.listings, 1);
+  EXPECT_EQ(Said(), "");
+  EXPECT_THAT(Find("I:"), ElementsAre("I:"));
+}
+
+TEST_F(MeantTest, AnotherCaseOfLettersMeansWhatIsListedAndANoteSaysSo) {
+  EXPECT_THAT(Find("I:\\dcim"), ElementsAre("I:\\DCIM"));
+  EXPECT_EQ(Said(), "kelva: There is no I:/dcim; there is I:/DCIM.\n");
+  EXPECT_THAT(Find("I:\\dcim\\100abcde\\img_0001.jpg"), ElementsAre("I:\\DCIM\\100ABCDE\\IMG_0001.JPG"));
+}
+
+TEST_F(MeantTest, WhereTwoNamesDifferInCaseAloneTheOneTypedIsMeant) {
+  EXPECT_THAT(Find("I:\\DCIM\\101ABCDE\\img_0004.jpg"), ElementsAre("I:\\DCIM\\101ABCDE\\img_0004.jpg"));
+  EXPECT_THAT(Find("I:\\DCIM\\101ABCDE\\IMG_0004.JPG"), ElementsAre("I:\\DCIM\\101ABCDE\\IMG_0004.JPG"));
+}
+
+TEST_F(MeantTest, APatternMeansAllThatMatchInFoldersAndNames) {
+  EXPECT_THAT(Find("I:\\DCIM\\*\\*.mp4"),
+              ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0002.MP4", "I:\\DCIM\\101ABCDE\\MVI_0003.MP4"));
+  EXPECT_THAT(Find("I:\\DCIM\\100ABCDE\\a[1].jpg"), ElementsAre("I:\\DCIM\\100ABCDE\\a[1].jpg"))
+      << "a name that looks like a pattern";
+}
+
+TEST_F(MeantTest, WhatIsNowhereIsLeftAsItIs) {
+  EXPECT_THAT(Find("I:\\DCIM\\*.RAW"), ElementsAre("I:\\DCIM\\*.RAW"));
+  EXPECT_THAT(Find("I:\\NOPE\\A.TXT"), ElementsAre("I:\\NOPE\\A.TXT"));
+  EXPECT_EQ(Said(), "");
+}
+
+TEST_F(MeantTest, FilesThatTwoPatternsMatchAreMeantOnce) {
+  EXPECT_THAT(AllMeant(context_, camera_, {"I:\\DCIM\\*\\MVI*", "I:\\DCIM\\100ABCDE\\*.MP4", "I:\\A.TXT"}),
+              ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0002.MP4", "I:\\DCIM\\101ABCDE\\MVI_0003.MP4", "I:\\A.TXT"));
+}
+
+TEST_F(MeantTest, ThePathOfOneThingMayBeAPatternWithOneMatch) {
+  EXPECT_EQ(MeantOne(context_, camera_, "I:\\DCIM\\100*"), "I:\\DCIM\\100ABCDE");
+  try {
+    MeantOne(context_, camera_, "I:\\DCIM\\*");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Code(), ExitCode::kUsage);
+    EXPECT_STREQ(failure.what(), "'I:/DCIM/*' matches 2 names on the camera; name one of them.");
+  }
+}
+
+TEST_F(MeantTest, ATargetKeepsANewNameInAFolderAsListed) {
+  EXPECT_EQ(InListedFolder(context_, camera_, "I:\\dcim\\NEW.TXT"), "I:\\DCIM\\NEW.TXT");
+  EXPECT_EQ(InListedFolder(context_, camera_, "I:\\a.txt"), "I:\\A.TXT");
+  EXPECT_EQ(InListedFolder(context_, camera_, "I:"), "I:");
+}
+
+TEST_F(MeantTest, ACameraThatHasGoneEndsTheSearch) {
+  class GoneCamera : public FakeCamera {
+    std::vector<CameraDirent> ReadDir(const char*) override {
+      throw CameraTransferError(
+          "Transfer error\nCDB=[c2 00 03 00 00 00 00 00 00 00 00 00 00 00 00 00]\nret=0xe00002c0 "
+          "result.status=0x00000000");
+    }
+  } gone;
+  EXPECT_THROW(Meant(context_, gone, "I:\\A.TXT"), CameraTransferError);
+}
+
+}  // namespace
+}  // namespace apps

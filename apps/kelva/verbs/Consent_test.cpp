@@ -1,0 +1,60 @@
+#include "apps/kelva/verbs/Consent.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <string_view>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/testing/SilentContext.h"
+#include "base/FileDescriptor.h"
+
+namespace apps {
+namespace {
+
+const Question kQuestion{"Two files go.", "Delete?", "nothing was deleted"};
+
+// Puts a file with what a person types in place of standard input.
+class ConsentTest : public testing::Test, protected SilentContext {
+ protected:
+  ConsentTest() : input_(::dup(STDIN_FILENO)) {}
+  ~ConsentTest() override { ::dup2(input_.Get(), STDIN_FILENO); }
+
+  static void Type(std::string_view text) {
+    const base::FileDescriptor typed(::memfd_create("typed", MFD_CLOEXEC));
+    EXPECT_EQ(::pwrite(typed.Get(), text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
+    ::dup2(typed.Get(), STDIN_FILENO);
+  }
+
+ private:
+  const base::FileDescriptor input_;
+};
+
+TEST_F(ConsentTest, YesGoesOnAfterTheFactsAndTheQuestion) {
+  Type("yes\n");
+  EXPECT_NO_THROW(Ask(context_, kQuestion));
+  EXPECT_EQ(Said(), "kelva: Two files go.\nkelva: Delete? Type yes and press Enter:\n");
+}
+
+TEST_F(ConsentTest, EveryOtherAnswerEndsTheCommandAndSaysWhatIsTrue) {
+  for (const char* answer : {"no\n", "", "y\n", "yes please\n", "YES\n"}) {
+    Type(answer);
+    try {
+      Ask(context_, kQuestion);
+      FAIL() << answer;
+    } catch (const Failure& failure) {
+      EXPECT_STREQ(failure.what(), "The answer was not yes; nothing was deleted.");
+    }
+  }
+}
+
+TEST_F(ConsentTest, NobodyIsAskedWhereStandardInputIsNoTerminal) {
+  Type("no\n");
+  EXPECT_FALSE(CanAsk(context_));
+  EXPECT_NO_THROW(AskOnTerminal(context_, kQuestion));
+  EXPECT_EQ(Said(), "");
+}
+
+}  // namespace
+}  // namespace apps
