@@ -52,14 +52,14 @@ TEST_F(SyncDeletesTest, ADeletionThatTheCameraDoesNotCarryOutIsSaidAndNotRemembe
   const SyncTotals totals = Run(kVerifyAndDelete, {Picture(1)});
   EXPECT_EQ(totals.deleted, 0U);
   EXPECT_EQ(totals.failed, 1U);
-  EXPECT_EQ(Said(), "kelva: The camera refused to delete I:\\DCIM\\100ABCDE\\IMG_0001.JPG.\n");
+  EXPECT_EQ(Said(), "kelva: The camera refused to delete I:/DCIM/100ABCDE/IMG_0001.JPG.\n");
   EXPECT_FALSE(manifest_.Find(KeyOf(Picture(1), 1, "K1"))->deleted);
 }
 
 TEST_F(SyncDeletesTest, AnErrorOfTheCameraIsSaidWithWhatWasTried) {
   camera_.forbidden = "IMG_0001.JPG";
   Run(kVerifyAndDelete);
-  EXPECT_THAT(Said(), testing::StartsWith("kelva: Cannot delete I:\\DCIM\\100ABCDE\\IMG_0001.JPG: "));
+  EXPECT_THAT(Said(), testing::StartsWith("kelva: Cannot delete I:/DCIM/100ABCDE/IMG_0001.JPG: "));
 }
 
 TEST_F(SyncDeletesTest, APictureThatHasChangedIsNamed) {
@@ -67,7 +67,7 @@ TEST_F(SyncDeletesTest, APictureThatHasChangedIsNamed) {
   camera_.files["IMG_0001.JPG"] = "eno";
   EXPECT_EQ(Run(kVerifyAndDelete, {Picture(1)}).failed, 1U);
   EXPECT_EQ(Said(),
-            "kelva: I:\\DCIM\\100ABCDE\\IMG_0001.JPG is no longer what was fetched from there; it was not deleted.\n");
+            "kelva: I:/DCIM/100ABCDE/IMG_0001.JPG is no longer what was fetched from there; it was not deleted.\n");
 }
 
 TEST_F(SyncDeletesTest, WhatWasDeletedIsNotAskedForAgain) {
@@ -82,7 +82,7 @@ TEST_F(SyncDeletesTest, ACameraThatHasGoneEndsTheDeletions) {
   camera_.onDelete = [](const std::string&) { throw Gone(); };
   const Outcome outcome = RunToItsEnd(kVerifyAndDelete);
   EXPECT_EQ(outcome.code, ExitCode::kGone);
-  EXPECT_THAT(outcome.sentence, testing::StartsWith("Cannot delete I:\\DCIM\\100ABCDE\\IMG_0001.JPG: "));
+  EXPECT_THAT(outcome.sentence, testing::StartsWith("Cannot delete I:/DCIM/100ABCDE/IMG_0001.JPG: "));
   EXPECT_EQ(Said(), "");
 }
 

@@ -43,7 +43,7 @@ TEST_F(SyncWorkersDeathTest, AFileOfWhichTheCameraSendsTooMuchIsLeftOutAndTheRes
   EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}), ExitedWithCode(0),
               "^1 stored, 1 failed, 1 read; in all 1 of 3 bytes$");
   EXPECT_EQ(Said(),
-            "kelva: The camera sent more of I:\\DCIM\\100ABCDE\\IMG_0001.JPG than it had announced, which ends the "
+            "kelva: The camera sent more of I:/DCIM/100ABCDE/IMG_0001.JPG than it had announced, which ends the "
             "reading process; the file was left out.\n");
   EXPECT_EQ(Text("100ABCDE/IMG_0002.JPG"), "two");
 }
@@ -52,9 +52,9 @@ TEST_F(SyncWorkersDeathTest, AFileAtWhichTwoProcessesWereKilledIsLeftOut) {
   AtTheReadOf("IMG_0001.JPG", [] { ::kill(::getpid(), SIGKILL); });
   EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}), ExitedWithCode(0), "^1 stored, 1 failed, 1 read; ");
   EXPECT_EQ(Said(),
-            "kelva: The process that read I:\\DCIM\\100ABCDE\\IMG_0001.JPG was killed (signal 9, Killed), as happens "
+            "kelva: The process that read I:/DCIM/100ABCDE/IMG_0001.JPG was killed (signal 9, Killed), as happens "
             "when memory runs out; another one tries that file once more.\n"
-            "kelva: Two processes that read I:\\DCIM\\100ABCDE\\IMG_0001.JPG were killed, so the file was left out; "
+            "kelva: Two processes that read I:/DCIM/100ABCDE/IMG_0001.JPG were killed, so the file was left out; "
             "close other programs and run the same command again.\n");
 }
 

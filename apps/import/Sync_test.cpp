@@ -46,7 +46,7 @@ TEST_F(SyncTest, VerifyingReadsTwice) {
 TEST_F(SyncTest, AFileThatIsMissingIsNamedWithTheReason) {
   camera_.files.erase("IMG_0001.JPG");
   Run();
-  EXPECT_THAT(Said(), testing::StartsWith("kelva: Cannot read I:\\DCIM\\100ABCDE\\IMG_0001.JPG: "));
+  EXPECT_THAT(Said(), testing::StartsWith("kelva: Cannot read I:/DCIM/100ABCDE/IMG_0001.JPG: "));
   EXPECT_THAT(Said(), HasSubstr("the catalogue names it, but it is not in its folder"));
 }
 
@@ -87,10 +87,9 @@ TEST_F(SyncTest, TwoReadsThatDifferAreSaidAndNothingIsStored) {
   const SyncTotals totals = Run({.verify = true}, {Picture(1)});
   EXPECT_EQ(totals.stored, 0U);
   EXPECT_EQ(totals.failed, 1U);
-  EXPECT_EQ(
-      Said(),
-      "kelva: Two reads of I:\\DCIM\\100ABCDE\\IMG_0001.JPG differ, so it was not stored; check the cable and the "
-      "card.\n");
+  EXPECT_EQ(Said(),
+            "kelva: Two reads of I:/DCIM/100ABCDE/IMG_0001.JPG differ, so it was not stored; check the cable and the "
+            "card.\n");
 }
 
 TEST_F(SyncTest, AFileThatDoesNotFitIntoMemoryIsReportedAndTheRestGoesOn) {
@@ -110,7 +109,7 @@ TEST_F(SyncTest, ACameraThatHasGoneEndsTheRunAndWhatCameBeforeIsKept) {
   const Outcome outcome = RunToItsEnd(kVerifyAndDelete);
   EXPECT_EQ(outcome.code, ExitCode::kGone);
   EXPECT_THAT(outcome.sentence,
-              testing::StartsWith("Cannot read I:\\DCIM\\100ABCDE\\IMG_0001.JPG: the camera is no longer there"));
+              testing::StartsWith("Cannot read I:/DCIM/100ABCDE/IMG_0001.JPG: the camera is no longer there"));
   EXPECT_EQ(camera_.reads, 2);
   EXPECT_EQ(Said(), "") << "the end of all is said by the caller";
 }

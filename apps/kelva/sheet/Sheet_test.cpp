@@ -91,8 +91,8 @@ TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
 TEST_F(SheetTest, AFileThatGoesOnBeyondItsListedSizeOrIsNotListedHasABound) {
   camera_.endless = true;
   EXPECT_EQ(Draw(camera_, {SheetPicture(1), SheetPicture(9)}).failed, 2U);
-  EXPECT_THAT(list_, testing::HasSubstr("lists I:\\\\DCIM\\\\100ABCDE\\\\IMG_0001.JPG with"));
-  EXPECT_THAT(list_, testing::HasSubstr("no folder lists I:\\\\DCIM\\\\100ABCDE\\\\IMG_0009.JPG"));
+  EXPECT_THAT(list_, testing::HasSubstr("lists I:/DCIM/100ABCDE/IMG_0001.JPG with"));
+  EXPECT_THAT(list_, testing::HasSubstr("no folder lists I:/DCIM/100ABCDE/IMG_0009.JPG"));
 }
 
 TEST_F(SheetTest, AMissingAndAnEmptyAndANonsenseFileAreNotDrawn) {
