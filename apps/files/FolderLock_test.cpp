@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -36,6 +37,7 @@ class FolderLockTest : public ::testing::Test {
     const FolderLock lock(Folder());
     struct stat status {};
     EXPECT_EQ(::stat(LockPath().c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, ::geteuid());
     return status.st_mode & 07777U;
   }
 
@@ -132,6 +134,9 @@ TEST_F(FolderLockTest, AListIsLimitedToThoseWhoMayWriteIntoTheFolderToo) {
     ::chmod(scratch_.Path().c_str(), folderMode);
     ::chmod(list.c_str(), 0644);
     LimitToWriters(Folder(), "list");
+    struct stat status {};
+    EXPECT_EQ(::stat(list.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, ::geteuid());
     return static_cast<unsigned>(fs::status(list).permissions());
   };
   EXPECT_EQ(modeIn(0755), 0600U);

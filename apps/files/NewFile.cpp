@@ -95,7 +95,6 @@ bool NewFile::Rename(const std::string& name, bool replace) {
   if (result != 0 && errno == EEXIST && !replace) return false;
   if (result != 0) throw SystemFailure("name a file " + Printable(folder_.PathOf(name)), errno);
   named_ = true;
-  record_->Forget();
   return true;
 }
 

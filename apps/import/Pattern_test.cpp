@@ -53,5 +53,24 @@ TEST(PatternTest, WhatIsNoRuleIsRefused) {
   }
 }
 
+TEST(PatternTest, WhatIsWrongWithAPatternIsSaid) {
+  const auto why = [](const char* pattern) {
+    try {
+      const Pattern read(pattern);
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.Code(), ExitCode::kUsage);
+      return std::string(failure.what());
+    }
+    return std::string();
+  };
+  EXPECT_EQ(
+      why("{year}/{nope}"),
+      "The pattern \"{year}/{nope}\" has a token that is not known; there are {folder} {name} {stem} {ext} {number} "
+      "{serial} {date} {year} {month} {day} {time}.");
+  EXPECT_EQ(why("../{name}"), "The pattern \"../{name}\" leads out of the folder.");
+  EXPECT_EQ(why("a//b"), "The pattern \"a//b\" has an empty part; it is relative to the folder and ends with a name.");
+  EXPECT_EQ(why(".a/b"), "The pattern \".a/b\" has a part that begins with a dot; such files are hidden.");
+}
+
 }  // namespace
 }  // namespace apps

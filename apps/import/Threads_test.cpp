@@ -81,6 +81,13 @@ TEST_F(Threads, EndAtAnyMomentAndStoreWhatTheyHave) {
   }
 }
 
+TEST_F(Threads, AbandonWhileTheOthersBegin) {
+  for (int round = 0; round < 15; ++round) {
+    Writers writers(folder_, manifest_, Count());
+    for (int i = 0; i < 5000; ++i) writers.Abandon();
+  }
+}
+
 TEST_F(Threads, AllEndWhenTheDiskIsFull) {
   const SyncPlan plan = Plan(Pictures(60));
   calls_.full = true;

@@ -172,6 +172,16 @@ TEST_F(WritersTest, AfterAFlushThatFailedTheNextOneIsNotBelieved) {
   EXPECT_EQ(Plan({Picture(1), Picture(2)}).NewFiles(), 2U);
 }
 
+TEST_F(WritersTest, NothingMoreIsTakenOnceTheDiskIsFull) {
+  const SyncPlan plan = Plan({Picture(1), Picture(2)});
+  RecordingCalls calls(path_);
+  calls.FailEach(1, 1 << 20, ENOSPC, "write ");
+  const auto writers = Make([](const WriteOutcome&) {});
+  writers->Submit({&plan.items[0], {'a'}, "", false});
+  EXPECT_THROW(writers->Finish(), Failure);
+  EXPECT_THROW(writers->Submit({&plan.items[1], {'a'}, "", false}), Failure);
+}
+
 TEST_F(WritersTest, WhatWasWrittenBeforeTheDiskWasFullIsKept) {
   const SyncPlan plan = Plan({Picture(1), Picture(2), Picture(3)});
   RecordingCalls calls(path_);

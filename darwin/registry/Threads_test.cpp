@@ -26,6 +26,17 @@ class RestlessSource final : public RegistrySource {
   mutable int calls_ = 0;
 };
 
+/// A source that has another descriptor each time, so that run loops have to be told again.
+class ChangingSource final : public RegistrySource {
+ public:
+  void Start(Registry&) override {}
+  int Descriptor() const override { return ++descriptor_; }
+  void Dispatch(Registry&) override {}
+
+ private:
+  mutable int descriptor_ = 0;
+};
+
 class QuietClient final : public UserClient {
  public:
   int CallScalar(std::uint32_t) override { return kIOReturnSuccess; }
@@ -127,13 +138,30 @@ TEST_F(Threads, AskTheSourceWhileAnotherIsNamed) {
     registry.LastSourceError();
     registry.WhyDeaf();
   };
-  const auto wait = [&registry] {
-    registry.SourceDescriptor();
-    registry.SourceTimeoutMs();
-    registry.LookAgain();
-  };
-  const base::Crowd crowd(kRounds,
-                          {ask, wait, [&registry] { registry.SetSource(std::make_unique<RestlessSource>()); }});
+  const auto name = [&registry] { registry.SetSource(std::make_unique<RestlessSource>()); };
+  // A thread for each call: one that takes a lock hides that the call before it took none.
+  const base::Crowd crowd(
+      kRounds, {ask, name, [&registry] { registry.LookAgain(); }, [&registry] { registry.SourceDescriptor(); },
+                [&registry] { registry.SourceTimeoutMs(); }});
+}
+
+TEST_F(Threads, MakePortsWhileWhatIsWaitedForChanges) {
+  Registry& registry = TheRegistry();
+  registry.SetSource(std::make_unique<ChangingSource>());
+  const Listening listening;
+  const auto makePort = [] { IONotificationPortDestroy(IONotificationPortCreate(kIOMainPortDefault)); };
+  const base::Crowd crowd(kRounds, {makePort, makePort, [&registry] { registry.LookAgain(); }});
+}
+
+TEST_F(Threads, HearOfACameraWhileOthersSpeakOfItAndLookAtIt) {
+  const EntryId camera = Publish({{"Camera"}, {{"Name", "K100"}}, {}});
+  const auto speak = [this, camera] { TheRegistry().SendMessage(camera, kIOMessageServiceIsSuspended); };
+  {
+    const Listening listening;
+    const base::Crowd crowd(kRounds, {speak, Enumerate, Enumerate});
+    while (crowd.IsBusy()) CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+  }
+  TheRegistry().Terminate(camera);
 }
 
 }  // namespace
