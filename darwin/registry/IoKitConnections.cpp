@@ -51,18 +51,15 @@ kern_return_t AnswerOf(Call call) {
   }
 }
 
-kern_return_t FindService(io_service_t handle, std::shared_ptr<Entry>& entry) {
+/// A handle's service and whether it is still there, or why there is none.
+kern_return_t FindService(io_service_t handle, std::shared_ptr<Entry>& entry, bool& active) {
   const std::lock_guard lock(SharedState().mutex);
   const std::shared_ptr<KernelObject> object = SharedState().handles.Find(handle);
   if (object == nullptr) return MACH_SEND_INVALID_DEST;
   entry = std::dynamic_pointer_cast<Entry>(object);
   const bool isService = entry != nullptr && (entry->registered || entry->IsOfClass("IOService"));
+  active = isService && entry->active;
   return isService ? kIOReturnSuccess : kIOReturnBadArgument;
-}
-
-bool IsActive(const Entry& entry) {
-  const std::lock_guard lock(SharedState().mutex);
-  return entry.active;
 }
 
 /// Asks the driver for a user client, outside of the lock, because this may take long.
@@ -109,10 +106,11 @@ extern "C" {
 
 kern_return_t IOServiceOpen(io_service_t service, task_port_t owningTask, uint32_t, io_connect_t* connect) {
   std::shared_ptr<Entry> entry;
-  if (const kern_return_t found = FindService(service, entry); found != kIOReturnSuccess) return found;
+  bool active = false;
+  if (const kern_return_t found = FindService(service, entry, active); found != kIOReturnSuccess) return found;
   if (owningTask != mach_task_self()) return kIOReturnBadArgument;
   *connect = IO_OBJECT_NULL;
-  if (!IsActive(*entry)) return kIOReturnNoDevice;
+  if (!active) return kIOReturnNoDevice;
   darwin::Registry::Shared().SendMessage(entry->Id(), kIOMessageServiceIsAttemptingOpen);
   std::shared_ptr<UserClient> client;
   const kern_return_t answer = AskDriver(*entry, client);

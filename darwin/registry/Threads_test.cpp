@@ -2,6 +2,9 @@
 
 #include <IOKit/IOMessage.h>
 
+#include <atomic>
+#include <thread>
+
 #include "base/testing/Crowd.h"
 #include "darwin/registry/testing/RegistryFixture.h"
 
@@ -151,6 +154,53 @@ TEST_F(Threads, MakePortsWhileWhatIsWaitedForChanges) {
   const Listening listening;
   const auto makePort = [] { IONotificationPortDestroy(IONotificationPortCreate(kIOMainPortDefault)); };
   const base::Crowd crowd(kRounds, {makePort, makePort, [&registry] { registry.LookAgain(); }});
+}
+
+/// Connections of a service, which a thread closes one after the other.
+std::vector<io_connect_t> Opened(io_service_t service, int count) {
+  std::vector<io_connect_t> connections(static_cast<std::size_t>(count));
+  for (io_connect_t& connection : connections) {
+    EXPECT_EQ(IOServiceOpen(service, mach_task_self(), 0, &connection), kIOReturnSuccess);
+  }
+  return connections;
+}
+
+TEST_F(Threads, CallADriverWhileOthersPlugAndCloseTheirConnections) {
+  const EntryId camera =
+      Publish({{"Camera"}, {{"Name", "K100"}}, [](int&) { return std::make_unique<QuietClient>(); }});
+  const io_service_t service = First("Camera");
+  const io_connect_t connection = Opened(service, 1).front();
+  const auto call = [connection] { IOConnectCallScalarMethod(connection, 0, nullptr, 0, nullptr, nullptr); };
+  const auto close = [own = Opened(service, kRounds / 4)]() mutable {
+    IOServiceClose(own.back());
+    own.pop_back();
+  };
+  {
+    const base::Crowd crowd(kRounds / 4, {call, call, close, [this] { PlugAndUnplug(); }});
+  }
+  IOServiceClose(connection);
+  IOObjectRelease(service);
+  TheRegistry().Terminate(camera);
+}
+
+TEST_F(Threads, OpenACameraThatGoesWhileItsDriverIsAsked) {
+  // Relaxed: these must not be what keeps the two threads apart.
+  std::atomic<bool> asked = false;
+  std::atomic<bool> gone = false;
+  const EntryId camera = Publish({{"Camera"}, {}, [&](int&) {
+                                    asked.store(true, std::memory_order_relaxed);
+                                    while (!gone.load(std::memory_order_relaxed)) std::this_thread::yield();
+                                    return std::make_unique<QuietClient>();
+                                  }});
+  const io_service_t service = First("Camera");
+  const std::jthread unplug([&] {
+    while (!asked.load(std::memory_order_relaxed)) std::this_thread::yield();
+    TheRegistry().Terminate(camera);
+    gone.store(true, std::memory_order_relaxed);
+  });
+  io_connect_t connection = 0;
+  EXPECT_EQ(IOServiceOpen(service, mach_task_self(), 0, &connection), kIOReturnNoDevice);
+  IOObjectRelease(service);
 }
 
 TEST_F(Threads, HearOfACameraWhileOthersSpeakOfItAndLookAtIt) {

@@ -80,6 +80,10 @@ TEST_F(ActionsTest, DeletesABatchByKeys) {
   EXPECT_FALSE(scratch_.Has("DCIM/a"));
   EXPECT_FALSE(scratch_.Has("DCIM/b"));
   EXPECT_TRUE(scratch_.Has("DCIM/c"));
+  // Two numbers of 4 bytes, then the text.
+  const base::Bytes console = Ask(*camera_, {0xC6, 0, 0x02}, 1000).data;
+  ASSERT_GT(console.size(), 8U);
+  EXPECT_THAT(std::string(console.begin() + 8, console.end()), testing::HasSubstr("deleted 2 files by key"));
   EXPECT_EQ(SendText(*camera_, {0xC0, 0, 0x06}, "abcd").sense, sense::kBadParameter);
   EXPECT_TRUE(SendText(*camera_, {0xC0, 0, 0x06}, "").Good());
 }

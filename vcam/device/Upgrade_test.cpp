@@ -36,6 +36,17 @@ TEST(Upgrade, ReportsReceivingAndThenWriting) {
   EXPECT_FALSE(upgrade.Writing(kStart + milliseconds(100)));
 }
 
+TEST(Upgrade, TakesTheTimeThatItIsGivenAndNoneWithoutAny) {
+  for (const int time : {0, 1}) {
+    Upgrade upgrade;
+    upgrade.Start(3);
+    ASSERT_TRUE(upgrade.Receive(0, kAbc));
+    ASSERT_TRUE(upgrade.Finish(kStart, milliseconds(time), false));
+    EXPECT_EQ(upgrade.Status(kStart), time == 0 ? kDone : kHalfRunning);
+    EXPECT_EQ(upgrade.Status(kStart + milliseconds(time)), kDone);
+  }
+}
+
 TEST(Upgrade, NamesTheFirmwareAfterItsImage) {
   Upgrade upgrade;
   upgrade.Start(3);
