@@ -96,7 +96,6 @@ IONotificationPort::IONotificationPort()
 
 IONotificationPort::~IONotificationPort() {
   source->Invalidate();
-  source->Release();
   const std::lock_guard lock(darwin::SharedState().mutex);
   --darwin::SharedState().livePorts;
 }
@@ -128,7 +127,7 @@ void IONotificationPortDestroy(IONotificationPortRef notify) {
 }
 
 CFRunLoopSourceRef IONotificationPortGetRunLoopSource(IONotificationPortRef notify) {
-  return darwin::cf::ToSourceRef(darwin::FromPort(notify).source);
+  return darwin::cf::ToSourceRef(darwin::FromPort(notify).source.get());
 }
 
 }  // extern "C"

@@ -44,8 +44,12 @@ struct IONotificationPort {
   IONotificationPort();
   ~IONotificationPort();
 
+  struct GiveBack {
+    void operator()(darwin::cf::RunLoopSource* source) const { source->Release(); }
+  };
+
   std::shared_ptr<darwin::MessageQueue> queue;
-  darwin::cf::RunLoopSource* source;  // one reference
+  std::unique_ptr<darwin::cf::RunLoopSource, GiveBack> source;
 };
 
 namespace darwin {

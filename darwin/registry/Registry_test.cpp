@@ -2,6 +2,7 @@
 
 #include <IOKit/IOMessage.h>
 
+#include "darwin/registry/State.h"
 #include "darwin/registry/testing/RegistryFixture.h"
 
 namespace darwin {
@@ -22,6 +23,11 @@ TEST_F(RegistryEntries, AnEntryIsRegisteredOnce) {
   TheRegistry().RegisterService(entry);
   EXPECT_EQ(Count(IOServiceMatching("Camera")), 1u);
   TheRegistry().Terminate(entry);
+}
+
+TEST_F(RegistryEntries, WhatHasGoneIsForgottenByWhatItHungOn) {
+  for (int i = 0; i < 100; ++i) TheRegistry().Terminate(Publish({{"Camera"}, {}, {}}));
+  EXPECT_LE(TheRegistry().GetState().root->children.size(), 1u);
 }
 
 TEST_F(RegistryEntries, EveryClassOfTheChainMatches) {

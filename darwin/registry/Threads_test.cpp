@@ -183,24 +183,88 @@ TEST_F(Threads, CallADriverWhileOthersPlugAndCloseTheirConnections) {
   TheRegistry().Terminate(camera);
 }
 
+/// Two threads that wait for each other. Relaxed: nothing but a lock of the registry may keep them apart.
+struct Meeting {
+  static void Tell(std::atomic<bool>& what) { what.store(true, std::memory_order_relaxed); }
+  static void Await(const std::atomic<bool>& what) {
+    while (!what.load(std::memory_order_relaxed)) std::this_thread::yield();
+  }
+  std::atomic<bool> first = false;
+  std::atomic<bool> second = false;
+};
+
 TEST_F(Threads, OpenACameraThatGoesWhileItsDriverIsAsked) {
-  // Relaxed: these must not be what keeps the two threads apart.
-  std::atomic<bool> asked = false;
-  std::atomic<bool> gone = false;
+  Meeting meeting;
   const EntryId camera = Publish({{"Camera"}, {}, [&](int&) {
-                                    asked.store(true, std::memory_order_relaxed);
-                                    while (!gone.load(std::memory_order_relaxed)) std::this_thread::yield();
+                                    Meeting::Tell(meeting.first);
+                                    Meeting::Await(meeting.second);
                                     return std::make_unique<QuietClient>();
                                   }});
   const io_service_t service = First("Camera");
   const std::jthread unplug([&] {
-    while (!asked.load(std::memory_order_relaxed)) std::this_thread::yield();
+    Meeting::Await(meeting.first);
     TheRegistry().Terminate(camera);
-    gone.store(true, std::memory_order_relaxed);
+    Meeting::Tell(meeting.second);
   });
   io_connect_t connection = 0;
   EXPECT_EQ(IOServiceOpen(service, mach_task_self(), 0, &connection), kIOReturnNoDevice);
   IOObjectRelease(service);
+}
+
+/// A port on this thread's run loop, and another thread that holds an object while a message about it is delivered.
+class Hearing {
+ public:
+  Hearing() {
+    CFRunLoopAddSource(CFRunLoopGetCurrent(), IONotificationPortGetRunLoopSource(port), kCFRunLoopDefaultMode);
+  }
+  ~Hearing() { IONotificationPortDestroy(port); }
+  Hearing(const Hearing&) = delete;
+  Hearing& operator=(const Hearing&) = delete;
+
+  /// To be called while the message is delivered.
+  static void Meet(Meeting& meeting) {
+    Meeting::Tell(meeting.first);
+    Meeting::Await(meeting.second);
+  }
+  void UntilHeard(io_object_t object) {
+    const std::jthread hold([&] {
+      Meeting::Await(meeting.first);
+      IOObjectRetain(object);
+      IOObjectRelease(object);
+      Meeting::Tell(meeting.second);
+    });
+    while (!meeting.first) CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+  }
+
+  const IONotificationPortRef port = IONotificationPortCreate(kIOMainPortDefault);
+  Meeting meeting;
+};
+
+TEST_F(Threads, HearOfACameraThatAnotherThreadHolds) {
+  Hearing hearing;
+  const EntryId camera = Publish({{"Camera"}, {{"Name", "K100"}}, {}});
+  const io_service_t service = First("Camera");
+  io_object_t interest = 0;
+  const auto onMessage = [](void* meeting, auto...) { Hearing::Meet(*static_cast<Meeting*>(meeting)); };
+  IOServiceAddInterestNotification(hearing.port, service, kIOGeneralInterest, onMessage, &hearing.meeting, &interest);
+  TheRegistry().SendMessage(camera, kIOMessageServiceIsSuspended);
+  hearing.UntilHeard(service);
+  IOObjectRelease(interest);
+  IOObjectRelease(service);
+  TheRegistry().Terminate(camera);
+}
+
+TEST_F(Threads, HearOfANewCameraByAnIteratorThatAnotherThreadHolds) {
+  Hearing hearing;
+  io_iterator_t matches = 0;
+  const auto onMatch = [](void* meeting, io_iterator_t) { Hearing::Meet(*static_cast<Meeting*>(meeting)); };
+  IOServiceAddMatchingNotification(hearing.port, kIOFirstMatchNotification, IOServiceMatching("Camera"), onMatch,
+                                   &hearing.meeting, &matches);
+  EXPECT_EQ(IOIteratorNext(matches), 0U);
+  const EntryId camera = Publish({{"Camera"}, {{"Name", "K100"}}, {}});
+  hearing.UntilHeard(matches);
+  IOObjectRelease(matches);
+  TheRegistry().Terminate(camera);
 }
 
 TEST_F(Threads, HearOfACameraWhileOthersSpeakOfItAndLookAtIt) {
