@@ -189,11 +189,11 @@ TEST_F(SyncTest, AMarkThatCannotBeWrittenEndsTheRunAndItsTotalsAreKept) {
   RecordingCalls calls(path_);
   camera_.onDelete = [&](const std::string&) { calls.FailAt(1, ENOSPC); };
   const SyncPlan plan = Plan({Picture(1), Picture(2)});
-  Sync sync(context_, camera_, folder_, manifest_, {.verify = true, .deleteAfter = true});
-  const auto ended = sync.Run(plan);
+  const auto sync = std::make_unique<Sync>(context_, camera_, folder_, manifest_, kVerifyAndDelete);
+  const auto ended = sync->Run(plan);
   ASSERT_TRUE(ended.has_value());
   EXPECT_THAT(ended->sentence, testing::StartsWith("Cannot write the list of fetched files "));
-  EXPECT_EQ(sync.Totals().stored, 2U);
+  EXPECT_EQ(sync->Totals().stored, 2U);
   EXPECT_EQ(camera_.files.size(), 1U) << "the second file stays on the camera";
 }
 
