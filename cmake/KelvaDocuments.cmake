@@ -5,7 +5,7 @@ install(FILES LICENSE THIRD-PARTY-NOTICES.md README.md CHANGELOG.md SECURITY.md 
 install(DIRECTORY packaging/licences DESTINATION "${kelva_documents}/packaging" COMPONENT Documentation)
 set(kelva_guides docs/embedding.md docs/protocol.md docs/macos.md docs/packaging.md docs/performance.md)
 if(TARGET kelva)
-  list(APPEND kelva_guides docs/json.md docs/trace.md)
+  list(APPEND kelva_guides docs/json.md docs/trace.md docs/your-camera.md)
 endif()
 if(TARGET kelva-vcam)
   list(APPEND kelva_guides docs/usbip.md)

@@ -6,7 +6,6 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
-#include "apps/trace/Trace.h"
 
 namespace apps {
 namespace {
@@ -46,15 +45,17 @@ Session::Session(Context& context, std::string doing) : Session(context, WantedC
 Session::Session(Context& context, AttachedCamera chosen) : chosen_(std::move(chosen)) {
   context.stop.Check();
   if (context.trace != nullptr) {
-    const RegistryCamera& facts = chosen_.facts;
-    chosen_.camera = context.trace->Around(chosen_.camera,
-                                           {facts.serial, facts.vendor, facts.product, facts.revision, facts.driver});
+    chosen_.camera = context.trace->Around(chosen_.camera, DeviceOf(chosen_.facts));
   }
   if (!chosen_.camera->Open()) throw CannotOpen(context, chosen_.facts.serial);
 }
 
 Session::~Session() {
   chosen_.camera->Close();
+}
+
+Trace::Device DeviceOf(const RegistryCamera& facts) {
+  return {facts.serial, facts.vendor, facts.product, facts.revision, facts.driver};
 }
 
 Json CameraResult(const Session& session) {

@@ -7,6 +7,7 @@
 
 #include "apps/camera/Attached.h"
 #include "apps/commandline/Context.h"
+#include "apps/trace/Trace.h"
 #include "src/wifi/Camera.h"
 
 namespace apps {
@@ -26,10 +27,15 @@ class Session {
   Camera& operator*() const { return *chosen_.camera; }
   Camera* operator->() const { return chosen_.camera.get(); }
   const RegistryCamera& Facts() const { return chosen_.facts; }
+  /// With the camera as it is used here, around the attached one when it is traced.
+  const AttachedCamera& Attached() const { return chosen_; }
 
  private:
   AttachedCamera chosen_;
 };
+
+/// What a trace calls a camera.
+Trace::Device DeviceOf(const RegistryCamera& facts);
 
 /// Starts a result about one camera with its serial number.
 Json CameraResult(const Session& session);

@@ -94,7 +94,7 @@ class Tool {
     OpenTrace();
     Supervision supervision;
     supervision.atEnd = [this](ExitCode code, const std::string& sentence) {
-      if (trace_) trace_->CutOff();
+      Trace::CutOff();
       GiveEnd({code, sentence});
     };
     if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");

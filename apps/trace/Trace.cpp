@@ -36,6 +36,18 @@ std::string UtcNow() {
   return text.data();
 }
 
+// The traces that are being written.
+struct Traces {
+  std::mutex mutex;
+  std::vector<Trace*> traces;
+};
+
+// Never destroyed: a program may end while a command still runs.
+Traces& All() {
+  static auto* const all = new Traces;
+  return *all;
+}
+
 }  // namespace
 
 /// One camera, and where it is in its exchanges.
@@ -58,9 +70,19 @@ Trace::Trace(const Wanted& wanted, const Program& program, std::string_view comm
   header.Set("program", program.name).Set("version", program.version).Set("system", System());
   header.Set("process", ::getpid()).Set("command", command).Set("time", UtcNow()).Set("stand_ins", standIns_);
   file_.Add(header.Text() + "\n");
+  const std::scoped_lock lock(All().mutex);
+  All().traces.push_back(this);
 }
 
-Trace::~Trace() = default;
+Trace::~Trace() {
+  const std::scoped_lock lock(All().mutex);
+  std::erase(All().traces, this);
+}
+
+void Trace::CutOff() {
+  const std::scoped_lock lock(All().mutex);
+  for (Trace* trace : All().traces) trace->NameOpen();
+}
 
 boost::shared_ptr<Camera> Trace::Around(boost::shared_ptr<Camera> camera, const Device& device) {
   std::shared_ptr<Observed> observed;
@@ -95,7 +117,7 @@ boost::shared_ptr<Camera> Trace::Around(boost::shared_ptr<Camera> camera, const 
   return kelva::Traced(std::move(camera), {.ended = ended, .began = began});
 }
 
-void Trace::CutOff() {
+void Trace::NameOpen() {
   const std::scoped_lock lock(mutex_);
   for (const auto& observed : observed_) {
     if (observed->open) file_.Add(UnfinishedLine(observed->Place(), *observed->open, observed->disclosure));

@@ -41,13 +41,16 @@ class Trace {
 
   /// A camera around this one whose exchanges are written.
   boost::shared_ptr<Camera> Around(boost::shared_ptr<Camera> camera, const Device& device);
-  /// Names the commands that have begun and not ended. For a program that ends without waiting for them.
-  void CutOff();
+  /// In every trace of this process: names the commands that have begun and not ended. For a program that ends without
+  /// waiting for them.
+  static void CutOff();
   /// See TraceFile.
   std::string Contents(std::size_t most) const { return file_.Contents(most); }
 
  private:
   struct Observed;
+
+  void NameOpen();
 
   TraceFile file_;
   const bool standIns_;

@@ -101,10 +101,10 @@ TEST_F(TraceTest, StandInsTakeThePlaceOfNames) {
 
 TEST_F(TraceTest, ACommandThatNeverEndsIsNamedWhenTheProgramEnds) {
   Trace trace = Start();
-  script_->Expect({0xC0, 0, 3}).Then([&] { trace.CutOff(); });
+  script_->Expect({0xC0, 0, 3}).Then([&] { Trace::CutOff(); });
   const auto camera = trace.Around(script_, {});
   camera->Reboot();
-  trace.CutOff();  // nothing is open now
+  Trace::CutOff();  // nothing is open now
   ASSERT_EQ(Lines().size(), 4U);
   EXPECT_TRUE(Lines()[2].starts_with(R"({"event":"unfinished","process":)"));
   EXPECT_TRUE(Says(2, R"("command":"reboot")"));

@@ -19,8 +19,8 @@ VERBS = {
     "batch get": KEY + " --into {out}", "batch rm": KEY, "raw": KEY + " --into {out}", "wifi name": "den",
     "wifi passphrase": "", "wifi auth": "WPA2", "wifi off": "", "control": "", "control get": "",
     "control set": "3 bright", "console": "", "monitor": "help", "crash-logs": "--into {out}",
-    "calibration": "--into {out}", "upgrade": "--yes {image}", "report": "{out}/report.tar", "doctor": "",
-    "completion": "bash", "manual": "", "help": "",
+    "calibration": "--into {out}", "upgrade": "--yes {image}", "report": "{out}/report.tar",
+    "survey": "--yes {out}/survey", "doctor": "", "completion": "bash", "manual": "", "help": "",
 }
 # These look at no camera, or at the machine's alone.
 WITHOUT_CAMERA = {"doctor", "completion", "manual", "help"}

@@ -25,6 +25,8 @@ ELSEWHERE = {
     # One test for what the build chooses among.
     "apps/kelva/thumbnail/Confine_test.cpp": """
         apps/kelva/thumbnail/ConfineLinux.cpp apps/kelva/thumbnail/ConfineNot.cpp apps/kelva/thumbnail/ConfinePosix.cpp""",
+    # It waits for a camera's clock, which no unit test does.
+    "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.
     "tests/vcam": """
         vcam/program/EndSignals.cpp vcam/program/FaultVerb.cpp vcam/program/PlugVerbs.cpp vcam/program/ServeVerb.cpp

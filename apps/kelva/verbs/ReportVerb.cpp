@@ -1,5 +1,4 @@
 // The verb report.
-#include <sys/stat.h>
 #include <sys/utsname.h>
 
 #include <ctime>
@@ -20,6 +19,7 @@
 #include "apps/files/SafeName.h"
 #include "apps/files/StoreFile.h"
 #include "apps/files/Tar.h"
+#include "apps/kelva/verbs/PrivateFiles.h"
 #include "apps/kelva/verbs/Verbs.h"
 #include "apps/trace/Trace.h"
 
@@ -103,18 +103,6 @@ class Report {
   Tar tar_;
   std::string errors_;
   int files_ = 0;
-};
-
-/// While it lives, only their owner may read new files.
-class PrivateFiles {
- public:
-  PrivateFiles() : before_(::umask(S_IRWXG | S_IRWXO)) {}
-  ~PrivateFiles() { ::umask(before_); }
-  PrivateFiles(const PrivateFiles&) = delete;
-  PrivateFiles& operator=(const PrivateFiles&) = delete;
-
- private:
-  const mode_t before_;
 };
 
 void Gather(Context& context, const Session& camera, Report& report) {

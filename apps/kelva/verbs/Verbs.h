@@ -28,6 +28,7 @@ std::span<const Verb> MonitorVerbs();  ///< monitor
 std::span<const Verb> BundleVerbs();   ///< crash-logs, calibration
 std::span<const Verb> UpgradeVerbs();  ///< upgrade
 std::span<const Verb> ReportVerbs();   ///< report
+std::span<const Verb> SurveyVerbs();   ///< survey
 std::span<const Verb> DoctorVerbs();   ///< doctor
 
 /// The tool: these verbs, then HelpVerbs(), and the options of all.
