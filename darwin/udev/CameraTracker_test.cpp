@@ -56,6 +56,18 @@ TEST_F(CameraTrackerTest, TheLatestRemovalBeforeTheEnumerationDoesNotEndTheCamer
   EXPECT_EQ(machine_.publishes, 1);
 }
 
+TEST_F(CameraTrackerTest, AnOldRemovalDoesNotEndTheCameraThatAMessageHasShownSince) {
+  machine_.Plug(Camera("A"));
+  tracker_.Start();
+  tracker_.Dispatch();
+  machine_.Plug(Camera("A"));  // a change of it, read when it is back already
+  machine_.Unplug(Camera("A").path);
+  machine_.Plug(Camera("A"));
+  tracker_.Dispatch();
+  EXPECT_THAT(machine_.Published(), ElementsAre("A"));
+  EXPECT_EQ(machine_.publishes, 1);
+}
+
 TEST_F(CameraTrackerTest, ARemovalSentBeforeTheEnumerationCountsWhenTheCameraIsGone) {
   machine_.Plug(Camera("A"));
   tracker_.Start();
