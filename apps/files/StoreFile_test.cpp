@@ -126,6 +126,12 @@ TEST_F(StoreFileTest, TheBytesAreOnDiskBeforeTheNameAndTheNameBeforeTheEnd) {
   EXPECT_THAT(calls.Log(), ElementsAre("create *.part", "write *.part", "flush *.part", "rename A", "flush folder ."));
 }
 
+TEST_F(StoreFileTest, StoringBesideOthersKeepsTheOrderToo) {
+  const RecordingCalls calls(path_);
+  Store("A", "one");
+  EXPECT_THAT(calls.Log(), ElementsAre("create *.part", "write *.part", "flush *.part", "rename A"));
+}
+
 TEST_F(StoreFileTest, ReplacingKeepsTheSameOrder) {
   const RecordingCalls calls(path_);
   StoreReplacing(*folder_, "A", std::string("one"));
