@@ -2,9 +2,9 @@
 
 #include "Listener.h"
 
-#include <algorithm>
 #include <boost/weak_ptr.hpp>
 #include <list>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -43,12 +43,16 @@ class Listener::Registrations : public std::enable_shared_from_this<Registration
     IoObject iterator;
   };
 
-  /// A camera whose loss will be reported.
-  struct Watch {
-    Registrations* owner;
+  struct Watched {
     boost::weak_ptr<Camera> camera;
     std::string serial;
     IoObject notification;
+  };
+  /// What the system's messages about one camera name. It lives as long as the port that delivers them: a second message may
+  /// wait there when the first is handled. So a listener keeps some bytes for each camera that has come.
+  struct Watch {
+    Registrations* owner;
+    std::optional<Watched> camera;  // until its loss is reported
   };
 
   void Register(const char* className, IOServiceMatchingCallback handler) {
@@ -71,11 +75,12 @@ class Listener::Registrations : public std::enable_shared_from_this<Registration
 
   static void OnMessage(void* context, io_service_t, uint32_t messageType, void*) {
     if (messageType != kServiceIsTerminated) return;
-    const auto* watch = static_cast<const Watch*>(context);
+    auto* watch = static_cast<Watch*>(context);
     const auto self = watch->owner->shared_from_this();
-    if (self->stopped_) return;
-    const std::list<Watch> gone = self->Take(watch);
-    self->ReportLost(gone.front().camera.lock(), gone.front().serial);
+    if (self->stopped_ || !watch->camera) return;
+    // Released when its report has been made.
+    const Watched gone = *std::exchange(watch->camera, std::nullopt);
+    self->ReportLost(gone.camera.lock(), gone.serial);
   }
 
   void ReportAttached(const boost::shared_ptr<Camera>& camera) {
@@ -98,23 +103,15 @@ class Listener::Registrations : public std::enable_shared_from_this<Registration
 
   /// False when the service has gone already: the system then takes no interest in it.
   bool StartWatch(const boost::shared_ptr<Camera>& camera, io_service_t service, const std::string& serial) {
-    watches_.push_back({this, camera, serial, {}});
+    watches_.push_back({this, Watched{camera, serial, {}}});
     io_object_t notification = 0;
     if (IOServiceAddInterestNotification(port_.Get(), service, wire::kGeneralInterestType, OnMessage, &watches_.back(),
                                          &notification) != kIOReturnSuccess) {
       watches_.pop_back();
       return false;
     }
-    watches_.back().notification.Reset(notification);
+    watches_.back().camera->notification.Reset(notification);
     return true;
-  }
-
-  /// Takes a watch out of the list, so that it is released when its report has been made.
-  std::list<Watch> Take(const Watch* watch) {
-    std::list<Watch> taken;
-    taken.splice(taken.begin(), watches_,
-                 std::find_if(watches_.begin(), watches_.end(), [watch](const Watch& each) { return &each == watch; }));
-    return taken;
   }
 
   // In this order: handles are given back before the port that they send to goes, and the functions last.

@@ -73,6 +73,17 @@ TEST_F(ListenerRefusals, IgnoresEveryMessageButTheEndOfTheService) {
   EXPECT_TRUE(Heard("Lost one"));
 }
 
+// The system may have put a second message into the port's queue before the first one was handled.
+TEST_F(ListenerRefusals, ASecondMessageAboutACameraThatHasGoneIsIgnored) {
+  AddCamera("one");
+  Listen();
+  const fake::Interest interest = framework().interests.at(0);
+  interest.handler(interest.refCon, interest.service, 0xE0000010, nullptr);
+  log().clear();
+  interest.handler(interest.refCon, interest.service, 0xE0000010, nullptr);
+  EXPECT_EQ(log(), Log{});
+}
+
 TEST_F(ListenerRefusals, WithoutAPortThrows) {
   framework().refusesPort = true;
   EXPECT_EQ(ErrorOfListening(), "OsxCameraError: IONotificationPortCreate() failed.");
