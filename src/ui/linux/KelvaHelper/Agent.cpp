@@ -75,7 +75,7 @@ int WatchAlone(const std::string& virtualBus) {
   const SessionIdentity session = CurrentSession(virtualBus);
   const std::string path = LockPath(session);
   if (session.runtimeDirectory.empty()) {
-    if (const int error = MakeLockFolder(path); error != 0) return CannotLock(path, error);
+    if (const int error = MakeLockFolder(path, session.home); error != 0) return CannotLock(path, error);
   }
   const SessionLock lock(path);
   switch (lock.Result()) {

@@ -93,9 +93,12 @@ std::string LockPath(const SessionIdentity& session) {
   return session.home + "/.cache/kelva-helper/" + Hexadecimal(Hash(key + '\n' + session.machine)) + ".lock";
 }
 
-int MakeLockFolder(const std::string& lockPath) {
-  for (std::size_t end = lockPath.find('/', 1); end != std::string::npos; end = lockPath.find('/', end + 1)) {
-    ::mkdir(lockPath.substr(0, end).c_str(), S_IRWXU);
+int MakeLockFolder(const std::string& lockPath, const std::string& home) {
+  if (!home.empty() && lockPath.compare(0, home.size() + 1, home + '/') == 0) {
+    for (std::size_t end = lockPath.find('/', home.size() + 1); end != std::string::npos;
+         end = lockPath.find('/', end + 1)) {
+      ::mkdir(lockPath.substr(0, end).c_str(), S_IRWXU);
+    }
   }
   const std::string folder = lockPath.substr(0, lockPath.rfind('/'));
   struct stat status;

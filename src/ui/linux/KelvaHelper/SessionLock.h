@@ -33,9 +33,10 @@ SessionIdentity CurrentSession(const std::string& virtualBus);
 /// its own below the home folder: never in a folder that all users share, where another user could take the name.
 std::string LockPath(const SessionIdentity& session);
 
-/// Makes the folder of the lock file of a session without a run-time folder, and the folders above it, for this user
-/// alone. Returns 0 or an errno: EPERM when the folder is another user's, or others may write into it.
-int MakeLockFolder(const std::string& lockPath);
+/// Makes the folder of the lock file of a session without a run-time folder, and the folders between it and `home`, for
+/// this user alone. A home folder is not made, nor what is above it. Returns 0 or an errno: EPERM when the folder is
+/// another user's, or others may write into it.
+int MakeLockFolder(const std::string& lockPath, const std::string& home);
 
 /// The lock that keeps the agent to one copy per login session. It ends with the process, however that ends.
 class SessionLock {

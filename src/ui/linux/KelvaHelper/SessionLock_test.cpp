@@ -88,26 +88,32 @@ TEST_F(SessionLockTest, AFolderThatIsMissingIsAFailureWithItsReason) {
 TEST_F(SessionLockTest, AFolderInWhichOthersMayWriteIsRefused) {
   for (const mode_t mode : {0777U, 01777U, 0770U}) {
     ASSERT_EQ(::chmod(folder_.c_str(), mode), 0);
-    EXPECT_EQ(MakeLockFolder(path_), EPERM);
+    EXPECT_EQ(MakeLockFolder(path_, folder_), EPERM);
   }
 }
 
 TEST_F(SessionLockTest, AFolderOfAnotherUserIsRefused) {
   // The device folder belongs to root; as root the test gives its own folder away.
   const bool isRoot = ::geteuid() == 0 && ::chown(folder_.c_str(), 65534, 65534) == 0;
-  EXPECT_EQ(MakeLockFolder(isRoot ? path_.string() : "/dev/agent.lock"), EPERM);
+  EXPECT_EQ(MakeLockFolder(isRoot ? path_.string() : "/dev/agent.lock", folder_), EPERM);
 }
 
 TEST_F(SessionLockTest, AFolderThatCannotBeMadeIsRefused) {
   std::ofstream(folder_ / "file") << "";
-  EXPECT_EQ(MakeLockFolder(folder_ / "file" / "agent.lock"), EPERM);
-  EXPECT_EQ(MakeLockFolder(folder_ / "file" / "agent" / "a.lock"), ENOTDIR);
+  EXPECT_EQ(MakeLockFolder(folder_ / "file" / "agent.lock", folder_), EPERM);
+  EXPECT_EQ(MakeLockFolder(folder_ / "file" / "agent" / "a.lock", folder_), ENOTDIR);
 }
 
 TEST_F(SessionLockTest, AMissingFolderIsMadeForThisUserAlone) {
   const std::string path = folder_ / "home" / ".cache" / "agent" / "a.lock";
   const mode_t before = ::umask(0);
-  EXPECT_EQ(MakeLockFolder(path), 0);
+  EXPECT_EQ(MakeLockFolder(path, folder_ / "home"), ENOENT) << "a home folder is not made";
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "home"));
+  std::filesystem::create_directory(folder_ / "home");
+  EXPECT_EQ(MakeLockFolder(path, ""), ENOENT);
+  EXPECT_EQ(MakeLockFolder(path, folder_ / "hom"), ENOENT);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "home" / ".cache"));
+  EXPECT_EQ(MakeLockFolder(path, folder_ / "home"), 0);
   ::umask(before);
   struct stat status;
   ASSERT_EQ(::stat((folder_ / "home" / ".cache" / "agent").c_str(), &status), 0);
