@@ -2,6 +2,9 @@
 
 #include "apps/camera/ListedSizes.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/FolderListing.h"
 #include "base/Ascii.h"
@@ -20,7 +23,7 @@ SizesByName ReadSizes(Camera& camera, const std::string& folder) {
 
 std::optional<bool> ListedSizes::Agrees(const std::string& cameraPath, unsigned long long size) {
   const SplitPath path = Split(cameraPath);
-  const bool fresh = folder_ != path.folder;
+  const bool fresh = !Recall(path.folder);
   if (fresh) Read(path.folder);
   if (LookUp(path.name) && listed_ == size) return true;
   if (!fresh) Read(path.folder);
@@ -31,25 +34,39 @@ std::optional<bool> ListedSizes::Agrees(const std::string& cameraPath, unsigned 
 std::optional<unsigned long long> ListedSizes::SizeOf(const std::string& cameraPath) {
   const SplitPath path = Split(cameraPath);
   try {
-    if (folder_ != path.folder) Read(path.folder);
+    if (!Recall(path.folder)) Read(path.folder);
   } catch (const CameraError&) {
     // Not asked again for each of its files; what is wrong shows when a file is read.
-    folder_ = path.folder;
+    Keep({path.folder, {}});
   }
   return LookUp(path.name) ? std::optional(listed_) : std::nullopt;
 }
 
 bool ListedSizes::LookUp(const std::string& name) {
-  const auto found = sizes_.find(base::Lower(name));
-  listed_ = found == sizes_.end() ? 0 : found->second;
-  return found != sizes_.end();
+  const SizesByName& sizes = folders_.front().sizes;
+  const auto found = sizes.find(base::Lower(name));
+  listed_ = found == sizes.end() ? 0 : found->second;
+  return found != sizes.end();
 }
 
-void ListedSizes::Read(const std::string& folder) {
-  folder_.reset();
-  sizes_.clear();
-  sizes_ = ReadSizes(camera_, folder);
-  folder_ = folder;
+bool ListedSizes::Recall(const std::string& path) {
+  const auto found =
+      std::find_if(folders_.begin(), folders_.end(), [&path](const Folder& folder) { return folder.path == path; });
+  if (found == folders_.end()) return false;
+  folders_.splice(folders_.begin(), folders_, found);
+  return true;
+}
+
+void ListedSizes::Read(const std::string& path) {
+  // Before the camera is asked: a listing that fails leaves none.
+  if (Recall(path)) folders_.pop_front();
+  Keep({path, ReadSizes(camera_, path)});
+}
+
+void ListedSizes::Keep(Folder folder) {
+  constexpr std::size_t kMostFolders = 8;
+  folders_.push_front(std::move(folder));
+  if (folders_.size() > kMostFolders) folders_.pop_back();
 }
 
 }  // namespace apps

@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_CAMERA_LISTED_SIZES_H_
 #define KELVA_APPS_CAMERA_LISTED_SIZES_H_
 
+#include <list>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,8 +14,8 @@ namespace apps {
 using SizesByName = std::map<std::string, unsigned long long>;
 SizesByName ReadSizes(Camera& camera, const std::string& folder);
 
-/// The sizes of files as their folders list them. Caches one folder: files in catalogue order cost one listing for each
-/// folder.
+/// The sizes of files as their folders list them. Keeps the listings of the last few folders: files in catalogue order
+/// cost one listing for each folder, also where the order goes back and forth between some folders.
 class ListedSizes {
  public:
   explicit ListedSizes(Camera& camera) : camera_(camera) {}
@@ -29,12 +30,20 @@ class ListedSizes {
   unsigned long long Listed() const { return listed_; }
 
  private:
+  struct Folder {
+    std::string path;
+    SizesByName sizes;
+  };
+
   bool LookUp(const std::string& name);
-  void Read(const std::string& folder);
+  /// Puts a folder whose listing is kept in front. False when it is not kept.
+  bool Recall(const std::string& path);
+  /// Lists a folder and puts it in front.
+  void Read(const std::string& path);
+  void Keep(Folder folder);
 
   Camera& camera_;
-  std::optional<std::string> folder_;
-  SizesByName sizes_;
+  std::list<Folder> folders_;  // the one last asked for is in front
   unsigned long long listed_ = 0;
 };
 

@@ -45,6 +45,26 @@ TEST_F(ListedSizesTest, AFileThatGrewIsLookedAtOnceMore) {
   EXPECT_EQ(camera_.listings, 2);
 }
 
+TEST_F(ListedSizesTest, FilesOfFoldersInTurnCostOneListingEach) {
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_EQ(sizes_.SizeOf("I:\\A.JPG"), 5U);
+    EXPECT_EQ(sizes_.SizeOf("I:\\ELSE\\A.JPG"), std::nullopt);
+    EXPECT_EQ(sizes_.Agrees("I:\\MORE\\A.JPG", 5), std::nullopt);
+  }
+  // A file that is not listed is looked for again by Agrees alone.
+  EXPECT_EQ(camera_.listings, 3 + 9);
+}
+
+TEST_F(ListedSizesTest, OnlyTheLastEightFoldersAreKept) {
+  EXPECT_EQ(sizes_.SizeOf("I:\\A.JPG"), 5U);
+  for (int i = 0; i < 7; ++i) sizes_.SizeOf("I:\\" + std::to_string(i) + "\\A.JPG");
+  EXPECT_EQ(sizes_.SizeOf("I:\\A.JPG"), 5U);
+  EXPECT_EQ(camera_.listings, 8);
+  for (int i = 0; i < 8; ++i) sizes_.SizeOf("I:\\N" + std::to_string(i) + "\\A.JPG");
+  EXPECT_EQ(sizes_.SizeOf("I:\\A.JPG"), 5U);
+  EXPECT_EQ(camera_.listings, 17);
+}
+
 TEST_F(ListedSizesTest, AFileThatIsNotListedIsNeitherRightNorWrong) {
   EXPECT_EQ(sizes_.Agrees("I:\\C.JPG", 1), std::nullopt);
   EXPECT_EQ(sizes_.Agrees("I:\\SUB", 0), std::nullopt);
