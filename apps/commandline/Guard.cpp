@@ -46,12 +46,14 @@ struct Guard::Page {
   static constexpr std::size_t kMostNotes = kNotes / 4 * 3;
   static constexpr int kMostAborts = 1024;
   static constexpr int kMostKills = 16;
+  static constexpr int kMostKillsBetweenItems = 2;
 
   std::atomic<std::uint64_t> current = 0;  // the item that began last
   std::atomic<bool> inItem = false;
   std::atomic<bool> aborted = false;
   int aborts = 0;
   int kills = 0;
+  int killsBetweenItems = 0;
   std::array<char, 256> name{};  // of the current item
   std::atomic<unsigned long long> expected = 0;
   std::atomic<unsigned long long> files = 0;
@@ -156,10 +158,14 @@ int Guard::Run(const std::function<int(Guard&)>& work, const std::function<void(
 
 void Guard::NoteKill(Page& page, int signal, const std::function<void(const std::string&)>& say) {
   const std::string name = page.name.data();
-  if (page.current == 0 || page.kills++ == Page::kMostKills) {
+  const bool tooMany =
+      page.kills++ == Page::kMostKills || (!page.inItem && page.killsBetweenItems++ == Page::kMostKillsBetweenItems);
+  if (page.current == 0 || tooMany) {
     throw Failure(ExitCode::kFailed, "The process that did the work " + HowKilled(signal) +
                                          "; what was finished is kept, and the same command goes on from there.");
   }
+  // Deletions and the list, for example: no file is to blame.
+  if (!page.inItem) return say("The process that did the work " + HowKilled(signal) + "; another one goes on.");
   if ((page.FactsOf(page.current) & kKilled) != 0) {
     page.Add(page.current, kKilledAgain);
     return;

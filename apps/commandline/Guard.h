@@ -10,7 +10,8 @@ namespace apps {
 
 /// Lets long work survive the end of its process. A child process does the work. If the library aborts in the middle of one
 /// item, because the camera sent more than it announced, another child goes on without that item. If a child is killed
-/// (memory), another one tries the item once more; an item at which two were killed is left out.
+/// (memory), another one tries the item once more; an item in which two were killed is left out. A child that is killed between two
+/// items is replaced twice.
 /// Items are named by tokens. What is counted and noted here holds for the whole work, over all processes. Any thread.
 class Guard {
  public:
@@ -52,6 +53,23 @@ class Guard {
 
   Page& page_;
   mutable std::mutex mutex_;  // the notes
+};
+
+/// An item for as long as this lives, however its work ends.
+class InItem {
+ public:
+  /// Without a guard it does nothing.
+  InItem(Guard* guard, std::string_view token, std::string_view name) : guard_(guard) {
+    if (guard_ != nullptr) guard_->Begin(token, name);
+  }
+  ~InItem() {
+    if (guard_ != nullptr) guard_->End();
+  }
+  InItem(const InItem&) = delete;
+  InItem& operator=(const InItem&) = delete;
+
+ private:
+  Guard* const guard_;
 };
 
 }  // namespace apps

@@ -131,10 +131,49 @@ TEST(GuardDeathTest, AnItemAtWhichTwoWorkersWereKilledIsLeftOut) {
   const auto work = [](Guard& guard) {
     if (guard.FateOf("a") == Guard::Fate::kKilledTwice) return guard.FateOf("b") == Guard::Fate::kUnknown ? 6 : 99;
     guard.Begin("a", "A");
-    guard.End();
     return ::kill(::getpid(), SIGUSR1);
   };
   EXPECT_EXIT(RunAndExit(work), ExitedWithCode(6), "A was killed \\(signal 10, User defined signal 1\\); another");
+}
+
+// As when a run deletes what it has fetched: the last file was read long ago.
+TEST(GuardDeathTest, AWorkerThatIsKilledBetweenItemsBlamesNone) {
+  const auto work = [](Guard& guard) {
+    if (!IsOpen(guard, "a")) return 99;
+    { const InItem item(&guard, "a", "I:\\A.JPG"); }
+    guard.Count(1, 0);
+    if (guard.Files() <= 2) ::kill(::getpid(), SIGKILL);
+    return 6;
+  };
+  EXPECT_EXIT(
+      RunAndExit(work), ExitedWithCode(6),
+      AllOf(HasSubstr("The process that did the work was killed (signal 9, Killed), as happens when memory runs "
+                      "out; another one goes on."),
+            Not(HasSubstr("A.JPG"))));
+}
+
+TEST(GuardDeathTest, AThirdWorkerThatIsKilledBetweenItemsIsAFailureInWords) {
+  const auto work = [](Guard& guard) {
+    guard.Count(1, 0);
+    { const InItem item(&guard, "a", "A"); }
+    if (guard.Files() <= 3) ::kill(::getpid(), SIGKILL);
+    return 99;
+  };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(1), "the same command goes on from there");
+}
+
+TEST(GuardDeathTest, AnItemIsOverHoweverItsWorkEnds) {
+  const auto work = [](Guard& guard) {
+    CatchAborts("kelva: aborted\n", "", -1);
+    try {
+      const InItem item(&guard, "a", "A");
+      throw 1;
+    } catch (int) {
+    }
+    std::abort();
+    return 0;
+  };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(1), "kelva: aborted");
 }
 
 TEST(GuardDeathTest, AWorkerThatIsKilledBeforeItsFirstItemIsAFailureInWords) {

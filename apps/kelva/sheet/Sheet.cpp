@@ -155,10 +155,9 @@ void Sheet::Try(Begun& begun, Step step) {
 std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<unsigned long long> listed) {
   const std::string token = PicturePath(picture, kJpg);
   if (context_.guard != nullptr) ThrowIfLeftOut(context_.guard->FateOf(token));
-  if (context_.guard != nullptr) context_.guard->Begin(token, ShownPath(token));
+  const InItem item(context_.guard, token, ShownPath(token));
   ReadLimit limit(ShownPath(token), listed, Progress::Check, *progress_);
   std::vector<char> bytes = camera_.ReadFile(picture, kJpg, ReadLimit::Check, &limit, true);
-  if (context_.guard != nullptr) context_.guard->End();
   if (bytes.empty()) throw NoPicture("the catalogue names it, but the camera has no bytes of it");
   return bytes;
 }
