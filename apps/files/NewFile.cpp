@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/random.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -37,7 +38,7 @@ std::string TemporaryName() {
 
 }  // namespace
 
-NewFile::NewFile(const TargetFolder& folder) : folder_(folder) {
+NewFile::NewFile(const TargetFolder& folder, Readers readers) : folder_(folder), readers_(readers) {
   constexpr int kAttempts = 100;
   for (int i = 0; i < kAttempts; ++i) {
     // A new name each time: the sweep that took the last one may unlink that name only now.
@@ -91,6 +92,10 @@ void NewFile::ReplaceName(const std::string& name) {
 
 bool NewFile::Rename(const std::string& name, bool replace) {
   FileCalls& calls = FileCalls::Current();
+  if (readers_ == Readers::kUsual) {
+    // A file system without permissions refuses, and has nothing to change.
+    [[maybe_unused]] const int changed = ::fchmod(file_.Get(), folder_.UsualMode());
+  }
   const int result = UntilDone([&] { return calls.Rename(folder_.Fd(), temporary_, name, replace); });
   if (result != 0 && errno == EEXIST && !replace) return false;
   if (result != 0) throw SystemFailure("name a file " + Printable(folder_.PathOf(name)), errno);

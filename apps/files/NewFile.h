@@ -16,13 +16,20 @@ namespace apps {
 inline constexpr std::string_view kTemporaryStart = ".kelva-";
 inline constexpr std::string_view kTemporaryEnd = ".part";
 
-/// A file that is being written under a temporary name and gets its final name only when it is whole and on disk.
+/// Who may read a file once it has its name.
+enum class Readers {
+  kUsual,  ///< as the system has it for new files of the folder
+  kOwner,
+};
+
+/// A file that is being written under a temporary name and gets its final name only when it is whole and on disk. Until then
+/// its owner alone can open it: who can read a file can lock it, or read it before it is known to be right.
 /// Destroyed before that, or with the process (an abort included), it leaves nothing behind. A lock (flock) tells a
 /// later run that a temporary file is still in use.
 class NewFile {
  public:
   /// `folder` outlives the file. Throws Failure.
-  explicit NewFile(const TargetFolder& folder);
+  explicit NewFile(const TargetFolder& folder, Readers readers = Readers::kUsual);
   ~NewFile();
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
@@ -43,14 +50,15 @@ class NewFile {
   bool Rename(const std::string& name, bool replace);
 
   const TargetFolder& folder_;
+  const Readers readers_;
   std::string temporary_;
   std::optional<ScratchRecord> record_;
   base::FileDescriptor file_;
   bool named_ = false;
 };
 
-/// Removes the temporary files that earlier processes left behind (killed, or the power went), except those in use.
-/// Returns how many.
+/// Removes the temporary files that earlier processes left behind (killed, or the power went), except those in use
+/// and those of other users. Returns how many.
 int RemoveLeftovers(const TargetFolder& folder);
 
 }  // namespace apps

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -38,6 +40,15 @@ class NewFileTest : public testing::Test {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(path_)) names.push_back(entry.path().filename());
     return names;
+  }
+
+  unsigned ModeOf(const std::string& name) const {
+    return static_cast<unsigned>(fs::status(path_ / name).permissions());
+  }
+  std::string AclOf(const std::string& name) const {
+    std::string acl(100, '\0');
+    const ssize_t size = ::getxattr((path_ / name).c_str(), "system.posix_acl_access", acl.data(), acl.size());
+    return acl.substr(0, size < 0 ? 0 : static_cast<std::size_t>(size));
   }
 
   const base::ScratchFolder scratch_;
@@ -126,6 +137,47 @@ TEST_F(NewFileTest, ReplacingIsAChoice) {
   file.Write(std::string("new"));
   file.ReplaceName("A");
   EXPECT_EQ(Text("A"), "new");
+}
+
+TEST_F(NewFileTest, OnlyItsOwnerCanOpenAFileThatHasNoNameYet) {
+  const mode_t before = ::umask(0);
+  const NewFile file(*folder_);
+  ::umask(before);
+  EXPECT_EQ(ModeOf(Names().at(0)), 0600U);
+}
+
+TEST_F(NewFileTest, ANamedFileHasThePermissionsOfAnyNewFile) {
+  const mode_t before = ::umask(0);
+  for (const mode_t mask : {0022U, 0077U, 0000U, 0007U}) {
+    ::umask(mask);
+    const TargetFolder folder = TargetFolder::Open(path_);
+    const std::string name = std::to_string(mask);
+    EXPECT_TRUE(NewFile(folder).TakeName(name));
+    EXPECT_EQ(ModeOf(name), 0666U & ~mask);
+    EXPECT_TRUE(NewFile(folder, Readers::kOwner).TakeName(name + " private"));
+    EXPECT_EQ(ModeOf(name + " private"), 0600U);
+  }
+  ::umask(before);
+}
+
+// user::rwx, user:65534:rwx, group::r-x, mask::rwx, other::---, as the kernel keeps it.
+TEST_F(NewFileTest, TheFoldersDefaultAclDecidesAboutNamedFilesButNotAboutPrivateOnes) {
+  const std::string acl(
+      "\2\0\0\0"
+      "\1\0\7\0\377\377\377\377"
+      "\2\0\7\0\376\377\0\0"
+      "\4\0\5\0\377\377\377\377"
+      "\20\0\7\0\377\377\377\377"
+      "\40\0\0\0\377\377\377\377",
+      44);
+  ASSERT_EQ(::setxattr(path_.c_str(), "system.posix_acl_default", acl.data(), acl.size(), 0), 0);
+  std::ofstream(path_ / "plain") << "";
+  EXPECT_TRUE(NewFile(*folder_).TakeName("named"));
+  EXPECT_EQ(ModeOf("named"), ModeOf("plain"));
+  EXPECT_EQ(AclOf("named"), AclOf("plain"));
+  EXPECT_EQ(AclOf("named").size(), 44U);
+  EXPECT_TRUE(NewFile(*folder_, Readers::kOwner).TakeName("private"));
+  EXPECT_EQ(ModeOf("private"), 0600U);
 }
 
 TEST_F(NewFileTest, AWriteThatTakesAFewBytesIsContinued) {

@@ -31,8 +31,8 @@ std::string Numbered(const std::string& name, int number) {
   return name.substr(0, stem) + "-" + std::to_string(number) + name.substr(stem);
 }
 
-void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes) {
-  NewFile file(folder);
+void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, Readers readers) {
+  NewFile file(folder, readers);
   file.Write(bytes);
   file.Flush();
   if (!file.TakeName(name)) {

@@ -14,7 +14,8 @@ namespace apps {
 std::string Numbered(const std::string& name, int number);
 
 /// Stores whole, flushed bytes under a name that must be free. Throws Failure when it is not.
-void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes);
+void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
+              Readers readers = Readers::kUsual);
 /// As StoreNew, but replaces what has the name.
 void StoreReplacing(const TargetFolder& folder, const std::string& name, std::span<const char> bytes);
 

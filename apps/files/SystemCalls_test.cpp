@@ -46,7 +46,7 @@ TEST_P(SystemCallsTest, NewFilesAndFoldersHaveThePermissionsThatTheUserLeaves) {
   const base::FileDescriptor made(calls_.Create(folder_.Get(), "file"));
   EXPECT_EQ(calls_.MakeFolder(folder_.Get(), "folder"), 0);
   ::umask(before);
-  EXPECT_EQ(fs::status(path_ / "file").permissions(), static_cast<fs::perms>(0666));
+  EXPECT_EQ(fs::status(path_ / "file").permissions(), static_cast<fs::perms>(0600));
   EXPECT_EQ(fs::status(path_ / "folder").permissions(), static_cast<fs::perms>(0777));
 }
 

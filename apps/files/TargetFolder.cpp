@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <fstream>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -34,6 +36,26 @@ bool IsLink(int parent, const std::string& name) {
 void FlushFolder(int folder, const std::string& path) {
   if (UntilDone([folder] { return FileCalls::Current().FlushFolder(folder); }) == 0 || errno == EINVAL) return;
   throw SystemFailure("flush the folder " + Printable(path), errno);
+}
+
+constexpr mode_t kForAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+
+// umask(2) itself cannot ask without changing it, for all threads.
+mode_t Umask() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    mode_t mask = 0;
+    if (line.starts_with("Umask:") && std::sscanf(line.c_str() + 6, "%o", &mask) == 1) return mask;
+  }
+  return S_IRWXG | S_IRWXO;
+}
+
+mode_t ModeOfNewFile(int folder) {
+  // A file without a name, which nobody else can open. Some file systems have none; those know no default ACL either.
+  const base::FileDescriptor probe(::openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kForAll));
+  struct stat status {};
+  if (probe && ::fstat(probe.Get(), &status) == 0) return status.st_mode & kForAll;
+  return kForAll & ~Umask();
 }
 
 }  // namespace
@@ -74,6 +96,15 @@ std::string TargetFolder::PathOf(const std::string& name) const {
 bool TargetFolder::Has(const std::string& name) const {
   struct stat status {};
   return ::fstatat(Fd(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+mode_t TargetFolder::UsualMode() const {
+  // Two threads may find out at once; both find the same.
+  mode_t mode = usualMode_->load(std::memory_order_relaxed);
+  if (mode != kUnknownMode) return mode;
+  mode = ModeOfNewFile(Fd());
+  usualMode_->store(mode, std::memory_order_relaxed);
+  return mode;
 }
 
 void TargetFolder::Sync() const {

@@ -1,6 +1,10 @@
 #ifndef KELVA_APPS_FILES_TARGET_FOLDER_H_
 #define KELVA_APPS_FILES_TARGET_FOLDER_H_
 
+#include <sys/types.h>
+
+#include <atomic>
+#include <memory>
 #include <string>
 
 #include "base/FileDescriptor.h"
@@ -24,12 +28,17 @@ class TargetFolder {
   bool Has(const std::string& name) const;
   /// Flushes the folder, so that the names in it survive a power cut. Throws Failure.
   void Sync() const;
+  /// The permissions that the system gives a new file here: by the umask, or by the folder's default ACL. Any thread.
+  mode_t UsualMode() const;
 
  private:
+  static constexpr mode_t kUnknownMode = static_cast<mode_t>(-1);
+
   TargetFolder(base::FileDescriptor folder, std::string path) : folder_(std::move(folder)), path_(std::move(path)) {}
 
   base::FileDescriptor folder_;
   std::string path_;
+  std::shared_ptr<std::atomic<mode_t>> usualMode_ = std::make_shared<std::atomic<mode_t>>(kUnknownMode);
 };
 
 }  // namespace apps

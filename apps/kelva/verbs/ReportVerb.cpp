@@ -137,8 +137,7 @@ ExitCode RunReport(Context& context) {
   // What is older than this is in the file alone.
   constexpr std::size_t kMostTrace = 64U << 20;
   if (context.trace != nullptr) report.Add("trace.jsonl", context.trace->Contents(kMostTrace));
-  const PrivateFiles privately;
-  StoreNew(folder, name, report.Finish());
+  StoreNew(folder, name, report.Finish(), Readers::kOwner);
   const ExitCode code = report.IsWhole() ? ExitCode::kDone : ExitCode::kPartial;
   context.Result(CameraResult(camera).SetBytes("file", path).Set("files", report.Files()), "", code);
   context.reporter.Note("The report is in " + Printable(path) +
