@@ -33,8 +33,8 @@ Writers::~Writers() {
   for (std::thread& thread : threads_) thread.join();
   try {
     Commit(std::exchange(done_, {}));
-  } catch (const Failure&) {
-    // The files are stored; the next run recognises them by their content.
+  } catch (...) {
+    // Whatever it is, also of the report. The files are stored; the next run recognises them by their content.
   }
 }
 

@@ -212,6 +212,15 @@ TEST_F(WritersTest, AnyOtherErrorEndsTheWritingInWords) {
   }
 }
 
+TEST_F(WritersTest, AReportThatThrowsAtTheEndEndsNoProcess) {
+  const SyncPlan plan = Plan({Picture(1)});
+  // The only file waits for its group until the writers end.
+  auto writers = Make([](const WriteOutcome&) { throw std::bad_alloc(); });
+  writers->Submit({&plan.items[0], {'a'}, "", false});
+  writers.reset();
+  EXPECT_EQ(Text("100ABCDE/IMG_0001.JPG"), "a");
+}
+
 /// Measures how much is on its way at most, whenever a file is made.
 class MeasuringCalls : public SystemCalls {
  public:
