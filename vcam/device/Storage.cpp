@@ -5,24 +5,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <set>
-#include <stdexcept>
 
+#include "vcam/device/PrivateFolder.h"
 #include "vcam/device/SenseCodes.h"
 
 namespace vcam {
 namespace {
-
-std::filesystem::path MakePrivateFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "kelva-vcam-XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr) {
-    throw std::runtime_error("Cannot make a folder for what hosts write (" + name + "): " + std::strerror(errno) +
-                             "; set TMPDIR to a folder that you may write.");
-  }
-  return name;
-}
 
 std::string ParentOf(const std::string& path) {
   const std::size_t end = path.rfind('/');
@@ -41,16 +30,8 @@ bool IsReadOnly(const OpenedFile& opened) {
 }  // namespace
 
 struct Storage::View {
-  View() = default;
-  ~View() {
-    std::error_code error;
-    std::filesystem::remove_all(place, error);
-  }
-  View(const View&) = delete;
-  View& operator=(const View&) = delete;
-
-  std::filesystem::path place = MakePrivateFolder();
-  StorageFolder written{place};
+  PrivateFolder place{};
+  StorageFolder written{place.Path()};
   /// Paths of files that hosts have replaced or deleted; the folder is not asked for them any more.
   std::set<std::string> hidden{};
 

@@ -1,10 +1,5 @@
 // `kelva-vcam usbip`: one virtual camera as a USB device that this machine's kernel attaches.
-#include <poll.h>
-#include <sys/eventfd.h>
-
-#include <array>
 #include <limits>
-#include <thread>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -12,6 +7,7 @@
 #include "vcam/program/StorageNote.h"
 #include "vcam/program/Verbs.h"
 #include "vcam/usbip/CableFaults.h"
+#include "vcam/usbip/CablePuller.h"
 #include "vcam/usbip/CameraModel.h"
 #include "vcam/usbip/Server.h"
 #include "vcam/usbip/VhciPort.h"
@@ -90,14 +86,10 @@ void PlugIn(const usbip::CameraModel& model, apps::Context& context, int stop) {
   usbip::Session session(usbip::PlugIntoController(usbip::DefaultController(), device, model.identity.speed), device,
                          camera);
   context.Event("plugged", About(model), "Plugged in camera " + model.identity.serial + ".\n");
-  const base::FileDescriptor ended(::eventfd(0, EFD_CLOEXEC));
-  std::jthread pull([&] {
-    std::array<pollfd, 2> waits{pollfd{stop, POLLIN, 0}, {ended.Get(), POLLIN, 0}};
-    ::poll(waits.data(), waits.size(), -1);
-    session.Pull();
-  });
-  session.Run();
-  ::eventfd_write(ended.Get(), 1);
+  {
+    const usbip::CablePuller puller(stop, [&session] { session.Pull(); });
+    session.Run();
+  }
   context.Event("unplugged", About(model), "Unplugged camera " + model.identity.serial + ".\n");
 }
 

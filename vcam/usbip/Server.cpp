@@ -11,6 +11,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <system_error>
 #include <utility>
 
 #include "base/SendAll.h"
@@ -102,6 +103,8 @@ void Server::Accept() {
     Greet(std::move(socket));
   } catch (const ProtocolError& error) {
     onComplaint(error.what());
+  } catch (const std::system_error& error) {
+    onComplaint(std::string("Cannot serve a host: ") + error.what() + ".");
   }
 }
 
@@ -149,8 +152,9 @@ void Server::Attach(base::FileDescriptor socket) {
   }
   auto camera = std::make_unique<UsbCamera>(model_);
   auto session = std::make_unique<Session>(std::move(socket), offer_.DeviceId(), *camera);
+  Session* const begun = session.get();
+  // Held until both are set: the thread may end at once.
   const std::lock_guard lock(mutex_);
-  session_ = session.get();
   host_ = std::thread([this, camera = std::move(camera), session = std::move(session)] {
     try {
       session->Run();
@@ -163,6 +167,7 @@ void Server::Attach(base::FileDescriptor socket) {
     session_ = nullptr;
     if (camera->Unplugged(Clock::now())) ::eventfd_write(gone_.Get(), 1);
   });
+  session_ = begun;
 }
 
 bool Server::HostAttached() {

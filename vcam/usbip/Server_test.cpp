@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
@@ -95,6 +96,43 @@ TEST_F(ServerTest, HandsTheCameraToOneHostAtATime) {
 TEST_F(ServerTest, KnowsNoOtherDevice) {
   const base::FileDescriptor socket = AskToImport("1-2");
   EXPECT_THAT(Receive(socket, 8), ElementsAre(0x01, 0x11, 0, 3, 0, 0, 0, 4));
+}
+
+/// While it lives, no thread can be made.
+class NoThreads {
+ public:
+  NoThreads() {
+    pthread_attr_t huge;
+    ::pthread_getattr_default_np(&before_);
+    ::pthread_attr_init(&huge);
+    EXPECT_EQ(::pthread_attr_setstacksize(&huge, std::size_t{1} << 46), 0);
+    EXPECT_EQ(::pthread_setattr_default_np(&huge), 0);
+    ::pthread_attr_destroy(&huge);
+  }
+  ~NoThreads() {
+    ::pthread_setattr_default_np(&before_);
+    ::pthread_attr_destroy(&before_);
+  }
+  NoThreads(const NoThreads&) = delete;
+  NoThreads& operator=(const NoThreads&) = delete;
+
+ private:
+  pthread_attr_t before_{};
+};
+
+TEST_F(ServerTest, AHostForWhichNoThreadCanBeMadeIsRefusedAndTheNextOneServed) {
+  const base::FileDescriptor other = Connect();  // starts the server's own thread
+  {
+    const NoThreads none;
+    const base::FileDescriptor socket = AskToImport("1-1");
+    // What it was told comes before the attempt; the end of the connection comes after it.
+    Receive(socket, 320);
+    EXPECT_THAT(Receive(socket, 1), IsEmpty());
+  }
+  const base::FileDescriptor next = AskToImport("1-1");
+  EXPECT_EQ(Receive(next, 320).size(), 320U);
+  Stop();
+  EXPECT_THAT(complaints_, ElementsAre(HasSubstr("Cannot serve a host: ")));
 }
 
 TEST_F(ServerTest, PullsTheCableWhenItEnds) {
