@@ -14,12 +14,14 @@ std::string ResultLine(std::string_view verb, ExitCode code, Json members) {
 ExitCode Context::Result(apps::Json members, std::string_view text, ExitCode code) {
   if (Json() && !out.TakeEnd()) return code;
   if (Json() && code != ExitCode::kDone && !members.Has("reason")) members.Set("reason", WordOf(code));
+  if (!text.empty()) reporter.Clear();
   out.Add(Json() ? ResultLine(call.Name(), code, std::move(members)) : std::string(text));
   out.Flush();
   return code;
 }
 
 void Context::Event(std::string_view event, apps::Json members, std::string_view text) {
+  if (!Json() && !text.empty()) reporter.Clear();
   out.Add(Json() ? EventLine(event, std::move(members)) : std::string(text));
   out.Flush();
 }

@@ -1,6 +1,9 @@
 // Makes bytes from a camera safe for a terminal.
 #include "apps/commandline/Printable.h"
 
+#include <locale.h>
+#include <wchar.h>
+
 #include <array>
 #include <cstdio>
 
@@ -38,6 +41,17 @@ void AppendEscape(std::string& out, char32_t c) {
   std::array<char, 16> text{};
   std::snprintf(text.data(), text.size(), "\\u{%x}", static_cast<unsigned>(c));
   out += text.data();
+}
+
+// The system's table of widths, which needs a locale that knows Unicode. It is this thread's for the moment of the question.
+std::size_t WidthOf(const Utf8Piece& piece) {
+  if (!piece.valid || piece.codePoint < 0x300) return 1;
+  static const locale_t unicode = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  if (unicode == nullptr) return 1;
+  const locale_t before = ::uselocale(unicode);
+  const int width = ::wcwidth(static_cast<wchar_t>(piece.codePoint));
+  ::uselocale(before);
+  return width < 0 ? 1 : static_cast<std::size_t>(width);
 }
 
 std::string Escaped(std::string_view bytes, bool keepLines) {
@@ -98,8 +112,22 @@ std::string PrintableLines(std::string_view bytes) {
 
 std::size_t Width(std::string_view printable) {
   std::size_t width = 0;
-  for (const char c : printable) width += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+  for (; !printable.empty(); printable.remove_prefix(FirstUtf8(printable).length))
+    width += WidthOf(FirstUtf8(printable));
   return width;
+}
+
+std::string Shortened(std::string_view printable, std::size_t columns) {
+  std::string out;
+  std::size_t used = 0;
+  while (!printable.empty()) {
+    const Utf8Piece piece = FirstUtf8(printable);
+    used += WidthOf(piece);
+    if (used > columns) break;
+    out += printable.substr(0, piece.length);
+    printable.remove_prefix(piece.length);
+  }
+  return out;
 }
 
 std::string Bytes(unsigned long long count) {

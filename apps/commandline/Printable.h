@@ -31,8 +31,10 @@ std::string Printable(std::string_view bytes);
 /// As Printable, but line feeds and tabs are kept: for texts of several lines.
 std::string PrintableLines(std::string_view bytes);
 
-/// Columns that a terminal needs for text that Printable made: one for each character.
+/// Columns that a terminal needs for text that Printable made: two for a wide character (CJK), none for one that combines.
 std::size_t Width(std::string_view printable);
+/// The first characters of printable text, as many as fit into `columns`.
+std::string Shortened(std::string_view printable, std::size_t columns);
 
 /// Bytes in words: "812 B", "1.4 MB" (powers of 1,000, as cards and cameras are sold).
 std::string Bytes(unsigned long long count);

@@ -48,5 +48,17 @@ TEST(PrintableTest, BytesAreGivenInTheUnitThatReadsBest) {
   EXPECT_EQ(Bytes(18'446'744'073'709'551'615ULL), "18.4 EB");
 }
 
+TEST(WidthTest, WideCharactersTakeTwoColumnsAndCombiningOnesNone) {
+  EXPECT_EQ(Width("102_TRIP/\xE6\x97\xA5\xE6\x9C\xAC_0001"), 18U);
+  EXPECT_EQ(Width("Z\xC3\xBCrich"), 6U);
+  EXPECT_EQ(Width("Zu\xCC\x88rich"), 6U) << "u and a combining diaeresis";
+}
+
+TEST(WidthTest, ShortenedTextNeverEndsInHalfACharacter) {
+  EXPECT_EQ(Shortened("\xE6\x97\xA5\xE6\x9C\xAC", 3), "\xE6\x97\xA5");
+  EXPECT_EQ(Shortened("abc", 2), "ab");
+  EXPECT_EQ(Shortened("abc", 5), "abc");
+}
+
 }  // namespace
 }  // namespace apps

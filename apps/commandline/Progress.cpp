@@ -1,4 +1,4 @@
-// Shows how far a transfer is, as a bar or as JSON events.
+// Shows how far a transfer is, as a line or as JSON events.
 #include "apps/commandline/Progress.h"
 
 #include <sys/ioctl.h>
@@ -21,15 +21,18 @@ double Rate(const ProgressView& view) {
   return view.elapsed.count() < kLeastElapsed ? 0 : static_cast<double>(view.done) / view.elapsed.count();
 }
 
+std::string Format(const char* format, auto... values) {
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), format, values...);
+  return text.data();
+}
+
+// "31 s left", "2 min 05 s left", "2 h 46 min left".
 std::string TimeLeft(double seconds) {
   const auto whole = static_cast<long long>(std::ceil(std::min(seconds, 359'999.0)));
-  std::array<char, 32> text{};
-  if (whole >= 3600) {
-    std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld left", whole / 3600, whole / 60 % 60, whole % 60);
-  } else {
-    std::snprintf(text.data(), text.size(), "%lld:%02lld left", whole / 60, whole % 60);
-  }
-  return text.data();
+  if (whole >= 3600) return Format("%lld h %02lld min left", whole / 3600, whole / 60 % 60);
+  if (whole >= 60) return Format("%lld min %02lld s left", whole / 60, whole % 60);
+  return Format("%lld s left", whole);
 }
 
 // How much is done, from 0 to 1: of the bytes where they are known, otherwise of the files; nothing when neither is.
@@ -40,43 +43,52 @@ std::optional<double> ShareOf(const ProgressView& view) {
   return std::min(1.0, static_cast<double>(bytes ? view.done : view.files) / all);
 }
 
-std::string Share(const ProgressView& view) {
-  const std::optional<double> known = ShareOf(view);
-  if (!known) return "";
-  const double share = *known;
-  constexpr std::size_t kBarWidth = 20;
-  const auto filled = static_cast<std::size_t>(share * kBarWidth);
-  std::array<char, 16> percent{};
-  std::snprintf(percent.data(), percent.size(), " %3d%%", static_cast<int>(share * 100));
-  return percent.data() + (" [" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "]");
-}
-
 std::string Left(const ProgressView& view) {
   const double share = ShareOf(view).value_or(0);
   if (Rate(view) <= 0 || share <= 0 || share >= 1) return "";
-  return "  " + TimeLeft(view.elapsed.count() * (1 - share) / share);
+  return TimeLeft(view.elapsed.count() * (1 - share) / share);
+}
+
+// Cut or filled to a width, so that what follows does not jump from one moment to the next.
+std::string Filled(const std::string& text, std::size_t width, bool right = true) {
+  const std::string blanks(width - std::min(width, text.size()), ' ');
+  return right ? blanks + text : text + blanks;
+}
+
+std::string Counted(const ProgressView& view) {
+  const std::string total = std::to_string(view.filesTotal);
+  return view.filesTotal == 0 ? "" : Filled(std::to_string(view.files), total.size()) + "/" + total + "  ";
+}
+
+std::string Share(const ProgressView& view) {
+  const std::optional<double> known = ShareOf(view);
+  return known ? Format("%3d %%", static_cast<int>(*known * 100)) : "";
+}
+
+// "163 MB": without a fraction where three digits are there already.
+std::string Rounded(double bytes) {
+  std::string text = Bytes(static_cast<unsigned long long>(bytes));
+  const std::size_t point = text.find('.');
+  if (point == 3) text.erase(point, 2);
+  return text;
 }
 
 std::string Amounts(const ProgressView& view) {
-  if (view.shareAlone) return Left(view);
-  std::string text = "  " + Bytes(view.done);
-  if (view.total != 0) text += " of " + Bytes(view.total);
-  const double rate = Rate(view);
-  if (rate <= 0) return text;
-  return text + "  " + Bytes(static_cast<unsigned long long>(rate)) + "/s" + Left(view);
+  if (view.shareAlone) return "";
+  const std::string done = Filled(Bytes(view.done), std::string_view("999.9 MB").size());
+  if (view.total != 0) return "  " + done + " of " + Bytes(view.total);
+  return "  " + done;
 }
 
-// The first characters of printable text.
-std::string Shortened(std::string_view text, std::size_t width) {
-  std::string out;
-  std::size_t used = 0;
-  for (const char c : text) {
-    const bool starts = (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-    if (starts && used == width) break;
-    used += starts ? 1 : 0;
-    out += c;
-  }
-  return out;
+std::string Speed(const ProgressView& view) {
+  const double rate = Rate(view);
+  const std::string text = view.shareAlone || rate <= 0 ? "" : Rounded(rate) + "/s";
+  return view.shareAlone ? "" : "  " + Filled(text, std::string_view("99.9 MB/s").size());
+}
+
+std::string TimeColumn(const ProgressView& view) {
+  if (!ShareOf(view)) return "";
+  return "  " + Filled(Left(view), std::string_view("2 min 05 s left").size());
 }
 
 std::size_t Columns() {
@@ -92,7 +104,11 @@ Json EventMembers(const ProgressView& view) {
   if (view.shareAlone) return std::move(members.Set("share", ShareOf(view).value_or(0)));
   members.Set("done", view.done);
   if (view.total != 0) members.Set("total", view.total);
-  if (view.filesTotal != 0) members.Set("files", view.files).Set("files_total", view.filesTotal);
+  if (view.filesTotal != 0) {
+    members.Set("file", view.what).Set("index", view.files);
+    members.Set("files", view.files).Set("files_total", view.filesTotal);
+  }
+  if (!view.phase.empty()) members.Set("phase", view.phase);
   if (Rate(view) > 0) members.Set("bytes_per_second", std::round(Rate(view)));
   return members;
 }
@@ -100,11 +116,13 @@ Json EventMembers(const ProgressView& view) {
 }  // namespace
 
 std::string ProgressLine(const ProgressView& view, std::size_t columns) {
-  const std::string rest = Share(view) + Amounts(view);
+  const bool named = !view.phase.empty() && view.phase != "reading";
+  const std::string start = (named ? std::string(view.phase) + "  " : "") + Counted(view) + Share(view);
+  std::string line = start + Amounts(view) + Speed(view) + TimeColumn(view);
   // A line that fills the last column would wrap on some terminals.
-  const std::size_t room = columns > rest.size() + 1 ? columns - rest.size() - 1 : 0;
-  if (room < 4) return Shortened(Share(view), columns - 1);
-  return Shortened(view.what, room) + rest;
+  if (line.size() >= columns) line = start;
+  if (line.size() + 2 < columns) line += "  " + std::string(view.what);
+  return Shortened(line.substr(line.find_first_not_of(' ')), columns - 1);
 }
 
 Progress::Progress(Reporter& reporter, const Stop& stop, std::string_view what, unsigned long long total)
@@ -117,7 +135,7 @@ Progress::~Progress() {
 void Progress::At(unsigned long long done, Clock::time_point now) {
   stop_.Check();
   if (!reporter_.TakeProgressTurn(now)) return;
-  const ProgressView view{what_, done, total_, now - start_, files_, filesTotal_, shareAlone_};
+  const ProgressView view{what_, done, total_, now - start_, files_, filesTotal_, shareAlone_, phase_};
   if (reporter_.Style().terminal) reporter_.Overwrite(ProgressLine(view, Columns()));
   if (reporter_.Style().json) reporter_.Event(EventMembers(view));
 }
@@ -142,6 +160,17 @@ void Progress::Name(std::string_view what) {
 void Progress::Files(unsigned long long done, unsigned long long total) {
   files_ = done;
   filesTotal_ = total;
+}
+
+void Progress::Phase(std::string_view phase) {
+  phase_ = phase;
+  files_ = 0;
+  filesTotal_ = 0;
+  start_ = Clock::now();
+}
+
+void Progress::Clear() {
+  reporter_.Clear();
 }
 
 void Progress::Check(void* progress, float) {

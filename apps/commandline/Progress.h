@@ -10,23 +10,24 @@
 
 namespace apps {
 
-/// What a bar shows at one moment.
+/// What a line of progress shows at one moment.
 struct ProgressView {
-  std::string_view what;  ///< printable
+  std::string_view what;  ///< printable: the file
   unsigned long long done;
   unsigned long long total;  ///< 0 when unknown
   std::chrono::duration<double> elapsed;
   /// For several files whose sizes are not known in advance: how many are done, of how many. Both are 0 for one file.
   unsigned long long files = 0;
   unsigned long long filesTotal = 0;
-  bool shareAlone = false;  ///< done and total are not bytes: only their ratio has a meaning
+  bool shareAlone = false;      ///< done and total are not bytes: only their ratio has a meaning
+  std::string_view phase = {};  ///< "deleting", for work that has several; not shown while reading
 };
 
-/// One line of at most `columns` columns: name, share, bar, bytes, rate, time left; with shareAlone no bytes and no
-/// rate.
+/// One line of less than `columns` columns: files, share, bytes, rate, time left, name. The columns stay where they are
+/// from one moment to the next, and the name, which comes last, is shortened. With shareAlone no bytes and no rate.
 std::string ProgressLine(const ProgressView& view, std::size_t columns);
 
-/// Shows how far a transfer is: a bar on a terminal, events in JSON style, nothing elsewhere. It also is the place
+/// Shows how far a transfer is: a line on a terminal, events in JSON style, nothing elsewhere. It also is the place
 /// where a running transfer notices that it has to stop. Used from the thread that transfers.
 class Progress {
  public:
@@ -47,10 +48,14 @@ class Progress {
   /// In place of At, for work that says how much is done, from 0 to 1, and no bytes.
   void AtShare(double share, Clock::time_point now = Clock::now());
 
-  /// Changes what is shown beside the bar.
+  /// Changes the file that is shown.
   void Name(std::string_view what);
   /// For several files: how many are done, of how many.
   void Files(unsigned long long done, unsigned long long total);
+  /// Begins a part of the work, with bytes, files and time counted from here: "reading", "comparing", "deleting".
+  void Phase(std::string_view phase);
+  /// Takes the line away.
+  void Clear();
 
   /// The library's progress callback; its context is a Progress.
   static void Callback(void* progress, float fraction);
@@ -65,6 +70,7 @@ class Progress {
   bool shareAlone_ = false;
   unsigned long long files_ = 0;
   unsigned long long filesTotal_ = 0;
+  std::string phase_;
   Clock::time_point start_;
 };
 

@@ -16,42 +16,58 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(ProgressLineTest, ShowsShareBytesRateAndTimeLeft) {
+TEST(ProgressLineTest, ShowsShareBytesRateTimeLeftAndTheName) {
   EXPECT_EQ(ProgressLine({"IMG_0001.JPG", 5'000'000, 20'000'000, 2s}, 100),
-            "IMG_0001.JPG  25% [#####               ]  5.0 MB of 20.0 MB  2.5 MB/s  0:06 left");
+            "25 %    5.0 MB of 20.0 MB   2.5 MB/s         6 s left  IMG_0001.JPG");
+}
+
+TEST(ProgressLineTest, TheColumnsStayWhereTheyAre) {
+  const std::string early = ProgressLine({"a", 1'000'000'000, 0, 6s, 515, 3203}, 100);
+  const std::string late = ProgressLine({"a long name.JPG", 900, 0, 1s, 7, 3203}, 100);
+  EXPECT_EQ(early, "515/3203   16 %    1.0 GB   166 MB/s        32 s left  a");
+  EXPECT_EQ(late, "7/3203    0 %     900 B    900 B/s  7 min 37 s left  a long name.JPG");
 }
 
 TEST(ProgressLineTest, AnUnknownTotalShowsBytesAndRateOnly) {
-  EXPECT_EQ(ProgressLine({"console", 5'000'000, 0, 2s}, 100), "console  5.0 MB  2.5 MB/s");
+  EXPECT_EQ(ProgressLine({"console", 5'000'000, 0, 2s}, 100), "5.0 MB   2.5 MB/s  console");
 }
 
 TEST(ProgressLineTest, ThereIsNoRateBeforeThereIsTimeToMeasureIt) {
-  EXPECT_EQ(ProgressLine({"A", 0, 1000, 0s}, 100), "A   0% [                    ]  0 B of 1.0 kB");
+  EXPECT_EQ(ProgressLine({"A", 0, 1000, 0s}, 100), "0 %       0 B of 1.0 kB                              A");
 }
 
 TEST(ProgressLineTest, LongTransfersShowHours) {
-  EXPECT_EQ(ProgressLine({"A", 1'000, 10'000'000, 1s}, 100),
-            "A   0% [                    ]  1.0 kB of 10.0 MB  1.0 kB/s  2:46:39 left");
+  EXPECT_EQ(ProgressLine({"A", 1'000, 10'000'000, 1s}, 100), "0 %    1.0 kB of 10.0 MB   1.0 kB/s  2 h 46 min left  A");
 }
 
 TEST(ProgressLineTest, NeverFillsTheLastColumn) {
   const std::string name(300, 'n');
+  const std::string wide = "\xE6\x97\xA5\xE6\x9C\xAC\xE6\x97\xA5\xE6\x9C\xAC\xE6\x97\xA5\xE6\x9C\xAC";
   for (std::size_t columns = 1; columns < 120; ++columns) {
     EXPECT_LT(Width(ProgressLine({name, 500, 1000, 1s}, columns)), columns) << columns;
+    EXPECT_LT(Width(ProgressLine({wide, 500, 1000, 1s}, columns)), columns) << columns;
   }
 }
 
+TEST(ProgressLineTest, ANarrowTerminalShowsWhatMattersFirst) {
+  EXPECT_EQ(ProgressLine({"IMG_0001.JPG", 1'000'000'000, 0, 6s, 515, 3203}, 40), "515/3203   16 %  IMG_0001.JPG");
+}
+
 TEST(ProgressLineTest, FilesCountWhereTheirBytesAreNotKnown) {
-  EXPECT_EQ(ProgressLine({"A", 3000, 0, 1s, 1, 4}, 100), "A  25% [#####               ]  3.0 kB  3.0 kB/s  0:03 left");
+  EXPECT_EQ(ProgressLine({"A", 3000, 0, 1s, 1, 4}, 100), "1/4   25 %    3.0 kB   3.0 kB/s         3 s left  A");
+}
+
+TEST(ProgressLineTest, APhaseThatIsNotReadingIsNamed) {
+  EXPECT_EQ(ProgressLine({"A", 0, 0, 0s, 1, 4, false, "deleting"}, 100).substr(0, 20), "deleting  1/4   25 %");
+  EXPECT_EQ(ProgressLine({"A", 0, 0, 0s, 1, 4, false, "reading"}, 100).substr(0, 10), "1/4   25 %");
 }
 
 TEST(ProgressLineTest, AShareAloneHasNoBytes) {
-  EXPECT_EQ(ProgressLine({"writing", 250, 1000, 2s, 0, 0, true}, 100),
-            "writing  25% [#####               ]  0:06 left");
+  EXPECT_EQ(ProgressLine({"writing", 250, 1000, 2s, 0, 0, true}, 100), "25 %         6 s left  writing");
 }
 
-TEST(ProgressLineTest, MoreThanAnnouncedStaysAtTheEndOfTheBar) {
-  EXPECT_EQ(ProgressLine({"A", 3000, 1000, 0s}, 100), "A 100% [####################]  3.0 kB of 1.0 kB");
+TEST(ProgressLineTest, MoreThanAnnouncedStaysAtTheEnd) {
+  EXPECT_EQ(ProgressLine({"A", 3000, 1000, 0s}, 100).substr(0, 5), "100 %");
 }
 
 class ProgressTest : public testing::Test {
@@ -109,6 +125,37 @@ TEST_F(ProgressTest, WhatNobodySeesIsNeverDue) {
   progress.At(0, start);
   EXPECT_FALSE(progress.IsDue(start + 499ms));
   EXPECT_TRUE(progress.IsDue(start + 500ms));
+}
+
+TEST_F(ProgressTest, APhaseAndTheFileAreInTheEvent) {
+  Reporter reporter("kelva", page_.Get(), {.json = true});
+  Progress progress(reporter, stop_, "", 0);
+  progress.Phase("deleting");
+  progress.Name("A.JPG");
+  progress.Files(3, 7);
+  progress.At(0);
+  EXPECT_EQ(
+      Shown(),
+      "{\"schema\":1,\"event\":\"progress\",\"what\":\"A.JPG\",\"done\":0,\"file\":\"A.JPG\",\"index\":3,\"files\":3,"
+      "\"files_total\":7,\"phase\":\"deleting\"}\n");
+}
+
+TEST_F(ProgressTest, ACameraThatDoesNotAnswerIsSaidAfterFiveSeconds) {
+  Reporter reporter("kelva", page_.Get(), {.terminal = true});
+  Progress progress(reporter, stop_, "A", 1000);
+  const auto start = Progress::Clock::now();
+  reporter.Tick(start + 60s);
+  EXPECT_EQ(Shown(), "") << "nothing is under way";
+  progress.At(10);
+  reporter.Tick(start + 4s);
+  EXPECT_EQ(Shown().find("No answer"), std::string::npos);
+  reporter.Tick(Progress::Clock::now() + 12s);
+  EXPECT_TRUE(Shown().ends_with("\r\x1b[KNo answer from the camera for 12 s; check the cable. Ctrl-C stops."))
+      << Shown();
+  const std::size_t before = Shown().size();
+  reporter.AwaitCamera(false);
+  reporter.Tick(Progress::Clock::now() + 60s);
+  EXPECT_EQ(Shown().size(), before) << "the disk is waited for";
 }
 
 TEST_F(ProgressTest, TheBarIsTakenAwayAtTheEnd) {

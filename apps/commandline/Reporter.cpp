@@ -75,8 +75,24 @@ void Reporter::Error(std::string_view sentence, ExitCode code) {
 void Reporter::Overwrite(std::string_view line) {
   if (!style_.terminal || style_.quiet) return;
   const std::scoped_lock lock(mutex_);
-  Write(std::string(kEraseLine) + std::string(line));
+  Write(lineShown_ ? std::string(line) : std::string(kEraseLine) + std::string(line));
   lineShown_ = true;
+  lastSign_ = std::chrono::steady_clock::now();
+}
+
+void Reporter::Tick(std::chrono::steady_clock::time_point now) {
+  constexpr auto kPatience = 5s;
+  const std::scoped_lock lock(mutex_);
+  if (!lineShown_ || !cameraAwaited_ || now - lastSign_ < kPatience) return;
+  const auto silent = std::chrono::duration_cast<std::chrono::seconds>(now - lastSign_).count();
+  Write("No answer from the camera for " + std::to_string(silent) + " s; check the cable. Ctrl-C stops.");
+  lineShown_ = true;
+}
+
+void Reporter::AwaitCamera(bool awaited) {
+  const std::scoped_lock lock(mutex_);
+  cameraAwaited_ = awaited;
+  lastSign_ = std::chrono::steady_clock::now();
 }
 
 void Reporter::Event(Json members) {

@@ -41,6 +41,11 @@ class Reporter {
   void Error(std::string_view sentence, ExitCode code);
   /// Shows `line` in place of the last one; only on a terminal, not when quiet.
   void Overwrite(std::string_view line);
+  /// Called about once a second by a thread that does not wait for the camera. Says in place of a line that has stood
+  /// for five seconds that the camera does not answer.
+  void Tick(std::chrono::steady_clock::time_point now);
+  /// False while the work waits for something else than the camera, such as the disk: Tick then says nothing.
+  void AwaitCamera(bool awaited);
   /// Gives an event in JSON style, unless quiet; does nothing in the other styles.
   void Event(Json members);
   /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a
@@ -68,6 +73,8 @@ class Reporter {
   mutable std::mutex mutex_;
   std::chrono::steady_clock::time_point nextProgress_;
   bool lineShown_ = false;
+  bool cameraAwaited_ = true;
+  std::chrono::steady_clock::time_point lastSign_;  // of life: the last line, or the end of a wait for something else
 };
 
 /// One event in JSON style as a line: the schema's number, the event's name, the members.

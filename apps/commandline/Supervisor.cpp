@@ -77,10 +77,16 @@ class Worker {
   std::thread thread_;  // last: the others exist when it starts
 };
 
-Cause WaitForCause(const Worker& worker, int signals, std::optional<Clock::time_point> deadline) {
+// Calls `tick` about once a second.
+Cause WaitForCause(const Worker& worker, int signals, std::optional<Clock::time_point> deadline,
+                   const std::function<void(Clock::time_point)>& tick = {}) {
   std::array<pollfd, 2> watched{{{worker.DoneDescriptor(), POLLIN, 0}, {signals, POLLIN, 0}}};
   for (;;) {
-    const int ready = ::poll(watched.data(), watched.size(), PollTime(deadline));
+    constexpr int kTick = 1000;
+    const int left = PollTime(deadline);
+    const int time = tick && (left < 0 || left > kTick) ? kTick : left;
+    const int ready = ::poll(watched.data(), watched.size(), time);
+    if (ready == 0 && tick) tick(Clock::now());
     if (worker.HasEnded()) return Cause::kDone;
     if (ready > 0 && (watched[1].revents & POLLIN) != 0) return Cause::kSignal;
     if (ready == 0 && deadline && Clock::now() >= *deadline) return Cause::kDeadline;
@@ -112,7 +118,9 @@ ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Super
   if (supervision.timeout) deadline = Clock::now() + *supervision.timeout - supervision.spent;
 
   Worker worker(work);
-  const Cause cause = WaitForCause(worker, signals.Get(), deadline);
+  std::function<void(Clock::time_point)> tick;
+  if (reporter.Style().terminal) tick = [&reporter](Clock::time_point now) { reporter.Tick(now); };
+  const Cause cause = WaitForCause(worker, signals.Get(), deadline, tick);
   if (cause == Cause::kDone) return worker.Result();
 
   const bool late = cause == Cause::kDeadline;

@@ -248,11 +248,15 @@ void Manifest::Record(const std::vector<ManifestRow>& rows) {
   });
 }
 
-void Manifest::MarkDeleted(const ManifestKey& key) {
+void Manifest::MarkDeleted(const std::vector<ManifestKey>& keys) {
+  if (keys.empty()) return;
   const std::scoped_lock lock(mutex_);
   Transact([&] {
     Statement update(*this, "UPDATE files SET deleted=1 WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4");
-    update.Bind(key).Step("write");
+    for (const ManifestKey& key : keys) {
+      update.Bind(key).Step("write");
+      update.Reset();
+    }
   });
 }
 

@@ -54,7 +54,7 @@ class Manifest {
   /// Adds rows, or replaces those of the same keys, all or none. They are on disk when this returns.
   void Record(const std::vector<ManifestRow>& rows);
   /// As Record.
-  void MarkDeleted(const ManifestKey& key);
+  void MarkDeleted(const std::vector<ManifestKey>& keys);
 
   /// While it lives, Find looks at one state of the list, which is faster for many. Nothing is recorded meanwhile.
   class Reading {

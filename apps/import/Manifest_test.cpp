@@ -136,7 +136,7 @@ TEST_F(ManifestTest, TextsAreDataAndNotCommands) {
 TEST_F(ManifestTest, DeletionOnTheCameraIsRemembered) {
   Manifest manifest(*folder_, true);
   manifest.Record({Row("K1", 1)});
-  manifest.MarkDeleted(Row("K1", 1).key);
+  manifest.MarkDeleted({Row("K1", 1).key});
   EXPECT_TRUE(manifest.Find(Row("K1", 1).key)->deleted);
 }
 
@@ -299,8 +299,8 @@ TEST_F(ManifestTest, AnEmptyFileOfTheNameIsAListOfNothingForALook) {
 TEST_F(ManifestTest, OneRowCanBeMarkedAfterAnother) {
   Manifest manifest(*folder_, true);
   manifest.Record({Row("K1", 1), Row("K1", 2), Row("K1", 3)});
-  manifest.MarkDeleted(Row("K1", 1).key);
-  manifest.MarkDeleted(Row("K1", 3).key);
+  manifest.MarkDeleted({Row("K1", 1).key});
+  manifest.MarkDeleted({Row("K1", 3).key});
   EXPECT_TRUE(manifest.Find(Row("K1", 1).key)->deleted);
   EXPECT_FALSE(manifest.Find(Row("K1", 2).key)->deleted);
   EXPECT_TRUE(manifest.Find(Row("K1", 3).key)->deleted);

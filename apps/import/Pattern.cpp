@@ -38,7 +38,7 @@ void CheckTokens(std::string_view text) {
   }
 }
 
-std::vector<std::string> Split(std::string_view text) {
+std::vector<std::string> Components(std::string_view text) {
   std::vector<std::string> parts;
   while (true) {
     const std::size_t slash = text.find('/');
@@ -93,7 +93,7 @@ std::string LocalPath::Text() const {
   return text + name;
 }
 
-Pattern::Pattern(std::string_view text) : components_(Split(text)) {
+Pattern::Pattern(std::string_view text) : components_(Components(text)) {
   CheckTokens(text);
   for (const std::string& component : components_) {
     if (component == "." || component == "..") throw Wrong(text, "leads out of the folder.");

@@ -39,44 +39,58 @@ std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
     Writers writers(folder_, manifest_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); });
     try {
       ReadAll(plan, writers);
+      if (options_.deleteAfter) CompareAll(plan);
     } catch (const Stopped&) {
       writers.Abandon();
       throw;
     } catch (const std::exception& error) {
       ended = Explain(error, context_);
     }
+    context_.reporter.AwaitCamera(false);
     try {
       writers.Finish();
     } catch (const Failure& failure) {
       if (!ended) ended = Outcome{failure.Code(), failure.what()};
     }
   }
+  context_.reporter.AwaitCamera(true);
   if (!ended && options_.deleteAfter) ended = DeleteVerified();
+  progress_.Clear();
   return ended;
 }
 
-void Sync::ReadAll(const SyncPlan& plan, Writers& writers) {
-  const auto count =
-      std::count_if(plan.items.begin(), plan.items.end(), [this](const SyncItem& i) { return IsRead(i); });
+template <typename Chosen, typename Work>
+void Sync::ForEach(const SyncPlan& plan, std::string_view phase, Chosen chosen, Work work) {
+  const auto count = static_cast<unsigned long long>(std::count_if(plan.items.begin(), plan.items.end(), chosen));
+  if (count == 0) return;
+  progress_.Phase(phase);
+  readBytes_ = 0;
   unsigned long long done = 0;
   for (const SyncItem& item : plan.items) {
-    if (!IsRead(item)) continue;
+    if (!chosen(item)) continue;
     context_.stop.Check();
-    ShowProgress(done++, static_cast<unsigned long long>(count), item);
-    ReadOne(item, writers);
+    ShowProgress(done++, count, item);
+    if (context_.guard != nullptr && LeaveOut(item)) continue;
+    context_.Doing("read " + ShownPath(item.CameraPath()));
+    Try(item, [&] { work(item); });
   }
 }
 
-// Known files are read once more only before they are deleted on the camera.
-bool Sync::IsRead(const SyncItem& item) const {
-  return item.IsNew() || (options_.deleteAfter && !item.IsDeleted());
+void Sync::ReadAll(const SyncPlan& plan, Writers& writers) {
+  ForEach(
+      plan, "reading", [](const SyncItem& i) { return i.IsNew(); }, [&](const SyncItem& i) { Fetch(i, writers); });
 }
 
-void Sync::ReadOne(const SyncItem& item, Writers& writers) {
-  if (context_.guard != nullptr && LeaveOut(item)) return;
-  context_.Doing("read " + ShownPath(item.CameraPath()));
+// Known files are read once more only before they are deleted on the camera.
+void Sync::CompareAll(const SyncPlan& plan) {
+  ForEach(
+      plan, "comparing", [](const SyncItem& i) { return !i.IsNew() && !i.IsDeleted(); },
+      [this](const SyncItem& i) { CompareKnown(i); });
+}
+
+void Sync::Try(const SyncItem& item, const std::function<void()>& work) {
   try {
-    item.IsNew() ? Fetch(item, writers) : CompareKnown(item);
+    work();
   } catch (const CameraError& error) {
     const Outcome outcome = Explain(error, context_);
     if (EndsAll(outcome.code)) throw;
@@ -111,7 +125,14 @@ void Sync::Fetch(const SyncItem& item, Writers& writers) {
       return;
     }
   }
-  writers.Submit({&item, std::move(bytes), sha1, options_.verify});
+  Submit(writers, {&item, std::move(bytes), sha1, options_.verify});
+}
+
+// Waits for the disk where it is slower than the camera.
+void Sync::Submit(Writers& writers, WriteJob job) {
+  context_.reporter.AwaitCamera(false);
+  writers.Submit(std::move(job));
+  context_.reporter.AwaitCamera(true);
 }
 
 // Read once more, so that what is deleted is still what was stored.
@@ -169,46 +190,37 @@ void Sync::Fail(const SyncItem& item, const std::string& sentence) {
   context_.Event("failed", Json::Object().SetBytes("path", item.CameraPath()).Set("error", sentence), "");
 }
 
-bool Sync::IsOnDisk(const ManifestRow& row) const {
-  const base::FileDescriptor file(OpenBeneath(folder_.Fd(), row.path, O_RDONLY | O_NONBLOCK));
-  struct stat status {};
-  if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  return static_cast<unsigned long long>(status.st_size) == row.size && Sha1OfFile(file.Get()) == row.sha1;
-}
-
 std::optional<Outcome> Sync::DeleteVerified() {
-  for (const SyncItem* item : deletable_) {
-    context_.stop.Check();
-    context_.Doing("delete " + ShownPath(item->CameraPath()));
-    try {
-      DeleteOne(*item);
-    } catch (const CameraError& error) {
-      Outcome outcome = Explain(error, context_);
-      if (EndsAll(outcome.code)) return outcome;
-      Fail(*item, outcome.sentence);
-    } catch (const Failure& failure) {
-      return Outcome{failure.Code(), failure.what()};
+  Deletions deletions(camera_, folder_, manifest_);
+  progress_.Phase("deleting");
+  readBytes_ = 0;
+  unsigned long long done = 0;
+  try {
+    for (const SyncItem* item : deletable_) {
+      context_.stop.Check();
+      ShowProgress(done++, deletable_.size(), *item);
+      context_.Doing("delete " + ShownPath(item->CameraPath()));
+      Try(*item, [&] { DeleteOne(*item, deletions); });
     }
+    deletions.Finish();
+  } catch (const CameraError& error) {
+    return Explain(error, context_);
+  } catch (const Failure& failure) {
+    return Outcome{failure.Code(), failure.what()};
   }
   return std::nullopt;
 }
 
-void Sync::DeleteOne(const SyncItem& item) {
-  const std::string path = item.CameraPath();
-  const auto row = manifest_.Find(item.Key());
-  if (!row || !IsOnDisk(*row)) {
-    return Fail(item, Printable(row ? row->path : item.LocalText()) +
-                          " is not where it was stored; the file on the camera was not deleted.");
-  }
-  if (!camera_.DeleteFile(path.c_str())) return Fail(item, "The camera refused to delete " + ShownPath(path) + ".");
-  manifest_.MarkDeleted(item.Key());
+void Sync::DeleteOne(const SyncItem& item, Deletions& deletions) {
+  const std::string why = deletions.Delete(item);
+  if (!why.empty()) return Fail(item, why);
   ++totals_.deleted;
-  if (context_.Json()) context_.Event("deleted", Json::Object().SetBytes("path", path), "");
+  if (context_.Json()) context_.Event("deleted", Json::Object().SetBytes("path", item.CameraPath()), "");
 }
 
 void Sync::ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item) {
   if (!progress_.IsDue()) return;
-  progress_.Name(std::to_string(done + 1) + " of " + std::to_string(count) + "  " + item.LocalText());
+  progress_.Name(item.LocalText());
   progress_.Files(done, count);
   progress_.At(readBytes_);
 }

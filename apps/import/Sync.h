@@ -1,8 +1,10 @@
 #ifndef KELVA_APPS_IMPORT_SYNC_H_
 #define KELVA_APPS_IMPORT_SYNC_H_
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "apps/camera/Explain.h"
@@ -10,6 +12,7 @@
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Guard.h"
 #include "apps/commandline/Progress.h"
+#include "apps/import/Deletions.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Plan.h"
 #include "apps/import/Writers.h"
@@ -43,18 +46,20 @@ class Sync {
 
  private:
   void ReadAll(const SyncPlan& plan, Writers& writers);
-  void ReadOne(const SyncItem& item, Writers& writers);
+  void CompareAll(const SyncPlan& plan);
+  template <typename Chosen, typename Work>
+  void ForEach(const SyncPlan& plan, std::string_view phase, Chosen chosen, Work work);
+  void Try(const SyncItem& item, const std::function<void()>& work);
   bool LeaveOut(const SyncItem& item);
   void Fetch(const SyncItem& item, Writers& writers);
   void CompareKnown(const SyncItem& item);
   std::vector<char> Read(const SyncItem& item);
   void CheckSize(const SyncItem& item, std::size_t size);
+  void Submit(Writers& writers, WriteJob job);
   std::optional<Outcome> DeleteVerified();
-  void DeleteOne(const SyncItem& item);
-  bool IsOnDisk(const ManifestRow& row) const;
+  void DeleteOne(const SyncItem& item, Deletions& deletions);
   void OnOutcome(const WriteOutcome& outcome);
   void Fail(const SyncItem& item, const std::string& sentence);
-  bool IsRead(const SyncItem& item) const;
   void ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item);
 
   Context& context_;

@@ -32,9 +32,11 @@ TEST_F(SyncDeletesTest, AFileHereThatIsNoLongerTheSameKeepsItsPictureOnTheCamera
   EXPECT_EQ(totals.failed, 4U);
   EXPECT_TRUE(CameraHas("IMG_0001.JPG") && CameraHas("IMG_0002.JPG") && CameraHas("IMG_0003.JPG"));
   EXPECT_TRUE(CameraHas("IMG_0004.JPG") && !CameraHas("IMG_0005.JPG"));
-  EXPECT_THAT(Said(),
-              HasSubstr("kelva: 100ABCDE/IMG_0001.JPG is not where it was stored; the file on the camera was not "
-                        "deleted.\n"));
+  EXPECT_THAT(
+      Said(),
+      HasSubstr("kelva: 100ABCDE/IMG_0001.JPG was edited after it was fetched, so the file on the camera was not "
+                "deleted.\n"));
+  EXPECT_THAT(Said(), HasSubstr("kelva: 100ABCDE/IMG_0003.JPG is no longer a file, so"));
 }
 
 TEST_F(SyncDeletesTest, WhatWasReadOnlyOnceIsNotDeleted) {

@@ -117,7 +117,7 @@ TEST_F(Threads, LookUpWhatIsRecordedMeanwhile) {
   const auto record = [&](const std::string& name) {
     return [&row, name, number = 0, this]() mutable {
       manifest_.Record({row(name, ++number)});
-      manifest_.MarkDeleted(row(name, number).key);
+      manifest_.MarkDeleted({row(name, number).key});
       EXPECT_EQ(manifest_.Find(row(name, number).key)->path, name);
     };
   };

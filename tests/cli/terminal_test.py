@@ -97,7 +97,7 @@ class TerminalTest(Bus):
             code, seen = run.end()
             self.assertEqual(code, expected, seen)
         self.assertIn(b"writing (do not switch", seen)
-        self.assertIn(b"[####", seen)
+        self.assertRegex(seen, rb"\d+ %  +\d+ s left  writing")
 
     def test_rm_asks_on_a_terminal_and_takes_no_for_an_answer(self):
         path = os.path.join(self.drive, "A.TXT")
@@ -131,17 +131,26 @@ class TerminalTest(Bus):
         run = self.terminal("get", "I:/BIG.BIN", "--into", self.folder)
         code, seen = run.end()
         self.assertEqual(code, 0, seen)
-        self.assertRegex(seen, rb"BIG.BIN +\d+% \[#+ *\]  .* of 3\.0 MB  .*/s  0:0\d left")
+        self.assertRegex(seen, rb"\d+ %  +\S+ .B of 3\.0 MB  .*/s  +\d s left  BIG.BIN")
         os.remove(self.folder + "/BIG.BIN")
         run = self.kelva("get", "I:/BIG.BIN", "--into", self.folder)
         self.assertEqual((run.returncode, run.stdout, run.stderr), (0, "", ""))
 
-    def test_the_bar_of_sync_counts_files(self):
+    def test_a_camera_that_does_not_answer_is_said(self):
+        self.pictures(2, 30_000)
+        self.fault("hang", 6)
+        run = self.terminal("sync", self.folder + "/out")
+        self.assertIn(b"No answer from the camera for 5 s; check the cable. Ctrl-C stops.", run.read_until(b"Ctrl-C stops."))
+        os.kill(run.pid, signal.SIGINT)
+        self.assertEqual(run.end()[0], 130)
+
+    def test_the_line_of_sync_counts_files_and_goes_before_the_result(self):
         self.pictures(40, 30_000)
         self.fault("slow", 10)
         code, seen = self.terminal("sync", self.folder + "/out").end()
         self.assertEqual(code, 0, seen)
-        self.assertRegex(seen, rb"\d+ of 40  100ABCDE/IMG_\d+.JPG +\d+% \[#+ *\]  .*/s  0:0\d left")
+        self.assertRegex(seen, rb"\r\x1b\[K40 stored")
+        self.assertRegex(seen, rb"\d+/40  +\d+ %  .*/s  +\d+ s left  100ABCDE/IMG_\d+.JPG")
 
     def test_a_line_of_progress_fits_the_terminal(self):
         name = "LONG" * 40 + ".BIN"

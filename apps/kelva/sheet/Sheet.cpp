@@ -59,7 +59,8 @@ void Sheet::Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSiz
   mostBegun_ = 2 * processes;
   unsigned long long passed = 0;
   for (std::size_t i = 0; i < catalogue.size(); ++i) {
-    progress.Name(std::to_string(i + 1) + " of " + std::to_string(catalogue.size()) + "  " + PictureName(catalogue[i]));
+    progress.Name(PictureName(catalogue[i]));
+    progress.Files(i + 1, catalogue.size());
     progress.At(passed);
     Begin(catalogue[i], sizes[i]);
     while (IsFull()) FinishOldest(sink);
@@ -120,7 +121,9 @@ void Sheet::FinishOldest(const Sink& sink) {
 
 void Sheet::Take(Begun& begun) {
   constexpr std::chrono::milliseconds kLook{100};
+  context_.reporter.AwaitCamera(false);
   while (begun.thumbnail.wait_for(kLook) != std::future_status::ready) context_.stop.Check();
+  context_.reporter.AwaitCamera(true);
   Card& card = begun.card;
   card.thumbnail = begun.thumbnail.get();
   if (!card.time) card.time = card.thumbnail->time;
