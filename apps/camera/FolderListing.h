@@ -8,8 +8,8 @@
 
 namespace apps {
 
-/// The largest listing of one folder that the tool reads: a hundred times that of the fullest folder of a camera.
-inline constexpr std::size_t kLargestListing = std::size_t{64} << 20;
+/// The largest listing of one folder that the tool reads: some fifty times that of a full folder of pictures.
+inline constexpr std::size_t kLargestListing = std::size_t{16} << 20;
 
 /// As Camera::ReadDir, within a bound. Throws CameraError when the listing goes on after kLargestListing.
 std::vector<CameraDirent> ListFolder(Camera& camera, const std::string& path);

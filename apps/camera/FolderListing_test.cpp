@@ -39,9 +39,9 @@ TEST(FolderListingTest, AListingWithoutEndEndsAtItsBound) {
     ListFolder(camera, "I:\\DCIM");
     FAIL() << "listed";
   } catch (const CameraError& error) {
-    EXPECT_STREQ(error.what(), "Camera error: the listing of I:/DCIM goes on after 64 MiB");
+    EXPECT_STREQ(error.what(), "Camera error: the listing of I:/DCIM goes on after 16 MiB");
   }
-  EXPECT_LE(camera.sent, (64 << 20) + 100'000);
+  EXPECT_LE(camera.sent, (16 << 20) + 100'000);
 }
 
 TEST(FolderListingTest, ARefusedListingIsEmpty) {

@@ -104,7 +104,7 @@ class EndlessTest(bench_of_cameras.Bus):
             file.write(b"upload")
         target = os.path.join(self.folder, "out")
         bounds = {
-            ("ls", "I:/"): "goes on after 64 MiB",
+            ("ls", "I:/"): "goes on after 16 MiB",
             ("get", "-o", target, "I:/LOG.TXT"): "goes on after 262144",
             ("put", upload, "I:/NEW.TXT"): "goes on after 262144",
             ("sync", target): "goes on after 262144",

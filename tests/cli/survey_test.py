@@ -6,6 +6,7 @@ import os
 import pty
 import stat
 import struct
+import struct
 import subprocess
 
 import bench_of_cameras
@@ -85,6 +86,15 @@ class SurveyTest(Bus):
         self.assertEqual({line["command"] for line in self.exchanges()}, READS)
         self.assertEqual(self.digests(), before)
         self.assertIn("hello", self.kelva("console").stdout, "the console log is handed over once, and was not asked for")
+
+    def test_a_default_acl_lets_nobody_else_read_its_files(self):
+        entries = ((1, 7, 0xFFFFFFFF), (2, 7, 65534), (4, 5, 0xFFFFFFFF), (0x10, 7, 0xFFFFFFFF), (0x20, 5, 0xFFFFFFFF))
+        acl = struct.pack("<I", 2) + b"".join(struct.pack("<HHI", *entry) for entry in entries)
+        os.setxattr(os.path.dirname(self.out), "system.posix_acl_default", acl)
+        self.survey()
+        for name in os.listdir(self.out):
+            # The bits of the group are the mask of what the list gives to others.
+            self.assertEqual(stat.S_IMODE(os.stat(os.path.join(self.out, name)).st_mode), 0o600, name)
 
     def test_only_its_owner_may_read_it_and_it_holds_no_picture(self):
         self.survey()

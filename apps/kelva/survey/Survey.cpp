@@ -74,7 +74,7 @@ void Survey::Part(const std::string& doing, const std::function<void()>& work) {
 
 void Survey::Keep(const std::string& name, std::string bytes, Personal personal) {
   if (standIns_) bytes = WithStandIns(std::move(bytes), personal, attached_.facts.serial);
-  StoreNew(folder_, name, bytes);
+  StoreNew(folder_, name, bytes, Readers::kOwner);
 }
 
 void Survey::Information() {

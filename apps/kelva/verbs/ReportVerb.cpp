@@ -19,7 +19,6 @@
 #include "apps/files/SafeName.h"
 #include "apps/files/StoreFile.h"
 #include "apps/files/Tar.h"
-#include "apps/kelva/verbs/PrivateFiles.h"
 #include "apps/kelva/verbs/Verbs.h"
 #include "apps/trace/Trace.h"
 

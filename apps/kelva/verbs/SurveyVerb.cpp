@@ -55,8 +55,8 @@ ExitCode RunSurvey(Context& context) {
   const Session session(context, attached);
   survey::Survey survey(context, folder, session.Attached(), standIns);
   const std::optional<Outcome> ended = survey.Run();
-  StoreNew(folder, "summary.txt", survey.Summary());
-  StoreNew(folder, "survey.json", survey.Members().Text() + "\n");
+  StoreNew(folder, "summary.txt", survey.Summary(), Readers::kOwner);
+  StoreNew(folder, "survey.json", survey.Members().Text() + "\n", Readers::kOwner);
   if (ended) throw Failure(ended->code, ended->sentence);
   const ExitCode code = survey.IsWhole() ? ExitCode::kDone : ExitCode::kPartial;
   context.Result(CameraResult(session).SetBytes("folder", path).Merge(survey.Members()), survey.Summary(), code);
