@@ -13,9 +13,6 @@
 namespace apps {
 namespace {
 
-constexpr std::string_view kGone =
-    "the camera is no longer there; plug it in again, switch it on and repeat the command.";
-
 struct ReturnRow {
   kern_return_t code;
   ExitCode exit;
@@ -23,9 +20,9 @@ struct ReturnRow {
 };
 
 constexpr ReturnRow kReturns[] = {
-    {kIOReturnNoDevice, ExitCode::kGone, kGone},
-    {kIOReturnNotAttached, ExitCode::kGone, kGone},
-    {MACH_SEND_INVALID_DEST, ExitCode::kGone, kGone},  // the connection has died with its service
+    {kIOReturnNoDevice, ExitCode::kGone, kGoneAdvice},
+    {kIOReturnNotAttached, ExitCode::kGone, kGoneAdvice},
+    {MACH_SEND_INVALID_DEST, ExitCode::kGone, kGoneAdvice},  // the connection has died with its service
     {kIOReturnExclusiveAccess, ExitCode::kBusy,
      "another program holds the camera; close it, or see which one it is with `kelva doctor`."},
     {kIOReturnBusy, ExitCode::kBusy,
@@ -113,7 +110,7 @@ Verdict UnknownReturn(const kelva::TransferReport& report) {
 // Quotes the library's message about a wrong answer without its prefix and call stack.
 Verdict WrongAnswer(std::string_view message) {
   std::string_view said = message.substr(0, message.find('\n'));
-  for (const std::string_view prefix : {"Camera error: ", "OsxCameraError: "}) {
+  for (const std::string_view prefix : {"Camera error: ", "OsxCameraError: ", "FileReader: "}) {
     if (said.starts_with(prefix)) said.remove_prefix(prefix.size());
   }
   // The quotation stands inside a sentence.

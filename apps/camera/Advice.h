@@ -16,6 +16,10 @@ struct Verdict {
   std::string codes = "";  ///< the same for engineers: command block and numbers; empty when there are none
 };
 
+/// The clause for a camera that has gone.
+inline constexpr std::string_view kGoneAdvice =
+    "the camera is no longer there; plug it in again, switch it on and repeat the command.";
+
 /// What a failed transfer means for the person at the tool. The only place that turns codes into advice.
 Verdict AdviceFor(const kelva::TransferReport& report);
 

@@ -7,6 +7,7 @@
 
 #include "apps/commandline/Failure.h"
 #include "src/wifi/CameraError.h"
+#include "src/wifi/FileReader.h"
 
 namespace apps {
 namespace {
@@ -30,6 +31,18 @@ TEST(ExplainTest, AWrongAnswerIsAFailure) {
   const Outcome outcome = Explain(CameraError("ReadFile() truncated."), "read X");
   EXPECT_EQ(outcome.code, ExitCode::kFailed);
   EXPECT_TRUE(outcome.sentence.starts_with("Cannot read X: the camera sent a wrong answer (")) << outcome.sentence;
+}
+
+TEST(ExplainTest, AFileThatCannotBeReadSaysWhy) {
+  using Reason = kelva::FileReadError::Reason;
+  const Outcome wrong = Explain(kelva::FileReadError(Reason::kTruncated, "FileReader: the file ended."), "read X");
+  EXPECT_EQ(wrong.code, ExitCode::kFailed);
+  EXPECT_TRUE(wrong.sentence.starts_with("Cannot read X: the camera sent a wrong answer (the file ended); "))
+      << wrong.sentence;
+  const Outcome gone = Explain(kelva::FileReadError(Reason::kCameraLost, "FileReader: gone."), "read X");
+  EXPECT_EQ(gone.code, ExitCode::kGone);
+  EXPECT_EQ(gone.sentence,
+            "Cannot read X: the camera is no longer there; plug it in again, switch it on and repeat the command.");
 }
 
 TEST(ExplainTest, LackOfMemoryIsNamed) {

@@ -2,23 +2,23 @@
 
 #include "apps/camera/RemoteFile.h"
 
+#include <utility>
+#include <vector>
+
 #include "apps/camera/CameraPath.h"
-#include "apps/camera/ReadLimit.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Progress.h"
+#include "apps/files/Sha1.h"
 
 namespace apps {
 namespace {
 
+// What a camera's transport moves at once.
+constexpr std::size_t kPiece = 65'536;
+
 Failure Failed(const std::string& sentence) {
   return Failure(ExitCode::kFailed, sentence);
-}
-
-std::vector<char> ReadOnce(Context& context, Camera& camera, const std::string& path, unsigned long long size) {
-  Progress progress(context.reporter, context.stop, Split(path).name, size);
-  ReadLimit limit(ShownPath(path), size, Progress::Callback, progress);
-  return camera.ReadFile(path.c_str(), ReadLimit::Check, &limit, true);
 }
 
 // Deletes a partial upload, so that nobody takes it for the whole file.
@@ -49,35 +49,53 @@ CameraDirent FileEntry(Camera& camera, const std::string& path) {
   return *entry;
 }
 
-std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::string& path) {
+RemoteFile::RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::string path)
+    : context_(context), path_(std::move(path)) {
   unsigned long long listed = 0;
-  unsigned long long received = 0;
-  // A log may grow between the listing and the read, so a file whose size differs is read once more.
+  // A log may grow between the listing and the selection, so both are asked once more when they differ.
   for (int attempt = 0; attempt < 2; ++attempt) {
     context.stop.Check();
-    listed = SizeOf(FileEntry(camera, path));
-    if (listed == 0) return {};
-    std::vector<char> bytes = ReadOnce(context, camera, path, listed);
-    if (bytes.size() == listed) return bytes;
-    received = bytes.size();
+    reader_.reset();
+    listed = SizeOf(FileEntry(*camera, path_));
+    if (listed == 0) return;
+    reader_.emplace(camera, path_);
+    if (reader_->Size() == listed) return;
   }
-  throw Failed("The camera lists " + ShownPath(path) + " with " + std::to_string(listed) + " bytes but sent " +
-               std::to_string(received) + ", twice; nothing was kept, repeat the command when the file is at rest.");
+  throw Failed("The camera lists " + ShownPath(path_) + " with " + std::to_string(listed) + " bytes but announces " +
+               std::to_string(reader_->Size()) +
+               ", twice; nothing was read, repeat the command when the file is at rest.");
 }
 
-void WriteRemoteFile(Context& context, Camera& camera, const std::vector<char>& bytes, const std::string& path) {
+void RemoteFile::Read(const std::function<void(std::span<const char>)>& take) {
+  if (!reader_) return;
+  Progress progress(context_.reporter, context_.stop, Split(path_).name, reader_->Size());
+  std::vector<char> piece(kPiece);
+  for (std::size_t count = piece.size(); count == piece.size();) {
+    progress.At(reader_->Position());
+    count = reader_->ReadOn(piece);
+    take(std::span(piece).first(count));
+  }
+}
+
+void WriteRemoteFile(Context& context, const boost::shared_ptr<Camera>& camera, const std::string& path,
+                     std::uint32_t size, const kelva::ByteSource& source) {
+  Sha1Sum sent;
   try {
-    Progress progress(context.reporter, context.stop, Split(path).name, bytes.size());
-    camera.WriteFile(path.c_str(), bytes.data(), static_cast<int>(bytes.size()), Progress::Callback, &progress);
-  } catch (const Stopped&) {
-    TakeBack(context, camera, path);
-    throw;
-  } catch (const CameraError&) {
-    TakeBack(context, camera, path);
+    Progress progress(context.reporter, context.stop, Split(path).name, size);
+    const auto fill = [&](std::span<char> chunk) {
+      source(chunk);
+      sent.Add(chunk);
+    };
+    kelva::WriteFile(*camera, path, size, fill, Progress::Callback, &progress);
+  } catch (...) {
+    TakeBack(context, *camera, path);
     throw;
   }
   context.Doing("read back " + ShownPath(path));
-  if (ReadRemoteFile(context, camera, path) != bytes) {
+  RemoteFile back(context, camera, path);
+  Sha1Sum arrived;
+  back.Read([&](std::span<const char> bytes) { arrived.Add(bytes); });
+  if (back.Size() != size || arrived.Take() != sent.Take()) {
     throw Failed("The camera now holds something else in " + ShownPath(path) +
                  " than was sent; delete it and send it again.");
   }

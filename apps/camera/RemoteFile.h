@@ -1,24 +1,50 @@
 #ifndef KELVA_APPS_CAMERA_REMOTE_FILE_H_
 #define KELVA_APPS_CAMERA_REMOTE_FILE_H_
 
+#include <boost/shared_ptr.hpp>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
 #include <string>
-#include <vector>
 
 #include "apps/commandline/Context.h"
 #include "src/wifi/Camera.h"
+#include "src/wifi/FileReader.h"
+#include "src/wifi/FileWriter.h"
 
 namespace apps {
 
 /// A file's entry in the listing of its folder. Throws Failure for a missing file or a folder.
 CameraDirent FileEntry(Camera& camera, const std::string& path);
 
-/// Reads a whole file into memory. Uses the listing of its folder to tell an empty file from a missing one, and reads a
-/// file that changed meanwhile once more. Throws Failure for a missing file, a folder, or a file that keeps changing.
-std::vector<char> ReadRemoteFile(Context& context, Camera& camera, const std::string& path);
+/// The largest file that the interface of a camera can name.
+inline constexpr std::uint32_t kLargestFile = 0xFFFFFFFF;
 
-/// Writes a file, reads it back and compares, because Camera::WriteFile does not report failures. Throws Failure when
-/// the bytes differ. Deletes the file when the write is stopped half-way.
-void WriteRemoteFile(Context& context, Camera& camera, const std::vector<char>& bytes, const std::string& path);
+/// A file of a camera, found and about to be read. Memory does not depend on its size.
+class RemoteFile {
+ public:
+  /// Uses the listing of its folder to tell an empty file from a missing one, and looks once more at a file that changed
+  /// meanwhile. Throws Failure for a missing file, a folder, or a file that keeps changing. No command may come between
+  /// this and Read.
+  RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::string path);
+
+  unsigned long long Size() const { return reader_ ? reader_->Size() : 0; }
+
+  /// Hands all bytes to `take`, in order, in pieces of 64 KiB, and shows the progress. The bytes are valid during the call
+  /// only. Throws CameraError, Stopped, and what `take` throws.
+  void Read(const std::function<void(std::span<const char>)>& take);
+
+ private:
+  Context& context_;
+  const std::string path_;
+  std::optional<kelva::FileReader> reader_;  ///< nothing: the file is empty
+};
+
+/// Writes a file of `size` bytes, reads it back and compares, because a camera does not report failures. Throws Failure
+/// when the bytes differ. Deletes the file when the write is stopped half-way, also by an exception of `source`.
+void WriteRemoteFile(Context& context, const boost::shared_ptr<Camera>& camera, const std::string& path,
+                     std::uint32_t size, const kelva::ByteSource& source);
 
 /// Deletes a file. Throws Failure for a missing file, a folder, or a file that is still listed afterwards.
 void DeleteRemoteFile(Camera& camera, const std::string& path);

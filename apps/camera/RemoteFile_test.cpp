@@ -3,13 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <boost/make_shared.hpp>
 #include <functional>
+#include <span>
 #include <string>
 
 #include "apps/camera/testing/FakeCamera.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/testing/SilentContext.h"
 #include "src/wifi/CameraError.h"
+#include "src/wifi/testing/Bytes.h"
 
 namespace apps {
 namespace {
@@ -18,6 +21,7 @@ using testing::HasSubstr;
 
 class RemoteFileTest : public testing::Test, protected SilentContext {
  protected:
+  RemoteFileTest() { camera_.open = true; }
   static std::string Error(const std::function<void()>& work) {
     try {
       work();
@@ -27,16 +31,44 @@ class RemoteFileTest : public testing::Test, protected SilentContext {
     return "no error";
   }
   std::string Read(const std::string& path) {
-    const std::vector<char> bytes = ReadRemoteFile(context_, camera_, path);
-    return {bytes.begin(), bytes.end()};
+    std::string text;
+    RemoteFile file(context_, pointer_, path);
+    file.Read([&](std::span<const char> bytes) {
+      EXPECT_LE(bytes.size(), 65'536U);
+      text.append(bytes.data(), bytes.size());
+    });
+    EXPECT_EQ(file.Size(), text.size());
+    return text;
+  }
+  void Write(const std::string& text, const std::string& path) {
+    std::size_t given = 0;
+    WriteRemoteFile(context_, pointer_, path, static_cast<std::uint32_t>(text.size()),
+                    [&](std::span<char> chunk) { given += text.copy(chunk.data(), chunk.size(), given); });
   }
 
-  FakeCamera camera_;
+  const boost::shared_ptr<FakeCamera> pointer_ = boost::make_shared<FakeCamera>();
+  FakeCamera& camera_ = *pointer_;
 };
 
 TEST_F(RemoteFileTest, AFileIsRead) {
   camera_.files = {{"A.TXT", "abc"}};
   EXPECT_EQ(Read("I:\\A.TXT"), "abc");
+}
+
+TEST_F(RemoteFileTest, ALargeFileComesInPieces) {
+  for (const std::size_t size : {65'535U, 65'536U, 65'537U, 200'000U}) {
+    camera_.files = {{"A.TXT", wifi_testing::Pattern(size)}};
+    EXPECT_TRUE(Read("I:\\A.TXT") == camera_.files["A.TXT"]) << size;
+  }
+}
+
+TEST_F(RemoteFileTest, AFileThatGrewOnceIsRead) {
+  camera_.files = {{"A.TXT", "abc"}};
+  camera_.onRead = [this](const std::string&) {
+    if (camera_.reads == 1) camera_.files["A.TXT"] = "abcd";
+  };
+  EXPECT_EQ(Read("I:\\A.TXT"), "abcd");
+  EXPECT_EQ(camera_.reads, 2);
 }
 
 TEST_F(RemoteFileTest, AnEmptyFileIsEmptyAndAMissingOneIsAnError) {
@@ -56,30 +88,44 @@ TEST_F(RemoteFileTest, AFileThatGoesOnBeyondItsListedSizeEndsThere) {
   camera_.files = {{"A.TXT", "abc"}};
   camera_.endless = true;
   EXPECT_THROW(Read("I:\\A.TXT"), CameraError);
-  EXPECT_THROW(WriteRemoteFile(context_, camera_, {'a', 'b'}, "I:\\B.TXT"), CameraError);
+  EXPECT_THROW(Write("ab", "I:\\B.TXT"), CameraError);
 }
 
 TEST_F(RemoteFileTest, AFileThatKeepsChangingIsAnErrorAfterTwoReads) {
   camera_.files = {{"A.TXT", "abc"}};
   camera_.lie = 2;
-  EXPECT_THAT(Error([this] { Read("I:\\A.TXT"); }), HasSubstr("with 5 bytes but sent 3, twice"));
+  EXPECT_THAT(Error([this] { Read("I:\\A.TXT"); }), HasSubstr("with 5 bytes but announces 3, twice"));
   EXPECT_EQ(camera_.reads, 2);
 }
 
 TEST_F(RemoteFileTest, WhatWasWrittenIsReadBack) {
-  WriteRemoteFile(context_, camera_, {'x', 'y'}, "I:\\A.TXT");
+  Write("xy", "I:\\A.TXT");
   EXPECT_EQ(camera_.files["A.TXT"], "xy");
   EXPECT_EQ(camera_.reads, 1);
 }
 
 TEST_F(RemoteFileTest, SomethingElseOnTheCameraIsAnError) {
   camera_.damage = "!";
-  EXPECT_THAT(Error([this] { WriteRemoteFile(context_, camera_, {'x'}, "I:\\A.TXT"); }), HasSubstr("something else"));
+  EXPECT_THAT(Error([this] { Write("x", "I:\\A.TXT"); }), HasSubstr("something else"));
+}
+
+TEST_F(RemoteFileTest, AByteThatDiffersIsAnError) {
+  const std::string text = wifi_testing::Pattern(100'000);
+  Write(text, "I:\\A.TXT");
+  EXPECT_TRUE(camera_.files["A.TXT"] == text);
+  camera_.onRead = [this](const std::string&) { camera_.files["A.TXT"][70'000] ^= 1; };
+  EXPECT_THAT(Error([&] { Write(text, "I:\\A.TXT"); }), HasSubstr("something else"));
+}
+
+TEST_F(RemoteFileTest, ASourceThatFailsLeavesNothingOnTheCamera) {
+  const auto source = [](std::span<char>) { throw Failure(ExitCode::kFailed, "gone"); };
+  EXPECT_EQ(Error([&] { WriteRemoteFile(context_, pointer_, "I:\\A.TXT", 5, source); }), "gone");
+  EXPECT_TRUE(camera_.files.empty());
 }
 
 TEST_F(RemoteFileTest, AWriteThatIsStoppedLeavesNothingOnTheCamera) {
   stop_.Request();
-  EXPECT_THROW(WriteRemoteFile(context_, camera_, {'x'}, "I:\\A.TXT"), Stopped);
+  EXPECT_THROW(Write("x", "I:\\A.TXT"), Stopped);
   EXPECT_TRUE(camera_.files.empty());
 }
 
@@ -100,14 +146,14 @@ TEST_F(RemoteFileTest, AFileThatStaysIsARefusal) {
 
 TEST_F(RemoteFileTest, WhatIsSentInPartIsTakenBack) {
   camera_.writeBreaks = true;
-  EXPECT_THROW(WriteRemoteFile(context_, camera_, {'a', 'b'}, "I:\\A.TXT"), CameraTransferError);
+  EXPECT_THROW(Write("ab", "I:\\A.TXT"), CameraTransferError);
   EXPECT_EQ(camera_.files.count("A.TXT"), 0U);
 }
 
 TEST_F(RemoteFileTest, TheErrorOfTheWritingStandsWhenItCannotBeTakenBack) {
   camera_.writeBreaks = true;
   camera_.forbidden = "A.TXT";
-  EXPECT_THROW(WriteRemoteFile(context_, camera_, {'a', 'b'}, "I:\\A.TXT"), CameraTransferError);
+  EXPECT_THROW(Write("ab", "I:\\A.TXT"), CameraTransferError);
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ class Session {
 
   Camera& operator*() const { return *chosen_.camera; }
   Camera* operator->() const { return chosen_.camera.get(); }
+  const boost::shared_ptr<Camera>& Pointer() const { return chosen_.camera; }
   const RegistryCamera& Facts() const { return chosen_.facts; }
   /// With the camera as it is used here, around the attached one when it is traced.
   const AttachedCamera& Attached() const { return chosen_; }

@@ -16,6 +16,12 @@ void Output::Flush() {
   if (error != 0) throw SystemFailure("write to standard output", error);
 }
 
+void Output::Write(std::string_view bytes) {
+  Flush();
+  const int error = base::WriteAll(fd_, bytes);
+  if (error != 0) throw SystemFailure("write to standard output", error);
+}
+
 bool Output::IsTerminal() const {
   return ::isatty(fd_) == 1;
 }

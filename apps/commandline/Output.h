@@ -16,6 +16,8 @@ class Output {
   void Add(std::string_view text) { pending_ += text; }
   /// Writes what was collected. Throws Failure when the reader has gone or the disk is full.
   void Flush();
+  /// Flush, then writes these bytes at once. Throws Failure as Flush does.
+  void Write(std::string_view bytes);
   /// Whether a person sees it.
   bool IsTerminal() const;
   /// True for the first caller, who then gives the document that ends the command. Any thread.

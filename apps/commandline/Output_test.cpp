@@ -29,6 +29,21 @@ TEST(OutputTest, NothingIsWrittenBeforeFlush) {
   EXPECT_STREQ(buffer.data(), "one two\n");
 }
 
+TEST(OutputTest, WriteGoesOutAtOnceBehindWhatWasCollected) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK), 0);
+  const base::FileDescriptor reader(ends[0]);
+  const base::FileDescriptor writer(ends[1]);
+  Output out(writer.Get());
+  out.Add("one ");
+  out.Write("two");
+  std::array<char, 64> buffer{};
+  EXPECT_EQ(::read(reader.Get(), buffer.data(), buffer.size()), 7);
+  EXPECT_STREQ(buffer.data(), "one two");
+  const base::FileDescriptor full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
+  EXPECT_THROW(Output(full.Get()).Write("x"), Failure);
+}
+
 TEST(OutputTest, AFullDiskIsAFailure) {
   const base::FileDescriptor full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
   Output out(full.Get());

@@ -71,9 +71,13 @@ void NewFile::Write(std::span<const char> bytes) {
     if (written < 0) throw SystemFailure("write into " + Printable(folder_.Path()), errno);
     rest.remove_prefix(static_cast<std::size_t>(written));
   }
+  constexpr std::size_t kFlushEach = std::size_t{8} << 20;
+  unflushed_ += bytes.size();
+  if (unflushed_ >= kFlushEach) BeginFlush();
 }
 
 void NewFile::BeginFlush() noexcept {
+  unflushed_ = 0;
   FileCalls::Current().BeginFlush(file_.Get());
 }
 

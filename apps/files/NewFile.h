@@ -34,7 +34,8 @@ class NewFile {
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
-  /// Throws Failure, a full disk included.
+  /// Throws Failure, a full disk included. The disk begins to take the bytes each time that eight more megabytes are
+  /// written, so that a large file does not wait for all of them at its end.
   void Write(std::span<const char> bytes);
   /// Starts to put the bytes on disk and does not wait, so that a later Flush is shorter.
   void BeginFlush() noexcept;
@@ -54,6 +55,7 @@ class NewFile {
   std::string temporary_;
   std::optional<ScratchRecord> record_;
   base::FileDescriptor file_;
+  std::size_t unflushed_ = 0;
   bool named_ = false;
 };
 

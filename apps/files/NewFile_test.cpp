@@ -189,6 +189,15 @@ TEST_F(NewFileTest, AWriteThatTakesAFewBytesIsContinued) {
   EXPECT_EQ(Text("A"), "whole file");
 }
 
+TEST_F(NewFileTest, TheDiskBeginsToTakeALargeFileWhileItIsWritten) {
+  const RecordingCalls calls(path_);
+  NewFile file(*folder_);
+  const std::string megabyte(1 << 20, 'x');
+  for (int i = 0; i < 25; ++i) file.Write(megabyte);
+  // With 8, 16 and 24 of the 25 megabytes.
+  EXPECT_EQ(calls.Begun(), std::size_t{8 + 16 + 24} << 20);
+}
+
 TEST_F(NewFileTest, ASignalInAnyCallChangesNothing) {
   RecordingCalls calls(path_);
   for (int nth = 1; nth <= 4; ++nth) {

@@ -13,34 +13,44 @@
 #include "base/Hex.h"
 
 namespace apps {
-namespace {
 
-std::string Finish(SHA_CTX& state) {
+struct Sha1Sum::State {
+  SHA_CTX context;
+};
+
+Sha1Sum::Sha1Sum() : state_(std::make_unique<State>()) {
+  SHA1_Init(&state_->context);
+}
+
+Sha1Sum::~Sha1Sum() = default;
+
+void Sha1Sum::Add(std::span<const char> bytes) {
+  SHA1_Update(&state_->context, bytes.data(), bytes.size());
+}
+
+std::string Sha1Sum::Take() {
   std::array<unsigned char, SHA_DIGEST_LENGTH> digest{};
-  SHA1_Final(digest.data(), &state);
+  SHA1_Final(digest.data(), &state_->context);
+  SHA1_Init(&state_->context);
   return base::Hex(digest);
 }
 
-}  // namespace
-
 std::string Sha1(std::span<const char> bytes) {
-  SHA_CTX state;
-  SHA1_Init(&state);
-  SHA1_Update(&state, bytes.data(), bytes.size());
-  return Finish(state);
+  Sha1Sum sum;
+  sum.Add(bytes);
+  return sum.Take();
 }
 
 std::optional<std::string> Sha1OfFile(int fd) {
-  SHA_CTX state;
-  SHA1_Init(&state);
+  Sha1Sum sum;
   std::vector<char> piece(std::size_t{1} << 18);
   off_t offset = 0;
   while (true) {
     const ssize_t size = ::pread(fd, piece.data(), piece.size(), offset);
     if (size < 0 && errno == EINTR) continue;
     if (size < 0) return std::nullopt;
-    if (size == 0) return Finish(state);
-    SHA1_Update(&state, piece.data(), static_cast<std::size_t>(size));
+    if (size == 0) return sum.Take();
+    sum.Add(std::span(piece).first(static_cast<std::size_t>(size)));
     offset += size;
   }
 }

@@ -1,12 +1,30 @@
 #ifndef KELVA_APPS_FILES_SHA1_H_
 #define KELVA_APPS_FILES_SHA1_H_
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 namespace apps {
+
+/// The SHA-1 of bytes that come piece by piece.
+class Sha1Sum {
+ public:
+  Sha1Sum();
+  ~Sha1Sum();
+  Sha1Sum(const Sha1Sum&) = delete;
+  Sha1Sum& operator=(const Sha1Sum&) = delete;
+
+  void Add(std::span<const char> bytes);
+  /// As Sha1, of all bytes so far, and begins anew.
+  std::string Take();
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
 
 /// The SHA-1 of some bytes as 40 lower-case hexadecimal digits, the form of a camera's keys.
 std::string Sha1(std::span<const char> bytes);

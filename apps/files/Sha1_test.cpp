@@ -19,6 +19,13 @@ TEST(Sha1Test, KnownDigests) {
   EXPECT_EQ(Sha1(std::string()), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
 }
 
+TEST(Sha1Test, PiecesGiveTheSumOfTheWhole) {
+  Sha1Sum sum;
+  for (const char letter : {'a', 'b', 'c'}) sum.Add(std::span(&letter, 1));
+  EXPECT_EQ(sum.Take(), "a9993e364706816aba3e25717850c26c9cd0d89d");
+  EXPECT_EQ(sum.Take(), "da39a3ee5e6b4b0d3255bfef95601890afd80709") << "begins anew";
+}
+
 TEST(Sha1Test, AFileIsReadFromItsStartWhereverItsOffsetIs) {
   const base::FileDescriptor file(::memfd_create("file", MFD_CLOEXEC));
   ASSERT_EQ(base::WriteAll(file.Get(), std::string(1'000'000, 'a')), 0);

@@ -31,9 +31,7 @@ std::string Numbered(const std::string& name, int number) {
   return name.substr(0, stem) + "-" + std::to_string(number) + name.substr(stem);
 }
 
-void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, Readers readers) {
-  NewFile file(folder, readers);
-  file.Write(bytes);
+void NameNew(const TargetFolder& folder, NewFile& file, const std::string& name) {
   file.Flush();
   if (!file.TakeName(name)) {
     throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
@@ -43,12 +41,16 @@ void StoreNew(const TargetFolder& folder, const std::string& name, std::span<con
   folder.Sync();
 }
 
-void StoreReplacing(const TargetFolder& folder, const std::string& name, std::span<const char> bytes) {
-  NewFile file(folder);
-  file.Write(bytes);
+void NameReplacing(const TargetFolder& folder, NewFile& file, const std::string& name) {
   file.Flush();
   file.ReplaceName(name);
   folder.Sync();
+}
+
+void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, Readers readers) {
+  NewFile file(folder, readers);
+  file.Write(bytes);
+  NameNew(folder, file, name);
 }
 
 BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,

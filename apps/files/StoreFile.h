@@ -13,11 +13,14 @@ namespace apps {
 /// `name` with a number before its extension: "IMG_0001.JPG", 2 is "IMG_0001-2.JPG"; 1 is the name itself.
 std::string Numbered(const std::string& name, int number);
 
+/// Flushes a file that was written whole, and gives it a name that must be free. Throws Failure when it is not.
+void NameNew(const TargetFolder& folder, NewFile& file, const std::string& name);
+/// As NameNew, but replaces what has the name.
+void NameReplacing(const TargetFolder& folder, NewFile& file, const std::string& name);
+
 /// Stores whole, flushed bytes under a name that must be free. Throws Failure when it is not.
 void StoreNew(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
               Readers readers = Readers::kUsual);
-/// As StoreNew, but replaces what has the name.
-void StoreReplacing(const TargetFolder& folder, const std::string& name, std::span<const char> bytes);
 
 /// Where bytes ended up.
 struct Stored {

@@ -23,6 +23,11 @@ using testing::ElementsAre;
 
 class StoreFileTest : public testing::Test {
  protected:
+  void Replace(const std::string& name, const std::string& text) const {
+    NewFile file(*folder_);
+    file.Write(text);
+    NameReplacing(*folder_, file, name);
+  }
   std::string Text(const std::string& name) const {
     std::ifstream file(path_ / name);
     return {std::istreambuf_iterator<char>(file), {}};
@@ -116,7 +121,7 @@ TEST_F(StoreFileTest, StoringNewRefusesATakenNameAndReplacingDoesNot) {
                                   " already, and it was kept; --force replaces it, --output chooses another name.");
   }
   EXPECT_EQ(Text("A"), "one");
-  StoreReplacing(*folder_, "A", std::string("two"));
+  Replace("A", "two");
   EXPECT_EQ(Text("A"), "two");
 }
 
@@ -134,7 +139,7 @@ TEST_F(StoreFileTest, StoringBesideOthersKeepsTheOrderToo) {
 
 TEST_F(StoreFileTest, ReplacingKeepsTheSameOrder) {
   const RecordingCalls calls(path_);
-  StoreReplacing(*folder_, "A", std::string("one"));
+  Replace("A", "one");
   EXPECT_THAT(calls.Log(), ElementsAre("create *.part", "write *.part", "flush *.part", "replace A", "flush folder ."));
 }
 

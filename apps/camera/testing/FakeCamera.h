@@ -1,36 +1,44 @@
 #ifndef KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
 #define KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "src/wifi/LittleEndian.h"
 #include "src/wifi/VscRegister.h"
 #include "src/wifi/testing/PlainCamera.h"
 
 namespace apps {
 
-/// A camera for tests: files in memory, in one folder, and switches for what can go wrong. The one command that it answers
-/// is the listing of a folder, with what ReadDir gives.
+/// A camera for tests: files in memory, in one folder, and switches for what can go wrong. It answers the commands that
+/// list a folder, read a file and write one; the rest of the command set goes past Transfer.
 class FakeCamera : public wifi_testing::PlainCamera {
  public:
   explicit FakeCamera(std::string serial = "") : serial_(std::move(serial)) { open = false; }
 
   bool Transfer(const _VscCdb& cdb, int, int& size, char* buffer, bool) override {
-    const auto operation = kelva::Operation{static_cast<std::uint8_t>(cdb.bytes[0])};
-    const auto subCode = static_cast<std::uint8_t>(cdb.bytes[kelva::at::kSubCode]);
-    if (operation == kelva::Operation::kSelect && subCode == kelva::select::kDirectory) {
-      listing_ = Encode(ReadDir(buffer));
-      return true;
+    switch (kelva::Operation{static_cast<std::uint8_t>(cdb.bytes[0])}) {
+      case kelva::Operation::kSelect:
+        return Select(cdb, buffer);
+      case kelva::Operation::kQuery:
+        Word(selected_.size()).copy(buffer, 4);
+        return true;
+      case kelva::Operation::kReadChunk:
+        return Send(kelva::LoadU32(cdb.bytes + kelva::at::kReadOffset), size, buffer);
+      case kelva::Operation::kWriteChunk:
+        files[writing_].append(buffer, static_cast<std::size_t>(size));
+        if (writeBreaks) throw CameraTransferError("broken off");
+        return true;
+      case kelva::Operation::kEndWrite:
+        files[writing_] += damage;
+        return true;
+      default:
+        return false;
     }
-    if (operation != kelva::Operation::kReadChunk) return false;
-    const std::string piece = listing_.substr(0, static_cast<std::size_t>(size));
-    listing_.erase(0, piece.size());
-    piece.copy(buffer, piece.size());
-    size = static_cast<int>(piece.size());
-    return true;
   }
   bool CompareSn(const char* serial) const override { return serial_ == serial; }
 
@@ -52,12 +60,6 @@ class FakeCamera : public wifi_testing::PlainCamera {
     if (found == files.end()) return {};
     return {found->second.begin(), found->second.end()};
   }
-  void WriteFile(const char* path, const char* data, int length, void (*progress)(void*, float),
-                 void* context) override {
-    files[NameIn(path)] = std::string(data, static_cast<std::size_t>(length)) + damage;
-    if (writeBreaks) throw CameraTransferError("broken off");
-    if (progress != nullptr) progress(context, 0);
-  }
   bool DeleteFile(const char* path) override {
     if (onDelete) onDelete(path);
     if (forbidden == NameIn(path)) throw CameraTransferError("refused");
@@ -73,7 +75,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
   int lie = 0;               ///< added to every size in a listing
   std::string damage;        ///< added to every file that is written
   std::string forbidden;     ///< deleting this one is an error
-  bool endless = false;      ///< a read goes on until its progress function throws
+  bool endless = false;      ///< a read of a file goes on until somebody ends it
   bool writeBreaks = false;  ///< writing ends in an error, half of it done
   bool stubborn = false;
   bool refuses = false;
@@ -81,18 +83,42 @@ class FakeCamera : public wifi_testing::PlainCamera {
   std::function<void(const std::string& path)> onDelete;  ///< before anything is deleted
 
  private:
+  bool Select(const _VscCdb& cdb, const char* path) {
+    if (cdb.bytes[kelva::at::kSubCode] == kelva::select::kDirectory) {
+      selected_ = Encode(ReadDir(path));
+    } else if (cdb.bytes[kelva::at::kParameter] == kelva::kSelectForWriting) {
+      writing_ = NameIn(path);
+      files[writing_].clear();
+    } else {
+      ++reads;
+      if (onRead) onRead(path);
+      const auto found = files.find(NameIn(path));
+      selected_ = found == files.end() ? "" : found->second;
+      isListing_ = false;
+      return true;
+    }
+    isListing_ = true;
+    return true;
+  }
+  bool Send(std::size_t offset, int& size, char* buffer) const {
+    if (endless && !isListing_) return true;
+    const std::string piece = selected_.substr(std::min(offset, selected_.size()), static_cast<std::size_t>(size));
+    piece.copy(buffer, piece.size());
+    size = static_cast<int>(piece.size());
+    return true;
+  }
+  static std::string Word(std::size_t value) {
+    std::string bytes;
+    for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(value >> shift);
+    return bytes;
+  }
   /// A count behind four bytes; for each entry attributes, size and the place of its name; the names.
   static std::string Encode(const std::vector<CameraDirent>& entries) {
-    const auto word = [](std::size_t value) {
-      std::string bytes;
-      for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(value >> shift);
-      return bytes;
-    };
-    std::string table = word(0) + word(entries.size());
+    std::string table = Word(0) + Word(entries.size());
     std::string names;
     for (const CameraDirent& entry : entries) {
-      table += word(static_cast<std::size_t>(entry.attributes)) + word(static_cast<std::size_t>(entry.size)) +
-               word(8 + 12 * entries.size() + names.size());
+      table += Word(static_cast<std::size_t>(entry.attributes)) + Word(static_cast<std::size_t>(entry.size)) +
+               Word(8 + 12 * entries.size() + names.size());
       names += entry.name + '\0';
     }
     return table + names;
@@ -100,7 +126,9 @@ class FakeCamera : public wifi_testing::PlainCamera {
   static std::string NameIn(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 
   std::string serial_;
-  std::string listing_;  // what of it was not sent yet
+  std::string selected_;
+  bool isListing_ = false;
+  std::string writing_;
 };
 
 }  // namespace apps

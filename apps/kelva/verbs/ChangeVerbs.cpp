@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <limits>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -43,8 +43,7 @@ std::string TargetPath(Context& context, Camera& camera, const std::string& type
 ExitCode RunPut(Context& context) {
   const std::string& file = context.call.words[0];
   const std::string target = ToCameraPath(context.call.words[1]);  // an error before anything is read
-  constexpr auto kMost = static_cast<unsigned long long>(std::numeric_limits<int>::max());
-  const std::vector<char> bytes = ReadLocalFile(file, kMost);
+  LocalFile local(file, kLargestFile);
   const Session camera(context, "write " + ShownPath(target));
   const std::string path = TargetPath(context, *camera, context.call.words[1], file);
   context.Doing("write " + ShownPath(path));
@@ -52,8 +51,8 @@ ExitCode RunPut(Context& context) {
     throw Failure(ExitCode::kFailed,
                   "There is a " + ShownPath(path) + " on the camera already, and it was kept; --force replaces it.");
   }
-  WriteRemoteFile(context, *camera, bytes, path);
-  return context.Result(CameraResult(camera).SetBytes("file", file).SetBytes("path", path).Set("size", bytes.size()),
+  WriteRemoteFile(context, camera.Pointer(), path, local.Size(), [&](std::span<char> chunk) { local.Read(chunk); });
+  return context.Result(CameraResult(camera).SetBytes("file", file).SetBytes("path", path).Set("size", local.Size()),
                         "");
 }
 
@@ -113,7 +112,7 @@ constexpr Verb kVerbs[] = {
     {"put", "Send a file to the camera", kPutArguments, kPutOptions,
      R"(The camera does not confirm what it writes, so the file is read back and compared. An existing file on the
 camera is kept unless you give --force. After Ctrl-C or an error the unfinished file is deleted from the camera. Files
-of 2 GiB and more cannot be sent. A file needs memory of twice its size.)",
+of 4 GiB and more cannot be sent.)",
      "file: of this computer\npath: on the camera\nsize: bytes", kPutExamples, RunPut},
     {"rm", "Delete files on the camera", kRmArguments, kRmOptions,
      R"(On a terminal it names the files and asks first; elsewhere the command itself is consent. Reads the folder's

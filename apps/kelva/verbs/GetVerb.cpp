@@ -44,9 +44,8 @@ Target TargetOf(const Context& context) {
   return target;
 }
 
-void ToOutput(Context& context, const std::vector<char>& bytes) {
-  context.out.Add(std::string_view(bytes.data(), bytes.size()));
-  context.out.Flush();
+void ToOutput(Context& context, RemoteFile file) {
+  file.Read([&](std::span<const char> bytes) { context.out.Write({bytes.data(), bytes.size()}); });
 }
 
 void CheckOutput(const Context& context, const Target& target) {
@@ -62,8 +61,8 @@ void CheckOutput(const Context& context, const Target& target) {
 }
 
 // `stored` are the names of the files that this command has stored.
-Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const Target& target, const std::string& path,
-            std::set<std::string>& stored) {
+Json GetOne(Context& context, const Session& camera, const TargetFolder& folder, const Target& target,
+            const std::string& path, std::set<std::string>& stored) {
   context.Doing("read " + Printable(path));
   const std::string name = target.name.value_or(SafeName(Split(path).name));
   if (stored.count(name) != 0) {
@@ -75,11 +74,13 @@ Json GetOne(Context& context, Camera& camera, const TargetFolder& folder, const 
                   "There is a " + Printable(folder.PathOf(name)) +
                       " already, and it was kept; --force replaces it, --output chooses another name.");
   }
-  const std::vector<char> bytes = ReadRemoteFile(context, camera, path);
+  RemoteFile remote(context, camera.Pointer(), path);
+  NewFile file(folder);
+  remote.Read([&](std::span<const char> bytes) { file.Write(bytes); });
   context.stop.Check();
-  target.replace ? StoreReplacing(folder, name, bytes) : StoreNew(folder, name, bytes);
+  target.replace ? NameReplacing(folder, file, name) : NameNew(folder, file, name);
   stored.insert(name);
-  return Json::Object().SetBytes("path", path).SetBytes("file", folder.PathOf(name)).Set("size", bytes.size());
+  return Json::Object().SetBytes("path", path).SetBytes("file", folder.PathOf(name)).Set("size", remote.Size());
 }
 
 ExitCode RunGet(Context& context) {
@@ -89,7 +90,7 @@ ExitCode RunGet(Context& context) {
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
   if (target.toOutput) {
     const Session camera(context, "read " + Printable(paths[0]));
-    ToOutput(context, ReadRemoteFile(context, *camera, paths[0]));
+    ToOutput(context, RemoteFile(context, camera.Pointer(), paths[0]));
     return ExitCode::kDone;
   }
   const TargetFolder folder = TargetFolder::Open(target.folder);
@@ -97,7 +98,7 @@ ExitCode RunGet(Context& context) {
   Each each(context, "files");
   std::set<std::string> stored;
   for (const std::string& path : paths) {
-    each.Try(path, [&] { return GetOne(context, *camera, folder, target, path, stored); });
+    each.Try(path, [&] { return GetOne(context, camera, folder, target, path, stored); });
   }
   return each.Finish(CameraResult(camera));
 }
@@ -120,8 +121,8 @@ constexpr Verb kVerbs[] = {
 when it is whole, so an interrupted command leaves nothing behind. An existing file is kept unless you give --force.
 Bytes of a name that are not safe here (control characters, a slash, a dot at the start) are written as %XX.
 
-The folder's listing tells an empty file from a missing one. A file arrives in one piece, so memory of its size is
-needed. A file that goes on beyond the size that its folder lists is not kept.)",
+The folder's listing tells an empty file from a missing one. A file that goes on beyond the size that its folder lists
+is not kept. With `-o -` the bytes go out as they arrive: the exit code says whether they were the whole file.)",
      R"(serial: of the camera
 files: array of path, file (where it was written), size; or of path and error
 failed: how many were not fetched)",

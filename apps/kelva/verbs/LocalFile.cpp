@@ -6,15 +6,17 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
+#include <utility>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
-#include "base/FileDescriptor.h"
+#include "apps/files/Sha1.h"
 
 namespace apps {
 namespace {
 
-unsigned long long CheckedSize(int fd, const std::string& path, unsigned long long most) {
+std::uint32_t CheckedSize(int fd, const std::string& path, std::uint32_t most) {
   struct stat status {};
   if (::fstat(fd, &status) != 0) throw SystemFailure("look at " + Printable(path), errno);
   if (!S_ISREG(status.st_mode)) {
@@ -25,24 +27,32 @@ unsigned long long CheckedSize(int fd, const std::string& path, unsigned long lo
     throw Failure(ExitCode::kFailed, Printable(path) + " has " + std::to_string(size) + " bytes; a camera takes " +
                                          std::to_string(most) + " at most in one file.");
   }
-  return size;
+  return static_cast<std::uint32_t>(size);
 }
 
 }  // namespace
 
-std::vector<char> ReadLocalFile(const std::string& path, unsigned long long most) {
-  const base::FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (!file) throw SystemFailure("open " + Printable(path), errno);
-  std::vector<char> bytes(CheckedSize(file.Get(), path, most));
-  std::size_t got = 0;
-  while (got < bytes.size()) {
-    const ssize_t size = ::read(file.Get(), bytes.data() + got, bytes.size() - got);
+LocalFile::LocalFile(std::string path, std::uint32_t most)
+    : path_(std::move(path)), file_(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+  if (!file_) throw SystemFailure("open " + Printable(path_), errno);
+  size_ = CheckedSize(file_.Get(), path_, most);
+}
+
+void LocalFile::Read(std::span<char> into) {
+  while (!into.empty()) {
+    const ssize_t size = ::pread(file_.Get(), into.data(), into.size(), at_);
     if (size < 0 && errno == EINTR) continue;
-    if (size < 0) throw SystemFailure("read " + Printable(path), errno);
-    if (size == 0) throw Failure(ExitCode::kFailed, Printable(path) + " became shorter while it was read; try again.");
-    got += static_cast<std::size_t>(size);
+    if (size < 0) throw SystemFailure("read " + Printable(path_), errno);
+    if (size == 0) throw Failure(ExitCode::kFailed, Printable(path_) + " became shorter while it was read; try again.");
+    into = into.subspan(static_cast<std::size_t>(size));
+    at_ += size;
   }
-  return bytes;
+}
+
+std::string LocalFile::Sha1() const {
+  std::optional<std::string> sum = Sha1OfFile(file_.Get());
+  if (!sum) throw SystemFailure("read " + Printable(path_), errno);
+  return *std::move(sum);
 }
 
 }  // namespace apps

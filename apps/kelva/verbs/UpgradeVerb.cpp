@@ -1,14 +1,15 @@
 // The verb upgrade.
 #include <unistd.h>
 
-#include <limits>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "apps/camera/Battery.h"
 #include "apps/camera/Information.h"
 #include "apps/camera/LastingSession.h"
+#include "apps/camera/RemoteFile.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Progress.h"
@@ -33,11 +34,35 @@ std::string Named(const std::string& firmware) {
   return firmware.empty() ? "unknown" : Printable(firmware);
 }
 
-std::vector<char> ReadImage(const std::string& path) {
-  std::vector<char> image = ReadLocalFile(path, static_cast<unsigned long long>(std::numeric_limits<int>::max()));
-  if (image.empty()) throw Failure(ExitCode::kFailed, Printable(path) + " is empty; that is no firmware.");
-  return image;
-}
+/// A firmware image, and the SHA-1 that is shown before it is sent.
+class Image {
+ public:
+  explicit Image(const std::string& path) : path_(path), file_(path, kLargestFile), sha1_(file_.Sha1()) {
+    if (Size() == 0) throw Failure(ExitCode::kFailed, Printable(path) + " is empty; that is no firmware.");
+  }
+
+  std::uint32_t Size() const { return file_.Size(); }
+  const std::string& Sha1() const { return sha1_; }
+
+  /// Fills the next chunk. Throws Failure in place of the last one when the file is not the one that was shown: the camera
+  /// then has an incomplete image, which it does not write.
+  void Fill(std::span<char> chunk) {
+    file_.Read(chunk);
+    sent_.Add(chunk);
+    given_ += chunk.size();
+    if (given_ < Size() || sent_.Take() == sha1_) return;
+    throw Failure(ExitCode::kFailed, Printable(path_) +
+                                         " changed while it was sent; the camera got an incomplete image and keeps "
+                                         "the firmware it had. Repeat the command.");
+  }
+
+ private:
+  const std::string path_;
+  LocalFile file_;
+  const std::string sha1_;
+  Sha1Sum sent_;
+  std::uint64_t given_ = 0;
+};
 
 // Shows what would be sent and has it confirmed.
 void Confirm(Context& context, const std::string& facts) {
@@ -54,10 +79,12 @@ class Upgrade {
 
   LastingSession& Session() { return session_; }
 
-  void Send(const std::vector<char>& image) {
+  void Send(Image& image) {
     context_.Doing("send the firmware");
-    Progress progress(context_.reporter, context_.stop, "sending", image.size());
-    session_.Device().Upgrade(image.data(), static_cast<int>(image.size()), Progress::Callback, &progress);
+    Progress progress(context_.reporter, context_.stop, "sending", image.Size());
+    kelva::Upgrade(
+        session_.Device(), image.Size(), [&image](std::span<char> chunk) { image.Fill(chunk); }, Progress::Callback,
+        &progress);
   }
 
   /// Until the camera says that it is done, or goes away to restart.
@@ -104,21 +131,20 @@ class Upgrade {
 
 ExitCode RunUpgrade(Context& context) {
   const std::string& path = context.call.words[0];
-  const std::vector<char> image = ReadImage(path);
-  const std::string sha1 = Sha1(image);
+  Image image(path);
   context.Doing("prepare the upgrade");
   Upgrade upgrade(context);
   const std::string before = Firmware(upgrade.Session());
   const float battery = upgrade.Session().Device().BatteryLevel();
-  Confirm(context, Printable(path) + ": " + Bytes(image.size()) + ", SHA-1 " + sha1 + "; firmware now " +
+  Confirm(context, Printable(path) + ": " + Bytes(image.Size()) + ", SHA-1 " + image.Sha1() + "; firmware now " +
                        Named(before) + "; battery level " + LevelText(battery) + " in the camera's own unit.");
   upgrade.Send(image);
   upgrade.WaitUntilWritten();
   upgrade.WaitUntilBack();
   const std::string after = Firmware(upgrade.Session());
   Json members = CameraResult(upgrade.Session().Current());
-  members.Set("size", image.size())
-      .Set("sha1", sha1)
+  members.Set("size", image.Size())
+      .Set("sha1", image.Sha1())
       .Set("battery", IsReadableLevel(battery) ? NumberOf(battery) : Json());
   members.SetBytes("before", before).SetBytes("after", after);
   context.Result(std::move(members), Named(after) + "\n");
