@@ -36,6 +36,7 @@ class UsbDoor : public Door {
   void Arm(const std::string& serial, const vcam::Fault& fault) override {
     cameras_.at(serial).cable->camera().Arm(fault);
   }
+  void Disarm(const std::string& serial) override { cameras_.at(serial).cable->camera().Disarm(); }
 
  private:
   struct Plugged {

@@ -39,6 +39,7 @@ class BusDoor : public Door {
     request.storage = options.storage.string();
     request.revision = options.revision;
     request.peripheralType = options.peripheralType;
+    if (options.forwardOnly) request.traits |= bus::kForwardOnly;
     connection_.Request(bus::Kind::kPlug, bus::Encode(request));
   }
 
@@ -50,6 +51,10 @@ class BusDoor : public Door {
   void Arm(const std::string& serial, const vcam::Fault& fault) override {
     bus::FaultRequest request{serial, std::string(vcam::NameOf(fault.kind)), fault.at};
     connection_.Request(bus::Kind::kFault, bus::Encode(request));
+  }
+
+  void Disarm(const std::string& serial) override {
+    connection_.Request(bus::Kind::kFault, bus::Encode(bus::FaultRequest{serial, "none", 1}));
   }
 
  private:

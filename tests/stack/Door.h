@@ -20,6 +20,8 @@ class Door {
   /// The camera went away by a fault of its own.
   virtual void HasUnpluggedItself(const std::string& serial) = 0;
   virtual void Arm(const std::string& serial, const vcam::Fault& fault) = 0;
+  /// Takes all faults back.
+  virtual void Disarm(const std::string& serial) = 0;
 };
 
 }  // namespace tests::stack

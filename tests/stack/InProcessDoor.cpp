@@ -28,6 +28,7 @@ class InProcessDoor : public Door {
   void HasUnpluggedItself(const std::string& serial) override { Unplug(serial); }
 
   void Arm(const std::string& serial, const vcam::Fault& fault) override { cameras_.at(serial).camera->Arm(fault); }
+  void Disarm(const std::string& serial) override { cameras_.at(serial).camera->Disarm(); }
 
  private:
   struct Plugged {
