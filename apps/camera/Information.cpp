@@ -62,7 +62,7 @@ std::string InformationDump(const _VscCdbCameraInformation& record) {
   const std::string_view bytes(reinterpret_cast<const char*>(record.information), sizeof record.information);
   std::string text;
   for (std::size_t at = 0; at < bytes.size(); at += kDumpWidth) {
-    std::array<char, 16> offset{};
+    std::array<char, 24> offset{};
     std::snprintf(offset.data(), offset.size(), "%03zx  ", at);
     text += offset.data() + base::Hex(bytes.substr(at, kDumpWidth)) + "\n";
   }
