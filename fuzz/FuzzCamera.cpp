@@ -7,6 +7,7 @@
 
 #include "fuzz/InputReader.h"
 #include "src/wifi/FatalAssertion.h"
+#include "src/wifi/FileReader.h"
 #include "src/wifi/testing/PlainCamera.h"
 
 namespace {
@@ -110,6 +111,19 @@ void RunWrites(Camera& camera, void* context) {
   camera.ReadCrashLogs(Count, context, false, true);
 }
 
+/// Any parts of a file, in pieces of any size. Nothing here may stop the process.
+void ReadPieces(Camera& camera, InputReader& input) {
+  kelva::FileReader reader({&camera, [](Camera*) {}}, "I:\\A");
+  for (int i = 0; i < 8; ++i) {
+    const std::uint8_t choice = input.Byte();
+    std::vector<char> piece(std::size_t{1} << choice % 13);
+    const std::size_t count = (choice & 0x10) != 0 ? reader.ReadOn(piece) : reader.Read(input.Word(), piece);
+    if (count > piece.size() || reader.Position() > reader.Size()) __builtin_trap();
+    if ((choice & 0x20) != 0) reader.Select();
+    if ((choice & 0x40) != 0) reader.ReadsForwardOnly();
+  }
+}
+
 void RunSettings(Camera& camera) {
   camera.SetTime({});
   camera.CaptureImage(true);
@@ -123,9 +137,9 @@ void RunSettings(Camera& camera) {
   camera.Reboot();
 }
 
-void Run(Camera& camera, std::uint8_t operation) {
+void Run(Camera& camera, std::uint8_t operation, InputReader& input) {
   int calls = 0;
-  switch (operation % 12) {
+  switch (operation % 13) {
     case 0:
       camera.ReadFile("I:\\A", Count, &calls, true);
       break;
@@ -164,8 +178,11 @@ void Run(Camera& camera, std::uint8_t operation) {
     case 10:
       RunWrites(camera, &calls);
       break;
-    default:
+    case 11:
       RunSettings(camera);
+      break;
+    default:
+      ReadPieces(camera, input);
   }
 }
 
@@ -187,7 +204,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Camera::throwExceptions_ = (setting & 4) != 0;
   HostileCamera camera(input, kChunkSizes[setting % 4]);
   try {
-    Run(camera, operation);
+    Run(camera, operation, input);
   } catch (const CameraError&) {
   } catch (const DefinedStop&) {
   }

@@ -22,7 +22,7 @@ constexpr const char* kLarge = "I:\\DCIM\\100ABCDE\\IMG_0009.RAW";
 
 constexpr double kTransferToBare = 0.97;
 constexpr double kTransferToSgDd = 0.97;
-constexpr double kGetToSgDd = 0.75;
+constexpr double kGetToSgDd = 0.95;
 
 double NumberAfter(const std::string& text, const std::string& word) {
   const std::size_t at = text.find(word);
