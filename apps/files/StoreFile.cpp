@@ -57,6 +57,11 @@ BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std:
                        const std::string& sha1, int first, int most)
     : folder_(folder), name_(name), number_(first), last_(first + most) {
   // Files that are there already are looked at before anything is written.
+  for (number_ = 1; number_ < first; ++number_) {
+    isThere_ =
+        folder_.Has(Numbered(name_, number_)) && HoldsTheSame(folder_, Numbered(name_, number_), bytes.size(), sha1);
+    if (isThere_) return;
+  }
   for (; number_ <= last_ && folder_.Has(Numbered(name_, number_)); ++number_) {
     isThere_ = HoldsTheSame(folder_, Numbered(name_, number_), bytes.size(), sha1);
     if (isThere_) return;

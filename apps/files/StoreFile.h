@@ -31,8 +31,9 @@ struct Stored {
 /// steps, so that the disk can work on several files at once, and need not write their folder again for each.
 class BesideFile {
  public:
-  /// Writes the bytes under a temporary name, unless they are there already. `first` is the number to begin with, `most`
-  /// how many more are tried, `sha1` the SHA-1 of the bytes; the folder outlives this object. Throws Failure.
+  /// Writes the bytes under a temporary name, unless they are there already under a number up to `first`, or behind it
+  /// without a gap. `first` is the number to begin with, `most` how many more are tried, `sha1` the SHA-1 of the bytes; the
+  /// folder outlives this object. Throws Failure.
   BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,
              int first = 1, int most = 10'000);
   /// Waits until the file is on disk. Throws Failure.

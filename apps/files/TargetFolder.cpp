@@ -38,6 +38,17 @@ void FlushFolder(int folder, const std::string& path) {
   throw SystemFailure("flush the folder " + Printable(path), errno);
 }
 
+// The folder above the last name of a path; empty where that is the current one or the root.
+std::string Above(const std::string& path) {
+  const std::size_t end = path.find_last_not_of('/');
+  const std::size_t slash = end == std::string::npos ? end : path.rfind('/', end);
+  return slash == std::string::npos ? "" : path.substr(0, slash);
+}
+
+bool IsMissing(const std::string& path) {
+  return ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
+}
+
 constexpr mode_t kForAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
 // umask(2) itself cannot ask without changing it, for all threads.
@@ -67,6 +78,8 @@ TargetFolder TargetFolder::Open(const std::string& path) {
 }
 
 TargetFolder TargetFolder::OpenOrMake(const std::string& path) {
+  const std::string above = Above(path);
+  if (!above.empty() && IsMissing(above)) OpenOrMake(above);
   MakeFolder(AT_FDCWD, path, path);
   TargetFolder folder = Open(path);
   // Also when the folder was there: whoever made it may have done so a moment ago. A parent that this user may not read

@@ -16,7 +16,7 @@ class TargetFolder {
  public:
   /// Opens a folder that the user named; symbolic links in `path` are the user's own. Throws Failure.
   static TargetFolder Open(const std::string& path);
-  /// As Open, but makes the folder first if it is missing. Its own name is on disk when this returns.
+  /// As Open, but makes the folder first if it is missing, and those above it. Their names are on disk when this returns.
   static TargetFolder OpenOrMake(const std::string& path);
   /// Opens, and makes if need be, a folder directly below this one. Never follows a symbolic link. Throws Failure.
   TargetFolder Below(const std::string& name) const;

@@ -64,6 +64,14 @@ TEST_F(TargetFolderTest, NothingIsOpenedOutsideTheFolder) {
   EXPECT_EQ(OpenBeneath(folder_->Fd(), "link", O_RDONLY), -1);
 }
 
+TEST_F(TargetFolderTest, TheFoldersAboveATargetAreMadeAndPutOnDiskFromTheTop) {
+  RecordingCalls calls(path_);
+  TargetFolder::OpenOrMake(path_ / "new//deep/er/");
+  EXPECT_THAT(calls.Log(), ElementsAre("make new/", "flush folder .", "make new/deep", "flush folder new",
+                                       "make new/deep/er/", "flush folder new/deep"));
+  EXPECT_TRUE(std::filesystem::is_directory(path_ / "new/deep/er"));
+}
+
 TEST_F(TargetFolderTest, ANewTargetsOwnNameIsPutOnDisk) {
   const RecordingCalls calls(path_);
   const TargetFolder made = TargetFolder::OpenOrMake(path_ / "out");

@@ -2,7 +2,7 @@
 #include "apps/import/Plan.h"
 
 #include <algorithm>
-#include <functional>
+#include <span>
 #include <utility>
 
 #include "apps/camera/CameraPath.h"
@@ -10,6 +10,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/StoreFile.h"
+#include "apps/import/Names.h"
 #include "base/Hex.h"
 
 namespace apps {
@@ -30,18 +31,13 @@ SyncItem::State StateOf(const std::optional<ManifestRow>& known) {
   return known->deleted ? SyncItem::State::kDeleted : SyncItem::State::kFetched;
 }
 
-// In the catalogue's order, so that a preview is right and every run gives the same names. Compares 8-byte hashes of
-// the names to save memory; a collision only adds an unneeded number.
-void NumberNames(std::vector<SyncItem>& items) {
-  std::vector<std::pair<std::size_t, SyncItem*>> names;
-  names.reserve(items.size());
-  for (SyncItem& item : items) names.emplace_back(std::hash<std::string>()(item.Local().Text()), &item);
-  std::sort(names.begin(), names.end());
-  int number = 0;
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    number = i > 0 && names[i].first == names[i - 1].first ? number + 1 : 1;
-    names[i].second->SetNumber(number);
-  }
+// The items of one picture, which share a number.
+void NumberItems(Names& names, std::span<SyncItem> items, const std::optional<ManifestRow>& stored) {
+  const bool isNew = std::any_of(items.begin(), items.end(), [](const SyncItem& item) { return item.IsNew(); });
+  if (!isNew) return;
+  const DcfObj& picture = items.front().Picture();
+  const int number = stored ? names.NumberFor(picture, stored->path, stored->key.type) : names.NumberFor(picture);
+  for (SyncItem& item : items) item.SetNumber(number);
 }
 
 }  // namespace
@@ -89,17 +85,23 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list) {
 }
 
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
-                  const Pattern& pattern, Manifest& manifest) {
+                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder) {
   SyncPlan plan{std::make_unique<const SyncSource>(SyncSource{std::move(catalogue), serial, pattern}), {}};
   const Manifest::Reading reading(manifest);
+  Names names(folder, plan.source->pattern, serial);
   for (const DcfObj& picture : plan.source->catalogue) {
+    const std::size_t first = plan.items.size();
+    std::optional<ManifestRow> stored;
     for (const int type : FileTypes(picture)) {
-      if (std::find(types.begin(), types.end(), type) == types.end()) continue;
-      SyncItem& item = plan.items.emplace_back(*plan.source, picture, type);
-      item.SetState(StateOf(manifest.Find(item.Key())));
+      auto known = manifest.Find(KeyOf(picture, type, serial));
+      if (std::find(types.begin(), types.end(), type) != types.end()) {
+        plan.items.emplace_back(*plan.source, picture, type).SetState(StateOf(known));
+      }
+      if (known && !stored) stored = std::move(known);
     }
+    const std::span<SyncItem> items(plan.items.begin() + static_cast<std::ptrdiff_t>(first), plan.items.end());
+    if (!items.empty()) NumberItems(names, items, stored);
   }
-  NumberNames(plan.items);
   return plan;
 }
 

@@ -40,9 +40,9 @@ class SyncItem {
   std::string CameraPath() const;
   /// Where it goes below the target, without a number.
   LocalPath Local() const;
-  /// 2 for the second item of the catalogue with this local path, and so on.
+  /// The number in the names of the picture's files; 1 for names without a number.
   int Number() const { return number_; }
-  /// Where it goes below the target, as long as nothing else is there.
+  /// Where it goes below the target, unless its name is taken meanwhile.
   std::string LocalText() const;
   /// Empty when the catalogue does not say.
   std::string ExpectedSha1() const;
@@ -72,9 +72,10 @@ struct SyncPlan {
 /// Reads "jpg,raw": types in any case, each once. Throws Failure(kUsage). Nothing means all four.
 std::vector<int> ParseTypes(const std::optional<std::string>& list);
 
-/// Compares a catalogue with a manifest.
+/// Compares a catalogue with a manifest, and chooses names that are free in the target: one number for all files of a
+/// picture (Names.h). `folder` is null while the target does not exist.
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
-                  const Pattern& pattern, Manifest& manifest);
+                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder);
 
 }  // namespace apps
 

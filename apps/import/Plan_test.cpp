@@ -31,7 +31,7 @@ DcfObj Made(int folder, int number) {
 class PlanTest : public testing::Test {
  protected:
   SyncPlan Plan(const std::vector<DcfObj>& catalogue, const std::vector<int>& types) {
-    return MakePlan(catalogue, "K1", types, Pattern(Pattern::kDefault), manifest_);
+    return MakePlan(catalogue, "K1", types, Pattern(Pattern::kDefault), manifest_, &folder_);
   }
 
   const base::ScratchFolder scratch_;
@@ -96,8 +96,8 @@ TEST_F(PlanTest, AnotherPictureOfTheSameNameIsNew) {
 }
 
 TEST_F(PlanTest, ItemsThatWouldHaveOneNameAreNumberedInTheCataloguesOrder) {
-  const SyncPlan plan =
-      MakePlan({Made(100, 1), Made(101, 1), Made(102, 1), Made(102, 2)}, "K1", {1}, Pattern("{name}"), manifest_);
+  const SyncPlan plan = MakePlan({Made(100, 1), Made(101, 1), Made(102, 1), Made(102, 2)}, "K1", {1}, Pattern("{name}"),
+                                 manifest_, nullptr);
   ASSERT_EQ(plan.items.size(), 4U);
   EXPECT_EQ(plan.items[0].LocalText(), "IMG_0001.JPG");
   EXPECT_EQ(plan.items[1].LocalText(), "IMG_0001-2.JPG");

@@ -14,7 +14,8 @@ namespace {
 
 // After these errors every other file would fail too.
 bool EndsAll(int error) {
-  return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE || error == ENODEV;
+  return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE || error == ENODEV ||
+         error == EACCES || error == EPERM;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@ import os
 import shutil
 import signal
 import sqlite3
+import subprocess
 import time
 
 import bench_of_cameras
@@ -39,6 +40,34 @@ class SyncTest(Bus):
         self.assertEqual(self.kelva(*words).returncode, 0)
         with open(self.target + "/IMG_0001.JPG", "rb") as first, open(self.target + "/IMG_0001-2.JPG", "rb") as second:
             self.assertEqual((first.read(), second.read()), (b"one", b"two"))
+
+    def test_files_of_a_picture_keep_one_name_also_over_two_runs(self):
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"an old picture")
+        self.complete(1)
+        os.remove(os.path.join(self.drive, "DCIM/100ABCDE/IMG_0001.JPG"))
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"a new picture")
+        self.put("DCIM/100ABCDE/IMG_0001.RAW", b"its raw data")
+        self.assertEqual(self.kelva("sync", "--types", "jpg", self.target).returncode, 0)
+        self.assertEqual(self.kelva("sync", self.target).returncode, 0)
+        folder = os.path.join(self.target, "100ABCDE")
+        self.assertEqual(sorted(os.listdir(folder)), ["IMG_0001-2.JPG", "IMG_0001-2.RAW", "IMG_0001.JPG"])
+        self.assertEqual(self.kelva("sync", self.target).stdout.split()[0], "0")
+
+    def test_a_folder_that_takes_no_file_is_one_sentence_and_nothing_is_read(self):
+        self.pictures(5, 10)
+        os.mkdir(self.target)
+        os.chmod(self.target, 0o555)
+        os.chmod(self.folder, 0o755)
+        run = subprocess.run(["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", bench_of_cameras.BIN + "/kelva", "--virtual", self.socket,
+                              "sync", self.target], capture_output=True, text=True)
+        self.assertEqual(run.returncode, 1, run.stderr)
+        self.assertEqual(len(run.stderr.splitlines()), 1, run.stderr)
+        self.assertIn("Permission denied", run.stderr)
+
+    def test_the_folders_above_a_target_are_made(self):
+        self.target = os.path.join(self.folder, "new/deep/er")
+        self.pictures(2, 10)
+        self.complete(2)
 
     def test_too_many_bytes_end_one_file_and_not_the_rest(self):
         self.pictures(4, 70_000)

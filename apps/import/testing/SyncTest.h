@@ -29,7 +29,7 @@ class SyncFolderTest : public testing::Test {
     return picture;
   }
   SyncPlan Plan(const std::vector<DcfObj>& catalogue) {
-    return MakePlan(catalogue, "K1", {1}, Pattern(Pattern::kDefault), manifest_);
+    return MakePlan(catalogue, "K1", {1}, Pattern(Pattern::kDefault), manifest_, &folder_);
   }
   std::string Text(const std::string& name) const {
     std::ifstream file(path_ + "/" + name);

@@ -15,7 +15,7 @@ class BesideTest : public SheetFolderTest {
   // As `kelva sync` notes that it fetched the picture's JPEG. "one" has this SHA-1.
   void Note(const DcfObj& picture, const std::string& path) {
     Manifest manifest(folder_, true);
-    const SyncPlan plan = MakePlan({picture}, "K1", {1}, Pattern(Pattern::kDefault), manifest);
+    const SyncPlan plan = MakePlan({picture}, "K1", {1}, Pattern(Pattern::kDefault), manifest, nullptr);
     manifest.Record({{plan.items[0].Key(), path, "fe05bcdcdc4928012781a5f1a2a77cbb5398e106", 3}});
   }
 };

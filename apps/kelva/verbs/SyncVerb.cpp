@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -58,9 +59,13 @@ ExitCode Finish(Context& context, const Session& camera, const Sync& sync, std::
 
 ExitCode RunDry(Context& context, const std::string& path, const std::vector<int>& types, const Pattern& pattern) {
   const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
-  Manifest manifest = missing ? Manifest() : Manifest(TargetFolder::Open(path), false);
+  std::optional<TargetFolder> folder;
+  if (!missing) folder = TargetFolder::Open(path);
+  Manifest manifest = missing ? Manifest() : Manifest(*folder, false);
   const Session camera(context, "read the picture catalogue");
-  return ShowPlan(context, camera, MakePlan(ReadPictures(*camera), camera.Facts().serial, types, pattern, manifest));
+  return ShowPlan(
+      context, camera,
+      MakePlan(ReadPictures(*camera), camera.Facts().serial, types, pattern, manifest, missing ? nullptr : &*folder));
 }
 
 ExitCode RunSync(Context& context) {
@@ -76,11 +81,12 @@ ExitCode RunSync(Context& context) {
   // First, so that a camera that is not there leaves no folder behind.
   const Session camera(context, "read the picture catalogue");
   const TargetFolder folder = TargetFolder::OpenOrMake(path);
+  { const NewFile trial(folder); }  // a folder that takes no file is one sentence, before anything is read
   const FolderLock lock(folder);
   Manifest manifest(folder, true);
   RemoveLeftovers(folder);
   const unsigned long long before = context.guard == nullptr ? 0 : context.guard->Files();
-  const SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, types, pattern, manifest);
+  const SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, types, pattern, manifest, &folder);
   if (context.guard != nullptr) context.guard->Expect(before + plan.NewFiles());
   Sync sync(context, *camera, folder, manifest, options);
   const auto ended = sync.Run(plan);
@@ -93,9 +99,7 @@ constexpr Option kOptions[] = {
     {"types", 't', "LIST", "Only these types of files: jpg, raw, txt, 128, separated by commas.", Offer::kWords,
      "jpg raw txt 128 jpg,raw"},
     {"pattern", 'p', "PATTERN", "How files are named below FOLDER; the default is {folder}/{name}."},
-    {"dry-run", 'n', "",
-     R"(Fetch nothing; show what would be fetched, and under which names. A file whose name is taken here gets a
-number.)"},
+    {"dry-run", 'n', "", "Fetch nothing; show what would be fetched, and under which names."},
     {"verify", 0, "", "Read each new file a second time and compare."},
     {"delete-after-verify", 0, "",
      "Delete a file on the camera once it was read twice with the same content and is on disk here."},
@@ -117,7 +121,7 @@ Only then does it get its name, so Ctrl-C, an unplugged camera or a full disk le
 command again to fetch the rest.
 
 An existing file is never overwritten. If it has the same content, it is kept and counts as fetched; if not, the new
-file gets a number. Symbolic links in FOLDER are not followed. A file that fails is reported once and the rest goes on
+picture gets a number, the same for all its files: a RAW never lies beside another picture's JPG. Symbolic links in FOLDER are not followed. A file that fails is reported once and the rest goes on
 (exit status 6). If the process that reads is killed, as happens when memory runs out, another one tries the file once
 more; if that one is killed too, the file counts as failed. While one run is at work in FOLDER a second one stops
 (exit status 4); .kelva-manifest.lock, a file that stays, is for that.

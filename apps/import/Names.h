@@ -1,0 +1,42 @@
+#ifndef KELVA_APPS_IMPORT_NAMES_H_
+#define KELVA_APPS_IMPORT_NAMES_H_
+
+#include <optional>
+#include <string>
+#include <unordered_set>
+
+#include "apps/files/TargetFolder.h"
+#include "apps/import/Pattern.h"
+#include "src/wifi/DcfObj.h"
+
+namespace apps {
+
+/// Chooses the number in the names of a picture's files: one for all of them. Programs pair files by their names, so a
+/// RAW must never come to lie beside another picture's JPG.
+class Names {
+ public:
+  /// `folder`: null while the target does not exist. Both outlive this.
+  Names(const TargetFolder* folder, const Pattern& pattern, std::string serial)
+      : folder_(folder), pattern_(pattern), serial_(std::move(serial)) {}
+
+  /// The smallest number under which all four names are free, here and among the pictures asked about before; 1 is the
+  /// name without a number. `stored` is where a file of this picture lies already, of type `storedType`: its number is
+  /// taken if the other names with it are free.
+  int NumberFor(const DcfObj& picture, const std::string& stored = "", int storedType = 0);
+
+ private:
+  bool IsFree(const DcfObj& picture, int number, int except) const;
+  bool IsTheSame(const DcfObj& picture, int number) const;
+  bool IsThere(const std::string& path) const;
+  std::string Path(const DcfObj& picture, int type, int number) const;
+
+  const TargetFolder* folder_;
+  const Pattern& pattern_;
+  std::string serial_;
+  // Hashes, to save memory: a collision only costs an unneeded number.
+  std::unordered_set<std::size_t> taken_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_IMPORT_NAMES_H_

@@ -1,0 +1,85 @@
+#include "apps/import/Names.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include "base/testing/ScratchFolder.h"
+
+namespace apps {
+namespace {
+
+DcfObj Picture(int folder, int number, const char* key = "") {
+  DcfObj picture{};
+  std::memcpy(picture.directorySuffix, "ABCDE", 5);
+  std::memcpy(picture.filePrefix, "IMG_", 4);
+  picture.directoryNumber = folder;
+  picture.fileNumber = number;
+  picture.hasJpg = picture.hasRaw = 1;
+  std::memcpy(picture.block7, key, std::strlen(key));
+  return picture;
+}
+
+class NamesTest : public testing::Test {
+ protected:
+  void Put(const std::string& name, const std::string& text = "x") const {
+    const auto path = std::filesystem::path(scratch_.Path()) / name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path) << text;
+  }
+
+  const base::ScratchFolder scratch_;
+  const TargetFolder folder_ = TargetFolder::Open(scratch_.Path());
+  const Pattern byFolder_{"{folder}/{name}"};
+  const Pattern flat_{"{name}"};
+  Names names_{&folder_, byFolder_, "K1"};
+  Names flatNames_{&folder_, flat_, "K1"};
+};
+
+TEST_F(NamesTest, AFreeNameHasNoNumber) {
+  EXPECT_EQ(names_.NumberFor(Picture(100, 1)), 1);
+}
+
+TEST_F(NamesTest, OnePictureOfOneNameAfterAnotherIsCounted) {
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1)), 1);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(101, 1)), 2);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(102, 1)), 3);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(102, 2)), 1);
+}
+
+TEST_F(NamesTest, ANameIsFreeOnlyIfAllFourAre) {
+  for (const char* name : {"IMG_0001.JPG", "IMG_0002.RAW", "IMG_0003.TXT", "IMG_0004.128"}) Put(name);
+  for (const int number : {1, 2, 3, 4}) EXPECT_EQ(flatNames_.NumberFor(Picture(100, number)), 2) << number;
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 5)), 1);
+}
+
+TEST_F(NamesTest, ALaterFileOfAPictureTakesTheNumberOfTheEarlier) {
+  Put("IMG_0001.JPG", "an older picture");
+  Put("IMG_0001-2.JPG", "this one");
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), "IMG_0001-2.JPG", 1), 2);
+}
+
+TEST_F(NamesTest, WhereThatNumberIsTakenOrTheFileWasRenamedAFreeOneIsChosen) {
+  Put("IMG_0001.JPG");
+  Put("IMG_0001.RAW", "another one's");
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), "IMG_0001.JPG", 1), 2);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2), "holiday.jpg", 1), 1);
+}
+
+TEST_F(NamesTest, APictureThatIsHereWithoutAListIsRecognisedByItsKey) {
+  Put("IMG_0001.JPG", "abc");
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1, "a9993e364706816aba3e25717850c26c9cd0d89d")), 1);
+  Put("IMG_0002.JPG", "abd");
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2, "a9993e364706816aba3e25717850c26c9cd0d89d")), 2);
+}
+
+TEST_F(NamesTest, WithoutATargetOnlyTheCatalogueCounts) {
+  Names names(nullptr, flat_, "K1");
+  EXPECT_EQ(names.NumberFor(Picture(100, 1)), 1);
+  EXPECT_EQ(names.NumberFor(Picture(101, 1)), 2);
+}
+
+}  // namespace
+}  // namespace apps
