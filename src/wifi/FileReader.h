@@ -56,8 +56,8 @@ class FileReadError : public CameraError {
 ///
 /// A chunk is as large as the camera's transport allows, 65,536 bytes on macOS and Linux; a larger `into` takes several.
 ///
-/// Ownership: the reader holds the camera. It owns no byte of the file: the camera's bytes land in the caller's memory.
-/// It allocates nothing per read, but 64 KiB once when it first skips on a camera that is read forward only.
+/// Ownership: the reader holds the camera. The camera's bytes land in the caller's memory; the reader keeps none of them
+/// and allocates nothing per read. What it needs for itself, 64 KiB, it allocates when it first asks for the proof or skips.
 ///
 /// Threads: as for a camera, one at a time. A reader belongs to the thread of its camera.
 ///
