@@ -143,9 +143,6 @@ Manifest::~Manifest() {
   sqlite3_close(database_);
 }
 
-Manifest::Manifest(Manifest&& other) noexcept
-    : path_(std::move(other.path_)), database_(std::exchange(other.database_, nullptr)) {}
-
 Manifest::Reading::Reading(Manifest& manifest) : manifest_(manifest) {
   if (manifest_.database_ != nullptr) manifest_.Execute("BEGIN");
 }

@@ -47,8 +47,8 @@ class Manifest {
   /// or another program. What another program left in it besides its tables (triggers, views) has no effect.
   Manifest(const TargetFolder& folder, bool make, std::chrono::milliseconds patience = std::chrono::seconds(5));
   ~Manifest();
-  Manifest(Manifest&&) noexcept;
-  Manifest& operator=(Manifest&&) = delete;
+  Manifest(const Manifest&) = delete;
+  Manifest& operator=(const Manifest&) = delete;
 
   std::optional<ManifestRow> Find(const ManifestKey& key);
   /// Adds rows, or replaces those of the same keys, all or none. They are on disk when this returns.

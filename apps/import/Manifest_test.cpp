@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <type_traits>
 #include <utility>
 
 #include "apps/commandline/Failure.h"
@@ -144,6 +145,9 @@ TEST_F(ManifestTest, ALookLeavesNothingBehind) {
   EXPECT_FALSE(Manifest(*folder_, false).Find(Row("K1", 1).key).has_value());
   EXPECT_TRUE(fs::is_empty(path_));
 }
+
+// Its prepared statements belong to it, and so does the connection that they hold.
+static_assert(!std::is_move_constructible_v<Manifest> && !std::is_move_assignable_v<Manifest>);
 
 TEST_F(ManifestTest, ADamagedManifestIsAFailureThatSaysWhatToDo) {
   std::ofstream(path_ / Manifest::kName) << std::string(5000, 'x');

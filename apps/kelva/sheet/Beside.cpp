@@ -40,8 +40,8 @@ bool ReadAll(const base::FileDescriptor& file, std::vector<char>& bytes) {
 
 }  // namespace
 
-Beside::Beside(const TargetFolder& folder, Manifest manifest, std::string serial, const std::vector<DcfObj>& catalogue)
-    : folder_(folder), manifest_(std::move(manifest)), serial_(std::move(serial)) {
+Beside::Beside(const TargetFolder& folder, Manifest& manifest, std::string serial, const std::vector<DcfObj>& catalogue)
+    : folder_(folder), manifest_(manifest), serial_(std::move(serial)) {
   for (const DcfObj& picture : catalogue) ++stems_[PictureStem(picture)];
 }
 

@@ -19,8 +19,8 @@ namespace apps {
 /// files.
 class Beside {
  public:
-  /// The folder outlives this object.
-  Beside(const TargetFolder& folder, Manifest manifest, std::string serial, const std::vector<DcfObj>& catalogue);
+  /// The folder and its manifest outlive this object.
+  Beside(const TargetFolder& folder, Manifest& manifest, std::string serial, const std::vector<DcfObj>& catalogue);
 
   /// Where a file of a picture is, from the folder; empty when it is not here. A file that only has the right name
   /// counts when it also has the size that the camera lists.
@@ -35,7 +35,7 @@ class Beside {
   bool IsHere(const std::string& path, unsigned long long size) const;
 
   const TargetFolder& folder_;
-  Manifest manifest_;
+  Manifest& manifest_;
   std::string serial_;
   Pattern pattern_{Pattern::kDefault};
   std::map<std::string, int> stems_;  // how many pictures have the name, over all folders

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "apps/camera/Picture.h"
 #include "apps/kelva/sheet/testing/SheetTest.h"
 
@@ -10,7 +12,9 @@ namespace {
 
 class BesideTest : public SheetFolderTest {
  protected:
-  Beside Here(const std::vector<DcfObj>& catalogue) { return {folder_, Manifest(folder_, false), "K1", catalogue}; }
+  Beside Here(const std::vector<DcfObj>& catalogue) {
+    return {folder_, manifest_.emplace(folder_, false), "K1", catalogue};
+  }
 
   // As `kelva sync` notes that it fetched the picture's JPEG. "one" has this SHA-1.
   void Note(const DcfObj& picture, const std::string& path) {
@@ -18,6 +22,8 @@ class BesideTest : public SheetFolderTest {
     const SyncPlan plan = MakePlan({picture}, "K1", {1}, Pattern(Pattern::kDefault), manifest, nullptr);
     manifest.Record({{plan.items[0].Key(), path, "fe05bcdcdc4928012781a5f1a2a77cbb5398e106", 3}});
   }
+
+  std::optional<Manifest> manifest_;
 };
 
 TEST_F(BesideTest, NothingIsHereUnlessItWasFetched) {

@@ -43,7 +43,8 @@ class SheetTest : public SheetFolderTest, protected SilentContext {
 
   SheetTotals Draw(Camera& camera, const std::vector<DcfObj>& catalogue) {
     cards_.clear();
-    Sheet sheet(context_, camera, Beside(folder_, Manifest(), "K1", catalogue));
+    Manifest nothing;
+    Sheet sheet(context_, camera, Beside(folder_, nothing, "K1", catalogue));
     sheet.Draw(catalogue, ReadFileSizes(stop_, camera, catalogue),
                [this](const Card& card) { cards_.push_back(card); });
     list_ = sheet.TakeList().Text();

@@ -120,7 +120,8 @@ ExitCode RunSheet(Context& context, const std::string& path) {
   SheetFile file(folder);
   Page page;
   file.Add(page.Start(FactsOf(camera.Facts(), catalogue)));
-  Sheet sheet(context, *camera, {folder, ManifestOf(context, folder), camera.Facts().serial, catalogue});
+  Manifest manifest = ManifestOf(context, folder);
+  Sheet sheet(context, *camera, {folder, manifest, camera.Facts().serial, catalogue});
   sheet.Draw(catalogue, sizes, [&](const Card& card) { file.Add(page.Picture(card)); });
   file.Add(page.End(Made()));
   context.stop.Check();
