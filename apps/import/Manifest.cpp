@@ -117,7 +117,7 @@ Manifest::Manifest(const TargetFolder& folder, bool make, std::chrono::milliseco
     Open("/proc/self/fd/" + std::to_string(folder.Fd()) + "/" + name,
          make ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY, patience);
     if (make) LimitToWriters(folder, name);
-    CheckVersion();
+    CheckVersion(make);
   } catch (...) {
     sqlite3_close(database_);
     throw;
@@ -156,7 +156,7 @@ Manifest::Statement& Manifest::Prepared(std::unique_ptr<Statement>& statement, c
   return *statement;
 }
 
-void Manifest::CheckVersion() {
+void Manifest::CheckVersion(bool make) {
   const long long found = [this] {
     Statement version(*this, "PRAGMA user_version");
     version.Step("read");
@@ -171,7 +171,10 @@ void Manifest::CheckVersion() {
                                          " was made by another program; move it away, and files that are here are "
                                          "recognised by their content.");
   }
-  if (found == 0 && sqlite3_db_readonly(database_, "main") == 0) {
+  if (found != 0) return;
+  if (!make) {
+    sqlite3_close(std::exchange(database_, nullptr));  // without a table there is nothing to look at
+  } else if (sqlite3_db_readonly(database_, "main") == 0) {
     Transact([this] { Execute(kSchema); });
   }
 }

@@ -42,9 +42,10 @@ class Manifest {
 
   /// The empty manifest of a folder that does not exist yet.
   Manifest();
-  /// Opens the folder's manifest. A missing one is made if `make` is set, otherwise it counts as empty. Waits up to
-  /// `patience` while another program has locked it. Throws Failure when it cannot be read, or was made by a newer version
-  /// or another program. What another program left in it besides its tables (triggers, views) has no effect.
+  /// Opens the folder's manifest. A missing one, or one that a killed run left without its table, is made if `make`
+  /// is set and otherwise counts as empty. Waits up to `patience` while another program has locked it. Throws Failure
+  /// when it cannot be read, or was made by a newer version or another program. What another program left in it besides
+  /// its tables (triggers, views) has no effect.
   Manifest(const TargetFolder& folder, bool make, std::chrono::milliseconds patience = std::chrono::seconds(5));
   ~Manifest();
   Manifest(const Manifest&) = delete;
@@ -73,7 +74,7 @@ class Manifest {
   void Open(const std::string& path, int flags, std::chrono::milliseconds patience);
   void Execute(const char* sql, const std::string& doing = "write");
   void Transact(const std::function<void()>& change);
-  void CheckVersion();
+  void CheckVersion(bool make);
   void Insert(const ManifestRow& row);
   [[noreturn]] void Fail(const std::string& doing) const;
 
