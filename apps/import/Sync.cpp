@@ -148,10 +148,9 @@ void Sync::CompareKnown(const SyncItem& item) {
 
 std::vector<char> Sync::Read(const SyncItem& item) {
   const std::optional<unsigned long long> listed = listed_.SizeOf(item.CameraPath());
-  if (context_.guard != nullptr) context_.guard->Begin(TokenOf(item), ShownPath(item.CameraPath()));
+  const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
   ReadLimit limit(ShownPath(item.CameraPath()), listed, Progress::Check, progress_);
   std::vector<char> bytes = camera_.ReadFile(item.Picture(), item.Type(), ReadLimit::Check, &limit, true);
-  if (context_.guard != nullptr) context_.guard->End();
   CheckSize(item, bytes.size());
   readBytes_ += bytes.size();
   return bytes;

@@ -73,5 +73,16 @@ TEST_F(SyncWorkersDeathTest, AnAbortDuringADeletionIsNotBlamedOnTheFileReadLast)
   EXPECT_EXIT(RunInWorkers({Picture(1)}, kVerifyAndDelete), ExitedWithCode(1), "^aborted$");
 }
 
+TEST_F(SyncWorkersDeathTest, AnAbortAfterAReadThatFailedIsNotBlamedOnThatFile) {
+  camera_.onRead = [](const std::string& path) {
+    if (path.ends_with("IMG_0002.JPG")) throw CameraError("no such file");
+  };
+  camera_.onDelete = [this](const std::string&) {
+    std::cerr << camera_.reads << " read" << std::flush;
+    std::abort();
+  };
+  EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}, kVerifyAndDelete), ExitedWithCode(1), "^3 readaborted$");
+}
+
 }  // namespace
 }  // namespace apps
