@@ -174,12 +174,12 @@ def swap(source):
 
 
 # Values for which {} is another name, or that another operator takes.
-NOTHING = ("true", "false", "{}", "0", "nullptr", "std::nullopt", "kIOReturnSuccess", "Done()", "*this")
+NOTHING = ("true", "false", "{}", "0", '""', "nullptr", "std::nullopt", "kIOReturnSuccess", "Done()", "*this")
 
 
 def ret(source):
     for start, end in source.statements():
-        value = source.code[start + 7:end - 1].strip()
+        value = source.text[start + 7:end - 1].strip()
         if source.code[start:start + 7] == "return " and value not in NOTHING:
             yield Fault("ret", source.line(start), start, end, "return {};")
 
