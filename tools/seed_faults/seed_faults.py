@@ -145,14 +145,27 @@ class Judge:
 
 
 def read_equivalents(root, file):
-    """Keyed by what the fault does; one whose source has changed is an error, so that the list stays true."""
-    found = {}
+    """The reasons, keyed by what the fault does, and a complaint for each entry whose fault its source no longer offers."""
+    found, complaints, offered = {}, [], {}
     for entry in tomllib.loads(file.read_text(encoding="utf-8")).get("equivalent", []):
-        lines = one_line((root / entry["file"]).read_text(encoding="utf-8"))
-        if entry["was"] not in lines:
-            raise SystemExit(f"{file.name}: {entry['file']} no longer has: {entry['was']}")
-        found[entry["file"], entry["operator"], entry["was"], entry["is"], entry.get("behind", "")] = entry["reason"]
-    return found
+        name, behind = entry["file"], entry.get("behind", "")
+        if name not in offered:
+            offered[name] = offers(root, root / name)
+        if (entry["operator"], entry["was"], entry["is"], behind) in offered[name]:
+            found[name, entry["operator"], entry["was"], entry["is"], behind] = entry["reason"]
+        else:
+            after = f" behind: {behind}" if behind else ""
+            complaints.append(f"{file.name}: {name} no longer offers [{entry['operator']}] of: {entry['was']}{after}")
+    return found, complaints
+
+
+def offers(root, path):
+    """Every fault of a source as an entry names it, with the line behind which it stands and without; none of a missing one."""
+    if not path.is_file():
+        return set()
+    text = path.read_text(encoding="utf-8")
+    seeded = [Seeded(root, path, text, fault) for fault in operators.faults(text)]
+    return {(each.fault.operator, each.was, each.made, behind) for each in seeded for behind in (each.behind, "")}
 
 
 def round_of(judge, room, faults, say):
@@ -183,7 +196,8 @@ def row(name, counts):
 def arguments():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("rooms", nargs="*", help="rooms of the list, for example darwin/sg; all when none is named")
-    parser.add_argument("--build", required=True, help="a built folder, made by Ninja")
+    parser.add_argument("--build", help="a built folder, made by Ninja")
+    parser.add_argument("--check", action="store_true", help="only looks whether the list of equivalents is true; needs no build")
     parser.add_argument("--seed", help="a number or a word; a new one when not given")
     parser.add_argument("--faults", type=int, default=30, help="for each room; 0 for every fault there is (30)")
     parser.add_argument("--operators", default="", help="commas between: these alone")
@@ -194,7 +208,10 @@ def arguments():
     parser.add_argument("--root", type=pathlib.Path, default=HERE.parent.parent, help="the repository")
     parser.add_argument("--table", type=pathlib.Path, default=HERE / "rooms.toml", help="the rooms and their tests")
     parser.add_argument("--equivalents", type=pathlib.Path, default=HERE / "equivalents.toml", help="faults that change nothing")
-    return parser.parse_args()
+    given = parser.parse_args()
+    if not (given.build or given.check):
+        parser.error("--build is missing")
+    return given
 
 
 def rooms_of(given):
@@ -214,10 +231,14 @@ def kinds_of(given, threads):
 
 def main():
     given = arguments()
+    equivalents, complaints = read_equivalents(given.root.resolve(), given.equivalents)
+    print("".join(f"{complaint}\n" for complaint in complaints), end="", flush=True)
+    if given.check:
+        sys.exit(1 if complaints else 0)
     seed = given.seed or str(random.SystemRandom().randrange(10**6))
     with tempfile.TemporaryDirectory(prefix="seeded-") as folder:
         shop = workshop.Workshop(given.build, given.scratch or folder)
-        judge = Judge(shop, read_equivalents(given.root.resolve(), given.equivalents))
+        judge = Judge(shop, equivalents)
         kinds = kinds_of(given, shop.threads)
         print(f"seed {seed}, {given.faults or 'all'} faults a room: {' '.join(kinds)}", flush=True)
         rows, enough = [], True

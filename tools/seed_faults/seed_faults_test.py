@@ -56,6 +56,11 @@ class Operators(unittest.TestCase):
     def test_a_number_with_separators_is_one_number(self):
         self.assertEqual(faults("f(1'000'000);", "const"), ["f((1'000'000+1));"])
 
+    def test_another_name_for_nothing_is_no_fault_of_a_returned_value(self):
+        for value in ('""', "{}", "0", "nullptr"):
+            self.assertEqual(faults(f"return {value};", "ret"), [], value)
+        self.assertEqual(faults('return "a";', "ret"), ["return {};"])
+
     def test_lines_that_guard_data_are_known_by_their_words(self):
         for line in ("file.reset();", "if (::fsync(x) != 0) {", "folder.Sync();", "IOObjectRelease(x);", "const std::lock_guard l(m);"):
             self.assertTrue(operators.guards_data(line), line)
@@ -114,6 +119,18 @@ class Rounds(unittest.TestCase):
         code, output = self.run_rounds("--faults", "0", "--operators", "minmax", "lax", equivalents=entry)
         self.assertIn("room/Locks.cpp:10 [minmax] equivalent: nobody asks", output)
         self.assertEqual(code, 0)
+
+    def test_an_entry_whose_fault_is_gone_is_one_complaint_and_the_round_goes_on(self):
+        entry = ('[[equivalent]]\nfile = "room/Locks.cpp"\noperator = "minmax"\nwas = "return std::min(before, second);"\n'
+                 'is = "return std::max(before, second);"\nreason = "nobody asks"\n')
+        gone = entry.replace("Locks", "Gone").replace("before", "first")
+        code, output = self.run_rounds("--faults", "0", "--operators", "minmax", "strict", equivalents=entry + gone)
+        self.assertEqual(output.splitlines()[:2], [
+            "equivalents.toml: room/Locks.cpp no longer offers [minmax] of: return std::min(before, second);",
+            "equivalents.toml: room/Gone.cpp no longer offers [minmax] of: return std::min(first, second);"])
+        self.assertIn("room/Locks.cpp:10 [minmax] caught", output)
+        self.assertEqual(code, 0)
+        self.assertEqual(self.run_rounds("--check", equivalents=entry)[0], 1)
 
     def test_a_seed_gives_the_same_faults_again_and_another_gives_others(self):
         lists = [self.run_rounds("--list", "--faults", "6", "--seed", seed, "lax")[1].partition("\n")[2] for seed in ("7", "7", "8")]
