@@ -219,6 +219,18 @@ TEST_F(CameraTrackerTest, ALatePermissionIsRetriedWhenItsTimeHasCome) {
   EXPECT_THAT(machine_.Published(), ElementsAre("A"));
 }
 
+TEST_F(CameraTrackerTest, OfTwoCamerasThatWaitTheOneThatIsDueFirstSaysWhen) {
+  tracker_.Start();
+  machine_.unusable = {"/dev/sg0", "/dev/sg1"};
+  machine_.Plug(Camera("A", "/devices/1/sg0"));
+  tracker_.Dispatch();
+  EXPECT_EQ(tracker_.TimeoutMs(), 200);
+  machine_.now += 80;
+  machine_.Plug(Camera("B", "/devices/2/sg1"));
+  tracker_.Dispatch();
+  EXPECT_EQ(tracker_.TimeoutMs(), 120);
+}
+
 TEST_F(CameraTrackerTest, APermissionThatNeverComesIsGivenUpSaidOnceAndNoLongerPolled) {
   tracker_.Start();
   machine_.Plug(Camera("A"));
