@@ -9,14 +9,13 @@
 
 #include "Command.h"
 #include "TransferReport.h"
+#include "TransferSizes.h"
 
 namespace kelva {
 namespace {
 
-/// Names the members that Camera keeps for its derived classes. A pointer to a member reads them in any camera.
+/// Names a member that Camera keeps for its derived classes. A pointer to a member reads it in any camera.
 struct Members : Camera {
-  static int ChunkSizeOf(const Camera& camera) { return camera.*(&Members::chunkSize_); }
-  static int ProgressIntervalOf(const Camera& camera) { return camera.*(&Members::progressInterval_); }
   static bool HexDumpOf(const Camera& camera) { return camera.*(&Members::hexDump_); }
 };
 
@@ -28,7 +27,7 @@ std::span<const char> Moved(const char* buffer, int count, int capacity) {
 class TracedCamera final : public Camera {
  public:
   TracedCamera(boost::shared_ptr<Camera> camera, TraceFunctions functions)
-      : Camera(Members::ChunkSizeOf(*camera), Members::ProgressIntervalOf(*camera)),
+      : Camera(TransferSizes::ChunkSize(*camera), TransferSizes::ProgressInterval(*camera)),
         camera_(std::move(camera)),
         functions_(std::move(functions)) {
     hexDump_ = Members::HexDumpOf(*camera_);
