@@ -1,4 +1,5 @@
-"""What the tool costs as a whole process: sync beside its two halves, a cold start of list, the end by Ctrl-C.
+"""What the tool costs as a whole process: sync beside its two halves and with a trace, a cold start of list, the
+end by Ctrl-C.
 
 Usage: tool.py BUILD FOLDER, the build folder with bin and bench-aid, and a folder on the disk to measure. Exits with 1
 when a limit is missed.
@@ -24,6 +25,8 @@ SYNC_LIMIT = 0.9
 # The catalogue has 128 bytes for each picture; it comes in one piece that grows by doubling and is decoded into another. A
 # short run may also not fill the 4 MB that are on their way to the disk.
 GROWTH_LIMIT_KB = 8 * 1024
+TRACE_ROUNDS = 41
+TRACE_LIMIT = 1.03
 STARTS = 300
 START_LIMIT_MS = 10
 START_LIMIT_KB = 6 * 1024
@@ -58,15 +61,15 @@ class Tool:
         self.vcam("plug", "--serial", serial, "--storage", drive)
 
     def timed(self, *command, runs=1, start="warm", **environment):
-        """(seconds, largest resident kilobytes) of each run."""
+        """(seconds, largest resident kilobytes, processor's seconds) of each run."""
         words = [self.build / "bench-aid/bench-timed", str(runs), start, *command]
         results = []
         for text in subprocess.check_output(words, text=True, stderr=subprocess.DEVNULL,
                                             env={**os.environ, **environment}).splitlines():
-            nanoseconds, kilobytes, status = map(int, text.split())
+            nanoseconds, kilobytes, microseconds, status = map(int, text.split())
             if status != 0:
                 sys.exit(f"tool: {' '.join(map(str, command))} ended with status {status}")
-            results.append((nanoseconds / 1e9, kilobytes))
+            results.append((nanoseconds / 1e9, kilobytes, microseconds / 1e6))
         return results
 
     def fresh(self):
@@ -86,9 +89,9 @@ class Tool:
     def sync(self, serial):
         return self.timed(*self.kelva("sync", "--quiet", "-s", serial, self.fresh()))[0]
 
-    def sync_without_flushing(self, serial):
+    def sync_without_flushing(self, serial, *words):
         preload = str(self.build / "bench-aid/bench-no-flush.so")
-        result = self.timed(*self.kelva("sync", "--quiet", "-s", serial, self.fresh()), LD_PRELOAD=preload)[0]
+        result = self.timed(*self.kelva("sync", "--quiet", "-s", serial, self.fresh(), *words), LD_PRELOAD=preload)[0]
         os.sync()  # the next one finds the disk at rest
         return result
 
@@ -124,6 +127,22 @@ def measure_sync(tool):
     return kept, statistics.median(result[1] for result in results["sync"])
 
 
+def measure_trace(tool):
+    """A sync with a trace beside the same sync without one, in turns. Without flushing, so that the disk has no say."""
+    seconds = {"with": [], "without": []}
+    for turn in range(TRACE_ROUNDS):
+        traced = ("--trace", str(tool.folder / f"trace{turn}"))
+        for name, words in random.sample([("with", traced), ("without", ())], 2):
+            seconds[name].append(tool.sync_without_flushing("FEW", *words)[2])
+    with_trace, without = (statistics.median(seconds[name]) for name in ("with", "without"))
+    # Of neighbours, since other work on the machine slows both of a pair alike.
+    ratio = statistics.median(one / other for one, other in zip(seconds["with"], seconds["without"]))
+    size = (tool.folder / "trace0").stat().st_size
+    print(f"A sync of {FEW:,} pictures takes {without * 1000:.0f} ms of the processor, with a trace {with_trace * 1000:.0f} ms; the trace "
+          f"has {size / 1000:.0f} kB")
+    return line(f"sync of {FEW:,} pictures: processor time with a trace against without", ratio, "at most", TRACE_LIMIT)
+
+
 def measure_memory(tool, many):
     few = statistics.median(tool.sync("FEW")[1] for _ in range(ROUNDS))
     print(f"Largest resident memory of sync: {few:.0f} kB for {FEW:,} pictures, {many:.0f} kB for {PICTURES:,}")
@@ -147,6 +166,7 @@ def main():
         try:
             kept, many = measure_sync(tool)
             kept &= measure_memory(tool, many)
+            kept &= measure_trace(tool)
             kept &= measure_start(tool)
             longest = max(tool.interrupt() for _ in range(INTERRUPTS))
             kept &= line("Ctrl-C to the end of a command that hangs: longest, s", longest, "at most", INTERRUPT_LIMIT_S)

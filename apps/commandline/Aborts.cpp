@@ -33,8 +33,10 @@ struct LastText {
 LastText lastWord;
 LastText lastResult;
 int resultDescriptor = -1;
+void (*firstAction)() noexcept = nullptr;
 
 extern "C" void OnAbort(int) {
+  if (firstAction != nullptr) firstAction();
   RemoveScratchFiles();
   // Another process takes over and will give the result.
   if (Guard::NoteAbort()) ::_exit(static_cast<int>(ExitCode::kFailed));
@@ -53,6 +55,10 @@ void CatchAborts(const std::string& word, const std::string& result, int resultF
   action.sa_handler = OnAbort;
   sigfillset(&action.sa_mask);
   ::sigaction(SIGABRT, &action, nullptr);
+}
+
+void AtAbort(void (*action)() noexcept) {
+  firstAction = action;
 }
 
 }  // namespace apps

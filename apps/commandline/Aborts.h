@@ -10,6 +10,9 @@ namespace apps {
 /// status 1. The texts are copied now.
 void CatchAborts(const std::string& lastWord, const std::string& lastResult, int resultFd);
 
+/// What is to be done first at an abort; replaces what was set before. It may only do what a signal handler may do.
+void AtAbort(void (*action)() noexcept);
+
 }  // namespace apps
 
 #endif  // KELVA_APPS_COMMANDLINE_ABORTS_H_

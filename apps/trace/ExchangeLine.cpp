@@ -43,7 +43,18 @@ class Line {
     text_ += word;
     text_ += '"';
   }
-  void Hex(std::string_view name, std::string_view bytes) { Word(name, base::Hex(bytes)); }
+  void Hex(std::string_view name, std::string_view bytes) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    Name(name);
+    const std::size_t at = text_.size();
+    text_.resize(at + 2 * bytes.size() + 2, '"');
+    char* digit = text_.data() + at + 1;
+    for (const char c : bytes) {
+      const auto byte = static_cast<std::uint8_t>(c);
+      *digit++ = kDigits.data()[byte >> 4];
+      *digit++ = kDigits.data()[byte & 0x0F];
+    }
+  }
   /// Any text.
   void Text(std::string_view name, std::string_view text) {
     Name(name);

@@ -70,6 +70,7 @@ Trace::Trace(const Wanted& wanted, const Program& program, std::string_view comm
   header.Set("program", program.name).Set("version", program.version).Set("system", System());
   header.Set("process", ::getpid()).Set("command", command).Set("time", UtcNow()).Set("stand_ins", standIns_);
   file_.Add(header.Text() + "\n");
+  file_.Flush();  // before any fork, whose processes would each write it
   const std::scoped_lock lock(All().mutex);
   All().traces.push_back(this);
 }
@@ -96,6 +97,7 @@ boost::shared_ptr<Camera> Trace::Around(boost::shared_ptr<Camera> camera, const 
   line.SetBytes("vendor", device.vendor).SetBytes("product", device.product);
   line.SetBytes("revision", device.revision).SetBytes("driver", device.driver);
   file_.Add(line.Text() + "\n");
+  file_.Flush();
 
   const auto since = [this](Clock::time_point when) {
     return std::chrono::duration_cast<std::chrono::microseconds>(when - start_);
@@ -122,6 +124,7 @@ void Trace::NameOpen() {
   for (const auto& observed : observed_) {
     if (observed->open) file_.Add(UnfinishedLine(observed->Place(), *observed->open, observed->disclosure));
   }
+  file_.Flush();
 }
 
 }  // namespace apps

@@ -44,8 +44,9 @@ class Trace {
   /// In every trace of this process: names the commands that have begun and not ended. For a program that ends without
   /// waiting for them.
   static void CutOff();
-  /// See TraceFile.
-  std::string Contents(std::size_t most) const { return file_.Contents(most); }
+  /// Both as in TraceFile.
+  void Flush() noexcept { file_.Flush(); }
+  std::string Contents(std::size_t most) { return file_.Contents(most); }
 
  private:
   struct Observed;

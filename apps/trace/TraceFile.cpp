@@ -6,16 +6,24 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
+#include "apps/commandline/Aborts.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "base/SendAll.h"
 
 namespace apps {
 namespace {
+
+constexpr std::size_t kMostPending = 16384;
+constexpr std::chrono::milliseconds kLongestPending(100);
+
+// The traces of this process that an abort finds; a program has one, and a survey one more.
+std::array<std::atomic<TraceFile*>, 4> openTraces;
 
 Failure Refusal(const std::string& path, const std::string& why) {
   return {ExitCode::kFailed, "There is a " + Printable(path) + " already, and " + why +
@@ -49,11 +57,51 @@ TraceFile::TraceFile(const std::string& path, std::function<void(const std::stri
   if (!file_ && errno == ELOOP) throw Refusal(path, "it is a symbolic link");
   if (!file_) throw SystemFailure("write the trace " + Printable(path), errno);
   MakeSureItIsOurs(file_.Get(), path);
+  for (std::atomic<TraceFile*>& place : openTraces) {
+    TraceFile* none = nullptr;
+    if (place.compare_exchange_strong(none, this)) break;
+  }
+  AtAbort(FlushAllAtAbort);
+}
+
+TraceFile::~TraceFile() {
+  Flush();
+  for (std::atomic<TraceFile*>& place : openTraces) {
+    TraceFile* self = this;
+    if (place.compare_exchange_strong(self, nullptr)) return;
+  }
 }
 
 void TraceFile::Add(std::string_view line) noexcept {
+  const std::scoped_lock lock(mutex_);
   if (failed_) return;
-  if (const int error = base::WriteAll(file_.Get(), line); error != 0 && !failed_.exchange(true)) Complain(error);
+  pending_ += line;
+  if (pending_.size() < kMostPending && std::chrono::steady_clock::now() - written_ < kLongestPending) return;
+  Write();
+}
+
+void TraceFile::Flush() noexcept {
+  const std::scoped_lock lock(mutex_);
+  Write();
+}
+
+void TraceFile::Write() noexcept {
+  const int error = base::WriteAll(file_.Get(), pending_);
+  pending_.clear();
+  written_ = std::chrono::steady_clock::now();
+  if (error == 0 || std::exchange(failed_, true)) return;
+  Complain(error);
+}
+
+void TraceFile::FlushAllAtAbort() noexcept {
+  for (const std::atomic<TraceFile*>& place : openTraces) {
+    TraceFile* file = place;
+    // Held by another thread, which may have ended in the middle: then its lines are lost.
+    if (file == nullptr || !file->mutex_.try_lock()) continue;
+    base::WriteAll(file->file_.Get(), file->pending_);
+    file->pending_.clear();
+    file->mutex_.unlock();
+  }
 }
 
 void TraceFile::Complain(int error) noexcept {
@@ -65,7 +113,8 @@ void TraceFile::Complain(int error) noexcept {
   }
 }
 
-std::string TraceFile::Contents(std::size_t most) const {
+std::string TraceFile::Contents(std::size_t most) {
+  Flush();
   struct stat status {};
   if (::fstat(file_.Get(), &status) != 0 || status.st_size <= 0) return "";
   const auto size = static_cast<std::size_t>(status.st_size);

@@ -1,8 +1,9 @@
 #ifndef KELVA_APPS_TRACE_TRACE_FILE_H_
 #define KELVA_APPS_TRACE_TRACE_FILE_H_
 
-#include <atomic>
+#include <chrono>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -21,18 +22,31 @@ class TraceFile {
   /// that writes, when a line cannot be written; the rest of the trace is then left out.
   TraceFile(const std::string& path, std::function<void(const std::string& sentence)> complain);
 
-  /// Adds one line at once, which is whole even when several processes add to the file. Any thread.
+  ~TraceFile();
+  TraceFile(const TraceFile&) = delete;
+  TraceFile& operator=(const TraceFile&) = delete;
+
+  /// Adds one line. Lines are written in groups, since a system call for each would slow a sync down: after 16 KiB or a tenth
+  /// of a second, and before the process ends or aborts. They are whole even when several processes add to the file. Any thread.
   void Add(std::string_view line) noexcept;
+  /// Writes what is not yet written.
+  void Flush() noexcept;
+  /// For the handler of an abort: writes what is not yet written, in every trace of this process.
+  static void FlushAllAtAbort() noexcept;
   /// What the file holds, at most the last `most` bytes, from the beginning of a line. Empty when it cannot be read.
-  std::string Contents(std::size_t most) const;
+  std::string Contents(std::size_t most);
 
  private:
+  void Write() noexcept;
   void Complain(int error) noexcept;
 
   const std::string path_;
   const std::function<void(const std::string&)> complain_;
   base::FileDescriptor file_;
-  std::atomic<bool> failed_ = false;
+  std::mutex mutex_;
+  std::string pending_;
+  std::chrono::steady_clock::time_point written_{};
+  bool failed_ = false;
 };
 
 }  // namespace apps

@@ -6,11 +6,13 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <vector>
 
+#include "apps/commandline/Aborts.h"
 #include "apps/commandline/Failure.h"
 #include "base/testing/ScratchFolder.h"
 
@@ -25,6 +27,10 @@ class TraceFileTest : public testing::Test {
     return TraceFile(path_.string(), [this](const std::string& sentence) { complaints_.push_back(sentence); });
   }
   void Put(const std::string& text) const { std::ofstream(path_) << text; }
+  static void AddAndFlush(TraceFile& file, const std::string& line) {
+    file.Add(line);
+    file.Flush();
+  }
   std::string Text() const {
     std::stringstream text;
     text << std::ifstream(path_).rdbuf();
@@ -60,7 +66,7 @@ TEST_F(TraceFileTest, ATraceThatIsThereIsAddedTo) {
   Put(kHeader + "{\"event\":\"exchange\"}\n");
   ::chmod(path_.c_str(), 0644);
   TraceFile file = Open();
-  file.Add(kHeader);
+  AddAndFlush(file, kHeader);
   EXPECT_EQ(Text(), kHeader + "{\"event\":\"exchange\"}\n" + kHeader);
   EXPECT_EQ(Mode(), 0600U);
 }
@@ -109,27 +115,49 @@ TEST_F(TraceFileTest, AFolderThatIsMissingIsAFailure) {
 
 TEST_F(TraceFileTest, AFullDiskEndsTheTraceWithOneComplaint) {
   TraceFile file = Open();
-  file.Add(kHeader);
+  AddAndFlush(file, kHeader);
   const rlimit none{kHeader.size() + 4, RLIM_INFINITY};
   rlimit before{};
   ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
   const auto handler = std::signal(SIGXFSZ, SIG_IGN);
   ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &none), 0);
-  file.Add("a line that does not fit\n");
-  file.Add("x\n");
+  AddAndFlush(file, "a line that does not fit\n");
+  AddAndFlush(file, "x\n");
   ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
   std::signal(SIGXFSZ, handler);
   ASSERT_EQ(complaints_.size(), 1U);
   EXPECT_NE(complaints_[0].find("ends early, because it cannot be written"), std::string::npos) << complaints_[0];
-  file.Add("and nothing follows\n");
+  AddAndFlush(file, "and nothing follows\n");
   EXPECT_EQ(Text(), kHeader + "a li");
+}
+
+TEST_F(TraceFileTest, LinesAreWrittenInGroups) {
+  TraceFile file = Open();
+  AddAndFlush(file, kHeader);
+  file.Add("first\n");
+  EXPECT_EQ(Text(), kHeader);
+  const std::string rest(16384, 'x');
+  file.Add(rest);
+  EXPECT_EQ(Text(), kHeader + "first\n" + rest);
+}
+
+TEST_F(TraceFileTest, AnAbortLosesNoLine) {
+  const auto abort = [this] {
+    TraceFile file = Open();
+    AddAndFlush(file, kHeader);
+    file.Add("the last line\n");
+    CatchAborts("", "", -1);
+    std::abort();
+  };
+  EXPECT_EXIT(abort(), testing::ExitedWithCode(1), "");
+  EXPECT_EQ(Text(), kHeader + "the last line\n");
 }
 
 TEST_F(TraceFileTest, ContentsAreReadBackFromTheBeginningOfALine) {
   TraceFile file = Open();
   EXPECT_EQ(file.Contents(100), "");
-  file.Add("first\n");
-  file.Add("second\n");
+  AddAndFlush(file, "first\n");
+  AddAndFlush(file, "second\n");
   EXPECT_EQ(file.Contents(100), "first\nsecond\n");
   EXPECT_EQ(file.Contents(13), "first\nsecond\n");
   EXPECT_EQ(file.Contents(9), "second\n");

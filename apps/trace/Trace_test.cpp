@@ -25,6 +25,7 @@ class TraceTest : public testing::Test {
     return Trace({path_, standIns}, kProgram, "sync", [](const std::string& sentence) { ADD_FAILURE() << sentence; });
   }
   std::vector<std::string> Lines() const {
+    TraceFile::FlushAllAtAbort();
     std::vector<std::string> lines;
     std::ifstream file(path_);
     for (std::string line; std::getline(file, line);) lines.push_back(line);

@@ -20,6 +20,7 @@ class TraceOfACamera : public StackTest {
 
   /// The lines of a file, with what differs between two runs taken out.
   static std::vector<std::string> Lines(const std::filesystem::path& path) {
+    apps::TraceFile::FlushAllAtAbort();
     static const std::regex differs(R"re("(version|system|time)":"[^"]*"|"(process|at_us|us)":\d+)re");
     std::vector<std::string> lines;
     std::ifstream file(path);
