@@ -115,8 +115,10 @@ Manifest::Manifest(const TargetFolder& folder, bool make, std::chrono::milliseco
   try {
     // Opened through the folder's descriptor, so that nobody can put another folder in its place meanwhile.
     Open("/proc/self/fd/" + std::to_string(folder.Fd()) + "/" + name,
-         make ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY, patience);
+         SQLITE_OPEN_READWRITE | (make ? SQLITE_OPEN_CREATE : 0), patience);
     if (make) LimitToWriters(folder, name);
+    // A look may write where it can, to take back what a killed run half wrote: without that nothing can be read.
+    if (!make) Execute("PRAGMA query_only=ON", "open");
     CheckVersion(make);
   } catch (...) {
     sqlite3_close(database_);

@@ -45,7 +45,8 @@ class Manifest {
   /// Opens the folder's manifest. A missing one, or one that a killed run left without its table, is made if `make`
   /// is set and otherwise counts as empty. Waits up to `patience` while another program has locked it. Throws Failure
   /// when it cannot be read, or was made by a newer version or another program. What another program left in it besides
-  /// its tables (triggers, views) has no effect.
+  /// its tables (triggers, views) has no effect. Without `make` nothing is written, except that what a killed run wrote
+  /// half is taken back.
   Manifest(const TargetFolder& folder, bool make, std::chrono::milliseconds patience = std::chrono::seconds(5));
   ~Manifest();
   Manifest(const Manifest&) = delete;

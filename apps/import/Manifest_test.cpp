@@ -303,6 +303,22 @@ TEST_F(ManifestTest, AnEmptyFileOfTheNameIsAListOfNothingForALook) {
   EXPECT_EQ(fs::file_size(path_ / Manifest::kName), 0U);
 }
 
+TEST_F(ManifestTest, ALookTakesBackWhatAKilledRunHalfWrote) {
+  Manifest(*folder_, true).Record({Row("K1", 1)});
+  const auto writing = Elsewhere(
+      "PRAGMA cache_size=2; BEGIN; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<2000) "
+      "INSERT INTO files SELECT 'K2', '00ff', i, 'print', 'path', 'sum', 1, 1, 0, 'now' FROM n");
+  const fs::path killed = path_ / "killed";  // the disk in the middle of the change
+  fs::create_directory(killed);
+  for (const std::string end : {"", "-journal"}) {
+    fs::copy_file(path_ / (std::string(Manifest::kName) + end), killed / (std::string(Manifest::kName) + end));
+  }
+  const TargetFolder folder = TargetFolder::Open(killed);
+  Manifest look(folder, false);
+  EXPECT_TRUE(look.Find(Row("K1", 1).key).has_value());
+  EXPECT_FALSE(look.Find(Row("K2", 1).key).has_value());
+}
+
 TEST_F(ManifestTest, OneRowCanBeMarkedAfterAnother) {
   Manifest manifest(*folder_, true);
   manifest.Record({Row("K1", 1), Row("K1", 2), Row("K1", 3)});
