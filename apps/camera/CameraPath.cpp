@@ -50,7 +50,7 @@ bool TakeEscape(std::string_view& text, std::string& out) {
   std::string bytes;
   std::size_t length = 4;
   if (text.starts_with("\\x") && text.size() >= length) {
-    if (const auto value = HexNumber(text.substr(2, 2))) bytes = static_cast<char>(*value);
+    if (const auto value = HexNumber(text.substr(2, 2)); value && *value != 0) bytes = static_cast<char>(*value);
   } else if (text.starts_with("\\u{") && text.find('}') != std::string_view::npos) {
     length = text.find('}') + 1;
     if (const auto value = HexNumber(text.substr(3, length - 4)); value && *value >= 0x80) AppendUtf8(bytes, *value);

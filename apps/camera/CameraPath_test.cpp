@@ -48,6 +48,7 @@ TEST(CameraPathTest, ABackslashThatIsNoEscapeSeparates) {
   EXPECT_EQ(ToCameraPath("I:\\DCIM\\xff"), "I:\\DCIM\\xff") << "no forward slash";
   EXPECT_EQ(ToCameraPath("I:/DCIM\\x1"), "I:\\DCIM\\x1");
   EXPECT_EQ(ToCameraPath("I:/\\u{110000}"), "I:\\\\u{110000}");
+  EXPECT_EQ(ToCameraPath("I:/A.JPG\\x00b"), "I:\\A.JPG\\x00b") << "no name has a NUL; the camera would read I:\\A.JPG";
   EXPECT_EQ(ToCameraPath("I:/\\u{}"), "I:\\\\u{}");
 }
 

@@ -17,6 +17,7 @@ namespace {
 struct Wanted {
   std::string folder;  ///< empty for any
   std::string stem;
+  std::string extension;  ///< empty for any
 };
 
 Wanted Understand(std::string name) {
@@ -29,7 +30,8 @@ Wanted Understand(std::string name) {
     name = name.substr(slash + 1);
   }
   const std::size_t dot = name.rfind('.');
-  wanted.stem = dot == std::string::npos ? name : name.substr(0, dot);
+  wanted.stem = name.substr(0, dot);
+  if (dot != std::string::npos) wanted.extension = name.substr(dot + 1);
   return wanted;
 }
 
@@ -37,11 +39,19 @@ bool Matches(const std::string& pattern, const std::string& name) {
   return SameName(pattern, name) || MatchesName(pattern, name);
 }
 
+// Whether the picture has such a file: "*.MP4" means no picture, and "*.RAW" none that is a JPG alone.
+bool HasType(const DcfObj& picture, const std::string& extension) {
+  const std::vector<int> types = FileTypes(picture);
+  return extension.empty() || std::any_of(types.begin(), types.end(), [&](int type) {
+           return Matches(extension, std::string(FileTypeName(type)));
+         });
+}
+
 std::vector<DcfObj> AllMeant(const std::vector<DcfObj>& catalogue, const std::string& name) {
   const Wanted wanted = Understand(name);
   std::vector<DcfObj> meant;
   for (const DcfObj& picture : catalogue) {
-    if (!Matches(wanted.stem, PictureStem(picture))) continue;
+    if (!Matches(wanted.stem, PictureStem(picture)) || !HasType(picture, wanted.extension)) continue;
     if (wanted.folder.empty() || Matches(wanted.folder, PictureFolder(picture))) meant.push_back(picture);
   }
   if (!meant.empty()) return meant;

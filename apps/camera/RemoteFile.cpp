@@ -73,7 +73,9 @@ void RemoteFile::Read(const std::function<void(std::span<const char>)>& take) {
   for (std::size_t count = piece.size(); count == piece.size();) {
     progress.At(reader_->Position());
     count = reader_->ReadOn(piece);
+    context_.reporter.AwaitCamera(false);
     take(std::span(piece).first(count));
+    context_.reporter.AwaitCamera(true);
   }
 }
 

@@ -174,7 +174,9 @@ void Progress::Clear() {
 }
 
 void Progress::Check(void* progress, float) {
-  static_cast<Progress*>(progress)->stop_.Check();
+  auto& self = *static_cast<Progress*>(progress);
+  self.stop_.Check();
+  self.reporter_.HearCamera();
 }
 
 void Progress::Callback(void* progress, float fraction) {

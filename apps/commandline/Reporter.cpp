@@ -82,11 +82,19 @@ void Reporter::Overwrite(std::string_view line) {
 
 void Reporter::Tick(std::chrono::steady_clock::time_point now) {
   constexpr auto kPatience = 5s;
-  const std::scoped_lock lock(mutex_);
-  if (!lineShown_ || !cameraAwaited_ || now - lastSign_ < kPatience) return;
+  // This thread also looks at signals and the time-out, so it waits neither for another thread nor for a blocked terminal.
+  const std::unique_lock lock(mutex_, std::try_to_lock);
+  if (!lock || !lineShown_ || !cameraAwaited_ || now - lastSign_ < kPatience) return;
+  pollfd ready{fd_, POLLOUT, 0};
+  if (::poll(&ready, 1, 0) != 1) return;
   const auto silent = std::chrono::duration_cast<std::chrono::seconds>(now - lastSign_).count();
   Write("No answer from the camera for " + std::to_string(silent) + " s; check the cable. Ctrl-C stops.");
   lineShown_ = true;
+}
+
+void Reporter::HearCamera() {
+  const std::scoped_lock lock(mutex_);
+  lastSign_ = std::chrono::steady_clock::now();
 }
 
 void Reporter::AwaitCamera(bool awaited) {

@@ -44,6 +44,8 @@ class Reporter {
   /// Called about once a second by a thread that does not wait for the camera. Says in place of a line that has stood
   /// for five seconds that the camera does not answer.
   void Tick(std::chrono::steady_clock::time_point now);
+  /// The camera has sent something, and no new line was shown for it.
+  void HearCamera();
   /// False while the work waits for something else than the camera, such as the disk: Tick then says nothing.
   void AwaitCamera(bool awaited);
   /// Gives an event in JSON style, unless quiet; does nothing in the other styles.

@@ -211,6 +211,7 @@ std::optional<Outcome> Sync::DeleteVerified() {
 }
 
 void Sync::DeleteOne(const SyncItem& item, Deletions& deletions) {
+  context_.reporter.HearCamera();
   const std::string why = deletions.Delete(item);
   if (!why.empty()) return Fail(item, why);
   ++totals_.deleted;

@@ -1,5 +1,6 @@
 // The verbs pictures and pictures rm.
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -85,7 +86,11 @@ ExitCode RunPicturesRm(Context& context) {
   const Session camera(context, "read the picture catalogue");
   const std::vector<DcfObj> catalogue = ReadPictures(*camera);
   std::vector<Meaning> meanings;
-  for (const std::string& word : context.call.words) meanings.push_back(MeaningOf(catalogue, word));
+  std::set<std::string> named;
+  for (const std::string& word : context.call.words) {
+    Meaning& meaning = meanings.emplace_back(MeaningOf(catalogue, word));
+    std::erase_if(meaning.pictures, [&](const DcfObj& picture) { return !named.insert(PictureName(picture)).second; });
+  }
   const bool dry = context.call.Has("dry-run");
   if (!dry) AskAboutPictures(context, meanings);
   Each each(context, "pictures");

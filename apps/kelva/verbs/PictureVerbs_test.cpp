@@ -21,6 +21,11 @@ TEST_F(PictureVerbsTest, APictureIsNamedByItsFileAndSeveralByAPattern) {
   }
   EXPECT_EQ(Run({"pictures", "rm", "-n", "img_00*"}).out, "100ABCDE/IMG_0001  JPG\n100ABCDE/IMG_0002  JPG\n");
   EXPECT_TRUE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
+  EXPECT_EQ(Run({"pictures", "rm", "*.MP4"}).code, ExitCode::kFailed) << "no picture has such a file";
+  EXPECT_EQ(Run({"pictures", "rm", "-n", "*.RAW"}).out, "100ABCDE/IMG_0103  JPG RAW\n");
+  EXPECT_EQ(Run({"pictures", "rm", "-n", "IMG_0001.RAW"}).code, ExitCode::kFailed);
+  EXPECT_EQ(Run({"pictures", "rm", "-n", "IMG_0001", "*_0001.JPG"}).out, "100ABCDE/IMG_0001  JPG\n") << "once";
+  EXPECT_TRUE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
   EXPECT_EQ(Run({"pictures", "rm", "img_00*", "NOPE*"}).code, ExitCode::kPartial);
   EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
   EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0002.JPG"));

@@ -1,6 +1,7 @@
 // The verb sync.
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <string>
@@ -90,7 +91,10 @@ ExitCode RunSync(Context& context) {
   if (context.guard != nullptr) context.guard->Expect(before + plan.NewFiles());
   Sync sync(context, *camera, folder, manifest, options);
   const auto ended = sync.Run(plan);
-  return Finish(context, camera, sync, plan.items.size() - plan.NewFiles() - before, ended);
+  // What earlier processes of this run stored is known to this one. A process that was killed between storing and counting
+  // leaves one file in doubt.
+  const std::size_t known = plan.items.size() - plan.NewFiles();
+  return Finish(context, camera, sync, known - std::min<std::size_t>(known, before), ended);
 }
 
 constexpr Argument kArguments[] = {
