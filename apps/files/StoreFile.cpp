@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/FileCalls.h"
@@ -57,7 +59,8 @@ BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std:
                        const std::string& sha1, int first, int most)
     : folder_(folder), name_(name), number_(first), last_(first + most) {
   // Files that are there already are looked at before anything is written.
-  for (number_ = 1; number_ < first; ++number_) {
+  constexpr int kMostBefore = 100;  // a thousand files of one name must not compare each with each
+  for (number_ = std::max(1, first - kMostBefore); number_ < first; ++number_) {
     isThere_ =
         folder_.Has(Numbered(name_, number_)) && HoldsTheSame(folder_, Numbered(name_, number_), bytes.size(), sha1);
     if (isThere_) return;

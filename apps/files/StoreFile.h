@@ -31,7 +31,7 @@ struct Stored {
 /// steps, so that the disk can work on several files at once, and need not write their folder again for each.
 class BesideFile {
  public:
-  /// Writes the bytes under a temporary name, unless they are there already under a number up to `first`, or behind it
+  /// Writes the bytes under a temporary name, unless they are there already under one of the hundred numbers up to `first`, or behind it
   /// without a gap. `first` is the number to begin with, `most` how many more are tried, `sha1` the SHA-1 of the bytes; the
   /// folder outlives this object. Throws Failure.
   BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <charconv>
 #include <functional>
 
 #include "apps/camera/Picture.h"
@@ -14,14 +15,23 @@
 namespace apps {
 namespace {
 
-// As BesideFile: more files of one name are somebody's mistake.
-constexpr int kMost = 10'000;
-
 // A path without its extension: what programs pair files by.
 std::string Stem(const std::string& path) {
   const std::size_t name = path.rfind('/') + 1;
   const std::size_t dot = path.rfind('.');
   return dot == std::string::npos || dot <= name ? path : path.substr(0, dot);
+}
+
+// The number in `path`, which is `first` with a number; 0 when it is another name.
+int NumberIn(const std::string& path, const std::string& first) {
+  if (path == first) return 1;
+  const std::string start = Stem(first) + "-";
+  const std::string end = first.substr(start.size() - 1);
+  if (path.size() <= start.size() + end.size() || !path.starts_with(start) || !path.ends_with(end)) return 0;
+  const char* const last = path.data() + path.size() - end.size();
+  int number = 0;
+  const auto [stop, error] = std::from_chars(path.data() + start.size(), last, number);
+  return error == std::errc() && stop == last && number > 1 ? number : 0;
 }
 
 }  // namespace
@@ -44,31 +54,43 @@ bool Names::IsFree(const DcfObj& picture, int number, int except) const {
   return true;
 }
 
-// Whether the picture's first file is here already under this number: the folder lost its list.
-bool Names::IsTheSame(const DcfObj& picture, int number) const {
-  const auto key = PictureKey(picture);
-  if (!key || folder_ == nullptr) return false;
-  const std::string path = Path(picture, FileTypes(picture).front(), number);
-  if (!IsThere(path)) return false;
-  const base::FileDescriptor file(OpenBeneath(folder_->Fd(), path, O_RDONLY | O_NONBLOCK));
-  struct stat status {};
-  if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  return Sha1OfFile(file.Get()) == key;
+// Of the first file that is here under a number; empty when none can be read.
+std::string Names::Sha1Of(const DcfObj& picture, int number) const {
+  for (int type = kFirstFileType; type <= kLastFileType; ++type) {
+    const std::string path = Path(picture, type, number);
+    if (!IsThere(path)) continue;
+    const base::FileDescriptor file(OpenBeneath(folder_->Fd(), path, O_RDONLY | O_NONBLOCK));
+    struct stat status {};
+    if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return "";
+    return Sha1OfFile(file.Get()).value_or("");
+  }
+  return "";
+}
+
+// Looks at the disk once for all pictures that share a name: the folder may have lost its list.
+Names::Group& Names::GroupOf(const DcfObj& picture) {
+  const std::size_t name = std::hash<std::string>()(Stem(Path(picture, kFirstFileType, 1)));
+  const auto [found, isNew] = groups_.try_emplace(name);
+  Group& group = found->second;
+  if (!isNew) return group;
+  for (; !IsFree(picture, group.next, 0); ++group.next) group.here.emplace(Sha1Of(picture, group.next), group.next);
+  return group;
+}
+
+bool Names::Claim(const DcfObj& picture, int number) {
+  return taken_.insert(std::hash<std::string>()(Stem(Path(picture, kFirstFileType, number)))).second;
 }
 
 int Names::NumberFor(const DcfObj& picture, const std::string& stored, int storedType) {
-  const auto claim = [&](int number) {
-    return taken_.insert(std::hash<std::string>()(Stem(Path(picture, kFirstFileType, number)))).second;
-  };
-  for (int number = 1; !stored.empty() && number <= kMost; ++number) {
-    const std::string path = Path(picture, storedType, number);
-    if (path == stored && IsFree(picture, number, storedType) && claim(number)) return number;
-    if (!IsThere(path)) break;
+  if (!stored.empty()) {
+    const int number = NumberIn(stored, Path(picture, storedType, 1));
+    if (number != 0 && IsFree(picture, number, storedType) && Claim(picture, number)) return number;
   }
-  for (int number = 1; number <= kMost; ++number) {
-    if ((IsFree(picture, number, 0) || IsTheSame(picture, number)) && claim(number)) return number;
-  }
-  return kMost;
+  Group& group = GroupOf(picture);
+  const auto same = group.here.find(PictureKey(picture).value_or("no key"));
+  if (same != group.here.end() && Claim(picture, same->second)) return same->second;
+  while (!IsFree(picture, group.next, 0) || !Claim(picture, group.next)) ++group.next;
+  return group.next++;
 }
 
 }  // namespace apps

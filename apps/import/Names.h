@@ -1,8 +1,8 @@
 #ifndef KELVA_APPS_IMPORT_NAMES_H_
 #define KELVA_APPS_IMPORT_NAMES_H_
 
-#include <optional>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "apps/files/TargetFolder.h"
@@ -12,7 +12,8 @@
 namespace apps {
 
 /// Chooses the number in the names of a picture's files: one for all of them. Programs pair files by their names, so a
-/// RAW must never come to lie beside another picture's JPG.
+/// RAW must never come to lie beside another picture's JPG. The time for one picture does not grow with their number,
+/// however many share a name.
 class Names {
  public:
   /// `folder`: null while the target does not exist. Both outlive this.
@@ -25,15 +26,24 @@ class Names {
   int NumberFor(const DcfObj& picture, const std::string& stored = "", int storedType = 0);
 
  private:
+  /// Pictures that share a name.
+  struct Group {
+    int next = 1;                               ///< every smaller number is taken, here or by a picture
+    std::unordered_map<std::string, int> here;  ///< numbers of files that are here, by SHA-1
+  };
+
+  Group& GroupOf(const DcfObj& picture);
+  bool Claim(const DcfObj& picture, int number);
   bool IsFree(const DcfObj& picture, int number, int except) const;
-  bool IsTheSame(const DcfObj& picture, int number) const;
+  std::string Sha1Of(const DcfObj& picture, int number) const;
   bool IsThere(const std::string& path) const;
   std::string Path(const DcfObj& picture, int type, int number) const;
 
   const TargetFolder* folder_;
   const Pattern& pattern_;
   std::string serial_;
-  // Hashes, to save memory: a collision only costs an unneeded number.
+  // By hashes of names, to save memory: a collision only costs an unneeded number.
+  std::unordered_map<std::size_t, Group> groups_;
   std::unordered_set<std::size_t> taken_;
 };
 

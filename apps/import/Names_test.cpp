@@ -75,6 +75,21 @@ TEST_F(NamesTest, APictureThatIsHereWithoutAListIsRecognisedByItsKey) {
   EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2, "a9993e364706816aba3e25717850c26c9cd0d89d")), 2);
 }
 
+TEST_F(NamesTest, PicturesWithoutNumberMayShareAName) {
+  // A hostile catalogue. Counting from 1 for each would take minutes.
+  Put("IMG_0001.JPG");
+  Put("IMG_0001-3.JPG");
+  int last = 0;
+  for (int folder = 0; folder < 50'000; ++folder) last = flatNames_.NumberFor(Picture(folder, 1));
+  EXPECT_EQ(last, 50'002) << "1 and 3 are taken";
+}
+
+TEST_F(NamesTest, ANameWithANumberOfItsOwnIsNoNumberedOne) {
+  Put("IMG_0001-x.JPG");
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), "IMG_0001-x.JPG", 1), 1);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2), "IMG_0002-1.JPG", 1), 1);
+}
+
 TEST_F(NamesTest, WithoutATargetOnlyTheCatalogueCounts) {
   Names names(nullptr, flat_, "K1");
   EXPECT_EQ(names.NumberFor(Picture(100, 1)), 1);

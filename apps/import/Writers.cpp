@@ -14,8 +14,7 @@ namespace {
 
 // After these errors every other file would fail too.
 bool EndsAll(int error) {
-  return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE || error == ENODEV ||
-         error == EACCES || error == EPERM;
+  return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE || error == ENODEV;
 }
 
 }  // namespace

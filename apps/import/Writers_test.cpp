@@ -130,7 +130,7 @@ TEST_F(WritersTest, AFileThatCannotBeFlushedGetsNoNameAndTheOthersDo) {
   const SyncPlan plan = Plan({Picture(1), Picture(2), Picture(3)});
   RecordingCalls calls(path_);
   // Not one of the errors after which every other file would fail too.
-  calls.FailAt(2, EFBIG, "flush 100ABCDE/");
+  calls.FailAt(2, EACCES, "flush 100ABCDE/");
   Store(plan, "abc");
   EXPECT_TRUE(calls.HasFailed());
   EXPECT_EQ(stored_, 2);
