@@ -35,7 +35,8 @@ int RemoveLeftovers(const TargetFolder& folder) {
   for (const std::string& name : TemporaryNames(folder)) {
     // A lock that can be had shows that no process writes the file. It is held until the name is gone, so that a process
     // which has only just created the file learns of it.
-    const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_NONBLOCK));
+    // Opened for writing, because NFS locks nothing else.
+    const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDWR | O_NONBLOCK));
     if (!file || ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0) continue;
     if (::unlinkat(folder.Fd(), name.c_str(), 0) == 0) ++removed;
   }

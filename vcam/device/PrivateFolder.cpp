@@ -11,13 +11,15 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace vcam {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kStart = "kelva-vcam-view-";
+constexpr std::string_view kStart = "kelva-vcam-view-";
+constexpr std::string_view kRandom = "XXXXXX";  // what mkdtemp replaces
 
 /// The folder, locked; nothing when it is no folder of this user alone, or another process has the lock.
 base::FileDescriptor Lock(const fs::path& path) {
@@ -32,7 +34,8 @@ base::FileDescriptor Lock(const fs::path& path) {
 void RemoveLeftovers(const fs::path& below) {
   std::error_code error;
   for (fs::directory_iterator entry(below, error), end; !error && entry != end; entry.increment(error)) {
-    if (!entry->path().filename().string().starts_with(kStart)) continue;
+    const std::string name = entry->path().filename().string();
+    if (!name.starts_with(kStart) || name.size() != kStart.size() + kRandom.size()) continue;
     // Held until the folder is gone, so that a process which has only just made it learns of it.
     const base::FileDescriptor lock = Lock(entry->path());
     std::error_code refused;
@@ -60,13 +63,14 @@ PrivateFolder::~PrivateFolder() {
 }
 
 bool PrivateFolder::Make(const fs::path& below) {
-  std::string name = (below / (std::string(kStart) + "XXXXXX")).string();
+  std::string name = (below / (std::string(kStart) + std::string(kRandom))).string();
   if (::mkdtemp(name.data()) == nullptr) {
     throw std::runtime_error("Cannot make a folder for what hosts write (" + name + "): " + std::strerror(errno) +
                              "; set TMPDIR to a folder that you may write.");
   }
   path_ = name;
   lock_ = Lock(path_);
+  if (!lock_) ::rmdir(path_.c_str());  // a file system without locks would keep it for good
   return lock_ && ::access(path_.c_str(), F_OK) == 0;
 }
 

@@ -61,9 +61,10 @@ TEST_F(PrivateFolderTest, FoldersOfOthersAndWithOtherNamesStay) {
   const fs::path other = Put("kelva-vcam-abcdef", 0700);
   const fs::path open = Put("kelva-vcam-view-shared", 0755);
   const fs::path target = Put("target", 0700);
-  fs::create_directory_symlink(target, scratch_.Path() / "kelva-vcam-view-link");
+  const fs::path longer = Put("kelva-vcam-view-photos-of-mine", 0700);
+  fs::create_directory_symlink(target, scratch_.Path() / "kelva-vcam-view-linked");
   const PrivateFolder folder;
-  for (const fs::path& path : {other, open, target}) EXPECT_TRUE(fs::exists(path / "DCIM" / "A.JPG")) << path;
+  for (const fs::path& path : {other, open, target, longer}) EXPECT_TRUE(fs::exists(path / "DCIM" / "A.JPG")) << path;
 }
 
 }  // namespace

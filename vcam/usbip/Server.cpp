@@ -103,7 +103,7 @@ void Server::Accept() {
     Greet(std::move(socket));
   } catch (const ProtocolError& error) {
     onComplaint(error.what());
-  } catch (const std::system_error& error) {
+  } catch (const std::exception& error) {
     onComplaint(std::string("Cannot serve a host: ") + error.what() + ".");
   }
 }

@@ -1,18 +1,34 @@
 // Threads that have pictures drawn, each by a process of its own.
 #include "apps/kelva/sheet/ThumbnailPool.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace apps {
 
+std::size_t ThumbnailPool::SizeFor(std::size_t pictures, std::size_t processors, unsigned long long memory) {
+  // A picture of a few bytes may claim this much in its process: all coefficients of the largest one in several passes.
+  constexpr unsigned long long kMost = 512ULL << 20;
+  const auto fitting = static_cast<std::size_t>(std::max(1ULL, memory / 4 / kMost));
+  return std::min({std::max<std::size_t>(processors, 1), pictures, fitting});
+}
+
 std::size_t ThumbnailPool::SizeFor(std::size_t pictures) {
-  const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
-  return std::min(processors, pictures);
+  const auto memory = static_cast<unsigned long long>(::sysconf(_SC_PHYS_PAGES)) *
+                      static_cast<unsigned long long>(::sysconf(_SC_PAGESIZE));
+  return SizeFor(pictures, std::thread::hardware_concurrency(), memory);
 }
 
 ThumbnailPool::ThumbnailPool(std::size_t processes, std::string program) : program_(std::move(program)) {
-  for (std::size_t i = 0; i < processes; ++i) threads_.emplace_back([this] { Run(); });
+  try {
+    for (std::size_t i = 0; i < processes; ++i) threads_.emplace_back([this] { Run(); });
+  } catch (const std::system_error&) {
+    // The system gives no more threads. Those that run draw all pictures, only more slowly.
+    if (threads_.empty()) throw;
+  }
 }
 
 ThumbnailPool::~ThumbnailPool() {

@@ -19,7 +19,10 @@ namespace apps {
 /// Draws several pictures at once, each in a process of its own. Used from one thread.
 class ThumbnailPool {
  public:
-  /// How many processes pay for so many pictures: at most one for each processor.
+  /// How many processes pay for so many pictures: at most one for each processor, and no more than a quarter of `memory`
+  /// (bytes) holds with the largest pictures.
+  static std::size_t SizeFor(std::size_t pictures, std::size_t processors, unsigned long long memory);
+  /// The same on this machine.
   static std::size_t SizeFor(std::size_t pictures);
 
   /// `program`: the path of kelva-thumbnail. A process starts with the first picture that it draws.

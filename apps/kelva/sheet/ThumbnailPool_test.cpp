@@ -82,7 +82,12 @@ TEST(ThumbnailPoolTest, AProgramThatIsMissingIsAFailureOfEachResult) {
 TEST(ThumbnailPoolTest, ThereAreNoMoreProcessesThanPicturesOrProcessors) {
   EXPECT_EQ(ThumbnailPool::SizeFor(0), 0U);
   EXPECT_EQ(ThumbnailPool::SizeFor(1), 1U);
-  EXPECT_EQ(ThumbnailPool::SizeFor(1'000'000), std::max(1U, std::thread::hardware_concurrency()));
+  constexpr unsigned long long kGiB = 1ULL << 30;
+  EXPECT_EQ(ThumbnailPool::SizeFor(1'000'000, 4, 64 * kGiB), 4U);
+  EXPECT_EQ(ThumbnailPool::SizeFor(3, 4, 64 * kGiB), 3U);
+  EXPECT_EQ(ThumbnailPool::SizeFor(1'000'000, 64, 8 * kGiB), 4U) << "a quarter of the memory, 512 MiB each";
+  EXPECT_EQ(ThumbnailPool::SizeFor(1'000'000, 4, kGiB), 1U);
+  EXPECT_EQ(ThumbnailPool::SizeFor(1'000'000, 0, 64 * kGiB), 1U) << "the number of processors is not known";
 }
 
 }  // namespace

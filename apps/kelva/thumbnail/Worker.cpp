@@ -29,7 +29,9 @@ std::size_t ReadAll(int descriptor, std::span<char> bytes) {
 }  // namespace
 
 bool DrawAll(int descriptor) {
-  // Kept from picture to picture, so that its pages need not come anew for each.
+  // Kept from picture to picture, so that its pages need not come anew for each. A large one would fill the memory of
+  // every process for good.
+  constexpr std::size_t kMostKept = std::size_t{32} << 20;
   std::vector<char> file;
   if (base::WriteAll(descriptor, kReady) != 0) return false;
   for (;;) {
@@ -43,6 +45,7 @@ bool DrawAll(int descriptor) {
     if (ReadAll(descriptor, picture) != size) return false;
     const base::Bytes answer = EncodeAnswer(Draw(picture));
     if (base::WriteAll(descriptor, {reinterpret_cast<const char*>(answer.data()), answer.size()}) != 0) return false;
+    if (file.size() > kMostKept) std::vector<char>().swap(file);
   }
 }
 
