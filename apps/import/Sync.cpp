@@ -39,6 +39,7 @@ std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
     Writers writers(folder_, manifest_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); });
     try {
       ReadAll(plan, writers);
+      ReadDoubtful(writers);
       if (options_.deleteAfter) CompareAll(plan);
     } catch (const Stopped&) {
       writers.Abandon();
@@ -128,6 +129,33 @@ void Sync::Fetch(const SyncItem& item, Writers& writers) {
   Submit(writers, {&item, std::move(bytes), sha1, options_.verify});
 }
 
+// A key that is not the SHA-1 of what came: either the read went wrong, or the key is something else than this project
+// takes it for. A second read decides.
+void Sync::ReadDoubtful(Writers& writers) {
+  writers.Finish();  // all outcomes are in
+  for (const auto& [item, sha1] : std::exchange(doubtful_, {})) {
+    context_.stop.Check();
+    context_.Doing("read " + ShownPath(item->CameraPath()));
+    Try(*item, [&, item = item, &first = sha1] { ReadAgain(*item, first, writers); });
+  }
+}
+
+void Sync::ReadAgain(const SyncItem& item, const std::string& first, Writers& writers) {
+  std::vector<char> bytes = Read(item);
+  const std::string sha1 = Sha1(bytes);
+  const bool asKey = sha1 == item.ExpectedSha1();
+  const std::string second = asKey && options_.verify ? Sha1(Read(item)) : asKey ? sha1 : first;
+  if (sha1 != second) {
+    return Fail(item, "What the camera sends of " + ShownPath(item.CameraPath()) +
+                          " differs from read to read, so it was not stored; check the cable and the card.");
+  }
+  if (!asKey && !listed_.Agrees(item.CameraPath(), bytes.size()).value_or(true)) {
+    throw CameraError("its key in the catalogue is not its SHA-1, and its folder gives it another size");
+  }
+  if (!asKey) ++totals_.unlikeKey;
+  Submit(writers, {&item, std::move(bytes), sha1, !asKey || options_.verify, asKey});
+}
+
 // Waits for the disk where it is slower than the camera.
 void Sync::Submit(Writers& writers, WriteJob job) {
   context_.reporter.AwaitCamera(false);
@@ -167,8 +195,12 @@ void Sync::CheckSize(const SyncItem& item, std::size_t size) {
 }
 
 void Sync::OnOutcome(const WriteOutcome& outcome) {
-  if (!outcome.row) return Fail(*outcome.item, outcome.error);
+  if (!outcome.row && outcome.unlikeKey.empty()) return Fail(*outcome.item, outcome.error);
   const std::scoped_lock lock(mutex_);
+  if (!outcome.row) {
+    doubtful_.emplace_back(outcome.item, outcome.unlikeKey);
+    return;
+  }
   ++totals_.stored;
   totals_.alreadyHere += outcome.wasThere ? 1U : 0U;
   totals_.bytes += outcome.row->size;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "apps/camera/Explain.h"
@@ -32,6 +33,7 @@ struct SyncTotals {
   unsigned long long bytes = 0;
   unsigned long long failed = 0;
   unsigned long long deleted = 0;
+  unsigned long long unlikeKey = 0;  ///< of the stored, files whose key in the catalogue is not their SHA-1
 };
 
 /// Carries out a plan: reads on the calling thread, stores on others, and deletes last. A file that fails is reported
@@ -56,6 +58,8 @@ class Sync {
   std::vector<char> Read(const SyncItem& item);
   void CheckSize(const SyncItem& item, std::size_t size);
   void Submit(Writers& writers, WriteJob job);
+  void ReadDoubtful(Writers& writers);
+  void ReadAgain(const SyncItem& item, const std::string& first, Writers& writers);
   std::optional<Outcome> DeleteVerified();
   void DeleteOne(const SyncItem& item, Deletions& deletions);
   void OnOutcome(const WriteOutcome& outcome);
@@ -72,7 +76,8 @@ class Sync {
   unsigned long long readBytes_ = 0;
   SyncTotals totals_;
   std::vector<const SyncItem*> deletable_;
-  std::mutex mutex_;  // totals, output and deletable_: reached from the writers
+  std::vector<std::pair<const SyncItem*, std::string>> doubtful_;  // with what they hash to, which is not their key
+  std::mutex mutex_;  // totals, output and both lists: reached from the writers
 };
 
 }  // namespace apps

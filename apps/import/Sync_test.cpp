@@ -185,6 +185,44 @@ TEST_F(SyncTest, NothingIsDeletedOnTheCameraBeforeAllOfItIsOnDiskHere) {
                           "DELETE I:\\DCIM\\100ABCDE\\IMG_0001.JPG", "commit"));
 }
 
+// What "two" and "eno" hash to is not this.
+constexpr char kKeyOfAbc[] = "a9993e364706816aba3e25717850c26c9cd0d89d";
+
+TEST_F(SyncTest, AFileThatIsNotWhatItsKeySaysIsStoredAfterTwoEqualReads) {
+  const SyncTotals totals = Run({}, {Picture(1, kKeyOfAbc), Picture(2)});
+  EXPECT_EQ(totals.stored, 2U);
+  EXPECT_EQ(totals.unlikeKey, 1U);
+  EXPECT_EQ(camera_.reads, 3);
+  EXPECT_EQ(Text("100ABCDE/IMG_0001.JPG"), "one");
+  EXPECT_TRUE(manifest_.Find(KeyOf(Picture(1, kKeyOfAbc), 1, "K1"))->verified);
+}
+
+TEST_F(SyncTest, AReadThatWentWrongIsMendedByTheNext) {
+  camera_.files["IMG_0001.JPG"] = "abd";
+  camera_.onRead = [&](const std::string&) {
+    if (camera_.reads == 2) camera_.files["IMG_0001.JPG"] = "abc";
+  };
+  const SyncTotals totals = Run({}, {Picture(1, kKeyOfAbc)});
+  EXPECT_EQ(totals.stored, 1U);
+  EXPECT_EQ(totals.unlikeKey, 0U);
+  EXPECT_EQ(Text("100ABCDE/IMG_0001.JPG"), "abc");
+}
+
+TEST_F(SyncTest, TwoReadsThatFitNeitherEachOtherNorTheKeyAreAnError) {
+  camera_.onRead = [&](const std::string&) { camera_.files["IMG_0001.JPG"] = "on" + std::to_string(camera_.reads); };
+  const SyncTotals totals = Run({}, {Picture(1, kKeyOfAbc)});
+  EXPECT_EQ(totals.stored, 0U);
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_EQ(Said(),
+            "kelva: What the camera sends of I:/DCIM/100ABCDE/IMG_0001.JPG differs from read to read, so it was not "
+            "stored; check the cable and the card.\n");
+}
+
+TEST_F(SyncTest, AFileUnlikeItsKeyHasToHaveItsListedSize) {
+  camera_.lie = 1;
+  EXPECT_EQ(Run({}, {Picture(1, kKeyOfAbc)}).failed, 1U);
+}
+
 TEST_F(SyncTest, AMarkThatCannotBeWrittenEndsTheRunAndItsTotalsAreKept) {
   RecordingCalls calls(path_);
   camera_.onDelete = [&](const std::string&) { calls.FailAt(1, ENOSPC); };

@@ -17,6 +17,11 @@ bool EndsAll(int error) {
   return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE || error == ENODEV;
 }
 
+// What came hashes to something else than the catalogue's key.
+struct UnlikeKey {
+  std::string sha1;
+};
+
 }  // namespace
 
 Writers::Writers(const TargetFolder& folder, Manifest& manifest, Report report)
@@ -132,6 +137,10 @@ bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::
   try {
     work();
     return true;
+  } catch (const UnlikeKey& unlike) {
+    const std::scoped_lock lock(commitMutex_);
+    report_({&item, std::nullopt, false, "", unlike.sha1});
+    return false;
   } catch (const Failure& failure) {
     if (EndsAll(failure.SystemError())) {
       if (!ending) ending = failure;
@@ -192,13 +201,7 @@ Writers::Started::Started(const WriteJob& started, LocalPath local, std::string 
 std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
   const SyncItem& item = *job.item;
   std::string sha1 = job.sha1.empty() ? Sha1(job.bytes) : job.sha1;
-  const std::string expected = item.ExpectedSha1();
-  if (!expected.empty() && expected != sha1) {
-    throw Failure(ExitCode::kFailed,
-                  "What the camera sent of " + ShownPath(item.CameraPath()) +
-                      " has another SHA-1 than the catalogue says, so it was not stored; the next run "
-                      "reads it again.");
-  }
+  if (job.trustsKey && !item.ExpectedSha1().empty() && item.ExpectedSha1() != sha1) throw UnlikeKey{sha1};
   LocalPath path = item.Local();
   auto folder = folders_.For(path);
   return std::make_unique<Started>(job, std::move(path), std::move(sha1), std::move(folder));

@@ -27,6 +27,7 @@ struct WriteJob {
   std::vector<char> bytes;
   std::string sha1;  ///< empty when it was not computed yet
   bool verified;
+  bool trustsKey = true;  ///< the catalogue's key, where there is one, has to be the SHA-1
 };
 
 /// How one job ended.
@@ -35,6 +36,7 @@ struct WriteOutcome {
   std::optional<ManifestRow> row;  ///< what is in the manifest now; nothing when it failed
   bool wasThere = false;           ///< the same bytes were there already
   std::string error;
+  std::string unlikeKey = "";  ///< not stored, no error: the SHA-1, which is not the catalogue's key
 };
 
 /// Stores files while the next ones are being read. Several threads, because most of their time is spent waiting for

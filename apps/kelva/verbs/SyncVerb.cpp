@@ -48,11 +48,17 @@ ExitCode Finish(Context& context, const Session& camera, const Sync& sync, std::
   if (ended) context.reporter.Error(ended->sentence, code);
   Json members = CameraResult(camera);
   members.Set("stored", totals.stored).Set("bytes", totals.bytes).Set("already_here", totals.alreadyHere);
+  members.Set("unlike_key", totals.unlikeKey);
   members.Set("known", known).Set("failed", totals.failed).Set("deleted", totals.deleted);
   if (ended) members.Set("error", ended->sentence);
   std::string text = std::to_string(totals.stored) + " stored (" + Bytes(totals.bytes) + "), " + std::to_string(known) +
                      " known before, " + std::to_string(totals.failed) + " failed";
   if (totals.deleted != 0) text += ", " + std::to_string(totals.deleted) + " deleted on the camera";
+  if (totals.unlikeKey != 0) {
+    context.reporter.Note(
+        std::to_string(totals.unlikeKey) +
+        " files have another SHA-1 than the catalogue's key says; two equal reads were taken instead.");
+  }
   context.Result(std::move(members), text + "\n", code);
   if (ended) context.reporter.Note("Run the same command again to fetch the rest.");
   return code;
@@ -120,7 +126,8 @@ constexpr Verb kVerbs[] = {
 (.kelva-manifest.sqlite in FOLDER). Only new files are read. A file that you have renamed, moved or deleted here is
 not fetched again. A different picture that reuses an old name counts as new.
 
-Each file is written under a temporary name, flushed, and checked against the SHA-1 in the catalogue if there is one.
+Each file is written under a temporary name, flushed, and checked against the SHA-1 in the catalogue if there is one. A
+file that does not fit is read again, and stored if both reads are equal.
 Only then does it get its name, so Ctrl-C, an unplugged camera or a full disk leave whole files only. Run the same
 command again to fetch the rest.
 
@@ -141,6 +148,7 @@ catalogue, for two of the largest files, and for 4 MB on their way to the disk.)
 stored: how many files were stored
 bytes: their total size
 already_here: how many were in FOLDER already, with the same content
+unlike_key: how many have a SHA-1 that is not their key in the catalogue; they were read twice, with the same content
 known: how many were fetched by an earlier run
 failed: how many were not stored or not deleted
 deleted: how many were deleted on the camera
