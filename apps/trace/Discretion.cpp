@@ -49,18 +49,19 @@ Disclosure ForSelected(std::optional<std::uint8_t> selected) {
 char StandIn(char c) {
   if (c >= 'A' && c <= 'Z') return 'A';
   if (c >= 'a' && c <= 'z') return 'a';
-  return c >= '0' && c <= '9' ? '0' : c;
+  if (c >= '0' && c <= '9') return '0';
+  return static_cast<unsigned char>(c) < 0x80 ? c : 'a';  // letters of other alphabets
 }
 
 }  // namespace
 
-Disclosure Discretion::For(const _VscCdb& block) {
+Disclosure Discretion::Begin(const _VscCdb& block) {
   const std::uint8_t subCode = block.bytes[kelva::at::kSubCode];
   switch (static_cast<Operation>(block.bytes[kelva::at::kOperation])) {
     case Operation::kAction:
       return ForAction(subCode);
     case Operation::kSelect:
-      selected_ = subCode;
+      selected_.reset();
       return kOpen;
     case Operation::kReadChunk:
       return subCode == kelva::read_chunk::kSelected ? ForSelected(selected_) : kSummed;
@@ -69,6 +70,11 @@ Disclosure Discretion::For(const _VscCdb& block) {
     default:
       return kSummed;
   }
+}
+
+void Discretion::Done(const _VscCdb& block) {
+  const auto operation = static_cast<Operation>(block.bytes[kelva::at::kOperation]);
+  if (operation == Operation::kSelect) selected_ = block.bytes[kelva::at::kSubCode];
 }
 
 std::string WithStandIns(std::string bytes, Personal personal, const std::string& serial) {

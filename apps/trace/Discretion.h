@@ -31,14 +31,16 @@ struct Disclosure {
 class Discretion {
  public:
   /// For the next exchange; call it once for each, in order.
-  Disclosure For(const _VscCdb& block);
+  Disclosure Begin(const _VscCdb& block);
+  /// That exchange was done. A select that fails leaves open what is selected, and then chunks are summed.
+  void Done(const _VscCdb& block);
 
  private:
   std::optional<std::uint8_t> selected_;
 };
 
 /// `bytes` without what names a camera or its owner: the letters and digits of an information record or of a network name
-/// become A, a and 0, and the serial number stars. Everything keeps its place and its length.
+/// become A, a and 0, their bytes beyond ASCII a, and the serial number stars. Everything keeps its place and its length.
 std::string WithStandIns(std::string bytes, Personal personal, const std::string& serial);
 
 }  // namespace apps

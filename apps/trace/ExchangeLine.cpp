@@ -109,6 +109,14 @@ void AddFailure(Line& line, const kelva::Exchange& exchange, const std::string* 
   if (exchange.codes->returnCode == 0) AddStatus(line, exchange.codes->status);
 }
 
+// The first `count` bytes of the payload.
+std::string Bytes(std::span<const char> payload, std::size_t count, Personal personal, const std::string* serial) {
+  if (serial == nullptr) return {payload.data(), count};
+  // As much more as shows a serial number that begins in them, and is then cut.
+  const std::size_t looked = std::min(payload.size(), count + std::max<std::size_t>(serial->size(), 1) - 1);
+  return WithStandIns({payload.data(), looked}, personal, *serial).substr(0, count);
+}
+
 void AddPayload(Line& line, std::span<const char> payload, Disclosure disclosure, const std::string* serial) {
   if (disclosure.shown == Shown::kNothing) return line.Word("payload", "hidden");
   if (payload.empty()) return;
@@ -117,9 +125,7 @@ void AddPayload(Line& line, std::span<const char> payload, Disclosure disclosure
                                                               : 0;
   const std::size_t shown = std::min(payload.size(), most);
   if (shown > 0) {
-    std::string bytes(payload.data(), shown);
-    line.Hex("hex",
-             serial == nullptr ? std::move(bytes) : WithStandIns(std::move(bytes), disclosure.personal, *serial));
+    line.Hex("hex", Bytes(payload, shown, disclosure.personal, serial));
   }
   if (shown == payload.size()) return;
   line.Number("bytes", payload.size());

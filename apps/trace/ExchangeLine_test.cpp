@@ -129,6 +129,19 @@ TEST(ExchangeLine, StandInsComeWithASerialNumber) {
   EXPECT_NE(line.find(R"("hex":"4161302e"})"), std::string::npos) << line;
 }
 
+TEST(ExchangeLine, StandInsComeBeforeTheCut) {
+  const std::string serial = "K12";
+  for (const std::size_t before : {4093U, 4094U, 4095U, 4096U}) {
+    const std::string line = ExchangeLine(kPlace, Answer(std::string(before, '.') + "K12..."), kOpen, &serial);
+    EXPECT_EQ(line.find("4b"), std::string::npos) << before;
+    std::string last;
+    for (std::size_t i = 4093; i < 4096; ++i) last += i < before ? "2e" : "2a";
+    EXPECT_NE(line.find(last + "\",\"bytes\":"), std::string::npos) << before;
+  }
+  const std::string line = ExchangeLine(kPlace, Answer("1234567K12"), {Shown::kHead, Personal::kNothing}, &serial);
+  EXPECT_NE(line.find(R"("hex":"313233343536372a","bytes":10)"), std::string::npos) << line;
+}
+
 TEST(UnfinishedLine, NamesTheCommand) {
   EXPECT_EQ(UnfinishedLine(kPlace, Answer(""), kOpen),
             R"({"event":"unfinished","process":77,"camera":1,"number":5,"at_us":1234,"command":"ready",)"

@@ -105,7 +105,7 @@ boost::shared_ptr<Camera> Trace::Around(boost::shared_ptr<Camera> camera, const 
   const auto began = [this, observed, since](const kelva::Exchange& exchange) {
     const std::scoped_lock lock(mutex_);
     ++observed->number;
-    observed->disclosure = observed->discretion.For(exchange.block);
+    observed->disclosure = observed->discretion.Begin(exchange.block);
     observed->at = since(Clock::now());
     observed->open = exchange;
   };
@@ -113,6 +113,7 @@ boost::shared_ptr<Camera> Trace::Around(boost::shared_ptr<Camera> camera, const 
     {
       const std::scoped_lock lock(mutex_);
       observed->open.reset();
+      if (exchange.result == kelva::Exchange::Result::kDone) observed->discretion.Done(exchange.block);
     }
     file_.Add(ExchangeLine(observed->Place(), exchange, observed->disclosure, standIns_ ? &observed->serial : nullptr));
   };
@@ -120,11 +121,14 @@ boost::shared_ptr<Camera> Trace::Around(boost::shared_ptr<Camera> camera, const 
 }
 
 void Trace::NameOpen() {
-  const std::scoped_lock lock(mutex_);
-  for (const auto& observed : observed_) {
-    if (observed->open) file_.Add(UnfinishedLine(observed->Place(), *observed->open, observed->disclosure));
+  std::string lines;
+  {
+    const std::scoped_lock lock(mutex_);
+    for (const auto& observed : observed_) {
+      if (observed->open) lines += UnfinishedLine(observed->Place(), *observed->open, observed->disclosure);
+    }
   }
-  file_.Flush();
+  file_.AddAtEnd(lines);
 }
 
 }  // namespace apps

@@ -42,7 +42,7 @@ class Trace {
   /// A camera around this one whose exchanges are written.
   boost::shared_ptr<Camera> Around(boost::shared_ptr<Camera> camera, const Device& device);
   /// In every trace of this process: names the commands that have begun and not ended. For a program that ends without
-  /// waiting for them.
+  /// waiting for them, nor for a thread that sits in a write.
   static void CutOff();
   /// Both as in TraceFile.
   void Flush() noexcept { file_.Flush(); }

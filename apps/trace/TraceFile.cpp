@@ -5,10 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <exception>
+#include <thread>
 #include <utility>
 
 #include "apps/commandline/Aborts.h"
@@ -21,6 +24,7 @@ namespace {
 
 constexpr std::size_t kMostPending = 16384;
 constexpr std::chrono::milliseconds kLongestPending(100);
+constexpr int kPatienceMs = 100;
 
 // The traces of this process that an abort finds; a program has one, and a survey one more.
 std::array<std::atomic<TraceFile*>, 4> openTraces;
@@ -36,7 +40,8 @@ bool StartsAsATrace(int file) {
   return count == static_cast<ssize_t>(start.size()) && std::string_view(start.data(), start.size()) == kTraceStart;
 }
 
-void MakeSureItIsOurs(int file, const std::string& path) {
+// Returns the size of the file.
+off_t MakeSureItIsOurs(int file, const std::string& path) {
   struct stat status {};
   if (::fstat(file, &status) != 0) throw SystemFailure("look at " + Printable(path), errno);
   if (!S_ISREG(status.st_mode)) throw Refusal(path, "it is not a regular file");
@@ -44,6 +49,13 @@ void MakeSureItIsOurs(int file, const std::string& path) {
   if (status.st_nlink > 1) throw Refusal(path, "it has another name too");
   if (status.st_size > 0 && !StartsAsATrace(file)) throw Refusal(path, "it is not a trace");
   if (::fchmod(file, S_IRUSR | S_IWUSR) != 0) throw SystemFailure("make " + Printable(path) + " private", errno);
+  return status.st_size;
+}
+
+// Whoever wrote it was killed in the middle of a write, or the disk was full.
+bool EndsInTheMiddleOfALine(int file, off_t size) {
+  char last = '\n';
+  return size > 0 && ::pread(file, &last, 1, size - 1) == 1 && last != '\n';
 }
 
 }  // namespace
@@ -56,7 +68,9 @@ TraceFile::TraceFile(const std::string& path, std::function<void(const std::stri
   file_.Reset(::open(path.c_str(), kFlags, S_IRUSR | S_IWUSR));
   if (!file_ && errno == ELOOP) throw Refusal(path, "it is a symbolic link");
   if (!file_) throw SystemFailure("write the trace " + Printable(path), errno);
-  MakeSureItIsOurs(file_.Get(), path);
+  const off_t size = MakeSureItIsOurs(file_.Get(), path);
+  if (EndsInTheMiddleOfALine(file_.Get(), size)) pending_ = "\n";
+  begin_ = static_cast<std::size_t>(size) + pending_.size();
   for (std::atomic<TraceFile*>& place : openTraces) {
     TraceFile* none = nullptr;
     if (place.compare_exchange_strong(none, this)) break;
@@ -74,10 +88,30 @@ TraceFile::~TraceFile() {
 
 void TraceFile::Add(std::string_view line) noexcept {
   const std::scoped_lock lock(mutex_);
-  if (failed_) return;
-  pending_ += line;
+  if (!Keep(line)) return;
   if (pending_.size() < kMostPending && std::chrono::steady_clock::now() - written_ < kLongestPending) return;
   Write();
+}
+
+void TraceFile::AddAtEnd(std::string_view lines) noexcept {
+  std::unique_lock lock(mutex_, std::try_to_lock);
+  for (int tries = 0; !lock && tries < kPatienceMs; ++tries) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    static_cast<void>(lock.try_lock());
+  }
+  if (lock && Keep(lines)) Write();
+}
+
+// False when nothing more can be added.
+bool TraceFile::Keep(std::string_view lines) noexcept {
+  if (failed_) return false;
+  try {
+    pending_ += lines;
+    return true;
+  } catch (const std::exception&) {  // no memory
+    End(ENOMEM);
+    return false;
+  }
 }
 
 void TraceFile::Flush() noexcept {
@@ -89,8 +123,11 @@ void TraceFile::Write() noexcept {
   const int error = base::WriteAll(file_.Get(), pending_);
   pending_.clear();
   written_ = std::chrono::steady_clock::now();
-  if (error == 0 || std::exchange(failed_, true)) return;
-  Complain(error);
+  if (error != 0) End(error);
+}
+
+void TraceFile::End(int error) noexcept {
+  if (!std::exchange(failed_, true)) Complain(error);
 }
 
 void TraceFile::FlushAllAtAbort() noexcept {
@@ -118,7 +155,8 @@ std::string TraceFile::Contents(std::size_t most) {
   struct stat status {};
   if (::fstat(file_.Get(), &status) != 0 || status.st_size <= 0) return "";
   const auto size = static_cast<std::size_t>(status.st_size);
-  const std::size_t begin = size > most ? size - most : 0;
+  if (size <= begin_) return "";
+  const std::size_t begin = std::max(begin_, size > most ? size - most : 0);
   std::string text(size - begin, '\0');
   std::size_t filled = 0;
   while (filled < text.size()) {
@@ -129,7 +167,7 @@ std::string TraceFile::Contents(std::size_t most) {
     filled += static_cast<std::size_t>(count);
   }
   text.resize(filled);
-  if (begin == 0) return text;
+  if (begin == begin_) return text;
   const std::size_t end = text.find('\n');
   return end == std::string::npos ? "" : text.substr(end + 1);
 }

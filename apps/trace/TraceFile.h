@@ -2,6 +2,7 @@
 #define KELVA_APPS_TRACE_TRACE_FILE_H_
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -26,18 +27,25 @@ class TraceFile {
   TraceFile(const TraceFile&) = delete;
   TraceFile& operator=(const TraceFile&) = delete;
 
-  /// Adds one line. Lines are written in groups, since a system call for each would slow a sync down: after 16 KiB or a tenth
-  /// of a second, and before the process ends or aborts. They are whole even when several processes add to the file. Any thread.
+  /// Adds one line. Lines are written in groups, since a system call for each would slow a sync down: as soon as there are
+  /// 16 KiB, with the first line that comes a tenth of a second after the last group, and before the process ends or aborts.
+  /// They are whole even when several processes add to the file. Without memory for the line the trace ends. Any thread.
   void Add(std::string_view line) noexcept;
+  /// Adds lines and writes everything, for a program that ends now: gives up after a tenth of a second when another thread
+  /// sits in a write. Any thread.
+  void AddAtEnd(std::string_view lines) noexcept;
   /// Writes what is not yet written.
   void Flush() noexcept;
   /// For the handler of an abort: writes what is not yet written, in every trace of this process.
   static void FlushAllAtAbort() noexcept;
-  /// What the file holds, at most the last `most` bytes, from the beginning of a line. Empty when it cannot be read.
+  /// What was added since this object opened the file, at most the last `most` bytes, from the beginning of a line. Empty
+  /// when it cannot be read. What was in the file before stays out: it may lack the stand-ins that this trace has.
   std::string Contents(std::size_t most);
 
  private:
+  bool Keep(std::string_view lines) noexcept;
   void Write() noexcept;
+  void End(int error) noexcept;
   void Complain(int error) noexcept;
 
   const std::string path_;
@@ -45,6 +53,7 @@ class TraceFile {
   base::FileDescriptor file_;
   std::mutex mutex_;
   std::string pending_;
+  std::size_t begin_ = 0;  // of this trace in the file
   std::chrono::steady_clock::time_point written_{};
   bool failed_ = false;
 };

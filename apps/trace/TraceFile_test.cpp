@@ -9,7 +9,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <sstream>
+#include <thread>
 #include <vector>
 
 #include "apps/commandline/Aborts.h"
@@ -166,6 +168,60 @@ TEST_F(TraceFileTest, ContentsAreReadBackFromTheBeginningOfALine) {
   EXPECT_EQ(file.Contents(13), "first\nsecond\n");
   EXPECT_EQ(file.Contents(9), "second\n");
   EXPECT_EQ(file.Contents(3), "");
+}
+
+TEST_F(TraceFileTest, ContentsLeaveOutWhatWasInTheFileBefore) {
+  Put(kHeader + "the serial number\n");
+  TraceFile file = Open();
+  EXPECT_EQ(file.Contents(1000), "");
+  AddAndFlush(file, kHeader);
+  AddAndFlush(file, "second\n");
+  EXPECT_EQ(file.Contents(1000), kHeader + "second\n");
+  EXPECT_EQ(file.Contents(kHeader.size() + 7), kHeader + "second\n");
+  EXPECT_EQ(file.Contents(10), "second\n");
+}
+
+TEST_F(TraceFileTest, ATornLastLineIsEndedFirst) {
+  Put(kHeader + "{\"event\":\"exch");
+  TraceFile file = Open();
+  AddAndFlush(file, kHeader);
+  EXPECT_EQ(Text(), kHeader + "{\"event\":\"exch\n" + kHeader);
+  EXPECT_EQ(file.Contents(1000), kHeader);
+}
+
+TEST_F(TraceFileTest, ALineWithoutMemoryEndsTheTraceAfterTheLinesBeforeIt) {
+  TraceFile file = Open();
+  AddAndFlush(file, kHeader);
+  file.Add("before\n");
+  file.Add(std::string_view("longer than any memory", ~std::size_t{0}));
+  AddAndFlush(file, "after\n");
+  EXPECT_EQ(Text(), kHeader + "before\n");
+  ASSERT_EQ(complaints_.size(), 1U);
+  EXPECT_NE(complaints_[0].find("ends early, because it cannot be written"), std::string::npos) << complaints_[0];
+}
+
+TEST_F(TraceFileTest, TheEndWritesEverything) {
+  TraceFile file = Open();
+  AddAndFlush(file, kHeader);
+  file.Add("first\n");
+  file.AddAtEnd("last\n");
+  EXPECT_EQ(Text(), kHeader + "first\nlast\n");
+}
+
+// A complaint that is not taken holds its writer as a disk does that does not answer.
+TEST_F(TraceFileTest, TheEndDoesNotWaitForAThreadThatSitsInAWrite) {
+  std::promise<void> blocked;
+  std::promise<void> release;
+  TraceFile file(path_.string(), [&](const std::string&) {
+    blocked.set_value();
+    release.get_future().wait();
+  });
+  std::thread writer([&] { file.Add(std::string_view("longer than any memory", ~std::size_t{0})); });
+  blocked.get_future().wait();
+  auto end = std::async(std::launch::async, [&] { file.AddAtEnd("last\n"); });
+  EXPECT_EQ(end.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+  release.set_value();
+  writer.join();
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <boost/make_shared.hpp>
 #include <filesystem>
 #include <fstream>
@@ -84,6 +85,27 @@ TEST_F(TraceTest, PicturesAndPassphrasesAreNotInIt) {
   EXPECT_FALSE(Says(4, "hex"));
   EXPECT_TRUE(Says(5, R"("payload":"hidden"})"));
   EXPECT_FALSE(Says(5, "asked"));
+}
+
+// The camera may still have the file selected.
+TEST_F(TraceTest, AfterASelectThatFailedNoChunkIsShown) {
+  Trace trace = Start();
+  const auto camera = trace.Around(script_, {});
+  const auto transfer = [&](const _VscCdb& block, int direction, int size, char* buffer) {
+    return camera->Transfer(block, direction, size, buffer, true);
+  };
+  std::array<char, 9> chunk{};
+  script_->Expect({0xC2, 0, 2}).Throws("refused");
+  EXPECT_THROW(transfer({{0xC2, 0, 2}}, 0, 0, nullptr), CameraTransferError);
+  script_->Expect({0xC4, 0, 1}).Asks(9).Answers("123456789");
+  EXPECT_TRUE(transfer({{0xC4, 0, 1}}, 2, 9, chunk.data()));
+  EXPECT_TRUE(Says(3, R"("bytes":9,"crc32":"cbf43926"})"));
+  EXPECT_FALSE(Says(3, "hex"));
+  script_->Expect({0xC2, 0, 2});
+  EXPECT_TRUE(transfer({{0xC2, 0, 2}}, 0, 0, nullptr));
+  script_->Expect({0xC4, 0, 1}).Asks(9).Answers("123456789");
+  EXPECT_TRUE(transfer({{0xC4, 0, 1}}, 2, 9, chunk.data()));
+  EXPECT_TRUE(Says(5, R"("hex":"313233343536373839"})"));
 }
 
 TEST_F(TraceTest, StandInsTakeThePlaceOfNames) {

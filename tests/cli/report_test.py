@@ -82,11 +82,25 @@ class ReportTest(Bus):
         self.kelva("battery", "--trace", trace)
         self.assertEqual(self.kelva("report", self.archive, "--trace", trace).returncode, 0)
         lines = [json.loads(line) for line in self.member("trace.jsonl").decode().splitlines()]
-        self.assertEqual([line["command"] for line in lines if line["event"] == "trace"], ["battery", "report"])
+        self.assertEqual([line["command"] for line in lines if line["event"] == "trace"], ["report"])
         self.assertIn("read bundle", [line["command"] for line in lines if line["event"] == "exchange"])
         with open(trace, "rb") as file:
-            self.assertEqual(file.read(), self.member("trace.jsonl"))
+            before, found, after = file.read().partition(self.member("trace.jsonl"))
+        self.assertIn(b'"command":"battery"', before)
+        self.assertTrue(found)
+        self.assertEqual(after, b"")
         self.assertNotIn(b"went wrong".hex().encode(), self.member("trace.jsonl"))
+
+    def test_names_that_an_earlier_trace_left_in_the_file_stay_out_of_it(self):
+        trace = self.folder + "/camera.trace"
+        self.plug("SN-4711-XY", self.drive)
+        self.kelva("wifi", "name", "MyHome", "-s", "SN-4711-XY", "--trace", trace)
+        self.kelva("report", self.archive, "-s", "SN-4711-XY", "--trace", trace, "--trace-private")
+        with open(trace, "rb") as file:
+            before = file.read()
+        for name in (b"SN-4711-XY", b"MyHome".hex().encode()):
+            self.assertIn(name, before)
+            self.assertNotIn(name, self.member("trace.jsonl"))
 
     def test_no_passphrase_is_in_it(self):
         self.kelva("wifi", "passphrase", input="correct horse battery\n")
