@@ -193,8 +193,9 @@ class FileReader::Core {
     const std::optional<std::size_t> place = ReadFirstChunk();
     Select();
     if (!place) return OffsetOrder::kForwardOnly;
-    const OffsetOrder order = JumpsTo(*place) ? OffsetOrder::kAny : OffsetOrder::kForwardOnly;
-    if (order == OffsetOrder::kForwardOnly) Select();
+    const OffsetOrder order = JumpsTo(*place);
+    if (order != OffsetOrder::kAny) Select();
+    if (order == OffsetOrder::kUnknown) return OffsetOrder::kForwardOnly;  // for this reader
     RememberOrder(camera_, order);
     return order;
   }
@@ -208,11 +209,12 @@ class FileReader::Core {
   }
 
   /// From the start to `place` and back. The first chunk is in the scratch memory.
-  bool JumpsTo(std::size_t place) {
+  OffsetOrder JumpsTo(std::size_t place) {
     try {
-      return IsAsBefore(0) && IsAsBefore(place) && IsAsBefore(0);
+      return IsAsBefore(0) && IsAsBefore(place) && IsAsBefore(0) ? OffsetOrder::kAny : OffsetOrder::kForwardOnly;
     } catch (const CameraError&) {
-      return false;  // a camera may refuse to jump; one that has gone also fails the selection that follows
+      // A camera may refuse to jump, or have one bad moment. One that has gone also fails the selection that follows.
+      return OffsetOrder::kUnknown;
     }
   }
 

@@ -51,7 +51,8 @@ class FileReadError : public CameraError {
 ///
 /// Order: any part may be read, in any order. Whether a camera honours the offset of a read is asked before the first
 /// read that does not follow the one before it (and is not at 0), once per camera object and process, with a few reads
-/// in the file's first 64 KiB. A camera without that proof is read forward only: skipping ahead reads and drops, going
+/// in the file's first 64 KiB. A file that is too small or too uniform leaves the question open for the next reader, and
+/// so does an error during the proof. A camera without that proof is read forward only: skipping ahead reads and drops, going
 /// back selects the file anew and reads from its start. Reading forward asks nothing.
 ///
 /// A chunk is as large as the camera's transport allows, 65,536 bytes on macOS and Linux; a larger `into` takes several.
@@ -72,6 +73,7 @@ class FileReader {
   FileReader(boost::shared_ptr<Camera> camera, const DcfObj& picture, int type);
   /// Sends nothing: reading has no closing command.
   ~FileReader();
+  /// `other` may then only be assigned to or destroyed.
   FileReader(FileReader&& other) noexcept;
   FileReader& operator=(FileReader&& other) noexcept;
 

@@ -394,6 +394,23 @@ TEST_F(FileReaderOrder, AFileThatProvesNothingLeavesTheQuestionOpen) {
   EXPECT_FALSE(FileReader(camera, kPath).ReadsForwardOnly());
 }
 
+// At each of the three reads of the proof.
+TEST_F(FileReaderOrder, AnErrorDuringTheProofLeavesTheQuestionOpenForTheNextReader) {
+  for (const int throwsAt : {5, 6, 7}) {
+    const auto camera = Make(Pattern(3000), false);
+    camera->throwsAt = throwsAt;
+    FileReader reader(camera, kPath);
+    EXPECT_TRUE(reader.ReadsForwardOnly());
+    EXPECT_EQ(camera->sent.at(static_cast<std::size_t>(throwsAt)).substr(0, 8), "read 512");
+    EXPECT_EQ(ReadAt(reader, 1000, 5), Pattern(3000).substr(1000, 5));
+    camera->TakeSent();
+    camera->throwsAt = -1;
+    EXPECT_TRUE(reader.ReadsForwardOnly());
+    EXPECT_EQ(camera->sent, Sent{}) << "asked once a reader";
+    EXPECT_FALSE(FileReader(camera, kPath).ReadsForwardOnly());
+  }
+}
+
 TEST_F(FileReaderOrder, ATransportOfTinyChunksIsReadForwardOnly) {
   const auto camera = boost::make_shared<FileCamera>(Pattern(3000), 511);
   FileReader reader(camera, kPath);

@@ -4,8 +4,8 @@ import hashlib
 import json
 import os
 import pty
+import shutil
 import stat
-import struct
 import struct
 import subprocess
 
@@ -125,6 +125,15 @@ class SurveyTest(Bus):
         self.survey()
         self.assertIs(self.holds()["offsets"], False)
         self.assertIs(self.holds()["surplus-byte"], True)
+
+    def test_a_first_file_that_proves_nothing_tells_nothing_about_offsets(self):
+        first = os.path.join(self.drive, "DCIM", "100ABCDE", "IMG_0001.JPG")
+        for content in (b"small", b"\0" * 100_000):
+            with open(first, "wb") as file:
+                file.write(content)
+            run = self.survey()
+            self.assertIsNone(self.holds()["offsets"], run.stdout)
+            shutil.rmtree(self.out)
 
     def test_a_camera_without_pictures_is_surveyed_as_far_as_it_goes(self):
         empty = os.path.join(self.folder, "empty")

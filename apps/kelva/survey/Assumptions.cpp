@@ -10,6 +10,7 @@
 #include "apps/camera/Information.h"
 #include "apps/camera/Picture.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/Sha1.h"
 #include "base/Hex.h"
 #include "src/wifi/DcfLayout.h"
 #include "src/wifi/VscRecords.h"
@@ -18,6 +19,8 @@ namespace apps::survey {
 namespace {
 
 using std::to_string;
+
+constexpr char kTooLarge[] = "the file is too large to be read whole";
 
 std::string Announced(const DataSet& set) {
   return to_string(set.announced) + " bytes announced, " + to_string(set.bytes.size()) + (set.whole ? "" : " or more") +
@@ -132,11 +135,13 @@ Assumption JudgeKeyShape(std::span<const DcfObj> pictures) {
       [](const DcfObj& picture) { return PictureKey(picture).has_value(); }, "a key");
 }
 
-Assumption JudgeKey(const DcfObj& picture, const std::string& sha1) {
+Assumption JudgeKey(const DcfObj& picture, const DataSet& file) {
   constexpr std::string_view kName = "key-is-sha1";
   constexpr std::string_view kSentence = "the key is the SHA-1 of the picture's first file";
   const auto key = PictureKey(picture);
   if (!key) return {kName, kSentence, std::nullopt, "no key"};
+  if (!file.whole && file.bytes.size() < file.announced) return {kName, kSentence, std::nullopt, kTooLarge};
+  const std::string sha1 = Sha1(std::span(file.bytes).first(std::min<std::size_t>(file.bytes.size(), file.announced)));
   return {kName, kSentence, *key == sha1, *key == sha1 ? "the same" : "another number"};
 }
 
@@ -154,16 +159,20 @@ Assumption JudgeListedSize(std::optional<unsigned long long> listed, const DataS
 }
 
 Assumption JudgeSurplus(const DataSet& file) {
+  constexpr std::string_view kName = "surplus-byte";
+  constexpr std::string_view kSentence = "a file has as many bytes as announced, or one more";
   const std::uint64_t arrived = file.bytes.size();
-  const bool holds = file.whole && arrived >= file.announced && arrived <= std::uint64_t{file.announced} + 1;
-  return {"surplus-byte", "a file has as many bytes as announced, or one more", holds, Announced(file)};
+  const bool tooMany = arrived > std::uint64_t{file.announced} + 1;
+  if (!file.whole && !tooMany) return {kName, kSentence, std::nullopt, kTooLarge};
+  return {kName, kSentence, arrived >= file.announced && !tooMany, Announced(file)};
 }
 
-Assumption JudgeOffsets(std::optional<bool> forwardOnly) {
+Assumption JudgeOffsets(kelva::OffsetOrder order) {
   constexpr std::string_view kName = "offsets";
   constexpr std::string_view kSentence = "a file may be read in any order";
-  if (!forwardOnly) return {kName, kSentence, std::nullopt, "no file to ask with"};
-  return {kName, kSentence, !*forwardOnly, *forwardOnly ? "the offset of a read has no effect" : "offsets count"};
+  if (order == kelva::OffsetOrder::kUnknown) return {kName, kSentence, std::nullopt, "the first file does not tell"};
+  const bool any = order == kelva::OffsetOrder::kAny;
+  return {kName, kSentence, any, any ? "offsets count" : "the offset of a read has no effect"};
 }
 
 std::string CatalogueHead(const std::string& catalogue, std::size_t records) {

@@ -11,6 +11,7 @@
 #include "apps/camera/Registry.h"
 #include "apps/kelva/survey/Questions.h"
 #include "src/wifi/DcfObj.h"
+#include "src/wifi/OffsetOrder.h"
 
 namespace apps::survey {
 
@@ -33,13 +34,13 @@ Assumption JudgeCatalogueFields(const DataSet& catalogue);
 Assumption JudgeCatalogueSize(const DataSet& catalogue);
 Assumption JudgeDates(std::span<const DcfObj> pictures);
 Assumption JudgeKeyShape(std::span<const DcfObj> pictures);
-/// `sha1` is that of the picture's first file.
-Assumption JudgeKey(const DcfObj& picture, const std::string& sha1);
+/// `file` is the picture's first.
+Assumption JudgeKey(const DcfObj& picture, const DataSet& file);
 Assumption JudgeValue5(const DcfObj& picture, unsigned long long jpegSize);
 /// The size that the folder lists, nothing when it does not list the file, beside that of the opened file.
 Assumption JudgeListedSize(std::optional<unsigned long long> listed, const DataSet& file);
 Assumption JudgeSurplus(const DataSet& file);
-Assumption JudgeOffsets(std::optional<bool> forwardOnly);
+Assumption JudgeOffsets(kelva::OffsetOrder order);
 
 /// The catalogue's header, its field table and its first records: what of it is kept. Empty when it has no whole header.
 std::string CatalogueHead(const std::string& catalogue, std::size_t records);

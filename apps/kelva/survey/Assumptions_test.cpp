@@ -110,9 +110,18 @@ TEST(Assumptions, PicturesHaveTimesAndKeys) {
   EXPECT_EQ(JudgeDates({}).holds, std::nullopt);
   EXPECT_EQ(JudgeKeyShape(std::span(both).first(1)).holds, true);
   EXPECT_EQ(JudgeKeyShape(both).seen, "1 of 2 pictures have a key");
-  EXPECT_EQ(JudgeKey(both[0], key).holds, true);
-  EXPECT_EQ(JudgeKey(both[0], std::string(40, 'b')).holds, false);
-  EXPECT_EQ(JudgeKey(both[1], key).holds, std::nullopt);
+}
+
+TEST(Assumptions, TheKeyIsTheSha1OfTheFirstFile) {
+  // The SHA-1 of "abc", as its standard gives it.
+  const DcfObj picture = Picture("a9993e364706816aba3e25717850c26c9cd0d89d", "");
+  EXPECT_EQ(JudgeKey(picture, {3, "abc", true}).holds, true);
+  EXPECT_EQ(JudgeKey(picture, {3, "abcX", true}).holds, true);
+  EXPECT_EQ(JudgeKey(picture, {3, "abcX", false}).holds, true);
+  EXPECT_EQ(JudgeKey(picture, {3, "abd", true}).holds, false);
+  EXPECT_EQ(JudgeKey(picture, {3, "ab", true}).holds, false);
+  EXPECT_EQ(JudgeKey(picture, {4, "abc", false}).holds, std::nullopt) << "cut";
+  EXPECT_EQ(JudgeKey(Picture("no", ""), {3, "abc", true}).holds, std::nullopt);
 }
 
 TEST(Assumptions, SizesAgree) {
@@ -130,13 +139,18 @@ TEST(Assumptions, AFileHasAtMostOneSurplusByte) {
   EXPECT_EQ(JudgeSurplus(Set(5, 6)).holds, true);
   EXPECT_EQ(JudgeSurplus(Set(5, 7)).holds, false);
   EXPECT_EQ(JudgeSurplus(Set(5, 4)).holds, false);
-  EXPECT_EQ(JudgeSurplus(Set(5, 6, false)).seen, "5 bytes announced, 6 or more came");
+  EXPECT_EQ(JudgeSurplus(Set(5, 7, false)).holds, false);
+  EXPECT_EQ(JudgeSurplus(Set(5, 7, false)).seen, "5 bytes announced, 7 or more came");
+  for (const std::size_t cut : {4U, 5U, 6U}) {
+    EXPECT_EQ(JudgeSurplus(Set(5, cut, false)).holds, std::nullopt);
+    EXPECT_EQ(JudgeSurplus(Set(5, cut, false)).seen, "the file is too large to be read whole");
+  }
 }
 
 TEST(Assumptions, OffsetsCount) {
-  EXPECT_EQ(JudgeOffsets(false).holds, true);
-  EXPECT_EQ(JudgeOffsets(true).holds, false);
-  EXPECT_EQ(JudgeOffsets(std::nullopt).holds, std::nullopt);
+  EXPECT_EQ(JudgeOffsets(kelva::OffsetOrder::kAny).holds, true);
+  EXPECT_EQ(JudgeOffsets(kelva::OffsetOrder::kForwardOnly).holds, false);
+  EXPECT_EQ(JudgeOffsets(kelva::OffsetOrder::kUnknown).holds, std::nullopt);
 }
 
 }  // namespace

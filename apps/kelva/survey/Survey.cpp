@@ -13,12 +13,12 @@
 #include "apps/camera/Picture.h"
 #include "apps/commandline/Columns.h"
 #include "apps/commandline/Printable.h"
-#include "apps/files/Sha1.h"
 #include "apps/files/StoreFile.h"
 #include "base/Ascii.h"
 #include "src/wifi/CatalogueDecoder.h"
 #include "src/wifi/DirectoryListing.h"
 #include "src/wifi/FileReader.h"
+#include "src/wifi/OffsetOrder.h"
 #include "src/wifi/VscRegister.h"
 
 namespace apps::survey {
@@ -121,9 +121,14 @@ void Survey::ReadOnePicture() {
   std::optional<unsigned long long> listed;
   Part("list the folder of the first picture", [&] { listed = ListedSize(type); });
   Part("read the first picture", [&] { Compare(path, type, listed); });
-  Part("read the first picture out of order",
-       [&] { Judge(JudgeOffsets(kelva::FileReader(attached_.camera, path).ReadsForwardOnly())); });
+  Part("read the first picture out of order", [&] { Judge(JudgeOffsets(OrderOf(path))); });
   Part("time reads of the first picture", [&] { timings_ = questions_.TimeChunks(path, size_); });
+}
+
+kelva::OffsetOrder Survey::OrderOf(const std::string& path) {
+  kelva::FileReader(attached_.camera, path).ReadsForwardOnly();
+  // Its answer is about this file; what the camera proved is kept here.
+  return kelva::KnownOrder(attached_.camera);
 }
 
 std::optional<unsigned long long> Survey::ListedSize(int type) {
@@ -142,7 +147,7 @@ void Survey::Compare(const std::string& path, int type, std::optional<unsigned l
   Judge(JudgeListedSize(listed, file));
   Judge(JudgeSurplus(file));
   if (type == 1) Judge(JudgeValue5(*picture_, file.announced));
-  Judge(JudgeKey(*picture_, Sha1(std::span(file.bytes).first(std::min<std::size_t>(file.bytes.size(), size_)))));
+  Judge(JudgeKey(*picture_, file));
 }
 
 Json Survey::Members() const {

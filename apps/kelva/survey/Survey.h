@@ -41,6 +41,7 @@ class Survey {
   void Battery();
   void Catalogue();
   void ReadOnePicture();
+  kelva::OffsetOrder OrderOf(const std::string& path);
   std::optional<unsigned long long> ListedSize(int type);
   void Compare(const std::string& path, int type, std::optional<unsigned long long> listed);
 
