@@ -45,7 +45,7 @@ struct IONotificationPort {
   ~IONotificationPort();
 
   struct GiveBack {
-    void operator()(darwin::cf::RunLoopSource* source) const { source->Release(); }
+    void operator()(darwin::cf::RunLoopSource* held) const { held->Release(); }
   };
 
   std::shared_ptr<darwin::MessageQueue> queue;
