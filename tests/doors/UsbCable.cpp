@@ -57,13 +57,15 @@ UsbCable::UsbCable(vcam::Options options)
 }
 
 UsbCable::~UsbCable() {
-  session_.Pull();
-  server_.join();
+  Pull();
 }
 
 void UsbCable::Pull() {
   camera_.Unplug();
   session_.Pull();
+  // Here and not at the end: who still holds a camera that has gone keeps the cable.
+  const std::scoped_lock lock(ending_);
+  if (server_.joinable()) server_.join();
 }
 
 std::unique_ptr<bus::CommandSession> UsbCable::MakeSession() {

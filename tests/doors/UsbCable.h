@@ -2,6 +2,7 @@
 #define KELVA_TESTS_DOORS_USB_CABLE_H_
 
 #include <memory>
+#include <mutex>
 #include <thread>
 
 #include "bus/CommandSession.h"
@@ -38,6 +39,7 @@ class UsbCable : public std::enable_shared_from_this<UsbCable> {
   base::FileDescriptor hostEnd_{};
   vcam::usbip::Session session_;
   std::thread server_;
+  std::mutex ending_;  // of server_
   UsbHost host_;
 };
 

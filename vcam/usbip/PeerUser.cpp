@@ -95,7 +95,8 @@ bool AskKernel(const sockaddr_in& local, const sockaddr_in& remote, std::optiona
   // The kernel has answered when send returns.
   const ssize_t size = ::recv(netlink.Get(), &answer, sizeof answer, MSG_DONTWAIT);
   if (size < static_cast<ssize_t>(sizeof answer.head)) return false;
-  if (answer.head.nlmsg_type == NLMSG_ERROR) return answer.error.error == -ENOENT;
+  // Also ENOENT, which says either that there is no such socket, or that this kernel lacks the part that would know.
+  if (answer.head.nlmsg_type == NLMSG_ERROR) return false;
   if (answer.head.nlmsg_type != SOCK_DIAG_BY_FAMILY || size < static_cast<ssize_t>(NLMSG_LENGTH(sizeof answer.about))) {
     return false;
   }

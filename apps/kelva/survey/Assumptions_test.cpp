@@ -29,7 +29,7 @@ TEST(Assumptions, TheInformationRecordHasItsLengthAndAtMostOneByteMoreThanAnnoun
 }
 
 TEST(Assumptions, InformationIsTextsThatTheSystemKnows) {
-  const std::string texts = Field(std::string("K1\0Kelva\0C\0001\0f\0v", 18), 644);
+  const std::string texts = Field(std::string("K1\0Kelva\0C\0001\0f\0v", 16), 644);
   EXPECT_EQ(JudgeInformationTexts(texts, {"K1", "Kelva", "", "", ""}).holds, true);
   EXPECT_EQ(JudgeInformationTexts(texts, {"K2", "Kelva", "", "", ""}).holds, false);
   EXPECT_EQ(JudgeInformationTexts("\xFF", {"K1", "Kelva", "", "", ""}).seen, "no texts");
