@@ -222,7 +222,8 @@ class FileReader::Core {
     char piece[kProofSize];
     const std::uint64_t moved = Ask(offset, piece);
     at_ = offset + moved;
-    return moved == sizeof(piece) && std::ranges::equal(piece, std::span(scratch_).subspan(offset, sizeof(piece)));
+    return moved == sizeof(piece) &&
+           std::equal(piece, piece + sizeof(piece), scratch_.begin() + static_cast<std::ptrdiff_t>(offset));
   }
 
   const boost::shared_ptr<Camera> camera_;

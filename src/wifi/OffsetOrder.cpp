@@ -58,7 +58,8 @@ void RememberOrder(const boost::shared_ptr<Camera>& camera, OffsetOrder order) {
 
 std::optional<std::size_t> ProofOffset(std::span<const char> firstChunk) {
   const auto differ = [firstChunk](std::size_t one, std::size_t other) {
-    return !std::ranges::equal(firstChunk.subspan(one, kProofSize), firstChunk.subspan(other, kProofSize));
+    const char* const first = firstChunk.data() + one;
+    return !std::equal(first, first + kProofSize, firstChunk.data() + other);
   };
   // The farthest place first: the longer the jump, the less a camera's own buffer hides.
   for (std::size_t place = firstChunk.size() / kProofSize; place-- > 2;) {
