@@ -106,7 +106,7 @@ std::string ShownPath(std::string_view cameraPath) {
       path += c == '\\' ? '/' : c;
     }
   }
-  const std::string text = Printable(path);
+  std::string text = Printable(path);
   if (std::all_of(text.begin(), text.end(), IsPlainForShells)) return text;
   std::string quoted = "'";
   for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
