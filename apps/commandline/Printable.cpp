@@ -112,8 +112,11 @@ std::string PrintableLines(std::string_view bytes) {
 
 std::size_t Width(std::string_view printable) {
   std::size_t width = 0;
-  for (; !printable.empty(); printable.remove_prefix(FirstUtf8(printable).length))
-    width += WidthOf(FirstUtf8(printable));
+  while (!printable.empty()) {
+    const Utf8Piece piece = FirstUtf8(printable);
+    width += WidthOf(piece);
+    printable.remove_prefix(piece.length);
+  }
   return width;
 }
 
