@@ -29,7 +29,7 @@ wire::Reply Size(Device& device, const wire::Command& command) {
 wire::Reply Time(const Device& device, const wire::Command& command) {
   base::Bytes bytes = device.clock.Read();
   MakeOpaque(device.options.opaque, "clock", bytes);
-  return Answer(command, device.givenTime.empty() ? std::move(bytes) : device.givenTime);
+  return Answer(command, device.givenTime.empty() ? bytes : device.givenTime);
 }
 
 wire::Reply Battery(const Device& device, const wire::Command& command) {

@@ -57,7 +57,7 @@ std::string WantedFolder(const Context& context) {
 // The folder that is meant. Cameras answer for a folder that is not there with an empty listing or a bare refusal; its
 // parent knows.
 std::string FolderMeant(Context& context, Camera& camera, const std::string& typed) {
-  const std::string path = MeantOne(context, camera, typed);
+  std::string path = MeantOne(context, camera, typed);
   if (Split(path).name.empty()) return path;
   RequireFolder(camera, Split(path).folder);
   const auto entry = FindEntry(camera, path);
