@@ -37,9 +37,11 @@ void (*firstAction)() noexcept = nullptr;
 
 extern "C" void OnAbort(int) {
   if (firstAction != nullptr) firstAction();
+  // Noted first: other threads go on for a moment, and miss their files.
+  const bool goesOn = Guard::NoteAbort();
   RemoveScratchFiles();
   // Another process takes over and will give the result.
-  if (Guard::NoteAbort()) ::_exit(static_cast<int>(ExitCode::kFailed));
+  if (goesOn) ::_exit(static_cast<int>(ExitCode::kFailed));
   lastWord.WriteTo(STDERR_FILENO);
   lastResult.WriteTo(resultDescriptor);
   ::_exit(static_cast<int>(ExitCode::kFailed));

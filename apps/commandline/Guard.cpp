@@ -193,6 +193,8 @@ Guard::Fate Guard::FateOf(std::string_view token) const {
 }
 
 bool Guard::TakeReport(std::string_view token) {
+  // What fails while this process ends, fails because its files are being removed; the next process tries it again.
+  if (page_.aborted) return false;
   const std::scoped_lock lock(mutex_);
   const std::uint64_t item = ItemOf(token);
   if ((page_.FactsOf(item) & kReported) != 0) return false;

@@ -31,6 +31,7 @@ class Guard {
   /// An item whose fate is known is left out.
   Fate FateOf(std::string_view token) const;
   /// True for the first call with this token. Whoever reports an item asks first, since a later process meets it again.
+  /// False in a process that aborts: another one takes over and finds out itself.
   bool TakeReport(std::string_view token);
   /// Whether TakeReport was called with this token.
   bool WasReported(std::string_view token) const;

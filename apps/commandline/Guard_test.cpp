@@ -114,6 +114,18 @@ TEST(GuardDeathTest, AnItemIsReportedOnceHoweverManyProcessesMeetIt) {
   EXPECT_EXIT(RunAndExit(work), ExitedWithCode(6), AllOf(HasSubstr("[bad]"), Not(HasSubstr("[bad][bad]"))));
 }
 
+TEST(GuardDeathTest, AProcessThatAbortsReportsNothingMore) {
+  const auto work = [](Guard& guard) {
+    CatchAborts("", "", -1);
+    if (!IsOpen(guard, "a")) return !guard.WasReported("b") && guard.TakeReport("b") ? 6 : 99;
+    guard.Begin("a", "A");
+    // What another thread does while the handler removes the files that it writes.
+    if (!Guard::NoteAbort() || guard.TakeReport("b")) return 98;
+    std::abort();
+  };
+  EXPECT_EXIT(RunAndExit(work), ExitedWithCode(6), "");
+}
+
 TEST(GuardDeathTest, AWorkerThatIsKilledIsSaidAndItsItemTriedOnceMore) {
   const auto work = [](Guard& guard) {
     if (!IsOpen(guard, "a")) return 99;
