@@ -8,10 +8,10 @@
 #include <thread>
 #include <vector>
 
-#include "apps/kelva/thumbnail/Drawing.h"
-#include "apps/kelva/thumbnail/Exif.h"
-#include "apps/kelva/thumbnail/JpegKind.h"
-#include "apps/kelva/thumbnail/Worker.h"
+#include "apps/decoder/Drawing.h"
+#include "apps/decoder/Exif.h"
+#include "apps/decoder/JpegKind.h"
+#include "apps/decoder/Worker.h"
 #include "base/FileDescriptor.h"
 #include "fuzz/InputReader.h"
 

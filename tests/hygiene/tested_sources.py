@@ -23,8 +23,8 @@ ELSEWHERE = {
     "tests/umockdev/DefaultSource_test.cpp": "darwin/udev/DefaultSource.cpp",
     "vcam/server/Bus_test.cpp": "vcam/server/BusRequests.cpp",
     # One test for what the build chooses among.
-    "apps/kelva/thumbnail/Confine_test.cpp": """
-        apps/kelva/thumbnail/ConfineLinux.cpp apps/kelva/thumbnail/ConfineNot.cpp apps/kelva/thumbnail/ConfinePosix.cpp""",
+    "apps/decoder/Confine_test.cpp": """
+        apps/decoder/ConfineLinux.cpp apps/decoder/ConfineNot.cpp apps/decoder/ConfinePosix.cpp""",
     # It waits for a camera's clock, which no unit test does.
     "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/kelva/sheet/Thumbnail.h"
+#include "apps/thumbnails/Thumbnail.h"
 
 namespace apps {
 

@@ -11,7 +11,7 @@
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/ReadLimit.h"
-#include "apps/kelva/thumbnail/Jpeg.h"
+#include "apps/decoder/Jpeg.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {

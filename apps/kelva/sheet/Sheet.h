@@ -14,7 +14,7 @@
 #include "apps/kelva/sheet/Beside.h"
 #include "apps/kelva/sheet/Card.h"
 #include "apps/kelva/sheet/FileSizes.h"
-#include "apps/kelva/sheet/ThumbnailPool.h"
+#include "apps/thumbnails/ThumbnailPool.h"
 #include "src/wifi/Camera.h"
 
 namespace apps {

@@ -7,8 +7,8 @@
 
 #include "apps/camera/testing/FakeCamera.h"
 #include "apps/commandline/testing/SilentContext.h"
+#include "apps/decoder/testing/TinyJpeg.h"
 #include "apps/kelva/sheet/testing/SheetTest.h"
-#include "apps/kelva/thumbnail/testing/TinyJpeg.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {

@@ -9,8 +9,8 @@
 #include <optional>
 #include <sstream>
 
+#include "apps/decoder/testing/TinyJpeg.h"
 #include "apps/files/testing/RecordingCalls.h"
-#include "apps/kelva/thumbnail/testing/TinyJpeg.h"
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {

@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "apps/kelva/thumbnail/testing/TinyJpeg.h"
+#include "apps/decoder/testing/TinyJpeg.h"
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {

@@ -1,0 +1,105 @@
+// Draws one small picture, and says it in bytes.
+#include "apps/decoder/Drawing.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "apps/commandline/Printable.h"
+#include "apps/decoder/Exif.h"
+#include "apps/decoder/Jpeg.h"
+#include "base/Ascii.h"
+
+namespace apps {
+namespace {
+
+// "KTHB"
+constexpr std::uint32_t kMagic = 0x4248544B;
+constexpr std::uint16_t kDrawn = 0;
+constexpr std::uint16_t kNotDrawn = 1;
+constexpr std::size_t kTimeSize = 19;
+constexpr std::size_t kLongestText = 400;
+
+/// The fields of a head, in their order.
+struct Head {
+  std::uint32_t magic;
+  std::uint16_t kind;
+  std::uint16_t width;
+  std::uint16_t height;
+  std::uint16_t timeSize;
+  std::uint16_t textSize;
+  std::uint16_t zero;
+
+  std::size_t Pixels() const { return std::size_t{width} * height * 3; }
+};
+
+Head ReadHead(std::span<const std::uint8_t, kAnswerHead> bytes) {
+  return {base::Load<std::uint32_t>(bytes, 0),  base::Load<std::uint16_t>(bytes, 4),
+          base::Load<std::uint16_t>(bytes, 6),  base::Load<std::uint16_t>(bytes, 8),
+          base::Load<std::uint16_t>(bytes, 10), base::Load<std::uint16_t>(bytes, 12),
+          base::Load<std::uint16_t>(bytes, 14)};
+}
+
+bool IsSound(const Head& head) {
+  if (head.magic != kMagic || head.zero != 0 || head.textSize > kLongestText) return false;
+  if (head.kind == kNotDrawn) return head.width == 0 && head.height == 0 && head.timeSize == 0 && head.textSize != 0;
+  return head.kind == kDrawn && head.width >= 1 && head.height >= 1 && head.width <= kThumbnailSide &&
+         head.height <= kThumbnailSide && (head.timeSize == 0 || head.timeSize == kTimeSize);
+}
+
+base::Bytes Encode(std::uint16_t kind, const Pixels& image, const std::string& time, const std::string& text) {
+  const std::string shown = text.substr(0, kLongestText);
+  base::Bytes bytes;
+  base::Append(bytes, kMagic, kind, static_cast<std::uint16_t>(image.width), static_cast<std::uint16_t>(image.height),
+               static_cast<std::uint16_t>(time.size()), static_cast<std::uint16_t>(shown.size()), std::uint16_t{0});
+  bytes.insert(bytes.end(), image.rgb.begin(), image.rgb.end());
+  base::AppendText(bytes, time + shown);
+  return bytes;
+}
+
+std::string TextOf(std::span<const std::uint8_t> bytes) {
+  return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace
+
+DrawingOrReason Draw(std::span<const char> jpegFile) {
+  try {
+    Decoded decoded = DecodeJpeg(jpegFile, kThumbnailSide);
+    ExifFacts facts = ReadExif(jpegFile);
+    return Drawing{Upright(Shrunk(decoded.image, kThumbnailSide), facts.orientation), std::move(facts.time),
+                   std::move(decoded.complaint)};
+  } catch (const NoPicture& reason) {
+    return reason.what();
+  } catch (const std::bad_alloc&) {
+    return "it takes more memory than a thumbnail is worth";
+  }
+}
+
+base::Bytes EncodeAnswer(const DrawingOrReason& answer) {
+  if (const auto* reason = std::get_if<std::string>(&answer)) return Encode(kNotDrawn, {}, "", *reason);
+  const Drawing& drawing = std::get<Drawing>(answer);
+  return Encode(kDrawn, drawing.image, drawing.time.value_or(""), drawing.complaint);
+}
+
+std::optional<std::size_t> SizeAfter(std::span<const std::uint8_t, kAnswerHead> bytes) {
+  const Head head = ReadHead(bytes);
+  if (!IsSound(head)) return std::nullopt;
+  return head.Pixels() + head.timeSize + head.textSize;
+}
+
+std::optional<DrawingOrReason> DecodeAnswer(std::span<const std::uint8_t, kAnswerHead> bytes,
+                                            std::span<const std::uint8_t> rest) {
+  const Head head = ReadHead(bytes);
+  if (SizeAfter(bytes) != rest.size()) return std::nullopt;
+  const std::string text = Printable(TextOf(rest.subspan(head.Pixels() + head.timeSize)));
+  if (head.kind == kNotDrawn) return text;
+  const auto pixels = rest.first(head.Pixels());
+  Drawing drawing{{head.width, head.height, {pixels.begin(), pixels.end()}}, {}, text};
+  if (head.timeSize == 0) return drawing;
+  drawing.time = TextOf(rest.subspan(head.Pixels(), kTimeSize));
+  if (!base::HasShape(*drawing.time, "0000-00-00 00:00:00")) return std::nullopt;
+  return drawing;
+}
+
+}  // namespace apps

@@ -1,0 +1,46 @@
+#ifndef KELVA_APPS_DECODER_DRAWING_H_
+#define KELVA_APPS_DECODER_DRAWING_H_
+
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+
+#include "apps/decoder/Pixels.h"
+#include "base/Bytes.h"
+
+// What the process that decodes pictures tells the one that started it. A picture may have taken that process over, so
+// every number and every byte of an answer is checked.
+
+namespace apps {
+
+/// The longer side of a thumbnail: sharp at twice the size at which the sheet shows most of them.
+inline constexpr int kThumbnailSide = 400;
+/// The largest file that is drawn.
+inline constexpr std::size_t kLargestPicture = std::size_t{256} << 20;
+
+/// A small, upright picture of a JPEG file.
+struct Drawing {
+  Pixels image;
+  std::optional<std::string> time;  ///< when the picture was taken, where the file says so
+  std::string complaint;            ///< empty, or what is damaged in a picture that could be drawn in part
+};
+/// A drawing, or why there is none, as the end of a sentence.
+using DrawingOrReason = std::variant<Drawing, std::string>;
+
+/// Decodes a JPEG file in this process.
+DrawingOrReason Draw(std::span<const char> jpegFile);
+
+/// An answer begins with a head of this size; it says how many bytes follow.
+inline constexpr std::size_t kAnswerHead = 16;
+base::Bytes EncodeAnswer(const DrawingOrReason& answer);
+/// The size of what follows a head; nothing for a head that no answer has.
+std::optional<std::size_t> SizeAfter(std::span<const std::uint8_t, kAnswerHead> head);
+/// The answer of a head that SizeAfter has accepted and exactly as many bytes; nothing when it is no answer. Texts are
+/// printable.
+std::optional<DrawingOrReason> DecodeAnswer(std::span<const std::uint8_t, kAnswerHead> head,
+                                            std::span<const std::uint8_t> rest);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_DECODER_DRAWING_H_

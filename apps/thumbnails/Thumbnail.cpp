@@ -1,0 +1,19 @@
+// Draws one thumbnail: another process decodes it, this one stores it.
+#include "apps/thumbnails/Thumbnail.h"
+
+#include <utility>
+#include <variant>
+
+#include "apps/decoder/Jpeg.h"
+
+namespace apps {
+
+Thumbnail DrawThumbnail(Thumbnailer& thumbnailer, std::span<const char> jpegFile, const Stop& stop) {
+  DrawingOrReason answer = thumbnailer.Draw(jpegFile, stop);
+  if (const auto* reason = std::get_if<std::string>(&answer)) throw NoPicture(*reason);
+  Drawing& drawing = std::get<Drawing>(answer);
+  const Pixels& image = drawing.image;
+  return {image.width, image.height, EncodeJpeg(image), std::move(drawing.time), std::move(drawing.complaint)};
+}
+
+}  // namespace apps

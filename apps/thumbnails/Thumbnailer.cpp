@@ -1,0 +1,214 @@
+// Starts the process that decodes pictures, and talks to it.
+#include "apps/thumbnails/Thumbnailer.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <optional>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+#include "apps/decoder/Worker.h"
+
+namespace apps {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A new process now and then: the bound of its processor time is for all that it draws.
+constexpr int kPicturesPerProcess = 500;
+constexpr int kSocketBuffer = 1 << 20;
+
+/// What the child starts with: the socket as its standard input, nothing else that is open, no environment, and a process
+/// group of its own, since Ctrl-C is meant for this process alone.
+class Setup {
+ public:
+  explicit Setup(int socket) {
+    sigset_t all;
+    sigset_t none;
+    ::sigfillset(&all);
+    ::sigemptyset(&none);
+    ::posix_spawn_file_actions_init(&actions_);
+    ::posix_spawn_file_actions_adddup2(&actions_, socket, STDIN_FILENO);
+    ::posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+    ::posix_spawnattr_init(&attributes_);
+    ::posix_spawnattr_setsigdefault(&attributes_, &all);
+    ::posix_spawnattr_setsigmask(&attributes_, &none);
+    ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
+  }
+  ~Setup() {
+    ::posix_spawnattr_destroy(&attributes_);
+    ::posix_spawn_file_actions_destroy(&actions_);
+  }
+  Setup(const Setup&) = delete;
+  Setup& operator=(const Setup&) = delete;
+
+  int Spawn(pid_t& child, std::string program) const {
+    char* const arguments[] = {program.data(), nullptr};
+    char* const environment[] = {nullptr};
+    return ::posix_spawn(&child, program.c_str(), &actions_, &attributes_, arguments, environment);
+  }
+
+ private:
+  posix_spawnattr_t attributes_{};
+  posix_spawn_file_actions_t actions_{};
+};
+
+/// The end of a sentence.
+std::string HowEnded(int status) {
+  return WIFSIGNALED(status) ? "was killed by signal " + std::to_string(WTERMSIG(status))
+                             : "ended with status " + std::to_string(WEXITSTATUS(status));
+}
+
+}  // namespace
+
+/// One question and its answer over a socket that does not block. Its members are false once the other end has gone, or
+/// time is over.
+class Thumbnailer::Exchange {
+ public:
+  Exchange(int socket, const Stop& stop, std::chrono::milliseconds patience)
+      : socket_(socket), stop_(stop), end_(Clock::now() + patience) {}
+
+  bool Send(std::span<const char> bytes) {
+    return Move(POLLOUT, bytes.size(), [&](std::size_t from) {
+      return ::send(socket_, bytes.data() + from, bytes.size() - from, MSG_NOSIGNAL | MSG_DONTWAIT);
+    });
+  }
+  bool Receive(std::span<std::uint8_t> bytes) {
+    return Move(POLLIN, bytes.size(), [&](std::size_t from) {
+      return ::recv(socket_, bytes.data() + from, bytes.size() - from, MSG_DONTWAIT);
+    });
+  }
+  bool TimeIsOver() const { return Clock::now() >= end_; }
+
+ private:
+  template <typename Call>
+  bool Move(short event, std::size_t size, Call call) {
+    for (std::size_t moved = 0; moved < size;) {
+      const ssize_t count = call(moved);
+      if (count > 0) {
+        moved += static_cast<std::size_t>(count);
+      } else if (count == 0 || (errno != EAGAIN && errno != EINTR) || !Wait(event)) {
+        return false;
+      }
+    }
+    return true;
+  }
+  bool Wait(short event) {
+    constexpr int kLookMs = 100;
+    stop_.Check();
+    pollfd ready{socket_, event, 0};
+    ::poll(&ready, 1, kLookMs);
+    return !TimeIsOver();
+  }
+
+  const int socket_;
+  const Stop& stop_;
+  const Clock::time_point end_;
+};
+
+std::string Thumbnailer::ProgramBeside(const std::string& program) {
+  const std::string folder = program.substr(0, program.find_last_of('/') + 1);
+  // The tests of the build lie in a folder beside that of the programs.
+  for (const char* place : {"kelva-thumbnail", "../bin/kelva-thumbnail"}) {
+    if (::access((folder + place).c_str(), X_OK) == 0) return folder + place;
+  }
+  return folder + KELVA_THUMBNAILER_FROM_PROGRAM;
+}
+
+std::string Thumbnailer::OwnProgram() {
+  std::array<char, PATH_MAX> path{};
+  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
+  return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : std::string();
+}
+
+void Thumbnailer::Start(const Stop& stop, std::chrono::milliseconds patience) {
+  Spawn();
+  Exchange exchange(socket_.Get(), stop, patience);
+  std::array<std::uint8_t, kReady.size()> ready{};
+  if (!exchange.Receive(ready)) FailToStart(exchange.TimeIsOver());
+  if (std::equal(ready.begin(), ready.end(), kReady.begin())) return;
+  Reap();
+  throw Failure(ExitCode::kFailed,
+                Printable(program_) + " speaks another language than this kelva; install both from one version.");
+}
+
+void Thumbnailer::FailToStart(bool silent) {
+  const int status = Reap();
+  if (!silent && WIFEXITED(status) && WEXITSTATUS(status) == kCannotConfine) {
+    throw Failure(ExitCode::kFailed,
+                  "The system does not let " + Printable(program_) +
+                      " give up its rights, so no picture was decoded; run kelva where seccomp is allowed, outside of "
+                      "a container that forbids it.");
+  }
+  throw Failure(ExitCode::kFailed, "Cannot run " + Printable(program_) + ", which decodes the pictures: it " +
+                                       (silent ? "is silent" : HowEnded(status)) + "; install kelva again.");
+}
+
+void Thumbnailer::Spawn() {
+  std::array<int, 2> ends{};
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+    throw SystemFailure("make a socket", errno);
+  }
+  socket_.Reset(ends[0]);
+  const base::FileDescriptor far(ends[1]);
+  for (const int end : ends) ::setsockopt(end, SOL_SOCKET, SO_SNDBUF, &kSocketBuffer, sizeof kSocketBuffer);
+  const int error = Setup(far.Get()).Spawn(process_, program_);
+  drawn_ = 0;
+  if (error == 0) return;
+  process_ = 0;
+  throw Failure(ExitCode::kFailed, "Cannot run " + Printable(program_) + ", which decodes the pictures: " +
+                                       std::strerror(error) + "; install kelva again.");
+}
+
+int Thumbnailer::Reap() {
+  socket_.Reset();
+  int status = 0;
+  if (process_ == 0) return status;
+  ::kill(process_, SIGKILL);
+  while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+  }
+  process_ = 0;
+  return status;
+}
+
+DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& stop,
+                                  std::chrono::milliseconds patience) {
+  if (jpegFile.size() > kLargestPicture) return "it is larger than a file that a thumbnail is drawn from";
+  if (process_ != 0 && drawn_ == kPicturesPerProcess) Reap();
+  if (process_ == 0) Start(stop, patience);
+  ++drawn_;
+  Exchange exchange(socket_.Get(), stop, patience);
+  const std::uint64_t size = jpegFile.size();
+  std::array<char, sizeof size> sizeBytes{};
+  std::memcpy(sizeBytes.data(), &size, sizeof size);
+  std::array<std::uint8_t, kAnswerHead> head{};
+  base::Bytes rest;
+  bool came = exchange.Send(sizeBytes) && exchange.Send(jpegFile) && exchange.Receive(head);
+  const std::optional<std::size_t> more = came ? SizeAfter(head) : std::nullopt;
+  if (more) {
+    rest.resize(*more);
+    came = exchange.Receive(rest);
+  }
+  if (more && came) {
+    if (auto answer = DecodeAnswer(head, rest)) return *std::move(answer);
+  }
+  if (exchange.TimeIsOver()) return Reap(), "the process that draws it does not come to an end";
+  if (came) return Reap(), "the process that draws it answers in another language";
+  // Killed by what it did, not by Reap: it has gone already.
+  return "the process that draws it " + HowEnded(Reap());
+}
+
+}  // namespace apps

@@ -1,0 +1,56 @@
+#ifndef KELVA_APPS_THUMBNAILS_THUMBNAILER_H_
+#define KELVA_APPS_THUMBNAILS_THUMBNAILER_H_
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <span>
+#include <string>
+
+#include "apps/commandline/Stop.h"
+#include "apps/decoder/Drawing.h"
+#include "base/FileDescriptor.h"
+
+namespace apps {
+
+/// Has pictures decoded by another process, kelva-thumbnail, which has no rights: whatever a picture does to its decoder,
+/// it can do no more than to be drawn wrongly. The process is started for the first picture, draws many, and is replaced
+/// when it ends. One thread.
+class Thumbnailer {
+ public:
+  /// `program`: the path of kelva-thumbnail.
+  explicit Thumbnailer(std::string program = ProgramBeside(OwnProgram())) : program_(std::move(program)) {}
+  ~Thumbnailer() { Reap(); }
+  Thumbnailer(const Thumbnailer&) = delete;
+  Thumbnailer& operator=(const Thumbnailer&) = delete;
+
+  /// What the process makes of a JPEG file; a process that ends or is silent for `patience` counts as a reason. Throws
+  /// Stopped, and Failure when the program cannot be started or cannot be confined: then no picture can be drawn.
+  DrawingOrReason Draw(std::span<const char> jpegFile, const Stop& stop,
+                       std::chrono::milliseconds patience = std::chrono::seconds(60));
+
+  /// The process that draws; 0 when there is none. For tests.
+  pid_t Process() const { return process_; }
+
+  /// Where kelva-thumbnail is for a program at this path: in the same folder, where the build or the installation has it.
+  static std::string ProgramBeside(const std::string& program);
+  static std::string OwnProgram();
+
+ private:
+  class Exchange;
+  void Start(const Stop& stop, std::chrono::milliseconds patience);
+  void Spawn();
+  /// Ends a process that has not become ready; `silent` when it did not even end. Throws.
+  [[noreturn]] void FailToStart(bool silent);
+  /// Ends the process; its status as waitpid has it.
+  int Reap();
+
+  std::string program_;
+  pid_t process_ = 0;
+  int drawn_ = 0;
+  base::FileDescriptor socket_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_THUMBNAILS_THUMBNAILER_H_
