@@ -7,62 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "apps/camera/CameraPath.h"
 #include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
-#include "apps/commandline/Failure.h"
-#include "apps/commandline/Printable.h"
 #include "apps/files/FolderLock.h"
 #include "apps/files/NewFile.h"
 #include "apps/import/Sync.h"
+#include "apps/kelva/verbs/SyncPreview.h"
+#include "apps/kelva/verbs/SyncSummary.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
 namespace {
-
-ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan) {
-  for (const SyncItem& item : plan.items) {
-    if (!item.IsNew()) continue;
-    context.Event("would_store", Json::Object().SetBytes("path", item.CameraPath()).SetBytes("file", item.LocalText()),
-                  ShownPath(item.CameraPath()) + "  ->  " + Printable(item.LocalText()) + "\n");
-  }
-  const std::size_t fresh = plan.NewFiles();
-  context.Result(CameraResult(camera).Set("new", fresh).Set("known", plan.items.size() - fresh), "");
-  context.reporter.Note(std::to_string(fresh) + " files are new; nothing was fetched.");
-  return ExitCode::kDone;
-}
-
-ExitCode CodeOf(const SyncTotals& totals, const std::optional<Outcome>& ended) {
-  if (ended && (ended->code != ExitCode::kFailed || totals.stored == 0)) return ended->code;
-  return ended || totals.failed != 0 ? ExitCode::kPartial : ExitCode::kDone;
-}
-
-ExitCode Finish(Context& context, const Session& camera, const Sync& sync, std::size_t known,
-                const std::optional<Outcome>& ended) {
-  SyncTotals totals = sync.Totals();
-  if (context.guard != nullptr) {
-    totals.stored = context.guard->Files();
-    totals.bytes = context.guard->Bytes();
-  }
-  const ExitCode code = CodeOf(totals, ended);
-  if (ended) context.reporter.Error(ended->sentence, code);
-  Json members = CameraResult(camera);
-  members.Set("stored", totals.stored).Set("bytes", totals.bytes).Set("already_here", totals.alreadyHere);
-  members.Set("unlike_key", totals.unlikeKey);
-  members.Set("known", known).Set("failed", totals.failed).Set("deleted", totals.deleted);
-  if (ended) members.Set("error", ended->sentence);
-  std::string text = std::to_string(totals.stored) + " stored (" + Bytes(totals.bytes) + "), " + std::to_string(known) +
-                     " known before, " + std::to_string(totals.failed) + " failed";
-  if (totals.deleted != 0) text += ", " + std::to_string(totals.deleted) + " deleted on the camera";
-  if (totals.unlikeKey != 0) {
-    context.reporter.Note(
-        std::to_string(totals.unlikeKey) +
-        " files have another SHA-1 than the catalogue's key says; two equal reads were taken instead.");
-  }
-  context.Result(std::move(members), text + "\n", code);
-  if (ended) context.reporter.Note("Run the same command again to fetch the rest.");
-  return code;
-}
 
 ExitCode RunDry(Context& context, const std::string& path, const std::vector<int>& types, const Pattern& pattern) {
   const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
@@ -100,7 +55,7 @@ ExitCode RunSync(Context& context) {
   // What earlier processes of this run stored is known to this one. A process that was killed between storing and counting
   // leaves one file in doubt.
   const std::size_t known = plan.items.size() - plan.NewFiles();
-  return Finish(context, camera, sync, known - std::min<std::size_t>(known, before), ended);
+  return GiveSummary(context, camera, sync, known - std::min<std::size_t>(known, before), ended);
 }
 
 constexpr Argument kArguments[] = {
