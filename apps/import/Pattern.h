@@ -23,13 +23,16 @@ struct LocalPath {
 /// The last five come from the time that the catalogue gives, and are "undated" where it gives none.
 class Pattern {
  public:
-  /// Throws Failure(kUsage): an unknown token, a path that is absolute or leads upwards, no name at its end.
+  /// A pattern that ends with a slash is a folder: {name} follows. Throws Failure(kUsage): an unknown token, a path that is
+  /// absolute or leads upwards, a last part without {name} and without {stem} and {ext}.
   explicit Pattern(std::string_view text);
 
   /// Names one file. Every value is made safe for a name first, so that no name from a camera can add a folder.
   LocalPath Apply(const DcfObj& picture, int type, const std::string& serial) const;
 
   static constexpr std::string_view kDefault = "{folder}/{name}";
+  /// The pattern of folders by "day", "month" or "year". Throws Failure(kUsage) for another word.
+  static std::string_view By(std::string_view word);
 
  private:
   std::vector<std::string> components_;

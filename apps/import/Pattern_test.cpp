@@ -40,6 +40,25 @@ TEST(PatternTest, WithoutATimeTheDateSaysSo) {
   EXPECT_EQ(Named("{year}/{name}", picture), "undated/IMG_0007.JPG");
 }
 
+TEST(PatternTest, TheDateIsMissingOnceAndNotInEachFolder) {
+  DcfObj picture = Example();
+  picture.block8[0] = 'x';
+  EXPECT_EQ(Named("{year}/{month}/{day}/{name}", picture), "undated/IMG_0007.JPG");
+  EXPECT_EQ(Named("{year}/{serial}/{day}/{name}", picture), "undated/K1/undated/IMG_0007.JPG");
+}
+
+TEST(PatternTest, ASlashAtTheEndMeansAFolder) {
+  EXPECT_EQ(Named("{year}/{month}/", Example()), "2026/03/IMG_0007.JPG");
+  EXPECT_EQ(Named("all/", Example(), 2), "all/IMG_0007.RAW");
+}
+
+TEST(PatternTest, ThereIsAPatternForDaysMonthsAndYears) {
+  EXPECT_EQ(Named(Pattern::By("day").data(), Example()), "2026/03/14/IMG_0007.JPG");
+  EXPECT_EQ(Named(Pattern::By("month").data(), Example()), "2026/03/IMG_0007.JPG");
+  EXPECT_EQ(Named(Pattern::By("year").data(), Example()), "2026/IMG_0007.JPG");
+  EXPECT_THROW(Pattern::By("week"), Failure);
+}
+
 TEST(PatternTest, NoByteOfACameraAddsAFolderOrLeavesOne) {
   EXPECT_EQ(Named("{folder}/{name}", Example("/../x", "../a")), "100%2F..%2Fx/%2E.%2Fa0007.JPG");
   EXPECT_EQ(Named("{serial}/{name}", Example(), 1, ".."), "%2E./IMG_0007.JPG");
@@ -47,8 +66,8 @@ TEST(PatternTest, NoByteOfACameraAddsAFolderOrLeavesOne) {
 }
 
 TEST(PatternTest, WhatIsNoRuleIsRefused) {
-  for (const char* bad :
-       {"", "/abs/{name}", "../{name}", "a//{name}", "{folder}/", "{nope}", "{name", "./{name}", ".x/{name}"}) {
+  for (const char* bad : {"", "all", "{stem}", "{name}/{stem}", "{date}.{ext}", "/abs/{name}", "../{name}", "a//{name}",
+                          "/", "a//", "{nope}", "{name", "./{name}", ".x/{name}"}) {
     EXPECT_THROW(Pattern{bad}, Failure) << bad;
   }
 }
@@ -69,6 +88,12 @@ TEST(PatternTest, WhatIsWrongWithAPatternIsSaid) {
       "{serial} {date} {year} {month} {day} {time}.");
   EXPECT_EQ(why("../{name}"), "The pattern \"../{name}\" leads out of the folder.");
   EXPECT_EQ(why("a//b"), "The pattern \"a//b\" has an empty part; it is relative to the folder and ends with a name.");
+  EXPECT_EQ(
+      why("{year}/{month}"),
+      "The pattern \"{year}/{month}\" does not name the files: its last part needs {name}, or {stem} and {ext}, as in "
+      "\"{year}/{month}/{name}\".");
+  EXPECT_THAT(why("{date}_{stem}"), testing::HasSubstr("as in \"{date}_{stem}.{ext}\"."));
+  EXPECT_THAT(why("{date}_{time}.{ext}"), testing::HasSubstr("as in \"{date}_{time}_{stem}.{ext}\"."));
   EXPECT_EQ(why(".a/b"), "The pattern \".a/b\" has a part that begins with a dot; such files are hidden.");
 }
 

@@ -12,6 +12,7 @@
 #include "apps/files/FolderLock.h"
 #include "apps/files/NewFile.h"
 #include "apps/import/Sync.h"
+#include "apps/kelva/verbs/SyncChoice.h"
 #include "apps/kelva/verbs/SyncPreview.h"
 #include "apps/kelva/verbs/SyncSummary.h"
 #include "apps/kelva/verbs/Verbs.h"
@@ -19,26 +20,25 @@
 namespace apps {
 namespace {
 
-ExitCode RunDry(Context& context, const std::string& path, const std::vector<int>& types, const Pattern& pattern) {
+ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& choice) {
   const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
   std::optional<TargetFolder> folder;
   if (!missing) folder = TargetFolder::Open(path);
   Manifest manifest = missing ? Manifest() : Manifest(*folder, false);
   const Session camera(context, "read the picture catalogue");
-  return ShowPlan(
-      context, camera,
-      MakePlan(ReadPictures(*camera), camera.Facts().serial, types, pattern, manifest, missing ? nullptr : &*folder));
+  return ShowPlan(context, camera,
+                  MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest,
+                           missing ? nullptr : &*folder));
 }
 
 ExitCode RunSync(Context& context) {
-  const Pattern pattern(context.call.Value("pattern").value_or(std::string(Pattern::kDefault)));
-  const std::vector<int> types = ParseTypes(context.call.Value("types"));
+  const SyncChoice choice = SyncChoiceOf(context);
   SyncOptions options;
   options.deleteAfter = context.call.Has("delete-after-verify");
   options.verify = options.deleteAfter || context.call.Has("verify");
 
   const std::string& path = context.call.words[0];
-  if (context.call.Has("dry-run")) return RunDry(context, path, types, pattern);
+  if (context.call.Has("dry-run")) return RunDry(context, path, choice);
 
   // First, so that a camera that is not there leaves no folder behind.
   const Session camera(context, "read the picture catalogue");
@@ -48,7 +48,8 @@ ExitCode RunSync(Context& context) {
   Manifest manifest(folder, true);
   RemoveLeftovers(folder);
   const unsigned long long before = context.guard == nullptr ? 0 : context.guard->Files();
-  const SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, types, pattern, manifest, &folder);
+  const SyncPlan plan =
+      MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest, &folder);
   if (context.guard != nullptr) context.guard->Expect(before + plan.NewFiles());
   Sync sync(context, *camera, folder, manifest, options);
   const auto ended = sync.Run(plan);
@@ -64,6 +65,8 @@ constexpr Option kOptions[] = {
     {"types", 't', "LIST", "Only these types of files: jpg, raw, txt, 128, separated by commas.", Offer::kWords,
      "jpg raw txt 128 jpg,raw"},
     {"pattern", 'p', "PATTERN", "How files are named below FOLDER; the default is {folder}/{name}."},
+    {"by", 0, "UNIT", "Folders by the picture's date: day, month or year. Short for a pattern.", Offer::kWords,
+     "day month year"},
     {"dry-run", 'n', "", "Fetch nothing; show what would be fetched, and under which names."},
     {"verify", 0, "", "Read each new file a second time and compare."},
     {"delete-after-verify", 0, "",
@@ -72,6 +75,7 @@ constexpr Option kOptions[] = {
 constexpr Example kExamples[] = {
     {"kelva sync ~/Pictures/camera", "Fetch what is new."},
     {"kelva sync --types jpg --pattern '{year}/{date}_{stem}.{ext}' -n ~/Pictures", "See where pictures would go."},
+    {"kelva sync --by month ~/Pictures", "One folder for each month: 2026/03/IMG_0001.JPG."},
     {"kelva sync --delete-after-verify ~/Pictures/camera", "Make room on the camera, safely."},
 };
 
@@ -93,7 +97,9 @@ more; if that one is killed too, the file counts as failed. While one run is at 
 (exit status 4); .kelva-manifest.lock, a file that stays, is for that.
 
 The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}. The
-last five are "undated" if the catalogue has no time. A name from the camera cannot add a folder: bytes that are not
+last five are "undated" if the catalogue has no time. A pattern names each file: its last part has {name}, or {stem} and
+{ext}. One that ends with / is a folder, in which files keep their names. --by day is {year}/{month}/{day}/, --by month is
+{year}/{month}/, --by year is {year}/. A name from the camera cannot add a folder: bytes that are not
 safe in a file name are written as %XX.
 
 A file arrives in one piece, and so does the catalogue with 128 bytes for each picture. Memory is needed for the

@@ -1,0 +1,26 @@
+// Reads the options of sync.
+#include "apps/kelva/verbs/SyncChoice.h"
+
+#include <string>
+
+#include "apps/commandline/Failure.h"
+#include "apps/import/Plan.h"
+
+namespace apps {
+namespace {
+
+Pattern PatternOf(const Context& context) {
+  const auto pattern = context.call.Value("pattern");
+  const auto by = context.call.Value("by");
+  if (pattern && by) throw Failure(ExitCode::kUsage, "Use --by or --pattern, not both.");
+  if (by) return Pattern(Pattern::By(*by));
+  return Pattern(pattern.value_or(std::string(Pattern::kDefault)));
+}
+
+}  // namespace
+
+SyncChoice SyncChoiceOf(const Context& context) {
+  return {PatternOf(context), ParseTypes(context.call.Value("types"))};
+}
+
+}  // namespace apps

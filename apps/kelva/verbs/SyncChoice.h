@@ -1,0 +1,22 @@
+#ifndef KELVA_APPS_KELVA_VERBS_SYNC_CHOICE_H_
+#define KELVA_APPS_KELVA_VERBS_SYNC_CHOICE_H_
+
+#include <vector>
+
+#include "apps/commandline/Context.h"
+#include "apps/import/Pattern.h"
+
+namespace apps {
+
+/// What the command line of a sync asks for.
+struct SyncChoice {
+  Pattern pattern;
+  std::vector<int> types;
+};
+
+/// Throws Failure(kUsage).
+SyncChoice SyncChoiceOf(const Context& context);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_KELVA_VERBS_SYNC_CHOICE_H_
