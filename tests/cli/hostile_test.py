@@ -152,7 +152,7 @@ class HostileNamesTest(HostileTest):
         self.assertEqual(self.camera.read, [])
 
     def test_one_pattern_for_all_makes_no_name_of_two(self):
-        run = self.kelva("sync", "--pattern", "{stem}", self.target)
+        run = self.kelva("sync", "--pattern", "{stem}.{ext}", self.target)
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertEqual(self.stored(), sorted(self.files.values()))
 

@@ -58,6 +58,8 @@ class TargetTest(Bus):
             with self.subTest(size=size):
                 disk = small_disk.SmallDisk(self.target, f"size={size}")
                 try:
+                    # The first listing fails, so the sizes of the files are not known before they are read.
+                    self.fault("fail", 3)
                     run = self.sync()
                     if run.returncode != 0:
                         self.fails(run, 1, 6)
@@ -67,6 +69,24 @@ class TargetTest(Bus):
                     self.complete(PICTURES)
                 finally:
                     disk.unmount()
+
+    def test_a_disk_that_is_too_small_is_said_before_anything_is_read(self):
+        self.pictures(PICTURES, SIZE)
+        self.small("size=100k")
+        run = self.sync("--json")
+        document = json.loads(run.stdout.splitlines()[-1])
+        self.assertEqual((run.returncode, document["stored"]), (1, 0), run.stderr)
+        self.assertRegex(document["error"], r"^Not enough room in .*: 6 files \(240\.0 kB\) to fetch, [0-9.]+ kB free; "
+                                            r"make room there, or choose another folder\.$")
+        self.assertFalse([name for name in os.listdir(self.target) if not name.startswith(".kelva-manifest")])
+
+    def test_what_is_here_needs_no_room(self):
+        self.pictures(PICTURES, SIZE)
+        disk = self.small("size=4m")
+        self.complete(PICTURES)
+        disk.remount("size=300k")
+        self.put("DCIM/100ABCDE/IMG_0009.JPG", random.randbytes(10))
+        self.complete(PICTURES + 1)
 
     def test_a_disk_without_room_for_names_is_full_too(self):
         self.pictures(PICTURES, SIZE)

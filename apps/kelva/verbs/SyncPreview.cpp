@@ -1,22 +1,72 @@
 // What sync --dry-run shows.
 #include "apps/kelva/verbs/SyncPreview.h"
 
+#include <map>
+#include <optional>
 #include <string>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/ListedSizes.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/FreeSpace.h"
+#include "apps/import/Coming.h"
 
 namespace apps {
+namespace {
 
-ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan) {
-  for (const SyncItem& item : plan.items) {
-    if (!item.IsNew()) continue;
-    context.Event("would_store", Json::Object().SetBytes("path", item.CameraPath()).SetBytes("file", item.LocalText()),
-                  ShownPath(item.CameraPath()) + "  ->  " + Printable(item.LocalText()) + "\n");
+struct Preview {
+  Coming all;
+  std::map<std::string, Coming> folders;  ///< below the target
+};
+
+std::string FolderIn(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
+void ShowItem(Context& context, const SyncItem& item, std::optional<unsigned long long> size, Preview& preview) {
+  const std::string file = item.LocalText();
+  preview.all.Add(size);
+  preview.folders[FolderIn(file)].Add(size);
+  Json members = Json::Object().SetBytes("path", item.CameraPath()).SetBytes("file", file);
+  if (size) members.Set("size", *size);
+  context.Event(
+      "would_store", std::move(members),
+      ShownPath(item.CameraPath()) + "  ->  " + Printable(file) + "  " + (size ? Bytes(*size) : "unknown size") + "\n");
+}
+
+Json InJson(const std::map<std::string, Coming>& folders) {
+  Json all = Json::Array();
+  for (const auto& [name, coming] : folders) {
+    Json folder = Json::Object().SetBytes("folder", name).Set("files", coming.files).Set("bytes", coming.bytes);
+    all.Push(std::move(folder));
   }
-  const std::size_t fresh = plan.NewFiles();
-  context.Result(CameraResult(camera).Set("new", fresh).Set("known", plan.items.size() - fresh), "");
-  context.reporter.Note(std::to_string(fresh) + " files are new; nothing was fetched.");
+  return all;
+}
+
+std::string InWords(const Preview& preview, std::size_t known, std::optional<unsigned long long> free) {
+  std::string text = preview.all.files == 0 ? "" : "\n";
+  for (const auto& [name, coming] : preview.folders) text += Printable(name) + ": " + coming.Text() + "\n";
+  text += "To fetch: " + preview.all.Text() + "; " + std::to_string(known) + " known before";
+  return text + (free ? "; " + Bytes(*free) + " free.\n" : ".\n");
+}
+
+}  // namespace
+
+ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const std::string& target) {
+  ListedSizes sizes(*camera);
+  Preview preview;
+  for (const SyncItem& item : plan.items) {
+    if (item.IsNew()) ShowItem(context, item, sizes.SizeOf(item.CameraPath()), preview);
+  }
+  const std::size_t known = plan.items.size() - plan.NewFiles();
+  const auto free = FreeSpaceFor(target);
+  Json members = CameraResult(camera).Set("new", preview.all.files).Set("known", known).Set("bytes", preview.all.bytes);
+  members.Set("unlisted", preview.all.unlisted).Set("folders", InJson(preview.folders));
+  if (free) members.Set("free", *free);
+  context.Result(std::move(members), InWords(preview, known, free));
+  const std::string tooLittle = WhyTooLittleRoom(preview.all, free, target);
+  context.reporter.Note(tooLittle.empty() ? "Nothing was fetched." : tooLittle);
   return ExitCode::kDone;
 }
 

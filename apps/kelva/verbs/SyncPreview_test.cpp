@@ -1,5 +1,7 @@
 #include "apps/kelva/verbs/SyncPreview.h"
 
+#include <gmock/gmock.h>
+
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {
@@ -7,15 +9,30 @@ namespace {
 
 using SyncPreviewTest = VerbTest;
 
-TEST_F(SyncPreviewTest, ShowsTheNamesThatWillBeUsedAndFetchesNothing) {
+TEST_F(SyncPreviewTest, ShowsNamesSizesAndTotalsAndFetchesNothing) {
   Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
   Put("DCIM/101ABCDE/IMG_0001.JPG", "other");
   const std::string target = (folder / "out").string();
-  const Ran ran = Run({"sync", target.c_str(), "-n", "--pattern", "{name}"});
-  EXPECT_EQ(ran.out,
-            "I:/DCIM/100ABCDE/IMG_0001.JPG  ->  IMG_0001.JPG\n"
-            "I:/DCIM/101ABCDE/IMG_0001.JPG  ->  IMG_0001-2.JPG\n");
+  EXPECT_THAT(Run({"sync", target.c_str(), "-n", "--pattern", "{name}"}).out,
+              testing::MatchesRegex("I:/DCIM/100ABCDE/IMG_0001.JPG  ->  IMG_0001.JPG  3 B\n"
+                                    "I:/DCIM/101ABCDE/IMG_0001.JPG  ->  IMG_0001-2.JPG  5 B\n"
+                                    "\n"
+                                    "\\.: 2 files \\(8 B\\)\n"
+                                    "To fetch: 2 files \\(8 B\\); 0 known before; [0-9.]+ .?B free\\.\n"));
   EXPECT_FALSE(std::filesystem::exists(target));
+}
+
+TEST_F(SyncPreviewTest, CountsEachFolder) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
+  Put("DCIM/101ABCDE/IMG_0001.JPG", "other");
+  Put("DCIM/101ABCDE/IMG_0002.JPG", "third");
+  const std::string target = (folder / "out").string();
+  const std::string out = Run({"sync", target.c_str(), "-n"}).out;
+  EXPECT_THAT(out, testing::HasSubstr("\n100ABCDE: 1 file (3 B)\n101ABCDE: 2 files (10 B)\n"));
+  EXPECT_THAT(
+      Run({"sync", target.c_str(), "-n", "--json"}).out,
+      testing::HasSubstr(R"("new":3,"known":0,"bytes":13,"unlisted":0,"folders":[{"folder":"100ABCDE","files":1,)"
+                         R"("bytes":3},{"folder":"101ABCDE","files":2,"bytes":10}],"free":)"));
 }
 
 }  // namespace

@@ -7,10 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/ListedSizes.h"
 #include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
 #include "apps/files/FolderLock.h"
+#include "apps/files/FreeSpace.h"
 #include "apps/files/NewFile.h"
+#include "apps/import/Coming.h"
 #include "apps/import/Sync.h"
 #include "apps/kelva/verbs/SyncChoice.h"
 #include "apps/kelva/verbs/SyncPreview.h"
@@ -28,7 +31,15 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
   const Session camera(context, "read the picture catalogue");
   return ShowPlan(context, camera,
                   MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest,
-                           missing ? nullptr : &*folder));
+                           missing ? nullptr : &*folder),
+                  path);
+}
+
+// Before the first byte is read: a disk that is too small would be full in the middle.
+std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const TargetFolder& folder) {
+  ListedSizes sizes(camera);
+  const std::string why = WhyTooLittleRoom(ToBeWritten(plan, sizes, &folder), FreeSpace(folder), folder.Path());
+  return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});
 }
 
 ExitCode RunSync(Context& context) {
@@ -52,7 +63,8 @@ ExitCode RunSync(Context& context) {
       MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest, &folder);
   if (context.guard != nullptr) context.guard->Expect(before + plan.NewFiles());
   Sync sync(context, *camera, folder, manifest, options);
-  const auto ended = sync.Run(plan);
+  auto ended = CheckRoom(*camera, plan, folder);
+  if (!ended) ended = sync.Run(plan);
   // What earlier processes of this run stored is known to this one. A process that was killed between storing and counting
   // leaves one file in doubt.
   const std::size_t known = plan.items.size() - plan.NewFiles();
@@ -67,7 +79,7 @@ constexpr Option kOptions[] = {
     {"pattern", 'p', "PATTERN", "How files are named below FOLDER; the default is {folder}/{name}."},
     {"by", 0, "UNIT", "Folders by the picture's date: day, month or year. Short for a pattern.", Offer::kWords,
      "day month year"},
-    {"dry-run", 'n', "", "Fetch nothing; show what would be fetched, and under which names."},
+    {"dry-run", 'n', "", "Fetch nothing; show which files would be fetched, their names, sizes and the free space."},
     {"verify", 0, "", "Read each new file a second time and compare."},
     {"delete-after-verify", 0, "",
      "Delete a file on the camera once it was read twice with the same content and is on disk here."},
@@ -90,6 +102,9 @@ file that does not fit is read again, and stored if both reads are equal.
 Only then does it get its name, so Ctrl-C, an unplugged camera or a full disk leave whole files only. Run the same
 command again to fetch the rest.
 
+If the new files are larger than the free space, nothing is fetched (exit status 1). Sizes are those that the camera's
+folders list. Files that are here already do not count.
+
 An existing file is never overwritten. If it has the same content, it is kept and counts as fetched; if not, the new
 picture gets a number, the same for all its files: a RAW never lies beside another picture's JPG. Symbolic links in FOLDER are not followed. A file that fails is reported once and the rest goes on
 (exit status 6). If the process that reads is killed, as happens when memory runs out, another one tries the file once
@@ -105,7 +120,7 @@ safe in a file name are written as %XX.
 A file arrives in one piece, and so does the catalogue with 128 bytes for each picture. Memory is needed for the
 catalogue, for two of the largest files, and for 4 MB on their way to the disk.)",
      R"(events, one object a line: stored (path, file, size, sha1, verified, was_here), failed (path, error), deleted
-  (path), would_store (path, file)
+  (path), would_store (path, file, size if the camera lists it)
 stored: how many files were stored
 bytes: their total size
 already_here: how many were in FOLDER already, with the same content
@@ -113,7 +128,10 @@ unlike_key: how many have a SHA-1 that is not their key in the catalogue; they w
 known: how many were fetched by an earlier run
 failed: how many were not stored or not deleted
 deleted: how many were deleted on the camera
-error: what ended the run early)",
+error: what ended the run early
+new, bytes, unlisted: with --dry-run, how many files would be fetched, their total size, and how many have no known size
+folders: with --dry-run, array of folder (below FOLDER), files, bytes
+free: with --dry-run, bytes that are free for FOLDER)",
      kExamples, RunSync, true}};
 
 }  // namespace

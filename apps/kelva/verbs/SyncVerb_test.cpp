@@ -9,9 +9,6 @@ TEST_F(SyncVerbTest, SyncFetchesWhatIsNewAndNothingTwice) {
   Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
   Put("DCIM/101ABCDE/IMG_0001.JPG", "other");
   const std::string target = (folder / "out").string();
-  EXPECT_EQ(Run({"sync", target.c_str(), "-n"}).out,
-            "I:/DCIM/100ABCDE/IMG_0001.JPG  ->  100ABCDE/IMG_0001.JPG\n"
-            "I:/DCIM/101ABCDE/IMG_0001.JPG  ->  101ABCDE/IMG_0001.JPG\n");
   EXPECT_EQ(Run({"sync", target.c_str()}).out, "2 stored (8 B), 0 known before, 0 failed\n");
   EXPECT_EQ(Text(folder / "out/101ABCDE/IMG_0001.JPG"), "other");
   std::filesystem::rename(folder / "out/100ABCDE/IMG_0001.JPG", folder / "out/mine.jpg");
