@@ -120,7 +120,7 @@ class CommandTest(Bus):
         self.assertEqual(self.fetched(), [])
 
     def test_watch_reports_plug_and_unplug_and_failing_hooks(self):
-        watch = self.start("watch", "--json", "--count", "3", "--exec",
+        watch = self.start("watch", "--json", "--count", "3", "--on", "attached,lost", "--exec",
                            "echo hook $KELVA_EVENT; test $KELVA_EVENT = attached")
         self.assertEqual(json.loads(watch.stdout.readline())["present"], True)
         self.vcam("unplug", "K1")
@@ -133,6 +133,17 @@ class CommandTest(Bus):
         self.assertIn("hook lost\n", messages)
         self.assertIn("hook attached\n", messages)
         self.assertIn("ended with status 1", messages)
+
+    def test_the_command_of_watch_runs_at_plugs_alone(self):
+        watch = self.start("watch", "--count", "4", "--exec", 'test -n "$KELVA_SERIAL" && echo ran at $KELVA_EVENT')
+        watch.stdout.readline()
+        self.unplug()
+        self.plug()
+        self.vcam("plug", "--serial", "CD", "--storage", self.drive, "--type", "5", "--revision", "Q42")
+        out, messages = watch.communicate(timeout=20)
+        self.assertEqual((watch.returncode, messages), (0, ""))
+        self.assertEqual([line for line in out.splitlines() if line.startswith("ran")], ["ran at attached"])
+        self.assertIn("bad ", out)
 
     def test_an_idle_watch_ends_with_ctrl_c(self):
         watch = self.start("watch")

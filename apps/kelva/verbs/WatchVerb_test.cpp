@@ -13,5 +13,13 @@ TEST_F(WatchVerbTest, CamerasThatAreThereAreReportedFirst) {
             "{\"schema\":1,\"command\":\"watch\",\"exit\":0,\"ok\":true,\"events\":1}\n");
 }
 
+TEST_F(WatchVerbTest, OnTakesEventsAndNeedsACommand) {
+  EXPECT_EQ(Run({"watch", "--count", "1", "--on", "attached,lost", "--exec", "true"}).code, ExitCode::kDone);
+  EXPECT_EQ(Run({"watch", "--count", "1", "--on", "lost"}).code, ExitCode::kUsage);
+  for (const char* list : {"", "plugged", "attached,", "attached lost"}) {
+    EXPECT_EQ(Run({"watch", "--count", "1", "--on", list, "--exec", "true"}).code, ExitCode::kUsage) << list;
+  }
+}
+
 }  // namespace
 }  // namespace apps
