@@ -53,7 +53,7 @@ void Hotplug::Report(const HotplugEvent& event) noexcept {
 void Hotplug::OnAttach(boost::shared_ptr<Camera> camera, void* self) {
   auto& hotplug = *static_cast<Hotplug*>(self);
   try {
-    hotplug.watched_.push_back({&hotplug, FactsOf(*camera), camera});
+    hotplug.watched_.push_back({&hotplug, FactsOf(*camera), camera, {}});
     camera->ListenForCameraLost(OnLost, &hotplug.watched_.back());
   } catch (...) {
     hotplug.error_ = std::current_exception();
@@ -76,6 +76,20 @@ void Hotplug::ForgetLost() {
   watched_.remove_if([](const Watched& watched) { return watched.camera->WasDisconnected(); });
 }
 
+void Hotplug::Repeat(std::chrono::milliseconds pause, MakeErrand make) {
+  pause_ = pause;
+  makeErrand_ = std::move(make);
+}
+
+// Outside the callbacks: an errand may wait for its camera.
+void Hotplug::RunErrands() {
+  for (Watched& watched : watched_) {
+    if (error_ || finished_) return;
+    if (!watched.errand) watched.errand = makeErrand_(watched.facts, watched.camera);
+    watched.errand();
+  }
+}
+
 void Hotplug::Run(const Stop& stop) {
   Camera::ListenForCameraAttach(OnAttach, this, false);
   Camera::ListenForBadCameraAttach(OnBad, this);
@@ -83,9 +97,11 @@ void Hotplug::Run(const Stop& stop) {
   const Alarm alarm;
   const Stop::WakeUp wakeUp(stop, [&alarm] { alarm.Ring(); });
   constexpr CFTimeInterval kForEver = 1e10;
+  const CFTimeInterval pause = makeErrand_ ? std::chrono::duration<double>(pause_).count() : kForEver;
   while (!error_ && !finished_) {
     stop.Check();
-    CFRunLoopRunInMode(kCFRunLoopDefaultMode, kForEver, true);
+    if (makeErrand_) RunErrands();
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, pause, true);
     ForgetLost();
   }
   if (error_) std::rethrow_exception(error_);

@@ -2,6 +2,7 @@
 #define KELVA_APPS_CAMERA_HOTPLUG_H_
 
 #include <boost/shared_ptr.hpp>
+#include <chrono>
 #include <exception>
 #include <functional>
 #include <list>
@@ -30,6 +31,13 @@ class Hotplug {
   Hotplug(const Hotplug&) = delete;
   Hotplug& operator=(const Hotplug&) = delete;
 
+  /// What is done again and again with one camera while it is attached.
+  using Errand = std::function<void()>;
+  using MakeErrand = std::function<Errand(const RegistryCamera& facts, const boost::shared_ptr<Camera>& camera)>;
+  /// Call before Run: `make` is called for each camera, and what it returns each time that `pause` has passed while
+  /// nothing happened. Both may throw, as the handler may. The errand, and with it all that it keeps, goes with its camera.
+  void Repeat(std::chrono::milliseconds pause, MakeErrand make);
+
   /// Reports the cameras that are there, then each change, until `stop` is requested (throws Stopped) or Finish is
   /// called. Throws CameraError when the system refuses to watch.
   void Run(const Stop& stop);
@@ -41,6 +49,7 @@ class Hotplug {
     Hotplug* owner;
     RegistryCamera facts;
     boost::shared_ptr<Camera> camera;
+    Errand errand;
   };
 
   static void OnAttach(boost::shared_ptr<Camera> camera, void* self);
@@ -48,8 +57,11 @@ class Hotplug {
   static void OnLost(void* watched);
   void Report(const HotplugEvent& event) noexcept;
   void ForgetLost();
+  void RunErrands();
 
   Handler handler_;
+  std::chrono::milliseconds pause_{0};
+  MakeErrand makeErrand_;
   std::list<Watched> watched_;
   bool present_ = true;
   bool finished_ = false;

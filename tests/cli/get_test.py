@@ -145,6 +145,20 @@ class CommandTest(Bus):
         self.assertEqual([line for line in out.splitlines() if line.startswith("ran")], ["ran at attached"])
         self.assertIn("bad ", out)
 
+    def test_watch_reports_new_pictures(self):
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"old")
+        watch = self.start("watch", "--json", "--pictures", "--count", "3", "--exec", "echo took $KELVA_PICTURE")
+        self.assertEqual(json.loads(watch.stdout.readline())["event"], "attached")
+        time.sleep(1)  # the first look is over
+        self.assertEqual(self.kelva("capture").returncode, 0)
+        first = json.loads(watch.stdout.readline())
+        self.assertEqual((first["event"], first["serial"], first["folder"]), ("picture", "K1", "100ABCDE"))
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"another picture of an old name")
+        self.assertEqual(json.loads(watch.stdout.readline())["name"], "IMG_0001")
+        _, messages = watch.communicate(timeout=20)
+        self.assertEqual((watch.returncode, messages),
+                         (0, f"took {first['folder']}/{first['name']}\ntook 100ABCDE/IMG_0001\n"))
+
     def test_an_idle_watch_ends_with_ctrl_c(self):
         watch = self.start("watch")
         watch.stdout.readline()

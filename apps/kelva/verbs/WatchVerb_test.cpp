@@ -16,7 +16,7 @@ TEST_F(WatchVerbTest, CamerasThatAreThereAreReportedFirst) {
 TEST_F(WatchVerbTest, OnTakesEventsAndNeedsACommand) {
   EXPECT_EQ(Run({"watch", "--count", "1", "--on", "attached,lost", "--exec", "true"}).code, ExitCode::kDone);
   EXPECT_EQ(Run({"watch", "--count", "1", "--on", "lost"}).code, ExitCode::kUsage);
-  for (const char* list : {"", "plugged", "attached,", "attached lost"}) {
+  for (const char* list : {"", "plugged", "attached,", "attached lost", "picture"}) {
     EXPECT_EQ(Run({"watch", "--count", "1", "--on", list, "--exec", "true"}).code, ExitCode::kUsage) << list;
   }
 }
