@@ -1,10 +1,12 @@
 #ifndef KELVA_APPS_CAMERA_NEW_PICTURES_H_
 #define KELVA_APPS_CAMERA_NEW_PICTURES_H_
 
+#include <chrono>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
+#include "apps/commandline/Stop.h"
 #include "src/wifi/Camera.h"
 #include "src/wifi/DcfObj.h"
 
@@ -17,11 +19,21 @@ class NewPictures {
   /// reuses an old name is new. Needs an open camera. Throws as ReadPictures does. A read that failed, and an empty
   /// catalogue, which may be one that failed without a word, are compared with nothing later.
   std::vector<DcfObj> Look(Camera& camera);
+  /// The pictures that were not in the catalogue at the last look, which stays the one that later looks compare with.
+  std::vector<DcfObj> Since(Camera& camera) const;
 
  private:
+  std::vector<DcfObj> NewIn(const std::vector<DcfObj>& catalogue) const;
+
   std::unordered_set<std::string> seen_;
   bool looked_ = false;
 };
+
+/// Looks again and again, `pause` apart, until pictures have appeared since the last look of `before`, and their entries
+/// and the sizes of the files in their folders have stayed the same from one look to the next. Throws Stopped, and
+/// Failure(kTimedOut) after `patience`.
+std::vector<DcfObj> AwaitPictures(const NewPictures& before, Camera& camera, const Stop& stop,
+                                  std::chrono::milliseconds pause, std::chrono::milliseconds patience);
 
 }  // namespace apps
 

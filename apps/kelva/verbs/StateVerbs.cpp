@@ -1,11 +1,10 @@
-// The verbs ready, battery, done-count, capture and reboot.
+// The verbs ready, battery, done-count and reboot.
 #include <string>
 #include <thread>
 #include <utility>
 
 #include "apps/camera/Battery.h"
 #include "apps/camera/LastingSession.h"
-#include "apps/commandline/Failure.h"
 #include "apps/kelva/verbs/Number.h"
 #include "apps/kelva/verbs/Verbs.h"
 
@@ -41,16 +40,6 @@ ExitCode RunDoneCount(Context& context) {
   return context.Result(CameraResult(camera).Set("count", count), std::to_string(count) + "\n");
 }
 
-ExitCode RunCapture(Context& context) {
-  const Session camera(context, "take a picture");
-  if (!camera->CaptureImage(true)) {
-    throw Failure(ExitCode::kRefused, "The camera did not accept the command to take a picture.");
-  }
-  context.Result(CameraResult(camera), "");
-  context.reporter.Note("The camera was told to take a picture.");
-  return ExitCode::kDone;
-}
-
 ExitCode RunReboot(Context& context) {
   context.Doing("restart the camera");
   LastingSession camera(context);
@@ -78,7 +67,6 @@ constexpr Example kReadyExamples[] = {
 constexpr Example kBatteryExamples[] = {{"kelva battery -s K1-0042", "The battery of one of several cameras."}};
 constexpr Example kDoneCountExamples[] = {
     {"kelva done-count; kelva capture; kelva done-count", "See how many commands a picture counts for."}};
-constexpr Example kCaptureExamples[] = {{"kelva capture", "Take a picture."}};
 
 constexpr Verb kVerbs[] = {
     {"ready", "Ask whether the camera is ready", kNoArguments, kReadyOptions,
@@ -93,10 +81,6 @@ constexpr Verb kVerbs[] = {
     {"done-count", "Show how many commands the camera has completed", kNoArguments, kNoOptions,
      "Compare the counts before and after a command to see whether the camera has finished it.", "count: whole number",
      kDoneCountExamples, RunDoneCount},
-    {"capture", "Take a picture", kNoArguments, kNoOptions,
-     R"(Returns as soon as the camera has accepted the command. The picture appears in the catalogue when it is
-stored.)",
-     "", kCaptureExamples, RunCapture},
     {"reboot", "Restart the camera", kNoArguments, kRebootOptions,
      R"(The camera disappears and comes back; until then commands fail with exit status 5 or 3. With --wait the
 command ends when the camera with the same serial number is back and ready. It ends with exit status 8 if --timeout

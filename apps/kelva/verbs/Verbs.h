@@ -13,7 +13,8 @@ std::span<const Verb> ListVerbs();     ///< list
 std::span<const Verb> WatchVerbs();    ///< watch
 std::span<const Verb> WaitVerbs();     ///< wait
 std::span<const Verb> InfoVerbs();     ///< info
-std::span<const Verb> StateVerbs();    ///< ready, battery, done-count, capture, reboot
+std::span<const Verb> StateVerbs();    ///< ready, battery, done-count, reboot
+std::span<const Verb> CaptureVerbs();  ///< capture
 std::span<const Verb> ClockVerbs();    ///< time
 std::span<const Verb> FolderVerbs();   ///< ls, tree
 std::span<const Verb> PictureVerbs();  ///< pictures, pictures rm
