@@ -53,7 +53,7 @@ void Hotplug::Report(const HotplugEvent& event) noexcept {
 void Hotplug::OnAttach(boost::shared_ptr<Camera> camera, void* self) {
   auto& hotplug = *static_cast<Hotplug*>(self);
   try {
-    hotplug.watched_.push_back({&hotplug, FactsOf(*camera), camera, {}});
+    hotplug.watched_.push_back({&hotplug, FactsOf(*camera), camera, {}, {}});
     camera->ListenForCameraLost(OnLost, &hotplug.watched_.back());
   } catch (...) {
     hotplug.error_ = std::current_exception();
@@ -81,12 +81,15 @@ void Hotplug::Repeat(std::chrono::milliseconds pause, MakeErrand make) {
   makeErrand_ = std::move(make);
 }
 
-// Outside the callbacks: an errand may wait for its camera.
+// Not in the callbacks, because an errand may wait for its camera. The loop also wakes up for other sources: the errand's
+// own session is news on a bus.
 void Hotplug::RunErrands() {
+  using Clock = std::chrono::steady_clock;
   for (Watched& watched : watched_) {
-    if (error_ || finished_) return;
+    if (finished_ || Clock::now() < watched.due) continue;
     if (!watched.errand) watched.errand = makeErrand_(watched.facts, watched.camera);
     watched.errand();
+    watched.due = Clock::now() + pause_;
   }
 }
 

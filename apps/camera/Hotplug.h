@@ -34,8 +34,8 @@ class Hotplug {
   /// What is done again and again with one camera while it is attached.
   using Errand = std::function<void()>;
   using MakeErrand = std::function<Errand(const RegistryCamera& facts, const boost::shared_ptr<Camera>& camera)>;
-  /// Call before Run: `make` is called for each camera, and what it returns each time that `pause` has passed while
-  /// nothing happened. Both may throw, as the handler may. The errand, and with it all that it keeps, goes with its camera.
+  /// Call before Run: `make` is called for each camera, and what it returns when `pause` has passed since it ended
+  /// last. Both may throw, as the handler may. The errand, and with it all that it keeps, goes with its camera.
   void Repeat(std::chrono::milliseconds pause, MakeErrand make);
 
   /// Reports the cameras that are there, then each change, until `stop` is requested (throws Stopped) or Finish is
@@ -50,6 +50,7 @@ class Hotplug {
     RegistryCamera facts;
     boost::shared_ptr<Camera> camera;
     Errand errand;
+    std::chrono::steady_clock::time_point due;  ///< the errand's next turn
   };
 
   static void OnAttach(boost::shared_ptr<Camera> camera, void* self);

@@ -3,8 +3,10 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <deque>
 #include <functional>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -53,6 +55,25 @@ TEST(HotplugTest, AFailureOfTheHandlerEndsTheWatch) {
   registry.AttachCamera({"K1", "Kelva", "Camera", "1.00", 3, {}});
   Hotplug& hotplug = Watch([](const HotplugEvent&) { throw std::runtime_error("full"); });
   EXPECT_THROW(hotplug.Run(Stop()), std::runtime_error);
+}
+
+TEST(HotplugTest, AnErrandRunsOnceInEachPauseWhateverWakesTheLoop) {
+  darwin::VirtualRegistry registry;
+  registry.AttachCamera({"K1", "Kelva", "Camera", "1.00", 3, {}});
+  Hotplug& hotplug = Watch([](const HotplugEvent&) {});
+  Stop stop;
+  std::map<std::string, int> errands;
+  hotplug.Repeat(std::chrono::hours(1), [&](const RegistryCamera& facts, const boost::shared_ptr<Camera>&) {
+    return [&errands, serial = facts.serial] { ++errands[serial]; };
+  });
+  int runs = 0;
+  beforeRun = [&] {
+    if (++runs == 3) stop.Request();
+    registry.AttachCamera({"L" + std::to_string(runs), "Kelva", "Camera", "1.00", 3, {}});
+  };
+  EXPECT_THROW(hotplug.Run(stop), Stopped);
+  beforeRun = {};
+  EXPECT_EQ(errands, (std::map<std::string, int>{{"K1", 1}, {"L1", 1}, {"L2", 1}}));
 }
 
 TEST(HotplugTest, ARequestJustBeforeTheLoopRunsEndsTheWatch) {

@@ -150,14 +150,14 @@ class CommandTest(Bus):
         watch = self.start("watch", "--json", "--pictures", "--count", "3", "--exec", "echo took $KELVA_PICTURE")
         self.assertEqual(json.loads(watch.stdout.readline())["event"], "attached")
         time.sleep(1)  # the first look is over
-        self.assertEqual(self.kelva("capture").returncode, 0)
+        self.put("DCIM/100ABCDE/IMG_0002.JPG", b"new")
         first = json.loads(watch.stdout.readline())
-        self.assertEqual((first["event"], first["serial"], first["folder"]), ("picture", "K1", "100ABCDE"))
+        self.assertEqual((first["event"], first["serial"], first["name"]), ("picture", "K1", "IMG_0002"))
         self.put("DCIM/100ABCDE/IMG_0001.JPG", b"another picture of an old name")
         self.assertEqual(json.loads(watch.stdout.readline())["name"], "IMG_0001")
         _, messages = watch.communicate(timeout=20)
         self.assertEqual((watch.returncode, messages),
-                         (0, f"took {first['folder']}/{first['name']}\ntook 100ABCDE/IMG_0001\n"))
+                         (0, "took 100ABCDE/IMG_0002\ntook 100ABCDE/IMG_0001\n"))
 
     def test_an_idle_watch_ends_with_ctrl_c(self):
         watch = self.start("watch")
