@@ -23,7 +23,7 @@ class FileCalls {
   /// Opens what exists below `folder`. No component of `path` leads out of the folder or through a symbolic link. The
   /// descriptor is closed on exec.
   virtual int Open(int folder, const std::string& path, int flags) = 0;
-  /// Makes a file for writing, under a name that is free, which its owner alone can open.
+  /// Makes a file for writing and reading, under a name that is free, which its owner alone can open.
   virtual int Create(int folder, const std::string& name) = 0;
   virtual int MakeFolder(int parent, const std::string& name) = 0;
   virtual ssize_t Write(int file, std::string_view bytes) = 0;

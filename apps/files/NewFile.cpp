@@ -7,9 +7,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <vector>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Output.h"
@@ -74,6 +76,20 @@ void NewFile::Write(std::span<const char> bytes) {
   constexpr std::size_t kFlushEach = std::size_t{8} << 20;
   unflushed_ += bytes.size();
   if (unflushed_ >= kFlushEach) BeginFlush();
+}
+
+bool NewFile::HoldsAt(unsigned long long offset, std::span<const char> bytes) const {
+  std::vector<char> held(bytes.size());
+  std::size_t done = 0;
+  while (done < held.size()) {
+    const ssize_t count = UntilDone([&] {
+      return ::pread(file_.Get(), held.data() + done, held.size() - done, static_cast<off_t>(offset + done));
+    });
+    if (count < 0) throw SystemFailure("read a file in " + Printable(folder_.Path()), errno);
+    if (count == 0) return false;
+    done += static_cast<std::size_t>(count);
+  }
+  return std::equal(held.begin(), held.end(), bytes.begin());
 }
 
 void NewFile::BeginFlush() noexcept {

@@ -37,6 +37,8 @@ class NewFile {
   /// Throws Failure, a full disk included. The disk begins to take the bytes each time that eight more megabytes are
   /// written, so that a large file does not wait for all of them at its end.
   void Write(std::span<const char> bytes);
+  /// Whether these bytes are in the file at `offset`. Throws Failure when they cannot be read.
+  bool HoldsAt(unsigned long long offset, std::span<const char> bytes) const;
   /// Starts to put the bytes on disk and does not wait, so that a later Flush is shorter.
   void BeginFlush() noexcept;
   /// Puts the bytes on disk. Throws Failure.

@@ -15,11 +15,12 @@
 namespace apps {
 namespace {
 
-bool HoldsTheSame(const TargetFolder& folder, const std::string& name, std::size_t size, const std::string& sha1) {
+bool HoldsTheSame(const TargetFolder& folder, const std::string& name, unsigned long long size,
+                  const std::string& sha1) {
   const base::FileDescriptor file(OpenBeneath(folder.Fd(), name, O_RDONLY | O_NONBLOCK));
   struct stat status {};
   if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  if (static_cast<std::size_t>(status.st_size) != size || Sha1OfFile(file.Get()) != sha1) return false;
+  if (static_cast<unsigned long long>(status.st_size) != size || Sha1OfFile(file.Get()) != sha1) return false;
   // Flushed here, because its writer may not have done so, and the camera's file may be deleted once this one exists.
   return UntilDone([&] { return FileCalls::Current().Flush(file.Get()); }) == 0;
 }
@@ -55,23 +56,37 @@ void StoreNew(const TargetFolder& folder, const std::string& name, std::span<con
   NameNew(folder, file, name);
 }
 
+BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, int first, int most)
+    : folder_(folder), name_(name), number_(first), last_(first + most) {}
+
 BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
                        const std::string& sha1, int first, int most)
-    : folder_(folder), name_(name), number_(first), last_(first + most) {
+    : BesideFile(folder, name, first, most) {
   // Files that are there already are looked at before anything is written.
-  constexpr int kMostBefore = 100;  // a thousand files of one name must not compare each with each
-  for (number_ = std::max(1, first - kMostBefore); number_ < first; ++number_) {
-    isThere_ =
-        folder_.Has(Numbered(name_, number_)) && HoldsTheSame(folder_, Numbered(name_, number_), bytes.size(), sha1);
-    if (isThere_) return;
-  }
-  for (; number_ <= last_ && folder_.Has(Numbered(name_, number_)); ++number_) {
-    isThere_ = HoldsTheSame(folder_, Numbered(name_, number_), bytes.size(), sha1);
-    if (isThere_) return;
-  }
-  file_.emplace(folder_);
+  isThere_ = IsThere(first, bytes.size(), sha1);
+  if (isThere_) return;
+  file_ = std::make_unique<NewFile>(folder_);
   file_->Write(bytes);
   file_->BeginFlush();
+}
+
+BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std::unique_ptr<NewFile> written,
+                       unsigned long long size, const std::string& sha1, int first, int most)
+    : BesideFile(folder, name, first, most) {
+  isThere_ = IsThere(first, size, sha1);
+  if (!isThere_) file_ = std::move(written);
+}
+
+// Leaves the number at the file that is there, or at the first free one.
+bool BesideFile::IsThere(int first, unsigned long long size, const std::string& sha1) {
+  constexpr int kMostBefore = 100;  // a thousand files of one name must not compare each with each
+  for (number_ = std::max(1, first - kMostBefore); number_ <= last_; ++number_) {
+    const std::string name = Numbered(name_, number_);
+    const bool has = folder_.Has(name);
+    if (has && HoldsTheSame(folder_, name, size, sha1)) return true;
+    if (!has && number_ >= first) break;
+  }
+  return false;
 }
 
 void BesideFile::Flush() {

@@ -1,7 +1,7 @@
 #ifndef KELVA_APPS_FILES_STORE_FILE_H_
 #define KELVA_APPS_FILES_STORE_FILE_H_
 
-#include <optional>
+#include <memory>
 #include <span>
 #include <string>
 
@@ -36,18 +36,24 @@ class BesideFile {
   /// folder outlives this object. Throws Failure.
   BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,
              int first = 1, int most = 10'000);
+  /// The same with a file that was written already, of `size` bytes; it is removed if they are there already.
+  BesideFile(const TargetFolder& folder, const std::string& name, std::unique_ptr<NewFile> written,
+             unsigned long long size, const std::string& sha1, int first = 1, int most = 10'000);
   /// Waits until the file is on disk. Throws Failure.
   void Flush();
   /// Gives the file its name. The caller flushes the folder. Throws Failure.
   Stored TakeName();
 
  private:
+  BesideFile(const TargetFolder& folder, const std::string& name, int first, int most);
+  bool IsThere(int first, unsigned long long size, const std::string& sha1);
+
   const TargetFolder& folder_;
   std::string name_;
   int number_;
   int last_;
   bool isThere_ = false;
-  std::optional<NewFile> file_;
+  std::unique_ptr<NewFile> file_;
 };
 
 /// All steps at once.

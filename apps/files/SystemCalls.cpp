@@ -60,7 +60,7 @@ int SystemCalls::Open(int folder, const std::string& path, int flags) {
 }
 
 int SystemCalls::Create(int folder, const std::string& name) {
-  return OpenBelow(folder, name, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+  return OpenBelow(folder, name, O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
 }
 
 int SystemCalls::MakeFolder(int parent, const std::string& name) {

@@ -1,9 +1,6 @@
 // Runs a plan: reads files from the camera and hands them to the writers.
 #include "apps/import/Sync.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -18,16 +15,49 @@
 namespace apps {
 namespace {
 
+// A larger file comes in pieces.
+constexpr unsigned long long kLargestWhole = 1U << 20;
+
 std::string TokenOf(const SyncItem& item) {
   return std::to_string(item.Type()) + " " + item.Key().picture;
 }
 
+std::string TwoReadsDiffer(const SyncItem& item) {
+  return "Two reads of " + ShownPath(item.CameraPath()) +
+         " differ, so it was not stored; check the cable and the card.";
+}
+
+std::string DiffersEachTime(const SyncItem& item) {
+  return "What the camera sends of " + ShownPath(item.CameraPath()) +
+         " differs from read to read, so it was not stored; check the cable and the card.";
+}
+
+// Ends a stream as its reader says last, or drops the file when an error comes first.
+class Sending {
+ public:
+  explicit Sending(std::shared_ptr<FileStream> stream) : stream_(std::move(stream)) {}
+  ~Sending() { stream_->End(what_, verified_); }
+  Sending(const Sending&) = delete;
+  Sending& operator=(const Sending&) = delete;
+
+  void Store(bool verified) {
+    what_ = FileStream::What::kStore;
+    verified_ = verified;
+  }
+
+ private:
+  const std::shared_ptr<FileStream> stream_;
+  FileStream::What what_ = FileStream::What::kDrop;
+  bool verified_ = false;
+};
+
 }  // namespace
 
-Sync::Sync(Context& context, Camera& camera, const TargetFolder& folder, Manifest& manifest, SyncOptions options)
+Sync::Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolder& folder, Manifest& manifest,
+           SyncOptions options)
     : context_(context),
-      camera_(camera),
-      listed_(camera),
+      camera_(std::move(camera)),
+      listed_(*camera_),
       folder_(folder),
       manifest_(manifest),
       options_(options),
@@ -116,17 +146,67 @@ bool Sync::LeaveOut(const SyncItem& item) {
 }
 
 void Sync::Fetch(const SyncItem& item, Writers& writers) {
-  std::vector<char> bytes = Read(item);
-  std::string sha1;
+  const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
+  kelva::FileReader reader = Open(item);
+  if (reader.Size() <= kLargestWhole) return FetchWhole(item, reader, writers);
+  if (FetchPieces(item, reader, writers, false)) return;
+  reader.Select();
+  FetchPieces(item, reader, writers, true);
+}
+
+void Sync::FetchWhole(const SyncItem& item, kelva::FileReader& reader, Writers& writers) {
+  std::vector<char> bytes = ReadWhole(reader);
   if (options_.verify) {
-    sha1 = Sha1(bytes);
-    if (Sha1(Read(item)) != sha1) {
-      Fail(item, "Two reads of " + ShownPath(item.CameraPath()) +
-                     " differ, so it was not stored; check the cable and the card.");
-      return;
-    }
+    reader.Select();
+    if (ReadWhole(reader) != bytes) return Fail(item, TwoReadsDiffer(item));
   }
-  Submit(writers, {&item, std::move(bytes), sha1, options_.verify});
+  Submit(writers, {&item, std::move(bytes), "", options_.verify});
+}
+
+// False for a file that came differently twice and never as its key says, unless this `isLast`.
+bool Sync::FetchPieces(const SyncItem& item, kelva::FileReader& reader, Writers& writers, bool isLast) {
+  const auto stream = std::make_shared<FileStream>();
+  Submit(writers, {&item, {}, "", false, true, stream, reader.Size()});
+  Sending sending(stream);
+  if (!Send(reader, *stream, FileStream::What::kWrite)) return true;
+  const std::optional<std::string> sha1 = stream->Sha1();
+  if (!sha1) return true;
+  const std::string key = item.ExpectedSha1();
+  const bool asKey = key.empty() || key == *sha1;
+  if (asKey && !options_.verify) {
+    sending.Store(false);
+    return true;
+  }
+  if (!asKey) CheckUnlikeKey(item, reader.Size());
+  reader.Select();
+  if (!Send(reader, *stream, FileStream::What::kCompare)) return true;
+  const std::optional<bool> equal = stream->IsEqual();
+  if (!equal) return true;
+  if (*equal) {
+    sending.Store(true);
+    CountUnlikeKey(!asKey);
+  } else if (asKey || isLast) {
+    Fail(item, asKey ? TwoReadsDiffer(item) : DiffersEachTime(item));
+  }
+  return *equal || asKey || isLast;
+}
+
+// False when the writer has given up, which it has reported.
+bool Sync::Send(kelva::FileReader& reader, FileStream& stream, FileStream::What what) {
+  for (std::uint64_t at = 0; at < reader.Size();) {
+    context_.reporter.AwaitCamera(false);
+    const std::span<char> room = stream.Room();
+    context_.reporter.AwaitCamera(true);
+    if (room.empty()) return false;
+    const std::uint64_t left = reader.Size() - at;
+    const std::size_t count = reader.Read(
+        at, room.first(left > FileStream::kPiece ? FileStream::kPiece : static_cast<std::size_t>(left) + 2));
+    stream.Put(what, count);
+    at += count;
+    readBytes_ += count;
+    progress_.At(readBytes_);
+  }
+  return true;
 }
 
 // A key that is not the SHA-1 of what came: either the read went wrong, or the key is something else than this project
@@ -141,18 +221,16 @@ void Sync::ReadDoubtful(Writers& writers) {
 }
 
 void Sync::ReadAgain(const SyncItem& item, const std::string& first, Writers& writers) {
-  std::vector<char> bytes = Read(item);
+  const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
+  kelva::FileReader reader = Open(item);
+  std::vector<char> bytes = ReadWhole(reader);
   const std::string sha1 = Sha1(bytes);
   const bool asKey = sha1 == item.ExpectedSha1();
-  const std::string second = asKey && options_.verify ? Sha1(Read(item)) : asKey ? sha1 : first;
-  if (sha1 != second) {
-    return Fail(item, "What the camera sends of " + ShownPath(item.CameraPath()) +
-                          " differs from read to read, so it was not stored; check the cable and the card.");
-  }
-  if (!asKey && !listed_.Agrees(item.CameraPath(), bytes.size()).value_or(true)) {
-    throw CameraError("its key in the catalogue is not its SHA-1, and its folder gives it another size");
-  }
-  if (!asKey) ++totals_.unlikeKey;
+  if (asKey && options_.verify) reader.Select();
+  const std::string second = asKey && options_.verify ? Sha1(ReadWhole(reader)) : asKey ? sha1 : first;
+  if (sha1 != second) return Fail(item, DiffersEachTime(item));
+  if (!asKey) CheckUnlikeKey(item, bytes.size());
+  CountUnlikeKey(!asKey);
   Submit(writers, {&item, std::move(bytes), sha1, !asKey || options_.verify, asKey});
 }
 
@@ -166,7 +244,9 @@ void Sync::Submit(Writers& writers, WriteJob job) {
 // Read once more, so that what is deleted is still what was stored.
 void Sync::CompareKnown(const SyncItem& item) {
   const auto known = manifest_.Find(item.Key());
-  if (!known || Sha1(Read(item)) != known->sha1) {
+  const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
+  kelva::FileReader reader = Open(item);
+  if (!known || HashOf(reader) != known->sha1) {
     Fail(item, ShownPath(item.CameraPath()) + " is no longer what was fetched from there; it was not deleted.");
     return;
   }
@@ -174,24 +254,62 @@ void Sync::CompareKnown(const SyncItem& item) {
   deletable_.push_back(&item);
 }
 
-std::vector<char> Sync::Read(const SyncItem& item) {
+// Looks into the folder first, since a listing would end the selection.
+kelva::FileReader Sync::Open(const SyncItem& item) {
   const std::optional<unsigned long long> listed = listed_.SizeOf(item.CameraPath());
-  const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
-  ReadLimit limit(ShownPath(item.CameraPath()), listed, Progress::Check, progress_);
-  std::vector<char> bytes = camera_.ReadFile(item.Picture(), item.Type(), ReadLimit::Check, &limit, true);
-  CheckSize(item, bytes.size());
+  kelva::FileReader reader(camera_, item.Picture(), item.Type());
+  if (listed != reader.Size()) {
+    CheckSize(item, reader.Size());
+    reader.Select();
+  }
+  return reader;
+}
+
+// A SHA-1 says more than a size, but no file is read without end, and an empty one may stand for one that is missing.
+void Sync::CheckSize(const SyncItem& item, unsigned long long announced) {
+  constexpr unsigned long long kMostBeyond = 262'144;
+  const bool hasKey = announced != 0 && !item.ExpectedSha1().empty();
+  const std::optional<bool> agrees = listed_.Agrees(item.CameraPath(), announced);
+  if (!agrees && announced == 0) throw CameraError("the catalogue names it, but it is not in its folder");
+  if (!agrees && announced > kMostUnlisted) {
+    throw CameraError("no folder lists it, so " + std::to_string(kMostUnlisted >> 20) +
+                      " MiB are read at most, and the camera announces " + std::to_string(announced) + " bytes");
+  }
+  if (agrees.value_or(true) || (hasKey && announced <= listed_.Listed() + kMostBeyond)) return;
+  throw CameraError("the folder gives it " + std::to_string(listed_.Listed()) + " bytes, and the camera announces " +
+                    std::to_string(announced));
+}
+
+std::vector<char> Sync::ReadWhole(kelva::FileReader& reader) {
+  // With room for the two bytes more that tell the end.
+  std::vector<char> bytes(static_cast<std::size_t>(reader.Size()) + 2);
+  bytes.resize(reader.Read(0, bytes));
+  context_.stop.Check();
   readBytes_ += bytes.size();
   return bytes;
 }
 
-// A SHA-1 says more than a size, but an empty answer may also stand for a file that is missing.
-void Sync::CheckSize(const SyncItem& item, std::size_t size) {
-  if (size != 0 && !item.ExpectedSha1().empty()) return;
-  const std::optional<bool> agrees = listed_.Agrees(item.CameraPath(), size);
-  if (!agrees && size == 0) throw CameraError("the catalogue names it, but it is not in its folder");
-  if (agrees.value_or(true)) return;
-  throw CameraError("the folder gives it " + std::to_string(listed_.Listed()) + " bytes, and " + std::to_string(size) +
-                    " came");
+std::string Sync::HashOf(kelva::FileReader& reader) {
+  std::vector<char> piece(FileStream::kPiece);
+  Sha1Sum sum;
+  for (std::uint64_t at = 0; at < reader.Size();) {
+    const std::size_t count = reader.Read(at, piece);
+    sum.Add(std::span(piece).first(count));
+    at += count;
+    readBytes_ += count;
+    progress_.At(readBytes_);
+  }
+  return sum.Take();
+}
+
+void Sync::CheckUnlikeKey(const SyncItem& item, unsigned long long size) {
+  if (listed_.Agrees(item.CameraPath(), size).value_or(true)) return;
+  throw CameraError("its key in the catalogue is not its SHA-1, and its folder gives it another size");
+}
+
+void Sync::CountUnlikeKey(bool unlike) {
+  const std::scoped_lock lock(mutex_);
+  totals_.unlikeKey += unlike ? 1U : 0U;
 }
 
 void Sync::OnOutcome(const WriteOutcome& outcome) {
@@ -222,7 +340,7 @@ void Sync::Fail(const SyncItem& item, const std::string& sentence) {
 }
 
 std::optional<Outcome> Sync::DeleteVerified() {
-  Deletions deletions(camera_, folder_, manifest_);
+  Deletions deletions(*camera_, folder_, manifest_);
   progress_.Phase("deleting");
   readBytes_ = 0;
   unsigned long long done = 0;

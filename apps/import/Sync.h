@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_IMPORT_SYNC_H_
 #define KELVA_APPS_IMPORT_SYNC_H_
 
+#include <boost/shared_ptr.hpp>
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@
 #include "apps/import/Plan.h"
 #include "apps/import/Writers.h"
 #include "src/wifi/Camera.h"
+#include "src/wifi/FileReader.h"
 
 namespace apps {
 
@@ -40,7 +42,8 @@ struct SyncTotals {
 /// and the rest goes on; a camera that has gone, a full disk or a request to stop ends it, and what is stored stays.
 class Sync {
  public:
-  Sync(Context& context, Camera& camera, const TargetFolder& folder, Manifest& manifest, SyncOptions options);
+  Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolder& folder, Manifest& manifest,
+       SyncOptions options);
 
   /// Nothing when the plan was carried out to its end, failed files included; otherwise what ended it. Throws Stopped.
   std::optional<Outcome> Run(const SyncPlan& plan);
@@ -54,9 +57,16 @@ class Sync {
   void Try(const SyncItem& item, const std::function<void()>& work);
   bool LeaveOut(const SyncItem& item);
   void Fetch(const SyncItem& item, Writers& writers);
+  void FetchWhole(const SyncItem& item, kelva::FileReader& reader, Writers& writers);
+  bool FetchPieces(const SyncItem& item, kelva::FileReader& reader, Writers& writers, bool isLast);
+  bool Send(kelva::FileReader& reader, FileStream& stream, FileStream::What what);
   void CompareKnown(const SyncItem& item);
-  std::vector<char> Read(const SyncItem& item);
-  void CheckSize(const SyncItem& item, std::size_t size);
+  kelva::FileReader Open(const SyncItem& item);
+  std::vector<char> ReadWhole(kelva::FileReader& reader);
+  std::string HashOf(kelva::FileReader& reader);
+  void CheckSize(const SyncItem& item, unsigned long long announced);
+  void CheckUnlikeKey(const SyncItem& item, unsigned long long size);
+  void CountUnlikeKey(bool unlike);
   void Submit(Writers& writers, WriteJob job);
   void ReadDoubtful(Writers& writers);
   void ReadAgain(const SyncItem& item, const std::string& first, Writers& writers);
@@ -67,7 +77,7 @@ class Sync {
   void ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item);
 
   Context& context_;
-  Camera& camera_;
+  const boost::shared_ptr<Camera> camera_;
   ListedSizes listed_;
   const TargetFolder& folder_;
   Manifest& manifest_;

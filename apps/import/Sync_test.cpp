@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <new>
 #include <thread>
 
+#include "apps/files/Sha1.h"
 #include "apps/files/testing/RecordingCalls.h"
 #include "apps/import/testing/SyncFixture.h"
 
@@ -53,7 +55,7 @@ TEST_F(SyncTest, AFileThatIsMissingIsNamedWithTheReason) {
 TEST_F(SyncTest, AFileOfAnotherSizeIsNamedWithBothSizes) {
   camera_.lie = 1;
   Run();
-  EXPECT_THAT(Said(), HasSubstr("the folder gives it 4 bytes, and 3 came"));
+  EXPECT_THAT(Said(), HasSubstr("the folder gives it 4 bytes, and the camera announces 3"));
 }
 
 TEST_F(SyncTest, AKeySaysMoreThanTheSizeOfAListing) {
@@ -223,11 +225,109 @@ TEST_F(SyncTest, AFileUnlikeItsKeyHasToHaveItsListedSize) {
   EXPECT_EQ(Run({}, {Picture(1, kKeyOfAbc)}).failed, 1U);
 }
 
+/// Files that come in pieces: the first has two pieces and a bit, the second ends with its last piece.
+class LargeFilesTest : public SyncTest {
+ protected:
+  static constexpr std::size_t kMegabyte = 1U << 20;
+
+  LargeFilesTest() {
+    camera_.files["IMG_0001.JPG"] = Text(kMegabyte + 700'001);
+    camera_.files["IMG_0002.JPG"] = Text(2 * kMegabyte);
+  }
+  using SyncTest::Text;
+  static std::string Text(std::size_t size) {
+    std::string text(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * 2654435761U >> 24);
+    return text;
+  }
+  void ExpectNothingIsLeft() const {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(path_)) {
+      EXPECT_THAT(entry.path().string(), testing::Not(testing::EndsWith(".part")));
+    }
+  }
+};
+
+TEST_F(LargeFilesTest, TheyAreStoredAsTheyCame) {
+  const SyncTotals totals = Run();
+  EXPECT_EQ(totals.stored, 2U);
+  EXPECT_EQ(totals.bytes, 3 * kMegabyte + 700'001);
+  EXPECT_EQ(camera_.reads, 2);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == camera_.files["IMG_0001.JPG"]);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0002.JPG") == camera_.files["IMG_0002.JPG"]);
+  EXPECT_EQ(Run().stored, 0U);
+  ExpectNothingIsLeft();
+}
+
+TEST_F(LargeFilesTest, VerifyingReadsTwice) {
+  EXPECT_EQ(Run({.verify = true}).stored, 2U);
+  EXPECT_EQ(camera_.reads, 4);
+  EXPECT_TRUE(manifest_.Find(KeyOf(Picture(1), 1, "K1"))->verified);
+}
+
+TEST_F(LargeFilesTest, TwoReadsThatDifferInOneByteAreSaidAndNothingIsStored) {
+  camera_.onRead = [&](const std::string&) {
+    if (camera_.reads == 2) camera_.files["IMG_0001.JPG"][1'500'000] ^= 1;
+  };
+  const SyncTotals totals = Run({.verify = true}, {Picture(1)});
+  EXPECT_EQ(totals.stored, 0U);
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_THAT(Said(), HasSubstr("Two reads of I:/DCIM/100ABCDE/IMG_0001.JPG differ, so it was not stored"));
+  ExpectNothingIsLeft();
+}
+
+TEST_F(LargeFilesTest, OneThatIsNotWhatItsKeySaysIsStoredAfterTwoEqualReads) {
+  const SyncTotals totals = Run({}, {Picture(1, kKeyOfAbc)});
+  EXPECT_EQ(totals.stored, 1U);
+  EXPECT_EQ(totals.unlikeKey, 1U);
+  EXPECT_EQ(camera_.reads, 2);
+}
+
+TEST_F(LargeFilesTest, AReadThatWentWrongIsMendedByOneMoreAttempt) {
+  const std::string key = Sha1(camera_.files["IMG_0001.JPG"]);
+  camera_.onRead = [&](const std::string&) {
+    if (camera_.reads < 3) camera_.files["IMG_0001.JPG"][5] ^= 1;
+  };
+  const SyncTotals totals = Run({}, {Picture(1, key)});
+  EXPECT_EQ(totals.stored, 1U);
+  EXPECT_EQ(totals.unlikeKey, 0U);
+  EXPECT_EQ(camera_.reads, 3) << "damaged, whole and unlike the first, whole as the key says";
+}
+
+TEST_F(LargeFilesTest, OneThatDiffersFromReadToReadIsAnError) {
+  camera_.onRead = [&](const std::string&) { ++camera_.files["IMG_0001.JPG"][5]; };
+  EXPECT_EQ(Run({}, {Picture(1, kKeyOfAbc)}).failed, 1U);
+  EXPECT_THAT(Said(), HasSubstr("differs from read to read"));
+  ExpectNothingIsLeft();
+}
+
+TEST_F(LargeFilesTest, OneThatWasHereAlreadyIsKeptAndNotDoubled) {
+  std::filesystem::create_directory(path_ + "/100ABCDE");
+  std::ofstream(path_ + "/100ABCDE/IMG_0001.JPG") << camera_.files["IMG_0001.JPG"];
+  EXPECT_EQ(Run({}, {Picture(1)}).alreadyHere, 1U);
+  ExpectNothingIsLeft();
+}
+
+TEST_F(LargeFilesTest, OneThatCannotBeWrittenIsReportedAndTheRestGoesOn) {
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EFBIG, "write ");
+  const SyncTotals totals = Run();
+  EXPECT_EQ(totals.stored, 1U);
+  EXPECT_EQ(totals.failed, 1U);
+  ExpectNothingIsLeft();
+}
+
+TEST_F(LargeFilesTest, AFullDiskEndsTheRunWithItsSentence) {
+  RecordingCalls calls(path_);
+  calls.FailEach(3, 1 << 20, ENOSPC, "write ");
+  EXPECT_THAT(RunToItsEnd().sentence, HasSubstr("make room there and repeat the command"));
+  ExpectNothingIsLeft();
+}
+
 TEST_F(SyncTest, AMarkThatCannotBeWrittenEndsTheRunAndItsTotalsAreKept) {
   RecordingCalls calls(path_);
   camera_.onDelete = [&](const std::string&) { calls.FailAt(1, ENOSPC); };
   const SyncPlan plan = Plan({Picture(1), Picture(2)});
-  const auto sync = std::make_unique<Sync>(context_, camera_, folder_, manifest_, kVerifyAndDelete);
+  const auto sync = std::make_unique<Sync>(context_, Shared(camera_), folder_, manifest_, kVerifyAndDelete);
   const auto ended = sync->Run(plan);
   ASSERT_TRUE(ended.has_value());
   EXPECT_THAT(ended->sentence, testing::StartsWith("Cannot write the list of fetched files "));

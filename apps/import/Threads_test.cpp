@@ -103,6 +103,33 @@ TEST_F(Threads, AllEndWhenTheDiskIsFull) {
   EXPECT_EQ(stored_, 0);
 }
 
+TEST_F(Threads, ReadLargeFilesInPiecesWhileOthersAreFlushed) {
+  camera_.open = true;
+  camera_.folder = "I:\\DCIM\\100ABCDE";
+  for (int i = 1; i <= 12; ++i)
+    camera_.files["IMG_" + std::to_string(10'000 + i).substr(1) + ".JPG"] = std::string(3'000'000, 'x');
+  for (const bool verify : {false, true}) {
+    std::vector<DcfObj> catalogue = Pictures(12);
+    for (DcfObj& picture : catalogue) picture.block7[0] = verify ? 'v' : 'o';
+    const SyncPlan plan = Plan(catalogue);
+    Sync sync(context_, Shared(camera_), folder_, manifest_, {.verify = verify});
+    EXPECT_FALSE(sync.Run(plan).has_value());
+    EXPECT_EQ(sync.Totals().stored, 12U);
+  }
+}
+
+TEST_F(Threads, LargeFilesEndWhenTheDiskIsFull) {
+  camera_.open = true;
+  camera_.folder = "I:\\DCIM\\100ABCDE";
+  camera_.files["IMG_0001.JPG"] = camera_.files["IMG_0002.JPG"] = std::string(5'000'000, 'x');
+  const SyncPlan plan = Plan(Pictures(2));
+  calls_.full = true;
+  for (int round = 0; round < 15; ++round) {
+    Sync sync(context_, Shared(camera_), folder_, manifest_, {});
+    EXPECT_TRUE(sync.Run(plan).has_value());
+  }
+}
+
 TEST_F(Threads, AskForFoldersWhileTheyAreFlushed) {
   Folders folders(folder_);
   std::atomic<int> next = 0;
@@ -125,6 +152,7 @@ TEST_F(Threads, LookUpWhatIsRecordedMeanwhile) {
 }
 
 TEST_F(Threads, ReadCompareAndReportWhileOthersStoreAndReport) {
+  camera_.open = true;
   camera_.folder = "I:\\DCIM\\100ABCDE";
   std::vector<DcfObj> catalogue = Pictures(1600);
   std::vector<ManifestRow> known;
@@ -140,7 +168,7 @@ TEST_F(Threads, ReadCompareAndReportWhileOthersStoreAndReport) {
   manifest_.Record(known);
   const SyncPlan plan = Plan(catalogue);
   camera_.refuses = true;
-  Sync sync(context_, camera_, folder_, manifest_, {.verify = true, .deleteAfter = true});
+  Sync sync(context_, Shared(camera_), folder_, manifest_, {.verify = true, .deleteAfter = true});
   EXPECT_FALSE(sync.Run(plan).has_value());
   EXPECT_EQ(sync.Totals().stored, 100U + 200U);
   EXPECT_EQ(sync.Totals().failed, 100U + 1200U + 300U) << "what is gone or refused is not deleted";

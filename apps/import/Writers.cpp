@@ -8,6 +8,7 @@
 #include "apps/camera/CameraPath.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/Sha1.h"
+#include "apps/import/Receive.h"
 
 namespace apps {
 namespace {
@@ -49,10 +50,11 @@ void Writers::ThrowIfBroken(const std::unique_lock<std::mutex>&) const {
 
 void Writers::Submit(WriteJob job) {
   std::unique_lock lock(mutex_);
-  stored_.wait(lock, [this, &job] { return broken_ || bytes_ == 0 || bytes_ + job.bytes.size() <= kMostBytes; });
+  const std::size_t bytes = OnItsWay(job);
+  stored_.wait(lock, [this, bytes] { return broken_ || bytes_ == 0 || bytes_ + bytes <= kMostBytes; });
   ThrowIfBroken(lock);
-  bytes_ += job.bytes.size();
-  queued_ += job.bytes.size();
+  bytes_ += bytes;
+  queued_ += bytes;
   queue_.push_back(std::move(job));
   if (queue_.size() == 1 || IsFull()) work_.notify_one();
 }
@@ -71,8 +73,15 @@ void Writers::Finish() {
 
 void Writers::Abandon() {
   const std::scoped_lock lock(mutex_);
+  for (const WriteJob& job : queue_) {
+    if (job.stream) job.stream->GiveUp();
+  }
   queue_.clear();
   queued_ = 0;
+}
+
+std::size_t Writers::OnItsWay(const WriteJob& job) {
+  return job.stream ? FileStream::kMostBytes : job.bytes.size();
 }
 
 bool Writers::IsFull() const {
@@ -83,7 +92,9 @@ std::vector<WriteJob> Writers::Take() {
   std::vector<WriteJob> jobs;
   std::size_t bytes = 0;
   while (!queue_.empty() && jobs.size() < kMostAtOnce && bytes < kMostBytesAtOnce) {
-    bytes += queue_.front().bytes.size();
+    // A file that comes in pieces has a thread of its own.
+    if (queue_.front().stream && !jobs.empty()) break;
+    bytes += OnItsWay(queue_.front());
     jobs.push_back(std::move(queue_.front()));
     queue_.pop_front();
   }
@@ -108,9 +119,9 @@ std::vector<WriteJob> Writers::Next() {
 void Writers::Run() {
   for (std::vector<WriteJob> jobs = Next(); !jobs.empty(); jobs = Next()) {
     std::size_t bytes = 0;
-    for (const WriteJob& job : jobs) bytes += job.bytes.size();
+    for (const WriteJob& job : jobs) bytes += OnItsWay(job);
     try {
-      StoreAll(jobs);
+      jobs.front().stream ? StoreStream(jobs.front()) : StoreAll(jobs);
     } catch (const Failure& failure) {
       GiveUp(failure);
     } catch (const std::exception& error) {
@@ -127,6 +138,9 @@ void Writers::Run() {
 void Writers::GiveUp(const Failure& failure) {
   const std::scoped_lock lock(mutex_);
   if (!broken_) broken_ = failure;
+  for (const WriteJob& job : queue_) {
+    if (job.stream) job.stream->GiveUp();
+  }
   work_.notify_all();
   stored_.notify_one();
 }
@@ -178,6 +192,31 @@ void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
     }
   }
   if (ending) throw Failure(*ending);
+}
+
+// A file that comes in pieces. It is flushed and named on its own: the others are large too.
+void Writers::StoreStream(const WriteJob& job) {
+  // Whatever ends it: its reader may wait.
+  const std::unique_ptr<FileStream, void (*)(FileStream*)> atEnd(job.stream.get(), [](FileStream* s) { s->GiveUp(); });
+  std::optional<Failure> ending;
+  std::optional<Done> done;
+  Try(
+      *job.item, [&] { done = Arrive(job); }, ending);
+  if (done) Commit(AddDone(std::move(*done)));
+  if (ending) throw Failure(*ending);
+}
+
+std::optional<Writers::Done> Writers::Arrive(const WriteJob& job) {
+  const SyncItem& item = *job.item;
+  LocalPath path = item.Local();
+  const auto folder = folders_.For(path);
+  std::optional<Received> received = Receive(*job.stream, *folder, job.size);
+  if (!received) return std::nullopt;
+  BesideFile file(*folder, path.name, std::move(received->file), job.size, received->sha1, item.Number());
+  file.Flush();
+  Stored stored = file.TakeName();
+  path.name = std::move(stored.name);
+  return Done{{item.Key(), path.Text(), received->sha1, job.size, received->verified, false}, &item, stored.wasThere};
 }
 
 // Adds a file to the group. Returns the group if it is due, otherwise nothing.

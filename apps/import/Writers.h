@@ -15,19 +15,22 @@
 #include "apps/commandline/Failure.h"
 #include "apps/files/StoreFile.h"
 #include "apps/files/TargetFolder.h"
+#include "apps/import/FileStream.h"
 #include "apps/import/Folders.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Plan.h"
 
 namespace apps {
 
-/// A file that was read and is to be stored.
+/// A file that was read, or is being read, and is to be stored.
 struct WriteJob {
   const SyncItem* item;
   std::vector<char> bytes;
   std::string sha1;  ///< empty when it was not computed yet
   bool verified;
-  bool trustsKey = true;  ///< the catalogue's key, where there is one, has to be the SHA-1
+  bool trustsKey = true;                         ///< the catalogue's key, where there is one, has to be the SHA-1
+  std::shared_ptr<FileStream> stream = nullptr;  ///< in place of all that, for a file that comes in pieces
+  unsigned long long size = 0;                   ///< of such a file
 };
 
 /// How one job ended.
@@ -95,7 +98,10 @@ class Writers {
   std::vector<WriteJob> Next();
   std::vector<WriteJob> Take();
   bool IsFull() const;
+  static std::size_t OnItsWay(const WriteJob& job);
   void StoreAll(const std::vector<WriteJob>& jobs);
+  void StoreStream(const WriteJob& job);
+  std::optional<Done> Arrive(const WriteJob& job);
   bool Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending);
   std::vector<Done> AddDone(Done done);
   std::unique_ptr<Started> Start(const WriteJob& job);

@@ -1,4 +1,4 @@
-"""The largest file of a camera, 4 GiB - 2, to a file and to a pipe in little memory."""
+"""The largest file of a camera, 4 GiB - 2, to a file, to a pipe and by sync, in little memory."""
 
 import bench_of_cameras
 import pieces_test
@@ -9,6 +9,9 @@ class LargestFileTest(pieces_test.Pieces):
 
     def test_get_takes_little_memory(self):
         self.get_takes_little_memory()
+
+    def test_sync_takes_little_memory(self):
+        self.sync_takes_little_memory("--verify")
 
 
 if __name__ == "__main__":

@@ -2,6 +2,7 @@
 
 import os
 import random
+import shutil
 import subprocess
 import time
 
@@ -59,9 +60,22 @@ class Pieces(Bus):
         self.runs_in_little_memory("get", "-q", "-o", "-", "I:/DCIM/100ABCDE/IMG_0001.RAW", out=counter.stdin)
         self.assertEqual(int(counter.communicate()[0]), self.SIZE)
 
+    def sync_takes_little_memory(self, *options):
+        self.large(self.drive + "/DCIM/100ABCDE/IMG_0001.RAW")
+        self.replug("--no-keys")
+        target = self.folder + "/target"
+        self.runs_in_little_memory("sync", "-q", *options, target)
+        self.assertEqual(os.path.getsize(target + "/100ABCDE/IMG_0001.RAW"), self.SIZE)
+        shutil.rmtree(target)
+
 
 class PiecesTest(Pieces):
     SIZE = 300_000_000
+
+    def test_sync_takes_no_more_memory_for_a_larger_file(self):
+        for options in ((), ("--verify",), ("--delete-after-verify",)):
+            with self.subTest(options=options):
+                self.sync_takes_little_memory(*options)
 
     def test_get_takes_no_more_memory_for_a_larger_file(self):
         self.get_takes_little_memory()

@@ -2,6 +2,7 @@
 #define KELVA_APPS_CAMERA_TESTING_FAKE_CAMERA_H_
 
 #include <algorithm>
+#include <boost/shared_ptr.hpp>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -20,7 +21,8 @@ class FakeCamera : public wifi_testing::PlainCamera {
  public:
   explicit FakeCamera(std::string serial = "") : serial_(std::move(serial)) { open = false; }
 
-  bool Transfer(const _VscCdb& cdb, int, int& size, char* buffer, bool) override {
+  bool Transfer(const _VscCdb& cdb, int, int& size, char* buffer, bool flag) override {
+    lastFlag = flag;
     switch (kelva::Operation{static_cast<std::uint8_t>(cdb.bytes[0])}) {
       case kelva::Operation::kSelect:
         return Select(cdb, buffer);
@@ -130,6 +132,11 @@ class FakeCamera : public wifi_testing::PlainCamera {
   bool isListing_ = false;
   std::string writing_;
 };
+
+/// A camera of a test as its users hold it; the test outlives them.
+inline boost::shared_ptr<Camera> Shared(FakeCamera& camera) {
+  return {&camera, [](Camera*) {}};
+}
 
 }  // namespace apps
 

@@ -20,6 +20,7 @@ namespace apps {
 class SyncTest : public SyncFolderTest, protected SilentContext {
  protected:
   explicit SyncTest(ReportStyle style = {}) : SilentContext(style) {
+    camera_.open = true;
     camera_.folder = "I:\\DCIM\\100ABCDE";
     camera_.files = {{"IMG_0001.JPG", "one"}, {"IMG_0002.JPG", "two"}};
   }
@@ -48,7 +49,7 @@ class SyncTest : public SyncFolderTest, protected SilentContext {
   SyncTotals Run(SyncOptions options, const std::vector<DcfObj>& catalogue, bool ends) {
     const SyncPlan plan = Plan(catalogue);
     // On the heap: ThreadSanitizer takes the mutexes of two tests that stood at one place of the stack for one.
-    const auto sync = std::make_unique<Sync>(context_, camera_, folder_, manifest_, options);
+    const auto sync = std::make_unique<Sync>(context_, Shared(camera_), folder_, manifest_, options);
     ended_ = sync->Run(plan);
     EXPECT_EQ(ended_.has_value(), ends);
     return sync->Totals();

@@ -62,7 +62,7 @@ ExitCode RunSync(Context& context) {
   const SyncPlan plan =
       MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest, &folder);
   if (context.guard != nullptr) context.guard->Expect(before + plan.NewFiles());
-  Sync sync(context, *camera, folder, manifest, options);
+  Sync sync(context, camera.Pointer(), folder, manifest, options);
   auto ended = CheckRoom(*camera, plan, folder);
   if (!ended) ended = sync.Run(plan);
   // What earlier processes of this run stored is known to this one. A process that was killed between storing and counting
@@ -117,8 +117,8 @@ last five are "undated" if the catalogue has no time. A pattern names each file:
 {year}/{month}/, --by year is {year}/. A name from the camera cannot add a folder: bytes that are not
 safe in a file name are written as %XX.
 
-A file arrives in one piece, and so does the catalogue with 128 bytes for each picture. Memory is needed for the
-catalogue, for two of the largest files, and for 4 MB on their way to the disk.)",
+Large files come in pieces. Memory is needed for the catalogue, 128 bytes for each picture, and for what is on its way to
+the disk, 4 MB; it does not depend on the size of a file.)",
      R"(events, one object a line: stored (path, file, size, sha1, verified, was_here), failed (path, error), deleted
   (path), would_store (path, file, size if the camera lists it)
 stored: how many files were stored

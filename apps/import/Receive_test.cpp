@@ -1,0 +1,80 @@
+#include "apps/import/Receive.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string_view>
+
+#include "apps/commandline/Failure.h"
+#include "apps/files/testing/RecordingCalls.h"
+#include "apps/import/testing/SyncTest.h"
+
+namespace apps {
+namespace {
+
+using What = FileStream::What;
+
+class ReceiveTest : public SyncFolderTest {
+ protected:
+  void Put(std::string_view text, What what = What::kWrite) {
+    const std::span<char> room = stream_.Room();
+    std::copy(text.begin(), text.end(), room.begin());
+    stream_.Put(what, text.size());
+  }
+
+  FileStream stream_;
+};
+
+TEST_F(ReceiveTest, AWholeFileIsOnDiskUnderATemporaryName) {
+  Put("ab");
+  Put("c");
+  stream_.End(What::kStore, true);
+  const auto received = Receive(stream_, folder_, 3);
+  ASSERT_TRUE(received.has_value());
+  EXPECT_EQ(received->sha1, "a9993e364706816aba3e25717850c26c9cd0d89d");
+  EXPECT_EQ(stream_.Sha1(), received->sha1);
+  EXPECT_TRUE(received->verified);
+  EXPECT_TRUE(received->file->TakeName("abc"));
+  EXPECT_EQ(Text("abc"), "abc");
+}
+
+TEST_F(ReceiveTest, WhatComesAgainIsComparedWithWhatIsOnDisk) {
+  for (const bool same : {true, false}) {
+    Put("abc");
+    Put("a", What::kCompare);
+    Put(same ? "bc" : "bd", What::kCompare);
+    stream_.End(What::kDrop);
+    EXPECT_FALSE(Receive(stream_, folder_, 3).has_value());
+    EXPECT_EQ(stream_.IsEqual(), same);
+  }
+}
+
+TEST_F(ReceiveTest, OneDifferentPieceIsEnough) {
+  Put("abc");
+  Put("x", What::kCompare);
+  Put("bc", What::kCompare);
+  stream_.End(What::kDrop);
+  Receive(stream_, folder_, 3);
+  EXPECT_EQ(stream_.IsEqual(), false);
+}
+
+TEST_F(ReceiveTest, AFileThatItsReaderDropsLeavesNothing) {
+  Put("ab");
+  stream_.End(What::kDrop);
+  EXPECT_FALSE(Receive(stream_, folder_, 3).has_value());
+  EXPECT_EQ(RemoveLeftovers(folder_), 0);
+}
+
+TEST_F(ReceiveTest, ADiskThatTakesNoMoreIsAFailure) {
+  RecordingCalls calls(path_);
+  calls.FailAt(2, ENOSPC, "write ");
+  Put("ab");
+  Put("c");
+  stream_.End(What::kStore);
+  EXPECT_THROW(Receive(stream_, folder_, 3), Failure);
+}
+
+}  // namespace
+}  // namespace apps
