@@ -1,6 +1,7 @@
 // Local sockets: listens at a path where a dead socket may lie, and connects to one.
 #include "bus/Listener.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -29,6 +30,17 @@ const sockaddr* Generic(const sockaddr_un& address) {
 
 base::FileDescriptor NewSocket(int flags) {
   return base::FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
+}
+
+/// Keeps errno.
+base::FileDescriptor TryConnect(const sockaddr_un& address) {
+  base::FileDescriptor socket = NewSocket(0);
+  if (!socket || ::connect(socket.Get(), Generic(address), sizeof address) != 0) {
+    const int error = errno;
+    socket.Reset();
+    errno = error;
+  }
+  return socket;
 }
 
 std::runtime_error CannotServe(const std::string& path, const std::string& why) {
@@ -77,11 +89,12 @@ base::FileDescriptor ConnectTo(const std::string& path) {
     errno = ENAMETOOLONG;
     return {};
   }
-  base::FileDescriptor socket = NewSocket(0);
-  if (!socket || ::connect(socket.Get(), Generic(*address), sizeof *address) != 0) {
-    const int error = errno;
-    socket.Reset();
-    errno = error;
+  // A bus that starts has its path a moment before it takes connections. A path that a dead one left is given up soon.
+  constexpr int kAttempts = 20;
+  base::FileDescriptor socket = TryConnect(*address);
+  for (int i = 1; i < kAttempts && !socket && errno == ECONNREFUSED; ++i) {
+    ::poll(nullptr, 0, 10);
+    socket = TryConnect(*address);
   }
   return socket;
 }

@@ -29,7 +29,8 @@ class Listener {
   ino_t inode_ = 0;
 };
 
-/// A connected socket to a listener at this path; empty, with errno, when there is none.
+/// A connected socket to a listener at this path; empty, with errno, when there is none. Waits up to 0.2 s for one that has
+/// its path and takes no connections yet.
 base::FileDescriptor ConnectTo(const std::string& path);
 
 /// The process at the other end.

@@ -1,9 +1,14 @@
 #include "bus/Listener.h"
 
 #include <gmock/gmock.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 
 #include <cerrno>
+#include <future>
+#include <latch>
+#include <thread>
 
 #include "vcam/camera/testing/TestSupport.h"
 
@@ -77,6 +82,23 @@ TEST_F(ListenerTest, RefusesPathsThatCannotBe) {
   EXPECT_THAT(FailureAt(""), testing::HasSubstr("107 bytes"));
   EXPECT_THAT(FailureAt(scratch_.Path().string() + "/" + std::string(108, 'x')), testing::HasSubstr("107 bytes"));
   EXPECT_THAT(FailureAt((scratch_.Path() / "no/where").string()), testing::HasSubstr("No such file"));
+}
+
+TEST_F(ListenerTest, ABusThatHasItsPathAndTakesNoConnectionsYetIsWaitedFor) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path_.copy(address.sun_path, sizeof address.sun_path - 1);
+  const base::FileDescriptor bound(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  ASSERT_EQ(::bind(bound.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  std::latch tries{1};
+  auto connected = std::async(std::launch::async, [&] {
+    tries.count_down();
+    return static_cast<bool>(ConnectTo(path_));
+  });
+  tries.wait();
+  for (int i = 0; i < 1000; ++i) std::this_thread::yield();
+  ASSERT_EQ(::listen(bound.Get(), 1), 0);
+  EXPECT_TRUE(connected.get());
 }
 
 TEST_F(ListenerTest, ConnectsToNothingWhereNobodyListens) {
