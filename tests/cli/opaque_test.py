@@ -122,7 +122,7 @@ class OpaqueTest(Bus):
         for _ in self.each_seed():
             image = self.out + "/image"
             with open(image, "wb") as file:
-                file.write(b"firmware")
+                file.write(b"\1firmware")
             run = self.works("upgrade", "--yes", image)
             self.assertIn("firmware now unknown; battery level ", run.stderr)
             self.assertIn("The camera is back; it does not say which firmware it has.", run.stderr)

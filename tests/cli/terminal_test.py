@@ -89,7 +89,7 @@ class TerminalTest(Bus):
 
     def test_upgrade_asks_and_takes_no_for_an_answer(self):
         with open(self.folder + "/image", "wb") as file:
-            file.write(b"firmware")
+            file.write(b"\1firmware")
         for answer, expected in ((b"no\n", 1), (b"yes\n", 0)):
             run = self.terminal("upgrade", self.folder + "/image")
             run.read_until(b"Type yes and press Enter:")
@@ -117,10 +117,10 @@ class TerminalTest(Bus):
 
     def test_a_quiet_upgrade_still_says_what_it_asks_about(self):
         with open(self.folder + "/image", "wb") as file:
-            file.write(b"firmware")
+            file.write(b"\1firmware")
         run = self.terminal("-q", "upgrade", self.folder + "/image")
         seen = run.read_until(b"Type yes and press Enter:")
-        self.assertIn(hashlib.sha1(b"firmware").hexdigest().encode(), seen)
+        self.assertIn(hashlib.sha1(b"\1firmware").hexdigest().encode(), seen)
         self.assertIn(b"firmware now factory; battery level", seen)
         run.type(b"no\n")
         self.assertEqual(run.end()[0], 1)

@@ -10,7 +10,7 @@ import time
 import bench_of_cameras
 from bench_of_cameras import Bus
 
-IMAGE = b"firmware " * 20_000
+IMAGE = b"\1firmware" * 20_000
 
 
 class UpgradeTest(Bus):

@@ -41,7 +41,7 @@ class EveryVerbTest(Bus):
             os.makedirs(self.out(verb))
         self.image = self.folder + "/image.bin"
         with open(self.image, "wb") as file:
-            file.write(b"firmware")
+            file.write(b"\1firmware")
         self.secret = self.folder + "/secret"
         with open(self.secret, "w", encoding="ascii") as file:
             file.write("nine chars and more\n")

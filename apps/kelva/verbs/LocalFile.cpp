@@ -49,6 +49,17 @@ void LocalFile::Read(std::span<char> into) {
   }
 }
 
+std::string LocalFile::Head(std::size_t most) const {
+  std::string head(most, '\0');
+  ssize_t size = 0;
+  do {
+    size = ::pread(file_.Get(), head.data(), head.size(), 0);
+  } while (size < 0 && errno == EINTR);
+  if (size < 0) throw SystemFailure("read " + Printable(path_), errno);
+  head.resize(static_cast<std::size_t>(size));
+  return head;
+}
+
 std::string LocalFile::Sha1() const {
   std::optional<std::string> sum = Sha1OfFile(file_.Get());
   if (!sum) throw SystemFailure("read " + Printable(path_), errno);

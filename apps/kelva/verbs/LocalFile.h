@@ -18,6 +18,8 @@ class LocalFile {
   std::uint32_t Size() const { return size_; }
   /// Fills `into` with the next bytes. Throws Failure when the file does not have them any more.
   void Read(std::span<char> into);
+  /// The first bytes of the file, at most `most`. Throws Failure. Read goes on where it was.
+  std::string Head(std::size_t most) const;
   /// The SHA-1 of the whole file, from its start. Throws Failure. Read goes on where it was.
   std::string Sha1() const;
 

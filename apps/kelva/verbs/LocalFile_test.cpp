@@ -40,6 +40,8 @@ class LocalFileTest : public testing::Test {
 TEST_F(LocalFileTest, AFileIsReadPieceByPiece) {
   LocalFile file(path_, 7);
   EXPECT_EQ(file.Size(), 7U);
+  EXPECT_EQ(file.Head(2), "ab");
+  EXPECT_EQ(file.Head(100), "abcdefg");
   EXPECT_EQ(Next(file, 3), "abc");
   EXPECT_EQ(file.Sha1(), "2fb5e13419fc89246865e7a324f476ec624e8740") << "of the whole file";
   EXPECT_EQ(Next(file, 4), "defg");

@@ -1,7 +1,9 @@
 // The verb upgrade.
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <thread>
@@ -17,7 +19,9 @@
 #include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/LocalFile.h"
 #include "apps/kelva/verbs/Number.h"
+#include "apps/kelva/verbs/TextKind.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "base/Ascii.h"
 
 namespace apps {
 namespace {
@@ -42,6 +46,7 @@ class Image {
   }
 
   std::uint32_t Size() const { return file_.Size(); }
+  std::string Head(std::size_t most) const { return file_.Head(most); }
   const std::string& Sha1() const { return sha1_; }
 
   /// Fills the next chunk. Throws Failure in place of the last one when the file is not the one that was shown: the camera
@@ -63,6 +68,46 @@ class Image {
   Sha1Sum sent_;
   std::uint64_t given_ = 0;
 };
+
+// A page that a browser saved in place of a download.
+void RefuseText(const Context& context, const std::string& path, const Image& image) {
+  constexpr std::size_t kHead = 4096;
+  const std::string_view kind = TextKind(image.Head(kHead));
+  if (kind.empty() || context.call.Has("text")) return;
+  throw Failure(ExitCode::kFailed, Printable(path) + " is " + std::string(kind) +
+                                       ", and firmware hardly ever is; nothing was sent. Download it again, or "
+                                       "send it with --text if it is meant to be one.");
+}
+
+void CompareSha1(const std::optional<std::string>& wanted, const std::string& path, const Image& image) {
+  if (!wanted || base::Lower(*wanted) == image.Sha1()) return;
+  throw Failure(ExitCode::kFailed, Printable(path) + " has the SHA-1 " + image.Sha1() + ", not " + *wanted +
+                                       "; nothing was sent. Download it again.");
+}
+
+std::optional<std::string> WantedSha1(const Context& context) {
+  const auto wanted = context.call.Value("sha1");
+  if (!wanted || IsKey(*wanted)) return wanted;
+  throw Failure(ExitCode::kUsage, "--sha1 takes 40 hexadecimal digits, not \"" + Printable(*wanted) + "\".");
+}
+
+// In the camera's own unit; nothing without the option.
+std::optional<float> LeastBattery(const Context& context) {
+  const auto text = context.call.Value("min-battery");
+  if (!text) return std::nullopt;
+  float level = 0;
+  const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), level);
+  if (error == std::errc() && end == text->data() + text->size() && IsReadableLevel(level)) return level;
+  throw Failure(ExitCode::kUsage,
+                "--min-battery takes a number as `kelva battery` shows it, not \"" + Printable(*text) + "\".");
+}
+
+void CompareBattery(std::optional<float> least, float level) {
+  if (!least || (IsReadableLevel(level) && level >= *least)) return;
+  throw Failure(ExitCode::kFailed, "The camera's battery level is " + LevelText(level) +
+                                       ", and --min-battery asks for " + Shortest(*least) +
+                                       ", both in the camera's own unit; nothing was sent.");
+}
 
 // Shows what would be sent and has it confirmed.
 void Confirm(Context& context, const std::string& facts) {
@@ -131,11 +176,16 @@ class Upgrade {
 
 ExitCode RunUpgrade(Context& context) {
   const std::string& path = context.call.words[0];
+  const auto sha1 = WantedSha1(context);
+  const auto leastBattery = LeastBattery(context);
   Image image(path);
+  CompareSha1(sha1, path, image);
+  RefuseText(context, path, image);
   context.Doing("prepare the upgrade");
   Upgrade upgrade(context);
   const std::string before = Firmware(upgrade.Session());
   const float battery = upgrade.Session().Device().BatteryLevel();
+  CompareBattery(leastBattery, battery);
   Confirm(context, Printable(path) + ": " + Bytes(image.Size()) + ", SHA-1 " + image.Sha1() + "; firmware now " +
                        Named(before) + "; battery level " + LevelText(battery) + " in the camera's own unit.");
   upgrade.Send(image);
@@ -154,14 +204,27 @@ ExitCode RunUpgrade(Context& context) {
 }
 
 constexpr Argument kArguments[] = {{"FILE", "The firmware image.", Argument::Count::kOne, Offer::kFile}};
-constexpr Option kOptions[] = {{"yes", 'y', "", "Send it without asking."}};
-constexpr Example kExamples[] = {{"kelva upgrade firmware-2.1.bin", "Show what would be sent, confirm, and wait."}};
+constexpr Option kOptions[] = {
+    {"yes", 'y', "", "Send it without asking."},
+    {"sha1", 0, "HEX", "Send the image only if it has this SHA-1."},
+    {"min-battery", 0, "LEVEL", "Send it only if the battery level, as `kelva battery` shows it, is this or more."},
+    {"text", 0, "", "Send it even if it is a text."},
+};
+constexpr Example kExamples[] = {
+    {"kelva upgrade firmware-2.1.bin", "Show what would be sent, confirm, and wait."},
+    {"kelva upgrade --yes --sha1 a9993e364706816aba3e25717850c26c9cd0d89d firmware-2.1.bin",
+     "Send it without asking if it is the image that was announced."},
+};
 
 constexpr Verb kVerbs[] = {
     {"upgrade", "Give the camera new firmware", kArguments, kOptions,
      R"(Shows the size and SHA-1 of the image, the camera's firmware and its battery level in the camera's own unit,
 and asks before it sends anything. Then it shows how far sending and writing are, waits until the camera is back, and
 says which firmware it has now.
+
+An image that does not have the SHA-1 of --sha1 is not sent, and neither is a text or an HTML page, which a browser
+may have saved in place of a download. --min-battery compares numbers: which unit a camera's level has, and what is
+enough for an upgrade, only its maker knows.
 
 The camera accepts every image and checks it only when it is written. Do not unplug the camera until then. After
 Ctrl-C while sending, the image is incomplete and the camera keeps its firmware.)",
