@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/FilesByKey.h"
 #include "apps/camera/ReadLimit.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
@@ -35,15 +36,18 @@ Request Understand(const std::string& word) {
   return request;
 }
 
+Failure NotThere(const std::string& key) {
+  return Failure(ExitCode::kFailed, "The camera has no file with the key " + Printable(key) +
+                                        "; `kelva pictures --json` shows the keys of the pictures it has.");
+}
+
 _Sha1obj Fetch(Context& context, Camera& camera, const Request& request) {
   Progress progress(context.reporter, context.stop, request.key, 0);
   ReadLimit limit = ReadLimit::OfBundle("a file by its key", kMostUnlisted, Progress::Callback, progress);
   std::vector<_Sha1obj> files =
       camera.ReadFilesBySha1({request.key}, {request.qualifier}, ReadLimit::Check, &limit, true);
   if (files.size() != 1) {
-    throw Failure(ExitCode::kFailed, "The camera has no file with the key " +
-                                         Printable(request.key + request.qualifier) +
-                                         "; `kelva pictures --json` shows the keys of the pictures it has.");
+    throw NotThere(request.key + request.qualifier);
   }
   return std::move(files.front());
 }
@@ -86,11 +90,22 @@ ExitCode RunBatchRm(Context& context) {
       throw Failure(ExitCode::kUsage, "`kelva batch rm` takes keys without an extension.");
     }
   }
-  const Session camera(context, "delete files by key");
-  if (!camera->DeleteBatch(context.call.words, true)) {
+  const Session camera(context, "ask for files by key");
+  const std::vector<bool> there = HasFiles(*camera, context.call.words);
+  std::vector<std::string> keys;
+  for (std::size_t i = 0; i < there.size(); ++i) {
+    if (there[i]) keys.push_back(context.call.words[i]);
+  }
+  context.Doing("delete files by key");
+  if (!keys.empty() && !camera->DeleteBatch(keys, true)) {
     throw Failure(ExitCode::kRefused, "The camera refused to delete the files.");
   }
-  return context.Result(CameraResult(camera).Set("keys", context.call.words.size()), "");
+  Each each(context, "files");
+  for (std::size_t i = 0; i < there.size(); ++i) {
+    const std::string& key = context.call.words[i];
+    each.Try(key, [&] { return there[i] ? Json::Object().Set("key", key) : throw NotThere(key); });
+  }
+  return each.Finish(CameraResult(camera).Set("keys", keys.size()));
 }
 
 ExitCode RunRaw(Context& context) {
@@ -135,8 +150,11 @@ and the new file gets a number. Of a file 256 MiB are read at most.)",
      "files: array of key, qualifier, file, size, sha1, or of path and error\nfailed: how many were not fetched",
      kGetExamples, RunBatchGet},
     {"batch rm", "Delete files by their SHA-1", kPlainKeys, kNoOptions,
-     "Sends all keys in one command. The camera does not report each file; `kelva pictures` shows what is left.",
-     "keys: how many were sent", kRmExamples, RunBatchRm},
+     R"(Asks the camera first which of the files it has, and sends their keys in one command. A key that it does not have
+fails, and so does that of an empty file, which looks the same. The camera does not report each deletion; `kelva pictures`
+shows what is left.)",
+     "keys: how many were sent\nfiles: array of key, or of path and error\nfailed: how many the camera does not have",
+     kRmExamples, RunBatchRm},
     {"raw", "Fetch the compressed raw data of a picture", kKey, kInto,
      R"(The data has up to two parts, stored as KEY.raw1 and KEY.raw2; an empty part is left out. A single part is
 stored as KEY.raw, because the camera does not say which of the two it is. 256 MiB are read at most.)",

@@ -1,7 +1,11 @@
+#include <gmock/gmock.h>
+
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {
 namespace {
+
+using testing::HasSubstr;
 
 using KeyVerbsTest = VerbTest;
 
@@ -13,6 +17,21 @@ TEST_F(KeyVerbsTest, AFileIsFetchedAndDeletedByItsKey) {
   EXPECT_EQ(ran.code, ExitCode::kDone) << ran.err;
   EXPECT_EQ(Text(folder / key), "abc");
   EXPECT_EQ(Run({"batch", "rm", key}).code, ExitCode::kDone);
+  EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
+}
+
+TEST_F(KeyVerbsTest, AKeyThatTheCameraDoesNotHaveIsNotDeletedSilently) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "abc");
+  const char* key = "a9993e364706816aba3e25717850c26c9cd0d89d";
+  const char* unknown = "0000000000000000000000000000000000000000";
+  const Ran none = Run({"batch", "rm", unknown, "--json"});
+  EXPECT_EQ(none.code, ExitCode::kFailed);
+  EXPECT_THAT(none.err, HasSubstr("no file with the key 0000"));
+  EXPECT_THAT(none.out, HasSubstr("\"keys\":0"));
+  const Ran some = Run({"batch", "rm", unknown, key, "--json"});
+  EXPECT_EQ(some.code, ExitCode::kPartial);
+  EXPECT_THAT(some.out, HasSubstr("\"keys\":1,\"files\":[{\"path\":\"0000"));
+  EXPECT_THAT(some.out, HasSubstr("{\"key\":\"a9993e364706816aba3e25717850c26c9cd0d89d\"}],\"failed\":1"));
   EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
 }
 
