@@ -19,12 +19,12 @@ constexpr auto kPause = 200ms;
 
 LastingSession::LastingSession(Context& context)
     : context_(context), serial_(WantedSerial(context.call.Value("serial"))) {
-  Open();
+  Open(WaitBusy(context));
   if (!session_->Facts().serial.empty()) serial_ = session_->Facts().serial;
 }
 
-void LastingSession::Open() {
-  session_.emplace(context_, Choose(FindAttached(context_.diversion), serial_));
+void LastingSession::Open(std::chrono::milliseconds patience) {
+  session_.emplace(context_, Choose(FindAttached(context_.diversion), serial_), patience);
 }
 
 bool LastingSession::IsReady() {
@@ -34,7 +34,7 @@ bool LastingSession::IsReady() {
     session_.reset();
   }
   try {
-    Open();
+    Open(0ms);  // who asks here asks again
   } catch (const Failure&) {
     // The camera is not attached yet, or cannot be opened yet.
   }

@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_CAMERA_LASTING_SESSION_H_
 #define KELVA_APPS_CAMERA_LASTING_SESSION_H_
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -34,7 +35,7 @@ class LastingSession {
   void WaitUntilGone(int commands);
 
  private:
-  void Open();
+  void Open(std::chrono::milliseconds patience);
   bool HasRestarted(int commands);
 
   Context& context_;

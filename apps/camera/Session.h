@@ -2,25 +2,27 @@
 #define KELVA_APPS_CAMERA_SESSION_H_
 
 #include <boost/shared_ptr.hpp>
-#include <optional>
+#include <chrono>
+#include <memory>
 #include <string>
 
 #include "apps/camera/Attached.h"
+#include "apps/camera/Turns.h"
 #include "apps/commandline/Context.h"
 #include "apps/trace/Trace.h"
 #include "src/wifi/Camera.h"
 
 namespace apps {
 
-/// One open camera. The destructor closes it.
+/// One open camera. The destructor closes it. Long work gives it up for others meanwhile (apps/camera/Turns.h).
 class Session {
  public:
-  /// Opens the camera that the command line means, for what is then tried (see Context::Doing). Throws Failure as
-  /// Choose does, and when it cannot be opened.
+  /// Opens the camera that the command line means, for what is then tried (see Context::Doing), and waits for it as
+  /// --wait-busy says. Throws Failure as Choose and Turns do.
   Session(Context& context, std::string doing);
   /// Opens this camera.
   Session(Context& context, AttachedCamera chosen);
-  ~Session();
+  Session(Context& context, AttachedCamera chosen, std::chrono::milliseconds patience);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
@@ -32,6 +34,7 @@ class Session {
   const AttachedCamera& Attached() const { return chosen_; }
 
  private:
+  std::unique_ptr<Turns> turns_;
   AttachedCamera chosen_;
 };
 

@@ -33,6 +33,7 @@ TEST_F(SessionTest, WithoutACameraThereIsNone) {
 }
 
 TEST_F(SessionTest, ACameraThatCannotBeOpenedIsBusy) {
+  call_.Add("wait-busy", "0");
   registry_.AttachCamera({"K1", "Kelva", "Camera", "1.00", 3, {}});
   EXPECT_EQ(WhyNot(), ExitCode::kBusy);
 }

@@ -2,6 +2,7 @@
 #define KELVA_APPS_COMMANDLINE_CONTEXT_H_
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,14 @@
 namespace apps {
 
 class Trace;
+class Turns;
+
+/// Where programs stand in line for one camera: a node or a folder that all of them can open, and what tells this camera
+/// from others there.
+struct LinePlace {
+  std::string path;
+  std::string camera;
+};
 
 /// What a verb works with. Lives as long as the verb runs and belongs to its thread, but for the reporter and the stop.
 class Context {
@@ -30,6 +39,9 @@ class Context {
   /// Names the processes that hold the camera with a serial number, as part of a sentence; empty when that cannot be
   /// told.
   std::function<std::string(const std::string& serial)> holdersOf;
+  /// Where programs stand in line for the camera with a serial number; nothing when there is no such place.
+  std::function<std::optional<LinePlace>(const std::string& serial)> lineOf;
+  Turns* turns = nullptr;  ///< null unless a camera is open (apps/camera/Turns.h)
 
   Context(const Invocation& invocation, Output& output, Reporter& messages, const Stop& stopRequest,
           StdoutDiversion& diverted)

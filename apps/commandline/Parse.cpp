@@ -273,12 +273,13 @@ const Verb* FindVerb(std::span<const Verb> table, std::string_view name) {
   return nullptr;
 }
 
-std::chrono::milliseconds ParseSeconds(std::string_view text, std::string_view option) {
+std::chrono::milliseconds ParseSeconds(std::string_view text, std::string_view option, Zero zero) {
   double seconds = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
   const bool whole = error == std::errc() && end == text.data() + text.size();
-  if (!whole || !std::isfinite(seconds) || seconds <= 0 || seconds > 1e9) {
-    throw Usage(std::string(option) + " needs a number of seconds above 0, not \"" + Printable(text) + "\".");
+  if (!whole || !std::isfinite(seconds) || seconds < 0 || (seconds == 0 && zero == Zero::kRefused) || seconds > 1e9) {
+    throw Usage(std::string(option) + " needs a number of seconds" + (zero == Zero::kRefused ? " above 0" : "") +
+                ", not \"" + Printable(text) + "\".");
   }
   return std::chrono::milliseconds(static_cast<long long>(std::ceil(seconds * 1000)));
 }

@@ -53,7 +53,8 @@ Beginning ParseBeginning(const Program& program, std::span<const char* const> ar
 const Verb* FindVerb(std::span<const Verb> table, std::string_view name);
 
 /// A duration in seconds, with decimals: "2.5". Throws Failure(kUsage) naming the option.
-std::chrono::milliseconds ParseSeconds(std::string_view text, std::string_view option);
+enum class Zero { kRefused, kTaken };
+std::chrono::milliseconds ParseSeconds(std::string_view text, std::string_view option, Zero zero = Zero::kRefused);
 
 /// A whole number between two bounds. Throws Failure(kUsage) naming what was expected.
 long long ParseNumber(std::string_view text, std::string_view what, long long least, long long most);

@@ -145,6 +145,8 @@ TEST(ParseSecondsTest, TakesDecimalsAboveZero) {
   for (const char* bad : {"", "0", "-1", "1s", "inf", "nan", "1e300"}) {
     EXPECT_THROW(ParseSeconds(bad, "--timeout"), Failure) << bad;
   }
+  EXPECT_EQ(ParseSeconds("0", "--wait-busy", Zero::kTaken).count(), 0);
+  EXPECT_THROW(ParseSeconds("-1", "--wait-busy", Zero::kTaken), Failure);
 }
 
 TEST(ParseNumberTest, IsBoundedOnBothSides) {

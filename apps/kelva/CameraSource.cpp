@@ -1,6 +1,7 @@
 // The one place that chooses between this machine and a virtual bus.
 #include "apps/kelva/CameraSource.h"
 
+#include <filesystem>
 #include <stdexcept>
 #include <vector>
 
@@ -45,6 +46,18 @@ void ChooseCameraSource(const std::optional<std::string>& socket, const std::fun
 
 std::string HoldersInWords(const std::optional<std::string>& socket, const std::string& serial) {
   return doctor::InWords(socket ? HoldersOnBus(*socket, serial) : doctor::HoldersOfCamera(serial));
+}
+
+std::optional<LinePlace> LineOf(const std::optional<std::string>& socket, const std::string& serial) {
+  if (socket) {
+    // A socket cannot be opened; its folder can.
+    const std::filesystem::path path(*socket);
+    const std::string folder = path.parent_path().string();
+    return LinePlace{folder.empty() ? "." : folder, path.filename().string() + '/' + serial};
+  }
+  const std::string node = doctor::NodeOfCamera(serial);
+  if (node.empty()) return std::nullopt;
+  return LinePlace{node, serial};
 }
 
 }  // namespace apps

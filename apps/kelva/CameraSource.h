@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "apps/commandline/Context.h"
+
 namespace apps {
 
 /// Decides where cameras come from: the virtual bus behind this socket, otherwise this machine.
@@ -15,6 +17,9 @@ void ChooseCameraSource(const std::optional<std::string>& socket, const std::fun
 /// Names the processes that hold the camera with this serial number, from the same source of cameras as above; empty
 /// when that cannot be told.
 std::string HoldersInWords(const std::optional<std::string>& socket, const std::string& serial);
+
+/// Where programs stand in line for this camera: all that reach it can open that place. Nothing when there is none.
+std::optional<LinePlace> LineOf(const std::optional<std::string>& socket, const std::string& serial);
 
 }  // namespace apps
 

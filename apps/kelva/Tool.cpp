@@ -151,6 +151,7 @@ class Tool {
     context.guard = guard;
     context.trace = trace_ ? &*trace_ : nullptr;
     context.holdersOf = [this](const std::string& serial) { return HoldersInWords(call_.Value("virtual"), serial); };
+    context.lineOf = [this](const std::string& serial) { return LineOf(call_.Value("virtual"), serial); };
     try {
       if (FindVerb(HelpVerbs(), call_.Name()) == nullptr) ChooseSource();
       return call_.verb->run(context);

@@ -164,7 +164,7 @@ class EveryVerbTest(Bus):
             self.assertEqual(document["reason"], "busy")
             self.assertIn(f"kelva (process {holder.pid})", document["error"])
 
-        self.run_all(COMMANDS, check, "--json", "-s", "K1")
+        self.run_all(COMMANDS, check, "--json", "-s", "K1", "--wait-busy", "0")
         holder.send_signal(signal.SIGINT)
         holder.communicate(timeout=60)
         self.assertEqual(holder.returncode, 130)

@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <cstdio>
+#include <future>
 #include <memory>
 #include <string>
 
@@ -91,12 +93,30 @@ TEST_F(ToolTest, ABusyCameraNamesItsHolder) {
   const int node = ::open(MockMachine::NodeOf(0).c_str(), O_RDWR | O_CLOEXEC);
   ASSERT_GE(node, 0);
   ASSERT_EQ(::flock(node, LOCK_EX), 0);
-  const Ended ended = Run("battery --json");
+  const Ended ended = Run("battery --json --wait-busy 0");
   EXPECT_EQ(ended.code, 4);
   const std::string holder = " (process " + std::to_string(::getpid()) + ")";
   EXPECT_THAT(ended.output, AllOf(HasSubstr("Camera K1 is held by "), HasSubstr(holder)));
   ::close(node);
   EXPECT_EQ(Run("battery").code, 0);
+}
+
+TEST_F(ToolTest, ABusyCameraIsWaitedFor) {
+  PlugCamera("K1", 0);
+  const int node = ::open(MockMachine::NodeOf(0).c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_GE(node, 0);
+  ASSERT_EQ(::flock(node, LOCK_EX), 0);
+  auto waiting = std::async(std::launch::async, [] { return Run("battery"); });
+  const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  struct flock place {};
+  do {
+    place = {};
+    place.l_type = F_WRLCK;
+    ASSERT_EQ(::fcntl(node, F_OFD_GETLK, &place), 0);
+  } while (place.l_type == F_UNLCK && std::chrono::steady_clock::now() < until);
+  EXPECT_EQ(place.l_type, F_RDLCK) << "the tool stands in line at the node";
+  ::close(node);
+  EXPECT_EQ(waiting.get().code, 0);
 }
 
 TEST_F(ToolTest, TheDoctorFindsACameraWell) {

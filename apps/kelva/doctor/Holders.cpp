@@ -49,6 +49,16 @@ int ProcessNumber(const fs::path& directory) {
   return error == std::errc() && end == name.data() + name.size() ? pid : 0;
 }
 
+std::set<int> ThoseWith(const struct stat& node, const fs::path& proc) {
+  std::set<int> pids;
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(proc, ignored)) {
+    const int pid = ProcessNumber(entry.path());
+    if (pid != 0 && HasOpen(entry.path(), node)) pids.insert(pid);
+  }
+  return pids;
+}
+
 }  // namespace
 
 std::string ProcessName(int pid, const fs::path& proc) {
@@ -82,11 +92,8 @@ std::vector<Holder> HoldersOf(const std::string& node, const fs::path& proc) {
   std::ifstream locks(proc / "locks");
   const auto locking = LockHolders(locks, {major(status.st_dev), minor(status.st_dev), status.st_ino});
   std::set<int> pids(locking.begin(), locking.end());
-  std::error_code ignored;
-  for (const auto& entry : fs::directory_iterator(proc, ignored)) {
-    const int pid = ProcessNumber(entry.path());
-    if (pid != 0 && HasOpen(entry.path(), status)) pids.insert(pid);
-  }
+  // Programs that wait for the lock have the node open too, and hold nothing.
+  if (pids.empty()) pids = ThoseWith(status, proc);
   pids.erase(::getpid());  // the doctor itself may have the node open
   std::vector<Holder> holders;
   holders.reserve(pids.size());

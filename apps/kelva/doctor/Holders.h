@@ -21,8 +21,8 @@ struct FileIdentity {
 /// that it cannot read, and processes of other namespaces, which have no number here.
 std::vector<int> LockHolders(std::istream& locks, const FileIdentity& file);
 
-/// The processes, except this one, that hold the node's lock or have the node open, with their names. Without root only
-/// the locks of other users' processes are visible. `proc` is "/proc".
+/// The processes, except this one, that hold the node's lock, with their names; when nobody does, those that have the
+/// node open. Without root only the locks of other users' processes are visible. `proc` is "/proc".
 std::vector<Holder> HoldersOf(const std::string& node, const std::filesystem::path& proc = "/proc");
 
 /// The name of a process; "a process" when it has ended or hides it.

@@ -95,6 +95,16 @@ TEST_F(HoldersTest, AProcessThatHasItOpenAndLockedIsNamedOnce) {
   End(child, release);
 }
 
+TEST_F(HoldersTest, WhoWaitsForTheLockIsNotNamed) {
+  int release = -1;
+  int leave = -1;
+  const pid_t holder = StartHolder(true, release);
+  const pid_t waiter = StartHolder(false, leave);
+  EXPECT_THAT(HoldersOf(file_), ElementsAre(Holder{holder, "doctor_test"}));
+  End(waiter, leave);
+  End(holder, release);
+}
+
 TEST_F(HoldersTest, ThisProcessItselfIsNoHolder) {
   const int fd = ::open(file_, O_RDWR);
   EXPECT_THAT(HoldersOf(file_), IsEmpty());

@@ -149,13 +149,18 @@ MachineFacts SurveyMachine(const Probe& probe) {
   return facts;
 }
 
-std::vector<Holder> HoldersOfCamera(const std::string& serial) {
+std::string NodeOfCamera(const std::string& serial) {
   const UdevContext context{udev_new()};
   if (!context) return {};
   for (const CameraFacts& camera : ReadCameras(context.get())) {
-    if (camera.serial == serial && !camera.node.empty()) return HoldersOf(camera.node);
+    if (camera.serial == serial && !camera.node.empty()) return camera.node;
   }
   return {};
+}
+
+std::vector<Holder> HoldersOfCamera(const std::string& serial) {
+  const std::string node = NodeOfCamera(serial);
+  return node.empty() ? std::vector<Holder>() : HoldersOf(node);
 }
 
 }  // namespace apps::doctor

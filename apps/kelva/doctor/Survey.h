@@ -16,6 +16,9 @@ using Probe = std::function<Answer(const std::string& node)>;
 /// that `probe` asks each camera whose node is usable and free.
 MachineFacts SurveyMachine(const Probe& probe);
 
+/// The node of the camera with this serial number, such as "/dev/sg3"; empty when there is none.
+std::string NodeOfCamera(const std::string& serial);
+
 /// The processes, except this one, that hold the camera with this serial number.
 std::vector<Holder> HoldersOfCamera(const std::string& serial);
 

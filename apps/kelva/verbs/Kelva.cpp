@@ -21,6 +21,8 @@ constexpr Option kOptions[] = {
     {"trace", 0, "FILE", "Write each exchange with the camera into this file, or add it to a trace that is there.",
      Offer::kFile},
     {"trace-private", 0, "", "In the trace, put stand-ins in place of serial numbers and network names."},
+    {"wait-busy", 0, "SECONDS",
+     "Wait this long for a camera that another program holds; the default is 10, and 0 does not wait."},
     {"timeout", 0, "SECONDS", "End after this time, with exit status 8."},
     kHelpOption,
 };

@@ -44,16 +44,17 @@ TargetFolder NewFolder(const std::string& path) {
 
 ExitCode RunSurvey(Context& context) {
   const std::string& path = context.call.words[0];
-  AttachedCamera attached = Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")));
+  const AttachedCamera chosen = Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")));
   Confirm(context, path);
   const PrivateFiles privately;
   const TargetFolder folder = NewFolder(path);
   const bool standIns = context.call.Has("private");
   Trace trace({folder.PathOf("trace.jsonl"), standIns}, *context.call.program, context.call.Name(),
               [&](const std::string& sentence) { context.reporter.Note(sentence); });
+  const Session session(context, chosen);
+  AttachedCamera attached = session.Attached();
   attached.camera = trace.Around(attached.camera, DeviceOf(attached.facts));
-  const Session session(context, attached);
-  survey::Survey survey(context, folder, session.Attached(), standIns);
+  survey::Survey survey(context, folder, attached, standIns);
   const std::optional<Outcome> ended = survey.Run();
   StoreNew(folder, "summary.txt", survey.Summary(), Readers::kOwner);
   StoreNew(folder, "survey.json", survey.Members().Text() + "\n", Readers::kOwner);
