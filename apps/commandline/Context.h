@@ -11,6 +11,7 @@
 #include "apps/commandline/Output.h"
 #include "apps/commandline/Parse.h"
 #include "apps/commandline/Reporter.h"
+#include "apps/commandline/SoFar.h"
 #include "apps/commandline/StdoutDiversion.h"
 #include "apps/commandline/Stop.h"
 
@@ -35,6 +36,7 @@ class Context {
   const Stop& stop;
   StdoutDiversion& diversion;
   Guard* guard = nullptr;  ///< for verbs that are guarded
+  SoFar* soFar = nullptr;  ///< null where nothing can end the command before its end
   Trace* trace = nullptr;  ///< null unless the exchanges with cameras are to be written (apps/trace/Trace.h)
   /// Names the processes that hold the camera with a serial number, as part of a sentence; empty when that cannot be
   /// told.

@@ -55,9 +55,7 @@ struct Guard::Page {
   int kills = 0;
   int killsBetweenItems = 0;
   std::array<char, 256> name{};  // of the current item
-  std::atomic<unsigned long long> expected = 0;
-  std::atomic<unsigned long long> files = 0;
-  std::atomic<unsigned long long> bytes = 0;
+  Counters counters{};
   std::size_t noted = 0;
   // A hash table, nulls at first. Not touched before it is needed: most work fails nowhere.
   std::array<Note, kNotes> notes;
@@ -207,25 +205,8 @@ bool Guard::WasReported(std::string_view token) const {
   return (page_.FactsOf(ItemOf(token)) & kReported) != 0;
 }
 
-void Guard::Expect(unsigned long long files) {
-  page_.expected = files;
-}
-
-unsigned long long Guard::Expected() const {
-  return page_.expected;
-}
-
-void Guard::Count(unsigned long long files, unsigned long long bytes) {
-  page_.files += files;
-  page_.bytes += bytes;
-}
-
-unsigned long long Guard::Files() const {
-  return page_.files;
-}
-
-unsigned long long Guard::Bytes() const {
-  return page_.bytes;
+Guard::Counters& Guard::Shared() const {
+  return page_.counters;
 }
 
 bool Guard::NoteAbort() noexcept {

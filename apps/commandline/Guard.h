@@ -1,6 +1,8 @@
 #ifndef KELVA_APPS_COMMANDLINE_GUARD_H_
 #define KELVA_APPS_COMMANDLINE_GUARD_H_
 
+#include <array>
+#include <atomic>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -36,12 +38,10 @@ class Guard {
   /// Whether TakeReport was called with this token.
   bool WasReported(std::string_view token) const;
 
-  /// How many files the whole work will store, as far as that is known now.
-  void Expect(unsigned long long files);
-  unsigned long long Expected() const;
-  void Count(unsigned long long files, unsigned long long bytes);
-  unsigned long long Files() const;
-  unsigned long long Bytes() const;
+  /// Numbers of the whole work, over all its processes; 0 at first. What they count is the work's own affair.
+  using Counter = std::atomic<unsigned long long>;
+  using Counters = std::array<Counter, 32>;
+  Counters& Shared() const;
 
   /// From the abort handler: true when the abort happened in an item, so that another process will go on.
   /// Async-signal-safe.

@@ -45,11 +45,12 @@ int WorkThatAbortsInTwoItems(Guard& guard) {
     if (!IsOpen(guard, item)) continue;
     guard.Begin(item, item);
     if (item == "b" || item == "d") std::abort();
-    guard.Count(1, 10);
+    ++guard.Shared()[0];
+    guard.Shared()[1] += 10;
     guard.End();
   }
   // a and c once in each of the three processes that came so far: 1 + 2 + 2.
-  return guard.Files() == 5 && guard.Bytes() == 50 ? 6 : 99;
+  return guard.Shared()[0] == 5 && guard.Shared()[1] == 50 ? 6 : 99;
 }
 
 TEST(GuardDeathTest, WorkGoesOnWithoutTheItemsInWhichItAborted) {
@@ -153,8 +154,8 @@ TEST(GuardDeathTest, AWorkerThatIsKilledBetweenItemsBlamesNone) {
   const auto work = [](Guard& guard) {
     if (!IsOpen(guard, "a")) return 99;
     { const InItem item(&guard, "a", "I:\\A.JPG"); }
-    guard.Count(1, 0);
-    if (guard.Files() <= 2) ::kill(::getpid(), SIGKILL);
+    ++guard.Shared()[0];
+    if (guard.Shared()[0] <= 2) ::kill(::getpid(), SIGKILL);
     return 6;
   };
   EXPECT_EXIT(
@@ -166,9 +167,9 @@ TEST(GuardDeathTest, AWorkerThatIsKilledBetweenItemsBlamesNone) {
 
 TEST(GuardDeathTest, AThirdWorkerThatIsKilledBetweenItemsIsAFailureInWords) {
   const auto work = [](Guard& guard) {
-    guard.Count(1, 0);
+    ++guard.Shared()[0];
     { const InItem item(&guard, "a", "A"); }
-    if (guard.Files() <= 3) ::kill(::getpid(), SIGKILL);
+    if (guard.Shared()[0] <= 3) ::kill(::getpid(), SIGKILL);
     return 99;
   };
   EXPECT_EXIT(RunAndExit(work), ExitedWithCode(1), "the same command goes on from there");
@@ -195,8 +196,8 @@ TEST(GuardDeathTest, AWorkerThatIsKilledBeforeItsFirstItemIsAFailureInWords) {
 
 TEST(GuardDeathTest, WorkersThatAreKilledWithoutEndAreAFailureInWords) {
   const auto work = [](Guard& guard) {
-    guard.Count(1, 0);
-    guard.Begin(std::to_string(guard.Files()), "A");
+    ++guard.Shared()[0];
+    guard.Begin(std::to_string(guard.Shared()[0]), "A");
     return ::kill(::getpid(), SIGKILL);
   };
   EXPECT_EXIT(RunAndExit(work), ExitedWithCode(1), "The process that did the work was killed");

@@ -109,6 +109,17 @@ void TakeOverSignals() {
   std::signal(SIGPIPE, SIG_IGN);
 }
 
+namespace {
+
+std::string WhyEnded(const Supervision& supervision, bool late) {
+  const std::string done = supervision.soFar ? supervision.soFar() : "";
+  const std::string why = late ? "Timed out after " + InWords(*supervision.timeout) + " s" : "Stopped";
+  if (!done.empty()) return why + ": " + done + ".";
+  return why + (late ? "; a longer --timeout gives the camera more time." : ". Everything finished so far is kept.");
+}
+
+}  // namespace
+
 ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Supervision& supervision,
                    Reporter& reporter) {
   const sigset_t set = EndingSignals();
@@ -128,10 +139,7 @@ ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Super
   worker.AskToStop();
   // A worker inside one long transfer cannot notice the request, and Ctrl-C must not have to wait for it.
   const bool done = WaitForCause(worker, -1, Clock::now() + supervision.grace) == Cause::kDone;
-  const std::string rest = supervision.afterStop ? supervision.afterStop() : "Everything finished so far is kept.";
-  const std::string sentence =
-      late ? "Timed out after " + InWords(*supervision.timeout) + " s; a longer --timeout gives the camera more time."
-           : "Stopped. " + rest;
+  const std::string sentence = WhyEnded(supervision, late);
   reporter.LastWord(sentence, code);
   if (supervision.atEnd) supervision.atEnd(code, sentence);
   if (done) return code;

@@ -23,8 +23,9 @@ struct Supervision {
   std::chrono::milliseconds spent{0};
   /// How long the worker may take to stop before the process ends without it.
   std::chrono::milliseconds grace{600};
-  /// What a signal's message says after "Stopped."; asked when the worker has stopped or the grace is over.
-  std::function<std::string()> afterStop = {};
+  /// What was done and what is left, for the message; asked when the worker has stopped or the grace is over. Empty when
+  /// that is not known.
+  std::function<std::string()> soFar = {};
   /// Called last when a signal or the time-out ended the command, with the exit code and the sentence that was given.
   /// The worker may still run.
   std::function<void(ExitCode, const std::string& sentence)> atEnd = {};

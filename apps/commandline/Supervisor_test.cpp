@@ -72,6 +72,13 @@ TEST_F(SupervisorTest, TheDeadlineEndsTheWorkAndSaysSo) {
   EXPECT_EQ(Said(), "kelva: Timed out after 0.02 s; a longer --timeout gives the camera more time.\n");
 }
 
+TEST_F(SupervisorTest, TheMessageSaysWhatWasDoneSoFar) {
+  Supervision supervision{.timeout = 20ms};
+  supervision.soFar = [] { return "2 of 5 files stored; the same command goes on"; };
+  Supervise(Obedient, supervision, reporter_);
+  EXPECT_EQ(Said(), "kelva: Timed out after 0.02 s: 2 of 5 files stored; the same command goes on.\n");
+}
+
 TEST_F(SupervisorTest, ASignalEndsTheWorkAndSaysSo) {
   const auto work = [](const Stop& stop) {
     ::kill(::getpid(), SIGINT);

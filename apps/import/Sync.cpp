@@ -51,6 +51,11 @@ class Sending {
   bool verified_ = false;
 };
 
+// It was stored now, and beside something else that had its name.
+bool IsNumbered(const WriteOutcome& outcome) {
+  return !outcome.wasThere && outcome.row->path != outcome.item->Local().Text();
+}
+
 }  // namespace
 
 Sync::Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolder& folder, Manifest& manifest,
@@ -61,7 +66,8 @@ Sync::Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolde
       folder_(folder),
       manifest_(manifest),
       options_(options),
-      progress_(context.reporter, context.stop, "", 0) {}
+      progress_(context.reporter, context.stop, "", 0),
+      totals_(context.guard) {}
 
 std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
   std::optional<Outcome> ended;
@@ -319,21 +325,36 @@ void Sync::OnOutcome(const WriteOutcome& outcome) {
     doubtful_.emplace_back(outcome.item, outcome.unlikeKey);
     return;
   }
-  ++totals_.stored;
-  totals_.alreadyHere += outcome.wasThere ? 1U : 0U;
-  totals_.bytes += outcome.row->size;
-  if (context_.guard != nullptr) context_.guard->Count(1, outcome.row->size);
+  CountStored(outcome);
   if (options_.deleteAfter && outcome.row->verified) deletable_.push_back(outcome.item);
   if (!context_.Json()) return;
   Json members = Json::Object().SetBytes("path", outcome.item->CameraPath()).SetBytes("file", outcome.row->path);
   members.Set("size", outcome.row->size).Set("sha1", outcome.row->sha1).Set("verified", outcome.row->verified);
-  context_.Event("stored", std::move(members.Set("was_here", outcome.wasThere)), "");
+  members.Set("was_here", outcome.wasThere).Set("numbered", IsNumbered(outcome));
+  context_.Event("stored", std::move(members), "");
+}
+
+void Sync::CountStored(const WriteOutcome& outcome) {
+  const ManifestRow& row = *outcome.row;
+  const bool asKey = row.sha1 == outcome.item->ExpectedSha1();
+  totals_.bytes += row.size;
+  ++totals_.stored;
+  if (outcome.wasThere) ++totals_.alreadyHere;
+  if (asKey) ++totals_.checked;
+  if (row.verified) ++totals_.readTwice;
+  if (!asKey && !row.verified) ++totals_.sizeOnly;
+  if (!IsNumbered(outcome)) return;
+  ++totals_.numbered;
+  if (context_.reporter.Style().verbose && !context_.Json()) {
+    context_.reporter.Note(ShownPath(outcome.item->CameraPath()) + " is " + Printable(row.path) +
+                           ", because its name was taken.");
+  }
 }
 
 void Sync::Fail(const SyncItem& item, const std::string& sentence) {
   const std::scoped_lock lock(mutex_);
-  ++totals_.failed;
   if (context_.guard != nullptr && !context_.guard->TakeReport(TokenOf(item))) return;
+  ++totals_.failed;
   context_.reporter.Error(sentence, ExitCode::kPartial);
   if (!context_.Json()) return;
   context_.Event("failed", Json::Object().SetBytes("path", item.CameraPath()).Set("error", sentence), "");

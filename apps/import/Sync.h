@@ -17,6 +17,7 @@
 #include "apps/import/Deletions.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Plan.h"
+#include "apps/import/SyncTally.h"
 #include "apps/import/Writers.h"
 #include "src/wifi/Camera.h"
 #include "src/wifi/FileReader.h"
@@ -28,16 +29,6 @@ struct SyncOptions {
   bool deleteAfter = false;  ///< delete on the camera what was read twice and is on disk
 };
 
-/// The outcome of a sync.
-struct SyncTotals {
-  unsigned long long stored = 0;
-  unsigned long long alreadyHere = 0;  ///< of these, files that were here already with the same content
-  unsigned long long bytes = 0;
-  unsigned long long failed = 0;
-  unsigned long long deleted = 0;
-  unsigned long long unlikeKey = 0;  ///< of the stored, files whose key in the catalogue is not their SHA-1
-};
-
 /// Carries out a plan: reads on the calling thread, stores on others, and deletes last. A file that fails is reported
 /// and the rest goes on; a camera that has gone, a full disk or a request to stop ends it, and what is stored stays.
 class Sync {
@@ -47,7 +38,9 @@ class Sync {
 
   /// Nothing when the plan was carried out to its end, failed files included; otherwise what ended it. Throws Stopped.
   std::optional<Outcome> Run(const SyncPlan& plan);
-  const SyncTotals& Totals() const { return totals_; }
+  /// What was done, over all processes of the context's guard.
+  SyncTotals Totals() const { return totals_.Now(); }
+  SyncTally& Tally() { return totals_; }
 
  private:
   void ReadAll(const SyncPlan& plan, Writers& writers);
@@ -73,6 +66,7 @@ class Sync {
   std::optional<Outcome> DeleteVerified();
   void DeleteOne(const SyncItem& item, Deletions& deletions);
   void OnOutcome(const WriteOutcome& outcome);
+  void CountStored(const WriteOutcome& outcome);
   void Fail(const SyncItem& item, const std::string& sentence);
   void ShowProgress(unsigned long long done, unsigned long long count, const SyncItem& item);
 
@@ -84,7 +78,7 @@ class Sync {
   SyncOptions options_;
   Progress progress_;
   unsigned long long readBytes_ = 0;
-  SyncTotals totals_;
+  SyncTally totals_;
   std::vector<const SyncItem*> deletable_;
   std::vector<std::pair<const SyncItem*, std::string>> doubtful_;  // with what they hash to, which is not their key
   std::mutex mutex_;  // totals, output and both lists: reached from the writers

@@ -24,8 +24,8 @@ class SyncWorkersDeathTest : public SyncTest {
       CatchAborts("aborted", "", -1);
       context_.guard = &guard;
       const SyncTotals totals = Run(options, catalogue);
-      std::cerr << totals.stored << " stored, " << totals.failed << " failed, " << camera_.reads << " read; in all "
-                << guard.Files() << " of " << guard.Bytes() << " bytes" << std::flush;
+      std::cerr << totals.stored << " stored (" << totals.bytes << " bytes), " << totals.failed << " failed in all, "
+                << camera_.reads << " read by the last process" << std::flush;
       return 0;
     };
     ::_exit(Guard::Run(work, [this](const std::string& sentence) { reporter_.Note(sentence); }));
@@ -41,7 +41,7 @@ class SyncWorkersDeathTest : public SyncTest {
 TEST_F(SyncWorkersDeathTest, AFileOfWhichTheCameraSendsTooMuchIsLeftOutAndTheRestIsStored) {
   AtTheReadOf("IMG_0001.JPG", [] { std::abort(); });
   EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}), ExitedWithCode(0),
-              "^1 stored, 1 failed, 1 read; in all 1 of 3 bytes$");
+              "^1 stored \\(3 bytes\\), 1 failed in all, 1 read ");
   EXPECT_EQ(Said(),
             "kelva: The camera sent more of I:/DCIM/100ABCDE/IMG_0001.JPG than it had announced, which ends the "
             "reading process; the file was left out.\n");
@@ -50,7 +50,8 @@ TEST_F(SyncWorkersDeathTest, AFileOfWhichTheCameraSendsTooMuchIsLeftOutAndTheRes
 
 TEST_F(SyncWorkersDeathTest, AFileAtWhichTwoProcessesWereKilledIsLeftOut) {
   AtTheReadOf("IMG_0001.JPG", [] { ::kill(::getpid(), SIGKILL); });
-  EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}), ExitedWithCode(0), "^1 stored, 1 failed, 1 read; ");
+  EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}), ExitedWithCode(0),
+              "^1 stored \\(3 bytes\\), 1 failed in all, 1 read ");
   EXPECT_EQ(Said(),
             "kelva: The process that read I:/DCIM/100ABCDE/IMG_0001.JPG was killed (signal 9, Killed), as happens "
             "when memory runs out; another one tries that file once more.\n"
@@ -63,7 +64,7 @@ TEST_F(SyncWorkersDeathTest, AFailureIsSaidOnceAndItsFileIsNotReadByTheNextProce
   camera_.files["IMG_0003.JPG"] = "three";
   AtTheReadOf("IMG_0002.JPG", [] { std::abort(); });
   EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2), Picture(3)}), ExitedWithCode(0),
-              "^1 stored, 2 failed, 1 read; in all 1 of 5 bytes$");
+              "^1 stored \\(5 bytes\\), 2 failed in all, 1 read ");
   const std::string said = Said();
   EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 2) << said;
 }

@@ -344,7 +344,8 @@ TEST_F(SyncJsonTest, AFileThatFailsIsAnEventOfItsOwn) {
   EXPECT_THAT(
       events,
       HasSubstr(
-          "\"size\":3,\"sha1\":\"ad782ecdac770fc6eb9a62e44f90873fb97fb26b\",\"verified\":false,\"was_here\":false}"));
+          "\"size\":3,\"sha1\":\"ad782ecdac770fc6eb9a62e44f90873fb97fb26b\",\"verified\":false,\"was_here\":false,"
+          "\"numbered\":false}"));
 }
 
 TEST_F(SyncJsonTest, ProgressSaysWhichFileIsNextOfHowManyAndHowMuchCame) {

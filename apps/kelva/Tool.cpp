@@ -55,13 +55,6 @@ bool IsGuarded(const Invocation& call) {
   return call.verb->guarded && (call.verb->guardedWith.empty() || call.Has(call.verb->guardedWith));
 }
 
-// What Ctrl-C leaves of a sync: "985 of 3203 files are saved; run the same command to fetch the rest."
-std::string AfterStop(const Guard& guard) {
-  if (guard.Expected() == 0) return "Run the same command to start again.";
-  return std::to_string(guard.Files()) + " of " + std::to_string(guard.Expected()) +
-         " files are saved; run the same command to fetch the rest.";
-}
-
 // What the command line or the environment says of a trace.
 std::optional<Trace::Wanted> WantedTrace(const Invocation& call) {
   const char* variable = std::getenv("KELVA_TRACE");
@@ -119,7 +112,7 @@ class Tool {
 
   ExitCode RunSupervised(Supervision supervision, Guard* guard) {
     PrepareForAborts();
-    if (guard != nullptr) supervision.afterStop = [guard] { return AfterStop(*guard); };
+    supervision.soFar = [this] { return soFar_.Ask().value_or(SoFar::Done{}).words; };
     return Supervise([this, guard](const Stop& stop) { return Work(stop, guard); }, supervision, reporter_);
   }
 
@@ -135,7 +128,13 @@ class Tool {
     pollfd ready{diversion_.Real(), POLLOUT, 0};
     constexpr int kPatienceMs = 100;
     if (::poll(&ready, 1, kPatienceMs) != 1) return;
-    base::WriteAll(diversion_.Real(), ResultLine(call_.Name(), outcome.code, ErrorMembers(outcome)));
+    base::WriteAll(diversion_.Real(), ResultLine(call_.Name(), outcome.code, EndMembers(outcome)));
+  }
+
+  Json EndMembers(const Outcome& outcome) const {
+    Json members = ErrorMembers(outcome);
+    const std::optional<SoFar::Done> done = soFar_.Ask();
+    return done ? std::move(members).Merge(done->members) : members;
   }
 
   void PrepareForAborts() {
@@ -149,6 +148,7 @@ class Tool {
   ExitCode Work(const Stop& stop, Guard* guard) {
     Context context(call_, out_, reporter_, stop, diversion_);
     context.guard = guard;
+    context.soFar = &soFar_;
     context.trace = trace_ ? &*trace_ : nullptr;
     context.holdersOf = [this](const std::string& serial) { return HoldersInWords(call_.Value("virtual"), serial); };
     context.lineOf = [this](const std::string& serial) { return LineOf(call_.Value("virtual"), serial); };
@@ -171,6 +171,7 @@ class Tool {
   Output out_;
   Invocation call_;
   std::optional<Trace> trace_;
+  SoFar soFar_;
 };
 
 }  // namespace

@@ -99,11 +99,31 @@ class SyncTest(Bus):
         asked = time.monotonic()
         _, messages = run.communicate(timeout=20)
         self.assertEqual(run.returncode, 130, messages)
-        self.assertRegex(messages, r"Stopped\. [0-4] of 4 files are saved; run the same command to fetch the rest\.")
+        self.assertRegex(messages, r"Stopped: [0-4] of 4 files stored, 0 deleted on the camera; the same command goes on\.")
         self.assertLess(time.monotonic() - asked, 5)
         self.whole_files_only(self.target)
         self.fault("none")
         self.complete(4)
+
+    def test_a_run_that_is_ended_gives_all_numbers(self):
+        self.pictures(4, 700_000)
+        self.complete(4)
+        for number in range(5, 9):
+            self.put(f"DCIM/100ABCDE/IMG_{number:04d}.JPG", os.urandom(700_000))
+        self.fault("slow", 50)
+        for words, code, start in ((("--timeout", "1.5"), 8, "Timed out after 1.5 s: "), ((), 130, "Stopped: ")):
+            with self.subTest(code=code):
+                run = self.start("sync", "--json", *words, self.target)
+                if not words:
+                    time.sleep(0.7)
+                    run.send_signal(signal.SIGINT)
+                out, _ = run.communicate(timeout=20)
+                self.assertEqual(run.returncode, code)
+                document = json.loads(out.splitlines()[-1])
+                self.assertEqual((document["serial"], document["exit"], document["failed"], document["deleted"]), ("K1", code, 0, 0))
+                self.assertEqual(document["stored"] + document["known"] + document["left"], 8)
+                self.assertEqual(document["bytes"], 700_000 * document["stored"])
+                self.assertTrue(document["error"].startswith(start), document["error"])
 
     def test_a_target_that_cannot_be_made_is_one_sentence(self):
         self.pictures(1, 10)

@@ -75,7 +75,7 @@ class TargetTest(Bus):
         self.small("size=100k")
         run = self.sync("--json")
         document = json.loads(run.stdout.splitlines()[-1])
-        self.assertEqual((run.returncode, document["stored"]), (1, 0), run.stderr)
+        self.assertEqual((run.returncode, document["stored"], document["left"]), (1, 0, PICTURES), run.stderr)
         self.assertRegex(document["error"], r"^Not enough room in .*: 6 files \(240\.0 kB\) to fetch, [0-9.]+ kB free; "
                                             r"make room there, or choose another folder\.$")
         self.assertFalse([name for name in os.listdir(self.target) if not name.startswith(".kelva-manifest")])

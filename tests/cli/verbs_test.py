@@ -201,7 +201,7 @@ class EveryVerbTest(Bus):
                     self.assertEqual(run.returncode, 130, messages)
                     document = self.is_documented(verb, 130, out, messages)
                     self.assertEqual(document["reason"], "interrupted")
-                    self.assertIn("Stopped. ", messages)
+                    self.assertRegex(messages, r"Stopped[.:] ")
         after = self.status()
         for verb in COMMANDS:
             serial = self.serials[verb]

@@ -14,33 +14,65 @@ ExitCode CodeOf(const SyncTotals& totals, const std::optional<Outcome>& ended) {
   return ended || totals.failed != 0 ? ExitCode::kPartial : ExitCode::kDone;
 }
 
+Json Members(const SyncTotals& totals, Json camera) {
+  Json members = std::move(camera);
+  members.Set("stored", totals.stored).Set("bytes", totals.bytes).Set("already_here", totals.alreadyHere);
+  members.Set("checked", totals.checked).Set("read_twice", totals.readTwice).Set("size_only", totals.sizeOnly);
+  members.Set("unlike_key", totals.unlikeKey).Set("numbered", totals.numbered).Set("known", totals.known);
+  return std::move(members.Set("failed", totals.failed).Set("left", totals.Left()).Set("deleted", totals.deleted));
+}
+
+std::string FilesStored(const SyncTotals& totals, bool early) {
+  std::string text = std::to_string(totals.stored) + " stored (" + Bytes(totals.bytes) + "), " +
+                     std::to_string(totals.known) + " known before, " + std::to_string(totals.failed) + " failed";
+  if (early && totals.Left() != 0) text += ", " + std::to_string(totals.Left()) + " left";
+  if (totals.deleted != 0) text += ", " + std::to_string(totals.deleted) + " deleted on the camera";
+  return text + "\n";
+}
+
+// "Checked: 980 against a SHA-1, 5 by a second read."
+std::string HowChecked(const SyncTotals& totals) {
+  std::string how;
+  const auto add = [&how](unsigned long long count, const char* way) {
+    if (count != 0) how += (how.empty() ? "Checked: " : ", ") + std::to_string(count) + way;
+  };
+  add(totals.checked, " against a SHA-1");
+  add(totals.readTwice, " by a second read");
+  add(totals.sizeOnly, " by their size alone");
+  return how.empty() ? "" : how + ".\n";
+}
+
+std::string InWords(const SyncTotals& totals, bool early) {
+  std::string text = FilesStored(totals, early) + HowChecked(totals);
+  if (totals.numbered != 0) {
+    text += std::to_string(totals.numbered) + " got a number because their name was taken (--verbose names them).\n";
+  }
+  return text;
+}
+
 }  // namespace
 
-ExitCode GiveSummary(Context& context, const Session& camera, const Sync& sync, std::size_t known,
+ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& totals,
                      const std::optional<Outcome>& ended) {
-  SyncTotals totals = sync.Totals();
-  if (context.guard != nullptr) {
-    totals.stored = context.guard->Files();
-    totals.bytes = context.guard->Bytes();
-  }
   const ExitCode code = CodeOf(totals, ended);
   if (ended) context.reporter.Error(ended->sentence, code);
-  Json members = CameraResult(camera);
-  members.Set("stored", totals.stored).Set("bytes", totals.bytes).Set("already_here", totals.alreadyHere);
-  members.Set("unlike_key", totals.unlikeKey);
-  members.Set("known", known).Set("failed", totals.failed).Set("deleted", totals.deleted);
+  Json members = Members(totals, CameraResult(camera));
   if (ended) members.Set("error", ended->sentence);
-  std::string text = std::to_string(totals.stored) + " stored (" + Bytes(totals.bytes) + "), " + std::to_string(known) +
-                     " known before, " + std::to_string(totals.failed) + " failed";
-  if (totals.deleted != 0) text += ", " + std::to_string(totals.deleted) + " deleted on the camera";
   if (totals.unlikeKey != 0) {
     context.reporter.Note(
         std::to_string(totals.unlikeKey) +
         " files have another SHA-1 than the catalogue's key says; two equal reads were taken instead.");
   }
-  context.Result(std::move(members), text + "\n", code);
+  context.Result(std::move(members), InWords(totals, ended.has_value()), code);
   if (ended) context.reporter.Note("Run the same command again to fetch the rest.");
   return code;
+}
+
+SoFar::Done SyncSoFar(const SyncTotals& totals, Json camera) {
+  std::string words = std::to_string(totals.stored) + " of " + std::to_string(totals.expected) + " files stored, " +
+                      std::to_string(totals.deleted) + " deleted on the camera; the same command goes on";
+  if (totals.expected + totals.deleted == 0) words = "nothing was stored yet; the same command starts again";
+  return {std::move(words), Members(totals, std::move(camera))};
 }
 
 }  // namespace apps

@@ -1,18 +1,22 @@
 #ifndef KELVA_APPS_KELVA_VERBS_SYNC_SUMMARY_H_
 #define KELVA_APPS_KELVA_VERBS_SYNC_SUMMARY_H_
 
-#include <cstddef>
 #include <optional>
+#include <string>
 
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
+#include "apps/commandline/SoFar.h"
 #include "apps/import/Sync.h"
 
 namespace apps {
 
-/// Gives the result of a sync. `known` files were fetched by earlier runs; `ended` is what ended this one early.
-ExitCode GiveSummary(Context& context, const Session& camera, const Sync& sync, std::size_t known,
+/// Gives the result of a sync; `ended` is what ended it early.
+ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& totals,
                      const std::optional<Outcome>& ended);
+
+/// What a sync says that a signal or the time-out ends; `camera` are the members that name the camera.
+SoFar::Done SyncSoFar(const SyncTotals& totals, Json camera);
 
 }  // namespace apps
 

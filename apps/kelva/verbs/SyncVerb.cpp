@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,6 +43,23 @@ std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const Tar
   return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});
 }
 
+// What earlier processes of this run stored is known to this one, and no longer new. A process that was killed between
+// storing and counting leaves one file in doubt.
+void BeginTally(const SyncPlan& plan, SyncTally& tally) {
+  const unsigned long long before = tally.stored;
+  const unsigned long long known = plan.items.size() - plan.NewFiles();
+  tally.known = known - std::min(known, before);
+  tally.expected = before + plan.NewFiles();
+}
+
+// The counters are those of all processes of this run, and outlive it.
+void TellSoFar(const Context& context, const Session& camera) {
+  if (context.soFar == nullptr || context.guard == nullptr) return;
+  context.soFar->Tell([tally = std::make_shared<const SyncTally>(context.guard), members = CameraResult(camera)] {
+    return SyncSoFar(tally->Now(), members);
+  });
+}
+
 ExitCode RunSync(Context& context) {
   const SyncChoice choice = SyncChoiceOf(context);
   SyncOptions options;
@@ -53,22 +71,19 @@ ExitCode RunSync(Context& context) {
 
   // First, so that a camera that is not there leaves no folder behind.
   const Session camera(context, "read the picture catalogue");
+  TellSoFar(context, camera);
   const TargetFolder folder = TargetFolder::OpenOrMake(path);
   { const NewFile trial(folder); }  // a folder that takes no file is one sentence, before anything is read
   const FolderLock lock(folder);
   Manifest manifest(folder, true);
   RemoveLeftovers(folder);
-  const unsigned long long before = context.guard == nullptr ? 0 : context.guard->Files();
   const SyncPlan plan =
       MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest, &folder);
-  if (context.guard != nullptr) context.guard->Expect(before + plan.NewFiles());
   Sync sync(context, camera.Pointer(), folder, manifest, options);
+  BeginTally(plan, sync.Tally());
   auto ended = CheckRoom(*camera, plan, folder);
   if (!ended) ended = sync.Run(plan);
-  // What earlier processes of this run stored is known to this one. A process that was killed between storing and counting
-  // leaves one file in doubt.
-  const std::size_t known = plan.items.size() - plan.NewFiles();
-  return GiveSummary(context, camera, sync, known - std::min<std::size_t>(known, before), ended);
+  return GiveSummary(context, camera, sync.Totals(), ended);
 }
 
 constexpr Argument kArguments[] = {
@@ -119,14 +134,19 @@ safe in a file name are written as %XX.
 
 Large files come in pieces. Memory is needed for the catalogue, 128 bytes for each picture, and for what is on its way to
 the disk, 4 MB; it does not depend on the size of a file.)",
-     R"(events, one object a line: stored (path, file, size, sha1, verified, was_here), failed (path, error), deleted
+     R"(events, one object a line: stored (path, file, size, sha1, verified, was_here, numbered), failed (path, error), deleted
   (path), would_store (path, file, size if the camera lists it)
 stored: how many files were stored
 bytes: their total size
 already_here: how many were in FOLDER already, with the same content
+checked: how many of the stored have the SHA-1 that is their key in the catalogue
+read_twice: how many of the stored were read twice, with the same content
+size_only: how many of the stored have no key and were read once, so that only their size was compared
 unlike_key: how many have a SHA-1 that is not their key in the catalogue; they were read twice, with the same content
+numbered: how many of the stored got a number because their name was taken
 known: how many were fetched by an earlier run
 failed: how many were not stored or not deleted
+left: how many new files are not stored, the failed ones included
 deleted: how many were deleted on the camera
 error: what ended the run early
 new, bytes, unlisted: with --dry-run, how many files would be fetched, their total size, and how many have no known size

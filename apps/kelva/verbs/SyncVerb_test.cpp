@@ -9,7 +9,8 @@ TEST_F(SyncVerbTest, SyncFetchesWhatIsNewAndNothingTwice) {
   Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
   Put("DCIM/101ABCDE/IMG_0001.JPG", "other");
   const std::string target = (folder / "out").string();
-  EXPECT_EQ(Run({"sync", target.c_str()}).out, "2 stored (8 B), 0 known before, 0 failed\n");
+  EXPECT_EQ(Run({"sync", target.c_str()}).out,
+            "2 stored (8 B), 0 known before, 0 failed\nChecked: 2 against a SHA-1.\n");
   EXPECT_EQ(Text(folder / "out/101ABCDE/IMG_0001.JPG"), "other");
   std::filesystem::rename(folder / "out/100ABCDE/IMG_0001.JPG", folder / "out/mine.jpg");
   EXPECT_EQ(Run({"sync", target.c_str()}).out, "0 stored (0 B), 2 known before, 0 failed\n");

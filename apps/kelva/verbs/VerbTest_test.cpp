@@ -3,13 +3,13 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <utility>
 
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Context.h"
+#include "apps/commandline/Run.h"
 #include "apps/kelva/verbs/Verbs.h"
 #include "darwin/virtual/VirtualRegistry.h"
 #include "vcam/camera/InProcess.h"
@@ -72,9 +72,8 @@ std::string VerbTest::Text(const std::filesystem::path& path) const {
 Ran VerbTest::Run(const std::vector<const char*>& arguments) {
   const base::FileDescriptor out(::memfd_create("out", MFD_CLOEXEC));
   const base::FileDescriptor err(::memfd_create("err", MFD_CLOEXEC));
-  const bool json = std::any_of(arguments.begin(), arguments.end(), [](std::string_view a) { return a == "--json"; });
   Output output(out.Get());
-  Reporter reporter("kelva", err.Get(), {.json = json});
+  Reporter reporter("kelva", err.Get(), StyleFor(err.Get(), arguments));
   const Stop stop;
   StdoutDiversion diversion;
   ExitCode code = ExitCode::kUsage;

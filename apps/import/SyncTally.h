@@ -1,0 +1,69 @@
+#ifndef KELVA_APPS_IMPORT_SYNC_TALLY_H_
+#define KELVA_APPS_IMPORT_SYNC_TALLY_H_
+
+#include "apps/commandline/Guard.h"
+
+namespace apps {
+
+/// The outcome of a sync, so far or at its end.
+struct SyncTotals {
+  unsigned long long known = 0;     ///< fetched by earlier runs
+  unsigned long long expected = 0;  ///< files that were new when the run began
+  unsigned long long stored = 0;
+  unsigned long long alreadyHere = 0;  ///< of the stored, files that were here already with the same content
+  unsigned long long bytes = 0;
+  unsigned long long failed = 0;
+  unsigned long long deleted = 0;
+  unsigned long long unlikeKey = 0;  ///< of the stored, files whose key in the catalogue is not their SHA-1
+  unsigned long long checked = 0;    ///< of the stored, files whose key in the catalogue is their SHA-1
+  unsigned long long readTwice = 0;  ///< of the stored, files that were read twice, with the same content
+  unsigned long long sizeOnly = 0;   ///< of the stored, files of which nothing but the size was compared
+  unsigned long long numbered = 0;   ///< of the stored, files that got a number because their name was taken
+
+  /// New files that are not stored, the failed ones included.
+  unsigned long long Left() const { return expected > stored ? expected - stored : 0; }
+};
+
+/// Counts for a sync, over all processes of a guard. Any thread; nobody waits.
+class SyncTally {
+  Guard::Counters own_{};
+  Guard::Counters& counters_;
+
+ public:
+  /// Without a guard it counts for itself.
+  explicit SyncTally(Guard* guard) : counters_(guard == nullptr ? own_ : guard->Shared()) {}
+  SyncTally(const SyncTally&) = delete;
+  SyncTally& operator=(const SyncTally&) = delete;
+
+  Guard::Counter& known = counters_[0];
+  Guard::Counter& expected = counters_[1];
+  Guard::Counter& stored = counters_[2];
+  Guard::Counter& alreadyHere = counters_[3];
+  Guard::Counter& bytes = counters_[4];
+  Guard::Counter& failed = counters_[5];
+  Guard::Counter& deleted = counters_[6];
+  Guard::Counter& unlikeKey = counters_[7];
+  Guard::Counter& checked = counters_[8];
+  Guard::Counter& readTwice = counters_[9];
+  Guard::Counter& sizeOnly = counters_[10];
+  Guard::Counter& numbered = counters_[11];
+
+  SyncTotals Now() const {
+    return {.known = known,
+            .expected = expected,
+            .stored = stored,
+            .alreadyHere = alreadyHere,
+            .bytes = bytes,
+            .failed = failed,
+            .deleted = deleted,
+            .unlikeKey = unlikeKey,
+            .checked = checked,
+            .readTwice = readTwice,
+            .sizeOnly = sizeOnly,
+            .numbered = numbered};
+  }
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_IMPORT_SYNC_TALLY_H_
