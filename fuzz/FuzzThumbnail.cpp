@@ -47,7 +47,7 @@ void DrawOne(std::span<const char> file) {
   if (!ReadAnswer(apps::EncodeAnswer(apps::Draw(file)))) __builtin_trap();
 }
 
-/// Some requests, each with the size of its file, or with another one.
+/// Some requests, for pictures or for times, each with the size of its file, or with another one.
 base::Bytes Requests(InputReader& input) {
   constexpr std::array<std::uint64_t, 4> kWrongSizes = {1, apps::kLargestPicture + 1, ~std::uint64_t{0},
                                                         std::uint64_t{1} << 63};
@@ -56,7 +56,8 @@ base::Bytes Requests(InputReader& input) {
     const std::uint8_t kind = input.Byte();
     const auto file = input.Bytes(input.Byte() * 8U);
     if (ClaimsMuch({reinterpret_cast<const char*>(file.data()), file.size()})) continue;
-    base::Append(stream, kind < kWrongSizes.size() ? file.size() + kWrongSizes.at(kind) : file.size());
+    base::Append(stream, (kind < kWrongSizes.size() ? file.size() + kWrongSizes.at(kind) : file.size()) |
+                             (kind % 2 == 0 ? 0 : apps::kTimeOnly));
     stream.insert(stream.end(), file.begin(), file.end());
   }
   // The bytes of two requests may claim much together.

@@ -17,7 +17,8 @@ namespace {
 constexpr std::uint32_t kMagic = 0x4248544B;
 constexpr std::uint16_t kDrawn = 0;
 constexpr std::uint16_t kNotDrawn = 1;
-constexpr std::size_t kTimeSize = 19;
+constexpr std::size_t kTimeSize = kTimeAnswer;
+constexpr char kTimeShape[] = "0000-00-00 00:00:00";
 constexpr std::size_t kLongestText = 400;
 
 /// The fields of a head, in their order.
@@ -82,6 +83,19 @@ base::Bytes EncodeAnswer(const DrawingOrReason& answer) {
   return Encode(kDrawn, drawing.image, drawing.time.value_or(""), drawing.complaint);
 }
 
+base::Bytes EncodeTime(const std::optional<std::string>& time) {
+  base::Bytes bytes;
+  base::AppendText(bytes, time.value_or(""));
+  bytes.resize(kTimeAnswer);
+  return bytes;
+}
+
+std::optional<std::string> DecodeTime(std::span<const std::uint8_t, kTimeAnswer> answer) {
+  std::string time = TextOf(answer);
+  if (!base::HasShape(time, kTimeShape)) return std::nullopt;
+  return time;
+}
+
 std::optional<std::size_t> SizeAfter(std::span<const std::uint8_t, kAnswerHead> bytes) {
   const Head head = ReadHead(bytes);
   if (!IsSound(head)) return std::nullopt;
@@ -98,7 +112,7 @@ std::optional<DrawingOrReason> DecodeAnswer(std::span<const std::uint8_t, kAnswe
   Drawing drawing{{head.width, head.height, {pixels.begin(), pixels.end()}}, {}, text};
   if (head.timeSize == 0) return drawing;
   drawing.time = TextOf(rest.subspan(head.Pixels(), kTimeSize));
-  if (!base::HasShape(*drawing.time, "0000-00-00 00:00:00")) return std::nullopt;
+  if (!base::HasShape(*drawing.time, kTimeShape)) return std::nullopt;
   return drawing;
 }
 

@@ -31,6 +31,14 @@ using DrawingOrReason = std::variant<Drawing, std::string>;
 /// Decodes a JPEG file in this process.
 DrawingOrReason Draw(std::span<const char> jpegFile);
 
+/// Set in the size of a request: only the time is asked for, and no pixel is decoded.
+inline constexpr std::uint64_t kTimeOnly = std::uint64_t{1} << 63;
+/// The size of the answer to such a request: "2026-03-14 15:09:26", or as many zeros.
+inline constexpr std::size_t kTimeAnswer = 19;
+base::Bytes EncodeTime(const std::optional<std::string>& time);
+/// Nothing for another text than a time.
+std::optional<std::string> DecodeTime(std::span<const std::uint8_t, kTimeAnswer> answer);
+
 /// An answer begins with a head of this size; it says how many bytes follow.
 inline constexpr std::size_t kAnswerHead = 16;
 base::Bytes EncodeAnswer(const DrawingOrReason& answer);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "apps/decoder/Drawing.h"
+#include "apps/decoder/Exif.h"
 #include "base/SendAll.h"
 
 namespace apps {
@@ -38,12 +39,13 @@ bool DrawAll(int descriptor) {
     std::array<char, 8> head{};
     const std::size_t came = ReadAll(descriptor, head);
     if (came == 0) return true;
-    const auto size = base::Load<std::uint64_t>(std::span(reinterpret_cast<const std::uint8_t*>(head.data()), 8), 0);
+    const auto asked = base::Load<std::uint64_t>(std::span(reinterpret_cast<const std::uint8_t*>(head.data()), 8), 0);
+    const std::uint64_t size = asked & ~kTimeOnly;
     if (came != head.size() || size > kLargestPicture) return false;
     if (file.size() < size) file.resize(size);
     const std::span<char> picture(file.data(), size);
     if (ReadAll(descriptor, picture) != size) return false;
-    const base::Bytes answer = EncodeAnswer(Draw(picture));
+    const base::Bytes answer = size == asked ? EncodeAnswer(Draw(picture)) : EncodeTime(ReadExif(picture).time);
     if (base::WriteAll(descriptor, {reinterpret_cast<const char*>(answer.data()), answer.size()}) != 0) return false;
     if (file.size() > kMostKept) std::vector<char>().swap(file);
   }

@@ -69,6 +69,22 @@ TEST_F(WorkerTest, DrawsOnePictureAfterTheOther) {
   EXPECT_TRUE(End());
 }
 
+TEST_F(WorkerTest, SaysTheTimeOfAPictureWithoutItsPixels) {
+  const std::string start = "\xFF\xD8" + TinyJpeg::ExifPart(1, "2026:03:14 15:09:26");
+  for (const std::string& file : {start, std::string("no picture"), start}) {
+    Send(kTimeOnly | file.size(), file);
+    std::array<std::uint8_t, 19> answer{};
+    EXPECT_TRUE(base::ReceiveAll(near_.Get(), answer));
+    EXPECT_EQ(std::string(answer.begin(), answer.end()), file == start ? "2026-03-14 15:09:26" : std::string(19, '\0'));
+  }
+  EXPECT_TRUE(End());
+}
+
+TEST_F(WorkerTest, EndsAtASizeBeyondItsBoundsAlsoForATime) {
+  Send(kTimeOnly | (kLargestPicture + 1), "");
+  EXPECT_FALSE(End());
+}
+
 TEST_F(WorkerTest, EndsWhenAFileDoesNotComeWhole) {
   Send(100, "half");
   EXPECT_FALSE(End());

@@ -91,6 +91,11 @@ class Thumbnailer::Exchange {
       return ::recv(socket_, bytes.data() + from, bytes.size() - from, MSG_DONTWAIT);
     });
   }
+  bool SendRequest(std::uint64_t size, std::span<const char> file) {
+    std::array<char, sizeof size> bytes{};
+    std::memcpy(bytes.data(), &size, sizeof size);
+    return Send(bytes) && Send(file);
+  }
   bool TimeIsOver() const { return Clock::now() >= end_; }
 
  private:
@@ -191,12 +196,9 @@ DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& st
   if (process_ == 0) Start(stop, patience);
   ++drawn_;
   Exchange exchange(socket_.Get(), stop, patience);
-  const std::uint64_t size = jpegFile.size();
-  std::array<char, sizeof size> sizeBytes{};
-  std::memcpy(sizeBytes.data(), &size, sizeof size);
   std::array<std::uint8_t, kAnswerHead> head{};
   base::Bytes rest;
-  bool came = exchange.Send(sizeBytes) && exchange.Send(jpegFile) && exchange.Receive(head);
+  bool came = exchange.SendRequest(jpegFile.size(), jpegFile) && exchange.Receive(head);
   const std::optional<std::size_t> more = came ? SizeAfter(head) : std::nullopt;
   if (more) {
     rest.resize(*more);
@@ -209,6 +211,30 @@ DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& st
   if (came) return Reap(), "the process that draws it answers in another language";
   // Killed by what it did, not by Reap: it has gone already.
   return "the process that draws it " + HowEnded(Reap());
+}
+
+std::vector<std::optional<std::string>> Thumbnailer::Times(std::span<const std::vector<char>> starts, const Stop& stop,
+                                                           std::chrono::milliseconds patience) {
+  constexpr int kMostSilences = 3;
+  std::vector<std::optional<std::string>> times(starts.size());
+  for (std::size_t next = 0; next < starts.size(); ++next) {
+    if (process_ == 0) Start(stop, patience);
+    Exchange exchange(socket_.Get(), stop, patience);
+    bool sent = true;
+    for (std::size_t i = next; sent && i < starts.size(); ++i) {
+      sent = exchange.SendRequest(kTimeOnly | starts[i].size(), starts[i]);
+    }
+    std::array<std::uint8_t, kTimeAnswer> answer{};
+    for (; next < starts.size() && exchange.Receive(answer); ++next) times[next] = DecodeTime(answer);
+    if (next == starts.size()) break;
+    // The first picture without an answer has ended the process, or keeps it busy. The others are asked again.
+    silences_ += exchange.TimeIsOver() ? 1 : 0;
+    Reap();
+    if (silences_ == kMostSilences) {
+      throw Failure(ExitCode::kFailed, Printable(program_) + ", which reads the times of pictures, does not answer.");
+    }
+  }
+  return times;
 }
 
 }  // namespace apps

@@ -76,6 +76,46 @@ TEST_F(ThumbnailerTest, AProcessThatIsSilentIsEnded) {
   EXPECT_EQ(thumbnailer.Process(), 0);
 }
 
+/// The start of a JPEG file.
+std::vector<char> Start(const std::string& time) {
+  const std::string bytes = "\xFF\xD8" + TinyJpeg::ExifPart(1, time);
+  return {bytes.begin(), bytes.end()};
+}
+
+TEST_F(ThumbnailerTest, TheTimesOfManyPicturesComeInOneExchange) {
+  Thumbnailer thumbnailer;
+  std::vector<std::vector<char>> starts;
+  for (int i = 10; i < 60; ++i) {
+    starts.push_back(Start("2026:03:14 15:09:" + std::to_string(i)));
+    starts.back().resize(65'536);
+  }
+  starts[7] = {'n', 'o', ' ', 'p', 'i', 'c', 't', 'u', 'r', 'e'};
+  const auto times = thumbnailer.Times(starts, stop_);
+  ASSERT_EQ(times.size(), 50U);
+  for (std::size_t i = 0; i < times.size(); ++i) {
+    EXPECT_EQ(times[i].value_or("none"), i == 7 ? "none" : "2026-03-14 15:09:" + std::to_string(10 + i));
+  }
+  EXPECT_EQ(ReasonOf(thumbnailer), "drawn") << "the same process goes on with pictures";
+}
+
+TEST_F(ThumbnailerTest, APictureThatEndsTheProcessCostsItsOwnTimeAlone) {
+  // Answers one request, takes another and ends. Each request has 8 bytes and a start of 92.
+  Thumbnailer thumbnailer(
+      Script("printf KTHR >&0; dd bs=100 count=1 iflag=fullblock of=/dev/null 2>/dev/null; "
+             "printf '2026-03-14 15:09:26' >&0; dd bs=100 count=1 iflag=fullblock of=/dev/null 2>/dev/null"));
+  const std::vector<std::vector<char>> starts(4, std::vector<char>(92));
+  const auto times = thumbnailer.Times(starts, stop_);
+  ASSERT_EQ(times.size(), 4U);
+  for (std::size_t i = 0; i < times.size(); ++i) EXPECT_EQ(times[i].has_value(), i % 2 == 0) << i;
+}
+
+TEST_F(ThumbnailerTest, AProcessThatIsSilentThreeTimesIsAFailureOfTheTimes) {
+  Thumbnailer thumbnailer(Script("printf KTHR >&0; exec sleep 60"));
+  const std::vector<std::vector<char>> starts(4, std::vector<char>(9));
+  EXPECT_THROW(thumbnailer.Times(starts, stop_, std::chrono::milliseconds(150)), Failure);
+  EXPECT_EQ(thumbnailer.Process(), 0);
+}
+
 TEST_F(ThumbnailerTest, ARequestToStopEndsTheWait) {
   Thumbnailer thumbnailer(Script("exec sleep 60"));
   stop_.Request();
