@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <cerrno>
+#include <ctime>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -27,6 +28,8 @@ class FileCalls {
   virtual int Create(int folder, const std::string& name) = 0;
   virtual int MakeFolder(int parent, const std::string& name) = 0;
   virtual ssize_t Write(int file, std::string_view bytes) = 0;
+  /// Gives an open file the time of its last change, in seconds since 1970 began.
+  virtual int SetTime(int file, std::time_t changed) = 0;
   /// Starts to put a file's bytes on disk and does not wait. Only saves time.
   virtual void BeginFlush(int file) noexcept = 0;
   /// Puts a file's bytes on disk.

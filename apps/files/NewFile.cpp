@@ -92,6 +92,12 @@ bool NewFile::HoldsAt(unsigned long long offset, std::span<const char> bytes) co
   return std::equal(held.begin(), held.end(), bytes.begin());
 }
 
+void NewFile::SetTime(std::time_t changed) {
+  if (UntilDone([&] { return FileCalls::Current().SetTime(file_.Get(), changed); }) == 0) return;
+  if (errno == EPERM || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP) return;
+  throw SystemFailure("set the time of a file in " + Printable(folder_.Path()), errno);
+}
+
 void NewFile::BeginFlush() noexcept {
   unflushed_ = 0;
   FileCalls::Current().BeginFlush(file_.Get());

@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_FILES_NEW_FILE_H_
 #define KELVA_APPS_FILES_NEW_FILE_H_
 
+#include <ctime>
 #include <optional>
 #include <span>
 #include <string>
@@ -39,6 +40,9 @@ class NewFile {
   void Write(std::span<const char> bytes);
   /// Whether these bytes are in the file at `offset`. Throws Failure when they cannot be read.
   bool HoldsAt(unsigned long long offset, std::span<const char> bytes) const;
+  /// Gives the file the time of its last change; after the last Write. A file system that keeps no such times, or not
+  /// this one, leaves the file as it is. Throws Failure.
+  void SetTime(std::time_t changed);
   /// Starts to put the bytes on disk and does not wait, so that a later Flush is shorter.
   void BeginFlush() noexcept;
   /// Puts the bytes on disk. Throws Failure.

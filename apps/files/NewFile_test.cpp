@@ -66,6 +66,38 @@ TEST_F(NewFileTest, TheNameAppearsOnlyWhenItIsTaken) {
   EXPECT_EQ(Text("IMG_0001.JPG"), "whole");
 }
 
+// 2026-03-14 15:09:26 UTC.
+constexpr std::time_t kTaken = 1'773'500'966;
+
+TEST_F(NewFileTest, TheTimeOfAFileIsThatOfItsPicture) {
+  RecordingCalls calls(path_);
+  NewFile file(*folder_);
+  file.Write(std::string("whole"));
+  file.SetTime(kTaken);
+  file.Flush();
+  EXPECT_TRUE(file.TakeName("IMG_0001.JPG"));
+  struct stat status {};
+  EXPECT_EQ(::stat((path_ / "IMG_0001.JPG").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mtim.tv_sec, kTaken);
+  EXPECT_EQ(status.st_mtim.tv_nsec, 0);
+  EXPECT_THAT(calls.Log(),
+              ElementsAre("create *.part", "write *.part", "time *.part", "flush *.part", "rename IMG_0001.JPG"));
+}
+
+TEST_F(NewFileTest, AFileSystemWithoutTimesIsNoFailureAndABrokenDiskIs) {
+  RecordingCalls calls(path_);
+  NewFile file(*folder_);
+  for (const int error : {EPERM, EINVAL, ENOSYS, EOPNOTSUPP, EINTR}) {
+    calls.FailAt(1, error, "time");
+    EXPECT_NO_THROW(file.SetTime(kTaken)) << error;
+    EXPECT_TRUE(calls.HasFailed());
+  }
+  for (const int error : {EIO, ENOSPC, EROFS}) {
+    calls.FailAt(1, error, "time");
+    EXPECT_THROW(file.SetTime(kTaken), Failure) << error;
+  }
+}
+
 TEST_F(NewFileTest, AFileThatIsNotFinishedLeavesNothing) {
   { NewFile(*folder_).Write(std::string("half")); }
   EXPECT_THAT(Names(), IsEmpty());

@@ -89,6 +89,10 @@ bool BesideFile::IsThere(int first, unsigned long long size, const std::string& 
   return false;
 }
 
+void BesideFile::SetTime(std::time_t changed) {
+  if (file_) file_->SetTime(changed);
+}
+
 void BesideFile::Flush() {
   if (file_) file_->Flush();
 }

@@ -39,6 +39,8 @@ class BesideFile {
   /// The same with a file that was written already, of `size` bytes; it is removed if they are there already.
   BesideFile(const TargetFolder& folder, const std::string& name, std::unique_ptr<NewFile> written,
              unsigned long long size, const std::string& sha1, int first = 1, int most = 10'000);
+  /// As NewFile::SetTime; a file that was there keeps its time.
+  void SetTime(std::time_t changed);
   /// Waits until the file is on disk. Throws Failure.
   void Flush();
   /// Gives the file its name. The caller flushes the folder. Throws Failure.

@@ -64,6 +64,18 @@ TEST_F(StoreFileTest, TheSameBytesAreNotStoredTwice) {
   EXPECT_TRUE(stored.wasThere);
 }
 
+TEST_F(StoreFileTest, AFileGetsItsTimeAndOneThatWasThereKeepsIts) {
+  for (const std::time_t time : {1'000'000'000, 1'200'000'000}) {
+    BesideFile file(*folder_, "A.JPG", std::string("one"), Sha1("one"));
+    file.SetTime(time);
+    file.Flush();
+    file.TakeName();
+    struct stat status {};
+    EXPECT_EQ(::stat((path_ / "A.JPG").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mtime, 1'000'000'000);
+  }
+}
+
 TEST_F(StoreFileTest, AFileBesideOthersIsFlushedBeforeItHasItsName) {
   const std::string text = "one";
   RecordingCalls calls(path_);

@@ -71,6 +71,11 @@ ssize_t SystemCalls::Write(int file, std::string_view bytes) {
   return ::write(file, bytes.data(), bytes.size());
 }
 
+int SystemCalls::SetTime(int file, std::time_t changed) {
+  const timespec times[] = {{0, UTIME_OMIT}, {changed, 0}};
+  return ::futimens(file, times);
+}
+
 void SystemCalls::BeginFlush(int file) noexcept {
   ::sync_file_range(file, 0, 0, SYNC_FILE_RANGE_WRITE);
 }

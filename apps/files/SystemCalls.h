@@ -22,6 +22,7 @@ class SystemCalls : public FileCalls {
   int Create(int folder, const std::string& name) override;
   int MakeFolder(int parent, const std::string& name) override;
   ssize_t Write(int file, std::string_view bytes) override;
+  int SetTime(int file, std::time_t changed) override;
   void BeginFlush(int file) noexcept override;
   int Flush(int file) override;
   int FlushFolder(int folder) override;

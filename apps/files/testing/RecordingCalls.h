@@ -76,6 +76,9 @@ class RecordingCalls : public FileCalls {
     flushed_.erase(PathOf(file));
     return system_.Write(file, bytes.substr(0, mostBytes_));
   }
+  int SetTime(int file, std::time_t changed) override {
+    return Fails("time " + Shown(PathOf(file))) ? -1 : system_.SetTime(file, changed);
+  }
   void BeginFlush(int file) noexcept override {
     begun_ += std::filesystem::file_size("/proc/self/fd/" + std::to_string(file));
     system_.BeginFlush(file);
