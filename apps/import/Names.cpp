@@ -37,7 +37,7 @@ int NumberIn(const std::string& path, const std::string& first) {
 }  // namespace
 
 std::string Names::Path(const DcfObj& picture, int type, int number) const {
-  LocalPath path = pattern_.Apply(picture, type, serial_);
+  LocalPath path = pattern_.Apply(picture, type, serial_, pattern_.HasTime() ? timeOf_(picture) : std::nullopt);
   path.name = Numbered(path.name, number);
   return path.Text();
 }
@@ -47,9 +47,12 @@ bool Names::IsThere(const std::string& path) const {
   return folder_ != nullptr && ::fstatat(folder_->Fd(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-bool Names::IsFree(const DcfObj& picture, int number, int except) const {
+bool Names::IsFree(const DcfObj& picture, int number, const Stored& own) const {
   for (int type = kFirstFileType; type <= kLastFileType; ++type) {
-    if (type != except && IsThere(Path(picture, type, number))) return false;
+    const std::string path = Path(picture, type, number);
+    const auto stored = own.find(type);
+    const bool isOwn = stored != own.end() && stored->second == path;
+    if (!isOwn && IsThere(path)) return false;
   }
   return true;
 }
@@ -73,7 +76,7 @@ Names::Group& Names::GroupOf(const DcfObj& picture) {
   const auto [found, isNew] = groups_.try_emplace(name);
   Group& group = found->second;
   if (!isNew) return group;
-  for (; !IsFree(picture, group.next, 0); ++group.next) group.here.emplace(Sha1Of(picture, group.next), group.next);
+  for (; !IsFree(picture, group.next); ++group.next) group.here.emplace(Sha1Of(picture, group.next), group.next);
   return group;
 }
 
@@ -81,15 +84,16 @@ bool Names::Claim(const DcfObj& picture, int number) {
   return taken_.insert(std::hash<std::string>()(Stem(Path(picture, kFirstFileType, number)))).second;
 }
 
-int Names::NumberFor(const DcfObj& picture, const std::string& stored, int storedType) {
+int Names::NumberFor(const DcfObj& picture, const Stored& stored) {
   if (!stored.empty()) {
-    const int number = NumberIn(stored, Path(picture, storedType, 1));
-    if (number != 0 && IsFree(picture, number, storedType) && Claim(picture, number)) return number;
+    const auto& [type, path] = *stored.begin();
+    const int number = NumberIn(path, Path(picture, type, 1));
+    if (number != 0 && IsFree(picture, number, stored) && Claim(picture, number)) return number;
   }
   Group& group = GroupOf(picture);
   const auto same = group.here.find(PictureKey(picture).value_or("no key"));
   if (same != group.here.end() && Claim(picture, same->second)) return same->second;
-  while (!IsFree(picture, group.next, 0) || !Claim(picture, group.next)) ++group.next;
+  while (!IsFree(picture, group.next) || !Claim(picture, group.next)) ++group.next;
   return group.next++;
 }
 

@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_IMPORT_NAMES_H_
 #define KELVA_APPS_IMPORT_NAMES_H_
 
+#include <map>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -16,14 +17,18 @@ namespace apps {
 /// however many share a name.
 class Names {
  public:
-  /// `folder`: null while the target does not exist. Both outlive this.
-  Names(const TargetFolder* folder, const Pattern& pattern, std::string serial)
-      : folder_(folder), pattern_(pattern), serial_(std::move(serial)) {}
+  /// `folder`: null while the target does not exist. `timeOf` says when a picture was taken; a pattern without a time
+  /// does not ask. Both outlive this.
+  Names(const TargetFolder* folder, const Pattern& pattern, std::string serial, TimeOf timeOf = CatalogueTaken)
+      : folder_(folder), pattern_(pattern), serial_(std::move(serial)), timeOf_(std::move(timeOf)) {}
+
+  /// Where files of a picture were stored, by type.
+  using Stored = std::map<int, std::string>;
 
   /// The smallest number under which all four names are free, here and among the pictures asked about before; 1 is the
-  /// name without a number. `stored` is where a file of this picture lies already, of type `storedType`: its number is
-  /// taken if the other names with it are free.
-  int NumberFor(const DcfObj& picture, const std::string& stored = "", int storedType = 0);
+  /// name without a number. The number of the first of the picture's `stored` files is taken if the other names with it
+  /// are free, or bear the picture's own files.
+  int NumberFor(const DcfObj& picture, const Stored& stored = {});
 
  private:
   /// Pictures that share a name.
@@ -34,7 +39,7 @@ class Names {
 
   Group& GroupOf(const DcfObj& picture);
   bool Claim(const DcfObj& picture, int number);
-  bool IsFree(const DcfObj& picture, int number, int except) const;
+  bool IsFree(const DcfObj& picture, int number, const Stored& own = {}) const;
   std::string Sha1Of(const DcfObj& picture, int number) const;
   bool IsThere(const std::string& path) const;
   std::string Path(const DcfObj& picture, int type, int number) const;
@@ -42,6 +47,7 @@ class Names {
   const TargetFolder* folder_;
   const Pattern& pattern_;
   std::string serial_;
+  TimeOf timeOf_;
   // By hashes of names, to save memory: a collision only costs an unneeded number.
   std::unordered_map<std::size_t, Group> groups_;
   std::unordered_set<std::size_t> taken_;

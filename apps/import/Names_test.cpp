@@ -58,14 +58,20 @@ TEST_F(NamesTest, ANameIsFreeOnlyIfAllFourAre) {
 TEST_F(NamesTest, ALaterFileOfAPictureTakesTheNumberOfTheEarlier) {
   Put("IMG_0001.JPG", "an older picture");
   Put("IMG_0001-2.JPG", "this one");
-  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), "IMG_0001-2.JPG", 1), 2);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), {{1, "IMG_0001-2.JPG"}}), 2);
+}
+
+TEST_F(NamesTest, FilesThatAreStoredAreNotInTheWayOfTheirOwnPicture) {
+  for (const char* name : {"IMG_0001.RAW", "IMG_0001.TXT", "IMG_0001.128", "IMG_0002.RAW", "IMG_0002.TXT"}) Put(name);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), {{2, "IMG_0001.RAW"}, {3, "IMG_0001.TXT"}, {4, "IMG_0001.128"}}), 1);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2), {{2, "IMG_0002.RAW"}, {3, "else/IMG_0002.TXT"}}), 2);
 }
 
 TEST_F(NamesTest, WhereThatNumberIsTakenOrTheFileWasRenamedAFreeOneIsChosen) {
   Put("IMG_0001.JPG");
   Put("IMG_0001.RAW", "another one's");
-  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), "IMG_0001.JPG", 1), 2);
-  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2), "holiday.jpg", 1), 1);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), {{1, "IMG_0001.JPG"}}), 2);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2), {{1, "holiday.jpg"}}), 1);
 }
 
 TEST_F(NamesTest, APictureThatIsHereWithoutAListIsRecognisedByItsKey) {
@@ -86,8 +92,8 @@ TEST_F(NamesTest, PicturesWithoutNumberMayShareAName) {
 
 TEST_F(NamesTest, ANameWithANumberOfItsOwnIsNoNumberedOne) {
   Put("IMG_0001-x.JPG");
-  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), "IMG_0001-x.JPG", 1), 1);
-  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2), "IMG_0002-1.JPG", 1), 1);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 1), {{1, "IMG_0001-x.JPG"}}), 1);
+  EXPECT_EQ(flatNames_.NumberFor(Picture(100, 2), {{1, "IMG_0002-1.JPG"}}), 1);
 }
 
 TEST_F(NamesTest, WithoutATargetOnlyTheCatalogueCounts) {

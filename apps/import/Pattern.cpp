@@ -30,6 +30,14 @@ std::string AllTokens() {
   return all;
 }
 
+constexpr std::string_view kTimeTokens[] = {"date", "year", "month", "day", "time"};
+
+bool HasTimeToken(std::string_view text) {
+  return std::any_of(std::begin(kTimeTokens), std::end(kTimeTokens), [&](std::string_view token) {
+    return text.find("{" + std::string(token) + "}") != std::string_view::npos;
+  });
+}
+
 void CheckTokens(std::string_view text) {
   for (std::size_t open = text.find('{'); open != std::string_view::npos; open = text.find('{', open + 1)) {
     const std::size_t close = text.find('}', open);
@@ -85,7 +93,7 @@ void AddTime(Values& values, const std::optional<std::string>& time) {
   values["time"] = time ? time->substr(11, 2) + time->substr(14, 2) + time->substr(17, 2) : undated;
 }
 
-Values ValuesOf(const DcfObj& picture, int type, const std::string& serial) {
+Values ValuesOf(const DcfObj& picture, int type, const std::string& serial, const std::optional<TakenTime>& taken) {
   Values values;
   values["folder"] = SafeName(PictureFolder(picture));
   values["name"] = SafeName(PictureFileName(picture, type));
@@ -93,7 +101,7 @@ Values ValuesOf(const DcfObj& picture, int type, const std::string& serial) {
   values["ext"] = std::string(FileTypeName(type));
   values["number"] = std::to_string(picture.fileNumber);
   values["serial"] = SafeName(serial);
-  AddTime(values, PictureTime(picture));
+  AddTime(values, taken ? std::optional(TakenText(*taken)) : std::nullopt);
   return values;
 }
 
@@ -119,7 +127,7 @@ std::string LocalPath::Text() const {
   return text + name;
 }
 
-Pattern::Pattern(std::string_view text) : components_(Components(text)) {
+Pattern::Pattern(std::string_view text) : components_(Components(text)), hasTime_(HasTimeToken(text)) {
   CheckTokens(text);
   for (const std::string& component : components_) {
     if (component == "." || component == "..") throw Wrong(text, "leads out of the folder.");
@@ -136,8 +144,9 @@ std::string_view Pattern::By(std::string_view word) {
   throw Failure(ExitCode::kUsage, "--by takes day, month or year, not \"" + Printable(word) + "\".");
 }
 
-LocalPath Pattern::Apply(const DcfObj& picture, int type, const std::string& serial) const {
-  const Values values = ValuesOf(picture, type, serial);
+LocalPath Pattern::Apply(const DcfObj& picture, int type, const std::string& serial,
+                         const std::optional<TakenTime>& time) const {
+  const Values values = ValuesOf(picture, type, serial, time);
   LocalPath path;
   for (const std::string& component : components_) {
     std::string filled = Filled(component, values);

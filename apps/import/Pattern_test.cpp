@@ -22,7 +22,7 @@ DcfObj Example(const char* suffix = "ABCDE", const char* prefix = "IMG_") {
 }
 
 std::string Named(const char* pattern, const DcfObj& picture, int type = 1, const std::string& serial = "K1") {
-  return Pattern(pattern).Apply(picture, type, serial).Text();
+  return Pattern(pattern).Apply(picture, type, serial, CatalogueTaken(picture)).Text();
 }
 
 TEST(PatternTest, TheDefaultKeepsTheCamerasFolders) {

@@ -2,7 +2,7 @@
 #include "apps/import/Plan.h"
 
 #include <algorithm>
-#include <span>
+#include <unordered_map>
 #include <utility>
 
 #include "apps/camera/CameraPath.h"
@@ -31,13 +31,48 @@ SyncItem::State StateOf(const std::optional<ManifestRow>& known) {
   return known->deleted ? SyncItem::State::kDeleted : SyncItem::State::kFetched;
 }
 
-// The items of one picture, which share a number.
-void NumberItems(Names& names, std::span<SyncItem> items, const std::optional<ManifestRow>& stored) {
-  const bool isNew = std::any_of(items.begin(), items.end(), [](const SyncItem& item) { return item.IsNew(); });
-  if (!isNew) return;
-  const DcfObj& picture = items.front().Picture();
-  const int number = stored ? names.NumberFor(picture, stored->path, stored->key.type) : names.NumberFor(picture);
-  for (SyncItem& item : items) item.SetNumber(number);
+/// Of pictures with new files, those that were fetched before.
+using StoredFiles = std::unordered_map<const DcfObj*, Names::Stored>;
+
+// Adds an item for each file of the types asked for.
+StoredFiles AddItems(SyncPlan& plan, const std::vector<int>& types, Manifest& manifest) {
+  StoredFiles files;
+  for (const DcfObj& picture : plan.source->catalogue) {
+    Names::Stored stored;
+    bool isNew = false;
+    for (const int type : FileTypes(picture)) {
+      auto known = manifest.Find(KeyOf(picture, type, plan.source->serial));
+      if (std::find(types.begin(), types.end(), type) != types.end()) {
+        plan.items.emplace_back(*plan.source, picture, type).SetState(StateOf(known));
+        isNew = isNew || !known;
+      }
+      if (known) stored.emplace(type, std::move(known->path));
+    }
+    if (isNew && !stored.empty()) files.emplace(&picture, std::move(stored));
+  }
+  return files;
+}
+
+std::vector<const DcfObj*> NewPictures(const SyncPlan& plan) {
+  std::vector<const DcfObj*> pictures;
+  for (const SyncItem& item : plan.items) {
+    if (item.IsNew() && (pictures.empty() || pictures.back() != &item.Picture())) pictures.push_back(&item.Picture());
+  }
+  return pictures;
+}
+
+// All items of a picture with a new file share a number.
+void NumberItems(SyncPlan& plan, Names names, const StoredFiles& stored) {
+  for (auto item = plan.items.begin(); item != plan.items.end();) {
+    const DcfObj& picture = item->Picture();
+    const auto end = std::find_if(item, plan.items.end(), [&](const SyncItem& i) { return &i.Picture() != &picture; });
+    if (std::any_of(item, end, [](const SyncItem& i) { return i.IsNew(); })) {
+      const auto own = stored.find(&picture);
+      const int number = own == stored.end() ? names.NumberFor(picture) : names.NumberFor(picture, own->second);
+      for (auto numbered = item; numbered != end; ++numbered) numbered->SetNumber(number);
+    }
+    item = end;
+  }
 }
 
 }  // namespace
@@ -52,7 +87,7 @@ std::string SyncItem::CameraPath() const {
 }
 
 LocalPath SyncItem::Local() const {
-  return source_->pattern.Apply(*picture_, type_, source_->serial);
+  return source_->Local(*picture_, type_);
 }
 
 std::string SyncItem::LocalText() const {
@@ -85,23 +120,13 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list) {
 }
 
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
-                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder) {
-  SyncPlan plan{std::make_unique<const SyncSource>(SyncSource{std::move(catalogue), serial, pattern}), {}};
+                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times) {
+  SyncPlan plan{
+      std::make_unique<const SyncSource>(SyncSource{std::move(catalogue), serial, pattern, std::move(times.of)}), {}};
   const Manifest::Reading reading(manifest);
-  Names names(folder, plan.source->pattern, serial);
-  for (const DcfObj& picture : plan.source->catalogue) {
-    const std::size_t first = plan.items.size();
-    std::optional<ManifestRow> stored;
-    for (const int type : FileTypes(picture)) {
-      auto known = manifest.Find(KeyOf(picture, type, serial));
-      if (std::find(types.begin(), types.end(), type) != types.end()) {
-        plan.items.emplace_back(*plan.source, picture, type).SetState(StateOf(known));
-      }
-      if (known && !stored) stored = std::move(known);
-    }
-    const std::span<SyncItem> items(plan.items.begin() + static_cast<std::ptrdiff_t>(first), plan.items.end());
-    if (!items.empty()) NumberItems(names, items, stored);
-  }
+  const StoredFiles stored = AddItems(plan, types, manifest);
+  if (pattern.HasTime() && times.ask) times.ask(NewPictures(plan));
+  NumberItems(plan, Names(folder, plan.source->pattern, serial, plan.source->timeOf), stored);
   return plan;
 }
 

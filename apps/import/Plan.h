@@ -2,6 +2,7 @@
 #define KELVA_APPS_IMPORT_PLAN_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 
 #include "apps/import/Manifest.h"
 #include "apps/import/Pattern.h"
+#include "apps/import/TakenTime.h"
 #include "src/wifi/DcfObj.h"
 
 namespace apps {
@@ -22,6 +24,19 @@ struct SyncSource {
   std::vector<DcfObj> catalogue;
   std::string serial;
   Pattern pattern;
+  TimeOf timeOf;  ///< called from several threads, and only when the pattern has a time
+
+  /// Where a file goes below the target, without a number.
+  LocalPath Local(const DcfObj& picture, int type) const {
+    return pattern.Apply(picture, type, serial, pattern.HasTime() ? timeOf(picture) : std::nullopt);
+  }
+};
+
+/// How a plan whose names have dates learns them.
+struct PlanTimes {
+  /// Called once, before names are chosen, with the pictures that have new files.
+  std::function<void(const std::vector<const DcfObj*>&)> ask = {};
+  TimeOf of = CatalogueTaken;
 };
 
 /// One file of a picture, and what is known of it. Small, because there is one for every file of the camera; everything
@@ -75,7 +90,7 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list);
 /// Compares a catalogue with a manifest, and chooses names that are free in the target: one number for all files of a
 /// picture (Names.h). `folder` is null while the target does not exist.
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
-                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder);
+                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times = {});
 
 }  // namespace apps
 

@@ -11,6 +11,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/files/FileCalls.h"
 #include "apps/files/Sha1.h"
+#include "apps/import/AskTimes.h"
 
 namespace apps {
 namespace {
@@ -59,20 +60,23 @@ bool IsNumbered(const WriteOutcome& outcome) {
 }  // namespace
 
 Sync::Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolder& folder, Manifest& manifest,
-           SyncOptions options)
+           SyncOptions options, PictureTimes* times)
     : context_(context),
       camera_(std::move(camera)),
       listed_(*camera_),
       folder_(folder),
       manifest_(manifest),
       options_(options),
+      times_(times),
       progress_(context.reporter, context.stop, "", 0),
       totals_(context.guard) {}
 
 std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
   std::optional<Outcome> ended;
   {
-    Writers writers(folder_, manifest_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); });
+    Writers writers(
+        folder_, manifest_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); },
+        times_ == nullptr ? TimeOf() : [this](const DcfObj& picture) { return times_->Of(picture); });
     try {
       ReadAll(plan, writers);
       ReadDoubtful(writers);
@@ -152,6 +156,8 @@ bool Sync::LeaveOut(const SyncItem& item) {
 }
 
 void Sync::Fetch(const SyncItem& item, Writers& writers) {
+  // Of the other files of a picture whose JPEG file was not read here.
+  if (times_ != nullptr && item.Type() != kFirstFileType) AskTime(context_, camera_, item.Picture(), *times_);
   const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
   kelva::FileReader reader = Open(item);
   if (reader.Size() <= kLargestWhole) return FetchWhole(item, reader, writers);
@@ -162,6 +168,7 @@ void Sync::Fetch(const SyncItem& item, Writers& writers) {
 
 void Sync::FetchWhole(const SyncItem& item, kelva::FileReader& reader, Writers& writers) {
   std::vector<char> bytes = ReadWhole(reader);
+  LearnTime(item, bytes);
   if (options_.verify) {
     reader.Select();
     if (ReadWhole(reader) != bytes) return Fail(item, TwoReadsDiffer(item));
@@ -174,7 +181,7 @@ bool Sync::FetchPieces(const SyncItem& item, kelva::FileReader& reader, Writers&
   const auto stream = std::make_shared<FileStream>();
   Submit(writers, {&item, {}, "", false, true, stream, reader.Size()});
   Sending sending(stream);
-  if (!Send(reader, *stream, FileStream::What::kWrite)) return true;
+  if (!Send(item, reader, *stream, FileStream::What::kWrite)) return true;
   const std::optional<std::string> sha1 = stream->Sha1();
   if (!sha1) return true;
   const std::string key = item.ExpectedSha1();
@@ -185,7 +192,7 @@ bool Sync::FetchPieces(const SyncItem& item, kelva::FileReader& reader, Writers&
   }
   if (!asKey) CheckUnlikeKey(item, reader.Size());
   reader.Select();
-  if (!Send(reader, *stream, FileStream::What::kCompare)) return true;
+  if (!Send(item, reader, *stream, FileStream::What::kCompare)) return true;
   const std::optional<bool> equal = stream->IsEqual();
   if (!equal) return true;
   if (*equal) {
@@ -198,7 +205,7 @@ bool Sync::FetchPieces(const SyncItem& item, kelva::FileReader& reader, Writers&
 }
 
 // False when the writer has given up, which it has reported.
-bool Sync::Send(kelva::FileReader& reader, FileStream& stream, FileStream::What what) {
+bool Sync::Send(const SyncItem& item, kelva::FileReader& reader, FileStream& stream, FileStream::What what) {
   for (std::uint64_t at = 0; at < reader.Size();) {
     context_.reporter.AwaitCamera(false);
     const std::span<char> room = stream.Room();
@@ -207,12 +214,18 @@ bool Sync::Send(kelva::FileReader& reader, FileStream& stream, FileStream::What 
     const std::uint64_t left = reader.Size() - at;
     const std::size_t count = reader.Read(
         at, room.first(left > FileStream::kPiece ? FileStream::kPiece : static_cast<std::size_t>(left) + 2));
+    if (at == 0) LearnTime(item, room.first(count));
     stream.Put(what, count);
     at += count;
     readBytes_ += count;
     progress_.At(readBytes_);
   }
   return true;
+}
+
+// The start of the picture's JPEG file says when it was taken, for all its files.
+void Sync::LearnTime(const SyncItem& item, std::span<const char> start) {
+  if (times_ != nullptr && item.Type() == kFirstFileType) times_->Ask(item.Picture(), start);
 }
 
 // A key that is not the SHA-1 of what came: either the read went wrong, or the key is something else than this project
@@ -340,6 +353,7 @@ void Sync::CountStored(const WriteOutcome& outcome) {
   totals_.bytes += row.size;
   ++totals_.stored;
   if (outcome.wasThere) ++totals_.alreadyHere;
+  if (!outcome.isDated) ++totals_.undated;
   if (asKey) ++totals_.checked;
   if (row.verified) ++totals_.readTwice;
   if (!asKey && !row.verified) ++totals_.sizeOnly;

@@ -16,6 +16,7 @@
 #include "apps/commandline/Progress.h"
 #include "apps/import/Deletions.h"
 #include "apps/import/Manifest.h"
+#include "apps/import/PictureTimes.h"
 #include "apps/import/Plan.h"
 #include "apps/import/SyncTally.h"
 #include "apps/import/Writers.h"
@@ -33,8 +34,9 @@ struct SyncOptions {
 /// and the rest goes on; a camera that has gone, a full disk or a request to stop ends it, and what is stored stays.
 class Sync {
  public:
+  /// `times` dates the files; without it they have the time of their fetching. All outlive this.
   Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolder& folder, Manifest& manifest,
-       SyncOptions options);
+       SyncOptions options, PictureTimes* times = nullptr);
 
   /// Nothing when the plan was carried out to its end, failed files included; otherwise what ended it. Throws Stopped.
   std::optional<Outcome> Run(const SyncPlan& plan);
@@ -52,7 +54,8 @@ class Sync {
   void Fetch(const SyncItem& item, Writers& writers);
   void FetchWhole(const SyncItem& item, kelva::FileReader& reader, Writers& writers);
   bool FetchPieces(const SyncItem& item, kelva::FileReader& reader, Writers& writers, bool isLast);
-  bool Send(kelva::FileReader& reader, FileStream& stream, FileStream::What what);
+  bool Send(const SyncItem& item, kelva::FileReader& reader, FileStream& stream, FileStream::What what);
+  void LearnTime(const SyncItem& item, std::span<const char> start);
   void CompareKnown(const SyncItem& item);
   kelva::FileReader Open(const SyncItem& item);
   std::vector<char> ReadWhole(kelva::FileReader& reader);
@@ -76,6 +79,7 @@ class Sync {
   const TargetFolder& folder_;
   Manifest& manifest_;
   SyncOptions options_;
+  PictureTimes* const times_;
   Progress progress_;
   unsigned long long readBytes_ = 0;
   SyncTally totals_;

@@ -20,6 +20,8 @@ struct SyncTotals {
   unsigned long long sizeOnly = 0;   ///< of the stored, files of which nothing but the size was compared
   unsigned long long numbered = 0;   ///< of the stored, files that got a number because their name was taken
 
+  unsigned long long undated = 0;  ///< of the stored, files with the time of their fetching: nothing says another
+
   /// New files that are not stored, the failed ones included.
   unsigned long long Left() const { return expected > stored ? expected - stored : 0; }
 };
@@ -47,6 +49,7 @@ class SyncTally {
   Guard::Counter& readTwice = counters_[9];
   Guard::Counter& sizeOnly = counters_[10];
   Guard::Counter& numbered = counters_[11];
+  Guard::Counter& undated = counters_[12];
 
   SyncTotals Now() const {
     return {.known = known,
@@ -60,7 +63,8 @@ class SyncTally {
             .checked = checked,
             .readTwice = readTwice,
             .sizeOnly = sizeOnly,
-            .numbered = numbered};
+            .numbered = numbered,
+            .undated = undated};
   }
 };
 

@@ -3,9 +3,11 @@
 
 #include "apps/camera/testing/FakeCamera.h"
 #include "apps/commandline/testing/SilentContext.h"
+#include "apps/decoder/testing/TinyJpeg.h"
 #include "apps/files/Sha1.h"
 #include "apps/files/SystemCalls.h"
 #include "apps/import/Folders.h"
+#include "apps/import/PictureTimes.h"
 #include "apps/import/Sync.h"
 #include "apps/import/Writers.h"
 #include "apps/import/testing/SyncTest.h"
@@ -149,6 +151,21 @@ TEST_F(Threads, LookUpWhatIsRecordedMeanwhile) {
     };
   };
   const base::Crowd crowd(15, {record("a"), record("b"), record("c")});
+}
+
+TEST_F(Threads, AskForTimesWhileOthersAreAnswered) {
+  PictureTimes times;
+  const std::vector<DcfObj> pictures = Pictures(300);
+  const std::string start = "\xFF\xD8" + TinyJpeg::ExifPart(1, "2026:03:14 15:09:26");
+  std::atomic<std::size_t> asked = 0;
+  const auto ask = [&] { times.Ask(pictures[asked++], start); };
+  const auto take = [&] {
+    times.Of(pictures[asked / 2]);
+    times.WasAsked(pictures[0]);
+    times.Trouble();
+  };
+  { const base::Crowd crowd(150, {ask, ask, take, take}); }
+  for (const DcfObj& picture : pictures) EXPECT_EQ(times.Of(picture), ParseTaken("2026-03-14 15:09:26"));
 }
 
 TEST_F(Threads, ReadCompareAndReportWhileOthersStoreAndReport) {

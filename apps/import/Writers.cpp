@@ -25,8 +25,8 @@ struct UnlikeKey {
 
 }  // namespace
 
-Writers::Writers(const TargetFolder& folder, Manifest& manifest, Report report)
-    : manifest_(manifest), report_(std::move(report)), folders_(folder) {
+Writers::Writers(const TargetFolder& folder, Manifest& manifest, Report report, TimeOf timeOf)
+    : manifest_(manifest), report_(std::move(report)), timeOf_(std::move(timeOf)), folders_(folder) {
   for (std::size_t i = 0; i < kThreads; ++i) threads_.emplace_back([this] { Run(); });
 }
 
@@ -153,7 +153,7 @@ bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::
     return true;
   } catch (const UnlikeKey& unlike) {
     const std::scoped_lock lock(commitMutex_);
-    report_({&item, std::nullopt, false, "", unlike.sha1});
+    report_({&item, std::nullopt, false, "", false, unlike.sha1});
     return false;
   } catch (const Failure& failure) {
     if (EndsAll(failure.SystemError())) {
@@ -180,7 +180,12 @@ void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   }
   for (std::unique_ptr<Started>& file : started) {
     if (!Try(
-            *file->job->item, [&] { file->file.Flush(); }, ending)) {
+            *file->job->item,
+            [&] {
+              file->isDated = Date(file->file, *file->job->item);
+              file->file.Flush();
+            },
+            ending)) {
       file.reset();
     }
   }
@@ -213,10 +218,14 @@ std::optional<Writers::Done> Writers::Arrive(const WriteJob& job) {
   std::optional<Received> received = Receive(*job.stream, *folder, job.size);
   if (!received) return std::nullopt;
   BesideFile file(*folder, path.name, std::move(received->file), job.size, received->sha1, item.Number());
+  const bool isDated = Date(file, item);
   file.Flush();
   Stored stored = file.TakeName();
   path.name = std::move(stored.name);
-  return Done{{item.Key(), path.Text(), received->sha1, job.size, received->verified, false}, &item, stored.wasThere};
+  return Done{{item.Key(), path.Text(), received->sha1, job.size, received->verified, false},
+              &item,
+              stored.wasThere,
+              isDated || stored.wasThere};
 }
 
 // Adds a file to the group. Returns the group if it is due, otherwise nothing.
@@ -246,6 +255,13 @@ std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
   return std::make_unique<Started>(job, std::move(path), std::move(sha1), std::move(folder));
 }
 
+// Waits for the time of the picture, while the disk takes the bytes.
+bool Writers::Date(BesideFile& file, const SyncItem& item) const {
+  const std::optional<TakenTime> time = timeOf_ ? timeOf_(item.Picture()) : std::nullopt;
+  if (time) file.SetTime(MomentHere(*time));
+  return time.has_value();
+}
+
 Writers::Done Writers::Finish(Started& started) {
   const SyncItem& item = *started.job->item;
   Stored stored = started.file.TakeName();
@@ -253,7 +269,8 @@ Writers::Done Writers::Finish(Started& started) {
   const WriteJob& job = *started.job;
   return {{item.Key(), started.path.Text(), started.sha1, job.bytes.size(), job.verified, false},
           job.item,
-          stored.wasThere};
+          stored.wasThere,
+          started.isDated || stored.wasThere};
 }
 
 void Writers::Commit(std::vector<Done> group) {
@@ -270,7 +287,7 @@ void Writers::Commit(std::vector<Done> group) {
   folders_.Flush(ways);
   manifest_.Record(rows);
   unrecorded_ = false;
-  for (Done& done : group) report_({done.item, std::move(done.row), done.wasThere, ""});
+  for (Done& done : group) report_({done.item, std::move(done.row), done.wasThere, "", done.isDated});
 }
 
 }  // namespace apps

@@ -39,6 +39,7 @@ struct WriteOutcome {
   std::optional<ManifestRow> row;  ///< what is in the manifest now; nothing when it failed
   bool wasThere = false;           ///< the same bytes were there already
   std::string error;
+  bool isDated = true;         ///< it was there, or has the time of its picture and not that of its fetching
   std::string unlikeKey = "";  ///< not stored, no error: the SHA-1, which is not the catalogue's key
 };
 
@@ -50,7 +51,8 @@ class Writers {
   using Report = std::function<void(const WriteOutcome&)>;
 
   /// `report` is called by the writers' threads, one at a time. Folder and manifest outlive this.
-  Writers(const TargetFolder& folder, Manifest& manifest, Report report);
+  /// `timeOf` dates files by their pictures; without it none is dated.
+  Writers(const TargetFolder& folder, Manifest& manifest, Report report, TimeOf timeOf = {});
   /// Stores what was handed over, then ends.
   ~Writers();
   Writers(const Writers&) = delete;
@@ -81,6 +83,7 @@ class Writers {
     ManifestRow row;
     const SyncItem* item;
     bool wasThere;
+    bool isDated;
   };
 
   // A file between its two steps.
@@ -90,6 +93,7 @@ class Writers {
     std::string sha1;
     std::shared_ptr<const TargetFolder> folder;
     BesideFile file;
+    bool isDated = false;
 
     Started(const WriteJob& started, LocalPath local, std::string sum, std::shared_ptr<const TargetFolder> where);
   };
@@ -105,6 +109,7 @@ class Writers {
   bool Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending);
   std::vector<Done> AddDone(Done done);
   std::unique_ptr<Started> Start(const WriteJob& job);
+  bool Date(BesideFile& file, const SyncItem& item) const;
   Done Finish(Started& started);
   void Commit(std::vector<Done> group);
   void GiveUp(const Failure& failure);
@@ -112,6 +117,7 @@ class Writers {
 
   Manifest& manifest_;
   Report report_;
+  const TimeOf timeOf_;
   Folders folders_;
 
   std::mutex mutex_;                // the queue and what follows it

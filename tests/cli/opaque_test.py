@@ -1,6 +1,7 @@
 """Every command on cameras whose clock, battery, information record and catalogue fields 5 to 9 are random bytes: all of it works, and no
 meaning is invented."""
 
+import datetime
 import json
 import os
 import random
@@ -110,6 +111,22 @@ class OpaqueTest(Bus):
             selected = [line for line in lines if line.get("command") == "select file"]
             self.assertEqual(len(selected), 2 * len(files))
             self.assertEqual(self.document("pictures")["pictures"], [])
+
+    def test_names_and_times_come_from_exif_for_all_files_of_a_picture(self):
+        self.picture = tiny_jpeg.jpeg([[(200, 10, 10)]], tiny_jpeg.exif(1, "2024:02:29 23:59:58")) + random.randbytes(100_000)
+        self.other = tiny_jpeg.jpeg([[(10, 10, 200)]], tiny_jpeg.exif(6, "2025:07:01 06:05:04"))
+        names = ["2024/2024-02-29_235958_IMG_0001.JPG", "2024/2024-02-29_235958_IMG_0001.RAW",
+                 "2025/2025-07-01_060504_IMG_0001.JPG"]
+        words = ("--pattern", "{year}/{date}_{time}_{stem}.{ext}")
+        for _ in self.each_seed():
+            out = self.out + "/dated"
+            preview = self.works("sync", out, *words, "--dry-run")
+            self.assertEqual([line.split()[2] for line in preview.stdout.splitlines() if "->" in line], names)
+            self.assertIn("Read up to 64 KiB of each of 2 new pictures for their dates.", preview.stderr)
+            self.assertEqual(self.document("sync", out, *words)["undated"], 0)
+            for name, time in zip(names, ("2024-02-29 23:59:58", "2024-02-29 23:59:58", "2025-07-01 06:05:04")):
+                changed = datetime.datetime.fromtimestamp(os.path.getmtime(os.path.join(out, name)))
+                self.assertEqual(str(changed), time)
 
     def test_a_read_that_differs_is_not_stored_and_not_deleted(self):
         for _ in self.each_seed():

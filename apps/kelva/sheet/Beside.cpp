@@ -49,7 +49,7 @@ std::string Beside::Find(const DcfObj& picture, int type, std::optional<unsigned
   const auto known = Known(picture, type);
   if (known && IsHere(known->path, known->size)) return known->path;
   if (!size) return "";
-  std::string local = pattern_.Apply(picture, type, serial_).Text();
+  std::string local = pattern_.Apply(picture, type, serial_, std::nullopt).Text();
   if (IsHere(local, *size)) return local;
   // Of two pictures with one name, a file without their folder could be either.
   const std::string plain = SafeName(PictureFileName(picture, type));

@@ -27,9 +27,11 @@ TEST_F(SyncSummaryTest, SaysHowFilesWereChecked) {
   Put("DCIM/100ABCDE/IMG_0001.RAW", "raw data");
   EXPECT_THAT(Run({"sync", target.c_str()}).out, HasSubstr("\nChecked: 1 against a SHA-1, 1 by their size alone.\n"));
   const std::string again = (folder / "again").string();
-  EXPECT_THAT(Run({"sync", again.c_str(), "--verify", "--json"}).out,
-              HasSubstr(R"("checked":1,"read_twice":2,"size_only":0,"unlike_key":0,"numbered":0,"known":0,"failed":0,)"
-                        R"("left":0,"deleted":0)"));
+  EXPECT_THAT(
+      Run({"sync", again.c_str(), "--verify", "--json"}).out,
+      HasSubstr(
+          R"("checked":1,"read_twice":2,"size_only":0,"unlike_key":0,"numbered":0,"undated":0,"known":0,"failed":0,)"
+          R"("left":0,"deleted":0)"));
 }
 
 TEST_F(SyncSummaryTest, CountsNamesThatWereTakenAndNamesThemWhenAsked) {
@@ -56,7 +58,7 @@ TEST(SyncSoFarTest, SaysWhatIsStoredAndWhatIsLeft) {
   EXPECT_EQ(done.words, "985 of 3203 files stored, 1 deleted on the camera; the same command goes on");
   EXPECT_EQ(done.members.Text(),
             R"({"serial":"K1","stored":985,"bytes":9,"already_here":0,"checked":0,"read_twice":0,"size_only":0,)"
-            R"("unlike_key":0,"numbered":0,"known":4,"failed":0,"left":2218,"deleted":1})");
+            R"("unlike_key":0,"numbered":0,"undated":0,"known":4,"failed":0,"left":2218,"deleted":1})");
   EXPECT_EQ(SyncSoFar({.known = 4}, Json::Object()).words, "nothing was stored yet; the same command starts again");
 }
 

@@ -14,6 +14,7 @@
 #include "apps/files/FolderLock.h"
 #include "apps/files/FreeSpace.h"
 #include "apps/files/NewFile.h"
+#include "apps/import/AskTimes.h"
 #include "apps/import/Coming.h"
 #include "apps/import/Sync.h"
 #include "apps/kelva/verbs/SyncChoice.h"
@@ -30,10 +31,11 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
   if (!missing) folder = TargetFolder::Open(path);
   Manifest manifest = missing ? Manifest() : Manifest(*folder, false);
   const Session camera(context, "read the picture catalogue");
-  return ShowPlan(context, camera,
-                  MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest,
-                           missing ? nullptr : &*folder),
-                  path);
+  PictureTimes times;
+  const SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest,
+                                 missing ? nullptr : &*folder, TimesForNames(context, camera.Pointer(), times));
+  NoteTrouble(context, times);
+  return ShowPlan(context, camera, plan, path);
 }
 
 // Before the first byte is read: a disk that is too small would be full in the middle.
@@ -77,12 +79,14 @@ ExitCode RunSync(Context& context) {
   const FolderLock lock(folder);
   Manifest manifest(folder, true);
   RemoveLeftovers(folder);
-  const SyncPlan plan =
-      MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest, &folder);
-  Sync sync(context, camera.Pointer(), folder, manifest, options);
+  PictureTimes times;
+  const SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest,
+                                 &folder, TimesForNames(context, camera.Pointer(), times));
+  Sync sync(context, camera.Pointer(), folder, manifest, options, &times);
   BeginTally(plan, sync.Tally());
   auto ended = CheckRoom(*camera, plan, folder);
   if (!ended) ended = sync.Run(plan);
+  NoteTrouble(context, times);
   return GiveSummary(context, camera, sync.Totals(), ended);
 }
 
@@ -126,8 +130,13 @@ picture gets a number, the same for all its files: a RAW never lies beside anoth
 more; if that one is killed too, the file counts as failed. While one run is at work in FOLDER a second one stops
 (exit status 4); .kelva-manifest.lock, a file that stays, is for that.
 
+All files of a picture have the time at which it was taken: the EXIF time of its JPG, which kelva-thumbnail reads, else
+the time of the catalogue. Without either a file has the time of its fetching, and the summary counts it. EXIF times have
+no zone; they are taken as this computer's local time. A file that was here before keeps its time.
+
 The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}. The
-last five are "undated" if the catalogue has no time. A pattern names each file: its last part has {name}, or {stem} and
+last five are the time at which the picture was taken, in all its files, or "undated". A pattern with one of them, also
+with --dry-run, first reads up to 64 KiB of each new picture. A pattern names each file: its last part has {name}, or {stem} and
 {ext}. One that ends with / is a folder, in which files keep their names. --by day is {year}/{month}/{day}/, --by month is
 {year}/{month}/, --by year is {year}/. A name from the camera cannot add a folder: bytes that are not
 safe in a file name are written as %XX.
@@ -144,6 +153,7 @@ read_twice: how many of the stored were read twice, with the same content
 size_only: how many of the stored have no key and were read once, so that only their size was compared
 unlike_key: how many have a SHA-1 that is not their key in the catalogue; they were read twice, with the same content
 numbered: how many of the stored got a number because their name was taken
+undated: how many have the time of their fetching, because neither EXIF nor the catalogue says another
 known: how many were fetched by an earlier run
 failed: how many were not stored or not deleted
 left: how many new files are not stored, the failed ones included

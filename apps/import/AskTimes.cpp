@@ -1,0 +1,77 @@
+// Reads the starts of pictures for the times in them.
+#include "apps/import/AskTimes.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "apps/camera/CameraPath.h"
+#include "apps/camera/Explain.h"
+#include "apps/camera/Picture.h"
+#include "apps/commandline/Progress.h"
+#include "src/wifi/CameraError.h"
+#include "src/wifi/FileReader.h"
+
+namespace apps {
+namespace {
+
+constexpr int kJpg = kFirstFileType;
+
+// Nothing for a file that cannot be read.
+std::vector<char> ReadStart(Context& context, const boost::shared_ptr<Camera>& camera, const DcfObj& picture) {
+  context.Doing("read " + ShownPath(PicturePath(picture, kJpg)));
+  try {
+    kelva::FileReader reader(camera, picture, kJpg);
+    const std::uint64_t most = std::min<std::uint64_t>(reader.Size(), PictureTimes::kStart);
+    // With room for the two bytes more that tell the end of a small file.
+    std::vector<char> start(static_cast<std::size_t>(most) + (most == reader.Size() ? 2 : 0));
+    start.resize(reader.Read(0, start));
+    return start;
+  } catch (const CameraError& error) {
+    if (EndsAll(Explain(error, context).code)) throw;
+    return {};  // whoever fetches the file reports it
+  }
+}
+
+}  // namespace
+
+std::size_t AskTime(Context& context, const boost::shared_ptr<Camera>& camera, const DcfObj& picture,
+                    PictureTimes& times) {
+  if (picture.hasJpg == 0 || times.WasAsked(picture)) return 0;
+  const std::vector<char> start = ReadStart(context, camera, picture);
+  context.reporter.AwaitCamera(false);
+  times.Ask(picture, start);
+  context.reporter.AwaitCamera(true);
+  return start.size();
+}
+
+void AskTimes(Context& context, const boost::shared_ptr<Camera>& camera, const std::vector<const DcfObj*>& pictures,
+              PictureTimes& times) {
+  Progress progress(context.reporter, context.stop, "", 0);
+  progress.Phase("dates");
+  unsigned long long done = 0;
+  unsigned long long bytes = 0;
+  for (const DcfObj* picture : pictures) {
+    context.stop.Check();
+    progress.Name(PictureStem(*picture));
+    progress.Files(done, pictures.size());
+    progress.At(bytes);
+    bytes += AskTime(context, camera, *picture, times);
+    ++done;
+  }
+  progress.Clear();
+  if (done == 0) return;
+  context.reporter.Note("Read up to 64 KiB of each of " + std::to_string(done) + " new pictures for their dates.");
+}
+
+PlanTimes TimesForNames(Context& context, const boost::shared_ptr<Camera>& camera, PictureTimes& times) {
+  return {[&](const std::vector<const DcfObj*>& pictures) { AskTimes(context, camera, pictures, times); },
+          [&](const DcfObj& picture) { return times.Of(picture); }};
+}
+
+void NoteTrouble(Context& context, const PictureTimes& times) {
+  const std::string trouble = times.Trouble();
+  if (trouble.empty()) return;
+  context.reporter.Note(trouble + " Dates are those of the catalogue, where it has them.");
+}
+
+}  // namespace apps
