@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Progress.h"
@@ -76,12 +77,14 @@ void RemoteFile::Read(const std::function<void(std::span<const char>)>& take) {
     context_.reporter.AwaitCamera(false);
     take(std::span(piece).first(count));
     context_.reporter.AwaitCamera(true);
+    LetOthers(context_, *reader_, std::span(piece).first(count));
   }
 }
 
 void WriteRemoteFile(Context& context, const boost::shared_ptr<Camera>& camera, const std::string& path,
                      std::uint32_t size, const kelva::ByteSource& source) {
   Sha1Sum sent;
+  HoldForLong(context);
   try {
     Progress progress(context.reporter, context.stop, Split(path).name, size);
     const auto fill = [&](std::span<char> chunk) {
@@ -94,6 +97,7 @@ void WriteRemoteFile(Context& context, const boost::shared_ptr<Camera>& camera, 
     throw;
   }
   context.Doing("read back " + ShownPath(path));
+  LetOthers(context);
   RemoteFile back(context, camera, path);
   Sha1Sum arrived;
   back.Read([&](std::span<const char> bytes) { arrived.Add(bytes); });

@@ -10,6 +10,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "src/usb/osx/OsxCamera.h"
+#include "src/wifi/CameraError.h"
 
 namespace apps {
 namespace {
@@ -18,9 +19,10 @@ using namespace std::chrono_literals;
 using std::chrono::milliseconds;
 
 constexpr milliseconds kWaitBusy = 10s;
-// Who is first in line asks this often for the camera. Programs that are not seen in line get a gap of more than that.
+// Who is first in line asks this often for the camera.
 constexpr auto kEachAttempt = 5ms;
-constexpr auto kGap = 8ms;
+// For programs that are not seen in line: short, since every second of a long file has one.
+constexpr auto kGap = 2ms;
 // Who is not first asks now and then, in case who is first was suspended.
 constexpr auto kBehindFirst = 250ms;
 constexpr auto kLook = 250ms;
@@ -84,7 +86,7 @@ bool Turns::LetOthers() {
 }
 
 void Turns::LetOthers(kelva::FileReader& reader, std::span<const char> last) {
-  if (!IsOver()) return;
+  if (reader.Position() >= reader.Size() || !IsOver()) return;
   if (reader.ReadsForwardOnly()) return line_.HoldForLong(true);
   LetOthers();
   reader.Select();
@@ -94,8 +96,7 @@ void Turns::LetOthers(kelva::FileReader& reader, std::span<const char> last) {
   if (reader.Read(at - again.size(), again) == again.size() && std::equal(again.begin(), again.end(), before.begin())) {
     return;
   }
-  throw Failure(ExitCode::kFailed, "Cannot " + context_.WasDoing() +
-                                       ": the file was changed on the camera meanwhile; repeat the command.");
+  throw CameraError("the file was changed on the camera while it was read");
 }
 
 void Turns::HoldForLong() {

@@ -46,7 +46,7 @@ class Turns {
   bool LetOthers();
   /// The same in the middle of a file; takes it up again where it was. `last` are the bytes before the reader's
   /// position, as far as the caller has them: they are read again, and must not have changed. A file that the camera
-  /// sends forward only is not interrupted; who waits is told so. Throws also what the reader throws, and Failure for a
+  /// sends forward only is not interrupted; who waits is told so. Throws also what the reader throws, and CameraError for a
   /// file that changed.
   void LetOthers(kelva::FileReader& reader, std::span<const char> last);
   /// Tells those who wait that this turn may last long, until the next LetOthers that gives the camera up.

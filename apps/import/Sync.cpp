@@ -7,6 +7,7 @@
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/ReadLimit.h"
+#include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/FileCalls.h"
@@ -110,6 +111,7 @@ void Sync::ForEach(const SyncPlan& plan, std::string_view phase, Chosen chosen, 
   for (const SyncItem& item : plan.items) {
     if (!chosen(item)) continue;
     context_.stop.Check();
+    LetOthers(context_);
     ShowProgress(done++, count, item);
     if (context_.guard != nullptr && LeaveOut(item)) continue;
     context_.Doing("read " + ShownPath(item.CameraPath()));
@@ -215,6 +217,7 @@ bool Sync::Send(const SyncItem& item, kelva::FileReader& reader, FileStream& str
     const std::size_t count = reader.Read(
         at, room.first(left > FileStream::kPiece ? FileStream::kPiece : static_cast<std::size_t>(left) + 2));
     if (at == 0) LearnTime(item, room.first(count));
+    LetOthers(context_, reader, room.first(count));
     stream.Put(what, count);
     at += count;
     readBytes_ += count;
@@ -234,6 +237,7 @@ void Sync::ReadDoubtful(Writers& writers) {
   writers.Finish();  // all outcomes are in
   for (const auto& [item, sha1] : std::exchange(doubtful_, {})) {
     context_.stop.Check();
+    LetOthers(context_);
     context_.Doing("read " + ShownPath(item->CameraPath()));
     Try(*item, [&, item = item, &first = sha1] { ReadAgain(*item, first, writers); });
   }
@@ -313,6 +317,7 @@ std::string Sync::HashOf(kelva::FileReader& reader) {
   Sha1Sum sum;
   for (std::uint64_t at = 0; at < reader.Size();) {
     const std::size_t count = reader.Read(at, piece);
+    LetOthers(context_, reader, std::span(piece).first(count));
     sum.Add(std::span(piece).first(count));
     at += count;
     readBytes_ += count;

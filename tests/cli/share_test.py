@@ -1,5 +1,6 @@
 """Several programs and one camera."""
 
+import random
 import signal
 import time
 
@@ -9,8 +10,9 @@ from bench_of_cameras import Bus
 
 class SharedCamera(Bus):
     def hold(self):
-        """A program that keeps the camera until it is ended."""
-        holder = self.start("console", "--follow")
+        """A program that keeps the camera until it is ended, because the camera does not answer it."""
+        self.fault("hang", 1)
+        holder = self.start("battery")
         self.wait_until_held("K1")
         self.addCleanup(self.end, holder)
         return holder
@@ -79,6 +81,71 @@ class SharedCamera(Bus):
             for run in runs:
                 messages = run.communicate(timeout=60)[1]
                 self.assertEqual(run.returncode, 0, messages)
+
+    def all_succeed(self, runs):
+        for run in runs:
+            messages = run.communicate(timeout=60)[1]
+            self.assertEqual(run.returncode, 0, messages)
+
+    def test_ten_programs_have_their_turns_beside_a_sync(self):
+        self.pictures(400, 1000)
+        target = self.folder + "/target"
+        self.fault("slow", 5)
+        sync = self.start("sync", target)
+        self.wait_until_held("K1")
+        self.all_succeed([self.start("info") for _ in range(10)])
+        self.assertIsNone(sync.poll(), "it goes on afterwards")
+        self.fault("none")
+        self.all_succeed([sync])
+        self.assertEqual(self.whole_files_only(target), 400)
+
+    def test_ten_syncs_share_a_camera(self):
+        self.pictures(30, 1000)
+        self.fault("slow", 1)
+        targets = [f"{self.folder}/target{number}" for number in range(10)]
+        self.all_succeed([self.start("sync", target) for target in targets])
+        for target in targets:
+            self.assertEqual(self.whole_files_only(target), 30)
+
+    def test_a_large_file_is_interrupted_in_its_middle(self):
+        content = random.randbytes(48 << 20)
+        self.put("LARGE.BIN", content)
+        self.fault("slow", 5)
+        get = self.start("get", "LARGE.BIN", "-d", self.folder)
+        self.wait_until_held("K1")
+        self.all_succeed([self.start("info") for _ in range(3)])
+        self.assertIsNone(get.poll(), "it goes on afterwards")
+        self.fault("none")
+        self.all_succeed([get])
+        with open(self.folder + "/LARGE.BIN", "rb") as file:
+            self.assertEqual(file.read(), content)
+
+    def test_a_file_that_comes_forward_only_is_waited_for(self):
+        self.vcam("plug", "--serial", "K2", "--storage", self.drive, "--forward-only")
+        content = random.randbytes(32 << 20)
+        self.put("LARGE.BIN", content)
+        self.fault("slow", 5, serial="K2")
+        get = self.start("get", "LARGE.BIN", "-d", self.folder, "-s", "K2")
+        self.wait_until_held("K2")
+        info = self.start("info", "-s", "K2", "--wait-busy", "0.7")
+        # The time counts from the end of the file, which takes longer.
+        self.await_line(info, "holds the camera for one long file")
+        self.all_succeed([get])
+        self.all_succeed([info])
+        with open(self.folder + "/LARGE.BIN", "rb") as file:
+            self.assertEqual(file.read(), content)
+
+    def test_a_camera_that_goes_while_others_have_their_turns_ends_the_work(self):
+        self.pictures(400, 1000)
+        self.fault("slow", 5)
+        sync = self.start("sync", self.folder + "/target")
+        self.wait_until_held("K1")
+        self.all_succeed([self.start("info")])
+        self.unplug()
+        self.plug()
+        messages = sync.communicate(timeout=60)[1]
+        self.assertEqual(sync.returncode, 5, messages)
+        self.whole_files_only(self.folder + "/target")
 
 
 if __name__ == "__main__":

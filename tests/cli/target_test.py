@@ -131,7 +131,8 @@ class TargetTest(Bus):
         self.plug("K2")
         self.fault("slow", 100)
         first = self.start("sync", "-s", "K1", self.target)
-        self.wait_until_held("K1")
+        while not self.status()["K1"]["commands"] and first.poll() is None:
+            pass  # the first command comes after the folder's lock
         second = self.sync("-s", "K2")
         self.fails(second, 4)
         self.assertIn("Another `kelva sync` is at work", second.stderr)
@@ -153,12 +154,9 @@ class TargetTest(Bus):
         first = self.start("sync", self.target)
         self.wait_until_held("K1")
         second = self.kelva("sync", self.folder + "/other")
-        self.fails(second, 4)
-        self.assertIn(f"kelva (process {self.status()['K1']['holder']})", second.stderr)
+        self.assertEqual(second.returncode, 0, second.stderr)
         first.communicate(timeout=60)
         self.assertEqual(first.returncode, 0)
-        self.fault("none")
-        self.assertEqual(self.kelva("sync", self.folder + "/other").returncode, 0)
         for target in (self.target, self.folder + "/other"):
             self.assertEqual(self.whole_files_only(target), 2)
 

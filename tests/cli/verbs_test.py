@@ -155,7 +155,8 @@ class EveryVerbTest(Bus):
                 self.assertIn("K1, K2", run.stderr)
 
     def test_a_held_camera_is_busy_and_its_holder_is_named(self):
-        holder = self.start("console", "--follow")
+        self.fault("hang", 1)
+        holder = self.start("battery")
         self.wait_until_held("K1")
 
         def check(verb, code, out, messages):

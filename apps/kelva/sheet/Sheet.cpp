@@ -11,6 +11,7 @@
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/ReadLimit.h"
+#include "apps/camera/Turns.h"
 #include "apps/decoder/Jpeg.h"
 #include "src/wifi/CameraError.h"
 
@@ -62,6 +63,7 @@ void Sheet::Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSiz
     progress.Name(PictureName(catalogue[i]));
     progress.Files(i + 1, catalogue.size());
     progress.At(passed);
+    LetOthers(context_);
     Begin(catalogue[i], sizes[i]);
     while (IsFull()) FinishOldest(sink);
     passed += sizes[i][0].value_or(0);

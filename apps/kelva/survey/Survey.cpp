@@ -11,6 +11,7 @@
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
+#include "apps/camera/Turns.h"
 #include "apps/commandline/Columns.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/StoreFile.h"
@@ -62,6 +63,7 @@ std::optional<Outcome> Survey::Run() {
 // Throws Failure when the next part would fail in the same way.
 void Survey::Part(const std::string& doing, const std::function<void()>& work) {
   context_.Doing(doing);
+  LetOthers(context_);
   try {
     work();
   } catch (const CameraError& error) {

@@ -88,6 +88,7 @@ ExitCode RunRm(Context& context) {
                           "nothing was deleted"});
   Each each(context, "files");
   for (const std::string& path : paths) {
+    LetOthers(context);
     each.Try(path, [&] {
       context.stop.Check();
       context.Doing("delete " + ShownPath(path));

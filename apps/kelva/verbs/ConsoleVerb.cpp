@@ -38,6 +38,7 @@ ExitCode RunConsole(Context& context) {
   while (context.call.Has("follow")) {
     context.stop.Check();
     std::this_thread::sleep_for(300ms);
+    LetOthers(context);
     Drain(context, *camera);
   }
   return context.Result(CameraResult(camera), "");

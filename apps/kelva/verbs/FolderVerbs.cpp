@@ -88,6 +88,7 @@ class Walk {
 
   template <typename Visit>
   void Run(const std::string& path, int depth, const Visit& visit) {
+    LetOthers(context_);
     for (const CameraDirent& entry : Listing(camera_, path)) {
       context_.stop.Check();
       const std::string below = path + "\\" + entry.name;

@@ -98,6 +98,7 @@ ExitCode RunGet(Context& context) {
   Each each(context, "files");
   std::set<std::string> stored;
   for (const std::string& path : paths) {
+    LetOthers(context);
     each.Try(path, [&] { return GetOne(context, camera, folder, target, path, stored); });
   }
   return each.Finish(CameraResult(camera));

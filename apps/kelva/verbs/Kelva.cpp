@@ -43,6 +43,9 @@ commands that report events print one object a line. The form of the JSON is sta
 schema. The text form is for people and may change. Names and texts from a camera are shown with \xNN in place of
 bytes that a terminal would obey.
 
+Several commands may use one camera at once: a long one lets others have their turns between two files, and in the
+middle of a large one. A command that finds the camera held waits, as --wait-busy says.
+
 With one camera attached you need not choose. With several, choose one with --serial or KELVA_SERIAL. If no camera
 with that number is attached, the command fails; it never takes another camera.)";
 

@@ -79,6 +79,7 @@ ExitCode RunBatchGet(Context& context) {
   const Session camera(context, "fetch files by key");
   Each each(context, "files");
   for (const std::string& word : context.call.words) {
+    LetOthers(context);
     each.Try(word, [&] { return BatchGetOne(context, *camera, folder, word); });
   }
   return each.Finish(CameraResult(camera));

@@ -73,6 +73,7 @@ class Report {
 
   void Part(const std::string& doing, const std::function<void()>& work) {
     context_.Doing(doing);
+    LetOthers(context_);
     try {
       work();
     } catch (const std::exception& error) {

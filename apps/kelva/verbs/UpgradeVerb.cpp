@@ -126,6 +126,7 @@ class Upgrade {
 
   void Send(Image& image) {
     context_.Doing("send the firmware");
+    HoldForLong(context_);
     Progress progress(context_.reporter, context_.stop, "sending", image.Size());
     kelva::Upgrade(
         session_.Device(), image.Size(), [&image](std::span<char> chunk) { image.Fill(chunk); }, Progress::Callback,
