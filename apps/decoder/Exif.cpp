@@ -20,11 +20,34 @@ using Data = std::unique_ptr<ExifData, Unref>;
 // An EXIF part has at most 64 KiB; the parts before it are small.
 constexpr std::size_t kMostBytes = 1U << 20;
 
-Data Load(std::span<const char> bytes) {
+std::size_t Byte(std::span<const char> bytes, std::size_t at) {
+  return static_cast<unsigned char>(bytes[at]);
+}
+
+// The content of the EXIF part of a file that was cut within it; else all bytes. libexif takes both, but no part that ends
+// early.
+std::span<const char> Loadable(std::span<const char> bytes) {
+  constexpr std::size_t kApp0 = 0xE0;
+  constexpr std::size_t kApp1 = 0xE1;
+  constexpr std::string_view kStart("Exif\0\0", 6);
+  std::size_t at = 2;
+  while (at + 4 + kStart.size() <= bytes.size() && Byte(bytes, at) == 0xFF &&
+         (Byte(bytes, at + 1) & 0xF0U) == kApp0) {
+    const std::size_t end = at + 2 + (Byte(bytes, at + 2) << 8 | Byte(bytes, at + 3));
+    const std::span<const char> content = bytes.subspan(at + 4);
+    const bool isExif = std::equal(kStart.begin(), kStart.end(), content.begin());
+    if (Byte(bytes, at + 1) == kApp1 && isExif) return end > bytes.size() ? content : bytes;
+    at = end;
+  }
+  return bytes;
+}
+
+Data Load(std::span<const char> file) {
   Data data(exif_data_new());
   if (!data) return data;
   // By default libexif invents missing mandatory tags, the time included.
   exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
+  const std::span<const char> bytes = Loadable(file);
   const std::size_t size = std::min(bytes.size(), kMostBytes);
   exif_data_load_data(data.get(), reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<unsigned>(size));
   return data;

@@ -42,6 +42,18 @@ TEST(ExifTest, OtherPartsBeforeItAreSkipped) {
   EXPECT_EQ(ReadExif(With(jfif + TinyJpeg::ExifPart(6))).orientation, 6);
 }
 
+TEST(ExifTest, APartThatIsCutSaysWhatCameOfIt) {
+  // As a camera's that holds a thumbnail behind the time, here 60,000 bytes.
+  const std::string small = TinyJpeg::ExifPart(6);
+  const std::string part = TinyJpeg::Segment('\xE1', small.substr(4) + std::string(60'000, 'x'));
+  const std::string jfif = TinyJpeg::Segment('\xE0', std::string("JFIF\0\x01\x01\0\0\x01\0\x01\0\0", 14));
+  for (const std::string& file : {With(part), With(jfif + part)}) {
+    const ExifFacts facts = ReadExif(file.substr(0, 4000));
+    EXPECT_EQ(facts.orientation, 6);
+    EXPECT_EQ(facts.time, "2026-03-14 15:09:26");
+  }
+}
+
 TEST(ExifTest, EveryDamagedByteAndEveryCutIsSurvived) {
   const std::string whole = With(TinyJpeg::ExifPart(6));
   for (std::size_t at = 0; at < whole.size(); ++at) {

@@ -17,8 +17,9 @@ void PictureTimes::Ask(const DcfObj& picture, std::span<const char> jpegFile) {
     const std::scoped_lock lock(mutex_);
     const bool isNew = times_.try_emplace(&picture).second;
     if (!isNew || !trouble_.empty() || start.empty()) return;
-    questions_.push_back({&picture, {start.begin(), start.end()}});
-    isFull = questions_.size() >= kMostQuestions;
+    asked_.push_back(&picture);
+    questions_.Add(start);
+    isFull = asked_.size() >= kMostQuestions;
   }
   if (!isFull) return;
   const std::scoped_lock lock(answering_);
@@ -32,7 +33,7 @@ bool PictureTimes::WasAsked(const DcfObj& picture) const {
 
 bool PictureTimes::Waits(const DcfObj& picture) const {
   const std::scoped_lock lock(mutex_);
-  return std::any_of(questions_.begin(), questions_.end(), [&](const Question& q) { return q.picture == &picture; });
+  return std::find(asked_.begin(), asked_.end(), &picture) != asked_.end();
 }
 
 std::optional<TakenTime> PictureTimes::Of(const DcfObj& picture) {
@@ -55,24 +56,24 @@ std::string PictureTimes::Trouble() const {
 }
 
 void PictureTimes::AnswerAll() {
-  std::vector<Question> questions;
-  std::vector<std::vector<char>> starts;
+  std::vector<const DcfObj*> asked;
+  onTheirWay_.Clear();
   {
     const std::scoped_lock lock(mutex_);
-    questions = std::exchange(questions_, {});
+    asked = std::exchange(asked_, {});
+    std::swap(questions_, onTheirWay_);
   }
-  for (Question& question : questions) starts.push_back(std::move(question.start));
   std::vector<std::optional<std::string>> answers;
   std::string trouble;
   try {
-    answers = thumbnailer_.Times(starts, never_);
+    answers = thumbnailer_.Times(onTheirWay_, never_);
   } catch (const Failure& failure) {
     trouble = failure.what();
   }
   const std::scoped_lock lock(mutex_);
   if (!trouble.empty()) trouble_ = trouble;
   for (std::size_t i = 0; i < answers.size(); ++i) {
-    if (answers[i]) times_[questions[i].picture] = ParseTaken(*answers[i]);
+    if (answers[i]) times_[asked[i]] = ParseTaken(*answers[i]);
   }
 }
 

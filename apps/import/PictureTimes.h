@@ -40,21 +40,18 @@ class PictureTimes {
   std::string Trouble() const;
 
  private:
-  struct Question {
-    const DcfObj* picture;
-    std::vector<char> start;
-  };
-
   bool Waits(const DcfObj& picture) const;
   void AnswerAll();
 
-  mutable std::mutex mutex_;  // questions, times, trouble
-  std::vector<Question> questions_;
+  mutable std::mutex mutex_;          // questions, times, trouble
+  std::vector<const DcfObj*> asked_;  // whose questions wait
+  TimeQuestions questions_;
   std::unordered_map<const DcfObj*, std::optional<TakenTime>> times_;  // of all that were asked about
   std::string trouble_;
 
   std::mutex answering_;  // the process; taken before the other
   Thumbnailer thumbnailer_;
+  TimeQuestions onTheirWay_;
   const Stop never_;  // the process ends with its patience, and a file that is being stored is to be finished
 };
 

@@ -66,6 +66,13 @@ class Setup {
   posix_spawn_file_actions_t actions_{};
 };
 
+/// The head of a request.
+std::array<char, sizeof(std::uint64_t)> Size(std::uint64_t size) {
+  std::array<char, sizeof size> bytes{};
+  std::memcpy(bytes.data(), &size, sizeof size);
+  return bytes;
+}
+
 /// The end of a sentence.
 std::string HowEnded(int status) {
   return WIFSIGNALED(status) ? "was killed by signal " + std::to_string(WTERMSIG(status))
@@ -82,34 +89,32 @@ class Thumbnailer::Exchange {
       : socket_(socket), stop_(stop), end_(Clock::now() + patience) {}
 
   bool Send(std::span<const char> bytes) {
-    return Move(POLLOUT, bytes.size(), [&](std::size_t from) {
-      return ::send(socket_, bytes.data() + from, bytes.size() - from, MSG_NOSIGNAL | MSG_DONTWAIT);
-    });
+    return bytes.size() == Move(POLLOUT, bytes.size(), [&](std::size_t from) {
+             return ::send(socket_, bytes.data() + from, bytes.size() - from, MSG_NOSIGNAL | MSG_DONTWAIT);
+           });
   }
-  bool Receive(std::span<std::uint8_t> bytes) {
+  bool Receive(std::span<std::uint8_t> bytes) { return ReceiveSome(bytes) == bytes.size(); }
+  /// How many bytes came.
+  std::size_t ReceiveSome(std::span<std::uint8_t> bytes) {
     return Move(POLLIN, bytes.size(), [&](std::size_t from) {
       return ::recv(socket_, bytes.data() + from, bytes.size() - from, MSG_DONTWAIT);
     });
-  }
-  bool SendRequest(std::uint64_t size, std::span<const char> file) {
-    std::array<char, sizeof size> bytes{};
-    std::memcpy(bytes.data(), &size, sizeof size);
-    return Send(bytes) && Send(file);
   }
   bool TimeIsOver() const { return Clock::now() >= end_; }
 
  private:
   template <typename Call>
-  bool Move(short event, std::size_t size, Call call) {
-    for (std::size_t moved = 0; moved < size;) {
+  std::size_t Move(short event, std::size_t size, Call call) {
+    std::size_t moved = 0;
+    while (moved < size) {
       const ssize_t count = call(moved);
       if (count > 0) {
         moved += static_cast<std::size_t>(count);
       } else if (count == 0 || (errno != EAGAIN && errno != EINTR) || !Wait(event)) {
-        return false;
+        break;
       }
     }
-    return true;
+    return moved;
   }
   bool Wait(short event) {
     constexpr int kLookMs = 100;
@@ -198,7 +203,7 @@ DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& st
   Exchange exchange(socket_.Get(), stop, patience);
   std::array<std::uint8_t, kAnswerHead> head{};
   base::Bytes rest;
-  bool came = exchange.SendRequest(jpegFile.size(), jpegFile) && exchange.Receive(head);
+  bool came = exchange.Send(Size(jpegFile.size())) && exchange.Send(jpegFile) && exchange.Receive(head);
   const std::optional<std::size_t> more = came ? SizeAfter(head) : std::nullopt;
   if (more) {
     rest.resize(*more);
@@ -213,21 +218,22 @@ DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& st
   return "the process that draws it " + HowEnded(Reap());
 }
 
-std::vector<std::optional<std::string>> Thumbnailer::Times(std::span<const std::vector<char>> starts, const Stop& stop,
+std::vector<std::optional<std::string>> Thumbnailer::Times(const TimeQuestions& questions, const Stop& stop,
                                                            std::chrono::milliseconds patience) {
   constexpr int kMostSilences = 3;
-  std::vector<std::optional<std::string>> times(starts.size());
-  for (std::size_t next = 0; next < starts.size(); ++next) {
+  std::vector<std::optional<std::string>> times;
+  while (times.size() < questions.Count()) {
     if (process_ == 0) Start(stop, patience);
     Exchange exchange(socket_.Get(), stop, patience);
-    bool sent = true;
-    for (std::size_t i = next; sent && i < starts.size(); ++i) {
-      sent = exchange.SendRequest(kTimeOnly | starts[i].size(), starts[i]);
+    exchange.Send(questions.From(times.size()));  // a process that ends may have answered before
+    base::Bytes answers((questions.Count() - times.size()) * kTimeAnswer);
+    answers.resize(exchange.ReceiveSome(answers) / kTimeAnswer * kTimeAnswer);
+    for (std::size_t at = 0; at < answers.size(); at += kTimeAnswer) {
+      times.push_back(DecodeTime(std::span(answers).subspan(at).first<kTimeAnswer>()));
     }
-    std::array<std::uint8_t, kTimeAnswer> answer{};
-    for (; next < starts.size() && exchange.Receive(answer); ++next) times[next] = DecodeTime(answer);
-    if (next == starts.size()) break;
+    if (times.size() == questions.Count()) break;
     // The first picture without an answer has ended the process, or keeps it busy. The others are asked again.
+    times.emplace_back();
     silences_ += exchange.TimeIsOver() ? 1 : 0;
     Reap();
     if (silences_ == kMostSilences) {
@@ -235,6 +241,22 @@ std::vector<std::optional<std::string>> Thumbnailer::Times(std::span<const std::
     }
   }
   return times;
+}
+
+void TimeQuestions::Add(std::span<const char> start) {
+  const auto size = Size(kTimeOnly | start.size());
+  bytes_.insert(bytes_.end(), size.begin(), size.end());
+  bytes_.insert(bytes_.end(), start.begin(), start.end());
+  ends_.push_back(bytes_.size());
+}
+
+std::span<const char> TimeQuestions::From(std::size_t index) const {
+  return std::span(bytes_).subspan(index == 0 ? 0 : ends_[index - 1]);
+}
+
+void TimeQuestions::Clear() {
+  bytes_.clear();
+  ends_.clear();
 }
 
 }  // namespace apps

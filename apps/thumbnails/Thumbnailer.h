@@ -15,6 +15,22 @@
 
 namespace apps {
 
+/// Questions for the times of pictures, in the form in which they are sent: one call for all of them.
+class TimeQuestions {
+ public:
+  /// `start`: how a picture's JPEG file begins; its first 64 KiB hold the EXIF part.
+  void Add(std::span<const char> start);
+  std::size_t Count() const { return ends_.size(); }
+  /// The questions from here on.
+  std::span<const char> From(std::size_t index) const;
+  /// Keeps the memory for the next ones.
+  void Clear();
+
+ private:
+  std::vector<char> bytes_;
+  std::vector<std::size_t> ends_;
+};
+
 /// Has pictures decoded by another process, kelva-thumbnail, which has no rights: whatever a picture does to its decoder,
 /// it can do no more than to be drawn wrongly. The process is started for the first picture, draws many, and is replaced
 /// when it ends. One thread.
@@ -31,10 +47,10 @@ class Thumbnailer {
   DrawingOrReason Draw(std::span<const char> jpegFile, const Stop& stop,
                        std::chrono::milliseconds patience = std::chrono::seconds(60));
 
-  /// When each of some pictures was taken, "2026-03-14 15:09:26", from the first bytes of its JPEG file (64 KiB hold its
-  /// EXIF part). One exchange for all of them, and no pixel is decoded. Nothing for a picture without a time, and for one
-  /// that ends the process. Throws as Draw, and Failure when the process was silent three times.
-  std::vector<std::optional<std::string>> Times(std::span<const std::vector<char>> starts, const Stop& stop,
+  /// When each picture was taken, "2026-03-14 15:09:26". One exchange for all of them, and no pixel is decoded. Nothing for
+  /// a picture without a time, and for one that ends the process. Throws as Draw, and Failure when the process was silent
+  /// three times.
+  std::vector<std::optional<std::string>> Times(const TimeQuestions& questions, const Stop& stop,
                                                 std::chrono::milliseconds patience = std::chrono::seconds(10));
 
   /// The process that draws; 0 when there is none. For tests.

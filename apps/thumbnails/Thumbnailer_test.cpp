@@ -84,13 +84,13 @@ std::vector<char> Start(const std::string& time) {
 
 TEST_F(ThumbnailerTest, TheTimesOfManyPicturesComeInOneExchange) {
   Thumbnailer thumbnailer;
-  std::vector<std::vector<char>> starts;
+  TimeQuestions questions;
   for (int i = 10; i < 60; ++i) {
-    starts.push_back(Start("2026:03:14 15:09:" + std::to_string(i)));
-    starts.back().resize(65'536);
+    std::vector<char> start = Start("2026:03:14 15:09:" + std::to_string(i));
+    start.resize(65'536);
+    questions.Add(i == 17 ? std::vector<char>(10, 'x') : start);
   }
-  starts[7] = {'n', 'o', ' ', 'p', 'i', 'c', 't', 'u', 'r', 'e'};
-  const auto times = thumbnailer.Times(starts, stop_);
+  const auto times = thumbnailer.Times(questions, stop_);
   ASSERT_EQ(times.size(), 50U);
   for (std::size_t i = 0; i < times.size(); ++i) {
     EXPECT_EQ(times[i].value_or("none"), i == 7 ? "none" : "2026-03-14 15:09:" + std::to_string(10 + i));
@@ -103,16 +103,18 @@ TEST_F(ThumbnailerTest, APictureThatEndsTheProcessCostsItsOwnTimeAlone) {
   Thumbnailer thumbnailer(
       Script("printf KTHR >&0; dd bs=100 count=1 iflag=fullblock of=/dev/null 2>/dev/null; "
              "printf '2026-03-14 15:09:26' >&0; dd bs=100 count=1 iflag=fullblock of=/dev/null 2>/dev/null"));
-  const std::vector<std::vector<char>> starts(4, std::vector<char>(92));
-  const auto times = thumbnailer.Times(starts, stop_);
+  TimeQuestions questions;
+  for (int i = 0; i < 4; ++i) questions.Add(std::vector<char>(92));
+  const auto times = thumbnailer.Times(questions, stop_);
   ASSERT_EQ(times.size(), 4U);
   for (std::size_t i = 0; i < times.size(); ++i) EXPECT_EQ(times[i].has_value(), i % 2 == 0) << i;
 }
 
 TEST_F(ThumbnailerTest, AProcessThatIsSilentThreeTimesIsAFailureOfTheTimes) {
   Thumbnailer thumbnailer(Script("printf KTHR >&0; exec sleep 60"));
-  const std::vector<std::vector<char>> starts(4, std::vector<char>(9));
-  EXPECT_THROW(thumbnailer.Times(starts, stop_, std::chrono::milliseconds(150)), Failure);
+  TimeQuestions questions;
+  for (int i = 0; i < 4; ++i) questions.Add(std::vector<char>(9));
+  EXPECT_THROW(thumbnailer.Times(questions, stop_, std::chrono::milliseconds(150)), Failure);
   EXPECT_EQ(thumbnailer.Process(), 0);
 }
 
