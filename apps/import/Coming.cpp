@@ -12,12 +12,6 @@
 namespace apps {
 namespace {
 
-bool HasSize(const TargetFolder& folder, const std::string& path, unsigned long long size) {
-  struct stat status {};
-  return ::fstatat(folder.Fd(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode) &&
-         static_cast<unsigned long long>(status.st_size) == size;
-}
-
 // Under the names under which it would be found before it is written. Another file of this size only hides some bytes
 // that are needed.
 bool IsHere(const SyncItem& item, unsigned long long size, const TargetFolder& folder) {
@@ -26,12 +20,24 @@ bool IsHere(const SyncItem& item, unsigned long long size, const TargetFolder& f
   const std::string name = path.name;
   for (int number = std::max(1, item.Number() - kMostBefore); number <= item.Number(); ++number) {
     path.name = Numbered(name, number);
-    if (HasSize(folder, path.Text(), size)) return true;
+    if (HasFileOfSize(folder, path.Text(), size)) return true;
   }
   return false;
 }
 
 }  // namespace
+
+bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned long long size) {
+  struct stat status {};
+  return ::fstatat(folder.Fd(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode) &&
+         static_cast<unsigned long long>(status.st_size) == size;
+}
+
+void Coming::Add(const Coming& more) {
+  files += more.files;
+  bytes += more.bytes;
+  unlisted += more.unlisted;
+}
 
 void Coming::Add(std::optional<unsigned long long> size) {
   ++files;

@@ -17,6 +17,7 @@ struct Coming {
   unsigned long long unlisted = 0;  ///< files that their folder on the camera does not list: their size is not known
 
   void Add(std::optional<unsigned long long> size);
+  void Add(const Coming& more);
   /// "71 files (136.2 MB)", and how many of them have no known size.
   std::string Text() const;
 };
@@ -25,6 +26,9 @@ struct Coming {
 /// list of fetched files may have been lost). `folder` is null while the target does not exist. Asks the camera for the
 /// listings of the folders.
 Coming ToBeWritten(const SyncPlan& plan, ListedSizes& sizes, const TargetFolder* folder);
+
+/// Whether a file of this size is in the target under this path. Follows no symbolic link at its end.
+bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned long long size);
 
 /// Why `free` bytes in the folder `where` are too few: a sentence, empty when they are enough or not known.
 std::string WhyTooLittleRoom(const Coming& coming, std::optional<unsigned long long> free, const std::string& where);

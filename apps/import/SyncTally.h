@@ -19,8 +19,9 @@ struct SyncTotals {
   unsigned long long readTwice = 0;  ///< of the stored, files that were read twice, with the same content
   unsigned long long sizeOnly = 0;   ///< of the stored, files of which nothing but the size was compared
   unsigned long long numbered = 0;   ///< of the stored, files that got a number because their name was taken
-
-  unsigned long long undated = 0;  ///< of the stored, files with the time of their fetching: nothing says another
+  unsigned long long undated = 0;    ///< of the stored, files with the time of their fetching: nothing says another
+  unsigned long long others = 0;  ///< files below DCIM and MISC that were left out, since they are not in the catalogue
+  unsigned long long othersBytes = 0;  ///< their total size
 
   /// New files that are not stored, the failed ones included.
   unsigned long long Left() const { return expected > stored ? expected - stored : 0; }
@@ -50,6 +51,8 @@ class SyncTally {
   Guard::Counter& sizeOnly = counters_[10];
   Guard::Counter& numbered = counters_[11];
   Guard::Counter& undated = counters_[12];
+  Guard::Counter& others = counters_[13];
+  Guard::Counter& othersBytes = counters_[14];
 
   SyncTotals Now() const {
     return {.known = known,
@@ -64,7 +67,9 @@ class SyncTally {
             .readTwice = readTwice,
             .sizeOnly = sizeOnly,
             .numbered = numbered,
-            .undated = undated};
+            .undated = undated,
+            .others = others,
+            .othersBytes = othersBytes};
   }
 };
 

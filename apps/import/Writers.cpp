@@ -1,22 +1,17 @@
 // Threads that check, store and record files while the camera is read.
 #include "apps/import/Writers.h"
 
-#include <cerrno>
 #include <set>
 #include <utility>
 
 #include "apps/camera/CameraPath.h"
 #include "apps/commandline/Printable.h"
+#include "apps/files/DiskErrors.h"
 #include "apps/files/Sha1.h"
 #include "apps/import/Receive.h"
 
 namespace apps {
 namespace {
-
-// After these errors every other file would fail too.
-bool EndsAll(int error) {
-  return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE || error == ENODEV;
-}
 
 // What came hashes to something else than the catalogue's key.
 struct UnlikeKey {
@@ -156,7 +151,7 @@ bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::
     report_({&item, std::nullopt, false, "", false, unlike.sha1});
     return false;
   } catch (const Failure& failure) {
-    if (EndsAll(failure.SystemError())) {
+    if (EndsAllWriting(failure.SystemError())) {
       if (!ending) ending = failure;
       return false;
     }

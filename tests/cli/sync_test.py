@@ -83,8 +83,9 @@ class SyncTest(Bus):
     def test_too_many_bytes_of_a_known_file_leave_it_and_delete_the_rest(self):
         self.pictures(3, 100)
         self.complete(3)
-        # Two commands for the catalogue, two for the listing of the folder, and the third of the first file.
-        self.fault("surplus2", 7)
+        # Two commands for the catalogue, five to look for other files, two for the listing of the folder, and the third of
+        # the first file.
+        self.fault("surplus2", 12)
         run = self.kelva("sync", "--delete-after-verify", "--json", self.target)
         document = json.loads(run.stdout.splitlines()[-1])
         self.assertEqual((run.returncode, document["deleted"], document["failed"]), (6, 2, 1), run.stderr)
@@ -140,6 +141,43 @@ class SyncTest(Bus):
         self.assertEqual(os.listdir(self.drive + "/DCIM/100ABCDE"), [])
         self.assertTrue(os.path.exists(self.drive + "/NOTE.TXT"))
         self.assertEqual(len(os.listdir(self.target + "/100ABCDE")), 2)
+
+    def others(self):
+        self.pictures(2, 1000)
+        self.put("DCIM/100ABCDE/MVI_0001.MP4", b"a video")
+        self.put("DCIM/100ABCDE/Zürich.JPG", b"a town")
+        self.put("DCIM/My folder/deep/IMG_0005 (1).JPG", b"a copy")
+        self.put("MISC/AUTPRINT.MRK", b"a list")
+        self.put("LOG.TXT", b"not a picture's")
+        return {"100ABCDE/MVI_0001.MP4", "100ABCDE/Zürich.JPG", "My folder/deep/IMG_0005 (1).JPG", "MISC/AUTPRINT.MRK"}
+
+    def test_what_is_not_in_the_catalogue_is_counted_and_said(self):
+        self.others()
+        run = self.kelva("sync", self.target)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertIn("\n4 other files (25 B) below DCIM and MISC were not fetched; --everything fetches them.\n", run.stdout)
+        self.assertIn("4 other files (25 B)", self.kelva("sync", "-n", self.target).stdout)
+        self.assertEqual(self.whole_files_only(self.target), 2)
+
+    def test_everything_is_fetched_once_and_deleted_when_it_was_read_twice(self):
+        others = self.others()
+        preview = self.kelva("sync", "--everything", "-n", self.target).stdout
+        for name in others:
+            self.assertIn(f"->  {name}  ", preview)
+        run = self.kelva("sync", "--everything", "--json", self.target)
+        document = json.loads(run.stdout.splitlines()[-1])
+        self.assertEqual((run.returncode, document["stored"], document["others"], document["left"]), (0, 6, 0, 0), run.stderr)
+        found = {os.path.relpath(os.path.join(folder, name), self.target)
+                 for folder, _, names in os.walk(self.target) for name in names}
+        self.assertTrue(others <= found, found)
+        self.put("DCIM/100ABCDE/MVI_0002.MP4", b"a new video")
+        for words, stored, known, others in (((), 0, 2, 1), (("--everything",), 1, 6, 0), (("--everything",), 0, 7, 0)):
+            run = self.kelva("sync", *words, "--json", self.target)
+            document = json.loads(run.stdout.splitlines()[-1])
+            self.assertEqual((document["stored"], document["known"], document["others"]), (stored, known, others), words)
+        run = self.kelva("sync", "--everything", "--delete-after-verify", "--json", self.target)
+        self.assertEqual(json.loads(run.stdout.splitlines()[-1])["deleted"], 7, run.stderr)
+        self.assertEqual([names for _, _, names in os.walk(self.drive) if names], [["LOG.TXT"]])
 
     def test_a_folder_that_an_earlier_build_filled_goes_on(self):
         for filled, words in (("by-folder", ()), ("by-name", ("--pattern", "{name}"))):

@@ -58,8 +58,9 @@ class TargetTest(Bus):
             with self.subTest(size=size):
                 disk = small_disk.SmallDisk(self.target, f"size={size}")
                 try:
-                    # The first listing fails, so the sizes of the files are not known before they are read.
-                    self.fault("fail", 3)
+                    # Two commands for the catalogue, five to look for other files, then the listing for the sizes: it
+                    # fails, so they are not known before the files are read.
+                    self.fault("fail", 8)
                     run = self.sync()
                     if run.returncode != 0:
                         self.fails(run, 1, 6)

@@ -20,7 +20,7 @@ Pattern PatternOf(const Context& context) {
 }  // namespace
 
 SyncChoice SyncChoiceOf(const Context& context) {
-  return {PatternOf(context), ParseTypes(context.call.Value("types"))};
+  return {PatternOf(context), ParseTypes(context.call.Value("types")), context.call.Has("everything")};
 }
 
 }  // namespace apps

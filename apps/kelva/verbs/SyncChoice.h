@@ -12,6 +12,7 @@ namespace apps {
 struct SyncChoice {
   Pattern pattern;
   std::vector<int> types;
+  bool everything;  ///< also what is not in the catalogue
 };
 
 /// Throws Failure(kUsage).

@@ -10,6 +10,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/files/FreeSpace.h"
 #include "apps/import/Coming.h"
+#include "apps/kelva/verbs/SyncSummary.h"
 
 namespace apps {
 namespace {
@@ -24,15 +25,14 @@ std::string FolderIn(const std::string& path) {
   return slash == std::string::npos ? "." : path.substr(0, slash);
 }
 
-void ShowItem(Context& context, const SyncItem& item, std::optional<unsigned long long> size, Preview& preview) {
-  const std::string file = item.LocalText();
+void ShowFile(Context& context, const std::string& path, const std::string& file,
+              std::optional<unsigned long long> size, Preview& preview) {
   preview.all.Add(size);
   preview.folders[FolderIn(file)].Add(size);
-  Json members = Json::Object().SetBytes("path", item.CameraPath()).SetBytes("file", file);
+  Json members = Json::Object().SetBytes("path", path).SetBytes("file", file);
   if (size) members.Set("size", *size);
-  context.Event(
-      "would_store", std::move(members),
-      ShownPath(item.CameraPath()) + "  ->  " + Printable(file) + "  " + (size ? Bytes(*size) : "unknown size") + "\n");
+  context.Event("would_store", std::move(members),
+                ShownPath(path) + "  ->  " + Printable(file) + "  " + (size ? Bytes(*size) : "unknown size") + "\n");
 }
 
 Json InJson(const std::map<std::string, Coming>& folders) {
@@ -44,7 +44,7 @@ Json InJson(const std::map<std::string, Coming>& folders) {
   return all;
 }
 
-std::string InWords(const Preview& preview, std::size_t known, std::optional<unsigned long long> free) {
+std::string TotalsInWords(const Preview& preview, std::size_t known, std::optional<unsigned long long> free) {
   std::string text = preview.all.files == 0 ? "" : "\n";
   for (const auto& [name, coming] : preview.folders) text += Printable(name) + ": " + coming.Text() + "\n";
   text += "To fetch: " + preview.all.Text() + "; " + std::to_string(known) + " known before";
@@ -53,18 +53,28 @@ std::string InWords(const Preview& preview, std::size_t known, std::optional<uns
 
 }  // namespace
 
-ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const std::string& target) {
+ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const OtherFiles& others,
+                  bool everything, const std::string& target) {
   ListedSizes sizes(*camera);
   Preview preview;
   for (const SyncItem& item : plan.items) {
-    if (item.IsNew()) ShowItem(context, item, sizes.SizeOf(item.CameraPath()), preview);
+    if (!item.IsNew()) continue;
+    ShowFile(context, item.CameraPath(), item.LocalText(), sizes.SizeOf(item.CameraPath()), preview);
   }
-  const std::size_t known = plan.items.size() - plan.NewFiles();
+  std::size_t known = plan.items.size() - plan.NewFiles();
+  Coming left;
+  if (everything) {
+    for (const OtherFile& file : others.fresh) ShowFile(context, file.path, file.Local().Text(), file.size, preview);
+    known += others.known.size();
+  } else {
+    left = others.InNumbers();
+  }
   const auto free = FreeSpaceFor(target);
   Json members = CameraResult(camera).Set("new", preview.all.files).Set("known", known).Set("bytes", preview.all.bytes);
   members.Set("unlisted", preview.all.unlisted).Set("folders", InJson(preview.folders));
+  members.Set("others", left.files).Set("others_bytes", left.bytes);
   if (free) members.Set("free", *free);
-  context.Result(std::move(members), InWords(preview, known, free));
+  context.Result(std::move(members), TotalsInWords(preview, known, free) + OthersInWords(left.files, left.bytes));
   const std::string tooLittle = WhyTooLittleRoom(preview.all, free, target);
   context.reporter.Note(tooLittle.empty() ? "Nothing was fetched." : tooLittle);
   return ExitCode::kDone;

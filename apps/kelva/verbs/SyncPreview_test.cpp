@@ -29,10 +29,10 @@ TEST_F(SyncPreviewTest, CountsEachFolder) {
   const std::string target = (folder / "out").string();
   const std::string out = Run({"sync", target.c_str(), "-n"}).out;
   EXPECT_THAT(out, testing::HasSubstr("\n100ABCDE: 1 file (3 B)\n101ABCDE: 2 files (10 B)\n"));
-  EXPECT_THAT(
-      Run({"sync", target.c_str(), "-n", "--json"}).out,
-      testing::HasSubstr(R"("new":3,"known":0,"bytes":13,"unlisted":0,"folders":[{"folder":"100ABCDE","files":1,)"
-                         R"("bytes":3},{"folder":"101ABCDE","files":2,"bytes":10}],"free":)"));
+  EXPECT_THAT(Run({"sync", target.c_str(), "-n", "--json"}).out,
+              testing::HasSubstr(
+                  R"("new":3,"known":0,"bytes":13,"unlisted":0,"folders":[{"folder":"100ABCDE","files":1,)"
+                  R"("bytes":3},{"folder":"101ABCDE","files":2,"bytes":10}],"others":0,"others_bytes":0,"free":)"));
 }
 
 }  // namespace

@@ -20,6 +20,7 @@ Json Members(const SyncTotals& totals, Json camera) {
   members.Set("checked", totals.checked).Set("read_twice", totals.readTwice).Set("size_only", totals.sizeOnly);
   members.Set("unlike_key", totals.unlikeKey).Set("numbered", totals.numbered).Set("undated", totals.undated);
   members.Set("known", totals.known);
+  members.Set("others", totals.others).Set("others_bytes", totals.othersBytes);
   return std::move(members.Set("failed", totals.failed).Set("left", totals.Left()).Set("deleted", totals.deleted));
 }
 
@@ -51,10 +52,17 @@ std::string InWords(const SyncTotals& totals, bool early) {
   if (totals.undated != 0) {
     text += std::to_string(totals.undated) + " without a date have the time of their fetching.\n";
   }
-  return text;
+  return text + OthersInWords(totals.others, totals.othersBytes);
 }
 
 }  // namespace
+
+std::string OthersInWords(unsigned long long files, unsigned long long bytes) {
+  if (files == 0) return "";
+  return std::to_string(files) + (files == 1 ? " other file (" : " other files (") + Bytes(bytes) +
+         ") below DCIM and MISC " + (files == 1 ? "was" : "were") + " not fetched; --everything fetches " +
+         (files == 1 ? "it" : "them") + ".\n";
+}
 
 ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& totals,
                      const std::optional<Outcome>& ended) {

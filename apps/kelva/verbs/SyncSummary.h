@@ -15,6 +15,9 @@ namespace apps {
 ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& totals,
                      const std::optional<Outcome>& ended);
 
+/// "8 other files (1.2 GB) below DCIM and MISC were not fetched; --everything fetches them." Empty when there are none.
+std::string OthersInWords(unsigned long long files, unsigned long long bytes);
+
 /// What a sync says that a signal or the time-out ends; `camera` are the members that name the camera.
 SoFar::Done SyncSoFar(const SyncTotals& totals, Json camera);
 

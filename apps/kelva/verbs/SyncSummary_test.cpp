@@ -30,8 +30,8 @@ TEST_F(SyncSummaryTest, SaysHowFilesWereChecked) {
   EXPECT_THAT(
       Run({"sync", again.c_str(), "--verify", "--json"}).out,
       HasSubstr(
-          R"("checked":1,"read_twice":2,"size_only":0,"unlike_key":0,"numbered":0,"undated":0,"known":0,"failed":0,)"
-          R"("left":0,"deleted":0)"));
+          R"("checked":1,"read_twice":2,"size_only":0,"unlike_key":0,"numbered":0,"undated":0,"known":0,"others":0,)"
+          R"("others_bytes":0,"failed":0,"left":0,"deleted":0)"));
 }
 
 TEST_F(SyncSummaryTest, CountsNamesThatWereTakenAndNamesThemWhenAsked) {
@@ -56,9 +56,10 @@ TEST(SyncSoFarTest, SaysWhatIsStoredAndWhatIsLeft) {
   const SoFar::Done done = SyncSoFar({.known = 4, .expected = 3203, .stored = 985, .bytes = 9, .deleted = 1},
                                      Json::Object().Set("serial", "K1"));
   EXPECT_EQ(done.words, "985 of 3203 files stored, 1 deleted on the camera; the same command goes on");
-  EXPECT_EQ(done.members.Text(),
-            R"({"serial":"K1","stored":985,"bytes":9,"already_here":0,"checked":0,"read_twice":0,"size_only":0,)"
-            R"("unlike_key":0,"numbered":0,"undated":0,"known":4,"failed":0,"left":2218,"deleted":1})");
+  EXPECT_EQ(
+      done.members.Text(),
+      R"({"serial":"K1","stored":985,"bytes":9,"already_here":0,"checked":0,"read_twice":0,"size_only":0,)"
+      R"("unlike_key":0,"numbered":0,"undated":0,"known":4,"others":0,"others_bytes":0,"failed":0,"left":2218,"deleted":1})");
   EXPECT_EQ(SyncSoFar({.known = 4}, Json::Object()).words, "nothing was stored yet; the same command starts again");
 }
 

@@ -16,6 +16,8 @@
 #include "apps/files/NewFile.h"
 #include "apps/import/AskTimes.h"
 #include "apps/import/Coming.h"
+#include "apps/import/FetchOthers.h"
+#include "apps/import/Others.h"
 #include "apps/import/Sync.h"
 #include "apps/kelva/verbs/SyncChoice.h"
 #include "apps/kelva/verbs/SyncPreview.h"
@@ -31,27 +33,35 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
   if (!missing) folder = TargetFolder::Open(path);
   Manifest manifest = missing ? Manifest() : Manifest(*folder, false);
   const Session camera(context, "read the picture catalogue");
+  const std::string& serial = camera.Facts().serial;
   PictureTimes times;
-  const SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest,
+  const SyncPlan plan = MakePlan(ReadPictures(*camera), serial, choice.types, choice.pattern, manifest,
                                  missing ? nullptr : &*folder, TimesForNames(context, camera.Pointer(), times));
   NoteTrouble(context, times);
-  return ShowPlan(context, camera, plan, path);
+  const OtherFiles others = FindOthers(context, *camera, plan.source->catalogue, serial, manifest);
+  return ShowPlan(context, camera, plan, others, choice.everything, path);
 }
 
 // Before the first byte is read: a disk that is too small would be full in the middle.
-std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const TargetFolder& folder) {
+std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const OtherFiles* others,
+                                 const TargetFolder& folder) {
   ListedSizes sizes(camera);
-  const std::string why = WhyTooLittleRoom(ToBeWritten(plan, sizes, &folder), FreeSpace(folder), folder.Path());
+  Coming coming = ToBeWritten(plan, sizes, &folder);
+  if (others != nullptr) coming.Add(others->InNumbers(&folder));
+  const std::string why = WhyTooLittleRoom(coming, FreeSpace(folder), folder.Path());
   return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});
 }
 
 // What earlier processes of this run stored is known to this one, and no longer new. A process that was killed between
 // storing and counting leaves one file in doubt.
-void BeginTally(const SyncPlan& plan, SyncTally& tally) {
+void BeginTally(const SyncPlan& plan, const OtherFiles& others, bool everything, SyncTally& tally) {
   const unsigned long long before = tally.stored;
-  const unsigned long long known = plan.items.size() - plan.NewFiles();
+  const Coming fresh = others.InNumbers();
+  const unsigned long long known = plan.items.size() - plan.NewFiles() + (everything ? others.known.size() : 0);
   tally.known = known - std::min(known, before);
-  tally.expected = before + plan.NewFiles();
+  tally.expected = before + plan.NewFiles() + (everything ? fresh.files : 0);
+  tally.others = everything ? 0 : fresh.files;
+  tally.othersBytes = everything ? 0 : fresh.bytes;
 }
 
 // The counters are those of all processes of this run, and outlive it.
@@ -79,14 +89,22 @@ ExitCode RunSync(Context& context) {
   const FolderLock lock(folder);
   Manifest manifest(folder, true);
   RemoveLeftovers(folder);
+  const std::string& serial = camera.Facts().serial;
   PictureTimes times;
-  const SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest,
-                                 &folder, TimesForNames(context, camera.Pointer(), times));
+  const SyncPlan plan = MakePlan(ReadPictures(*camera), serial, choice.types, choice.pattern, manifest, &folder,
+                                 TimesForNames(context, camera.Pointer(), times));
+  const OtherFiles others = FindOthers(context, *camera, plan.source->catalogue, serial, manifest);
   Sync sync(context, camera.Pointer(), folder, manifest, options, &times);
-  BeginTally(plan, sync.Tally());
-  auto ended = CheckRoom(*camera, plan, folder);
+  BeginTally(plan, others, choice.everything, sync.Tally());
+  auto ended = CheckRoom(*camera, plan, choice.everything ? &others : nullptr, folder);
   if (!ended) ended = sync.Run(plan);
+  if (!ended && choice.everything) {
+    ended = FetchOthers(context, camera.Pointer(), serial, folder, manifest, options, sync.Tally()).Run(others);
+  }
   NoteTrouble(context, times);
+  if (others.isCut) {
+    context.reporter.Note("Some of what is below DCIM and MISC could not be listed; `kelva tree` shows why.");
+  }
   return GiveSummary(context, camera, sync.Totals(), ended);
 }
 
@@ -95,6 +113,7 @@ constexpr Argument kArguments[] = {
 constexpr Option kOptions[] = {
     {"types", 't', "LIST", "Only these types of files: jpg, raw, txt, 128, separated by commas.", Offer::kWords,
      "jpg raw txt 128 jpg,raw"},
+    {"everything", 'e', "", "Fetch also what is not in the catalogue: videos, panoramas, files with other names."},
     {"pattern", 'p', "PATTERN", "How files are named below FOLDER; the default is {folder}/{name}."},
     {"by", 0, "UNIT", "Folders by the picture's date: day, month or year. Short for a pattern.", Offer::kWords,
      "day month year"},
@@ -107,6 +126,7 @@ constexpr Example kExamples[] = {
     {"kelva sync ~/Pictures/camera", "Fetch what is new."},
     {"kelva sync --types jpg --pattern '{year}/{date}_{stem}.{ext}' -n ~/Pictures", "See where pictures would go."},
     {"kelva sync --by month ~/Pictures", "One folder for each month: 2026/03/IMG_0001.JPG."},
+    {"kelva sync --everything ~/Pictures/camera", "Fetch videos and all other files too."},
     {"kelva sync --delete-after-verify ~/Pictures/camera", "Make room on the camera, safely."},
 };
 
@@ -134,6 +154,11 @@ All files of a picture have the time at which it was taken: the EXIF time of its
 the time of the catalogue. Without either a file has the time of its fetching, and the summary counts it. EXIF times have
 no zone; they are taken as this computer's local time. A file that was here before keeps its time.
 
+What lies below DCIM and MISC and is not in the catalogue (videos, panoramas, files with other names) is counted. With
+--everything it is fetched too, into the folders that it has on the camera: 100ABCDE/MVI_0001.MP4, MISC/AUTPRINT.MRK. Such
+a file has no SHA-1 and no time on the camera: its path and size tell whether it was fetched before, and --verify reads it
+twice.
+
 The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}. The
 last five are the time at which the picture was taken, in all its files, or "undated". A pattern with one of them, also
 with --dry-run, first reads up to 64 KiB of each new picture. A pattern names each file: its last part has {name}, or {stem} and
@@ -155,6 +180,7 @@ unlike_key: how many have a SHA-1 that is not their key in the catalogue; they w
 numbered: how many of the stored got a number because their name was taken
 undated: how many have the time of their fetching, because neither EXIF nor the catalogue says another
 known: how many were fetched by an earlier run
+others, others_bytes: how many files below DCIM and MISC are not in the catalogue and were not fetched, and their size
 failed: how many were not stored or not deleted
 left: how many new files are not stored, the failed ones included
 deleted: how many were deleted on the camera

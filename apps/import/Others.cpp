@@ -1,0 +1,179 @@
+// Finds the files of a camera that its catalogue does not have.
+#include "apps/import/Others.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+#include "apps/camera/CameraPath.h"
+#include "apps/camera/Explain.h"
+#include "apps/camera/FolderListing.h"
+#include "apps/camera/Picture.h"
+#include "apps/camera/Turns.h"
+#include "apps/files/SafeName.h"
+#include "base/Ascii.h"
+#include "base/Hex.h"
+#include "src/wifi/CameraError.h"
+
+namespace apps {
+namespace {
+
+constexpr std::size_t kDeepest = 8;
+constexpr std::size_t kMostFolders = 10'000;
+constexpr std::size_t kMostFiles = 200'000;
+
+std::string WithoutExtension(const std::string& path) {
+  const std::size_t dot = path.rfind('.');
+  return dot == std::string::npos || path.find('\\', dot) != std::string::npos ? path : path.substr(0, dot);
+}
+
+// Whether a path is that of a picture's file. Sixteen bytes for each picture: a catalogue may be long.
+class CataloguePaths {
+ public:
+  explicit CataloguePaths(const std::vector<DcfObj>& catalogue) {
+    for (const DcfObj& picture : catalogue) {
+      pictures_.emplace_back(Hash(PicturePath(picture, kFirstFileType)), &picture);
+    }
+    std::sort(pictures_.begin(), pictures_.end());
+  }
+
+  bool Has(const std::string& path) const {
+    const auto [first, last] = std::equal_range(pictures_.begin(), pictures_.end(), Entry(Hash(path), nullptr),
+                                                [](const Entry& a, const Entry& b) { return a.first < b.first; });
+    return std::any_of(first, last, [&path](const Entry& entry) {
+      const std::vector<int> types = FileTypes(*entry.second);
+      return std::any_of(types.begin(), types.end(),
+                         [&](int type) { return SameName(PicturePath(*entry.second, type), path); });
+    });
+  }
+
+ private:
+  using Entry = std::pair<std::size_t, const DcfObj*>;
+
+  static std::size_t Hash(const std::string& path) {
+    return std::hash<std::string>()(base::Lower(WithoutExtension(path)));
+  }
+
+  std::vector<Entry> pictures_;
+};
+
+// The names between "I:" and the end.
+std::vector<std::string> NamesIn(const std::string& path) {
+  std::vector<std::string> names;
+  for (std::size_t slash = path.find('\\'); slash != std::string::npos;) {
+    const std::size_t next = path.find('\\', slash + 1);
+    names.push_back(path.substr(slash + 1, next == std::string::npos ? next : next - slash - 1));
+    slash = next;
+  }
+  return names;
+}
+
+class Walk {
+ public:
+  Walk(Context& context, Camera& camera, const CataloguePaths& pictures)
+      : context_(context), camera_(camera), pictures_(pictures) {}
+
+  void Run() {
+    folders_ = {{"I:\\MISC", 1}, {"I:\\DCIM", 1}};
+    while (!folders_.empty() && goesOn_) {
+      context_.stop.Check();
+      LetOthers(context_);
+      const Folder folder = std::move(folders_.back());
+      folders_.pop_back();
+      for (const CameraDirent& entry : List(folder.path)) Add(folder, entry);
+    }
+    isCut_ = isCut_ || !folders_.empty();
+  }
+
+  std::vector<OtherFile>& Files() { return files_; }
+  bool IsCut() const { return isCut_; }
+
+ private:
+  struct Folder {
+    std::string path;
+    std::size_t depth;
+  };
+
+  std::vector<CameraDirent> List(const std::string& path) {
+    context_.Doing("list " + ShownPath(path));
+    try {
+      return ListFolder(camera_, path);
+    } catch (const CameraError& error) {
+      // MISC need not be there. What else is wrong shows when files are read.
+      const ExitCode code = Explain(error, context_).code;
+      goesOn_ = !EndsAll(code);
+      isCut_ = isCut_ || code != ExitCode::kRefused;
+      return {};
+    }
+  }
+
+  void Add(const Folder& folder, const CameraDirent& entry) {
+    if ((entry.attributes & kelva::kAttributeVolumeLabel) != 0) return;
+    if (entry.name.empty() || entry.name == "." || entry.name == "..") return;
+    std::string path = folder.path + "\\" + entry.name;
+    if ((entry.attributes & kelva::kAttributeDirectory) != 0) {
+      if (folder.depth == kDeepest || ++found_ > kMostFolders) {
+        isCut_ = true;
+      } else {
+        folders_.push_back({std::move(path), folder.depth + 1});
+      }
+    } else if (!pictures_.Has(path)) {
+      if (files_.size() == kMostFiles) {
+        isCut_ = true;
+      } else {
+        files_.push_back({std::move(path), SizeOf(entry)});
+      }
+    }
+  }
+
+  Context& context_;
+  Camera& camera_;
+  const CataloguePaths& pictures_;
+  std::vector<Folder> folders_;  // to be listed
+  std::vector<OtherFile> files_;
+  std::size_t found_ = 0;  // folders in all
+  bool isCut_ = false;
+  bool goesOn_ = true;
+};
+
+}  // namespace
+
+LocalPath OtherFile::Local() const {
+  std::vector<std::string> names = NamesIn(path);
+  if (names.size() > 2 && SameName(names.front(), "DCIM")) names.erase(names.begin());
+  LocalPath local;
+  for (const std::string& name : names) local.folders.push_back(SafeName(name));
+  local.name = std::move(local.folders.back());
+  local.folders.pop_back();
+  return local;
+}
+
+ManifestKey OtherFile::Key(const std::string& serial) const {
+  // Pictures have types from 1 on, and identities of 24 bytes.
+  return {serial, "other " + base::Hex(path), 0, std::to_string(size)};
+}
+
+Coming OtherFiles::InNumbers(const TargetFolder* folder) const {
+  Coming coming;
+  for (const OtherFile& file : fresh) {
+    if (folder == nullptr || !HasFileOfSize(*folder, file.Local().Text(), file.size)) coming.Add(file.size);
+  }
+  return coming;
+}
+
+OtherFiles FindOthers(Context& context, Camera& camera, const std::vector<DcfObj>& catalogue, const std::string& serial,
+                      Manifest& manifest) {
+  const CataloguePaths pictures(catalogue);
+  Walk walk(context, camera, pictures);
+  walk.Run();
+  OtherFiles others;
+  others.isCut = walk.IsCut();
+  const Manifest::Reading reading(manifest);
+  for (OtherFile& file : walk.Files()) {
+    const auto row = manifest.Find(file.Key(serial));
+    (row && !row->deleted ? others.known : others.fresh).push_back(std::move(file));
+  }
+  return others;
+}
+
+}  // namespace apps
