@@ -66,6 +66,8 @@ class Context {
 };
 
 /// The document that says how a command ended; `members` follow.
+Json ResultDocument(std::string_view verb, ExitCode code, Json members);
+/// The same as a line.
 std::string ResultLine(std::string_view verb, ExitCode code, Json members);
 
 }  // namespace apps

@@ -13,6 +13,7 @@
 namespace apps {
 namespace {
 
+constexpr std::size_t kPiece = 65'536;  // of text that is printed at once
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
 void AppendControl(std::string& out, char32_t c) {
@@ -62,12 +63,77 @@ void AppendNumber(std::string& out, Number value) {
 
 }  // namespace
 
+// Visits values and puts them behind each other. Hands the text on when there is enough of it.
+class Json::Printer {
+ public:
+  using Take = std::function<void(std::string_view)>;
+
+  // Without `take` all text stays in `out`.
+  Printer(std::string& out, const Take* take) : out_(out), take_(take) {}
+
+  void operator()(std::monostate) const { out_ += "null"; }
+  void operator()(bool value) const { out_ += value ? "true" : "false"; }
+  void operator()(std::int64_t value) const { AppendNumber(out_, value); }
+  void operator()(std::uint64_t value) const { AppendNumber(out_, value); }
+  void operator()(double value) const { std::isfinite(value) ? AppendNumber(out_, value) : (void)(out_ += "null"); }
+  void operator()(const std::string& value) const { AppendText(out_, value); }
+  void operator()(const Elements& elements) const {
+    out_ += '[';
+    for (const std::string& piece : elements.pieces) {
+      out_ += piece;
+      HandOn();
+    }
+    out_ += ']';
+  }
+  void operator()(const Members& members) const {
+    out_ += '{';
+    for (std::size_t i = 0; i < members.size(); ++i) {
+      if (i != 0) out_ += ',';
+      AppendText(out_, members[i].first);
+      out_ += ':';
+      std::visit(*this, members[i].second.value_);
+      HandOn();
+    }
+    out_ += '}';
+  }
+  void operator()(const Made& make) const {
+    out_ += '[';
+    bool first = true;
+    make([&](const Json& element) {
+      if (!std::exchange(first, false)) out_ += ',';
+      std::visit(*this, element.value_);
+      HandOn();
+    });
+    out_ += ']';
+  }
+
+ private:
+  void HandOn() const {
+    if (take_ == nullptr || out_.size() < kPiece) return;
+    (*take_)(out_);
+    out_.clear();
+  }
+
+  std::string& out_;
+  const Take* take_;
+};
+
+Json Json::Holding(Value value) {
+  Json json;
+  json.value_ = std::move(value);
+  return json;
+}
+
 Json Json::Object() {
-  return Json(Members{});
+  return Holding(Members{});
 }
 
 Json Json::Array() {
-  return Json(Elements{});
+  return Holding(Elements{});
+}
+
+Json Json::ArrayFrom(std::function<void(const Give&)> make) {
+  return Holding(std::move(make));
 }
 
 Json& Json::Set(std::string_view name, Json value) & {
@@ -91,46 +157,26 @@ bool Json::Has(std::string_view name) const {
   return std::any_of(members.begin(), members.end(), [&](const auto& member) { return member.first == name; });
 }
 
-Json& Json::Push(Json value) {
-  std::get<Elements>(value_).push_back(std::move(value));
+Json& Json::Push(const Json& value) {
+  std::vector<std::string>& pieces = std::get<Elements>(value_).pieces;
+  const bool first = pieces.empty();
+  if (first || pieces.back().size() >= kPiece) pieces.emplace_back();
+  std::string& text = pieces.back();
+  if (!first) text += ',';
+  std::visit(Printer(text, nullptr), value.value_);
   return *this;
 }
 
 std::string Json::Text() const {
   std::string out;
-  Append(out);
+  std::visit(Printer(out, nullptr), value_);
   return out;
 }
 
-void Json::Append(std::string& out) const {
-  struct Printer {
-    std::string& out;
-    void operator()(std::monostate) const { out += "null"; }
-    void operator()(bool value) const { out += value ? "true" : "false"; }
-    void operator()(std::int64_t value) const { AppendNumber(out, value); }
-    void operator()(std::uint64_t value) const { AppendNumber(out, value); }
-    void operator()(double value) const { std::isfinite(value) ? AppendNumber(out, value) : (void)(out += "null"); }
-    void operator()(const std::string& value) const { AppendText(out, value); }
-    void operator()(const Elements& elements) const {
-      out += '[';
-      for (std::size_t i = 0; i < elements.size(); ++i) {
-        if (i != 0) out += ',';
-        elements[i].Append(out);
-      }
-      out += ']';
-    }
-    void operator()(const Members& members) const {
-      out += '{';
-      for (std::size_t i = 0; i < members.size(); ++i) {
-        if (i != 0) out += ',';
-        AppendText(out, members[i].first);
-        out += ':';
-        members[i].second.Append(out);
-      }
-      out += '}';
-    }
-  };
-  std::visit(Printer{out}, value_);
+void Json::Print(const std::function<void(std::string_view)>& take) const {
+  std::string out;
+  std::visit(Printer(out, &take), value_);
+  take(out);
 }
 
 }  // namespace apps

@@ -3,6 +3,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,7 +29,13 @@ class Json {
   requires(!std::same_as<T, bool>) Json(T value) : value_(static_cast<std::uint64_t>(value)) {}
 
   static Json Object();
+  /// An array that grows by Push. It holds the text of its elements, a tenth of what the elements themselves take.
   static Json Array();
+  /// Takes elements one after another.
+  using Give = std::function<void(const Json&)>;
+  /// An array whose elements are made while it is printed, so that a long list takes no memory. `make` hands over the same
+  /// elements each time and does not throw; what it refers to lives as long as this.
+  static Json ArrayFrom(std::function<void(const Give& give)> make);
 
   /// Adds a member to an object. Names are the tool's own; one is set once.
   Json& Set(std::string_view name, Json value) &;
@@ -40,20 +47,27 @@ class Json {
   Json&& Merge(Json other) &&;
   /// Whether an object has this member.
   bool Has(std::string_view name) const;
-  /// Adds an element to an array.
-  Json& Push(Json value);
+  /// Adds an element to an array made by Array.
+  Json& Push(const Json& value);
 
   /// The value in one line, without a line feed.
   std::string Text() const;
+  /// As Text, in pieces of about 64 KiB: all but the last have that size or more.
+  void Print(const std::function<void(std::string_view)>& take) const;
 
  private:
   using Members = std::vector<std::pair<std::string, Json>>;
-  using Elements = std::vector<Json>;
-  explicit Json(Members members) : value_(std::move(members)) {}
-  explicit Json(Elements elements) : value_(std::move(elements)) {}
-  void Append(std::string& out) const;
+  /// The elements' text with commas between them. In pieces, because one long string is copied while it grows.
+  struct Elements {
+    std::vector<std::string> pieces;
+  };
+  using Made = std::function<void(const Give&)>;
+  using Value =
+      std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Elements, Members, Made>;
+  class Printer;
+  static Json Holding(Value value);
 
-  std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Elements, Members> value_;
+  Value value_;
 };
 
 }  // namespace apps

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -18,6 +19,38 @@ TEST(JsonTest, NestedValuesArePrintedInPlace) {
   list.Push(Json::Object().Set("n", -7)).Push(2.5);
   EXPECT_EQ(Json::Object().Set("list", std::move(list)).Set("none", Json::Array()).Text(),
             R"({"list":[{"n":-7},2.5],"none":[]})");
+}
+
+TEST(JsonTest, AListMadeWhileItIsPrintedLooksLikeAnother) {
+  const Json list = Json::ArrayFrom([](const Json::Give& give) {
+    give(1);
+    give(Json::Object().Set("a", "b"));
+  });
+  EXPECT_EQ(Json::Object().Set("list", list).Set("last", 2).Text(), R"({"list":[1,{"a":"b"}],"last":2})");
+  EXPECT_EQ(Json::ArrayFrom([](const Json::Give&) {}).Text(), "[]");
+}
+
+void ExpectPieces(const Json& list) {
+  const Json document = Json::Object().Set("list", list).Set("last", 2);
+  std::string whole;
+  std::size_t longest = 0;
+  document.Print([&](std::string_view piece) {
+    longest = std::max(longest, piece.size());
+    whole += piece;
+  });
+  EXPECT_LT(longest, 140'000U);
+  EXPECT_EQ(whole.size(), 1'003'019U);  // 1,000 words with quotes, 999 commas, and {"list":[],"last":2}
+  EXPECT_EQ(whole, document.Text());
+}
+
+TEST(JsonTest, ALongListIsPrintedInPieces) {
+  const std::string word(1000, 'x');
+  ExpectPieces(Json::ArrayFrom([&word](const Json::Give& give) {
+    for (int i = 0; i < 1000; ++i) give(word);
+  }));
+  Json list = Json::Array();
+  for (int i = 0; i < 1000; ++i) list.Push(word);
+  ExpectPieces(list);
 }
 
 TEST(JsonTest, LargestNumbersAreExact) {

@@ -50,6 +50,15 @@ Json Members(const CameraDirent& entry) {
   return members.Set("size", SizeOf(entry)).Set("attributes", entry.attributes);
 }
 
+std::string Rows(const std::vector<CameraDirent>& entries) {
+  std::vector<std::vector<std::string>> rows;
+  rows.reserve(entries.size());
+  for (const CameraDirent& entry : entries) {
+    rows.push_back({Attributes(entry), IsFolder(entry) ? "" : std::to_string(SizeOf(entry)), Printable(entry.name)});
+  }
+  return Columns(rows, {1});
+}
+
 std::string WantedFolder(const Context& context) {
   return ToCameraPath(context.call.words.empty() ? "/" : context.call.words[0]);
 }
@@ -71,14 +80,11 @@ ExitCode RunLs(Context& context) {
   const Session camera(context, "list " + ShownPath(typed));
   const std::string path = FolderMeant(context, *camera, typed);
   const std::vector<CameraDirent> entries = Listing(*camera, path);
-  Json list = Json::Array();
-  std::vector<std::vector<std::string>> rows;
-  for (const CameraDirent& entry : entries) {
-    list.Push(Members(entry));
-    rows.push_back({Attributes(entry), IsFolder(entry) ? "" : std::to_string(SizeOf(entry)), Printable(entry.name)});
-  }
+  Json list = Json::ArrayFrom([&entries](const Json::Give& give) {
+    for (const CameraDirent& entry : entries) give(Members(entry));
+  });
   return context.Result(CameraResult(camera).SetBytes("path", path).Set("entries", std::move(list)),
-                        Columns(rows, {1}));
+                        context.Json() ? "" : Rows(entries));
 }
 
 // Walks a tree and gives each entry with its path and depth, in the camera's order.

@@ -7,13 +7,14 @@
 
 #include "apps/camera/Catalogue.h"
 #include "apps/camera/Picture.h"
+#include "apps/camera/PictureChoice.h"
 #include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
-#include "apps/commandline/Columns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/Each.h"
+#include "apps/kelva/verbs/PictureTable.h"
 #include "apps/kelva/verbs/SheetRun.h"
 #include "apps/kelva/verbs/Verbs.h"
 
@@ -21,18 +22,29 @@ namespace apps {
 namespace {
 
 ExitCode RunPictures(Context& context) {
-  if (const auto sheet = context.call.Value("sheet")) return RunSheet(context, *sheet);
-  if (context.call.Has("force")) throw Failure(ExitCode::kUsage, "--force goes with --sheet; a list replaces nothing.");
-  const Session camera(context, "read the picture catalogue");
-  const std::vector<DcfObj> catalogue = ReadPictures(*camera);
-  Json list = Json::Array();
-  std::vector<std::vector<std::string>> rows = {{"PICTURE", "FILES", "TIME"}};
-  for (const DcfObj& picture : catalogue) {
-    if (context.Json()) list.Push(PictureMembers(picture));
-    rows.push_back({PictureName(picture), TypeList(picture), PictureTime(picture).value_or("no date")});
+  if (const auto sheet = context.call.Value("sheet")) {
+    if (!PictureChoice(context).IsAll()) {
+      throw Failure(ExitCode::kUsage, "--since and --folder go with the list; a sheet shows every picture.");
+    }
+    return RunSheet(context, *sheet);
   }
-  context.Result(CameraResult(camera).Set("pictures", std::move(list)), catalogue.empty() ? "" : Columns(rows));
-  if (catalogue.empty()) context.reporter.Note("There are no pictures in the camera's catalogue.");
+  if (context.call.Has("force")) throw Failure(ExitCode::kUsage, "--force goes with --sheet; a list replaces nothing.");
+  const PictureChoice choice(context);
+  const Session camera(context, "read the picture catalogue");
+  std::vector<DcfObj> catalogue = ReadPictures(*camera);
+  const bool empty = catalogue.empty();
+  choice.Apply(catalogue, context);
+  const bool none = catalogue.empty();
+  context.Doing("list the folders of the pictures");
+  const PictureTable table(std::move(catalogue), *camera, context.stop);
+  Json members = CameraResult(camera).Set("pictures", table.List()).Merge(table.Totals());
+  if (!none && !context.Json()) table.Print(context.out);
+  context.Result(std::move(members), "");
+  if (empty) {
+    context.reporter.Note("There are no pictures in the camera's catalogue.");
+  } else if (none) {
+    context.reporter.Note("No picture of the camera's catalogue is meant.");
+  }
   return ExitCode::kDone;
 }
 
@@ -113,6 +125,8 @@ constexpr Option kRmOptions[] = {kDryRunOption, kYesOption};
 constexpr Option kOptions[] = {
     {"sheet", 0, "FILE", "Make a contact sheet: an HTML file with a thumbnail of each picture.", Offer::kFile},
     {"force", 'f', "", "Replace an existing sheet."},
+    kSinceOption,
+    kFolderOption,
 };
 constexpr Example kRmExamples[] = {
     {"kelva pictures rm 100ABCDE/IMG_0001", "Delete a picture with all its files."},
@@ -122,12 +136,16 @@ constexpr Example kExamples[] = {
     {"kelva pictures", "List the pictures on the camera."},
     {"kelva sync ~/Pictures/camera && kelva pictures --sheet ~/Pictures/camera/index.html",
      "Fetch them, and make a page of thumbnails that open them."},
+    {"kelva pictures --since 2026-03-14 --folder '100*'", "List those of some days and folders."},
     {"kelva pictures --json | jq '.pictures | length'", "Count them."},
 };
 
 constexpr Verb kVerbs[] = {
     {"pictures", "List the camera's picture catalogue, or make a contact sheet of it", kNoArguments, kOptions,
-     R"(The camera sends its catalogue in one answer, so this is quick however many pictures there are.
+     R"(One line for each picture, then the totals: the types of its files, their size and the picture's time. The camera sends
+its catalogue in one answer, and its folders list the sizes, so this is quick however many pictures there are. The time is
+a text of the catalogue in the form of a date, in the camera's own time zone, which the camera does not tell; --since
+compares with this text, and leaves out pictures without one.
 
 With --sheet the pictures are drawn into one HTML file, which needs no scripts, no network and no other files. It
 shows thumbnails of 400 pixels, upright as the camera was held, with name, time, and the types and sizes of the files.
@@ -142,7 +160,11 @@ picture of more than 200 million pixels, or of 40 million if it is progressive.
 The sheet is written under a temporary name, and gets its own name when all of it is on disk. An existing file is kept
 unless you give --force.)",
      R"(pictures: array of folder, name, folder_number, number, types, key and time (null if the catalogue has none),
-  and the camera's own value5, value6, value9, block7 and block8 (hexadecimal)
+  and the camera's own value5, value6, value9, block7 and block8 (hexadecimal); then size: the bytes of its files,
+  and sizes: those of each, in the order of types (null for a file that its folder does not list)
+files: how many these pictures have (without --sheet)
+bytes: of all files whose size is listed (without --sheet)
+unlisted: how many files have no listed size (without --sheet)
 pictures (with --sheet): array of folder, name, time, types, drawn, links (files beside the sheet) and, for a
   picture that is damaged or missing, error
 file: the sheet, with --sheet; then also size: its bytes, drawn: thumbnails, fetched: those drawn from files

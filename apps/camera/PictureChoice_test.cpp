@@ -1,0 +1,70 @@
+#include "apps/camera/PictureChoice.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "apps/camera/Picture.h"
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/testing/SilentContext.h"
+
+namespace apps {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class PictureChoiceTest : public SilentContext, public testing::Test {
+ protected:
+  static DcfObj Picture(int folder, int number, const std::string& date) {
+    DcfObj picture{};
+    picture.directoryNumber = folder;
+    picture.fileNumber = number;
+    std::string("ABCDE").copy(picture.directorySuffix, 5);
+    date.copy(picture.block8, date.size());
+    return picture;
+  }
+  std::vector<int> Chosen(std::vector<DcfObj> pictures) {
+    PictureChoice(context_).Apply(pictures, context_);
+    std::vector<int> numbers;
+    for (const DcfObj& picture : pictures) numbers.push_back(picture.fileNumber);
+    return numbers;
+  }
+  const std::vector<DcfObj> all_ = {Picture(100, 1, "2025-12-31 23:59:59"), Picture(100, 2, "2026-03-14 15:09:26"),
+                                    Picture(101, 3, "2026-03-15 00:00:00"), Picture(101, 4, "no date")};
+};
+
+TEST_F(PictureChoiceTest, WithoutAnOptionAllAreMeant) {
+  EXPECT_THAT(Chosen(all_), ElementsAre(1, 2, 3, 4));
+  EXPECT_EQ(Said(), "");
+}
+
+TEST_F(PictureChoiceTest, SinceTakesTheStartOfADate) {
+  call_.Add("since", "2026");
+  EXPECT_THAT(Chosen(all_), ElementsAre(2, 3));
+  EXPECT_THAT(Said(), HasSubstr("1 picture has no date in the catalogue and was left out."));
+  for (const char* later : {"2026-03-15", "2026-03-14T15:10", "2026-03-14 15:09:27"}) {
+    call_.Add("since", later);
+    EXPECT_THAT(Chosen(all_), ElementsAre(3)) << later;
+  }
+  call_.Add("since", "2026-03");
+  EXPECT_THAT(Chosen(all_), ElementsAre(2, 3));
+}
+
+TEST_F(PictureChoiceTest, AnythingElseIsNoDate) {
+  for (const char* word : {"", "yesterday", "26-03-14", "2026-3-14", "2026-03-14 15"}) {
+    call_.Add("since", word);
+    EXPECT_THROW(PictureChoice{context_}, Failure) << word;
+  }
+}
+
+TEST_F(PictureChoiceTest, AFolderMayBeAPatternInAnyCase) {
+  call_.Add("folder", "101abcde");
+  EXPECT_THAT(Chosen(all_), ElementsAre(3, 4));
+  call_.Add("folder", "10*");
+  EXPECT_THAT(Chosen(all_), ElementsAre(1, 2, 3, 4));
+  call_.Add("folder", "102ABCDE");
+  EXPECT_THAT(Chosen(all_), ElementsAre());
+}
+
+}  // namespace
+}  // namespace apps
