@@ -30,9 +30,10 @@ std::vector<std::string> TemporaryNames(const TargetFolder& folder) {
 
 }  // namespace
 
-int RemoveLeftovers(const TargetFolder& folder) {
+int RemoveLeftovers(const TargetFolder& folder, const std::function<bool(const std::string& name)>& keeps) {
   int removed = 0;
   for (const std::string& name : TemporaryNames(folder)) {
+    if (keeps && keeps(name)) continue;
     // A lock that can be had shows that no process writes the file. It is held until the name is gone, so that a process
     // which has only just created the file learns of it.
     // Opened for writing, because NFS locks nothing else.

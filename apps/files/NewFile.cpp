@@ -11,6 +11,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <utility>
 #include <vector>
 
 #include "apps/commandline/Failure.h"
@@ -31,7 +32,7 @@ std::string RandomWord() {
 }
 
 // Random once for each process, then counted. The process number keeps forked processes apart.
-std::string TemporaryName() {
+std::string NextTemporaryName() {
   static const std::string word = RandomWord();
   static std::atomic<unsigned long long> count = 0;
   return std::string(kTemporaryStart) + word + "-" + std::to_string(::getpid()) + "-" + std::to_string(++count) +
@@ -44,7 +45,7 @@ NewFile::NewFile(const TargetFolder& folder, Readers readers) : folder_(folder),
   constexpr int kAttempts = 100;
   for (int i = 0; i < kAttempts; ++i) {
     // A new name each time: the sweep that took the last one may unlink that name only now.
-    temporary_ = TemporaryName();
+    temporary_ = NextTemporaryName();
     record_.emplace(folder.Fd(), temporary_);
     file_ = base::FileDescriptor(FileCalls::Current().Create(folder.Fd(), temporary_));
     if (!file_ && errno != EINTR) throw SystemFailure("create a file in " + Printable(folder.Path()), errno);
@@ -54,8 +55,23 @@ NewFile::NewFile(const TargetFolder& folder, Readers readers) : folder_(folder),
   throw SystemFailure("lock a file in " + Printable(folder.Path()), EBUSY);
 }
 
+NewFile::NewFile(const TargetFolder& folder, std::string temporary, base::FileDescriptor file)
+    : folder_(folder),
+      readers_(Readers::kUsual),
+      temporary_(std::move(temporary)),
+      file_(std::move(file)),
+      kept_(true) {}
+
+std::unique_ptr<NewFile> NewFile::TakeUp(const TargetFolder& folder, const std::string& temporary) {
+  base::FileDescriptor file(OpenBeneath(folder.Fd(), temporary, O_RDWR | O_NONBLOCK | O_APPEND));
+  struct stat status {};
+  if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
+  std::unique_ptr<NewFile> taken(new NewFile(folder, temporary, std::move(file)));
+  return taken->Claim() ? std::move(taken) : nullptr;
+}
+
 NewFile::~NewFile() {
-  if (!named_) ::unlinkat(folder_.Fd(), temporary_.c_str(), 0);
+  if (!named_ && !kept_) ::unlinkat(folder_.Fd(), temporary_.c_str(), 0);
 }
 
 // Locks a newborn file, so that RemoveLeftovers knows that it is in use. A sweep may look at the file before that: it then
@@ -78,18 +94,42 @@ void NewFile::Write(std::span<const char> bytes) {
   if (unflushed_ >= kFlushEach) BeginFlush();
 }
 
-bool NewFile::HoldsAt(unsigned long long offset, std::span<const char> bytes) const {
-  std::vector<char> held(bytes.size());
+std::size_t NewFile::ReadAt(unsigned long long offset, std::span<char> into) const {
   std::size_t done = 0;
-  while (done < held.size()) {
+  while (done < into.size()) {
     const ssize_t count = UntilDone([&] {
-      return ::pread(file_.Get(), held.data() + done, held.size() - done, static_cast<off_t>(offset + done));
+      return ::pread(file_.Get(), into.data() + done, into.size() - done, static_cast<off_t>(offset + done));
     });
     if (count < 0) throw SystemFailure("read a file in " + Printable(folder_.Path()), errno);
-    if (count == 0) return false;
+    if (count == 0) break;
     done += static_cast<std::size_t>(count);
   }
-  return std::equal(held.begin(), held.end(), bytes.begin());
+  return done;
+}
+
+bool NewFile::HoldsAt(unsigned long long offset, std::span<const char> bytes) const {
+  std::vector<char> held(bytes.size());
+  return ReadAt(offset, held) == held.size() && std::equal(held.begin(), held.end(), bytes.begin());
+}
+
+void NewFile::ReadBack(const std::function<void(std::span<const char>)>& take) const {
+  std::vector<char> piece(std::size_t{256} << 10);
+  unsigned long long at = 0;
+  while (const std::size_t count = ReadAt(at, piece)) {
+    take(std::span(piece).first(count));
+    at += count;
+  }
+}
+
+unsigned long long NewFile::Size() const {
+  struct stat status {};
+  if (::fstat(file_.Get(), &status) != 0) throw SystemFailure("look at a file in " + Printable(folder_.Path()), errno);
+  return static_cast<unsigned long long>(status.st_size);
+}
+
+void NewFile::Keep() {
+  kept_ = true;
+  if (record_) record_->Forget();
 }
 
 void NewFile::SetTime(std::time_t changed) {

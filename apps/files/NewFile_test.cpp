@@ -103,6 +103,51 @@ TEST_F(NewFileTest, AFileThatIsNotFinishedLeavesNothing) {
   EXPECT_THAT(Names(), IsEmpty());
 }
 
+TEST_F(NewFileTest, AFileThatIsKeptStaysAndCanBeTakenUp) {
+  std::string temporary;
+  {
+    NewFile file(*folder_);
+    file.Write(std::string("half"));
+    file.Keep();
+    temporary = file.TemporaryName();
+    EXPECT_EQ(NewFile::TakeUp(*folder_, temporary), nullptr) << "in use";
+    RemoveScratchFiles();
+  }
+  EXPECT_THAT(Names(), ElementsAre(temporary));
+  const auto file = NewFile::TakeUp(*folder_, temporary);
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(file->Size(), 4U);
+  file->Write(std::string(" and half"));
+  EXPECT_TRUE(file->HoldsAt(3, std::string("f and")));
+  EXPECT_FALSE(file->HoldsAt(3, std::string("f or ")));
+  EXPECT_FALSE(file->HoldsAt(9, std::string("half and more")));
+  std::string all;
+  file->ReadBack([&](std::span<const char> bytes) { all.append(bytes.begin(), bytes.end()); });
+  EXPECT_EQ(all, "half and half");
+  EXPECT_TRUE(file->TakeName("A"));
+  EXPECT_EQ(Text("A"), "half and half");
+}
+
+TEST_F(NewFileTest, AFileThatIsKeptNoLongerGoes) {
+  std::string temporary;
+  {
+    NewFile file(*folder_);
+    file.Keep();
+    temporary = file.TemporaryName();
+  }
+  NewFile::TakeUp(*folder_, temporary)->Drop();
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(NewFileTest, NothingButAPlainFileIsTakenUp) {
+  Put("A", "abc");
+  fs::create_symlink("A", path_ / ".kelva-1.part");
+  ASSERT_EQ(::mkfifo((path_ / ".kelva-2.part").c_str(), 0600), 0);
+  for (const char* name : {".kelva-1.part", ".kelva-2.part", ".kelva-3.part", "../A"}) {
+    EXPECT_EQ(NewFile::TakeUp(*folder_, name), nullptr) << name;
+  }
+}
+
 /// The system's calls, beside a sweep that holds the first file that is made and never comes to remove it.
 class SweptCalls : public SystemCalls {
  public:

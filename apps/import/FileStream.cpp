@@ -31,6 +31,12 @@ void FileStream::End(What what, bool verified) {
   forWriter_.notify_one();
 }
 
+std::optional<FileStream::Here> FileStream::WhatIsHere() {
+  std::unique_lock lock(mutex_);
+  forReader_.wait(lock, [this] { return gaveUp_ || here_; });
+  return gaveUp_ ? std::nullopt : here_;
+}
+
 std::optional<std::string> FileStream::Sha1() {
   std::unique_lock lock(mutex_);
   forReader_.wait(lock, [this] { return gaveUp_ || sha1_; });
@@ -40,7 +46,7 @@ std::optional<std::string> FileStream::Sha1() {
 std::optional<bool> FileStream::IsEqual() {
   std::unique_lock lock(mutex_);
   forReader_.wait(lock, [this] { return gaveUp_ || equal_; });
-  return gaveUp_ ? std::nullopt : equal_;
+  return gaveUp_ ? std::nullopt : std::exchange(equal_, std::nullopt);
 }
 
 FileStream::Piece FileStream::Next() {
@@ -53,6 +59,12 @@ FileStream::Piece FileStream::Next() {
   taken_ = std::move(queue_.front());
   queue_.pop_front();
   return {taken_.what, {taken_.bytes.get(), taken_.count}, taken_.verified};
+}
+
+void FileStream::PutHere(Here here) {
+  const std::scoped_lock lock(mutex_);
+  here_ = here;
+  forReader_.notify_one();
 }
 
 void FileStream::PutSha1(std::string sha1) {

@@ -17,7 +17,8 @@ namespace apps {
 /// their way, so memory does not depend on the file's size.
 ///
 /// The file comes once, from its start or from where an earlier run ended, to be written; then perhaps once more, to be
-/// compared with what was written; then its reader says what is to become of it.
+/// compared with what was written; then its reader says what is to become of it. Where an earlier run has left a part, the
+/// end of that part comes before all else, to be compared.
 class FileStream {
  public:
   /// Bytes of a piece, the last one of a file excepted.
@@ -26,6 +27,7 @@ class FileStream {
   static constexpr std::size_t kMostBytes = kMostPieces * kPiece;
 
   enum class What {
+    kTail,  ///< the end of the part that is here
     kWrite,
     kCompare,
     kStore,  ///< the end: the file is whole
@@ -33,16 +35,24 @@ class FileStream {
     kKeep,   ///< the end: a later run goes on with it
   };
 
-  // For the reader.
+  /// What is here already: bytes of the file, and of a whole one how many came a second time, and equal.
+  struct Here {
+    unsigned long long size = 0;
+    unsigned long long compared = 0;
+  };
 
+  // For the reader. What waits for the writer gives nothing once that has given up.
+
+  /// Waits until the writer knows what is here.
+  std::optional<Here> WhatIsHere();
   /// Room for the next piece, and for two bytes more, with which a reader finds the end of a file. Waits while too much is
   /// on its way. Empty once the writer has given up.
   std::span<char> Room();
-  /// Hands over the first `count` bytes of the last Room. `what`: kWrite or kCompare.
+  /// Hands over the first `count` bytes of the last Room. `what`: kTail, kWrite or kCompare.
   void Put(What what, std::size_t count);
-  /// Waits for the SHA-1 of the whole file. Nothing when the writer has given up.
+  /// Waits for the SHA-1 of the whole file.
   std::optional<std::string> Sha1();
-  /// Waits until the whole file was compared: whether it came as before. Nothing when the writer has given up.
+  /// Waits until the tail, or the whole file, was compared: whether it came as before. Once for each.
   std::optional<bool> IsEqual();
   /// The last call. `verified`: for a file that is stored, whether it came twice and equal, or as its key says.
   void End(What what, bool verified = false);
@@ -56,6 +66,7 @@ class FileStream {
   };
   /// Waits for the next piece; the last one is an end.
   Piece Next();
+  void PutHere(Here here);
   void PutSha1(std::string sha1);
   void PutEqual(bool equal);
   /// Nobody takes any more.
@@ -77,6 +88,7 @@ class FileStream {
   std::unique_ptr<char[]> room_;  // the reader's alone
   std::deque<Buffer> queue_;
   Buffer taken_;  // the writer's alone
+  std::optional<Here> here_;
   std::optional<std::string> sha1_;
   std::optional<bool> equal_;
   bool gaveUp_ = false;

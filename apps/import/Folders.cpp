@@ -28,7 +28,7 @@ std::shared_ptr<const TargetFolder> Folders::For(const LocalPath& path) {
     if (!seen_.insert(name).second) continue;
     // Also when the folder was there: the run that made it may have been killed before it flushed.
     unflushed_.insert(parent);
-    RemoveLeftovers(*folder);
+    RemoveLeftovers(*folder, [this, &name](const std::string& file) { return keeps_ && keeps_(name + file); });
   }
   if (open_.size() > kMostOpen) open_.clear();
   return folder;

@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_IMPORT_FOLDERS_H_
 #define KELVA_APPS_IMPORT_FOLDERS_H_
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -16,8 +17,10 @@ namespace apps {
 /// The folders below a target into which one run stores files. Any thread.
 class Folders {
  public:
+  /// Whether the sweep has to leave a temporary file, by its path below the target.
+  using Keeps = std::function<bool(const std::string& path)>;
   /// `target` outlives this.
-  explicit Folders(const TargetFolder& target) : target_(target) {}
+  explicit Folders(const TargetFolder& target, Keeps keeps = nullptr) : target_(target), keeps_(std::move(keeps)) {}
 
   /// The folder of a file, made if need be. What killed runs left in it is removed when the run asks for it first, and
   /// only then. Throws Failure.
@@ -32,6 +35,7 @@ class Folders {
   void FlushNewNamesIn(const Way& way);
 
   const TargetFolder& target_;
+  const Keeps keeps_;
   std::mutex mutex_;
   // Keyed by the path below the target, with a slash at the end; the target itself is "".
   std::map<std::string, std::shared_ptr<const TargetFolder>> open_;

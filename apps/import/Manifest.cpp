@@ -27,6 +27,13 @@ constexpr const char* kSchema = R"(
     PRIMARY KEY(serial, picture, type, fingerprint)) WITHOUT ROWID;
   PRAGMA user_version=1;)";
 
+// Beside the first table since it first had need of it: a version that does not know it leaves it alone.
+constexpr const char* kCutSchema = R"(
+  CREATE TABLE IF NOT EXISTS cut(
+    serial TEXT NOT NULL, picture TEXT NOT NULL, type INTEGER NOT NULL, fingerprint TEXT NOT NULL,
+    size INTEGER NOT NULL, path TEXT NOT NULL, compared INTEGER NOT NULL,
+    PRIMARY KEY(serial, picture, type, fingerprint)) WITHOUT ROWID;)";
+
 bool IsLink(const TargetFolder& folder, const std::string& name) {
   struct stat status {};
   return ::fstatat(folder.Fd(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
@@ -120,6 +127,7 @@ Manifest::Manifest(const TargetFolder& folder, bool make, std::chrono::milliseco
     // A look may write where it can, to take back what a killed run half wrote: without that nothing can be read.
     if (!make) Execute("PRAGMA query_only=ON", "open");
     CheckVersion(make);
+    hasCuts_ = database_ != nullptr && HasCutTable();
   } catch (...) {
     sqlite3_close(database_);
     throw;
@@ -142,6 +150,7 @@ void Manifest::Open(const std::string& path, int flags, std::chrono::millisecond
 Manifest::~Manifest() {
   find_.reset();
   insert_.reset();
+  forget_.reset();
   sqlite3_close(database_);
 }
 
@@ -246,8 +255,57 @@ void Manifest::Record(const std::vector<ManifestRow>& rows) {
   if (rows.empty()) return;
   const std::scoped_lock lock(mutex_);
   Transact([&] {
-    for (const ManifestRow& row : rows) Insert(row);
+    for (const ManifestRow& row : rows) {
+      Insert(row);
+      ForgetCut(row.key);
+    }
   });
+}
+
+void Manifest::ForgetCut(const ManifestKey& key) {
+  if (!hasCuts_) return;
+  const Use forget(Prepared(forget_, "DELETE FROM cut WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4"));
+  forget->Bind(key).Step("write");
+}
+
+void Manifest::RecordCut(const CutRow& row) {
+  const std::scoped_lock lock(mutex_);
+  Transact([&] {
+    Execute(kCutSchema);
+    Statement insert(*this,
+                     "INSERT OR REPLACE INTO cut(serial, picture, type, fingerprint, size, path, compared) "
+                     "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)");
+    insert.Bind(row.key).Bind(static_cast<long long>(row.size)).Bind(row.path);
+    insert.Bind(static_cast<long long>(row.compared)).Step("write");
+  });
+  hasCuts_ = true;
+}
+
+void Manifest::ForgetCuts(const std::vector<ManifestKey>& keys) {
+  if (keys.empty() || !hasCuts_) return;
+  const std::scoped_lock lock(mutex_);
+  Transact([&] {
+    for (const ManifestKey& key : keys) ForgetCut(key);
+  });
+}
+
+std::vector<CutRow> Manifest::Cuts() {
+  std::vector<CutRow> rows;
+  const std::scoped_lock lock(mutex_);
+  if (!hasCuts_) return rows;
+  Statement query(*this, "SELECT serial, picture, type, fingerprint, size, path, compared FROM cut");
+  while (query.Step("read")) {
+    rows.push_back({{query.Text(0), query.Text(1), static_cast<int>(query.Number(2)), query.Text(3)},
+                    static_cast<unsigned long long>(query.Number(4)),
+                    query.Text(5),
+                    static_cast<unsigned long long>(query.Number(6))});
+  }
+  return rows;
+}
+
+bool Manifest::HasCutTable() {
+  Statement query(*this, "SELECT 1 FROM sqlite_schema WHERE type='table' AND name='cut'");
+  return query.Step("read");
 }
 
 void Manifest::MarkDeleted(const std::vector<ManifestKey>& keys) {

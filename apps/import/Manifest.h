@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_IMPORT_MANIFEST_H_
 #define KELVA_APPS_IMPORT_MANIFEST_H_
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -22,6 +23,8 @@ struct ManifestKey {
   std::string picture;      ///< the picture's identity, 24 bytes in hexadecimal
   int type = 0;             ///< 1 to 4
   std::string fingerprint;  ///< tells it from an earlier picture of the same name
+
+  bool operator==(const ManifestKey&) const = default;
 };
 
 /// One file that was fetched.
@@ -32,6 +35,14 @@ struct ManifestRow {
   unsigned long long size = 0;
   bool verified = false;  ///< read from the camera twice, equal
   bool deleted = false;   ///< on the camera, after it was verified
+};
+
+/// A file whose transfer was cut. A part of it is here, under a temporary name.
+struct CutRow {
+  ManifestKey key;
+  unsigned long long size = 0;      ///< of the whole file
+  std::string path;                 ///< of the part, below the target folder
+  unsigned long long compared = 0;  ///< of a part that is whole: how much came a second time, and equal
 };
 
 /// The list of what was fetched into a folder, in the folder itself (.kelva-manifest.sqlite). It decides what is new,
@@ -55,6 +66,10 @@ class Manifest {
   std::optional<ManifestRow> Find(const ManifestKey& key);
   /// Adds rows, or replaces those of the same keys, all or none. They are on disk when this returns.
   void Record(const std::vector<ManifestRow>& rows);
+  /// As Record; a file that is recorded is no longer cut.
+  void RecordCut(const CutRow& row);
+  void ForgetCuts(const std::vector<ManifestKey>& keys);
+  std::vector<CutRow> Cuts();
   /// As Record.
   void MarkDeleted(const std::vector<ManifestKey>& keys);
 
@@ -76,7 +91,9 @@ class Manifest {
   void Execute(const char* sql, const std::string& doing = "write");
   void Transact(const std::function<void()>& change);
   void CheckVersion(bool make);
+  bool HasCutTable();
   void Insert(const ManifestRow& row);
+  void ForgetCut(const ManifestKey& key);
   [[noreturn]] void Fail(const std::string& doing) const;
 
   /// The statement, prepared at its first use.
@@ -86,7 +103,9 @@ class Manifest {
   sqlite3* database_ = nullptr;
   std::unique_ptr<Statement> find_;
   std::unique_ptr<Statement> insert_;
+  std::unique_ptr<Statement> forget_;
   std::mutex mutex_;
+  std::atomic<bool> hasCuts_ = false;  // the table of cut files is there
 };
 
 }  // namespace apps

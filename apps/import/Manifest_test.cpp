@@ -319,6 +319,58 @@ TEST_F(ManifestTest, ALookTakesBackWhatAKilledRunHalfWrote) {
   EXPECT_FALSE(look.Find(Row("K2", 1).key).has_value());
 }
 
+CutRow Cut(const std::string& serial) {
+  return {Row(serial, 1).key, 5'000'000'000ULL, "100/.kelva-1.part", 7};
+}
+
+TEST_F(ManifestTest, CutFilesAreRememberedUntilTheyAreForgottenOrWhole) {
+  Manifest(*folder_, true).RecordCut(Cut("K1"));
+  Manifest manifest(*folder_, true);
+  manifest.RecordCut(Cut("K2"));
+  manifest.RecordCut({Cut("K2").key, 6, "other", 0});
+  ASSERT_EQ(manifest.Cuts().size(), 2U);
+  EXPECT_EQ(manifest.Cuts()[0].key, Cut("K1").key);
+  EXPECT_EQ(manifest.Cuts()[0].size, 5'000'000'000ULL);
+  EXPECT_EQ(manifest.Cuts()[0].path, "100/.kelva-1.part");
+  EXPECT_EQ(manifest.Cuts()[0].compared, 7U);
+  EXPECT_EQ(manifest.Cuts()[1].path, "other");
+  manifest.ForgetCuts({Cut("K2").key});
+  EXPECT_EQ(manifest.Cuts().size(), 1U);
+  manifest.Record({Row("K1", 1)});
+  EXPECT_EQ(manifest.Cuts().size(), 0U);
+}
+
+TEST_F(ManifestTest, AListOfTheVersionBeforeHasNoCutFilesAndTakesThem) {
+  // As version 1.0 makes it, and with a row of it.
+  Elsewhere(
+      "CREATE TABLE files(serial TEXT NOT NULL, picture TEXT NOT NULL, type INTEGER NOT NULL, fingerprint TEXT NOT "
+      "NULL,"
+      "path TEXT NOT NULL, sha1 TEXT NOT NULL, size INTEGER NOT NULL, verified INTEGER NOT NULL, deleted INTEGER NOT "
+      "NULL,"
+      "stored TEXT NOT NULL DEFAULT (strftime('%Y-%m-%dT%H:%M:%SZ','now')),"
+      "PRIMARY KEY(serial, picture, type, fingerprint)) WITHOUT ROWID; PRAGMA user_version=1;"
+      "INSERT INTO files(serial, picture, type, fingerprint, path, sha1, size, verified, deleted)"
+      "VALUES('K1', '00ff', 1, 'print', '100/IMG.JPG', 'sum', 3, 0, 0)");
+  Manifest manifest(*folder_, true);
+  EXPECT_TRUE(manifest.Find(Row("K1", 1).key).has_value());
+  EXPECT_THAT(manifest.Cuts(), testing::IsEmpty());
+  manifest.ForgetCuts({Cut("K1").key});
+  manifest.RecordCut(Cut("K1"));
+  EXPECT_EQ(manifest.Cuts().size(), 1U);
+}
+
+TEST_F(ManifestTest, TheVersionBeforeReadsAndWritesAListWithCutFiles) {
+  Manifest(*folder_, true).RecordCut(Cut("K1"));
+  // What version 1.0 does at its start, and with a file that it fetched.
+  Elsewhere(
+      "CREATE TABLE IF NOT EXISTS files(serial TEXT NOT NULL);"
+      "INSERT OR REPLACE INTO files(serial, picture, type, fingerprint, path, sha1, size, verified, deleted)"
+      "VALUES('K1', '00ff', 1, 'print', '100/IMG.JPG', 'sum', 3, 0, 0)");
+  Manifest manifest(*folder_, true);
+  EXPECT_TRUE(manifest.Find(Row("K1", 1).key).has_value());
+  EXPECT_EQ(manifest.Cuts().size(), 1U) << "the next sync sees that the file is whole";
+}
+
 TEST_F(ManifestTest, OneRowCanBeMarkedAfterAnother) {
   Manifest manifest(*folder_, true);
   manifest.Record({Row("K1", 1), Row("K1", 2), Row("K1", 3)});

@@ -3,20 +3,53 @@
 
 #include <utility>
 
+#include "apps/commandline/Failure.h"
 #include "apps/files/Sha1.h"
 
 namespace apps {
 namespace {
 
+// Less is read again sooner than a row is written.
+constexpr unsigned long long kWorthKeeping = 1U << 20;
+constexpr unsigned long long kWorthKeepingAtOnce = 32U << 20;
+
 class Receiver {
  public:
-  Receiver(FileStream& stream, const TargetFolder& folder, unsigned long long size)
-      : stream_(stream), size_(size), file_(std::make_unique<NewFile>(folder)) {}
+  Receiver(FileStream& stream, Arrival arrival, Manifest& manifest)
+      : stream_(stream), arrival_(std::move(arrival)), manifest_(manifest) {}
 
   std::optional<Received> Run() {
+    try {
+      Begin();
+      return Take();
+    } catch (...) {
+      GiveBack();
+      throw;
+    }
+  }
+
+ private:
+  void Begin() {
+    FileStream::Here here;
+    if (arrival_.part) {
+      file_ = std::move(arrival_.part->file);
+      isKept_ = true;
+      compared_ = arrival_.part->compared;
+      here = {arrival_.part->size, compared_};
+    } else {
+      file_ = std::make_unique<NewFile>(arrival_.folder);
+    }
+    stream_.PutHere(here);
+    if (here.size == arrival_.size) AddPart();
+  }
+
+  std::optional<Received> Take() {
     while (true) {
       const FileStream::Piece piece = stream_.Next();
       switch (piece.what) {
+        case FileStream::What::kTail:
+          CompareTail(piece.bytes);
+          break;
         case FileStream::What::kWrite:
           Write(piece.bytes);
           break;
@@ -24,45 +57,91 @@ class Receiver {
           Compare(piece.bytes);
           break;
         case FileStream::What::kStore:
+          // What cannot be flushed or named is not to be taken up by a later run.
+          file_->Drop();
           return Received{std::move(file_), std::move(sha1_), piece.verified};
         case FileStream::What::kDrop:
+          GiveBack();
+          return std::nullopt;
         case FileStream::What::kKeep:
+          if (written_ >= kWorthKeeping) Keep();
           return std::nullopt;
       }
     }
   }
 
- private:
+  void CompareTail(std::span<const char> bytes) {
+    const bool fits = file_->HoldsAt(arrival_.part->size - bytes.size(), bytes);
+    if (fits) {
+      stream_.PutEqual(true);  // the camera is read while the part is
+      AddPart();
+    } else {
+      GiveBack();
+      file_ = std::make_unique<NewFile>(arrival_.folder);
+      stream_.PutEqual(false);
+    }
+  }
+
+  // What an earlier run left belongs to the sum.
+  void AddPart() {
+    file_->ReadBack([this](std::span<const char> bytes) { Add(bytes); });
+  }
+
   void Write(std::span<const char> bytes) {
     file_->Write(bytes);
+    Add(bytes);
+    if (!isKept_ && written_ >= kWorthKeepingAtOnce) Keep();
+  }
+
+  void Add(std::span<const char> bytes) {
     sum_.Add(bytes);
     written_ += bytes.size();
-    if (written_ < size_) return;
+    if (written_ < arrival_.size) return;
     file_->BeginFlush();
     sha1_ = sum_.Take();
     stream_.PutSha1(sha1_);
   }
 
   void Compare(std::span<const char> bytes) {
-    equal_ = equal_ && file_->HoldsAt(compared_, bytes);
-    compared_ += bytes.size();
-    if (compared_ == size_) stream_.PutEqual(equal_);
+    isEqual_ = isEqual_ && file_->HoldsAt(compared_, bytes);
+    if (isEqual_) compared_ += bytes.size();
+    if (!isEqual_ || compared_ == arrival_.size) stream_.PutEqual(isEqual_);
+  }
+
+  // The row first: a row without its file is passed over, a file without its row is swept.
+  void Keep() {
+    const LocalPath here{arrival_.path.folders, file_->TemporaryName()};
+    manifest_.RecordCut({arrival_.key, arrival_.size, here.Text(), compared_});
+    file_->Keep();
+    isKept_ = true;
+  }
+
+  void GiveBack() noexcept {
+    if (file_) file_->Drop();
+    if (!std::exchange(isKept_, false)) return;
+    try {
+      manifest_.ForgetCuts({arrival_.key});
+    } catch (const std::exception&) {
+      // A row without its file is passed over.
+    }
   }
 
   FileStream& stream_;
-  const unsigned long long size_;
+  Arrival arrival_;
+  Manifest& manifest_;
   std::unique_ptr<NewFile> file_;
+  bool isKept_ = false;  // the manifest knows the file
   Sha1Sum sum_;
   std::string sha1_;
   unsigned long long written_ = 0;
   unsigned long long compared_ = 0;
-  bool equal_ = true;
+  bool isEqual_ = true;
 };
 
 }  // namespace
 
-std::optional<Received> Receive(FileStream& stream, const TargetFolder& folder, unsigned long long size) {
-  return Receiver(stream, folder, size).Run();
+std::optional<Received> Receive(FileStream& stream, Arrival arrival, Manifest& manifest) {
+  return Receiver(stream, std::move(arrival), manifest).Run();
 }
 
 }  // namespace apps

@@ -7,9 +7,21 @@
 
 #include "apps/files/NewFile.h"
 #include "apps/files/TargetFolder.h"
+#include "apps/import/CutFiles.h"
 #include "apps/import/FileStream.h"
+#include "apps/import/Manifest.h"
+#include "apps/import/Pattern.h"
 
 namespace apps {
+
+/// A file that is to come in pieces.
+struct Arrival {
+  ManifestKey key;
+  unsigned long long size;     ///< of the whole file
+  const LocalPath& path;       ///< where it is to lie
+  const TargetFolder& folder;  ///< the last one of the path
+  std::optional<Part> part;    ///< what an earlier run left of it
+};
 
 /// A whole file that came in pieces, under a temporary name.
 struct Received {
@@ -18,8 +30,10 @@ struct Received {
   bool verified;  ///< as FileStream::End says
 };
 
-/// Writes a file of `size` bytes as it comes, until its reader ends it. Nothing when the reader gives it up. Throws Failure.
-std::optional<Received> Receive(FileStream& stream, const TargetFolder& folder, unsigned long long size);
+/// Writes a file as it comes, until its reader ends it. Nothing when it did not become whole: its reader has dropped it, or
+/// it is kept for a later run, which finds it by the manifest. A large one is kept from its 32nd megabyte on, so that it
+/// outlives the process. Throws Failure.
+std::optional<Received> Receive(FileStream& stream, Arrival arrival, Manifest& manifest);
 
 }  // namespace apps
 

@@ -24,6 +24,13 @@ class ReceiveTest : public SyncFolderTest {
     stream_.Put(what, text.size());
   }
 
+  /// A file of three bytes.
+  std::optional<Received> Run(std::optional<Part> part = std::nullopt) {
+    return Receive(stream_, {kKey, 3, kPath, folder_, std::move(part)}, manifest_);
+  }
+
+  const ManifestKey kKey{"K1", "01", 1, "print"};
+  const LocalPath kPath{{}, "A.JPG"};
   FileStream stream_;
 };
 
@@ -31,7 +38,7 @@ TEST_F(ReceiveTest, AWholeFileIsOnDiskUnderATemporaryName) {
   Put("ab");
   Put("c");
   stream_.End(What::kStore, true);
-  const auto received = Receive(stream_, folder_, 3);
+  const auto received = Run();
   ASSERT_TRUE(received.has_value());
   EXPECT_EQ(received->sha1, "a9993e364706816aba3e25717850c26c9cd0d89d");
   EXPECT_EQ(stream_.Sha1(), received->sha1);
@@ -46,7 +53,7 @@ TEST_F(ReceiveTest, WhatComesAgainIsComparedWithWhatIsOnDisk) {
     Put("a", What::kCompare);
     Put(same ? "bc" : "bd", What::kCompare);
     stream_.End(What::kDrop);
-    EXPECT_FALSE(Receive(stream_, folder_, 3).has_value());
+    EXPECT_FALSE(Run().has_value());
     EXPECT_EQ(stream_.IsEqual(), same);
   }
 }
@@ -56,14 +63,14 @@ TEST_F(ReceiveTest, OneDifferentPieceIsEnough) {
   Put("x", What::kCompare);
   Put("bc", What::kCompare);
   stream_.End(What::kDrop);
-  Receive(stream_, folder_, 3);
+  Run();
   EXPECT_EQ(stream_.IsEqual(), false);
 }
 
 TEST_F(ReceiveTest, AFileThatItsReaderDropsLeavesNothing) {
   Put("ab");
   stream_.End(What::kDrop);
-  EXPECT_FALSE(Receive(stream_, folder_, 3).has_value());
+  EXPECT_FALSE(Run().has_value());
   EXPECT_EQ(RemoveLeftovers(folder_), 0);
 }
 
@@ -73,7 +80,7 @@ TEST_F(ReceiveTest, ADiskThatTakesNoMoreIsAFailure) {
   Put("ab");
   Put("c");
   stream_.End(What::kStore);
-  EXPECT_THROW(Receive(stream_, folder_, 3), Failure);
+  EXPECT_THROW(Run(), Failure);
 }
 
 }  // namespace

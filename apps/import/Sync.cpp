@@ -34,8 +34,15 @@ std::string DiffersEachTime(const SyncItem& item) {
          " differs from read to read, so it was not stored; check the cable and the card.";
 }
 
-// Ends a stream as its reader says last, or drops the file when an error comes first.
-class Sending {
+// It was stored now, and beside something else that had its name.
+bool IsNumbered(const WriteOutcome& outcome) {
+  return !outcome.wasThere && outcome.row->path != outcome.item->Local().Text();
+}
+
+}  // namespace
+
+// Ends a stream. Unless its reader says more, the file is to be taken up by a later run.
+class Sync::Sending {
  public:
   explicit Sending(std::shared_ptr<FileStream> stream) : stream_(std::move(stream)) {}
   ~Sending() { stream_->End(what_, verified_); }
@@ -46,19 +53,13 @@ class Sending {
     what_ = FileStream::What::kStore;
     verified_ = verified;
   }
+  void Drop() { what_ = FileStream::What::kDrop; }
 
  private:
   const std::shared_ptr<FileStream> stream_;
-  FileStream::What what_ = FileStream::What::kDrop;
+  FileStream::What what_ = FileStream::What::kKeep;
   bool verified_ = false;
 };
-
-// It was stored now, and beside something else that had its name.
-bool IsNumbered(const WriteOutcome& outcome) {
-  return !outcome.wasThere && outcome.row->path != outcome.item->Local().Text();
-}
-
-}  // namespace
 
 Sync::Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolder& folder, Manifest& manifest,
            SyncOptions options, PictureTimes* times)
@@ -67,6 +68,7 @@ Sync::Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolde
       listed_(*camera_),
       folder_(folder),
       manifest_(manifest),
+      cuts_(folder, manifest),
       options_(options),
       times_(times),
       progress_(context.reporter, context.stop, "", 0),
@@ -74,9 +76,10 @@ Sync::Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolde
 
 std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
   std::optional<Outcome> ended;
+  DropGone(plan);
   {
     Writers writers(
-        folder_, manifest_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); },
+        folder_, manifest_, cuts_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); },
         times_ == nullptr ? TimeOf() : [this](const DcfObj& picture) { return times_->Of(picture); });
     try {
       ReadAll(plan, writers);
@@ -178,44 +181,87 @@ void Sync::FetchWhole(const SyncItem& item, kelva::FileReader& reader, Writers& 
   Submit(writers, {&item, std::move(bytes), "", options_.verify});
 }
 
-// False for a file that came differently twice and never as its key says, unless this `isLast`.
+// False for a file that is to be read once more from its start, unless this `isLast`: one that came differently twice and
+// never as its key says, or whose parts do not belong together.
 bool Sync::FetchPieces(const SyncItem& item, kelva::FileReader& reader, Writers& writers, bool isLast) {
   const auto stream = std::make_shared<FileStream>();
   Submit(writers, {&item, {}, "", false, true, stream, reader.Size()});
   Sending sending(stream);
-  if (!Send(item, reader, *stream, FileStream::What::kWrite)) return true;
-  const std::optional<std::string> sha1 = stream->Sha1();
+  try {
+    return SendAll(item, reader, *stream, sending, isLast);
+  } catch (const kelva::FileReadError& error) {
+    if (error.Why() != kelva::FileReadError::Reason::kCameraLost) sending.Drop();
+    throw;
+  }
+}
+
+bool Sync::SendAll(const SyncItem& item, kelva::FileReader& reader, FileStream& stream, Sending& sending, bool isLast) {
+  const std::optional<FileStream::Here> here = TakeUp(item, reader, stream);
+  if (!here || !Send(item, reader, stream, FileStream::What::kWrite, here->size)) return true;
+  const std::optional<std::string> sha1 = stream.Sha1();
   if (!sha1) return true;
+  const bool isWhole = here->size == 0;
   const std::string key = item.ExpectedSha1();
   const bool asKey = key.empty() || key == *sha1;
-  if (asKey && !options_.verify) {
-    sending.Store(false);
+  const bool isSure = isWhole ? asKey : key == *sha1;
+  bool equal = true;
+  if (!isSure || options_.verify) {
+    if (!asKey && !isWhole) return sending.Drop(), false;
+    if (!asKey) CheckUnlikeKey(item, reader.Size());
+    reader.Select();
+    if (!Send(item, reader, stream, FileStream::What::kCompare, here->compared)) return true;
+    const std::optional<bool> answer = stream.IsEqual();
+    if (!answer) return true;
+    equal = *answer;
+  }
+  if (equal) {
+    if (!isWhole) LearnTimeOfPart(item, reader);
+    sending.Store(!isSure || options_.verify);
+    Count(!asKey, !isWhole);
     return true;
   }
-  if (!asKey) CheckUnlikeKey(item, reader.Size());
-  reader.Select();
-  if (!Send(item, reader, *stream, FileStream::What::kCompare)) return true;
-  const std::optional<bool> equal = stream->IsEqual();
-  if (!equal) return true;
-  if (*equal) {
-    sending.Store(true);
-    CountUnlikeKey(!asKey);
-  } else if (asKey || isLast) {
-    Fail(item, asKey ? TwoReadsDiffer(item) : DiffersEachTime(item));
-  }
-  return *equal || asKey || isLast;
+  sending.Drop();
+  if (!isLast && (!asKey || !isWhole)) return false;
+  Fail(item, asKey ? TwoReadsDiffer(item) : DiffersEachTime(item));
+  return true;
+}
+
+// What an earlier run left of the file, if the camera still sends the same end of it. Nothing when the writer has given up.
+std::optional<FileStream::Here> Sync::TakeUp(const SyncItem& item, kelva::FileReader& reader, FileStream& stream) {
+  constexpr std::uint64_t kTail = 65'536;
+  if (!cuts_.Has(item.Key())) return FileStream::Here{};
+  const std::optional<FileStream::Here> here = stream.WhatIsHere();
+  if (!here || here->size == 0 || here->size == reader.Size()) return here;
+  const auto tail = static_cast<std::size_t>(std::min<std::uint64_t>(kTail, here->size));
+  const std::span<char> room = stream.Room();
+  if (room.empty()) return std::nullopt;
+  stream.Put(FileStream::What::kTail, reader.Read(here->size - tail, room.first(tail)));
+  const std::optional<bool> fits = stream.IsEqual();
+  if (!fits) return std::nullopt;
+  return *fits ? here : FileStream::Here{};
 }
 
 // False when the writer has given up, which it has reported.
-bool Sync::Send(const SyncItem& item, kelva::FileReader& reader, FileStream& stream, FileStream::What what) {
-  for (std::uint64_t at = 0; at < reader.Size();) {
+bool Sync::Send(const SyncItem& item, kelva::FileReader& reader, FileStream& stream, FileStream::What what,
+                std::uint64_t from) {
+  for (std::uint64_t at = from; at < reader.Size();) {
     context_.reporter.AwaitCamera(false);
     const std::span<char> room = stream.Room();
     context_.reporter.AwaitCamera(true);
     if (room.empty()) return false;
     const std::uint64_t left = reader.Size() - at;
-    const std::size_t count = reader.Read(
-        at, room.first(left > FileStream::kPiece ? FileStream::kPiece : static_cast<std::size_t>(left) + 2));
+    // With room for the two bytes more that tell the end.
+    const std::size_t most = left > FileStream::kPiece ? FileStream::kPiece : static_cast<std::size_t>(left) + 2;
+    const std::uint64_t before = reader.Position();
+    std::size_t count = 0;
+    try {
+      count = reader.Read(at, room.first(most));
+    } catch (const CameraError&) {
+      // What came in good order before the error is kept. Without a first byte the reader stands where it did.
+      const std::uint64_t now = reader.Position();
+      if (now != before && now > at && now <= at + most) stream.Put(what, static_cast<std::size_t>(now - at));
+      throw;
+    }
     if (at == 0) LearnTime(item, room.first(count));
     LetOthers(context_, reader, room.first(count));
     stream.Put(what, count);
@@ -229,6 +275,13 @@ bool Sync::Send(const SyncItem& item, kelva::FileReader& reader, FileStream& str
 // The start of the picture's JPEG file says when it was taken, for all its files.
 void Sync::LearnTime(const SyncItem& item, std::span<const char> start) {
   if (times_ != nullptr && item.Type() == kFirstFileType) times_->Ask(item.Picture(), start);
+}
+
+// The start of a file that was taken up did not come in this run.
+void Sync::LearnTimeOfPart(const SyncItem& item, kelva::FileReader& reader) {
+  if (times_ == nullptr || item.Type() != kFirstFileType) return;
+  std::vector<char> start(65'536);
+  LearnTime(item, std::span(start).first(reader.Read(0, start)));
 }
 
 // A key that is not the SHA-1 of what came: either the read went wrong, or the key is something else than this project
@@ -253,7 +306,7 @@ void Sync::ReadAgain(const SyncItem& item, const std::string& first, Writers& wr
   const std::string second = asKey && options_.verify ? Sha1(ReadWhole(reader)) : asKey ? sha1 : first;
   if (sha1 != second) return Fail(item, DiffersEachTime(item));
   if (!asKey) CheckUnlikeKey(item, bytes.size());
-  CountUnlikeKey(!asKey);
+  Count(!asKey, false);
   Submit(writers, {&item, std::move(bytes), sha1, !asKey || options_.verify, asKey});
 }
 
@@ -331,9 +384,23 @@ void Sync::CheckUnlikeKey(const SyncItem& item, unsigned long long size) {
   throw CameraError("its key in the catalogue is not its SHA-1, and its folder gives it another size");
 }
 
-void Sync::CountUnlikeKey(bool unlike) {
-  const std::scoped_lock lock(mutex_);
-  totals_.unlikeKey += unlike ? 1U : 0U;
+void Sync::Count(bool unlikeKey, bool resumed) {
+  totals_.unlikeKey += unlikeKey ? 1U : 0U;
+  totals_.resumed += resumed ? 1U : 0U;
+}
+
+// Parts of files that are whole by now, or that the camera no longer has.
+void Sync::DropGone(const SyncPlan& plan) {
+  const std::string& serial = plan.source->serial;
+  cuts_.DropIf([&](const ManifestKey& key) {
+    if (key.serial != serial) return false;
+    const auto& catalogue = plan.source->catalogue;
+    const bool isListed = std::any_of(catalogue.begin(), catalogue.end(), [&](const DcfObj& picture) {
+      const std::vector<int> types = FileTypes(picture);
+      return std::find(types.begin(), types.end(), key.type) != types.end() && KeyOf(picture, key.type, serial) == key;
+    });
+    return !isListed || manifest_.Find(key).has_value();
+  });
 }
 
 void Sync::OnOutcome(const WriteOutcome& outcome) {

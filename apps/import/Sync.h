@@ -14,6 +14,7 @@
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Guard.h"
 #include "apps/commandline/Progress.h"
+#include "apps/import/CutFiles.h"
 #include "apps/import/Deletions.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/PictureTimes.h"
@@ -54,15 +55,21 @@ class Sync {
   void Fetch(const SyncItem& item, Writers& writers);
   void FetchWhole(const SyncItem& item, kelva::FileReader& reader, Writers& writers);
   bool FetchPieces(const SyncItem& item, kelva::FileReader& reader, Writers& writers, bool isLast);
-  bool Send(const SyncItem& item, kelva::FileReader& reader, FileStream& stream, FileStream::What what);
+  class Sending;
+  bool SendAll(const SyncItem& item, kelva::FileReader& reader, FileStream& stream, Sending& sending, bool isLast);
+  std::optional<FileStream::Here> TakeUp(const SyncItem& item, kelva::FileReader& reader, FileStream& stream);
+  bool Send(const SyncItem& item, kelva::FileReader& reader, FileStream& stream, FileStream::What what,
+            std::uint64_t from);
+  void DropGone(const SyncPlan& plan);
   void LearnTime(const SyncItem& item, std::span<const char> start);
+  void LearnTimeOfPart(const SyncItem& item, kelva::FileReader& reader);
   void CompareKnown(const SyncItem& item);
   kelva::FileReader Open(const SyncItem& item);
   std::vector<char> ReadWhole(kelva::FileReader& reader);
   std::string HashOf(kelva::FileReader& reader);
   void CheckSize(const SyncItem& item, unsigned long long announced);
   void CheckUnlikeKey(const SyncItem& item, unsigned long long size);
-  void CountUnlikeKey(bool unlike);
+  void Count(bool unlikeKey, bool resumed);
   void Submit(Writers& writers, WriteJob job);
   void ReadDoubtful(Writers& writers);
   void ReadAgain(const SyncItem& item, const std::string& first, Writers& writers);
@@ -78,6 +85,7 @@ class Sync {
   ListedSizes listed_;
   const TargetFolder& folder_;
   Manifest& manifest_;
+  CutFiles cuts_;
   SyncOptions options_;
   PictureTimes* const times_;
   Progress progress_;

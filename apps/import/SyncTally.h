@@ -14,6 +14,7 @@ struct SyncTotals {
   unsigned long long bytes = 0;
   unsigned long long failed = 0;
   unsigned long long deleted = 0;
+  unsigned long long resumed = 0;    ///< of the stored, files of which an earlier run had fetched a part
   unsigned long long unlikeKey = 0;  ///< of the stored, files whose key in the catalogue is not their SHA-1
   unsigned long long checked = 0;    ///< of the stored, files whose key in the catalogue is their SHA-1
   unsigned long long readTwice = 0;  ///< of the stored, files that were read twice, with the same content
@@ -53,6 +54,7 @@ class SyncTally {
   Guard::Counter& undated = counters_[12];
   Guard::Counter& others = counters_[13];
   Guard::Counter& othersBytes = counters_[14];
+  Guard::Counter& resumed = counters_[15];
 
   SyncTotals Now() const {
     return {.known = known,
@@ -62,6 +64,7 @@ class SyncTally {
             .bytes = bytes,
             .failed = failed,
             .deleted = deleted,
+            .resumed = resumed,
             .unlikeKey = unlikeKey,
             .checked = checked,
             .readTwice = readTwice,

@@ -300,6 +300,169 @@ TEST_F(LargeFilesTest, OneThatDiffersFromReadToReadIsAnError) {
   ExpectNothingIsLeft();
 }
 
+/// Transfers that are cut after some bytes of a file, and the runs after that.
+class CutTransfersTest : public LargeFilesTest {
+ protected:
+  static constexpr std::size_t kPiece = 65'536;
+
+  CutTransfersTest() { camera_.files["IMG_0001.JPG"] = Text(5 * kMegabyte + 123); }
+  using LargeFilesTest::Text;
+
+  /// The camera goes after so many bytes of files from here on.
+  void CutAfter(std::size_t bytes) {
+    sent_ = 0;
+    camera_.onSend = [this, bytes](std::size_t, std::size_t count) {
+      sent_ += count;
+      if (sent_ > bytes) throw Gone();
+    };
+  }
+  void Mend() {
+    sent_ = 0;
+    camera_.onSend = [this](std::size_t, std::size_t count) { sent_ += count; };
+  }
+  std::vector<std::string> Parts() const {
+    std::vector<std::string> parts;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(path_)) {
+      if (entry.path().extension() == ".part") parts.push_back(entry.path());
+    }
+    return parts;
+  }
+  Outcome RunUntilCut(const DcfObj& picture) { return RunToItsEnd({}, {picture}); }
+  std::string Whole() const { return camera_.files.at("IMG_0001.JPG"); }
+  DcfObj WithKey() const { return Picture(1, Sha1(Whole())); }
+
+  std::size_t sent_ = 0;
+};
+
+TEST_F(CutTransfersTest, ThePartThatCameIsKeptAndTheNextRunGoesOnBehindIt) {
+  CutAfter(3 * kMegabyte);
+  EXPECT_EQ(RunUntilCut(WithKey()).code, ExitCode::kGone);
+  ASSERT_EQ(Parts().size(), 1U);
+  EXPECT_EQ(std::filesystem::file_size(Parts()[0]), 3 * kMegabyte);
+  EXPECT_FALSE(std::filesystem::exists(path_ + "/100ABCDE/IMG_0001.JPG"));
+  Mend();
+  const SyncTotals totals = Run({}, {WithKey()});
+  EXPECT_EQ(totals.stored, 1U);
+  EXPECT_EQ(totals.resumed, 1U);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
+  EXPECT_THAT(Parts(), testing::IsEmpty());
+  EXPECT_THAT(manifest_.Cuts(), testing::IsEmpty());
+  // The rest, the last 64 KiB of the part, and what proves that the camera honours offsets.
+  EXPECT_LT(sent_, 2 * kMegabyte + 123 + 3 * kPiece);
+}
+
+TEST_F(CutTransfersTest, WithoutAKeyASecondReadDecides) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1));
+  Mend();
+  EXPECT_EQ(Run({}, {Picture(1)}).resumed, 1U);
+  EXPECT_GT(sent_, (2 + 5) * kMegabyte);
+  EXPECT_TRUE(manifest_.Find(KeyOf(Picture(1), 1, "K1"))->verified);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
+}
+
+TEST_F(CutTransfersTest, ASecondReadThatIsCutGoesOnToo) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1));
+  CutAfter(5 * kMegabyte);  // 2 of the rest, and about 3 of the second read
+  RunUntilCut(Picture(1));
+  ASSERT_EQ(manifest_.Cuts().size(), 1U);
+  EXPECT_GT(manifest_.Cuts()[0].compared, 2 * kMegabyte);
+  Mend();
+  EXPECT_EQ(Run({}, {Picture(1)}).resumed, 1U);
+  EXPECT_LT(sent_, 3 * kMegabyte);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
+}
+
+TEST_F(CutTransfersTest, AFileWhoseEndOfThePartIsAnotherNowIsReadFromItsStart) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1));
+  Mend();
+  camera_.files["IMG_0001.JPG"][3 * kMegabyte - 1] ^= 1;
+  const SyncTotals totals = Run({}, {Picture(1)});
+  EXPECT_EQ(totals.stored, 1U);
+  EXPECT_EQ(totals.resumed, 0U);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
+  EXPECT_THAT(Parts(), testing::IsEmpty());
+}
+
+TEST_F(CutTransfersTest, APartThatIsDamagedOnDiskIsFoundByTheKeyOrTheSecondRead) {
+  for (const bool hasKey : {true, false}) {
+    const DcfObj picture = hasKey ? WithKey() : Picture(1);
+    CutAfter(3 * kMegabyte);
+    RunUntilCut(picture);
+    ASSERT_EQ(Parts().size(), 1U);
+    std::fstream(Parts()[0], std::ios::in | std::ios::out).seekp(kMegabyte).put('!');
+    Mend();
+    const SyncTotals totals = Run({}, {picture});
+    EXPECT_EQ(totals.stored, 1U);
+    EXPECT_EQ(totals.resumed, 0U) << "read from its start";
+    EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
+    EXPECT_THAT(Parts(), testing::IsEmpty());
+    std::filesystem::remove(path_ + "/100ABCDE/IMG_0001.JPG");
+  }
+}
+
+TEST_F(CutTransfersTest, AFileOfAnotherSizeIsReadFromItsStart) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1));
+  Mend();
+  camera_.files["IMG_0001.JPG"] += "more";
+  EXPECT_EQ(Run({}, {Picture(1)}).stored, 1U);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
+  EXPECT_THAT(Parts(), testing::IsEmpty());
+}
+
+TEST_F(CutTransfersTest, APartOfAPictureThatTheCameraNoLongerHasGoes) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1));
+  Mend();
+  camera_.files.erase("IMG_0001.JPG");
+  Run({}, {Picture(2)});
+  EXPECT_THAT(Parts(), testing::IsEmpty());
+  EXPECT_THAT(manifest_.Cuts(), testing::IsEmpty());
+}
+
+TEST_F(CutTransfersTest, APartOfAnotherCameraStays) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1));
+  Mend();
+  const SyncPlan other = MakePlan({Picture(2)}, "K2", {1}, Pattern(Pattern::kDefault), manifest_, &folder_);
+  EXPECT_FALSE(Sync(context_, Shared(camera_), folder_, manifest_, {}).Run(other).has_value());
+  EXPECT_EQ(Parts().size(), 1U);
+}
+
+TEST_F(CutTransfersTest, AStopKeepsThePartToo) {
+  camera_.onSend = [this](std::size_t offset, std::size_t) {
+    if (offset > 2 * kMegabyte) stop_.Request();
+  };
+  EXPECT_THROW(Run({}, {Picture(1)}), Stopped);
+  EXPECT_EQ(Parts().size(), 1U);
+}
+
+TEST_F(CutTransfersTest, WhatCannotBeWrittenIsNotKept) {
+  RecordingCalls calls(path_);
+  calls.FailEach(10, 1 << 20, ENOSPC, "write ");
+  RunToItsEnd();
+  EXPECT_THAT(Parts(), testing::IsEmpty());
+}
+
+TEST_F(CutTransfersTest, AFlushThatFailsLeavesNothingToTakeUp) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(WithKey());
+  Mend();
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EACCES, "flush 100ABCDE/");
+  EXPECT_EQ(Run({}, {WithKey()}).failed, 1U);
+  EXPECT_THAT(Parts(), testing::IsEmpty());
+}
+
+TEST_F(CutTransfersTest, ALittleIsNotWorthARow) {
+  CutAfter(kMegabyte / 2);
+  RunUntilCut(Picture(1));
+  EXPECT_THAT(Parts(), testing::IsEmpty());
+}
+
 TEST_F(LargeFilesTest, OneThatWasHereAlreadyIsKeptAndNotDoubled) {
   std::filesystem::create_directory(path_ + "/100ABCDE");
   std::ofstream(path_ + "/100ABCDE/IMG_0001.JPG") << camera_.files["IMG_0001.JPG"];

@@ -61,7 +61,7 @@ TEST_F(Threads, StoreRecordAndReportWhileMoreIsHandedOver) {
   const SyncPlan good = Plan(Pictures(1100));
   const SyncPlan bad = Plan(Pictures(500, kAbcKey));
   {
-    Writers writers(folder_, manifest_, Count());
+    Writers writers(folder_, manifest_, cuts_, Count());
     for (std::size_t i = 0; i < good.items.size(); ++i) {
       writers.Submit({&good.items[i], {'x'}, "", false});
       if (i < bad.items.size()) writers.Submit({&bad.items[i], {'x'}, "", false});
@@ -75,7 +75,7 @@ TEST_F(Threads, StoreRecordAndReportWhileMoreIsHandedOver) {
 TEST_F(Threads, EndAtAnyMomentAndStoreWhatTheyHave) {
   const SyncPlan plan = Plan(Pictures(200));
   for (int round = 0; round < 15; ++round) {
-    Writers writers(folder_, manifest_, Count());
+    Writers writers(folder_, manifest_, cuts_, Count());
     for (const SyncItem& item : plan.items) {
       writers.Submit({&item, {'x'}, "", false});
       if (round % 2 == 0) writers.Abandon();
@@ -85,7 +85,7 @@ TEST_F(Threads, EndAtAnyMomentAndStoreWhatTheyHave) {
 
 TEST_F(Threads, AbandonWhileTheOthersBegin) {
   for (int round = 0; round < 15; ++round) {
-    Writers writers(folder_, manifest_, Count());
+    Writers writers(folder_, manifest_, cuts_, Count());
     for (int i = 0; i < 5000; ++i) writers.Abandon();
   }
 }
@@ -94,7 +94,7 @@ TEST_F(Threads, AllEndWhenTheDiskIsFull) {
   const SyncPlan plan = Plan(Pictures(60));
   calls_.full = true;
   for (int round = 0; round < 15; ++round) {
-    Writers writers(folder_, manifest_, Count());
+    Writers writers(folder_, manifest_, cuts_, Count());
     EXPECT_THROW(
         {
           for (const SyncItem& item : plan.items) writers.Submit({&item, std::vector<char>(100'000), "", false});

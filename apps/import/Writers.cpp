@@ -20,8 +20,12 @@ struct UnlikeKey {
 
 }  // namespace
 
-Writers::Writers(const TargetFolder& folder, Manifest& manifest, Report report, TimeOf timeOf)
-    : manifest_(manifest), report_(std::move(report)), timeOf_(std::move(timeOf)), folders_(folder) {
+Writers::Writers(const TargetFolder& folder, Manifest& manifest, CutFiles& cuts, Report report, TimeOf timeOf)
+    : manifest_(manifest),
+      cuts_(cuts),
+      report_(std::move(report)),
+      timeOf_(std::move(timeOf)),
+      folders_(folder, [&cuts](const std::string& path) { return cuts.Keeps(path); }) {
   for (std::size_t i = 0; i < kThreads; ++i) threads_.emplace_back([this] { Run(); });
 }
 
@@ -210,7 +214,8 @@ std::optional<Writers::Done> Writers::Arrive(const WriteJob& job) {
   const SyncItem& item = *job.item;
   LocalPath path = item.Local();
   const auto folder = folders_.For(path);
-  std::optional<Received> received = Receive(*job.stream, *folder, job.size);
+  Arrival arrival{item.Key(), job.size, path, *folder, cuts_.TakeUp(item.Key(), job.size, path, *folder)};
+  std::optional<Received> received = Receive(*job.stream, std::move(arrival), manifest_);
   if (!received) return std::nullopt;
   BesideFile file(*folder, path.name, std::move(received->file), job.size, received->sha1, item.Number());
   const bool isDated = Date(file, item);

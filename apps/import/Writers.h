@@ -15,6 +15,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/files/StoreFile.h"
 #include "apps/files/TargetFolder.h"
+#include "apps/import/CutFiles.h"
 #include "apps/import/FileStream.h"
 #include "apps/import/Folders.h"
 #include "apps/import/Manifest.h"
@@ -50,9 +51,9 @@ class Writers {
  public:
   using Report = std::function<void(const WriteOutcome&)>;
 
-  /// `report` is called by the writers' threads, one at a time. Folder and manifest outlive this.
+  /// `report` is called by the writers' threads, one at a time. Folder, manifest and cuts outlive this.
   /// `timeOf` dates files by their pictures; without it none is dated.
-  Writers(const TargetFolder& folder, Manifest& manifest, Report report, TimeOf timeOf = {});
+  Writers(const TargetFolder& folder, Manifest& manifest, CutFiles& cuts, Report report, TimeOf timeOf = {});
   /// Stores what was handed over, then ends.
   ~Writers();
   Writers(const Writers&) = delete;
@@ -116,6 +117,7 @@ class Writers {
   void ThrowIfBroken(const std::unique_lock<std::mutex>& lock) const;
 
   Manifest& manifest_;
+  CutFiles& cuts_;
   Report report_;
   const TimeOf timeOf_;
   Folders folders_;

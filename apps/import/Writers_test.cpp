@@ -23,7 +23,7 @@ class WritersTest : public SyncFolderTest {
  protected:
   // On the heap: ThreadSanitizer takes the mutexes of two tests that stood at one place of the stack for one.
   std::unique_ptr<Writers> Make(Writers::Report report) {
-    return std::make_unique<Writers>(folder_, manifest_, std::move(report));
+    return std::make_unique<Writers>(folder_, manifest_, cuts_, std::move(report));
   }
   void Store(const SyncPlan& plan, const std::string& text) {
     const auto writers = Make([this](const WriteOutcome& outcome) {
@@ -118,7 +118,7 @@ TEST_F(WritersTest, WhatIsAbandonedBeforeItBeganIsNotStored) {
   const SyncPlan plan = Plan(catalogue);
   HeldCalls calls;
   {
-    Writers writers(folder_, manifest_, [this](const WriteOutcome&) { ++stored_; });
+    Writers writers(folder_, manifest_, cuts_, [this](const WriteOutcome&) { ++stored_; });
     for (const SyncItem& item : plan.items) writers.Submit({&item, {'a'}, "", false});
     writers.Abandon();
     calls.Release();

@@ -81,8 +81,9 @@ class FakeCamera : public wifi_testing::PlainCamera {
   bool writeBreaks = false;  ///< writing ends in an error, half of it done
   bool stubborn = false;
   bool refuses = false;
-  std::function<void(const std::string& path)> onRead;    ///< before anything is sent
-  std::function<void(const std::string& path)> onDelete;  ///< before anything is deleted
+  std::function<void(const std::string& path)> onRead;                ///< before anything is sent
+  std::function<void(std::size_t offset, std::size_t count)> onSend;  ///< before a piece of a file is sent
+  std::function<void(const std::string& path)> onDelete;              ///< before anything is deleted
 
  private:
   bool Select(const _VscCdb& cdb, const char* path) {
@@ -104,6 +105,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
   }
   bool Send(std::size_t offset, int& size, char* buffer) const {
     if (endless && !isListing_) return true;
+    if (onSend && !isListing_) onSend(offset, std::min(static_cast<std::size_t>(size), selected_.size()));
     const std::string piece = selected_.substr(std::min(offset, selected_.size()), static_cast<std::size_t>(size));
     piece.copy(buffer, piece.size());
     size = static_cast<int>(piece.size());

@@ -37,8 +37,8 @@ class SyncTest : public SyncFolderTest, protected SilentContext {
     return Run(options, catalogue, false);
   }
   /// A run that ends before.
-  Outcome RunToItsEnd(SyncOptions options = {}) {
-    Run(options, {Picture(1), Picture(2)}, true);
+  Outcome RunToItsEnd(SyncOptions options = {}, const std::vector<DcfObj>& catalogue = {Picture(1), Picture(2)}) {
+    Run(options, catalogue, true);
     return ended_.value_or(Outcome{ExitCode::kDone, ""});
   }
   bool CameraHas(const std::string& name) const { return camera_.files.count(name) == 1; }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/import/CutFiles.h"
 #include "apps/import/Plan.h"
 #include "base/testing/ScratchFolder.h"
 
@@ -40,6 +41,7 @@ class SyncFolderTest : public testing::Test {
   const std::string path_ = scratch_.Path();
   TargetFolder folder_ = TargetFolder::Open(path_);
   Manifest manifest_{folder_, true};
+  CutFiles cuts_{folder_, manifest_};
 };
 
 }  // namespace apps

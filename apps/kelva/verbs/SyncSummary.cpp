@@ -19,6 +19,7 @@ Json Members(const SyncTotals& totals, Json camera) {
   members.Set("stored", totals.stored).Set("bytes", totals.bytes).Set("already_here", totals.alreadyHere);
   members.Set("checked", totals.checked).Set("read_twice", totals.readTwice).Set("size_only", totals.sizeOnly);
   members.Set("unlike_key", totals.unlikeKey).Set("numbered", totals.numbered).Set("undated", totals.undated);
+  members.Set("resumed", totals.resumed);
   members.Set("known", totals.known);
   members.Set("others", totals.others).Set("others_bytes", totals.othersBytes);
   return std::move(members.Set("failed", totals.failed).Set("left", totals.Left()).Set("deleted", totals.deleted));
@@ -48,6 +49,9 @@ std::string InWords(const SyncTotals& totals, bool early) {
   std::string text = FilesStored(totals, early) + HowChecked(totals);
   if (totals.numbered != 0) {
     text += std::to_string(totals.numbered) + " got a number because their name was taken (--verbose names them).\n";
+  }
+  if (totals.resumed != 0) {
+    text += std::to_string(totals.resumed) + " went on where an earlier run had ended.\n";
   }
   if (totals.undated != 0) {
     text += std::to_string(totals.undated) + " without a date have the time of their fetching.\n";

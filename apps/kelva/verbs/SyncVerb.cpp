@@ -16,6 +16,7 @@
 #include "apps/files/NewFile.h"
 #include "apps/import/AskTimes.h"
 #include "apps/import/Coming.h"
+#include "apps/import/CutFiles.h"
 #include "apps/import/FetchOthers.h"
 #include "apps/import/Others.h"
 #include "apps/import/Sync.h"
@@ -88,7 +89,8 @@ ExitCode RunSync(Context& context) {
   { const NewFile trial(folder); }  // a folder that takes no file is one sentence, before anything is read
   const FolderLock lock(folder);
   Manifest manifest(folder, true);
-  RemoveLeftovers(folder);
+  const CutFiles cuts(folder, manifest);
+  RemoveLeftovers(folder, [&cuts](const std::string& name) { return cuts.Keeps(name); });
   const std::string& serial = camera.Facts().serial;
   PictureTimes times;
   const SyncPlan plan = MakePlan(ReadPictures(*camera), serial, choice.types, choice.pattern, manifest, &folder,
@@ -138,8 +140,9 @@ not fetched again. A different picture that reuses an old name counts as new.
 
 Each file is written under a temporary name, flushed, and checked against the SHA-1 in the catalogue if there is one. A
 file that does not fit is read again, and stored if both reads are equal.
-Only then does it get its name, so Ctrl-C, an unplugged camera or a full disk leave whole files only. Run the same
-command again to fetch the rest.
+Only then does it get its name, so under their names lie whole files only. After Ctrl-C or an unplugged camera run the
+same command again: it fetches the rest, and goes on in the middle of a large file. Until then its part lies beside the
+others, named .kelva-*.part.
 
 If the new files are larger than the free space, nothing is fetched (exit status 1). Sizes are those that the camera's
 folders list. Files that are here already do not count.
@@ -178,6 +181,7 @@ read_twice: how many of the stored were read twice, with the same content
 size_only: how many of the stored have no key and were read once, so that only their size was compared
 unlike_key: how many have a SHA-1 that is not their key in the catalogue; they were read twice, with the same content
 numbered: how many of the stored got a number because their name was taken
+resumed: how many went on where an earlier run had ended
 undated: how many have the time of their fetching, because neither EXIF nor the catalogue says another
 known: how many were fetched by an earlier run
 others, others_bytes: how many files below DCIM and MISC are not in the catalogue and were not fetched, and their size
