@@ -30,7 +30,7 @@ TEST_F(SyncSummaryTest, SaysHowFilesWereChecked) {
   EXPECT_THAT(
       Run({"sync", again.c_str(), "--verify", "--json"}).out,
       HasSubstr(
-          R"("checked":1,"read_twice":2,"size_only":0,"unlike_key":0,"numbered":0,"undated":0,"known":0,"others":0,)"
+          R"("checked":1,"read_twice":2,"size_only":0,"unlike_key":0,"numbered":0,"undated":0,"resumed":0,"known":0,"others":0,)"
           R"("others_bytes":0,"failed":0,"left":0,"deleted":0)"));
 }
 
@@ -59,7 +59,7 @@ TEST(SyncSoFarTest, SaysWhatIsStoredAndWhatIsLeft) {
   EXPECT_EQ(
       done.members.Text(),
       R"({"serial":"K1","stored":985,"bytes":9,"already_here":0,"checked":0,"read_twice":0,"size_only":0,)"
-      R"("unlike_key":0,"numbered":0,"undated":0,"known":4,"others":0,"others_bytes":0,"failed":0,"left":2218,"deleted":1})");
+      R"("unlike_key":0,"numbered":0,"undated":0,"resumed":0,"known":4,"others":0,"others_bytes":0,"failed":0,"left":2218,"deleted":1})");
   EXPECT_EQ(SyncSoFar({.known = 4}, Json::Object()).words, "nothing was stored yet; the same command starts again");
 }
 
