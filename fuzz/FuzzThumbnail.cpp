@@ -42,6 +42,7 @@ bool ReadAnswer(std::span<const std::uint8_t> bytes) {
 void DrawOne(std::span<const char> file) {
   apps::ComesRowByRow(file);
   apps::ReadExif(file);
+  apps::ReadExifThumbnail(file);
   if (ClaimsMuch(file)) return;
   // The tool understands whatever the process says of a picture.
   if (!ReadAnswer(apps::EncodeAnswer(apps::Draw(file)))) __builtin_trap();
@@ -57,7 +58,9 @@ base::Bytes Requests(InputReader& input) {
     const auto file = input.Bytes(input.Byte() * 8U);
     if (ClaimsMuch({reinterpret_cast<const char*>(file.data()), file.size()})) continue;
     base::Append(stream, (kind < kWrongSizes.size() ? file.size() + kWrongSizes.at(kind) : file.size()) |
-                             (kind % 2 == 0 ? 0 : apps::kTimeOnly));
+                             (kind % 2 == 0   ? 0
+                              : kind % 4 == 1 ? apps::kTimeOnly
+                                              : apps::kStartOnly));
     stream.insert(stream.end(), file.begin(), file.end());
   }
   // The bytes of two requests may claim much together.

@@ -62,12 +62,11 @@ std::string TextOf(std::span<const std::uint8_t> bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
-}  // namespace
-
-DrawingOrReason Draw(std::span<const char> jpegFile) {
+// Draws `jpegFile` as the EXIF part of `file` says.
+DrawingOrReason DrawAs(std::span<const char> jpegFile, std::span<const char> file) {
   try {
     Decoded decoded = DecodeJpeg(jpegFile, kThumbnailSide);
-    ExifFacts facts = ReadExif(jpegFile);
+    ExifFacts facts = ReadExif(file);
     return Drawing{Upright(Shrunk(decoded.image, kThumbnailSide), facts.orientation), std::move(facts.time),
                    std::move(decoded.complaint)};
   } catch (const NoPicture& reason) {
@@ -75,6 +74,21 @@ DrawingOrReason Draw(std::span<const char> jpegFile) {
   } catch (const std::bad_alloc&) {
     return "it takes more memory than a thumbnail is worth";
   }
+}
+
+}  // namespace
+
+DrawingOrReason Draw(std::span<const char> jpegFile) {
+  return DrawAs(jpegFile, jpegFile);
+}
+
+DrawingOrReason DrawStart(std::span<const char> start) {
+  const std::vector<char> thumbnail = ReadExifThumbnail(start);
+  if (thumbnail.empty()) return "it has no EXIF thumbnail";
+  DrawingOrReason answer = DrawAs(thumbnail, start);
+  const auto* drawing = std::get_if<Drawing>(&answer);
+  if (drawing != nullptr && !drawing->complaint.empty()) return "its EXIF thumbnail is damaged";
+  return answer;
 }
 
 base::Bytes EncodeAnswer(const DrawingOrReason& answer) {

@@ -31,6 +31,11 @@ using DrawingOrReason = std::variant<Drawing, std::string>;
 /// Decodes a JPEG file in this process.
 DrawingOrReason Draw(std::span<const char> jpegFile);
 
+/// Draws a JPEG file of which only the start is there: its EXIF thumbnail. A reason where it has none, or a damaged one.
+DrawingOrReason DrawStart(std::span<const char> start);
+
+/// Set in the size of a request: the start of a file comes, and its EXIF thumbnail is asked for.
+inline constexpr std::uint64_t kStartOnly = std::uint64_t{1} << 62;
 /// Set in the size of a request: only the time is asked for, and no pixel is decoded.
 inline constexpr std::uint64_t kTimeOnly = std::uint64_t{1} << 63;
 /// The size of the answer to such a request: "2026-03-14 15:09:26", or as many zeros.

@@ -31,8 +31,7 @@ std::span<const char> Loadable(std::span<const char> bytes) {
   constexpr std::size_t kApp1 = 0xE1;
   constexpr std::string_view kStart("Exif\0\0", 6);
   std::size_t at = 2;
-  while (at + 4 + kStart.size() <= bytes.size() && Byte(bytes, at) == 0xFF &&
-         (Byte(bytes, at + 1) & 0xF0U) == kApp0) {
+  while (at + 4 + kStart.size() <= bytes.size() && Byte(bytes, at) == 0xFF && (Byte(bytes, at + 1) & 0xF0U) == kApp0) {
     const std::size_t end = at + 2 + (Byte(bytes, at + 2) << 8 | Byte(bytes, at + 3));
     const std::span<const char> content = bytes.subspan(at + 4);
     const bool isExif = std::equal(kStart.begin(), kStart.end(), content.begin());
@@ -71,6 +70,12 @@ std::optional<std::string> TimeIn(ExifData* data) {
 }
 
 }  // namespace
+
+std::vector<char> ReadExifThumbnail(std::span<const char> bytes) {
+  const Data data = Load(bytes);
+  if (!data || data->data == nullptr) return {};
+  return {data->data, data->data + data->size};
+}
 
 ExifFacts ReadExif(std::span<const char> bytes) {
   const Data data = Load(bytes);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace apps {
 
@@ -15,6 +16,9 @@ struct ExifFacts {
 
 /// Reads the EXIF part of a JPEG file. What is missing or damaged is left at its neutral value.
 ExifFacts ReadExif(std::span<const char> bytes);
+
+/// The thumbnail that a camera puts into the EXIF part, a JPEG file of its own; empty where there is none.
+std::vector<char> ReadExifThumbnail(std::span<const char> bytes);
 
 }  // namespace apps
 

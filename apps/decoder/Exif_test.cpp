@@ -42,6 +42,18 @@ TEST(ExifTest, OtherPartsBeforeItAreSkipped) {
   EXPECT_EQ(ReadExif(With(jfif + TinyJpeg::ExifPart(6))).orientation, 6);
 }
 
+TEST(ExifTest, TheThumbnailIsTakenFromItsPart) {
+  const std::string thumbnail = TinyJpeg::File(2, {90, 90});
+  const std::string file = With(TinyJpeg::ExifPartWith(thumbnail, 6));
+  const std::vector<char> found = ReadExifThumbnail(file);
+  EXPECT_EQ(std::string(found.begin(), found.end()), thumbnail);
+  EXPECT_EQ(ReadExif(file).orientation, 6);
+  EXPECT_EQ(ReadExif(file).time, "2026-03-14 15:09:26");
+  EXPECT_TRUE(ReadExifThumbnail(With(TinyJpeg::ExifPart(6))).empty());
+  EXPECT_TRUE(ReadExifThumbnail(With("")).empty());
+  EXPECT_TRUE(ReadExifThumbnail(file.substr(0, 150)).empty()) << "cut within the thumbnail";
+}
+
 TEST(ExifTest, APartThatIsCutSaysWhatCameOfIt) {
   // As a camera's that holds a thumbnail behind the time, here 60,000 bytes.
   const std::string small = TinyJpeg::ExifPart(6);

@@ -8,12 +8,25 @@
 
 namespace apps {
 
+namespace {
+
+Thumbnail Stored(Drawing drawing) {
+  const Pixels& image = drawing.image;
+  return {image.width, image.height, EncodeJpeg(image), std::move(drawing.time), std::move(drawing.complaint)};
+}
+
+}  // namespace
+
+Thumbnail DrawThumbnailInStart(Thumbnailer& thumbnailer, std::span<const char> start, const Stop& stop) {
+  DrawingOrReason answer = thumbnailer.DrawStart(start, stop);
+  if (const auto* reason = std::get_if<std::string>(&answer)) throw NoThumbnail(*reason);
+  return Stored(std::get<Drawing>(std::move(answer)));
+}
+
 Thumbnail DrawThumbnail(Thumbnailer& thumbnailer, std::span<const char> jpegFile, const Stop& stop) {
   DrawingOrReason answer = thumbnailer.Draw(jpegFile, stop);
   if (const auto* reason = std::get_if<std::string>(&answer)) throw NoPicture(*reason);
-  Drawing& drawing = std::get<Drawing>(answer);
-  const Pixels& image = drawing.image;
-  return {image.width, image.height, EncodeJpeg(image), std::move(drawing.time), std::move(drawing.complaint)};
+  return Stored(std::get<Drawing>(std::move(answer)));
 }
 
 }  // namespace apps

@@ -41,9 +41,17 @@ ThumbnailPool::~ThumbnailPool() {
 }
 
 std::future<Thumbnail> ThumbnailPool::Draw(std::vector<char> jpegFile) {
-  Task task([this, file = std::move(jpegFile)](Thumbnailer& thumbnailer) mutable {
-    const std::vector<char> bytes = std::move(file);
-    return DrawThumbnail(thumbnailer, bytes, ending_);
+  return Add(std::move(jpegFile), DrawThumbnail);
+}
+
+std::future<Thumbnail> ThumbnailPool::DrawStart(std::vector<char> start) {
+  return Add(std::move(start), DrawThumbnailInStart);
+}
+
+std::future<Thumbnail> ThumbnailPool::Add(std::vector<char> bytes, Way way) {
+  Task task([this, way, kept = std::move(bytes)](Thumbnailer& thumbnailer) mutable {
+    const std::vector<char> file = std::move(kept);
+    return way(thumbnailer, file, ending_);
   });
   std::future<Thumbnail> result = task.get_future();
   {

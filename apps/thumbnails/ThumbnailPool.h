@@ -36,10 +36,14 @@ class ThumbnailPool {
   /// Has a JPEG file drawn as soon as a process is free. The result throws what DrawThumbnail throws. The file's memory is
   /// given back before.
   std::future<Thumbnail> Draw(std::vector<char> jpegFile);
+  /// As Draw, of the start of a file; the result throws what DrawThumbnailInStart throws.
+  std::future<Thumbnail> DrawStart(std::vector<char> start);
 
  private:
   using Task = std::packaged_task<Thumbnail(Thumbnailer&)>;
 
+  using Way = Thumbnail (*)(Thumbnailer&, std::span<const char>, const Stop&);
+  std::future<Thumbnail> Add(std::vector<char> bytes, Way way);
   void Run();
   /// A task without a state at the end.
   Task Next();

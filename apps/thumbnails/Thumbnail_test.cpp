@@ -14,6 +14,29 @@ Thumbnail DrawThumbnail(std::span<const char> file) {
   return apps::DrawThumbnail(thumbnailer, file, stop);
 }
 
+TEST(ThumbnailTest, TheStartOfAFileIsEnoughForItsExifThumbnail) {
+  Thumbnailer thumbnailer;
+  const Stop stop;
+  const std::string file =
+      TinyJpeg::File(9, std::vector<int>(9, 90), TinyJpeg::ExifPartWith(TinyJpeg::File(2, {90, 90}), 6));
+  const Thumbnail thumbnail = DrawThumbnailInStart(thumbnailer, std::span(file).first(500), stop);
+  EXPECT_EQ(thumbnail.width, 8);
+  EXPECT_EQ(thumbnail.height, 16) << "upright";
+  EXPECT_EQ(thumbnail.time, "2026-03-14 15:09:26");
+}
+
+TEST(ThumbnailTest, AStartWithoutASoundThumbnailAsksForTheWholeFile) {
+  Thumbnailer thumbnailer;
+  const Stop stop;
+  const std::string whole = TinyJpeg::File(1, {90});
+  for (const std::string& thumbnail : {std::string("nonsense"), TinyJpeg::File(1, {90}).substr(0, whole.size() - 5)}) {
+    const std::string file = TinyJpeg::File(1, {90}, TinyJpeg::ExifPartWith(thumbnail));
+    EXPECT_THROW(DrawThumbnailInStart(thumbnailer, file, stop), NoThumbnail) << thumbnail.size();
+  }
+  EXPECT_THROW(DrawThumbnailInStart(thumbnailer, TinyJpeg::File(1, {90}, TinyJpeg::ExifPart(1)), stop), NoThumbnail);
+  EXPECT_THROW(DrawThumbnailInStart(thumbnailer, {}, stop), NoThumbnail);
+}
+
 TEST(ThumbnailTest, ALargePictureBecomesSmall) {
   const Thumbnail thumbnail = DrawThumbnail(TinyJpeg::File(100, std::vector<int>(5000, 90)));
   EXPECT_EQ(thumbnail.width, 400);

@@ -197,13 +197,23 @@ int Thumbnailer::Reap() {
 DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& stop,
                                   std::chrono::milliseconds patience) {
   if (jpegFile.size() > kLargestPicture) return "it is larger than a file that a thumbnail is drawn from";
+  return Ask(jpegFile.size(), jpegFile, stop, patience);
+}
+
+DrawingOrReason Thumbnailer::DrawStart(std::span<const char> start, const Stop& stop,
+                                       std::chrono::milliseconds patience) {
+  return Ask(kStartOnly | start.size(), start, stop, patience);
+}
+
+DrawingOrReason Thumbnailer::Ask(std::uint64_t size, std::span<const char> bytes, const Stop& stop,
+                                 std::chrono::milliseconds patience) {
   if (process_ != 0 && drawn_ == kPicturesPerProcess) Reap();
   if (process_ == 0) Start(stop, patience);
   ++drawn_;
   Exchange exchange(socket_.Get(), stop, patience);
   std::array<std::uint8_t, kAnswerHead> head{};
   base::Bytes rest;
-  bool came = exchange.Send(Size(jpegFile.size())) && exchange.Send(jpegFile) && exchange.Receive(head);
+  bool came = exchange.Send(Size(size)) && exchange.Send(bytes) && exchange.Receive(head);
   const std::optional<std::size_t> more = came ? SizeAfter(head) : std::nullopt;
   if (more) {
     rest.resize(*more);

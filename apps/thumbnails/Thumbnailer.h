@@ -47,6 +47,10 @@ class Thumbnailer {
   DrawingOrReason Draw(std::span<const char> jpegFile, const Stop& stop,
                        std::chrono::milliseconds patience = std::chrono::seconds(60));
 
+  /// As Draw, for a JPEG file of which only the start is there: draws its EXIF thumbnail. A reason where it has none.
+  DrawingOrReason DrawStart(std::span<const char> start, const Stop& stop,
+                            std::chrono::milliseconds patience = std::chrono::seconds(60));
+
   /// When each picture was taken, "2026-03-14 15:09:26". One exchange for all of them, and no pixel is decoded. Nothing for
   /// a picture without a time, and for one that ends the process. Throws as Draw, and Failure when the process was silent
   /// three times.
@@ -62,6 +66,8 @@ class Thumbnailer {
 
  private:
   class Exchange;
+  DrawingOrReason Ask(std::uint64_t size, std::span<const char> bytes, const Stop& stop,
+                      std::chrono::milliseconds patience);
   void Start(const Stop& stop, std::chrono::milliseconds patience);
   void Spawn();
   /// Ends a process that has not become ready; `silent` when it did not even end. Throws.

@@ -35,6 +35,22 @@ class TinyJpeg {
     return Segment('\xE1', "Exif\0\0"s + tiff);
   }
 
+  /// As ExifPart, with a thumbnail: a JPEG file of its own. The third directory stands behind the time.
+  static std::string ExifPartWith(const std::string& thumbnail, int orientation = 1,
+                                  const std::string& time = "2026:03:14 15:09:26") {
+    using namespace std::string_literals;
+    constexpr std::size_t kTiff = 10;                // of the segment: marker, size, "Exif"
+    constexpr std::size_t kNext = kTiff + 34;        // where the second directory is named
+    std::string part = ExifPart(orientation, time);  // 76 bytes of TIFF: to the end of the time
+    part.replace(kNext, 4, "\x4C\0\0\0"s);           // at 76
+    part += "\x02\0"s;                               // two entries:
+    part += "\x01\x02\x04\0\x01\0\0\0\x6A\0\0\0"s;   // 0x0201 LONG 1: the thumbnail is at 106
+    part += "\x02\x02\x04\0\x01\0\0\0"s;             // 0x0202 LONG 1: its size
+    for (const unsigned shift : {0U, 8U, 16U, 24U}) part += static_cast<char>(thumbnail.size() >> shift);
+    part += "\0\0\0\0"s + thumbnail;
+    return Segment('\xE1', part.substr(4));
+  }
+
   static std::string Segment(char marker, const std::string& content) {
     const std::size_t size = content.size() + 2;
     return std::string("\xFF") + marker + static_cast<char>(size >> 8) + static_cast<char>(size) + content;
