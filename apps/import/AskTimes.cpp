@@ -1,31 +1,23 @@
 // Reads the starts of pictures for the times in them.
 #include "apps/import/AskTimes.h"
 
-#include <algorithm>
 #include <cstddef>
 
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
+#include "apps/camera/PictureStart.h"
 #include "apps/commandline/Progress.h"
 #include "src/wifi/CameraError.h"
-#include "src/wifi/FileReader.h"
 
 namespace apps {
 namespace {
 
-constexpr int kJpg = kFirstFileType;
-
 // Nothing for a file that cannot be read.
-std::vector<char> ReadStart(Context& context, const boost::shared_ptr<Camera>& camera, const DcfObj& picture) {
-  context.Doing("read " + ShownPath(PicturePath(picture, kJpg)));
+std::vector<char> StartOf(Context& context, const boost::shared_ptr<Camera>& camera, const DcfObj& picture) {
+  context.Doing("read " + ShownPath(PicturePath(picture, kFirstFileType)));
   try {
-    kelva::FileReader reader(camera, picture, kJpg);
-    const std::uint64_t most = std::min<std::uint64_t>(reader.Size(), PictureTimes::kStart);
-    // With room for the two bytes more that tell the end of a small file.
-    std::vector<char> start(static_cast<std::size_t>(most) + (most == reader.Size() ? 2 : 0));
-    start.resize(reader.Read(0, start));
-    return start;
+    return ReadStart(camera, picture).bytes;
   } catch (const CameraError& error) {
     if (EndsAll(Explain(error, context).code)) throw;
     return {};  // whoever fetches the file reports it
@@ -37,7 +29,7 @@ std::vector<char> ReadStart(Context& context, const boost::shared_ptr<Camera>& c
 std::size_t AskTime(Context& context, const boost::shared_ptr<Camera>& camera, const DcfObj& picture,
                     PictureTimes& times) {
   if (picture.hasJpg == 0 || times.WasAsked(picture)) return 0;
-  const std::vector<char> start = ReadStart(context, camera, picture);
+  const std::vector<char> start = StartOf(context, camera, picture);
   context.reporter.AwaitCamera(false);
   times.Ask(picture, start);
   context.reporter.AwaitCamera(true);

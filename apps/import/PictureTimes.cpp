@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "apps/camera/PictureStart.h"
 #include "apps/commandline/Failure.h"
 
 namespace apps {
@@ -11,7 +12,7 @@ namespace apps {
 void PictureTimes::Ask(const DcfObj& picture, std::span<const char> jpegFile) {
   // As many as one thread of the writers stores at once: then one exchange serves them all.
   constexpr std::size_t kMostQuestions = 32;
-  const std::span<const char> start = jpegFile.first(std::min(jpegFile.size(), kStart));
+  const std::span<const char> start = jpegFile.first(std::min(jpegFile.size(), PictureStart::kMost));
   bool isFull = false;
   {
     const std::scoped_lock lock(mutex_);

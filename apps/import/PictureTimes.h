@@ -20,14 +20,11 @@ namespace apps {
 /// the catalogue. Any thread. A picture is known by its place in memory, so the catalogue stays where it is.
 class PictureTimes {
  public:
-  /// How much of a JPEG file is looked at: EXIF stands before it.
-  static constexpr std::size_t kStart = 65'536;
-
   /// `program`: the path of kelva-thumbnail, which starts with the first question.
   explicit PictureTimes(std::string program = Thumbnailer::ProgramBeside(Thumbnailer::OwnProgram()))
       : thumbnailer_(std::move(program)) {}
 
-  /// Has the time read in the first bytes of a picture's JPEG file, many pictures at once; the rest of `jpegFile` is not
+  /// Has the time read in the start (PictureStart) of a picture's JPEG file, many pictures at once; the rest of `jpegFile` is not
   /// looked at. Does nothing for a picture that was asked about before. Returns before the answer, but for every
   /// thirty-second unanswered question.
   void Ask(const DcfObj& picture, std::span<const char> jpegFile);

@@ -71,7 +71,7 @@ TEST(PictureTimesTest, TheFirstQuestionAboutAPictureCounts) {
 
 TEST(PictureTimesTest, OnlyTheStartOfAFileIsLookedAt) {
   PictureTimes times;
-  std::vector<char> late(PictureTimes::kStart);
+  std::vector<char> late(65'536);
   const std::vector<char> start = Start("2026:03:14 15:09:26");
   late.insert(late.end(), start.begin(), start.end());
   const DcfObj picture = Dated("");

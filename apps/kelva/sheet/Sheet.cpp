@@ -10,6 +10,7 @@
 #include "apps/camera/Catalogue.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
+#include "apps/camera/PictureStart.h"
 #include "apps/camera/ReadLimit.h"
 #include "apps/camera/Turns.h"
 #include "apps/decoder/Jpeg.h"
@@ -47,8 +48,8 @@ std::vector<DcfObj> InSheetOrder(std::vector<DcfObj> catalogue) {
   return catalogue;
 }
 
-Sheet::Sheet(Context& context, Camera& camera, Beside beside)
-    : context_(context), camera_(camera), beside_(std::move(beside)) {}
+Sheet::Sheet(Context& context, boost::shared_ptr<Camera> camera, Beside beside)
+    : context_(context), camera_(std::move(camera)), beside_(std::move(beside)) {}
 
 void Sheet::Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSizes>& sizes, const Sink& sink) {
   Progress progress(context_.reporter, context_.stop, "", BytesToDraw(sizes));
@@ -85,24 +86,53 @@ Card Sheet::CardOf(const DcfObj& picture, const FileSizes& sizes) {
 void Sheet::Begin(const DcfObj& picture, const FileSizes& sizes) {
   Begun& begun = begun_.emplace_back();
   begun.card = CardOf(picture, sizes);
+  begun.picture = &picture;
+  ++begunInAll_;
   if (picture.hasJpg == 0) {
     begun.card.trouble = "no JPEG";
     ++totals_.without;
     return;
   }
   begun.path = ShownPath(PicturePath(picture, kJpg));
-  Try(begun, [&] { Read(begun, picture); });
+  Try(begun, [&] { Read(begun); });
 }
 
-void Sheet::Read(Begun& begun, const DcfObj& picture) {
-  std::optional<std::vector<char>> fetched = beside_.Read(picture, kJpg);
-  CardFile& file = begun.card.files.front();
+void Sheet::Read(Begun& begun) {
+  std::optional<std::vector<char>> fetched = beside_.Read(*begun.picture, kJpg);
   begun.isHere = fetched.has_value();
-  std::vector<char> bytes = fetched ? *std::move(fetched) : ReadFromCamera(picture, file.size);
+  if (fetched) return Hand(begun, *std::move(fetched));
+  if (ExpectsThumbnail() && ReadStartOf(begun)) return;
+  Hand(begun, ReadFromCamera(*begun.picture, begun.card.files.front().size));
+}
+
+// Where pictures have no EXIF thumbnail, reading their starts before would only cost time. Now and then one is tried.
+bool Sheet::ExpectsThumbnail() const {
+  constexpr int kMostWithout = 4;
+  constexpr std::size_t kTryEach = 32;
+  return without_ < kMostWithout || begunInAll_ % kTryEach == 0;
+}
+
+// False when the file is not as its folder lists it: reading all of it tells more.
+bool Sheet::ReadStartOf(Begun& begun) {
+  const std::string token = PicturePath(*begun.picture, kJpg);
+  if (context_.guard != nullptr) ThrowIfLeftOut(context_.guard->FateOf(token));
+  const InItem item(context_.guard, token, ShownPath(token));
+  PictureStart start = ReadStart(camera_, *begun.picture);
+  context_.reporter.HearCamera();
+  CardFile& file = begun.card.files.front();
+  if (start.size == 0 || start.size != file.size) return false;
+  begun.isStart = !start.IsWhole();
+  Hand(begun, std::move(start.bytes));
+  return true;
+}
+
+void Sheet::Hand(Begun& begun, std::vector<char> bytes) {
+  CardFile& file = begun.card.files.front();
   if (!file.size) file.size = bytes.size();
+  bytes_ -= begun.bytes;
   begun.bytes = bytes.size();
   bytes_ += begun.bytes;
-  begun.thumbnail = pool_->Draw(std::move(bytes));
+  begun.thumbnail = begun.isStart ? pool_->DrawStart(std::move(bytes)) : pool_->Draw(std::move(bytes));
 }
 
 // Enough that no process waits for the next picture while one is read, and a few pictures' bytes in memory.
@@ -114,20 +144,34 @@ bool Sheet::IsFull() const {
 void Sheet::FinishOldest(const Sink& sink) {
   Begun begun = std::move(begun_.front());
   begun_.pop_front();
-  bytes_ -= begun.bytes;
+  bytes_ -= std::exchange(begun.bytes, 0);
   if (begun.thumbnail.valid()) Try(begun, [&] { Take(begun); });
   if (!begun.failure.empty()) Report(begun);
   sink(begun.card);
   List(begun);
 }
 
-void Sheet::Take(Begun& begun) {
+Thumbnail Sheet::Await(Begun& begun) {
   constexpr std::chrono::milliseconds kLook{100};
   context_.reporter.AwaitCamera(false);
   while (begun.thumbnail.wait_for(kLook) != std::future_status::ready) context_.stop.Check();
   context_.reporter.AwaitCamera(true);
+  try {
+    Thumbnail thumbnail = begun.thumbnail.get();
+    if (begun.isStart) without_ = 0;
+    return thumbnail;
+  } catch (const NoThumbnail&) {
+    ++without_;
+  }
+  begun.isStart = false;
+  Hand(begun, ReadFromCamera(*begun.picture, begun.card.files.front().size));
+  bytes_ -= std::exchange(begun.bytes, 0);  // it has left the queue
+  return Await(begun);
+}
+
+void Sheet::Take(Begun& begun) {
   Card& card = begun.card;
-  card.thumbnail = begun.thumbnail.get();
+  card.thumbnail = Await(begun);
   if (!card.time) card.time = card.thumbnail->time;
   ++totals_.drawn;
   totals_.fetched += begun.isHere ? 1U : 0U;
@@ -162,7 +206,7 @@ std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<uns
   if (context_.guard != nullptr) ThrowIfLeftOut(context_.guard->FateOf(token));
   const InItem item(context_.guard, token, ShownPath(token));
   ReadLimit limit(ShownPath(token), listed, Progress::Check, *progress_);
-  std::vector<char> bytes = camera_.ReadFile(picture, kJpg, ReadLimit::Check, &limit, true);
+  std::vector<char> bytes = camera_->ReadFile(picture, kJpg, ReadLimit::Check, &limit, true);
   if (bytes.empty()) throw NoPicture("the catalogue names it, but the camera has no bytes of it");
   return bytes;
 }

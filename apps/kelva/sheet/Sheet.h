@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_KELVA_SHEET_SHEET_H_
 #define KELVA_APPS_KELVA_SHEET_SHEET_H_
 
+#include <boost/shared_ptr.hpp>
 #include <deque>
 #include <functional>
 #include <future>
@@ -31,15 +32,16 @@ struct SheetTotals {
   std::size_t failed = 0;   ///< pictures that are damaged, missing or cannot be read; each was reported
 };
 
-/// Draws the pictures of a catalogue: reads one after the other, while processes draw those before it. A few pictures' bytes
-/// are in memory at any time. A picture that cannot be read or drawn is reported and gets a placeholder, and the rest
+/// Draws the pictures of a catalogue: reads one after the other, while processes draw those before it. The start of a
+/// file is enough where it has an EXIF thumbnail; otherwise the whole file is read. A few pictures' bytes are in memory at
+/// any time. A picture that cannot be read or drawn is reported and gets a placeholder, and the rest
 /// goes on.
 class Sheet {
  public:
   /// Takes each picture's element of the page, in the order of the catalogue.
   using Sink = std::function<void(const Card&)>;
 
-  Sheet(Context& context, Camera& camera, Beside beside);
+  Sheet(Context& context, boost::shared_ptr<Camera> camera, Beside beside);
 
   /// `sizes` are those of `catalogue`, in its order. Call it once. Throws what the sink throws, Stopped, CameraError when the
   /// camera has gone, and Failure when no picture can be decoded.
@@ -53,16 +55,22 @@ class Sheet {
   /// A picture that was read, and perhaps not drawn yet.
   struct Begun {
     Card card;
+    const DcfObj* picture;
     std::string path;                  // printable
     std::size_t bytes = 0;             // of its JPEG file
     bool isHere = false;               // read from the fetched file
+    bool isStart = false;              // of the file only the start was read
     std::future<Thumbnail> thumbnail;  // not valid when the picture has no JPEG file or cannot be read
     std::string failure;               // a sentence
   };
 
   Card CardOf(const DcfObj& picture, const FileSizes& sizes);
   void Begin(const DcfObj& picture, const FileSizes& sizes);
-  void Read(Begun& begun, const DcfObj& picture);
+  void Read(Begun& begun);
+  bool ReadStartOf(Begun& begun);
+  void Hand(Begun& begun, std::vector<char> bytes);
+  bool ExpectsThumbnail() const;
+  Thumbnail Await(Begun& begun);
   std::vector<char> ReadFromCamera(const DcfObj& picture, std::optional<unsigned long long> listed);
   bool IsFull() const;
   void FinishOldest(const Sink& sink);
@@ -74,13 +82,15 @@ class Sheet {
   void List(const Begun& begun);
 
   Context& context_;
-  Camera& camera_;
+  const boost::shared_ptr<Camera> camera_;
   Beside beside_;
   Progress* progress_ = nullptr;
   std::optional<ThumbnailPool> pool_;
   std::size_t mostBegun_ = 0;
   std::deque<Begun> begun_;  // in the order of the catalogue
   std::size_t bytes_ = 0;    // of these
+  int without_ = 0;          // pictures in a row without an EXIF thumbnail
+  std::size_t begunInAll_ = 0;
   SheetTotals totals_;
   Json list_ = Json::Array();
 };

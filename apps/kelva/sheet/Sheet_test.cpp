@@ -22,36 +22,27 @@ DcfObj Timed(int number, const char* time) {
   return picture;
 }
 
-// A camera whose second picture cannot be read.
-class StumblingCamera : public FakeCamera {
- public:
-  using Camera::ReadFile;
-  std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool flag) override {
-    if (std::string(path).ends_with("IMG_0002.JPG")) throw CameraError("ReadFile() truncated.");
-    return FakeCamera::ReadFile(path, progress, context, flag);
-  }
-};
-
 class SheetTest : public SheetFolderTest, protected SilentContext {
  protected:
   SheetTest() : SilentContext({.json = true}) {
+    camera_.open = true;
     camera_.folder = "I:\\DCIM\\100ABCDE";
     camera_.files["IMG_0001.JPG"] = TinyJpeg::File(1, {90});
     camera_.files["IMG_0002.JPG"] = TinyJpeg::File(1, {90});
     camera_.files["IMG_0003.JPG"] = TinyJpeg::File(2, {90, 90});
   }
 
-  SheetTotals Draw(Camera& camera, const std::vector<DcfObj>& catalogue) {
+  SheetTotals Draw(FakeCamera& camera, const std::vector<DcfObj>& catalogue) {
     cards_.clear();
     Manifest nothing;
-    Sheet sheet(context_, camera, Beside(folder_, nothing, "K1", catalogue));
+    Sheet sheet(context_, Shared(camera), Beside(folder_, nothing, "K1", catalogue));
     sheet.Draw(catalogue, ReadFileSizes(stop_, camera, catalogue),
                [this](const Card& card) { cards_.push_back(card); });
     list_ = sheet.TakeList().Text();
     return sheet.Totals();
   }
 
-  StumblingCamera camera_;
+  FakeCamera camera_;
   std::vector<Card> cards_;
   std::string list_;
 };
@@ -62,6 +53,37 @@ TEST_F(SheetTest, APictureIsReadOnceAndDrawn) {
   EXPECT_EQ(cards_[0].name, "IMG_0001");
   EXPECT_EQ(cards_[0].files[0].size, camera_.files["IMG_0001.JPG"].size());
   EXPECT_EQ(cards_[1].thumbnail->width, 16);
+}
+
+// Larger than its start.
+std::string Large(const std::string& parts) {
+  return TinyJpeg::File(100, std::vector<int>(60'000, 90), parts) + std::string(70'000, 'x');
+}
+
+TEST_F(SheetTest, OfAPictureWithAnExifThumbnailOnlyTheStartIsRead) {
+  camera_.files["IMG_0001.JPG"] = Large(TinyJpeg::ExifPartWith(TinyJpeg::File(2, {90, 90})));
+  EXPECT_EQ(Draw(camera_, {SheetPicture(1)}).drawn, 1U);
+  EXPECT_EQ(camera_.reads, 1);
+  EXPECT_EQ(cards_[0].thumbnail->width, 16);
+  EXPECT_EQ(cards_[0].time, "2026-03-14 15:09:26");
+  EXPECT_EQ(cards_[0].files[0].size, camera_.files["IMG_0001.JPG"].size());
+}
+
+TEST_F(SheetTest, APictureWithoutAnExifThumbnailIsReadWhole) {
+  camera_.files["IMG_0001.JPG"] = Large(TinyJpeg::ExifPart(1));
+  EXPECT_EQ(Draw(camera_, {SheetPicture(1)}).drawn, 1U);
+  EXPECT_EQ(camera_.reads, 2);
+  EXPECT_EQ(cards_[0].thumbnail->height, 400);
+}
+
+TEST_F(SheetTest, WherePicturesHaveNoExifThumbnailTheirStartsAreNotReadBefore) {
+  std::vector<DcfObj> catalogue;
+  for (int number = 1; number <= 60; ++number) {
+    catalogue.push_back(SheetPicture(number));
+    camera_.files["IMG_00" + std::to_string(100 + number).substr(1) + ".JPG"] = Large("");
+  }
+  EXPECT_EQ(Draw(camera_, catalogue).drawn, 60U);
+  EXPECT_LT(camera_.reads, 60 + 20);
 }
 
 TEST_F(SheetTest, CardsKeepTheOrderOfTheCatalogueHoweverLongEachTakes) {
@@ -81,6 +103,9 @@ TEST_F(SheetTest, CardsKeepTheOrderOfTheCatalogueHoweverLongEachTakes) {
 }
 
 TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
+  camera_.onRead = [](const std::string& path) {
+    if (path.ends_with("IMG_0002.JPG")) throw CameraError("truncated");
+  };
   const SheetTotals totals = Draw(camera_, {SheetPicture(1), SheetPicture(2), SheetPicture(3)});
   EXPECT_EQ(totals.drawn, 2U);
   EXPECT_EQ(totals.failed, 1U);
@@ -92,7 +117,7 @@ TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
 TEST_F(SheetTest, AFileThatGoesOnBeyondItsListedSizeOrIsNotListedHasABound) {
   camera_.endless = true;
   EXPECT_EQ(Draw(camera_, {SheetPicture(1), SheetPicture(9)}).failed, 2U);
-  EXPECT_THAT(list_, testing::HasSubstr("lists I:/DCIM/100ABCDE/IMG_0001.JPG with"));
+  EXPECT_THAT(list_, testing::HasSubstr("IMG_0001.JPG: the camera sent a wrong answer (more came than the "));
   EXPECT_THAT(list_, testing::HasSubstr("no folder lists I:/DCIM/100ABCDE/IMG_0009.JPG"));
 }
 
@@ -132,16 +157,12 @@ TEST_F(SheetTest, TheFilesOwnTimeServesWhereTheCatalogueHasNone) {
 }
 
 TEST_F(SheetTest, ACameraThatHasGoneEndsIt) {
-  class Gone : public FakeCamera {
-   public:
-    using Camera::ReadFile;
-    std::vector<char> ReadFile(const char*, void (*)(void*, float), void*, bool) override {
-      throw CameraTransferError(
-          "Transfer error\nCDB=[c4 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00]\nret=0xe00002c0 "
-          "result.status=0x00000000");
-    }
-  } camera;
-  EXPECT_THROW(Draw(camera, {SheetPicture(1)}), CameraError);
+  camera_.onRead = [](const std::string&) {
+    throw CameraTransferError(
+        "Transfer error\nCDB=[c4 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00]\nret=0xe00002c0 "
+        "result.status=0x00000000");
+  };
+  EXPECT_THROW(Draw(camera_, {SheetPicture(1)}), CameraError);
 }
 
 TEST_F(SheetTest, ARequestToStopIsNoticedBeforeTheNextPicture) {

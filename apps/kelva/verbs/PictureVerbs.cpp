@@ -151,7 +151,8 @@ With --sheet the pictures are drawn into one HTML file, which needs no scripts, 
 shows thumbnails of 400 pixels, upright as the camera was held, with name, time, and the types and sizes of the files.
 A picture links to its file if that is in the sheet's folder, or below it where `kelva sync` puts it.
 
-Each JPEG file is read in full. A file that `kelva sync` has fetched into the sheet's folder is read from there if its
+The thumbnail that a camera puts into the first 64 KiB of a JPEG file (EXIF) is taken where there is one. Otherwise the
+file is read in full. A file that `kelva sync` has fetched into the sheet's folder is read from there if its
 SHA-1 is still the same. A few pictures are in memory at a time; as many are drawn at once as there are processors.
 
 A picture that is damaged or missing is reported and gets a placeholder, and the rest goes on (exit status 6). So is a

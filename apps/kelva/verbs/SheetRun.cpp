@@ -121,7 +121,7 @@ ExitCode RunSheet(Context& context, const std::string& path) {
   Page page;
   file.Add(page.Start(FactsOf(camera.Facts(), catalogue)));
   Manifest manifest = ManifestOf(context, folder);
-  Sheet sheet(context, *camera, {folder, manifest, camera.Facts().serial, catalogue});
+  Sheet sheet(context, camera.Pointer(), {folder, manifest, camera.Facts().serial, catalogue});
   sheet.Draw(catalogue, sizes, [&](const Card& card) { file.Add(page.Picture(card)); });
   file.Add(page.End(Made()));
   context.stop.Check();
