@@ -27,6 +27,14 @@ def exif(orientation, time="2026:03:14 15:09:26"):
     return segment(0xE1, b"Exif\0\0II*\0\x08\0\0\0" + first + second + time.encode() + b"\0")
 
 
+def exif_with(thumbnail, orientation=1, time="2026:03:14 15:09:26"):
+    """As exif, and in a third directory behind the time a thumbnail, which is a JPEG file of its own."""
+    first = struct.pack("<HHHLHH", 2, 0x0112, 3, 1, orientation, 0) + struct.pack("<HHLLL", 0x8769, 4, 1, 38, 76)
+    second = struct.pack("<HHHLLL", 1, 0x9003, 2, 20, 56, 0)
+    third = struct.pack("<HHHLLHHLLL", 2, 0x0201, 4, 1, 106, 0x0202, 4, 1, len(thumbnail), 0)
+    return segment(0xE1, b"Exif\0\0II*\0\x08\0\0\0" + first + second + time.encode() + b"\0" + third + thumbnail)
+
+
 def stored(rows, orientation):
     """The rows as a camera that was held in this way stores what a person sees as `rows`."""
     backwards = [list(reversed(row)) for row in rows]

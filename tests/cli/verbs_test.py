@@ -7,14 +7,16 @@ import subprocess
 import time
 
 import bench_of_cameras
+import tiny_jpeg
 from bench_of_cameras import Bus, digest
 
-PICTURE = b"a picture"
+PICTURE = tiny_jpeg.jpeg([[(90, 90, 90)]])
 KEY = digest(PICTURE)
 # The words after each command's name. {out} is a folder of its own, {image} a file of this computer.
 VERBS = {
     "list": "", "watch": "--count 1", "wait": "", "info": "", "ready": "", "battery": "", "done-count": "", "capture": "",
-    "reboot": "", "time": "", "ls": "", "tree": "", "pictures": "", "pictures rm": "IMG_0001", "sync": "{out}",
+    "reboot": "", "time": "", "ls": "", "tree": "", "pictures": "", "pictures rm": "IMG_0001", "thumb": "IMG_0001 --into {out}",
+    "sync": "{out}",
     "get": "I:/NOTE.TXT --into {out}", "put": "{image} I:/PUT.BIN", "rm": "I:/NOTE.TXT",
     "batch get": KEY + " --into {out}", "batch rm": KEY, "raw": KEY + " --into {out}", "wifi name": "den",
     "wifi passphrase": "", "wifi auth": "WPA2", "wifi off": "", "control": "", "control get": "",

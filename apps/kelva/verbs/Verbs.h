@@ -18,6 +18,7 @@ std::span<const Verb> CaptureVerbs();  ///< capture
 std::span<const Verb> ClockVerbs();    ///< time
 std::span<const Verb> FolderVerbs();   ///< ls, tree
 std::span<const Verb> PictureVerbs();  ///< pictures, pictures rm
+std::span<const Verb> ThumbVerbs();    ///< thumb
 std::span<const Verb> SyncVerbs();     ///< sync
 std::span<const Verb> GetVerbs();      ///< get
 std::span<const Verb> ChangeVerbs();   ///< put, rm

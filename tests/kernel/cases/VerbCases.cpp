@@ -164,6 +164,10 @@ const std::vector<Verb> kFiles{
 // What changes the card and the camera for good, and what needs no camera.
 const std::vector<Verb> kChanges{
     {{"capture"}, 0, "", [](auto& rig, auto&) { return rig.Has("DCIM/101ABCDE/IMG_0004.JPG"); }},
+    {{"thumb", "IMG_0004", "--into", "/tmp/verbs"},
+     0,
+     "IMG_0004_thumb.jpg",
+     [](auto&, auto&) { return Content("/tmp/verbs/IMG_0004_thumb.jpg").starts_with("\xFF\xD8"); }},
     {{"pictures", "rm", "IMG_0002"}, 0, "", [](auto& rig, auto&) { return !rig.Has(kSecond); }},
     {{"batch", "rm", kKey}, 0, "", [](auto& rig, auto&) { return !rig.Has(kFirst) && rig.Has(kRaw); }},
     // What is left is a picture that the camera took itself, and two without a JPEG file.
