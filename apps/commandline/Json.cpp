@@ -158,13 +158,22 @@ bool Json::Has(std::string_view name) const {
 }
 
 Json& Json::Push(const Json& value) {
+  std::visit(Printer(NextElement(), nullptr), value.value_);
+  return *this;
+}
+
+Json& Json::PushPrinted(std::string_view text) {
+  NextElement() += text;
+  return *this;
+}
+
+// Where the text of the next element goes.
+std::string& Json::NextElement() {
   std::vector<std::string>& pieces = std::get<Elements>(value_).pieces;
   const bool first = pieces.empty();
   if (first || pieces.back().size() >= kPiece) pieces.emplace_back();
-  std::string& text = pieces.back();
-  if (!first) text += ',';
-  std::visit(Printer(text, nullptr), value.value_);
-  return *this;
+  if (!first) pieces.back() += ',';
+  return pieces.back();
 }
 
 std::string Json::Text() const {

@@ -49,6 +49,8 @@ class Json {
   bool Has(std::string_view name) const;
   /// Adds an element to an array made by Array.
   Json& Push(const Json& value);
+  /// Adds an element that another process of this tool has printed.
+  Json& PushPrinted(std::string_view text);
 
   /// The value in one line, without a line feed.
   std::string Text() const;
@@ -66,6 +68,7 @@ class Json {
       std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Elements, Members, Made>;
   class Printer;
   static Json Holding(Value value);
+  std::string& NextElement();
 
   Value value_;
 };

@@ -87,6 +87,10 @@ TEST(JsonTest, MergeAddsTheMembersOfAnotherObject) {
   EXPECT_EQ(Json::Object().Set("a", 1).Merge(Json::Object().Set("b", 2)).Text(), R"({"a":1,"b":2})");
 }
 
+TEST(JsonTest, WhatWasPrintedBeforeStaysAsItIs) {
+  EXPECT_EQ(Json::Array().Push(1).PushPrinted(R"({"b":[1]})").Push(2).Text(), R"([1,{"b":[1]},2])");
+}
+
 TEST(JsonTest, AnObjectKnowsItsMembers) {
   const Json object = std::move(Json::Object().Set("reason", "gone"));
   EXPECT_TRUE(object.Has("reason"));

@@ -109,6 +109,11 @@ void Reporter::Event(Json members) {
   Write(EventLine("progress", std::move(members)));
 }
 
+void Reporter::Forward(std::string_view line) {
+  const std::scoped_lock lock(mutex_);
+  Write(std::string(line) + "\n");
+}
+
 bool Reporter::IsProgressDue(std::chrono::steady_clock::time_point now) const {
   const std::scoped_lock lock(mutex_);
   return now >= nextProgress_;

@@ -48,6 +48,8 @@ class Reporter {
   void HearCamera();
   /// False while the work waits for something else than the camera, such as the disk: Tick then says nothing.
   void AwaitCamera(bool awaited);
+  /// Passes a line of another process of this program on as it is.
+  void Forward(std::string_view line);
   /// Gives an event in JSON style, unless quiet; does nothing in the other styles.
   void Event(Json members);
   /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a

@@ -65,6 +65,13 @@ TEST(ReporterTest, JsonStyleGivesOneObjectALine) {
             "{\"schema\":1,\"event\":\"error\",\"exit\":5,\"reason\":\"gone\",\"message\":\"It is gone.\"}\n");
 }
 
+TEST(ReporterTest, ALineOfAnotherProcessIsPassedOn) {
+  const Page page;
+  Reporter reporter("kelva", page.Fd(), {.json = true, .quiet = true});
+  reporter.Forward(R"({"event":"error"})");
+  EXPECT_EQ(page.Text(), "{\"event\":\"error\"}\n");
+}
+
 TEST(ReporterTest, NothingIsOverwrittenWhereNobodyWatches) {
   const Page page;
   Reporter reporter("kelva", page.Fd(), {});

@@ -7,6 +7,7 @@
 #include "apps/camera/Explain.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/PictureStart.h"
+#include "apps/camera/Turns.h"
 #include "apps/commandline/Progress.h"
 #include "src/wifi/CameraError.h"
 
@@ -44,6 +45,7 @@ void AskTimes(Context& context, const boost::shared_ptr<Camera>& camera, const s
   unsigned long long bytes = 0;
   for (const DcfObj* picture : pictures) {
     context.stop.Check();
+    LetOthers(context);
     progress.Name(PictureStem(*picture));
     progress.Files(done, pictures.size());
     progress.At(bytes);

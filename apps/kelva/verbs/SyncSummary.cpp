@@ -14,17 +14,6 @@ ExitCode CodeOf(const SyncTotals& totals, const std::optional<Outcome>& ended) {
   return ended || totals.failed != 0 ? ExitCode::kPartial : ExitCode::kDone;
 }
 
-Json Members(const SyncTotals& totals, Json camera) {
-  Json members = std::move(camera);
-  members.Set("stored", totals.stored).Set("bytes", totals.bytes).Set("already_here", totals.alreadyHere);
-  members.Set("checked", totals.checked).Set("read_twice", totals.readTwice).Set("size_only", totals.sizeOnly);
-  members.Set("unlike_key", totals.unlikeKey).Set("numbered", totals.numbered).Set("undated", totals.undated);
-  members.Set("resumed", totals.resumed);
-  members.Set("known", totals.known);
-  members.Set("others", totals.others).Set("others_bytes", totals.othersBytes);
-  return std::move(members.Set("failed", totals.failed).Set("left", totals.Left()).Set("deleted", totals.deleted));
-}
-
 std::string FilesStored(const SyncTotals& totals, bool early) {
   std::string text = std::to_string(totals.stored) + " stored (" + Bytes(totals.bytes) + "), " +
                      std::to_string(totals.known) + " known before, " + std::to_string(totals.failed) + " failed";
@@ -45,7 +34,9 @@ std::string HowChecked(const SyncTotals& totals) {
   return how.empty() ? "" : how + ".\n";
 }
 
-std::string InWords(const SyncTotals& totals, bool early) {
+}  // namespace
+
+std::string SyncInWords(const SyncTotals& totals, bool early) {
   std::string text = FilesStored(totals, early) + HowChecked(totals);
   if (totals.numbered != 0) {
     text += std::to_string(totals.numbered) + " got a number because their name was taken (--verbose names them).\n";
@@ -59,7 +50,13 @@ std::string InWords(const SyncTotals& totals, bool early) {
   return text + OthersInWords(totals.others, totals.othersBytes);
 }
 
-}  // namespace
+Json SyncMembers(const SyncTotals& totals, Json members) {
+  for (const SyncCount& count : kSyncCounts) {
+    if (count.value == &SyncTotals::deleted) members.Set("left", totals.Left());
+    members.Set(count.name, totals.*count.value);
+  }
+  return members;
+}
 
 std::string OthersInWords(unsigned long long files, unsigned long long bytes) {
   if (files == 0) return "";
@@ -72,14 +69,14 @@ ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& 
                      const std::optional<Outcome>& ended) {
   const ExitCode code = CodeOf(totals, ended);
   if (ended) context.reporter.Error(ended->sentence, code);
-  Json members = Members(totals, CameraResult(camera));
+  Json members = SyncMembers(totals, CameraResult(camera));
   if (ended) members.Set("error", ended->sentence);
   if (totals.unlikeKey != 0) {
     context.reporter.Note(
         std::to_string(totals.unlikeKey) +
         " files have another SHA-1 than the catalogue's key says; two equal reads were taken instead.");
   }
-  context.Result(std::move(members), InWords(totals, ended.has_value()), code);
+  context.Result(std::move(members), SyncInWords(totals, ended.has_value()), code);
   if (ended) context.reporter.Note("Run the same command again to fetch the rest.");
   return code;
 }
@@ -88,7 +85,7 @@ SoFar::Done SyncSoFar(const SyncTotals& totals, Json camera) {
   std::string words = std::to_string(totals.stored) + " of " + std::to_string(totals.expected) + " files stored, " +
                       std::to_string(totals.deleted) + " deleted on the camera; the same command goes on";
   if (totals.expected + totals.deleted == 0) words = "nothing was stored yet; the same command starts again";
-  return {std::move(words), Members(totals, std::move(camera))};
+  return {std::move(words), SyncMembers(totals, std::move(camera))};
 }
 
 }  // namespace apps

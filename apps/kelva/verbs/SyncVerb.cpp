@@ -20,6 +20,7 @@
 #include "apps/import/FetchOthers.h"
 #include "apps/import/Others.h"
 #include "apps/import/Sync.h"
+#include "apps/kelva/verbs/SyncAll.h"
 #include "apps/kelva/verbs/SyncChoice.h"
 #include "apps/kelva/verbs/SyncPreview.h"
 #include "apps/kelva/verbs/SyncSummary.h"
@@ -74,6 +75,7 @@ void TellSoFar(const Context& context, const Session& camera) {
 }
 
 ExitCode RunSync(Context& context) {
+  if (context.call.Has("all")) return RunSyncAll(context);
   const SyncChoice choice = SyncChoiceOf(context);
   SyncOptions options;
   options.deleteAfter = context.call.Has("delete-after-verify");
@@ -113,6 +115,8 @@ ExitCode RunSync(Context& context) {
 constexpr Argument kArguments[] = {
     {"FOLDER", "Where the pictures go; it is created if it does not exist.", Argument::Count::kOne, Offer::kFolder}};
 constexpr Option kOptions[] = {
+    {"all", 'a', "",
+     "Sync all attached cameras at once, each into a folder below FOLDER named after its serial number."},
     {"types", 't', "LIST", "Only these types of files: jpg, raw, txt, 128, separated by commas.", Offer::kWords,
      "jpg raw txt 128 jpg,raw"},
     {"everything", 'e', "", "Fetch also what is not in the catalogue: videos, panoramas, files with other names."},
@@ -129,6 +133,7 @@ constexpr Example kExamples[] = {
     {"kelva sync --types jpg --pattern '{year}/{date}_{stem}.{ext}' -n ~/Pictures", "See where pictures would go."},
     {"kelva sync --by month ~/Pictures", "One folder for each month: 2026/03/IMG_0001.JPG."},
     {"kelva sync --everything ~/Pictures/camera", "Fetch videos and all other files too."},
+    {"kelva sync --all ~/Pictures/cameras", "Fetch from all cameras, each into its folder."},
     {"kelva sync --delete-after-verify ~/Pictures/camera", "Make room on the camera, safely."},
 };
 
@@ -169,6 +174,11 @@ with --dry-run, first reads up to 64 KiB of each new picture. A pattern names ea
 {year}/{month}/, --by year is {year}/. A name from the camera cannot add a folder: bytes that are not
 safe in a file name are written as %XX.
 
+With --all each camera has a process, a list of fetched files and a folder of its own, FOLDER/SERIAL: names of two cameras never
+meet, and one camera that fails does not hold up the others. What `kelva sync` fetched into FOLDER itself is not known
+there. To collect several cameras in one folder, sync them one after another with --serial. The exit status is 0 if all
+succeeded, that of the first camera if none did, otherwise 6.
+
 Large files come in pieces. Memory is needed for the catalogue, 128 bytes for each picture, and for what is on its way to
 the disk, 4 MB; it does not depend on the size of a file.)",
      R"(events, one object a line: stored (path, file, size, sha1, verified, was_here, numbered), failed (path, error), deleted
@@ -191,7 +201,8 @@ deleted: how many were deleted on the camera
 error: what ended the run early
 new, bytes, unlisted: with --dry-run, how many files would be fetched, their total size, and how many have no known size
 folders: with --dry-run, array of folder (below FOLDER), files, bytes
-free: with --dry-run, bytes that are free for FOLDER)",
+free: with --dry-run, bytes that are free for FOLDER
+cameras: with --all, array of the results of each camera; the counts are then sums, and each event has serial)",
      kExamples, RunSync, true}};
 
 }  // namespace
