@@ -52,7 +52,7 @@ class Progress {
   void Name(std::string_view what);
   /// For several files: how many are done, of how many.
   void Files(unsigned long long done, unsigned long long total);
-  /// Begins a part of the work, with bytes, files and time counted from here: "reading", "comparing", "deleting".
+  /// Begins a part of the work, with bytes, files and time counted from here: "dates", "reading", "deleting".
   void Phase(std::string_view phase);
   /// Takes the line away.
   void Clear();

@@ -5,9 +5,11 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/PictureList.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/FileCalls.h"
@@ -15,6 +17,10 @@
 
 namespace apps {
 namespace {
+
+std::string IdentityOf(const DcfObj& picture) {
+  return {reinterpret_cast<const char*>(&picture), offsetof(DcfObj, hasJpg)};
+}
 
 constexpr std::size_t kMostInGroup = 256;
 constexpr std::chrono::milliseconds kGroupTime{500};
@@ -30,9 +36,13 @@ Deletions::~Deletions() {
 }
 
 std::string Deletions::Delete(const SyncItem& item) {
-  std::string why = WhyNot(item);
+  const auto row = manifest_.Find(item.Key());
+  std::string why = WhyNotHere(item, row);
   if (!why.empty()) return why;
   const std::string path = item.CameraPath();
+  if (!IsAsFetched(item, *row)) {
+    return ShownPath(path) + " is no longer what was fetched from there; it was not deleted.";
+  }
   if (!camera_.DeleteFile(path.c_str())) return "The camera refused to delete " + ShownPath(path) + ".";
   unmarked_.push_back(item.Key());
   if (unmarked_.size() >= kMostInGroup || Clock::now() - lastGroup_ >= kGroupTime) Finish();
@@ -44,9 +54,26 @@ void Deletions::Finish() {
   lastGroup_ = Clock::now();
 }
 
+void Deletions::Renew() {
+  catalogue_.reset();
+  sizes_.reset();
+}
+
+// The picture's entry in the catalogue, the listed size, and the content, as the entry's key says or as it is read now.
+bool Deletions::IsAsFetched(const SyncItem& item, const ManifestRow& row) {
+  if (!catalogue_) {
+    catalogue_.emplace();
+    for (const DcfObj& picture : ReadPictures(camera_)) catalogue_->emplace(IdentityOf(picture), picture);
+    sizes_.emplace(camera_);
+  }
+  const auto entry = catalogue_->find(IdentityOf(item.Picture()));
+  if (entry == catalogue_->end() || std::memcmp(&entry->second, &item.Picture(), sizeof(DcfObj)) != 0) return false;
+  if (sizes_->SizeOf(item.CameraPath()) != row.size) return false;
+  return row.sha1 == item.ExpectedSha1() || hash_(item) == row.sha1;
+}
+
 // Looks at the file here once more: only what is still what was fetched may go on the camera.
-std::string Deletions::WhyNot(const SyncItem& item) {
-  const auto row = manifest_.Find(item.Key());
+std::string Deletions::WhyNotHere(const SyncItem& item, const std::optional<ManifestRow>& row) const {
   const std::string here = Printable(row ? row->path : item.LocalText());
   const std::string kept = ", so the file on the camera was not deleted.";
   if (!row) return here + " was not fetched" + kept;

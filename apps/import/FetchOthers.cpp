@@ -31,7 +31,8 @@ std::string TokenOf(const OtherFile& file) {
 }  // namespace
 
 FetchOthers::FetchOthers(Context& context, boost::shared_ptr<Camera> camera, std::string serial,
-                         const TargetFolder& folder, Manifest& manifest, SyncOptions options, SyncTally& tally)
+                         const TargetFolder& folder, Manifest& manifest, const CutFiles& cuts, SyncOptions options,
+                         SyncTally& tally)
     : context_(context),
       camera_(std::move(camera)),
       serial_(std::move(serial)),
@@ -39,7 +40,7 @@ FetchOthers::FetchOthers(Context& context, boost::shared_ptr<Camera> camera, std
       manifest_(manifest),
       options_(options),
       tally_(tally),
-      folders_(folder),
+      folders_(folder, [&cuts](const std::string& path) { return cuts.Keeps(path); }),
       progress_(context.reporter, context.stop, "", 0) {}
 
 std::optional<Outcome> FetchOthers::Run(const OtherFiles& files) {
@@ -47,8 +48,12 @@ std::optional<Outcome> FetchOthers::Run(const OtherFiles& files) {
   try {
     ForEach(files.fresh, "reading", [this](const OtherFile& file) { Fetch(file); });
     if (options_.deleteAfter) {
-      ForEach(files.known, "comparing", [this](const OtherFile& file) { CompareKnown(file); });
-      ForEach(std::exchange(deletable_, {}), "deleting", [this](const OtherFile& file) { Delete(file); });
+      ForEach(files.known, "deleting", [this](const OtherFile& file) { Delete(file); });
+      ForEach(std::exchange(stored_, {}), "deleting", [this](const OtherFile& file) {
+        if (!Delete(file) || options_.verify) return;
+        --tally_.sizeOnly;
+        ++tally_.readTwice;
+      });
     }
     MarkDeleted();
   } catch (const std::exception& error) {
@@ -157,7 +162,7 @@ void FetchOthers::Record(const OtherFile& file, const Stored& stored, const std:
   ++(options_.verify ? tally_.readTwice : tally_.sizeOnly);
   ++(stored.wasThere ? tally_.alreadyHere : tally_.undated);
   if (isNumbered) ++tally_.numbered;
-  if (options_.deleteAfter) deletable_.push_back(file);
+  if (options_.deleteAfter) stored_.push_back(file);
   if (isNumbered && context_.reporter.Style().verbose && !context_.Json()) {
     context_.reporter.Note(ShownPath(file.path) + " is " + Printable(local.Text()) + ", because its name was taken.");
   }
@@ -167,27 +172,34 @@ void FetchOthers::Record(const OtherFile& file, const Stored& stored, const std:
   context_.Event("stored", std::move(members.Set("numbered", isNumbered)), "");
 }
 
-// Read once more, so that what is deleted is still what was stored.
-void FetchOthers::CompareKnown(const OtherFile& file) {
-  const InItem inItem(context_.guard, TokenOf(file), ShownPath(file.path));
-  kelva::FileReader reader = Open(file);
-  Sha1Sum sum;
-  Read(reader, [&](std::uint64_t, std::span<const char> bytes) { sum.Add(bytes); });
-  const auto row = manifest_.Find(file.Key(serial_));
-  if (row && row->sha1 == sum.Take()) return deletable_.push_back(file);
-  Fail(file, ShownPath(file.path) + " is no longer what was fetched from there; it was not deleted.");
-}
-
-void FetchOthers::Delete(const OtherFile& file) {
+// In one turn with the camera: what was compared is what is deleted.
+bool FetchOthers::Delete(const OtherFile& file) {
   std::string why = WhyNotDelete(file);
   if (why.empty() && !camera_->DeleteFile(file.path.c_str())) why = "The camera refused to delete it.";
-  if (!why.empty()) return Fail(file, ShownPath(file.path) + " was not deleted: " + why);
+  if (!why.empty()) return Fail(file, ShownPath(file.path) + " was not deleted: " + why), false;
   unmarked_.push_back(file.Key(serial_));
   ++tally_.deleted;
   if (context_.Json()) context_.Event("deleted", Json::Object().SetBytes("path", file.path), "");
+  return true;
 }
 
-// Looks at the file here once more: only what is still what was fetched may go on the camera.
+std::string FetchOthers::HashOnCamera(const OtherFile& file) {
+  const InItem inItem(context_.guard, TokenOf(file), ShownPath(file.path));
+  kelva::FileReader reader = Open(file);
+  HoldForLong(context_);
+  Sha1Sum sum;
+  std::vector<char> piece(kPieceOfOther);
+  for (std::uint64_t at = 0; at < reader.Size();) {
+    const std::size_t count = reader.Read(at, piece);
+    sum.Add(std::span(piece).first(count));
+    at += count;
+    readBytes_ += count;
+    progress_.At(readBytes_);
+  }
+  return sum.Take();
+}
+
+// Looks at both files once more: only what is still what was fetched may go on the camera.
 std::string FetchOthers::WhyNotDelete(const OtherFile& file) {
   const auto row = manifest_.Find(file.Key(serial_));
   if (!row) return "it was not fetched.";
@@ -197,7 +209,8 @@ std::string FetchOthers::WhyNotDelete(const OtherFile& file) {
     return Printable(row->path) + " is not where it was stored.";
   }
   const bool same = static_cast<unsigned long long>(status.st_size) == row->size && Sha1OfFile(here.Get()) == row->sha1;
-  return same ? "" : Printable(row->path) + " was edited after it was fetched.";
+  if (!same) return Printable(row->path) + " was edited after it was fetched.";
+  return HashOnCamera(file) == row->sha1 ? "" : "it is no longer what was fetched from there.";
 }
 
 // At the end: a file that a killed process did not mark is no longer on the camera, and costs nothing but its mark.

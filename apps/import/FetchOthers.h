@@ -11,6 +11,7 @@
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Progress.h"
+#include "apps/import/CutFiles.h"
 #include "apps/import/Folders.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Others.h"
@@ -28,7 +29,7 @@ class FetchOthers {
  public:
   /// All outlive this.
   FetchOthers(Context& context, boost::shared_ptr<Camera> camera, std::string serial, const TargetFolder& folder,
-              Manifest& manifest, SyncOptions options, SyncTally& tally);
+              Manifest& manifest, const CutFiles& cuts, SyncOptions options, SyncTally& tally);
 
   /// As Sync::Run, deletions included: a file goes on the camera when it was read twice, equal, and is on disk here.
   std::optional<Outcome> Run(const OtherFiles& files);
@@ -40,8 +41,8 @@ class FetchOthers {
                const std::function<void(const OtherFile&)>& work);
   bool LeaveOut(const OtherFile& file);
   void Fetch(const OtherFile& file);
-  void CompareKnown(const OtherFile& file);
-  void Delete(const OtherFile& file);
+  bool Delete(const OtherFile& file);
+  std::string HashOnCamera(const OtherFile& file);
   std::string WhyNotDelete(const OtherFile& file);
   void MarkDeleted();
   kelva::FileReader Open(const OtherFile& file);
@@ -59,7 +60,7 @@ class FetchOthers {
   Folders folders_;
   Progress progress_;
   unsigned long long readBytes_ = 0;
-  std::vector<OtherFile> deletable_;
+  std::vector<OtherFile> stored_;
   std::vector<ManifestKey> unmarked_;
 };
 

@@ -26,7 +26,7 @@ class FetchOthersTest : public SyncFolderTest, protected SilentContext {
   }
   SyncTotals Run(SyncOptions options = {}) {
     SyncTally tally(nullptr);
-    FetchOthers fetch(context_, camera_, "K1", folder_, manifest_, options, tally);
+    FetchOthers fetch(context_, camera_, "K1", folder_, manifest_, cuts_, options, tally);
     ended_ = fetch.Run(FindOthers(context_, *camera_, {}, "K1", manifest_));
     return tally.Now();
   }
@@ -98,7 +98,7 @@ TEST_F(FetchOthersTest, OneOfAnEarlierRunIsReadOnceMoreBeforeItIsDeleted) {
   EXPECT_EQ(totals.deleted, 1U);
   EXPECT_EQ(totals.failed, 1U);
   EXPECT_TRUE(CameraHas("MVI_0001.MP4"));
-  EXPECT_THAT(Said(), HasSubstr("is no longer what was fetched from there; it was not deleted"));
+  EXPECT_THAT(Said(), HasSubstr("was not deleted: it is no longer what was fetched from there."));
 }
 
 TEST_F(FetchOthersTest, OneThatIsEditedHereStaysOnTheCamera) {

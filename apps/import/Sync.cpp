@@ -84,7 +84,6 @@ std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
     try {
       ReadAll(plan, writers);
       ReadDoubtful(writers);
-      if (options_.deleteAfter) CompareAll(plan);
     } catch (const Stopped&) {
       writers.Abandon();
       throw;
@@ -99,7 +98,7 @@ std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
     }
   }
   context_.reporter.AwaitCamera(true);
-  if (!ended && options_.deleteAfter) ended = DeleteVerified();
+  if (!ended && options_.deleteAfter) ended = DeleteVerified(plan);
   progress_.Clear();
   return ended;
 }
@@ -125,13 +124,6 @@ void Sync::ForEach(const SyncPlan& plan, std::string_view phase, Chosen chosen, 
 void Sync::ReadAll(const SyncPlan& plan, Writers& writers) {
   ForEach(
       plan, "reading", [](const SyncItem& i) { return i.IsNew(); }, [&](const SyncItem& i) { Fetch(i, writers); });
-}
-
-// Known files are read once more only before they are deleted on the camera.
-void Sync::CompareAll(const SyncPlan& plan) {
-  ForEach(
-      plan, "comparing", [](const SyncItem& i) { return !i.IsNew() && !i.IsDeleted(); },
-      [this](const SyncItem& i) { CompareKnown(i); });
 }
 
 void Sync::Try(const SyncItem& item, const std::function<void()>& work) {
@@ -318,16 +310,16 @@ void Sync::Submit(Writers& writers, WriteJob job) {
 }
 
 // Read once more, so that what is deleted is still what was stored.
-void Sync::CompareKnown(const SyncItem& item) {
-  const auto known = manifest_.Find(item.Key());
+std::string Sync::HashOnCamera(const SyncItem& item) {
   const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
   kelva::FileReader reader = Open(item);
-  if (!known || HashOf(reader) != known->sha1) {
-    Fail(item, ShownPath(item.CameraPath()) + " is no longer what was fetched from there; it was not deleted.");
-    return;
+  HoldForLong(context_);
+  std::string sha1 = HashOf(reader);
+  if (onceRead_.erase(&item) != 0) {
+    --totals_.sizeOnly;
+    ++totals_.readTwice;
   }
-  const std::scoped_lock lock(mutex_);
-  deletable_.push_back(&item);
+  return sha1;
 }
 
 // Looks into the folder first, since a listing would end the selection.
@@ -411,7 +403,6 @@ void Sync::OnOutcome(const WriteOutcome& outcome) {
     return;
   }
   CountStored(outcome);
-  if (options_.deleteAfter && outcome.row->verified) deletable_.push_back(outcome.item);
   if (!context_.Json()) return;
   Json members = Json::Object().SetBytes("path", outcome.item->CameraPath()).SetBytes("file", outcome.row->path);
   members.Set("size", outcome.row->size).Set("sha1", outcome.row->sha1).Set("verified", outcome.row->verified);
@@ -428,7 +419,10 @@ void Sync::CountStored(const WriteOutcome& outcome) {
   if (!outcome.isDated) ++totals_.undated;
   if (asKey) ++totals_.checked;
   if (row.verified) ++totals_.readTwice;
-  if (!asKey && !row.verified) ++totals_.sizeOnly;
+  if (!asKey && !row.verified) {
+    ++totals_.sizeOnly;
+    onceRead_.insert(outcome.item);
+  }
   if (!IsNumbered(outcome)) return;
   ++totals_.numbered;
   if (context_.reporter.Style().verbose && !context_.Json()) {
@@ -446,15 +440,30 @@ void Sync::Fail(const SyncItem& item, const std::string& sentence) {
   context_.Event("failed", Json::Object().SetBytes("path", item.CameraPath()).Set("error", sentence), "");
 }
 
-std::optional<Outcome> Sync::DeleteVerified() {
-  Deletions deletions(*camera_, folder_, manifest_);
+// What is on disk here, stored by this run or by an earlier one.
+std::vector<const SyncItem*> Sync::Fetched(const SyncPlan& plan) {
+  std::vector<const SyncItem*> items;
+  for (const SyncItem& item : plan.items) {
+    if (!item.IsDeleted() && manifest_.Find(item.Key())) items.push_back(&item);
+  }
+  return items;
+}
+
+std::optional<Outcome> Sync::DeleteVerified(const SyncPlan& plan) {
+  Deletions deletions(*camera_, folder_, manifest_, [this](const SyncItem& item) { return HashOnCamera(item); });
   progress_.Phase("deleting");
   readBytes_ = 0;
   unsigned long long done = 0;
+  const DcfObj* picture = nullptr;
   try {
-    for (const SyncItem* item : deletable_) {
+    const std::vector<const SyncItem*> items = Fetched(plan);
+    for (const SyncItem* item : items) {
       context_.stop.Check();
-      ShowProgress(done++, deletable_.size(), *item);
+      // All files of a picture go in one turn.
+      if (picture != &item->Picture() && LetOthers(context_)) deletions.Renew();
+      picture = &item->Picture();
+      ShowProgress(done++, items.size(), *item);
+      if (context_.guard != nullptr && LeaveOut(*item)) continue;
       context_.Doing("delete " + ShownPath(item->CameraPath()));
       Try(*item, [&] { DeleteOne(*item, deletions); });
     }

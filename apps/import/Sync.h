@@ -4,6 +4,7 @@
 #include <boost/shared_ptr.hpp>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,7 +29,7 @@ namespace apps {
 
 struct SyncOptions {
   bool verify = false;       ///< read each new file twice
-  bool deleteAfter = false;  ///< delete on the camera what was read twice and is on disk
+  bool deleteAfter = false;  ///< delete on the camera what is on disk, and is as its key says or is read once more
 };
 
 /// Carries out a plan: reads on the calling thread, stores on others, and deletes last. A file that fails is reported
@@ -47,7 +48,6 @@ class Sync {
 
  private:
   void ReadAll(const SyncPlan& plan, Writers& writers);
-  void CompareAll(const SyncPlan& plan);
   template <typename Chosen, typename Work>
   void ForEach(const SyncPlan& plan, std::string_view phase, Chosen chosen, Work work);
   void Try(const SyncItem& item, const std::function<void()>& work);
@@ -63,7 +63,8 @@ class Sync {
   void DropGone(const SyncPlan& plan);
   void LearnTime(const SyncItem& item, std::span<const char> start);
   void LearnTimeOfPart(const SyncItem& item, kelva::FileReader& reader);
-  void CompareKnown(const SyncItem& item);
+  std::string HashOnCamera(const SyncItem& item);
+  std::vector<const SyncItem*> Fetched(const SyncPlan& plan);
   kelva::FileReader Open(const SyncItem& item);
   std::vector<char> ReadWhole(kelva::FileReader& reader);
   std::string HashOf(kelva::FileReader& reader);
@@ -73,7 +74,7 @@ class Sync {
   void Submit(Writers& writers, WriteJob job);
   void ReadDoubtful(Writers& writers);
   void ReadAgain(const SyncItem& item, const std::string& first, Writers& writers);
-  std::optional<Outcome> DeleteVerified();
+  std::optional<Outcome> DeleteVerified(const SyncPlan& plan);
   void DeleteOne(const SyncItem& item, Deletions& deletions);
   void OnOutcome(const WriteOutcome& outcome);
   void CountStored(const WriteOutcome& outcome);
@@ -91,7 +92,7 @@ class Sync {
   Progress progress_;
   unsigned long long readBytes_ = 0;
   SyncTally totals_;
-  std::vector<const SyncItem*> deletable_;
+  std::set<const SyncItem*> onceRead_;  // stored in this run, of which nothing but the size was compared
   std::vector<std::pair<const SyncItem*, std::string>> doubtful_;  // with what they hash to, which is not their key
   std::mutex mutex_;  // totals, output and both lists: reached from the writers
 };

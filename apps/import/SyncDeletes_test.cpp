@@ -39,9 +39,26 @@ TEST_F(SyncDeletesTest, AFileHereThatIsNoLongerTheSameKeepsItsPictureOnTheCamera
   EXPECT_THAT(Said(), HasSubstr("kelva: 100ABCDE/IMG_0003.JPG is no longer a file, so"));
 }
 
-TEST_F(SyncDeletesTest, WhatWasReadOnlyOnceIsNotDeleted) {
-  EXPECT_EQ(Run({.verify = false, .deleteAfter = true}).deleted, 0U);
-  EXPECT_TRUE(CameraHas("IMG_0001.JPG") && CameraHas("IMG_0002.JPG"));
+TEST_F(SyncDeletesTest, WhatIsNotAsItsKeySaysIsReadOnceMoreBeforeItIsDeleted) {
+  camera_.files["IMG_0002.JPG"] = "one";
+  const SyncTotals totals =
+      Run({.deleteAfter = true}, {Picture(1), Picture(2, "fe05bcdcdc4928012781a5f1a2a77cbb5398e106")});
+  EXPECT_EQ(totals.deleted, 2U);
+  EXPECT_EQ(camera_.reads, 3);
+  EXPECT_EQ(totals.checked, 1U);
+  EXPECT_EQ(totals.readTwice, 1U);
+  EXPECT_EQ(totals.sizeOnly, 0U);
+}
+
+TEST_F(SyncDeletesTest, APictureThatAnotherProgramReplacedAfterItWasStoredStays) {
+  camera_.onRead = [&](const std::string&) {
+    if (camera_.reads == 3) camera_.files["IMG_0001.JPG"] = "eno";  // before the second read of the first
+  };
+  const SyncTotals totals = Run({.deleteAfter = true});
+  EXPECT_EQ(totals.deleted, 1U);
+  EXPECT_EQ(totals.failed, 1U);
+  EXPECT_TRUE(CameraHas("IMG_0001.JPG"));
+  EXPECT_EQ(Text("100ABCDE/IMG_0001.JPG"), "one");
 }
 
 TEST_F(SyncDeletesTest, WithoutTheWishNothingIsDeleted) {
@@ -74,10 +91,10 @@ TEST_F(SyncDeletesTest, APictureThatHasChangedIsNamed) {
 
 TEST_F(SyncDeletesTest, WhatWasDeletedIsNotAskedForAgain) {
   EXPECT_EQ(Run(kVerifyAndDelete).deleted, 2U);
-  EXPECT_EQ(camera_.reads, 4);
+  EXPECT_EQ(camera_.reads, 6);
   const SyncTotals totals = Run(kVerifyAndDelete);
   EXPECT_EQ(totals.deleted + totals.failed, 0U);
-  EXPECT_EQ(camera_.reads, 4);
+  EXPECT_EQ(camera_.reads, 6);
 }
 
 TEST_F(SyncDeletesTest, ACameraThatHasGoneEndsTheDeletions) {

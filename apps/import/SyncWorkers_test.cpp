@@ -82,7 +82,7 @@ TEST_F(SyncWorkersDeathTest, AnAbortAfterAReadThatFailedIsNotBlamedOnThatFile) {
     std::cerr << camera_.reads << " read" << std::flush;
     std::abort();
   };
-  EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}, kVerifyAndDelete), ExitedWithCode(1), "^3 readaborted$");
+  EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}, kVerifyAndDelete), ExitedWithCode(1), "^4 readaborted$");
 }
 
 }  // namespace

@@ -489,6 +489,7 @@ TEST_F(LargeFilesTest, AFullDiskEndsTheRunWithItsSentence) {
 TEST_F(SyncTest, AMarkThatCannotBeWrittenEndsTheRunAndItsTotalsAreKept) {
   RecordingCalls calls(path_);
   camera_.onDelete = [&](const std::string&) { calls.FailAt(1, ENOSPC); };
+  camera_.catalogue = {Picture(1), Picture(2)};
   const SyncPlan plan = Plan({Picture(1), Picture(2)});
   const auto sync = std::make_unique<Sync>(context_, Shared(camera_), folder_, manifest_, kVerifyAndDelete);
   const auto ended = sync->Run(plan);

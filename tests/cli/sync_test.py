@@ -82,10 +82,12 @@ class SyncTest(Bus):
 
     def test_too_many_bytes_of_a_known_file_leave_it_and_delete_the_rest(self):
         self.pictures(3, 100)
+        self.unplug()
+        self.vcam("plug", "--serial", "K1", "--storage", self.drive, "--no-keys")
         self.complete(3)
-        # Two commands for the catalogue, five to look for other files, two for the listing of the folder, and the third of
-        # the first file.
-        self.fault("surplus2", 12)
+        # Two commands for the catalogue, five to look for other files; then, to delete, two for the catalogue, two for each
+        # of two looks at the folder, and the third of the first file.
+        self.fault("surplus2", 16)
         run = self.kelva("sync", "--delete-after-verify", "--json", self.target)
         document = json.loads(run.stdout.splitlines()[-1])
         self.assertEqual((run.returncode, document["deleted"], document["failed"]), (6, 2, 1), run.stderr)

@@ -5,10 +5,12 @@
 #include <boost/shared_ptr.hpp>
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "src/wifi/DcfObj.h"
 #include "src/wifi/LittleEndian.h"
 #include "src/wifi/VscRegister.h"
 #include "src/wifi/testing/PlainCamera.h"
@@ -72,6 +74,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
   std::string folder = "I:";
   std::map<std::string, std::string> files;
   std::vector<std::string> folders;
+  std::vector<DcfObj> catalogue;
   int reads = 0;
   bool lastFlag = false;     ///< that the last read was sent with
   int lie = 0;               ///< added to every size in a listing
@@ -87,7 +90,9 @@ class FakeCamera : public wifi_testing::PlainCamera {
 
  private:
   bool Select(const _VscCdb& cdb, const char* path) {
-    if (cdb.bytes[kelva::at::kSubCode] == kelva::select::kDirectory) {
+    if (cdb.bytes[kelva::at::kSubCode] == kelva::select::kCatalogue) {
+      selected_ = Encode(catalogue);
+    } else if (cdb.bytes[kelva::at::kSubCode] == kelva::select::kDirectory) {
       selected_ = Encode(ReadDir(path));
     } else if (cdb.bytes[kelva::at::kParameter] == kelva::kSelectForWriting) {
       writing_ = NameIn(path);
@@ -126,6 +131,14 @@ class FakeCamera : public wifi_testing::PlainCamera {
       names += entry.name + '\0';
     }
     return table + names;
+  }
+  /// Version, size of a record and number of fields; type and place of each field; the records as they are in memory.
+  static std::string Encode(const std::vector<DcfObj>& pictures) {
+    constexpr std::size_t kPlaces[] = {0, 24, 28, 32, 36, 40, 44, 48, 96, 124};
+    std::string bytes = Word(1) + Word(sizeof(DcfObj)) + Word(std::size(kPlaces));
+    for (std::size_t type = 0; type < std::size(kPlaces); ++type) bytes += Word(type) + Word(kPlaces[type]);
+    for (const DcfObj& picture : pictures) bytes.append(reinterpret_cast<const char*>(&picture), sizeof picture);
+    return bytes;
   }
   static std::string NameIn(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 

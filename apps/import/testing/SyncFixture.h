@@ -48,6 +48,7 @@ class SyncTest : public SyncFolderTest, protected SilentContext {
  private:
   SyncTotals Run(SyncOptions options, const std::vector<DcfObj>& catalogue, bool ends) {
     const SyncPlan plan = Plan(catalogue);
+    camera_.catalogue = catalogue;
     // On the heap: ThreadSanitizer takes the mutexes of two tests that stood at one place of the stack for one.
     const auto sync = std::make_unique<Sync>(context_, Shared(camera_), folder_, manifest_, options);
     ended_ = sync->Run(plan);

@@ -79,7 +79,7 @@ ExitCode RunSync(Context& context) {
   const SyncChoice choice = SyncChoiceOf(context);
   SyncOptions options;
   options.deleteAfter = context.call.Has("delete-after-verify");
-  options.verify = options.deleteAfter || context.call.Has("verify");
+  options.verify = context.call.Has("verify");
 
   const std::string& path = context.call.words[0];
   if (context.call.Has("dry-run")) return RunDry(context, path, choice);
@@ -103,7 +103,7 @@ ExitCode RunSync(Context& context) {
   auto ended = CheckRoom(*camera, plan, choice.everything ? &others : nullptr, folder);
   if (!ended) ended = sync.Run(plan);
   if (!ended && choice.everything) {
-    ended = FetchOthers(context, camera.Pointer(), serial, folder, manifest, options, sync.Tally()).Run(others);
+    ended = FetchOthers(context, camera.Pointer(), serial, folder, manifest, cuts, options, sync.Tally()).Run(others);
   }
   NoteTrouble(context, times);
   if (others.isCut) {
@@ -126,7 +126,7 @@ constexpr Option kOptions[] = {
     {"dry-run", 'n', "", "Fetch nothing; show which files would be fetched, their names, sizes and the free space."},
     {"verify", 0, "", "Read each new file a second time and compare."},
     {"delete-after-verify", 0, "",
-     "Delete a file on the camera once it was read twice with the same content and is on disk here."},
+     "Delete a file on the camera once it is on disk here, and is as its key says or was read twice, equal."},
 };
 constexpr Example kExamples[] = {
     {"kelva sync ~/Pictures/camera", "Fetch what is new."},
