@@ -1,11 +1,13 @@
 """--trace and KELVA_TRACE: what is in a trace of the tool, what never is, and whose file it may be."""
 
+import glob
 import json
 import os
 import random
 import signal
 import stat
 import subprocess
+import time
 import zlib
 
 import bench_of_cameras
@@ -160,11 +162,16 @@ class TraceTest(Bus):
         self.assertEqual(self.lines("camera")[0]["serial"], serial)
 
     def test_every_process_of_a_sync_adds_to_one_trace(self):
-        self.pictures(3, 1000)
-        # Two surplus bytes end the process in the middle of a file; another one goes on.
-        self.fault("surplus2", 7)
-        run = self.kelva("sync", self.folder + "/out", "--trace", self.trace)
-        self.assertEqual(run.returncode, 6, run.stderr)
+        self.pictures(1, 3_000_000)
+        self.fault("slow", 20)
+        run = self.start("sync", self.folder + "/out", "--trace", self.trace)
+        while not glob.glob(self.folder + "/out/100ABCDE/.kelva-*.part"):
+            self.assertIsNone(run.poll(), "it ended before a file began")
+            time.sleep(0.01)
+        with open(f"/proc/{run.pid}/task/{run.pid}/children", encoding="ascii") as children:
+            os.kill(int(children.read()), signal.SIGKILL)
+        _, messages = run.communicate(timeout=60)
+        self.assertEqual(run.returncode, 0, messages)
         self.assertEqual(len(self.lines("trace")), 1)
         self.assertEqual(len({line["process"] for line in self.lines("exchange")}), 2)
 
