@@ -28,6 +28,7 @@ class Bus(unittest.TestCase):
         self.folder = tempfile.mkdtemp(prefix="kelva-cli-")
         self.drive = os.path.join(self.folder, "drive")
         os.mkdir(self.drive)
+        os.environ["XDG_CACHE_HOME"] = os.path.join(self.folder, "cache")
         self.socket = os.path.join(self.folder, "bus")
         self.addCleanup(shutil.rmtree, self.folder)
         self.server = subprocess.Popen([BIN + "/kelva-vcam", "serve", "--socket", self.socket],

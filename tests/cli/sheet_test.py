@@ -59,6 +59,10 @@ class SheetTest(Bus):
     def picture(self, number, content=None, folder="100ABCDE"):
         self.put(f"DCIM/{folder}/IMG_{number:04d}.JPG", content or tiny_jpeg.jpeg([[GREY, GREY]]))
 
+    def forget(self):
+        """What earlier sheets drew."""
+        shutil.rmtree(os.environ["XDG_CACHE_HOME"], ignore_errors=True)
+
     def only_the_sheet(self):
         self.assertEqual(os.listdir(self.target), ["sheet.html"])
 
@@ -196,6 +200,7 @@ class SheetTest(Bus):
             self.picture(number)
         for fault in ("fail", "short", "surplus1", "surplus2", "stall", "lie-size"):
             for at in range(1, 13):
+                self.forget()
                 self.fault(fault, at)
                 run = self.draw("--timeout", "20")
                 if run.returncode in (0, 6):
@@ -212,6 +217,7 @@ class SheetTest(Bus):
         self.picture(2)
         seen = set()
         for at in range(4, 9):
+            self.forget()
             self.fault("surplus2", at)
             run = self.draw()
             if run.returncode == 6:

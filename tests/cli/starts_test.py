@@ -2,6 +2,7 @@
 
 import json
 import os
+import shutil
 
 import bench_of_cameras
 import tiny_jpeg
@@ -46,6 +47,10 @@ class StartsTest(Bus):
             self.assertEqual(json.loads(said.splitlines()[-1])["drawn"], COUNT)
             self.assertLess(count, COUNT * SIZE // 100)
             self.assertGreater(count, COUNT * 1000)
+            count, said = self.read("pictures", "--sheet", self.target + "/sheet.html", "--force", "--json")
+            self.assertEqual(json.loads(said.splitlines()[-1])["kept"], COUNT)
+            self.assertLess(count, COUNT * 300, "the catalogue and a listing")
+            shutil.rmtree(os.environ["XDG_CACHE_HOME"])
 
     def test_thumbnails_read_one_byte_in_a_hundred(self):
         for _ in self.each_camera():

@@ -27,7 +27,7 @@ std::string Image(const Card& card) {
   const std::string size = "width=\"" + std::to_string(card.thumbnail->width) + "\" height=\"" +
                            std::to_string(card.thumbnail->height) + "\"";
   return "<img src=\"" + ImageAddress(card.thumbnail->jpeg) + "\" " + size + " alt=\"Picture " +
-         Html(card.folder + "/" + card.name) + "\" decoding=\"async\">";
+         Html(card.folder + "/" + card.name) + "\" loading=\"lazy\" decoding=\"async\">";
 }
 
 std::string Placeholder(const Card& card) {

@@ -14,6 +14,7 @@
 #include "apps/camera/ReadLimit.h"
 #include "apps/camera/Turns.h"
 #include "apps/decoder/Jpeg.h"
+#include "apps/files/Sha1.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {
@@ -48,8 +49,12 @@ std::vector<DcfObj> InSheetOrder(std::vector<DcfObj> catalogue) {
   return catalogue;
 }
 
-Sheet::Sheet(Context& context, boost::shared_ptr<Camera> camera, Beside beside)
-    : context_(context), camera_(std::move(camera)), beside_(std::move(beside)) {}
+Sheet::Sheet(Context& context, boost::shared_ptr<Camera> camera, Beside beside, DrawnBefore* drawn, std::string serial)
+    : context_(context),
+      camera_(std::move(camera)),
+      beside_(std::move(beside)),
+      drawn_(drawn),
+      serial_(std::move(serial)) {}
 
 void Sheet::Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSizes>& sizes, const Sink& sink) {
   Progress progress(context_.reporter, context_.stop, "", BytesToDraw(sizes));
@@ -94,7 +99,20 @@ void Sheet::Begin(const DcfObj& picture, const FileSizes& sizes) {
     return;
   }
   begun.path = ShownPath(PicturePath(picture, kJpg));
+  begun.key = KeyOf(picture, sizes);
+  if (!begun.key.empty()) begun.card.thumbnail = drawn_->Find(begun.key);
+  if (begun.card.thumbnail) {
+    ++totals_.kept;
+    return;
+  }
   Try(begun, [&] { Read(begun); });
+}
+
+// The same picture, of the same size, of the same camera. Nothing where the camera does not list its size.
+std::string Sheet::KeyOf(const DcfObj& picture, const FileSizes& sizes) const {
+  if (drawn_ == nullptr || !sizes[0]) return "";
+  return Sha1(PicturePath(picture, kJpg) + "\n" + PictureFingerprint(picture) + "\n" + std::to_string(*sizes[0]) +
+              "\n" + serial_);
 }
 
 void Sheet::Read(Begun& begun) {
@@ -145,7 +163,7 @@ void Sheet::FinishOldest(const Sink& sink) {
   Begun begun = std::move(begun_.front());
   begun_.pop_front();
   bytes_ -= std::exchange(begun.bytes, 0);
-  if (begun.thumbnail.valid()) Try(begun, [&] { Take(begun); });
+  if (begun.thumbnail.valid() || begun.card.thumbnail) Try(begun, [&] { Take(begun); });
   if (!begun.failure.empty()) Report(begun);
   sink(begun.card);
   List(begun);
@@ -171,11 +189,12 @@ Thumbnail Sheet::Await(Begun& begun) {
 
 void Sheet::Take(Begun& begun) {
   Card& card = begun.card;
-  card.thumbnail = Await(begun);
+  if (!card.thumbnail) card.thumbnail = Await(begun);
   if (!card.time) card.time = card.thumbnail->time;
   ++totals_.drawn;
   totals_.fetched += begun.isHere ? 1U : 0U;
   const std::string& complaint = card.thumbnail->complaint;
+  if (complaint.empty() && !begun.key.empty()) drawn_->Keep(begun.key, *card.thumbnail);
   if (complaint.empty()) return;
   card.trouble = "damaged";
   begun.failure = begun.path + " is damaged and was drawn as far as it goes (" + complaint +

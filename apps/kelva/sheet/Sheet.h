@@ -14,6 +14,7 @@
 #include "apps/commandline/Progress.h"
 #include "apps/kelva/sheet/Beside.h"
 #include "apps/kelva/sheet/Card.h"
+#include "apps/kelva/sheet/DrawnBefore.h"
 #include "apps/kelva/sheet/FileSizes.h"
 #include "apps/thumbnails/ThumbnailPool.h"
 #include "src/wifi/Camera.h"
@@ -28,6 +29,7 @@ std::vector<DcfObj> InSheetOrder(std::vector<DcfObj> catalogue);
 struct SheetTotals {
   std::size_t drawn = 0;    ///< thumbnails, those of damaged pictures included
   std::size_t fetched = 0;  ///< of these, drawn from the fetched file and not from the camera
+  std::size_t kept = 0;     ///< of these, drawn by an earlier sheet
   std::size_t without = 0;  ///< pictures that have no JPEG file
   std::size_t failed = 0;   ///< pictures that are damaged, missing or cannot be read; each was reported
 };
@@ -41,7 +43,9 @@ class Sheet {
   /// Takes each picture's element of the page, in the order of the catalogue.
   using Sink = std::function<void(const Card&)>;
 
-  Sheet(Context& context, boost::shared_ptr<Camera> camera, Beside beside);
+  /// `drawn`: thumbnails of an earlier sheet, and those for the next; outlives this.
+  Sheet(Context& context, boost::shared_ptr<Camera> camera, Beside beside, DrawnBefore* drawn = nullptr,
+        std::string serial = "");
 
   /// `sizes` are those of `catalogue`, in its order. Call it once. Throws what the sink throws, Stopped, CameraError when the
   /// camera has gone, and Failure when no picture can be decoded.
@@ -56,6 +60,7 @@ class Sheet {
   struct Begun {
     Card card;
     const DcfObj* picture;
+    std::string key;                   // of its thumbnail, for the next sheet; empty for none
     std::string path;                  // printable
     std::size_t bytes = 0;             // of its JPEG file
     bool isHere = false;               // read from the fetched file
@@ -67,6 +72,7 @@ class Sheet {
   Card CardOf(const DcfObj& picture, const FileSizes& sizes);
   void Begin(const DcfObj& picture, const FileSizes& sizes);
   void Read(Begun& begun);
+  std::string KeyOf(const DcfObj& picture, const FileSizes& sizes) const;
   bool ReadStartOf(Begun& begun);
   void Hand(Begun& begun, std::vector<char> bytes);
   bool ExpectsThumbnail() const;
@@ -84,6 +90,8 @@ class Sheet {
   Context& context_;
   const boost::shared_ptr<Camera> camera_;
   Beside beside_;
+  DrawnBefore* const drawn_;
+  const std::string serial_;
   Progress* progress_ = nullptr;
   std::optional<ThumbnailPool> pool_;
   std::size_t mostBegun_ = 0;

@@ -102,6 +102,26 @@ TEST_F(SheetTest, CardsKeepTheOrderOfTheCatalogueHoweverLongEachTakes) {
   EXPECT_EQ(names, expected);
 }
 
+TEST_F(SheetTest, OfAPictureThatWasDrawnBeforeNothingIsReadUnlessItChanged) {
+  const auto redraw = [&](const std::vector<DcfObj>& catalogue) {
+    camera_.reads = 0;
+    Manifest nothing;
+    DrawnBefore drawn(path_ + "/cache", "K1");
+    Sheet sheet(context_, Shared(camera_), Beside(folder_, nothing, "K1", catalogue), &drawn, "K1");
+    sheet.Draw(catalogue, ReadFileSizes(stop_, camera_, catalogue), [](const Card&) {});
+    drawn.Finish();
+    EXPECT_EQ(sheet.Totals().drawn, catalogue.size());
+    return sheet.Totals().kept;
+  };
+  EXPECT_EQ(redraw({SheetPicture(1), SheetPicture(3)}), 0U);
+  EXPECT_EQ(camera_.reads, 2);
+  EXPECT_EQ(redraw({SheetPicture(1), SheetPicture(3)}), 2U);
+  EXPECT_EQ(camera_.reads, 0);
+  camera_.files["IMG_0001.JPG"] = TinyJpeg::File(1, {90}, TinyJpeg::ExifPart(6));
+  EXPECT_EQ(redraw({SheetPicture(1), Timed(3, "2026-01-01 00:00:00")}), 0U);
+  EXPECT_EQ(camera_.reads, 2);
+}
+
 TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
   camera_.onRead = [](const std::string& path) {
     if (path.ends_with("IMG_0002.JPG")) throw CameraError("truncated");

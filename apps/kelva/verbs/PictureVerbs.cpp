@@ -158,6 +158,9 @@ SHA-1 is still the same. A few pictures are in memory at a time; as many are dra
 A picture that is damaged or missing is reported and gets a placeholder, and the rest goes on (exit status 6). So is a
 picture of more than 200 million pixels, or of 40 million if it is progressive.
 
+Thumbnails are kept for the next sheet of the camera, in $XDG_CACHE_HOME/kelva or ~/.cache/kelva, readable for you alone:
+of a picture whose name, key and size are unchanged nothing is read. You may delete that folder at any time.
+
 The sheet is written under a temporary name, and gets its own name when all of it is on disk. An existing file is kept
 unless you give --force.)",
      R"(pictures: array of folder, name, folder_number, number, types, key and time (null if the catalogue has none),
@@ -169,7 +172,7 @@ unlisted: how many files have no listed size (without --sheet)
 pictures (with --sheet): array of folder, name, time, types, drawn, links (files beside the sheet) and, for a
   picture that is damaged or missing, error
 file: the sheet, with --sheet; then also size: its bytes, drawn: thumbnails, fetched: those drawn from files
-  beside it, without_jpeg: pictures without a JPEG file, failed: pictures that were reported)",
+  beside it, kept: those drawn by an earlier sheet, without_jpeg: pictures without a JPEG file, failed: pictures that were reported)",
      kExamples, RunPictures, true, "sheet"},
     {"pictures rm", "Delete pictures with all their files", kName, kRmOptions,
      R"(A picture is deleted with all its files. The catalogue says which pictures there are. On a terminal the

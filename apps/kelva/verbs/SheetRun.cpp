@@ -100,7 +100,11 @@ ExitCode Finish(Context& context, const Session& camera, Sheet& sheet, const std
   const SheetTotals& totals = sheet.Totals();
   const ExitCode code = totals.failed == 0 ? ExitCode::kDone : ExitCode::kPartial;
   Json members = CameraResult(camera);
-  members.SetBytes("file", path).Set("size", size).Set("drawn", totals.drawn).Set("fetched", totals.fetched);
+  members.SetBytes("file", path)
+      .Set("size", size)
+      .Set("drawn", totals.drawn)
+      .Set("fetched", totals.fetched)
+      .Set("kept", totals.kept);
   members.Set("without_jpeg", totals.without).Set("failed", totals.failed).Set("pictures", sheet.TakeList());
   return context.Result(std::move(members), Line(totals, path, size), code);
 }
@@ -121,11 +125,14 @@ ExitCode RunSheet(Context& context, const std::string& path) {
   Page page;
   file.Add(page.Start(FactsOf(camera.Facts(), catalogue)));
   Manifest manifest = ManifestOf(context, folder);
-  Sheet sheet(context, camera.Pointer(), {folder, manifest, camera.Facts().serial, catalogue});
+  DrawnBefore drawn(DrawnBefore::Folder(), camera.Facts().serial);
+  Sheet sheet(context, camera.Pointer(), {folder, manifest, camera.Facts().serial, catalogue}, &drawn,
+              camera.Facts().serial);
   sheet.Draw(catalogue, sizes, [&](const Card& card) { file.Add(page.Picture(card)); });
   file.Add(page.End(Made()));
   context.stop.Check();
   file.Finish(target.name, replace);
+  drawn.Finish();
   return Finish(context, camera, sheet, path, file.Size());
 }
 

@@ -52,6 +52,7 @@ class VerbTest::Machine {
 
 VerbTest::VerbTest() {
   std::filesystem::create_directory(storage);
+  ::setenv("XDG_CACHE_HOME", std::string(cache_.Path()).c_str(), 1);
   machine_ = std::make_unique<Machine>(storage);
 }
 

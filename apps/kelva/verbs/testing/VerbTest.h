@@ -36,6 +36,7 @@ class VerbTest : public testing::Test {
   const std::filesystem::path storage = folder / "camera";  ///< the camera's drive
 
  private:
+  const base::ScratchFolder cache_;  // what the user's programs keep
   class Machine;
   std::unique_ptr<Machine> machine_;
 };
