@@ -50,14 +50,15 @@ CameraDirent FileEntry(Camera& camera, const std::string& path) {
   return *entry;
 }
 
-RemoteFile::RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::string path)
+RemoteFile::RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::string path,
+                       std::optional<unsigned long long> known)
     : context_(context), path_(std::move(path)) {
   unsigned long long listed = 0;
   // A log may grow between the listing and the selection, so both are asked once more when they differ.
   for (int attempt = 0; attempt < 2; ++attempt) {
     context.stop.Check();
     reader_.reset();
-    listed = SizeOf(FileEntry(*camera, path_));
+    listed = known ? *std::exchange(known, std::nullopt) : SizeOf(FileEntry(*camera, path_));
     if (listed == 0) return;
     reader_.emplace(camera, path_);
     if (reader_->Size() == listed) return;

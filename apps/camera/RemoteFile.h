@@ -26,8 +26,9 @@ class RemoteFile {
  public:
   /// Uses the listing of its folder to tell an empty file from a missing one, and looks once more at a file that changed
   /// meanwhile. Throws Failure for a missing file, a folder, or a file that keeps changing. No command may come between
-  /// this and Read.
-  RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::string path);
+  /// this and Read. `listed` is the size that the caller has just found in the listing.
+  RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::string path,
+             std::optional<unsigned long long> listed = std::nullopt);
 
   unsigned long long Size() const { return reader_ ? reader_->Size() : 0; }
 

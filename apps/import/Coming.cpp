@@ -33,6 +33,16 @@ bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned
          static_cast<unsigned long long>(status.st_size) == size;
 }
 
+unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder) {
+  unsigned long long bytes = 0;
+  for (const CutRow& row : manifest.Cuts()) {
+    struct stat status {};
+    const bool is = ::fstatat(folder.Fd(), row.path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+    if (is && S_ISREG(status.st_mode)) bytes += static_cast<unsigned long long>(status.st_size);
+  }
+  return bytes;
+}
+
 void Coming::Add(const Coming& more) {
   files += more.files;
   bytes += more.bytes;

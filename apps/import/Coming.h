@@ -1,11 +1,13 @@
 #ifndef KELVA_APPS_IMPORT_COMING_H_
 #define KELVA_APPS_IMPORT_COMING_H_
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
 #include "apps/camera/ListedSizes.h"
 #include "apps/files/TargetFolder.h"
+#include "apps/import/Manifest.h"
 #include "apps/import/Plan.h"
 
 namespace apps {
@@ -18,6 +20,8 @@ struct Coming {
 
   void Add(std::optional<unsigned long long> size);
   void Add(const Coming& more);
+  /// Takes bytes off that need not be written.
+  void TakeOff(unsigned long long here) { bytes -= std::min(bytes, here); }
   /// "71 files (136.2 MB)", and how many of them have no known size.
   std::string Text() const;
 };
@@ -29,6 +33,9 @@ Coming ToBeWritten(const SyncPlan& plan, ListedSizes& sizes, const TargetFolder*
 
 /// Whether a file of this size is in the target under this path. Follows no symbolic link at its end.
 bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned long long size);
+
+/// The bytes that are here of files whose transfers were cut.
+unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder);
 
 /// Why `free` bytes in the folder `where` are too few: a sentence, empty when they are enough or not known.
 std::string WhyTooLittleRoom(const Coming& coming, std::optional<unsigned long long> free, const std::string& where);

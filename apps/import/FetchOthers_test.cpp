@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "apps/camera/testing/TreeCamera.h"
 #include "apps/commandline/testing/SilentContext.h"
 #include "apps/import/testing/SyncTest.h"
-#include "apps/import/testing/TreeCamera.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {

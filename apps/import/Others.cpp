@@ -7,9 +7,8 @@
 
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Explain.h"
-#include "apps/camera/FolderListing.h"
+#include "apps/camera/FolderWalk.h"
 #include "apps/camera/Picture.h"
-#include "apps/camera/Turns.h"
 #include "apps/files/SafeName.h"
 #include "base/Ascii.h"
 #include "base/Hex.h"
@@ -18,8 +17,6 @@
 namespace apps {
 namespace {
 
-constexpr std::size_t kDeepest = 8;
-constexpr std::size_t kMostFolders = 10'000;
 constexpr std::size_t kMostFiles = 200'000;
 
 std::string WithoutExtension(const std::string& path) {
@@ -68,73 +65,42 @@ std::vector<std::string> NamesIn(const std::string& path) {
   return names;
 }
 
-class Walk {
- public:
-  Walk(Context& context, Camera& camera, const CataloguePaths& pictures)
-      : context_(context), camera_(camera), pictures_(pictures) {}
+// All that is not a picture's, in the order of the walk.
+struct Found {
+  std::vector<OtherFile> files;
+  bool isCut = false;
+};
 
-  void Run() {
-    folders_ = {{"I:\\MISC", 1}, {"I:\\DCIM", 1}};
-    while (!folders_.empty() && goesOn_) {
-      context_.stop.Check();
-      LetOthers(context_);
-      const Folder folder = std::move(folders_.back());
-      folders_.pop_back();
-      for (const CameraDirent& entry : List(folder.path)) Add(folder, entry);
+void AddOthers(const FolderWalk::Listing& listing, const CataloguePaths& pictures, Found& found) {
+  for (const CameraDirent& entry : listing.files) {
+    std::string path = listing.folder + "\\" + entry.name;
+    if (pictures.Has(path)) continue;
+    if (found.files.size() == kMostFiles) {
+      found.isCut = true;
+      return;
     }
-    isCut_ = isCut_ || !folders_.empty();
+    found.files.push_back({std::move(path), SizeOf(entry)});
   }
+}
 
-  std::vector<OtherFile>& Files() { return files_; }
-  bool IsCut() const { return isCut_; }
-
- private:
-  struct Folder {
-    std::string path;
-    std::size_t depth;
-  };
-
-  std::vector<CameraDirent> List(const std::string& path) {
-    context_.Doing("list " + ShownPath(path));
+Found Walk(Context& context, Camera& camera, const CataloguePaths& pictures) {
+  Found found;
+  FolderWalk walk(context, camera, {"I:\\DCIM", "I:\\MISC"});
+  while (true) {
     try {
-      return ListFolder(camera_, path);
+      const auto listing = walk.Next();
+      if (!listing) break;
+      AddOthers(*listing, pictures, found);
     } catch (const CameraError& error) {
       // MISC need not be there. What else is wrong shows when files are read.
-      const ExitCode code = Explain(error, context_).code;
-      goesOn_ = !EndsAll(code);
-      isCut_ = isCut_ || code != ExitCode::kRefused;
-      return {};
+      const ExitCode code = Explain(error, context).code;
+      found.isCut = found.isCut || code != ExitCode::kRefused;
+      if (EndsAll(code)) break;
     }
   }
-
-  void Add(const Folder& folder, const CameraDirent& entry) {
-    if ((entry.attributes & kelva::kAttributeVolumeLabel) != 0) return;
-    if (entry.name.empty() || entry.name == "." || entry.name == "..") return;
-    std::string path = folder.path + "\\" + entry.name;
-    if ((entry.attributes & kelva::kAttributeDirectory) != 0) {
-      if (folder.depth == kDeepest || ++found_ > kMostFolders) {
-        isCut_ = true;
-      } else {
-        folders_.push_back({std::move(path), folder.depth + 1});
-      }
-    } else if (!pictures_.Has(path)) {
-      if (files_.size() == kMostFiles) {
-        isCut_ = true;
-      } else {
-        files_.push_back({std::move(path), SizeOf(entry)});
-      }
-    }
-  }
-
-  Context& context_;
-  Camera& camera_;
-  const CataloguePaths& pictures_;
-  std::vector<Folder> folders_;  // to be listed
-  std::vector<OtherFile> files_;
-  std::size_t found_ = 0;  // folders in all
-  bool isCut_ = false;
-  bool goesOn_ = true;
-};
+  found.isCut = found.isCut || walk.IsCut();
+  return found;
+}
 
 }  // namespace
 
@@ -164,12 +130,11 @@ Coming OtherFiles::InNumbers(const TargetFolder* folder) const {
 OtherFiles FindOthers(Context& context, Camera& camera, const std::vector<DcfObj>& catalogue, const std::string& serial,
                       Manifest& manifest) {
   const CataloguePaths pictures(catalogue);
-  Walk walk(context, camera, pictures);
-  walk.Run();
+  Found found = Walk(context, camera, pictures);
   OtherFiles others;
-  others.isCut = walk.IsCut();
+  others.isCut = found.isCut;
   const Manifest::Reading reading(manifest);
-  for (OtherFile& file : walk.Files()) {
+  for (OtherFile& file : found.files) {
     const auto row = manifest.Find(file.Key(serial));
     (row && !row->deleted ? others.known : others.fresh).push_back(std::move(file));
   }

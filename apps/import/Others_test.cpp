@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "apps/camera/testing/TreeCamera.h"
 #include "apps/commandline/testing/SilentContext.h"
 #include "apps/import/testing/SyncTest.h"
-#include "apps/import/testing/TreeCamera.h"
 
 namespace apps {
 namespace {

@@ -138,7 +138,8 @@ class TerminalTest(Bus):
 
     def test_a_camera_that_does_not_answer_is_said(self):
         self.pictures(2, 30_000)
-        self.fault("hang", 6)
+        # In the first file: the catalogue, the look for other files and two listings come before it.
+        self.fault("hang", 13)
         run = self.terminal("sync", self.folder + "/out")
         self.assertIn(b"No answer from the camera for 5 s; check the cable. Ctrl-C stops.", run.read_until(b"Ctrl-C stops."))
         os.kill(run.pid, signal.SIGINT)

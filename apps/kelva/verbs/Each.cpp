@@ -21,10 +21,10 @@ void Each::Try(const std::string& path, const std::function<Json()>& work) {
   }
 }
 
-ExitCode Each::Finish(Json result) {
+ExitCode Each::Finish(Json result, std::string_view text) {
   const ExitCode code = failed_ == 0 ? ExitCode::kDone : done_ == 0 ? *firstFailure_ : ExitCode::kPartial;
   result.Set(member_, std::move(outcomes_)).Set("failed", failed_);
-  return context_.Result(std::move(result), "", code);
+  return context_.Result(std::move(result), text, code);
 }
 
 }  // namespace apps

@@ -21,7 +21,8 @@ class Each {
   /// Runs `work`, which gives the members of its outcome, for the file named `path`.
   void Try(const std::string& path, const std::function<Json()>& work);
   /// Gives the result and the exit status of the whole: done, partial, or that of the failure when nothing succeeded.
-  ExitCode Finish(Json result);
+  /// `text` stands for the result where it is not JSON.
+  ExitCode Finish(Json result, std::string_view text = "");
 
   int Done() const { return done_; }
   int Failed() const { return failed_; }

@@ -1,17 +1,19 @@
 // The verb get.
+#include <unistd.h>
+
+#include <cerrno>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/Meant.h"
 #include "apps/camera/RemoteFile.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
-#include "apps/files/SafeName.h"
-#include "apps/files/StoreFile.h"
-#include "apps/kelva/verbs/Each.h"
+#include "apps/files/TargetFolder.h"
+#include "apps/kelva/verbs/GetFiles.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
@@ -30,7 +32,7 @@ Target TargetOf(const Context& context) {
   target.replace = context.call.Has("force");
   const auto output = context.call.Value("output");
   if (!output) return target;
-  if (context.call.words.size() > 1) {
+  if (context.call.words.size() > 1 || context.call.Has("recursive")) {
     throw Failure(ExitCode::kUsage, "--output takes one file; use --into for several.");
   }
   if (context.call.Has("into")) throw Failure(ExitCode::kUsage, "Use --output or --into, not both.");
@@ -60,29 +62,6 @@ void CheckOutput(const Context& context, const Target& target) {
   }
 }
 
-// `stored` are the names of the files that this command has stored.
-Json GetOne(Context& context, const Session& camera, const TargetFolder& folder, const Target& target,
-            const std::string& path, std::set<std::string>& stored) {
-  context.Doing("read " + Printable(path));
-  const std::string name = target.name.value_or(SafeName(Split(path).name));
-  if (stored.count(name) != 0) {
-    throw Failure(ExitCode::kFailed, "Another of these files is " + Printable(folder.PathOf(name)) +
-                                         " already; fetch them into two folders with --into.");
-  }
-  if (!target.replace && folder.Has(name)) {
-    throw Failure(ExitCode::kFailed,
-                  "There is a " + Printable(folder.PathOf(name)) +
-                      " already, and it was kept; --force replaces it, --output chooses another name.");
-  }
-  RemoteFile remote(context, camera.Pointer(), path);
-  NewFile file(folder);
-  remote.Read([&](std::span<const char> bytes) { file.Write(bytes); });
-  context.stop.Check();
-  target.replace ? NameReplacing(folder, file, name) : NameNew(folder, file, name);
-  stored.insert(name);
-  return Json::Object().SetBytes("path", path).SetBytes("file", folder.PathOf(name)).Set("size", remote.Size());
-}
-
 ExitCode RunGet(Context& context) {
   const Target target = TargetOf(context);
   CheckOutput(context, target);
@@ -90,29 +69,33 @@ ExitCode RunGet(Context& context) {
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
   if (target.toOutput) {
     const Session camera(context, "read " + Printable(paths[0]));
-    ToOutput(context, RemoteFile(context, camera.Pointer(), paths[0]));
+    const std::string path = IsPattern(paths[0]) ? MeantOne(context, *camera, paths[0]) : paths[0];
+    ToOutput(context, RemoteFile(context, camera.Pointer(), path));
     return ExitCode::kDone;
   }
-  const TargetFolder folder = TargetFolder::Open(target.folder);
+  // First, so that a camera that is not there leaves no folder behind.
   const Session camera(context, "read " + Printable(paths[0]));
-  Each each(context, "files");
-  std::set<std::string> stored;
-  for (const std::string& path : paths) {
-    LetOthers(context);
-    each.Try(path, [&] { return GetOne(context, camera, folder, target, path, stored); });
-  }
-  return each.Finish(CameraResult(camera));
+  const bool missing = ::access(target.folder.c_str(), F_OK) != 0 && errno == ENOENT;
+  const TargetFolder folder = missing ? TargetFolder::OpenOrMake(target.folder) : TargetFolder::Open(target.folder);
+  GetFiles get(context, camera, folder, {target.name, target.replace, context.call.Has("recursive")});
+  for (const std::string& path : paths) get.Get(path);
+  return get.Finish();
 }
 
 constexpr Argument kArguments[] = {
-    {"PATH", "A file on the camera; you may write / for \\.", Argument::Count::kOneOrMore}};
+    {"PATH", "A file on the camera, a pattern with * ? and [...], or with -r a folder; you may write / for \\.",
+     Argument::Count::kOneOrMore}};
 constexpr Option kOptions[] = {
     {"output", 'o', "FILE", "Write into this file; - is standard output.", Offer::kFile},
-    {"into", 'd', "FOLDER", "Write into this folder instead of the current one.", Offer::kFolder},
+    {"into", 'd', "FOLDER", "Write into this folder, which is made if need be, instead of the current one.",
+     Offer::kFolder},
+    {"recursive", 'r', "", "Fetch folders with all that is in them, and keep their names below the target folder."},
     {"force", 'f', "", "Replace an existing file."},
 };
 constexpr Example kExamples[] = {
     {"kelva get I:/DCIM/100ABCDE/IMG_0001.JPG", "Fetch a picture into the current folder."},
+    {"kelva get 'DCIM/*/*.MP4' -d ~/Videos", "Fetch all videos, in quotes so that the camera's names are matched."},
+    {"kelva get -r I:/DCIM/100ABCDE -d ~/Pictures", "Fetch a folder and all below it."},
     {"kelva get -o - I:/LOG.TXT | grep error", "Read a file without storing it."},
 };
 
@@ -122,10 +105,15 @@ constexpr Verb kVerbs[] = {
 when it is whole, so an interrupted command leaves nothing behind. An existing file is kept unless you give --force.
 Bytes of a name that are not safe here (control characters, a slash, a dot at the start) are written as %XX.
 
+A pattern and a folder may mean many files: a summary ends the command, and a file that fails leaves the rest (exit
+status 6). With --recursive a folder keeps its name and those of the folders in it. A full disk ends the command.
+
 The folder's listing tells an empty file from a missing one. A file that goes on beyond the size that its folder lists
 is not kept. With `-o -` the bytes go out as they arrive: the exit code says whether they were the whole file.)",
      R"(serial: of the camera
 files: array of path, file (where it was written), size; or of path and error
+fetched, bytes: how many were fetched, and their total size; also when a signal or --timeout ended a command for a folder or
+  a pattern
 failed: how many were not fetched)",
      kExamples, RunGet}};
 

@@ -46,10 +46,11 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
 
 // Before the first byte is read: a disk that is too small would be full in the middle.
 std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const OtherFiles* others,
-                                 const TargetFolder& folder) {
+                                 const TargetFolder& folder, Manifest& manifest) {
   ListedSizes sizes(camera);
   Coming coming = ToBeWritten(plan, sizes, &folder);
   if (others != nullptr) coming.Add(others->InNumbers(&folder));
+  coming.TakeOff(BytesOfParts(manifest, folder));
   const std::string why = WhyTooLittleRoom(coming, FreeSpace(folder), folder.Path());
   return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});
 }
@@ -100,7 +101,7 @@ ExitCode RunSync(Context& context) {
   const OtherFiles others = FindOthers(context, *camera, plan.source->catalogue, serial, manifest);
   Sync sync(context, camera.Pointer(), folder, manifest, options, &times);
   BeginTally(plan, others, choice.everything, sync.Tally());
-  auto ended = CheckRoom(*camera, plan, choice.everything ? &others : nullptr, folder);
+  auto ended = CheckRoom(*camera, plan, choice.everything ? &others : nullptr, folder, manifest);
   if (!ended) ended = sync.Run(plan);
   if (!ended && choice.everything) {
     ended = FetchOthers(context, camera.Pointer(), serial, folder, manifest, cuts, options, sync.Tally()).Run(others);

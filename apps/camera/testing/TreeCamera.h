@@ -1,11 +1,12 @@
-#ifndef KELVA_APPS_IMPORT_TESTING_TREE_CAMERA_H_
-#define KELVA_APPS_IMPORT_TESTING_TREE_CAMERA_H_
+#ifndef KELVA_APPS_CAMERA_TESTING_TREE_CAMERA_H_
+#define KELVA_APPS_CAMERA_TESTING_TREE_CAMERA_H_
 
 #include <map>
 #include <string>
 #include <vector>
 
 #include "apps/camera/testing/FakeCamera.h"
+#include "src/wifi/CameraError.h"
 
 namespace apps {
 
@@ -13,6 +14,7 @@ namespace apps {
 class TreeCamera : public FakeCamera {
  public:
   std::vector<CameraDirent> ReadDir(const char* path) override {
+    if (unlisted == path) throw CameraError("not listed");
     std::vector<CameraDirent> entries = {{".", 0, 0x10}, {"..", 0, 0x10}, {"LABEL", 0, 0x08}};
     for (const CameraDirent& entry : tree[path]) entries.push_back(entry);
     return entries;
@@ -24,8 +26,9 @@ class TreeCamera : public FakeCamera {
   }
 
   std::map<std::string, std::vector<CameraDirent>> tree;
+  std::string unlisted;  ///< this folder cannot be listed
 };
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_IMPORT_TESTING_TREE_CAMERA_H_
+#endif  // KELVA_APPS_CAMERA_TESTING_TREE_CAMERA_H_

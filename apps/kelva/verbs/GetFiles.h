@@ -1,0 +1,66 @@
+#ifndef KELVA_APPS_KELVA_VERBS_GET_FILES_H_
+#define KELVA_APPS_KELVA_VERBS_GET_FILES_H_
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "apps/camera/ListedSizes.h"
+#include "apps/camera/Session.h"
+#include "apps/commandline/Context.h"
+#include "apps/files/TargetFolder.h"
+#include "apps/import/Folders.h"
+#include "apps/kelva/verbs/Each.h"
+
+namespace apps {
+
+/// How `get` stores.
+struct GetOptions {
+  std::optional<std::string> name;  ///< nothing: the names that the files have on the camera
+  bool replace = false;
+  bool recursive = false;
+};
+
+/// Fetches files and folders into a folder, one after the other. One that fails is reported, and the rest goes on.
+class GetFiles {
+ public:
+  /// All outlive this.
+  GetFiles(Context& context, const Session& camera, const TargetFolder& target, GetOptions options);
+
+  /// A file, a pattern, or with `recursive` a folder with all below it. Throws Stopped, and what ends the whole.
+  void Get(const std::string& path);
+  /// Gives the result of all.
+  ExitCode Finish();
+
+ private:
+  void GetMeant(const std::string& path);
+  void GetEntry(const std::string& path, const CameraDirent& entry);
+  void GetFolder(const std::string& path);
+  void GetFile(const std::string& path, unsigned long long size, const LocalPath& local);
+  Json Fetch(const std::string& path, unsigned long long size, const LocalPath& local);
+  void TellSoFar();
+
+  // Read by the thread that ends the program, too.
+  struct Counts {
+    std::atomic<unsigned long long> files = 0;
+    std::atomic<unsigned long long> bytes = 0;
+  };
+
+  Context& context_;
+  const Session& camera_;
+  Folders folders_;
+  const GetOptions options_;
+  Each each_;
+  ListedSizes sizes_;
+  std::set<std::string> stored_;  ///< paths of the files that this command has stored
+  std::set<Folders::Way> ways_;   ///< folders with files of this command
+  std::shared_ptr<Counts> done_ = std::make_shared<Counts>();
+  bool isMany_ = false;  ///< more files than were named
+  bool diskIsFull_ = false;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_KELVA_VERBS_GET_FILES_H_

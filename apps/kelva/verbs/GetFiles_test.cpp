@@ -1,0 +1,85 @@
+#include "apps/kelva/verbs/GetFiles.h"
+
+#include <gmock/gmock.h>
+
+#include <initializer_list>
+
+#include "apps/kelva/verbs/testing/VerbTest.h"
+
+namespace apps {
+namespace {
+
+using testing::HasSubstr;
+
+class GetFilesTest : public VerbTest {
+ protected:
+  GetFilesTest() {
+    Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
+    Put("DCIM/100ABCDE/MVI_0001.MP4", "a video");
+    Put("DCIM/101ABCDE/deep/MVI_0002.MP4", "another");
+    Put("DCIM/101ABCDE/MVI_0003.mp4", "third");
+  }
+  Ran Get(std::initializer_list<const char*> words) {
+    std::vector<const char*> all = {"get", "--into", into.c_str()};
+    all.insert(all.end(), words);
+    return Run(all);
+  }
+  bool Here(const std::string& name) const { return std::filesystem::exists(folder / "new/out" / name); }
+
+  const std::string into = (folder / "new/out").string();
+};
+
+TEST_F(GetFilesTest, AFolderComesWithAllBelowItUnderItsOwnName) {
+  const Ran ran = Get({"-r", "I:/DCIM"});
+  EXPECT_EQ(ran.code, ExitCode::kDone) << ran.err;
+  EXPECT_EQ(ran.out, "4 fetched (22 B), 0 failed\n");
+  EXPECT_EQ(Text(folder / "new/out/DCIM/101ABCDE/deep/MVI_0002.MP4"), "another");
+  EXPECT_TRUE(Here("DCIM/100ABCDE/IMG_0001.JPG"));
+}
+
+TEST_F(GetFilesTest, TheDriveHasNoName) {
+  Put("LOG.TXT", "log");
+  EXPECT_EQ(Get({"-r", "I:/"}).out, "5 fetched (25 B), 0 failed\n");
+  EXPECT_TRUE(Here("LOG.TXT"));
+  EXPECT_TRUE(Here("DCIM/100ABCDE/IMG_0001.JPG"));
+}
+
+TEST_F(GetFilesTest, AFolderNeedsTheOption) {
+  const Ran ran = Get({"I:/DCIM", "I:/DCIM/100ABCDE/IMG_0001.JPG"});
+  EXPECT_EQ(ran.code, ExitCode::kPartial);
+  EXPECT_THAT(ran.err, HasSubstr("I:/DCIM is a folder; --recursive fetches all that is in it."));
+  EXPECT_TRUE(Here("IMG_0001.JPG"));
+}
+
+TEST_F(GetFilesTest, APatternMatchesFilesInAnyCaseOfLetters) {
+  const Ran ran = Get({"DCIM/*/*.MP4"});
+  EXPECT_EQ(ran.code, ExitCode::kDone) << ran.err;
+  EXPECT_EQ(ran.out, "2 fetched (12 B), 0 failed\n");
+  EXPECT_TRUE(Here("MVI_0001.MP4"));
+  EXPECT_TRUE(Here("MVI_0003.mp4"));
+}
+
+TEST_F(GetFilesTest, APatternThatMatchesNothingIsAFailure) {
+  const Ran ran = Get({"DCIM/*/*.AVI"});
+  EXPECT_EQ(ran.code, ExitCode::kFailed);
+  EXPECT_EQ(ran.err, "kelva: Nothing on the camera matches 'I:/DCIM/*/*.AVI'.\n");
+}
+
+TEST_F(GetFilesTest, OneThatFailsLeavesTheRest) {
+  std::filesystem::create_directories(folder / "new/out/DCIM/100ABCDE");
+  std::filesystem::create_directory(folder / "new/out/DCIM/100ABCDE/IMG_0001.JPG");
+  const Ran ran = Get({"-r", "I:/DCIM"});
+  EXPECT_EQ(ran.code, ExitCode::kPartial);
+  EXPECT_EQ(ran.out, "3 fetched (19 B), 1 failed\n");
+}
+
+TEST_F(GetFilesTest, TwoFilesOfOneNameAreNeverWrittenOverEachOther) {
+  Put("DCIM/101ABCDE/MVI_0001.MP4", "not the video");
+  const Ran ran = Get({"--force", "DCIM/*/MVI_0001.MP4"});
+  EXPECT_EQ(ran.code, ExitCode::kPartial);
+  EXPECT_THAT(ran.err, HasSubstr("fetch them into two folders with --into"));
+  EXPECT_EQ(Text(folder / "new/out/MVI_0001.MP4"), "a video");
+}
+
+}  // namespace
+}  // namespace apps
