@@ -24,5 +24,10 @@ TEST(Threads, EndAtAnyMoment) {
   }
 }
 
+TEST(Threads, EndWhileTheyBeginToWait) {
+  // A request that came between a look at the queue and the wait would never be heard.
+  for (int round = 0; round < 3000; ++round) const ThumbnailPool pool(2, kMissing);
+}
+
 }  // namespace
 }  // namespace apps

@@ -127,6 +127,7 @@ class Workshop:
         outputs = {self._output(entry) for entry in self.entries_of(path)}
         kept = [word for word in words if word not in outputs]
         target = self.scratch / "bin" / pathlib.Path(program).name
+        self._put_beside(target)
         kept[kept.index("-o") + 1] = str(target)
         kept.insert(kept.index("-o"), str(changed))
         if shutil.which("ld.lld"):
@@ -135,6 +136,14 @@ class Workshop:
         if done.returncode != 0:
             raise Failed(f"{program} does not link with {path.name}:\n{done.stderr[-2000:]}")
         return str(target)
+
+    def _put_beside(self, target):
+        """The build's programs, which a test may start from beside its own."""
+        programs = self.build / "bin"
+        for path in programs.iterdir() if programs.is_dir() else ():
+            link = target.parent / path.name
+            if path.is_file() and link != target and not link.is_symlink() and not link.exists():
+                link.symlink_to(path)
 
     # Running
 
