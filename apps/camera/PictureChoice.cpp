@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <ctime>
 #include <string_view>
+#include <utility>
 
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Meant.h"
@@ -15,17 +18,34 @@
 namespace apps {
 namespace {
 
+// What this computer's clock showed some hours, days or weeks ago: "12h", "7d", "2w". Nothing for another text.
+std::optional<std::string> TimeAgo(const std::string& text) {
+  constexpr std::time_t kHour = 3600;
+  std::time_t count = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (error != std::errc() || end + 1 != text.data() + text.size() || count < 0 || count > 100'000) return std::nullopt;
+  const std::time_t unit = *end == 'h' ? kHour : *end == 'd' ? 24 * kHour : *end == 'w' ? 7 * 24 * kHour : 0;
+  if (unit == 0) return std::nullopt;
+  const std::time_t then = std::max<std::time_t>(std::time(nullptr) - count * unit, 0);
+  std::tm parts{};
+  std::array<char, 32> out{};
+  ::localtime_r(&then, &parts);
+  return std::string(out.data(), std::strftime(out.data(), out.size(), "%Y-%m-%d %H:%M:%S", &parts));
+}
+
 // "2026-03-14T15:09" as the catalogue writes it. Dates in this form sort as texts do.
 std::string StartOfADate(std::string text) {
   constexpr std::array<std::string_view, 5> kShapes = {"0000", "0000-00", "0000-00-00", "0000-00-00 00:00",
                                                        "0000-00-00 00:00:00"};
+  if (auto ago = TimeAgo(text)) return std::move(*ago);
   constexpr std::size_t kBlank = kShapes[2].size();
   if (text.size() > kBlank && text[kBlank] == 'T') text[kBlank] = ' ';
   for (const std::string_view shape : kShapes) {
     if (base::HasShape(text, shape)) return text;
   }
-  throw Failure(ExitCode::kUsage, "--since takes a date such as 2026, 2026-03-14 or '2026-03-14 15:09', not \"" +
-                                      Printable(text) + "\".");
+  throw Failure(ExitCode::kUsage,
+                "--since takes a date such as 2026, 2026-03-14 or '2026-03-14 15:09', or 12h, 7d, 2w, not \"" +
+                    Printable(text) + "\".");
 }
 
 }  // namespace
@@ -35,15 +55,19 @@ PictureChoice::PictureChoice(const Context& context)
   if (since_) since_ = StartOfADate(*since_);
 }
 
+bool PictureChoice::IsInFolder(const DcfObj& picture) const {
+  const std::string folder = PictureFolder(picture);
+  return !folder_ || SameName(*folder_, folder) || MatchesName(*folder_, folder);
+}
+
 void PictureChoice::Apply(std::vector<DcfObj>& pictures, Context& context) const {
   std::size_t undated = 0;
   std::erase_if(pictures, [&](const DcfObj& picture) {
-    const std::string folder = PictureFolder(picture);
-    if (folder_ && !SameName(*folder_, folder) && !MatchesName(*folder_, folder)) return true;
+    if (!IsInFolder(picture)) return true;
     if (!since_) return false;
     const auto time = PictureTime(picture);
     undated += time ? 0U : 1U;
-    return !time || *time < *since_;
+    return !IsSince(time);
   });
   if (undated == 0) return;
   context.reporter.Note(std::to_string(undated) + (undated == 1 ? " picture has" : " pictures have") +

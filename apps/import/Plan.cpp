@@ -35,9 +35,11 @@ SyncItem::State StateOf(const std::optional<ManifestRow>& known) {
 using StoredFiles = std::unordered_map<const DcfObj*, Names::Stored>;
 
 // Adds an item for each file of the types asked for.
-StoredFiles AddItems(SyncPlan& plan, const std::vector<int>& types, Manifest& manifest) {
+StoredFiles AddItems(SyncPlan& plan, const std::vector<int>& types, Manifest& manifest,
+                     const std::function<bool(const DcfObj&)>& isMeant) {
   StoredFiles files;
   for (const DcfObj& picture : plan.source->catalogue) {
+    if (isMeant && !isMeant(picture)) continue;
     Names::Stored stored;
     bool isNew = false;
     for (const int type : FileTypes(picture)) {
@@ -120,11 +122,12 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list) {
 }
 
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
-                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times) {
+                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times,
+                  const std::function<bool(const DcfObj&)>& isMeant) {
   SyncPlan plan{
       std::make_unique<const SyncSource>(SyncSource{std::move(catalogue), serial, pattern, std::move(times.of)}), {}};
   const Manifest::Reading reading(manifest);
-  const StoredFiles stored = AddItems(plan, types, manifest);
+  const StoredFiles stored = AddItems(plan, types, manifest, isMeant);
   if (pattern.HasTime() && times.ask) times.ask(NewPictures(plan));
   NumberItems(plan, Names(folder, plan.source->pattern, serial, plan.source->timeOf), stored);
   return plan;

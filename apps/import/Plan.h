@@ -88,9 +88,11 @@ struct SyncPlan {
 std::vector<int> ParseTypes(const std::optional<std::string>& list);
 
 /// Compares a catalogue with a manifest, and chooses names that are free in the target: one number for all files of a
-/// picture (Names.h). `folder` is null while the target does not exist.
+/// picture (Names.h). `folder` is null while the target does not exist. Pictures that are
+/// not meant are no items of the plan, but stay in its catalogue.
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
-                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times = {});
+                  const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times = {},
+                  const std::function<bool(const DcfObj&)>& isMeant = nullptr);
 
 }  // namespace apps
 

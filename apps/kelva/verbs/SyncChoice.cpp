@@ -20,7 +20,13 @@ Pattern PatternOf(const Context& context) {
 }  // namespace
 
 SyncChoice SyncChoiceOf(const Context& context) {
-  return {PatternOf(context), ParseTypes(context.call.Value("types")), context.call.Has("everything")};
+  SyncChoice choice{PatternOf(context), ParseTypes(context.call.Value("types")), context.call.Has("everything"),
+                    PictureChoice(context)};
+  if (choice.everything && !choice.pictures.IsAll()) {
+    throw Failure(ExitCode::kUsage,
+                  "--since and --folder choose pictures of the catalogue; use them without --everything.");
+  }
+  return choice;
 }
 
 }  // namespace apps

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "apps/camera/PictureChoice.h"
 #include "apps/commandline/Context.h"
 #include "apps/import/Pattern.h"
 
@@ -12,7 +13,8 @@ namespace apps {
 struct SyncChoice {
   Pattern pattern;
   std::vector<int> types;
-  bool everything;  ///< also what is not in the catalogue
+  bool everything;         ///< also what is not in the catalogue
+  PictureChoice pictures;  ///< by folder and date
 };
 
 /// Throws Failure(kUsage).

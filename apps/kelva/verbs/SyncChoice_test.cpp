@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {
@@ -28,6 +30,27 @@ TEST_F(SyncChoiceTest, APatternThatEndsWithASlashIsAFolder) {
   EXPECT_THAT(Run({"sync", target.c_str(), "-n", "--pattern", "mine/"}).out,
               testing::HasSubstr("I:/DCIM/100ABCDE/IMG_0001.JPG  ->  mine/IMG_0001.JPG  3 B\n"));
   EXPECT_EQ(Run({"sync", target.c_str(), "-n", "--pattern", "mine"}).code, ExitCode::kUsage);
+}
+
+TEST_F(SyncChoiceTest, AFolderIsChosenAndTheRestIsNoOtherFile) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
+  Put("DCIM/101ABCDE/IMG_0001.JPG", "other");
+  const std::string target = (folder / "out").string();
+  EXPECT_THAT(Run({"sync", target.c_str(), "--folder", "101*"}).out, testing::StartsWith("1 stored (5 B)"));
+  EXPECT_FALSE(std::filesystem::exists(target + "/100ABCDE"));
+  EXPECT_THAT(Run({"sync", target.c_str(), "--json"}).out, testing::HasSubstr("\"known\":1,\"others\":0"));
+  EXPECT_EQ(Run({"sync", target.c_str(), "--folder", "101*", "--everything"}).code, ExitCode::kUsage);
+}
+
+TEST_F(SyncChoiceTest, PicturesFromBeforeADateAreLeftOut) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
+  Put("DCIM/100ABCDE/IMG_0002.JPG", "two");
+  std::filesystem::last_write_time(storage / "DCIM/100ABCDE/IMG_0001.JPG",
+                                   std::filesystem::file_time_type::clock::now() - std::chrono::hours(72));
+  const std::string target = (folder / "out").string();
+  EXPECT_THAT(Run({"sync", target.c_str(), "--since", "2d"}).out, testing::StartsWith("1 stored (3 B)"));
+  EXPECT_TRUE(std::filesystem::exists(target + "/100ABCDE/IMG_0002.JPG"));
+  EXPECT_THAT(Run({"sync", target.c_str(), "--since", "4d"}).out, testing::StartsWith("1 stored (3 B)"));
 }
 
 }  // namespace

@@ -29,18 +29,51 @@
 namespace apps {
 namespace {
 
+// What a sync has to do, and what it leaves out.
+struct Work {
+  SyncPlan plan;
+  OtherFiles others;
+};
+
+// Takes pictures from before the date out. Of new ones, and of those that may be deleted, the start is read for it.
+void KeepSince(Context& context, const Session& camera, const PictureChoice& choice, PictureTimes& times,
+               SyncPlan& plan) {
+  const bool deletes = context.call.Has("delete-after-verify");
+  std::vector<const DcfObj*> pictures;
+  for (const SyncItem& item : plan.items) {
+    const bool matters = item.IsNew() || (deletes && !item.IsDeleted());
+    if (matters && (pictures.empty() || pictures.back() != &item.Picture())) pictures.push_back(&item.Picture());
+  }
+  AskTimes(context, camera.Pointer(), pictures, times);
+  std::erase_if(plan.items, [&](const SyncItem& item) {
+    const auto taken = times.Of(item.Picture());
+    return !choice.IsSince(taken ? std::optional(TakenText(*taken)) : std::nullopt);
+  });
+}
+
+Work WorkFor(Context& context, const Session& camera, const SyncChoice& choice, Manifest& manifest,
+             const TargetFolder* folder, PictureTimes& times) {
+  const std::string& serial = camera.Facts().serial;
+  Work work{MakePlan(ReadPictures(*camera), serial, choice.types, choice.pattern, manifest, folder,
+                     TimesForNames(context, camera.Pointer(), times),
+                     [&](const DcfObj& picture) { return choice.pictures.IsInFolder(picture); }),
+            {}};
+  if (choice.pictures.HasSince()) KeepSince(context, camera, choice.pictures, times, work.plan);
+  if (choice.pictures.IsAll()) {
+    work.others = FindOthers(context, *camera, work.plan.source->catalogue, serial, manifest);
+  }
+  return work;
+}
+
 ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& choice) {
   const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
   std::optional<TargetFolder> folder;
   if (!missing) folder = TargetFolder::Open(path);
   Manifest manifest = missing ? Manifest() : Manifest(*folder, false);
   const Session camera(context, "read the picture catalogue");
-  const std::string& serial = camera.Facts().serial;
   PictureTimes times;
-  const SyncPlan plan = MakePlan(ReadPictures(*camera), serial, choice.types, choice.pattern, manifest,
-                                 missing ? nullptr : &*folder, TimesForNames(context, camera.Pointer(), times));
+  const auto [plan, others] = WorkFor(context, camera, choice, manifest, missing ? nullptr : &*folder, times);
   NoteTrouble(context, times);
-  const OtherFiles others = FindOthers(context, *camera, plan.source->catalogue, serial, manifest);
   return ShowPlan(context, camera, plan, others, choice.everything, path);
 }
 
@@ -96,9 +129,7 @@ ExitCode RunSync(Context& context) {
   RemoveLeftovers(folder, [&cuts](const std::string& name) { return cuts.Keeps(name); });
   const std::string& serial = camera.Facts().serial;
   PictureTimes times;
-  const SyncPlan plan = MakePlan(ReadPictures(*camera), serial, choice.types, choice.pattern, manifest, &folder,
-                                 TimesForNames(context, camera.Pointer(), times));
-  const OtherFiles others = FindOthers(context, *camera, plan.source->catalogue, serial, manifest);
+  const auto [plan, others] = WorkFor(context, camera, choice, manifest, &folder, times);
   Sync sync(context, camera.Pointer(), folder, manifest, options, &times);
   BeginTally(plan, others, choice.everything, sync.Tally());
   auto ended = CheckRoom(*camera, plan, choice.everything ? &others : nullptr, folder, manifest);
@@ -120,6 +151,8 @@ constexpr Option kOptions[] = {
      "Sync all attached cameras at once, each into a folder below FOLDER named after its serial number."},
     {"types", 't', "LIST", "Only these types of files: jpg, raw, txt, 128, separated by commas.", Offer::kWords,
      "jpg raw txt 128 jpg,raw"},
+    kSinceOption,
+    kFolderOption,
     {"everything", 'e', "", "Fetch also what is not in the catalogue: videos, panoramas, files with other names."},
     {"pattern", 'p', "PATTERN", "How files are named below FOLDER; the default is {folder}/{name}."},
     {"by", 0, "UNIT", "Folders by the picture's date: day, month or year. Short for a pattern.", Offer::kWords,
@@ -133,6 +166,7 @@ constexpr Example kExamples[] = {
     {"kelva sync ~/Pictures/camera", "Fetch what is new."},
     {"kelva sync --types jpg --pattern '{year}/{date}_{stem}.{ext}' -n ~/Pictures", "See where pictures would go."},
     {"kelva sync --by month ~/Pictures", "One folder for each month: 2026/03/IMG_0001.JPG."},
+    {"kelva sync --since 7d --folder '101*' ~/Pictures", "Fetch the pictures of the last week in some folders."},
     {"kelva sync --everything ~/Pictures/camera", "Fetch videos and all other files too."},
     {"kelva sync --all ~/Pictures/cameras", "Fetch from all cameras, each into its folder."},
     {"kelva sync --delete-after-verify ~/Pictures/camera", "Make room on the camera, safely."},
@@ -167,6 +201,9 @@ What lies below DCIM and MISC and is not in the catalogue (videos, panoramas, fi
 --everything it is fetched too, into the folders that it has on the camera: 100ABCDE/MVI_0001.MP4, MISC/AUTPRINT.MRK. Such
 a file has no SHA-1 and no time on the camera: its path and size tell whether it was fetched before, and --verify reads it
 twice.
+
+--since goes by the time at which a picture was taken; it reads up to 64 KiB of each new picture for that. A picture without
+a time is left out.
 
 The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}. The
 last five are the time at which the picture was taken, in all its files, or "undated". A pattern with one of them, also
