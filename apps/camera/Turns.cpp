@@ -99,6 +99,13 @@ void Turns::LetOthers(kelva::FileReader& reader, std::span<const char> last) {
   throw CameraError("the file was changed on the camera while it was read");
 }
 
+void Turns::Without(const std::function<void()>& wait) {
+  line_.HoldForLong(false);
+  chosen_.camera->Close();
+  wait();
+  Open(std::max(WaitBusy(context_), kWaitBusy));
+}
+
 void Turns::HoldForLong() {
   MakeLine();
   line_.HoldForLong(true);
@@ -202,6 +209,10 @@ bool LetOthers(Context& context) {
 
 void LetOthers(Context& context, kelva::FileReader& reader, std::span<const char> last) {
   if (context.turns != nullptr) context.turns->LetOthers(reader, last);
+}
+
+void WithoutCamera(Context& context, const std::function<void()>& wait) {
+  context.turns != nullptr ? context.turns->Without(wait) : wait();
 }
 
 void HoldForLong(Context& context) {

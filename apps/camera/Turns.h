@@ -2,6 +2,7 @@
 #define KELVA_APPS_CAMERA_TURNS_H_
 
 #include <chrono>
+#include <functional>
 #include <span>
 #include <string>
 
@@ -49,6 +50,9 @@ class Turns {
   /// sends forward only is not interrupted; who waits is told so. Throws also what the reader throws, and CameraError for a
   /// file that changed.
   void LetOthers(kelva::FileReader& reader, std::span<const char> last);
+  /// Gives the camera up while `wait` waits for something else, such as a person's answer, and takes it back afterwards
+  /// as LetOthers does. When `wait` throws, the camera stays given up.
+  void Without(const std::function<void()>& wait);
   /// Tells those who wait that this turn may last long, until the next LetOthers that gives the camera up.
   void HoldForLong();
 
@@ -79,6 +83,7 @@ class Turns {
 /// open camera.
 bool LetOthers(Context& context);
 void LetOthers(Context& context, kelva::FileReader& reader, std::span<const char> last);
+void WithoutCamera(Context& context, const std::function<void()>& wait);
 void HoldForLong(Context& context);
 
 }  // namespace apps

@@ -205,6 +205,19 @@ TEST_F(TurnsTest, WhoWaitsGetsTheNextTurn) {
   EXPECT_FALSE(waiter.IsAwaited()) << "nobody is in line after a turn has begun";
 }
 
+TEST_F(TurnsTest, APersonWhoIsAskedKeepsNobodyOut) {
+  const auto tryIt = [this] {
+    EXPECT_TRUE(device_->StartSession());
+    device_->EndSession();
+  };
+  WithoutCamera(context_, tryIt);
+  const Turns turns(context_, K1(), 0ms);
+  WithoutCamera(context_, tryIt);
+  EXPECT_TRUE(turns.Attached().camera->IsOpen());
+  EXPECT_THROW(WithoutCamera(context_, [] { throw Stopped(); }), Stopped);
+  EXPECT_FALSE(turns.Attached().camera->IsOpen());
+}
+
 TEST_F(TurnsTest, ACameraThatGoesDuringAnothersTurnHasGone) {
   Turns turns(context_, K1(), 0ms, kAtOnce);
   registry_.Detach(entry_);

@@ -115,6 +115,20 @@ class TerminalTest(Bus):
         self.assertEqual(self.terminal("rm", "--yes", "I:/A.TXT").end()[0], 0)
         self.assertFalse(os.path.exists(path))
 
+    def test_a_question_keeps_nobody_out_and_what_changes_meanwhile_is_kept(self):
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"one")
+        self.put("DCIM/100ABCDE/IMG_0002.JPG", b"two")
+        run = self.terminal("pictures", "rm", "IMG_*")
+        run.read_until(b"Type yes and press Enter:")
+        info = self.kelva("info", "--wait-busy", "0")
+        self.assertEqual(info.returncode, 0, info.stderr)
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"another one")
+        run.type(b"yes\n")
+        code, seen = run.end()
+        self.assertEqual(code, 6, seen)
+        self.assertIn(b"changed on the camera meanwhile and were kept", seen)
+        self.assertEqual(os.listdir(self.drive + "/DCIM/100ABCDE"), ["IMG_0001.JPG"])
+
     def test_a_quiet_upgrade_still_says_what_it_asks_about(self):
         with open(self.folder + "/image", "wb") as file:
             file.write(b"\1firmware")

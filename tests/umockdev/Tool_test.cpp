@@ -8,10 +8,14 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "base/testing/ScratchFolder.h"
 #include "tests/umockdev/MockMachine.h"
 #include "vcam/camera/testing/TestSupport.h"
 
@@ -117,6 +121,22 @@ TEST_F(ToolTest, ABusyCameraIsWaitedFor) {
   EXPECT_EQ(place.l_type, F_RDLCK) << "the tool stands in line at the node";
   ::close(node);
   EXPECT_EQ(waiting.get().code, 0);
+}
+
+TEST_F(ToolTest, ManyProgramsShareACameraBesideASync) {
+  for (int i = 1; i <= 40; ++i) {
+    storage_.Put("DCIM/100ABCDE/IMG_00" + std::to_string(10 + i) + ".JPG", std::string(20'000, static_cast<char>(i)));
+  }
+  PlugCamera("K1", 0);
+  const base::ScratchFolder target;
+  std::vector<std::future<Ended>> runs;
+  for (int i = 0; i < 11; ++i) {
+    const std::string words = i == 0 ? "sync --verify " + target.Path().string() : "info";
+    runs.push_back(std::async(std::launch::async, [words] { return Run(words); }));
+  }
+  for (std::future<Ended>& run : runs) EXPECT_EQ(run.get().code, 0);
+  const std::filesystem::directory_iterator stored(target.Path() / "100ABCDE");
+  EXPECT_EQ(std::distance(begin(stored), end(stored)), 40);
 }
 
 TEST_F(ToolTest, TheDoctorFindsACameraWell) {

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 
 namespace apps {
@@ -14,9 +15,11 @@ bool CanAsk(const Context& context) {
 void Ask(Context& context, const Question& question) {
   context.reporter.Ask(question.facts);
   context.reporter.Ask(question.ask + " Type yes and press Enter:");
-  std::string answer;
-  for (char c = 0; ::read(STDIN_FILENO, &c, 1) == 1 && c != '\n';) answer += c;
-  if (answer != "yes") throw Failure(ExitCode::kFailed, "The answer was not yes; " + question.otherwise + ".");
+  WithoutCamera(context, [&] {
+    std::string answer;
+    for (char c = 0; ::read(STDIN_FILENO, &c, 1) == 1 && c != '\n';) answer += c;
+    if (answer != "yes") throw Failure(ExitCode::kFailed, "The answer was not yes; " + question.otherwise + ".");
+  });
 }
 
 void AskOnTerminal(Context& context, const Question& question) {

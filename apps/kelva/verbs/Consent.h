@@ -22,7 +22,7 @@ struct Question {
 
 /// Whether a question reaches somebody: standard input is a terminal, and --yes is not given.
 bool CanAsk(const Context& context);
-/// Shows the facts and asks; returns after "yes". Throws Failure after any other answer.
+/// Shows the facts and asks; returns after "yes". Other programs may use the camera meanwhile, and change what is on it. Throws Failure after any other answer.
 void Ask(Context& context, const Question& question);
 /// As Ask on a terminal. Elsewhere, and with --yes, the command line is consent enough, and nothing is shown.
 void AskOnTerminal(Context& context, const Question& question);

@@ -79,7 +79,24 @@ Json DeleteOne(Context& context, Camera& camera, const DcfObj& picture) {
   throw Failure(ExitCode::kRefused, "The camera refused to delete the picture " + PictureName(picture) + ".");
 }
 
-void AskAboutPictures(Context& context, const std::vector<Meaning>& meanings) {
+std::string BytesOf(const DcfObj& picture) {
+  return {reinterpret_cast<const char*>(&picture), sizeof picture};
+}
+
+// What another program changed while the question stood is not what was agreed to.
+void KeepWhatChanged(Camera& camera, std::vector<Meaning>& meanings) {
+  std::set<std::string> now;
+  for (const DcfObj& picture : ReadPictures(camera)) now.insert(BytesOf(picture));
+  for (Meaning& meaning : meanings) {
+    const auto changed = [&](const DcfObj& picture) { return !now.contains(BytesOf(picture)); };
+    if (std::erase_if(meaning.pictures, changed) == 0) continue;
+    meaning.failure =
+        Failure(ExitCode::kFailed, "Some of " + Printable(meaning.word) +
+                                       " changed on the camera meanwhile and were kept; repeat the command.");
+  }
+}
+
+void AskAboutPictures(Context& context, Camera& camera, std::vector<Meaning>& meanings) {
   if (!CanAsk(context)) return;
   std::size_t count = 0;
   for (const Meaning& meaning : meanings) {
@@ -92,6 +109,7 @@ void AskAboutPictures(Context& context, const std::vector<Meaning>& meanings) {
   if (count == 0) return;
   Ask(context, {std::to_string(count) + " pictures to delete on the camera, each with all its files.", "Delete?",
                 "nothing was deleted"});
+  KeepWhatChanged(camera, meanings);
 }
 
 ExitCode RunPicturesRm(Context& context) {
@@ -104,7 +122,7 @@ ExitCode RunPicturesRm(Context& context) {
     std::erase_if(meaning.pictures, [&](const DcfObj& picture) { return !named.insert(PictureName(picture)).second; });
   }
   const bool dry = context.call.Has("dry-run");
-  if (!dry) AskAboutPictures(context, meanings);
+  if (!dry) AskAboutPictures(context, *camera, meanings);
   Each each(context, "pictures");
   for (const Meaning& meaning : meanings) {
     if (meaning.failure) each.Try(meaning.word, [&]() -> Json { throw Failure(*meaning.failure); });

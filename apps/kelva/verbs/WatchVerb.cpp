@@ -23,6 +23,9 @@
 namespace apps {
 namespace {
 
+// Enough for the turn of another program that gives the camera up for others.
+constexpr std::chrono::milliseconds kATurn{400};
+
 using Kind = HotplugEvent::Kind;
 
 std::string_view WordFor(Kind kind) {
@@ -146,13 +149,19 @@ class Watch {
     if (serial_ && camera.facts.serial != *serial_) return [] {};
     return [this, camera, pictures = NewPictures(), complained = false]() mutable {
       try {
-        const Session session(context_, camera);
-        context_.Doing("read the picture catalogue");
-        for (const DcfObj& picture : pictures.Look(*session)) Report(camera.facts, picture);
+        // Ended before the command runs, which may use the camera.
+        for (const DcfObj& picture : LookAt(camera, pictures)) Report(camera.facts, picture);
       } catch (const std::exception& error) {
         Complain(Explain(error, context_), complained);
       }
     };
+  }
+
+  // Whoever keeps the camera longer than a turn is asked about the next time; cameras come and go meanwhile.
+  std::vector<DcfObj> LookAt(const AttachedCamera& camera, NewPictures& pictures) {
+    const Session session(context_, camera, std::min(WaitBusy(context_), kATurn));
+    context_.Doing("read the picture catalogue");
+    return pictures.Look(*session);
   }
 
   void Report(const RegistryCamera& camera, const DcfObj& picture) {
