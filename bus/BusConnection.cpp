@@ -25,12 +25,17 @@ bool IsEvent(const Frame& frame) {
   return frame.kind == Kind::kPlugged || frame.kind == Kind::kUnplugged;
 }
 
+std::string WhatToDo(int error, const std::string& path) {
+  if (error == EACCES || error == EPERM) return "; it runs as another user, or its folder is closed to you.";
+  return "; start one with `kelva-vcam serve --virtual " + path + "`.";
+}
+
 }  // namespace
 
 BusConnection::BusConnection(const std::string& path) : path_(path), socket_(ConnectTo(path)) {
   if (!socket_) {
-    throw std::runtime_error("Cannot reach a bus at " + path + ": " + std::strerror(errno) +
-                             "; start one with `kelva-vcam serve --virtual " + path + "`.");
+    const int error = errno;
+    throw std::runtime_error("Cannot reach a bus at " + path + ": " + std::strerror(error) + WhatToDo(error, path));
   }
   Request(Kind::kHello, EncodeNumber(kProtocolVersion));
 }

@@ -38,6 +38,13 @@ std::vector<AttachedCamera> FindAttached(StdoutDiversion& diversion) {
   return attached;
 }
 
+// The library reports those present during the call.
+int CountUnusable() {
+  int count = 0;
+  Camera::ListenForBadCameraAttach([](void* counter) { ++*static_cast<int*>(counter); }, &count);
+  return count;
+}
+
 std::optional<std::string> WantedSerial(const std::optional<std::string>& option) {
   if (option) {
     if (option->empty()) throw Failure(ExitCode::kUsage, "--serial needs a serial number; `kelva list` shows them.");

@@ -21,6 +21,9 @@ struct AttachedCamera {
 /// The cameras attached now. Throws Failure when the system refused the search.
 std::vector<AttachedCamera> FindAttached(StdoutDiversion& diversion);
 
+/// How many attached cameras the system took for a CD drive.
+int CountUnusable();
+
 /// The serial number asked for: from the option, else from KELVA_SERIAL. Nothing when the option is not given and the
 /// variable is unset or empty. Throws Failure for an empty option.
 std::optional<std::string> WantedSerial(const std::optional<std::string>& option);

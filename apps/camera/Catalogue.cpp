@@ -55,8 +55,8 @@ std::vector<DcfObj> AllMeant(const std::vector<DcfObj>& catalogue, const std::st
     if (wanted.folder.empty() || Matches(wanted.folder, PictureFolder(picture))) meant.push_back(picture);
   }
   if (!meant.empty()) return meant;
-  throw Failure(ExitCode::kFailed,
-                "There is no picture " + Printable(name) + " in the camera's catalogue; `kelva pictures` lists it.");
+  throw Failure(ExitCode::kFailed, "No picture in the camera's catalogue is called " + Printable(name) +
+                                       "; `kelva pictures` lists them all.");
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ TEST(FindPictureTest, TheSameNameInTwoFoldersNeedsTheFolder) {
 }
 
 TEST(FindPictureTest, ANameThatIsNotThereIsAnError) {
-  EXPECT_THAT(WhyNot("IMG_0003"), HasSubstr("There is no picture"));
+  EXPECT_THAT(WhyNot("IMG_0003"), HasSubstr("No picture in the camera's catalogue is called"));
 }
 
 TEST(CatalogueTest, MembersNameWhatThePictureHas) {

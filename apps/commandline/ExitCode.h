@@ -17,6 +17,7 @@ enum class ExitCode : int {
   kRefused = 7,
   kTimedOut = 8,
   kInterrupted = 130,
+  kReaderGone = 141,
 };
 
 /// One row of the table from which the manual and the JSON form of an error take their words.
@@ -37,6 +38,8 @@ inline constexpr ExitCodeRow kExitCodes[] = {
     {ExitCode::kRefused, "refused", "The camera refused the command."},
     {ExitCode::kTimedOut, "timed-out", "The time given with --timeout, or the camera's own, ran out."},
     {ExitCode::kInterrupted, "interrupted", "A signal (Ctrl-C) ended it."},
+    {ExitCode::kReaderGone, "reader-gone",
+     "Whoever reads standard output has closed it, as `head` does; the work ended there, without a word."},
 };
 
 /// The stable word of an exit code, "failed" for a number outside the table.

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 #include "apps/commandline/Failure.h"
@@ -11,14 +12,17 @@
 namespace apps {
 
 void Output::Flush() {
-  const std::string pending = std::exchange(pending_, {});
-  const int error = base::WriteAll(fd_, pending);
-  if (error != 0) throw SystemFailure("write to standard output", error);
+  WriteAll(std::exchange(pending_, {}));
 }
 
 void Output::Write(std::string_view bytes) {
   Flush();
+  WriteAll(bytes);
+}
+
+void Output::WriteAll(std::string_view bytes) {
   const int error = base::WriteAll(fd_, bytes);
+  if (error == EPIPE) throw ReaderGone();
   if (error != 0) throw SystemFailure("write to standard output", error);
 }
 

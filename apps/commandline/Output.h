@@ -7,6 +7,10 @@
 
 namespace apps {
 
+/// Thrown when whoever reads standard output has closed it. Not a std::exception, so that no handler takes it for the
+/// failure of one item.
+struct ReaderGone {};
+
 /// The tool's standard output: results and nothing else. Collects until Flush. Not for use from two threads.
 class Output {
  public:
@@ -14,9 +18,9 @@ class Output {
   explicit Output(int fd) : fd_(fd) {}
 
   void Add(std::string_view text) { pending_ += text; }
-  /// Writes what was collected. Throws Failure when the reader has gone or the disk is full.
+  /// Writes what was collected. Throws ReaderGone, and Failure when the disk is full.
   void Flush();
-  /// Flush, then writes these bytes at once. Throws Failure as Flush does.
+  /// Flush, then writes these bytes at once. Throws as Flush does.
   void Write(std::string_view bytes);
   /// Whether a person sees it.
   bool IsTerminal() const;
@@ -24,6 +28,8 @@ class Output {
   bool TakeEnd() { return !ended_.exchange(true); }
 
  private:
+  void WriteAll(std::string_view bytes);
+
   int fd_;
   std::atomic<bool> ended_ = false;
   std::string pending_;

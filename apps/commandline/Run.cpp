@@ -58,6 +58,8 @@ ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, cons
       out.Flush();
     } catch (const Failure&) {
       // Standard output has failed, and standard error has reported it.
+    } catch (const ReaderGone&) {
+      // Nobody reads the document.
     }
   }
   return outcome.code;
@@ -70,6 +72,8 @@ bool AnswerShell(const Program& program, std::span<const char* const> arguments)
     Output out(diversion.Real());
     out.Add(Offers(program, arguments[1], arguments.subspan(2)));
     out.Flush();
+  } catch (const ReaderGone&) {
+    // The line was typed on.
   } catch (const std::exception&) {
     // Nobody reads a message while a line is being typed; there is nothing to offer.
   }
@@ -86,6 +90,8 @@ int RunProgram(const Program& program, std::span<const char* const> arguments) {
   try {
     call = Parse(program, arguments);
     return static_cast<int>(RunVerb(call, out, reporter, diversion));
+  } catch (const ReaderGone&) {
+    return static_cast<int>(ExitCode::kReaderGone);
   } catch (const Failure& failure) {
     return static_cast<int>(GiveError(reporter, out, call, {failure.Code(), failure.what()}));
   } catch (const std::exception& error) {

@@ -64,6 +64,8 @@ class Worker {
       result_ = work(stop_);
     } catch (const Stopped&) {
       result_ = ExitCode::kInterrupted;
+    } catch (const ReaderGone&) {
+      result_ = ExitCode::kReaderGone;
     }
     ended_.store(true);
     const std::uint64_t one = 1;

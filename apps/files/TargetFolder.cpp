@@ -69,15 +69,22 @@ mode_t ModeOfNewFile(int folder) {
   return kForAll & ~Umask();
 }
 
+// What a script passes when a variable is unset.
+void RequireName(const std::string& path) {
+  if (path.empty()) throw Failure(ExitCode::kUsage, "The name of the folder is empty; use . for the current one.");
+}
+
 }  // namespace
 
 TargetFolder TargetFolder::Open(const std::string& path) {
+  RequireName(path);
   base::FileDescriptor folder(::open(path.c_str(), kFolderFlags));
   if (!folder) throw SystemFailure("open the folder " + Printable(path), errno);
   return TargetFolder(std::move(folder), path);
 }
 
 TargetFolder TargetFolder::OpenOrMake(const std::string& path) {
+  RequireName(path);
   const std::string above = Above(path);
   if (!above.empty() && IsMissing(above)) OpenOrMake(above);
   MakeFolder(AT_FDCWD, path, path);

@@ -76,6 +76,8 @@ class Tool {
     try {
       call_ = Parse(TheTool(), arguments_);
       return Dispatch();
+    } catch (const ReaderGone&) {
+      return ExitCode::kReaderGone;
     } catch (const std::exception& error) {
       return GiveDiscreetly(Explain(error, "start"));
     }
@@ -86,6 +88,7 @@ class Tool {
     if (const auto text = Answer(call_)) return GiveText(out_, reporter_.Style(), call_, *text);
     OpenTrace();
     Supervision supervision;
+    if (const std::string said(call_.verb->whenEnded); !said.empty()) supervision.soFar = [said] { return said; };
     supervision.atEnd = [this](ExitCode code, const std::string& sentence) {
       Trace::CutOff();
       GiveEnd({code, sentence});

@@ -110,10 +110,26 @@ class ReportTest(Bus):
 
 
 class DoctorTest(Bus):
-    def test_it_looks_at_this_machine_and_not_at_a_virtual_bus(self):
+    def doctor(self):
+        run = self.kelva("doctor", "--json")
+        return run.returncode, [finding["condition"] for finding in json.loads(run.stdout)["findings"]]
+
+    def test_on_a_virtual_bus_it_looks_at_the_cameras(self):
+        self.assertEqual(self.doctor(), (0, ["well"]))
+        holder = self.start("console", "--follow", "--quiet")
+        self.wait_until_held("K1", run=holder)
         run = self.kelva("doctor")
-        self.assertEqual(run.returncode, 2)
-        self.assertIn("looks at this machine", run.stderr)
+        self.assertEqual(run.returncode, 1)
+        self.assertIn(f"The virtual camera K1 is held by kelva (process {holder.pid}", run.stdout)
+        holder.terminate()
+        holder.communicate()
+        self.vcam("plug", "--serial", "CD", "--storage", self.drive, "--type", "5", "--revision", "Q42")
+        self.assertEqual(self.doctor(), (1, ["well", "bad-camera"]))
+        self.unplug("CD")
+        self.fault("fail", 1)
+        self.assertEqual(self.doctor(), (1, ["not-answering"]))
+        self.unplug()
+        self.assertEqual(self.doctor(), (1, ["no-device"]))
 
     def test_without_a_camera_it_says_so_and_what_to_do(self):
         # A machine whose /sys is empty has no camera, whatever is plugged into this one.

@@ -58,7 +58,7 @@ constexpr Verb kVerbs[] = {
      .examples = kGetExamples,
      .run = RunGet,
      .alias = "control get"},
-    {"control set", "Set a manual control", kSet, kNoOptions,
+    {"control set", "Send the command for a manual control, without its value", kSet, kNoOptions,
      R"(The command has no data phase: the camera learns the number of the control, but not the value. The tool says
 so and ends with exit status 0.)",
      "control: its number\ntext_sent: always false", kSetExamples, RunSet},

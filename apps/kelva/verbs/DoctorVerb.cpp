@@ -2,8 +2,10 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/Attached.h"
+#include "apps/camera/Explain.h"
+#include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
-#include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/kelva/doctor/Diagnosis.h"
 #include "apps/kelva/doctor/Probe.h"
@@ -12,6 +14,8 @@
 
 namespace apps {
 namespace {
+
+using doctor::Condition;
 
 Json Members(const doctor::Finding& finding) {
   Json members = Json::Object().Set("condition", doctor::WordOf(finding.condition));
@@ -27,13 +31,50 @@ std::string Paragraph(const doctor::Finding& finding) {
   return text;
 }
 
-ExitCode RunDoctor(Context& context) {
-  if (context.call.Has("virtual")) {
-    throw Failure(ExitCode::kUsage, "`kelva doctor` looks at this machine; a virtual bus has nothing to examine.");
+doctor::Finding ExamineOnBus(Context& context, const AttachedCamera& camera) {
+  const std::string& serial = camera.facts.serial;
+  const std::string holders = context.holdersOf ? context.holdersOf(serial) : "";
+  if (!holders.empty()) {
+    return {Condition::kHeld, serial, "The virtual camera " + serial + " is held by " + holders + ".", "",
+            "Let it finish, or close it the usual way."};
   }
-  context.Doing("look at this machine");
-  const auto findings =
-      doctor::Diagnose(doctor::SurveyMachine([](const std::string& node) { return doctor::AskCamera(node); }));
+  try {
+    context.Doing("ask the virtual camera " + serial + " whether it is ready");
+    const Session session(context, camera);
+    if (session->IsReady()) {
+      return {Condition::kWell, serial, "The virtual camera " + serial + " is ready to be used.", "", ""};
+    }
+    return {Condition::kNotAnswering, serial, "The virtual camera " + serial + " is not ready; it may be restarting.",
+            "", "`kelva ready --wait` ends when it is."};
+  } catch (const std::exception& error) {
+    return {Condition::kNotAnswering, serial, Explain(error, context).sentence, "",
+            "`kelva-vcam status` shows its faults; unplug it and plug it in again to be rid of them."};
+  }
+}
+
+// A bus has no drivers, nodes and permissions. There a camera is missing, held, of the bad kind, or has a fault.
+std::vector<doctor::Finding> ExamineBus(Context& context, const std::string& socket) {
+  std::vector<doctor::Finding> findings;
+  for (const AttachedCamera& camera : FindAttached(context.diversion))
+    findings.push_back(ExamineOnBus(context, camera));
+  const int bad = CountUnusable();
+  for (int i = 0; i < bad; ++i) {
+    findings.push_back({Condition::kBadCamera, "", "A virtual camera is of the kind that is taken for a CD drive.", "",
+                        "Unplug it, and plug it in without --type 5."});
+  }
+  if (!findings.empty()) return findings;
+  return {{Condition::kNoDevice, "", "No camera is plugged in on the virtual bus.",
+           "kelva-vcam plug --virtual " + socket + " --serial K1 --storage FOLDER", ""}};
+}
+
+std::vector<doctor::Finding> ExamineMachine() {
+  return doctor::Diagnose(doctor::SurveyMachine([](const std::string& node) { return doctor::AskCamera(node); }));
+}
+
+ExitCode RunDoctor(Context& context) {
+  const auto socket = context.call.Value("virtual");
+  context.Doing(socket ? "look at the virtual bus" : "look at this machine");
+  const auto findings = socket ? ExamineBus(context, *socket) : ExamineMachine();
   Json list = Json::Array();
   std::string text;
   bool harmless = true;
@@ -53,6 +94,8 @@ constexpr Verb kVerbs[] = {
      R"(Checks from the cable upwards. Is a camera there? Has a driver taken it? Does it have a device node? May
 this user use the node? Does another program hold it? Does it answer? The first problem is reported in one sentence,
 with the command that solves it where there is one.
+
+With --virtual it looks at the cameras of that bus: which are there, which are held, of the bad kind or not ready.
 
 The exit status is 0 if there is no problem, otherwise 1.)",
      "findings: array of condition (a word), harmless, serial, sentence, command, advice", kExamples, RunDoctor}};

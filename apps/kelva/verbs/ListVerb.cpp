@@ -12,17 +12,6 @@
 namespace apps {
 namespace {
 
-void CountBad(void* count) {
-  ++*static_cast<int*>(count);
-}
-
-// Cameras that the system took for a CD drive. The library reports those present during the call.
-int UnusableCameras() {
-  int count = 0;
-  Camera::ListenForBadCameraAttach(CountBad, &count);
-  return count;
-}
-
 Json CameraMembers(const AttachedCamera& camera) {
   const RegistryCamera& facts = camera.facts;
   Json members = Json::Object().SetBytes("serial", facts.serial).SetBytes("vendor", facts.vendor);
@@ -30,13 +19,14 @@ Json CameraMembers(const AttachedCamera& camera) {
   return members.Set("driver", facts.driver).Set("expected_driver", camera.camera->IsScsiInquiryCorrect());
 }
 
-std::string Table(const std::vector<AttachedCamera>& cameras) {
+std::string Table(const std::vector<AttachedCamera>& cameras, bool withDrivers) {
   std::vector<std::vector<std::string>> rows = {{"SERIAL", "MODEL", "REVISION", "DRIVER"}};
   for (const AttachedCamera& camera : cameras) {
     const RegistryCamera& facts = camera.facts;
     rows.push_back({facts.serial.empty() ? "-" : Printable(facts.serial), Printable(facts.vendor + " " + facts.product),
                     Printable(facts.revision), facts.driver});
   }
+  for (auto& row : rows) row.resize(withDrivers ? row.size() : row.size() - 1);
   return cameras.empty() ? "" : Columns(rows);
 }
 
@@ -48,10 +38,11 @@ ExitCode RunList(Context& context) {
     cameras.clear();
     cameras.push_back(std::move(wanted));
   }
-  const int unusable = UnusableCameras();
+  const int unusable = CountUnusable();
   Json list = Json::Array();
   for (const AttachedCamera& camera : cameras) list.Push(CameraMembers(camera));
-  context.Result(Json::Object().Set("cameras", std::move(list)).Set("unusable", unusable), Table(cameras));
+  context.Result(Json::Object().Set("cameras", std::move(list)).Set("unusable", unusable),
+                 Table(cameras, context.reporter.Style().verbose));
   if (cameras.empty()) context.reporter.Note("No camera is attached.");
   if (unusable > 0) {
     const std::string which = unusable == 1 ? "One camera was taken for a CD drive"
@@ -72,8 +63,8 @@ constexpr Verb kVerbs[] = {
 camera. If no camera is attached, the list is empty and the exit status is 0. With --serial or KELVA_SERIAL only that
 camera is shown; if it is not attached, that is an error.
 
-DRIVER is the kernel driver that serves the camera: com_kelva_Glimmer, or com_kelva_Glimmer_ms where the system also
-sees a disk in the camera. All commands work with both.)",
+With --verbose a column DRIVER names the driver that serves the camera: com_kelva_Glimmer, or com_kelva_Glimmer_ms where the system also
+sees a disk in the camera; on Linux these names stand for the kernel's own drivers. All commands work with both.)",
      R"(cameras: array of serial, vendor, product, revision, driver, expected_driver
 unusable: how many cameras the system took for CD drives)",
      kExamples, RunList}};

@@ -45,10 +45,16 @@ constexpr Example kExamples[] = {
 };
 
 constexpr Verb kVerbs[] = {
-    {"wait", "Wait until a camera is attached", kNoArguments, kOptions,
-     R"(Returns at once if a camera is already attached, and prints its serial number. Without --serial any camera
+    {.name = "wait",
+     .summary = "Wait until a camera is attached",
+     .options = kOptions,
+     .details =
+         R"(Returns at once if a camera is already attached, and prints its serial number. Without --serial any camera
 will do. If --timeout passes before a camera appears, the exit status is 8.)",
-     "serial: of the camera\nattached: false with --gone", kExamples, RunWait}};
+     .json = "serial: of the camera\nattached: false with --gone",
+     .examples = kExamples,
+     .run = RunWait,
+     .whenEnded = "no camera came or went that it waits for"}};
 
 }  // namespace
 

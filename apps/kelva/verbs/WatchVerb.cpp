@@ -216,8 +216,11 @@ constexpr Example kExamples[] = {
 };
 
 constexpr Verb kVerbs[] = {
-    {"watch", "Report cameras as they come and go", kNoArguments, kOptions,
-     R"(Prints the cameras that are attached ("present"), then each change: "attached", "lost", and "bad" for a
+    {.name = "watch",
+     .summary = "Report cameras as they come and go",
+     .options = kOptions,
+     .details =
+         R"(Prints the cameras that are attached ("present"), then each change: "attached", "lost", and "bad" for a
 camera that the system took for a CD drive. Without --pictures it uses no processor time while nothing happens. It ends with Ctrl-C (exit
 status 130), after --timeout (8) or after --count events (0, or 6 if a command of --exec failed).
 
@@ -227,14 +230,16 @@ KELVA_PICTURE. A `kelva` in the command uses that camera. With --json, whatever 
 
 With --pictures the catalogue of each camera is read every two seconds, unless another program holds the camera then, and
 each picture that has appeared since is reported as "picture".)",
-     R"(event: attached, lost, bad or picture
+     .json = R"(event: attached, lost, bad or picture
 serial: of the camera, empty if it has none; not with bad
 product: of the camera; with attached and lost
 revision: of the camera; with attached and lost
 present: true for a camera that was attached when the watch began; not with picture
 folder, name and the rest: of the picture, as `kelva pictures` gives them; with picture
 events: how many events there were; at the end, with --count)",
-     kExamples, RunWatch}};
+     .examples = kExamples,
+     .run = RunWatch,
+     .whenEnded = "the watch is over"}};
 
 }  // namespace
 

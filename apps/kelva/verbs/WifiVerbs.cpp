@@ -6,6 +6,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/kelva/verbs/Secret.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "base/Ascii.h"
 
 namespace apps {
 namespace {
@@ -54,9 +55,10 @@ ExitCode RunPassphrase(Context& context) {
 }
 
 _VscWifiAuthType AuthType(const std::string& word) {
-  if (word == "WPA2") return kVscWifiAuthWpa2;
-  if (word == "WEP") return kVscWifiAuthWep;
-  if (word == "NONE") return kVscWifiAuthNone;
+  const std::string upper = base::Upper(word);
+  if (upper == "WPA2") return kVscWifiAuthWpa2;
+  if (upper == "WEP") return kVscWifiAuthWep;
+  if (upper == "NONE") return kVscWifiAuthNone;
   throw Failure(ExitCode::kUsage, "The authentication is WPA2, WEP or NONE, not \"" + Printable(word) + "\".");
 }
 
@@ -65,7 +67,8 @@ ExitCode RunAuth(Context& context) {
   const _VscWifiAuthType auth = AuthType(word);
   const Session camera(context, "set the Wi-Fi authentication");
   const bool taken = camera->SetWifiAuthType(kVscWifiType1, auth);
-  const ExitCode code = Finish(context, camera, taken, Json::Object().Set("auth", word).Set("text_sent", false));
+  const ExitCode code =
+      Finish(context, camera, taken, Json::Object().Set("auth", base::Upper(word)).Set("text_sent", false));
   context.reporter.Note("The camera accepted the command. The command carries no text, so \"" + word +
                         "\" itself does not reach the camera.");
   return code;
@@ -77,7 +80,8 @@ ExitCode RunOff(Context& context) {
 }
 
 constexpr Argument kName[] = {{"NAME", "At most 19 bytes; \"kelva.camera.\" is put before it."}};
-constexpr Argument kAuth[] = {{"AUTH", "WPA2, WEP or NONE.", Argument::Count::kOne, Offer::kWords, "WPA2 WEP NONE"}};
+constexpr Argument kAuth[] = {
+    {"AUTH", "WPA2, WEP or NONE, in any case of letters.", Argument::Count::kOne, Offer::kWords, "WPA2 WEP NONE"}};
 constexpr Option kSetting[] = {
     {"setting", 0, "0|1", "Which of the camera's two Wi-Fi settings; the default is 0.", Offer::kWords, "0 1"}};
 constexpr Example kNameExamples[] = {{"kelva wifi name den", "Call the network kelva.camera.den."}};
@@ -104,7 +108,7 @@ first line of standard input. It is not taken from the command line, because oth
      {},
      {},
      true},
-    {"wifi auth", "Set the camera's Wi-Fi authentication", kAuth, kNoOptions,
+    {"wifi auth", "Send the command for the Wi-Fi authentication, which names none", kAuth, kNoOptions,
      R"(Sets the authentication of setting 1. The command has no data phase: the camera learns that it was sent, but
 not which authentication it names. The tool says so and ends with exit status 0.)",
      "auth: the word given\ntext_sent: always false", kAuthExamples, RunAuth},

@@ -15,6 +15,7 @@ TEST_F(WifiVerbsTest, WifiSettingsSayWhatTheyDo) {
 
 TEST_F(WifiVerbsTest, ANameThatIsTooLongIsAUsageError) {
   EXPECT_EQ(Run({"wifi", "name", "12345678901234567890"}).code, ExitCode::kUsage);
+  EXPECT_NE(Run({"wifi", "auth", "wpa2", "--json"}).out.find("\"auth\":\"WPA2\""), std::string::npos);
   EXPECT_EQ(Run({"wifi", "auth", "WPA3"}).code, ExitCode::kUsage);
 }
 

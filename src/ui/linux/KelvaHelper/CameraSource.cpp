@@ -5,11 +5,13 @@
 #include "bus/BusClient.h"
 #include "darwin/registry/Registry.h"
 #include "darwin/udev/UdevSource.h"
+#include "src/ui/linux/KelvaHelper/Report.h"
 
 namespace helper {
 
 void UseCamerasOf(const std::string& virtualBus) {
-  darwin::Registry::Shared().SetSource(virtualBus.empty() ? darwin::MakeUdevSource() : bus::ConnectBus(virtualBus));
+  darwin::Registry::Shared().SetSource(virtualBus.empty() ? darwin::MakeUdevSource(Complain)
+                                                          : bus::ConnectBus(virtualBus));
 }
 
 }  // namespace helper
