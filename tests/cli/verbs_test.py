@@ -67,12 +67,12 @@ class EveryVerbTest(Bus):
         serial = [] if verb in WITHOUT_CAMERA else ["-s", self.serials[verb]]
         return [*verb.split(), *words, *serial, *more]
 
-    def begin(self, verb, *more):
+    def begin(self, verb, *more, out=subprocess.PIPE):
         command = self.command(*self.words(verb, *more))
         if verb == "doctor":
             command = [command[0], *command[3:]]
         with open(self.secret if verb == "wifi passphrase" else os.devnull, encoding="ascii") as given:
-            return subprocess.Popen(command, stdin=given, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+            return subprocess.Popen(command, stdin=given, stdout=out, stderr=subprocess.PIPE, text=True)
 
     def run_all(self, verbs, check, *more):
         """Runs the commands, some at a time, and hands verb, exit status, output and messages of each to `check`."""
@@ -210,6 +210,18 @@ class EveryVerbTest(Bus):
             serial = self.serials[verb]
             self.assertLessEqual(after[serial]["commands"] - before[serial]["commands"], 1, verb)
             self.assertEqual([name for name in os.listdir(self.out(verb)) if name.endswith(".part")], [], verb)
+
+    def test_without_a_reader_it_ends_and_says_nothing(self):
+        self.plug_all(VERBS.keys() - WITHOUT_CAMERA)
+        for verb in VERBS:
+            with self.subTest(verb=verb):
+                reader, writer = os.pipe()
+                os.close(reader)
+                run = self.begin(verb, "--json", out=writer)
+                os.close(writer)
+                messages = run.communicate(timeout=60)[1]
+                self.assertEqual(run.returncode, 141, messages)
+                self.assertNotIn('"event":"error"', messages)
 
     def test_waiting_ends_with_ctrl_c_and_with_a_deadline(self):
         for words in (["watch", "--json"], ["wait", "-s", "nobody", "--json"]):
