@@ -22,6 +22,7 @@ _PROGRAM() {
       :folders) compopt -o dirnames ;;
       *)
         printf -v quoted %q "$word"
+        [[ $word != */ ]] || compopt -o nospace
         [[ ${COMP_WORDS[COMP_CWORD]} == [\"\']* && $quoted != "$word" ]] || COMPREPLY+=("$quoted")
         ;;
     esac
@@ -35,15 +36,17 @@ constexpr std::string_view kZsh = R"(#compdef PROGRAM
 # zsh completion for PROGRAM, which says itself what may come next. Nothing that it says is evaluated.
 _PROGRAM() {
   local name meaning
-  local -a names shown
+  local -a names shown begun
   while IFS=$'\t' read -r name meaning; do
     case $name in
       :files) _files ;;
       :folders) _files -/ ;;
+      */) begun+=("$name") ;;
       *) names+=("$name") shown+=("$name${meaning:+ -- $meaning}") ;;
     esac
   done < <(PROGRAM __complete zsh "${(@Q)words[2,CURRENT-1]}" "$PREFIX" 2>/dev/null)
   compadd -l -d shown -a names
+  compadd -S '' -a begun
 }
 if [[ $funcstack[1] == _PROGRAM ]]; then
   _PROGRAM "$@"
@@ -122,8 +125,18 @@ class Completer {
     if (offer == Offer::kFolder) text_ += kFolders;
     if (offer == Offer::kWords) AddEach(words);
     if (offer == Offer::kVerb) AddFirstWords();
-    if (offer != Offer::kSerial || program_.serials == nullptr) return;
-    for (const std::string& serial : program_.serials(begun_.call)) Add(serial);
+    if (offer == Offer::kSerial && program_.serials != nullptr) {
+      for (const std::string& serial : program_.serials(begun_.call)) Add(serial);
+    }
+    if (offer == Offer::kCameraPath || offer == Offer::kPicture) AddCameraWords(offer);
+  }
+
+  // An option's name would not be taken for a path, and a backslash separates.
+  void AddCameraWords(Offer offer) {
+    if (program_.cameraWords == nullptr) return;
+    for (const std::string& word : program_.cameraWords(begun_.call, offer, Unquoted(last_))) {
+      if (!word.starts_with('-') && word.find('\\') == std::string::npos) Add(word);
+    }
   }
 
   void AddEach(std::string_view words) {
@@ -185,13 +198,16 @@ class Completer {
   std::string text_;
 };
 
-// bash splits "--serial=K1" into three words; the parser also takes the option and its value as two.
+// bash splits "--serial=K1" into three words; the parser also takes the option and its value as two. It also splits
+// "I:/DCIM", of which it wants the part behind the colon completed: a path without a drive is on the same one.
 std::vector<std::string> WordsOfBash(std::span<const char* const> words) {
   std::vector<std::string> unquoted;
   bool sign = false;
   for (const std::string_view word : words) {
     sign = word == "=" && !unquoted.empty() && unquoted.back().starts_with("--");
-    if (!sign) unquoted.push_back(Unquoted(word));
+    const bool drive = word == ":" && !unquoted.empty() && unquoted.back().size() == 1;
+    if (drive) unquoted.pop_back();
+    if (!sign && !drive) unquoted.push_back(Unquoted(word));
   }
   if (sign) unquoted.emplace_back();  // the cursor stands behind the sign
   return unquoted;

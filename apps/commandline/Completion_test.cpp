@@ -15,6 +15,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 constexpr Argument kPath[] = {{"PATH", "A path.", Argument::Count::kOneOrMore, Offer::kFile}};
+constexpr Argument kCamera[] = {{"PATH", "A path.", Argument::Count::kOneOrMore, Offer::kCameraPath}};
 constexpr Argument kShell[] = {{"SHELL", "Which.", Argument::Count::kOne, Offer::kWords, "bash zsh"},
                                {"COMMAND", "Which.", Argument::Count::kOptional, Offer::kVerb}};
 constexpr Option kOptions[] = {{"zone", 'z', "ZONE", "It's [a] zone.", Offer::kWords, "utc local"},
@@ -23,6 +24,7 @@ constexpr Verb kTable[] = {
     {"time", "The clock's time", {}, kOptions, "", "", {}, nullptr},
     {"wifi name", "Name", kPath, {}, "", "", {}, nullptr},
     {"wifi off", "Off", {}, {}, "", "", {}, nullptr},
+    {"get", "Fetch", kCamera, {}, "", "", {}, nullptr},
     {"control", "Show", {}, {}, "", "", {}, nullptr},
     {"control set", "Set", kPath, {}, "", "", {}, nullptr},
     {"completion", "Script", kShell, {}, "", "", {}, nullptr},
@@ -35,7 +37,18 @@ std::vector<std::string> Serials(const Invocation& call) {
   return {"K1", "$(touch X)", "~root", "a\x1b[2Jb", "two\nlines", "", call.Value("bus").value_or("no bus")};
 }
 
-constexpr Program kProgram = {"tool", "1", "", "", kTable, kCommon, kExitCodes, {}, Serials};
+std::vector<std::string> CameraWords(const Invocation& call, Offer, const std::string& typed) {
+  return {"DCIM/",
+          "a b",
+          "-rf",
+          "back\\slash",
+          "$(touch X)",
+          "two\nlines",
+          "[" + typed + "]",
+          call.Value("bus").value_or("no bus")};
+}
+
+constexpr Program kProgram = {"tool", "1", "", "", kTable, kCommon, kExitCodes, {}, Serials, CameraWords};
 
 std::string Offered(const std::vector<const char*>& words, std::string_view shell = "bash") {
   return Offers(kProgram, shell, words);
@@ -50,9 +63,20 @@ TEST(CompletionTest, ThereIsAScriptForEachShellAndItNamesTheProgram) {
 }
 
 TEST(OffersTest, CommandsComeFirstEachOnce) {
-  EXPECT_EQ(Offered({""}), "time\nwifi\ncontrol\ncompletion\n");
-  EXPECT_EQ(Offered({}), "time\nwifi\ncontrol\ncompletion\n");
+  EXPECT_EQ(Offered({""}), "time\nwifi\nget\ncontrol\ncompletion\n");
+  EXPECT_EQ(Offered({}), "time\nwifi\nget\ncontrol\ncompletion\n");
   EXPECT_EQ(Offered({"co"}), "control\ncompletion\n");
+}
+
+TEST(OffersTest, NamesOfACameraAreOfferedThatCanBeTyped) {
+  EXPECT_EQ(Offered({"--bus", "b", "get", ""}), "DCIM/\na b\n$(touch X)\n[]\nb\n");
+  EXPECT_EQ(Offered({"get", "D"}), "DCIM/\n");
+  EXPECT_THAT(Offered({"get", "'a b"}, "zsh"), HasSubstr("\n[a b]\n"));
+}
+
+TEST(OffersTest, ADriveInBashIsLeftToTheShell) {
+  EXPECT_EQ(Offered({"get", "I", ":", "D"}), "DCIM/\n");
+  EXPECT_EQ(Offered({"get", "I", ":", "a"}), "a b\n");
 }
 
 TEST(OffersTest, SecondWordsOfACommandAreOffered) {

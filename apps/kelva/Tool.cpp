@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "apps/camera/Attached.h"
+#include "apps/camera/CameraWords.h"
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Aborts.h"
 #include "apps/commandline/Context.h"
@@ -41,11 +42,27 @@ std::vector<std::string> AttachedSerials(const Invocation& call) {
   return serials;
 }
 
+// Ends with the process: nobody waits longer for a line that is being typed.
+constexpr unsigned kPatienceOfAShell = 3;
+
+std::vector<std::string> CameraWords(const Invocation& call, Offer offer, const std::string& typed) {
+  ::alarm(kPatienceOfAShell);
+  ChooseCameraSource(call.Value("virtual"), [](const std::string&) {});
+  StdoutDiversion diversion;
+  const AttachedCamera chosen = Choose(FindAttached(diversion), WantedSerial(call.Value("serial")));
+  if (!chosen.camera->Open()) return {};
+  std::vector<std::string> words =
+      offer == Offer::kPicture ? PicturesBeginning(*chosen.camera, typed) : PathsBeginning(*chosen.camera, typed);
+  chosen.camera->Close();
+  return words;
+}
+
 // The table of verbs, with what needs a source of cameras.
 const Program& TheTool() {
   static const Program program = [] {
     Program tool = Kelva();
     tool.serials = AttachedSerials;
+    tool.cameraWords = CameraWords;
     return tool;
   }();
   return program;

@@ -10,7 +10,7 @@ import unittest
 from session import Lines
 
 PROGRAMS = ""
-SENTENCE = "kelva: No udev runs here (a container?), so plugging in a camera goes unnoticed; "
+SENTENCE = "kelva-helper: No udev runs here (a container?), so plugging in a camera goes unnoticed; "
 # A /run of the test's own, with or without the socket by which udev is known to run.
 SCRIPT = 'mount -t tmpfs none /run && eval "$1" && shift && exec "$@"'
 WITHOUT_UDEV = ":"

@@ -133,6 +133,27 @@ class Completion(Bus):
         self.run_after("\x15kelva done")
         self.assertEqual(sorted(os.listdir(self.here)), self.files)
 
+    def test_paths_and_pictures_of_a_camera_are_offered(self):
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"1")
+        self.put("DCIM/100ABCDE/IMG_0002.JPG", b"2")
+        self.put("DCIM/101ABCDE/IMG_0002.JPG", b"3")
+        self.check(
+            ("kelva ls DC\t", ["ls", "DCIM/"]),
+            ("kelva ls DC\t101\t", ["ls", "DCIM/101ABCDE/"]),
+            ("kelva get DC\t101\tIM\t", ["get", "DCIM/101ABCDE/IMG_0002.JPG"]),
+            ("kelva get I:/DC\t101\tIM\t", ["get", "I:/DCIM/101ABCDE/IMG_0002.JPG"]),
+            ("kelva pictures rm IM\t", ["pictures", "rm", "IMG_0001"]),
+            ("kelva pictures rm 101\tIM\t", ["pictures", "rm", "101ABCDE/IMG_0002"]),
+        )
+
+    def test_a_camera_s_path_is_never_evaluated(self):
+        for name in ("$(touch trap)", "`touch trap`", "a b", "it's", "say \"x\"", "semi;touch trap", "*", "!!", "&touch trap"):
+            self.put("MISC/" + name, b"")
+            with self.subTest(name=name):
+                self.check(("kelva get MISC/\t", ["get", "MISC/" + name]))
+            os.remove(os.path.join(self.drive, "MISC", name))
+        self.assertEqual(sorted(os.listdir(self.here)), self.files)
+
     def test_a_path_is_never_evaluated(self):
         for name in ("$(touch trap)", "`touch trap`", "a b", "it's", "say \"x\"", "back\\slash", "semi;touch trap"):
             path = os.path.join(self.here, "only", name)

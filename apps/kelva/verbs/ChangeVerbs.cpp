@@ -100,11 +100,12 @@ ExitCode RunRm(Context& context) {
 }
 
 constexpr Argument kPutArguments[] = {{"FILE", "A file of this computer.", Argument::Count::kOne, Offer::kFile},
-                                      {"PATH", "The target on the camera; in a folder the file keeps its name."}};
+                                      {"PATH", "The target on the camera; in a folder the file keeps its name.",
+                                       Argument::Count::kOne, Offer::kCameraPath}};
 constexpr Option kPutOptions[] = {{"force", 'f', "", "Replace an existing file on the camera."}};
 constexpr Example kPutExamples[] = {{"kelva put settings.txt I:/MISC/", "Send a file and check that it arrived."}};
 constexpr Argument kRmArguments[] = {
-    {"PATH", "A file on the camera, or a pattern in quotes.", Argument::Count::kOneOrMore}};
+    {"PATH", "A file on the camera, or a pattern in quotes.", Argument::Count::kOneOrMore, Offer::kCameraPath}};
 constexpr Option kRmOptions[] = {kDryRunOption, kYesOption};
 constexpr Example kRmExamples[] = {{"kelva rm DCIM/100ABCDE/IMG_0001.JPG", "Delete one file."},
                                    {"kelva rm -n 'DCIM/*/*.MP4'", "Show which files a pattern would delete."}};

@@ -135,8 +135,8 @@ ExitCode RunTree(Context& context) {
   return context.Result(std::move(members), std::to_string(files) + " files, " + Bytes(bytes) + "\n");
 }
 
-constexpr Argument kPath[] = {
-    {"FOLDER", "A folder on the camera, such as DCIM; the drive I: unless given.", Argument::Count::kOptional}};
+constexpr Argument kPath[] = {{"FOLDER", "A folder on the camera, such as DCIM; the drive I: unless given.",
+                               Argument::Count::kOptional, Offer::kCameraPath}};
 constexpr Example kLsExamples[] = {{"kelva ls I:/DCIM", "The picture folders."}};
 constexpr Example kTreeExamples[] = {{"kelva tree", "Everything on the camera."}};
 

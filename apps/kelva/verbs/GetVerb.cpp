@@ -84,7 +84,7 @@ ExitCode RunGet(Context& context) {
 
 constexpr Argument kArguments[] = {
     {"PATH", "A file on the camera, a pattern with * ? and [...], or with -r a folder; you may write / for \\.",
-     Argument::Count::kOneOrMore}};
+     Argument::Count::kOneOrMore, Offer::kCameraPath}};
 constexpr Option kOptions[] = {
     {"output", 'o', "FILE", "Write into this file; - is standard output.", Offer::kFile},
     {"into", 'd', "FOLDER", "Write into this folder, which is made if need be, instead of the current one.",

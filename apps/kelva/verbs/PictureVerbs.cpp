@@ -138,7 +138,7 @@ ExitCode RunPicturesRm(Context& context) {
 constexpr Argument kName[] = {{"NAME",
                                "A picture, such as IMG_0001 or IMG_0001.JPG, or a pattern in quotes. Where two have "
                                "the same name, add the folder: 100ABCDE/IMG_0001.",
-                               Argument::Count::kOneOrMore}};
+                               Argument::Count::kOneOrMore, Offer::kPicture}};
 constexpr Option kRmOptions[] = {kDryRunOption, kYesOption};
 constexpr Option kOptions[] = {
     {"sheet", 0, "FILE", "Make a contact sheet: an HTML file with a thumbnail of each picture.", Offer::kFile},
