@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 
 namespace apps {
@@ -95,13 +96,32 @@ std::optional<ClockTime> ReadIso(std::string_view text) {
   return FromFields(f);
 }
 
-ClockTime HostClock(bool utc, system_clock::time_point now) {
-  const auto time = floor<milliseconds>(now.time_since_epoch());
-  if (utc) return ClockTime(time);
+namespace {
+
+// How far this computer's zone is ahead of UTC.
+seconds ZoneOffset(system_clock::time_point now) {
   const std::time_t whole = system_clock::to_time_t(now);
   std::tm local{};
   ::localtime_r(&whole, &local);
-  return ClockTime(time + seconds(local.tm_gmtoff));
+  return seconds(local.tm_gmtoff);
+}
+
+}  // namespace
+
+ClockTime HostClock(bool utc, system_clock::time_point now) {
+  const auto time = floor<milliseconds>(now.time_since_epoch());
+  return ClockTime(utc ? time : time + ZoneOffset(now));
+}
+
+std::string HostTimeText(bool utc, system_clock::time_point now) {
+  constexpr std::size_t kWithoutMilliseconds = 19;
+  std::string text = IsoText(HostClock(utc, now)).substr(0, kWithoutMilliseconds);
+  if (utc) return text + "Z";
+  const auto ahead = duration_cast<minutes>(ZoneOffset(now)).count();
+  std::array<char, 16> zone{};
+  std::snprintf(zone.data(), zone.size(), "%c%02d:%02d", ahead < 0 ? '-' : '+', static_cast<int>(std::abs(ahead) / 60),
+                static_cast<int>(std::abs(ahead) % 60));
+  return text + zone.data();
 }
 
 }  // namespace apps

@@ -26,6 +26,9 @@ std::optional<ClockTime> ReadIso(std::string_view text);
 /// This computer's time in UTC or in its own zone.
 ClockTime HostClock(bool utc, std::chrono::system_clock::time_point now);
 
+/// This computer's time with its zone: "2026-11-21T05:16:00+01:00", or "2026-11-21T04:16:00Z" in UTC.
+std::string HostTimeText(bool utc, std::chrono::system_clock::time_point now);
+
 }  // namespace apps
 
 #endif  // KELVA_APPS_CAMERA_CLOCK_H_

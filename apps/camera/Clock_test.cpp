@@ -66,5 +66,20 @@ TEST(ClockTest, TheHostsTimeCanBeItsOwnOrUtc) {
   ::unsetenv("TZ");
 }
 
+TEST(ClockTest, ThisComputersTimeHasAZone) {
+  const std::chrono::system_clock::time_point now{std::chrono::seconds(1'792'555'560)};
+  EXPECT_EQ(HostTimeText(true, now), "2026-10-21T04:06:00Z");
+  const char* zone = std::getenv("TZ");
+  const std::string before = zone == nullptr ? "" : zone;
+  ::setenv("TZ", "XST-5:45", 1);
+  ::tzset();
+  EXPECT_EQ(HostTimeText(false, now), "2026-10-21T09:51:00+05:45");
+  ::setenv("TZ", "YST3:30", 1);
+  ::tzset();
+  EXPECT_EQ(HostTimeText(false, now), "2026-10-21T00:36:00-03:30");
+  zone == nullptr ? ::unsetenv("TZ") : ::setenv("TZ", before.c_str(), 1);
+  ::tzset();
+}
+
 }  // namespace
 }  // namespace apps

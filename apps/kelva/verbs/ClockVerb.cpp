@@ -33,6 +33,8 @@ ClockTime TimeToSet(const std::string& text, bool utc) {
 }
 
 std::string Difference(double seconds) {
+  constexpr double kShown = 0.05;  // less is 0.0
+  if (std::fabs(seconds) < kShown) return "in step with this computer";
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), "%.1f s %s this computer", std::fabs(seconds),
                 seconds < 0 ? "behind" : "ahead of");
@@ -52,14 +54,15 @@ ExitCode ShowUnknown(Context& context, const Session& camera, const _VscCdbTime&
 
 ExitCode ShowTime(Context& context, const Session& camera, bool utc) {
   const _VscCdbTime record = camera->GetTime();
-  const auto host = HostClock(utc, std::chrono::system_clock::now());
+  const auto now = std::chrono::system_clock::now();
+  const auto host = HostClock(utc, now);
   const auto time = DecodeClock(record);
   if (!time) return ShowUnknown(context, camera, record);
   const double ahead = std::chrono::duration<double>(*time - host).count();
   Json members = CameraResult(camera).Set("time", IsoText(*time)).Set("zone", utc ? "utc" : "local");
-  members.Set("seconds_ahead", ahead).Set("record", base::Hex(Bytes14(record)));
-  return context.Result(std::move(members),
-                        IsoText(*time) + (utc ? " UTC" : " local time") + ", " + Difference(ahead) + "\n");
+  members.Set("seconds_ahead", ahead).Set("computer", HostTimeText(utc, now)).Set("record", base::Hex(Bytes14(record)));
+  return context.Result(std::move(members), IsoText(*time) + "; taken as " + (utc ? "UTC" : "local time") + ", " +
+                                                Difference(ahead) + " (" + HostTimeText(utc, now) + ")\n");
 }
 
 // Never sends a camera a record in a layout that may not be its own.
@@ -100,7 +103,7 @@ constexpr Example kExamples[] = {
 constexpr Verb kVerbs[] = {
     {"time", "Show or set the camera's clock", kNoArguments, kOptions,
      R"(The camera's clock has no time zone. The tool takes it as UTC, or as local time with --zone local, both to
-show and to set it, and prints the zone beside the time.
+compare and to set it. It prints the camera's time without a zone, and this computer's with its own.
 
 The camera sends a record of 14 bytes, read here as seven little-endian 16-bit numbers from year to millisecond. A
 record that is not a valid time in this layout is shown in hexadecimal, and such a clock is not set. After setting, the clock is read back and
@@ -108,6 +111,7 @@ shown.)",
      R"(time: text without a zone; null if the record is not a valid time
 zone: utc or local, as the time was read
 seconds_ahead: how far the camera is ahead of this computer
+computer: this computer's time then, with its zone
 record: the 14 bytes in hexadecimal)",
      kExamples, RunTime}};
 

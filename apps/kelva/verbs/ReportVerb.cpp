@@ -29,7 +29,7 @@ std::string HostFacts() {
   utsname host{};
   ::uname(&host);
   return std::string("tool: kelva " KELVA_VERSION "\nsystem: ") + host.sysname + " " + host.release + " " +
-         host.machine + "\ntime: " + IsoText(HostClock(true, std::chrono::system_clock::now())) + " UTC\n";
+         host.machine + "\ntime: " + HostTimeText(true, std::chrono::system_clock::now()) + "\n";
 }
 
 std::string Console(Context& context, Camera& camera) {

@@ -85,8 +85,7 @@ PageFacts FactsOf(const RegistryCamera& camera, const std::vector<DcfObj>& catal
 }
 
 std::string Made() {
-  const std::string now = IsoText(HostClock(false, std::chrono::system_clock::now()));
-  return "Made with kelva " KELVA_VERSION " on " + now.substr(0, 10) + " at " + now.substr(11, 5) + ".";
+  return "Made with kelva " KELVA_VERSION " at " + HostTimeText(false, std::chrono::system_clock::now()) + ".";
 }
 
 std::string Line(const SheetTotals& totals, const std::string& path, unsigned long long size) {
