@@ -228,6 +228,7 @@ class EveryVerbTest(Bus):
             with self.subTest(words=words):
                 run = self.kelva(*words, "--timeout", "0.3")
                 self.assertEqual(run.returncode, 8, run.stderr)
+                self.assertNotIn("longer --timeout", run.stderr)
                 run = self.start(*words)
                 time.sleep(0.3)
                 run.send_signal(signal.SIGINT)
