@@ -58,7 +58,6 @@ struct Verb {
   std::string_view guardedWith = {};  ///< for verbs that are guarded with one option only: that option
   std::string_view alias = {};        ///< a second name, accepted but not listed
   bool mayMeetSecrets = false;        ///< errors do not repeat what was typed; see Discreet
-  std::string_view whenEnded = {};  ///< what --timeout or Ctrl-C leaves, behind "Timed out after 5 s: "; for some verbs
 };
 
 }  // namespace apps

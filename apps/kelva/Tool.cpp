@@ -105,7 +105,6 @@ class Tool {
     if (const auto text = Answer(call_)) return GiveText(out_, reporter_.Style(), call_, *text);
     OpenTrace();
     Supervision supervision;
-    if (const std::string said(call_.verb->whenEnded); !said.empty()) supervision.soFar = [said] { return said; };
     supervision.atEnd = [this](ExitCode code, const std::string& sentence) {
       Trace::CutOff();
       GiveEnd({code, sentence});

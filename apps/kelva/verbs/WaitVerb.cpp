@@ -25,6 +25,10 @@ ExitCode RunWait(Context& context) {
   const auto serial = WantedSerial(context.call.Value("serial"));
   const bool forLoss = context.call.Has("gone");
   context.Doing("wait for a camera");
+  // A longer time-out helps a camera that is slow, and not one that is not there.
+  if (context.soFar != nullptr) {
+    context.soFar->Tell([] { return SoFar::Done{"no camera came or went that it waits for", Json::Object()}; });
+  }
   std::string seen = serial.value_or("");
   Hotplug hotplug([&](const HotplugEvent& event) {
     if (event.kind == HotplugEvent::Kind::kBad || !IsWanted(event.facts, serial)) return;
@@ -53,8 +57,7 @@ constexpr Verb kVerbs[] = {
 will do. If --timeout passes before a camera appears, the exit status is 8.)",
      .json = "serial: of the camera\nattached: false with --gone",
      .examples = kExamples,
-     .run = RunWait,
-     .whenEnded = "no camera came or went that it waits for"}};
+     .run = RunWait}};
 
 }  // namespace
 

@@ -190,6 +190,9 @@ class Watch {
 
 ExitCode RunWatch(Context& context) {
   context.Doing("watch for cameras");
+  if (context.soFar != nullptr) {
+    context.soFar->Tell([] { return SoFar::Done{"the watch is over", Json::Object()}; });
+  }
   return Watch(context).Run();
 }
 
@@ -238,8 +241,7 @@ present: true for a camera that was attached when the watch began; not with pict
 folder, name and the rest: of the picture, as `kelva pictures` gives them; with picture
 events: how many events there were; at the end, with --count)",
      .examples = kExamples,
-     .run = RunWatch,
-     .whenEnded = "the watch is over"}};
+     .run = RunWatch}};
 
 }  // namespace
 
