@@ -55,6 +55,8 @@ class SyncTally {
   Guard::Counter& others = counters_[13];
   Guard::Counter& othersBytes = counters_[14];
   Guard::Counter& resumed = counters_[15];
+  /// Not 0 once a person has agreed that files are deleted: a process that takes over does not ask again.
+  Guard::Counter& agreed = counters_[31];
 
   SyncTotals Now() const {
     return {.known = known,

@@ -70,6 +70,8 @@ class Bus(unittest.TestCase):
         return [BIN + "/kelva", "--virtual", self.socket, *words]
 
     def kelva(self, *words, **options):
+        if "input" not in options:
+            options.setdefault("stdin", subprocess.DEVNULL)  # a terminal would be asked
         return subprocess.run(self.command(*words), capture_output=True, text=True, timeout=60, **options)
 
     def start(self, *words, **options):

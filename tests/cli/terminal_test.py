@@ -150,6 +150,21 @@ class TerminalTest(Bus):
         run = self.kelva("get", "I:/BIG.BIN", "--into", self.folder)
         self.assertEqual((run.returncode, run.stdout, run.stderr), (0, "", ""))
 
+    def test_deleting_after_a_sync_is_asked_about_before_anything_is_read(self):
+        self.pictures(2, 3000)
+        run = self.terminal("sync", "--delete-after-verify", self.folder + "/out")
+        seen = run.read_until(b"press Enter:")
+        self.assertIn(b"2 files (6.0 kB) will be deleted on camera K1", seen)
+        run.type(b"no\n")
+        self.assertEqual(run.end()[0], 1)
+        self.assertEqual(len(os.listdir(self.drive + "/DCIM/100ABCDE")), 2)
+        self.assertFalse(os.path.exists(self.folder + "/out/100ABCDE"))
+        run = self.terminal("sync", "--delete-after-verify", self.folder + "/out")
+        run.read_until(b"press Enter:")
+        run.type(b"yes\n")
+        self.assertEqual(run.end()[0], 0)
+        self.assertEqual(os.listdir(self.drive + "/DCIM/100ABCDE"), [])
+
     def test_a_camera_that_does_not_answer_is_said(self):
         self.pictures(2, 30_000)
         # In the first file: the catalogue, the look for other files and two listings come before it.

@@ -208,14 +208,14 @@ TEST_F(SyncOnFailingDiskTest, NoFailureLeavesHalfAFile) {
 
 TEST_F(SyncOnFailingDiskTest, NothingIsDeletedOnTheCameraThatIsNotOnDiskHere) {
   fewest_ = 14;
-  Sweep({"sync", "--delete-after-verify", out_.string()});
+  Sweep({"sync", "--yes", "--delete-after-verify", out_.string()});
 }
 
 TEST_F(SyncOnFailingDiskTest, ASystemWithoutTheNewerCallsIsServedAllTheSame) {
   for (const int hardLinks : {0, EPERM}) {
     Refill();
     const RecordingCalls calls(folder, {.openat2 = ENOSYS, .renameNoReplace = EINVAL, .hardLinks = hardLinks});
-    EXPECT_EQ(Run({"sync", "--delete-after-verify", out_.c_str()}).code, ExitCode::kDone);
+    EXPECT_EQ(Run({"sync", "--yes", "--delete-after-verify", out_.c_str()}).code, ExitCode::kDone);
     EXPECT_EQ(Text(out_ / "100ABCDE/IMG_0002.JPG"), "two");
     CheckFiles(calls, "");
   }

@@ -11,6 +11,7 @@
 #include "apps/camera/ListedSizes.h"
 #include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
+#include "apps/commandline/Printable.h"
 #include "apps/files/FolderLock.h"
 #include "apps/files/FreeSpace.h"
 #include "apps/files/NewFile.h"
@@ -20,6 +21,7 @@
 #include "apps/import/FetchOthers.h"
 #include "apps/import/Others.h"
 #include "apps/import/Sync.h"
+#include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/SyncAll.h"
 #include "apps/kelva/verbs/SyncChoice.h"
 #include "apps/kelva/verbs/SyncPreview.h"
@@ -100,6 +102,25 @@ void BeginTally(const SyncPlan& plan, const OtherFiles& others, bool everything,
   tally.othersBytes = everything ? 0 : fresh.bytes;
 }
 
+// On a terminal, before anything is read.
+void AskToDelete(Context& context, const Session& camera, const Work& work, bool everything, SyncTally& tally) {
+  if (!CanAsk(context) || tally.agreed != 0) return;
+  ListedSizes sizes(*camera);
+  Coming all;
+  for (const SyncItem& item : work.plan.items) {
+    if (!item.IsDeleted()) all.Add(sizes.SizeOf(item.CameraPath()));
+  }
+  if (everything) {
+    all.Add(work.others.InNumbers());
+    for (const OtherFile& file : work.others.known) all.Add(file.size);
+  }
+  if (all.files == 0) return;
+  Ask(context, {all.Text() + " will be deleted on camera " + Printable(camera.Facts().serial) +
+                    ", each once it is on disk here, and is as its key says or was read twice, equal.",
+                "Fetch and delete them?", "nothing was fetched or deleted"});
+  tally.agreed = 1;
+}
+
 // The counters are those of all processes of this run, and outlive it.
 void TellSoFar(const Context& context, const Session& camera) {
   if (context.soFar == nullptr || context.guard == nullptr) return;
@@ -109,7 +130,15 @@ void TellSoFar(const Context& context, const Session& camera) {
 }
 
 ExitCode RunSync(Context& context) {
-  if (context.call.Has("all")) return RunSyncAll(context);
+  if (context.call.Has("all")) {
+    if (context.call.Has("delete-after-verify") && !context.call.Has("dry-run")) {
+      AskOnTerminal(context,
+                    {"Files will be deleted on all attached cameras, each once it is on disk here, and is as its key "
+                     "says or was read twice, equal.",
+                     "Fetch and delete them?", "nothing was fetched or deleted"});
+    }
+    return RunSyncAll(context);
+  }
   const SyncChoice choice = SyncChoiceOf(context);
   SyncOptions options;
   options.deleteAfter = context.call.Has("delete-after-verify");
@@ -129,9 +158,11 @@ ExitCode RunSync(Context& context) {
   RemoveLeftovers(folder, [&cuts](const std::string& name) { return cuts.Keeps(name); });
   const std::string& serial = camera.Facts().serial;
   PictureTimes times;
-  const auto [plan, others] = WorkFor(context, camera, choice, manifest, &folder, times);
+  const Work work = WorkFor(context, camera, choice, manifest, &folder, times);
+  const auto& [plan, others] = work;
   Sync sync(context, camera.Pointer(), folder, manifest, options, &times);
   BeginTally(plan, others, choice.everything, sync.Tally());
+  if (options.deleteAfter) AskToDelete(context, camera, work, choice.everything, sync.Tally());
   auto ended = CheckRoom(*camera, plan, choice.everything ? &others : nullptr, folder, manifest);
   if (!ended) ended = sync.Run(plan);
   if (!ended && choice.everything) {
@@ -160,7 +191,9 @@ constexpr Option kOptions[] = {
     {"dry-run", 'n', "", "Fetch nothing; show which files would be fetched, their names, sizes and the free space."},
     {"verify", 0, "", "Read each new file a second time and compare."},
     {"delete-after-verify", 0, "",
-     "Delete a file on the camera once it is on disk here, and is as its key says or was read twice, equal."},
+     "Delete a file on the camera once it is on disk here, and is as its key says or was read twice, equal. Asks on a "
+     "terminal."},
+    kYesOption,
 };
 constexpr Example kExamples[] = {
     {"kelva sync ~/Pictures/camera", "Fetch what is new."},
