@@ -66,8 +66,9 @@ std::unique_ptr<NewFile> NewFile::TakeUp(const TargetFolder& folder, const std::
   base::FileDescriptor file(OpenBeneath(folder.Fd(), temporary, O_RDWR | O_NONBLOCK | O_APPEND));
   struct stat status {};
   if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
-  std::unique_ptr<NewFile> taken(new NewFile(folder, temporary, std::move(file)));
-  return taken->Claim() ? std::move(taken) : nullptr;
+  // Where there are no locks, two programs would write into one file.
+  if (::flock(file.Get(), LOCK_EX | LOCK_NB) != 0 || !folder.Has(temporary)) return nullptr;
+  return std::unique_ptr<NewFile>(new NewFile(folder, temporary, std::move(file)));
 }
 
 NewFile::~NewFile() {

@@ -33,9 +33,10 @@ bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned
          static_cast<unsigned long long>(status.st_size) == size;
 }
 
-unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder) {
+unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder, const std::string& serial) {
   unsigned long long bytes = 0;
   for (const CutRow& row : manifest.Cuts()) {
+    if (row.key.serial != serial) continue;
     struct stat status {};
     const bool is = ::fstatat(folder.Fd(), row.path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
     if (is && S_ISREG(status.st_mode)) bytes += static_cast<unsigned long long>(status.st_size);

@@ -35,7 +35,7 @@ Coming ToBeWritten(const SyncPlan& plan, ListedSizes& sizes, const TargetFolder*
 bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned long long size);
 
 /// The bytes that are here of files whose transfers were cut.
-unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder);
+unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder, const std::string& serial);
 
 /// Why `free` bytes in the folder `where` are too few: a sentence, empty when they are enough or not known.
 std::string WhyTooLittleRoom(const Coming& coming, std::optional<unsigned long long> free, const std::string& where);

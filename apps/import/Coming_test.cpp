@@ -56,7 +56,7 @@ TEST_F(ComingTest, PartsOfFilesThatWereCutAreHereAlready) {
   PutHere(".kelva-1.part", "tw");
   manifest_.RecordCut({Plan({Picture(2)}).items[0].Key(), 4, "100ABCDE/.kelva-1.part", 0});
   manifest_.RecordCut({Plan({Picture(1)}).items[0].Key(), 3, "100ABCDE/.kelva-gone.part", 0});
-  EXPECT_EQ(BytesOfParts(manifest_, folder_), 2U);
+  EXPECT_EQ(BytesOfParts(manifest_, folder_, "K1"), 2U);
   Coming coming = Written({Picture(1), Picture(2)});
   coming.TakeOff(2);
   EXPECT_EQ(coming.bytes, 5U);

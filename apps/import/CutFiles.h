@@ -19,6 +19,7 @@ struct Part {
   std::unique_ptr<NewFile> file;
   unsigned long long size = 0;      ///< bytes that are here
   unsigned long long compared = 0;  ///< as CutRow
+  std::string sha1;                 ///< as CutRow
 };
 
 /// The parts of files whose transfers were cut. They lie in the folders of their files, under temporary names, and the

@@ -62,9 +62,10 @@ void Deletions::Renew() {
 // The picture's entry in the catalogue, the listed size, and the content, as the entry's key says or as it is read now.
 bool Deletions::IsAsFetched(const SyncItem& item, const ManifestRow& row) {
   if (!catalogue_) {
-    catalogue_.emplace();
-    for (const DcfObj& picture : ReadPictures(camera_)) catalogue_->emplace(IdentityOf(picture), picture);
+    std::map<std::string, DcfObj> catalogue;
+    for (const DcfObj& picture : ReadPictures(camera_)) catalogue.emplace(IdentityOf(picture), picture);
     sizes_.emplace(camera_);
+    catalogue_ = std::move(catalogue);
   }
   const auto entry = catalogue_->find(IdentityOf(item.Picture()));
   if (entry == catalogue_->end() || std::memcmp(&entry->second, &item.Picture(), sizeof(DcfObj)) != 0) return false;

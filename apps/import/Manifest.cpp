@@ -31,7 +31,7 @@ constexpr const char* kSchema = R"(
 constexpr const char* kCutSchema = R"(
   CREATE TABLE IF NOT EXISTS cut(
     serial TEXT NOT NULL, picture TEXT NOT NULL, type INTEGER NOT NULL, fingerprint TEXT NOT NULL,
-    size INTEGER NOT NULL, path TEXT NOT NULL, compared INTEGER NOT NULL,
+    size INTEGER NOT NULL, path TEXT NOT NULL, compared INTEGER NOT NULL, sha1 TEXT NOT NULL,
     PRIMARY KEY(serial, picture, type, fingerprint)) WITHOUT ROWID;)";
 
 bool IsLink(const TargetFolder& folder, const std::string& name) {
@@ -273,10 +273,10 @@ void Manifest::RecordCut(const CutRow& row) {
   Transact([&] {
     Execute(kCutSchema);
     Statement insert(*this,
-                     "INSERT OR REPLACE INTO cut(serial, picture, type, fingerprint, size, path, compared) "
-                     "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)");
+                     "INSERT OR REPLACE INTO cut(serial, picture, type, fingerprint, size, path, compared, sha1) "
+                     "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)");
     insert.Bind(row.key).Bind(static_cast<long long>(row.size)).Bind(row.path);
-    insert.Bind(static_cast<long long>(row.compared)).Step("write");
+    insert.Bind(static_cast<long long>(row.compared)).Bind(row.sha1).Step("write");
   });
   hasCuts_ = true;
 }
@@ -293,12 +293,13 @@ std::vector<CutRow> Manifest::Cuts() {
   std::vector<CutRow> rows;
   const std::scoped_lock lock(mutex_);
   if (!hasCuts_) return rows;
-  Statement query(*this, "SELECT serial, picture, type, fingerprint, size, path, compared FROM cut");
+  Statement query(*this, "SELECT serial, picture, type, fingerprint, size, path, compared, sha1 FROM cut");
   while (query.Step("read")) {
     rows.push_back({{query.Text(0), query.Text(1), static_cast<int>(query.Number(2)), query.Text(3)},
                     static_cast<unsigned long long>(query.Number(4)),
                     query.Text(5),
-                    static_cast<unsigned long long>(query.Number(6))});
+                    static_cast<unsigned long long>(query.Number(6)),
+                    query.Text(7)});
   }
   return rows;
 }

@@ -43,6 +43,7 @@ struct CutRow {
   unsigned long long size = 0;      ///< of the whole file
   std::string path;                 ///< of the part, below the target folder
   unsigned long long compared = 0;  ///< of a part that is whole: how much came a second time, and equal
+  std::string sha1 = "";            ///< of a part that is whole
 };
 
 /// The list of what was fetched into a folder, in the folder itself (.kelva-manifest.sqlite). It decides what is new,

@@ -22,6 +22,10 @@ class Receiver {
     try {
       Begin();
       return Take();
+    } catch (const Failure&) {
+      // A full disk, for example. What is kept is taken up when there is room.
+      if (!isKept_) GiveBack();
+      throw;
     } catch (...) {
       GiveBack();
       throw;
@@ -39,8 +43,12 @@ class Receiver {
     } else {
       file_ = std::make_unique<NewFile>(arrival_.folder);
     }
+    if (here.size == arrival_.size) {
+      AddPart();
+      // A part that was changed on disk was not compared.
+      if (sha1_ != arrival_.part->sha1) here.compared = compared_ = 0;
+    }
     stream_.PutHere(here);
-    if (here.size == arrival_.size) AddPart();
   }
 
   std::optional<Received> Take() {
@@ -59,6 +67,9 @@ class Receiver {
         case FileStream::What::kStore:
           // What cannot be flushed or named is not to be taken up by a later run.
           file_->Drop();
+          if (file_->Size() != arrival_.size)
+            throw Failure(ExitCode::kFailed,
+                          "Another program wrote into a file that was being fetched; run the same command again.");
           return Received{std::move(file_), std::move(sha1_), piece.verified};
         case FileStream::What::kDrop:
           GiveBack();
@@ -90,7 +101,12 @@ class Receiver {
   void Write(std::span<const char> bytes) {
     file_->Write(bytes);
     Add(bytes);
-    if (!isKept_ && written_ >= kWorthKeepingAtOnce) Keep();
+    if (isKept_ || written_ < keepAt_) return;
+    try {
+      Keep();
+    } catch (const Failure&) {
+      keepAt_ += kWorthKeepingAtOnce;  // another program may have locked the list; the file is as good as before
+    }
   }
 
   void Add(std::span<const char> bytes) {
@@ -111,7 +127,7 @@ class Receiver {
   // The row first: a row without its file is passed over, a file without its row is swept.
   void Keep() {
     const LocalPath here{arrival_.path.folders, file_->TemporaryName()};
-    manifest_.RecordCut({arrival_.key, arrival_.size, here.Text(), compared_});
+    manifest_.RecordCut({arrival_.key, arrival_.size, here.Text(), compared_, sha1_});
     file_->Keep();
     isKept_ = true;
   }
@@ -131,6 +147,7 @@ class Receiver {
   Manifest& manifest_;
   std::unique_ptr<NewFile> file_;
   bool isKept_ = false;  // the manifest knows the file
+  unsigned long long keepAt_ = kWorthKeepingAtOnce;
   Sha1Sum sum_;
   std::string sha1_;
   unsigned long long written_ = 0;

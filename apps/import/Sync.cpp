@@ -198,7 +198,6 @@ bool Sync::SendAll(const SyncItem& item, kelva::FileReader& reader, FileStream& 
   const bool isSure = isWhole ? asKey : key == *sha1;
   bool equal = true;
   if (!isSure || options_.verify) {
-    if (!asKey && !isWhole) return sending.Drop(), false;
     if (!asKey) CheckUnlikeKey(item, reader.Size());
     reader.Select();
     if (!Send(item, reader, stream, FileStream::What::kCompare, here->compared)) return true;
@@ -222,6 +221,7 @@ bool Sync::SendAll(const SyncItem& item, kelva::FileReader& reader, FileStream& 
 std::optional<FileStream::Here> Sync::TakeUp(const SyncItem& item, kelva::FileReader& reader, FileStream& stream) {
   constexpr std::uint64_t kTail = 65'536;
   if (!cuts_.Has(item.Key())) return FileStream::Here{};
+  if (reader.ReadsForwardOnly()) HoldForLong(context_);  // the part is skipped in one go
   const std::optional<FileStream::Here> here = stream.WhatIsHere();
   if (!here || here->size == 0 || here->size == reader.Size()) return here;
   const auto tail = static_cast<std::size_t>(std::min<std::uint64_t>(kTail, here->size));
@@ -273,7 +273,11 @@ void Sync::LearnTime(const SyncItem& item, std::span<const char> start) {
 void Sync::LearnTimeOfPart(const SyncItem& item, kelva::FileReader& reader) {
   if (times_ == nullptr || item.Type() != kFirstFileType) return;
   std::vector<char> start(65'536);
-  LearnTime(item, std::span(start).first(reader.Read(0, start)));
+  try {
+    LearnTime(item, std::span(start).first(reader.Read(0, start)));
+  } catch (const CameraError&) {
+    // The file is whole, and keeps the time of its fetching.
+  }
 }
 
 // A key that is not the SHA-1 of what came: either the read went wrong, or the key is something else than this project
@@ -291,6 +295,7 @@ void Sync::ReadDoubtful(Writers& writers) {
 void Sync::ReadAgain(const SyncItem& item, const std::string& first, Writers& writers) {
   const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
   kelva::FileReader reader = Open(item);
+  if (reader.Size() > kLargestWhole) throw CameraError("the camera announces another size than before");
   std::vector<char> bytes = ReadWhole(reader);
   const std::string sha1 = Sha1(bytes);
   const bool asKey = sha1 == item.ExpectedSha1();
@@ -314,12 +319,7 @@ std::string Sync::HashOnCamera(const SyncItem& item) {
   const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
   kelva::FileReader reader = Open(item);
   HoldForLong(context_);
-  std::string sha1 = HashOf(reader);
-  if (onceRead_.erase(&item) != 0) {
-    --totals_.sizeOnly;
-    ++totals_.readTwice;
-  }
-  return sha1;
+  return HashOf(reader);
 }
 
 // Looks into the folder first, since a listing would end the selection.
@@ -362,7 +362,6 @@ std::string Sync::HashOf(kelva::FileReader& reader) {
   Sha1Sum sum;
   for (std::uint64_t at = 0; at < reader.Size();) {
     const std::size_t count = reader.Read(at, piece);
-    LetOthers(context_, reader, std::span(piece).first(count));
     sum.Add(std::span(piece).first(count));
     at += count;
     readBytes_ += count;
@@ -481,6 +480,10 @@ void Sync::DeleteOne(const SyncItem& item, Deletions& deletions) {
   const std::string why = deletions.Delete(item);
   if (!why.empty()) return Fail(item, why);
   ++totals_.deleted;
+  if (onceRead_.erase(&item) != 0) {  // it was read once more, with the same content
+    --totals_.sizeOnly;
+    ++totals_.readTwice;
+  }
   if (context_.Json()) context_.Event("deleted", Json::Object().SetBytes("path", item.CameraPath()), "");
 }
 

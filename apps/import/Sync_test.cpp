@@ -374,6 +374,52 @@ TEST_F(CutTransfersTest, ASecondReadThatIsCutGoesOnToo) {
   EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
 }
 
+TEST_F(CutTransfersTest, AWholePartThatWasComparedToItsEndIsComparedOnceMore) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1));
+  CutAfter(5 * kMegabyte);
+  RunUntilCut(Picture(1));
+  CutRow row = manifest_.Cuts().at(0);
+  row.compared = row.size;
+  manifest_.RecordCut(row);
+  Mend();
+  EXPECT_EQ(Run({}, {Picture(1)}).resumed, 1U) << "it ends";
+}
+
+TEST_F(CutTransfersTest, AWholePartThatWasEditedWhileItsSecondReadWasCutIsFound) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1));
+  CutAfter(5 * kMegabyte);
+  RunUntilCut(Picture(1));
+  std::fstream(Parts().at(0), std::ios::in | std::ios::out).seekp(kMegabyte).put('!');
+  Mend();
+  EXPECT_EQ(Run({}, {Picture(1)}).stored, 1U);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
+}
+
+TEST_F(CutTransfersTest, OneThatIsUnlikeItsKeyIsTakenUpToo) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(Picture(1, kKeyOfAbc));
+  Mend();
+  const SyncTotals totals = Run({}, {Picture(1, kKeyOfAbc)});
+  EXPECT_EQ(totals.resumed, 1U);
+  EXPECT_EQ(totals.unlikeKey, 1U);
+  EXPECT_LT(sent_, 8 * kMegabyte);
+}
+
+TEST_F(CutTransfersTest, AFullDiskKeepsAPartThatWasKeptBefore) {
+  CutAfter(3 * kMegabyte);
+  RunUntilCut(WithKey());
+  Mend();
+  {
+    RecordingCalls calls(path_);
+    calls.FailAt(2, ENOSPC, "write ");
+    RunToItsEnd({}, {WithKey()});
+  }
+  EXPECT_EQ(Parts().size(), 1U);
+  EXPECT_EQ(Run({}, {WithKey()}).resumed, 1U);
+}
+
 TEST_F(CutTransfersTest, AFileWhoseEndOfThePartIsAnotherNowIsReadFromItsStart) {
   CutAfter(3 * kMegabyte);
   RunUntilCut(Picture(1));

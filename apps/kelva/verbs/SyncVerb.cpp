@@ -85,7 +85,7 @@ std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const Oth
   ListedSizes sizes(camera);
   Coming coming = ToBeWritten(plan, sizes, &folder);
   if (others != nullptr) coming.Add(others->InNumbers(&folder));
-  coming.TakeOff(BytesOfParts(manifest, folder));
+  coming.TakeOff(BytesOfParts(manifest, folder, plan.source->serial));
   const std::string why = WhyTooLittleRoom(coming, FreeSpace(folder), folder.Path());
   return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});
 }
@@ -166,7 +166,9 @@ ExitCode RunSync(Context& context) {
   auto ended = CheckRoom(*camera, plan, choice.everything ? &others : nullptr, folder, manifest);
   if (!ended) ended = sync.Run(plan);
   if (!ended && choice.everything) {
-    ended = FetchOthers(context, camera.Pointer(), serial, folder, manifest, cuts, options, sync.Tally()).Run(others);
+    ended = FetchOthers(context, camera.Pointer(), serial, folder, manifest, CutFiles(folder, manifest), options,
+                        sync.Tally())
+                .Run(others);
   }
   NoteTrouble(context, times);
   if (others.isCut) {
