@@ -14,7 +14,7 @@ namespace {
 
 // As the camera lists it, where it is typed in another case of letters.
 std::string FolderTyped(Camera& camera, const std::string& typed) {
-  const std::string path = ToCameraPath(typed.empty() ? "/" : typed);
+  std::string path = ToCameraPath(typed.empty() ? "/" : typed);
   const SplitPath split = Split(path);
   if (split.name.empty()) return path;
   const auto entry = FindEntry(camera, path);

@@ -2,7 +2,6 @@
 #include "apps/camera/NewPictures.h"
 
 #include <algorithm>
-#include <cstring>
 #include <thread>
 #include <utility>
 
@@ -26,7 +25,7 @@ struct Glimpse {
   bool operator==(const Glimpse& other) const {
     return sizes == other.sizes &&
            std::equal(pictures.begin(), pictures.end(), other.pictures.begin(), other.pictures.end(),
-                      [](const DcfObj& a, const DcfObj& b) { return std::memcmp(&a, &b, sizeof a) == 0; });
+                      [](const DcfObj& a, const DcfObj& b) { return EntryBytes(a) == EntryBytes(b); });
   }
 };
 
@@ -34,8 +33,9 @@ Glimpse LookAt(Camera& camera, std::vector<DcfObj> pictures) {
   Glimpse seen{std::move(pictures), {}};
   ListedSizes listed(camera);
   for (const DcfObj& picture : seen.pictures) {
-    for (const int type : FileTypes(picture))
+    for (const int type : FileTypes(picture)) {
       seen.sizes.push_back(listed.SizeOf(PicturePath(picture, type)).value_or(0));
+    }
   }
   return seen;
 }

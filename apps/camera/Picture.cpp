@@ -73,6 +73,10 @@ std::optional<std::string> PictureTime(const DcfObj& picture) {
   return std::string(text);
 }
 
+std::string_view EntryBytes(const DcfObj& picture) {
+  return {reinterpret_cast<const char*>(&picture), sizeof picture};
+}
+
 std::string PictureFingerprint(const DcfObj& picture) {
   if (const auto key = PictureKey(picture)) return *key;
   const char* begin = reinterpret_cast<const char*>(&picture);

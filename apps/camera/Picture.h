@@ -32,6 +32,9 @@ std::optional<std::string> PictureKey(const DcfObj& picture);
 /// When the picture was taken, "2026-03-14 15:09:26", when the catalogue says so (a text in the field of type 8).
 std::optional<std::string> PictureTime(const DcfObj& picture);
 
+/// The 128 bytes of a picture's entry in the catalogue.
+std::string_view EntryBytes(const DcfObj& picture);
+
 /// Distinguishes this picture from an earlier one of the same name: its key, else the whole catalogue record.
 std::string PictureFingerprint(const DcfObj& picture);
 

@@ -63,8 +63,10 @@ std::optional<Part> CutFiles::TakeUp(const ManifestKey& key, unsigned long long 
   if (row->size == size && part.Text() == row->path && IsTemporary(row->path)) {
     std::unique_ptr<NewFile> file = NewFile::TakeUp(folder, part.name);
     const unsigned long long here = file ? file->Size() : 0;
-    if (here != 0 && here <= size)
-      return Part{std::move(file), here, here == size && row->compared < size ? row->compared : 0, row->sha1};
+    if (here != 0 && here <= size) {
+      const bool isWhole = here == size && row->compared < size;
+      return Part{std::move(file), here, isWhole ? row->compared : 0, row->sha1};
+    }
   }
   Remove(*row);
   return std::nullopt;

@@ -5,10 +5,10 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/Picture.h"
 #include "apps/camera/PictureList.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -68,7 +68,7 @@ bool Deletions::IsAsFetched(const SyncItem& item, const ManifestRow& row) {
     catalogue_ = std::move(catalogue);
   }
   const auto entry = catalogue_->find(IdentityOf(item.Picture()));
-  if (entry == catalogue_->end() || std::memcmp(&entry->second, &item.Picture(), sizeof(DcfObj)) != 0) return false;
+  if (entry == catalogue_->end() || EntryBytes(entry->second) != EntryBytes(item.Picture())) return false;
   if (sizes_->SizeOf(item.CameraPath()) != row.size) return false;
   return row.sha1 == item.ExpectedSha1() || hash_(item) == row.sha1;
 }
