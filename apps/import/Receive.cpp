@@ -67,9 +67,7 @@ class Receiver {
         case FileStream::What::kStore:
           // What cannot be flushed or named is not to be taken up by a later run.
           file_->Drop();
-          if (file_->Size() != arrival_.size)
-            throw Failure(ExitCode::kFailed,
-                          "Another program wrote into a file that was being fetched; run the same command again.");
+          CheckSize();
           return Received{std::move(file_), std::move(sha1_), piece.verified};
         case FileStream::What::kDrop:
           GiveBack();
@@ -79,6 +77,13 @@ class Receiver {
           return std::nullopt;
       }
     }
+  }
+
+  // Where files have no locks, another program may have written into it too.
+  void CheckSize() const {
+    if (file_->Size() == arrival_.size) return;
+    throw Failure(ExitCode::kFailed,
+                  "Another program wrote into a file that was being fetched; run the same command again.");
   }
 
   void CompareTail(std::span<const char> bytes) {

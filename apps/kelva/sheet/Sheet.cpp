@@ -251,7 +251,7 @@ void Sheet::List(const Begun& begun) {
   members.Set("time", card.time ? Json(*card.time) : Json()).Set("types", std::move(types));
   members.Set("drawn", card.thumbnail.has_value()).Set("links", std::move(beside));
   if (!begun.failure.empty()) members.Set("error", begun.failure);
-  list_.Push(std::move(members));
+  list_.Push(members);
 }
 
 }  // namespace apps

@@ -55,8 +55,9 @@ doctor::Finding ExamineOnBus(Context& context, const AttachedCamera& camera) {
 // A bus has no drivers, nodes and permissions. There a camera is missing, held, of the bad kind, or has a fault.
 std::vector<doctor::Finding> ExamineBus(Context& context, const std::string& socket) {
   std::vector<doctor::Finding> findings;
-  for (const AttachedCamera& camera : FindAttached(context.diversion))
+  for (const AttachedCamera& camera : FindAttached(context.diversion)) {
     findings.push_back(ExamineOnBus(context, camera));
+  }
   const int bad = CountUnusable();
   for (int i = 0; i < bad; ++i) {
     findings.push_back({Condition::kBadCamera, "", "A virtual camera is of the kind that is taken for a CD drive.", "",

@@ -15,7 +15,7 @@ void Each::Try(const std::string& path, const std::function<Json()>& work) {
     if (outcome.code == ExitCode::kGone) throw;
     context_.reporter.Error(outcome.sentence, outcome.code);
     Json members = Json::Object().SetBytes("path", path).Set("reason", WordOf(outcome.code));
-    outcomes_.Push(std::move(members.Set("error", outcome.sentence)));
+    outcomes_.Push(members.Set("error", outcome.sentence));
     if (!firstFailure_) firstFailure_ = outcome.code;
     ++failed_;
   }

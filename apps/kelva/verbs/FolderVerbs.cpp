@@ -124,7 +124,7 @@ ExitCode RunTree(Context& context) {
     files += IsFolder(entry) ? 0U : 1U;
     bytes += IsFolder(entry) ? 0ULL : SizeOf(entry);
     if (context.Json()) {
-      list.Push(std::move(Members(entry).SetBytes("path", below)));
+      list.Push(Members(entry).SetBytes("path", below));
       return;
     }
     const std::string size = IsFolder(entry) ? "/" : "  " + Bytes(SizeOf(entry));

@@ -78,8 +78,9 @@ Json PictureTable::Totals() const {
 std::string PictureTable::TotalsInWords() const {
   std::string text = std::to_string(pictures_.size()) + (pictures_.size() == 1 ? " picture, " : " pictures, ") +
                      std::to_string(sizes_.size()) + (sizes_.size() == 1 ? " file, " : " files, ") + Bytes(bytes_);
-  if (unlisted_ != 0)
+  if (unlisted_ != 0) {
     text += "; " + std::to_string(unlisted_) + (unlisted_ == 1 ? " file" : " files") + " of unknown size";
+  }
   return text + "\n";
 }
 

@@ -45,8 +45,8 @@ std::vector<std::string> OptionsOf(const Invocation& call) {
 }
 
 std::vector<std::string> AttachedSerials(Context& context) {
-  std::vector<AttachedCamera> attached = FindAttached(context.diversion);
-  if (attached.empty()) Choose(std::move(attached), std::nullopt);  // says that there is none
+  const std::vector<AttachedCamera> attached = FindAttached(context.diversion);
+  if (attached.empty()) Choose({}, std::nullopt);  // says that there is none
   std::set<std::string> serials;
   for (const AttachedCamera& camera : attached) {
     const std::string& serial = camera.facts.serial;

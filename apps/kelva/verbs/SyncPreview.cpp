@@ -38,8 +38,7 @@ void ShowFile(Context& context, const std::string& path, const std::string& file
 Json InJson(const std::map<std::string, Coming>& folders) {
   Json all = Json::Array();
   for (const auto& [name, coming] : folders) {
-    Json folder = Json::Object().SetBytes("folder", name).Set("files", coming.files).Set("bytes", coming.bytes);
-    all.Push(std::move(folder));
+    all.Push(Json::Object().SetBytes("folder", name).Set("files", coming.files).Set("bytes", coming.bytes));
   }
   return all;
 }

@@ -18,8 +18,9 @@ bool IsText(std::string_view head) {
     const Utf8Piece piece = FirstUtf8(head);
     if (!piece.valid) return head.size() < kLongestCharacter;
     const char c = head[0];
-    if ((c >= 0 && c < ' ' && std::string_view("\t\n\r\f").find(c) == std::string_view::npos) || c == '\x7f')
+    if ((c >= 0 && c < ' ' && std::string_view("\t\n\r\f").find(c) == std::string_view::npos) || c == '\x7f') {
       return false;
+    }
     head.remove_prefix(piece.length);
   }
   return true;

@@ -53,6 +53,7 @@ class Setup {
     std::vector<std::string> texts = {"kelva"};
     texts.insert(texts.end(), words.begin(), words.end());
     std::vector<char*> arguments;
+    arguments.reserve(texts.size() + 1);
     for (std::string& text : texts) arguments.push_back(text.data());
     arguments.push_back(nullptr);
     pid_t process = 0;

@@ -86,7 +86,7 @@ void CompareSha1(const std::optional<std::string>& wanted, const std::string& pa
 }
 
 std::optional<std::string> WantedSha1(const Context& context) {
-  const auto wanted = context.call.Value("sha1");
+  auto wanted = context.call.Value("sha1");
   if (!wanted || IsKey(*wanted)) return wanted;
   throw Failure(ExitCode::kUsage, "--sha1 takes 40 hexadecimal digits, not \"" + Printable(*wanted) + "\".");
 }
