@@ -91,7 +91,9 @@ void Turns::LetOthers(kelva::FileReader& reader, std::span<const char> last) {
   LetOthers();
   reader.Select();
   const std::uint64_t at = reader.Position();
-  std::vector<char> again(std::min<std::uint64_t>(last.size(), at));
+  // Little, because a slow camera is given up many times in one file.
+  constexpr std::uint64_t kMostAgain = 4'096;
+  std::vector<char> again(std::min<std::uint64_t>({last.size(), at, kMostAgain}));
   const auto before = last.last(again.size());
   if (reader.Read(at - again.size(), again) == again.size() && std::equal(again.begin(), again.end(), before.begin())) {
     return;

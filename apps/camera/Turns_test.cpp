@@ -278,7 +278,7 @@ TEST_F(TurnsInAFileTest, AFileGoesOnWhereItWas) {
 TEST_F(TurnsInAFileTest, AFileThatChangedMeanwhileIsNotRead) {
   kelva::FileReader reader(camera_, "I:\\A");
   Read(reader);
-  camera_->files["A"][0] ^= 1;
+  camera_->files["A"][piece_.size() - 1] ^= 1;
   EXPECT_THROW(LetOthers(context_, reader, piece_), CameraError);
 }
 

@@ -18,7 +18,9 @@ class WaitingLineTest : public testing::Test {
 
   // So that two places differ in time.
   static void JoinLater(WaitingLine& line) {
-    std::this_thread::sleep_for(std::chrono::microseconds(10));
+    const auto now = std::chrono::steady_clock::now();
+    while (std::chrono::steady_clock::now() < now + std::chrono::microseconds(10)) {
+    }
     line.Join();
   }
 

@@ -11,6 +11,8 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <set>
 
@@ -131,6 +133,16 @@ bool InGroup(const char* name) {
   return ::getgid() == wanted->gr_gid || std::find(groups.begin(), groups.end(), wanted->gr_gid) != groups.end();
 }
 
+// The serial number of the USB device above a device in sysfs.
+std::string SerialAbove(std::filesystem::path device) {
+  for (; device.has_relative_path(); device = device.parent_path()) {
+    std::ifstream file(device / "serial");
+    std::string serial;
+    if (std::getline(file, serial)) return serial.erase(serial.find_last_not_of(" \t") + 1);
+  }
+  return {};
+}
+
 }  // namespace
 
 MachineFacts SurveyMachine(const Probe& probe) {
@@ -149,11 +161,13 @@ MachineFacts SurveyMachine(const Probe& probe) {
   return facts;
 }
 
+// Without udev, whose whole enumeration takes longer than some commands do.
 std::string NodeOfCamera(const std::string& serial) {
-  const UdevContext context{udev_new()};
-  if (!context) return {};
-  for (const CameraFacts& camera : ReadCameras(context.get())) {
-    if (camera.serial == serial && !camera.node.empty()) return camera.node;
+  if (serial.empty()) return {};
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator("/sys/class/scsi_generic", error)) {
+    const std::filesystem::path device = std::filesystem::canonical(entry.path(), error);
+    if (!error && SerialAbove(device) == serial) return "/dev/" + entry.path().filename().string();
   }
   return {};
 }
