@@ -82,6 +82,18 @@ void RemoteFile::Read(const std::function<void(std::span<const char>)>& take) {
   }
 }
 
+std::string Sha1OfRemote(kelva::FileReader& reader, const std::function<void(std::size_t)>& came) {
+  std::vector<char> piece(4 * kPiece);
+  Sha1Sum sum;
+  for (std::uint64_t at = 0; at < reader.Size();) {
+    const std::size_t count = reader.Read(at, piece);
+    sum.Add(std::span(piece).first(count));
+    at += count;
+    came(count);
+  }
+  return sum.Take();
+}
+
 void WriteRemoteFile(Context& context, const boost::shared_ptr<Camera>& camera, const std::string& path,
                      std::uint32_t size, const kelva::ByteSource& source) {
   Sha1Sum sent;

@@ -42,6 +42,10 @@ class RemoteFile {
   std::optional<kelva::FileReader> reader_;  ///< nothing: the file is empty
 };
 
+/// The SHA-1 of a whole file of a camera, as Sha1. `came` is told of each piece by its number of bytes. Throws CameraError,
+/// and what `came` throws.
+std::string Sha1OfRemote(kelva::FileReader& reader, const std::function<void(std::size_t)>& came);
+
 /// Writes a file of `size` bytes, reads it back and compares, because a camera does not report failures. Throws Failure
 /// when the bytes differ. Deletes the file when the write is stopped half-way, also by an exception of `source`.
 void WriteRemoteFile(Context& context, const boost::shared_ptr<Camera>& camera, const std::string& path,

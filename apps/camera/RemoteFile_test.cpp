@@ -62,6 +62,15 @@ TEST_F(RemoteFileTest, ALargeFileComesInPieces) {
   }
 }
 
+TEST_F(RemoteFileTest, AFileIsSummedInPieces) {
+  camera_.files["A.JPG"] = std::string(1'000'000, 'a');
+  kelva::FileReader reader(pointer_, "I:\\A.JPG");
+  std::size_t came = 0;
+  EXPECT_EQ(Sha1OfRemote(reader, [&came](std::size_t count) { came += count; }),
+            "34aa973cd4c4daa4f61eeb2bdbad27316534016f");  // a million times "a", of the standard of SHA-1
+  EXPECT_EQ(came, 1'000'000U);
+}
+
 TEST_F(RemoteFileTest, AFileThatGrewOnceIsRead) {
   camera_.files = {{"A.TXT", "abc"}};
   camera_.onRead = [this](const std::string&) {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/RemoteFile.h"
 #include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -187,16 +188,10 @@ std::string FetchOthers::HashOnCamera(const OtherFile& file) {
   const InItem inItem(context_.guard, TokenOf(file), ShownPath(file.path));
   kelva::FileReader reader = Open(file);
   HoldForLong(context_);
-  Sha1Sum sum;
-  std::vector<char> piece(kPieceOfOther);
-  for (std::uint64_t at = 0; at < reader.Size();) {
-    const std::size_t count = reader.Read(at, piece);
-    sum.Add(std::span(piece).first(count));
-    at += count;
+  return Sha1OfRemote(reader, [this](std::size_t count) {
     readBytes_ += count;
     progress_.At(readBytes_);
-  }
-  return sum.Take();
+  });
 }
 
 // Looks at both files once more: only what is still what was fetched may go on the camera.

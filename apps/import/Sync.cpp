@@ -7,6 +7,7 @@
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/ReadLimit.h"
+#include "apps/camera/RemoteFile.h"
 #include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
@@ -319,7 +320,10 @@ std::string Sync::HashOnCamera(const SyncItem& item) {
   const InItem inItem(context_.guard, TokenOf(item), ShownPath(item.CameraPath()));
   kelva::FileReader reader = Open(item);
   HoldForLong(context_);
-  return HashOf(reader);
+  return Sha1OfRemote(reader, [this](std::size_t count) {
+    readBytes_ += count;
+    progress_.At(readBytes_);
+  });
 }
 
 // Looks into the folder first, since a listing would end the selection.
@@ -355,19 +359,6 @@ std::vector<char> Sync::ReadWhole(kelva::FileReader& reader) {
   context_.stop.Check();
   readBytes_ += bytes.size();
   return bytes;
-}
-
-std::string Sync::HashOf(kelva::FileReader& reader) {
-  std::vector<char> piece(FileStream::kPiece);
-  Sha1Sum sum;
-  for (std::uint64_t at = 0; at < reader.Size();) {
-    const std::size_t count = reader.Read(at, piece);
-    sum.Add(std::span(piece).first(count));
-    at += count;
-    readBytes_ += count;
-    progress_.At(readBytes_);
-  }
-  return sum.Take();
 }
 
 void Sync::CheckUnlikeKey(const SyncItem& item, unsigned long long size) {

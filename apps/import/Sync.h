@@ -67,7 +67,6 @@ class Sync {
   std::vector<const SyncItem*> Fetched(const SyncPlan& plan);
   kelva::FileReader Open(const SyncItem& item);
   std::vector<char> ReadWhole(kelva::FileReader& reader);
-  std::string HashOf(kelva::FileReader& reader);
   void CheckSize(const SyncItem& item, unsigned long long announced);
   void CheckUnlikeKey(const SyncItem& item, unsigned long long size);
   void Count(bool unlikeKey, bool resumed);
@@ -94,7 +93,7 @@ class Sync {
   SyncTally totals_;
   std::set<const SyncItem*> onceRead_;  // stored in this run, of which nothing but the size was compared
   std::vector<std::pair<const SyncItem*, std::string>> doubtful_;  // with what they hash to, which is not their key
-  std::mutex mutex_;  // totals, output and both lists: reached from the writers
+  std::mutex mutex_;                                               // output and both lists: reached from the writers
 };
 
 }  // namespace apps
