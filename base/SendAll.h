@@ -12,6 +12,8 @@
 #include <span>
 #include <string_view>
 
+#include "platform/Sockets.h"
+
 // Reads and writes that move all of the bytes: they go on after signals and short counts.
 
 namespace base {
@@ -27,7 +29,7 @@ inline int WriteAll(int descriptor, std::string_view bytes) {
   return 0;
 }
 
-/// Sends `head`, then `body`. False when the peer has gone; never raises SIGPIPE.
+/// Sends `head`, then `body`, on a socket of platform/Sockets.h. False when the peer has gone; never raises SIGPIPE.
 inline bool SendAll(int socket, std::span<const std::uint8_t> head, std::span<const std::uint8_t> body = {}) {
   // sendmsg only reads, but an iovec has no const pointer.
   const auto part = [](std::span<const std::uint8_t> bytes) {
@@ -38,7 +40,7 @@ inline bool SendAll(int socket, std::span<const std::uint8_t> head, std::span<co
     msghdr message{};
     message.msg_iov = parts.data();
     message.msg_iovlen = parts.size();
-    const ssize_t count = ::sendmsg(socket, &message, MSG_NOSIGNAL);
+    const ssize_t count = platform::SendMessage(socket, message, 0);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return false;
     const auto sent = static_cast<std::size_t>(count);

@@ -1,7 +1,7 @@
 # libkelva. In the tree each room is a library of its own, which the project's programs link; an embedding program sees
 # one library, Kelva::kelva, and one folder of headers, <kelva/...>. (The target `kelva` is the command-line tool.)
 
-set(kelva_rooms kelva_wifi kelva_usb_osx kelva_embed)
+set(kelva_rooms kelva_platform kelva_wifi kelva_usb_osx kelva_embed)
 # What a program includes. The rooms' inner headers stay in the tree.
 set(kelva_headers
   src/wifi/Camera.h src/wifi/CameraDirent.h src/wifi/CameraError.h src/wifi/DcfObj.h src/wifi/FileReader.h

@@ -1,13 +1,13 @@
-// The calls that guard a user's files, on Linux.
+// The calls that guard a user's files.
 #include "apps/files/SystemCalls.h"
 
 #include <fcntl.h>
-#include <linux/openat2.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
-#include "base/FileDescriptor.h"
+#include <cstdio>
+
+#include "platform/Files.h"
 
 namespace apps {
 namespace {
@@ -15,29 +15,6 @@ namespace {
 int Refuse(int error) {
   errno = error;
   return -1;
-}
-
-int Openat2(int folder, const char* path, int flags, unsigned mode) {
-  open_how how{};
-  how.flags = static_cast<unsigned>(flags | O_CLOEXEC);
-  how.mode = mode;
-  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS;
-  return static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how));
-}
-
-// Opens one component.
-int OpenHere(int folder, const std::string& name, int flags, unsigned mode) {
-  return ::openat(folder, name.c_str(), flags | O_NOFOLLOW | O_CLOEXEC, mode);
-}
-
-// Keeps the promise of openat2: opens one component after the other and refuses ".." and links.
-int WalkBeneath(int folder, const std::string& path, int flags, unsigned mode) {
-  const std::size_t slash = path.find('/');
-  const std::string first = path.substr(0, slash);
-  if (first.empty() || first == "..") return Refuse(EXDEV);
-  if (slash == std::string::npos) return OpenHere(folder, first, flags, mode);
-  const base::FileDescriptor next(OpenHere(folder, first, O_RDONLY | O_DIRECTORY, 0));
-  return next ? WalkBeneath(next.Get(), path.substr(slash + 1), flags, mode) : -1;
 }
 
 // Another program can take the name between the look and the renaming; nothing better is left without hard links.
@@ -48,11 +25,9 @@ int LookAndRename(int folder, const char* from, const char* to) {
 
 }  // namespace
 
-int SystemCalls::OpenBelow(int folder, const std::string& path, int flags, unsigned mode) const {
-  const int fd = missing_.openat2 != 0 ? Refuse(missing_.openat2) : Openat2(folder, path.c_str(), flags, mode);
-  // Some sandboxes answer EPERM to a call that they do not know.
-  if (fd != -1 || (errno != ENOSYS && errno != EPERM)) return fd;
-  return WalkBeneath(folder, path, flags, mode);
+int SystemCalls::OpenBelow(int folder, const std::string& path, int flags, mode_t mode) const {
+  const bool walks = missing_.openBeneath != 0;
+  return walks ? platform::WalkBeneath(folder, path, flags, mode) : platform::OpenBeneath(folder, path, flags, mode);
 }
 
 int SystemCalls::Open(int folder, const std::string& path, int flags) {
@@ -77,15 +52,15 @@ int SystemCalls::SetTime(int file, std::time_t changed) {
 }
 
 void SystemCalls::BeginFlush(int file) noexcept {
-  ::sync_file_range(file, 0, 0, SYNC_FILE_RANGE_WRITE);
+  platform::BeginFlush(file);
 }
 
 int SystemCalls::Flush(int file) {
-  return ::fdatasync(file);
+  return platform::Flush(file);
 }
 
 int SystemCalls::FlushFolder(int folder) {
-  return ::fsync(folder);
+  return platform::FlushFolder(folder);
 }
 
 int SystemCalls::Rename(int folder, const std::string& from, const std::string& to, bool replace) {
@@ -95,8 +70,8 @@ int SystemCalls::Rename(int folder, const std::string& from, const std::string& 
 
 int SystemCalls::RenameNoReplace(int folder, const char* from, const char* to) const {
   const int missing = missing_.renameNoReplace;
-  const int result = missing != 0 ? Refuse(missing) : ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
-  if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result;
+  const int result = missing != 0 ? Refuse(missing) : platform::RenameNoReplace(folder, from, to);
+  if (result == 0 || (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)) return result;
   return LinkAndUnlink(folder, from, to);
 }
 

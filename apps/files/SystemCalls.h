@@ -10,8 +10,8 @@ class SystemCalls : public FileCalls {
  public:
   /// What is taken to be missing: the error with which a system says so, 0 for what is there.
   struct Missing {
-    int openat2 = 0;          ///< kernels before 5.6 (ENOSYS), and some sandboxes (EPERM)
-    int renameNoReplace = 0;  ///< NFS, and many file systems in user space (EINVAL); old kernels (ENOSYS)
+    int openBeneath = 0;      ///< one call for a whole path: Linux before 5.6, some sandboxes, macOS (any error)
+    int renameNoReplace = 0;  ///< NFS and many file systems in user space (EINVAL, ENOTSUP); old kernels (ENOSYS)
     int hardLinks = 0;        ///< memory cards (FAT, exFAT: EPERM), network folders (EOPNOTSUPP, ENOSYS)
   };
 
@@ -30,7 +30,7 @@ class SystemCalls : public FileCalls {
   int Commit(const std::function<int()>& commit) override;
 
  private:
-  int OpenBelow(int folder, const std::string& path, int flags, unsigned mode) const;
+  int OpenBelow(int folder, const std::string& path, int flags, mode_t mode) const;
   int RenameNoReplace(int folder, const char* from, const char* to) const;
   int LinkAndUnlink(int folder, const char* from, const char* to) const;
 

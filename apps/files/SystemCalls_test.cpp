@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Once with all calls that Linux has, then without those for which there is a substitute.
+// Once with all calls that the system has, then without those for which there is a substitute.
 class SystemCallsTest : public testing::TestWithParam<SystemCalls::Missing> {
  protected:
   void Put(const std::string& name, const std::string& text) const {
@@ -151,10 +151,10 @@ TEST_P(SystemCallsTest, AFileThatHasGoneHasNoNameToGive) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Systems, SystemCallsTest,
-                         testing::Values(SystemCalls::Missing{}, SystemCalls::Missing{.openat2 = ENOSYS},
-                                         SystemCalls::Missing{.openat2 = EPERM},
+                         testing::Values(SystemCalls::Missing{}, SystemCalls::Missing{.openBeneath = ENOSYS},
                                          SystemCalls::Missing{.renameNoReplace = EINVAL},
                                          SystemCalls::Missing{.renameNoReplace = ENOSYS},
+                                         SystemCalls::Missing{.renameNoReplace = ENOTSUP},
                                          SystemCalls::Missing{.renameNoReplace = EINVAL, .hardLinks = EPERM},
                                          SystemCalls::Missing{.renameNoReplace = EINVAL, .hardLinks = EOPNOTSUPP},
                                          SystemCalls::Missing{.renameNoReplace = EINVAL, .hardLinks = ENOSYS}));

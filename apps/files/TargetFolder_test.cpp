@@ -99,7 +99,7 @@ TEST_F(TargetFolderTest, NoOpenFolderReachesAnotherProgram) {
 }
 
 TEST_F(TargetFolderTest, WithoutOpenat2ALinkInPlaceOfAFolderIsNamedToo) {
-  const RecordingCalls calls(path_, {.openat2 = ENOSYS});
+  const RecordingCalls calls(path_, {.openBeneath = ENOSYS});
   fs::create_directory_symlink("/tmp", path_ / "101ABCDE");
   try {
     folder_->Below("101ABCDE");

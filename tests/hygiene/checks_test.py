@@ -46,10 +46,11 @@ class Checks(unittest.TestCase):
         self.assertEqual(len(self.complaints(references)), 1)
 
     def test_call_past_the_door_of_files_is_found(self):
-        self.write("apps/import/A.cpp", "int a = ::fsync(3);\n::renameat2(3, a, 3, b, 0);\n::futimens(3, t);\n")
+        self.write("apps/import/A.cpp", "int a = ::fsync(3);\n::renameat2(3, a, 3, b, 0);\n::futimens(3, t);\nplatform::Flush(3);\n")
         self.assertEqual(self.complaints(file_calls), ["apps/import/A.cpp:1: calls fsync past apps/files/FileCalls.h",
                                                        "apps/import/A.cpp:2: calls renameat2 past apps/files/FileCalls.h",
-                                                       "apps/import/A.cpp:3: calls futimens past apps/files/FileCalls.h"])
+                                                       "apps/import/A.cpp:3: calls futimens past apps/files/FileCalls.h",
+                                                       "apps/import/A.cpp:4: calls platform::Flush past apps/files/FileCalls.h"])
 
     def test_calls_behind_the_door_and_in_tests_are_accepted(self):
         for name in ("apps/files/SystemCalls.cpp", "apps/files/A_test.cpp", "apps/files/testing/A.h", "vcam/device/A.cpp"):

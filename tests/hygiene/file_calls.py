@@ -5,7 +5,8 @@ import re
 import repository
 
 DOOR = "apps/files/SystemCalls.cpp"
-CALL = re.compile(r"\b(?:f(?:data)?sync|sync_file_range|rename(?:at2?)?|link(?:at)?|mkdir(?:at)?|creat|f?utimen(?:s|sat))\(")
+CALL = re.compile(r"\b(?:f(?:data)?sync|sync_file_range|rename(?:at2?)?|link(?:at)?|mkdir(?:at)?|creat|f?utimen(?:s|sat)"
+                  r"|platform::(?:RenameNoReplace|Flush(?:Folder)?|BeginFlush))\(")
 
 
 def check(root):

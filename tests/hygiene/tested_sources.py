@@ -2,7 +2,7 @@
 
 import repository
 
-ROOMS = ("src/", "base/", "wire/", "darwin/", "bus/", "embed/", "apps/", "vcam/", "tools/")
+ROOMS = ("src/", "platform/", "base/", "wire/", "darwin/", "bus/", "embed/", "apps/", "vcam/", "tools/")
 # A main without a decision in it is tested by the end-to-end tests.
 MAINS = ("main.cpp", "main.mm")
 # By what a source is tested instead; a source that gets a test of its own leaves the list.
@@ -23,6 +23,9 @@ ELSEWHERE = {
     "tests/umockdev/DefaultSource_test.cpp": "darwin/udev/DefaultSource.cpp",
     "vcam/server/Bus_test.cpp": "vcam/server/BusRequests.cpp",
     # One test for what the build chooses among.
+    "platform/Files_test.cpp": "platform/linux/Files.cpp platform/macos/Files.cpp",
+    "platform/Process_test.cpp": "platform/linux/Process.cpp platform/macos/Process.cpp",
+    "platform/Sockets_test.cpp": "platform/linux/Sockets.cpp platform/macos/Sockets.cpp",
     "apps/decoder/Confine_test.cpp": """
         apps/decoder/ConfineLinux.cpp apps/decoder/ConfineNot.cpp apps/decoder/ConfinePosix.cpp""",
     # It waits for a camera's clock, which no unit test does.

@@ -214,7 +214,7 @@ TEST_F(SyncOnFailingDiskTest, NothingIsDeletedOnTheCameraThatIsNotOnDiskHere) {
 TEST_F(SyncOnFailingDiskTest, ASystemWithoutTheNewerCallsIsServedAllTheSame) {
   for (const int hardLinks : {0, EPERM}) {
     Refill();
-    const RecordingCalls calls(folder, {.openat2 = ENOSYS, .renameNoReplace = EINVAL, .hardLinks = hardLinks});
+    const RecordingCalls calls(folder, {.openBeneath = ENOSYS, .renameNoReplace = EINVAL, .hardLinks = hardLinks});
     EXPECT_EQ(Run({"sync", "--yes", "--delete-after-verify", out_.c_str()}).code, ExitCode::kDone);
     EXPECT_EQ(Text(out_ / "100ABCDE/IMG_0002.JPG"), "two");
     CheckFiles(calls, "");

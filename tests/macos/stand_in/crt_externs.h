@@ -1,0 +1,6 @@
+#pragma once
+#include <unistd.h>
+
+inline char*** _NSGetEnviron() {
+  return &environ;
+}
