@@ -84,6 +84,10 @@ base::FileDescriptor Listener::Accept() const {
 }
 
 base::FileDescriptor ConnectTo(const std::string& path) {
+  return ConnectTo(path, [] { ::poll(nullptr, 0, 10); });
+}
+
+base::FileDescriptor ConnectTo(const std::string& path, const std::function<void()>& wait) {
   const auto address = AddressOf(path);
   if (!address) {
     errno = ENAMETOOLONG;
@@ -93,7 +97,7 @@ base::FileDescriptor ConnectTo(const std::string& path) {
   constexpr int kAttempts = 20;
   base::FileDescriptor socket = TryConnect(*address);
   for (int i = 1; i < kAttempts && !socket && errno == ECONNREFUSED; ++i) {
-    ::poll(nullptr, 0, 10);
+    wait();
     socket = TryConnect(*address);
   }
   return socket;

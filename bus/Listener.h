@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
 
 #include "base/FileDescriptor.h"
@@ -32,6 +33,8 @@ class Listener {
 /// A connected socket to a listener at this path; empty, with errno, when there is none. Waits up to 0.2 s for one that has
 /// its path and takes no connections yet.
 base::FileDescriptor ConnectTo(const std::string& path);
+/// As ConnectTo, with `wait` in place of each of its 19 waits of 10 ms.
+base::FileDescriptor ConnectTo(const std::string& path, const std::function<void()>& wait);
 
 /// The process at the other end.
 pid_t PeerProcess(int socket);

@@ -6,9 +6,6 @@
 #include <sys/un.h>
 
 #include <cerrno>
-#include <future>
-#include <latch>
-#include <thread>
 
 #include "vcam/camera/testing/TestSupport.h"
 
@@ -24,6 +21,16 @@ class ListenerTest : public testing::Test {
       return error.what();
     }
     return "no failure";
+  }
+
+  // A socket that has the path and takes no connections.
+  base::FileDescriptor Bound() const {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path_.copy(address.sun_path, sizeof address.sun_path - 1);
+    base::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    EXPECT_EQ(::bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    return socket;
   }
 
   vcam::test::ScratchStorage scratch_;
@@ -85,20 +92,21 @@ TEST_F(ListenerTest, RefusesPathsThatCannotBe) {
 }
 
 TEST_F(ListenerTest, ABusThatHasItsPathAndTakesNoConnectionsYetIsWaitedFor) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  path_.copy(address.sun_path, sizeof address.sun_path - 1);
-  const base::FileDescriptor bound(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  ASSERT_EQ(::bind(bound.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-  std::latch tries{1};
-  auto connected = std::async(std::launch::async, [&] {
-    tries.count_down();
-    return static_cast<bool>(ConnectTo(path_));
-  });
-  tries.wait();
-  for (int i = 0; i < 1000; ++i) std::this_thread::yield();
-  ASSERT_EQ(::listen(bound.Get(), 1), 0);
-  EXPECT_TRUE(connected.get());
+  const base::FileDescriptor bus = Bound();
+  int waits = 0;
+  EXPECT_TRUE(ConnectTo(path_, [&] {
+    ++waits;
+    if (waits == 19) ::listen(bus.Get(), 1);
+  }));
+  EXPECT_EQ(waits, 19);
+}
+
+TEST_F(ListenerTest, APathThatADeadBusLeftIsGivenUp) {
+  const base::FileDescriptor bus = Bound();
+  int waits = 0;
+  EXPECT_FALSE(ConnectTo(path_, [&] { ++waits; }));
+  EXPECT_EQ(errno, ECONNREFUSED);
+  EXPECT_EQ(waits, 19);
 }
 
 TEST_F(ListenerTest, ConnectsToNothingWhereNobodyListens) {
