@@ -10,7 +10,7 @@ namespace apps {
 namespace {
 
 // Less is read again sooner than a row is written.
-constexpr unsigned long long kWorthKeeping = 1U << 20;
+constexpr unsigned long long kWorthKeeping = 256U << 10;
 constexpr unsigned long long kWorthKeepingAtOnce = 32U << 20;
 
 class Receiver {

@@ -504,9 +504,12 @@ TEST_F(CutTransfersTest, AFlushThatFailsLeavesNothingToTakeUp) {
 }
 
 TEST_F(CutTransfersTest, ALittleIsNotWorthARow) {
-  CutAfter(kMegabyte / 2);
+  CutAfter(kMegabyte / 8);
   RunUntilCut(Picture(1));
   EXPECT_THAT(Parts(), testing::IsEmpty());
+  CutAfter(kMegabyte / 2);
+  RunUntilCut(Picture(1));
+  EXPECT_THAT(Parts(), testing::SizeIs(1));
 }
 
 TEST_F(LargeFilesTest, OneThatWasHereAlreadyIsKeptAndNotDoubled) {
