@@ -52,6 +52,7 @@ Traces& All() {
 
 /// One camera, and where it is in its exchanges.
 struct Trace::Observed {
+  const int process;
   const int index;
   const std::string serial;
   Discretion discretion{};
@@ -60,7 +61,7 @@ struct Trace::Observed {
   std::optional<kelva::Exchange> open{};
   std::chrono::microseconds at{};
 
-  ExchangePlace Place() const { return {::getpid(), index, number, at}; }
+  ExchangePlace Place() const { return {process, index, number, at}; }
 };
 
 Trace::Trace(const Wanted& wanted, const Program& program, std::string_view command,
@@ -89,10 +90,10 @@ boost::shared_ptr<Camera> Trace::Around(boost::shared_ptr<Camera> camera, const 
   std::shared_ptr<Observed> observed;
   {
     const std::scoped_lock lock(mutex_);
-    observed = std::make_shared<Observed>(Observed{static_cast<int>(observed_.size()) + 1, device.serial});
+    observed = std::make_shared<Observed>(Observed{::getpid(), static_cast<int>(observed_.size()) + 1, device.serial});
     observed_.push_back(observed);
   }
-  Json line = Json::Object().Set("event", "camera").Set("process", ::getpid()).Set("camera", observed->index);
+  Json line = Json::Object().Set("event", "camera").Set("process", observed->process).Set("camera", observed->index);
   standIns_ ? line.Set("serial", Json()) : line.SetBytes("serial", device.serial);
   line.SetBytes("vendor", device.vendor).SetBytes("product", device.product);
   line.SetBytes("revision", device.revision).SetBytes("driver", device.driver);
