@@ -12,7 +12,7 @@ class Connections : public RegistryTest {
  protected:
   /// A connection to the only camera; closed by the test.
   static io_connect_t Open() {
-    const Object service = FindOne(kDriver);
+    const Object service = FindCamera();
     io_connect_t connection = 0;
     EXPECT_EQ(IOServiceOpen(service.Number(), mach_task_self(), 0, &connection), kIOReturnSuccess);
     EXPECT_NE(connection, 0u);
@@ -77,7 +77,7 @@ TEST_F(Connections, OpeningADeadHandleWritesNothing) {
 
 TEST_F(Connections, AParentWithoutUserClientIsUnsupported) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   const Object inquiry = ParentOf(service);
   io_connect_t connection = kUntouched;
   EXPECT_EQ(IOServiceOpen(inquiry.Number(), mach_task_self(), 0, &connection), kIOReturnUnsupported);
@@ -99,7 +99,7 @@ TEST_F(ConnectionsDriverChooses, ScalarsThatAMethodDoesNotTakeAreABadArgument) {
 
 TEST_F(Connections, ARefusingDriverAnswersWithItsOwnCodeAndNoConnection) {
   Plug({.refusal = kIOReturnExclusiveAccess});
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   io_connect_t connection = kUntouched;
   EXPECT_EQ(IOServiceOpen(service.Number(), mach_task_self(), 0, &connection), kIOReturnExclusiveAccess);
   EXPECT_EQ(connection, 0u);
@@ -107,7 +107,7 @@ TEST_F(Connections, ARefusingDriverAnswersWithItsOwnCodeAndNoConnection) {
 
 TEST_F(Connections, AServiceWithoutUserClientIsUnsupported) {
   Plug({.revision = "Q42", .peripheralType = 5});
-  const Object disc = FindOne("IOCompactDiscServices");
+  const Object disc = FindOne(IOServiceMatching("IOCompactDiscServices"));
   io_connect_t connection = kUntouched;
   EXPECT_EQ(IOServiceOpen(disc.Number(), mach_task_self(), 0, &connection), kIOReturnUnsupported);
   EXPECT_EQ(connection, 0u);
@@ -116,7 +116,7 @@ TEST_F(Connections, AServiceWithoutUserClientIsUnsupported) {
 TEST_F(Connections, WhatIsNoServiceCannotBeOpened) {
   Plug();
   io_iterator_t number = 0;
-  ASSERT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(kDriver), &number), kIOReturnSuccess);
+  ASSERT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, MatchingCameras(), &number), kIOReturnSuccess);
   const Object iterator(number);
   io_connect_t connection = kUntouched;
   EXPECT_EQ(IOServiceOpen(iterator.Number(), mach_task_self(), 0, &connection), kIOReturnBadArgument);
@@ -125,7 +125,7 @@ TEST_F(Connections, WhatIsNoServiceCannotBeOpened) {
 
 TEST_F(Connections, AnotherTaskCannotBeOpenedFor) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   io_connect_t connection = kUntouched;
   EXPECT_EQ(IOServiceOpen(service.Number(), 0, 0, &connection), kIOReturnBadArgument);
   EXPECT_EQ(IOServiceOpen(service.Number(), mach_task_self() + 1, 0, &connection), kIOReturnBadArgument);
@@ -145,7 +145,7 @@ TEST_F(Connections, ACallOnNoConnectionWritesNothing) {
 
 TEST_F(Connections, AServiceIsNotAConnection) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   char output[8] = "before";
   std::size_t size = sizeof output;
   EXPECT_EQ(IOConnectCallStructMethod(service.Number(), kReverse, "abc", 3, output, &size), kIOReturnBadArgument);

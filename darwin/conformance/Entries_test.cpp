@@ -6,10 +6,11 @@ namespace conformance {
 namespace {
 
 using Entries = RegistryTest;
+using EntriesOfACamera = RegistryTest;
 
-TEST_F(Entries, APropertyIsGivenAsAnObjectOfTheCallers) {
+TEST_F(EntriesOfACamera, APropertyIsGivenAsAnObjectOfTheCallers) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   const Owned<CFTypeRef> vendor(
       IORegistryEntryCreateCFProperty(service.Number(), CFSTR("Vendor Identification"), kCFAllocatorDefault, 0));
   ASSERT_NE(vendor.Get(), nullptr);
@@ -19,7 +20,7 @@ TEST_F(Entries, APropertyIsGivenAsAnObjectOfTheCallers) {
 
 TEST_F(Entries, AMissingPropertyIsNull) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   EXPECT_EQ(IORegistryEntryCreateCFProperty(service.Number(), CFSTR("No Such"), kCFAllocatorDefault, 0), nullptr);
 }
 
@@ -30,16 +31,16 @@ TEST_F(Entries, AHandleThatIsNoEntryHasNoProperties) {
 
 TEST_F(Entries, OptionsNeverLookUpwards) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   constexpr IOOptionBits kEverything = 0xFFFFFFFF;
   EXPECT_EQ(
       IORegistryEntryCreateCFProperty(service.Number(), CFSTR("USB Serial Number"), kCFAllocatorDefault, kEverything),
       nullptr);
 }
 
-TEST_F(Entries, ParentsLeadToTheUsbDevice) {
+TEST_F(EntriesOfACamera, ParentsLeadToTheUsbDevice) {
   Plug({.serial = "K7"});
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   const Object inquiry = ParentOf(service);
   const Object device = ParentOf(inquiry);
   EXPECT_EQ(TextProperty(inquiry, "Vendor Identification"), "Kelva");
@@ -47,18 +48,18 @@ TEST_F(Entries, ParentsLeadToTheUsbDevice) {
   EXPECT_EQ(TextProperty(device, "USB Serial Number"), "K7");
 }
 
-TEST_F(Entries, AParentIsTheSameObjectForAllItsChildren) {
+TEST_F(EntriesOfACamera, AParentIsTheSameObjectForAllItsChildren) {
   Plug({.serial = "K1"});
   Plug({.serial = "K2"});
   std::vector<Object> buses;
-  for (const Object& service : Find(IOServiceMatching(kDriver))) buses.push_back(ParentOf(ParentOf(ParentOf(service))));
+  for (const Object& service : Find(MatchingCameras())) buses.push_back(ParentOf(ParentOf(ParentOf(service))));
   ASSERT_EQ(buses.size(), 2u);
   EXPECT_EQ(buses[0].Number(), buses[1].Number());
 }
 
 TEST_F(Entries, TheWayUpEnds) {
   Plug();
-  Object entry = FindOne(kDriver);
+  Object entry = FindCamera();
   int steps = 0;
   io_registry_entry_t parent = kUntouched;
   kern_return_t result = kIOReturnSuccess;
@@ -72,7 +73,7 @@ TEST_F(Entries, TheWayUpEnds) {
 
 TEST_F(Entries, AnUnknownPlaneHasNoParents) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   io_registry_entry_t parent = kUntouched;
   EXPECT_EQ(IORegistryEntryGetParentEntry(service.Number(), "NoSuchPlane", &parent), kIOReturnNoDevice);
   EXPECT_EQ(parent, 0u);
@@ -85,19 +86,19 @@ TEST_F(Entries, ADeadHandleHasNoParentAndNothingIsWritten) {
   EXPECT_EQ(parent, kUntouched);
 }
 
-TEST_F(Entries, ABadCameraIsACompactDiscTwoLevelsBelowItsInquiryData) {
+TEST_F(EntriesOfACamera, ABadCameraIsACompactDiscTwoLevelsBelowItsInquiryData) {
   Plug({.serial = "K9", .revision = "Q42", .peripheralType = 5});
-  const Object disc = FindOne("IOCompactDiscServices");
+  const Object disc = FindOne(IOServiceMatching("IOCompactDiscServices"));
   const Object inquiry = ParentOf(ParentOf(disc));
   EXPECT_EQ(TextProperty(inquiry, "Vendor Identification"), "Kelva");
   EXPECT_EQ(TextProperty(inquiry, "Product Revision Level"), "Q42");
   EXPECT_EQ(TextProperty(ParentOf(inquiry), "USB Serial Number"), "K9");
-  EXPECT_EQ(Find(IOServiceMatching(kDriver)).size(), 0u);
+  EXPECT_EQ(Find(MatchingCameras()).size(), 0u);
 }
 
-TEST_F(Entries, ACompactDiscOfAnotherRevisionIsServedByTheDriver) {
+TEST_F(EntriesOfACamera, ACompactDiscOfAnotherRevisionIsServedByTheDriver) {
   Plug({.revision = "1.00", .peripheralType = 5});
-  EXPECT_EQ(TextProperty(FindOne(kDriver), "IOClass"), kDriver);
+  EXPECT_EQ(TextProperty(FindCamera(), "IOClass"), kDriver);
   EXPECT_EQ(Find(IOServiceMatching("IOCompactDiscServices")).size(), 0u);
 }
 

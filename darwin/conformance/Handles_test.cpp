@@ -9,7 +9,7 @@ using Handles = RegistryTest;
 
 /// A number that is no longer a handle.
 io_object_t StaleHandle() {
-  Object service = FindOne(kDriver);
+  Object service = FindCamera();
   const io_object_t number = service.Number();
   IOObjectRelease(service.Take());
   return number;
@@ -17,8 +17,8 @@ io_object_t StaleHandle() {
 
 TEST_F(Handles, OneObjectHasOneNumberHoweverItIsReached) {
   Plug();
-  const Object first = FindOne(kDriver);
-  const Object second = FindOne(kDriver);
+  const Object first = FindCamera();
+  const Object second = FindCamera();
   EXPECT_NE(first.Number(), 0u);
   EXPECT_EQ(first.Number(), second.Number());
 }
@@ -26,16 +26,16 @@ TEST_F(Handles, OneObjectHasOneNumberHoweverItIsReached) {
 TEST_F(Handles, DifferentObjectsHaveDifferentNumbers) {
   Plug({.serial = "K1"});
   Plug({.serial = "K2"});
-  const std::vector<Object> found = Find(IOServiceMatching(kDriver));
+  const std::vector<Object> found = Find(MatchingCameras());
   ASSERT_EQ(found.size(), 2u);
   EXPECT_NE(found[0].Number(), found[1].Number());
 }
 
 TEST_F(Handles, EachReturnAddsOneReference) {
   Plug();
-  const Object first = FindOne(kDriver);
-  { const Object second = FindOne(kDriver); }
-  EXPECT_EQ(TextProperty(first, "Vendor Identification"), "Kelva");
+  const Object first = FindCamera();
+  { const Object second = FindCamera(); }
+  EXPECT_EQ(SerialOf(first), "K1");
 }
 
 TEST_F(Handles, TheLastReleaseEndsTheNumber) {
@@ -47,10 +47,10 @@ TEST_F(Handles, TheLastReleaseEndsTheNumber) {
 
 TEST_F(Handles, RetainAddsAReference) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   EXPECT_EQ(IOObjectRetain(service.Number()), KERN_SUCCESS);
   EXPECT_EQ(IOObjectRelease(service.Number()), KERN_SUCCESS);
-  EXPECT_EQ(TextProperty(service, "IOClass"), kDriver);
+  EXPECT_EQ(SerialOf(service), "K1");
 }
 
 TEST_F(Handles, ZeroMayBeRetainedAndReleased) {
@@ -61,11 +61,11 @@ TEST_F(Handles, ZeroMayBeRetainedAndReleased) {
 TEST_F(Handles, ReleasingAnIteratorReleasesNothingElse) {
   Plug();
   io_iterator_t number = 0;
-  ASSERT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(kDriver), &number), kIOReturnSuccess);
+  ASSERT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, MatchingCameras(), &number), kIOReturnSuccess);
   Object iterator(number);
   const Object service = NextOf(iterator);
   iterator = Object();
-  EXPECT_EQ(TextProperty(service, "IOClass"), kDriver);
+  EXPECT_EQ(SerialOf(service), "K1");
 }
 
 }  // namespace

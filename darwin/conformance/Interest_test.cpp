@@ -12,14 +12,25 @@ using ::testing::IsEmpty;
 
 constexpr std::uint32_t kPowerMessage = 0xE0000270;
 
+/// True for what a driver tells when it is opened and closed.
+bool IsDriversChoice(std::uint32_t type) {
+  return type == kIOMessageServiceIsRequestingClose || type == kIOMessageServiceIsAttemptingOpen ||
+         type == kIOMessageServiceWasClosed;
+}
+
 /// A registration that notes what it is told.
 struct Witness {
   std::vector<std::uint32_t> types = {};
+  std::vector<std::uint32_t> choices = {};  ///< what the driver chose to tell besides
   std::vector<io_service_t> services = {};
   std::string serial = {};  ///< read from the service during the latest call
 
   static void OnMessage(void* self, io_service_t number, std::uint32_t type, void*) {
     auto& witness = *static_cast<Witness*>(self);
+    if (IsDriversChoice(type)) {
+      witness.choices.push_back(type);
+      return;
+    }
     witness.types.push_back(type);
     witness.services.push_back(number);
     IOObjectRetain(number);
@@ -51,9 +62,12 @@ class Interest : public RegistryTest {
   std::unique_ptr<Port> port_ = std::make_unique<Port>();
 };
 
+/// Needs a driver that sends a message when it is told to.
+class InterestOfACamera : public Interest {};
+
 TEST_F(Interest, AnUnpluggedCameraIsToldOnceWithoutArming) {
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness witness;
   const Object watch = Watch(service, witness);
   Unplug(camera);
@@ -63,9 +77,9 @@ TEST_F(Interest, AnUnpluggedCameraIsToldOnceWithoutArming) {
   EXPECT_THAT(witness.types, ElementsAre(0xE0000010u));
 }
 
-TEST_F(Interest, EveryMessageArrivesInOrder) {
+TEST_F(InterestOfACamera, EveryMessageArrivesInOrder) {
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness witness;
   const Object watch = Watch(service, witness);
   TheMachine().Announce(camera, kIOMessageServiceIsSuspended);
@@ -79,21 +93,31 @@ TEST_F(Interest, EveryMessageArrivesInOrder) {
 /// What a driver need not do: a driver of another make may open its own service at other moments, or never.
 class InterestDriverChooses : public Interest {};
 
+TEST_F(InterestDriverChooses, AnUnplugOpensAndClosesNothing) {
+  const int camera = Plug();
+  const Object service = FindCamera();
+  Witness witness;
+  const Object watch = Watch(service, witness);
+  Unplug(camera);
+  RunPending();
+  EXPECT_THAT(witness.choices, IsEmpty());
+}
+
 TEST_F(InterestDriverChooses, OpeningAndClosingAreToldToo) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness witness;
   const Object watch = Watch(service, witness);
   io_connect_t connection = 0;
   ASSERT_EQ(IOServiceOpen(service.Number(), mach_task_self(), 0, &connection), kIOReturnSuccess);
   IOServiceClose(connection);
   RunPending();
-  EXPECT_THAT(witness.types, ElementsAre(0xE0000101u, 0xE0000110u));
+  EXPECT_THAT(witness.choices, ElementsAre(0xE0000101u, 0xE0000110u));
 }
 
-TEST_F(Interest, BeforeTheEndTheServiceIsTheHandleThatIsHeld) {
+TEST_F(InterestOfACamera, BeforeTheEndTheServiceIsTheHandleThatIsHeld) {
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness witness;
   const Object watch = Watch(service, witness);
   TheMachine().Announce(camera, kPowerMessage);
@@ -103,7 +127,7 @@ TEST_F(Interest, BeforeTheEndTheServiceIsTheHandleThatIsHeld) {
 
 TEST_F(Interest, AtTheEndTheServiceOfTheCallCanBeReadButNeedNotBeTheHeldOne) {
   const int camera = Plug({.serial = "K5"});
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness witness;
   const Object watch = Watch(service, witness);
   Unplug(camera);
@@ -113,12 +137,12 @@ TEST_F(Interest, AtTheEndTheServiceOfTheCallCanBeReadButNeedNotBeTheHeldOne) {
   EXPECT_EQ(witness.serial, "K5");
 }
 
-TEST_F(Interest, TheServiceOfTheCallEndsWithTheCall) {
+TEST_F(InterestOfACamera, TheServiceOfTheCallEndsWithTheCall) {
   const int camera = Plug();
   Witness witness;
   Object watch;
   {
-    const Object service = FindOne(kDriver);
+    const Object service = FindCamera();
     watch = Watch(service, witness);
   }
   TheMachine().Announce(camera, kPowerMessage);
@@ -129,7 +153,7 @@ TEST_F(Interest, TheServiceOfTheCallEndsWithTheCall) {
 
 TEST_F(Interest, OnlyTheWatchedServiceIsHeard) {
   Plug({.serial = "K1"});
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness witness;
   const Object watch = Watch(service, witness);
   Unplug(Plug({.serial = "K2"}));
@@ -139,7 +163,7 @@ TEST_F(Interest, OnlyTheWatchedServiceIsHeard) {
 
 TEST_F(Interest, AReleasedRegistrationHearsNothing) {
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness witness;
   Object watch = Watch(service, witness);
   Unplug(camera);
@@ -148,9 +172,9 @@ TEST_F(Interest, AReleasedRegistrationHearsNothing) {
   EXPECT_THAT(witness.types, IsEmpty());
 }
 
-TEST_F(Interest, ACallbackMayReleaseItsOwnRegistration) {
+TEST_F(InterestOfACamera, ACallbackMayReleaseItsOwnRegistration) {
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Object watch;
   const auto release = [](void* own, io_service_t, uint32_t, void*) { *static_cast<Object*>(own) = Object(); };
   io_object_t number = 0;
@@ -165,7 +189,7 @@ TEST_F(Interest, ACallbackMayReleaseItsOwnRegistration) {
 
 TEST_F(Interest, EachRegistrationHearsForItself) {
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness first;
   Witness second;
   const Object firstWatch = Watch(service, first);
@@ -179,7 +203,7 @@ TEST_F(Interest, EachRegistrationHearsForItself) {
 
 TEST_F(Interest, AnUnknownKindIsUnsupported) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Witness witness;
   io_object_t number = kUntouched;
   EXPECT_EQ(Watch(service.Number(), witness, &number, "NoSuchInterest"), kIOReturnUnsupported);
@@ -188,7 +212,7 @@ TEST_F(Interest, AnUnknownKindIsUnsupported) {
 
 TEST_F(Interest, ADeadHandleCannotBeWatched) {
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Unplug(camera);
   Witness witness;
   io_object_t number = kUntouched;
@@ -200,7 +224,7 @@ TEST_F(Interest, ADeadHandleCannotBeWatched) {
 TEST_F(Interest, AServiceThatHasEndedCannotBeWatchedThroughAFreshHandleEither) {
   const int camera = Plug();
   io_iterator_t number = 0;
-  ASSERT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(kDriver), &number), kIOReturnSuccess);
+  ASSERT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, MatchingCameras(), &number), kIOReturnSuccess);
   const Object iterator(number);
   Unplug(camera);
   const Object service = NextOf(iterator);

@@ -43,6 +43,13 @@ class Machine {
 
 std::unique_ptr<Machine> MakeMachine();
 
+/// A dictionary that finds the services of the cameras that are plugged in here, and no other service of the machine. The
+/// caller's, as IOServiceMatching gives it.
+CFMutableDictionaryRef MatchingCameras();
+
+/// The serial number with which the camera of a service was plugged in, also when it has gone; "(none)" for anything else.
+std::string SerialOf(io_service_t service);
+
 }  // namespace conformance
 
 #endif  // KELVA_DARWIN_CONFORMANCE_MACHINE_H_

@@ -36,10 +36,10 @@ class MatchNotification : public RegistryTest {
     RegistryTest::TearDown();
   }
 
-  Object Listen(Listener& listener, const char* className = kDriver) {
+  Object Listen(Listener& listener, CFDictionaryRef matching = MatchingCameras()) {
     io_iterator_t iterator = 0;
-    EXPECT_EQ(IOServiceAddMatchingNotification(port_->Get(), kIOFirstMatchNotification, IOServiceMatching(className),
-                                               Listener::OnMatch, &listener, &iterator),
+    EXPECT_EQ(IOServiceAddMatchingNotification(port_->Get(), kIOFirstMatchNotification, matching, Listener::OnMatch,
+                                               &listener, &iterator),
               kIOReturnSuccess);
     EXPECT_NE(iterator, 0u);
     return Object(iterator);
@@ -51,6 +51,9 @@ class MatchNotification : public RegistryTest {
  private:
   std::unique_ptr<Port> port_ = std::make_unique<Port>();
 };
+
+/// Needs a second class of drivers, or a thousand cameras at once.
+class MatchNotificationOfACamera : public MatchNotification {};
 
 TEST_F(MatchNotification, WithoutMatchTheIteratorIsThereAndEmpty) {
   Listener listener;
@@ -166,9 +169,9 @@ TEST_F(MatchNotification, AReplugIsANewMatch) {
   EXPECT_THAT(listener.serials, ElementsAre("K1", "K1", "K1"));
 }
 
-TEST_F(MatchNotification, OtherClassesAreNotAnnounced) {
+TEST_F(MatchNotificationOfACamera, OtherClassesAreNotAnnounced) {
   Listener listener;
-  const Object iterator = Listen(listener, kDiskDriver);
+  const Object iterator = Listen(listener, IOServiceMatching(kDiskDriver));
   Drain(iterator);
   Plug({.peripheralType = 3});
   RunPending();
@@ -195,8 +198,8 @@ TEST_F(MatchNotification, TwoRegistrationsAreToldEachInTheOrderOfRegistration) {
   std::vector<Object> iterators;
   for (Entry* entry : {&first, &second}) {
     io_iterator_t number = 0;
-    IOServiceAddMatchingNotification(ThePort(), kIOFirstMatchNotification, IOServiceMatching(kDriver), Entry::OnMatch,
-                                     entry, &number);
+    IOServiceAddMatchingNotification(ThePort(), kIOFirstMatchNotification, MatchingCameras(), Entry::OnMatch, entry,
+                                     &number);
     iterators.emplace_back(number);
     Drain(iterators.back());
   }
@@ -210,8 +213,8 @@ TEST_F(MatchNotification, MessagesWaitForARunLoop) {
   const Object iterator = Listen(listener);
   Drain(iterator);
   const int camera = Plug({.serial = "K1"});
-  Unplug(camera);
   Plug({.serial = "K2"});
+  Unplug(camera);
   EXPECT_EQ(listener.calls, 0);
   RunPending();
   EXPECT_THAT(listener.serials, ElementsAre("K2", "K1"));
@@ -244,8 +247,7 @@ TEST_F(MatchNotification, ACallbackMayReleaseItsOwnIterator) {
     EXPECT_TRUE(Object(IOIteratorNext(iterator)));
   };
   io_iterator_t number = 0;
-  IOServiceAddMatchingNotification(ThePort(), kIOFirstMatchNotification, IOServiceMatching(kDriver), release, nullptr,
-                                   &number);
+  IOServiceAddMatchingNotification(ThePort(), kIOFirstMatchNotification, MatchingCameras(), release, nullptr, &number);
   EXPECT_EQ(IOIteratorNext(number), 0u);
   Plug();
   RunPending();
@@ -266,8 +268,8 @@ TEST_F(MatchNotification, ACallbackMayReleaseItsIteratorAndDestroyItsPort) {
   };
   Owner owner{[this] { DestroyPort(); }};
   io_iterator_t number = 0;
-  IOServiceAddMatchingNotification(ThePort(), kIOFirstMatchNotification, IOServiceMatching(kDriver), Owner::OnMatch,
-                                   &owner, &number);
+  IOServiceAddMatchingNotification(ThePort(), kIOFirstMatchNotification, MatchingCameras(), Owner::OnMatch, &owner,
+                                   &number);
   owner.iterator = Object(number);
   Drain(owner.iterator);
   Plug();
@@ -283,8 +285,8 @@ TEST_F(MatchNotification, EachPortIsToldForItself) {
   Listener there;
   const Object iterator = Listen(here);
   io_iterator_t number = 0;
-  IOServiceAddMatchingNotification(second.Get(), kIOFirstMatchNotification, IOServiceMatching(kDriver),
-                                   Listener::OnMatch, &there, &number);
+  IOServiceAddMatchingNotification(second.Get(), kIOFirstMatchNotification, MatchingCameras(), Listener::OnMatch,
+                                   &there, &number);
   const Object other(number);
   Drain(iterator);
   Drain(other);
@@ -305,7 +307,7 @@ TEST_F(MatchNotification, ADestroyedPortDeliversNothing) {
   EXPECT_THAT(SerialsOf(Drain(iterator)), ElementsAre("K1"));
 }
 
-TEST_F(MatchNotification, AboveTheKernelsLimitMatchesAreDropped) {
+TEST_F(MatchNotificationOfACamera, AboveTheKernelsLimitMatchesAreDropped) {
   Listener listener;
   const Object iterator = Listen(listener);
   for (int i = 0; i < 1030; ++i) Unplug(Plug({.serial = std::to_string(i)}));
@@ -316,7 +318,7 @@ TEST_F(MatchNotification, AboveTheKernelsLimitMatchesAreDropped) {
 }
 
 TEST_F(MatchNotification, AnUnknownTypeIsUnsupportedAndConsumesTheDictionary) {
-  const Owned<CFMutableDictionaryRef> matching(IOServiceMatching(kDriver));
+  const Owned<CFMutableDictionaryRef> matching(MatchingCameras());
   CFRetain(matching.Get());
   io_iterator_t iterator = kUntouched;
   EXPECT_EQ(
@@ -327,7 +329,7 @@ TEST_F(MatchNotification, AnUnknownTypeIsUnsupportedAndConsumesTheDictionary) {
 }
 
 TEST_F(MatchNotification, TheDictionaryIsConsumedAndCopied) {
-  const Owned<CFMutableDictionaryRef> matching(IOServiceMatching(kDriver));
+  const Owned<CFMutableDictionaryRef> matching(MatchingCameras());
   CFRetain(matching.Get());
   Listener listener;
   io_iterator_t number = 0;
@@ -350,7 +352,7 @@ TEST_F(MatchNotification, ANullDictionaryIsABadArgument) {
 }
 
 TEST_F(MatchNotification, AValueThatCannotBeHandedOverIsUnsupportedAndConsumed) {
-  const Owned<CFMutableDictionaryRef> matching(IOServiceMatching(kDriver));
+  const Owned<CFMutableDictionaryRef> matching(MatchingCameras());
   CFDictionarySetValue(matching.Get(), CFSTR("Source"), IONotificationPortGetRunLoopSource(ThePort()));
   CFRetain(matching.Get());
   io_iterator_t iterator = kUntouched;
@@ -366,7 +368,7 @@ using NullPortDeathTest = RegistryTest;
 TEST_F(NullPortDeathTest, ANullPortStopsTheProcess) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   io_iterator_t iterator = 0;
-  EXPECT_DEATH(IOServiceAddMatchingNotification(nullptr, kIOFirstMatchNotification, IOServiceMatching(kDriver),
+  EXPECT_DEATH(IOServiceAddMatchingNotification(nullptr, kIOFirstMatchNotification, MatchingCameras(),
                                                 Listener::OnMatch, nullptr, &iterator),
                "");
   EXPECT_DEATH(IOServiceAddInterestNotification(nullptr, 0, kIOGeneralInterest, nullptr, nullptr, &iterator), "");

@@ -30,9 +30,12 @@ class Matching : public RegistryTest {
   /// A search whose dictionary is kept, to be looked at afterwards.
   static kern_return_t Search(CFMutableDictionaryRef matching, io_iterator_t* iterator) {
     CFRetain(matching);
-    return IOServiceGetMatchingServices(kIOMainPortDefault, matching, iterator);
+    return IOServiceGetMatchingServices(MACH_PORT_NULL, matching, iterator);
   }
 };
+
+/// Asks for the class of a camera's driver, or for a property that only its service has.
+class MatchingOfACamera : public Matching {};
 
 TEST_F(Matching, AClassNameMakesADictionaryOfOneEntry) {
   const Owned<CFMutableDictionaryRef> matching(IOServiceMatching(kDriver));
@@ -41,7 +44,7 @@ TEST_F(Matching, AClassNameMakesADictionaryOfOneEntry) {
   EXPECT_TRUE(CFEqual(CFDictionaryGetValue(matching.Get(), CFSTR(kIOProviderClassKey)), CFSTR("com_kelva_Glimmer")));
 }
 
-TEST_F(Matching, OnlyServicesOfTheClassAreFound) {
+TEST_F(MatchingOfACamera, OnlyServicesOfTheClassAreFound) {
   Plug({.serial = "K1"});
   Plug({.serial = "K2", .peripheralType = 0});
   EXPECT_THAT(SerialsOf(Find(IOServiceMatching(kDriver))), ElementsAre("K1"));
@@ -49,12 +52,12 @@ TEST_F(Matching, OnlyServicesOfTheClassAreFound) {
   EXPECT_THAT(Find(IOServiceMatching("com_kelva")), IsEmpty());
 }
 
-TEST_F(Matching, ASuperclassFindsItsSubclasses) {
+TEST_F(MatchingOfACamera, ASuperclassFindsItsSubclasses) {
   Plug();
   EXPECT_THAT(Find(WithProperty("IOService", CFSTR("IOClass"), CFSTR("com_kelva_Glimmer"))), SizeIs(1));
 }
 
-TEST_F(Matching, EveryPropertyMustBeThereAndEqual) {
+TEST_F(MatchingOfACamera, EveryPropertyMustBeThereAndEqual) {
   Plug({.serial = "K1", .vendor = "Kelva"});
   Plug({.serial = "O1", .vendor = "Other"});
   EXPECT_THAT(SerialsOf(Find(WithProperty(kDriver, CFSTR("Vendor Identification"), CFSTR("Kelva")))),
@@ -63,12 +66,12 @@ TEST_F(Matching, EveryPropertyMustBeThereAndEqual) {
   EXPECT_THAT(Find(WithProperty(kDriver, CFSTR("No Such Property"), CFSTR("Kelva"))), IsEmpty());
 }
 
-TEST_F(Matching, APropertyOfAnAncestorDoesNotCount) {
+TEST_F(MatchingOfACamera, APropertyOfAnAncestorDoesNotCount) {
   Plug({.serial = "K1"});
   EXPECT_THAT(Find(WithProperty(kDriver, CFSTR("USB Serial Number"), CFSTR("K1"))), IsEmpty());
 }
 
-TEST_F(Matching, ATextIsNotANumberNorATruthValue) {
+TEST_F(MatchingOfACamera, ATextIsNotANumberNorATruthValue) {
   Plug();
   const std::int64_t one = 1;
   const Owned<CFNumberRef> number(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &one));
@@ -76,7 +79,7 @@ TEST_F(Matching, ATextIsNotANumberNorATruthValue) {
   EXPECT_THAT(Find(WithProperty(kDriver, CFSTR("Vendor Identification"), kCFBooleanTrue)), IsEmpty());
 }
 
-TEST_F(Matching, AnEmptyPropertyDictionaryAsksForNothing) {
+TEST_F(MatchingOfACamera, AnEmptyPropertyDictionaryAsksForNothing) {
   Plug();
   const CFMutableDictionaryRef matching = IOServiceMatching(kDriver);
   const Owned<CFMutableDictionaryRef> nothing(MakeDictionary());
@@ -84,7 +87,7 @@ TEST_F(Matching, AnEmptyPropertyDictionaryAsksForNothing) {
   EXPECT_THAT(Find(matching), SizeIs(1));
 }
 
-TEST_F(Matching, ADictionaryAsAPropertysValueMatchesNoText) {
+TEST_F(MatchingOfACamera, ADictionaryAsAPropertysValueMatchesNoText) {
   Plug();
   const Owned<CFMutableDictionaryRef> nothing(MakeDictionary());
   EXPECT_THAT(Find(WithProperty(kDriver, CFSTR("Vendor Identification"), nothing.Get())), IsEmpty());
@@ -92,28 +95,28 @@ TEST_F(Matching, ADictionaryAsAPropertysValueMatchesNoText) {
 
 TEST_F(Matching, PropertiesThatAreNoDictionaryMatchNothing) {
   Plug();
-  const CFMutableDictionaryRef matching = IOServiceMatching(kDriver);
+  const CFMutableDictionaryRef matching = MatchingCameras();
   CFDictionarySetValue(matching, CFSTR(kIOPropertyMatchKey), CFSTR("Kelva"));
   EXPECT_THAT(Find(matching), IsEmpty());
 }
 
 TEST_F(Matching, AnUnknownKeyIsIgnored) {
   Plug();
-  const CFMutableDictionaryRef matching = IOServiceMatching(kDriver);
+  const CFMutableDictionaryRef matching = MatchingCameras();
   CFDictionarySetValue(matching, CFSTR("Nobody Knows This Key"), CFSTR("value"));
   EXPECT_THAT(Find(matching), SizeIs(1));
 }
 
 TEST_F(Matching, NoMatchIsSuccessWithoutAnIterator) {
   io_iterator_t iterator = kUntouched;
-  EXPECT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(kDriver), &iterator), kIOReturnSuccess);
+  EXPECT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, MatchingCameras(), &iterator), kIOReturnSuccess);
   EXPECT_EQ(iterator, 0u);
 }
 
 TEST_F(Matching, TheResultIsASnapshot) {
   const int first = Plug({.serial = "K1"});
   io_iterator_t number = 0;
-  ASSERT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(kDriver), &number), kIOReturnSuccess);
+  ASSERT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, MatchingCameras(), &number), kIOReturnSuccess);
   const Object iterator(number);
   Plug({.serial = "K2"});
   Unplug(first);
@@ -123,13 +126,13 @@ TEST_F(Matching, TheResultIsASnapshot) {
 TEST_F(Matching, AnUnpluggedCameraIsNotFound) {
   const int camera = Plug();
   Unplug(camera);
-  EXPECT_THAT(Find(IOServiceMatching(kDriver)), IsEmpty());
+  EXPECT_THAT(Find(MatchingCameras()), IsEmpty());
 }
 
 TEST_F(Matching, ADrainedIteratorGivesNothing) {
   Plug();
   io_iterator_t number = 0;
-  ASSERT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(kDriver), &number), kIOReturnSuccess);
+  ASSERT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, MatchingCameras(), &number), kIOReturnSuccess);
   const Object iterator(number);
   Drain(iterator);
   EXPECT_EQ(IOIteratorNext(iterator.Number()), 0u);
@@ -137,7 +140,7 @@ TEST_F(Matching, ADrainedIteratorGivesNothing) {
 
 TEST_F(Matching, NextOfWhatIsNoIteratorGivesNothing) {
   Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   EXPECT_EQ(IOIteratorNext(0), 0u);
   EXPECT_EQ(IOIteratorNext(kUntouched), 0u);
   EXPECT_EQ(IOIteratorNext(service.Number()), 0u);
@@ -145,7 +148,7 @@ TEST_F(Matching, NextOfWhatIsNoIteratorGivesNothing) {
 
 TEST_F(Matching, ASearchConsumesOneReferenceOfTheDictionary) {
   Plug();
-  const Owned<CFMutableDictionaryRef> matching(IOServiceMatching(kDriver));
+  const Owned<CFMutableDictionaryRef> matching(MatchingCameras());
   io_iterator_t iterator = 0;
   EXPECT_EQ(Search(matching.Get(), &iterator), kIOReturnSuccess);
   EXPECT_EQ(CFGetRetainCount(matching.Get()), 1);
@@ -153,14 +156,14 @@ TEST_F(Matching, ASearchConsumesOneReferenceOfTheDictionary) {
 }
 
 TEST_F(Matching, ASearchWithoutMatchConsumesItToo) {
-  const Owned<CFMutableDictionaryRef> matching(IOServiceMatching(kDriver));
+  const Owned<CFMutableDictionaryRef> matching(MatchingCameras());
   io_iterator_t iterator = 0;
   EXPECT_EQ(Search(matching.Get(), &iterator), kIOReturnSuccess);
   EXPECT_EQ(CFGetRetainCount(matching.Get()), 1);
 }
 
 TEST_F(Matching, WhatCannotBeHandedToTheKernelIsUnsupportedAndConsumed) {
-  const Owned<CFMutableDictionaryRef> matching(IOServiceMatching(kDriver));
+  const Owned<CFMutableDictionaryRef> matching(MatchingCameras());
   const Port port;
   CFDictionarySetValue(matching.Get(), CFSTR("Source"), IONotificationPortGetRunLoopSource(port.Get()));
   io_iterator_t iterator = kUntouched;
@@ -174,19 +177,14 @@ TEST_F(Matching, AnUnserialisableValueIsFoundHoweverDeepItIs) {
   io_iterator_t iterator = kUntouched;
   const CFMutableDictionaryRef matching =
       WithProperty(kDriver, CFSTR("Source"), IONotificationPortGetRunLoopSource(port.Get()));
-  EXPECT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, matching, &iterator), kIOReturnUnsupported);
+  EXPECT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, matching, &iterator), kIOReturnUnsupported);
   EXPECT_EQ(iterator, kUntouched);
 }
 
 TEST_F(Matching, ANullDictionaryIsABadArgument) {
   io_iterator_t iterator = kUntouched;
-  EXPECT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, nullptr, &iterator), kIOReturnBadArgument);
+  EXPECT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, nullptr, &iterator), kIOReturnBadArgument);
   EXPECT_EQ(iterator, kUntouched);
-}
-
-TEST_F(Matching, BothNamesOfTheDefaultPortAreZero) {
-  EXPECT_EQ(kIOMasterPortDefault, MACH_PORT_NULL);
-  EXPECT_EQ(kIOMainPortDefault, MACH_PORT_NULL);
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ class Owned {
 /// A notification port whose source is in this thread's run loop.
 class Port {
  public:
-  Port() : port_(IONotificationPortCreate(kIOMainPortDefault)) {
+  Port() : port_(IONotificationPortCreate(MACH_PORT_NULL)) {
     CFRunLoopAddSource(CFRunLoopGetCurrent(), IONotificationPortGetRunLoopSource(port_), kCFRunLoopDefaultMode);
   }
   Port(const Port&) = delete;
@@ -85,15 +85,20 @@ inline std::vector<Object> Drain(const Object& iterator) {
 /// The services that a dictionary matches; consumes it.
 inline std::vector<Object> Find(CFDictionaryRef matching) {
   io_iterator_t iterator = 0;
-  EXPECT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, matching, &iterator), kIOReturnSuccess);
+  EXPECT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, matching, &iterator), kIOReturnSuccess);
   return Drain(Object(iterator));
 }
 
-/// The only service of a class.
-inline Object FindOne(const char* className) {
-  std::vector<Object> found = Find(IOServiceMatching(className));
-  EXPECT_EQ(found.size(), 1u) << className;
+/// The only service that a dictionary matches; consumes it.
+inline Object FindOne(CFDictionaryRef matching) {
+  std::vector<Object> found = Find(matching);
+  EXPECT_EQ(found.size(), 1u);
   return found.empty() ? Object() : std::move(found.front());
+}
+
+/// The service of the only camera.
+inline Object FindCamera() {
+  return FindOne(MatchingCameras());
 }
 
 inline Object ParentOf(const Object& entry) {
@@ -112,9 +117,8 @@ inline std::string TextProperty(const Object& entry, const char* key) {
   return text;
 }
 
-/// The serial number of the camera that a driver's service belongs to.
 inline std::string SerialOf(const Object& service) {
-  return TextProperty(ParentOf(ParentOf(service)), "USB Serial Number");
+  return SerialOf(service.Number());
 }
 
 inline std::vector<std::string> SerialsOf(const std::vector<Object>& services) {

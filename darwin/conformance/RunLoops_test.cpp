@@ -64,8 +64,8 @@ class RunLoops : public RegistryTest {
  protected:
   static Object Listen(const Port& port, Visitor& visitor) {
     io_iterator_t number = 0;
-    IOServiceAddMatchingNotification(port.Get(), kIOFirstMatchNotification, IOServiceMatching(kDriver),
-                                     Visitor::OnMatch, &visitor, &number);
+    IOServiceAddMatchingNotification(port.Get(), kIOFirstMatchNotification, MatchingCameras(), Visitor::OnMatch,
+                                     &visitor, &number);
     Object iterator(number);
     Drain(iterator);
     return iterator;
@@ -124,8 +124,7 @@ TEST_F(RunLoops, AnotherThreadMayStopTheLoop) {
   std::promise<void> running;
   const auto tell = [](void* promise, io_iterator_t) { static_cast<std::promise<void>*>(promise)->set_value(); };
   io_iterator_t number = 0;
-  IOServiceAddMatchingNotification(port.Get(), kIOFirstMatchNotification, IOServiceMatching(kDriver), tell, &running,
-                                   &number);
+  IOServiceAddMatchingNotification(port.Get(), kIOFirstMatchNotification, MatchingCameras(), tell, &running, &number);
   const Object iterator(number);
   Drain(iterator);
   Plug();

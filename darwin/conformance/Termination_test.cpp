@@ -10,10 +10,11 @@ namespace {
 using ::testing::IsEmpty;
 
 using Termination = RegistryTest;
+using TerminationOfACamera = RegistryTest;
 
 TEST_F(Termination, TheHeldHandleIsDeadAndIsGivenBackAsAnyOther) {
   const int camera = Plug();
-  Object service = FindOne(kDriver);
+  Object service = FindCamera();
   Unplug(camera);
   io_registry_entry_t parent = kUntouched;
   io_connect_t connection = kUntouched;
@@ -27,29 +28,29 @@ TEST_F(Termination, TheHeldHandleIsDeadAndIsGivenBackAsAnyOther) {
 
 TEST_F(Termination, ADeadHandlesNumberIsNotGivenToAnotherObject) {
   const int camera = Plug({.serial = "K1"});
-  const Object dead = FindOne(kDriver);
+  const Object dead = FindCamera();
   Unplug(camera);
   for (int i = 0; i < 100; ++i) {
     const int next = Plug({.serial = "K2"});
-    const Object service = FindOne(kDriver);
+    const Object service = FindCamera();
     ASSERT_NE(service.Number(), dead.Number());
     Unplug(next);
   }
 }
 
-TEST_F(Termination, TheParentsGoToo) {
+TEST_F(TerminationOfACamera, TheParentsGoToo) {
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   const Object inquiry = ParentOf(service);
   Unplug(camera);
   EXPECT_EQ(IORegistryEntryCreateCFProperty(inquiry.Number(), CFSTR("Vendor Identification"), kCFAllocatorDefault, 0),
             nullptr);
 }
 
-TEST_F(Termination, AnotherCameraIsUntouched) {
+TEST_F(TerminationOfACamera, AnotherCameraIsUntouched) {
   const int first = Plug({.serial = "K1"});
   Plug({.serial = "K2", .peripheralType = 0});
-  const Object other = FindOne(kDiskDriver);
+  const Object other = FindOne(IOServiceMatching(kDiskDriver));
   io_connect_t connection = 0;
   ASSERT_EQ(IOServiceOpen(other.Number(), mach_task_self(), 0, &connection), kIOReturnSuccess);
   Unplug(first);
@@ -70,16 +71,16 @@ struct Scene {
     auto& scene = *static_cast<Scene*>(self);
     if (type != kIOMessageServiceIsTerminated) return;
     ++scene.calls;
-    scene.found = Find(IOServiceMatching(kDriver)).size();
+    scene.found = Find(MatchingCameras()).size();
     scene.callResult = IOConnectCallScalarMethod(scene.connection, kAccept, nullptr, 0, nullptr, nullptr);
     scene.closeResult = IOServiceClose(scene.connection);
   }
 };
 
-TEST_F(Termination, ConnectionsAndMatchesEndBeforeTheMessage) {
+TEST_F(TerminationOfACamera, ConnectionsAndMatchesEndBeforeTheMessage) {
   const Port port;
   const int camera = Plug();
-  const Object service = FindOne(kDriver);
+  const Object service = FindCamera();
   Scene scene;
   ASSERT_EQ(IOServiceOpen(service.Number(), mach_task_self(), 0, &scene.connection), kIOReturnSuccess);
   io_object_t number = 0;
@@ -99,7 +100,7 @@ TEST_F(Termination, ConnectionsAndMatchesEndBeforeTheMessage) {
 TEST_F(Termination, AServiceFromAnOldSearchCanBeReadButNotOpened) {
   const int camera = Plug({.serial = "K3"});
   io_iterator_t number = 0;
-  ASSERT_EQ(IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching(kDriver), &number), kIOReturnSuccess);
+  ASSERT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, MatchingCameras(), &number), kIOReturnSuccess);
   const Object iterator(number);
   Unplug(camera);
   const Object service = NextOf(iterator);

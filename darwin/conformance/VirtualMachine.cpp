@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "darwin/cf/Accounting.h"
-#include "darwin/conformance/Machine.h"
+#include "darwin/conformance/RegistryTest.h"
 #include "darwin/registry/Accounting.h"
 #include "darwin/virtual/VirtualRegistry.h"
 
@@ -95,8 +95,8 @@ class VirtualMachine final : public Machine {
 
  private:
   // This thread's run loop has a descriptor for as long as the thread lives.
-  const CFRunLoopRef loop_ = CFRunLoopGetCurrent();
-  const Holdings before_;
+  [[maybe_unused]] const CFRunLoopRef loop_ = CFRunLoopGetCurrent();
+  const Holdings before_{};
   darwin::VirtualRegistry registry_;
   std::map<int, darwin::EntryId> cameras_;
   int next_ = 1;
@@ -106,6 +106,15 @@ class VirtualMachine final : public Machine {
 
 std::unique_ptr<Machine> MakeMachine() {
   return std::make_unique<VirtualMachine>();
+}
+
+CFMutableDictionaryRef MatchingCameras() {
+  return IOServiceMatching(kDriver);
+}
+
+std::string SerialOf(io_service_t service) {
+  IOObjectRetain(service);
+  return TextProperty(ParentOf(ParentOf(Object(service))), "USB Serial Number");
 }
 
 }  // namespace conformance

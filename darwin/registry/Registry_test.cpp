@@ -18,6 +18,11 @@ TEST_F(RegistryEntries, AnEntryIsNoServiceBeforeItIsRegistered) {
   TheRegistry().Terminate(entry);
 }
 
+TEST(RegistryPorts, BothNamesOfTheDefaultPortAreZero) {
+  EXPECT_EQ(kIOMasterPortDefault, MACH_PORT_NULL);
+  EXPECT_EQ(kIOMainPortDefault, MACH_PORT_NULL);
+}
+
 TEST_F(RegistryEntries, AnEntryIsRegisteredOnce) {
   const EntryId entry = Publish({{"Camera"}, {}, {}});
   TheRegistry().RegisterService(entry);
