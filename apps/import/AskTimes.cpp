@@ -57,6 +57,20 @@ void AskTimes(Context& context, const boost::shared_ptr<Camera>& camera, const s
   context.reporter.Note("Read up to 64 KiB of each of " + std::to_string(done) + " new pictures for their dates.");
 }
 
+void LearnTime(PictureTimes* times, const SyncItem& item, std::span<const char> start) {
+  if (times != nullptr && item.Type() == kFirstFileType) times->Ask(item.Picture(), start);
+}
+
+void LearnTimeOfPart(PictureTimes* times, const SyncItem& item, kelva::FileReader& reader) {
+  if (times == nullptr || item.Type() != kFirstFileType) return;
+  std::vector<char> start(65'536);
+  try {
+    LearnTime(times, item, std::span(start).first(reader.Read(0, start)));
+  } catch (const CameraError&) {
+    // The file is whole, and keeps the time of its fetching.
+  }
+}
+
 PlanTimes TimesForNames(Context& context, const boost::shared_ptr<Camera>& camera, PictureTimes& times) {
   return {[&](const std::vector<const DcfObj*>& pictures) { AskTimes(context, camera, pictures, times); },
           [&](const DcfObj& picture) { return times.Of(picture); }};

@@ -3,6 +3,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "apps/commandline/Context.h"
@@ -10,6 +11,7 @@
 #include "apps/import/Plan.h"
 #include "src/wifi/Camera.h"
 #include "src/wifi/DcfObj.h"
+#include "src/wifi/FileReader.h"
 
 namespace apps {
 
@@ -23,6 +25,11 @@ std::size_t AskTime(Context& context, const boost::shared_ptr<Camera>& camera, c
 /// too.
 void AskTimes(Context& context, const boost::shared_ptr<Camera>& camera, const std::vector<const DcfObj*>& pictures,
               PictureTimes& times);
+
+/// The start of a picture's JPEG file says when it was taken, for all its files. Other files, and null `times`: nothing.
+void LearnTime(PictureTimes* times, const SyncItem& item, std::span<const char> start);
+/// The same for a file of which only the end came in this run: reads its start.
+void LearnTimeOfPart(PictureTimes* times, const SyncItem& item, kelva::FileReader& reader);
 
 /// What MakePlan needs to name files by these times. All outlive it and its plan.
 PlanTimes TimesForNames(Context& context, const boost::shared_ptr<Camera>& camera, PictureTimes& times);

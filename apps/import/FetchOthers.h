@@ -15,8 +15,8 @@
 #include "apps/import/Folders.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Others.h"
-#include "apps/import/Sync.h"
 #include "apps/import/SyncTally.h"
+#include "apps/import/SyncWork.h"
 #include "src/wifi/Camera.h"
 #include "src/wifi/FileReader.h"
 

@@ -1,0 +1,43 @@
+// Opens files of a plan on their camera, and holds their sizes against what is known of them.
+#include "apps/import/CameraFiles.h"
+
+#include <optional>
+#include <string>
+
+#include "apps/camera/ReadLimit.h"
+#include "src/wifi/CameraError.h"
+
+namespace apps {
+
+// Looks into the folder first, since a listing would end the selection.
+kelva::FileReader CameraFiles::Open(const SyncItem& item) {
+  const std::optional<unsigned long long> listed = listed_.SizeOf(item.CameraPath());
+  kelva::FileReader reader(camera_, item.Picture(), item.Type());
+  if (listed != reader.Size()) {
+    CheckSize(item, reader.Size());
+    reader.Select();
+  }
+  return reader;
+}
+
+// A SHA-1 says more than a size.
+void CameraFiles::CheckSize(const SyncItem& item, unsigned long long announced) {
+  constexpr unsigned long long kMostBeyond = 262'144;
+  const bool hasKey = announced != 0 && !item.ExpectedSha1().empty();
+  const std::optional<bool> agrees = listed_.Agrees(item.CameraPath(), announced);
+  if (!agrees && announced == 0) throw CameraError("the catalogue names it, but it is not in its folder");
+  if (!agrees && announced > kMostUnlisted) {
+    throw CameraError("no folder lists it, so " + std::to_string(kMostUnlisted >> 20) +
+                      " MiB are read at most, and the camera announces " + std::to_string(announced) + " bytes");
+  }
+  if (agrees.value_or(true) || (hasKey && announced <= listed_.Listed() + kMostBeyond)) return;
+  throw CameraError("the folder gives it " + std::to_string(listed_.Listed()) + " bytes, and the camera announces " +
+                    std::to_string(announced));
+}
+
+void CameraFiles::CheckUnlikeKey(const SyncItem& item, unsigned long long size) {
+  if (listed_.Agrees(item.CameraPath(), size).value_or(true)) return;
+  throw CameraError("its key in the catalogue is not its SHA-1, and its folder gives it another size");
+}
+
+}  // namespace apps

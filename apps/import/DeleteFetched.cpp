@@ -1,0 +1,59 @@
+// Deletes the fetched files of a plan on the camera.
+#include "apps/import/DeleteFetched.h"
+
+#include <string>
+#include <vector>
+
+#include "apps/camera/RemoteFile.h"
+#include "apps/camera/Turns.h"
+#include "apps/commandline/Failure.h"
+#include "apps/import/Deletions.h"
+#include "src/wifi/CameraError.h"
+
+namespace apps {
+namespace {
+
+std::vector<const SyncItem*> Fetched(const SyncPlan& plan, Manifest& manifest) {
+  std::vector<const SyncItem*> items;
+  for (const SyncItem& item : plan.items) {
+    if (!item.IsDeleted() && manifest.Find(item.Key())) items.push_back(&item);
+  }
+  return items;
+}
+
+// Read once more, so that what is deleted is still what was stored.
+std::string HashOnCamera(SyncWork& work, const SyncItem& item) {
+  const InItem inItem = work.report.Begin(item);
+  kelva::FileReader reader = work.files.Open(item);
+  HoldForLong(work.context);
+  return Sha1OfRemote(reader, [&work](std::size_t count) { work.Came(count); });
+}
+
+}  // namespace
+
+std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const TargetFolder& folder,
+                                     Manifest& manifest) {
+  Deletions deletions(*work.files.Pointer(), folder, manifest,
+                      [&work](const SyncItem& item) { return HashOnCamera(work, item); });
+  // All files of a picture go in one turn.
+  const DcfObj* picture = nullptr;
+  const auto letOthers = [&](const SyncItem& item) {
+    if (picture != &item.Picture() && LetOthers(work.context)) deletions.Renew();
+    picture = &item.Picture();
+  };
+  try {
+    work.ForEach(Fetched(plan, manifest), {"deleting", "delete", letOthers}, [&](const SyncItem& item) {
+      work.context.reporter.HearCamera();
+      const std::string why = deletions.Delete(item);
+      why.empty() ? work.report.Deleted(item) : work.report.Fail(item, why);
+    });
+    deletions.Finish();
+  } catch (const CameraError& error) {
+    return Explain(error, work.context);
+  } catch (const Failure& failure) {
+    return Outcome{failure.Code(), failure.what()};
+  }
+  return std::nullopt;
+}
+
+}  // namespace apps

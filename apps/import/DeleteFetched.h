@@ -1,0 +1,21 @@
+#ifndef KELVA_APPS_IMPORT_DELETE_FETCHED_H_
+#define KELVA_APPS_IMPORT_DELETE_FETCHED_H_
+
+#include <optional>
+
+#include "apps/camera/Explain.h"
+#include "apps/files/TargetFolder.h"
+#include "apps/import/Manifest.h"
+#include "apps/import/Plan.h"
+#include "apps/import/SyncWork.h"
+
+namespace apps {
+
+/// Deletes on the camera what is on disk here, stored by this run or by an earlier one (Deletions). A file that must stay is
+/// reported, and the rest goes on. Returns what ended it early; throws Stopped.
+std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const TargetFolder& folder,
+                                     Manifest& manifest);
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_IMPORT_DELETE_FETCHED_H_

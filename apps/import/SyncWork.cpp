@@ -1,0 +1,64 @@
+// Goes over the files of a sync, one after the other.
+#include "apps/import/SyncWork.h"
+
+#include <new>
+#include <string>
+#include <utility>
+
+#include "apps/camera/CameraPath.h"
+#include "apps/camera/Explain.h"
+#include "apps/camera/Turns.h"
+#include "src/wifi/CameraError.h"
+
+namespace apps {
+
+void SyncWork::ForEach(const std::vector<const SyncItem*>& items, const Pass& pass, const Each& work) {
+  if (items.empty()) return;
+  progress_.Phase(pass.phase);
+  bytes_ = 0;
+  std::size_t done = 0;
+  for (const SyncItem* const item : items) {
+    context.stop.Check();
+    if (pass.before) {
+      pass.before(*item);
+    } else {
+      LetOthers(context);
+    }
+    Show(done++, items.size(), *item);
+    if (report.LeaveOut(*item)) continue;
+    context.Doing(std::string(pass.verb) + " " + ShownPath(item->CameraPath()));
+    Try(*item, [&] { work(*item); });
+  }
+}
+
+void SyncWork::Try(const SyncItem& item, const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const CameraError& error) {
+    const Outcome outcome = Explain(error, context);
+    if (EndsAll(outcome.code)) throw;
+    report.Fail(item, outcome.sentence);
+  } catch (const std::bad_alloc& error) {
+    report.Fail(item, Explain(error, context).sentence);
+  }
+}
+
+void SyncWork::Submit(Writers& writers, WriteJob job) const {
+  context.reporter.AwaitCamera(false);
+  writers.Submit(std::move(job));
+  context.reporter.AwaitCamera(true);
+}
+
+void SyncWork::Came(std::size_t bytes) {
+  bytes_ += bytes;
+  progress_.At(bytes_);
+}
+
+void SyncWork::Show(std::size_t done, std::size_t count, const SyncItem& item) {
+  if (!progress_.IsDue()) return;
+  progress_.Name(item.LocalText());
+  progress_.Files(done, count);
+  progress_.At(bytes_);
+}
+
+}  // namespace apps
