@@ -39,7 +39,7 @@ inline bool SendAll(int socket, std::span<const std::uint8_t> head, std::span<co
     std::array<iovec, 2> parts{part(head), part(body)};
     msghdr message{};
     message.msg_iov = parts.data();
-    message.msg_iovlen = parts.size();
+    message.msg_iovlen = 2;
     const ssize_t count = platform::SendMessage(socket, message, 0);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return false;

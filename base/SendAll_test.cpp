@@ -20,7 +20,7 @@ class SendAllTest : public ::testing::Test {
  protected:
   SendAllTest() {
     std::array<int, 2> ends{};
-    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    EXPECT_EQ(platform::SocketPair(ends), 0);
     near_ = FileDescriptor(ends[0]);
     far_ = FileDescriptor(ends[1]);
   }
@@ -51,7 +51,7 @@ TEST_F(SendAllTest, TellsThatThePeerHasGone) {
 
 TEST(WriteAllTest, WritesMoreThanAPipeHoldsAtOnce) {
   std::array<int, 2> ends{};
-  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+  ASSERT_EQ(platform::Pipe(ends), 0);
   const FileDescriptor out(ends[0]);
   FileDescriptor in(ends[1]);
   std::string received;

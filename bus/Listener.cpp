@@ -11,13 +11,18 @@
 #include <optional>
 #include <stdexcept>
 
+#include "platform/Sockets.h"
+
 namespace bus {
 namespace {
+
+// A path ends with a NUL.
+constexpr std::size_t kLongestPath = sizeof sockaddr_un::sun_path - 1;
 
 std::optional<sockaddr_un> AddressOf(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  if (path.empty() || path.size() >= sizeof address.sun_path || path.find('\0') != std::string::npos) {
+  if (path.empty() || path.size() > kLongestPath || path.find('\0') != std::string::npos) {
     return std::nullopt;
   }
   std::memcpy(address.sun_path, path.data(), path.size());
@@ -28,13 +33,9 @@ const sockaddr* Generic(const sockaddr_un& address) {
   return reinterpret_cast<const sockaddr*>(&address);
 }
 
-base::FileDescriptor NewSocket(int flags) {
-  return base::FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
-}
-
 /// Keeps errno.
 base::FileDescriptor TryConnect(const sockaddr_un& address) {
-  base::FileDescriptor socket = NewSocket(0);
+  base::FileDescriptor socket(platform::LocalSocket());
   if (!socket || ::connect(socket.Get(), Generic(address), sizeof address) != 0) {
     const int error = errno;
     socket.Reset();
@@ -60,11 +61,15 @@ void RemoveStale(const std::string& path) {
 
 Listener::Listener(const std::string& path) : path_(path) {
   const auto address = AddressOf(path);
-  if (!address) throw CannotServe(path, "a socket's path has 1 to 107 bytes; choose a shorter one.");
+  if (!address) {
+    throw CannotServe(path,
+                      "a socket's path has 1 to " + std::to_string(kLongestPath) + " bytes; choose a shorter one.");
+  }
   RemoveStale(path);
-  socket_ = NewSocket(SOCK_NONBLOCK);
+  socket_ = base::FileDescriptor(platform::LocalSocket());
   const mode_t mask = ::umask(0077);
-  const bool bound = socket_ && ::bind(socket_.Get(), Generic(*address), sizeof *address) == 0;
+  const bool bound = socket_ && platform::SetNonBlocking(socket_.Get()) == 0 &&
+                     ::bind(socket_.Get(), Generic(*address), sizeof *address) == 0;
   const int error = errno;
   ::umask(mask);
   if (!bound) throw CannotServe(path, std::string(std::strerror(error)) + "; choose a path in a folder of yours.");
@@ -80,7 +85,7 @@ Listener::~Listener() {
 }
 
 base::FileDescriptor Listener::Accept() const {
-  return base::FileDescriptor(::accept4(socket_.Get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+  return base::FileDescriptor(platform::Accept(socket_.Get()));
 }
 
 base::FileDescriptor ConnectTo(const std::string& path) {
@@ -101,12 +106,6 @@ base::FileDescriptor ConnectTo(const std::string& path, const std::function<void
     socket = TryConnect(*address);
   }
   return socket;
-}
-
-pid_t PeerProcess(int socket) {
-  ucred credentials{};
-  socklen_t length = sizeof credentials;
-  return ::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &length) == 0 ? credentials.pid : 0;
 }
 
 }  // namespace bus

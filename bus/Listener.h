@@ -36,9 +36,6 @@ base::FileDescriptor ConnectTo(const std::string& path);
 /// As ConnectTo, with `wait` in place of each of its 19 waits of 10 ms.
 base::FileDescriptor ConnectTo(const std::string& path, const std::function<void()>& wait);
 
-/// The process at the other end.
-pid_t PeerProcess(int socket);
-
 }  // namespace bus
 
 #endif  // KELVA_BUS_LISTENER_H_

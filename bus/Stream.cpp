@@ -7,6 +7,8 @@
 #include <array>
 #include <cerrno>
 
+#include "platform/Sockets.h"
+
 namespace bus {
 namespace {
 
@@ -46,7 +48,7 @@ bool Stream::ReadSome() {
 
 bool Stream::WriteSome() {
   while (Waiting() > 0) {
-    const ssize_t count = ::send(socket_.Get(), out_.data() + sent_, Waiting(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    const ssize_t count = platform::Send(socket_.Get(), out_.data() + sent_, Waiting(), MSG_DONTWAIT);
     if (count < 0) return WouldBlock() && Waiting() <= kMaxQueued;
     sent_ += static_cast<std::size_t>(count);
   }

@@ -2,7 +2,10 @@
 
 #include <gmock/gmock.h>
 #include <poll.h>
-#include <sys/socket.h>
+
+#include <array>
+
+#include "platform/Sockets.h"
 
 namespace bus {
 namespace {
@@ -10,8 +13,8 @@ namespace {
 class StreamTest : public testing::Test {
  protected:
   StreamTest() {
-    int ends[2] = {-1, -1};
-    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+    std::array<int, 2> ends{-1, -1};
+    EXPECT_EQ(platform::SocketPair(ends), 0);
     stream_.emplace(base::FileDescriptor(ends[0]));
     far_ = base::FileDescriptor(ends[1]);
   }

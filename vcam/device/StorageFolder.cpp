@@ -1,11 +1,9 @@
-// A folder on this machine. openat2 resolves every path, so that no path and no link leads out of the folder.
+// A folder on this machine. No path and no link leads out of it.
 #include "vcam/device/StorageFolder.h"
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <linux/openat2.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,20 +12,22 @@
 #include <stdexcept>
 
 #include "base/SendAll.h"
+#include "platform/Files.h"
 #include "vcam/device/CameraPath.h"
 
 namespace vcam {
 namespace {
 
 constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+constexpr mode_t kModeOfFiles = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
 
 std::int64_t Nanoseconds(const timespec& time) {
   return time.tv_sec * kNanosecondsPerSecond + time.tv_nsec;
 }
 
 FileStamp StampOf(const struct stat& status) {
-  return {static_cast<std::uint64_t>(status.st_size), Nanoseconds(status.st_mtim), Nanoseconds(status.st_ctim),
-          status.st_ino};
+  return {static_cast<std::uint64_t>(status.st_size), Nanoseconds(platform::ContentChanged(status)),
+          Nanoseconds(platform::StatusChanged(status)), status.st_ino};
 }
 
 std::string NameOf(const std::string& path) {
@@ -68,13 +68,9 @@ StorageFolder::StorageFolder(const std::filesystem::path& folder)
   }
 }
 
-base::FileDescriptor StorageFolder::OpenBeneath(const std::string& path, std::uint64_t flags) const {
-  open_how how{};
-  how.flags = flags | O_CLOEXEC | O_NONBLOCK;
-  how.mode = (flags & O_CREAT) != 0 ? 0644 : 0;
-  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
-  const char* name = path.empty() ? "." : path.c_str();
-  return base::FileDescriptor(static_cast<int>(::syscall(SYS_openat2, root_.Get(), name, &how, sizeof how)));
+base::FileDescriptor StorageFolder::OpenBeneath(const std::string& path, int flags) const {
+  return base::FileDescriptor(
+      platform::OpenBeneath(root_.Get(), path.empty() ? "." : path, flags | O_NONBLOCK, kModeOfFiles));
 }
 
 base::FileDescriptor StorageFolder::OpenParent(const std::string& path) const {

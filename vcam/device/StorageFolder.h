@@ -58,7 +58,7 @@ class StorageFolder {
   int Replace(const std::string& path, std::string_view content, unsigned mode) const;
 
  private:
-  base::FileDescriptor OpenBeneath(const std::string& path, std::uint64_t flags) const;
+  base::FileDescriptor OpenBeneath(const std::string& path, int flags) const;
   base::FileDescriptor OpenParent(const std::string& path) const;
 
   base::FileDescriptor root_;

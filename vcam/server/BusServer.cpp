@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+#include "platform/Sockets.h"
+
 namespace vcam::server {
 namespace {
 
@@ -34,7 +36,7 @@ void BusServer::Run(int stopDescriptor) {
   std::vector<pollfd> waits;
   for (;;) {
     Prepare(stopDescriptor, waits);
-    if (::poll(waits.data(), waits.size(), pause_.TimeoutMs(TimeoutMs())) < 0) {
+    if (::poll(waits.data(), static_cast<nfds_t>(waits.size()), pause_.TimeoutMs(TimeoutMs())) < 0) {
       if (errno == EINTR) continue;
       throw std::runtime_error(std::string("Cannot wait for requests: ") + std::strerror(errno) + ".");
     }
@@ -100,7 +102,7 @@ void BusServer::Drop(PeerId peer) {
 void BusServer::AcceptAll() {
   while (base::FileDescriptor socket = listener_.Accept()) {
     const PeerId peer = nextPeer_++;
-    bus_.AddPeer(peer, bus::PeerProcess(socket.Get()));
+    bus_.AddPeer(peer, platform::PeerProcess(socket.Get()));
     streams_.emplace(peer, bus::Stream(std::move(socket)));
   }
   pause_.NoteFailure(errno);

@@ -11,6 +11,7 @@
 #include "base/testing/NoFreeDescriptor.h"
 #include "base/testing/RandomSeed.h"
 #include "bus/BusConnection.h"
+#include "platform/Sockets.h"
 #include "vcam/server/testing/TestServer.h"
 
 namespace vcam::server {
@@ -31,7 +32,7 @@ class BusServerTest : public testing::Test {
   void SendAndExpectHangUp(const base::Bytes& bytes) {
     const base::FileDescriptor socket = bus::ConnectTo(server_.Path());
     ASSERT_TRUE(socket);
-    ::send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    platform::Send(socket.Get(), bytes.data(), bytes.size(), 0);
     char byte = 0;
     while (::recv(socket.Get(), &byte, 1, 0) > 0) {
     }
@@ -83,7 +84,7 @@ TEST_F(BusServerTest, SurvivesSeededNonsense) {
     }
     const base::FileDescriptor socket = bus::ConnectTo(server_.Path());
     ASSERT_TRUE(socket);
-    ::send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    platform::Send(socket.Get(), bytes.data(), bytes.size(), 0);
   }
   EXPECT_EQ(CountCameras(), 0U);
 }
