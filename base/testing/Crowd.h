@@ -20,6 +20,9 @@ class Crowd {
       : together_(static_cast<std::ptrdiff_t>(members.size())), busy_(static_cast<int>(members.size())) {
     for (const Work& work : members) threads_.emplace_back([this, rounds, work] { Do(rounds, work); });
   }
+  ~Crowd() {
+    for (std::thread& thread : threads_) thread.join();
+  }
   Crowd(const Crowd&) = delete;
   Crowd& operator=(const Crowd&) = delete;
 
@@ -35,7 +38,7 @@ class Crowd {
 
   std::latch together_;
   std::atomic<int> busy_;
-  std::vector<std::jthread> threads_;  // joined first
+  std::vector<std::thread> threads_;
 };
 
 }  // namespace base

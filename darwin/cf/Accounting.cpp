@@ -14,8 +14,8 @@ std::size_t LiveCoreFoundationObjects() {
 }
 
 std::size_t OpenDescriptors() {
-  const std::filesystem::directory_iterator all("/proc/self/fd");
-  // Minus the descriptor of /proc/self/fd itself.
+  const std::filesystem::directory_iterator all("/dev/fd");
+  // Minus the descriptor with which the folder itself is read.
   return static_cast<std::size_t>(std::distance(begin(all), end(all))) - 1;
 }
 

@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <sys/eventfd.h>
 
 #include <memory>
 #include <stdexcept>
 #include <thread>
 
-#include "base/FileDescriptor.h"
+#include "base/WakeUp.h"
 #include "darwin/cf/RunLoopSource.h"
 
 namespace darwin {
@@ -22,9 +21,7 @@ bool IsReadable(int descriptor, int timeoutMs = 0) {
 /// A descriptor that the test makes readable, and its source in this thread's loop.
 class Bell {
  public:
-  Bell()
-      : descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-        source_(cf::MakeDescriptorSource(descriptor_.Get(), [this] { Answer(); })) {
+  Bell() : source_(cf::MakeDescriptorSource(wakeUp_.Descriptor(), [this] { Answer(); })) {
     CFRunLoopAddSource(CFRunLoopGetCurrent(), source_, kCFRunLoopDefaultMode);
   }
   ~Bell() {
@@ -34,19 +31,18 @@ class Bell {
   Bell(const Bell&) = delete;
   Bell& operator=(const Bell&) = delete;
 
-  void Ring() { ::eventfd_write(descriptor_.Get(), 1); }
+  void Ring() { wakeUp_.Signal(); }
   int Answered() const { return answered_; }
   bool throws = false;
 
  private:
   void Answer() {
-    eventfd_t count = 0;
-    ::eventfd_read(descriptor_.Get(), &count);
+    wakeUp_.Clear();
     ++answered_;
     if (throws) throw std::runtime_error("thrown by a source");
   }
 
-  base::FileDescriptor descriptor_;
+  base::WakeUp wakeUp_;
   const CFRunLoopSourceRef source_;
   int answered_ = 0;
 };

@@ -14,7 +14,6 @@
 #include <thread>
 
 #include "base/FirstException.h"
-#include "darwin/cf/EventLoop.h"
 #include "darwin/cf/String.h"
 
 namespace darwin::cf {
@@ -183,12 +182,12 @@ void RunLoop::Stop() {
   wakeUp_.Signal();
 }
 
-int RunLoop::Watch() {
+int RunLoop::Watch(std::unique_ptr<LoopWatch> (*make)()) {
   if (watch_ == nullptr) {
-    watch_ = std::make_unique<WatchDescriptor>();
+    watch_ = make();
     UpdateWatch();
   }
-  return watch_->Get();
+  return watch_->Descriptor();
 }
 
 std::vector<SourceRef> RunLoop::SourcesOf(const std::string& mode) {
@@ -204,7 +203,7 @@ void RunLoop::Wait(const std::vector<SourceRef>& sources, int timeoutMs) {
   std::vector<pollfd> entries{{wakeUp_.Descriptor(), POLLIN, 0}};
   for (const int descriptor : DescriptorsOf(sources)) entries.push_back({descriptor, POLLIN, 0});
   // An interrupted wait is a short one: the caller looks again.
-  if (::poll(entries.data(), entries.size(), timeoutMs) >= 0 || errno == EINTR) return;
+  if (::poll(entries.data(), static_cast<nfds_t>(entries.size()), timeoutMs) >= 0 || errno == EINTR) return;
   // The system has no memory for the wait, or allows this process fewer descriptors: look at the sources now and then.
   std::this_thread::sleep_for(std::chrono::milliseconds(Sooner(timeoutMs, kLookMs)));
 }
@@ -218,18 +217,6 @@ void RunLoop::UpdateWatch() {
 }
 
 }  // namespace darwin::cf
-
-namespace darwin {
-
-int EventDescriptor() {
-  return cf::RunLoop::Current().Watch();
-}
-
-void DispatchEvents() {
-  cf::RunLoop::Current().Run(cf::kDefaultMode, 0, false);
-}
-
-}  // namespace darwin
 
 using namespace darwin::cf;
 

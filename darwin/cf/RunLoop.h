@@ -7,10 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "base/WakeUp.h"
 #include "darwin/cf/Object.h"
 #include "darwin/cf/RunLoopSource.h"
-#include "darwin/cf/WakeUp.h"
-#include "darwin/cf/WatchDescriptor.h"
 
 namespace darwin::cf {
 
@@ -32,6 +31,16 @@ class SourceRef {
 
  private:
   RunLoopSource* source_;
+};
+
+/// One descriptor that stands for all that a run loop waits for.
+class LoopWatch {
+ public:
+  virtual ~LoopWatch() = default;
+  /// Readable when one of the loop's descriptors is readable, or its deadline has come.
+  virtual int Descriptor() const = 0;
+  /// Replaces the loop's descriptors and its deadline; timeoutMs -1 means no deadline.
+  virtual void Update(const std::vector<int>& descriptors, int timeoutMs) = 0;
 };
 
 /// One thread's run loop over poll(2). Runs only inside CFRunLoopRun*(); sleeps until a source is ready or a deadline
@@ -59,8 +68,8 @@ class RunLoop final : public Object {
   /// Makes a sleeping run look at its sources again. Kept for the next run when none is in progress.
   void WakeUpNow() { wakeUp_.Signal(); }
 
-  /// A descriptor that is readable when a source of the default mode has something to do.
-  int Watch();
+  /// The descriptor of a watch that the loop keeps up to date with its default mode. `make` is called once.
+  int Watch(std::unique_ptr<LoopWatch> (*make)());
 
  private:
   struct InProgress;
@@ -79,8 +88,8 @@ class RunLoop final : public Object {
   std::mutex mutex_;  // guards members_ and running_
   std::vector<Member> members_;
   InProgress* running_ = nullptr;
-  WakeUp wakeUp_;
-  std::unique_ptr<WatchDescriptor> watch_;
+  base::WakeUp wakeUp_;
+  std::unique_ptr<LoopWatch> watch_;
 };
 
 }  // namespace darwin::cf

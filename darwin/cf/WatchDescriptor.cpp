@@ -1,4 +1,4 @@
-// One descriptor for all sources of a run loop, for programs with an event loop of their own.
+// All that a run loop waits for as one descriptor of Linux.
 
 #include "darwin/cf/WatchDescriptor.h"
 

@@ -4,19 +4,18 @@
 #include <vector>
 
 #include "base/FileDescriptor.h"
+#include "darwin/cf/RunLoop.h"
 
 namespace darwin::cf {
 
-/// One descriptor for several others and a deadline: readable when one of the others is readable or the deadline has
-/// come.
-class WatchDescriptor {
+/// Linux has a descriptor for several others and a deadline.
+class WatchDescriptor final : public LoopWatch {
  public:
   /// Throws std::system_error when the system has no descriptor left.
   WatchDescriptor();
 
-  int Get() const { return epoll_.Get(); }
-  /// Replaces the descriptors and the deadline; timeoutMs -1 means no deadline.
-  void Update(const std::vector<int>& descriptors, int timeoutMs);
+  int Descriptor() const override { return epoll_.Get(); }
+  void Update(const std::vector<int>& descriptors, int timeoutMs) override;
 
  private:
   void Change(int operation, int descriptor);

@@ -7,8 +7,8 @@
 #include <deque>
 #include <memory>
 
+#include "base/WakeUp.h"
 #include "darwin/cf/RunLoopSource.h"
-#include "darwin/cf/WakeUp.h"
 
 namespace darwin {
 
@@ -34,7 +34,7 @@ class MessageQueue {
 
  private:
   std::deque<std::unique_ptr<Message>> messages_;
-  WakeUp wakeUp_;
+  base::WakeUp wakeUp_;
 };
 
 }  // namespace darwin

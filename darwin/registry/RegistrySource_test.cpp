@@ -1,13 +1,14 @@
 // When a source is asked, and what becomes of its failures.
 
 #include <poll.h>
-#include <sys/eventfd.h>
+#include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <stdexcept>
 #include <thread>
 
-#include "base/FileDescriptor.h"
+#include "base/WakeUp.h"
 #include "darwin/cf/EventLoop.h"
 #include "darwin/registry/testing/RegistryFixture.h"
 
@@ -16,7 +17,7 @@ namespace {
 
 /// What the source under test does and what it was asked; it outlives the source.
 struct Script {
-  base::FileDescriptor readable{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  base::WakeUp news;
   std::atomic<int> starts{0};
   std::atomic<int> dispatches{0};
   std::atomic<int> stopAt{-1};  ///< the dispatch that stops the run loop
@@ -26,7 +27,7 @@ struct Script {
   std::atomic<bool> dispatchFails{false};
   std::atomic<EntryId> camera{0};
 
-  void Tell() { ::eventfd_write(readable.Get(), 1); }
+  void Tell() { news.Signal(); }
 };
 
 class ScriptedSource final : public RegistrySource {
@@ -40,7 +41,7 @@ class ScriptedSource final : public RegistrySource {
 
   int Descriptor() const override {
     ++script_.asked;
-    return script_.readable.Get();
+    return script_.news.Descriptor();
   }
   int TimeoutMs() const override { return script_.timeoutMs; }
   std::string WhyDeaf() const override { return "Nobody tells."; }
@@ -49,8 +50,8 @@ class ScriptedSource final : public RegistrySource {
   void Dispatch(Registry& registry) override {
     if (++script_.dispatches == script_.stopAt) CFRunLoopStop(CFRunLoopGetCurrent());
     if (script_.dispatchFails) throw std::runtime_error("The bus was lost.");
-    eventfd_t count = 0;
-    if (::eventfd_read(script_.readable.Get(), &count) != 0) return;
+    std::array<char, 64> told;
+    if (::read(script_.news.Descriptor(), told.data(), told.size()) <= 0) return;
     script_.camera = registry.Add(registry.Root(), {{"Camera"}, {}, {}});
     registry.RegisterService(script_.camera);
   }

@@ -201,13 +201,14 @@ TEST_F(Threads, OpenACameraThatGoesWhileItsDriverIsAsked) {
                                     return std::make_unique<QuietClient>();
                                   }});
   const io_service_t service = First("Camera");
-  const std::jthread unplug([&] {
+  std::thread unplug([&] {
     Meeting::Await(meeting.first);
     TheRegistry().Terminate(camera);
     Meeting::Tell(meeting.second);
   });
   io_connect_t connection = 0;
   EXPECT_EQ(IOServiceOpen(service, mach_task_self(), 0, &connection), kIOReturnNoDevice);
+  unplug.join();
   IOObjectRelease(service);
 }
 
@@ -227,13 +228,14 @@ class Hearing {
     Meeting::Await(meeting.second);
   }
   void UntilHeard(io_object_t object) {
-    const std::jthread hold([&] {
+    std::thread hold([&] {
       Meeting::Await(meeting.first);
       IOObjectRetain(object);
       IOObjectRelease(object);
       Meeting::Tell(meeting.second);
     });
     while (!meeting.first) CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+    hold.join();
   }
 
   const IONotificationPortRef port = IONotificationPortCreate(kIOMainPortDefault);

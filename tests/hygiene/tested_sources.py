@@ -13,7 +13,6 @@ ELSEWHERE = {
         darwin/cf/RunLoopSource.cpp darwin/cf/String.cpp darwin/registry/Accounting.cpp darwin/registry/Entry.cpp
         darwin/registry/IoKitConnections.cpp darwin/registry/IoKitObjects.cpp darwin/registry/IoKitServices.cpp
         darwin/registry/Notification.cpp darwin/registry/NoDefaultSource.cpp darwin/virtual/VirtualRegistry.cpp""",
-    "darwin/cf/RunLoop_test.cpp": "darwin/cf/WakeUp.cpp",
     "darwin/cf/EventLoop_test.cpp": "darwin/cf/WatchDescriptor.cpp",
     # They talk to udev and to the kernel, which a mock machine answers there.
     "tests/umockdev": """
@@ -32,7 +31,7 @@ ELSEWHERE = {
     "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.
     "tests/vcam": """
-        vcam/program/EndSignals.cpp vcam/program/FaultVerb.cpp vcam/program/PlugVerbs.cpp vcam/program/ServeVerb.cpp
+        vcam/program/FaultVerb.cpp vcam/program/NoUsbipVerb.cpp vcam/program/PlugVerbs.cpp vcam/program/ServeVerb.cpp
         vcam/program/StatusVerb.cpp vcam/program/UsbipVerb.cpp vcam/program/Vcam.cpp""",
 }
 

@@ -1,8 +1,6 @@
-#include <sys/eventfd.h>
-#include <unistd.h>
-
 #include <thread>
 
+#include "base/WakeUp.h"
 #include "bus/BusClient.h"
 #include "bus/BusConnection.h"
 #include "darwin/registry/Registry.h"
@@ -20,8 +18,7 @@ class BusDoor : public Door {
   BusDoor()
       : path_((scratch_.Path() / "bus").string()),
         server_(path_),
-        stop_(::eventfd(0, EFD_CLOEXEC)),
-        thread_([this] { server_.Run(stop_.Get()); }),
+        thread_([this] { server_.Run(stop_.Descriptor()); }),
         connection_(path_) {
     // First used here, libcrypto cleans up after this object, whose camera threads still hold state of it.
     vcam::Sha256Hex("");
@@ -29,8 +26,8 @@ class BusDoor : public Door {
   }
 
   ~BusDoor() override {
-    const std::uint64_t one = 1;
-    if (::write(stop_.Get(), &one, sizeof one) == sizeof one) thread_.join();
+    stop_.Signal();
+    thread_.join();
   }
 
   void Plug(const vcam::Options& options) override {
@@ -61,7 +58,7 @@ class BusDoor : public Door {
   vcam::test::ScratchStorage scratch_;
   std::string path_;
   vcam::server::BusServer server_;
-  base::FileDescriptor stop_;
+  base::WakeUp stop_;
   std::thread thread_;
   bus::BusConnection connection_;
 };

@@ -1,26 +1,29 @@
-// SIGTERM and SIGINT as a descriptor, so that a loop can end in order.
+// SIGTERM and SIGINT as a descriptor, so that a loop can end in order. A thread of their own takes the signals: a handler
+// would interrupt calls of the other threads.
 #include "vcam/program/EndSignals.h"
-
-#include <signal.h>
-#include <sys/signalfd.h>
-
-#include <cerrno>
-#include <cstring>
-#include <stdexcept>
-#include <string>
 
 namespace vcam::program {
 
-base::FileDescriptor EndSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGTERM);
-  sigaddset(&signals, SIGINT);
-  ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+EndSignals::EndSignals() {
+  sigemptyset(&signals_);
+  sigaddset(&signals_, SIGTERM);
+  sigaddset(&signals_, SIGINT);
+  ::pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
   ::signal(SIGPIPE, SIG_IGN);
-  base::FileDescriptor descriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
-  if (!descriptor) throw std::runtime_error(std::string("Cannot watch for signals: ") + std::strerror(errno) + ".");
-  return descriptor;
+  thread_ = std::thread([this] { Wait(); });
+}
+
+EndSignals::~EndSignals() {
+  over_ = true;
+  ::pthread_kill(thread_.native_handle(), SIGTERM);
+  thread_.join();
+}
+
+void EndSignals::Wait() {
+  while (!over_) {
+    int signal = 0;
+    if (::sigwait(&signals_, &signal) == 0 && !over_) asked_.Signal();
+  }
 }
 
 }  // namespace vcam::program

@@ -8,11 +8,11 @@ namespace {
 
 apps::ExitCode Serve(apps::Context& context) {
   const std::string path = *context.call.Value("virtual");
-  const base::FileDescriptor stop = EndSignals();
+  const EndSignals signals;
   server::BusServer busServer(path);
   apps::Json members = apps::Json::Object();
   context.Event("serving", std::move(members.SetBytes("path", path)), "Serving virtual cameras at " + path + ".\n");
-  busServer.Run(stop.Get());
+  busServer.Run(signals.Descriptor());
   context.Result(apps::Json::Object(), "");
   return apps::ExitCode::kDone;
 }

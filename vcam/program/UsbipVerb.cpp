@@ -95,14 +95,14 @@ void PlugIn(const usbip::CameraModel& model, apps::Context& context, int stop) {
 
 apps::ExitCode Usbip(apps::Context& context) {
   const apps::Invocation& call = context.call;
-  const base::FileDescriptor stop = EndSignals();
+  const EndSignals signals;
   const usbip::Speed speed = SpeedOf(call);
   VirtualCamera camera(OptionsOf(call));
   usbip::CableFaults cable;
   for (const std::string& fault : call.Values("fault")) usbip::ArmByText(fault, camera, cable);
   if (const std::string note = StorageNote(*call.Value("storage")); !note.empty()) context.reporter.Note(note);
   const auto model = usbip::ModelOf(camera, cable, speed);
-  call.Has("attach") ? PlugIn(model, context, stop.Get()) : Offer(model, context, stop.Get());
+  call.Has("attach") ? PlugIn(model, context, signals.Descriptor()) : Offer(model, context, signals.Descriptor());
   context.Result(About(model), "");
   return apps::ExitCode::kDone;
 }

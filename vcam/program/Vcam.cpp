@@ -24,7 +24,7 @@ constexpr apps::ExitCodeRow kCodes[] = {
 constexpr std::string_view kDescription =
     R"(kelva-vcam is a Kelva camera without hardware. A folder of yours is its drive; it answers every command, keeps its state and goes wrong on request.
 
-Serve a bus, plug cameras into it, and give the bus's path to other programs (kelva --virtual PATH). Or let usbip offer one camera as a USB device that this machine's kernel attaches.
+Serve a bus, plug cameras into it, and give the bus's path to other programs (kelva --virtual PATH). On Linux usbip offers one camera as a USB device that this machine's kernel attaches.
 
 An error is one sentence on standard error. With --json the result is one JSON document that carries the number of its schema.)";
 

@@ -18,7 +18,7 @@ std::span<const apps::Verb> ServeVerbs();   ///< serve
 std::span<const apps::Verb> PlugVerbs();    ///< plug, unplug
 std::span<const apps::Verb> StatusVerbs();  ///< status
 std::span<const apps::Verb> FaultVerbs();   ///< fault
-std::span<const apps::Verb> UsbipVerbs();   ///< usbip
+std::span<const apps::Verb> UsbipVerbs();   ///< usbip; none where the kernel takes no USB device from a program
 
 /// The program: these verbs, then those that explain it, and the options of all.
 const apps::Program& Vcam();

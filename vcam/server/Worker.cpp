@@ -1,32 +1,27 @@
 // The thread of one camera, and the queue through which its replies reach the loop.
 #include "vcam/server/Worker.h"
 
-#include <sys/eventfd.h>
-
-#include <cerrno>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace vcam::server {
 
-CompletionQueue::CompletionQueue() : wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (!wake_) throw std::runtime_error("Cannot make a descriptor for the bus; close other programs and try again.");
+CompletionQueue::CompletionQueue() try {
+} catch (const std::system_error&) {
+  throw std::runtime_error("Cannot make a descriptor for the bus; close other programs and try again.");
 }
 
 void CompletionQueue::Put(Completion completion) {
   const std::lock_guard lock(mutex_);
+  // The signal for the first one stands until all are taken.
+  if (completions_.empty()) wake_.Signal();
   completions_.push_back(std::move(completion));
-  const std::uint64_t one = 1;
-  // Fails only when the counter is full, and the descriptor is readable then.
-  while (::write(wake_.Get(), &one, sizeof one) < 0 && errno == EINTR) {
-  }
 }
 
 std::vector<Completion> CompletionQueue::TakeAll() {
   const std::lock_guard lock(mutex_);
-  std::uint64_t count = 0;
-  while (::read(wake_.Get(), &count, sizeof count) < 0 && errno == EINTR) {
-  }
+  wake_.Clear();
   return std::exchange(completions_, {});
 }
 

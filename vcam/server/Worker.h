@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "base/FileDescriptor.h"
+#include "base/WakeUp.h"
 #include "vcam/camera/VirtualCamera.h"
 
 namespace vcam::server {
@@ -40,14 +40,14 @@ class CompletionQueue {
   CompletionQueue();
 
   /// Readable while there is something to take.
-  int Descriptor() const { return wake_.Get(); }
+  int Descriptor() const { return wake_.Descriptor(); }
   void Put(Completion completion);
   std::vector<Completion> TakeAll();
 
  private:
   std::mutex mutex_;
   std::vector<Completion> completions_;
-  base::FileDescriptor wake_;
+  base::WakeUp wake_;
 };
 
 /// One thread that runs the commands of one camera, in order, so that a slow one holds up no other camera. Its destructor

@@ -1,13 +1,11 @@
 #ifndef KELVA_VCAM_SERVER_TESTING_TEST_SERVER_H_
 #define KELVA_VCAM_SERVER_TESTING_TEST_SERVER_H_
 
-#include <sys/eventfd.h>
-#include <unistd.h>
-
 #include <optional>
 #include <string>
 #include <thread>
 
+#include "base/WakeUp.h"
 #include "vcam/camera/testing/TestSupport.h"
 #include "vcam/server/BusServer.h"
 
@@ -16,9 +14,9 @@ namespace vcam::server::test {
 /// A bus served by a thread of this process, in a scratch folder.
 class TestServer {
  public:
-  TestServer() : stop_(::eventfd(0, EFD_CLOEXEC)) {
+  TestServer() {
     server_.emplace(Path());
-    thread_ = std::thread([this] { server_->Run(stop_.Get()); });
+    thread_ = std::thread([this] { server_->Run(stop_.Descriptor()); });
   }
   ~TestServer() { Stop(); }
 
@@ -27,15 +25,15 @@ class TestServer {
 
   /// Ends the bus, as if its process had ended.
   void Stop() {
-    const std::uint64_t one = 1;
-    if (!thread_.joinable() || ::write(stop_.Get(), &one, sizeof one) != sizeof one) return;
+    if (!thread_.joinable()) return;
+    stop_.Signal();
     thread_.join();
     server_.reset();
   }
 
  private:
   vcam::test::ScratchStorage scratch_;
-  base::FileDescriptor stop_;
+  base::WakeUp stop_;
   std::optional<BusServer> server_;
   std::thread thread_;
 };
