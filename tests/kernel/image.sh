@@ -2,7 +2,7 @@
 # The small system that the kernel starts: a base that changes with the packages of the machine only, and on top of it
 # the programs under test. The kernel unpacks both archives one after the other.
 
-guest_modules=(vhci-hcd usb-storage sg sd_mod sr_mod scsi_debug)
+guest_modules=(vhci-hcd usb-storage sg sd_mod sr_mod scsi_debug ext4)
 guest_tools=(/bin/udevadm /sbin/modprobe /bin/kmod /usr/bin/sg_dd /usr/bin/sg_inq /usr/bin/sg_raw /usr/bin/lsscsi
   /usr/sbin/usbip /usr/bin/setpriv /usr/lib/x86_64-linux-gnu/glib-2.0/gio-launch-desktop)
 

@@ -116,6 +116,70 @@ void FetchFromAPulledCamera() {
   }
 }
 
+/// A disk of the kernel's own, with a file system, while the object lives. What lies on it is in nobody's memory group.
+class Disk {
+ public:
+  explicit Disk(int megabytes) {
+    Do({"modprobe", "scsi_debug", "dev_size_mb=" + std::to_string(megabytes)});
+    Check(Eventually([] { return !Node().empty(); }), "there is no disk");
+    Do({"mke2fs", Node()});
+    fs::create_directories(kFolder);
+    Do({"mount", "-t", "ext2", Node(), kFolder});
+  }
+  ~Disk() {
+    RunProgram({"umount", kFolder});
+    RunProgram({"rmmod", "scsi_debug"});
+  }
+  Disk(const Disk&) = delete;
+  Disk& operator=(const Disk&) = delete;
+
+  static constexpr const char* kFolder = "/tmp/disk";
+
+ private:
+  static std::string Node() {
+    for (const fs::directory_entry& disk : fs::directory_iterator("/sys/block")) {
+      std::string model;
+      std::getline(std::ifstream(disk.path() / "device/model"), model);
+      const std::string node = "/dev/" + disk.path().filename().string();
+      if (model.starts_with("scsi_debug") && fs::exists(node)) return node;
+    }
+    return "";
+  }
+
+  static void Do(const std::vector<std::string>& words) {
+    const Outcome outcome = RunProgram(words);
+    Check(outcome.code == 0, words.front() + ": " + outcome.output);
+  }
+};
+
+void SyncInLittleMemory() {
+  constexpr std::size_t kSize = 100'000'000;
+  const std::string group = "/tmp/group/small";
+  const Card card("tool");
+  card.Put("DCIM/100ABCDE/IMG_0001.RAW", kSize);
+  const Plugged plugged(card.Inserted(kSerial));
+  const Disk disk(130);
+  const Outcome made = RunProgram({"sh", "-c",
+                                   "mkdir -p /tmp/group && mount -t cgroup2 cgroup2 /tmp/group && "
+                                   "echo +memory >/tmp/group/cgroup.subtree_control && mkdir " +
+                                       group +
+                                       " && "
+                                       "echo 67108864 >" +
+                                       group + "/memory.max && cat " + group + "/memory.max"});
+  Check(made.output == "67108864\n", "there is no memory group: " + made.output);
+  const std::string target = std::string(Disk::kFolder) + "/pictures";
+  const Outcome sync = RunProgram(
+      {"sh", "-c",
+       "echo $$ >" + group + "/cgroup.procs && exec kelva sync --verify -s " + std::string(kSerial) + " " + target});
+  Check(sync.code == 0, sync.output);
+  const Outcome compare =
+      RunProgram({"cmp", (card.folder() / "DCIM/100ABCDE/IMG_0001.RAW").string(), target + "/100ABCDE/IMG_0001.RAW"});
+  Check(compare.code == 0, compare.output);
+  const Outcome killed = RunProgram({"grep", "-c", "oom_kill [1-9]", group + "/memory.events"});
+  Check(killed.output == "0\n", "a process of the group was killed");
+  RunProgram({"sh", "-c", "rmdir " + group + " && umount /tmp/group"});
+}
+
 Outcome ReadyAsPerson() {
   return RunProgram(AsPerson({"kelva", "ready", "--serial", kSerial}));
 }
@@ -172,6 +236,7 @@ std::vector<tap::Case> ToolCases() {
   return {{"a whole card is fetched byte for byte", FetchWholeCard},
           {"kelva get under every fault leaves the right file or none", FetchUnderFaults},
           {"kelva get from a pulled camera leaves no file", FetchFromAPulledCamera},
+          {"sync of a large file passes in 64 MB of memory", SyncInLittleMemory},
           {"the person at the seat may use the camera", GrantThePersonAtTheSeat},
           {"the stock usbip command attaches the camera", AttachWithUsbip}};
 }
