@@ -56,8 +56,11 @@ PictureChoice::PictureChoice(const Context& context)
 }
 
 bool PictureChoice::IsInFolder(const DcfObj& picture) const {
-  const std::string folder = PictureFolder(picture);
-  return !folder_ || SameName(*folder_, folder) || MatchesName(*folder_, folder);
+  return IsInFolder(PictureFolder(picture));
+}
+
+bool PictureChoice::IsInFolder(const std::string& folder) const {
+  return !folder_ || (!folder.empty() && (SameName(*folder_, folder) || MatchesName(*folder_, folder)));
 }
 
 void PictureChoice::Apply(std::vector<DcfObj>& pictures, Context& context) const {

@@ -29,6 +29,8 @@ class PictureChoice {
   bool HasSince() const { return since_.has_value(); }
   /// Whether a picture lies in the folder asked for.
   bool IsInFolder(const DcfObj& picture) const;
+  /// The same for a folder's name; a file in no folder below DCIM has an empty one.
+  bool IsInFolder(const std::string& folder) const;
   /// Whether a picture of this time ("2026-03-14 15:09:26") is meant by --since; none is without a time.
   bool IsSince(const std::optional<std::string>& time) const { return !since_ || (time && *time >= *since_); }
 

@@ -11,6 +11,7 @@ namespace apps {
 
 // Looks into the folder first, since a listing would end the selection.
 kelva::FileReader CameraFiles::Open(const SyncItem& item) {
+  if (!item.IsPicture()) return OpenOther(item.Other());
   const std::optional<unsigned long long> listed = listed_.SizeOf(item.CameraPath());
   kelva::FileReader reader(camera_, item.Picture(), item.Type());
   if (listed != reader.Size()) {
@@ -18,6 +19,14 @@ kelva::FileReader CameraFiles::Open(const SyncItem& item) {
     reader.Select();
   }
   return reader;
+}
+
+// Its size is a part of what it is known by.
+kelva::FileReader CameraFiles::OpenOther(const OtherFile& file) const {
+  kelva::FileReader reader(camera_, file.path);
+  if (reader.Size() == file.size) return reader;
+  throw CameraError("the folder gives it " + std::to_string(file.size) + " bytes, and the camera announces " +
+                    std::to_string(reader.Size()));
 }
 
 // A SHA-1 says more than a size.

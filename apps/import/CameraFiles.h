@@ -25,6 +25,7 @@ class CameraFiles {
   void CheckUnlikeKey(const SyncItem& item, unsigned long long size);
 
  private:
+  kelva::FileReader OpenOther(const OtherFile& file) const;
   void CheckSize(const SyncItem& item, unsigned long long announced);
 
   const boost::shared_ptr<Camera> camera_;

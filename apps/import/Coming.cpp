@@ -65,11 +65,15 @@ std::string Coming::Text() const {
   return text + ")";
 }
 
+std::optional<unsigned long long> ListedSize(const SyncItem& item, ListedSizes& sizes) {
+  return item.IsPicture() ? sizes.SizeOf(item.CameraPath()) : item.Other().size;
+}
+
 Coming ToBeWritten(const SyncPlan& plan, ListedSizes& sizes, const TargetFolder* folder) {
   Coming coming;
   for (const SyncItem& item : plan.items) {
     if (!item.IsNew()) continue;
-    const auto size = sizes.SizeOf(item.CameraPath());
+    const auto size = ListedSize(item, sizes);
     if (!size || folder == nullptr || !IsHere(item, *size, *folder)) coming.Add(size);
   }
   return coming;

@@ -26,6 +26,9 @@ struct Coming {
   std::string Text() const;
 };
 
+/// The size of a file as its folder on the camera lists it; nothing when that is not known.
+std::optional<unsigned long long> ListedSize(const SyncItem& item, ListedSizes& sizes);
+
 /// What will be written for a plan: its new files, but for those that are in the target already with the same size (the
 /// list of fetched files may have been lost). `folder` is null while the target does not exist. Asks the camera for the
 /// listings of the folders.

@@ -36,10 +36,10 @@ std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const
   Deletions deletions(*work.files.Pointer(), folder, manifest,
                       [&work](const SyncItem& item) { return HashOnCamera(work, item); });
   // All files of a picture go in one turn.
-  const DcfObj* picture = nullptr;
+  const SyncItem* last = nullptr;
   const auto letOthers = [&](const SyncItem& item) {
-    if (picture != &item.Picture() && LetOthers(work.context)) deletions.Renew();
-    picture = &item.Picture();
+    if ((last == nullptr || !last->IsWith(item)) && LetOthers(work.context)) deletions.Renew();
+    last = &item;
   };
   try {
     work.ForEach(Fetched(plan, manifest), {"deleting", "delete", letOthers}, [&](const SyncItem& item) {

@@ -59,7 +59,7 @@ void Deletions::Renew() {
   sizes_.reset();
 }
 
-// The picture's entry in the catalogue, the listed size, and the content, as the entry's key says or as it is read now.
+// A picture's entry in the catalogue, the listed size, and the content, as the entry's key says or as it is read now.
 bool Deletions::IsAsFetched(const SyncItem& item, const ManifestRow& row) {
   if (!catalogue_) {
     std::map<std::string, DcfObj> catalogue;
@@ -67,8 +67,10 @@ bool Deletions::IsAsFetched(const SyncItem& item, const ManifestRow& row) {
     sizes_.emplace(camera_);
     catalogue_ = std::move(catalogue);
   }
-  const auto entry = catalogue_->find(IdentityOf(item.Picture()));
-  if (entry == catalogue_->end() || EntryBytes(entry->second) != EntryBytes(item.Picture())) return false;
+  if (item.IsPicture()) {
+    const auto entry = catalogue_->find(IdentityOf(item.Picture()));
+    if (entry == catalogue_->end() || EntryBytes(entry->second) != EntryBytes(item.Picture())) return false;
+  }
   if (sizes_->SizeOf(item.CameraPath()) != row.size) return false;
   return row.sha1 == item.ExpectedSha1() || hash_(item) == row.sha1;
 }

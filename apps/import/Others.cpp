@@ -65,13 +65,7 @@ std::vector<std::string> NamesIn(const std::string& path) {
   return names;
 }
 
-// All that is not a picture's, in the order of the walk.
-struct Found {
-  std::vector<OtherFile> files;
-  bool isCut = false;
-};
-
-void AddOthers(const FolderWalk::Listing& listing, const CataloguePaths& pictures, Found& found) {
+void AddOthers(const FolderWalk::Listing& listing, const CataloguePaths& pictures, OtherFiles& found) {
   for (const CameraDirent& entry : listing.files) {
     std::string path = listing.folder + "\\" + entry.name;
     if (pictures.Has(path)) continue;
@@ -83,8 +77,9 @@ void AddOthers(const FolderWalk::Listing& listing, const CataloguePaths& picture
   }
 }
 
-Found Walk(Context& context, Camera& camera, const CataloguePaths& pictures) {
-  Found found;
+// In the order of the walk.
+OtherFiles Walk(Context& context, Camera& camera, const CataloguePaths& pictures) {
+  OtherFiles found;
   FolderWalk walk(context, camera, {"I:\\DCIM", "I:\\MISC"});
   while (true) {
     try {
@@ -104,9 +99,14 @@ Found Walk(Context& context, Camera& camera, const CataloguePaths& pictures) {
 
 }  // namespace
 
+std::string OtherFile::Folder() const {
+  const std::vector<std::string> names = NamesIn(path);
+  return names.size() > 2 && SameName(names.front(), "DCIM") ? names[1] : "";
+}
+
 LocalPath OtherFile::Local() const {
   std::vector<std::string> names = NamesIn(path);
-  if (names.size() > 2 && SameName(names.front(), "DCIM")) names.erase(names.begin());
+  if (!Folder().empty()) names.erase(names.begin());
   LocalPath local;
   for (const std::string& name : names) local.folders.push_back(SafeName(name));
   local.name = std::move(local.folders.back());
@@ -119,26 +119,8 @@ ManifestKey OtherFile::Key(const std::string& serial) const {
   return {serial, "other " + base::Hex(path), 0, std::to_string(size)};
 }
 
-Coming OtherFiles::InNumbers(const TargetFolder* folder) const {
-  Coming coming;
-  for (const OtherFile& file : fresh) {
-    if (folder == nullptr || !HasFileOfSize(*folder, file.Local().Text(), file.size)) coming.Add(file.size);
-  }
-  return coming;
-}
-
-OtherFiles FindOthers(Context& context, Camera& camera, const std::vector<DcfObj>& catalogue, const std::string& serial,
-                      Manifest& manifest) {
-  const CataloguePaths pictures(catalogue);
-  Found found = Walk(context, camera, pictures);
-  OtherFiles others;
-  others.isCut = found.isCut;
-  const Manifest::Reading reading(manifest);
-  for (OtherFile& file : found.files) {
-    const auto row = manifest.Find(file.Key(serial));
-    (row && !row->deleted ? others.known : others.fresh).push_back(std::move(file));
-  }
-  return others;
+OtherFiles FindOthers(Context& context, Camera& camera, const std::vector<DcfObj>& catalogue) {
+  return Walk(context, camera, CataloguePaths(catalogue));
 }
 
 }  // namespace apps

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "apps/commandline/Context.h"
-#include "apps/import/Coming.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Pattern.h"
 #include "src/wifi/Camera.h"
@@ -18,6 +17,8 @@ struct OtherFile {
   std::string path;  ///< the camera's: "I:\DCIM\100ABCDE\MVI_0001.MP4"
   unsigned long long size = 0;
 
+  /// The folder below DCIM that it lies in, at whatever depth: "100ABCDE". Empty when it lies elsewhere.
+  std::string Folder() const;
   /// Where it goes below the target: under the names that its folders and it have on the camera, made safe, without DCIM
   /// where it lies in a folder there.
   LocalPath Local() const;
@@ -25,20 +26,15 @@ struct OtherFile {
   ManifestKey Key(const std::string& serial) const;
 };
 
-/// The other files of a camera, against a manifest.
+/// The other files of a camera.
 struct OtherFiles {
-  std::vector<OtherFile> fresh;  ///< not fetched yet, or deleted on the camera after that and there once more
-  std::vector<OtherFile> known;
+  std::vector<OtherFile> files;
   bool isCut = false;  ///< there are more, or a folder could not be listed
-
-  /// The fresh ones in numbers. With a folder, without those that are in it already with the same size.
-  Coming InNumbers(const TargetFolder* folder = nullptr) const;
 };
 
 /// Lists the folders below DCIM and MISC. Folders and files are bounded in depth and number, since a camera chooses both. A
-/// folder that the camera does not list is left out. Throws Stopped, and Failure of the manifest.
-OtherFiles FindOthers(Context& context, Camera& camera, const std::vector<DcfObj>& catalogue, const std::string& serial,
-                      Manifest& manifest);
+/// folder that the camera does not list is left out. Throws Stopped.
+OtherFiles FindOthers(Context& context, Camera& camera, const std::vector<DcfObj>& catalogue);
 
 }  // namespace apps
 

@@ -11,7 +11,6 @@ namespace apps {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 class OthersTest : public SyncFolderTest, protected SilentContext {
@@ -21,10 +20,10 @@ class OthersTest : public SyncFolderTest, protected SilentContext {
     camera_.AddFile("I:\\DCIM\\100ABCDE", "img_0001.jpg", "one");
     camera_.AddFile("I:\\DCIM\\100ABCDE", "MVI_0001.MP4", "a video");
   }
-  OtherFiles Find() { return FindOthers(context_, camera_, {Picture(1)}, "K1", manifest_); }
-  static std::vector<std::string> Paths(const std::vector<OtherFile>& files) {
+  OtherFiles Find() { return FindOthers(context_, camera_, {Picture(1)}); }
+  std::vector<std::string> FoundPaths() {
     std::vector<std::string> paths;
-    for (const OtherFile& file : files) paths.push_back(file.path);
+    for (const OtherFile& file : Find().files) paths.push_back(file.path);
     return paths;
   }
   static std::string Local(const std::string& path) { return OtherFile{path}.Local().Text(); }
@@ -33,21 +32,20 @@ class OthersTest : public SyncFolderTest, protected SilentContext {
 };
 
 TEST_F(OthersTest, FilesOfTheCatalogueAreNoOthersInAnyCaseOfLetters) {
-  EXPECT_THAT(Paths(Find().fresh), ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0001.MP4"));
+  EXPECT_THAT(FoundPaths(), ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0001.MP4"));
 }
 
 TEST_F(OthersTest, AFileBesideAPictureThatTheCatalogueDoesNotGiveItIsAnother) {
   camera_.AddFile("I:\\DCIM\\100ABCDE", "IMG_0001.RAW", "raw data");
-  EXPECT_EQ(Find().fresh.size(), 2U);
+  EXPECT_EQ(Find().files.size(), 2U);
 }
 
 TEST_F(OthersTest, NestedFoldersAndMiscAreLookedAt) {
   camera_.AddFolder("I:\\DCIM\\100ABCDE", "deeper");
   camera_.AddFile("I:\\DCIM\\100ABCDE\\deeper", "PANO.JPG", "wide");
   camera_.AddFile("I:\\MISC", "AUTPRINT.MRK", "");
-  EXPECT_THAT(Paths(Find().fresh),
-              UnorderedElementsAre("I:\\DCIM\\100ABCDE\\MVI_0001.MP4", "I:\\DCIM\\100ABCDE\\deeper\\PANO.JPG",
-                                   "I:\\MISC\\AUTPRINT.MRK"));
+  EXPECT_THAT(FoundPaths(), UnorderedElementsAre("I:\\DCIM\\100ABCDE\\MVI_0001.MP4",
+                                                 "I:\\DCIM\\100ABCDE\\deeper\\PANO.JPG", "I:\\MISC\\AUTPRINT.MRK"));
 }
 
 TEST_F(OthersTest, TheyLieUnderTheNamesThatTheyHaveOnTheCamera) {
@@ -71,34 +69,19 @@ TEST_F(OthersTest, ADepthWithoutEndIsCutAndSaid) {
   camera_.AddFile(folder, "X.BIN", "x");
   const OtherFiles others = Find();
   EXPECT_TRUE(others.isCut);
-  EXPECT_EQ(others.fresh.size(), 1U);
-}
-
-TEST_F(OthersTest, TheManifestKnowsThemByPathAndSize) {
-  manifest_.Record({{Find().fresh[0].Key("K1"), "a.mp4", "", 7, false, false}});
-  EXPECT_THAT(Find().fresh, IsEmpty());
-  EXPECT_EQ(Find().known.size(), 1U);
-  camera_.tree["I:\\DCIM\\100ABCDE"][1].size = 8;
-  EXPECT_EQ(Find().fresh.size(), 1U);
-}
-
-TEST_F(OthersTest, OneThatWasDeletedOnTheCameraAndIsThereOnceMoreIsNew) {
-  manifest_.Record({{Find().fresh[0].Key("K1"), "a.mp4", "", 7, true, true}});
-  EXPECT_EQ(Find().fresh.size(), 1U);
+  EXPECT_EQ(others.files.size(), 1U);
 }
 
 TEST_F(OthersTest, ARowOfOneIsNoRowOfAPicture) {
-  const ManifestKey key = Find().fresh[0].Key("K1");
+  const ManifestKey key = Find().files[0].Key("K1");
   EXPECT_EQ(key.type, 0);
   EXPECT_NE(key.picture.size(), 48U);
 }
 
-TEST_F(OthersTest, WhatIsInTheTargetWithItsSizeNeedsNoRoom) {
-  EXPECT_EQ(Find().InNumbers(&folder_).bytes, 7U);
-  folder_.Below("100ABCDE");
-  std::ofstream(path_ + "/100ABCDE/MVI_0001.MP4") << "a video";
-  EXPECT_EQ(Find().InNumbers(&folder_).bytes, 0U);
-  EXPECT_EQ(Find().InNumbers().bytes, 7U);
+TEST_F(OthersTest, ItsFolderIsTheOneBelowDcim) {
+  EXPECT_EQ(OtherFile{"I:\\DCIM\\100ABCDE\\deeper\\PANO.JPG"}.Folder(), "100ABCDE");
+  EXPECT_EQ(OtherFile{"I:\\DCIM\\loose.mp4"}.Folder(), "");
+  EXPECT_EQ(OtherFile{"I:\\MISC\\AUTPRINT.MRK"}.Folder(), "");
 }
 
 }  // namespace

@@ -84,12 +84,16 @@ ManifestKey KeyOf(const DcfObj& picture, int type, const std::string& serial) {
   return {serial, identity, type, PictureFingerprint(picture)};
 }
 
+ManifestKey SyncItem::Key() const {
+  return IsPicture() ? KeyOf(*picture_, type_, source_->serial) : other_->Key(source_->serial);
+}
+
 std::string SyncItem::CameraPath() const {
-  return PicturePath(*picture_, type_);
+  return IsPicture() ? PicturePath(*picture_, type_) : other_->path;
 }
 
 LocalPath SyncItem::Local() const {
-  return source_->Local(*picture_, type_);
+  return IsPicture() ? source_->Local(*picture_, type_) : other_->Local();
 }
 
 std::string SyncItem::LocalText() const {
@@ -100,12 +104,25 @@ std::string SyncItem::LocalText() const {
 
 std::string SyncItem::ExpectedSha1() const {
   // The key of a catalogue's record is that of the picture's first file.
-  return FileTypes(*picture_).front() == type_ ? PictureKey(*picture_).value_or("") : "";
+  return IsPicture() && FileTypes(*picture_).front() == type_ ? PictureKey(*picture_).value_or("") : "";
 }
 
 std::size_t SyncPlan::NewFiles() const {
   return static_cast<std::size_t>(
       std::count_if(items.begin(), items.end(), [](const SyncItem& i) { return i.IsNew(); }));
+}
+
+bool SyncPlan::MayHave(const ManifestKey& key) const {
+  if (key.type == 0) {
+    return !others || others->isCut ||
+           std::any_of(others->files.begin(), others->files.end(),
+                       [&](const OtherFile& file) { return file.Key(source->serial) == key; });
+  }
+  return std::any_of(source->catalogue.begin(), source->catalogue.end(), [&](const DcfObj& picture) {
+    const std::vector<int> types = FileTypes(picture);
+    return std::find(types.begin(), types.end(), key.type) != types.end() &&
+           KeyOf(picture, key.type, source->serial) == key;
+  });
 }
 
 std::vector<int> ParseTypes(const std::optional<std::string>& list) {
@@ -131,6 +148,23 @@ SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, cons
   if (pattern.HasTime() && times.ask) times.ask(NewPictures(plan));
   NumberItems(plan, Names(folder, plan.source->pattern, serial, plan.source->timeOf), stored);
   return plan;
+}
+
+void AddOthers(SyncPlan& plan, OtherFiles others, bool fetch, Manifest& manifest,
+               const std::function<bool(const OtherFile&)>& isMeant) {
+  plan.others = std::move(others);
+  const Manifest::Reading reading(manifest);
+  for (const OtherFile& file : plan.others->files) {
+    if (isMeant && !isMeant(file)) continue;
+    const auto row = manifest.Find(file.Key(plan.source->serial));
+    const bool isNew = !row || row->deleted;
+    if (fetch) {
+      plan.items.emplace_back(*plan.source, file).SetState(isNew ? SyncItem::State::kNew : SyncItem::State::kFetched);
+    } else if (isNew) {
+      ++plan.othersLeftOut;
+      plan.othersLeftOutBytes += file.size;
+    }
+  }
 }
 
 }  // namespace apps

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "apps/import/Manifest.h"
+#include "apps/import/Others.h"
 #include "apps/import/Pattern.h"
 #include "apps/import/TakenTime.h"
 #include "src/wifi/DcfObj.h"
@@ -39,7 +40,7 @@ struct PlanTimes {
   TimeOf of = CatalogueTaken;
 };
 
-/// One file of a picture, and what is known of it. Small, because there is one for every file of the camera; everything
+/// One file of a picture, or another file of the camera, and what is known of it. Small, because there is one for every file of the camera; everything
 /// else is worked out on request. Valid as long as its plan.
 class SyncItem {
  public:
@@ -47,11 +48,18 @@ class SyncItem {
 
   SyncItem(const SyncSource& source, const DcfObj& picture, int type)
       : source_(&source), picture_(&picture), type_(static_cast<std::uint8_t>(type)) {}
+  SyncItem(const SyncSource& source, const OtherFile& other) : source_(&source), other_(&other), type_(0) {}
 
+  bool IsPicture() const { return type_ != 0; }
+  /// Of a picture only.
   const DcfObj& Picture() const { return *picture_; }
-  /// 1 to 4.
+  /// Of another file only.
+  const OtherFile& Other() const { return *other_; }
+  /// Whether both are files of one picture.
+  bool IsWith(const SyncItem& item) const { return IsPicture() && item.IsPicture() && picture_ == item.picture_; }
+  /// 1 to 4; 0 of another file.
   int Type() const { return type_; }
-  ManifestKey Key() const { return KeyOf(*picture_, type_, source_->serial); }
+  ManifestKey Key() const;
   std::string CameraPath() const;
   /// Where it goes below the target, without a number.
   LocalPath Local() const;
@@ -59,6 +67,8 @@ class SyncItem {
   int Number() const { return number_; }
   /// Where it goes below the target, unless its name is taken meanwhile.
   std::string LocalText() const;
+  /// When its picture was taken.
+  std::optional<TakenTime> Taken(const TimeOf& timeOf) const { return IsPicture() ? timeOf(*picture_) : std::nullopt; }
   /// Empty when the catalogue does not say.
   std::string ExpectedSha1() const;
   bool IsNew() const { return state_ == State::kNew; }
@@ -70,18 +80,26 @@ class SyncItem {
 
  private:
   const SyncSource* source_;
-  const DcfObj* picture_;
+  union {  // by the type
+    const DcfObj* picture_;
+    const OtherFile* other_;
+  };
   int number_ = 1;
   std::uint8_t type_;
   State state_ = State::kNew;
 };
 
-/// What is to be done, in the catalogue's order.
+/// What is to be done: pictures in the catalogue's order, then other files.
 struct SyncPlan {
   std::unique_ptr<const SyncSource> source;
-  std::vector<SyncItem> items;  ///< of the types asked for
+  std::vector<SyncItem> items;                ///< of the types asked for
+  std::optional<OtherFiles> others = {};      ///< nothing: nobody looked for them
+  unsigned long long othersLeftOut = 0;       ///< new ones that are no items
+  unsigned long long othersLeftOutBytes = 0;  ///< their total size
 
   std::size_t NewFiles() const;
+  /// Whether the camera has a file, asked for or not, as far as is known.
+  bool MayHave(const ManifestKey& key) const;
 };
 
 /// Reads "jpg,raw": types in any case, each once. Throws Failure(kUsage). Nothing means all four.
@@ -93,6 +111,11 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list);
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
                   const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times = {},
                   const std::function<bool(const DcfObj&)>& isMeant = nullptr);
+
+/// Looks only at the others that are `meant`. With `fetch` they become items; a file that was deleted on the camera after
+/// it was fetched, and is there once more, is new. Otherwise the new ones are counted.
+void AddOthers(SyncPlan& plan, OtherFiles others, bool fetch, Manifest& manifest,
+               const std::function<bool(const OtherFile&)>& isMeant = nullptr);
 
 }  // namespace apps
 

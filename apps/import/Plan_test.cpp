@@ -123,5 +123,70 @@ TEST(ParseTypesTest, AWrongTypeIsNamedWithTheRightOnes) {
   }
 }
 
+class OthersInPlanTest : public PlanTest {
+ protected:
+  void Add(bool fetch, const std::function<bool(const OtherFile&)>& isMeant = nullptr) {
+    plan_ = Plan({Made(100, 1)}, {1});
+    AddOthers(plan_, {{{"I:\\DCIM\\100ABCDE\\A.MP4", 7}, {"I:\\MISC\\NOTE.TXT", 5}}, false}, fetch, manifest_, isMeant);
+  }
+  void Record(const SyncItem& item, bool deleted) { manifest_.Record({{item.Key(), "a.mp4", "", 7, false, deleted}}); }
+
+  SyncPlan plan_;
+};
+
+TEST_F(OthersInPlanTest, TheyFollowThePictures) {
+  Add(true);
+  ASSERT_EQ(plan_.items.size(), 3U);
+  const SyncItem& other = plan_.items[1];
+  EXPECT_FALSE(other.IsPicture());
+  EXPECT_EQ(other.CameraPath(), "I:\\DCIM\\100ABCDE\\A.MP4");
+  EXPECT_EQ(other.LocalText(), "100ABCDE/A.MP4");
+  EXPECT_EQ(other.ExpectedSha1(), "");
+  EXPECT_EQ(other.Key().type, 0);
+  EXPECT_FALSE(other.IsWith(other));
+  EXPECT_TRUE(plan_.items[0].IsWith(plan_.items[0]));
+  EXPECT_EQ(plan_.othersLeftOut, 0U);
+}
+
+TEST_F(OthersInPlanTest, WithoutTheWishTheNewOnesAreCounted) {
+  Add(true);
+  Record(plan_.items[1], false);
+  Add(false);
+  EXPECT_EQ(plan_.items.size(), 1U);
+  EXPECT_EQ(plan_.othersLeftOut, 1U);
+  EXPECT_EQ(plan_.othersLeftOutBytes, 5U);
+}
+
+TEST_F(OthersInPlanTest, OnesThatAreNotMeantAreNeitherItemsNorCounted) {
+  const auto in = [](const OtherFile& file) { return file.Folder() == "100ABCDE"; };
+  Add(true, in);
+  EXPECT_EQ(plan_.items.size(), 2U);
+  Add(false, in);
+  EXPECT_EQ(plan_.othersLeftOut, 1U);
+}
+
+TEST_F(OthersInPlanTest, OneThatWasFetchedIsKnownUnlessItWasDeletedAndIsThereOnceMore) {
+  Add(true);
+  Record(plan_.items[1], false);
+  Add(true);
+  EXPECT_FALSE(plan_.items[1].IsNew());
+  Record(plan_.items[1], true);
+  Add(true);
+  EXPECT_TRUE(plan_.items[1].IsNew());
+}
+
+TEST_F(OthersInPlanTest, WhatTheCameraMayHaveDoesNotDependOnWhatIsMeant) {
+  Add(false, [](const OtherFile&) { return false; });
+  const ManifestKey known = OtherFile{"I:\\MISC\\NOTE.TXT", 5}.Key("K1");
+  const ManifestKey unknown = OtherFile{"I:\\MISC\\NOTE.TXT", 6}.Key("K1");
+  EXPECT_TRUE(plan_.MayHave(known));
+  EXPECT_FALSE(plan_.MayHave(unknown));
+  EXPECT_TRUE(plan_.MayHave(KeyOf(Made(100, 1), 2, "K1")));
+  EXPECT_FALSE(plan_.MayHave(KeyOf(Made(100, 2), 1, "K1")));
+  plan_.others->isCut = true;
+  EXPECT_TRUE(plan_.MayHave(unknown));
+  EXPECT_TRUE(Plan({}, {1}).MayHave(unknown)) << "nobody has looked";
+}
+
 }  // namespace
 }  // namespace apps

@@ -62,7 +62,7 @@ std::optional<Outcome> Sync::Fetch(const SyncPlan& plan) {
 
 void Sync::FetchOne(const SyncItem& item, Writers& writers) {
   // Of the other files of a picture whose JPEG file was not read here.
-  if (work_.times != nullptr && item.Type() != kFirstFileType) {
+  if (work_.times != nullptr && item.IsPicture() && item.Type() != kFirstFileType) {
     AskTime(work_.context, work_.files.Pointer(), item.Picture(), *work_.times);
   }
   const InItem inItem = work_.report.Begin(item);
@@ -120,15 +120,10 @@ void Sync::ReadAgain(const SyncItem& item, const std::string& first, Writers& wr
 
 // Parts of files that are whole by now, or that the camera no longer has.
 void Sync::DropGone(const SyncPlan& plan) {
-  const std::string& serial = plan.source->serial;
   cuts_.DropIf([&](const ManifestKey& key) {
-    if (key.serial != serial) return false;
-    const auto& catalogue = plan.source->catalogue;
-    const bool isListed = std::any_of(catalogue.begin(), catalogue.end(), [&](const DcfObj& picture) {
-      const std::vector<int> types = FileTypes(picture);
-      return std::find(types.begin(), types.end(), key.type) != types.end() && KeyOf(picture, key.type, serial) == key;
-    });
-    return !isListed || manifest_.Find(key).has_value();
+    if (key.serial != plan.source->serial) return false;
+    const auto row = manifest_.Find(key);
+    return (row && !row->deleted) || !plan.MayHave(key);
   });
 }
 

@@ -257,7 +257,7 @@ std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
 
 // Waits for the time of the picture, while the disk takes the bytes.
 bool Writers::Date(BesideFile& file, const SyncItem& item) const {
-  const std::optional<TakenTime> time = timeOf_ ? timeOf_(item.Picture()) : std::nullopt;
+  const std::optional<TakenTime> time = timeOf_ ? item.Taken(timeOf_) : std::nullopt;
   if (time) file.SetTime(MomentHere(*time));
   return time.has_value();
 }

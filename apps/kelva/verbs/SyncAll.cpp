@@ -115,8 +115,9 @@ class All {
     const auto well = std::count_if(parts_.begin(), parts_.end(), [](const Part& part) { return !part.failed; });
     const std::string start = std::to_string(well) + " of " + std::to_string(parts_.size()) + " cameras: ";
     Json members = context_.call.Has("dry-run") ? Results() : SyncMembers(Sum(), Results());
-    return context_.Result(std::move(members), asText_ ? "" : start + SyncInWords(Sum(), code != ExitCode::kDone),
-                           code);
+    return context_.Result(
+        std::move(members),
+        asText_ ? "" : start + SyncInWords(Sum(), code != ExitCode::kDone, context_.call.Has("since")), code);
   }
 
  private:
@@ -170,7 +171,7 @@ class All {
     }
     part.totals = TotalsIn(part.document);
     if (asText_ || context_.Json()) return;
-    std::istringstream lines(SyncInWords(part.totals, part.failed));
+    std::istringstream lines(SyncInWords(part.totals, part.failed, context_.call.Has("since")));
     for (std::string line; std::getline(lines, line);) context_.out.Add(Of(part) + line + "\n");
     context_.out.Flush();
   }

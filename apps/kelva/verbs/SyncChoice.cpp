@@ -20,13 +20,8 @@ Pattern PatternOf(const Context& context) {
 }  // namespace
 
 SyncChoice SyncChoiceOf(const Context& context) {
-  SyncChoice choice{PatternOf(context), ParseTypes(context.call.Value("types")), context.call.Has("everything"),
-                    PictureChoice(context)};
-  if (choice.everything && !choice.pictures.IsAll()) {
-    throw Failure(ExitCode::kUsage,
-                  "--since and --folder choose pictures of the catalogue; use them without --everything.");
-  }
-  return choice;
+  return {PatternOf(context), ParseTypes(context.call.Value("types")), context.call.Has("everything"),
+          PictureChoice(context)};
 }
 
 }  // namespace apps

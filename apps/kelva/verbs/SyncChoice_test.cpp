@@ -39,7 +39,12 @@ TEST_F(SyncChoiceTest, AFolderIsChosenAndTheRestIsNoOtherFile) {
   EXPECT_THAT(Run({"sync", target.c_str(), "--folder", "101*"}).out, testing::StartsWith("1 stored (5 B)"));
   EXPECT_FALSE(std::filesystem::exists(target + "/100ABCDE"));
   EXPECT_THAT(Run({"sync", target.c_str(), "--json"}).out, testing::HasSubstr("\"known\":1,\"others\":0"));
-  EXPECT_EQ(Run({"sync", target.c_str(), "--folder", "101*", "--everything"}).code, ExitCode::kUsage);
+  Put("DCIM/100ABCDE/MVI_0001.MP4", "video");
+  Put("DCIM/101ABCDE/MVI_0001.MP4", "a video");
+  EXPECT_THAT(Run({"sync", target.c_str(), "--folder", "101*", "--everything", "--json"}).out,
+              testing::HasSubstr("\"known\":1,\"others\":0"));
+  EXPECT_EQ(Text(target + "/101ABCDE/MVI_0001.MP4"), "a video");
+  EXPECT_FALSE(std::filesystem::exists(target + "/100ABCDE/MVI_0001.MP4"));
 }
 
 TEST_F(SyncChoiceTest, PicturesFromBeforeADateAreLeftOut) {
@@ -51,6 +56,10 @@ TEST_F(SyncChoiceTest, PicturesFromBeforeADateAreLeftOut) {
   EXPECT_THAT(Run({"sync", target.c_str(), "--since", "2d"}).out, testing::StartsWith("1 stored (3 B)"));
   EXPECT_TRUE(std::filesystem::exists(target + "/100ABCDE/IMG_0002.JPG"));
   EXPECT_THAT(Run({"sync", target.c_str(), "--since", "4d"}).out, testing::StartsWith("1 stored (3 B)"));
+  Put("DCIM/100ABCDE/MVI_0001.MP4", "video");
+  EXPECT_EQ(Run({"sync", target.c_str(), "--since", "4d", "--everything"}).out,
+            "0 stored (0 B), 2 known before, 0 failed\n"
+            "1 other file (5 B) below DCIM and MISC has no date and was not fetched; leave --since out to fetch it.\n");
 }
 
 }  // namespace

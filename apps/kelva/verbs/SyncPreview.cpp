@@ -52,28 +52,22 @@ std::string TotalsInWords(const Preview& preview, std::size_t known, std::option
 
 }  // namespace
 
-ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const OtherFiles& others,
-                  bool everything, const std::string& target) {
+ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const std::string& target) {
   ListedSizes sizes(*camera);
   Preview preview;
   for (const SyncItem& item : plan.items) {
     if (!item.IsNew()) continue;
-    ShowFile(context, item.CameraPath(), item.LocalText(), sizes.SizeOf(item.CameraPath()), preview);
+    ShowFile(context, item.CameraPath(), item.LocalText(), ListedSize(item, sizes), preview);
   }
-  std::size_t known = plan.items.size() - plan.NewFiles();
-  Coming left;
-  if (everything) {
-    for (const OtherFile& file : others.fresh) ShowFile(context, file.path, file.Local().Text(), file.size, preview);
-    known += others.known.size();
-  } else {
-    left = others.InNumbers();
-  }
+  const std::size_t known = plan.items.size() - plan.NewFiles();
   const auto free = FreeSpaceFor(target);
   Json members = CameraResult(camera).Set("new", preview.all.files).Set("known", known).Set("bytes", preview.all.bytes);
   members.Set("unlisted", preview.all.unlisted).Set("folders", InJson(preview.folders));
-  members.Set("others", left.files).Set("others_bytes", left.bytes);
+  members.Set("others", plan.othersLeftOut).Set("others_bytes", plan.othersLeftOutBytes);
   if (free) members.Set("free", *free);
-  context.Result(std::move(members), TotalsInWords(preview, known, free) + OthersInWords(left.files, left.bytes));
+  context.Result(std::move(members),
+                 TotalsInWords(preview, known, free) +
+                     OthersInWords(plan.othersLeftOut, plan.othersLeftOutBytes, context.call.Has("since")));
   const std::string tooLittle = WhyTooLittleRoom(preview.all, free, target);
   context.reporter.Note(tooLittle.empty() ? "Nothing was fetched." : tooLittle);
   return ExitCode::kDone;

@@ -5,15 +5,12 @@
 
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
-#include "apps/import/Others.h"
 #include "apps/import/Plan.h"
 
 namespace apps {
 
 /// Gives what a sync into `target` would do, as the result of `sync --dry-run`: names, sizes, totals and free space.
-/// `everything`: the other files are to be fetched too.
-ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const OtherFiles& others,
-                  bool everything, const std::string& target);
+ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const std::string& target);
 
 }  // namespace apps
 

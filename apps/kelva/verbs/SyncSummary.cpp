@@ -36,7 +36,7 @@ std::string HowChecked(const SyncTotals& totals) {
 
 }  // namespace
 
-std::string SyncInWords(const SyncTotals& totals, bool early) {
+std::string SyncInWords(const SyncTotals& totals, bool early, bool since) {
   std::string text = FilesStored(totals, early) + HowChecked(totals);
   if (totals.numbered != 0) {
     text += std::to_string(totals.numbered) + " got a number because their name was taken (--verbose names them).\n";
@@ -47,7 +47,7 @@ std::string SyncInWords(const SyncTotals& totals, bool early) {
   if (totals.undated != 0) {
     text += std::to_string(totals.undated) + " without a date have the time of their fetching.\n";
   }
-  return text + OthersInWords(totals.others, totals.othersBytes);
+  return text + OthersInWords(totals.others, totals.othersBytes, since);
 }
 
 Json SyncMembers(const SyncTotals& totals, Json members) {
@@ -58,11 +58,18 @@ Json SyncMembers(const SyncTotals& totals, Json members) {
   return members;
 }
 
-std::string OthersInWords(unsigned long long files, unsigned long long bytes) {
+std::string OthersInWords(unsigned long long files, unsigned long long bytes, bool since) {
   if (files == 0) return "";
-  return std::to_string(files) + (files == 1 ? " other file (" : " other files (") + Bytes(bytes) +
-         ") below DCIM and MISC " + (files == 1 ? "was" : "were") + " not fetched; --everything fetches " +
-         (files == 1 ? "it" : "them") + ".\n";
+  const std::string start = std::to_string(files) + (files == 1 ? " other file (" : " other files (") + Bytes(bytes) +
+                            ") below DCIM and MISC ";
+  if (since) {
+    return start + (files == 1 ? "has no date and was" : "have no date and were") +
+           " not fetched; leave --since out to "
+           "fetch " +
+           (files == 1 ? "it" : "them") + ".\n";
+  }
+  return start + (files == 1 ? "was" : "were") + " not fetched; --everything fetches " + (files == 1 ? "it" : "them") +
+         ".\n";
 }
 
 ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& totals,
@@ -76,7 +83,7 @@ ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& 
         std::to_string(totals.unlikeKey) +
         " files have another SHA-1 than the catalogue's key says; two equal reads were taken instead.");
   }
-  context.Result(std::move(members), SyncInWords(totals, ended.has_value()), code);
+  context.Result(std::move(members), SyncInWords(totals, ended.has_value(), context.call.Has("since")), code);
   if (ended) context.reporter.Note("Run the same command again to fetch the rest.");
   return code;
 }

@@ -17,7 +17,8 @@ ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& 
                      const std::optional<Outcome>& ended);
 
 /// "8 other files (1.2 GB) below DCIM and MISC were not fetched; --everything fetches them." Empty when there are none.
-std::string OthersInWords(unsigned long long files, unsigned long long bytes);
+/// `since`: they were left out because they have no dates.
+std::string OthersInWords(unsigned long long files, unsigned long long bytes, bool since);
 /// A count of the result, and its member there. `left` is besides.
 struct SyncCount {
   std::string_view name;
@@ -41,8 +42,8 @@ inline constexpr SyncCount kSyncCounts[] = {
     {"deleted", &SyncTotals::deleted},
 };
 
-/// The counts as the result shows them, in lines; `early` for a run that something ended.
-std::string SyncInWords(const SyncTotals& totals, bool early);
+/// The counts as the result shows them, in lines; `early` for a run that something ended, `since` as above.
+std::string SyncInWords(const SyncTotals& totals, bool early, bool since);
 /// The counts as members of the result, behind those that are there.
 Json SyncMembers(const SyncTotals& totals, Json members);
 

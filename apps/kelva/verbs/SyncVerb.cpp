@@ -18,7 +18,6 @@
 #include "apps/import/AskTimes.h"
 #include "apps/import/Coming.h"
 #include "apps/import/CutFiles.h"
-#include "apps/import/FetchOthers.h"
 #include "apps/import/Others.h"
 #include "apps/import/Sync.h"
 #include "apps/kelva/verbs/Consent.h"
@@ -30,12 +29,6 @@
 
 namespace apps {
 namespace {
-
-// What a sync has to do, and what it leaves out.
-struct Work {
-  SyncPlan plan;
-  OtherFiles others;
-};
 
 // Takes pictures from before the date out. Of new ones, and of those that may be deleted, the start is read for it.
 void KeepSince(Context& context, const Session& camera, const PictureChoice& choice, PictureTimes& times,
@@ -53,18 +46,19 @@ void KeepSince(Context& context, const Session& camera, const PictureChoice& cho
   });
 }
 
-Work WorkFor(Context& context, const Session& camera, const SyncChoice& choice, Manifest& manifest,
-             const TargetFolder* folder, PictureTimes& times) {
-  const std::string& serial = camera.Facts().serial;
-  Work work{MakePlan(ReadPictures(*camera), serial, choice.types, choice.pattern, manifest, folder,
-                     TimesForNames(context, camera.Pointer(), times),
-                     [&](const DcfObj& picture) { return choice.pictures.IsInFolder(picture); }),
-            {}};
-  if (choice.pictures.HasSince()) KeepSince(context, camera, choice.pictures, times, work.plan);
-  if (choice.pictures.IsAll()) {
-    work.others = FindOthers(context, *camera, work.plan.source->catalogue, serial, manifest);
+SyncPlan PlanFor(Context& context, const Session& camera, const SyncChoice& choice, Manifest& manifest,
+                 const TargetFolder* folder, PictureTimes& times) {
+  SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest, folder,
+                           TimesForNames(context, camera.Pointer(), times),
+                           [&](const DcfObj& picture) { return choice.pictures.IsInFolder(picture); });
+  if (choice.pictures.HasSince()) KeepSince(context, camera, choice.pictures, times, plan);
+  if (choice.everything || choice.pictures.IsAll()) {
+    // They have no dates.
+    const bool fetch = choice.everything && !choice.pictures.HasSince();
+    AddOthers(plan, FindOthers(context, *camera, plan.source->catalogue), fetch, manifest,
+              [&](const OtherFile& file) { return choice.pictures.IsInFolder(file.Folder()); });
   }
-  return work;
+  return plan;
 }
 
 ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& choice) {
@@ -74,17 +68,15 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
   Manifest manifest = missing ? Manifest() : Manifest(*folder, false);
   const Session camera(context, "read the picture catalogue");
   PictureTimes times;
-  const auto [plan, others] = WorkFor(context, camera, choice, manifest, missing ? nullptr : &*folder, times);
+  const SyncPlan plan = PlanFor(context, camera, choice, manifest, missing ? nullptr : &*folder, times);
   NoteTrouble(context, times);
-  return ShowPlan(context, camera, plan, others, choice.everything, path);
+  return ShowPlan(context, camera, plan, path);
 }
 
 // Before the first byte is read: a disk that is too small would be full in the middle.
-std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const OtherFiles* others,
-                                 const TargetFolder& folder, Manifest& manifest) {
+std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const TargetFolder& folder, Manifest& manifest) {
   ListedSizes sizes(camera);
   Coming coming = ToBeWritten(plan, sizes, &folder);
-  if (others != nullptr) coming.Add(others->InNumbers(&folder));
   coming.TakeOff(BytesOfParts(manifest, folder, plan.source->serial));
   const std::string why = WhyTooLittleRoom(coming, FreeSpace(folder), folder.Path());
   return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});
@@ -92,27 +84,22 @@ std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const Oth
 
 // What earlier processes of this run stored is known to this one, and no longer new. A process that was killed between
 // storing and counting leaves one file in doubt.
-void BeginTally(const SyncPlan& plan, const OtherFiles& others, bool everything, SyncTally& tally) {
+void BeginTally(const SyncPlan& plan, SyncTally& tally) {
   const unsigned long long before = tally.stored;
-  const Coming fresh = others.InNumbers();
-  const unsigned long long known = plan.items.size() - plan.NewFiles() + (everything ? others.known.size() : 0);
+  const unsigned long long known = plan.items.size() - plan.NewFiles();
   tally.known = known - std::min(known, before);
-  tally.expected = before + plan.NewFiles() + (everything ? fresh.files : 0);
-  tally.others = everything ? 0 : fresh.files;
-  tally.othersBytes = everything ? 0 : fresh.bytes;
+  tally.expected = before + plan.NewFiles();
+  tally.others = plan.othersLeftOut;
+  tally.othersBytes = plan.othersLeftOutBytes;
 }
 
 // On a terminal, before anything is read.
-void AskToDelete(Context& context, const Session& camera, const Work& work, bool everything, SyncTally& tally) {
+void AskToDelete(Context& context, const Session& camera, const SyncPlan& plan, SyncTally& tally) {
   if (!CanAsk(context) || tally.agreed != 0) return;
   ListedSizes sizes(*camera);
   Coming all;
-  for (const SyncItem& item : work.plan.items) {
-    if (!item.IsDeleted()) all.Add(sizes.SizeOf(item.CameraPath()));
-  }
-  if (everything) {
-    all.Add(work.others.InNumbers());
-    for (const OtherFile& file : work.others.known) all.Add(file.size);
+  for (const SyncItem& item : plan.items) {
+    if (!item.IsDeleted()) all.Add(ListedSize(item, sizes));
   }
   if (all.files == 0) return;
   Ask(context, {all.Text() + " will be deleted on camera " + Printable(camera.Facts().serial) +
@@ -156,22 +143,15 @@ ExitCode RunSync(Context& context) {
   Manifest manifest(folder, true);
   const CutFiles cuts(folder, manifest);
   RemoveLeftovers(folder, [&cuts](const std::string& name) { return cuts.Keeps(name); });
-  const std::string& serial = camera.Facts().serial;
   PictureTimes times;
-  const Work work = WorkFor(context, camera, choice, manifest, &folder, times);
-  const auto& [plan, others] = work;
+  const SyncPlan plan = PlanFor(context, camera, choice, manifest, &folder, times);
   Sync sync(context, camera.Pointer(), folder, manifest, options, &times);
-  BeginTally(plan, others, choice.everything, sync.Tally());
-  if (options.deleteAfter) AskToDelete(context, camera, work, choice.everything, sync.Tally());
-  auto ended = CheckRoom(*camera, plan, choice.everything ? &others : nullptr, folder, manifest);
+  BeginTally(plan, sync.Tally());
+  if (options.deleteAfter) AskToDelete(context, camera, plan, sync.Tally());
+  auto ended = CheckRoom(*camera, plan, folder, manifest);
   if (!ended) ended = sync.Run(plan);
-  if (!ended && choice.everything) {
-    ended = FetchOthers(context, camera.Pointer(), serial, folder, manifest, CutFiles(folder, manifest), options,
-                        sync.Tally())
-                .Run(others);
-  }
   NoteTrouble(context, times);
-  if (others.isCut) {
+  if (plan.others && plan.others->isCut) {
     context.reporter.Note("Some of what is below DCIM and MISC could not be listed; `kelva tree` shows why.");
   }
   return GiveSummary(context, camera, sync.Totals(), ended);
@@ -238,7 +218,8 @@ a file has no SHA-1 and no time on the camera: its path and size tell whether it
 twice.
 
 --since goes by the time at which a picture was taken; it reads up to 64 KiB of each new picture for that. A picture without
-a time is left out.
+a time is left out. So are the other files, which have none; with --everything they are counted. --folder with --everything
+means the other files below that folder too.
 
 The tokens of a pattern are {folder} {name} {stem} {ext} {number} {serial} {date} {year} {month} {day} {time}. The
 last five are the time at which the picture was taken, in all its files, or "undated". A pattern with one of them, also
