@@ -3,9 +3,6 @@
 
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
-#include <sys/signalfd.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,9 +15,13 @@
 #include <cstring>
 #include <functional>
 #include <new>
+#include <thread>
 
 #include "apps/commandline/Failure.h"
+#include "apps/commandline/Supervisor.h"
 #include "base/FileDescriptor.h"
+#include "base/SignalPipe.h"
+#include "platform/Sockets.h"
 
 namespace apps {
 namespace {
@@ -85,18 +86,44 @@ Guard::Page* Guard::Page::ofThisProcess = nullptr;
 
 namespace {
 
+// A connection between this process and the child that is forked next. The end of either of them hangs up, however it came.
+class Tie {
+ public:
+  Tie() {
+    std::array<int, 2> ends{-1, -1};
+    if (platform::SocketPair(ends) != 0) throw SystemFailure("make a socket", errno);
+    parents_.Reset(ends[0]);
+    childs_.Reset(ends[1]);
+  }
+  /// In the parent, after the fork. Returns a descriptor that hangs up when the child has ended.
+  int ToChild() {
+    childs_.Reset();
+    return parents_.Get();
+  }
+  /// In the child, after the fork: a worker must not outlive the tool, even one that was killed.
+  void EndWithParent() {
+    parents_.Reset();
+    std::thread([tie = childs_.Release()] {
+      pollfd parent{tie, POLLIN, 0};
+      while (::poll(&parent, 1, -1) < 0) {
+      }
+      ::kill(::getpid(), SIGTERM);
+    }).detach();
+  }
+
+ private:
+  base::FileDescriptor parents_;
+  base::FileDescriptor childs_;
+};
+
 // Waits for the child and hands on the signals that are meant to end the tool.
-int WaitFor(pid_t child) {
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&set, signal);
-  const base::FileDescriptor signals(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
-  const base::FileDescriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
-  std::array<pollfd, 2> watched{{{process.Get(), POLLIN, 0}, {signals.Get(), POLLIN, 0}}};
-  while (process && watched[0].revents == 0) {
+int WaitFor(pid_t child, int tie) {
+  const base::SignalPipe signals(kEndingSignals);
+  const base::SignalPipe::Listening listening(signals);
+  std::array<pollfd, 2> watched{{{tie, POLLIN, 0}, {signals.Descriptor(), POLLIN, 0}}};
+  while (watched[0].revents == 0) {
     if (::poll(watched.data(), watched.size(), -1) < 0 && errno != EINTR) break;
-    signalfd_siginfo info{};
-    if (::read(signals.Get(), &info, sizeof info) == sizeof info) ::kill(child, static_cast<int>(info.ssi_signo));
+    while (const int signal = signals.Next()) ::kill(child, signal);
   }
   int status = 0;
   while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
@@ -126,18 +153,16 @@ int Guard::Run(const std::function<int(Guard&)>& work, const std::function<void(
     page.aborted = false;
     page.inItem = false;
     page.current = 0;
-    const pid_t parent = ::getpid();
+    Tie tie;
     const pid_t child = ::fork();
     if (child < 0) throw SystemFailure("start a process", errno);
     if (child == 0) {
-      // A worker must not outlive the tool, even one that was killed. The parent may have ended before the call: check.
-      ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-      if (::getppid() != parent) ::_exit(1);
+      tie.EndWithParent();
       Page::ofThisProcess = &page;
       Guard guard(page);
       return work(guard);
     }
-    const int status = WaitFor(child);
+    const int status = WaitFor(child, tie.ToChild());
     if (WasKilled(status)) {
       NoteKill(page, WTERMSIG(status), say);
       continue;

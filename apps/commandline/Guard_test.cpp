@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -11,6 +13,8 @@
 #include "apps/commandline/Aborts.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Supervisor.h"
+#include "base/FileDescriptor.h"
+#include "platform/Sockets.h"
 
 namespace apps {
 namespace {
@@ -78,6 +82,26 @@ TEST(GuardDeathTest, ASignalToTheToolReachesTheWorker) {
     return 0;
   };
   EXPECT_EXIT(RunAndExit(work), ExitedWithCode(128 + SIGTERM), "");
+}
+
+// The worker of a tool that was killed must not go on with the camera. Its end closes the pipe.
+TEST(GuardDeathTest, AToolThatIsKilledTakesItsWorkerAlong) {
+  const auto work = [](Guard&) {
+    ::kill(::getppid(), SIGKILL);
+    sigset_t none;
+    sigemptyset(&none);
+    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
+    while (true) ::pause();
+    return 0;
+  };
+  std::array<int, 2> ends{};
+  ASSERT_EQ(platform::Pipe(ends), 0);
+  const base::FileDescriptor read(ends[0]);
+  EXPECT_EXIT(RunAndExit(work), testing::KilledBySignal(SIGKILL), "");
+  ::close(ends[1]);
+  pollfd gone{read.Get(), POLLIN, 0};
+  constexpr int kPatienceMs = 10'000;
+  EXPECT_EQ(::poll(&gone, 1, kPatienceMs), 1);
 }
 
 TEST(GuardDeathTest, WorkThatAbortsWithoutEndIsAFailureInWords) {

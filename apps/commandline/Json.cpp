@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "apps/commandline/Decimal.h"
 #include "apps/commandline/Printable.h"
 #include "base/Hex.h"
 
@@ -75,7 +76,7 @@ class Json::Printer {
   void operator()(bool value) const { out_ += value ? "true" : "false"; }
   void operator()(std::int64_t value) const { AppendNumber(out_, value); }
   void operator()(std::uint64_t value) const { AppendNumber(out_, value); }
-  void operator()(double value) const { std::isfinite(value) ? AppendNumber(out_, value) : (void)(out_ += "null"); }
+  void operator()(double value) const { out_ += std::isfinite(value) ? Shortest(value) : "null"; }
   void operator()(const std::string& value) const { AppendText(out_, value); }
   void operator()(const Elements& elements) const {
     out_ += '[';

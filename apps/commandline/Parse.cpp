@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "apps/commandline/Decimal.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Nearest.h"
 #include "apps/commandline/Printable.h"
@@ -274,14 +275,12 @@ const Verb* FindVerb(std::span<const Verb> table, std::string_view name) {
 }
 
 std::chrono::milliseconds ParseSeconds(std::string_view text, std::string_view option, Zero zero) {
-  double seconds = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
-  const bool whole = error == std::errc() && end == text.data() + text.size();
-  if (!whole || !std::isfinite(seconds) || seconds < 0 || (seconds == 0 && zero == Zero::kRefused) || seconds > 1e9) {
+  const std::optional<double> seconds = ParseDecimal(text);
+  if (!seconds || *seconds < 0 || (*seconds == 0 && zero == Zero::kRefused) || *seconds > 1e9) {
     throw Usage(std::string(option) + " needs a number of seconds" + (zero == Zero::kRefused ? " above 0" : "") +
                 ", not \"" + Printable(text) + "\".");
   }
-  return std::chrono::milliseconds(static_cast<long long>(std::ceil(seconds * 1000)));
+  return std::chrono::milliseconds(static_cast<long long>(std::ceil(*seconds * 1000)));
 }
 
 long long ParseNumber(std::string_view text, std::string_view what, long long least, long long most) {

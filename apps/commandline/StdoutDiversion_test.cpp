@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <iostream>
 #include <optional>
+#include <string>
 
 #include "apps/commandline/Output.h"
 #include "base/SendAll.h"
@@ -54,6 +55,17 @@ TEST_F(StdoutDiversionTest, EachLineIsTakenOnce) {
   EXPECT_EQ(diversion_->Taken(), "");
   std::printf("two\n");
   EXPECT_EQ(diversion_->Taken(), "two\n");
+}
+
+TEST_F(StdoutDiversionTest, ALibraryThatNeverEndsToPrintIsNotWaitedForAndNothingOfItIsSeen) {
+  for (int i = 0; i < 100'000; ++i)
+    std::printf("%d%s\n", i, std::string(static_cast<std::size_t>(i % 50), '.').c_str());
+  EXPECT_EQ(diversion_->Taken().substr(0, 6), "0\n1.\n2");
+  EXPECT_EQ(diversion_->Taken(), "");
+  for (int i = 0; i < 100'000; ++i) std::printf("%d\n", i);
+  diversion_.reset();
+  std::fflush(stdout);
+  EXPECT_EQ(::lseek(page_.Get(), 0, SEEK_END), 0);
 }
 
 TEST_F(StdoutDiversionTest, ResultsReachTheRealOutput) {

@@ -3,15 +3,13 @@
 
 #include <poll.h>
 #include <pthread.h>
-#include <sys/eventfd.h>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <cstdint>
 #include <cstdio>
 #include <thread>
 
@@ -19,19 +17,14 @@
 #include "apps/commandline/Output.h"
 #include "apps/commandline/Scratch.h"
 #include "base/FileDescriptor.h"
+#include "base/SignalPipe.h"
+#include "platform/Sockets.h"
 
 namespace apps {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
-
-sigset_t EndingSignals() {
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&set, signal);
-  return set;
-}
 
 enum class Cause { kDone, kSignal, kDeadline };
 
@@ -46,8 +39,13 @@ int PollTime(std::optional<Clock::time_point> until) {
 // The thread that does the work, and the descriptor that says when it has ended.
 class Worker {
  public:
-  explicit Worker(const std::function<ExitCode(const Stop&)>& work)
-      : done_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), thread_([this, &work] { Run(work); }) {}
+  explicit Worker(const std::function<ExitCode(const Stop&)>& work) {
+    std::array<int, 2> ends{-1, -1};
+    if (platform::Pipe(ends) != 0) throw SystemFailure("make a pipe", errno);
+    done_.Reset(ends[0]);
+    running_.Reset(ends[1]);
+    thread_ = std::thread([this, &work] { Run(work); });
+  }
   ~Worker() { thread_.join(); }
   Worker(const Worker&) = delete;
   Worker& operator=(const Worker&) = delete;
@@ -68,15 +66,15 @@ class Worker {
       result_ = ExitCode::kReaderGone;
     }
     ended_.store(true);
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = ::write(done_.Get(), &one, sizeof one);
+    running_.Reset();
   }
 
-  base::FileDescriptor done_;
+  base::FileDescriptor done_;     // hangs up when the other end is closed
+  base::FileDescriptor running_;  // for as long as the thread works
   Stop stop_;
   ExitCode result_ = ExitCode::kFailed;
   std::atomic<bool> ended_ = false;
-  std::thread thread_;  // last: the others exist when it starts
+  std::thread thread_;
 };
 
 // Calls `tick` about once a second.
@@ -104,8 +102,8 @@ std::string InWords(milliseconds time) {
 }  // namespace
 
 void TakeOverSignals() {
-  const sigset_t set = EndingSignals();
-  // Threads inherit the mask: only the descriptor in Supervise ever receives these signals.
+  const sigset_t set = base::SetOf(kEndingSignals);
+  // Threads inherit the mask: only the thread that supervises ever receives these signals.
   ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
   // When the reader has gone, write fails and the tool reports it, instead of dying silently.
   std::signal(SIGPIPE, SIG_IGN);
@@ -124,16 +122,16 @@ std::string WhyEnded(const Supervision& supervision, bool late) {
 
 ExitCode Supervise(const std::function<ExitCode(const Stop&)>& work, const Supervision& supervision,
                    Reporter& reporter) {
-  const sigset_t set = EndingSignals();
-  const base::FileDescriptor signals(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+  const base::SignalPipe signals(kEndingSignals);
   if (!signals) throw SystemFailure("watch for signals", errno);
   std::optional<Clock::time_point> deadline;
   if (supervision.timeout) deadline = Clock::now() + *supervision.timeout - supervision.spent;
 
   Worker worker(work);
+  const base::SignalPipe::Listening listening(signals);  // not before the worker starts, which would inherit it
   std::function<void(Clock::time_point)> tick;
   if (reporter.Style().terminal) tick = [&reporter](Clock::time_point now) { reporter.Tick(now); };
-  const Cause cause = WaitForCause(worker, signals.Get(), deadline, tick);
+  const Cause cause = WaitForCause(worker, signals.Descriptor(), deadline, tick);
   if (cause == Cause::kDone) return worker.Result();
 
   const bool late = cause == Cause::kDeadline;

@@ -1,7 +1,9 @@
 #ifndef KELVA_APPS_COMMANDLINE_SUPERVISOR_H_
 #define KELVA_APPS_COMMANDLINE_SUPERVISOR_H_
 
+#include <array>
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <optional>
 #include <string>
@@ -12,7 +14,10 @@
 
 namespace apps {
 
-/// Blocks the signals that end the tool (SIGINT, SIGTERM, SIGHUP) in this thread and all that it starts, and ignores
+/// The signals that end the tool.
+inline constexpr std::array kEndingSignals{SIGINT, SIGTERM, SIGHUP};
+
+/// Blocks the signals that end the tool in this thread and all that it starts, and ignores
 /// SIGPIPE. Call it before the first thread starts.
 void TakeOverSignals();
 

@@ -1,15 +1,10 @@
 #ifndef KELVA_APPS_KELVA_VERBS_NUMBER_H_
 #define KELVA_APPS_KELVA_VERBS_NUMBER_H_
 
-#include <string>
-
+#include "apps/commandline/Decimal.h"
 #include "apps/commandline/Json.h"
 
 namespace apps {
-
-/// The shortest decimal number that is the same value.
-std::string Shortest(float value);
-std::string Shortest(double value);
 
 /// A camera's single-precision number as the number a person reads: 0.87, not 0.8700000047683716. Null when not finite.
 Json NumberOf(float value);
