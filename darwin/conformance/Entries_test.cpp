@@ -86,6 +86,51 @@ TEST_F(Entries, ADeadHandleHasNoParentAndNothingIsWritten) {
   EXPECT_EQ(parent, kUntouched);
 }
 
+/// The children of an entry in the service plane, in the iterator's order.
+std::vector<Object> ChildrenOf(const Object& entry) {
+  io_iterator_t children = 0;
+  EXPECT_EQ(IORegistryEntryGetChildIterator(entry.Number(), kIOServicePlane, &children), kIOReturnSuccess);
+  return Drain(Object(children));
+}
+
+TEST_F(Entries, TheParentHasTheEntryAmongItsChildren) {
+  Plug();
+  const Object service = FindCamera();
+  int found = 0;
+  for (const Object& child : ChildrenOf(ParentOf(service))) found += child.Number() == service.Number() ? 1 : 0;
+  EXPECT_EQ(found, 1);
+}
+
+TEST_F(EntriesOfACamera, ADriverWithoutConnectionsHasNoChildren) {
+  Plug();
+  EXPECT_EQ(ChildrenOf(FindCamera()).size(), 0u);
+}
+
+TEST_F(EntriesOfACamera, AnEntryThatHasGoneIsNobodysChild) {
+  const int camera = Plug();
+  const Object inquiry = ParentOf(FindCamera());
+  const Object bus = ParentOf(ParentOf(inquiry));
+  const std::size_t before = ChildrenOf(bus).size();
+  Unplug(camera);
+  EXPECT_EQ(ChildrenOf(bus).size(), before - 1);
+}
+
+TEST_F(Entries, ADeadHandleHasNoChildrenAndNothingIsWritten) {
+  io_iterator_t children = kUntouched;
+  EXPECT_EQ(IORegistryEntryGetChildIterator(0, kIOServicePlane, &children), MACH_SEND_INVALID_DEST);
+  EXPECT_EQ(IORegistryEntryGetChildIterator(0x12345678, kIOServicePlane, &children), MACH_SEND_INVALID_DEST);
+  EXPECT_EQ(children, kUntouched);
+}
+
+TEST_F(Entries, WhatIsNoEntryHasNoChildren) {
+  Plug();
+  io_iterator_t services = 0;
+  ASSERT_EQ(IOServiceGetMatchingServices(MACH_PORT_NULL, MatchingCameras(), &services), kIOReturnSuccess);
+  const Object iterator(services);
+  io_iterator_t children = kUntouched;
+  EXPECT_EQ(IORegistryEntryGetChildIterator(iterator.Number(), kIOServicePlane, &children), kIOReturnBadArgument);
+}
+
 TEST_F(EntriesOfACamera, ABadCameraIsACompactDiscTwoLevelsBelowItsInquiryData) {
   Plug({.serial = "K9", .revision = "Q42", .peripheralType = 5});
   const Object disc = FindOne(IOServiceMatching("IOCompactDiscServices"));

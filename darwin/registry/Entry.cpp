@@ -16,4 +16,13 @@ const PropertyValue* Entry::Property(const std::string& key) const {
   return found == description_.properties.end() ? nullptr : &found->second;
 }
 
+std::vector<std::shared_ptr<Entry>> Entry::ActiveChildren() const {
+  std::vector<std::shared_ptr<Entry>> found;
+  for (const std::weak_ptr<Entry>& child : children) {
+    std::shared_ptr<Entry> entry = child.lock();
+    if (entry != nullptr && entry->active) found.push_back(std::move(entry));
+  }
+  return found;
+}
+
 }  // namespace darwin

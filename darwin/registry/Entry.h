@@ -27,6 +27,8 @@ class Entry final : public KernelObject {
   bool IsOfClass(std::string_view className) const;
   /// The entry's own property; null when it has none of that name.
   const PropertyValue* Property(const std::string& key) const;
+  /// Those that are not terminated, oldest first.
+  std::vector<std::shared_ptr<Entry>> ActiveChildren() const;
 
   bool active = true;       ///< until it is terminated
   bool registered = false;  ///< matching finds it while it is active

@@ -3,6 +3,8 @@
 #include <IOKit/IOKitLib.h>
 
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include "darwin/cf/String.h"
 #include "darwin/registry/Matching.h"
@@ -56,6 +58,19 @@ kern_return_t IORegistryEntryGetParentEntry(io_registry_entry_t entry, const io_
     return kIOReturnNoDevice;
   }
   *parent = SharedState().handles.Grant(child->Parent());
+  return kIOReturnSuccess;
+}
+
+kern_return_t IORegistryEntryGetChildIterator(io_registry_entry_t entry, const io_name_t plane,
+                                              io_iterator_t* iterator) {
+  const std::lock_guard lock(SharedState().mutex);
+  const std::shared_ptr<KernelObject> object = SharedState().handles.Find(entry);
+  if (object == nullptr) return MACH_SEND_INVALID_DEST;
+  const auto* parent = dynamic_cast<const Entry*>(object.get());
+  if (parent == nullptr) return kIOReturnBadArgument;
+  std::vector<std::shared_ptr<Entry>> children;
+  if (std::strcmp(plane, kIOServicePlane) == 0) children = parent->ActiveChildren();
+  *iterator = SharedState().handles.Grant(std::make_shared<darwin::SnapshotIterator>(std::move(children)));
   return kIOReturnSuccess;
 }
 
