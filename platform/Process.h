@@ -2,6 +2,7 @@
 #define KELVA_PLATFORM_PROCESS_H_
 
 #include <spawn.h>
+#include <sys/types.h>
 
 #include <string>
 
@@ -12,6 +13,9 @@ std::string OwnProgram();
 /// A path that starts this program once more, also when another one has taken its name meanwhile if the system can do that.
 /// Any thread.
 std::string OwnImage();
+
+/// The name of a process; "a process" when it has ended or hides it. Any thread.
+std::string ProcessName(pid_t process);
 
 /// The environment: "NAME=value" each, then null. It belongs to the process.
 char** Environment();

@@ -19,6 +19,14 @@ TEST(ProcessTest, TheProgramKnowsItsOwnPath) {
   EXPECT_TRUE(std::filesystem::equivalent(OwnProgram(), OwnImage()));
 }
 
+TEST(ProcessTest, AProcessHasAName) {
+  EXPECT_TRUE(ProcessName(::getpid()).starts_with("platform_")) << ProcessName(::getpid());
+  const pid_t ended = ::fork();
+  if (ended == 0) ::_exit(0);
+  ::waitpid(ended, nullptr, 0);
+  EXPECT_EQ(ProcessName(ended), "a process");
+}
+
 TEST(ProcessTest, TheEnvironmentIsTheOneOfThisProcess) {
   ::setenv("KELVA_PLATFORM_TEST", "here", 1);
   bool found = false;

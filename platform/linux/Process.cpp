@@ -6,6 +6,7 @@
 
 #include <array>
 #include <climits>
+#include <fstream>
 
 namespace platform {
 
@@ -17,6 +18,13 @@ std::string OwnProgram() {
 
 std::string OwnImage() {
   return "/proc/self/exe";
+}
+
+std::string ProcessName(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+  std::string name;
+  std::getline(file, name);
+  return name.empty() ? "a process" : name;
 }
 
 char** Environment() {

@@ -2,6 +2,7 @@
 #include "platform/Process.h"
 
 #include <crt_externs.h>
+#include <libproc.h>
 #include <mach-o/dyld.h>
 #include <stdlib.h>
 
@@ -22,6 +23,12 @@ std::string OwnProgram() {
 
 std::string OwnImage() {
   return OwnProgram();
+}
+
+std::string ProcessName(pid_t process) {
+  std::array<char, PROC_PIDPATHINFO_MAXSIZE> name{};
+  const int length = ::proc_name(process, name.data(), static_cast<std::uint32_t>(name.size()));
+  return length > 0 ? std::string(name.data(), static_cast<std::size_t>(length)) : "a process";
 }
 
 // A library could not name `environ` there.
