@@ -7,12 +7,13 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
-#include "apps/kelva/doctor/Holders.h"
-#include "apps/kelva/doctor/Survey.h"
+#include "apps/kelva/doctor/Machine.h"
+#include "apps/kelva/doctor/linux/Survey.h"
 #include "bus/BusClient.h"
 #include "bus/BusConnection.h"
 #include "darwin/registry/Registry.h"
 #include "darwin/udev/UdevSource.h"
+#include "platform/Process.h"
 
 namespace apps {
 namespace {
@@ -25,7 +26,7 @@ std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::s
     const auto cameras = bus::Decode<std::vector<bus::CameraStatus>>(bus.Request(bus::Kind::kStatus, {}).payload);
     for (const bus::CameraStatus& camera : cameras.value_or(std::vector<bus::CameraStatus>())) {
       const int pid = static_cast<int>(camera.holder);
-      if (camera.serial == serial && pid != 0) holders.push_back({pid, doctor::ProcessName(pid)});
+      if (camera.serial == serial && pid != 0) holders.push_back({pid, platform::ProcessName(pid)});
     }
   } catch (const std::runtime_error&) {
     // Optional: the message is complete without the holder's name.

@@ -16,7 +16,7 @@ ELSEWHERE = {
     "darwin/cf/EventLoop_test.cpp": "darwin/cf/WatchDescriptor.cpp",
     # They talk to udev and to the kernel, which a mock machine answers there.
     "tests/umockdev": """
-        darwin/udev/UdevSource.cpp darwin/udev/UnitReader.cpp""",
+        apps/kelva/doctor/linux/Machine.cpp darwin/udev/UdevSource.cpp darwin/udev/UnitReader.cpp""",
     "embed/EventLoop_test.cpp": "embed/EventDescriptor.cpp",
     "tests/macos/library_sources_test.py": "embed/macos/CameraSource.cpp embed/macos/EventDescriptor.cpp",
     "tests/umockdev/DefaultSource_test.cpp": "darwin/udev/DefaultSource.cpp",

@@ -7,9 +7,7 @@
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Printable.h"
-#include "apps/kelva/doctor/Diagnosis.h"
-#include "apps/kelva/doctor/Probe.h"
-#include "apps/kelva/doctor/Survey.h"
+#include "apps/kelva/doctor/Machine.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
@@ -68,14 +66,10 @@ std::vector<doctor::Finding> ExamineBus(Context& context, const std::string& soc
            "kelva-vcam plug --virtual " + socket + " --serial K1 --storage FOLDER", ""}};
 }
 
-std::vector<doctor::Finding> ExamineMachine() {
-  return doctor::Diagnose(doctor::SurveyMachine([](const std::string& node) { return doctor::AskCamera(node); }));
-}
-
 ExitCode RunDoctor(Context& context) {
   const auto socket = context.call.Value("virtual");
   context.Doing(socket ? "look at the virtual bus" : "look at this machine");
-  const auto findings = socket ? ExamineBus(context, *socket) : ExamineMachine();
+  const auto findings = socket ? ExamineBus(context, *socket) : doctor::ExamineMachine();
   Json list = Json::Array();
   std::string text;
   bool harmless = true;

@@ -1,4 +1,4 @@
-#include "apps/kelva/doctor/Probe.h"
+#include "apps/kelva/doctor/linux/Probe.h"
 
 #include <gtest/gtest.h>
 #include <scsi/sg.h>

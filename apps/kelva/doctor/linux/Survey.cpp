@@ -1,6 +1,6 @@
 // Collects what udev, sysfs and /proc show of every camera on this machine.
 
-#include "apps/kelva/doctor/Survey.h"
+#include "apps/kelva/doctor/linux/Survey.h"
 
 #include <grp.h>
 #include <pwd.h>
@@ -16,8 +16,8 @@
 #include <functional>
 #include <set>
 
-#include "apps/kelva/doctor/Holders.h"
-#include "apps/kelva/doctor/Rules.h"
+#include "apps/kelva/doctor/linux/Holders.h"
+#include "apps/kelva/doctor/linux/Rules.h"
 #include "darwin/udev/UdevHandles.h"
 #include "wire/RegistryNames.h"
 
@@ -170,11 +170,6 @@ std::string NodeOfCamera(const std::string& serial) {
     if (!error && SerialAbove(device) == serial) return "/dev/" + entry.path().filename().string();
   }
   return {};
-}
-
-std::vector<Holder> HoldersOfCamera(const std::string& serial) {
-  const std::string node = NodeOfCamera(serial);
-  return node.empty() ? std::vector<Holder>() : HoldersOf(node);
 }
 
 }  // namespace apps::doctor

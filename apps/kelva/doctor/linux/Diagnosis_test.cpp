@@ -1,4 +1,4 @@
-#include "apps/kelva/doctor/Diagnosis.h"
+#include "apps/kelva/doctor/linux/Diagnosis.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -174,14 +174,6 @@ TEST(DiagnosisTest, EachCameraHasItsOwnFindingAndTheMachineComesLast) {
   EXPECT_EQ(findings[0].condition, Condition::kWell);
   EXPECT_EQ(findings[1].serial, "SN2");
   EXPECT_EQ(findings[2].condition, Condition::kNoUdev);
-}
-
-TEST(DiagnosisTest, EveryConditionHasAWordOfItsOwn) {
-  std::vector<std::string_view> words;
-  for (int i = 0; i <= static_cast<int>(Condition::kNoUdev); ++i) words.push_back(WordOf(static_cast<Condition>(i)));
-  std::sort(words.begin(), words.end());
-  EXPECT_EQ(std::adjacent_find(words.begin(), words.end()), words.end());
-  EXPECT_EQ(std::count(words.begin(), words.end(), "unknown"), 0);
 }
 
 }  // namespace

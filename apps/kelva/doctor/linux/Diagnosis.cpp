@@ -1,12 +1,10 @@
 // Judges what the survey found: why each camera does not work, and the command that mends it.
 
-#include "apps/kelva/doctor/Diagnosis.h"
+#include "apps/kelva/doctor/linux/Diagnosis.h"
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 
-#include "apps/kelva/doctor/Holders.h"
 #include "wire/RegistryNames.h"
 
 namespace apps::doctor {
@@ -129,33 +127,12 @@ Finding NoUdev() {
 
 }  // namespace
 
-std::string_view WordOf(Condition condition) {
-  // In the order of Condition.
-  static constexpr std::array<std::string_view, 12> kWords = {"well",
-                                                              "no-device",
-                                                              "driver-not-loaded",
-                                                              "not-set-up",
-                                                              "no-generic-driver",
-                                                              "no-node",
-                                                              "no-permission",
-                                                              "held",
-                                                              "bad-camera",
-                                                              "not-answering",
-                                                              "narrow",
-                                                              "no-udev"};
-  return kWords.at(static_cast<std::size_t>(condition));
-}
-
 std::vector<Finding> Diagnose(const MachineFacts& facts) {
   std::vector<Finding> findings;
   for (const CameraFacts& camera : facts.cameras) findings.push_back(DiagnoseCamera(camera, facts));
   if (findings.empty()) findings.push_back(NoDevice());
   if (!facts.udevRuns) findings.push_back(NoUdev());
   return findings;
-}
-
-bool IsHarmless(Condition condition) {
-  return condition == Condition::kWell || condition == Condition::kNoUdev;
 }
 
 }  // namespace apps::doctor

@@ -1,18 +1,13 @@
-#ifndef KELVA_APPS_KELVA_DOCTOR_FACTS_H_
-#define KELVA_APPS_KELVA_DOCTOR_FACTS_H_
+#ifndef KELVA_APPS_KELVA_DOCTOR_LINUX_FACTS_H_
+#define KELVA_APPS_KELVA_DOCTOR_LINUX_FACTS_H_
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace apps::doctor {
+#include "apps/kelva/doctor/Holder.h"
 
-/// A process that uses a camera's node.
-struct Holder {
-  int pid = 0;
-  std::string name;
-  bool operator==(const Holder&) const = default;
-};
+namespace apps::doctor {
 
 /// How a camera answered one short question.
 enum class Answer { kNotAsked, kAnswers, kSilent, kFails };
@@ -55,4 +50,4 @@ struct MachineFacts {
 
 }  // namespace apps::doctor
 
-#endif  // KELVA_APPS_KELVA_DOCTOR_FACTS_H_
+#endif  // KELVA_APPS_KELVA_DOCTOR_LINUX_FACTS_H_

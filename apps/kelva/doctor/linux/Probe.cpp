@@ -1,6 +1,6 @@
 // Asks one camera one short question through its node.
 
-#include "apps/kelva/doctor/Probe.h"
+#include "apps/kelva/doctor/linux/Probe.h"
 
 #include <array>
 

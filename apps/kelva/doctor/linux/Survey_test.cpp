@@ -1,4 +1,4 @@
-#include "apps/kelva/doctor/Survey.h"
+#include "apps/kelva/doctor/linux/Survey.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -8,7 +8,7 @@
 
 #include <cerrno>
 
-#include "apps/kelva/doctor/Diagnosis.h"
+#include "apps/kelva/doctor/linux/Diagnosis.h"
 #include "tests/umockdev/MockMachine.h"
 
 namespace apps::doctor {

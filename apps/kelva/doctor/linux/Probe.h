@@ -1,9 +1,9 @@
-#ifndef KELVA_APPS_KELVA_DOCTOR_PROBE_H_
-#define KELVA_APPS_KELVA_DOCTOR_PROBE_H_
+#ifndef KELVA_APPS_KELVA_DOCTOR_LINUX_PROBE_H_
+#define KELVA_APPS_KELVA_DOCTOR_LINUX_PROBE_H_
 
 #include <string>
 
-#include "apps/kelva/doctor/Facts.h"
+#include "apps/kelva/doctor/linux/Facts.h"
 #include "darwin/sg/SgSystem.h"
 
 namespace apps::doctor {
@@ -14,4 +14,4 @@ Answer AskCamera(const std::string& node, darwin::sg::SgSystem& system = darwin:
 
 }  // namespace apps::doctor
 
-#endif  // KELVA_APPS_KELVA_DOCTOR_PROBE_H_
+#endif  // KELVA_APPS_KELVA_DOCTOR_LINUX_PROBE_H_

@@ -1,6 +1,6 @@
 // Finds the processes that use a camera's node, from /proc.
 
-#include "apps/kelva/doctor/Holders.h"
+#include "apps/kelva/doctor/linux/Holders.h"
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -8,9 +8,12 @@
 
 #include <charconv>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
+
+#include "platform/Process.h"
 
 namespace apps::doctor {
 namespace {
@@ -49,10 +52,10 @@ int ProcessNumber(const fs::path& directory) {
   return error == std::errc() && end == name.data() + name.size() ? pid : 0;
 }
 
-std::set<int> ThoseWith(const struct stat& node, const fs::path& proc) {
+std::set<int> ThoseWith(const struct stat& node) {
   std::set<int> pids;
   std::error_code ignored;
-  for (const auto& entry : fs::directory_iterator(proc, ignored)) {
+  for (const auto& entry : fs::directory_iterator("/proc", ignored)) {
     const int pid = ProcessNumber(entry.path());
     if (pid != 0 && HasOpen(entry.path(), node)) pids.insert(pid);
   }
@@ -60,21 +63,6 @@ std::set<int> ThoseWith(const struct stat& node, const fs::path& proc) {
 }
 
 }  // namespace
-
-std::string ProcessName(int pid, const fs::path& proc) {
-  std::ifstream file(proc / std::to_string(pid) / "comm");
-  std::string name;
-  std::getline(file, name);
-  return name.empty() ? "a process" : name;
-}
-
-std::string InWords(const std::vector<Holder>& holders) {
-  std::string words;
-  for (const Holder& holder : holders) {
-    words += (words.empty() ? "" : ", ") + holder.name + " (process " + std::to_string(holder.pid) + ")";
-  }
-  return words;
-}
 
 std::vector<int> LockHolders(std::istream& locks, const FileIdentity& file) {
   std::vector<int> holders;
@@ -86,18 +74,18 @@ std::vector<int> LockHolders(std::istream& locks, const FileIdentity& file) {
   return holders;
 }
 
-std::vector<Holder> HoldersOf(const std::string& node, const fs::path& proc) {
+std::vector<Holder> HoldersOf(const std::string& node) {
   struct stat status;
   if (::stat(node.c_str(), &status) != 0) return {};
-  std::ifstream locks(proc / "locks");
+  std::ifstream locks("/proc/locks");
   const auto locking = LockHolders(locks, {major(status.st_dev), minor(status.st_dev), status.st_ino});
   std::set<int> pids(locking.begin(), locking.end());
   // Programs that wait for the lock have the node open too, and hold nothing.
-  if (pids.empty()) pids = ThoseWith(status, proc);
+  if (pids.empty()) pids = ThoseWith(status);
   pids.erase(::getpid());  // the doctor itself may have the node open
   std::vector<Holder> holders;
   holders.reserve(pids.size());
-  for (int pid : pids) holders.push_back({pid, ProcessName(pid, proc)});
+  for (int pid : pids) holders.push_back({pid, platform::ProcessName(pid)});
   return holders;
 }
 

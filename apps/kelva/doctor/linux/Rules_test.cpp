@@ -1,4 +1,4 @@
-#include "apps/kelva/doctor/Rules.h"
+#include "apps/kelva/doctor/linux/Rules.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

@@ -1,4 +1,4 @@
-#include "apps/kelva/doctor/Holders.h"
+#include "apps/kelva/doctor/linux/Holders.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 // Looks for the installed udev rule.
 
-#include "apps/kelva/doctor/Rules.h"
+#include "apps/kelva/doctor/linux/Rules.h"
 
 #include <unistd.h>
 

@@ -1,11 +1,11 @@
-#ifndef KELVA_APPS_KELVA_DOCTOR_SURVEY_H_
-#define KELVA_APPS_KELVA_DOCTOR_SURVEY_H_
+#ifndef KELVA_APPS_KELVA_DOCTOR_LINUX_SURVEY_H_
+#define KELVA_APPS_KELVA_DOCTOR_LINUX_SURVEY_H_
 
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "apps/kelva/doctor/Facts.h"
+#include "apps/kelva/doctor/linux/Facts.h"
 
 namespace apps::doctor {
 
@@ -19,9 +19,6 @@ MachineFacts SurveyMachine(const Probe& probe);
 /// The node of the camera with this serial number, such as "/dev/sg3"; empty when there is none.
 std::string NodeOfCamera(const std::string& serial);
 
-/// The processes, except this one, that hold the camera with this serial number.
-std::vector<Holder> HoldersOfCamera(const std::string& serial);
-
 }  // namespace apps::doctor
 
-#endif  // KELVA_APPS_KELVA_DOCTOR_SURVEY_H_
+#endif  // KELVA_APPS_KELVA_DOCTOR_LINUX_SURVEY_H_

@@ -1,11 +1,8 @@
-#ifndef KELVA_APPS_KELVA_DOCTOR_DIAGNOSIS_H_
-#define KELVA_APPS_KELVA_DOCTOR_DIAGNOSIS_H_
+#ifndef KELVA_APPS_KELVA_DOCTOR_FINDING_H_
+#define KELVA_APPS_KELVA_DOCTOR_FINDING_H_
 
 #include <string>
 #include <string_view>
-#include <vector>
-
-#include "apps/kelva/doctor/Facts.h"
 
 namespace apps::doctor {
 
@@ -23,10 +20,14 @@ enum class Condition {
   kNotAnswering,
   kNarrow,
   kNoUdev,
+  kNoVendor,
 };
 
 /// The condition's stable word, for scripts.
 std::string_view WordOf(Condition condition);
+
+/// True when this condition does not keep anyone from using a camera.
+bool IsHarmless(Condition condition);
 
 /// One finding, and what mends it.
 struct Finding {
@@ -41,13 +42,6 @@ struct Finding {
   std::string advice;
 };
 
-/// Judges the facts. Gives for each camera the first obstacle, counted from the cable upwards, then the findings about
-/// the machine. Never empty: without a camera it says that there is none.
-std::vector<Finding> Diagnose(const MachineFacts& facts);
-
-/// True when this condition does not keep anyone from using a camera.
-bool IsHarmless(Condition condition);
-
 }  // namespace apps::doctor
 
-#endif  // KELVA_APPS_KELVA_DOCTOR_DIAGNOSIS_H_
+#endif  // KELVA_APPS_KELVA_DOCTOR_FINDING_H_

@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_KELVA_DOCTOR_RULES_H_
-#define KELVA_APPS_KELVA_DOCTOR_RULES_H_
+#ifndef KELVA_APPS_KELVA_DOCTOR_LINUX_RULES_H_
+#define KELVA_APPS_KELVA_DOCTOR_LINUX_RULES_H_
 
 #include <string>
 
@@ -11,4 +11,4 @@ std::string InstalledRules(const std::string& root = "");
 
 }  // namespace apps::doctor
 
-#endif  // KELVA_APPS_KELVA_DOCTOR_RULES_H_
+#endif  // KELVA_APPS_KELVA_DOCTOR_LINUX_RULES_H_
