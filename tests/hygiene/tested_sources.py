@@ -17,6 +17,7 @@ ELSEWHERE = {
     # They talk to udev and to the kernel, which a mock machine answers there.
     "tests/umockdev": """
         apps/kelva/doctor/linux/Machine.cpp darwin/udev/UdevSource.cpp darwin/udev/UnitReader.cpp""",
+    "apps/kelva/doctor/macos/Survey_test.cpp": "apps/kelva/doctor/macos/Machine.cpp",
     "embed/EventLoop_test.cpp": "embed/EventDescriptor.cpp",
     "tests/macos/library_sources_test.py": "embed/macos/CameraSource.cpp embed/macos/EventDescriptor.cpp",
     "tests/umockdev/DefaultSource_test.cpp": "darwin/udev/DefaultSource.cpp",
