@@ -21,6 +21,7 @@ ELSEWHERE = {
     "embed/EventLoop_test.cpp": "embed/EventDescriptor.cpp",
     "tests/macos/library_sources_test.py": "embed/macos/CameraSource.cpp embed/macos/EventDescriptor.cpp",
     "tests/umockdev/DefaultSource_test.cpp": "darwin/udev/DefaultSource.cpp",
+    "src/ui/linux/KelvaHelper/CameraSource_test.cpp": "src/ui/linux/KelvaHelper/VirtualCameraSource.cpp",
     "vcam/server/Bus_test.cpp": "vcam/server/BusRequests.cpp",
     # One test for what the build chooses among.
     "platform/Files_test.cpp": "platform/linux/Files.cpp platform/macos/Files.cpp",
