@@ -38,6 +38,14 @@ std::string PathOf(int descriptor);
 /// The permissions that the system gives a new file in an open folder: by the umask, or by the folder's default list.
 mode_t ModeOfNewFile(int folder);
 
+/// The access control list of an open folder, as the kernel keeps it; empty when the permissions say all, and on a system that
+/// keeps such lists in another way.
+std::string AccessListOf(int folder);
+/// Gives a file of an open folder this list. Follows no link. False when that is refused.
+bool SetAccessList(int folder, const char* name, const std::string& list);
+/// Takes the list of a file away, which leaves its permissions. Follows no link.
+void RemoveAccessList(int folder, const char* name);
+
 /// When a file's content was last changed.
 timespec ContentChanged(const struct stat& status);
 /// When anything of a file, its permissions included, was last changed.

@@ -1,7 +1,6 @@
 #include "apps/commandline/Progress.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
@@ -10,6 +9,7 @@
 
 #include "apps/commandline/Printable.h"
 #include "base/FileDescriptor.h"
+#include "base/testing/UnnamedFile.h"
 
 namespace apps {
 namespace {
@@ -78,7 +78,7 @@ class ProgressTest : public testing::Test {
     return std::string(buffer.data(), static_cast<std::size_t>(size));
   }
 
-  base::FileDescriptor page_{::memfd_create("page", MFD_CLOEXEC)};
+  base::FileDescriptor page_{base::test::UnnamedFile()};
   Stop stop_;
 };
 

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
@@ -10,6 +9,7 @@
 #include <string>
 
 #include "base/FileDescriptor.h"
+#include "base/testing/UnnamedFile.h"
 
 namespace apps {
 namespace {
@@ -17,7 +17,7 @@ namespace {
 // Standard error that can be read back.
 class Page {
  public:
-  Page() : file_(::memfd_create("page", MFD_CLOEXEC)) {}
+  Page() : file_(base::test::UnnamedFile()) {}
   int Fd() const { return file_.Get(); }
   std::string Text() const {
     std::array<char, 4096> buffer{};

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -12,6 +11,7 @@
 
 #include "apps/commandline/Output.h"
 #include "base/SendAll.h"
+#include "base/testing/UnnamedFile.h"
 
 namespace apps {
 namespace {
@@ -29,7 +29,7 @@ class StdoutDiversionTest : public testing::Test {
     ::dup2(saved_.Get(), STDOUT_FILENO);
   }
 
-  base::FileDescriptor page_{::memfd_create("page", MFD_CLOEXEC)};
+  base::FileDescriptor page_{base::test::UnnamedFile()};
   base::FileDescriptor saved_;
   std::optional<StdoutDiversion> diversion_;
 };

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,6 +15,7 @@
 #include "apps/commandline/Scratch.h"
 #include "base/FileDescriptor.h"
 #include "base/testing/ScratchFolder.h"
+#include "base/testing/UnnamedFile.h"
 
 namespace apps {
 namespace {
@@ -33,7 +33,7 @@ class SupervisorTest : public testing::Test {
     return std::string(buffer.data(), static_cast<std::size_t>(size));
   }
 
-  base::FileDescriptor page_{::memfd_create("page", MFD_CLOEXEC)};
+  base::FileDescriptor page_{base::test::UnnamedFile()};
   Reporter reporter_{"kelva", page_.Get(), {}};
 };
 

@@ -21,7 +21,7 @@ constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
 
 base::FileDescriptor OpenOrMake(const TargetFolder& folder) {
   base::FileDescriptor made(::openat(folder.Fd(), kLockName.data(), kFlags | O_CREAT | O_EXCL, kOwnerOnly));
-  if (made) LimitToWriters(folder.Fd(), made.Get());
+  if (made) LimitToWriters(folder.Fd(), kLockName.data());
   if (made || errno != EEXIST) return made;
   return base::FileDescriptor(::openat(folder.Fd(), kLockName.data(), kFlags));
 }
@@ -31,12 +31,16 @@ bool IsPlainFile(int file) {
   return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
 }
 
+bool IsPlainFile(int folder, const std::string& name) {
+  struct stat status {};
+  return ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode);
+}
+
 }  // namespace
 
 void LimitToWriters(const TargetFolder& folder, const std::string& name) {
-  // To open and close a file here would give up the locks that SQLite holds on it; to look at it would not.
-  const base::FileDescriptor file(::openat(folder.Fd(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-  if (file && IsPlainFile(file.Get())) LimitToWriters(folder.Fd(), file.Get());
+  // By its name: to open and close the file here would give up the locks that SQLite holds on it.
+  if (IsPlainFile(folder.Fd(), name)) LimitToWriters(folder.Fd(), name.c_str());
 }
 
 FolderLock::FolderLock(const TargetFolder& folder) : file_(OpenOrMake(folder)) {

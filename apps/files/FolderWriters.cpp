@@ -1,8 +1,8 @@
 // Limits a file to those who may write into its folder.
 #include "apps/files/FolderWriters.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "base/Bytes.h"
+#include "platform/Files.h"
 
 namespace apps {
 namespace {
 
-constexpr const char* kAccess = "system.posix_acl_access";
 constexpr std::uint32_t kVersion = 2;
 constexpr std::size_t kHead = 4;
 constexpr std::size_t kEntry = 8;  // tag and permissions in 16 bits each, and a user or group
@@ -37,14 +37,6 @@ mode_t ModeFor(const struct stat& folder) {
   return mode;
 }
 
-/// The folder's list; empty when its permissions say all.
-std::string AclOf(int folder) {
-  constexpr std::size_t kLargest = 65'536;
-  std::string acl(kLargest, '\0');
-  const ssize_t size = ::fgetxattr(folder, kAccess, acl.data(), acl.size());
-  return acl.substr(0, size < 0 ? 0 : static_cast<std::size_t>(size));
-}
-
 std::span<const std::uint8_t> BytesOf(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
@@ -64,10 +56,6 @@ std::uint16_t PermissionsFor(std::uint16_t tag, std::uint16_t inFolder, std::uin
   return (effective & kWrite) != 0 ? kReadWrite : std::uint16_t{0};
 }
 
-bool SetAcl(const std::string& path, const std::string& acl) {
-  return !acl.empty() && ::setxattr(path.c_str(), kAccess, acl.data(), acl.size(), 0) == 0;
-}
-
 }  // namespace
 
 std::string AclForWriters(std::string_view folder, bool sameGroup) {
@@ -85,19 +73,20 @@ std::string AclForWriters(std::string_view folder, bool sameGroup) {
   return {acl.begin(), acl.end()};
 }
 
-void LimitToWriters(int folder, int file) {
+void LimitToWriters(int folder, const char* name) {
   struct stat status {};
   if (::fstat(folder, &status) != 0) return;
-  // The one name under which a file of O_PATH can be changed.
-  const std::string path = "/proc/self/fd/" + std::to_string(file);
-  const std::string acl = AclOf(folder);
+  const std::string acl = platform::AccessListOf(folder);
   const mode_t mode = ModeFor(status);
   const bool alone = mode == kOwnerAlone && acl.empty();
-  const bool sameGroup = alone || ::chown(path.c_str(), static_cast<uid_t>(-1), status.st_gid) == 0;
-  if (!acl.empty() && SetAcl(path, AclForWriters(acl, sameGroup))) return;
+  constexpr auto kSameOwner = static_cast<uid_t>(-1);
+  const bool sameGroup = alone || ::fchownat(folder, name, kSameOwner, status.st_gid, AT_SYMLINK_NOFOLLOW) == 0;
+  const std::string forFile = acl.empty() ? "" : AclForWriters(acl, sameGroup);
+  if (!forFile.empty() && platform::SetAccessList(folder, name, forFile)) return;
   // The folder's default list may have given the file one, for people who may only read here.
-  ::removexattr(path.c_str(), kAccess);
-  const bool limited = ::chmod(path.c_str(), acl.empty() && sameGroup ? mode : kOwnerAlone) == 0;
+  platform::RemoveAccessList(folder, name);
+  const mode_t limit = acl.empty() && sameGroup ? mode : kOwnerAlone;
+  const bool limited = ::fchmodat(folder, name, limit, AT_SYMLINK_NOFOLLOW) == 0;
   static_cast<void>(limited);
 }
 

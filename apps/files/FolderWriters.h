@@ -6,10 +6,10 @@
 
 namespace apps {
 
-/// Lets those open `file` who may write into `folder`, and nobody else: who can read a file can lock it. Looks at the
+/// Lets those open a file of an open folder who may write into that folder, and nobody else: who can read a file can lock it. Looks at the
 /// folder's permissions and at its access control list. Where this is refused, because the file belongs to somebody else or
-/// the file system has no permissions, it stays as it is. Both are descriptors; that of the file may be of O_PATH.
-void LimitToWriters(int folder, int file);
+/// the file system has no permissions, it stays as it is. Opens no file, and follows no link.
+void LimitToWriters(int folder, const char* name);
 
 /// The access control list, as the kernel keeps it, for a file in a folder with the list `folder`: reading and writing for
 /// each who may write there. `sameGroup`: the file has the folder's group. Empty when `folder` is no such list.

@@ -59,8 +59,7 @@ class LimitToWritersTest : public testing::Test {
     const std::string path = (scratch_.Path() / "file").string();
     std::ofstream(path).close();
     const base::FileDescriptor folder(::open(scratch_.Path().c_str(), O_RDONLY | O_DIRECTORY));
-    const base::FileDescriptor file(::open(path.c_str(), O_PATH | O_NOFOLLOW));
-    LimitToWriters(folder.Get(), file.Get());
+    LimitToWriters(folder.Get(), "file");
     return path;
   }
   static std::string AclOf(const std::string& path) {

@@ -25,9 +25,7 @@ namespace {
 
 std::string RandomWord() {
   std::array<char, 8> bytes{};
-  if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
-    throw SystemFailure("draw a random file name", errno);
-  }
+  if (::getentropy(bytes.data(), bytes.size()) != 0) throw SystemFailure("draw a random file name", errno);
   return base::Hex(std::string_view(bytes.data(), bytes.size()));
 }
 

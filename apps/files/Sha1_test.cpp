@@ -1,7 +1,6 @@
 #include "apps/files/Sha1.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,6 +9,7 @@
 #include "apps/commandline/Output.h"
 #include "base/FileDescriptor.h"
 #include "base/SendAll.h"
+#include "base/testing/UnnamedFile.h"
 
 namespace apps {
 namespace {
@@ -27,13 +27,13 @@ TEST(Sha1Test, PiecesGiveTheSumOfTheWhole) {
 }
 
 TEST(Sha1Test, AFileIsReadFromItsStartWhereverItsOffsetIs) {
-  const base::FileDescriptor file(::memfd_create("file", MFD_CLOEXEC));
+  const base::FileDescriptor file(base::test::UnnamedFile());
   ASSERT_EQ(base::WriteAll(file.Get(), std::string(1'000'000, 'a')), 0);
   EXPECT_EQ(Sha1OfFile(file.Get()), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
 }
 
 TEST(Sha1Test, TheErrorOfAnEarlierCallDoesNotCount) {
-  const base::FileDescriptor file(::memfd_create("file", MFD_CLOEXEC));
+  const base::FileDescriptor file(base::test::UnnamedFile());
   errno = EINTR;
   EXPECT_EQ(Sha1OfFile(file.Get()), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
 }

@@ -6,12 +6,11 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <fstream>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/FileCalls.h"
+#include "platform/Files.h"
 
 namespace apps {
 namespace {
@@ -47,26 +46,6 @@ std::string Above(const std::string& path) {
 
 bool IsMissing(const std::string& path) {
   return ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
-}
-
-constexpr mode_t kForAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
-
-// umask(2) itself cannot ask without changing it, for all threads.
-mode_t Umask() {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    mode_t mask = 0;
-    if (line.starts_with("Umask:") && std::sscanf(line.c_str() + 6, "%o", &mask) == 1) return mask;
-  }
-  return S_IRWXG | S_IRWXO;
-}
-
-mode_t ModeOfNewFile(int folder) {
-  // A file without a name, which nobody else can open. Some file systems have none; those know no default ACL either.
-  const base::FileDescriptor probe(::openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kForAll));
-  struct stat status {};
-  if (probe && ::fstat(probe.Get(), &status) == 0) return status.st_mode & kForAll;
-  return kForAll & ~Umask();
 }
 
 // What a script passes when a variable is unset.
@@ -122,7 +101,7 @@ mode_t TargetFolder::UsualMode() const {
   // Two threads may find out at once; both find the same.
   mode_t mode = usualMode_->load(std::memory_order_relaxed);
   if (mode != kUnknownMode) return mode;
-  mode = ModeOfNewFile(Fd());
+  mode = platform::ModeOfNewFile(Fd());
   usualMode_->store(mode, std::memory_order_relaxed);
   return mode;
 }

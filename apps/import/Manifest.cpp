@@ -13,6 +13,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/files/FileCalls.h"
 #include "apps/files/FolderLock.h"
+#include "platform/Files.h"
 
 namespace apps {
 namespace {
@@ -37,6 +38,11 @@ constexpr const char* kCutSchema = R"(
 bool IsLink(const TargetFolder& folder, const std::string& name) {
   struct stat status {};
   return ::fstatat(folder.Fd(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
+}
+
+std::string PathIn(const TargetFolder& folder, const std::string& name) {
+  const std::string path = platform::PathOf(folder.Fd());
+  return path.empty() ? folder.PathOf(name) : path + "/" + name;
 }
 
 // errno behind an SQLite error that is the disk's; 0 for an error that is the database's own.
@@ -120,9 +126,8 @@ Manifest::Manifest(const TargetFolder& folder, bool make, std::chrono::milliseco
   }
   if (!make && !folder.Has(name)) return;
   try {
-    // Opened through the folder's descriptor, so that nobody can put another folder in its place meanwhile.
-    Open("/proc/self/fd/" + std::to_string(folder.Fd()) + "/" + name,
-         SQLITE_OPEN_READWRITE | (make ? SQLITE_OPEN_CREATE : 0), patience);
+    Open(PathIn(folder, name), SQLITE_OPEN_READWRITE | (make ? SQLITE_OPEN_CREATE : 0), patience);
+    RequireListOf(folder);
     if (make) LimitToWriters(folder, name);
     // A look may write where it can, to take back what a killed run half wrote: without that nothing can be read.
     if (!make) Execute("PRAGMA query_only=ON", "open");
@@ -144,7 +149,21 @@ void Manifest::Open(const std::string& path, int flags, std::chrono::millisecond
   sqlite3_db_config(database_, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
   // EXTRA flushes the folder once more when the journal is gone. Otherwise a power cut could bring the journal back, and
   // the journal would take the last rows away. Each row is looked up once, so a large cache would only cost memory.
-  Execute("PRAGMA synchronous=EXTRA; PRAGMA cache_size=-256", "open");
+  // fullfsync counts on macOS, where fsync leaves the rows in the drive's own memory.
+  Execute("PRAGMA synchronous=EXTRA; PRAGMA fullfsync=1; PRAGMA cache_size=-256", "open");
+}
+
+// SQLite takes paths alone, and another folder may have come to the path since this one was opened.
+void Manifest::RequireListOf(const TargetFolder& folder) const {
+  struct stat ours {};
+  struct stat opened {};
+  const char* path = sqlite3_db_filename(database_, "main");
+  if (::fstatat(folder.Fd(), kName.data(), &ours, AT_SYMLINK_NOFOLLOW) == 0 && ::lstat(path, &opened) == 0 &&
+      ours.st_ino == opened.st_ino && ours.st_dev == opened.st_dev) {
+    return;
+  }
+  throw Failure(ExitCode::kFailed,
+                "The folder of " + Printable(path_) + " was moved while its list was opened; repeat the command.");
 }
 
 Manifest::~Manifest() {

@@ -89,6 +89,7 @@ class Manifest {
  private:
   class Statement;
   void Open(const std::string& path, int flags, std::chrono::milliseconds patience);
+  void RequireListOf(const TargetFolder& folder) const;
   void Execute(const char* sql, const std::string& doing = "write");
   void Transact(const std::function<void()>& change);
   void CheckVersion(bool make);

@@ -149,6 +149,22 @@ TEST_F(ManifestTest, ALookLeavesNothingBehind) {
 // Its prepared statements belong to it, and so does the connection that they hold.
 static_assert(!std::is_move_constructible_v<Manifest> && !std::is_move_assignable_v<Manifest>);
 
+// The system calls a removed folder by its old name and " (deleted)", which another folder can have.
+TEST_F(ManifestTest, TheListOfAnotherFolderThatCameToThePathIsNotTaken) {
+  const base::ScratchFolder scratch;
+  const std::string path = scratch.Path() / "gone";
+  std::filesystem::create_directory(path);
+  const TargetFolder folder = TargetFolder::Open(path);
+  std::filesystem::remove(path);
+  std::filesystem::create_directory(path + " (deleted)");
+  try {
+    const Manifest manifest(folder, true);
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_THAT(failure.what(), testing::HasSubstr("was moved while its list was opened"));
+  }
+}
+
 TEST_F(ManifestTest, ADamagedManifestIsAFailureThatSaysWhatToDo) {
   std::ofstream(path_ / Manifest::kName) << std::string(5000, 'x');
   EXPECT_THAT(WhyNot(), HasSubstr("if it is damaged, move it away"));

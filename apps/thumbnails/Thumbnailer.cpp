@@ -12,13 +12,14 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <cstring>
 #include <optional>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/decoder/Worker.h"
+#include "platform/Process.h"
+#include "platform/Sockets.h"
 
 namespace apps {
 namespace {
@@ -42,11 +43,11 @@ class Setup {
     ::posix_spawn_file_actions_adddup2(&actions_, socket, STDIN_FILENO);
     ::posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     ::posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
     ::posix_spawnattr_init(&attributes_);
     ::posix_spawnattr_setsigdefault(&attributes_, &all);
     ::posix_spawnattr_setsigmask(&attributes_, &none);
-    ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
+    constexpr short kFlags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP;
+    platform::PassStandardDescriptorsAlone(attributes_, kFlags, actions_);
   }
   ~Setup() {
     ::posix_spawnattr_destroy(&attributes_);
@@ -90,7 +91,7 @@ class Thumbnailer::Exchange {
 
   bool Send(std::span<const char> bytes) {
     return bytes.size() == Move(POLLOUT, bytes.size(), [&](std::size_t from) {
-             return ::send(socket_, bytes.data() + from, bytes.size() - from, MSG_NOSIGNAL | MSG_DONTWAIT);
+             return platform::Send(socket_, bytes.data() + from, bytes.size() - from, MSG_DONTWAIT);
            });
   }
   bool Receive(std::span<std::uint8_t> bytes) { return ReceiveSome(bytes) == bytes.size(); }
@@ -139,9 +140,7 @@ std::string Thumbnailer::ProgramBeside(const std::string& program) {
 }
 
 std::string Thumbnailer::OwnProgram() {
-  std::array<char, PATH_MAX> path{};
-  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
-  return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : std::string();
+  return platform::OwnProgram();
 }
 
 void Thumbnailer::Start(const Stop& stop, std::chrono::milliseconds patience) {
@@ -169,9 +168,7 @@ void Thumbnailer::FailToStart(bool silent) {
 
 void Thumbnailer::Spawn() {
   std::array<int, 2> ends{};
-  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-    throw SystemFailure("make a socket", errno);
-  }
+  if (platform::SocketPair(ends) != 0) throw SystemFailure("make a socket", errno);
   socket_.Reset(ends[0]);
   const base::FileDescriptor far(ends[1]);
   for (const int end : ends) ::setsockopt(end, SOL_SOCKET, SO_SNDBUF, &kSocketBuffer, sizeof kSocketBuffer);

@@ -5,6 +5,7 @@
 #include <linux/openat2.h>
 #include <stdio.h>
 #include <sys/syscall.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,6 +17,13 @@ namespace platform {
 namespace {
 
 constexpr mode_t kForAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+
+constexpr const char* kAccessList = "system.posix_acl_access";
+
+// These calls take no folder beside the path.
+std::string PathBelow(int folder, const char* name) {
+  return "/proc/self/fd/" + std::to_string(folder) + "/" + name;
+}
 
 // umask(2) itself cannot ask without changing it, for all threads.
 mode_t Umask() {
@@ -67,6 +75,21 @@ mode_t ModeOfNewFile(int folder) {
   const bool known = probe >= 0 && ::fstat(probe, &status) == 0;
   if (probe >= 0) ::close(probe);
   return known ? status.st_mode & kForAll : kForAll & ~Umask();
+}
+
+std::string AccessListOf(int folder) {
+  constexpr std::size_t kLargest = 65'536;
+  std::string list(kLargest, '\0');
+  const ssize_t size = ::fgetxattr(folder, kAccessList, list.data(), list.size());
+  return list.substr(0, size < 0 ? 0 : static_cast<std::size_t>(size));
+}
+
+bool SetAccessList(int folder, const char* name, const std::string& list) {
+  return ::lsetxattr(PathBelow(folder, name).c_str(), kAccessList, list.data(), list.size(), 0) == 0;
+}
+
+void RemoveAccessList(int folder, const char* name) {
+  ::lremovexattr(PathBelow(folder, name).c_str(), kAccessList);
 }
 
 timespec ContentChanged(const struct stat& status) {

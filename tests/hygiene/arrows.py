@@ -30,7 +30,7 @@ LIBRARIES = (
     (r"benchmark/.*", "Google Benchmark"),
     (r"g(test|mock)/.*", "GoogleTest"),
     (r"(AppKit|Foundation|Cocoa)/.*", "AppKit"),
-    (r"sys/(epoll|eventfd|signalfd|timerfd|inotify|prctl|syscall|sysmacros|sendfile|random)\.h|linux/.*|scsi/.*", "Linux"),
+    (r"sys/(epoll|eventfd|signalfd|timerfd|inotify|prctl|syscall|sysmacros|sendfile)\.h|linux/.*|scsi/.*", "Linux"),
     (r"execinfo\.h", "execinfo"),
     (r"cxxabi\.h", None),
     (r".*\.h", "POSIX"),

@@ -147,12 +147,12 @@ class Checks(unittest.TestCase):
         self.assertEqual(self.complaints(tested_sources), ["src/wifi/a.cpp has no a_test.cpp beside it"])
 
     def test_exemption_that_nothing_needs_is_found(self):
-        self.write("darwin/cf/Number.cpp", "")
-        self.write("darwin/cf/Number_test.cpp", "")
-        self.write("darwin/cf/RunLoop_test.cpp", "")
-        self.write("darwin/cf/RunLoop.cpp", "")
+        self.write("darwin/cf/WatchDescriptor.cpp", "")
+        self.write("darwin/cf/WatchDescriptor_test.cpp", "")
+        self.write("darwin/cf/EventLoop_test.cpp", "")
+        self.write("darwin/cf/EventLoop.cpp", "")
         self.assertEqual(
-            self.complaints(tested_sources), ["darwin/cf/Number.cpp has a test beside it and needs no exemption"]
+            self.complaints(tested_sources), ["darwin/cf/WatchDescriptor.cpp has a test beside it and needs no exemption"]
         )
 
     def test_sleep_in_a_unit_test_is_found(self):

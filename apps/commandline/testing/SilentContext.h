@@ -1,13 +1,13 @@
 #ifndef KELVA_APPS_COMMANDLINE_TESTING_SILENT_CONTEXT_H_
 #define KELVA_APPS_COMMANDLINE_TESTING_SILENT_CONTEXT_H_
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <string>
 
 #include "apps/commandline/Context.h"
 #include "base/FileDescriptor.h"
+#include "base/testing/UnnamedFile.h"
 
 namespace apps {
 
@@ -20,8 +20,8 @@ struct SilentContext {
   /// What came to standard error.
   std::string Said() const { return TextOf(saidFile_); }
 
-  base::FileDescriptor printedFile_{::memfd_create("printed", MFD_CLOEXEC)};
-  base::FileDescriptor saidFile_{::memfd_create("said", MFD_CLOEXEC)};
+  base::FileDescriptor printedFile_{base::test::UnnamedFile()};
+  base::FileDescriptor saidFile_{base::test::UnnamedFile()};
   Invocation call_;
   Output out_{printedFile_.Get()};
   Reporter reporter_;

@@ -1,7 +1,6 @@
 #include "apps/kelva/verbs/Consent.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <string_view>
@@ -9,6 +8,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/testing/SilentContext.h"
 #include "base/FileDescriptor.h"
+#include "base/testing/UnnamedFile.h"
 
 namespace apps {
 namespace {
@@ -22,7 +22,7 @@ class ConsentTest : public testing::Test, protected SilentContext {
   ~ConsentTest() override { ::dup2(input_.Get(), STDIN_FILENO); }
 
   static void Type(std::string_view text) {
-    const base::FileDescriptor typed(::memfd_create("typed", MFD_CLOEXEC));
+    const base::FileDescriptor typed(base::test::UnnamedFile());
     EXPECT_EQ(::pwrite(typed.Get(), text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
     ::dup2(typed.Get(), STDIN_FILENO);
   }

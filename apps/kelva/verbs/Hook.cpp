@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Process.h"
+
 namespace apps {
 namespace {
 
@@ -19,7 +21,7 @@ class Environment {
  public:
   explicit Environment(const std::vector<std::pair<std::string, std::string>>& variables) {
     for (const auto& [name, value] : variables) texts_.push_back(name + "=" + value);
-    for (char** entry = environ; *entry != nullptr; ++entry) {
+    for (char** entry = platform::Environment(); *entry != nullptr; ++entry) {
       if (!IsSet(*entry, variables)) pointers_.push_back(*entry);
     }
     for (std::string& text : texts_) pointers_.push_back(text.data());

@@ -2,19 +2,19 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdlib>
 
 #include "base/FileDescriptor.h"
+#include "base/testing/UnnamedFile.h"
 
 namespace apps {
 namespace {
 
 std::string OutputOf(const std::string& command, std::vector<std::pair<std::string, std::string>> variables) {
-  const base::FileDescriptor page(::memfd_create("page", MFD_CLOEXEC));
+  const base::FileDescriptor page(base::test::UnnamedFile());
   EXPECT_EQ(RunCommand(command, variables, page.Get()), "");
   std::array<char, 256> text{};
   const ssize_t size = ::pread(page.Get(), text.data(), text.size(), 0);

@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <termios.h>
 #include <unistd.h>
@@ -14,6 +13,7 @@
 #include "apps/commandline/Output.h"
 #include "base/FileDescriptor.h"
 #include "base/SendAll.h"
+#include "platform/Process.h"
 
 namespace apps {
 namespace {
@@ -63,7 +63,7 @@ std::string ReadLine(int fd, const Stop& stop) {
 void LeaveNoCoreDump() {
   const rlimit none{0, 0};
   ::setrlimit(RLIMIT_CORE, &none);
-  ::prctl(PR_SET_DUMPABLE, 0);
+  platform::ForbidDump();
 }
 
 }  // namespace

@@ -12,17 +12,19 @@
 #include <utility>
 
 #include "apps/commandline/Failure.h"
+#include "platform/Process.h"
+#include "platform/Sockets.h"
 
 namespace apps {
 namespace {
 
 struct Pipe {
   Pipe() {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) throw SystemFailure("make a pipe", errno);
+    std::array<int, 2> ends{-1, -1};
+    if (platform::Pipe(ends) != 0) throw SystemFailure("make a pipe", errno);
     read.Reset(ends[0]);
     write.Reset(ends[1]);
-    ::fcntl(read.Get(), F_SETFL, O_NONBLOCK);
+    platform::SetNonBlocking(read.Get());
   }
   base::FileDescriptor read;
   base::FileDescriptor write;
@@ -57,7 +59,8 @@ class Setup {
     for (std::string& text : texts) arguments.push_back(text.data());
     arguments.push_back(nullptr);
     pid_t process = 0;
-    const int error = ::posix_spawn(&process, "/proc/self/exe", &actions_, &attributes_, arguments.data(), environ);
+    const int error = ::posix_spawn(&process, platform::OwnImage().c_str(), &actions_, &attributes_, arguments.data(),
+                                    platform::Environment());
     if (error != 0) throw SystemFailure("start a process", error);
     return process;
   }

@@ -1,6 +1,5 @@
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -11,6 +10,7 @@
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Run.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "base/testing/UnnamedFile.h"
 #include "darwin/virtual/VirtualRegistry.h"
 #include "vcam/camera/InProcess.h"
 
@@ -71,8 +71,8 @@ std::string VerbTest::Text(const std::filesystem::path& path) const {
 }
 
 Ran VerbTest::Run(const std::vector<const char*>& arguments) {
-  const base::FileDescriptor out(::memfd_create("out", MFD_CLOEXEC));
-  const base::FileDescriptor err(::memfd_create("err", MFD_CLOEXEC));
+  const base::FileDescriptor out(base::test::UnnamedFile());
+  const base::FileDescriptor err(base::test::UnnamedFile());
   Output output(out.Get());
   Reporter reporter("kelva", err.Get(), StyleFor(err.Get(), arguments));
   const Stop stop;
