@@ -154,9 +154,9 @@ TEST_F(DeleteFetchedTest, NothingIsDeletedOnTheCameraBeforeAllOfItIsOnDiskHere) 
   camera_.onDelete = [&](const std::string& path) { calls.Note("DELETE " + path); };
   EXPECT_EQ(Run({.verify = true, .deleteAfter = true}, {Picture(1)}).deleted, 1U);
   EXPECT_THAT(calls.Log(),
-              ElementsAre("make 100ABCDE", "create 100ABCDE/*.part", "write 100ABCDE/*.part", "flush 100ABCDE/*.part",
-                          "rename 100ABCDE/IMG_0001.JPG", "flush folder 100ABCDE", "flush folder .", "commit",
-                          "DELETE I:\\DCIM\\100ABCDE\\IMG_0001.JPG", "commit"));
+              ElementsAre("make 100ABCDE", "create 100ABCDE/*.part", "create 100ABCDE/*.part", "write 100ABCDE/*.part",
+                          "flush 100ABCDE/*.part", "rename 100ABCDE/IMG_0001.JPG", "flush folder 100ABCDE",
+                          "flush folder .", "commit", "DELETE I:\\DCIM\\100ABCDE\\IMG_0001.JPG", "commit"));
 }
 
 TEST_F(DeleteFetchedTest, AMarkThatCannotBeWrittenEndsTheRunAndItsTotalsAreKept) {

@@ -1,6 +1,9 @@
 // Opens the folders below a target, sweeps each once, and flushes those with new names in them.
 #include "apps/import/Folders.h"
 
+#include <cerrno>
+
+#include "apps/commandline/Failure.h"
 #include "apps/files/NewFile.h"
 
 namespace apps {
@@ -32,6 +35,21 @@ std::shared_ptr<const TargetFolder> Folders::For(const LocalPath& path) {
   }
   if (open_.size() > kMostOpen) open_.clear();
   return folder;
+}
+
+void Folders::Try(const LocalPath& path) {
+  {
+    const std::scoped_lock lock(mutex_);
+    if (!tried_.insert(NameOf(path.folders)).second) return;
+  }
+  try {
+    const auto folder = For(path);
+    const NewFile trial(*folder);
+  } catch (const Failure& failure) {
+    // A name that is too long, a file or a link in its place: that is for this folder alone.
+    const int error = failure.SystemError();
+    if (error != 0 && error != ENOTDIR && error != ELOOP && error != ENAMETOOLONG) throw;
+  }
 }
 
 void Folders::Flush(const std::set<Way>& ways) {

@@ -25,6 +25,9 @@ class Folders {
   /// The folder of a file, made if need be. What killed runs left in it is removed when the run asks for it first, and
   /// only then. Throws Failure.
   std::shared_ptr<const TargetFolder> For(const LocalPath& path);
+  /// Tries once whether the folder of a file takes one. Throws Failure when permissions or the disk are in the way, as they
+  /// would be for other files. What else is in the way shows when the file is stored.
+  void Try(const LocalPath& path);
   /// The names of the folders that lead to a file, from the target on.
   using Way = std::vector<std::string>;
   /// Puts the names in some folders on disk, and the names of the folders that lead there. One call at a time; throws
@@ -39,7 +42,8 @@ class Folders {
   std::mutex mutex_;
   // Keyed by the path below the target, with a slash at the end; the target itself is "".
   std::map<std::string, std::shared_ptr<const TargetFolder>> open_;
-  std::set<std::string> seen_;       // also those that were closed since
+  std::set<std::string> seen_;  // also those that were closed since
+  std::set<std::string> tried_;
   std::set<std::string> unflushed_;  // with a folder in them whose name may not be on disk
 };
 

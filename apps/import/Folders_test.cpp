@@ -40,6 +40,31 @@ TEST_F(FoldersTest, FoldersAreMadeAsTheyAreNeeded) {
   EXPECT_TRUE(fs::is_directory(path_ / "2026/101ABCDE"));
 }
 
+TEST_F(FoldersTest, AFolderThatTakesNoFileIsFoundBeforeOneIsWritten) {
+  for (const int error : {EACCES, EROFS, ENOSPC}) {
+    RecordingCalls calls(path_);
+    calls.FailAt(1, error, "create 100ABCDE/");
+    EXPECT_THROW(Folders(target_).Try({{"100ABCDE"}, "A.JPG"}), Failure);
+  }
+  RecordingCalls calls(path_);
+  calls.FailAt(1, EACCES, "make ");
+  EXPECT_THROW(folders_.Try({{"101ABCDE"}, "A.JPG"}), Failure);
+}
+
+TEST_F(FoldersTest, AFolderIsTriedOnceAndNothingIsLeft) {
+  RecordingCalls calls(path_);
+  for (int i = 0; i < 3; ++i) folders_.Try({{"100ABCDE"}, "A.JPG"});
+  EXPECT_THAT(calls.Log(), ElementsAre("make 100ABCDE", "create 100ABCDE/*.part"));
+  EXPECT_TRUE(fs::is_empty(path_ / "100ABCDE"));
+}
+
+TEST_F(FoldersTest, WhatIsWrongWithOneFolderAloneIsLeftToTheWriter) {
+  std::ofstream(path_ / "100ABCDE") << "a file";
+  EXPECT_NO_THROW(folders_.Try({{"100ABCDE"}, "A.JPG"}));
+  fs::create_directory_symlink(path_, path_ / "101ABCDE");
+  EXPECT_NO_THROW(folders_.Try({{"101ABCDE"}, "A.JPG"}));
+}
+
 TEST_F(FoldersTest, LeftoversOfKilledRunsGoAtTheFirstLookAndNoLater) {
   fs::create_directory(path_ / "100ABCDE");
   PutLeftover("100ABCDE");

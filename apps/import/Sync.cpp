@@ -61,6 +61,7 @@ std::optional<Outcome> Sync::Fetch(const SyncPlan& plan) {
 }
 
 void Sync::FetchOne(const SyncItem& item, Writers& writers) {
+  writers.Try(item);
   // Of the other files of a picture whose JPEG file was not read here.
   if (work_.times != nullptr && item.IsPicture() && item.Type() != kFirstFileType) {
     AskTime(work_.context, work_.files.Pointer(), item.Picture(), *work_.times);

@@ -133,6 +133,16 @@ TEST_F(SyncTest, AFullDiskEndsTheRunWithItsSentence) {
   EXPECT_THAT(outcome.sentence, HasSubstr("make room there and repeat the command"));
 }
 
+TEST_F(SyncTest, AFolderWithoutPermissionEndsTheRunBeforeItsFirstFileIsRead) {
+  RecordingCalls calls(path_);
+  calls.FailEach(1, 1 << 20, EACCES, "create 100ABCDE/");
+  const Outcome outcome = RunToItsEnd();
+  EXPECT_EQ(outcome.code, ExitCode::kFailed);
+  EXPECT_THAT(outcome.sentence, HasSubstr("Permission denied"));
+  EXPECT_EQ(camera_.reads, 0);
+  EXPECT_EQ(Said(), "");
+}
+
 TEST_F(SyncTest, AStopBeforeAFileReadsNothingMore) {
   stop_.Request();
   EXPECT_THROW(Run(), Stopped);

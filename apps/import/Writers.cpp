@@ -146,7 +146,7 @@ void Writers::GiveUp(const Failure& failure) {
 
 // True if it worked. A failure of one file is reported, and the rest goes on; a failure that no other file could escape
 // (a full disk) is kept in `ending`.
-bool Writers::Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending) {
+bool Writers::Attempt(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending) {
   try {
     work();
     return true;
@@ -173,12 +173,12 @@ void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   std::vector<std::unique_ptr<Started>> started;
   for (const WriteJob& job : jobs) {
     if (!ending) {
-      Try(
+      Attempt(
           *job.item, [&] { started.push_back(Start(job)); }, ending);
     }
   }
   for (std::unique_ptr<Started>& file : started) {
-    if (!Try(
+    if (!Attempt(
             *file->job->item,
             [&] {
               file->isDated = Date(file->file, *file->job->item);
@@ -190,7 +190,7 @@ void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   }
   for (const std::unique_ptr<Started>& file : started) {
     std::optional<Done> done;
-    if (file && Try(
+    if (file && Attempt(
                     *file->job->item, [&] { done = Finish(*file); }, ending)) {
       Commit(AddDone(std::move(*done)));
     }
@@ -204,7 +204,7 @@ void Writers::StoreStream(const WriteJob& job) {
   const std::unique_ptr<FileStream, void (*)(FileStream*)> atEnd(job.stream.get(), [](FileStream* s) { s->GiveUp(); });
   std::optional<Failure> ending;
   std::optional<Done> done;
-  Try(
+  Attempt(
       *job.item, [&] { done = Arrive(job); }, ending);
   if (done) Commit(AddDone(std::move(*done)));
   if (ending) throw Failure(*ending);

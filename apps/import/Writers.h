@@ -59,6 +59,8 @@ class Writers {
   Writers(const Writers&) = delete;
   Writers& operator=(const Writers&) = delete;
 
+  /// Before a file is read: throws Failure when its folder would take no file (Folders::Try).
+  void Try(const SyncItem& item) { folders_.Try(item.Local()); }
   /// Hands a file over; waits while too many bytes are on their way. Throws the failure that made further writing
   /// pointless (a full or read-only disk, the manifest).
   void Submit(WriteJob job);
@@ -107,7 +109,7 @@ class Writers {
   void StoreAll(const std::vector<WriteJob>& jobs);
   void StoreStream(const WriteJob& job);
   std::optional<Done> Arrive(const WriteJob& job);
-  bool Try(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending);
+  bool Attempt(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending);
   std::vector<Done> AddDone(Done done);
   std::unique_ptr<Started> Start(const WriteJob& job);
   bool Date(BesideFile& file, const SyncItem& item) const;

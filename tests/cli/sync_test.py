@@ -58,12 +58,27 @@ class SyncTest(Bus):
         self.pictures(5, 10)
         os.mkdir(self.target)
         os.chmod(self.target, 0o555)
-        os.chmod(self.folder, 0o755)
-        run = subprocess.run(["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", bench_of_cameras.BIN + "/kelva", "--virtual", self.socket,
-                              "sync", self.target], capture_output=True, text=True)
+        run = self.sync_as_another_user()
         self.assertEqual(run.returncode, 1, run.stderr)
-        self.assertEqual(len(run.stderr.splitlines()), 1, run.stderr)
+        self.assertRegex(run.stderr, r"^kelva: Cannot create a file in [^ ]*/out: Permission denied[^\n]*\n$")
+
+    def sync_as_another_user(self, *words):
+        os.chmod(self.folder, 0o755)
+        os.chmod(self.socket, 0o777)
+        return subprocess.run(["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", bench_of_cameras.BIN + "/kelva", "--virtual",
+                               self.socket, "sync", *words, self.target], capture_output=True, text=True)
+
+    def test_a_folder_below_that_takes_no_file_is_one_sentence_and_nothing_is_read_for_it(self):
+        self.pictures(5, 10)
+        os.makedirs(os.path.join(self.target, "100ABCDE"))
+        os.chmod(os.path.join(self.target, "100ABCDE"), 0o555)
+        os.chown(self.target, 65534, 65534)
+        run = self.sync_as_another_user("--json")
+        self.assertEqual(run.returncode, 1, run.stderr)
+        self.assertEqual([json.loads(line)["event"] for line in run.stderr.splitlines()][-2:], ["error", "note"], run.stderr)
         self.assertIn("Permission denied", run.stderr)
+        document = json.loads(run.stdout)
+        self.assertEqual((document["stored"], document["failed"], document["left"]), (0, 0, 5))
 
     def test_the_folders_above_a_target_are_made(self):
         self.target = os.path.join(self.folder, "new/deep/er")
