@@ -21,15 +21,5 @@ TEST(CameraSourceTest, AnEmptyPathIsWrongUse) {
   }
 }
 
-TEST(CameraSourceTest, ProgramsOfABusStandInLineAtItsFolder) {
-  const auto one = LineOf("/run/bus", "K1");
-  const auto other = LineOf("/run/bus", "K2");
-  ASSERT_TRUE(one && other);
-  EXPECT_EQ(one->path, "/run");
-  EXPECT_NE(one->camera, other->camera);
-  EXPECT_NE(LineOf("/run/bus2", "K1")->camera, one->camera);
-  EXPECT_EQ(LineOf("bus", "K1")->path, ".");
-}
-
 }  // namespace
 }  // namespace apps

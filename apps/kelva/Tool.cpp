@@ -4,10 +4,12 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -22,6 +24,7 @@
 #include "apps/commandline/Run.h"
 #include "apps/commandline/Supervisor.h"
 #include "apps/kelva/CameraSource.h"
+#include "apps/kelva/HandOver.h"
 #include "apps/kelva/verbs/Verbs.h"
 #include "apps/trace/Trace.h"
 #include "base/SendAll.h"
@@ -68,6 +71,13 @@ const Program& TheTool() {
   return program;
 }
 
+// A shell asks what to offer for a line that names a virtual bus.
+bool IsShellOnBus(std::span<const char* const> arguments) {
+  return !arguments.empty() && arguments.front() == std::string_view("__complete") &&
+         std::any_of(arguments.begin(), arguments.end(),
+                     [](std::string_view word) { return word.starts_with("--virtual"); });
+}
+
 bool IsGuarded(const Invocation& call) {
   return call.verb->guarded && (call.verb->guardedWith.empty() || call.Has(call.verb->guardedWith));
 }
@@ -103,6 +113,10 @@ class Tool {
  private:
   ExitCode Dispatch() {
     if (const auto text = Answer(call_)) return GiveText(out_, reporter_.Style(), call_, *text);
+    if (call_.Has("virtual")) {
+      const std::string reason = HandOver(arguments_, diversion_.Real());
+      if (!reason.empty()) throw Failure(ExitCode::kFailed, reason);
+    }
     OpenTrace();
     Supervision supervision;
     supervision.atEnd = [this](ExitCode code, const std::string& sentence) {
@@ -197,6 +211,7 @@ class Tool {
 
 int RunTool(std::span<const char* const> arguments) {
   FillStandardDescriptors();
+  if (IsShellOnBus(arguments)) HandOver(arguments, STDOUT_FILENO);  // nobody reads a reason while a line is being typed
   if (AnswerShell(TheTool(), arguments)) return 0;
   TakeOverSignals();
   return static_cast<int>(Tool(arguments).Run());

@@ -17,6 +17,7 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/ProgramBeside.h"
 #include "apps/decoder/Worker.h"
 #include "platform/Process.h"
 #include "platform/Sockets.h"
@@ -131,12 +132,7 @@ class Thumbnailer::Exchange {
 };
 
 std::string Thumbnailer::ProgramBeside(const std::string& program) {
-  const std::string folder = program.substr(0, program.find_last_of('/') + 1);
-  // The tests of the build lie in a folder beside that of the programs.
-  for (const char* place : {"kelva-thumbnail", "../bin/kelva-thumbnail"}) {
-    if (::access((folder + place).c_str(), X_OK) == 0) return folder + place;
-  }
-  return folder + KELVA_THUMBNAILER_FROM_PROGRAM;
+  return apps::ProgramBeside(program, "kelva-thumbnail");
 }
 
 std::string Thumbnailer::OwnProgram() {
