@@ -80,13 +80,29 @@ std::string Deletions::WhyNotHere(const SyncItem& item, const std::optional<Mani
   const std::string here = Printable(row ? row->path : item.LocalText());
   const std::string kept = ", so the file on the camera was not deleted.";
   if (!row) return here + " was not fetched" + kept;
-  const base::FileDescriptor file(OpenBeneath(folder_.Fd(), row->path, O_RDONLY | O_NONBLOCK));
+  if (row->IsLetGo()) return "";
+  switch (StateOf(*row, folder_)) {
+    case StoredState::kSame:
+      return "";
+    case StoredState::kEdited:
+      return here + " was edited after it was fetched" + kept;
+    case StoredState::kGone:
+      return here + " is not where it was stored" + kept;
+    case StoredState::kNoFile:
+      return here + " is no longer a file" + kept;
+    case StoredState::kUnreadable:
+      break;
+  }
+  return here + " cannot be read" + kept;
+}
+
+StoredState StateOf(const ManifestRow& row, const TargetFolder& folder) {
+  const base::FileDescriptor file(OpenBeneath(folder.Fd(), row.path, O_RDONLY | O_NONBLOCK));
+  if (!file) return errno == ENOENT || errno == ENOTDIR ? StoredState::kGone : StoredState::kUnreadable;
   struct stat status {};
-  if (!file && errno != ENOENT && errno != ENOTDIR) return here + " cannot be read" + kept;
-  if (!file) return here + " is not where it was stored" + kept;
-  if (::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return here + " is no longer a file" + kept;
-  const bool same = static_cast<unsigned long long>(status.st_size) == row->size && Sha1OfFile(file.Get()) == row->sha1;
-  return same ? "" : here + " was edited after it was fetched" + kept;
+  if (::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return StoredState::kNoFile;
+  const bool same = static_cast<unsigned long long>(status.st_size) == row.size && Sha1OfFile(file.Get()) == row.sha1;
+  return same ? StoredState::kSame : StoredState::kEdited;
 }
 
 }  // namespace apps

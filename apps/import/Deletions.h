@@ -2,6 +2,7 @@
 #define KELVA_APPS_IMPORT_DELETIONS_H_
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
@@ -16,7 +17,11 @@
 
 namespace apps {
 
-/// Deletes files on a camera that are on disk here. What was checked is what is deleted: in one and the same turn with the
+/// What lies where a file was stored.
+enum class StoredState : std::uint8_t { kSame, kEdited, kGone, kNoFile, kUnreadable };
+StoredState StateOf(const ManifestRow& row, const TargetFolder& folder);
+
+/// Deletes files on a camera that are on disk here, or were let go. What was checked is what is deleted: in one and the same turn with the
 /// camera, its catalogue and the listed sizes are compared with what was fetched, and a file whose SHA-1 is not its key is
 /// read once more.
 ///

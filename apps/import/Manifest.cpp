@@ -329,10 +329,18 @@ bool Manifest::HasCutTable() {
 }
 
 void Manifest::MarkDeleted(const std::vector<ManifestKey>& keys) {
+  Update("UPDATE files SET deleted=1 WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4", keys);
+}
+
+void Manifest::LetGo(const std::vector<ManifestKey>& keys) {
+  Update("UPDATE files SET path='' WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4", keys);
+}
+
+void Manifest::Update(const char* change, const std::vector<ManifestKey>& keys) {
   if (keys.empty()) return;
   const std::scoped_lock lock(mutex_);
   Transact([&] {
-    Statement update(*this, "UPDATE files SET deleted=1 WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4");
+    Statement update(*this, change);
     for (const ManifestKey& key : keys) {
       update.Bind(key).Step("write");
       update.Reset();

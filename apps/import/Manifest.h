@@ -30,11 +30,14 @@ struct ManifestKey {
 /// One file that was fetched.
 struct ManifestRow {
   ManifestKey key;
-  std::string path;  ///< below the target folder, as it was stored
+  std::string path;  ///< below the target folder, as it was stored; empty of a file that was let go
   std::string sha1;
   unsigned long long size = 0;
   bool verified = false;  ///< read from the camera twice, equal
   bool deleted = false;   ///< on the camera, after it was verified
+
+  /// It was fetched, and its user threw it away.
+  bool IsLetGo() const { return path.empty(); }
 };
 
 /// A file whose transfer was cut. A part of it is here, under a temporary name.
@@ -73,6 +76,8 @@ class Manifest {
   std::vector<CutRow> Cuts();
   /// As Record.
   void MarkDeleted(const std::vector<ManifestKey>& keys);
+  /// As Record: forgets where files lie.
+  void LetGo(const std::vector<ManifestKey>& keys);
 
   /// While it lives, Find looks at one state of the list, which is faster for many. Nothing is recorded meanwhile.
   class Reading {
@@ -96,6 +101,7 @@ class Manifest {
   bool HasCutTable();
   void Insert(const ManifestRow& row);
   void ForgetCut(const ManifestKey& key);
+  void Update(const char* change, const std::vector<ManifestKey>& keys);
   [[noreturn]] void Fail(const std::string& doing) const;
 
   /// The statement, prepared at its first use.

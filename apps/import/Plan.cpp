@@ -48,7 +48,7 @@ StoredFiles AddItems(SyncPlan& plan, const std::vector<int>& types, Manifest& ma
         plan.items.emplace_back(*plan.source, picture, type).SetState(StateOf(known));
         isNew = isNew || !known;
       }
-      if (known) stored.emplace(type, std::move(known->path));
+      if (known && !known->IsLetGo()) stored.emplace(type, std::move(known->path));
     }
     if (isNew && !stored.empty()) files.emplace(&picture, std::move(stored));
   }

@@ -23,6 +23,7 @@
 #include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/SyncAll.h"
 #include "apps/kelva/verbs/SyncChoice.h"
+#include "apps/kelva/verbs/SyncForget.h"
 #include "apps/kelva/verbs/SyncPreview.h"
 #include "apps/kelva/verbs/SyncSummary.h"
 #include "apps/kelva/verbs/Verbs.h"
@@ -117,6 +118,7 @@ void TellSoFar(const Context& context, const Session& camera) {
 }
 
 ExitCode RunSync(Context& context) {
+  if (context.call.Has("forget")) return RunForget(context);
   if (context.call.Has("all")) {
     if (context.call.Has("delete-after-verify") && !context.call.Has("dry-run")) {
       AskOnTerminal(context,
@@ -170,6 +172,11 @@ constexpr Option kOptions[] = {
     {"pattern", 'p', "PATTERN", "How files are named below FOLDER; the default is {folder}/{name}."},
     {"by", 0, "UNIT", "Folders by the picture's date: day, month or year. Short for a pattern.", Offer::kWords,
      "day month year"},
+    {"forget", 0, "PICTURE",
+     "Fetch nothing; let go the files of a picture that were fetched and are not here any more, and parts of cut "
+     "transfers. "
+     "May be repeated.",
+     Offer::kPicture},
     {"dry-run", 'n', "", "Fetch nothing; show which files would be fetched, their names, sizes and the free space."},
     {"verify", 0, "", "Read each new file a second time and compare."},
     {"delete-after-verify", 0, "",
@@ -185,6 +192,7 @@ constexpr Example kExamples[] = {
     {"kelva sync --everything ~/Pictures/camera", "Fetch videos and all other files too."},
     {"kelva sync --all ~/Pictures/cameras", "Fetch from all cameras, each into its folder."},
     {"kelva sync --delete-after-verify ~/Pictures/camera", "Make room on the camera, safely."},
+    {"kelva sync --forget IMG_0001 ~/Pictures/camera", "A picture that was thrown away here may go on the camera too."},
 };
 
 constexpr Verb kVerbs[] = {
@@ -216,6 +224,11 @@ What lies below DCIM and MISC and is not in the catalogue (videos, panoramas, fi
 --everything it is fetched too, into the folders that it has on the camera: 100ABCDE/MVI_0001.MP4, MISC/AUTPRINT.MRK. Such
 a file has no SHA-1 and no time on the camera: its path and size tell whether it was fetched before, and --verify reads it
 twice.
+
+--delete-after-verify leaves a file on the camera that was edited, moved or deleted here. --forget PICTURE lets go what was
+moved or deleted on purpose: from then on --delete-after-verify deletes it on the camera, if it is still what was fetched. An
+edited file has to be moved first. --forget also removes the part of a file whose transfer was cut. PICTURE is a name, a
+path on the camera or a pattern; another file is named by its name or path.
 
 --since goes by the time at which a picture was taken; it reads up to 64 KiB of each new picture for that. A picture without
 a time is left out. So are the other files, which have none; with --everything they are counted. --folder with --everything
@@ -256,6 +269,8 @@ error: what ended the run early
 new, bytes, unlisted: with --dry-run, how many files would be fetched, their total size, and how many have no known size
 folders: with --dry-run, array of folder (below FOLDER), files, bytes
 free: with --dry-run, bytes that are free for FOLDER
+forgotten: with --forget, array of picture (as given) and files (array of path, and was: fetched or part); or of path (as
+  given) and error
 cameras: with --all, array of the results of each camera; the counts are then sums, and each event has serial)",
      kExamples, RunSync, true}};
 
