@@ -77,6 +77,15 @@ function(kelva_find_library variable name)
   find_library(${variable} NAMES ${names} ${name} REQUIRED)
 endfunction()
 
+# kelva_for_this_processor(): the targets of this folder, and of those below it, link libraries that are installed for one
+# processor. Only macOS has programs for several.
+macro(kelva_for_this_processor)
+  if(CMAKE_OSX_ARCHITECTURES)
+    set(CMAKE_OSX_ARCHITECTURES ${CMAKE_HOST_SYSTEM_PROCESSOR})
+    unset(CMAKE_APPLE_ARCH_SYSROOTS)  # one entry for each of the processors above
+  endif()
+endmacro()
+
 # kelva_static_runtime(TARGET): the few pages of the compiler's libraries that a program uses, not all of them.
 function(kelva_static_runtime target)
   if(KELVA_STATIC AND NOT KELVA_SANITIZER)

@@ -7,7 +7,7 @@ set(kelva_guides docs/embedding.md docs/protocol.md docs/macos.md docs/packaging
 if(TARGET kelva)
   list(APPEND kelva_guides docs/json.md docs/trace.md docs/your-camera.md)
 endif()
-if(TARGET kelva-vcam)
+if(TARGET vcam_usbip)
   list(APPEND kelva_guides docs/usbip.md)
 endif()
 install(FILES ${kelva_guides} DESTINATION "${kelva_documents}/docs" COMPONENT Documentation)

@@ -11,6 +11,9 @@ set(kelva_headers
 if(APPLE)
   list(APPEND kelva_headers src/usb/osx/OsxCamera.h)
   set(kelva_system_libraries "-framework IOKit" "-framework CoreFoundation")
+elseif(KELVA_PLATFORM STREQUAL "portable")
+  # In the place of the frameworks: a registry that nobody fills.
+  list(APPEND kelva_rooms darwin_cf darwin_registry darwin_no_default)
 else()
   # darwin_udev_default: who names no source gets the machine's cameras.
   list(APPEND kelva_rooms kelva_bus darwin_cf darwin_registry darwin_udev darwin_udev_default darwin_sg)

@@ -8,6 +8,7 @@ import json
 import os
 import pathlib
 import plistlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -49,7 +50,7 @@ class Configured:
 
 def install_with_stand_ins(build, root, *options):
     """A whole `cmake --install` below a folder, of products that stand in for what a Mac builds; what it put there."""
-    for name in ("libkelva.a", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
+    for name in ("libkelva.a", "bin/kelva-vcam", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
         product = build.folder / name
         product.parent.mkdir(parents=True, exist_ok=True)
         product.touch()
@@ -90,9 +91,12 @@ class ShippedBuild(unittest.TestCase):
         cls.addClassCleanup(cls.folder.cleanup)
         cls.build = Configured(cls.folder.name, "-DKELVA_BUILD_TESTS=OFF", "-DKELVA_DESKTOP_ID=com.example.Other")
 
-    def test_every_source_is_compiled_for_both_processors_and_the_oldest_system(self):
+    def test_every_source_is_compiled_for_the_oldest_system_and_the_library_and_agent_for_both_processors(self):
         for entry in self.build.commands:
-            for words in ("-arch x86_64", "-arch arm64", "-mmacosx-version-min=11.0", "-std=c++20"):
+            # What links libraries that are installed for one processor is built for that one.
+            installed = re.search(r" -c \S*/(apps|vcam)/", entry["command"])
+            self.assertEqual(len(re.findall(r"-arch (x86_64|arm64)\b", entry["command"])), 1 if installed else 2, entry["file"])
+            for words in ("-mmacosx-version-min=11.0", "-std=c++20"):
                 self.assertIn(words, entry["command"])
 
     def test_agent_knows_the_desktop_application_that_the_build_names(self):
@@ -121,12 +125,12 @@ class ShippedBuild(unittest.TestCase):
             files = install_with_stand_ins(self.build, root, "--prefix", "/opt/kelva")
             names = [name.removeprefix("opt/kelva/") for name in files]
             self.assertLessEqual({"lib/libkelva.a", "include/kelva/Camera.h", "lib/pkgconfig/kelva.pc", "share/doc/kelva/LICENSE",
-                                  "share/doc/kelva/THIRD-PARTY-NOTICES.md", "share/doc/kelva/docs/macos.md"}, set(names))
+                                  "share/doc/kelva/THIRD-PARTY-NOTICES.md", "share/doc/kelva/docs/macos.md", "bin/kelva-vcam"}, set(names))
             homes = ("include/kelva/", "lib/libkelva", "lib/cmake/Kelva/", "lib/pkgconfig/", "share/doc/kelva/", "Applications/KelvaHelper.app/",
-                     "Library/LaunchAgents/")
+                     "Library/LaunchAgents/", "bin/kelva-vcam")
             for name in names:
                 self.assertTrue(name.startswith(homes), name)
-                self.assertNotRegex(name, r"/man/|systemd|udev|autostart|kelva-(helper|open|vcam)|usbip|json\.md|darwin")
+                self.assertNotRegex(name, r"/man/|systemd|udev|autostart|kelva-(helper|open)|usbip|json\.md|darwin")
 
     def test_release_preset_needs_no_benchmark_library(self):
         presets = json.loads((PROJECT / "CMakePresets.json").read_text())["configurePresets"]
