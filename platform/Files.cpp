@@ -9,8 +9,14 @@
 namespace platform {
 namespace {
 
+// Where a folder is asked for, some systems say of a link that it is none. The kernel's own call says ELOOP.
 int OpenHere(int folder, const std::string& name, int flags, mode_t mode) {
-  return ::openat(folder, name.c_str(), flags | O_NOFOLLOW | O_CLOEXEC, mode);
+  const int result = ::openat(folder, name.c_str(), flags | O_NOFOLLOW | O_CLOEXEC, mode);
+  if (result >= 0 || errno != ENOTDIR) return result;
+  struct stat status {};
+  const bool isLink = ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
+  errno = isLink ? ELOOP : ENOTDIR;
+  return result;
 }
 
 void CloseKeepingError(int descriptor) {

@@ -66,6 +66,19 @@ TEST_F(FilesTest, NothingLeadsOutOfTheFolder) {
   }
 }
 
+TEST_F(FilesTest, ALinkIsToldFromAFileInThePlaceOfAFolder) {
+  Put("a/inside", "");
+  fs::create_directory_symlink("a", path_ / "link");
+  for (const auto& open : {Open, WalkBeneath}) {
+    for (const char* path : {"link", "link/inside"}) {
+      EXPECT_EQ(open(folder_.Get(), path, O_RDONLY | O_DIRECTORY, 0), -1);
+      EXPECT_EQ(errno, ELOOP) << path;
+    }
+    EXPECT_EQ(open(folder_.Get(), "a/inside/x", O_RDONLY, 0), -1);
+    EXPECT_EQ(errno, ENOTDIR);
+  }
+}
+
 TEST_F(FilesTest, ANewFileGetsTheModeThatWasAskedFor) {
   for (const auto& open : {Open, WalkBeneath}) {
     const base::FileDescriptor file(open(folder_.Get(), "new", O_RDWR | O_CREAT | O_EXCL, 0600));

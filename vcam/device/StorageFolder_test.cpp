@@ -107,7 +107,8 @@ TEST(StorageFolder, HandsNoDescriptorToPrograms) {
   EXPECT_EQ(::fcntl(storage.OpenForReading("a").file.Get(), F_GETFD), FD_CLOEXEC);
   storage.Replace("a", "2", 0600);
   const auto closesOnExec = testing::Truly([](int flags) { return (flags & O_CLOEXEC) != 0; });
-  EXPECT_THAT(openFlags, testing::ElementsAre(closesOnExec, closesOnExec)) << "the folder, and the temporary file";
+  EXPECT_THAT(openFlags, testing::Each(closesOnExec));
+  EXPECT_GE(openFlags.size(), 2U) << "the folder, and the temporary file";
 }
 
 TEST(StorageFolder, ClosesNoDescriptorTwice) {
