@@ -3,9 +3,10 @@
 
 #include <array>
 #include <bit>
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
+
+#include "apps/commandline/Decimal.h"
 
 namespace apps {
 
@@ -15,8 +16,7 @@ bool IsReadableLevel(float level) {
 
 std::string LevelText(float level) {
   if (!IsReadableLevel(level)) return LevelBits(level);
-  std::array<char, 64> text{};
-  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), level).ptr};
+  return Shortest(level);
 }
 
 std::string LevelBits(float level) {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdio>
+#include <locale>
 
 namespace apps {
 namespace {
@@ -43,10 +44,18 @@ void AppendEscape(std::string& out, char32_t c) {
   out += text.data();
 }
 
+// Not every system has the first one.
+locale_t UnicodeLocale() {
+  for (const char* name : {"C.UTF-8", "en_US.UTF-8"}) {
+    if (const locale_t found = ::newlocale(LC_CTYPE_MASK, name, nullptr)) return found;
+  }
+  return nullptr;
+}
+
 // The system's table of widths, which needs a locale that knows Unicode. It is this thread's for the moment of the question.
 std::size_t WidthOf(const Utf8Piece& piece) {
   if (!piece.valid || piece.codePoint < 0x300) return 1;
-  static const locale_t unicode = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  static const locale_t unicode = UnicodeLocale();
   if (unicode == nullptr) return 1;
   const locale_t before = ::uselocale(unicode);
   const int width = ::wcwidth(static_cast<wchar_t>(piece.codePoint));

@@ -11,7 +11,7 @@ std::span<char> FileStream::Room() {
   if (gaveUp_) return {};
   if (!room_ && free_.empty()) {
     ++made_;
-    room_ = std::make_unique_for_overwrite<char[]>(kPiece + 2);
+    room_.reset(new char[kPiece + 2]);
   } else if (!room_) {
     room_ = std::move(free_.back());
     free_.pop_back();

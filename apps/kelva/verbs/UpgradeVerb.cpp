@@ -1,7 +1,6 @@
 // The verb upgrade.
 #include <unistd.h>
 
-#include <charconv>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -95,9 +94,9 @@ std::optional<std::string> WantedSha1(const Context& context) {
 std::optional<float> LeastBattery(const Context& context) {
   const auto text = context.call.Value("min-battery");
   if (!text) return std::nullopt;
-  float level = 0;
-  const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), level);
-  if (error == std::errc() && end == text->data() + text->size() && IsReadableLevel(level)) return level;
+  const auto number = ParseDecimal(*text);
+  const auto level = static_cast<float>(number.value_or(-1));
+  if (IsReadableLevel(level)) return level;
   throw Failure(ExitCode::kUsage,
                 "--min-battery takes a number as `kelva battery` shows it, not \"" + Printable(*text) + "\".");
 }
