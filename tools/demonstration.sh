@@ -5,6 +5,9 @@ build=${build:-$root/build/quick}
 bin="$build/bin"
 first=KV-0001
 second=KV-0002
+# What both demonstrations and --stay build.
+programs=(kelva kelva-vcam draw-pictures)
+if [ "$(uname -s)" = Darwin ]; then programs+=(kelva-virtual); else programs+=(kelva-helper kelva-open); fi
 
 # absolute_folder FOLDER: its full path, or the end with one sentence.
 absolute_folder() {
@@ -34,9 +37,17 @@ need_pictures() {
     die 1 "there is no JPEG file (*.jpg, *.jpeg) in \"$1\", and no DCIM/100ABCDE/IMG_0001.JPG as on a camera's card; name a folder that holds some."
 }
 
+# run_on_macos MODE FOLDER: as on Linux, but that the helper of a Mac asks the frameworks, which know no virtual camera.
 run_on_macos() {
-  [ "$1" = system ] || die 1 "the virtual cameras are built on Linux only; ./run --system starts the helper on this Mac's own cameras."
   need_packages build
+  case $1 in
+    system) run_helper_on_macos ;;
+    stay) stay "$2" ;;
+    virtual) demonstrate_tool "$2" ;;
+  esac
+}
+
+run_helper_on_macos() {
   build_preset dev KelvaHelper
   say "Starting KelvaHelper.app; plug a camera in. Ctrl-C ends it."
   exec "$root/build/dev/bin/KelvaHelper.app/Contents/MacOS/KelvaHelper"
@@ -54,7 +65,7 @@ desktop_id() {
 
 # demonstrate FOLDER: the main job with virtual cameras. FOLDER may be empty.
 demonstrate() {
-  build_preset quick kelva kelva-vcam kelva-helper kelva-open draw-pictures
+  build_preset quick "${programs[@]}"
   make_scratch
   trap clean_up EXIT
   trap 'exit 130' INT TERM
@@ -68,6 +79,22 @@ demonstrate() {
   expect_launch
   stop_helper
   say "Done: the second camera started the application, the first did not."
+}
+
+# demonstrate_tool FOLDER: the tool fetches the pictures of a virtual camera. FOLDER may be empty.
+demonstrate_tool() {
+  build_preset quick "${programs[@]}"
+  make_scratch
+  trap clean_up EXIT
+  trap 'exit 130' INT TERM
+  prepare_storage "$1"
+  start_bus
+  plug "$first" "The tool sees it through the bus."
+  "$bin/kelva" --virtual "$socket" list || die 1 "the tool did not find the camera; its words are above."
+  mkdir "$scratch/fetched"
+  "$bin/kelva" --virtual "$socket" sync "$scratch/fetched" || die 1 "the pictures could not be fetched; the reason is above."
+  expect_fetched_of_camera
+  say "Done: the tool fetched the pictures of camera $first, byte for byte."
 }
 
 make_scratch() {
@@ -183,7 +210,20 @@ expect_equal_files() {
     cmp "$storage/$file" "$scratch/fetched/$file" >&2 || die 1 "the fetched pictures differ from those on the camera."
     count=$((count + 1))
   done < <(cd "$scratch/fetched" && find DCIM -type f -print0)
-  [ "$count" != 0 ] || die 1 "the stand-in fetched no picture."
+  [ "$count" != 0 ] || die 1 "no picture was fetched."
+}
+
+# checksums FOLDER: of its files, without names, as a tool may name them anew; hidden ones are the tool's own.
+checksums() {
+  find "$1" -type f ! -path '*/.*' -exec cksum {} + | cut -d ' ' -f 1,2 | sort -u
+}
+
+expect_fetched_of_camera() {
+  local fetched
+  fetched=$(cd "$scratch/fetched" && checksums .)
+  [ -n "$fetched" ] || die 1 "no picture was fetched."
+  [ -z "$(comm -23 <(printf '%s\n' "$fetched") <(cd "$storage" && checksums DCIM))" ] ||
+    die 1 "the fetched pictures differ from those on the camera."
 }
 
 stop_helper() {
@@ -197,7 +237,7 @@ stop_helper() {
 
 # stay FOLDER: a bus and a camera that go on after this script, and what can be tried with them. FOLDER may be empty.
 stay() {
-  build_preset quick kelva kelva-vcam kelva-helper kelva-open draw-pictures
+  build_preset quick "${programs[@]}"
   make_scratch
   trap give_up_staying EXIT
   prepare_storage "$1"
@@ -229,7 +269,7 @@ copy_card() {
 # The folder goes when the bus ends.
 start_bus_that_stays() {
   # shellcheck disable=SC2016 # the words belong to the inner shell
-  setsid bash -c '"$1" serve --virtual "$2/bus" >"$2/bus.log" 2>&1 & echo $! >"$2/bus.pid"; wait; rm -rf "$2"' \
+  nohup bash -c '"$1" serve --virtual "$2/bus" >"$2/bus.log" 2>&1 & echo $! >"$2/bus.pid"; wait; rm -rf "$2"' \
     bus "$bin/kelva-vcam" "$scratch" </dev/null >/dev/null 2>&1 &
   wait_for 10 "$bin/kelva-vcam" status --virtual "$socket" ||
     die 1 "the bus of virtual cameras did not start: $(cat "$scratch/bus.log")"
@@ -247,10 +287,17 @@ Try, in this folder or any other:
   kelva-vcam unplug --virtual $socket --serial $first
   kelva-vcam plug --virtual $socket --serial $second --storage $storage
 
+$(say_how_to_launch)
+End the bus and remove its folder:
+  kill $(cat "$scratch/bus.pid")
+END
+}
+
+say_how_to_launch() {
+  [ "$(uname -s)" != Darwin ] || return 0
+  cat <<END
 The launcher, with an application of your own (README.md says how to name it); plug a camera in while it runs:
   kelva-helper --virtual $socket
 
-End the bus and remove its folder:
-  kill $(cat "$scratch/bus.pid")
 END
 }

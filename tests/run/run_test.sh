@@ -42,6 +42,9 @@ expect_line "because camera KV-0002 was plugged in"
 expect_line "fetched IMG_0004.JPG"
 expect_line "equal to the camera's, byte for byte"
 
+in_demonstration demonstrate_tool "" || fail "the tool alone: $(cat "$scratch_of_test/out" "$scratch_of_test/err")"
+expect_line "the tool fetched the pictures of camera KV-0001"
+
 mkdir "$scratch_of_test/my pictures"
 "$build/bin/draw-pictures" "$scratch_of_test"
 cp "$scratch_of_test/DCIM/100KELVA/IMG_0002.JPG" "$scratch_of_test/my pictures/a holiday.jpeg"
