@@ -6,8 +6,8 @@
 #include "apps/camera/Explain.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
-#include "apps/commandline/Printable.h"
 #include "apps/kelva/doctor/Machine.h"
+#include "apps/kelva/verbs/FindingText.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
@@ -20,13 +20,6 @@ Json Members(const doctor::Finding& finding) {
   members.Set("harmless", doctor::IsHarmless(finding.condition));
   members.SetBytes("serial", finding.serial).SetBytes("sentence", finding.sentence);
   return std::move(members.SetBytes("command", finding.command).SetBytes("advice", finding.advice));
-}
-
-std::string Paragraph(const doctor::Finding& finding) {
-  std::string text = Printable(finding.sentence) + "\n";
-  if (!finding.command.empty()) text += "  To mend it:  " + Printable(finding.command) + "\n";
-  if (!finding.advice.empty()) text += "  " + Printable(finding.advice) + "\n";
-  return text;
 }
 
 doctor::Finding ExamineOnBus(Context& context, const AttachedCamera& camera) {
@@ -71,15 +64,13 @@ ExitCode RunDoctor(Context& context) {
   context.Doing(socket ? "look at the virtual bus" : "look at this machine");
   const auto findings = socket ? ExamineBus(context, *socket) : doctor::ExamineMachine();
   Json list = Json::Array();
-  std::string text;
   bool harmless = true;
   for (const doctor::Finding& finding : findings) {
     list.Push(Members(finding));
-    text += Paragraph(finding);
     harmless = harmless && doctor::IsHarmless(finding.condition);
   }
   const ExitCode code = harmless ? ExitCode::kDone : ExitCode::kFailed;
-  return context.Result(Json::Object().Set("findings", std::move(list)), text, code);
+  return context.Result(Json::Object().Set("findings", std::move(list)), TextOf(findings), code);
 }
 
 constexpr Example kExamples[] = {{"kelva doctor", "Why does my camera not show up?"}};

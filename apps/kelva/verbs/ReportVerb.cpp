@@ -19,6 +19,8 @@
 #include "apps/files/SafeName.h"
 #include "apps/files/StoreFile.h"
 #include "apps/files/Tar.h"
+#include "apps/kelva/doctor/Machine.h"
+#include "apps/kelva/verbs/FindingText.h"
 #include "apps/kelva/verbs/Verbs.h"
 #include "apps/trace/Trace.h"
 
@@ -131,9 +133,16 @@ ExitCode RunReport(Context& context) {
     throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
                                          " already, and it was kept; choose another name for the report.");
   }
+  std::string findings;
+  if (!context.call.Value("virtual")) {
+    context.Doing("look at this machine");
+    // Before the session, because this asks the camera too, and a camera answers one program at a time.
+    findings = TextOf(doctor::ExamineMachine());
+  }
   const Session camera(context, "open the camera");
   Report report(context);
   Gather(context, camera, report);
+  if (!findings.empty()) report.Add("doctor.txt", findings);
   // What is older than this is in the file alone.
   constexpr std::size_t kMostTrace = 64U << 20;
   if (context.trace != nullptr) report.Add("trace.jsonl", context.trace->Contents(kMostTrace));
@@ -152,7 +161,7 @@ constexpr Example kExamples[] = {{"kelva report camera.tar", "Gather what someon
 constexpr Verb kVerbs[] = {
     {"report", "Gather what helps to find a fault into one archive", kArguments, kNoOptions,
      R"(The archive holds the camera's information, battery level and counters, its console log, crash logs and
-calibration files, and facts about this computer. It holds no pictures and no passphrases, but whatever the camera wrote into its logs. Only
+calibration files, facts about this computer and what `kelva doctor` finds on it. It holds no pictures and no passphrases, but whatever the camera wrote into its logs. Only
 you may read the archive. Of the console log 16 MiB are read at most, of the crash logs and of the calibration files
 64 MiB each. Crash logs stay on the camera. The camera hands over its console log only once, so afterwards only the archive has it. A part that fails is
 reported, and the rest goes on. With --trace FILE the archive also holds that trace.)",

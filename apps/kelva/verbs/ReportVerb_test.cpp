@@ -15,8 +15,8 @@ TEST_F(ReportVerbTest, EverythingIsInOneArchive) {
   const Ran ran = Run({"report", file.c_str()});
   EXPECT_EQ(ran.code, ExitCode::kDone) << ran.err;
   const std::string archive = Text(file);
-  for (const char* name : {"kelva-report/host.txt", "kelva-report/camera.txt", "kelva-report/console.txt",
-                           "kelva-report/crash/A.LOG", "kelva-report/calibration/C1"}) {
+  for (const char* name : {"kelva-report/host.txt", "kelva-report/doctor.txt", "kelva-report/camera.txt",
+                           "kelva-report/console.txt", "kelva-report/crash/A.LOG", "kelva-report/calibration/C1"}) {
     EXPECT_NE(archive.find(name), std::string::npos) << name;
   }
   EXPECT_NE(archive.find("boom"), std::string::npos);
