@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <map>
-#include <tuple>
 
 #include "src/wifi/Camera.h"
-#include "tests/doors/Door.h"
+#include "tests/doors/DoorTest.h"
 #include "vcam/camera/testing/TestSupport.h"
 
 // Every fault at every command through every door, as a program sees it that uses the library.
@@ -68,17 +66,8 @@ Fault FaultOf(FaultKind kind) {
   return {kind, kind == FaultKind::kUnplugAtByte ? 0U : 1U};
 }
 
-Door& DoorNamed(const NamedDoor& named) {
-  static std::map<std::string, std::unique_ptr<Door>> doors;
-  std::unique_ptr<Door>& door = doors[named.name];
-  if (!door) door = named.make();
-  return *door;
-}
-
-class EveryFault : public testing::TestWithParam<std::tuple<NamedDoor, FaultKind>> {
+class EveryFault : public DoorTest {
  protected:
-  FaultKind Kind() const { return std::get<1>(GetParam()); }
-
   void Try(const Row& row) {
     const vcam::test::ScratchStorage card;
     FillCard(card.Path());
@@ -99,8 +88,6 @@ class EveryFault : public testing::TestWithParam<std::tuple<NamedDoor, FaultKind
     door_.Unplug(Kind() == FaultKind::kUnplugAtByte);
   }
 
-  Door& door_ = DoorNamed(std::get<0>(GetParam()));
-
  private:
   void Compare(const Row& row, const Outcome& outcome) {
     const Outcome expected = Expected(row, Kind(), door_.counting());
@@ -114,16 +101,7 @@ TEST_P(EveryFault, GivesWhatTheTableSaysAtEveryCommand) {
   for (const Row& row : Rows()) Try(row);
 }
 
-std::string NameOf(const testing::TestParamInfo<std::tuple<NamedDoor, FaultKind>>& info) {
-  std::string name = std::get<0>(info.param).name + ("_" + std::string(vcam::NameOf(std::get<1>(info.param))));
-  std::replace(name.begin(), name.end(), '-', '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, EveryFault,
-                         testing::Combine(testing::ValuesIn(AllDoors().begin(), AllDoors().end()),
-                                          testing::ValuesIn(vcam::AllFaults().begin(), vcam::AllFaults().end())),
-                         NameOf);
+INSTANTIATE_TEST_SUITE_P(All, EveryFault, AllDoorTests(), NameOfDoorTest);
 
 }  // namespace
 }  // namespace tests::doors

@@ -85,8 +85,9 @@ class SocketDoor : public VirtualDoor {
   SocketDoor() { vcam::Sha256Hex(""); }
 
   void Plug(const vcam::Options& options) override {
-    const auto answer = control_.Request(bus::Kind::kPlug,
-                                         Encode(bus::PlugRequest{options.serial, options.storage.string(), "", "", 3}));
+    bus::PlugRequest request{options.serial, options.storage.string(), "", "", 3};
+    if (options.forwardOnly) request.traits |= bus::kForwardOnly;
+    const auto answer = control_.Request(bus::Kind::kPlug, Encode(request));
     const auto id = bus::Decode<std::uint32_t>(answer.payload).value();
     Show(options, [path = server_.Path(), id] { return bus::MakeSocketSession(path, id); });
   }
