@@ -2,7 +2,6 @@
 #include "apps/camera/NewPictures.h"
 
 #include <algorithm>
-#include <thread>
 #include <utility>
 
 #include "apps/camera/ListedSizes.h"
@@ -66,7 +65,7 @@ std::vector<DcfObj> NewPictures::Look(Camera& camera) {
 }
 
 std::vector<DcfObj> AwaitPictures(const NewPictures& before, Camera& camera, const Stop& stop,
-                                  std::chrono::milliseconds pause, std::chrono::milliseconds patience) {
+                                  const std::function<void()>& pause, std::chrono::milliseconds patience) {
   const auto until = std::chrono::steady_clock::now() + patience;
   Glimpse last;
   while (std::chrono::steady_clock::now() < until) {
@@ -77,7 +76,7 @@ std::vector<DcfObj> AwaitPictures(const NewPictures& before, Camera& camera, con
       if (!now.pictures.empty() && now == last) return std::move(now.pictures);
       last = std::move(now);
     }
-    std::this_thread::sleep_for(pause);
+    pause();
   }
   throw Failure(
       ExitCode::kTimedOut,

@@ -2,6 +2,7 @@
 #define KELVA_APPS_CAMERA_NEW_PICTURES_H_
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -29,11 +30,11 @@ class NewPictures {
   bool looked_ = false;
 };
 
-/// Looks again and again, `pause` apart, until pictures have appeared since the last look of `before`, and their entries
-/// and the sizes of the files in their folders have stayed the same from one look to the next. Throws Stopped, and
-/// Failure(kTimedOut) after `patience`.
+/// Looks again and again, with a call of `pause` between two looks, until pictures have appeared since the last look of
+/// `before`, and their entries and the sizes of the files in their folders have stayed the same from one look to the next.
+/// Throws Stopped, what `pause` throws, and Failure(kTimedOut) after `patience`.
 std::vector<DcfObj> AwaitPictures(const NewPictures& before, Camera& camera, const Stop& stop,
-                                  std::chrono::milliseconds pause, std::chrono::milliseconds patience);
+                                  const std::function<void()>& pause, std::chrono::milliseconds patience);
 
 }  // namespace apps
 

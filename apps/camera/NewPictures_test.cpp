@@ -100,7 +100,9 @@ TEST(NewPicturesTest, AwaitedPicturesAreGivenWhenTheirEntriesRest) {
     if (++looks == 3) camera.pictures.push_back({2, 0});
     if (looks == 4) camera.pictures.back().second = 5;
   };
-  EXPECT_THAT(Names(AwaitPictures(pictures, camera, Stop(), 0ms, 10s)), ElementsAre("100ABCDE/IMG_0002"));
+  EXPECT_THAT(Names(AwaitPictures(
+                  pictures, camera, Stop(), [] {}, 10s)),
+              ElementsAre("100ABCDE/IMG_0002"));
   EXPECT_EQ(looks, 5);
 }
 
@@ -109,14 +111,17 @@ TEST(NewPicturesTest, NothingIsAwaitedForEver) {
   NewPictures pictures;
   pictures.Look(camera);
   try {
-    AwaitPictures(pictures, camera, Stop(), 0ms, 5ms);
+    AwaitPictures(
+        pictures, camera, Stop(), [] {}, 5ms);
     FAIL();
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.Code(), ExitCode::kTimedOut);
   }
   Stop stop;
   stop.Request();
-  EXPECT_THROW(AwaitPictures(pictures, camera, stop, 0ms, 10s), Stopped);
+  EXPECT_THROW(AwaitPictures(
+                   pictures, camera, stop, [] {}, 10s),
+               Stopped);
 }
 
 }  // namespace

@@ -173,12 +173,6 @@ void Progress::Clear() {
   reporter_.Clear();
 }
 
-void Progress::Check(void* progress, float) {
-  auto& self = *static_cast<Progress*>(progress);
-  self.stop_.Check();
-  self.reporter_.HearCamera();
-}
-
 void Progress::Callback(void* progress, float fraction) {
   auto& self = *static_cast<Progress*>(progress);
   const double share = std::clamp(static_cast<double>(fraction), 0.0, 1.0);

@@ -59,8 +59,6 @@ class Progress {
 
   /// The library's progress callback; its context is a Progress.
   static void Callback(void* progress, float fraction);
-  /// As Callback, for one of several transfers that share a bar: shows nothing new, only throws Stopped when asked to.
-  static void Check(void* progress, float fraction);
 
  private:
   Reporter& reporter_;

@@ -153,7 +153,7 @@ TEST_F(ProgressTest, ACameraThatDoesNotAnswerIsSaidAfterFiveSeconds) {
   EXPECT_TRUE(Shown().ends_with("\r\x1b[KNo answer from the camera for 12 s; check the cable. Ctrl-C stops."))
       << Shown();
   const std::size_t before = Shown().size();
-  Progress::Check(&progress, 0);
+  reporter.HearCamera();
   reporter.Tick(Progress::Clock::now() + 4s);
   EXPECT_EQ(Shown().size(), before) << "a part of a file came";
   reporter.AwaitCamera(false);

@@ -53,17 +53,6 @@ class FakeCamera : public wifi_testing::PlainCamera {
     for (const std::string& name : folders) entries.push_back({name, 0, 0x10});
     return entries;
   }
-  using Camera::ReadFile;
-  std::vector<char> ReadFile(const char* path, void (*progress)(void*, float), void* context, bool flag) override {
-    ++reads;
-    lastFlag = flag;
-    if (onRead) onRead(path);
-    if (progress != nullptr) progress(context, 0);
-    while (endless) progress(context, 1);
-    const auto found = files.find(NameIn(path));
-    if (found == files.end()) return {};
-    return {found->second.begin(), found->second.end()};
-  }
   bool DeleteFile(const char* path) override {
     if (onDelete) onDelete(path);
     if (forbidden == NameIn(path)) throw CameraTransferError("refused");
@@ -76,10 +65,10 @@ class FakeCamera : public wifi_testing::PlainCamera {
   std::vector<std::string> folders;
   std::vector<DcfObj> catalogue;
   int reads = 0;
-  bool lastFlag = false;     ///< that the last read was sent with
   int lie = 0;               ///< added to every size in a listing
   std::string damage;        ///< added to every file that is written
   std::string forbidden;     ///< deleting this one is an error
+  bool lastFlag = false;     ///< that the last command was sent with
   bool endless = false;      ///< a read of a file goes on until somebody ends it
   bool writeBreaks = false;  ///< writing ends in an error, half of it done
   bool stubborn = false;

@@ -16,11 +16,13 @@
 #include "apps/decoder/Jpeg.h"
 #include "apps/files/Sha1.h"
 #include "src/wifi/CameraError.h"
+#include "src/wifi/FileReader.h"
 
 namespace apps {
 namespace {
 
 constexpr int kJpg = kFirstFileType;
+constexpr std::size_t kPiece = std::size_t{256} << 10;
 
 unsigned long long BytesToDraw(const std::vector<FileSizes>& sizes) {
   unsigned long long bytes = 0;
@@ -37,6 +39,15 @@ void ThrowIfLeftOut(Guard::Fate fate) {
     case Guard::Fate::kUnknown:
       return;
   }
+}
+
+// No file is read without end.
+void CheckAnnounced(unsigned long long announced, std::optional<unsigned long long> listed) {
+  if (announced <= listed.value_or(kMostUnlisted)) return;
+  throw CameraError((listed
+                         ? "the folder gives it " + std::to_string(*listed) + " bytes"
+                         : "no folder lists it, so " + std::to_string(kMostUnlisted >> 20) + " MiB are read at most") +
+                    ", and the camera announces " + std::to_string(announced) + " bytes");
 }
 
 }  // namespace
@@ -58,7 +69,6 @@ Sheet::Sheet(Context& context, boost::shared_ptr<Camera> camera, Beside beside, 
 
 void Sheet::Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSizes>& sizes, const Sink& sink) {
   Progress progress(context_.reporter, context_.stop, "", BytesToDraw(sizes));
-  progress_ = &progress;
   const auto pictures =
       std::count_if(catalogue.begin(), catalogue.end(), [](const DcfObj& p) { return p.hasJpg != 0; });
   const std::size_t processes = ThumbnailPool::SizeFor(static_cast<std::size_t>(pictures));
@@ -76,7 +86,6 @@ void Sheet::Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSiz
   }
   while (!begun_.empty()) FinishOldest(sink);
   pool_.reset();
-  progress_ = nullptr;
 }
 
 Card Sheet::CardOf(const DcfObj& picture, const FileSizes& sizes) {
@@ -224,9 +233,18 @@ std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<uns
   const std::string token = PicturePath(picture, kJpg);
   if (context_.guard != nullptr) ThrowIfLeftOut(context_.guard->FateOf(token));
   const InItem item(context_.guard, token, ShownPath(token));
-  ReadLimit limit(ShownPath(token), listed, Progress::Check, *progress_);
-  std::vector<char> bytes = camera_->ReadFile(picture, kJpg, ReadLimit::Check, &limit, true);
-  if (bytes.empty()) throw NoPicture("the catalogue names it, but the camera has no bytes of it");
+  kelva::FileReader reader(camera_, picture, kJpg);
+  if (reader.Size() == 0) throw NoPicture("the catalogue names it, but the camera has no bytes of it");
+  CheckAnnounced(reader.Size(), listed);
+  // With room for the two bytes more that tell the end.
+  std::vector<char> bytes(static_cast<std::size_t>(reader.Size()) + 2);
+  std::size_t done = 0;
+  while (done < reader.Size()) {
+    context_.stop.Check();
+    done += reader.ReadOn(std::span(bytes).subspan(done).first(std::min(kPiece, bytes.size() - done)));
+    context_.reporter.HearCamera();
+  }
+  bytes.resize(done);
   return bytes;
 }
 

@@ -92,7 +92,6 @@ class Sheet {
   Beside beside_;
   DrawnBefore* const drawn_;
   const std::string serial_;
-  Progress* progress_ = nullptr;
   std::optional<ThumbnailPool> pool_;
   std::size_t mostBegun_ = 0;
   std::deque<Begun> begun_;  // in the order of the catalogue

@@ -1,12 +1,14 @@
 // The verb capture.
 #include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "apps/camera/NewPictures.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/RemoteFile.h"
 #include "apps/camera/Session.h"
+#include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/SafeName.h"
@@ -53,8 +55,12 @@ ExitCode CaptureInto(Context& context, const std::string& into) {
   context.Doing("wait for the new picture");
   // With --timeout the supervisor ends the wait.
   const auto patience = context.call.Has("timeout") ? std::chrono::hours(24 * 365) : 30s;
+  const auto pause = [&] {
+    std::this_thread::sleep_for(300ms);
+    LetOthers(context);
+  };
   Each each(context, "files");
-  for (const DcfObj& picture : AwaitPictures(pictures, *camera, context.stop, 300ms, patience)) {
+  for (const DcfObj& picture : AwaitPictures(pictures, *camera, context.stop, pause, patience)) {
     for (const int type : FileTypes(picture)) {
       const std::string path = PicturePath(picture, type);
       const std::string name = SafeName(PictureFileName(picture, type));
