@@ -11,7 +11,7 @@ namespace tap {
 namespace {
 
 // Seconds of the guest, which has time for every time-out that a case may run into.
-constexpr unsigned kDeadline = 7200;
+constexpr unsigned kDeadline = 14'400;
 
 [[noreturn]] void RunHere(const Case& one) {
   ::alarm(kDeadline);
