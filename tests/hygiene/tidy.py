@@ -15,7 +15,7 @@ import subprocess
 import sys
 
 TIDY = "clang-tidy-14"
-ROOMS = ("apps", "base", "bus", "darwin", "embed", "src", "tools", "vcam", "wire")
+ROOMS = ("apps", "base", "bus", "darwin", "embed", "platform", "src", "tools", "vcam", "wire")
 
 
 def is_product(path):
