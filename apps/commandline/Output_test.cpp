@@ -10,13 +10,15 @@
 
 #include "apps/commandline/Failure.h"
 #include "base/FileDescriptor.h"
+#include "platform/Sockets.h"
 
 namespace apps {
 namespace {
 
 TEST(OutputTest, NothingIsWrittenBeforeFlush) {
   std::array<int, 2> ends{};
-  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK), 0);
+  ASSERT_EQ(platform::Pipe(ends), 0);
+  for (const int end : ends) platform::SetNonBlocking(end);
   const base::FileDescriptor reader(ends[0]);
   const base::FileDescriptor writer(ends[1]);
   Output out(writer.Get());
@@ -31,7 +33,8 @@ TEST(OutputTest, NothingIsWrittenBeforeFlush) {
 
 TEST(OutputTest, WriteGoesOutAtOnceBehindWhatWasCollected) {
   std::array<int, 2> ends{};
-  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK), 0);
+  ASSERT_EQ(platform::Pipe(ends), 0);
+  for (const int end : ends) platform::SetNonBlocking(end);
   const base::FileDescriptor reader(ends[0]);
   const base::FileDescriptor writer(ends[1]);
   Output out(writer.Get());
@@ -61,7 +64,7 @@ TEST(OutputTest, AFullDiskIsAFailure) {
 TEST(OutputTest, AReaderThatHasGoneIsNoFailureOfTheWork) {
   std::signal(SIGPIPE, SIG_IGN);
   std::array<int, 2> ends{};
-  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+  ASSERT_EQ(platform::Pipe(ends), 0);
   ::close(ends[0]);
   const base::FileDescriptor writer(ends[1]);
   Output out(writer.Get());
@@ -72,7 +75,7 @@ TEST(OutputTest, AReaderThatHasGoneIsNoFailureOfTheWork) {
 
 TEST(OutputTest, APipeIsNoTerminal) {
   std::array<int, 2> ends{};
-  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+  ASSERT_EQ(platform::Pipe(ends), 0);
   const base::FileDescriptor reader(ends[0]);
   const base::FileDescriptor writer(ends[1]);
   EXPECT_FALSE(Output(writer.Get()).IsTerminal());

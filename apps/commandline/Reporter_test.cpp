@@ -1,6 +1,5 @@
 #include "apps/commandline/Reporter.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -10,6 +9,7 @@
 
 #include "base/FileDescriptor.h"
 #include "base/testing/UnnamedFile.h"
+#include "platform/Sockets.h"
 
 namespace apps {
 namespace {
@@ -99,7 +99,8 @@ TEST(ReporterTest, ErrorsAreRedWhereColoursAreWanted) {
 
 TEST(ReporterTest, TheLastWordDoesNotWaitForABlockedReader) {
   std::array<int, 2> ends{};
-  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK), 0);
+  ASSERT_EQ(platform::Pipe(ends), 0);
+  for (const int end : ends) platform::SetNonBlocking(end);
   const base::FileDescriptor reader(ends[0]);
   const base::FileDescriptor writer(ends[1]);
   const std::string block(4096, 'x');

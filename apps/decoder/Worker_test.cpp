@@ -12,6 +12,7 @@
 #include "apps/decoder/testing/TinyJpeg.h"
 #include "base/FileDescriptor.h"
 #include "base/SendAll.h"
+#include "platform/Sockets.h"
 
 namespace apps {
 namespace {
@@ -21,7 +22,7 @@ class WorkerTest : public ::testing::Test {
  protected:
   WorkerTest() {
     std::array<int, 2> ends{};
-    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    EXPECT_EQ(platform::SocketPair(ends), 0);
     near_.Reset(ends[0]);
     far_.Reset(ends[1]);
     thread_ = std::thread([this] {

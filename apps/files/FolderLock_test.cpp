@@ -13,6 +13,7 @@
 
 #include "apps/commandline/Failure.h"
 #include "base/testing/ScratchFolder.h"
+#include "platform/Files.h"
 
 namespace apps {
 namespace {
@@ -118,11 +119,11 @@ TEST_F(FolderLockTest, SaysWhatIsInTheWay) {
 TEST_F(FolderLockTest, IsNotHandedToAnotherProgram) {
   const FolderLock lock(Folder());
   int found = 0;
-  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
-    std::error_code gone;
-    if (fs::read_symlink(entry.path(), gone) != fs::canonical(LockPath())) continue;
+  for (const auto& entry : fs::directory_iterator("/dev/fd")) {
+    const int descriptor = std::stoi(entry.path().filename());
+    if (platform::PathOf(descriptor) != fs::canonical(LockPath())) continue;
     ++found;
-    EXPECT_EQ(::fcntl(std::stoi(entry.path().filename()), F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(::fcntl(descriptor, F_GETFD), FD_CLOEXEC);
   }
   EXPECT_EQ(found, 1);
 }

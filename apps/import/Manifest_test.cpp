@@ -13,6 +13,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/files/testing/RecordingCalls.h"
 #include "base/testing/ScratchFolder.h"
+#include "platform/Files.h"
 
 namespace apps {
 namespace {
@@ -69,9 +70,8 @@ TEST_F(ManifestTest, OnlyWhoMayWriteIntoTheFolderCanOpenTheList) {
 /// How many descriptors of this process are of a file.
 int OpenDescriptorsOf(const fs::path& path) {
   int count = 0;
-  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
-    std::error_code gone;
-    if (fs::read_symlink(entry.path(), gone) == path) ++count;
+  for (const auto& entry : fs::directory_iterator("/dev/fd")) {
+    if (platform::PathOf(std::stoi(entry.path().filename())) == path) ++count;
   }
   return count;
 }

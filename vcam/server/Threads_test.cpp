@@ -12,7 +12,7 @@ constexpr int kRounds = 3000;
 
 class Threads : public testing::Test {
  protected:
-  const test::ScratchStorage scratch_;
+  const test::ScratchStorage scratch_{};
   const std::shared_ptr<VirtualCamera> camera_ = std::make_shared<VirtualCamera>(scratch_.CameraOptions());
   const std::shared_ptr<CompletionQueue> completions_ = std::make_shared<CompletionQueue>();
 };

@@ -2,6 +2,7 @@
 #define KELVA_APPS_FILES_TESTING_RECORDING_CALLS_H_
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <atomic>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "apps/files/SystemCalls.h"
+#include "platform/Files.h"
 
 namespace apps {
 
@@ -80,7 +82,8 @@ class RecordingCalls : public FileCalls {
     return Fails("time " + Shown(PathOf(file))) ? -1 : system_.SetTime(file, changed);
   }
   void BeginFlush(int file) noexcept override {
-    begun_ += std::filesystem::file_size("/proc/self/fd/" + std::to_string(file));
+    struct stat status {};
+    if (::fstat(file, &status) == 0) begun_ += static_cast<std::size_t>(status.st_size);
     system_.BeginFlush(file);
   }
   int Flush(int file) override {
@@ -111,9 +114,7 @@ class RecordingCalls : public FileCalls {
     errno = error_;
     return true;
   }
-  std::string PathOf(int fd) const {
-    return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd)).lexically_relative(root_);
-  }
+  std::string PathOf(int fd) const { return std::filesystem::path(platform::PathOf(fd)).lexically_relative(root_); }
   std::string Below(int folder, const std::string& name) const {
     if (name.starts_with('/')) return std::filesystem::path(name).lexically_relative(root_);
     return (std::filesystem::path(folder == AT_FDCWD ? "" : PathOf(folder)) / name).lexically_normal();

@@ -1,6 +1,3 @@
-#include <sys/stat.h>
-#include <sys/xattr.h>
-
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {
@@ -27,25 +24,6 @@ TEST_F(ReportVerbTest, EverythingIsInOneArchive) {
             std::string::npos)
       << ran.err;
   EXPECT_EQ(Run({"report", file.c_str()}).code, ExitCode::kFailed);
-}
-
-// user::rwx, user:65534:rwx, group::r-x, mask::rwx, other::---, as the kernel keeps it.
-TEST_F(ReportVerbTest, AFoldersDefaultAclLetsNobodyElseRead) {
-  const std::string acl(
-      "\2\0\0\0"
-      "\1\0\7\0\377\377\377\377"
-      "\2\0\7\0\376\377\0\0"
-      "\4\0\5\0\377\377\377\377"
-      "\20\0\7\0\377\377\377\377"
-      "\40\0\0\0\377\377\377\377",
-      44);
-  ASSERT_EQ(::setxattr(folder.c_str(), "system.posix_acl_default", acl.data(), acl.size(), 0), 0);
-  const std::string file = (folder / "report.tar").string();
-  EXPECT_EQ(Run({"report", file.c_str()}).code, ExitCode::kDone);
-  struct stat status {};
-  ASSERT_EQ(::stat(file.c_str(), &status), 0);
-  // The bits of the group are the mask of what the ACL gives to others.
-  EXPECT_EQ(status.st_mode & 0777, 0600U);
 }
 
 }  // namespace
