@@ -60,10 +60,10 @@ BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, int 
     : folder_(folder), name_(name), number_(first), last_(first + most) {}
 
 BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes,
-                       const std::string& sha1, int first, int most)
+                       const std::string& sha1, int first, int before, int most)
     : BesideFile(folder, name, first, most) {
   // Files that are there already are looked at before anything is written.
-  isThere_ = IsThere(first, bytes.size(), sha1);
+  isThere_ = IsThere(first, before, bytes.size(), sha1);
   if (isThere_) return;
   file_ = std::make_unique<NewFile>(folder_);
   file_->Write(bytes);
@@ -71,16 +71,15 @@ BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std:
 }
 
 BesideFile::BesideFile(const TargetFolder& folder, const std::string& name, std::unique_ptr<NewFile> written,
-                       unsigned long long size, const std::string& sha1, int first, int most)
+                       unsigned long long size, const std::string& sha1, int first, int before, int most)
     : BesideFile(folder, name, first, most) {
-  isThere_ = IsThere(first, size, sha1);
+  isThere_ = IsThere(first, before, size, sha1);
   if (!isThere_) file_ = std::move(written);
 }
 
 // Leaves the number at the file that is there, or at the first free one.
-bool BesideFile::IsThere(int first, unsigned long long size, const std::string& sha1) {
-  constexpr int kMostBefore = 100;  // a thousand files of one name must not compare each with each
-  for (number_ = std::max(1, first - kMostBefore); number_ <= last_; ++number_) {
+bool BesideFile::IsThere(int first, int before, unsigned long long size, const std::string& sha1) {
+  for (number_ = std::max(1, first - before); number_ <= last_; ++number_) {
     const std::string name = Numbered(name_, number_);
     const bool has = folder_.Has(name);
     if (has && HoldsTheSame(folder_, name, size, sha1)) return true;

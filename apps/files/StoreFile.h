@@ -31,14 +31,17 @@ struct Stored {
 /// steps, so that the disk can work on several files at once, and need not write their folder again for each.
 class BesideFile {
  public:
-  /// Writes the bytes under a temporary name, unless they are there already under one of the hundred numbers up to `first`, or behind it
-  /// without a gap. `first` is the number to begin with, `most` how many more are tried, `sha1` the SHA-1 of the bytes; the
+  /// Writes the bytes under a temporary name, unless they are there already under the number `first`, one of the `before`
+  /// numbers before it, or behind it without a gap. `first` is the number to begin with, `most` how many more are tried, `sha1` the SHA-1 of the bytes; the
   /// folder outlives this object. Throws Failure.
   BesideFile(const TargetFolder& folder, const std::string& name, std::span<const char> bytes, const std::string& sha1,
-             int first = 1, int most = 10'000);
+             int first = 1, int before = kMostBefore, int most = 10'000);
   /// The same with a file that was written already, of `size` bytes; it is removed if they are there already.
   BesideFile(const TargetFolder& folder, const std::string& name, std::unique_ptr<NewFile> written,
-             unsigned long long size, const std::string& sha1, int first = 1, int most = 10'000);
+             unsigned long long size, const std::string& sha1, int first = 1, int before = kMostBefore,
+             int most = 10'000);
+  /// A thousand files of one name must not compare each with each.
+  static constexpr int kMostBefore = 100;
   /// As NewFile::SetTime; a file that was there keeps its time.
   void SetTime(std::time_t changed);
   /// Waits until the file is on disk. Throws Failure.
@@ -48,7 +51,7 @@ class BesideFile {
 
  private:
   BesideFile(const TargetFolder& folder, const std::string& name, int first, int most);
-  bool IsThere(int first, unsigned long long size, const std::string& sha1);
+  bool IsThere(int first, int before, unsigned long long size, const std::string& sha1);
 
   const TargetFolder& folder_;
   std::string name_;

@@ -118,6 +118,16 @@ TEST_F(StoreFileTest, NothingButFilesIsLookedInto) {
   EXPECT_EQ(Store("A.JPG", "").name, "A-3.JPG");
 }
 
+TEST_F(StoreFileTest, NumbersBeforeTheFirstAreLookedAtAsFarAsAskedFor) {
+  StoreBeside(*folder_, "A.JPG", std::string("one"), Sha1("one"));
+  const auto name = [this](int before) {
+    BesideFile file(*folder_, "A.JPG", std::string("one"), Sha1("one"), 3, before);
+    return file.TakeName().name;
+  };
+  EXPECT_EQ(name(1), "A-2.JPG");
+  EXPECT_EQ(name(0), "A-3.JPG");
+}
+
 TEST_F(StoreFileTest, AFileOfTheSameSizeIsAnotherFile) {
   Store("A.JPG", "one");
   EXPECT_EQ(Store("A.JPG", "eno").name, "A-2.JPG");
@@ -173,7 +183,7 @@ TEST_F(StoreFileTest, NumbersHaveAnEndAndTheLastIsUsedToo) {
   const std::string text = "one";
   for (const char* name : {"A.JPG", "A-2.JPG", "A-3.JPG"}) std::ofstream(path_ / name) << "other";
   const auto store = [&](int most) {
-    BesideFile file(*folder_, "A.JPG", text, Sha1(text), 1, most);
+    BesideFile file(*folder_, "A.JPG", text, Sha1(text), 1, BesideFile::kMostBefore, most);
     file.Flush();
     return file.TakeName();
   };

@@ -2,6 +2,7 @@
 #define KELVA_APPS_IMPORT_CAMERA_FILES_H_
 
 #include <boost/shared_ptr.hpp>
+#include <optional>
 #include <utility>
 
 #include "apps/camera/ListedSizes.h"
@@ -20,6 +21,8 @@ class CameraFiles {
   const boost::shared_ptr<Camera>& Pointer() const { return camera_; }
   /// Selects a file. Throws CameraError: also when its folder gives it another size and the catalogue has no key for it.
   kelva::FileReader Open(const SyncItem& item);
+  /// As ListedSizes::SizeOf. Ends the selection.
+  std::optional<unsigned long long> ListedSize(const SyncItem& item) { return listed_.SizeOf(item.CameraPath()); }
   /// Of a file whose SHA-1 is not its key, so that its size alone can tell. Throws CameraError when its folder gives it
   /// another size. Ends the selection.
   void CheckUnlikeKey(const SyncItem& item, unsigned long long size);

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "apps/camera/RemoteFile.h"
 #include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/import/Deletions.h"
@@ -21,20 +20,12 @@ std::vector<const SyncItem*> Fetched(const SyncPlan& plan, Manifest& manifest) {
   return items;
 }
 
-// Read once more, so that what is deleted is still what was stored.
-std::string HashOnCamera(SyncWork& work, const SyncItem& item) {
-  const InItem inItem = work.report.Begin(item);
-  kelva::FileReader reader = work.files.Open(item);
-  HoldForLong(work.context);
-  return Sha1OfRemote(reader, [&work](std::size_t count) { work.Came(count); });
-}
-
 }  // namespace
 
 std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const TargetFolder& folder,
                                      Manifest& manifest) {
   Deletions deletions(*work.files.Pointer(), folder, manifest,
-                      [&work](const SyncItem& item) { return HashOnCamera(work, item); });
+                      [&work](const SyncItem& item) { return work.HashOnCamera(item); });
   // All files of a picture go in one turn.
   const SyncItem* last = nullptr;
   const auto letOthers = [&](const SyncItem& item) {

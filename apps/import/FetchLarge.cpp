@@ -131,9 +131,9 @@ class Attempt {
 };
 
 bool Try(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem& item, kelva::FileReader& reader,
-         bool isLast) {
+         int number, bool isLast) {
   const auto stream = std::make_shared<FileStream>();
-  work.Submit(writers, {&item, {}, "", false, true, stream, reader.Size()});
+  work.Submit(writers, {&item, {}, "", false, true, stream, reader.Size(), number});
   Sending sending(stream);
   try {
     return Attempt(work, cuts, item, reader, *stream).SendAll(sending, isLast);
@@ -155,11 +155,11 @@ std::string DiffersEachTime(const SyncItem& item) {
          " differs from read to read, so it was not stored; check the cable and the card.";
 }
 
-void FetchLarge(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem& item,
-                kelva::FileReader& reader) {
-  if (Try(work, cuts, writers, item, reader, false)) return;
+void FetchLarge(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem& item, kelva::FileReader& reader,
+                int number) {
+  if (Try(work, cuts, writers, item, reader, number, false)) return;
   reader.Select();
-  Try(work, cuts, writers, item, reader, true);
+  Try(work, cuts, writers, item, reader, number, true);
 }
 
 }  // namespace apps

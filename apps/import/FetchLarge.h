@@ -20,10 +20,10 @@ std::string DiffersEachTime(const SyncItem& item);
 
 /// Reads a file in pieces and hands them to the writers as they come. Takes up what an earlier run left of it. A file that
 /// came differently twice and never as its key says, or whose parts do not belong together, is read once more from its
-/// start. `reader` has just selected the file. Throws CameraError, Stopped, and as Writers::Submit; a later run then goes on
+/// start. `reader` has just selected the file; `number` is that in its name. Throws CameraError, Stopped, and as Writers::Submit; a later run then goes on
 /// with what came.
-void FetchLarge(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem& item,
-                kelva::FileReader& reader);
+void FetchLarge(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem& item, kelva::FileReader& reader,
+                int number);
 
 }  // namespace apps
 

@@ -77,6 +77,7 @@ Names::Group& Names::GroupOf(const DcfObj& picture) {
   Group& group = found->second;
   if (!isNew) return group;
   for (; !IsFree(picture, group.next); ++group.next) group.here.emplace(Sha1Of(picture, group.next), group.next);
+  group.before = group.next - 1;
   return group;
 }
 
@@ -84,17 +85,27 @@ bool Names::Claim(const DcfObj& picture, int number) {
   return taken_.insert(std::hash<std::string>()(Stem(Path(picture, kFirstFileType, number)))).second;
 }
 
-int Names::NumberFor(const DcfObj& picture, const Stored& stored) {
+Names::Numbers Names::NumbersFor(const DcfObj& picture, const Stored& stored) {
+  Numbers numbers;
   if (!stored.empty()) {
     const auto& [type, path] = *stored.begin();
     const int number = NumberIn(path, Path(picture, type, 1));
-    if (number != 0 && IsFree(picture, number, stored) && Claim(picture, number)) return number;
+    const bool isFree = number != 0 && IsFree(picture, number, stored);
+    if (isFree && Claim(picture, number)) return {number};
+    if (!isFree) numbers.maybe = number;
   }
   Group& group = GroupOf(picture);
+  numbers.before = group.before;
   const auto same = group.here.find(PictureKey(picture).value_or("no key"));
-  if (same != group.here.end() && Claim(picture, same->second)) return same->second;
+  if (numbers.maybe == 0 && same != group.here.end()) {
+    // A file that is here already is in nobody's way.
+    if (FileTypes(picture).size() == 1) return {same->second};
+    numbers.maybe = same->second;
+    numbers.isByKey = true;
+  }
   while (!IsFree(picture, group.next) || !Claim(picture, group.next)) ++group.next;
-  return group.next++;
+  numbers.free = group.next++;
+  return numbers;
 }
 
 }  // namespace apps

@@ -13,7 +13,8 @@
 namespace apps {
 
 /// Chooses the number in the names of a picture's files: one for all of them. Programs pair files by their names, so a
-/// RAW must never come to lie beside another picture's JPG. The time for one picture does not grow with their number,
+/// RAW must never come to lie beside another picture's JPG. Looks at names, and for pictures with a key at one file; what
+/// else content tells is NumbersHere's. The time for one picture does not grow with their number,
 /// however many share a name.
 class Names {
  public:
@@ -25,15 +26,25 @@ class Names {
   /// Where files of a picture were stored, by type.
   using Stored = std::map<int, std::string>;
 
-  /// The smallest number under which all four names are free, here and among the pictures asked about before; 1 is the
-  /// name without a number. The number of the first of the picture's `stored` files is taken if the other names with it
-  /// are free, or bear the picture's own files.
-  int NumberFor(const DcfObj& picture, const Stored& stored = {});
+  /// Numbers for a picture; 1 is the name without a number.
+  struct Numbers {
+    /// All four names are free, or bear the picture's own files, and no other picture of this run has it.
+    int free = 1;
+    int maybe = 0;         ///< bears a file of the picture, and other files: only their content tells; 0 for none
+    bool isByKey = false;  ///< that file is as the key says
+    int before = 0;  ///< so many numbers from 1 on were taken: the picture's files may be there, and the list was lost
+
+    /// What is expected.
+    int Likely() const { return isByKey ? maybe : free; }
+  };
+  /// The free number is that of the first of the picture's `stored` files if it can be, else the smallest.
+  Numbers NumbersFor(const DcfObj& picture, const Stored& stored = {});
 
  private:
   /// Pictures that share a name.
   struct Group {
     int next = 1;                               ///< every smaller number is taken, here or by a picture
+    int before = 0;                             ///< as in Numbers
     std::unordered_map<std::string, int> here;  ///< numbers of files that are here, by SHA-1
   };
 

@@ -10,7 +10,6 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/StoreFile.h"
-#include "apps/import/Names.h"
 #include "base/Hex.h"
 
 namespace apps {
@@ -70,8 +69,9 @@ void NumberItems(SyncPlan& plan, Names names, const StoredFiles& stored) {
     const auto end = std::find_if(item, plan.items.end(), [&](const SyncItem& i) { return &i.Picture() != &picture; });
     if (std::any_of(item, end, [](const SyncItem& i) { return i.IsNew(); })) {
       const auto own = stored.find(&picture);
-      const int number = own == stored.end() ? names.NumberFor(picture) : names.NumberFor(picture, own->second);
-      for (auto numbered = item; numbered != end; ++numbered) numbered->SetNumber(number);
+      const auto numbers = own == stored.end() ? names.NumbersFor(picture) : names.NumbersFor(picture, own->second);
+      for (auto numbered = item; numbered != end; ++numbered) numbered->SetNumber(numbers.Likely());
+      if ((numbers.maybe != 0 || numbers.before != 0) && !item->IsAlone()) plan.doubts.emplace(&picture, numbers);
     }
     item = end;
   }
@@ -90,6 +90,10 @@ ManifestKey SyncItem::Key() const {
 
 std::string SyncItem::CameraPath() const {
   return IsPicture() ? PicturePath(*picture_, type_) : other_->path;
+}
+
+bool SyncItem::IsAlone() const {
+  return !IsPicture() || FileTypes(*picture_).size() == 1;
 }
 
 LocalPath SyncItem::Local() const {

@@ -7,9 +7,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "apps/import/Manifest.h"
+#include "apps/import/Names.h"
 #include "apps/import/Others.h"
 #include "apps/import/Pattern.h"
 #include "apps/import/TakenTime.h"
@@ -67,6 +69,8 @@ class SyncItem {
   int Number() const { return number_; }
   /// Where it goes below the target, unless its name is taken meanwhile.
   std::string LocalText() const;
+  /// Whether its picture, if it has one, has no other file.
+  bool IsAlone() const;
   /// When its picture was taken.
   std::optional<TakenTime> Taken(const TimeOf& timeOf) const { return IsPicture() ? timeOf(*picture_) : std::nullopt; }
   /// Empty when the catalogue does not say.
@@ -92,7 +96,9 @@ class SyncItem {
 /// What is to be done: pictures in the catalogue's order, then other files.
 struct SyncPlan {
   std::unique_ptr<const SyncSource> source;
-  std::vector<SyncItem> items;                ///< of the types asked for
+  std::vector<SyncItem> items;  ///< of the types asked for
+  /// Of pictures with several files, where other files have their names; see NumbersHere.
+  std::unordered_map<const DcfObj*, Names::Numbers> doubts = {};
   std::optional<OtherFiles> others = {};      ///< nothing: nobody looked for them
   unsigned long long othersLeftOut = 0;       ///< new ones that are no items
   unsigned long long othersLeftOutBytes = 0;  ///< their total size

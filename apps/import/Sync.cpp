@@ -39,12 +39,16 @@ std::optional<Outcome> Sync::Fetch(const SyncPlan& plan) {
     if (item.IsNew()) fresh.push_back(&item);
   }
   PictureTimes* const times = work_.times;
+  NumbersHere numbers(work_, plan, folder_, manifest_);
   Writers writers(
       folder_, manifest_, cuts_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); },
       times == nullptr ? TimeOf() : [times](const DcfObj& picture) { return times->Of(picture); });
   try {
-    work_.ForEach(fresh, {"reading", "read"}, [&](const SyncItem& item) { FetchOne(item, writers); });
-    ReadDoubtful(writers);
+    work_.ForEach(fresh, {"reading", "read"}, [&](const SyncItem& item) {
+      writers.Try(item);
+      FetchOne(item, numbers.For(item), writers);
+    });
+    ReadDoubtful(numbers, writers);
   } catch (const Stopped&) {
     writers.Abandon();
     throw;
@@ -60,26 +64,25 @@ std::optional<Outcome> Sync::Fetch(const SyncPlan& plan) {
   return ended;
 }
 
-void Sync::FetchOne(const SyncItem& item, Writers& writers) {
-  writers.Try(item);
+void Sync::FetchOne(const SyncItem& item, int number, Writers& writers) {
   // Of the other files of a picture whose JPEG file was not read here.
   if (work_.times != nullptr && item.IsPicture() && item.Type() != kFirstFileType) {
     AskTime(work_.context, work_.files.Pointer(), item.Picture(), *work_.times);
   }
   const InItem inItem = work_.report.Begin(item);
   kelva::FileReader reader = work_.files.Open(item);
-  if (reader.Size() <= kLargestWhole) return FetchWhole(item, reader, writers);
-  FetchLarge(work_, cuts_, writers, item, reader);
+  if (reader.Size() <= kLargestWhole) return FetchWhole(item, reader, number, writers);
+  FetchLarge(work_, cuts_, writers, item, reader, number);
 }
 
-void Sync::FetchWhole(const SyncItem& item, kelva::FileReader& reader, Writers& writers) {
+void Sync::FetchWhole(const SyncItem& item, kelva::FileReader& reader, int number, Writers& writers) {
   std::vector<char> bytes = ReadWhole(reader);
   LearnTime(work_.times, item, bytes);
   if (work_.options.verify) {
     reader.Select();
     if (ReadWhole(reader) != bytes) return work_.report.Fail(item, TwoReadsDiffer(item));
   }
-  work_.Submit(writers, {&item, std::move(bytes), "", work_.options.verify});
+  work_.Submit(writers, {&item, std::move(bytes), "", work_.options.verify, true, nullptr, 0, number});
 }
 
 std::vector<char> Sync::ReadWhole(kelva::FileReader& reader) {
@@ -93,17 +96,17 @@ std::vector<char> Sync::ReadWhole(kelva::FileReader& reader) {
 
 // A key that is not the SHA-1 of what came: either the read went wrong, or the key is something else than this project
 // takes it for. A second read decides.
-void Sync::ReadDoubtful(Writers& writers) {
+void Sync::ReadDoubtful(NumbersHere& numbers, Writers& writers) {
   writers.Finish();  // all outcomes are in
   for (const auto& [item, sha1] : std::exchange(doubtful_, {})) {
     work_.context.stop.Check();
     LetOthers(work_.context);
     work_.context.Doing("read " + ShownPath(item->CameraPath()));
-    work_.Try(*item, [&, item = item, &first = sha1] { ReadAgain(*item, first, writers); });
+    work_.Try(*item, [&, item = item, &first = sha1] { ReadAgain(*item, first, numbers.For(*item), writers); });
   }
 }
 
-void Sync::ReadAgain(const SyncItem& item, const std::string& first, Writers& writers) {
+void Sync::ReadAgain(const SyncItem& item, const std::string& first, int number, Writers& writers) {
   const InItem inItem = work_.report.Begin(item);
   kelva::FileReader reader = work_.files.Open(item);
   if (reader.Size() > kLargestWhole) throw CameraError("the camera announces another size than before");
@@ -116,7 +119,7 @@ void Sync::ReadAgain(const SyncItem& item, const std::string& first, Writers& wr
   if (sha1 != second) return work_.report.Fail(item, DiffersEachTime(item));
   if (!asKey) work_.files.CheckUnlikeKey(item, bytes.size());
   work_.report.CountRead(!asKey, false);
-  work_.Submit(writers, {&item, std::move(bytes), sha1, !asKey || verify, asKey});
+  work_.Submit(writers, {&item, std::move(bytes), sha1, !asKey || verify, asKey, nullptr, 0, number});
 }
 
 // Parts of files that are whole by now, or that the camera no longer has.

@@ -12,6 +12,7 @@
 #include "apps/commandline/Context.h"
 #include "apps/import/CutFiles.h"
 #include "apps/import/Manifest.h"
+#include "apps/import/NumbersHere.h"
 #include "apps/import/PictureTimes.h"
 #include "apps/import/Plan.h"
 #include "apps/import/SyncTally.h"
@@ -38,11 +39,11 @@ class Sync {
 
  private:
   std::optional<Outcome> Fetch(const SyncPlan& plan);
-  void FetchOne(const SyncItem& item, Writers& writers);
-  void FetchWhole(const SyncItem& item, kelva::FileReader& reader, Writers& writers);
+  void FetchOne(const SyncItem& item, int number, Writers& writers);
+  void FetchWhole(const SyncItem& item, kelva::FileReader& reader, int number, Writers& writers);
   std::vector<char> ReadWhole(kelva::FileReader& reader);
-  void ReadDoubtful(Writers& writers);
-  void ReadAgain(const SyncItem& item, const std::string& first, Writers& writers);
+  void ReadDoubtful(NumbersHere& numbers, Writers& writers);
+  void ReadAgain(const SyncItem& item, const std::string& first, int number, Writers& writers);
   void DropGone(const SyncPlan& plan);
   void OnOutcome(const WriteOutcome& outcome);
 

@@ -2,11 +2,11 @@
 #include "apps/import/SyncWork.h"
 
 #include <new>
-#include <string>
 #include <utility>
 
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Explain.h"
+#include "apps/camera/RemoteFile.h"
 #include "apps/camera/Turns.h"
 #include "src/wifi/CameraError.h"
 
@@ -47,6 +47,13 @@ void SyncWork::Submit(Writers& writers, WriteJob job) const {
   context.reporter.AwaitCamera(false);
   writers.Submit(std::move(job));
   context.reporter.AwaitCamera(true);
+}
+
+std::string SyncWork::HashOnCamera(const SyncItem& item) {
+  const InItem inItem = report.Begin(item);
+  kelva::FileReader reader = files.Open(item);
+  HoldForLong(context);
+  return Sha1OfRemote(reader, [this](std::size_t count) { Came(count); });
 }
 
 void SyncWork::Came(std::size_t bytes) {

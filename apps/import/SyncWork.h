@@ -4,6 +4,7 @@
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -56,6 +57,8 @@ class SyncWork {
 
   /// Hands a file over, and waits for the disk where that is slower than the camera. Throws as Writers::Submit.
   void Submit(Writers& writers, WriteJob job) const;
+  /// The SHA-1 of a file as the camera sends it now. Throws CameraError, Stopped.
+  std::string HashOnCamera(const SyncItem& item);
   /// Bytes that came, for the progress. Throws Stopped.
   void Came(std::size_t bytes);
   /// The same; they are shown with the next file.

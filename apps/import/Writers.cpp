@@ -217,7 +217,7 @@ std::optional<Writers::Done> Writers::Arrive(const WriteJob& job) {
   Arrival arrival{item.Key(), job.size, path, *folder, cuts_.TakeUp(item.Key(), job.size, path, *folder)};
   std::optional<Received> received = Receive(*job.stream, std::move(arrival), manifest_);
   if (!received) return std::nullopt;
-  BesideFile file(*folder, path.name, std::move(received->file), job.size, received->sha1, item.Number());
+  BesideFile file(*folder, path.name, std::move(received->file), job.size, received->sha1, job.Number(), job.Before());
   const bool isDated = Date(file, item);
   file.Flush();
   Stored stored = file.TakeName();
@@ -244,7 +244,7 @@ Writers::Started::Started(const WriteJob& started, LocalPath local, std::string 
       path(std::move(local)),
       sha1(std::move(sum)),
       folder(std::move(where)),
-      file(*folder, path.name, started.bytes, sha1, started.item->Number()) {}
+      file(*folder, path.name, started.bytes, sha1, started.Number(), started.Before()) {}
 
 std::unique_ptr<Writers::Started> Writers::Start(const WriteJob& job) {
   const SyncItem& item = *job.item;

@@ -32,6 +32,11 @@ struct WriteJob {
   bool trustsKey = true;                         ///< the catalogue's key, where there is one, has to be the SHA-1
   std::shared_ptr<FileStream> stream = nullptr;  ///< in place of all that, for a file that comes in pieces
   unsigned long long size = 0;                   ///< of such a file
+  int number = 0;                                ///< in its name, in place of the plan's; 0 for that
+
+  int Number() const { return number == 0 ? item->Number() : number; }
+  /// The numbers before that under which it may be found: none where it would part from the picture's other files.
+  int Before() const { return item->IsAlone() ? BesideFile::kMostBefore : 0; }
 };
 
 /// How one job ended.

@@ -211,7 +211,8 @@ If the new files are larger than the free space, nothing is fetched (exit status
 folders list. Files that are here already do not count.
 
 An existing file is never overwritten. If it has the same content, it is kept and counts as fetched; if not, the new
-picture gets a number, the same for all its files: a RAW never lies beside another picture's JPG. Symbolic links in FOLDER are not followed. A file that fails is reported once and the rest goes on
+picture gets a number, the same for all its files: a RAW never lies beside another picture's JPG. If the list was lost, a
+picture is known again by the content of all its files; those without a key are read once more for that. Symbolic links in FOLDER are not followed. A file that fails is reported once and the rest goes on
 (exit status 6). If the process that reads is killed, as happens when memory runs out, another one tries the file once
 more; if that one is killed too, the file counts as failed. While one run is at work in FOLDER a second one stops
 (exit status 4); .kelva-manifest.lock, a file that stays, is for that.
