@@ -105,6 +105,27 @@ function(kelva_room target)
   target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS})
 endfunction()
 
+# On a Mac `kelva` calls Apple's frameworks, which know the cameras of the machine. kelva-virtual and the tests call darwin/ in
+# their place: they have the property KELVA_VIRTUAL. A room that includes the headers of the frameworks is built once for each.
+
+# kelva_framework_room(TARGET <arguments of kelva_room>): such a room.
+function(kelva_framework_room target)
+  kelva_room(${target} ${ARGN})
+  if(APPLE AND kelva_has_registry)
+    kelva_room(${target}_virtual ${ARGN})
+    set_target_properties(${target}_virtual PROPERTIES KELVA_VIRTUAL ON)
+  endif()
+endfunction()
+
+# kelva_for_program(VARIABLE TARGET): what others link in the place of such a room; the program that is linked decides.
+function(kelva_for_program variable target)
+  set(either ${target})
+  if(APPLE AND kelva_has_registry)
+    set(either "$<IF:$<BOOL:$<TARGET_PROPERTY:KELVA_VIRTUAL>>,${target}_virtual,${target}>")
+  endif()
+  set(${variable} ${either} PARENT_SCOPE)
+endfunction()
+
 # kelva_program(TARGET SOURCES file... [APART file... | SEPARATE] LINKS target...): a program in ${PROJECT_BINARY_DIR}/bin.
 function(kelva_program target)
   cmake_parse_arguments(PROGRAM "SEPARATE" "" "SOURCES;APART;LINKS" ${ARGN})
@@ -172,6 +193,7 @@ function(kelva_test name)
   target_link_libraries(${name} PRIVATE ${TEST_LINKS} GTest::gmock GTest::gtest_main)
   target_precompile_headers(${name} REUSE_FROM test_headers)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/test-bin")
+  set_target_properties(${name} PROPERTIES KELVA_VIRTUAL ON)
   add_test(NAME ${name} COMMAND ${name})
   if(NOT TEST_TIMEOUT)
     set(TEST_TIMEOUT 120)
