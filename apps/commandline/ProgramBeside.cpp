@@ -9,7 +9,7 @@ std::string ProgramBeside(const std::string& program, const std::string& name) {
   const std::string folder = program.substr(0, program.find_last_of('/') + 1);
   // The tests of the build lie in a folder beside that of the programs.
   for (const char* place : {"", "../bin/"}) {
-    const std::string path = folder + place + name;
+    std::string path = folder + place + name;
     if (::access(path.c_str(), X_OK) == 0) return path;
   }
   return folder + KELVA_LIBEXEC_FROM_PROGRAM + name;

@@ -42,8 +42,8 @@ struct PlanTimes {
   TimeOf of = CatalogueTaken;
 };
 
-/// One file of a picture, or another file of the camera, and what is known of it. Small, because there is one for every file of the camera; everything
-/// else is worked out on request. Valid as long as its plan.
+/// One file of a picture, or another file of the camera, and what is known of it. Small, because there is one for every file
+/// of the camera; everything else is worked out on request. Valid as long as its plan.
 class SyncItem {
  public:
   enum class State : std::uint8_t { kNew, kFetched, kDeleted };
@@ -84,10 +84,8 @@ class SyncItem {
 
  private:
   const SyncSource* source_;
-  union {  // by the type
-    const DcfObj* picture_;
-    const OtherFile* other_;
-  };
+  const DcfObj* picture_ = nullptr;  // or
+  const OtherFile* other_ = nullptr;
   int number_ = 1;
   std::uint8_t type_;
   State state_ = State::kNew;

@@ -84,6 +84,7 @@ Finding NoDevice() {
 
 std::vector<Finding> Diagnose(const std::vector<CameraFacts>& cameras) {
   std::vector<Finding> findings;
+  findings.reserve(cameras.size() + 1);
   for (const CameraFacts& camera : cameras) findings.push_back(DiagnoseCamera(camera));
   if (findings.empty()) findings.push_back(NoDevice());
   return findings;
