@@ -3,6 +3,8 @@
 
 #include <unistd.h>
 
+#include <utility>
+
 #include "apps/commandline/Completion.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Help.h"
@@ -50,11 +52,11 @@ Json ErrorMembers(const Outcome& outcome) {
   return Json::Object().Set("reason", WordOf(outcome.code)).Set("error", outcome.sentence);
 }
 
-ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, const Outcome& outcome) {
+ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, const Outcome& outcome, Json more) {
   reporter.Error(outcome.sentence, outcome.code);
   if (reporter.Style().json && out.TakeEnd()) {
     try {
-      out.Add(ResultLine(call.Name(), outcome.code, ErrorMembers(outcome)));
+      out.Add(ResultLine(call.Name(), outcome.code, ErrorMembers(outcome).Merge(std::move(more))));
       out.Flush();
     } catch (const Failure&) {
       // Standard output has failed, and standard error has reported it.

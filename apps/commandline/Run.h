@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "apps/commandline/Failure.h"
+#include "apps/commandline/Json.h"
 #include "apps/commandline/Output.h"
 #include "apps/commandline/Parse.h"
 #include "apps/commandline/Program.h"
@@ -26,8 +27,9 @@ ExitCode GiveText(Output& out, const ReportStyle& style, const Invocation& call,
 /// The members of a JSON result that say why a command failed.
 Json ErrorMembers(const Outcome& outcome);
 
-/// Reports a failure, in JSON style also as the command's result. Returns the outcome's code.
-ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, const Outcome& outcome);
+/// Reports a failure, in JSON style also as the command's result, with `more` members. Returns the outcome's code.
+ExitCode GiveError(Reporter& reporter, Output& out, const Invocation& call, const Outcome& outcome,
+                   Json more = Json::Object());
 
 /// Answers `PROGRAM __complete SHELL WORD...`, the question of the completion scripts, and returns true; returns false
 /// for any other command line. No help mentions it, because only scripts ask it.

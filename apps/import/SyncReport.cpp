@@ -32,11 +32,11 @@ bool SyncReport::LeaveOut(const SyncItem& item) {
   const Guard::Fate fate = context_.guard->FateOf(token);
   if (fate == Guard::Fate::kUnknown && !context_.guard->WasReported(token)) return false;
   const std::string path = ShownPath(item.CameraPath());
-  Fail(item, fate == Guard::Fate::kKilledTwice
-                 ? "Two processes that read " + path +
-                       " were killed, so the file was left out; close other programs and run the same command again."
-                 : "The camera sent more of " + path +
-                       " than it had announced, which ends the reading process; the file was left out.");
+  Fail(item,
+       fate == Guard::Fate::kKilledTwice
+           ? "Two processes that read " + path +
+                 " were killed, so the file was left out; close other programs and run the same command again."
+           : "The process that read " + path + " aborted, so the file was left out; what was printed before says why.");
   return true;
 }
 

@@ -38,13 +38,13 @@ class SyncWorkersDeathTest : public SyncTest {
   }
 };
 
-TEST_F(SyncWorkersDeathTest, AFileOfWhichTheCameraSendsTooMuchIsLeftOutAndTheRestIsStored) {
+TEST_F(SyncWorkersDeathTest, AFileAtWhichTheProcessAbortedIsLeftOutAndTheRestIsStored) {
   AtTheReadOf("IMG_0001.JPG", [] { std::abort(); });
   EXPECT_EXIT(RunInWorkers({Picture(1), Picture(2)}), ExitedWithCode(0),
               "^1 stored \\(3 bytes\\), 1 failed in all, 1 read ");
   EXPECT_EQ(Said(),
-            "kelva: The camera sent more of I:/DCIM/100ABCDE/IMG_0001.JPG than it had announced, which ends the "
-            "reading process; the file was left out.\n");
+            "kelva: The process that read I:/DCIM/100ABCDE/IMG_0001.JPG aborted, so the file was left out; what was "
+            "printed before says why.\n");
   EXPECT_EQ(Text("100ABCDE/IMG_0002.JPG"), "two");
 }
 

@@ -151,7 +151,9 @@ class Tool {
 
   std::string Said(std::string sentence) const { return Discreet(std::move(sentence), TheTool(), arguments_); }
   ExitCode GiveDiscreetly(const Outcome& outcome) {
-    return GiveError(reporter_, out_, call_, {outcome.code, Said(outcome.sentence)});
+    const std::optional<SoFar::Done> done = soFar_.Ask();
+    return GiveError(reporter_, out_, call_, {outcome.code, Said(outcome.sentence)},
+                     done ? done->members : Json::Object());
   }
 
   // For a command that was ended. Its worker may sit in a transfer for good, so this writes without the worker's output

@@ -26,6 +26,22 @@ class CommandTest(Bus):
         document = json.loads(run.stdout)
         self.assertEqual((document["exit"], document["reason"], document["ok"]), (3, "no-camera", False))
 
+    def test_a_command_that_is_ended_names_the_files_that_it_has_done(self):
+        self.put("A.BIN", b"first")
+        self.put("B.BIN", os.urandom(3_000_000))
+        self.fault("slow", 100)
+        get = ("get", "--json", "I:/A.BIN", "I:/B.BIN", "--into", self.folder)
+        run = self.kelva(*get, "--timeout", "1.5")
+        self.assertEqual(run.returncode, 8, run.stderr)
+        document = json.loads(run.stdout)
+        self.assertEqual([file["path"] for file in document["files"]], ["I:\\A.BIN"])
+        self.assertEqual((document["serial"], document["failed"], document["fetched"], document["bytes"]), ("K1", 0, 1, 5))
+        self.fault("none")
+        self.fault("unplug", 2_000_000)
+        run = self.kelva(*get, "--force")
+        self.assertEqual(run.returncode, 5, run.stderr)
+        self.assertEqual([file["path"] for file in json.loads(run.stdout)["files"]], ["I:\\A.BIN"])
+
     def test_an_empty_file_and_a_missing_one_are_told_apart(self):
         self.put("EMPTY", b"")
         self.assertEqual(self.kelva("get", "I:/EMPTY", "--into", self.folder).returncode, 0)

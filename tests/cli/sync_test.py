@@ -1,6 +1,7 @@
 """sync loses nothing and stores nothing half, whatever goes wrong; a second run completes it."""
 
 import contextlib
+import fcntl
 import json
 import os
 import re
@@ -142,6 +143,33 @@ class SyncTest(Bus):
                 self.assertEqual(document["stored"] + document["known"] + document["left"], 8)
                 self.assertEqual(document["bytes"], 700_000 * document["stored"])
                 self.assertTrue(document["error"].startswith(start), document["error"])
+
+    def test_every_end_has_all_members(self):
+        members = {"stored", "bytes", "already_here", "checked", "read_twice", "size_only", "unlike_key", "numbered", "resumed",
+                   "undated", "known", "others", "others_bytes", "failed", "left", "deleted", "exit", "ok"}
+
+        def end(code, *words):
+            run = self.kelva("sync", "--json", *words, self.target)
+            self.assertEqual(run.returncode, code, run.stderr)
+            document = json.loads(run.stdout.splitlines()[-1])
+            self.assertEqual(members - set(document), set())
+            self.assertEqual("error" in document, code not in (0, 6))
+            return document
+
+        self.pictures(3, 100_000)
+        end(3, "--serial", "K9")
+        end(0)
+        with open(self.target + "/.kelva-manifest.lock", "r+b") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            self.assertEqual(end(4)["serial"], "K1")
+        self.put("DCIM/100ABCDE/IMG_0009.JPG", bytes(100_000))
+        self.fault("unplug", 50_000)
+        self.assertEqual(end(5)["left"], 1)
+        end(3)
+        self.vcam("plug", "--serial", "K1", "--storage", self.drive)
+        with open(self.target + "/.kelva-manifest.sqlite", "r+b") as manifest:
+            manifest.write(bytes(100))
+        end(1)
 
     def test_a_target_that_cannot_be_made_is_one_sentence(self):
         self.pictures(1, 10)

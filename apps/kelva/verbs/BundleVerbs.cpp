@@ -51,7 +51,7 @@ ExitCode Fetch(Context& context, const Bundle& bundle,
     Progress progress(context.reporter, context.stop, bundle.title, 0);
     files = read(*camera, progress);
   }
-  Each each(context, bundle.member);
+  Each each(context, bundle.member, CameraResult(camera));
   for (const _Sha1obj& file : files) {
     each.Try(file.name, [&] {
       context.Doing("store the " + bundle.file + " " + Printable(file.name));

@@ -59,7 +59,7 @@ ExitCode CaptureInto(Context& context, const std::string& into) {
     std::this_thread::sleep_for(300ms);
     LetOthers(context);
   };
-  Each each(context, "files");
+  Each each(context, "files", CameraResult(camera));
   for (const DcfObj& picture : AwaitPictures(pictures, *camera, context.stop, pause, patience)) {
     for (const int type : FileTypes(picture)) {
       const std::string path = PicturePath(picture, type);

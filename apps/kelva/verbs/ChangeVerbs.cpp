@@ -65,7 +65,7 @@ std::string InWords(const std::vector<std::string>& paths) {
 }
 
 ExitCode ShowWhatWouldGo(Context& context, const Session& camera, const std::vector<std::string>& paths) {
-  Each each(context, "files");
+  Each each(context, "files", CameraResult(camera));
   for (const std::string& path : paths) {
     each.Try(path, [&] {
       const auto entry = FileEntry(*camera, path);
@@ -86,7 +86,7 @@ ExitCode RunRm(Context& context) {
   if (context.call.Has("dry-run")) return ShowWhatWouldGo(context, camera, paths);
   AskOnTerminal(context, {std::to_string(paths.size()) + " to delete on the camera: " + InWords(paths) + ".", "Delete?",
                           "nothing was deleted"});
-  Each each(context, "files");
+  Each each(context, "files", CameraResult(camera));
   for (const std::string& path : paths) {
     LetOthers(context);
     each.Try(path, [&] {

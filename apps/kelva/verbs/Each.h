@@ -2,12 +2,16 @@
 #define KELVA_APPS_KELVA_VERBS_EACH_H_
 
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Context.h"
+#include "apps/commandline/Json.h"
+#include "apps/commandline/SoFar.h"
 
 namespace apps {
 
@@ -15,8 +19,11 @@ namespace apps {
 /// request to stop, ends the whole.
 class Each {
  public:
-  /// `member` is the name of the array of outcomes in JSON style.
-  Each(Context& context, std::string_view member) : context_(context), member_(member) {}
+  /// `member` is the name of the array of outcomes in JSON style. When something ends the command early, its document has
+  /// the outcomes until then, behind the members `named`, such as the camera's.
+  Each(Context& context, std::string_view member, Json named);
+  /// `start` gives what is then said and what stands in front of the outcomes, in place of `named`. As SoFar::Tell.
+  void TellAtEnd(std::function<SoFar::Done()> start) const;
 
   /// Runs `work`, which gives the members of its outcome, for the file named `path`.
   void Try(const std::string& path, const std::function<Json()>& work);
@@ -25,15 +32,22 @@ class Each {
   ExitCode Finish(Json result, std::string_view text = "");
 
   int Done() const { return done_; }
-  int Failed() const { return failed_; }
+  int Failed() const { return outcomes_->failed; }
 
  private:
+  // Read by the thread that ends the program, too.
+  struct Outcomes {
+    std::mutex mutex;
+    Json all = Json::Array();
+    int failed = 0;
+  };
+  void Add(const Json& outcome, bool failed);
+
   Context& context_;
   std::string_view member_;
-  Json outcomes_ = Json::Array();
+  const std::shared_ptr<Outcomes> outcomes_ = std::make_shared<Outcomes>();
   std::optional<ExitCode> firstFailure_;
   int done_ = 0;
-  int failed_ = 0;
 };
 
 }  // namespace apps

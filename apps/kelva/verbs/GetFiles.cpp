@@ -52,8 +52,15 @@ GetFiles::GetFiles(Context& context, const Session& camera, const TargetFolder& 
       // What lies in a folder may be the part of a file with which a sync will go on.
       folders_(target, [](const std::string&) { return true; }),
       options_(std::move(options)),
-      each_(context, "files"),
-      sizes_(*camera) {}
+      each_(context, "files", CameraResult(camera)),
+      sizes_(*camera) {
+  each_.TellAtEnd([done = done_, members = CameraResult(camera)] {
+    Json all = members;
+    all.Set("fetched", done->files.load()).Set("bytes", done->bytes.load());
+    const std::string words = std::to_string(done->files) + " files fetched (" + Bytes(done->bytes) + ")";
+    return SoFar::Done{done->areMany ? words : "", std::move(all)};
+  });
+}
 
 void GetFiles::Get(const std::string& path) {
   if (diskIsFull_) return;
@@ -73,7 +80,7 @@ void GetFiles::GetMeant(const std::string& path) {
     if (const auto entry = EntryIfListed(context_, *camera_, path)) return GetEntry(path, *entry);
   }
   const std::vector<std::string> meant = Meant(context_, *camera_, path);
-  if (meant.size() > 1) TellSoFar();
+  if (meant.size() > 1) done_->areMany = true;
   for (const std::string& one : meant) {
     if (diskIsFull_) return;
     LetOthers(context_);
@@ -99,7 +106,7 @@ void GetFiles::GetFolder(const std::string& path) {
   if (!options_.recursive) {
     throw Failure(ExitCode::kFailed, ShownPath(path) + " is a folder; --recursive fetches all that is in it.");
   }
-  TellSoFar();
+  done_->areMany = true;
   FolderWalk walk(context_, *camera_, {path});
   std::vector<std::string> base;
   AddNames(Split(path).name, base);
@@ -172,24 +179,13 @@ Json GetFiles::Fetch(const std::string& path, unsigned long long size, const Loc
   return Json::Object().SetBytes("path", path).SetBytes("file", folder->PathOf(name)).Set("size", remote.Size());
 }
 
-// For work on more files than were named.
-void GetFiles::TellSoFar() {
-  isMany_ = true;
-  if (context_.soFar == nullptr) return;
-  context_.soFar->Tell([done = done_, members = CameraResult(camera_)] {
-    Json all = members;
-    all.Set("fetched", done->files.load()).Set("bytes", done->bytes.load());
-    return SoFar::Done{std::to_string(done->files) + " files fetched (" + Bytes(done->bytes) + ")", std::move(all)};
-  });
-}
-
 ExitCode GetFiles::Finish() {
   folders_.Flush(ways_);
   const std::string text = std::to_string(done_->files) + " fetched (" + Bytes(done_->bytes) + "), " +
                            std::to_string(each_.Failed()) + " failed\n";
   Json members = CameraResult(camera_);
   members.Set("fetched", done_->files.load()).Set("bytes", done_->bytes.load());
-  return each_.Finish(std::move(members), isMany_ ? text : "");
+  return each_.Finish(std::move(members), done_->areMany ? text : "");
 }
 
 }  // namespace apps

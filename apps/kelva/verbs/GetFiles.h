@@ -40,12 +40,12 @@ class GetFiles {
   void GetFolder(const std::string& path);
   void GetFile(const std::string& path, unsigned long long size, const LocalPath& local);
   Json Fetch(const std::string& path, unsigned long long size, const LocalPath& local);
-  void TellSoFar();
 
   // Read by the thread that ends the program, too.
   struct Counts {
     std::atomic<unsigned long long> files = 0;
     std::atomic<unsigned long long> bytes = 0;
+    std::atomic<bool> areMany = false;  ///< more files than were named
   };
 
   Context& context_;
@@ -57,7 +57,6 @@ class GetFiles {
   std::set<std::string> stored_;  ///< paths of the files that this command has stored
   std::set<Folders::Way> ways_;   ///< folders with files of this command
   std::shared_ptr<Counts> done_ = std::make_shared<Counts>();
-  bool isMany_ = false;  ///< more files than were named
   bool diskIsFull_ = false;
 };
 

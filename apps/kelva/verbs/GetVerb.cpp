@@ -112,8 +112,7 @@ The folder's listing tells an empty file from a missing one. A file that goes on
 is not kept. With `-o -` the bytes go out as they arrive: the exit code says whether they were the whole file.)",
      R"(serial: of the camera
 files: array of path, file (where it was written), size; or of path and error
-fetched, bytes: how many were fetched, and their total size; also when a signal or --timeout ended a command for a folder or
-  a pattern
+fetched, bytes: how many were fetched, and their total size
 failed: how many were not fetched)",
      kExamples, RunGet}};
 

@@ -77,7 +77,7 @@ ExitCode RunBatchGet(Context& context) {
   const TargetFolder folder = Into(context);
   for (const std::string& word : context.call.words) Understand(word);
   const Session camera(context, "fetch files by key");
-  Each each(context, "files");
+  Each each(context, "files", CameraResult(camera));
   for (const std::string& word : context.call.words) {
     LetOthers(context);
     each.Try(word, [&] { return BatchGetOne(context, *camera, folder, word); });
@@ -101,7 +101,7 @@ ExitCode RunBatchRm(Context& context) {
   if (!keys.empty() && !camera->DeleteBatch(keys, true)) {
     throw Failure(ExitCode::kRefused, "The camera refused to delete the files.");
   }
-  Each each(context, "files");
+  Each each(context, "files", CameraResult(camera));
   for (std::size_t i = 0; i < there.size(); ++i) {
     const std::string& key = context.call.words[i];
     each.Try(key, [&] { return there[i] ? Json::Object().Set("key", key) : throw NotThere(key); });

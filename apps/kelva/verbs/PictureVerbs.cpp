@@ -123,7 +123,7 @@ ExitCode RunPicturesRm(Context& context) {
   }
   const bool dry = context.call.Has("dry-run");
   if (!dry) AskAboutPictures(context, *camera, meanings);
-  Each each(context, "pictures");
+  Each each(context, "pictures", CameraResult(camera));
   for (const Meaning& meaning : meanings) {
     if (meaning.failure) each.Try(meaning.word, [&]() -> Json { throw Failure(*meaning.failure); });
     for (const DcfObj& picture : meaning.pictures) {

@@ -116,7 +116,7 @@ ExitCode RunForget(Context& context) {
       MakePlan(ReadPictures(*camera), camera.Facts().serial, types, Pattern(Pattern::kDefault), manifest, nullptr);
   AddOthers(plan, FindOthers(context, *camera, plan.source->catalogue), true, manifest);
   Forgetting forgetting(context, folder, manifest);
-  Each each(context, "forgotten");
+  Each each(context, "forgotten", CameraResult(camera));
   for (const std::string& word : context.call.Values("forget")) {
     each.Try(word, [&] { return forgetting.Forget(word, ItemsOf(plan, word)); });
   }

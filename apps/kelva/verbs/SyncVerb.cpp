@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/camera/ListedSizes.h"
@@ -110,9 +111,9 @@ void AskToDelete(Context& context, const Session& camera, const SyncPlan& plan, 
 }
 
 // The counters are those of all processes of this run, and outlive it.
-void TellSoFar(const Context& context, const Session& camera) {
+void TellSoFar(const Context& context, Json camera) {
   if (context.soFar == nullptr || context.guard == nullptr) return;
-  context.soFar->Tell([tally = std::make_shared<const SyncTally>(context.guard), members = CameraResult(camera)] {
+  context.soFar->Tell([tally = std::make_shared<const SyncTally>(context.guard), members = std::move(camera)] {
     return SyncSoFar(tally->Now(), members);
   });
 }
@@ -136,9 +137,10 @@ ExitCode RunSync(Context& context) {
   const std::string& path = context.call.words[0];
   if (context.call.Has("dry-run")) return RunDry(context, path, choice);
 
+  TellSoFar(context, Json::Object());
   // First, so that a camera that is not there leaves no folder behind.
   const Session camera(context, "read the picture catalogue");
-  TellSoFar(context, camera);
+  TellSoFar(context, CameraResult(camera));
   const TargetFolder folder = TargetFolder::OpenOrMake(path);
   { const NewFile trial(folder); }  // a folder that takes no file is one sentence, before anything is read
   const FolderLock lock(folder);

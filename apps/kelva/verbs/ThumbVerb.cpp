@@ -112,7 +112,7 @@ ExitCode RunThumb(Context& context) {
   const Session camera(context, "read the picture catalogue");
   const std::vector<DcfObj> catalogue = ReadPictures(*camera);
   Thumbs thumbs(context, camera, folder);
-  Each each(context, "pictures");
+  Each each(context, "pictures", CameraResult(camera));
   std::set<std::string> named;
   for (const std::string& word : context.call.words) {
     for (const DcfObj& picture : PicturesOf(each, catalogue, word)) {
