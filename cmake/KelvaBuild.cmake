@@ -69,18 +69,21 @@ macro(kelva_unity target prefix)
   endif()
 endmacro()
 
-# kelva_find_library(VARIABLE NAME): a library of the system, its static archive where KELVA_STATIC asks for one and there is one.
-function(kelva_find_library variable name)
+# kelva_find_library(VARIABLE NAME HEADER): a library of the system, its static archive where KELVA_STATIC asks for one and there
+# is one. This folder and those below it find the header; VARIABLE_HEADERS says where it is.
+function(kelva_find_library variable name header)
   if(KELVA_STATIC)
     list(APPEND names lib${name}.a)
   endif()
   find_library(${variable} NAMES ${names} ${name} REQUIRED)
+  find_path(${variable}_HEADERS ${header} REQUIRED)
+  include_directories(SYSTEM "${${variable}_HEADERS}")
 endfunction()
 
 # kelva_for_this_processor(): the targets of this folder, and of those below it, link libraries that are installed for one
 # processor. Only macOS has programs for several.
 macro(kelva_for_this_processor)
-  if(CMAKE_OSX_ARCHITECTURES)
+  if(CMAKE_OSX_ARCHITECTURES MATCHES ";")
     set(CMAKE_OSX_ARCHITECTURES ${CMAKE_HOST_SYSTEM_PROCESSOR})
     unset(CMAKE_APPLE_ARCH_SYSROOTS)  # one entry for each of the processors above
   endif()

@@ -1,7 +1,7 @@
-# Homebrew formula: the library and KelvaHelper.app. Install from a tap with
+# Homebrew formula: the library, KelvaHelper.app, kelva and kelva-vcam. Install from a tap with
 #   brew install --HEAD kelva
 class Kelva < Formula
-  desc "Camera library and launcher agent for Kelva USB cameras"
+  desc "Camera library, launcher agent and tools for Kelva USB cameras"
   homepage "https://kelva.example/"
   license "MIT"
   head "https://kelva.example/kelva.git", branch: "main"
@@ -9,7 +9,11 @@ class Kelva < Formula
   depends_on "cmake" => :build
   depends_on "ninja" => :build
   depends_on "boost" # its headers are part of the library's interface
+  depends_on "jpeg-turbo"
+  depends_on "libdeflate"
+  depends_on "libexif"
   depends_on macos: :big_sur
+  depends_on "openssl@3"
 
   def install
     system "cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DKELVA_BUILD_TESTS=OFF",

@@ -50,7 +50,7 @@ class Configured:
 
 def install_with_stand_ins(build, root, *options):
     """A whole `cmake --install` below a folder, of products that stand in for what a Mac builds; what it put there."""
-    for name in ("libkelva.a", "bin/kelva-vcam", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
+    for name in ("libkelva.a", "bin/kelva", "bin/kelva-thumbnail", "bin/kelva-virtual", "bin/kelva-vcam", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
         product = build.folder / name
         product.parent.mkdir(parents=True, exist_ok=True)
         product.touch()
@@ -94,10 +94,22 @@ class ShippedBuild(unittest.TestCase):
     def test_every_source_is_compiled_for_the_oldest_system_and_the_library_and_agent_for_both_processors(self):
         for entry in self.build.commands:
             # What links libraries that are installed for one processor is built for that one.
-            installed = re.search(r" -c \S*/(apps|vcam)/", entry["command"])
+            installed = re.search(r" -c \S*/(apps|tools|vcam)/", entry["command"])
             self.assertEqual(len(re.findall(r"-arch (x86_64|arm64)\b", entry["command"])), 1 if installed else 2, entry["file"])
             for words in ("-mmacosx-version-min=11.0", "-std=c++20"):
                 self.assertIn(words, entry["command"])
+
+    def link_of(self, program):
+        """What the linker is given for a program."""
+        rules = (self.build.folder / "build.ninja").read_text().split("\nbuild ")
+        return next(rule for rule in rules if rule.startswith(f"bin/{program}: "))
+
+    def test_the_tool_has_apples_registry_and_its_virtual_sibling_the_projects_own(self):
+        tool = self.link_of("kelva")
+        self.assertIn("-framework IOKit", tool)
+        self.assertNotRegex(tool, r"lib(darwin|kelva_bus)")
+        for program in ("kelva-virtual", "kelva-vcam"):
+            self.assertNotIn("-framework", self.link_of(program))
 
     def test_agent_knows_the_desktop_application_that_the_build_names(self):
         self.assertIn("com.example.Other", self.build.command_of("Callback.mm"))
@@ -125,12 +137,13 @@ class ShippedBuild(unittest.TestCase):
             files = install_with_stand_ins(self.build, root, "--prefix", "/opt/kelva")
             names = [name.removeprefix("opt/kelva/") for name in files]
             self.assertLessEqual({"lib/libkelva.a", "include/kelva/Camera.h", "lib/pkgconfig/kelva.pc", "share/doc/kelva/LICENSE",
-                                  "share/doc/kelva/THIRD-PARTY-NOTICES.md", "share/doc/kelva/docs/macos.md", "bin/kelva-vcam"}, set(names))
+                                  "share/doc/kelva/THIRD-PARTY-NOTICES.md", "share/doc/kelva/docs/macos.md", "bin/kelva", "bin/kelva-vcam",
+                                  "libexec/kelva/kelva-thumbnail", "libexec/kelva/kelva-virtual"}, set(names))
             homes = ("include/kelva/", "lib/libkelva", "lib/cmake/Kelva/", "lib/pkgconfig/", "share/doc/kelva/", "Applications/KelvaHelper.app/",
-                     "Library/LaunchAgents/", "bin/kelva-vcam")
+                     "Library/LaunchAgents/", "bin/kelva", "libexec/kelva/")
             for name in names:
                 self.assertTrue(name.startswith(homes), name)
-                self.assertNotRegex(name, r"/man/|systemd|udev|autostart|kelva-(helper|open)|usbip|json\.md|darwin")
+                self.assertNotRegex(name, r"/man/|systemd|udev|autostart|kelva-(helper|open)|usbip|darwin")
 
     def test_release_preset_needs_no_benchmark_library(self):
         presets = json.loads((PROJECT / "CMakePresets.json").read_text())["configurePresets"]

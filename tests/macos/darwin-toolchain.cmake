@@ -5,6 +5,8 @@ if(CMAKE_OSX_ARCHITECTURES)
   # There is no SDK to ask which processors it knows.
   list(TRANSFORM CMAKE_OSX_ARCHITECTURES REPLACE ".+" "/" OUTPUT_VARIABLE CMAKE_APPLE_ARCH_SYSROOTS)
 endif()
+# The libraries of this machine stand in for Homebrew's.
+set(CMAKE_LIBRARY_ARCHITECTURE "${CMAKE_HOST_SYSTEM_PROCESSOR}-linux-gnu")
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 foreach(language IN ITEMS CXX OBJCXX)
   set(CMAKE_${language}_COMPILER_WORKS TRUE)

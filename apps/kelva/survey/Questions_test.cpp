@@ -14,7 +14,7 @@ using namespace wifi_testing;
 class QuestionsTest : public testing::Test {
  protected:
   const boost::shared_ptr<ScriptedCamera> camera_ = boost::make_shared<ScriptedCamera>();
-  const Stop stop_;
+  const Stop stop_{};
   Questions questions_{camera_, stop_};
 };
 
