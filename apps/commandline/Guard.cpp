@@ -170,9 +170,8 @@ int Guard::Run(const std::function<int(Guard&)>& work, const std::function<void(
     // The child has given the result and flushed it; destructors of this process have nothing to add.
     if (!page.aborted) ::_exit(WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status));
     if (page.aborts++ == Page::kMostAborts) {
-      throw Failure(ExitCode::kFailed,
-                    "The camera sent more than it announced for " + std::to_string(Page::kMostAborts) +
-                        " files, so the rest was not tried; check the cable and restart the camera.");
+      throw Failure(ExitCode::kFailed, "The process that did the work aborted at " + std::to_string(Page::kMostAborts) +
+                                           " files, so the rest was not tried; what was printed before says why.");
     }
     // The next process reads everything again but this item.
     page.Add(page.current, kAborted);

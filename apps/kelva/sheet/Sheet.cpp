@@ -33,7 +33,7 @@ unsigned long long BytesToDraw(const std::vector<FileSizes>& sizes) {
 void ThrowIfLeftOut(Guard::Fate fate) {
   switch (fate) {
     case Guard::Fate::kAbort:
-      throw NoPicture("the camera sends more of it than it had announced, which ends the reading process");
+      throw NoPicture("the process that read it aborted");
     case Guard::Fate::kKilledTwice:
       throw NoPicture("two processes that read it were killed, as happens when memory runs out");
     case Guard::Fate::kUnknown:
