@@ -59,7 +59,7 @@ suite_full() {
 
 build_everything() {
   local presets=(dev asan tsan) preset
-  on_macos || presets+=(fuzz)
+  on_macos || presets+=(portable fuzz)
   need_packages build test long package
   for preset in "${presets[@]}"; do
     build_preset "$preset"

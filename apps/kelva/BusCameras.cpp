@@ -22,6 +22,11 @@ void UseBus(const std::string& socket) {
   }
 }
 
+// On macOS `kelva` becomes kelva-virtual for a virtual bus; people have started the first.
+std::string ToolName(const std::string& process) {
+  return process == "kelva-virtual" ? "kelva" : process;
+}
+
 // Uses a connection of its own, because the source's connection belongs to the registry.
 std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::string& serial) {
   std::vector<doctor::Holder> holders;
@@ -30,7 +35,7 @@ std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::s
     const auto cameras = bus::Decode<std::vector<bus::CameraStatus>>(bus.Request(bus::Kind::kStatus, {}).payload);
     for (const bus::CameraStatus& camera : cameras.value_or(std::vector<bus::CameraStatus>())) {
       const int pid = static_cast<int>(camera.holder);
-      if (camera.serial == serial && pid != 0) holders.push_back({pid, platform::ProcessName(pid)});
+      if (camera.serial == serial && pid != 0) holders.push_back({pid, ToolName(platform::ProcessName(pid))});
     }
   } catch (const std::runtime_error&) {
     // Optional: the message is complete without the holder's name.

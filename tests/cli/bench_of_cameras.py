@@ -20,6 +20,18 @@ def seed(test):
     random.seed(f"{SEED} {test.id()}")
 
 
+def has_separate_tool():
+    """Whether another program than `kelva` has the virtual cameras, as on a Mac."""
+    return os.path.exists(os.path.join(BIN, "kelva-virtual"))
+
+
+def copy_tool(folder):
+    """The tool alone in a folder, without the programs that are beside it; its path."""
+    if has_separate_tool():
+        shutil.copy(os.path.join(BIN, "kelva-virtual"), folder)
+    return shutil.copy(os.path.join(BIN, "kelva"), folder)
+
+
 class Bus(unittest.TestCase):
     """One bus with one camera, K1, whose drive is the folder `drive`."""
 

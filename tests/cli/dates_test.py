@@ -59,7 +59,7 @@ class DatesTest(Bus):
     def test_without_the_decoder_there_is_one_note_and_the_catalogue_dates(self):
         alone = os.path.join(self.folder, "alone")
         os.mkdir(alone)
-        tool = shutil.copy(os.path.join(bench_of_cameras.BIN, "kelva"), alone)
+        tool = bench_of_cameras.copy_tool(alone)
         run = subprocess.run([tool, *self.command("sync", self.target)[1:]], capture_output=True, text=True)
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertIn("Dates are those of the catalogue", run.stderr)

@@ -125,7 +125,7 @@ class SheetTest(Bus):
             self.picture(number)
         programs = os.path.join(self.folder, "bin")
         os.mkdir(programs)
-        tool = shutil.copy(os.path.join(bench_of_cameras.BIN, "kelva"), programs)
+        tool = bench_of_cameras.copy_tool(programs)
         decoder = os.path.join(programs, "kelva-thumbnail")
         for script, reason in (("#!/bin/sh\nexit 3\n", "give up its rights"), ("#!/nowhere\n", "install kelva again")):
             with open(decoder, "w", encoding="ascii") as file:

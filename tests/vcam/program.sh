@@ -55,7 +55,11 @@ for verb in serve plug unplug status fault; do
   expect 0 "--socket" "$verb" --help
 done
 expect 0 "Usage: kelva-vcam COMMAND" --help
-expect 0 "Usage: kelva-vcam usbip --serial SERIAL --storage FOLDER" usbip -h
+if [ "${2:-}" = usbip ]; then
+  expect 0 "Usage: kelva-vcam usbip --serial SERIAL --storage FOLDER" usbip -h
+else
+  expect 2 "There is no command \"usbip\"" usbip -h
+fi
 expect 2 "No command was given; \`kelva-vcam help\` lists all."
 expect 2 "There is no command \"frob\"; \`kelva-vcam help\` lists all." frob
 expect 2 "There is no command " ""
@@ -121,23 +125,11 @@ server=
 start
 stop INT
 
-# What cannot be a USB camera is refused before anything is offered; whether it can be attached, a real kernel tells.
 usbip() {
   code=$1 text=$2
   shift 2
   expect "$code" "$text" usbip --port 0 --serial K300 "$@"
 }
-usbip 2 '--speed is one of high, super, not "full"' --storage "$work/card" --speed full
-usbip 2 '"32" is not a SCSI peripheral type' --storage "$work/card" --type 32
-usbip 2 '--catalogue is one of standard, reordered, unknown-fields, wide, not "odd"' --storage "$work/card" --catalogue odd
-usbip 1 "There is no fault boo" --storage "$work/card" --fault short@2 --fault boo
-usbip 1 "comes at a positive number" --storage "$work/card" --fault short@0
-usbip 1 "Cannot use $work/none as the camera's storage" --storage "$work/none"
-usbip 2 "needs --storage FOLDER"
-expect 2 "needs --serial SERIAL" usbip --storage "$work/card"
-expect 2 "too long" usbip --storage "$work/card" --serial "$(printf '%0200d' 0)"
-expect 2 '"65536" is not a port' usbip --storage "$work/card" --serial K --port 65536
-
 # offer ARGUMENT...: offers a camera until it has said so, and counts the private folders for what hosts write.
 offer() {
   mkfifo "$work/ready"
@@ -153,10 +145,24 @@ offer() {
   [ "${line#Offering camera K300; plug it in with: usbip --tcp-port }" != "$line" ] || fail "usbip said: $line"
   rmdir "$work/temporary" || fail "usbip left something in TMPDIR"
 }
-offer --speed super --catalogue wide --forward-only --no-keys --opaque 7 --fault short@2
-[ "$folders" = 1 ] || fail "what hosts write is not kept apart: $folders private folders"
-offer --writable
-[ "$folders" = 0 ] || fail "--writable has $folders private folders"
+
+# What cannot be a USB camera is refused before anything is offered; whether it can be attached, a real kernel tells.
+if [ "${2:-}" = usbip ]; then
+  usbip 2 '--speed is one of high, super, not "full"' --storage "$work/card" --speed full
+  usbip 2 '"32" is not a SCSI peripheral type' --storage "$work/card" --type 32
+  usbip 2 '--catalogue is one of standard, reordered, unknown-fields, wide, not "odd"' --storage "$work/card" --catalogue odd
+  usbip 1 "There is no fault boo" --storage "$work/card" --fault short@2 --fault boo
+  usbip 1 "comes at a positive number" --storage "$work/card" --fault short@0
+  usbip 1 "Cannot use $work/none as the camera's storage" --storage "$work/none"
+  usbip 2 "needs --storage FOLDER"
+  expect 2 "needs --serial SERIAL" usbip --storage "$work/card"
+  expect 2 "too long" usbip --storage "$work/card" --serial "$(printf '%0200d' 0)"
+  expect 2 '"65536" is not a port' usbip --storage "$work/card" --serial K --port 65536
+  offer --speed super --catalogue wide --forward-only --no-keys --opaque 7 --fault short@2
+  [ "$folders" = 1 ] || fail "what hosts write is not kept apart: $folders private folders"
+  offer --writable
+  [ "$folders" = 0 ] || fail "--writable has $folders private folders"
+fi
 
 : >"$work/file"
 expect 1 "a file of that name exists" serve --socket "$work/file"
