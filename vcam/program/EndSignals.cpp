@@ -15,7 +15,7 @@ EndSignals::EndSignals() {
 
 EndSignals::~EndSignals() {
   over_ = true;
-  ::pthread_kill(thread_.native_handle(), SIGTERM);
+  ::pthread_kill(thread_.native_handle(), SIGINT);
   thread_.join();
 }
 
