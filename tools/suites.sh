@@ -71,7 +71,7 @@ build_everything() {
 run_ctest() {
   local folder=$1 outcome=0
   shift
-  export TSAN_OPTIONS="suppressions=$root/tools/tsan.supp"
+  export TSAN_OPTIONS="suppressions=$root/tools/tsan.supp:atexit_sleep_ms=0"
   # Most tests wait for most of their time; those that compute take two places (PROCESSORS).
   ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$(($(cores) * 2))" "$@" </dev/null || outcome=$?
   if [ "${CI:-}" = true ]; then

@@ -195,7 +195,7 @@ class Workshop:
     def _environment(self, test):
         root = self.build.parent.parent
         environment = dict(os.environ, TMPDIR=str(self.scratch / "tmp"), GTEST_FAIL_FAST="1", GTEST_BRIEF="1")
-        environment["TSAN_OPTIONS"] = f"halt_on_error=1:exitcode=66:suppressions={root}/tools/tsan.supp"
+        environment["TSAN_OPTIONS"] = f"halt_on_error=1:exitcode=66:suppressions={root}/tools/tsan.supp:atexit_sleep_ms=0"
         for property_ in self.tests[test].get("properties", []):
             if property_["name"] == "ENVIRONMENT":
                 environment.update(value.split("=", 1) for value in property_["value"])
