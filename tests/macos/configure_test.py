@@ -108,6 +108,11 @@ class ShippedBuild(unittest.TestCase):
         tool = self.link_of("kelva")
         self.assertIn("-framework IOKit", tool)
         self.assertNotRegex(tool, r"lib(darwin|kelva_bus)")
+
+    def test_the_tool_for_virtual_cameras_has_the_registry_of_this_project_alone(self):
+        tool = self.link_of("kelva-virtual")
+        self.assertRegex(tool, r"libdarwin_registry.*libdarwin_cf")
+        self.assertNotIn("-framework", tool)
         for program in ("kelva-virtual", "kelva-vcam"):
             self.assertNotIn("-framework", self.link_of(program))
 
