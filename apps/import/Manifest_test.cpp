@@ -387,6 +387,27 @@ TEST_F(ManifestTest, TheVersionBeforeReadsAndWritesAListWithCutFiles) {
   EXPECT_EQ(manifest.Cuts().size(), 1U) << "the next sync sees that the file is whole";
 }
 
+TEST_F(ManifestTest, TheVersionBeforeLeavesOtherFilesAndFilesThatWereLetGoAlone) {
+  const ManifestRow other = {{"K1", "other 493a", 0, "7"}, "100/MVI.MP4", kSha1, 7, false, false};
+  {
+    Manifest manifest(*folder_, true);
+    manifest.Record({other, Row("K1", 1), Row("K1", 2)});
+    manifest.LetGo({Row("K1", 2).key});
+    EXPECT_TRUE(manifest.Find(Row("K1", 2).key)->IsLetGo());
+  }
+  // What version 1.0 does with a file that it fetched, and with one that it deleted on the camera.
+  Elsewhere(
+      "INSERT OR REPLACE INTO files(serial, picture, type, fingerprint, path, sha1, size, verified, deleted)"
+      "VALUES('K1', '00ff', 3, 'print', '100/IMG.TXT', 'sum', 3, 0, 0);"
+      "UPDATE files SET deleted=1 WHERE serial='K1' AND picture='00ff' AND type=1 AND fingerprint='print'");
+  Manifest manifest(*folder_, true);
+  EXPECT_EQ(manifest.Find(other.key)->path, "100/MVI.MP4");
+  EXPECT_FALSE(manifest.Find(other.key)->deleted);
+  EXPECT_TRUE(manifest.Find(Row("K1", 1).key)->deleted);
+  EXPECT_TRUE(manifest.Find(Row("K1", 2).key)->IsLetGo());
+  EXPECT_TRUE(manifest.Find(Row("K1", 3).key).has_value());
+}
+
 TEST_F(ManifestTest, OneRowCanBeMarkedAfterAnother) {
   Manifest manifest(*folder_, true);
   manifest.Record({Row("K1", 1), Row("K1", 2), Row("K1", 3)});
