@@ -1,15 +1,11 @@
 #!/usr/bin/env python3
-"""The tests that a Mac runs compile there: with its compiler's family, its standard library and the warnings of the build.
-So do the examples that need no package of Linux, with the headers that a Mac installs.
+"""The examples that need no package of Linux compile on a Mac, with the headers that it installs.
 
-Usage: tests_compile_test.py PROJECT COMPILER GTEST_FOLDER
+Usage: examples_test.py PROJECT COMPILER GTEST_FOLDER
 """
 
-import concurrent.futures
-import os
 import shlex
 import subprocess
-import sys
 import tempfile
 import unittest
 
@@ -29,7 +25,7 @@ def compile_one(entry):
 NOT_HERE = ("application_test.cpp", "virtual_bus.cpp", "hotplug_glib.cpp", "hotplug_qt.cpp")
 
 
-class TestsOfAMac(unittest.TestCase):
+class ExamplesOfAMac(unittest.TestCase):
     def test_every_example_compiles_with_the_headers_of_a_mac(self):
         with tempfile.TemporaryDirectory() as folder:
             build = configure_test.everyday_build(folder)
@@ -40,16 +36,6 @@ class TestsOfAMac(unittest.TestCase):
                 command = f"{configure_test.COMPILER} -std=c++20 -Wall -Wextra -Werror -I{build.folder}/include {path}"
                 with self.subTest(file=path.name):
                     self.assertEqual(compile_one({"command": command, "directory": folder}), "")
-
-    def test_every_one_compiles_without_a_warning(self):
-        with tempfile.TemporaryDirectory() as folder:
-            build = configure_test.everyday_build(folder)
-            entries = [entry for entry in build.commands if "_test.cpp" in entry["file"] or "/tests/" in entry["file"]]
-            self.assertGreater(len(entries), 30)
-            with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-                for entry, complaint in zip(entries, pool.map(compile_one, entries)):
-                    with self.subTest(file=entry["file"]):
-                        self.assertEqual(complaint, "")
 
 
 if __name__ == "__main__":
