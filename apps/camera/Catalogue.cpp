@@ -20,8 +20,9 @@ struct Wanted {
   std::string extension;  ///< empty for any
 };
 
-Wanted Understand(std::string name) {
-  std::replace(name.begin(), name.end(), '\\', '/');
+// A backslash parts folders, or begins a byte as it is printed ("\xff").
+Wanted Understand(std::string name, bool isPrinted) {
+  if (!isPrinted) std::replace(name.begin(), name.end(), '\\', '/');
   const std::size_t slash = name.rfind('/');
   Wanted wanted;
   if (slash != std::string::npos) {
@@ -39,6 +40,10 @@ bool Matches(const std::string& pattern, const std::string& name) {
   return SameName(pattern, name) || MatchesName(pattern, name);
 }
 
+bool MatchesEither(const std::string& pattern, const std::string& name) {
+  return Matches(pattern, name) || SameName(pattern, Printable(name));
+}
+
 // Whether the picture has such a file: "*.MP4" means no picture, and "*.RAW" none that is a JPG alone.
 bool HasType(const DcfObj& picture, const std::string& extension) {
   const std::vector<int> types = FileTypes(picture);
@@ -47,13 +52,18 @@ bool HasType(const DcfObj& picture, const std::string& extension) {
          });
 }
 
-std::vector<DcfObj> AllMeant(const std::vector<DcfObj>& catalogue, const std::string& name) {
-  const Wanted wanted = Understand(name);
+std::vector<DcfObj> Meant(const std::vector<DcfObj>& catalogue, const Wanted& wanted) {
   std::vector<DcfObj> meant;
   for (const DcfObj& picture : catalogue) {
-    if (!Matches(wanted.stem, PictureStem(picture)) || !HasType(picture, wanted.extension)) continue;
-    if (wanted.folder.empty() || Matches(wanted.folder, PictureFolder(picture))) meant.push_back(picture);
+    if (!MatchesEither(wanted.stem, PictureStem(picture)) || !HasType(picture, wanted.extension)) continue;
+    if (wanted.folder.empty() || MatchesEither(wanted.folder, PictureFolder(picture))) meant.push_back(picture);
   }
+  return meant;
+}
+
+std::vector<DcfObj> AllMeant(const std::vector<DcfObj>& catalogue, const std::string& name) {
+  std::vector<DcfObj> meant = Meant(catalogue, Understand(name, false));
+  if (meant.empty()) meant = Meant(catalogue, Understand(name, true));
   if (!meant.empty()) return meant;
   throw Failure(ExitCode::kFailed, "No picture in the camera's catalogue is called " + Printable(name) +
                                        "; `kelva pictures` lists them all.");

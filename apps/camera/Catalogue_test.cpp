@@ -38,6 +38,17 @@ TEST(FindPictureTest, ANameThatIsUniqueNeedsNoFolderNoExtensionAndNoCase) {
   }
 }
 
+TEST(FindPictureTest, ANameMayBeAsItIsPrinted) {
+  DcfObj odd = Made(100, 1);
+  odd.filePrefix[2] = '\xFF';
+  ASSERT_EQ(PictureName(odd), "100ABCDE/IM\\xff_0001");
+  for (const char* name :
+       {"IM\\xff_0001", "100ABCDE/IM\\xff_0001", "I:/DCIM/100ABCDE/IM\\xff_0001.JPG", "IM\xFF_0001"}) {
+    EXPECT_EQ(FindPicture({odd, Made(100, 2)}, name).fileNumber, 1) << name;
+    EXPECT_EQ(FindPictures({odd, Made(100, 2)}, name).size(), 1U) << name;
+  }
+}
+
 TEST(FindPictureTest, TheSameNameInTwoFoldersNeedsTheFolder) {
   EXPECT_EQ(WhyNot("IMG_0001"), "IMG_0001 may mean 100ABCDE/IMG_0001, 101ABCDE/IMG_0001; name the folder too.");
   EXPECT_EQ(WhyNot("101ABCDE/IMG_0001"), "found");

@@ -76,7 +76,7 @@ std::string Rounded(double bytes) {
 std::string Amounts(const ProgressView& view) {
   if (view.shareAlone) return "";
   const std::string done = Filled(Bytes(view.done), std::string_view("999.9 MB").size());
-  if (view.total != 0) return "  " + done + " of " + Bytes(view.total);
+  if (view.total != 0 && view.filesTotal == 0) return "  " + done + " of " + Bytes(view.total);
   return "  " + done;
 }
 
@@ -122,7 +122,9 @@ std::string ProgressLine(const ProgressView& view, std::size_t columns) {
   // A line that fills the last column would wrap on some terminals.
   if (line.size() >= columns) line = start;
   if (line.size() + 2 < columns) line += "  " + std::string(view.what);
-  return Shortened(line.substr(line.find_first_not_of(' ')), columns - 1);
+  // Without count and share nothing stands before the bytes.
+  if (start.empty()) line.erase(0, line.find_first_not_of(' '));
+  return Shortened(line, columns - 1);
 }
 
 Progress::Progress(Reporter& reporter, const Stop& stop, std::string_view what, unsigned long long total)
@@ -149,8 +151,8 @@ void Progress::AtShare(double share, Clock::time_point now) {
   At(static_cast<unsigned long long>(known * static_cast<double>(kParts)), now);
 }
 
-bool Progress::IsDue(Clock::time_point now) const {
-  return (reporter_.Style().terminal || reporter_.Style().json) && reporter_.IsProgressDue(now);
+bool Progress::IsShown() const {
+  return reporter_.Style().terminal || reporter_.Style().json;
 }
 
 void Progress::Name(std::string_view what) {
@@ -162,8 +164,9 @@ void Progress::Files(unsigned long long done, unsigned long long total) {
   filesTotal_ = total;
 }
 
-void Progress::Phase(std::string_view phase) {
+void Progress::Phase(std::string_view phase, unsigned long long total) {
   phase_ = phase;
+  total_ = total;
   files_ = 0;
   filesTotal_ = 0;
   start_ = Clock::now();

@@ -16,7 +16,7 @@ struct ProgressView {
   unsigned long long done;
   unsigned long long total;  ///< 0 when unknown
   std::chrono::duration<double> elapsed;
-  /// For several files whose sizes are not known in advance: how many are done, of how many. Both are 0 for one file.
+  /// For several files: how many are done, of how many. Both are 0 for one file.
   unsigned long long files = 0;
   unsigned long long filesTotal = 0;
   bool shareAlone = false;      ///< done and total are not bytes: only their ratio has a meaning
@@ -42,8 +42,8 @@ class Progress {
   /// Shows a new state, not more often than eyes (ten a second) or scripts (two a second) can use. Throws Stopped.
   void At(unsigned long long done, Clock::time_point now = Clock::now());
 
-  /// Whether At would show something now.
-  bool IsDue(Clock::time_point now = Clock::now()) const;
+  /// Whether At ever shows something.
+  bool IsShown() const;
 
   /// In place of At, for work that says how much is done, from 0 to 1, and no bytes.
   void AtShare(double share, Clock::time_point now = Clock::now());
@@ -52,8 +52,9 @@ class Progress {
   void Name(std::string_view what);
   /// For several files: how many are done, of how many.
   void Files(unsigned long long done, unsigned long long total);
-  /// Begins a part of the work, with bytes, files and time counted from here: "dates", "reading", "deleting".
-  void Phase(std::string_view phase);
+  /// Begins a part of the work, with bytes, files and time counted from here: "dates", "reading", "deleting". `total` is
+  /// in bytes, 0 when unknown.
+  void Phase(std::string_view phase, unsigned long long total = 0);
   /// Takes the line away.
   void Clear();
 

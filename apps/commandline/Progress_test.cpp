@@ -18,14 +18,14 @@ using namespace std::chrono_literals;
 
 TEST(ProgressLineTest, ShowsShareBytesRateTimeLeftAndTheName) {
   EXPECT_EQ(ProgressLine({"IMG_0001.JPG", 5'000'000, 20'000'000, 2s}, 100),
-            "25 %    5.0 MB of 20.0 MB   2.5 MB/s         6 s left  IMG_0001.JPG");
+            " 25 %    5.0 MB of 20.0 MB   2.5 MB/s         6 s left  IMG_0001.JPG");
 }
 
 TEST(ProgressLineTest, TheColumnsStayWhereTheyAre) {
   const std::string early = ProgressLine({"a", 1'000'000'000, 0, 6s, 515, 3203}, 100);
   const std::string late = ProgressLine({"a long name.JPG", 900, 0, 1s, 7, 3203}, 100);
-  EXPECT_EQ(early, "515/3203   16 %    1.0 GB   166 MB/s        32 s left  a");
-  EXPECT_EQ(late, "7/3203    0 %     900 B    900 B/s  7 min 37 s left  a long name.JPG");
+  EXPECT_EQ(early, " 515/3203   16 %    1.0 GB   166 MB/s        32 s left  a");
+  EXPECT_EQ(late, "   7/3203    0 %     900 B    900 B/s  7 min 37 s left  a long name.JPG");
 }
 
 TEST(ProgressLineTest, AnUnknownTotalShowsBytesAndRateOnly) {
@@ -33,11 +33,12 @@ TEST(ProgressLineTest, AnUnknownTotalShowsBytesAndRateOnly) {
 }
 
 TEST(ProgressLineTest, ThereIsNoRateBeforeThereIsTimeToMeasureIt) {
-  EXPECT_EQ(ProgressLine({"A", 0, 1000, 0s}, 100), "0 %       0 B of 1.0 kB                              A");
+  EXPECT_EQ(ProgressLine({"A", 0, 1000, 0s}, 100), "  0 %       0 B of 1.0 kB                              A");
 }
 
 TEST(ProgressLineTest, LongTransfersShowHours) {
-  EXPECT_EQ(ProgressLine({"A", 1'000, 10'000'000, 1s}, 100), "0 %    1.0 kB of 10.0 MB   1.0 kB/s  2 h 46 min left  A");
+  EXPECT_EQ(ProgressLine({"A", 1'000, 10'000'000, 1s}, 100),
+            "  0 %    1.0 kB of 10.0 MB   1.0 kB/s  2 h 46 min left  A");
 }
 
 TEST(ProgressLineTest, NeverFillsTheLastColumn) {
@@ -50,11 +51,15 @@ TEST(ProgressLineTest, NeverFillsTheLastColumn) {
 }
 
 TEST(ProgressLineTest, ANarrowTerminalShowsWhatMattersFirst) {
-  EXPECT_EQ(ProgressLine({"IMG_0001.JPG", 1'000'000'000, 0, 6s, 515, 3203}, 40), "515/3203   16 %  IMG_0001.JPG");
+  EXPECT_EQ(ProgressLine({"IMG_0001.JPG", 1'000'000'000, 0, 6s, 515, 3203}, 40), " 515/3203   16 %  IMG_0001.JPG");
 }
 
 TEST(ProgressLineTest, FilesCountWhereTheirBytesAreNotKnown) {
   EXPECT_EQ(ProgressLine({"A", 3000, 0, 1s, 1, 4}, 100), "1/4   25 %    3.0 kB   3.0 kB/s         3 s left  A");
+}
+
+TEST(ProgressLineTest, BytesThatAreKnownSayTheShareOfSeveralFilesToo) {
+  EXPECT_EQ(ProgressLine({"A", 3000, 12'000, 1s, 1, 2}, 100), "1/2   25 %    3.0 kB   3.0 kB/s         3 s left  A");
 }
 
 TEST(ProgressLineTest, APhaseThatIsNotReadingIsNamed) {
@@ -63,7 +68,7 @@ TEST(ProgressLineTest, APhaseThatIsNotReadingIsNamed) {
 }
 
 TEST(ProgressLineTest, AShareAloneHasNoBytes) {
-  EXPECT_EQ(ProgressLine({"writing", 250, 1000, 2s, 0, 0, true}, 100), "25 %         6 s left  writing");
+  EXPECT_EQ(ProgressLine({"writing", 250, 1000, 2s, 0, 0, true}, 100), " 25 %         6 s left  writing");
 }
 
 TEST(ProgressLineTest, MoreThanAnnouncedStaysAtTheEnd) {
@@ -115,16 +120,13 @@ TEST_F(ProgressTest, AShareIsAnEventWithoutBytes) {
             "{\"schema\":1,\"event\":\"progress\",\"what\":\"writing\",\"share\":0}\n");
 }
 
-TEST_F(ProgressTest, WhatNobodySeesIsNeverDue) {
+TEST_F(ProgressTest, IsShownToAPersonOrAScript) {
   Reporter silent("kelva", page_.Get(), {});
-  EXPECT_FALSE(Progress(silent, stop_, "A", 1000).IsDue());
-  Reporter reporter("kelva", page_.Get(), {.json = true});
-  Progress progress(reporter, stop_, "A", 1000);
-  const auto start = Progress::Clock::now();
-  EXPECT_TRUE(progress.IsDue(start));
-  progress.At(0, start);
-  EXPECT_FALSE(progress.IsDue(start + 499ms));
-  EXPECT_TRUE(progress.IsDue(start + 500ms));
+  EXPECT_FALSE(Progress(silent, stop_, "A", 1000).IsShown());
+  Reporter script("kelva", page_.Get(), {.json = true});
+  EXPECT_TRUE(Progress(script, stop_, "A", 1000).IsShown());
+  Reporter person("kelva", page_.Get(), {.terminal = true});
+  EXPECT_TRUE(Progress(person, stop_, "A", 1000).IsShown());
 }
 
 TEST_F(ProgressTest, APhaseAndTheFileAreInTheEvent) {

@@ -114,11 +114,6 @@ void Reporter::Forward(std::string_view line) {
   Write(std::string(line) + "\n");
 }
 
-bool Reporter::IsProgressDue(std::chrono::steady_clock::time_point now) const {
-  const std::scoped_lock lock(mutex_);
-  return now >= nextProgress_;
-}
-
 bool Reporter::TakeProgressTurn(std::chrono::steady_clock::time_point now) {
   const std::scoped_lock lock(mutex_);
   if (now < nextProgress_) return false;

@@ -52,10 +52,8 @@ class Reporter {
   void Forward(std::string_view line);
   /// Gives an event in JSON style, unless quiet; does nothing in the other styles.
   void Event(Json members);
-  /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a
-  /// command.
-  bool IsProgressDue(std::chrono::steady_clock::time_point now) const;
-  /// As IsProgressDue. When true, starts the wait for the next turn.
+  /// Whether progress may be shown now: ten times a second for eyes, twice for scripts, over all transfers of a command.
+  /// When true, starts the wait for the next turn.
   bool TakeProgressTurn(std::chrono::steady_clock::time_point now);
   /// Takes away what Overwrite showed.
   void Clear();

@@ -27,8 +27,7 @@ class Threads : public testing::Test {
       reporter.TakeProgressTurn(now += std::chrono::hours(1));
     };
     const base::Crowd crowd(
-        kRounds, {[&] { reporter.Note("Two files."); }, [&] { reporter.Error("It is gone.", ExitCode::kGone); },
-                  [&] { reporter.IsProgressDue(Clock::now()); }, turn,
+        kRounds, {[&] { reporter.Note("Two files."); }, [&] { reporter.Error("It is gone.", ExitCode::kGone); }, turn,
                   [&] {
                     reporter.Overwrite("50 %");
                     reporter.Event(Json::Object().Set("done", 5));
@@ -47,15 +46,14 @@ TEST_F(Threads, MayReportToAScriptAtOnce) {
   Report({.json = true});
 }
 
-TEST_F(Threads, MayAskForATurnWhileOthersTakeOne) {
+TEST_F(Threads, MayTakeTurnsAtOnce) {
   using Clock = std::chrono::steady_clock;
   Reporter reporter("kelva", nowhere_.Get(), {.json = true});
   // Each turn is an hour after the last one, so that every one is due.
   const auto take = [&reporter, now = Clock::now()]() mutable {
     reporter.TakeProgressTurn(now += std::chrono::hours(1));
   };
-  const auto ask = [&reporter] { reporter.IsProgressDue(Clock::now()); };
-  const base::Crowd crowd(20 * kRounds, {take, take, ask});
+  const base::Crowd crowd(20 * kRounds, {take, take});
 }
 
 TEST_F(Threads, MayAskAWorkerToStopThatIsAboutToSleep) {

@@ -34,14 +34,20 @@ class CataloguePaths {
     std::sort(pictures_.begin(), pictures_.end());
   }
 
-  bool Has(const std::string& path) const {
+  /// The path of the picture's file with this name, in any case of letters: the same path where there is one. Empty when no
+  /// picture has such a file.
+  std::string Like(const std::string& path) const {
+    std::string like;
     const auto [first, last] = std::equal_range(pictures_.begin(), pictures_.end(), Entry(Hash(path), nullptr),
                                                 [](const Entry& a, const Entry& b) { return a.first < b.first; });
-    return std::any_of(first, last, [&path](const Entry& entry) {
-      const std::vector<int> types = FileTypes(*entry.second);
-      return std::any_of(types.begin(), types.end(),
-                         [&](int type) { return SameName(PicturePath(*entry.second, type), path); });
-    });
+    for (auto entry = first; entry != last; ++entry) {
+      for (const int type : FileTypes(*entry->second)) {
+        std::string here = PicturePath(*entry->second, type);
+        if (here == path) return path;
+        if (SameName(here, path)) like = std::move(here);
+      }
+    }
+    return like;
   }
 
  private:
@@ -65,10 +71,17 @@ std::vector<std::string> NamesIn(const std::string& path) {
   return names;
 }
 
+bool Lists(const FolderWalk::Listing& listing, const std::string& name) {
+  return std::any_of(listing.files.begin(), listing.files.end(),
+                     [&name](const CameraDirent& entry) { return entry.name == name; });
+}
+
 void AddOthers(const FolderWalk::Listing& listing, const CataloguePaths& pictures, OtherFiles& found) {
   for (const CameraDirent& entry : listing.files) {
     std::string path = listing.folder + "\\" + entry.name;
-    if (pictures.Has(path)) continue;
+    const std::string like = pictures.Like(path);
+    // In another case of letters it is the picture's file, unless that is there too.
+    if (!like.empty() && (like == path || !Lists(listing, Split(like).name))) continue;
     if (found.files.size() == kMostFiles) {
       found.isCut = true;
       return;

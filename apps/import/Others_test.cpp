@@ -35,6 +35,13 @@ TEST_F(OthersTest, FilesOfTheCatalogueAreNoOthersInAnyCaseOfLetters) {
   EXPECT_THAT(FoundPaths(), ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0001.MP4"));
 }
 
+// As no FAT has them, but other file systems do.
+TEST_F(OthersTest, AFileBesideThePictureOfItsNameInAnotherCaseIsAnother) {
+  camera_.AddFile("I:\\DCIM\\100ABCDE", "IMG_0001.JPG", "the picture");
+  EXPECT_THAT(FoundPaths(),
+              UnorderedElementsAre("I:\\DCIM\\100ABCDE\\MVI_0001.MP4", "I:\\DCIM\\100ABCDE\\img_0001.jpg"));
+}
+
 TEST_F(OthersTest, AFileBesideAPictureThatTheCatalogueDoesNotGiveItIsAnother) {
   camera_.AddFile("I:\\DCIM\\100ABCDE", "IMG_0001.RAW", "raw data");
   EXPECT_EQ(Find().files.size(), 2U);

@@ -44,7 +44,8 @@ std::optional<Outcome> Sync::Fetch(const SyncPlan& plan) {
       folder_, manifest_, cuts_, [this](const WriteOutcome& outcome) { OnOutcome(outcome); },
       times == nullptr ? TimeOf() : [times](const DcfObj& picture) { return times->Of(picture); });
   try {
-    work_.ForEach(fresh, {"reading", "read"}, [&](const SyncItem& item) {
+    const unsigned long long bytes = work_.options.verify ? 2 * expected_ : expected_;
+    work_.ForEach(fresh, {"reading", "read", nullptr, bytes}, [&](const SyncItem& item) {
       writers.Try(item);
       FetchOne(item, numbers.For(item), writers);
     });

@@ -31,6 +31,8 @@ class Sync {
   Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolder& folder, Manifest& manifest,
        SyncOptions options, PictureTimes* times = nullptr);
 
+  /// How many bytes will be written, as far as that is known: for the progress.
+  void Expect(unsigned long long bytes) { expected_ = bytes; }
   /// Nothing when the plan was carried out to its end, failed files included; otherwise what ended it. Throws Stopped.
   std::optional<Outcome> Run(const SyncPlan& plan);
   /// What was done, over all processes of the context's guard.
@@ -51,6 +53,7 @@ class Sync {
   Manifest& manifest_;
   CutFiles cuts_;
   SyncWork work_;
+  unsigned long long expected_ = 0;
   std::mutex mutex_;                                               // the list: reached from the writers
   std::vector<std::pair<const SyncItem*, std::string>> doubtful_;  // with what they hash to, which is not their key
 };

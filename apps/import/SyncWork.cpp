@@ -14,7 +14,7 @@ namespace apps {
 
 void SyncWork::ForEach(const std::vector<const SyncItem*>& items, const Pass& pass, const Each& work) {
   if (items.empty()) return;
-  progress_.Phase(pass.phase);
+  progress_.Phase(pass.phase, pass.bytes);
   bytes_ = 0;
   std::size_t done = 0;
   for (const SyncItem* const item : items) {
@@ -62,7 +62,7 @@ void SyncWork::Came(std::size_t bytes) {
 }
 
 void SyncWork::Show(std::size_t done, std::size_t count, const SyncItem& item) {
-  if (!progress_.IsDue()) return;
+  if (!progress_.IsShown()) return;
   progress_.Name(item.LocalText());
   progress_.Files(done, count);
   progress_.At(bytes_);

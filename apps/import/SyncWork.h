@@ -45,9 +45,10 @@ class SyncWork {
 
   using Each = std::function<void(const SyncItem&)>;
   struct Pass {
-    std::string_view phase;  ///< for the progress: "deleting"
-    std::string_view verb;   ///< for sentences: "delete"
-    Each before = nullptr;   ///< in place of LetOthers, before each file
+    std::string_view phase;        ///< for the progress: "deleting"
+    std::string_view verb;         ///< for sentences: "delete"
+    Each before = nullptr;         ///< in place of LetOthers, before each file
+    unsigned long long bytes = 0;  ///< that are to come; 0 when unknown
   };
   /// Does `work` for one file after the other. A file that fails is reported, and the rest goes on. Throws what ends all:
   /// CameraError of a camera that has gone, Failure, Stopped.

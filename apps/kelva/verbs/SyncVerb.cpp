@@ -76,10 +76,12 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
 }
 
 // Before the first byte is read: a disk that is too small would be full in the middle.
-std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const TargetFolder& folder, Manifest& manifest) {
+std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const TargetFolder& folder, Manifest& manifest,
+                                 Sync& sync) {
   ListedSizes sizes(camera);
   Coming coming = ToBeWritten(plan, sizes, &folder);
   coming.TakeOff(BytesOfParts(manifest, folder, plan.source->serial));
+  sync.Expect(coming.unlisted == 0 ? coming.bytes : 0);
   const std::string why = WhyTooLittleRoom(coming, FreeSpace(folder), folder.Path());
   return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});
 }
@@ -152,7 +154,7 @@ ExitCode RunSync(Context& context) {
   Sync sync(context, camera.Pointer(), folder, manifest, options, &times);
   BeginTally(plan, sync.Tally());
   if (options.deleteAfter) AskToDelete(context, camera, plan, sync.Tally());
-  auto ended = CheckRoom(*camera, plan, folder, manifest);
+  auto ended = CheckRoom(*camera, plan, folder, manifest, sync);
   if (!ended) ended = sync.Run(plan);
   NoteTrouble(context, times);
   if (plan.others && plan.others->isCut) {
