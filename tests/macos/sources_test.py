@@ -110,7 +110,8 @@ class SourcesOfAMac(unittest.TestCase):
         cls.folder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.folder.cleanup)
         cls.build = configure_test.everyday_build(cls.folder.name, "-DCMAKE_UNITY_BUILD=ON", "-DCMAKE_UNITY_BUILD_BATCH_SIZE=0")
-        cls.units = list(units(cls.build))
+        # What is built once for the frameworks and once for their substitute reads the same headers here.
+        cls.units = list({tuple(unit.sources): unit for unit in units(cls.build)}.values())
         cls.not_yet = NotYet(HERE / "not_yet.txt")
         good, late = [], []
         for unit in cls.units:
