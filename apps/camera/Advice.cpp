@@ -140,4 +140,11 @@ Verdict AdviceFor(std::string_view message) {
   return report ? AdviceFor(*report) : WrongAnswer(message);
 }
 
+bool RefusesWhatWasAsked(std::string_view message) {
+  const auto report = kelva::ReadTransferReport(message);
+  if (!report || AdviceFor(*report).code != ExitCode::kRefused) return false;
+  const wire::Sense sense = wire::SenseOf(report->status);
+  return sense.key == kIllegalRequest && sense.asc != kNoSuchOperation;
+}
+
 }  // namespace apps

@@ -26,6 +26,10 @@ Verdict AdviceFor(const kelva::TransferReport& report);
 /// The same for the message of any exception of the library.
 Verdict AdviceFor(std::string_view message);
 
+/// Whether the message is that of a camera that knows the command and refused what was asked for, as for a file that it
+/// does not have.
+bool RefusesWhatWasAsked(std::string_view message);
+
 }  // namespace apps
 
 #endif  // KELVA_APPS_CAMERA_ADVICE_H_

@@ -59,6 +59,17 @@ TEST(AdviceTest, AnUnknownOperationIsAMissingFunction) {
   EXPECT_THAT(Of(0, 0x00200502).clause, HasSubstr("this camera does not have this function"));
 }
 
+TEST(AdviceTest, ARefusalOfWhatWasAskedIsToldFromAMissingFunction) {
+  const auto message = [](const std::string& codes) {
+    return "Transfer error\nCDB=[c2 00 06 00 00 00 00 00 00 00 00 00 00 00 00 00]\n" + codes;
+  };
+  EXPECT_TRUE(RefusesWhatWasAsked(message("ret=0x00000000 result.status=0x01140502")));
+  EXPECT_FALSE(RefusesWhatWasAsked(message("ret=0x00000000 result.status=0x00200502"))) << "no such operation";
+  EXPECT_FALSE(RefusesWhatWasAsked(message("ret=0x00000000 result.status=0x01140402"))) << "hardware error";
+  EXPECT_FALSE(RefusesWhatWasAsked(message("ret=0xe00002c0 result.status=0x00000000"))) << "gone";
+  EXPECT_FALSE(RefusesWhatWasAsked("Camera error: short")) << "a wrong answer";
+}
+
 TEST(AdviceTest, ARefusalWithoutSenseSaysSo) {
   const Verdict verdict = Of(0, 0x02);
   EXPECT_EQ(verdict.code, ExitCode::kRefused);

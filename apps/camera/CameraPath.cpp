@@ -78,10 +78,6 @@ bool IsPlainForShells(char c) {
          std::string_view("/:._-+,@%=").find(c) != std::string_view::npos;
 }
 
-bool IsLabel(const CameraDirent& entry) {
-  return (entry.attributes & kelva::kAttributeVolumeLabel) != 0;
-}
-
 }  // namespace
 
 std::string ToCameraPath(std::string_view typed) {
@@ -125,24 +121,21 @@ bool SameName(std::string_view a, std::string_view b) {
 }
 
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath) {
-  const SplitPath path = Split(cameraPath);
-  std::optional<CameraDirent> similar;
-  for (CameraDirent& entry : ListFolder(camera, path.folder)) {
-    if (IsLabel(entry) || !SameName(entry.name, path.name)) continue;
-    if (entry.name == path.name) return std::move(entry);
-    if (!similar) similar = std::move(entry);
-  }
-  return similar;
+  return KnownListings(camera).Find(cameraPath);
 }
 
-void RequireFolder(Camera& camera, std::string_view folder) {
+std::string RequireFolder(Camera& camera, std::string_view folder) {
   const SplitPath path = Split(folder);
-  if (path.name.empty()) return;  // the drive itself
-  RequireFolder(camera, path.folder);
-  const auto entry = FindEntry(camera, folder);
-  if (entry && (entry->attributes & kelva::kAttributeDirectory) != 0) return;
+  if (path.name.empty()) return path.folder;  // the drive itself
+  const std::string above = RequireFolder(camera, path.folder) + "\\";
+  const auto entry = FindEntry(camera, above + path.name);
+  if (entry && (entry->attributes & kelva::kAttributeDirectory) != 0) return above + entry->name;
   throw Failure(ExitCode::kFailed, "There is no folder " + ShownPath(folder) + " on the camera; `kelva ls " +
                                        ShownPath(path.folder) + "` shows what is there.");
+}
+
+bool IsNamed(const CameraDirent& entry) {
+  return (entry.attributes & kelva::kAttributeVolumeLabel) == 0 && entry.name != "." && entry.name != "..";
 }
 
 unsigned long long SizeOf(const CameraDirent& entry) {

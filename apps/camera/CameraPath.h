@@ -31,9 +31,12 @@ bool SameName(std::string_view a, std::string_view b);
 /// Looks a file or folder up in the listing of its parent folder, exactly as it is written or else in another case of
 /// letters. Nothing when the listing does not have it.
 std::optional<CameraDirent> FindEntry(Camera& camera, std::string_view cameraPath);
-/// Throws Failure that names the folder when it, or one above it, is missing. The camera would only say that it
-/// refused.
-void RequireFolder(Camera& camera, std::string_view folder);
+/// Gives a folder's path as the camera lists it. Throws Failure that names the folder when it, or one above it, is
+/// missing. The camera would only say that it refused.
+std::string RequireFolder(Camera& camera, std::string_view folder);
+
+/// Whether an entry is a file or a folder below the one that lists it, and not its label, itself or its parent.
+bool IsNamed(const CameraDirent& entry);
 
 /// An entry's size in bytes. CameraDirent::size is negative for files of 2 GiB and more.
 unsigned long long SizeOf(const CameraDirent& entry);

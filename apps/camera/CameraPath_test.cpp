@@ -79,7 +79,7 @@ TEST(CameraPathTest, TheFirstFolderThatIsMissingIsNamed) {
   camera.folders = {"DCIM"};
   camera.files = {{"A.TXT", "abc"}};
   EXPECT_NO_THROW(RequireFolder(camera, "I:"));
-  EXPECT_NO_THROW(RequireFolder(camera, "I:\\DCIM"));
+  EXPECT_EQ(RequireFolder(camera, "I:\\dcim"), "I:\\DCIM");
   EXPECT_THROW(RequireFolder(camera, "I:\\A.TXT"), Failure) << "a file";
   try {
     RequireFolder(camera, "I:\\NOPE\\DEEPER");

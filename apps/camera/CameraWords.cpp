@@ -27,7 +27,7 @@ std::vector<std::string> PathsBeginning(Camera& camera, const std::string& typed
   const std::string before = typed.substr(0, typed.rfind('/') + 1);
   std::vector<std::string> paths;
   for (const CameraDirent& entry : ListFolder(camera, FolderTyped(camera, before))) {
-    if ((entry.attributes & kelva::kAttributeVolumeLabel) != 0 || entry.name == "." || entry.name == "..") continue;
+    if (!IsNamed(entry)) continue;
     const bool folder = (entry.attributes & kelva::kAttributeDirectory) != 0;
     paths.push_back(before + entry.name + (folder ? "/" : ""));
   }

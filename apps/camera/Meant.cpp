@@ -15,42 +15,52 @@ namespace apps {
 namespace {
 
 // A camera refuses to list what is not there. That is no failure of the search.
-std::vector<CameraDirent> ListIfThere(Camera& camera, const std::string& folder) {
+const std::vector<CameraDirent>& ListIfThere(KnownListings& listings, const std::string& folder) {
+  static const std::vector<CameraDirent> kNothing;
   try {
-    return ListFolder(camera, folder);
+    return listings.Of(folder);
   } catch (const CameraTransferError& error) {
     if (AdviceFor(std::string_view(error.what())).code != ExitCode::kRefused) throw;
-    return {};
+    return kNothing;
   }
 }
 
-bool IsNamed(const CameraDirent& entry) {
-  return (entry.attributes & kelva::kAttributeVolumeLabel) == 0 && entry.name != "." && entry.name != "..";
-}
-
 template <typename Match>
-std::vector<std::string> Listed(Camera& camera, const std::vector<std::string>& folders, const Match& match) {
+std::vector<std::string> Listed(KnownListings& listings, const std::vector<std::string>& folders, const Match& match) {
   std::vector<std::string> found;
   for (const std::string& folder : folders) {
-    for (const CameraDirent& entry : ListIfThere(camera, folder)) {
+    for (const CameraDirent& entry : ListIfThere(listings, folder)) {
       if (IsNamed(entry) && match(entry.name)) found.push_back(folder + "\\" + entry.name);
     }
   }
   return found;
 }
 
-bool IsListed(Camera& camera, const std::string& path) {
+bool IsListed(KnownListings& listings, const std::string& path) {
   const SplitPath split = Split(path);
-  return !Listed(camera, {split.folder}, [&](const std::string& name) { return name == split.name; }).empty();
+  return !Listed(listings, {split.folder}, [&](const std::string& name) { return name == split.name; }).empty();
 }
 
 // Every listed path whose parts match those of `path`.
 template <typename Match>
-std::vector<std::string> Matching(Camera& camera, const std::string& path, const Match& match) {
+std::vector<std::string> Matching(KnownListings& listings, const std::string& path, const Match& match) {
   const SplitPath split = Split(path);
   if (split.name.empty()) return {split.folder};
-  return Listed(camera, Matching(camera, split.folder, match),
+  return Listed(listings, Matching(listings, split.folder, match),
                 [&](const std::string& name) { return match(split.name, name); });
+}
+
+std::vector<std::string> Meant(Context& context, KnownListings& listings, const std::string& cameraPath) {
+  if (Split(cameraPath).name.empty() || IsListed(listings, cameraPath)) return {cameraPath};
+  const std::vector<std::string> similar = Matching(listings, cameraPath, SameName);
+  if (!similar.empty()) {
+    context.reporter.Note("There is no " + ShownPath(cameraPath) + "; there is " + ShownPath(similar.front()) + ".");
+    return {similar.front()};
+  }
+  if (!IsPattern(cameraPath)) return {cameraPath};
+  std::vector<std::string> matching = Matching(listings, cameraPath, MatchesName);
+  if (matching.empty()) matching.push_back(cameraPath);
+  return matching;
 }
 
 }  // namespace
@@ -64,16 +74,8 @@ bool IsPattern(std::string_view text) {
 }
 
 std::vector<std::string> Meant(Context& context, Camera& camera, const std::string& cameraPath) {
-  if (Split(cameraPath).name.empty() || IsListed(camera, cameraPath)) return {cameraPath};
-  const std::vector<std::string> similar = Matching(camera, cameraPath, SameName);
-  if (!similar.empty()) {
-    context.reporter.Note("There is no " + ShownPath(cameraPath) + "; there is " + ShownPath(similar.front()) + ".");
-    return {similar.front()};
-  }
-  if (!IsPattern(cameraPath)) return {cameraPath};
-  std::vector<std::string> matching = Matching(camera, cameraPath, MatchesName);
-  if (matching.empty()) matching.push_back(cameraPath);
-  return matching;
+  KnownListings listings(camera);
+  return Meant(context, listings, cameraPath);
 }
 
 std::string MeantOne(Context& context, Camera& camera, const std::string& cameraPath) {
@@ -86,8 +88,9 @@ std::string MeantOne(Context& context, Camera& camera, const std::string& camera
 std::vector<std::string> AllMeant(Context& context, Camera& camera, const std::vector<std::string>& cameraPaths) {
   std::vector<std::string> all;
   std::set<std::string> seen;
+  KnownListings listings(camera);
   for (const std::string& path : cameraPaths) {
-    for (std::string& meant : Meant(context, camera, path)) {
+    for (std::string& meant : Meant(context, listings, path)) {
       if (seen.insert(meant).second) all.push_back(std::move(meant));
     }
   }
@@ -98,8 +101,9 @@ std::string InListedFolder(Context& context, Camera& camera, const std::string& 
   const SplitPath split = Split(cameraPath);
   if (split.name.empty()) return cameraPath;
   const std::string path = MeantOne(context, camera, split.folder) + "\\" + split.name;
-  const std::vector<std::string> similar = Matching(camera, path, SameName);
-  return similar.empty() || IsListed(camera, path) ? path : similar.front();
+  KnownListings listings(camera);
+  const std::vector<std::string> similar = Matching(listings, path, SameName);
+  return similar.empty() || IsListed(listings, path) ? path : similar.front();
 }
 
 }  // namespace apps

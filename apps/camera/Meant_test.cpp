@@ -31,7 +31,6 @@ class TreeCamera : public FakeCamera {
       {"I:\\DCIM\\100ABCDE", {{"IMG_0001.JPG", 3, 0x20}, {"MVI_0002.MP4", 3, 0x20}, {"a[1].jpg", 3, 0x20}}},
       {"I:\\DCIM\\101ABCDE", {{"MVI_0003.MP4", 3, 0x20}, {"img_0004.jpg", 3, 0x20}, {"IMG_0004.JPG", 3, 0x20}}},
   };
-  int listings = 0;
 };
 
 class MeantTest : public testing::Test, protected SilentContext {
@@ -75,6 +74,12 @@ TEST_F(MeantTest, WhatIsNowhereIsLeftAsItIs) {
 TEST_F(MeantTest, FilesThatTwoPatternsMatchAreMeantOnce) {
   EXPECT_THAT(AllMeant(context_, camera_, {"I:\\DCIM\\*\\MVI*", "I:\\DCIM\\100ABCDE\\*.MP4", "I:\\A.TXT"}),
               ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0002.MP4", "I:\\DCIM\\101ABCDE\\MVI_0003.MP4", "I:\\A.TXT"));
+}
+
+TEST_F(MeantTest, AFolderIsListedOnceHoweverManyOfItsFilesAreNamed) {
+  EXPECT_EQ(
+      AllMeant(context_, camera_, {"I:\\DCIM\\101ABCDE\\MVI_0003.MP4", "I:\\DCIM\\101ABCDE\\IMG_0004.JPG"}).size(), 2U);
+  EXPECT_EQ(camera_.listings, 1);
 }
 
 TEST_F(MeantTest, ThePathOfOneThingMayBeAPatternWithOneMatch) {

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "apps/camera/Advice.h"
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
@@ -20,6 +21,19 @@ constexpr std::size_t kPiece = 65'536;
 
 Failure Failed(const std::string& sentence) {
   return Failure(ExitCode::kFailed, sentence);
+}
+
+// A camera refuses to list a folder that is not there; the folders above it tell.
+std::optional<CameraDirent> EntryIn(KnownListings& listings, const std::string& path) {
+  try {
+    return listings.Find(path);
+  } catch (const CameraTransferError& error) {
+    if (AdviceFor(std::string_view(error.what())).code != ExitCode::kRefused) throw;
+    const SplitPath split = Split(path);
+    const std::string folder = RequireFolder(listings.From(), split.folder);
+    if (folder == split.folder || listings.Find(folder + "\\" + split.name)) throw;
+    return std::nullopt;
+  }
 }
 
 // Deletes a partial upload, so that nobody takes it for the whole file.
@@ -39,8 +53,14 @@ void TakeBack(Context& context, Camera& camera, const std::string& path) {
 }  // namespace
 
 CameraDirent FileEntry(Camera& camera, const std::string& path) {
-  const auto entry = FindEntry(camera, path);
+  KnownListings listings(camera);
+  return FileEntry(listings, path);
+}
+
+CameraDirent FileEntry(KnownListings& listings, const std::string& path) {
+  const auto entry = EntryIn(listings, path);
   if (!entry) {
+    RequireFolder(listings.From(), Split(path).folder);
     throw Failed("There is no file " + ShownPath(path) + " on the camera; `kelva ls " + ShownPath(Split(path).folder) +
                  "` shows what is there.");
   }
@@ -120,12 +140,20 @@ void WriteRemoteFile(Context& context, const boost::shared_ptr<Camera>& camera, 
   }
 }
 
-void DeleteRemoteFile(Camera& camera, const std::string& path) {
-  FileEntry(camera, path);
-  if (!camera.DeleteFile(path.c_str())) {
+void RemoteDeletions::Renew() {
+  before_.Forget();
+  after_.Forget();
+}
+
+void RemoteDeletions::Delete(const std::string& path) {
+  FileEntry(before_, path);
+  if (!before_.From().DeleteFile(path.c_str())) {
     throw Failure(ExitCode::kRefused, "The camera refused to delete " + ShownPath(path) + ".");
   }
-  if (FindEntry(camera, path)) {
+}
+
+void RemoteDeletions::CheckGone(const std::string& path) {
+  if (after_.Find(path)) {
     throw Failure(ExitCode::kRefused, "The camera accepted the command but still lists " + ShownPath(path) +
                                           "; it may be write-protected.");
   }

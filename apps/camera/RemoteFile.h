@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 
+#include "apps/camera/FolderListing.h"
 #include "apps/commandline/Context.h"
 #include "src/wifi/Camera.h"
 #include "src/wifi/FileReader.h"
@@ -15,8 +16,9 @@
 
 namespace apps {
 
-/// A file's entry in the listing of its folder. Throws Failure for a missing file or a folder.
+/// A file's entry in the listing of its folder. Throws Failure for a missing file or folder, and for a path of a folder.
 CameraDirent FileEntry(Camera& camera, const std::string& path);
+CameraDirent FileEntry(KnownListings& listings, const std::string& path);
 
 /// The largest file that the interface of a camera can name.
 inline constexpr std::uint32_t kLargestFile = 0xFFFFFFFF;
@@ -51,8 +53,23 @@ std::string Sha1OfRemote(kelva::FileReader& reader, const std::function<void(std
 void WriteRemoteFile(Context& context, const boost::shared_ptr<Camera>& camera, const std::string& path,
                      std::uint32_t size, const kelva::ByteSource& source);
 
-/// Deletes a file. Throws Failure for a missing file, a folder, or a file that is still listed afterwards.
-void DeleteRemoteFile(Camera& camera, const std::string& path);
+/// Deletes files. In one turn with the camera, each folder is listed once before its files go and once after all are gone,
+/// however many they are.
+class RemoteDeletions {
+ public:
+  explicit RemoteDeletions(Camera& camera) : before_(camera), after_(camera) {}
+
+  /// The camera was given up meanwhile, so another program may have changed what is on it.
+  void Renew();
+  /// Throws Failure for a missing file, a folder, or a refusal.
+  void Delete(const std::string& path);
+  /// For a deleted file, after the last Delete. Throws Failure for a file that is still listed.
+  void CheckGone(const std::string& path);
+
+ private:
+  KnownListings before_;
+  KnownListings after_;
+};
 
 }  // namespace apps
 

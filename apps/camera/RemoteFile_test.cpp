@@ -140,17 +140,43 @@ TEST_F(RemoteFileTest, AWriteThatIsStoppedLeavesNothingOnTheCamera) {
 
 TEST_F(RemoteFileTest, AFileIsDeleted) {
   camera_.files = {{"A.TXT", "abc"}};
-  DeleteRemoteFile(camera_, "I:\\A.TXT");
+  RemoteDeletions deletions(camera_);
+  deletions.Delete("I:\\A.TXT");
   EXPECT_TRUE(camera_.files.empty());
-  EXPECT_THAT(Error([this] { DeleteRemoteFile(camera_, "I:\\A.TXT"); }), HasSubstr("There is no file"));
+  EXPECT_NO_THROW(deletions.CheckGone("I:\\A.TXT"));
+  deletions.Renew();
+  EXPECT_THAT(Error([&] { deletions.Delete("I:\\A.TXT"); }), HasSubstr("There is no file"));
+}
+
+TEST_F(RemoteFileTest, AFolderIsListedTwiceHoweverManyOfItsFilesAreDeleted) {
+  constexpr int kFiles = 100;
+  const auto path = [](int number) { return "I:\\F" + std::to_string(number); };
+  for (int i = 0; i < kFiles; ++i) camera_.files["F" + std::to_string(i)] = "x";
+  camera_.listings = 0;
+  RemoteDeletions deletions(camera_);
+  for (int i = 0; i < kFiles; ++i) deletions.Delete(path(i));
+  for (int i = 0; i < kFiles; ++i) deletions.CheckGone(path(i));
+  EXPECT_TRUE(camera_.files.empty());
+  EXPECT_EQ(camera_.listings, 2);
+}
+
+TEST_F(RemoteFileTest, AFileThatAnotherProgramDeletedInItsTurnIsMissing) {
+  camera_.files = {{"A.TXT", "abc"}, {"B.TXT", "abc"}};
+  RemoteDeletions deletions(camera_);
+  deletions.Delete("I:\\A.TXT");
+  camera_.files.clear();
+  deletions.Renew();
+  EXPECT_THAT(Error([&] { deletions.Delete("I:\\B.TXT"); }), HasSubstr("There is no file"));
 }
 
 TEST_F(RemoteFileTest, AFileThatStaysIsARefusal) {
   camera_.files = {{"A.TXT", "abc"}};
   camera_.stubborn = true;
-  EXPECT_THAT(Error([this] { DeleteRemoteFile(camera_, "I:\\A.TXT"); }), HasSubstr("still lists I:/A.TXT"));
+  RemoteDeletions deletions(camera_);
+  deletions.Delete("I:\\A.TXT");
+  EXPECT_THAT(Error([&] { deletions.CheckGone("I:\\A.TXT"); }), HasSubstr("still lists I:/A.TXT"));
   camera_.refuses = true;
-  EXPECT_THAT(Error([this] { DeleteRemoteFile(camera_, "I:\\A.TXT"); }), HasSubstr("refused to delete"));
+  EXPECT_THAT(Error([&] { deletions.Delete("I:\\A.TXT"); }), HasSubstr("refused to delete"));
 }
 
 TEST_F(RemoteFileTest, WhatIsSentInPartIsTakenBack) {

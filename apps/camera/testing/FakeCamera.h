@@ -47,6 +47,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
   bool CompareSn(const char* serial) const override { return serial_ == serial; }
 
   std::vector<CameraDirent> ReadDir(const char* path) override {
+    ++listings;
     std::vector<CameraDirent> entries = {{".", 0, 0x10}, {"LABEL", 0, 0x08}};
     if (folder != path) return entries;
     for (const auto& [name, text] : files) entries.push_back({name, static_cast<int>(text.size()) + lie, 0x20});
@@ -65,6 +66,7 @@ class FakeCamera : public wifi_testing::PlainCamera {
   std::vector<std::string> folders;
   std::vector<DcfObj> catalogue;
   int reads = 0;
+  int listings = 0;
   int lie = 0;               ///< added to every size in a listing
   std::string damage;        ///< added to every file that is written
   std::string forbidden;     ///< deleting this one is an error

@@ -87,15 +87,24 @@ ExitCode RunRm(Context& context) {
   AskOnTerminal(context, {std::to_string(paths.size()) + " to delete on the camera: " + InWords(paths) + ".", "Delete?",
                           "nothing was deleted"});
   Each each(context, "files", CameraResult(camera));
+  RemoteDeletions deletions(*camera);
+  const auto letOthers = [&] {
+    if (LetOthers(context)) deletions.Renew();
+    context.stop.Check();
+  };
   for (const std::string& path : paths) {
-    LetOthers(context);
-    each.Try(path, [&] {
-      context.stop.Check();
+    letOthers();
+    each.TryUnchecked(path, [&] {
       context.Doing("delete " + ShownPath(path));
-      DeleteRemoteFile(*camera, path);
+      deletions.Delete(path);
       return Json::Object().SetBytes("path", path);
     });
   }
+  each.Check([&](const std::string& path) {
+    letOthers();
+    context.Doing("see whether " + ShownPath(path) + " is gone");
+    deletions.CheckGone(path);
+  });
   return each.Finish(CameraResult(camera));
 }
 
@@ -117,9 +126,9 @@ camera is kept unless you give --force. After Ctrl-C or an error the unfinished 
 of 4 GiB and more cannot be sent.)",
      "file: of this computer\npath: on the camera\nsize: bytes", kPutExamples, RunPut},
     {"rm", "Delete files on the camera", kRmArguments, kRmOptions,
-     R"(On a terminal it names the files and asks first; elsewhere the command itself is consent. Reads the folder's
-listing before and after: a file that is not there, or that stays, is an error. `kelva pictures rm` deletes a picture
-with all its files.
+     R"(On a terminal it names the files and asks first; elsewhere the command itself is consent. Lists each folder
+before, and once more after all the files: one that is not there, or that stays, is an error. `kelva pictures rm` deletes a
+picture with all its files.
 
 In a pattern * ? and [...] match within a name, in any case of letters. Put it in quotes, so that the shell leaves it
 alone.)",

@@ -33,6 +33,22 @@ TEST_F(ChangeVerbsTest, APatternDeletesAllThatItMatchesAndADryRunNone) {
             "kelva: There is no file 'I:/*.TXT' on the camera; `kelva ls I:` shows what is there.\n");
 }
 
+TEST_F(ChangeVerbsTest, AFileInAFolderThatIsMissingIsNotThere) {
+  const auto run = Run({"rm", "nix/x.JPG"});
+  EXPECT_EQ(run.code, ExitCode::kFailed);
+  EXPECT_EQ(run.err, "kelva: There is no folder I:/nix on the camera; `kelva ls I:` shows what is there.\n");
+}
+
+TEST_F(ChangeVerbsTest, OfSeveralFilesTheOneThatIsMissingIsReportedAndTheOthersGo) {
+  Put("A.TXT", "one");
+  Put("B.TXT", "two");
+  const auto run = Run({"rm", "A.TXT", "NOPE.TXT", "B.TXT"});
+  EXPECT_EQ(run.code, ExitCode::kPartial);
+  EXPECT_EQ(run.err, "kelva: There is no file I:/NOPE.TXT on the camera; `kelva ls I:` shows what is there.\n");
+  EXPECT_FALSE(Has("A.TXT"));
+  EXPECT_FALSE(Has("B.TXT"));
+}
+
 TEST_F(ChangeVerbsTest, AFileIsSentIntoAFolderThatIsTypedInSmallLetters) {
   const std::string file = (folder / "note.txt").string();
   Put("../note.txt", "hello");

@@ -1,12 +1,15 @@
 #ifndef KELVA_APPS_KELVA_VERBS_EACH_H_
 #define KELVA_APPS_KELVA_VERBS_EACH_H_
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Context.h"
@@ -27,6 +30,10 @@ class Each {
 
   /// Runs `work`, which gives the members of its outcome, for the file named `path`.
   void Try(const std::string& path, const std::function<Json()>& work);
+  /// As Try, for work of which Check tells whether it succeeded.
+  void TryUnchecked(const std::string& path, const std::function<Json()>& work);
+  /// Runs `check`, which throws for a failure, for each file of TryUnchecked that has not failed.
+  void Check(const std::function<void(const std::string& path)>& check);
   /// Gives the result and the exit status of the whole: done, partial, or that of the failure when nothing succeeded.
   /// `text` stands for the result where it is not JSON.
   ExitCode Finish(Json result, std::string_view text = "");
@@ -38,16 +45,19 @@ class Each {
   // Read by the thread that ends the program, too.
   struct Outcomes {
     std::mutex mutex;
-    Json all = Json::Array();
+    std::vector<Json> all;
     int failed = 0;
   };
-  void Add(const Json& outcome, bool failed);
+  void Add(Json outcome);
+  /// What to tell of a failure. Within a handler of the exception, which it throws on when it ends the whole.
+  Json FailureOf(const std::string& path, const std::exception& error);
 
   Context& context_;
   std::string_view member_;
   const std::shared_ptr<Outcomes> outcomes_ = std::make_shared<Outcomes>();
   std::optional<ExitCode> firstFailure_;
   int done_ = 0;
+  std::vector<std::pair<std::size_t, std::string>> unchecked_;  ///< place among the outcomes, and path
 };
 
 }  // namespace apps

@@ -21,13 +21,9 @@ bool IsFolder(const CameraDirent& entry) {
   return (entry.attributes & kelva::kAttributeDirectory) != 0;
 }
 
-bool IsShown(const CameraDirent& entry) {
-  return (entry.attributes & kelva::kAttributeVolumeLabel) == 0 && entry.name != "." && entry.name != "..";
-}
-
 std::vector<CameraDirent> Listing(Camera& camera, const std::string& path) {
   std::vector<CameraDirent> entries = ListFolder(camera, path);
-  std::erase_if(entries, [](const CameraDirent& entry) { return !IsShown(entry); });
+  std::erase_if(entries, [](const CameraDirent& entry) { return !IsNamed(entry); });
   return entries;
 }
 

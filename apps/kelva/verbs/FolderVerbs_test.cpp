@@ -16,6 +16,8 @@ TEST_F(FolderVerbsTest, AFolderThatIsMissingAndAFileAreErrors) {
   Put("A.TXT", "abc");
   EXPECT_EQ(Run({"ls", "I:/NOPE"}).code, ExitCode::kFailed);
   EXPECT_EQ(Run({"ls", "A.TXT"}).err, "kelva: I:/A.TXT is a file; `kelva get` fetches it.\n");
+  EXPECT_EQ(Run({"ls", "../x"}).err,
+            "kelva: There is no folder I:/.. on the camera; `kelva ls I:` shows what is there.\n");
   EXPECT_EQ(Run({"ls", ""}).code, ExitCode::kUsage);
 }
 

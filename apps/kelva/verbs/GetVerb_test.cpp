@@ -23,6 +23,18 @@ TEST_F(GetVerbTest, OneOfTwoFilesMissingIsPartial) {
   EXPECT_EQ(Run({"get", "I:/A.TXT", "I:/B.TXT", "--into", into.c_str()}).code, ExitCode::kPartial);
 }
 
+TEST_F(GetVerbTest, AFileInAFolderThatIsMissingIsNotThere) {
+  Put("DCIM/100ABCDE/A.TXT", "abc");
+  const std::string into = folder.string();
+  const Ran missing = Run({"get", "nix/x.JPG", "--into", into.c_str()});
+  EXPECT_EQ(missing.code, ExitCode::kFailed);
+  EXPECT_EQ(missing.err, "kelva: There is no folder I:/nix on the camera; `kelva ls I:` shows what is there.\n");
+  EXPECT_EQ(Run({"get", "I:/dcim/100abcde/nix.jpg", "--into", into.c_str()}).err,
+            "kelva: There is no file I:/dcim/100abcde/nix.jpg on the camera; `kelva ls I:/dcim/100abcde` shows what is "
+            "there.\n");
+  EXPECT_EQ(Run({"get", "nix/x.JPG", "-o", "-"}).code, ExitCode::kFailed);
+}
+
 TEST_F(GetVerbTest, AFileCanGoToStandardOutput) {
   Put("A.TXT", "abc");
   EXPECT_EQ(Run({"get", "I:/A.TXT", "-o", "-"}).out, "abc");

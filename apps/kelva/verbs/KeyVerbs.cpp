@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/camera/Advice.h"
 #include "apps/camera/FilesByKey.h"
 #include "apps/camera/ReadLimit.h"
 #include "apps/camera/Session.h"
@@ -109,16 +110,23 @@ ExitCode RunBatchRm(Context& context) {
   return each.Finish(CameraResult(camera).Set("keys", keys.size()));
 }
 
+// Nothing when the camera has none: it refuses then, or sends an empty answer.
+std::vector<_Sha1obj> FetchRaw(Context& context, Camera& camera, const std::string& key) {
+  Progress progress(context.reporter, context.stop, key, 0);
+  ReadLimit limit = ReadLimit::OfBundle("compressed raw data", kMostUnlisted, Progress::Callback, progress);
+  try {
+    return camera.ReadCompressedRaw(key, ReadLimit::Check, &limit, true);
+  } catch (const CameraTransferError& error) {
+    if (!RefusesWhatWasAsked(error.what())) throw;
+    return {};
+  }
+}
+
 ExitCode RunRaw(Context& context) {
   const std::string key = Understand(context.call.words[0]).key;
   const TargetFolder folder = Into(context);
   const Session camera(context, "fetch the compressed raw data of " + key);
-  std::vector<_Sha1obj> parts;
-  {
-    Progress progress(context.reporter, context.stop, key, 0);
-    ReadLimit limit = ReadLimit::OfBundle("compressed raw data", kMostUnlisted, Progress::Callback, progress);
-    parts = camera->ReadCompressedRaw(key, ReadLimit::Check, &limit, true);
-  }
+  const std::vector<_Sha1obj> parts = FetchRaw(context, *camera, key);
   if (parts.empty()) throw Failure(ExitCode::kFailed, "The camera has no compressed raw data for the key " + key + ".");
   Json list = Json::Array();
   for (std::size_t i = 0; i < parts.size(); ++i) {

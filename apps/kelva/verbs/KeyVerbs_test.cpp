@@ -35,6 +35,14 @@ TEST_F(KeyVerbsTest, AKeyThatTheCameraDoesNotHaveIsNotDeletedSilently) {
   EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
 }
 
+TEST_F(KeyVerbsTest, APictureWithoutRawDataIsNotARefusal) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "abc");
+  const Ran ran = Run({"raw", "a9993e364706816aba3e25717850c26c9cd0d89d"});
+  EXPECT_EQ(ran.code, ExitCode::kFailed);
+  EXPECT_EQ(ran.err,
+            "kelva: The camera has no compressed raw data for the key a9993e364706816aba3e25717850c26c9cd0d89d.\n");
+}
+
 TEST_F(KeyVerbsTest, WhatIsNoKeyIsAUsageError) {
   EXPECT_EQ(Run({"batch", "get", "abc"}).code, ExitCode::kUsage);
   EXPECT_EQ(Run({"raw", "abc"}).code, ExitCode::kUsage);
