@@ -119,7 +119,8 @@ TEST_F(StoreFileTest, NothingButFilesIsLookedInto) {
 }
 
 TEST_F(StoreFileTest, NumbersBeforeTheFirstAreLookedAtAsFarAsAskedFor) {
-  StoreBeside(*folder_, "A.JPG", std::string("one"), Sha1("one"));
+  Store("A.JPG", "two");
+  ASSERT_EQ(Store("A.JPG", "one").name, "A-2.JPG");
   const auto name = [this](int before) {
     BesideFile file(*folder_, "A.JPG", std::string("one"), Sha1("one"), 3, before);
     return file.TakeName().name;
