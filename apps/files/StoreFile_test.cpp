@@ -119,10 +119,12 @@ TEST_F(StoreFileTest, NothingButFilesIsLookedInto) {
 }
 
 TEST_F(StoreFileTest, NumbersBeforeTheFirstAreLookedAtAsFarAsAskedFor) {
+  const std::string text = "one";
   Store("A.JPG", "two");
-  ASSERT_EQ(Store("A.JPG", "one").name, "A-2.JPG");
-  const auto name = [this](int before) {
-    BesideFile file(*folder_, "A.JPG", std::string("one"), Sha1("one"), 3, before);
+  ASSERT_EQ(Store("A.JPG", text).name, "A-2.JPG");
+  const auto name = [&](int before) {
+    BesideFile file(*folder_, "A.JPG", text, Sha1(text), 3, before);
+    file.Flush();
     return file.TakeName().name;
   };
   EXPECT_EQ(name(1), "A-2.JPG");
