@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <ctime>
 #include <string_view>
 #include <utility>
@@ -33,6 +34,17 @@ std::optional<std::string> TimeAgo(const std::string& text) {
   return std::string(out.data(), std::strftime(out.data(), out.size(), "%Y-%m-%d %H:%M:%S", &parts));
 }
 
+// Whether the start of a date in one of the shapes below, "2026-02" or longer, names a day and a time that there is.
+bool IsInCalendar(const std::string& text) {
+  const auto number = [&text](std::size_t at, int missing) {
+    return at < text.size() ? std::stoi(text.substr(at, 2)) : missing;
+  };
+  const std::chrono::year_month_day day{std::chrono::year(std::stoi(text.substr(0, 4))),
+                                        std::chrono::month(static_cast<unsigned>(number(5, 1))),
+                                        std::chrono::day(static_cast<unsigned>(number(8, 1)))};
+  return day.ok() && number(11, 0) < 24 && number(14, 0) < 60 && number(17, 0) < 60;
+}
+
 // "2026-03-14T15:09" as the catalogue writes it. Dates in this form sort as texts do.
 std::string StartOfADate(std::string text) {
   constexpr std::array<std::string_view, 5> kShapes = {"0000", "0000-00", "0000-00-00", "0000-00-00 00:00",
@@ -41,7 +53,7 @@ std::string StartOfADate(std::string text) {
   constexpr std::size_t kBlank = kShapes[2].size();
   if (text.size() > kBlank && text[kBlank] == 'T') text[kBlank] = ' ';
   for (const std::string_view shape : kShapes) {
-    if (base::HasShape(text, shape)) return text;
+    if (base::HasShape(text, shape) && IsInCalendar(text)) return text;
   }
   throw Failure(ExitCode::kUsage,
                 "--since takes a date such as 2026, 2026-03-14 or '2026-03-14 15:09', or 12h, 7d, 2w, not \"" +
@@ -64,6 +76,10 @@ bool PictureChoice::IsInFolder(const std::string& folder) const {
 }
 
 void PictureChoice::Apply(std::vector<DcfObj>& pictures, Context& context) const {
+  const auto isInFolder = [this](const DcfObj& picture) { return IsInFolder(picture); };
+  if (folder_ && std::none_of(pictures.begin(), pictures.end(), isInFolder)) {
+    context.reporter.Note("No folder of the camera's pictures is named " + Printable(*folder_) + ".");
+  }
   std::size_t undated = 0;
   std::erase_if(pictures, [&](const DcfObj& picture) {
     if (!IsInFolder(picture)) return true;

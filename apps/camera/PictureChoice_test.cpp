@@ -51,10 +51,22 @@ TEST_F(PictureChoiceTest, SinceTakesTheStartOfADate) {
 }
 
 TEST_F(PictureChoiceTest, AnythingElseIsNoDate) {
-  for (const char* word : {"", "yesterday", "26-03-14", "2026-3-14", "2026-03-14 15"}) {
+  for (const char* word : {"", "yesterday", "26-03-14", "2026-3-14", "2026-03-14 15", "2026-13-01", "2026-00",
+                           "2026-02-29", "2026-03-14 25:00", "2026-03-14 15:60", "2026-03-14T15:09:60"}) {
     call_.Add("since", word);
     EXPECT_THROW(PictureChoice{context_}, Failure) << word;
   }
+}
+
+TEST_F(PictureChoiceTest, ALeapDayIsADate) {
+  call_.Add("since", "2024-02-29 23:59:59");
+  EXPECT_THAT(Chosen(all_), ElementsAre(1, 2, 3));
+}
+
+TEST_F(PictureChoiceTest, AFolderThatNoPictureHasIsNamed) {
+  call_.Add("folder", "999*");
+  EXPECT_THAT(Chosen(all_), ElementsAre());
+  EXPECT_THAT(Said(), HasSubstr("No folder of the camera's pictures is named 999*."));
 }
 
 TEST_F(PictureChoiceTest, AFolderMayBeAPatternInAnyCase) {

@@ -55,6 +55,11 @@ void RequireName(const std::string& path) {
 
 }  // namespace
 
+TargetFolder TargetFolder::OpenOrMakeMissing(const std::string& path) {
+  const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
+  return missing ? OpenOrMake(path) : Open(path);
+}
+
 TargetFolder TargetFolder::Open(const std::string& path) {
   RequireName(path);
   base::FileDescriptor folder(::open(path.c_str(), kFolderFlags));

@@ -18,6 +18,8 @@ class TargetFolder {
   static TargetFolder Open(const std::string& path);
   /// As Open, but makes the folder first if it is missing, and those above it. Their names are on disk when this returns.
   static TargetFolder OpenOrMake(const std::string& path);
+  /// As OpenOrMake for a folder that is missing, otherwise as Open.
+  static TargetFolder OpenOrMakeMissing(const std::string& path);
   /// Opens, and makes if need be, a folder directly below this one. Never follows a symbolic link. Throws Failure.
   TargetFolder Below(const std::string& name) const;
 

@@ -72,7 +72,7 @@ class AllCameras(Bus):
         run = self.sync("--json")
         self.assertEqual(run.returncode, 6, run.stderr)
         cameras = json.loads(run.stdout.splitlines()[-1])["cameras"]
-        self.assertEqual([camera["exit"] for camera in cameras], [0, 5])
+        self.assertEqual([(camera["serial"], camera["exit"]) for camera in cameras], [("K1", 0), ("K2", 5)])
         self.assertEqual(len(self.names("K1")), 3)
         self.plug("K2", self.other)
         run = self.sync()
@@ -87,6 +87,7 @@ class AllCameras(Bus):
         self.assertIn("kelva: K1: ", run.stderr)
         self.assertIn("kelva: K2: ", run.stderr)
         self.assertIn("0 of 2 cameras: 0 stored", run.stdout)
+        self.assertEqual([line for line in run.stdout.splitlines() if line.startswith("K")], [])
 
     def test_ctrl_c_ends_all(self):
         for serial in ("K1", "K2"):

@@ -4,6 +4,7 @@
 #include <thread>
 #include <vector>
 
+#include "apps/camera/CameraPath.h"
 #include "apps/camera/NewPictures.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/RemoteFile.h"
@@ -30,7 +31,7 @@ void TakePicture(Context& context, const Session& camera) {
 
 Json FetchOne(Context& context, const Session& camera, const TargetFolder& folder, const std::string& path,
               const std::string& name) {
-  context.Doing("read " + Printable(path));
+  context.Doing("read " + ShownPath(path));
   if (folder.Has(name)) {
     throw Failure(ExitCode::kFailed, "There is a " + Printable(folder.PathOf(name)) +
                                          " already, and it was kept; `kelva get` fetches the new picture into another "
@@ -47,6 +48,7 @@ Json FetchOne(Context& context, const Session& camera, const TargetFolder& folde
 
 ExitCode CaptureInto(Context& context, const std::string& into) {
   const TargetFolder folder = TargetFolder::OpenOrMake(into);
+  { const NewFile trial(folder); }  // a picture that could not be stored is not taken
   const Session camera(context, "read the picture catalogue");
   NewPictures pictures;
   pictures.Look(*camera);

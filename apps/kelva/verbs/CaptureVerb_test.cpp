@@ -37,6 +37,11 @@ TEST_F(CaptureVerbTest, NoPictureIsTakenForAFolderThatCannotBe) {
   EXPECT_FALSE(Has("DCIM"));
 }
 
+TEST_F(CaptureVerbTest, NoPictureIsTakenForAFolderThatTakesNoFile) {
+  EXPECT_EQ(Run({"capture", "--into", "/proc"}).code, ExitCode::kFailed);
+  EXPECT_FALSE(Has("DCIM"));
+}
+
 TEST_F(CaptureVerbTest, WithoutAFolderThePictureStaysOnTheCamera) {
   EXPECT_EQ(Run({"capture"}).code, ExitCode::kDone);
   EXPECT_TRUE(Has("DCIM/100KELVA/IMG_0001.JPG"));

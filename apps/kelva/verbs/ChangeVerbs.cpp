@@ -74,7 +74,8 @@ ExitCode ShowWhatWouldGo(Context& context, const Session& camera, const std::vec
     });
   }
   const ExitCode code = each.Finish(CameraResult(camera).Set("dry_run", true));
-  context.reporter.Note(std::to_string(each.Done()) + " files would be deleted; nothing was.");
+  context.reporter.Note(std::to_string(each.Done()) + (each.Done() == 1 ? " file would be deleted; nothing was."
+                                                                        : " files would be deleted; nothing was."));
   return code;
 }
 

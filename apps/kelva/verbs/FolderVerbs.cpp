@@ -128,7 +128,8 @@ ExitCode RunTree(Context& context) {
   });
   Json members = CameraResult(camera).SetBytes("path", path).Set("files", files).Set("bytes", bytes);
   members.Set("entries", std::move(list));
-  return context.Result(std::move(members), std::to_string(files) + " files, " + Bytes(bytes) + "\n");
+  return context.Result(std::move(members),
+                        std::to_string(files) + (files == 1 ? " file, " : " files, ") + Bytes(bytes) + "\n");
 }
 
 constexpr Argument kPath[] = {{"FOLDER", "A folder on the camera, such as DCIM; the drive I: unless given.",

@@ -164,8 +164,8 @@ Json GetFiles::Fetch(const std::string& path, unsigned long long size, const Loc
   }
   if (!options_.replace && folder->Has(name)) {
     throw Failure(ExitCode::kFailed,
-                  "There is a " + Printable(folder->PathOf(name)) +
-                      " already, and it was kept; --force replaces it, --output chooses another name.");
+                  "There is a " + Printable(folder->PathOf(name)) + " already, and it was kept; --force replaces it, " +
+                      (options_.recursive ? "--into chooses another folder." : "--output chooses another name."));
   }
   RemoteFile remote(context_, camera_.Pointer(), path, size);
   NewFile file(*folder);

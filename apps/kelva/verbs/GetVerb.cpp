@@ -1,7 +1,4 @@
 // The verb get.
-#include <unistd.h>
-
-#include <cerrno>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,7 +8,6 @@
 #include "apps/camera/RemoteFile.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
-#include "apps/commandline/Printable.h"
 #include "apps/files/TargetFolder.h"
 #include "apps/kelva/verbs/GetFiles.h"
 #include "apps/kelva/verbs/Verbs.h"
@@ -68,15 +64,14 @@ ExitCode RunGet(Context& context) {
   std::vector<std::string> paths;
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
   if (target.toOutput) {
-    const Session camera(context, "read " + Printable(paths[0]));
+    const Session camera(context, "read " + ShownPath(paths[0]));
     const std::string path = IsPattern(paths[0]) ? MeantOne(context, *camera, paths[0]) : paths[0];
     ToOutput(context, RemoteFile(context, camera.Pointer(), path));
     return ExitCode::kDone;
   }
   // First, so that a camera that is not there leaves no folder behind.
-  const Session camera(context, "read " + Printable(paths[0]));
-  const bool missing = ::access(target.folder.c_str(), F_OK) != 0 && errno == ENOENT;
-  const TargetFolder folder = missing ? TargetFolder::OpenOrMake(target.folder) : TargetFolder::Open(target.folder);
+  const Session camera(context, "read " + ShownPath(paths[0]));
+  const TargetFolder folder = TargetFolder::OpenOrMakeMissing(target.folder);
   GetFiles get(context, camera, folder, {target.name, target.replace, context.call.Has("recursive")});
   for (const std::string& path : paths) get.Get(path);
   return get.Finish();

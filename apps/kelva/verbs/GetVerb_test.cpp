@@ -35,6 +35,14 @@ TEST_F(GetVerbTest, AFileInAFolderThatIsMissingIsNotThere) {
   EXPECT_EQ(Run({"get", "nix/x.JPG", "-o", "-"}).code, ExitCode::kFailed);
 }
 
+TEST_F(GetVerbTest, AFileOfManyThatIsHereAlreadyNeedsAnotherFolder) {
+  Put("DCIM/A.TXT", "abc");
+  const std::string into = folder.string();
+  EXPECT_EQ(Run({"get", "-r", "DCIM", "-d", into.c_str()}).code, ExitCode::kDone);
+  const Ran again = Run({"get", "-r", "DCIM", "-d", into.c_str()});
+  EXPECT_NE(again.err.find("--force replaces it, --into chooses another folder."), std::string::npos) << again.err;
+}
+
 TEST_F(GetVerbTest, AFileCanGoToStandardOutput) {
   Put("A.TXT", "abc");
   EXPECT_EQ(Run({"get", "I:/A.TXT", "-o", "-"}).out, "abc");

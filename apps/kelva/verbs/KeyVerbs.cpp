@@ -71,13 +71,13 @@ Json BatchGetOne(Context& context, Camera& camera, const TargetFolder& folder, c
 }
 
 TargetFolder Into(const Context& context) {
-  return TargetFolder::Open(context.call.Value("into").value_or("."));
+  return TargetFolder::OpenOrMakeMissing(context.call.Value("into").value_or("."));
 }
 
 ExitCode RunBatchGet(Context& context) {
-  const TargetFolder folder = Into(context);
   for (const std::string& word : context.call.words) Understand(word);
   const Session camera(context, "fetch files by key");
+  const TargetFolder folder = Into(context);
   Each each(context, "files", CameraResult(camera));
   for (const std::string& word : context.call.words) {
     LetOthers(context);
@@ -124,8 +124,8 @@ std::vector<_Sha1obj> FetchRaw(Context& context, Camera& camera, const std::stri
 
 ExitCode RunRaw(Context& context) {
   const std::string key = Understand(context.call.words[0]).key;
-  const TargetFolder folder = Into(context);
   const Session camera(context, "fetch the compressed raw data of " + key);
+  const TargetFolder folder = Into(context);
   const std::vector<_Sha1obj> parts = FetchRaw(context, *camera, key);
   if (parts.empty()) throw Failure(ExitCode::kFailed, "The camera has no compressed raw data for the key " + key + ".");
   Json list = Json::Array();
@@ -143,8 +143,9 @@ constexpr Argument kKeys[] = {{"KEY", "A file's SHA-1, 40 hexadecimal digits; KE
                                Argument::Count::kOneOrMore}};
 constexpr Argument kPlainKeys[] = {{"KEY", "A file's SHA-1, 40 hexadecimal digits.", Argument::Count::kOneOrMore}};
 constexpr Argument kKey[] = {{"KEY", "The picture's SHA-1, 40 hexadecimal digits."}};
-constexpr Option kInto[] = {
-    {"into", 'd', "FOLDER", "Write into this folder instead of the current one.", Offer::kFolder}};
+constexpr Option kInto[] = {{"into", 'd', "FOLDER",
+                             "Write into this folder, which is made if need be, instead of the current one.",
+                             Offer::kFolder}};
 constexpr Example kGetExamples[] = {
     {"kelva batch get a9993e364706816aba3e25717850c26c9cd0d89d", "Fetch a file whatever its name is."}};
 constexpr Example kRmExamples[] = {

@@ -16,6 +16,9 @@ TEST_F(KeyVerbsTest, AFileIsFetchedAndDeletedByItsKey) {
   const Ran ran = Run({"batch", "get", key, "--into", into.c_str()});
   EXPECT_EQ(ran.code, ExitCode::kDone) << ran.err;
   EXPECT_EQ(Text(folder / key), "abc");
+  const std::string made = (folder / "made/here").string();
+  EXPECT_EQ(Run({"batch", "get", key, "-d", made.c_str()}).code, ExitCode::kDone);
+  EXPECT_EQ(Text(folder / "made/here" / key), "abc");
   EXPECT_EQ(Run({"batch", "rm", key}).code, ExitCode::kDone);
   EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
 }

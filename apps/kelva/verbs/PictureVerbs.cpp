@@ -43,7 +43,7 @@ ExitCode RunPictures(Context& context) {
   if (empty) {
     context.reporter.Note("There are no pictures in the camera's catalogue.");
   } else if (none) {
-    context.reporter.Note("No picture of the camera's catalogue is meant.");
+    context.reporter.Note("No picture of the camera's catalogue is what --since and --folder ask for.");
   }
   return ExitCode::kDone;
 }

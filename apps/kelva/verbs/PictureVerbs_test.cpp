@@ -41,7 +41,7 @@ TEST_F(PictureVerbsTest, TheListMayBeOfAFolderOrSinceADay) {
   const Ran none = Run({"pictures", "--since", "9999-12-31"});
   EXPECT_EQ(none.code, ExitCode::kDone);
   EXPECT_EQ(none.out, "");
-  EXPECT_THAT(none.err, HasSubstr("No picture of the camera's catalogue is meant."));
+  EXPECT_THAT(none.err, HasSubstr("No picture of the camera's catalogue is what --since and --folder ask for."));
   EXPECT_EQ(Run({"pictures", "--since", "last week"}).code, ExitCode::kUsage);
   const std::string sheet = (folder / "sheet.html").string();
   EXPECT_EQ(Run({"pictures", "--sheet", sheet.c_str(), "--folder", "101*"}).code, ExitCode::kUsage);

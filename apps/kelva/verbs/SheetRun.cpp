@@ -113,9 +113,9 @@ ExitCode Finish(Context& context, const Session& camera, Sheet& sheet, const std
 ExitCode RunSheet(Context& context, const std::string& path) {
   const SheetPath target = Understand(path);
   const bool replace = context.call.Has("force");
-  const TargetFolder folder = TargetFolder::Open(target.folder);
-  if (!replace && folder.Has(target.name)) throw Taken(folder, target.name);
   const Session camera(context, "read the picture catalogue");
+  const TargetFolder folder = TargetFolder::OpenOrMakeMissing(target.folder);
+  if (!replace && folder.Has(target.name)) throw Taken(folder, target.name);
   const std::vector<DcfObj> catalogue = InSheetOrder(ReadPictures(*camera));
   context.Doing("list the folders of the pictures");
   const std::vector<FileSizes> sizes = ReadFileSizes(context.stop, *camera, catalogue);

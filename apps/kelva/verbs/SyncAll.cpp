@@ -18,6 +18,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/files/SafeName.h"
 #include "apps/files/TargetFolder.h"
+#include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/OwnJson.h"
 #include "apps/kelva/verbs/SyncSummary.h"
 #include "apps/kelva/verbs/ToolRun.h"
@@ -171,6 +172,9 @@ class All {
     }
     part.totals = TotalsIn(part.document);
     if (asText_ || context_.Json()) return;
+    const bool didNothing = part.totals.stored + part.totals.known + part.totals.failed + part.totals.deleted == 0;
+    if (part.failed && didNothing) return;  // its error says all
+    context_.reporter.Clear();
     std::istringstream lines(SyncInWords(part.totals, part.failed, context_.call.Has("since")));
     for (std::string line; std::getline(lines, line);) context_.out.Add(Of(part) + line + "\n");
     context_.out.Flush();
@@ -178,6 +182,7 @@ class All {
 
   void Output(Part& part, std::string_view line) {
     if (asText_) {
+      context_.reporter.Clear();
       context_.out.Add(Of(part) + std::string(line) + "\n");
     } else if (!TextIn(line, "event")) {
       part.document = line;
@@ -228,7 +233,10 @@ class All {
   Json Results() const {
     Json list = Json::Array();
     for (const Part& part : parts_) {
-      if (!part.document.empty()) list.PushPrinted(part.document);
+      const bool named = TextIn(part.document, "serial").has_value();
+      if (!part.document.empty()) {
+        list.PushPrinted(named ? part.document : WithText(part.document, "serial", part.serial));
+      }
       if (part.document.empty()) {
         list.Push(Json::Object().SetBytes("serial", part.serial).Set("exit", static_cast<int>(part.code)));
       }
@@ -249,6 +257,15 @@ class All {
   bool asText_ = false;
 };
 
+void AskToDelete(Context& context, const std::vector<std::string>& serials) {
+  std::string named;
+  for (const std::string& serial : serials) named += (named.empty() ? "" : ", ") + Printable(serial);
+  AskOnTerminal(context,
+                {"What was fetched from these cameras will be deleted on them: " + named +
+                     ". Each file goes once it is on disk here, and is as its key says or was read twice, equal.",
+                 "Fetch and delete them?", "nothing was fetched or deleted"});
+}
+
 }  // namespace
 
 ExitCode RunSyncAll(Context& context) {
@@ -257,6 +274,7 @@ ExitCode RunSyncAll(Context& context) {
     throw Failure(ExitCode::kUsage, "A trace is of one process, and --all has several; sync the cameras one by one.");
   }
   const std::vector<std::string> serials = AttachedSerials(context);
+  if (context.call.Has("delete-after-verify") && !context.call.Has("dry-run")) AskToDelete(context, serials);
   if (!context.call.Has("dry-run")) TargetFolder::OpenOrMake(context.call.words[0]);
   All all(context, serials);
   all.Run();

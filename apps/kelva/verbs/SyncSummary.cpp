@@ -39,7 +39,8 @@ std::string HowChecked(const SyncTotals& totals) {
 std::string SyncInWords(const SyncTotals& totals, bool early, bool since) {
   std::string text = FilesStored(totals, early) + HowChecked(totals);
   if (totals.numbered != 0) {
-    text += std::to_string(totals.numbered) + " got a number because their name was taken (--verbose names them).\n";
+    text += std::to_string(totals.numbered) + " got a number because " + (totals.numbered == 1 ? "its" : "their") +
+            " name was taken (--verbose names them).\n";
   }
   if (totals.resumed != 0) {
     text += std::to_string(totals.resumed) + " went on where an earlier run had ended.\n";
@@ -84,13 +85,15 @@ ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& 
         " files have another SHA-1 than the catalogue's key says; two equal reads were taken instead.");
   }
   context.Result(std::move(members), SyncInWords(totals, ended.has_value(), context.call.Has("since")), code);
-  if (ended) context.reporter.Note("Run the same command again to fetch the rest.");
+  // After a failure of this computer, such as a full disk, the same command would fail again.
+  if (ended && ended->code != ExitCode::kFailed) context.reporter.Note("Run the same command again to fetch the rest.");
   return code;
 }
 
 SoFar::Done SyncSoFar(const SyncTotals& totals, Json camera) {
   std::string words = std::to_string(totals.stored) + " of " + std::to_string(totals.expected) + " files stored, " +
                       std::to_string(totals.deleted) + " deleted on the camera; the same command goes on";
+  if (totals.expected == 0) words = std::to_string(totals.deleted) + " deleted on the camera; the same command goes on";
   if (totals.expected + totals.deleted == 0) words = "nothing was stored yet; the same command starts again";
   return {std::move(words), SyncMembers(totals, std::move(camera))};
 }

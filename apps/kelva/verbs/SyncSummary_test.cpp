@@ -39,7 +39,7 @@ TEST_F(SyncSummaryTest, CountsNamesThatWereTakenAndNamesThemWhenAsked) {
   std::filesystem::create_directories(target + "/100ABCDE");
   std::ofstream(target + "/100ABCDE/IMG_0001.JPG") << "mine";
   const Ran ran = Run({"sync", "--verbose", target.c_str()});
-  EXPECT_THAT(ran.out, HasSubstr("\n1 got a number because their name was taken (--verbose names them).\n"));
+  EXPECT_THAT(ran.out, HasSubstr("\n1 got a number because its name was taken (--verbose names them).\n"));
   EXPECT_THAT(ran.err,
               HasSubstr("kelva: I:/DCIM/100ABCDE/IMG_0001.JPG is 100ABCDE/IMG_0001-2.JPG, because its name was "
                         "taken.\n"));
@@ -60,6 +60,8 @@ TEST(SyncSoFarTest, SaysWhatIsStoredAndWhatIsLeft) {
       done.members.Text(),
       R"({"serial":"K1","stored":985,"bytes":9,"already_here":0,"checked":0,"read_twice":0,"size_only":0,)"
       R"("unlike_key":0,"numbered":0,"undated":0,"resumed":0,"known":4,"others":0,"others_bytes":0,"failed":0,"left":2218,"deleted":1})");
+  EXPECT_EQ(SyncSoFar({.known = 20, .deleted = 15}, Json::Object()).words,
+            "15 deleted on the camera; the same command goes on");
   EXPECT_EQ(SyncSoFar({.known = 4}, Json::Object()).words, "nothing was stored yet; the same command starts again");
 }
 

@@ -122,15 +122,7 @@ void TellSoFar(const Context& context, Json camera) {
 
 ExitCode RunSync(Context& context) {
   if (context.call.Has("forget")) return RunForget(context);
-  if (context.call.Has("all")) {
-    if (context.call.Has("delete-after-verify") && !context.call.Has("dry-run")) {
-      AskOnTerminal(context,
-                    {"Files will be deleted on all attached cameras, each once it is on disk here, and is as its key "
-                     "says or was read twice, equal.",
-                     "Fetch and delete them?", "nothing was fetched or deleted"});
-    }
-    return RunSyncAll(context);
-  }
+  if (context.call.Has("all")) return RunSyncAll(context);
   const SyncChoice choice = SyncChoiceOf(context);
   SyncOptions options;
   options.deleteAfter = context.call.Has("delete-after-verify");

@@ -108,8 +108,9 @@ std::vector<DcfObj> PicturesOf(Each& each, const std::vector<DcfObj>& catalogue,
 }
 
 ExitCode RunThumb(Context& context) {
-  const TargetFolder folder = TargetFolder::Open(context.call.Value("into").value_or("."));
+  // First, so that a camera that is not there leaves no folder behind.
   const Session camera(context, "read the picture catalogue");
+  const TargetFolder folder = TargetFolder::OpenOrMakeMissing(context.call.Value("into").value_or("."));
   const std::vector<DcfObj> catalogue = ReadPictures(*camera);
   Thumbs thumbs(context, camera, folder);
   Each each(context, "pictures", CameraResult(camera));
@@ -127,9 +128,10 @@ ExitCode RunThumb(Context& context) {
 constexpr Argument kArguments[] = {{"PICTURE",
                                     "A picture, such as IMG_0001 or IMG_0001.JPG, its path, or a pattern in quotes. "
                                     "Where two have the same name, add the folder: 100ABCDE/IMG_0001.",
-                                    Argument::Count::kOneOrMore}};
+                                    Argument::Count::kOneOrMore, Offer::kPicture}};
 constexpr Option kOptions[] = {
-    {"into", 'd', "FOLDER", "Write into this folder instead of the current one.", Offer::kFolder},
+    {"into", 'd', "FOLDER", "Write into this folder, which is made if need be, instead of the current one.",
+     Offer::kFolder},
     {"force", 'f', "", "Replace existing files."},
 };
 constexpr Example kExamples[] = {
