@@ -95,9 +95,7 @@ void RemoteFile::Read(const std::function<void(std::span<const char>)>& take) {
   for (std::size_t count = piece.size(); count == piece.size();) {
     progress.At(reader_->Position());
     count = reader_->ReadOn(piece);
-    context_.reporter.AwaitCamera(false);
     take(std::span(piece).first(count));
-    context_.reporter.AwaitCamera(true);
     LetOthers(context_, *reader_, std::span(piece).first(count));
   }
 }

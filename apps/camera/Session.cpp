@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "src/wifi/Traced.h"
+
 namespace apps {
 namespace {
 
@@ -11,6 +13,13 @@ AttachedCamera WantedCamera(Context& context, std::string doing) {
   WaitBusy(context);  // a wrong word is said before a camera is looked for
   context.Doing(std::move(doing));
   return Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")));
+}
+
+// A person who waits is told that it is the camera which does not answer.
+boost::shared_ptr<Camera> Watched(boost::shared_ptr<Camera> camera, Reporter& reporter) {
+  return kelva::Traced(std::move(camera),
+                       {.ended = [&reporter](const kelva::Exchange&) { reporter.AwaitCamera(false); },
+                        .began = [&reporter](const kelva::Exchange&) { reporter.AwaitCamera(true); }});
 }
 
 }  // namespace
@@ -21,8 +30,8 @@ Session::Session(Context& context, AttachedCamera chosen) : Session(context, std
 
 Session::Session(Context& context, AttachedCamera chosen, std::chrono::milliseconds patience)
     : turns_(std::make_unique<Turns>(context, std::move(chosen), patience)), chosen_(turns_->Attached()) {
-  if (context.trace == nullptr) return;
-  chosen_.camera = context.trace->Around(chosen_.camera, DeviceOf(chosen_.facts));
+  if (context.trace != nullptr) chosen_.camera = context.trace->Around(chosen_.camera, DeviceOf(chosen_.facts));
+  if (context.reporter.Style().terminal) chosen_.camera = Watched(chosen_.camera, context.reporter);
 }
 
 Trace::Device DeviceOf(const RegistryCamera& facts) {

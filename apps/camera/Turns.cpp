@@ -133,7 +133,6 @@ void Turns::Open(milliseconds patience) {
 void Turns::AwaitTurn(milliseconds patience) {
   MakeLine();
   line_.Join();
-  context_.reporter.AwaitCamera(false);
   Wait wait(patience);
   for (;;) {
     context_.stop.Check();
@@ -149,7 +148,6 @@ void Turns::AwaitTurn(milliseconds patience) {
     std::this_thread::sleep_for(kEachAttempt);
   }
   if (wait.told) context_.reporter.Clear();
-  context_.reporter.AwaitCamera(true);
 }
 
 // Nobody holds a camera that went, and who held it a moment ago may have given it up since: the last one is remembered.

@@ -143,24 +143,40 @@ TEST_F(ProgressTest, APhaseAndTheFileAreInTheEvent) {
 }
 
 TEST_F(ProgressTest, ACameraThatDoesNotAnswerIsSaidAfterFiveSeconds) {
+  const std::string complaint = "\r\x1b[KNo answer from the camera for 12 s; check the cable. Ctrl-C stops.";
+  Reporter reporter("kelva", page_.Get(), {.terminal = true});
+  reporter.Tick(Progress::Clock::now() + 60s);
+  EXPECT_EQ(Shown(), "") << "nothing was asked";
+  reporter.AwaitCamera(true);
+  reporter.Tick(Progress::Clock::now() + 4s);
+  EXPECT_EQ(Shown(), "");
+  reporter.Tick(Progress::Clock::now() + 12s);
+  EXPECT_EQ(Shown(), complaint);
+  reporter.AwaitCamera(false);
+  EXPECT_EQ(Shown(), complaint + "\r\x1b[K") << "it answered";
+  reporter.Tick(Progress::Clock::now() + 60s);
+  EXPECT_EQ(Shown(), complaint + "\r\x1b[K") << "the disk is waited for";
+}
+
+TEST_F(ProgressTest, TheSentenceOfASilentCameraTakesThePlaceOfTheBar) {
   Reporter reporter("kelva", page_.Get(), {.terminal = true});
   Progress progress(reporter, stop_, "A", 1000);
-  const auto start = Progress::Clock::now();
-  reporter.Tick(start + 60s);
-  EXPECT_EQ(Shown(), "") << "nothing is under way";
   progress.At(10);
-  reporter.Tick(start + 4s);
-  EXPECT_EQ(Shown().find("No answer"), std::string::npos);
+  reporter.AwaitCamera(true);
   reporter.Tick(Progress::Clock::now() + 12s);
-  EXPECT_TRUE(Shown().ends_with("\r\x1b[KNo answer from the camera for 12 s; check the cable. Ctrl-C stops."))
+  EXPECT_TRUE(Shown().ends_with("A\r\x1b[KNo answer from the camera for 12 s; check the cable. Ctrl-C stops."))
       << Shown();
-  const std::size_t before = Shown().size();
-  reporter.HearCamera();
-  reporter.Tick(Progress::Clock::now() + 4s);
-  EXPECT_EQ(Shown().size(), before) << "a part of a file came";
-  reporter.AwaitCamera(false);
-  reporter.Tick(Progress::Clock::now() + 60s);
-  EXPECT_EQ(Shown().size(), before) << "the disk is waited for";
+}
+
+TEST_F(ProgressTest, ASilentCameraIsNoMatterForScripts) {
+  for (const ReportStyle style :
+       {ReportStyle{.json = true}, ReportStyle{.quiet = true, .terminal = true}, ReportStyle{}}) {
+    Reporter reporter("kelva", page_.Get(), style);
+    reporter.AwaitCamera(true);
+    reporter.Tick(Progress::Clock::now() + 12s);
+    reporter.AwaitCamera(false);
+    EXPECT_EQ(Shown(), "");
+  }
 }
 
 TEST_F(ProgressTest, TheBarIsTakenAwayAtTheEnd) {

@@ -77,30 +77,27 @@ void Reporter::Overwrite(std::string_view line) {
   const std::scoped_lock lock(mutex_);
   Write(lineShown_ ? std::string(line) : std::string(kEraseLine) + std::string(line));
   lineShown_ = true;
-  lastSign_ = std::chrono::steady_clock::now();
+}
+
+void Reporter::AwaitCamera(bool awaited) {
+  const auto now = std::chrono::steady_clock::now();
+  const std::scoped_lock lock(mutex_);
+  asked_ = awaited ? std::optional(now) : std::nullopt;
+  if (std::exchange(complained_, false) && lineShown_) Write("");
 }
 
 void Reporter::Tick(std::chrono::steady_clock::time_point now) {
   constexpr auto kPatience = 5s;
   // This thread also looks at signals and the time-out, so it waits neither for another thread nor for a blocked terminal.
   const std::unique_lock lock(mutex_, std::try_to_lock);
-  if (!lock || !lineShown_ || !cameraAwaited_ || now - lastSign_ < kPatience) return;
+  if (!lock || !style_.terminal || style_.quiet || !asked_ || now - *asked_ < kPatience) return;
   pollfd ready{fd_, POLLOUT, 0};
   if (::poll(&ready, 1, 0) != 1) return;
-  const auto silent = std::chrono::duration_cast<std::chrono::seconds>(now - lastSign_).count();
-  Write("No answer from the camera for " + std::to_string(silent) + " s; check the cable. Ctrl-C stops.");
+  const auto silent = std::chrono::duration_cast<std::chrono::seconds>(now - *asked_).count();
+  Write((lineShown_ ? "" : std::string(kEraseLine)) + "No answer from the camera for " + std::to_string(silent) +
+        " s; check the cable. Ctrl-C stops.");
   lineShown_ = true;
-}
-
-void Reporter::HearCamera() {
-  const std::scoped_lock lock(mutex_);
-  lastSign_ = std::chrono::steady_clock::now();
-}
-
-void Reporter::AwaitCamera(bool awaited) {
-  const std::scoped_lock lock(mutex_);
-  cameraAwaited_ = awaited;
-  lastSign_ = std::chrono::steady_clock::now();
+  complained_ = true;
 }
 
 void Reporter::Event(Json members) {

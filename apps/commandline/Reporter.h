@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -41,13 +42,11 @@ class Reporter {
   void Error(std::string_view sentence, ExitCode code);
   /// Shows `line` in place of the last one; only on a terminal, not when quiet.
   void Overwrite(std::string_view line);
-  /// Called about once a second by a thread that does not wait for the camera. Says in place of a line that has stood
-  /// for five seconds that the camera does not answer.
-  void Tick(std::chrono::steady_clock::time_point now);
-  /// The camera has sent something, and no new line was shown for it.
-  void HearCamera();
-  /// False while the work waits for something else than the camera, such as the disk: Tick then says nothing.
+  /// Whether the camera has a command to answer from now on.
   void AwaitCamera(bool awaited);
+  /// Called about once a second by a thread that does not wait for the camera. Says after five seconds of one command that
+  /// the camera does not answer, in place of the line that is shown; only on a terminal, not when quiet.
+  void Tick(std::chrono::steady_clock::time_point now);
   /// Passes a line of another process of this program on as it is.
   void Forward(std::string_view line);
   /// Gives an event in JSON style, unless quiet; does nothing in the other styles.
@@ -75,8 +74,8 @@ class Reporter {
   mutable std::mutex mutex_;
   std::chrono::steady_clock::time_point nextProgress_;
   bool lineShown_ = false;
-  bool cameraAwaited_ = true;
-  std::chrono::steady_clock::time_point lastSign_;  // of life: the last line, or the end of a wait for something else
+  std::optional<std::chrono::steady_clock::time_point> asked_;  // when the command began that the camera has to answer
+  bool complained_ = false;                                     // that it does not
 };
 
 /// One event in JSON style as a line: the schema's number, the event's name, the members.

@@ -31,9 +31,7 @@ std::size_t AskTime(Context& context, const boost::shared_ptr<Camera>& camera, c
                     PictureTimes& times) {
   if (picture.hasJpg == 0 || times.WasAsked(picture)) return 0;
   const std::vector<char> start = StartOf(context, camera, picture);
-  context.reporter.AwaitCamera(false);
   times.Ask(picture, start);
-  context.reporter.AwaitCamera(true);
   return start.size();
 }
 

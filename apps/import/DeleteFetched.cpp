@@ -34,7 +34,6 @@ std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const
   };
   try {
     work.ForEach(Fetched(plan, manifest), {"deleting", "delete", letOthers}, [&](const SyncItem& item) {
-      work.context.reporter.HearCamera();
       const std::string why = deletions.Delete(item);
       why.empty() ? work.report.Deleted(item) : work.report.Fail(item, why);
     });

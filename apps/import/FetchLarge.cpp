@@ -94,9 +94,7 @@ class Attempt {
   // False when the writer has given up, which it has reported.
   bool Send(FileStream::What what, std::uint64_t from) {
     for (std::uint64_t at = from; at < reader_.Size();) {
-      work_.context.reporter.AwaitCamera(false);
       const std::span<char> room = stream_.Room();
-      work_.context.reporter.AwaitCamera(true);
       if (room.empty()) return false;
       const std::size_t count = ReadPiece(what, at, room);
       if (at == 0) LearnTime(work_.times, item_, room.first(count));
@@ -133,7 +131,7 @@ class Attempt {
 bool Try(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem& item, kelva::FileReader& reader,
          int number, bool isLast) {
   const auto stream = std::make_shared<FileStream>();
-  work.Submit(writers, {&item, {}, "", false, true, stream, reader.Size(), number});
+  writers.Submit({&item, {}, "", false, true, stream, reader.Size(), number});
   Sending sending(stream);
   try {
     return Attempt(work, cuts, item, reader, *stream).SendAll(sending, isLast);

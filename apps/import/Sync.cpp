@@ -26,7 +26,6 @@ Sync::Sync(Context& context, boost::shared_ptr<Camera> camera, const TargetFolde
 std::optional<Outcome> Sync::Run(const SyncPlan& plan) {
   DropGone(plan);
   std::optional<Outcome> ended = Fetch(plan);
-  work_.context.reporter.AwaitCamera(true);
   if (!ended && work_.options.deleteAfter) ended = DeleteFetched(work_, plan, folder_, manifest_);
   work_.Clear();
   return ended;
@@ -56,7 +55,6 @@ std::optional<Outcome> Sync::Fetch(const SyncPlan& plan) {
   } catch (const std::exception& error) {
     ended = Explain(error, work_.context);
   }
-  work_.context.reporter.AwaitCamera(false);
   try {
     writers.Finish();
   } catch (const Failure& failure) {
@@ -83,7 +81,7 @@ void Sync::FetchWhole(const SyncItem& item, kelva::FileReader& reader, int numbe
     reader.Select();
     if (ReadWhole(reader) != bytes) return work_.report.Fail(item, TwoReadsDiffer(item));
   }
-  work_.Submit(writers, {&item, std::move(bytes), "", work_.options.verify, true, nullptr, 0, number});
+  writers.Submit({&item, std::move(bytes), "", work_.options.verify, true, nullptr, 0, number});
 }
 
 std::vector<char> Sync::ReadWhole(kelva::FileReader& reader) {
@@ -120,7 +118,7 @@ void Sync::ReadAgain(const SyncItem& item, const std::string& first, int number,
   if (sha1 != second) return work_.report.Fail(item, DiffersEachTime(item));
   if (!asKey) work_.files.CheckUnlikeKey(item, bytes.size());
   work_.report.CountRead(!asKey, false);
-  work_.Submit(writers, {&item, std::move(bytes), sha1, !asKey || verify, asKey, nullptr, 0, number});
+  writers.Submit({&item, std::move(bytes), sha1, !asKey || verify, asKey, nullptr, 0, number});
 }
 
 // Parts of files that are whole by now, or that the camera no longer has.

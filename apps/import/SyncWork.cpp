@@ -43,12 +43,6 @@ void SyncWork::Try(const SyncItem& item, const std::function<void()>& work) {
   }
 }
 
-void SyncWork::Submit(Writers& writers, WriteJob job) const {
-  context.reporter.AwaitCamera(false);
-  writers.Submit(std::move(job));
-  context.reporter.AwaitCamera(true);
-}
-
 std::string SyncWork::HashOnCamera(const SyncItem& item) {
   const InItem inItem = report.Begin(item);
   kelva::FileReader reader = files.Open(item);

@@ -56,8 +56,6 @@ class SyncWork {
   /// The same for one file.
   void Try(const SyncItem& item, const std::function<void()>& work);
 
-  /// Hands a file over, and waits for the disk where that is slower than the camera. Throws as Writers::Submit.
-  void Submit(Writers& writers, WriteJob job) const;
   /// The SHA-1 of a file as the camera sends it now. Throws CameraError, Stopped.
   std::string HashOnCamera(const SyncItem& item);
   /// Bytes that came, for the progress. Throws Stopped.

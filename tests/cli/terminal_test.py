@@ -167,12 +167,13 @@ class TerminalTest(Bus):
 
     def test_a_camera_that_does_not_answer_is_said(self):
         self.pictures(2, 30_000)
-        # In the first file: the catalogue, the look for other files and two listings come before it.
-        self.fault("hang", 13)
-        run = self.terminal("sync", self.folder + "/out")
-        self.assertIn(b"No answer from the camera for 5 s; check the cable. Ctrl-C stops.", run.read_until(b"Ctrl-C stops."))
-        os.kill(run.pid, signal.SIGINT)
-        self.assertEqual(run.end()[0], 130)
+        # In the catalogue, before anything is shown, and in the first file.
+        for words, command in (("pictures",), 1), (("sync", self.folder + "/out"), 13):
+            self.fault("hang", command)
+            run = self.terminal(*words)
+            self.assertIn(b"No answer from the camera for 5 s; check the cable. Ctrl-C stops.", run.read_until(b"Ctrl-C stops."))
+            os.kill(run.pid, signal.SIGINT)
+            self.assertEqual(run.end()[0], 130)
 
     def test_the_line_of_sync_counts_files_and_goes_before_the_result(self):
         self.pictures(40, 30_000)

@@ -145,7 +145,6 @@ bool Sheet::ReadStartOf(Begun& begun) {
   if (context_.guard != nullptr) ThrowIfLeftOut(context_.guard->FateOf(token));
   const InItem item(context_.guard, token, ShownPath(token));
   PictureStart start = ReadStart(camera_, *begun.picture);
-  context_.reporter.HearCamera();
   CardFile& file = begun.card.files.front();
   if (start.size == 0 || start.size != file.size) return false;
   begun.isStart = !start.IsWhole();
@@ -180,9 +179,7 @@ void Sheet::FinishOldest(const Sink& sink) {
 
 Thumbnail Sheet::Await(Begun& begun) {
   constexpr std::chrono::milliseconds kLook{100};
-  context_.reporter.AwaitCamera(false);
   while (begun.thumbnail.wait_for(kLook) != std::future_status::ready) context_.stop.Check();
-  context_.reporter.AwaitCamera(true);
   try {
     Thumbnail thumbnail = begun.thumbnail.get();
     if (begun.isStart) without_ = 0;
@@ -242,7 +239,6 @@ std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<uns
   while (done < reader.Size()) {
     context_.stop.Check();
     done += reader.ReadOn(std::span(bytes).subspan(done).first(std::min(kPiece, bytes.size() - done)));
-    context_.reporter.HearCamera();
   }
   bytes.resize(done);
   return bytes;
