@@ -33,7 +33,10 @@ std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const
     last = &item;
   };
   try {
-    work.ForEach(Fetched(plan, manifest), {"deleting", "delete", letOthers}, [&](const SyncItem& item) {
+    const std::vector<const SyncItem*> items = Fetched(plan, manifest);
+    SyncTally& tally = work.report.Tally();
+    tally.toDelete = tally.deleted + items.size();
+    work.ForEach(items, {"deleting", "delete", letOthers}, [&](const SyncItem& item) {
       const std::string why = deletions.Delete(item);
       why.empty() ? work.report.Deleted(item) : work.report.Fail(item, why);
     });

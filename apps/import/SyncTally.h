@@ -14,6 +14,7 @@ struct SyncTotals {
   unsigned long long bytes = 0;
   unsigned long long failed = 0;
   unsigned long long deleted = 0;
+  unsigned long long toDelete = 0;   ///< how many were to be deleted, those included, once the deletion has begun
   unsigned long long resumed = 0;    ///< of the stored, files of which an earlier run had fetched a part
   unsigned long long unlikeKey = 0;  ///< of the stored, files whose key in the catalogue is not their SHA-1
   unsigned long long checked = 0;    ///< of the stored, files whose key in the catalogue is their SHA-1
@@ -55,6 +56,7 @@ class SyncTally {
   Guard::Counter& others = counters_[13];
   Guard::Counter& othersBytes = counters_[14];
   Guard::Counter& resumed = counters_[15];
+  Guard::Counter& toDelete = counters_[16];
   /// Not 0 once a person has agreed that files are deleted: a process that takes over does not ask again.
   Guard::Counter& agreed = counters_[31];
 
@@ -66,6 +68,7 @@ class SyncTally {
             .bytes = bytes,
             .failed = failed,
             .deleted = deleted,
+            .toDelete = toDelete,
             .resumed = resumed,
             .unlikeKey = unlikeKey,
             .checked = checked,

@@ -148,7 +148,7 @@ class SyncTest(Bus):
 
     def test_every_end_has_all_members(self):
         members = {"stored", "bytes", "already_here", "checked", "read_twice", "size_only", "unlike_key", "numbered", "resumed",
-                   "undated", "known", "others", "others_bytes", "failed", "left", "deleted", "exit", "ok"}
+                   "undated", "known", "others", "others_bytes", "failed", "left", "deleted", "to_delete", "exit", "ok"}
 
         def end(code, *words):
             run = self.kelva("sync", "--json", *words, self.target)

@@ -14,11 +14,17 @@ ExitCode CodeOf(const SyncTotals& totals, const std::optional<Outcome>& ended) {
   return ended || totals.failed != 0 ? ExitCode::kPartial : ExitCode::kDone;
 }
 
+// "15 deleted on the camera", and of how many for a run that something ended.
+std::string FilesDeleted(const SyncTotals& totals, bool early) {
+  const std::string all = early && totals.toDelete != 0 ? " of " + std::to_string(totals.toDelete) : "";
+  return std::to_string(totals.deleted) + all + " deleted on the camera";
+}
+
 std::string FilesStored(const SyncTotals& totals, bool early) {
   std::string text = std::to_string(totals.stored) + " stored (" + Bytes(totals.bytes) + "), " +
                      std::to_string(totals.known) + " known before, " + std::to_string(totals.failed) + " failed";
   if (early && totals.Left() != 0) text += ", " + std::to_string(totals.Left()) + " left";
-  if (totals.deleted != 0) text += ", " + std::to_string(totals.deleted) + " deleted on the camera";
+  if (totals.deleted != 0 || (early && totals.toDelete != 0)) text += ", " + FilesDeleted(totals, early);
   return text + "\n";
 }
 
@@ -91,10 +97,11 @@ ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& 
 }
 
 SoFar::Done SyncSoFar(const SyncTotals& totals, Json camera) {
-  std::string words = std::to_string(totals.stored) + " of " + std::to_string(totals.expected) + " files stored, " +
-                      std::to_string(totals.deleted) + " deleted on the camera; the same command goes on";
-  if (totals.expected == 0) words = std::to_string(totals.deleted) + " deleted on the camera; the same command goes on";
-  if (totals.expected + totals.deleted == 0) words = "nothing was stored yet; the same command starts again";
+  std::string words = FilesDeleted(totals, true) + "; the same command goes on";
+  if (totals.expected != 0) {
+    words = std::to_string(totals.stored) + " of " + std::to_string(totals.expected) + " files stored, " + words;
+  }
+  if (totals.expected + totals.toDelete == 0) words = "nothing was stored yet; the same command starts again";
   return {std::move(words), SyncMembers(totals, std::move(camera))};
 }
 

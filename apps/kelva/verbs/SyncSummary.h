@@ -40,6 +40,7 @@ inline constexpr SyncCount kSyncCounts[] = {
     {"others_bytes", &SyncTotals::othersBytes},
     {"failed", &SyncTotals::failed},
     {"deleted", &SyncTotals::deleted},
+    {"to_delete", &SyncTotals::toDelete},
 };
 
 /// The counts as the result shows them, in lines; `early` for a run that something ended, `since` as above.

@@ -31,7 +31,7 @@ TEST_F(SyncSummaryTest, SaysHowFilesWereChecked) {
       Run({"sync", again.c_str(), "--verify", "--json"}).out,
       HasSubstr(
           R"("checked":1,"read_twice":2,"size_only":0,"unlike_key":0,"numbered":0,"undated":0,"resumed":0,"known":0,"others":0,)"
-          R"("others_bytes":0,"failed":0,"left":0,"deleted":0)"));
+          R"("others_bytes":0,"failed":0,"left":0,"deleted":0,"to_delete":0)"));
 }
 
 TEST_F(SyncSummaryTest, CountsNamesThatWereTakenAndNamesThemWhenAsked) {
@@ -59,9 +59,9 @@ TEST(SyncSoFarTest, SaysWhatIsStoredAndWhatIsLeft) {
   EXPECT_EQ(
       done.members.Text(),
       R"({"serial":"K1","stored":985,"bytes":9,"already_here":0,"checked":0,"read_twice":0,"size_only":0,)"
-      R"("unlike_key":0,"numbered":0,"undated":0,"resumed":0,"known":4,"others":0,"others_bytes":0,"failed":0,"left":2218,"deleted":1})");
-  EXPECT_EQ(SyncSoFar({.known = 20, .deleted = 15}, Json::Object()).words,
-            "15 deleted on the camera; the same command goes on");
+      R"("unlike_key":0,"numbered":0,"undated":0,"resumed":0,"known":4,"others":0,"others_bytes":0,"failed":0,"left":2218,"deleted":1,"to_delete":0})");
+  EXPECT_EQ(SyncSoFar({.known = 20, .deleted = 15, .toDelete = 17}, Json::Object()).words,
+            "15 of 17 deleted on the camera; the same command goes on");
   EXPECT_EQ(SyncSoFar({.known = 4}, Json::Object()).words, "nothing was stored yet; the same command starts again");
 }
 

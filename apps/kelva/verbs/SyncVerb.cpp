@@ -262,6 +262,7 @@ others, others_bytes: how many files below DCIM and MISC are not in the catalogu
 failed: how many were not stored or not deleted
 left: how many new files are not stored, the failed ones included
 deleted: how many were deleted on the camera
+to_delete: how many were to be deleted on the camera, the deleted ones included; 0 before the deletion begins
 error: what ended the run early
 new, bytes, unlisted: with --dry-run, how many files would be fetched, their total size, and how many have no known size
 folders: with --dry-run, array of folder (below FOLDER), files, bytes
