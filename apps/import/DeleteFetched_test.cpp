@@ -89,7 +89,8 @@ TEST_F(DeleteFetchedTest, APictureThatHasChangedIsNamed) {
   camera_.files["IMG_0001.JPG"] = "eno";
   EXPECT_EQ(Run(kVerifyAndDelete, {Picture(1)}).failed, 1U);
   EXPECT_EQ(Said(),
-            "kelva: I:/DCIM/100ABCDE/IMG_0001.JPG is no longer what was fetched from there; it was not deleted.\n");
+            "kelva: I:/DCIM/100ABCDE/IMG_0001.JPG is no longer what was fetched from there; it was not deleted, and "
+            "`kelva get` fetches it as it is now.\n");
 }
 
 TEST_F(DeleteFetchedTest, WhatWasDeletedIsNotAskedForAgain) {

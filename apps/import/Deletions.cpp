@@ -41,7 +41,8 @@ std::string Deletions::Delete(const SyncItem& item) {
   if (!why.empty()) return why;
   const std::string path = item.CameraPath();
   if (!IsAsFetched(item, *row)) {
-    return ShownPath(path) + " is no longer what was fetched from there; it was not deleted.";
+    return ShownPath(path) +
+           " is no longer what was fetched from there; it was not deleted, and `kelva get` fetches it as it is now.";
   }
   if (!camera_.DeleteFile(path.c_str())) return "The camera refused to delete " + ShownPath(path) + ".";
   unmarked_.push_back(item.Key());
@@ -87,7 +88,9 @@ std::string Deletions::WhyNotHere(const SyncItem& item, const std::optional<Mani
     case StoredState::kEdited:
       return here + " was edited after it was fetched" + kept;
     case StoredState::kGone:
-      return here + " is not where it was stored" + kept;
+      return here +
+             " is not where it was stored, so the file on the camera was not deleted; `kelva sync --forget` lets it "
+             "go.";
     case StoredState::kNoFile:
       return here + " is no longer a file" + kept;
     case StoredState::kUnreadable:

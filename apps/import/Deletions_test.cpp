@@ -43,7 +43,8 @@ TEST_F(DeletionsTest, DeletionsOfOneMomentAreMarkedTogether) {
 TEST_F(DeletionsTest, WhatIsNoLongerAsItWasFetchedStays) {
   const SyncPlan plan = Plan({Picture(1), Picture(2)});
   const std::string changed =
-      "I:/DCIM/100ABCDE/IMG_0001.JPG is no longer what was fetched from there; it was not deleted.";
+      "I:/DCIM/100ABCDE/IMG_0001.JPG is no longer what was fetched from there; it was not deleted, and `kelva get` "
+      "fetches it as it is now.";
   const auto delete1 = [&] { return Deletions(camera_, folder_, manifest_, hash_).Delete(plan.items[0]); };
   camera_.catalogue = {Picture(2)};
   EXPECT_EQ(delete1(), changed) << "no entry";

@@ -124,7 +124,10 @@ TEST_F(SyncOthersTest, OneOfAnEarlierRunIsReadOnceMoreBeforeItIsDeleted) {
   EXPECT_EQ(totals.deleted, 1U);
   EXPECT_EQ(totals.failed, 1U);
   EXPECT_TRUE(CameraHas("MVI_0001.MP4"));
-  EXPECT_THAT(Said(), HasSubstr("is no longer what was fetched from there; it was not deleted."));
+  EXPECT_THAT(
+      Said(),
+      HasSubstr(
+          "is no longer what was fetched from there; it was not deleted, and `kelva get` fetches it as it is now."));
 }
 
 TEST_F(SyncOthersTest, OneThatIsEditedHereStaysOnTheCamera) {
