@@ -65,10 +65,12 @@ TEST(WakeUp, IsHandedToNoProgram) {
   EXPECT_EQ(::fcntl(wakeUp.Descriptor(), F_GETFD), FD_CLOEXEC);
 }
 
+#ifndef __SANITIZE_ADDRESS__  // The sanitizer needs a pipe itself to look at an exception that is thrown.
 TEST(WakeUp, SaysThatTheSystemHasNoDescriptorLeft) {
   const test::NoFreeDescriptor none(1);
   EXPECT_THROW(WakeUp(), std::system_error);
 }
+#endif
 
 }  // namespace
 }  // namespace base

@@ -24,4 +24,6 @@ echo started >>"$scratch/launched"
   fetch_all
   outcome=$?
 } >"$scratch/said" 2>&1
-echo "$outcome" >"$scratch/finished"
+# Under its name at once: whoever waits for the file reads it.
+echo "$outcome" >"$scratch/finished.new"
+mv "$scratch/finished.new" "$scratch/finished"
