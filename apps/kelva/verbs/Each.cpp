@@ -6,9 +6,9 @@
 namespace apps {
 namespace {
 
-Json ArrayOf(std::vector<Json> outcomes) {
+Json ArrayOf(const std::vector<Json>& outcomes) {
   Json array = Json::Array();
-  for (Json& outcome : outcomes) array.Push(std::move(outcome));
+  for (const Json& outcome : outcomes) array.Push(outcome);
   return array;
 }
 
@@ -82,7 +82,7 @@ ExitCode Each::Finish(Json result, std::string_view text) {
     const std::scoped_lock lock(outcomes_->mutex);
     std::swap(all, outcomes_->all);
   }
-  result.Set(member_, ArrayOf(std::move(all))).Set("failed", Failed());
+  result.Set(member_, ArrayOf(all)).Set("failed", Failed());
   return context_.Result(std::move(result), text, code);
 }
 
