@@ -7,12 +7,14 @@ all that decides: the compiler's command, every file that it reads, the list of 
 import concurrent.futures
 import functools
 import hashlib
+import itertools
 import json
 import os
 import pathlib
 import shlex
 import subprocess
 import sys
+import tempfile
 
 TIDY = "clang-tidy-14"
 ROOMS = ("apps", "base", "bus", "darwin", "embed", "platform", "src", "tools", "vcam", "wire")
@@ -69,6 +71,7 @@ def key_of(entry, read, common):
 
 
 def findings(path, build):
+    """`build` has one command for the file. Of several, clang-tidy would run each, those that only GCC understands too."""
     run = subprocess.run([TIDY, "-p", str(build), "--quiet", str(path)], capture_output=True, text=True, check=False)
     complaints = [line for line in run.stdout.splitlines() if ": error: " in line or ": warning: " in line]
     if run.returncode != 0 and not complaints:
@@ -84,11 +87,11 @@ def check(root, build):
     common = version + (root / ".clang-tidy").read_text(encoding="utf-8")
     known = dependencies(build)
 
-    def one(path, entry):
+    def one(path, entry, commands_alone):
         key = key_of(entry, known.get(object_of(entry)), common)
         if key and (cache / key).exists():
             return []
-        complaints = findings(path, build)
+        complaints = findings(path, commands_alone)
         if key and not complaints:
             (cache / key).touch()
         return complaints
@@ -97,8 +100,10 @@ def check(root, build):
     if not found:
         yield f"{build}/compile_commands.json names no file of the product"
     complaints = set()
-    with concurrent.futures.ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool:
-        for result in pool.map(one, found.keys(), found.values()):
+    with (tempfile.TemporaryDirectory() as folder,
+          concurrent.futures.ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool):
+        (pathlib.Path(folder) / "compile_commands.json").write_text(json.dumps(list(found.values())), encoding="utf-8")
+        for result in pool.map(one, found.keys(), found.values(), itertools.repeat(folder)):
             complaints.update(result)
     yield from sorted(complaints)
 
