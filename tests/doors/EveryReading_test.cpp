@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "src/wifi/FileReader.h"
+#include "src/wifi/testing/ReadPart.h"
 #include "tests/doors/DoorTest.h"
 #include "tests/doors/Readings.h"
 #include "vcam/camera/testing/TestSupport.h"
@@ -12,36 +13,25 @@ namespace tests::doors {
 namespace {
 
 using kelva::FileReadError;
+using kelva::test::DistinctBlocks;
+using kelva::test::ReadPart;
 using vcam::Fault;
 using vcam::FaultKind;
 
 constexpr const char* kPath = R"(I:\file)";
 constexpr std::size_t kSize = 70'000;
 
-/// Blocks that differ from each other, so that a camera can prove that it honours offsets.
-std::string Content() {
-  std::string text(kSize, '\0');
-  for (std::size_t i = 0; i < kSize; ++i) text[i] = static_cast<char>(i % 251);
-  return text;
-}
-
-std::string At(kelva::FileReader& reader, std::uint64_t offset, std::size_t count) {
-  std::string piece(count, '\0');
-  piece.resize(reader.Read(offset, piece));
-  return piece;
-}
-
 /// Jumps ahead, reads on to the end, takes the file up again.
 std::string ReadParts(const boost::shared_ptr<Camera>& camera) {
   kelva::FileReader reader(camera, kPath);
-  std::string text = At(reader, 69'000, 100);
-  text += At(reader, reader.Position(), 10'000);
+  std::string text = ReadPart(reader, 69'000, 100);
+  text += ReadPart(reader, reader.Position(), 10'000);
   reader.Select();
-  return text + At(reader, 0, 10);
+  return text + ReadPart(reader, 0, 10);
 }
 
 std::string Parts() {
-  const std::string content = Content();
+  const std::string content = DistinctBlocks(kSize);
   return content.substr(69'000) + content.substr(0, 10);
 }
 
@@ -75,7 +65,7 @@ class EveryReading : public DoorTest {
   /// With the fault at this command, counted from 1.
   char Try(Order order, std::uint64_t at) {
     const vcam::test::ScratchStorage card;
-    card.Put("file", Content());
+    card.Put("file", DistinctBlocks(kSize));
     vcam::Options options = card.CameraOptions(kSerial);
     options.forwardOnly = order == Order::kForwardOnly;
     door_.Plug(options);

@@ -2,6 +2,7 @@
 
 #include "src/wifi/FileReader.h"
 #include "src/wifi/FileWriter.h"
+#include "src/wifi/testing/ReadPart.h"
 #include "tests/stack/StackTest.h"
 
 // Any part of a file through the whole stack: on a camera that honours the offset of a read, on one that ignores it, and
@@ -10,23 +11,12 @@
 namespace tests::stack {
 namespace {
 
+using kelva::test::DistinctBlocks;
+using kelva::test::ReadPart;
 using vcam::FaultKind;
 
 constexpr const char* kPath = R"(I:\DCIM\file)";
 constexpr std::size_t kSize = 150'000;
-
-/// Bytes whose blocks differ from each other, so that a camera can prove that it honours offsets.
-std::string Content() {
-  std::string text(kSize, '\0');
-  for (std::size_t i = 0; i < kSize; ++i) text[i] = static_cast<char>(i % 251);
-  return text;
-}
-
-std::string At(kelva::FileReader& reader, std::uint64_t offset, std::size_t count) {
-  std::string piece(count, '\0');
-  piece.resize(reader.Read(offset, piece));
-  return piece;
-}
 
 class Pieces : public StackTest, public testing::WithParamInterface<bool> {
  protected:
@@ -54,11 +44,11 @@ class Pieces : public StackTest, public testing::WithParamInterface<bool> {
   /// Jumps ahead, reads on to the end, jumps back, takes the file up again.
   static std::string ReadParts(const boost::shared_ptr<Camera>& camera) {
     kelva::FileReader reader(camera, kPath);
-    std::string text = At(reader, 140'000, 100);
-    text += At(reader, reader.Position(), 70'000);
-    text += At(reader, 5, 10);
+    std::string text = ReadPart(reader, 140'000, 100);
+    text += ReadPart(reader, reader.Position(), 70'000);
+    text += ReadPart(reader, 5, 10);
     reader.Select();
-    return text + At(reader, 0, 70'000);
+    return text + ReadPart(reader, 0, 70'000);
   }
   std::string Parts() const { return content_.substr(140'000) + content_.substr(5, 10) + content_.substr(0, 70'000); }
 
@@ -76,7 +66,7 @@ class Pieces : public StackTest, public testing::WithParamInterface<bool> {
     }
   }
 
-  const std::string content_ = Content();
+  const std::string content_ = DistinctBlocks(kSize);
 };
 
 TEST_P(Pieces, AnyPartIsRight) {
@@ -92,7 +82,7 @@ TEST_P(Pieces, WhatASourceGivesIsRead) {
   kelva::WriteFile(*camera, R"(I:\DCIM\copy)", kSize, source);
   EXPECT_EQ(given, kSize);
   kelva::FileReader reader(camera, R"(I:\DCIM\copy)");
-  EXPECT_TRUE(At(reader, 0, kSize + 10) == content_);
+  EXPECT_TRUE(ReadPart(reader, 0, kSize + 10) == content_);
 }
 
 // More commands than the reads take on either kind of camera.
