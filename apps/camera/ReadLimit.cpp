@@ -3,8 +3,6 @@
 
 #include <utility>
 
-#include "src/wifi/CameraError.h"
-
 namespace apps {
 namespace {
 
@@ -12,6 +10,13 @@ namespace {
 constexpr unsigned long long kInterval = 65'536;
 
 }  // namespace
+
+CameraError WronglyAnnounced(std::optional<unsigned long long> listed, unsigned long long announced) {
+  const std::string known =
+      listed ? "the folder gives it " + std::to_string(*listed) + " bytes"
+             : "no folder lists it, so " + std::to_string(kMostUnlisted >> 20) + " MiB are read at most";
+  return CameraError(known + ", and the camera announces " + std::to_string(announced) + " bytes");
+}
 
 ReadLimit::ReadLimit(std::string claim, unsigned long long most, Callback next, Progress& progress)
     : claim_(std::move(claim)), most_(most), next_(next), progress_(progress), received_(kInterval) {}

@@ -1,9 +1,11 @@
 #ifndef KELVA_APPS_CAMERA_READ_LIMIT_H_
 #define KELVA_APPS_CAMERA_READ_LIMIT_H_
 
+#include <optional>
 #include <string>
 
 #include "apps/commandline/Progress.h"
+#include "src/wifi/CameraError.h"
 
 namespace apps {
 
@@ -11,6 +13,10 @@ namespace apps {
 inline constexpr unsigned long long kMostUnlisted = 256ULL << 20;
 /// The most that is read of a bundle: all crash logs, or all calibration files.
 inline constexpr unsigned long long kLargestBundle = 64ULL << 20;
+
+/// The error of a file that the camera announces with another size than its folder gives it, or with more than
+/// kMostUnlisted where no folder lists it.
+CameraError WronglyAnnounced(std::optional<unsigned long long> listed, unsigned long long announced);
 
 /// Ends a read of a bundle that goes on beyond its bound, and hands the progress on.
 class ReadLimit {

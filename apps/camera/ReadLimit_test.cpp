@@ -8,6 +8,14 @@
 namespace apps {
 namespace {
 
+TEST(WronglyAnnouncedTest, SaysWhatIsKnownOfTheSize) {
+  EXPECT_STREQ(WronglyAnnounced(7, 8).what(),
+               "Camera error: the folder gives it 7 bytes, and the camera announces 8 bytes");
+  EXPECT_STREQ(
+      WronglyAnnounced(std::nullopt, 300'000'000).what(),
+      "Camera error: no folder lists it, so 256 MiB are read at most, and the camera announces 300000000 bytes");
+}
+
 class ReadLimitTest : public testing::Test, protected SilentContext {
  protected:
   Progress progress_{context_.reporter, stop_, "", 0};

@@ -25,8 +25,7 @@ kelva::FileReader CameraFiles::Open(const SyncItem& item) {
 kelva::FileReader CameraFiles::OpenOther(const OtherFile& file) const {
   kelva::FileReader reader(camera_, file.path);
   if (reader.Size() == file.size) return reader;
-  throw CameraError("the folder gives it " + std::to_string(file.size) + " bytes, and the camera announces " +
-                    std::to_string(reader.Size()));
+  throw WronglyAnnounced(file.size, reader.Size());
 }
 
 // A SHA-1 says more than a size.
@@ -35,13 +34,9 @@ void CameraFiles::CheckSize(const SyncItem& item, unsigned long long announced) 
   const bool hasKey = announced != 0 && !item.ExpectedSha1().empty();
   const std::optional<bool> agrees = listed_.Agrees(item.CameraPath(), announced);
   if (!agrees && announced == 0) throw CameraError("the catalogue names it, but it is not in its folder");
-  if (!agrees && announced > kMostUnlisted) {
-    throw CameraError("no folder lists it, so " + std::to_string(kMostUnlisted >> 20) +
-                      " MiB are read at most, and the camera announces " + std::to_string(announced) + " bytes");
-  }
+  if (!agrees && announced > kMostUnlisted) throw WronglyAnnounced(std::nullopt, announced);
   if (agrees.value_or(true) || (hasKey && announced <= listed_.Listed() + kMostBeyond)) return;
-  throw CameraError("the folder gives it " + std::to_string(listed_.Listed()) + " bytes, and the camera announces " +
-                    std::to_string(announced));
+  throw WronglyAnnounced(listed_.Listed(), announced);
 }
 
 void CameraFiles::CheckUnlikeKey(const SyncItem& item, unsigned long long size) {

@@ -30,14 +30,14 @@ TEST_F(CameraFilesTest, AFileOfItsListedSizeIsSelectedOnce) {
 
 TEST_F(CameraFilesTest, AnotherSizeThanTheListedOneIsAnErrorWithoutAKey) {
   camera_.lie = 1;
-  EXPECT_EQ(WhyNot(), "Camera error: the folder gives it 4 bytes, and the camera announces 3");
+  EXPECT_EQ(WhyNot(), "Camera error: the folder gives it 4 bytes, and the camera announces 3 bytes");
   EXPECT_EQ(WhyNot(kKey), "");
 }
 
 TEST_F(CameraFilesTest, NotEvenAKeyMakesAFileThatIsFarLongerThanListed) {
   camera_.files["IMG_0001.JPG"] = std::string(300'000, 'x');
   camera_.lie = -299'990;
-  EXPECT_EQ(WhyNot(kKey), "Camera error: the folder gives it 10 bytes, and the camera announces 300000");
+  EXPECT_EQ(WhyNot(kKey), "Camera error: the folder gives it 10 bytes, and the camera announces 300000 bytes");
 }
 
 TEST_F(CameraFilesTest, AnEmptyFileThatNoFolderListsIsMissing) {

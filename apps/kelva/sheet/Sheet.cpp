@@ -41,15 +41,6 @@ void ThrowIfLeftOut(Guard::Fate fate) {
   }
 }
 
-// No file is read without end.
-void CheckAnnounced(unsigned long long announced, std::optional<unsigned long long> listed) {
-  if (announced <= listed.value_or(kMostUnlisted)) return;
-  throw CameraError((listed
-                         ? "the folder gives it " + std::to_string(*listed) + " bytes"
-                         : "no folder lists it, so " + std::to_string(kMostUnlisted >> 20) + " MiB are read at most") +
-                    ", and the camera announces " + std::to_string(announced) + " bytes");
-}
-
 }  // namespace
 
 std::vector<DcfObj> InSheetOrder(std::vector<DcfObj> catalogue) {
@@ -232,7 +223,7 @@ std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<uns
   const InItem item(context_.guard, token, ShownPath(token));
   kelva::FileReader reader(camera_, picture, kJpg);
   if (reader.Size() == 0) throw NoPicture("the catalogue names it, but the camera has no bytes of it");
-  CheckAnnounced(reader.Size(), listed);
+  if (reader.Size() > listed.value_or(kMostUnlisted)) throw WronglyAnnounced(listed, reader.Size());
   // With room for the two bytes more that tell the end.
   std::vector<char> bytes(static_cast<std::size_t>(reader.Size()) + 2);
   std::size_t done = 0;
