@@ -75,11 +75,14 @@ bool PictureChoice::IsInFolder(const std::string& folder) const {
   return !folder_ || (!folder.empty() && (SameName(*folder_, folder) || MatchesName(*folder_, folder)));
 }
 
-void PictureChoice::Apply(std::vector<DcfObj>& pictures, Context& context) const {
+void PictureChoice::NoteMissingFolder(const std::vector<DcfObj>& pictures, const Context& context) const {
   const auto isInFolder = [this](const DcfObj& picture) { return IsInFolder(picture); };
-  if (folder_ && std::none_of(pictures.begin(), pictures.end(), isInFolder)) {
-    context.reporter.Note("No folder of the camera's pictures is named " + Printable(*folder_) + ".");
-  }
+  if (!folder_ || std::any_of(pictures.begin(), pictures.end(), isInFolder)) return;
+  context.reporter.Note("No folder of the camera's pictures is named " + Printable(*folder_) + ".");
+}
+
+void PictureChoice::Apply(std::vector<DcfObj>& pictures, Context& context) const {
+  NoteMissingFolder(pictures, context);
   std::size_t undated = 0;
   std::erase_if(pictures, [&](const DcfObj& picture) {
     if (!IsInFolder(picture)) return true;

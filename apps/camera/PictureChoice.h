@@ -25,6 +25,8 @@ class PictureChoice {
 
   /// Takes the other pictures out. Says how many have no date when --since leaves them out.
   void Apply(std::vector<DcfObj>& pictures, Context& context) const;
+  /// Says so when --folder names no folder of these pictures.
+  void NoteMissingFolder(const std::vector<DcfObj>& pictures, const Context& context) const;
   bool IsAll() const { return !since_ && !folder_; }
   bool HasSince() const { return since_.has_value(); }
   /// Whether a picture lies in the folder asked for.

@@ -60,6 +60,7 @@ SyncPlan PlanFor(Context& context, const Session& camera, const SyncChoice& choi
     AddOthers(plan, FindOthers(context, *camera, plan.source->catalogue), fetch, manifest,
               [&](const OtherFile& file) { return choice.pictures.IsInFolder(file.Folder()); });
   }
+  if (plan.items.empty()) choice.pictures.NoteMissingFolder(plan.source->catalogue, context);
   return plan;
 }
 

@@ -17,5 +17,14 @@ TEST_F(SyncVerbTest, SyncFetchesWhatIsNewAndNothingTwice) {
   EXPECT_FALSE(std::filesystem::exists(folder / "out/100ABCDE/IMG_0001.JPG"));
 }
 
+TEST_F(SyncVerbTest, AFolderThatTheCameraDoesNotHaveIsSaid) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
+  const std::string target = (folder / "out").string();
+  const auto none = Run({"sync", "--folder", "999*", target.c_str()});
+  EXPECT_EQ(none.out, "0 stored (0 B), 0 known before, 0 failed\n");
+  EXPECT_THAT(none.err, HasSubstr("No folder of the camera's pictures is named 999*."));
+  EXPECT_THAT(Run({"sync", "--folder", "100*", target.c_str()}).err, Not(HasSubstr("No folder")));
+}
+
 }  // namespace
 }  // namespace apps
