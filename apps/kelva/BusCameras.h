@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "apps/commandline/Context.h"
-#include "apps/kelva/doctor/Holder.h"
+#include "apps/doctor/Holder.h"
 
 // A virtual bus as the source of cameras.
 

@@ -16,8 +16,8 @@ ELSEWHERE = {
     "darwin/cf/EventLoop_test.cpp": "darwin/cf/WatchDescriptor.cpp",
     # They talk to udev and to the kernel, which a mock machine answers there.
     "tests/umockdev": """
-        apps/kelva/doctor/linux/Machine.cpp darwin/udev/UdevSource.cpp darwin/udev/UnitReader.cpp""",
-    "apps/kelva/doctor/macos/Survey_test.cpp": "apps/kelva/doctor/macos/Machine.cpp",
+        apps/doctor/linux/Machine.cpp darwin/udev/UdevSource.cpp darwin/udev/UnitReader.cpp""",
+    "apps/doctor/macos/Survey_test.cpp": "apps/doctor/macos/Machine.cpp",
     "embed/EventLoop_test.cpp": "embed/EventDescriptor.cpp",
     "tests/macos/library_sources_test.py": "embed/macos/CameraSource.cpp embed/macos/EventDescriptor.cpp",
     "tests/umockdev/DefaultSource_test.cpp": "darwin/udev/DefaultSource.cpp",

@@ -5,9 +5,9 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/doctor/Machine.h"
+#include "apps/doctor/linux/Survey.h"
 #include "apps/kelva/BusCameras.h"
-#include "apps/kelva/doctor/Machine.h"
-#include "apps/kelva/doctor/linux/Survey.h"
 #include "darwin/registry/Registry.h"
 #include "darwin/udev/UdevSource.h"
 

@@ -2,7 +2,7 @@
 #include "apps/kelva/CameraSource.h"
 
 #include "apps/commandline/Failure.h"
-#include "apps/kelva/doctor/Machine.h"
+#include "apps/doctor/Machine.h"
 
 namespace apps {
 

@@ -6,7 +6,7 @@
 #include "apps/camera/Explain.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
-#include "apps/kelva/doctor/Machine.h"
+#include "apps/doctor/Machine.h"
 #include "apps/kelva/verbs/FindingText.h"
 #include "apps/kelva/verbs/Verbs.h"
 

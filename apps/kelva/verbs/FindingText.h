@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/kelva/doctor/Finding.h"
+#include "apps/doctor/Finding.h"
 
 namespace apps {
 

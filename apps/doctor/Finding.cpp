@@ -1,0 +1,21 @@
+// The words for what the doctor finds, on every system.
+
+#include "apps/doctor/Finding.h"
+
+#include <array>
+
+namespace apps::doctor {
+
+std::string_view WordOf(Condition condition) {
+  // In the order of Condition.
+  static constexpr std::array<std::string_view, 13> kWords = {
+      "well", "no-device",  "driver-not-loaded", "not-set-up", "no-generic-driver", "no-node",  "no-permission",
+      "held", "bad-camera", "not-answering",     "narrow",     "no-udev",           "no-vendor"};
+  return kWords.at(static_cast<std::size_t>(condition));
+}
+
+bool IsHarmless(Condition condition) {
+  return condition == Condition::kWell || condition == Condition::kNoUdev;
+}
+
+}  // namespace apps::doctor

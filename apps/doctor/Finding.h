@@ -1,0 +1,47 @@
+#ifndef KELVA_APPS_DOCTOR_FINDING_H_
+#define KELVA_APPS_DOCTOR_FINDING_H_
+
+#include <string>
+#include <string_view>
+
+namespace apps::doctor {
+
+/// What can be said about a camera or the machine.
+enum class Condition {
+  kWell,
+  kNoDevice,
+  kDriverNotLoaded,
+  kNotSetUp,
+  kNoGenericDriver,
+  kNoNode,
+  kNoPermission,
+  kHeld,
+  kBadCamera,
+  kNotAnswering,
+  kNarrow,
+  kNoUdev,
+  kNoVendor,
+};
+
+/// The condition's stable word, for scripts.
+std::string_view WordOf(Condition condition);
+
+/// True when this condition does not keep anyone from using a camera.
+bool IsHarmless(Condition condition);
+
+/// One finding, and what mends it.
+struct Finding {
+  Condition condition = Condition::kWell;
+  /// The camera's serial number; empty for a finding about the machine or a camera that shows none.
+  std::string serial;
+  /// What was found, in one sentence.
+  std::string sentence;
+  /// The command that mends it, ready to be pasted; empty when no command does.
+  std::string command;
+  /// What to do besides, or instead of a command; may be empty.
+  std::string advice;
+};
+
+}  // namespace apps::doctor
+
+#endif  // KELVA_APPS_DOCTOR_FINDING_H_

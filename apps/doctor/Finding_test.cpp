@@ -1,0 +1,20 @@
+#include "apps/doctor/Finding.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace apps::doctor {
+namespace {
+
+TEST(FindingTest, EveryConditionHasAWordOfItsOwn) {
+  std::vector<std::string_view> words;
+  for (int i = 0; i <= static_cast<int>(Condition::kNoVendor); ++i) words.push_back(WordOf(static_cast<Condition>(i)));
+  std::sort(words.begin(), words.end());
+  EXPECT_EQ(std::adjacent_find(words.begin(), words.end()), words.end());
+  EXPECT_EQ(std::count(words.begin(), words.end(), "unknown"), 0);
+}
+
+}  // namespace
+}  // namespace apps::doctor
