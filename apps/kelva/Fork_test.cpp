@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "apps/kelva/Tool.h"
 #include "apps/kelva/verbs/Verbs.h"
+#include "apps/tool/Tool.h"
 #include "base/testing/ScratchFolder.h"
 
 namespace {
@@ -56,7 +56,7 @@ int RunUntilFork(const std::vector<std::string>& words) {
   for (const std::string& word : words) arguments.push_back(word.c_str());
   entered = 0;
   endsAtFork = true;
-  return RunTool(arguments);
+  return RunTool(Kelva(), arguments);
 }
 
 TEST(ForkDeathTest, NoVerbCallsTheFrameworksBeforeItsProcessIsForked) {

@@ -24,8 +24,8 @@ ELSEWHERE = {
     "src/ui/linux/KelvaHelper/CameraSource_test.cpp": "src/ui/linux/KelvaHelper/VirtualCameraSource.cpp",
     "vcam/server/Bus_test.cpp": "vcam/server/BusRequests.cpp",
     # One test for what the build chooses among.
-    "apps/kelva/CameraSource_test.cpp": "apps/kelva/linux/CameraSource.cpp apps/kelva/virtual/CameraSource.cpp",
-    "apps/kelva/Tool_test.cpp": "apps/kelva/NoHandOver.cpp",
+    "apps/tool/CameraSource_test.cpp": "apps/tool/linux/CameraSource.cpp apps/tool/virtual/CameraSource.cpp",
+    "apps/tool/Tool_test.cpp": "apps/tool/NoHandOver.cpp",
     "platform/Files_test.cpp": "platform/linux/Files.cpp platform/macos/Files.cpp",
     "platform/Process_test.cpp": "platform/linux/Process.cpp platform/macos/Process.cpp",
     "platform/Sockets_test.cpp": "platform/linux/Sockets.cpp platform/macos/Sockets.cpp",

@@ -1,5 +1,5 @@
 // Has kelva-virtual do what is asked of virtual cameras.
-#include "apps/kelva/HandOver.h"
+#include "apps/tool/HandOver.h"
 
 #include <unistd.h>
 
@@ -13,9 +13,9 @@
 
 namespace apps {
 
-std::string HandOver(std::span<const char* const> arguments, int output) {
-  const std::string program = ProgramBeside(platform::OwnProgram(), "kelva-virtual");
-  std::string name = "kelva";
+std::string HandOver(const Program& of, std::span<const char* const> arguments, int output) {
+  const std::string program = ProgramBeside(platform::OwnProgram(), std::string(of.name) + "-virtual");
+  std::string name(of.name);
   std::vector<char*> words = {name.data()};
   for (const char* argument : arguments) words.push_back(const_cast<char*>(argument));  // execv changes none of them
   words.push_back(nullptr);

@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_KELVA_CAMERA_SOURCE_H_
-#define KELVA_APPS_KELVA_CAMERA_SOURCE_H_
+#ifndef KELVA_APPS_TOOL_CAMERA_SOURCE_H_
+#define KELVA_APPS_TOOL_CAMERA_SOURCE_H_
 
 #include <functional>
 #include <optional>
@@ -23,4 +23,4 @@ std::optional<LinePlace> LineOf(const std::optional<std::string>& socket, const 
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_KELVA_CAMERA_SOURCE_H_
+#endif  // KELVA_APPS_TOOL_CAMERA_SOURCE_H_

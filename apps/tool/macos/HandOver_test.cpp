@@ -1,4 +1,4 @@
-#include "apps/kelva/HandOver.h"
+#include "apps/tool/HandOver.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ using testing::HasSubstr;
 // What runs when it is there is tested with the programs themselves.
 TEST(HandOverTest, AProgramThatIsMissingIsNamed) {
   constexpr std::array<const char*, 3> kArguments{"list", "--virtual", "/run/bus"};
-  EXPECT_THAT(HandOver(kArguments, -1),
+  EXPECT_THAT(HandOver({.name = "kelva"}, kArguments, -1),
               AllOf(HasSubstr("kelva-virtual, which knows virtual cameras: "), EndsWith("; install kelva again.")));
 }
 

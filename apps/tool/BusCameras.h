@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_KELVA_BUS_CAMERAS_H_
-#define KELVA_APPS_KELVA_BUS_CAMERAS_H_
+#ifndef KELVA_APPS_TOOL_BUS_CAMERAS_H_
+#define KELVA_APPS_TOOL_BUS_CAMERAS_H_
 
 #include <string>
 #include <vector>
@@ -22,4 +22,4 @@ LinePlace LineOnBus(const std::string& socket, const std::string& serial);
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_KELVA_BUS_CAMERAS_H_
+#endif  // KELVA_APPS_TOOL_BUS_CAMERAS_H_

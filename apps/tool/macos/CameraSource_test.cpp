@@ -1,4 +1,4 @@
-#include "apps/kelva/CameraSource.h"
+#include "apps/tool/CameraSource.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The tool from its arguments to the exit status.
-#include "apps/kelva/Tool.h"
+#include "apps/tool/Tool.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -23,9 +23,8 @@
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Run.h"
 #include "apps/commandline/Supervisor.h"
-#include "apps/kelva/CameraSource.h"
-#include "apps/kelva/HandOver.h"
-#include "apps/kelva/verbs/Verbs.h"
+#include "apps/tool/CameraSource.h"
+#include "apps/tool/HandOver.h"
 #include "apps/trace/Trace.h"
 #include "base/SendAll.h"
 
@@ -60,14 +59,10 @@ std::vector<std::string> CameraWords(const Invocation& call, Offer offer, const 
   return words;
 }
 
-// The table of verbs, with what needs a source of cameras.
-const Program& TheTool() {
-  static const Program program = [] {
-    Program tool = Kelva();
-    tool.serials = AttachedSerials;
-    tool.cameraWords = CameraWords;
-    return tool;
-  }();
+// The program, with what needs a source of cameras.
+Program WithCameras(Program program) {
+  program.serials = AttachedSerials;
+  program.cameraWords = CameraWords;
   return program;
 }
 
@@ -94,14 +89,15 @@ std::optional<Trace::Wanted> WantedTrace(const Invocation& call) {
 
 class Tool {
  public:
-  explicit Tool(std::span<const char* const> arguments)
-      : arguments_(arguments),
-        reporter_(TheTool().name, STDERR_FILENO, StyleFor(STDERR_FILENO, arguments)),
+  Tool(const Program& program, std::span<const char* const> arguments)
+      : program_(program),
+        arguments_(arguments),
+        reporter_(program.name, STDERR_FILENO, StyleFor(STDERR_FILENO, arguments)),
         out_(diversion_.Real()) {}
 
   ExitCode Run() {
     try {
-      call_ = Parse(TheTool(), arguments_);
+      call_ = Parse(program_, arguments_);
       return Dispatch();
     } catch (const ReaderGone&) {
       return ExitCode::kReaderGone;
@@ -114,7 +110,7 @@ class Tool {
   ExitCode Dispatch() {
     if (const auto text = Answer(call_)) return GiveText(out_, reporter_.Style(), call_, *text);
     if (call_.Has("virtual")) {
-      const std::string reason = HandOver(arguments_, diversion_.Real());
+      const std::string reason = HandOver(program_, arguments_, diversion_.Real());
       if (!reason.empty()) throw Failure(ExitCode::kFailed, reason);
     }
     OpenTrace();
@@ -138,7 +134,7 @@ class Tool {
   void OpenTrace() {
     if (FindVerb(HelpVerbs(), call_.Name()) != nullptr) return;
     if (const auto wanted = WantedTrace(call_)) {
-      trace_.emplace(*wanted, TheTool(), call_.Name(),
+      trace_.emplace(*wanted, program_, call_.Name(),
                      [this](const std::string& sentence) { reporter_.Note(Said(sentence)); });
     }
   }
@@ -149,7 +145,7 @@ class Tool {
     return Supervise([this, guard](const Stop& stop) { return Work(stop, guard); }, supervision, reporter_);
   }
 
-  std::string Said(std::string sentence) const { return Discreet(std::move(sentence), TheTool(), arguments_); }
+  std::string Said(std::string sentence) const { return Discreet(std::move(sentence), program_, arguments_); }
   ExitCode GiveDiscreetly(const Outcome& outcome) {
     const std::optional<SoFar::Done> done = soFar_.Ask();
     return GiveError(reporter_, out_, call_, {outcome.code, Said(outcome.sentence)},
@@ -200,6 +196,7 @@ class Tool {
                        [this](const std::string& said) { reporter_.Note(Said(Printable(said))); });
   }
 
+  const Program& program_;
   std::span<const char* const> arguments_;
   StdoutDiversion diversion_;
   Reporter reporter_;
@@ -211,12 +208,14 @@ class Tool {
 
 }  // namespace
 
-int RunTool(std::span<const char* const> arguments) {
+int RunTool(const Program& verbs, std::span<const char* const> arguments) {
   FillStandardDescriptors();
-  if (IsShellOnBus(arguments)) HandOver(arguments, STDOUT_FILENO);  // nobody reads a reason while a line is being typed
-  if (AnswerShell(TheTool(), arguments)) return 0;
+  const Program program = WithCameras(verbs);
+  // Nobody reads a reason while a line is being typed.
+  if (IsShellOnBus(arguments)) HandOver(program, arguments, STDOUT_FILENO);
+  if (AnswerShell(program, arguments)) return 0;
   TakeOverSignals();
-  return static_cast<int>(Tool(arguments).Run());
+  return static_cast<int>(Tool(program, arguments).Run());
 }
 
 }  // namespace apps

@@ -1,5 +1,5 @@
 // On macOS the system's frameworks find the cameras of this machine, and nothing has to be chosen.
-#include "apps/kelva/CameraSource.h"
+#include "apps/tool/CameraSource.h"
 
 #include "apps/commandline/Failure.h"
 #include "apps/doctor/Machine.h"

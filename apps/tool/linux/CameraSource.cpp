@@ -1,5 +1,5 @@
 // The one place that chooses between this machine and a virtual bus.
-#include "apps/kelva/CameraSource.h"
+#include "apps/tool/CameraSource.h"
 
 #include <stdexcept>
 
@@ -7,7 +7,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/doctor/Machine.h"
 #include "apps/doctor/linux/Survey.h"
-#include "apps/kelva/BusCameras.h"
+#include "apps/tool/BusCameras.h"
 #include "darwin/registry/Registry.h"
 #include "darwin/udev/UdevSource.h"
 

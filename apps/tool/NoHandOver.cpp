@@ -1,9 +1,9 @@
 // In a program that knows virtual cameras itself.
-#include "apps/kelva/HandOver.h"
+#include "apps/tool/HandOver.h"
 
 namespace apps {
 
-std::string HandOver(std::span<const char* const>, int) {
+std::string HandOver(const Program&, std::span<const char* const>, int) {
   return {};
 }
 

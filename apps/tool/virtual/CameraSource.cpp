@@ -1,8 +1,8 @@
 // In kelva-virtual: a virtual bus, and no cameras of this machine.
-#include "apps/kelva/CameraSource.h"
+#include "apps/tool/CameraSource.h"
 
 #include "apps/commandline/Failure.h"
-#include "apps/kelva/BusCameras.h"
+#include "apps/tool/BusCameras.h"
 
 namespace apps {
 

@@ -1,5 +1,5 @@
 // A virtual bus as the source of cameras.
-#include "apps/kelva/BusCameras.h"
+#include "apps/tool/BusCameras.h"
 
 #include <filesystem>
 #include <stdexcept>
@@ -24,7 +24,8 @@ void UseBus(const std::string& socket) {
 
 // On macOS `kelva` becomes kelva-virtual for a virtual bus; people have started the first.
 std::string ToolName(const std::string& process) {
-  return process == "kelva-virtual" ? "kelva" : process;
+  constexpr std::string_view kEnd = "-virtual";
+  return process.ends_with(kEnd) ? process.substr(0, process.size() - kEnd.size()) : process;
 }
 
 // Uses a connection of its own, because the source's connection belongs to the registry.

@@ -1,4 +1,4 @@
-#include "apps/kelva/BusCameras.h"
+#include "apps/tool/BusCameras.h"
 
 #include <gtest/gtest.h>
 
