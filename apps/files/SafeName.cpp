@@ -17,11 +17,11 @@ void AppendEscaped(std::string& out, std::string_view bytes) {
   for (const char c : bytes) out += base::PercentHex(c);
 }
 
-bool IsSound(std::string_view character, bool first) {
-  const char c = character[0];
+// `c` is the character's first byte.
+bool IsSound(const Utf8Piece& character, char c, bool first) {
   if (c == '/' || c == '\\' || c == '%') return false;
   if (first && (c == '.' || c == ' ')) return false;
-  return Printable(character) == character;
+  return character.valid && !IsCommand(character.codePoint);
 }
 
 // FNV-1a: only keeps shortened names apart; security does not depend on it.
@@ -60,13 +60,14 @@ std::string Shortened(const std::string& name) {
 std::string SafeName(std::string_view cameraBytes) {
   std::string name;
   for (std::string_view rest = cameraBytes; !rest.empty();) {
-    const std::string_view character = rest.substr(0, FirstUtf8(rest).length);
-    if (IsSound(character, name.empty())) {
-      name += character;
+    const Utf8Piece character = FirstUtf8(rest);
+    const std::string_view bytes = rest.substr(0, character.length);
+    if (IsSound(character, bytes[0], name.empty())) {
+      name += bytes;
     } else {
-      AppendEscaped(name, character);
+      AppendEscaped(name, bytes);
     }
-    rest.remove_prefix(character.size());
+    rest.remove_prefix(bytes.size());
   }
   if (name.empty()) return "%";
   return name.size() > kLongest ? Shortened(name) : name;
