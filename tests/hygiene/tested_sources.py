@@ -31,6 +31,10 @@ ELSEWHERE = {
     "platform/Sockets_test.cpp": "platform/linux/Sockets.cpp platform/macos/Sockets.cpp",
     "apps/decoder/Confine_test.cpp": """
         apps/decoder/ConfineLinux.cpp apps/decoder/ConfineNot.cpp apps/decoder/ConfinePosix.cpp""",
+    # Seen through the tool's sync.
+    "apps/kelva/verbs/SyncChoice_test.cpp": "apps/import/SyncChoice.cpp",
+    "apps/kelva/verbs/SyncSummary_test.cpp": "apps/import/SyncSummary.cpp",
+    "apps/kelva/verbs/SyncVerb_test.cpp": "apps/import/ImportRun.cpp",
     # It waits for a camera's clock, which no unit test does.
     "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.

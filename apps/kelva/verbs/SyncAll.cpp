@@ -18,9 +18,9 @@
 #include "apps/commandline/Printable.h"
 #include "apps/files/SafeName.h"
 #include "apps/files/TargetFolder.h"
+#include "apps/import/SyncSummary.h"
 #include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/OwnJson.h"
-#include "apps/kelva/verbs/SyncSummary.h"
 #include "apps/kelva/verbs/ToolRun.h"
 
 namespace apps {

@@ -1,4 +1,4 @@
-#include "apps/kelva/verbs/SyncChoice.h"
+#include "apps/import/SyncChoice.h"
 
 #include <gmock/gmock.h>
 

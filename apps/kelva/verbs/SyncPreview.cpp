@@ -10,7 +10,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/files/FreeSpace.h"
 #include "apps/import/Coming.h"
-#include "apps/kelva/verbs/SyncSummary.h"
+#include "apps/import/SyncSummary.h"
 
 namespace apps {
 namespace {

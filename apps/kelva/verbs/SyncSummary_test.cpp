@@ -1,4 +1,4 @@
-#include "apps/kelva/verbs/SyncSummary.h"
+#include "apps/import/SyncSummary.h"
 
 #include <gmock/gmock.h>
 

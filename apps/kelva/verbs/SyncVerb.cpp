@@ -1,68 +1,25 @@
 // The verb sync.
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <memory>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "apps/camera/ListedSizes.h"
-#include "apps/camera/PictureList.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Printable.h"
-#include "apps/files/FolderLock.h"
-#include "apps/files/FreeSpace.h"
-#include "apps/files/NewFile.h"
 #include "apps/import/AskTimes.h"
 #include "apps/import/Coming.h"
-#include "apps/import/CutFiles.h"
-#include "apps/import/Others.h"
-#include "apps/import/Sync.h"
+#include "apps/import/ImportRun.h"
+#include "apps/import/SyncChoice.h"
 #include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/SyncAll.h"
-#include "apps/kelva/verbs/SyncChoice.h"
 #include "apps/kelva/verbs/SyncForget.h"
 #include "apps/kelva/verbs/SyncPreview.h"
-#include "apps/kelva/verbs/SyncSummary.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
 namespace {
-
-// Takes pictures from before the date out. Of new ones, and of those that may be deleted, the start is read for it.
-void KeepSince(Context& context, const Session& camera, const PictureChoice& choice, PictureTimes& times,
-               SyncPlan& plan) {
-  const bool deletes = context.call.Has("delete-after-verify");
-  std::vector<const DcfObj*> pictures;
-  for (const SyncItem& item : plan.items) {
-    const bool matters = item.IsNew() || (deletes && !item.IsDeleted());
-    if (matters && (pictures.empty() || pictures.back() != &item.Picture())) pictures.push_back(&item.Picture());
-  }
-  AskTimes(context, camera.Pointer(), pictures, times);
-  std::erase_if(plan.items, [&](const SyncItem& item) {
-    const auto taken = times.Of(item.Picture());
-    return !choice.IsSince(taken ? std::optional(TakenText(*taken)) : std::nullopt);
-  });
-}
-
-SyncPlan PlanFor(Context& context, const Session& camera, const SyncChoice& choice, Manifest& manifest,
-                 const TargetFolder* folder, PictureTimes& times) {
-  SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest, folder,
-                           TimesForNames(context, camera.Pointer(), times),
-                           [&](const DcfObj& picture) { return choice.pictures.IsInFolder(picture); });
-  if (choice.pictures.HasSince()) KeepSince(context, camera, choice.pictures, times, plan);
-  if (choice.everything || choice.pictures.IsAll()) {
-    // They have no dates.
-    const bool fetch = choice.everything && !choice.pictures.HasSince();
-    AddOthers(plan, FindOthers(context, *camera, plan.source->catalogue), fetch, manifest,
-              [&](const OtherFile& file) { return choice.pictures.IsInFolder(file.Folder()); });
-  }
-  if (plan.items.empty()) choice.pictures.NoteMissingFolder(plan.source->catalogue, context);
-  return plan;
-}
 
 ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& choice) {
   const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
@@ -74,28 +31,6 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
   const SyncPlan plan = PlanFor(context, camera, choice, manifest, missing ? nullptr : &*folder, times);
   NoteTrouble(context, times);
   return ShowPlan(context, camera, plan, path);
-}
-
-// Before the first byte is read: a disk that is too small would be full in the middle.
-std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const TargetFolder& folder, Manifest& manifest,
-                                 Sync& sync) {
-  ListedSizes sizes(camera);
-  Coming coming = ToBeWritten(plan, sizes, &folder);
-  coming.TakeOff(BytesOfParts(manifest, folder, plan.source->serial));
-  sync.Expect(coming.unlisted == 0 ? coming.bytes : 0);
-  const std::string why = WhyTooLittleRoom(coming, FreeSpace(folder), folder.Path());
-  return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});
-}
-
-// What earlier processes of this run stored is known to this one, and no longer new. A process that was killed between
-// storing and counting leaves one file in doubt.
-void BeginTally(const SyncPlan& plan, SyncTally& tally) {
-  const unsigned long long before = tally.stored;
-  const unsigned long long known = plan.items.size() - plan.NewFiles();
-  tally.known = known - std::min(known, before);
-  tally.expected = before + plan.NewFiles();
-  tally.others = plan.othersLeftOut;
-  tally.othersBytes = plan.othersLeftOutBytes;
 }
 
 // On a terminal, before anything is read.
@@ -113,47 +48,15 @@ void AskToDelete(Context& context, const Session& camera, const SyncPlan& plan, 
   tally.agreed = 1;
 }
 
-// The counters are those of all processes of this run, and outlive it.
-void TellSoFar(const Context& context, Json camera) {
-  if (context.soFar == nullptr || context.guard == nullptr) return;
-  context.soFar->Tell([tally = std::make_shared<const SyncTally>(context.guard), members = std::move(camera)] {
-    return SyncSoFar(tally->Now(), members);
-  });
-}
-
 ExitCode RunSync(Context& context) {
   if (context.call.Has("forget")) return RunForget(context);
   if (context.call.Has("all")) return RunSyncAll(context);
   const SyncChoice choice = SyncChoiceOf(context);
-  SyncOptions options;
-  options.deleteAfter = context.call.Has("delete-after-verify");
-  options.verify = context.call.Has("verify");
-
   const std::string& path = context.call.words[0];
   if (context.call.Has("dry-run")) return RunDry(context, path, choice);
-
-  TellSoFar(context, Json::Object());
-  // First, so that a camera that is not there leaves no folder behind.
-  const Session camera(context, "read the picture catalogue");
-  TellSoFar(context, CameraResult(camera));
-  const TargetFolder folder = TargetFolder::OpenOrMake(path);
-  { const NewFile trial(folder); }  // a folder that takes no file is one sentence, before anything is read
-  const FolderLock lock(folder);
-  Manifest manifest(folder, true);
-  const CutFiles cuts(folder, manifest);
-  RemoveLeftovers(folder, [&cuts](const std::string& name) { return cuts.Keeps(name); });
-  PictureTimes times;
-  const SyncPlan plan = PlanFor(context, camera, choice, manifest, &folder, times);
-  Sync sync(context, camera.Pointer(), folder, manifest, options, &times);
-  BeginTally(plan, sync.Tally());
-  if (options.deleteAfter) AskToDelete(context, camera, plan, sync.Tally());
-  auto ended = CheckRoom(*camera, plan, folder, manifest, sync);
-  if (!ended) ended = sync.Run(plan);
-  NoteTrouble(context, times);
-  if (plan.others && plan.others->isCut) {
-    context.reporter.Note("Some of what is below DCIM and MISC could not be listed; `kelva tree` shows why.");
-  }
-  return GiveSummary(context, camera, sync.Totals(), ended);
+  return RunImport(context, path, choice, [&](const Session& camera, const SyncPlan& plan, SyncTally& tally) {
+    AskToDelete(context, camera, plan, tally);
+  });
 }
 
 constexpr Argument kArguments[] = {

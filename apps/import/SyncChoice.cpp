@@ -1,5 +1,5 @@
 // Reads the options of sync.
-#include "apps/kelva/verbs/SyncChoice.h"
+#include "apps/import/SyncChoice.h"
 
 #include <string>
 

@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_KELVA_VERBS_SYNC_CHOICE_H_
-#define KELVA_APPS_KELVA_VERBS_SYNC_CHOICE_H_
+#ifndef KELVA_APPS_IMPORT_SYNC_CHOICE_H_
+#define KELVA_APPS_IMPORT_SYNC_CHOICE_H_
 
 #include <vector>
 
@@ -22,4 +22,4 @@ SyncChoice SyncChoiceOf(const Context& context);
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_KELVA_VERBS_SYNC_CHOICE_H_
+#endif  // KELVA_APPS_IMPORT_SYNC_CHOICE_H_

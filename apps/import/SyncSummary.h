@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_KELVA_VERBS_SYNC_SUMMARY_H_
-#define KELVA_APPS_KELVA_VERBS_SYNC_SUMMARY_H_
+#ifndef KELVA_APPS_IMPORT_SYNC_SUMMARY_H_
+#define KELVA_APPS_IMPORT_SYNC_SUMMARY_H_
 
 #include <optional>
 #include <string>
@@ -53,4 +53,4 @@ SoFar::Done SyncSoFar(const SyncTotals& totals, Json camera);
 
 }  // namespace apps
 
-#endif  // KELVA_APPS_KELVA_VERBS_SYNC_SUMMARY_H_
+#endif  // KELVA_APPS_IMPORT_SYNC_SUMMARY_H_

@@ -1,5 +1,5 @@
 // How a sync ended: its result in words and in JSON.
-#include "apps/kelva/verbs/SyncSummary.h"
+#include "apps/import/SyncSummary.h"
 
 #include <string>
 #include <utility>
