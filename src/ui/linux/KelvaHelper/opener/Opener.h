@@ -6,16 +6,10 @@
 
 namespace opener {
 
-/// What the program answers to the agent and to scripts.
-enum ExitCode : int {
-  kLaunched = 0,
-  kLaunchFailed = 1,
-  kWrongArguments = 2,
-  kNotInstalled = 3,
-};
-
-/// The whole program but main: one argument, the desktop id of the application to start. Says on one line what became of
-/// it, on standard output when it was started and on standard error otherwise.
+/// The whole program but main: the desktop id of the application to start, and with --virtual the bus that has the cameras.
+/// Shows the cameras as folders when the application is not installed, unless KELVA_ON_PLUG says otherwise. Says on one
+/// line what became of each, on standard output when something was started and on standard error otherwise. Returns an
+/// ExitCode.
 int Open(const std::vector<std::string>& arguments);
 
 }  // namespace opener

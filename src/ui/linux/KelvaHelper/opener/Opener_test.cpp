@@ -22,6 +22,8 @@ Outcome OpenWith(const std::vector<std::string>& arguments) {
 
 class OpenerTest : public testing::Test {
  protected:
+  OpenerTest() { ::unsetenv("KELVA_ON_PLUG"); }
+
   const ScratchDesktop& desktop_ = ScratchDesktop::Get();
 };
 
@@ -37,9 +39,30 @@ TEST_F(OpenerTest, ApplicationThatIsNotInstalledIsOneLineAndCodeThree) {
   const Outcome outcome = OpenWith({"org.example.Missing"});
   EXPECT_EQ(outcome.code, 3);
   EXPECT_EQ(outcome.output, "");
-  EXPECT_EQ(outcome.errors,
-            "kelva-open: A camera was attached, but the application org.example.Missing is not installed: no folder of "
-            "desktop entries has a usable org.example.Missing.desktop. Install it to have it started.\n");
+  EXPECT_EQ(
+      outcome.errors,
+      "kelva-open: A camera was attached, but the application org.example.Missing is not installed: no folder of "
+      "desktop entries has a usable org.example.Missing.desktop. Install it to have it started, or kelva-mount to see "
+      "the pictures in a folder.\n");
+}
+
+TEST_F(OpenerTest, SettingLeavesTheCameraAlone) {
+  ::setenv("KELVA_ON_PLUG", "desktop-only", 1);
+  const Outcome outcome = OpenWith({"org.example.Missing"});
+  EXPECT_EQ(outcome.code, 3);
+  EXPECT_EQ(outcome.errors.find("kelva-mount"), std::string::npos) << outcome.errors;
+}
+
+TEST_F(OpenerTest, UnknownSettingIsOneLineAndLeavesTheCameraAlone) {
+  ::setenv("KELVA_ON_PLUG", "off", 1);
+  const Outcome outcome = OpenWith({"org.example.Missing"});
+  EXPECT_EQ(outcome.code, 3);
+  EXPECT_EQ(outcome.errors.rfind("kelva-open: KELVA_ON_PLUG is \"off\", and means desktop-only; set it to mount or "
+                                 "desktop-only.\n",
+                                 0),
+            0U)
+      << outcome.errors;
+  EXPECT_EQ(outcome.errors.find("kelva-mount"), std::string::npos) << outcome.errors;
 }
 
 TEST_F(OpenerTest, ApplicationThatCannotStartIsOneLineAndCodeOne) {
@@ -74,7 +97,8 @@ TEST_F(OpenerTest, OptionThatIsNotKnownIsNoApplication) {
 TEST_F(OpenerTest, HelpNamesEveryExitCode) {
   const Outcome outcome = OpenWith({"--help"});
   EXPECT_EQ(outcome.code, 0);
-  EXPECT_NE(outcome.output.find("0 started; 1 it could not be started; 2 wrong arguments; 3 not installed"),
+  EXPECT_NE(outcome.output.find(
+                "0 started; 1 it could not be started, or a camera not mounted; 2 wrong arguments; 3 not installed"),
             std::string::npos);
 }
 

@@ -4,12 +4,17 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "src/ui/linux/KelvaHelper/opener/GObjects.h"
+#include "src/ui/linux/KelvaHelper/opener/Report.h"
 #include "src/ui/linux/KelvaHelper/opener/ScopeName.h"
 
 namespace opener {
 namespace {
 
+// A manager that is asked while it is busy answers within milliseconds; the person at the desk waits meanwhile.
+constexpr int kScopeTimeoutMs = 2000;
 constexpr char kManagerName[] = "org.freedesktop.systemd1";
 constexpr char kManagerPath[] = "/org/freedesktop/systemd1";
 constexpr char kManagerInterface[] = "org.freedesktop.systemd1.Manager";
@@ -118,6 +123,13 @@ std::string MoveIntoScope(GDBusConnection* connection, const std::string& deskto
   g_variant_unref(reply);
   const std::string result = watch.ResultOf(job);
   return result == "done" ? std::string() : "its job ended with \"" + result + "\"";
+}
+
+void EnterScope(GDBusConnection* bus, const std::string& desktopId) {
+  const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+  if (bus == nullptr || !HasServiceManager(runtime == nullptr ? "" : runtime)) return;
+  const std::string reason = MoveIntoScope(bus, desktopId, kScopeTimeoutMs);
+  if (!reason.empty()) Complain(desktopId + " gets no scope of its own (" + reason + ") and starts without.");
 }
 
 }  // namespace opener

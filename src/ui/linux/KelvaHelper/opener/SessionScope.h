@@ -15,6 +15,10 @@ bool HasServiceManager(const std::string& runtimeDirectory);
 /// manager has done it, `timeoutMs` at most. Returns an empty text, or the reason why there is no scope.
 std::string MoveIntoScope(GDBusConnection* connection, const std::string& desktopId, int timeoutMs);
 
+/// Moves this process into a scope for `desktopId` where there is a manager to ask; `bus` may be null. Without a scope the
+/// launch goes on: the unit's own settings keep the application alive then. Says on standard error why there is none.
+void EnterScope(GDBusConnection* bus, const std::string& desktopId);
+
 }  // namespace opener
 
 #endif  // KELVA_UI_LINUX_KELVA_HELPER_OPENER_SESSION_SCOPE_H_

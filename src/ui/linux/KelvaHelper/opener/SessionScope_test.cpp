@@ -2,16 +2,14 @@
 
 #include <gio/gio.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <string>
-#include <thread>
 
 #include "base/testing/ScratchFolder.h"
-#include "src/ui/linux/KelvaHelper/opener/GObjects.h"
 #include "src/ui/linux/KelvaHelper/opener/ScopeName.h"
+#include "src/ui/linux/KelvaHelper/opener/testing/DirectPeer.h"
 
 namespace opener {
 namespace {
@@ -25,68 +23,17 @@ constexpr char kInterface[] =
 /// How the stand-in of the service manager answers.
 enum class Behaviour { kDone, kAnotherJobFirst, kFailed, kRefuse, kSilent };
 
-/// One end of a direct connection; the one with a guid is the serving end, which takes no message before it is told to. (A
-/// request that arrives while that end is being set up would be dropped without an answer.)
-Object<GDBusConnection> Connect(int descriptor, const char* guid) {
-  const Object<GSocket> socket(g_socket_new_from_fd(descriptor, nullptr));
-  const Object<GSocketConnection> stream(g_socket_connection_factory_create_connection(socket.get()));
-  const int flags = guid == nullptr ? G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-                                    : G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_SERVER |
-                                          G_DBUS_CONNECTION_FLAGS_DELAY_MESSAGE_PROCESSING;
-  return Object<GDBusConnection>(g_dbus_connection_new_sync(
-      G_IO_STREAM(stream.get()), guid, static_cast<GDBusConnectionFlags>(flags), nullptr, nullptr, nullptr));
-}
-
-/// A stand-in of the user's service manager at the far end of a direct connection, on a thread of its own.
+/// A stand-in of the user's service manager.
 class Manager {
  public:
-  explicit Manager(Behaviour behaviour) : behaviour_(behaviour) {
-    int ends[2];
-    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
-    thread_ = std::thread([this, end = ends[1]] { Serve(end); });
-    connection_ = Connect(ends[0], nullptr);
-  }
-  ~Manager() {
-    g_main_context_invoke(context_, Quit, loop_);
-    thread_.join();
-    g_main_loop_unref(loop_);
-    g_main_context_unref(context_);
-  }
+  explicit Manager(Behaviour behaviour) : behaviour_(behaviour) {}
 
-  GDBusConnection* Connection() const { return connection_.get(); }
+  GDBusConnection* Connection() const { return peer_.Connection(); }
   const std::string& Request() const { return request_; }
 
  private:
-  void Serve(int descriptor) {
-    g_main_context_push_thread_default(context_);
-    char* guid = g_dbus_generate_guid();
-    const Object<GDBusConnection> connection = Connect(descriptor, guid);
-    g_free(guid);
-    GDBusNodeInfo* node = g_dbus_node_info_new_for_xml(kInterface, nullptr);
-    GDBusInterfaceVTable table = {};
-    table.method_call = OnCall;
-    g_dbus_connection_register_object(connection.get(), "/org/freedesktop/systemd1", node->interfaces[0], &table, this,
-                                      nullptr, nullptr);
-    g_dbus_connection_start_message_processing(connection.get());
-    g_main_loop_run(loop_);
-    g_dbus_node_info_unref(node);
-    g_main_context_pop_thread_default(context_);
-  }
-
-  static gboolean Quit(gpointer loop) {
-    g_main_loop_quit(static_cast<GMainLoop*>(loop));
-    return G_SOURCE_REMOVE;
-  }
-
-  static void OnCall(GDBusConnection* connection, const char*, const char*, const char*, const char*,
-                     GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self) {
-    static_cast<Manager*>(self)->Answer(connection, parameters, invocation);
-  }
-
   void Answer(GDBusConnection* connection, GVariant* parameters, GDBusMethodInvocation* invocation) {
-    char* text = g_variant_print(parameters, FALSE);
-    request_ = text;
-    g_free(text);
+    request_ = Printed(parameters);
     if (behaviour_ == Behaviour::kRefuse) {
       g_dbus_method_invocation_return_dbus_error(invocation, "org.example.Refused", "not today");
       return;
@@ -105,18 +52,16 @@ class Manager {
   }
 
   Behaviour behaviour_;
-  GMainContext* context_ = g_main_context_new();
-  GMainLoop* loop_ = g_main_loop_new(context_, FALSE);
   std::string request_;
-  Object<GDBusConnection> connection_;
-  std::thread thread_;
+  DirectPeer peer_{kInterface, "/org/freedesktop/systemd1",
+                   [this](GDBusConnection* connection, GVariant* parameters, GDBusMethodInvocation* invocation) {
+                     Answer(connection, parameters, invocation);
+                   }};
 };
-
-constexpr int kLong = 20000;
 
 TEST(SessionScope, AsksForAScopeThatHoldsThisProcess) {
   const Manager manager(Behaviour::kDone);
-  EXPECT_EQ(MoveIntoScope(manager.Connection(), "com.kelva.Desktop", kLong), "");
+  EXPECT_EQ(MoveIntoScope(manager.Connection(), "com.kelva.Desktop", kLongMs), "");
   const std::string process = std::to_string(::getpid());
   EXPECT_EQ(manager.Request(),
             "('app-kelva-com.kelva.Desktop-" + process +
@@ -127,17 +72,17 @@ TEST(SessionScope, AsksForAScopeThatHoldsThisProcess) {
 
 TEST(SessionScope, WaitsForItsOwnJobAndNotForAnother) {
   const Manager manager(Behaviour::kAnotherJobFirst);
-  EXPECT_EQ(MoveIntoScope(manager.Connection(), "com.kelva.Desktop", kLong), "");
+  EXPECT_EQ(MoveIntoScope(manager.Connection(), "com.kelva.Desktop", kLongMs), "");
 }
 
 TEST(SessionScope, JobThatFailsIsTheReason) {
   const Manager manager(Behaviour::kFailed);
-  EXPECT_EQ(MoveIntoScope(manager.Connection(), "com.kelva.Desktop", kLong), "its job ended with \"failed\"");
+  EXPECT_EQ(MoveIntoScope(manager.Connection(), "com.kelva.Desktop", kLongMs), "its job ended with \"failed\"");
 }
 
 TEST(SessionScope, RefusalIsTheReason) {
   const Manager manager(Behaviour::kRefuse);
-  EXPECT_NE(MoveIntoScope(manager.Connection(), "com.kelva.Desktop", kLong).find("not today"), std::string::npos);
+  EXPECT_NE(MoveIntoScope(manager.Connection(), "com.kelva.Desktop", kLongMs).find("not today"), std::string::npos);
 }
 
 TEST(SessionScope, ManagerThatNeverFinishesIsNotWaitedForLongerThanAllowed) {
@@ -153,6 +98,28 @@ TEST(SessionScope, ServiceManagerIsKnownByItsFolderInTheRunTimeFolder) {
   EXPECT_FALSE(HasServiceManager(folder));
   std::filesystem::create_directory(folder / "systemd");
   EXPECT_TRUE(HasServiceManager(folder));
+}
+
+TEST(SessionScope, WithoutABusOrAManagerThereIsNoScopeAndNoComplaint) {
+  testing::internal::CaptureStderr();
+  EnterScope(nullptr, "com.kelva.Desktop");
+  const Manager manager(Behaviour::kDone);
+  ::setenv("XDG_RUNTIME_DIR", "/nonexistent", 1);
+  EnterScope(manager.Connection(), "com.kelva.Desktop");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(manager.Request(), "");
+}
+
+TEST(SessionScope, RefusalIsOneLineAndTheLaunchGoesOn) {
+  const base::ScratchFolder scratch;
+  std::filesystem::create_directory(scratch.Path() / "systemd");
+  ::setenv("XDG_RUNTIME_DIR", scratch.Path().c_str(), 1);
+  const Manager manager(Behaviour::kRefuse);
+  testing::internal::CaptureStderr();
+  EnterScope(manager.Connection(), "com.kelva.Desktop");
+  const std::string errors = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(errors.rfind("kelva-open: com.kelva.Desktop gets no scope of its own (", 0), 0U) << errors;
+  EXPECT_NE(errors.find("not today"), std::string::npos) << errors;
 }
 
 }  // namespace

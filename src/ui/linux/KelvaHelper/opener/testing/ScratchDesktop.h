@@ -15,8 +15,9 @@ namespace opener {
 /// For tests: the XDG folders of a user who has installed these applications and no others, and no session bus. GIO reads
 /// the folders once and hears of changes later, so that everything is there from the start:
 /// "org.example.Found" writes its first argument into Pipe(); "org-example.Nested" lies in a subfolder;
+/// "org.example.Viewer" writes what it is to open, and is for the content type "x-content/kelva-test";
 /// "org.example.Broken" names a missing program; "org.example.Hidden" is marked as hidden; "org.example.Refused" wants to
-/// run in a folder that does not exist.
+/// run in a folder that does not exist, and is for "x-content/kelva-refused".
 class ScratchDesktop {
  public:
   static const ScratchDesktop& Get() {
@@ -38,6 +39,7 @@ class ScratchDesktop {
   ScratchDesktop() {
     std::filesystem::create_directories(folder_ / "applications");
     ::setenv("XDG_DATA_HOME", folder_.c_str(), 1);
+    ::setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
     ::setenv("XDG_DATA_DIRS", folder_.c_str(), 1);
     ::setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
     ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
@@ -46,9 +48,13 @@ class ScratchDesktop {
     Install("org.example.Found", script + " word");
     std::filesystem::create_directory(folder_ / "applications" / "org");
     Install("org/example.Nested", script);
+    Install("org.example.Viewer", script + " %u");
     Install("org.example.Broken", "/nonexistent/program");
     Install("org.example.Hidden", script, "Hidden=true\n");
     Install("org.example.Refused", script, "Path=/nonexistent/folder\n");
+    std::ofstream(folder_ / "mimeapps.list") << "[Default Applications]\n"
+                                                "x-content/kelva-test=org.example.Viewer.desktop\n"
+                                                "x-content/kelva-refused=org.example.Refused.desktop\n";
   }
 
   std::string Pipe() const { return folder_ / "pipe"; }

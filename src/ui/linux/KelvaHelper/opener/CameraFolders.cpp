@@ -1,0 +1,67 @@
+// What a plug does when the desktop application is not installed: cameras become folders, and something opens them.
+
+#include "src/ui/linux/KelvaHelper/opener/CameraFolders.h"
+
+#include <algorithm>
+
+#include "src/ui/linux/KelvaHelper/opener/ExitCode.h"
+#include "src/ui/linux/KelvaHelper/opener/FolderViewer.h"
+#include "src/ui/linux/KelvaHelper/opener/Notification.h"
+#include "src/ui/linux/KelvaHelper/opener/Report.h"
+#include "src/ui/linux/KelvaHelper/opener/SessionScope.h"
+
+namespace opener {
+
+int CameraFolders::Show(const std::string& virtualBus) {
+  // The processes that serve the folders outlive the agent's unit, and are not the viewer's when somebody ends that.
+  EnterScope(bus_, "kelva-mount");
+  return Summary(program_.MountAll(virtualBus, [this](const Mounted& camera) {
+    if (!camera.before) Open(camera);
+  }));
+}
+
+void CameraFolders::Open(const Mounted& camera) {
+  const auto opens = [&](const char* contentType) { return OpenWith(contentType, camera); };
+  if (std::any_of(contentTypes_.begin(), contentTypes_.end(), opens)) {
+    ++opened_;
+    return;
+  }
+  ++unopened_;
+  ComplainOnDesktop(
+      bus_, "A camera was plugged in",
+      "Camera " + camera.serial + " is the folder " + camera.path +
+          ", and no installed program opens it. Install a program for pictures, such as shotwell or gthumb, "
+          "or a file manager.");
+}
+
+bool CameraFolders::OpenWith(const char* contentType, const Mounted& camera) {
+  const FolderViewer viewer(contentType);
+  if (!viewer) return false;
+  EnterScopeOnce(viewer.Id());
+  const std::string reason = viewer.Open(camera.path);
+  if (reason.empty()) {
+    Say("Mounted camera " + camera.serial + " on " + camera.path + " and started " + viewer.Name() + " there.");
+  } else {
+    Complain(viewer.Name() + " could not be started on " + camera.path + ": " + reason);
+  }
+  return reason.empty();
+}
+
+void CameraFolders::EnterScopeOnce(const std::string& id) {
+  if (!inScope_) EnterScope(bus_, id);
+  inScope_ = true;
+}
+
+int CameraFolders::Summary(const std::string& failure) {
+  if (!failure.empty() && opened_ == 0) {
+    ComplainOnDesktop(bus_, "A camera cannot be shown", "A camera was attached, and could not be mounted: " + failure);
+  } else if (!failure.empty()) {
+    Complain("A camera was attached, and could not be mounted: " + failure);
+  } else if (opened_ == 0 && unopened_ == 0) {
+    Say("A camera was attached; those that are there have been folders before, so nothing was opened.");
+  }
+  if (!failure.empty()) return kLaunchFailed;
+  return unopened_ == 0 ? kLaunched : kNotInstalled;
+}
+
+}  // namespace opener

@@ -1,0 +1,32 @@
+#ifndef KELVA_UI_LINUX_KELVA_HELPER_OPENER_MOUNT_PROGRAM_H_
+#define KELVA_UI_LINUX_KELVA_HELPER_OPENER_MOUNT_PROGRAM_H_
+
+#include <functional>
+#include <string>
+
+#include "src/ui/linux/KelvaHelper/opener/MountEvent.h"
+
+namespace opener {
+
+/// kelva-mount, which shows cameras as folders.
+class MountProgram {
+ public:
+  /// The one that lies beside the program `opener`, as it does in a build tree and in an installation.
+  static MountProgram Beside(const std::string& opener);
+  explicit MountProgram(std::string path) : path_(std::move(path)) {}
+
+  bool IsInstalled() const;
+
+  /// Has every attached camera mounted that is not, and calls `onMounted` for each, as soon as it is a folder.
+  /// `virtualBus` is the socket of the bus that has the cameras; empty: this machine. Returns when the program has ended
+  /// and nobody holds its output: an empty text, or why a camera was not mounted. Everything else that it says goes to
+  /// standard error.
+  std::string MountAll(const std::string& virtualBus, const std::function<void(const Mounted&)>& onMounted) const;
+
+ private:
+  std::string path_;
+};
+
+}  // namespace opener
+
+#endif  // KELVA_UI_LINUX_KELVA_HELPER_OPENER_MOUNT_PROGRAM_H_
