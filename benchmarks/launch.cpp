@@ -71,7 +71,7 @@ class Desk {
   }
 
  private:
-  /// The helper runs the opener that lies beside it, and gives it the desktop id alone: the stamp finds the pipe under
+  /// The helper runs the opener that lies beside it, and gives it the desktop id first: the stamp finds the pipe under
   /// that name in the folder that both run in.
   fs::path Helper(Until until) const {
     const fs::path built = BuildFolder() / "bin" / "kelva-helper";

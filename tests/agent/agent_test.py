@@ -3,6 +3,7 @@
 
 import os
 import pathlib
+import shutil
 import signal
 import sys
 import time
@@ -122,6 +123,71 @@ class NotInstalled(AgentCase):
         self.session.remove_application()
         self.session.plug("KV0002")
         self.assertTrue(agent.errors.next().startswith(NOT_INSTALLED))
+
+
+class Folders(AgentCase):
+    """A plug without the application, and with a stand-in of the program that shows cameras as folders."""
+
+    def setUp(self):
+        super().setUp()
+        self.session.environment["KELVA_ON_PLUG"] = "mount"
+        programs = self.session.folder / "programs"
+        programs.mkdir()
+        for name in ("kelva-helper", "kelva-open"):
+            shutil.copy(self.session.programs / name, programs)
+        self.session.helper = programs / "kelva-helper"
+        self.mounts = self.session.make_pipe("mounts")
+        self.stand_in = programs / "kelva-mount"
+        self.stand_in_says('{"event":"mounted","path":"/a folder","serial":"KV0001","was_mounted":false}')
+
+    def stand_in_says(self, event, further=""):
+        self.stand_in.write_text(f"#!/bin/sh\necho \"$*\" >{self.session.folder}/mounts\necho '{event}'\n{further}")
+        self.stand_in.chmod(0o755)
+
+    def test_camera_becomes_a_folder_that_the_users_own_program_opens(self):
+        for content_type in ("x-content/image-dcf", "inode/directory"):
+            with self.subTest(type=content_type):
+                shutil.rmtree(self.session.folder / "config", ignore_errors=True)
+                self.session.install_viewer(content_type)
+                agent = self.session.watching_agent()
+                self.session.plug("KV0001")
+                self.assertEqual(self.mounts.next(), f"--all --json --virtual {self.session.socket}")
+                self.assertEqual(self.session.launches.next(), "viewer /a folder")
+                self.assertEqual(agent.output.next(), "kelva-open: Mounted camera KV0001 on /a folder and started Viewer there.")
+                self.assertFalse(agent.errors.waiting())
+                self.session.unplug("KV0001")
+                agent.end()
+
+    def test_application_that_is_installed_goes_before(self):
+        self.session.install_viewer("x-content/image-dcf")
+        self.session.install_application()
+        agent = self.session.watching_agent()
+        self.session.plug("KV0001")
+        self.expect_launch()
+        self.assertIn("Started Stand-in", agent.output.next())
+        self.assertFalse(self.mounts.waiting())
+
+    def test_setting_leaves_the_camera_alone(self):
+        self.session.environment["KELVA_ON_PLUG"] = "desktop-only"
+        agent = self.session.watching_agent()
+        self.session.plug("KV0001")
+        self.assertTrue(agent.errors.next().startswith(NOT_INSTALLED))
+        self.assertFalse(self.mounts.waiting())
+
+    def test_camera_that_cannot_be_mounted_is_one_line(self):
+        self.stand_in_says('{"event":"error","exit":5,"reason":"permission","message":"No permission; do this."}', "exit 5\n")
+        agent = self.session.watching_agent()
+        self.session.plug("KV0001")
+        self.assertEqual(agent.errors.next(), "kelva-open: A camera was attached, and could not be mounted: No permission; do this.")
+        self.assertFalse(agent.errors.waiting())
+
+    def test_without_a_program_one_line_says_what_to_install(self):
+        agent = self.session.watching_agent()
+        self.session.plug("KV0001")
+        self.assertRegex(agent.errors.next(), "^kelva-open: Camera KV0001 is the folder /a folder, and no installed program opens it. Install ")
+        self.stand_in.unlink()
+        self.session.plug("KV0002")
+        self.assertRegex(agent.errors.next(), "Install it to have it started, or kelva-mount to see the pictures in a folder.$")
 
 
 class Ending(AgentCase):

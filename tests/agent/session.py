@@ -83,7 +83,10 @@ class Session:
             "XDG_DATA_HOME": str(self.folder / "data"),
             "XDG_DATA_DIRS": str(self.folder / "data"),
             "XDG_RUNTIME_DIR": str(self.folder / "run"),
+            "XDG_CONFIG_HOME": str(self.folder / "config"),
             "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder}/no-bus",
+            # Only tests of folders mount any.
+            "KELVA_ON_PLUG": "desktop-only",
         }
         self.launches = self.make_pipe("launches")
         self.agents = []
@@ -113,8 +116,17 @@ class Session:
     def remove_application(self):
         self.entry().unlink()
 
-    def entry(self):
-        return self.folder / "data/applications" / f"{DESKTOP_ID}.desktop"
+    def install_viewer(self, content_type):
+        """A program that is this user's own for a content type, and says what it is to open."""
+        script = self.folder / "viewer.sh"
+        script.write_text(f'#!/bin/sh\necho "viewer $*" >{self.folder}/launches\n')
+        script.chmod(0o755)
+        self.entry("org.example.Viewer").write_text(f"[Desktop Entry]\nType=Application\nName=Viewer\nExec={script} %U\n")
+        (self.folder / "config").mkdir()
+        (self.folder / "config/mimeapps.list").write_text(f"[Default Applications]\n{content_type}=org.example.Viewer.desktop\n")
+
+    def entry(self, desktop_id=DESKTOP_ID):
+        return self.folder / "data/applications" / f"{desktop_id}.desktop"
 
     def vcam(self, *arguments):
         subprocess.run([self.programs / "kelva-vcam", *arguments, "--socket", self.socket], check=True, stdout=subprocess.DEVNULL, timeout=PATIENCE)

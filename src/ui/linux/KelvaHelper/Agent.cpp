@@ -40,7 +40,7 @@ int Watch(const std::string& virtualBus) {
   std::signal(SIGPIPE, SIG_IGN);
   const SignalStop stop;
   ForgetChildren();
-  UseOpener(OpenerBeside(OwnProgram()));
+  UseOpener(OpenerBeside(OwnProgram()), virtualBus);
   UseCamerasOf(virtualBus);
   ListenForCameras();
   Say("Watching; each camera that is attached from now on starts " KELVA_DESKTOP_ID ".");

@@ -43,6 +43,8 @@ std::string HelpText() {
          "Waits for Kelva cameras and starts the desktop application " KELVA_DESKTOP_ID
          "\n"
          "each time one is plugged in. Cameras that are there at the start launch nothing.\n"
+         "When that is not installed, kelva-mount shows the camera as a folder, which your own\n"
+         "program for pictures opens; KELVA_ON_PLUG=desktop-only in the environment prevents it.\n"
          "Runs until SIGTERM or Ctrl-C; one copy per login session.\n"
          "\n"
          "  --virtual PATH  watch the virtual bus whose socket is PATH, not this machine's devices\n"

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <vector>
 
 #include "src/ui/linux/KelvaHelper/Report.h"
 #include "src/ui/linux/KelvaHelper/Spawn.h"
@@ -13,9 +14,10 @@
 namespace helper {
 namespace {
 
-std::string& Opener() {
-  static std::string path;
-  return path;
+/// The path of the opener, and what it is told.
+std::vector<std::string>& Opener() {
+  static std::vector<std::string> command{""};
+  return command;
 }
 
 }  // namespace
@@ -32,14 +34,15 @@ std::string OwnProgram() {
   return length > 0 ? std::string(path, static_cast<std::size_t>(length)) : std::string();
 }
 
-void UseOpener(std::string path) {
-  Opener() = std::move(path);
+void UseOpener(std::string path, std::string virtualBus) {
+  Opener() = {std::move(path), KELVA_DESKTOP_ID};
+  if (!virtualBus.empty()) Opener().insert(Opener().end(), {"--virtual", std::move(virtualBus)});
 }
 
 void LaunchDesktopApplication() {
-  const int error = Spawn({Opener(), KELVA_DESKTOP_ID});
+  const int error = Spawn(Opener());
   if (error == 0) return;
-  Complain("A camera was attached, but " + Opener() + " cannot be run (" + std::strerror(error) +
+  Complain("A camera was attached, but " + Opener().front() + " cannot be run (" + std::strerror(error) +
            "), so " KELVA_DESKTOP_ID " was not started; install this program again.");
 }
 

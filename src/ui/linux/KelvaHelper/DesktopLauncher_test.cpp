@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 
 #include "base/testing/ScratchFolder.h"
 
@@ -45,20 +46,24 @@ TEST_F(DesktopLauncherTest, OwnProgramIsThisTest) {
   EXPECT_TRUE(std::filesystem::equivalent(OwnProgram(), "/proc/self/exe"));
 }
 
-TEST_F(DesktopLauncherTest, OpenerIsToldTheDesktopId) {
+TEST_F(DesktopLauncherTest, OpenerIsToldTheDesktopIdAndTheBus) {
   // Opening the named pipe for reading waits for the opener.
   const std::filesystem::path pipe = folder_ / "pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  UseOpener(WriteProgram("opener", "echo \"$# $1\" > " + pipe.string()));
-  LaunchDesktopApplication();
-  std::string line;
-  std::getline(std::ifstream(pipe) >> std::ws, line);
-  EXPECT_EQ(line, "1 " KELVA_DESKTOP_ID);
-  EXPECT_GT(::waitpid(-1, nullptr, 0), 0);
+  const std::filesystem::path opener = WriteProgram("opener", "echo \"$# $*\" > " + pipe.string());
+  for (const auto& [bus, words] : {std::pair<std::string, std::string>{"", "1 " KELVA_DESKTOP_ID},
+                                   {"/a bus", "3 " KELVA_DESKTOP_ID " --virtual /a bus"}}) {
+    UseOpener(opener, bus);
+    LaunchDesktopApplication();
+    std::string line;
+    std::getline(std::ifstream(pipe) >> std::ws, line);
+    EXPECT_EQ(line, words);
+    EXPECT_GT(::waitpid(-1, nullptr, 0), 0);
+  }
 }
 
 TEST_F(DesktopLauncherTest, MissingOpenerIsOneLineThatSaysWhatToDo) {
-  UseOpener("/nonexistent/kelva-open");
+  UseOpener("/nonexistent/kelva-open", "");
   testing::internal::CaptureStderr();
   LaunchDesktopApplication();
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
