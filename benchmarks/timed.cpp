@@ -33,7 +33,7 @@ int Run(char** command) {
   posix_spawn_file_actions_addopen(&quiet, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   const std::int64_t start = bench::Now();
   pid_t child = 0;
-  if (posix_spawn(&child, command[0], &quiet, nullptr, command, environ) != 0) return 1;
+  if (posix_spawnp(&child, command[0], &quiet, nullptr, command, environ) != 0) return 1;
   int status = 0;
   rusage used{};
   wait4(child, &status, 0, &used);
