@@ -41,11 +41,11 @@ Head ReadHead(std::span<const std::uint8_t, kAnswerHead> bytes) {
           base::Load<std::uint16_t>(bytes, 14)};
 }
 
-bool IsSound(const Head& head) {
+bool IsSound(const Head& head, int longest) {
   if (head.magic != kMagic || head.zero != 0 || head.textSize > kLongestText) return false;
   if (head.kind == kNotDrawn) return head.width == 0 && head.height == 0 && head.timeSize == 0 && head.textSize != 0;
-  return head.kind == kDrawn && head.width >= 1 && head.height >= 1 && head.width <= kThumbnailSide &&
-         head.height <= kThumbnailSide && (head.timeSize == 0 || head.timeSize == kTimeSize);
+  return head.kind == kDrawn && head.width >= 1 && head.height >= 1 && head.width <= longest &&
+         head.height <= longest && (head.timeSize == 0 || head.timeSize == kTimeSize);
 }
 
 base::Bytes Encode(std::uint16_t kind, const Pixels& image, const std::string& time, const std::string& text) {
@@ -63,11 +63,11 @@ std::string TextOf(std::span<const std::uint8_t> bytes) {
 }
 
 // Draws `jpegFile` as the EXIF part of `file` says.
-DrawingOrReason DrawAs(std::span<const char> jpegFile, std::span<const char> file) {
+DrawingOrReason DrawAs(std::span<const char> jpegFile, std::span<const char> file, int longest) {
   try {
-    Decoded decoded = DecodeJpeg(jpegFile, kThumbnailSide);
+    Decoded decoded = DecodeJpeg(jpegFile, longest);
     ExifFacts facts = ReadExif(file);
-    return Drawing{Upright(Shrunk(decoded.image, kThumbnailSide), facts.orientation), std::move(facts.time),
+    return Drawing{Upright(Shrunk(decoded.image, longest), facts.orientation), std::move(facts.time),
                    std::move(decoded.complaint)};
   } catch (const NoPicture& reason) {
     return reason.what();
@@ -78,14 +78,14 @@ DrawingOrReason DrawAs(std::span<const char> jpegFile, std::span<const char> fil
 
 }  // namespace
 
-DrawingOrReason Draw(std::span<const char> jpegFile) {
-  return DrawAs(jpegFile, jpegFile);
+DrawingOrReason Draw(std::span<const char> jpegFile, int longest) {
+  return DrawAs(jpegFile, jpegFile, longest);
 }
 
 DrawingOrReason DrawStart(std::span<const char> start) {
   const std::vector<char> thumbnail = ReadExifThumbnail(start);
   if (thumbnail.empty()) return "it has no EXIF thumbnail";
-  DrawingOrReason answer = DrawAs(thumbnail, start);
+  DrawingOrReason answer = DrawAs(thumbnail, start, kThumbnailSide);
   const auto* drawing = std::get_if<Drawing>(&answer);
   if (drawing != nullptr && !drawing->complaint.empty()) return "its EXIF thumbnail is damaged";
   return answer;
@@ -110,16 +110,16 @@ std::optional<std::string> DecodeTime(std::span<const std::uint8_t, kTimeAnswer>
   return time;
 }
 
-std::optional<std::size_t> SizeAfter(std::span<const std::uint8_t, kAnswerHead> bytes) {
+std::optional<std::size_t> SizeAfter(std::span<const std::uint8_t, kAnswerHead> bytes, int longest) {
   const Head head = ReadHead(bytes);
-  if (!IsSound(head)) return std::nullopt;
+  if (!IsSound(head, longest)) return std::nullopt;
   return head.Pixels() + head.timeSize + head.textSize;
 }
 
 std::optional<DrawingOrReason> DecodeAnswer(std::span<const std::uint8_t, kAnswerHead> bytes,
-                                            std::span<const std::uint8_t> rest) {
+                                            std::span<const std::uint8_t> rest, int longest) {
   const Head head = ReadHead(bytes);
-  if (SizeAfter(bytes) != rest.size()) return std::nullopt;
+  if (SizeAfter(bytes, longest) != rest.size()) return std::nullopt;
   const std::string text = Printable(TextOf(rest.subspan(head.Pixels() + head.timeSize)));
   if (head.kind == kNotDrawn) return text;
   const auto pixels = rest.first(head.Pixels());

@@ -80,7 +80,8 @@ class Exchange {
 
 base::Bytes Answer(std::uint64_t asked, std::span<const char> picture) {
   if ((asked & kTimeOnly) != 0) return EncodeTime(ReadExif(picture).time);
-  return EncodeAnswer((asked & kStartOnly) != 0 ? DrawStart(picture) : Draw(picture));
+  if ((asked & kStartOnly) != 0) return EncodeAnswer(DrawStart(picture));
+  return EncodeAnswer(Draw(picture, (asked & kShownLarge) != 0 ? kLargeSide : kThumbnailSide));
 }
 
 }  // namespace
@@ -97,7 +98,7 @@ bool DrawAll(int descriptor) {
     const std::size_t came = exchange.Take(head);
     if (came == 0) return true;
     const auto asked = base::Load<std::uint64_t>(std::span(reinterpret_cast<const std::uint8_t*>(head.data()), 8), 0);
-    const std::uint64_t size = asked & ~(kTimeOnly | kStartOnly);
+    const std::uint64_t size = asked & ~(kTimeOnly | kStartOnly | kShownLarge);
     if (came != head.size() || size > kLargestPicture) return false;
     if (file.size() < size) file.resize(size);
     const std::span<char> picture(file.data(), size);

@@ -12,7 +12,7 @@ inline constexpr int kCannotConfine = 3;
 
 /// Says kReady and draws pictures from `descriptor` until its end: for each, 8 bytes with the file's size come,
 /// little-endian, then the file; the answer goes back. With kStartOnly or kTimeOnly in the size the file may end
-/// early; with the latter only its time goes back. Returns false when the other end broke that order.
+/// early; with the latter only its time goes back. With kShownLarge the drawing is larger. Returns false when the other end broke that order.
 bool DrawAll(int descriptor);
 
 }  // namespace apps

@@ -53,6 +53,14 @@ class WorkerTest : public ::testing::Test {
     EXPECT_TRUE(base::ReceiveAll(near_.Get(), rest));
     return head[4];
   }
+  /// The width of the next answer's drawing, for which one of this side was asked.
+  int Width(int longest) const {
+    std::array<std::uint8_t, kAnswerHead> head{};
+    EXPECT_TRUE(base::ReceiveAll(near_.Get(), head));
+    base::Bytes rest(SizeAfter(head, longest).value_or(0));
+    EXPECT_TRUE(base::ReceiveAll(near_.Get(), rest));
+    return head[6] + 256 * head[7];
+  }
 
   base::FileDescriptor near_;
   base::FileDescriptor far_;
@@ -84,6 +92,15 @@ TEST_F(WorkerTest, SaysTheTimeOfAPictureWithoutItsPixels) {
 TEST_F(WorkerTest, EndsAtASizeBeyondItsBoundsAlsoForATime) {
   Send(kTimeOnly | (kLargestPicture + 1), "");
   EXPECT_FALSE(End());
+}
+
+TEST_F(WorkerTest, DrawsAPictureLargeWhenAsked) {
+  const std::string picture = TinyJpeg::File(60, std::vector<int>(60, 90));  // 480 pixels
+  Send(picture.size(), picture);
+  EXPECT_EQ(Width(kThumbnailSide), 400);
+  Send(kShownLarge | picture.size(), picture);
+  EXPECT_EQ(Width(kLargeSide), 480);
+  EXPECT_TRUE(End());
 }
 
 TEST_F(WorkerTest, EndsWhenAFileDoesNotComeWhole) {

@@ -15,6 +15,11 @@ Thumbnail Stored(Drawing drawing) {
   return {image.width, image.height, EncodeJpeg(image), std::move(drawing.time), std::move(drawing.complaint)};
 }
 
+Thumbnail StoredOrThrown(DrawingOrReason answer) {
+  if (const auto* reason = std::get_if<std::string>(&answer)) throw NoPicture(*reason);
+  return Stored(std::get<Drawing>(std::move(answer)));
+}
+
 }  // namespace
 
 Thumbnail DrawThumbnailInStart(Thumbnailer& thumbnailer, std::span<const char> start, const Stop& stop) {
@@ -23,10 +28,12 @@ Thumbnail DrawThumbnailInStart(Thumbnailer& thumbnailer, std::span<const char> s
   return Stored(std::get<Drawing>(std::move(answer)));
 }
 
+Thumbnail DrawLargePicture(Thumbnailer& thumbnailer, std::span<const char> jpegFile, const Stop& stop) {
+  return StoredOrThrown(thumbnailer.DrawLarge(jpegFile, stop));
+}
+
 Thumbnail DrawThumbnail(Thumbnailer& thumbnailer, std::span<const char> jpegFile, const Stop& stop) {
-  DrawingOrReason answer = thumbnailer.Draw(jpegFile, stop);
-  if (const auto* reason = std::get_if<std::string>(&answer)) throw NoPicture(*reason);
-  return Stored(std::get<Drawing>(std::move(answer)));
+  return StoredOrThrown(thumbnailer.Draw(jpegFile, stop));
 }
 
 }  // namespace apps

@@ -30,6 +30,9 @@ class NoThumbnail : public NoPicture {
 /// Thumbnailer::Draw throws.
 Thumbnail DrawThumbnailInStart(Thumbnailer& thumbnailer, std::span<const char> start, const Stop& stop);
 
+/// A picture to be shown large. Throws NoPicture, and what Thumbnailer::Draw throws.
+Thumbnail DrawLargePicture(Thumbnailer& thumbnailer, std::span<const char> jpegFile, const Stop& stop);
+
 /// Throws NoPicture, and what Thumbnailer::Draw throws.
 Thumbnail DrawThumbnail(Thumbnailer& thumbnailer, std::span<const char> jpegFile, const Stop& stop);
 

@@ -44,6 +44,10 @@ std::future<Thumbnail> ThumbnailPool::Draw(std::vector<char> jpegFile) {
   return Add(std::move(jpegFile), DrawThumbnail);
 }
 
+std::future<Thumbnail> ThumbnailPool::DrawLarge(std::vector<char> jpegFile) {
+  return Add(std::move(jpegFile), DrawLargePicture);
+}
+
 std::future<Thumbnail> ThumbnailPool::DrawStart(std::vector<char> start) {
   return Add(std::move(start), DrawThumbnailInStart);
 }

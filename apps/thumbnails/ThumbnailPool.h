@@ -36,6 +36,8 @@ class ThumbnailPool {
   /// Has a JPEG file drawn as soon as a process is free. The result throws what DrawThumbnail throws. The file's memory is
   /// given back before.
   std::future<Thumbnail> Draw(std::vector<char> jpegFile);
+  /// As Draw, to be shown large.
+  std::future<Thumbnail> DrawLarge(std::vector<char> jpegFile);
   /// As Draw, of the start of a file; the result throws what DrawThumbnailInStart throws.
   std::future<Thumbnail> DrawStart(std::vector<char> start);
 

@@ -193,6 +193,12 @@ DrawingOrReason Thumbnailer::Draw(std::span<const char> jpegFile, const Stop& st
   return Ask(jpegFile.size(), jpegFile, stop, patience);
 }
 
+DrawingOrReason Thumbnailer::DrawLarge(std::span<const char> jpegFile, const Stop& stop,
+                                       std::chrono::milliseconds patience) {
+  if (jpegFile.size() > kLargestPicture) return "it is larger than a file that is shown";
+  return Ask(kShownLarge | jpegFile.size(), jpegFile, stop, patience);
+}
+
 DrawingOrReason Thumbnailer::DrawStart(std::span<const char> start, const Stop& stop,
                                        std::chrono::milliseconds patience) {
   return Ask(kStartOnly | start.size(), start, stop, patience);
@@ -204,16 +210,17 @@ DrawingOrReason Thumbnailer::Ask(std::uint64_t size, std::span<const char> bytes
   if (process_ == 0) Start(stop, patience);
   ++drawn_;
   Exchange exchange(socket_.Get(), stop, patience);
+  const int longest = (size & kShownLarge) != 0 ? kLargeSide : kThumbnailSide;
   std::array<std::uint8_t, kAnswerHead> head{};
   base::Bytes rest;
   bool came = exchange.Send(Size(size)) && exchange.Send(bytes) && exchange.Receive(head);
-  const std::optional<std::size_t> more = came ? SizeAfter(head) : std::nullopt;
+  const std::optional<std::size_t> more = came ? SizeAfter(head, longest) : std::nullopt;
   if (more) {
     rest.resize(*more);
     came = exchange.Receive(rest);
   }
   if (more && came) {
-    if (auto answer = DecodeAnswer(head, rest)) return *std::move(answer);
+    if (auto answer = DecodeAnswer(head, rest, longest)) return *std::move(answer);
   }
   if (exchange.TimeIsOver()) return Reap(), "the process that draws it does not come to an end";
   if (came) return Reap(), "the process that draws it answers in another language";

@@ -47,6 +47,10 @@ class Thumbnailer {
   DrawingOrReason Draw(std::span<const char> jpegFile, const Stop& stop,
                        std::chrono::milliseconds patience = std::chrono::seconds(60));
 
+  /// As Draw, to be shown large (kLargeSide).
+  DrawingOrReason DrawLarge(std::span<const char> jpegFile, const Stop& stop,
+                            std::chrono::milliseconds patience = std::chrono::seconds(60));
+
   /// As Draw, for a JPEG file of which only the start is there: draws its EXIF thumbnail. A reason where it has none.
   DrawingOrReason DrawStart(std::span<const char> start, const Stop& stop,
                             std::chrono::milliseconds patience = std::chrono::seconds(60));
