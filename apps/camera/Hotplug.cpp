@@ -81,6 +81,18 @@ void Hotplug::Repeat(std::chrono::milliseconds pause, MakeErrand make) {
   makeErrand_ = std::move(make);
 }
 
+void Hotplug::Every(std::chrono::milliseconds pause, std::function<void()> look) {
+  pause_ = pause;
+  look_ = std::move(look);
+}
+
+void Hotplug::Look() {
+  using Clock = std::chrono::steady_clock;
+  if (finished_ || Clock::now() < nextLook_) return;
+  look_();
+  nextLook_ = Clock::now() + pause_;
+}
+
 // Not in the callbacks, because an errand may wait for its camera. The loop also wakes up for other sources: the errand's
 // own session is news on a bus.
 void Hotplug::RunErrands() {
@@ -100,10 +112,11 @@ void Hotplug::Run(const Stop& stop) {
   const Alarm alarm;
   const Stop::WakeUp wakeUp(stop, [&alarm] { alarm.Ring(); });
   constexpr CFTimeInterval kForEver = 1e10;
-  const CFTimeInterval pause = makeErrand_ ? std::chrono::duration<double>(pause_).count() : kForEver;
+  const CFTimeInterval pause = makeErrand_ || look_ ? std::chrono::duration<double>(pause_).count() : kForEver;
   while (!error_ && !finished_) {
     stop.Check();
     if (makeErrand_) RunErrands();
+    if (look_) Look();
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, pause, true);
     ForgetLost();
   }

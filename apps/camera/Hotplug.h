@@ -38,6 +38,10 @@ class Hotplug {
   /// last. Both may throw, as the handler may. The errand, and with it all that it keeps, goes with its camera.
   void Repeat(std::chrono::milliseconds pause, MakeErrand make);
 
+  /// Call before Run: what is done first when the cameras that are there have been reported, and then each time that `pause` has
+  /// passed. It may throw, as the handler may. Not together with Repeat.
+  void Every(std::chrono::milliseconds pause, std::function<void()> look);
+
   /// Reports the cameras that are there, then each change, until `stop` is requested (throws Stopped) or Finish is
   /// called. Throws CameraError when the system refuses to watch.
   void Run(const Stop& stop);
@@ -59,10 +63,13 @@ class Hotplug {
   void Report(const HotplugEvent& event) noexcept;
   void ForgetLost();
   void RunErrands();
+  void Look();
 
   Handler handler_;
   std::chrono::milliseconds pause_{0};
   MakeErrand makeErrand_;
+  std::function<void()> look_;
+  std::chrono::steady_clock::time_point nextLook_;
   std::list<Watched> watched_;
   bool present_ = true;
   bool finished_ = false;

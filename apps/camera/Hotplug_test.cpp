@@ -76,6 +76,23 @@ TEST(HotplugTest, AnErrandRunsOnceInEachPauseWhateverWakesTheLoop) {
   EXPECT_EQ(errands, (std::map<std::string, int>{{"K1", 1}, {"L1", 1}, {"L2", 1}}));
 }
 
+TEST(HotplugTest, ALookFollowsTheCamerasThatAreThereAndThenEachPause) {
+  darwin::VirtualRegistry registry;
+  registry.AttachCamera({"K1", "Kelva", "Camera", "1.00", 3, {}});
+  static std::string seen;
+  Hotplug& hotplug = Watch([](const HotplugEvent& event) { seen += event.facts.serial + " "; });
+  Stop stop;
+  hotplug.Every(std::chrono::hours(1), [] { seen += "look "; });
+  int runs = 0;
+  beforeRun = [&] {
+    if (++runs == 3) stop.Request();
+    registry.AttachCamera({"L" + std::to_string(runs), "Kelva", "Camera", "1.00", 3, {}});
+  };
+  EXPECT_THROW(hotplug.Run(stop), Stopped);
+  beforeRun = {};
+  EXPECT_EQ(seen.substr(0, 14), "K1 look L1 L2 ");
+}
+
 TEST(HotplugTest, ARequestJustBeforeTheLoopRunsEndsTheWatch) {
   darwin::VirtualRegistry registry;
   Hotplug& hotplug = Watch([](const HotplugEvent&) {});

@@ -18,4 +18,12 @@ bool IsHarmless(Condition condition) {
   return condition == Condition::kWell || condition == Condition::kNoUdev;
 }
 
+std::vector<Finding> Obstacles(std::vector<Finding> findings) {
+  std::erase_if(findings, [](const Finding& finding) {
+    return IsHarmless(finding.condition) || finding.condition == Condition::kNoDevice ||
+           finding.condition == Condition::kHeld;
+  });
+  return findings;
+}
+
 }  // namespace apps::doctor

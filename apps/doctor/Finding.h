@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace apps::doctor {
 
@@ -41,6 +42,10 @@ struct Finding {
   /// What to do besides, or instead of a command; may be empty.
   std::string advice;
 };
+
+/// Those that keep somebody from using a camera, and that no program or camera ends soon: not that there is none, nor that
+/// another program holds one.
+std::vector<Finding> Obstacles(std::vector<Finding> findings);
 
 }  // namespace apps::doctor
 

@@ -16,5 +16,17 @@ TEST(FindingTest, EveryConditionHasAWordOfItsOwn) {
   EXPECT_EQ(std::count(words.begin(), words.end(), "unknown"), 0);
 }
 
+TEST(FindingTest, ObstaclesAreWhatNothingEndsSoon) {
+  std::vector<Finding> all;
+  for (const Condition condition : {Condition::kWell, Condition::kNoDevice, Condition::kHeld, Condition::kNoUdev,
+                                    Condition::kNoPermission, Condition::kBadCamera}) {
+    all.push_back({condition, "K1", "", "", ""});
+  }
+  const std::vector<Finding> obstacles = Obstacles(all);
+  ASSERT_EQ(obstacles.size(), 2U);
+  EXPECT_EQ(obstacles[0].condition, Condition::kNoPermission);
+  EXPECT_EQ(obstacles[1].condition, Condition::kBadCamera);
+}
+
 }  // namespace
 }  // namespace apps::doctor

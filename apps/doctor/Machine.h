@@ -15,6 +15,9 @@ namespace apps::doctor {
 /// changes nothing. Never empty: without a camera it says that there is none.
 std::vector<Finding> ExamineMachine();
 
+/// The same without a question to a camera: what the machine itself shows.
+std::vector<Finding> LookAtMachine();
+
 /// The processes, except this one, that hold the camera with this serial number, as far as the system tells.
 std::vector<Holder> HoldersOfCamera(const std::string& serial);
 

@@ -74,9 +74,9 @@ SyncPlan PlanFor(Context& context, const Session& camera, const SyncChoice& choi
                  const TargetFolder* folder, PictureTimes& times) {
   SyncPlan plan = MakePlan(ReadPictures(*camera), camera.Facts().serial, choice.types, choice.pattern, manifest, folder,
                            TimesForNames(context, camera.Pointer(), times),
-                           [&](const DcfObj& picture) { return choice.pictures.IsInFolder(picture); });
+                           [&](const DcfObj& picture) { return choice.Means(picture); });
   if (choice.pictures.HasSince()) KeepSince(context, camera, choice.pictures, times, plan);
-  if (choice.everything || choice.pictures.IsAll()) {
+  if (choice.everything || choice.IsAll()) {
     // They have no dates.
     const bool fetch = choice.everything && !choice.pictures.HasSince();
     AddOthers(plan, FindOthers(context, *camera, plan.source->catalogue), fetch, manifest,

@@ -1,6 +1,9 @@
 #ifndef KELVA_APPS_IMPORT_SYNC_CHOICE_H_
 #define KELVA_APPS_IMPORT_SYNC_CHOICE_H_
 
+#include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "apps/camera/PictureChoice.h"
@@ -15,9 +18,18 @@ struct SyncChoice {
   std::vector<int> types;
   bool everything;         ///< also what is not in the catalogue
   PictureChoice pictures;  ///< by folder and date
+  /// By name: only these, as NameOf gives them.
+  std::optional<std::set<std::string>> named = {};
+
+  bool Means(const DcfObj& picture) const {
+    return pictures.IsInFolder(picture) && (!named || named->contains(NameOf(picture)));
+  }
+  bool IsAll() const { return pictures.IsAll() && !named; }
+  /// "100ABCDE/IMG_0001", with %XX for bytes that other programs might not hand back (Words.h).
+  static std::string NameOf(const DcfObj& picture);
 };
 
-/// Throws Failure(kUsage).
+/// Throws Failure, kUsage for options that are wrong.
 SyncChoice SyncChoiceOf(const Context& context);
 
 }  // namespace apps

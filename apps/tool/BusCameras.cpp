@@ -10,6 +10,7 @@
 #include "bus/BusConnection.h"
 #include "darwin/registry/Registry.h"
 #include "platform/Process.h"
+#include "wire/RegistryNames.h"
 
 namespace apps {
 
@@ -28,20 +29,35 @@ std::string ToolName(const std::string& process) {
   return process.ends_with(kEnd) ? process.substr(0, process.size() - kEnd.size()) : process;
 }
 
-// Uses a connection of its own, because the source's connection belongs to the registry.
-std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::string& serial) {
-  std::vector<doctor::Holder> holders;
+// Uses a connection of its own, because the source's connection belongs to the registry. Empty where nobody serves the bus.
+std::vector<bus::CameraStatus> CamerasOnBus(const std::string& socket) {
   try {
     bus::BusConnection bus(socket);
     const auto cameras = bus::Decode<std::vector<bus::CameraStatus>>(bus.Request(bus::Kind::kStatus, {}).payload);
-    for (const bus::CameraStatus& camera : cameras.value_or(std::vector<bus::CameraStatus>())) {
-      const int pid = static_cast<int>(camera.holder);
-      if (camera.serial == serial && pid != 0) holders.push_back({pid, ToolName(platform::ProcessName(pid))});
-    }
+    return cameras.value_or(std::vector<bus::CameraStatus>());
   } catch (const std::runtime_error&) {
-    // Optional: the message is complete without the holder's name.
+    return {};
+  }
+}
+
+std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::string& serial) {
+  std::vector<doctor::Holder> holders;
+  for (const bus::CameraStatus& camera : CamerasOnBus(socket)) {
+    const int pid = static_cast<int>(camera.holder);
+    if (camera.serial == serial && pid != 0) holders.push_back({pid, ToolName(platform::ProcessName(pid))});
   }
   return holders;
+}
+
+std::vector<doctor::Finding> ObstaclesOnBus(const std::string& socket) {
+  std::vector<doctor::Finding> findings;
+  for (const bus::CameraStatus& camera : CamerasOnBus(socket)) {
+    if (!wire::IsBadCamera(camera.peripheralType, camera.revision)) continue;
+    findings.push_back({doctor::Condition::kBadCamera, camera.serial,
+                        "A virtual camera is of the kind that is taken for a CD drive.", "",
+                        "Unplug it, and plug it in without --type 5."});
+  }
+  return findings;
 }
 
 // A socket cannot be opened; its folder can.

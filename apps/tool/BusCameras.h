@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "apps/commandline/Context.h"
+#include "apps/doctor/Finding.h"
 #include "apps/doctor/Holder.h"
 
 // A virtual bus as the source of cameras.
@@ -16,6 +17,9 @@ void UseBus(const std::string& socket);
 
 /// The processes that hold the camera with this serial number; empty when that cannot be told.
 std::vector<doctor::Holder> HoldersOnBus(const std::string& socket, const std::string& serial);
+
+/// The cameras of the bus that are of the bad kind. Empty when that cannot be told.
+std::vector<doctor::Finding> ObstaclesOnBus(const std::string& socket);
 
 /// Where programs stand in line for that camera.
 LinePlace LineOnBus(const std::string& socket, const std::string& serial);

@@ -10,6 +10,7 @@ namespace {
 TEST(BusCamerasTest, ABusThatNobodyServesIsAFailureAndHasNoHolders) {
   EXPECT_THROW(UseBus("/nowhere/bus"), Failure);
   EXPECT_TRUE(HoldersOnBus("/nowhere/bus", "K1").empty());
+  EXPECT_TRUE(ObstaclesOnBus("/nowhere/bus").empty());
 }
 
 TEST(BusCamerasTest, ProgramsOfABusStandInLineAtItsFolder) {

@@ -4,8 +4,10 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "apps/commandline/Context.h"
+#include "apps/doctor/Finding.h"
 
 namespace apps {
 
@@ -17,6 +19,10 @@ void ChooseCameraSource(const std::optional<std::string>& socket, const std::fun
 /// Names the processes that hold the camera with this serial number, from the same source of cameras as above; empty
 /// when that cannot be told.
 std::string HoldersInWords(const std::optional<std::string>& socket, const std::string& serial);
+
+/// What keeps cameras of the same source from being used, as far as it shows without a question to them. A camera that another
+/// program holds is no finding, nor is it that there is none.
+std::vector<doctor::Finding> ObstaclesToCameras(const std::optional<std::string>& socket);
 
 /// Where programs stand in line for this camera: all that reach it can open that place. Nothing when there is none.
 std::optional<LinePlace> LineOf(const std::optional<std::string>& socket, const std::string& serial);

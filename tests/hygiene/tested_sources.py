@@ -35,6 +35,8 @@ ELSEWHERE = {
     "apps/kelva/verbs/SyncChoice_test.cpp": "apps/import/SyncChoice.cpp",
     "apps/kelva/verbs/SyncSummary_test.cpp": "apps/import/SyncSummary.cpp",
     "apps/kelva/verbs/SyncVerb_test.cpp": "apps/import/ImportRun.cpp",
+    "tests/desktop/worker_test.py": """
+        apps/desktop/worker/Browser.cpp apps/desktop/worker/Drawings.cpp apps/desktop/worker/Verbs.cpp""",
     # It waits for a camera's clock, which no unit test does.
     "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.

@@ -50,7 +50,7 @@ class Configured:
 
 def install_with_stand_ins(build, root, *options):
     """A whole `cmake --install` below a folder, of products that stand in for what a Mac builds; what it put there."""
-    for name in ("libkelva.a", "bin/kelva", "bin/kelva-thumbnail", "bin/kelva-virtual", "bin/kelva-vcam", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
+    for name in ("libkelva.a", "bin/kelva", "bin/kelva-thumbnail", "bin/kelva-virtual", "bin/kelva-vcam", "bin/kelva-desktop-worker", "bin/kelva-desktop-worker-virtual", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
         product = build.folder / name
         product.parent.mkdir(parents=True, exist_ok=True)
         product.touch()
@@ -113,7 +113,7 @@ class ShippedBuild(unittest.TestCase):
         tool = self.link_of("kelva-virtual")
         self.assertRegex(tool, r"libdarwin_registry.*libdarwin_cf")
         self.assertNotIn("-framework", tool)
-        for program in ("kelva-virtual", "kelva-vcam"):
+        for program in ("kelva-virtual", "kelva-vcam", "kelva-desktop-worker-virtual"):
             self.assertNotIn("-framework", self.link_of(program))
 
     def test_agent_knows_the_desktop_application_that_the_build_names(self):
@@ -143,7 +143,7 @@ class ShippedBuild(unittest.TestCase):
             names = [name.removeprefix("opt/kelva/") for name in files]
             self.assertLessEqual({"lib/libkelva.a", "include/kelva/Camera.h", "lib/pkgconfig/kelva.pc", "share/doc/kelva/LICENSE",
                                   "share/doc/kelva/THIRD-PARTY-NOTICES.md", "share/doc/kelva/docs/macos.md", "bin/kelva", "bin/kelva-vcam",
-                                  "libexec/kelva/kelva-thumbnail", "libexec/kelva/kelva-virtual"}, set(names))
+                                  "libexec/kelva/kelva-thumbnail", "libexec/kelva/kelva-virtual", "libexec/kelva/kelva-desktop-worker"}, set(names))
             homes = ("include/kelva/", "lib/libkelva", "lib/cmake/Kelva/", "lib/pkgconfig/", "share/doc/kelva/", "Applications/KelvaHelper.app/",
                      "Library/LaunchAgents/", "bin/kelva", "libexec/kelva/")
             for name in names:

@@ -13,6 +13,10 @@ std::vector<Finding> ExamineMachine() {
   return Diagnose(SurveyMachine([](const std::string& node) { return AskCamera(node); }));
 }
 
+std::vector<Finding> LookAtMachine() {
+  return Diagnose(SurveyMachine([](const std::string&) { return Answer::kNotAsked; }));
+}
+
 std::vector<Holder> HoldersOfCamera(const std::string& serial) {
   const std::string node = NodeOfCamera(serial);
   return node.empty() ? std::vector<Holder>() : HoldersOf(node);

@@ -12,6 +12,10 @@ std::vector<Finding> ExamineMachine() {
   return macos::Diagnose(macos::SurveyRegistry(macos::AskCamera));
 }
 
+std::vector<Finding> LookAtMachine() {
+  return macos::Diagnose(macos::SurveyRegistry([](io_service_t) { return macos::Answer::kNotAsked; }));
+}
+
 std::vector<Holder> HoldersOfCamera(const std::string& serial) {
   return macos::HoldersBySerial(serial);
 }

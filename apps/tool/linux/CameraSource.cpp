@@ -26,6 +26,10 @@ std::string HoldersInWords(const std::optional<std::string>& socket, const std::
   return doctor::InWords(socket ? HoldersOnBus(*socket, serial) : doctor::HoldersOfCamera(serial));
 }
 
+std::vector<doctor::Finding> ObstaclesToCameras(const std::optional<std::string>& socket) {
+  return socket ? ObstaclesOnBus(*socket) : doctor::Obstacles(doctor::LookAtMachine());
+}
+
 std::optional<LinePlace> LineOf(const std::optional<std::string>& socket, const std::string& serial) {
   if (socket) return LineOnBus(*socket, serial);
   const std::string node = doctor::NodeOfCamera(serial);

@@ -15,6 +15,10 @@ std::string HoldersInWords(const std::optional<std::string>&, const std::string&
   return doctor::InWords(doctor::HoldersOfCamera(serial));
 }
 
+std::vector<doctor::Finding> ObstaclesToCameras(const std::optional<std::string>&) {
+  return doctor::Obstacles(doctor::LookAtMachine());
+}
+
 // A camera has no node. All users can open this folder, and nothing is written there.
 std::optional<LinePlace> LineOf(const std::optional<std::string>&, const std::string& serial) {
   return LinePlace{"/tmp", serial};

@@ -16,6 +16,10 @@ std::string HoldersInWords(const std::optional<std::string>& socket, const std::
   return socket ? doctor::InWords(HoldersOnBus(*socket, serial)) : "";
 }
 
+std::vector<doctor::Finding> ObstaclesToCameras(const std::optional<std::string>& socket) {
+  return socket ? ObstaclesOnBus(*socket) : std::vector<doctor::Finding>();
+}
+
 std::optional<LinePlace> LineOf(const std::optional<std::string>& socket, const std::string& serial) {
   if (!socket) return std::nullopt;
   return LineOnBus(*socket, serial);
