@@ -158,6 +158,18 @@ class Folders(AgentCase):
                 self.session.unplug("KV0001")
                 agent.end()
 
+    def test_cameras_that_come_at_once_are_mounted_one_after_the_other(self):
+        self.session.install_viewer("x-content/image-dcf")
+        running = self.session.folder / "running"
+        self.stand_in.write_text(f"#!/bin/sh\nmkdir {running} || echo together >{self.session.folder}/mounts\nsleep 0.05\nrmdir {running}\n"
+                                 """echo '{"event":"mounted","path":"/a","serial":"K","was_mounted":false}'\n""")
+        agent = self.session.watching_agent()
+        for number in range(5):
+            self.session.plug(f"KV{number:04}")
+        for _ in range(5):
+            self.assertIn("started Viewer there", agent.output.next())
+        self.assertFalse(self.mounts.waiting())
+
     def test_application_that_is_installed_goes_before(self):
         self.session.install_viewer("x-content/image-dcf")
         self.session.install_application()

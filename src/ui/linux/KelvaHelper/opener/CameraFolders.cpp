@@ -2,8 +2,13 @@
 
 #include "src/ui/linux/KelvaHelper/opener/CameraFolders.h"
 
-#include <algorithm>
+#include <fcntl.h>
+#include <sys/file.h>
 
+#include <algorithm>
+#include <cerrno>
+
+#include "base/FileDescriptor.h"
 #include "src/ui/linux/KelvaHelper/opener/ExitCode.h"
 #include "src/ui/linux/KelvaHelper/opener/FolderViewer.h"
 #include "src/ui/linux/KelvaHelper/opener/Notification.h"
@@ -11,10 +16,23 @@
 #include "src/ui/linux/KelvaHelper/opener/SessionScope.h"
 
 namespace opener {
+namespace {
+
+/// Waits for the other openers of this user: two that mount at once could both take the same camera. Goes on without
+/// where the file cannot be made.
+base::FileDescriptor WaitForTurn() {
+  const std::string path = std::string(g_get_user_runtime_dir()) + "/kelva-open.lock";
+  base::FileDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  while (file && ::flock(file.Get(), LOCK_EX) != 0 && errno == EINTR) continue;
+  return file;
+}
+
+}  // namespace
 
 int CameraFolders::Show(const std::string& virtualBus) {
   // The processes that serve the folders outlive the agent's unit, and are not the viewer's when somebody ends that.
   EnterScope(bus_, "kelva-mount");
+  const base::FileDescriptor turn = WaitForTurn();
   return Summary(program_.MountAll(virtualBus, [this](const Mounted& camera) {
     if (!camera.before) Open(camera);
   }));
