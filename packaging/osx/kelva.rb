@@ -14,6 +14,7 @@ class Kelva < Formula
   depends_on "libexif"
   depends_on macos: :big_sur
   depends_on "openssl@3"
+  depends_on "qt"
 
   def install
     system "cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DKELVA_BUILD_TESTS=OFF",

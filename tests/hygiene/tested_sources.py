@@ -37,6 +37,9 @@ ELSEWHERE = {
     "apps/kelva/verbs/SyncVerb_test.cpp": "apps/import/ImportRun.cpp",
     "tests/desktop/worker_test.py": """
         apps/desktop/worker/Browser.cpp apps/desktop/worker/Drawings.cpp apps/desktop/worker/Verbs.cpp""",
+    # They need a session bus, and what stands in for it needs a Mac's compiler.
+    "tests/desktop/window_test.py": "apps/desktop/dbus/Appearance.cpp apps/desktop/dbus/SingleInstance.cpp",
+    "tests/macos/sources_test.py": "apps/desktop/alone/Appearance.cpp apps/desktop/alone/SingleInstance.cpp",
     # It waits for a camera's clock, which no unit test does.
     "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.

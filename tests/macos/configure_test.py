@@ -50,7 +50,7 @@ class Configured:
 
 def install_with_stand_ins(build, root, *options):
     """A whole `cmake --install` below a folder, of products that stand in for what a Mac builds; what it put there."""
-    for name in ("libkelva.a", "bin/kelva", "bin/kelva-thumbnail", "bin/kelva-virtual", "bin/kelva-vcam", "bin/kelva-desktop-worker", "bin/kelva-desktop-worker-virtual", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
+    for name in ("libkelva.a", "bin/kelva", "bin/kelva-thumbnail", "bin/kelva-virtual", "bin/kelva-vcam", "bin/kelva-desktop", "bin/kelva-desktop-worker", "bin/kelva-desktop-worker-virtual", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
         product = build.folder / name
         product.parent.mkdir(parents=True, exist_ok=True)
         product.touch()

@@ -11,6 +11,7 @@ set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 foreach(language IN ITEMS CXX OBJCXX)
   set(CMAKE_${language}_COMPILER_WORKS TRUE)
 endforeach()
+set(Qt6_DIR "${CMAKE_CURRENT_LIST_DIR}/stand_in/Qt6")
 # Tools of that system's linker; only their names are needed.
 set(CMAKE_INSTALL_NAME_TOOL "/bin/true")
 set(CMAKE_LIBTOOL "/bin/true")

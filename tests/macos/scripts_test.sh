@@ -24,7 +24,7 @@ refused() {
 
 on_it 0 ./test
 said "googletest *the unit tests"
-called "brew install googletest openssl@3 libdeflate jpeg-turbo libexif"
+called "brew install googletest openssl@3 libdeflate jpeg-turbo libexif qt"
 called "cmake --preset dev"
 called "cmake --build --preset dev"
 not_called fuzz

@@ -1,0 +1,101 @@
+// The program from its arguments to its exit status.
+#include "apps/desktop/Application.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <cstdio>
+
+#include "apps/commandline/ProgramBeside.h"
+#include "apps/desktop/Appearance.h"
+#include "apps/desktop/MainWindow.h"
+#include "apps/desktop/SingleInstance.h"
+#include "apps/desktop/Words.h"
+
+namespace desktop {
+namespace {
+
+constexpr int kWrongArguments = 2;
+constexpr char kHelp[] =
+    "Usage: kelva-desktop [--virtual SOCKET]\n"
+    "\n"
+    "Shows the pictures of the cameras that are attached, and imports them.\n"
+    "\n"
+    "  --virtual SOCKET  the cameras of a virtual bus instead of this machine's\n"
+    "  --help            print this text\n"
+    "  --version         print the version\n";
+
+// Asked before there is a screen.
+Arguments ArgumentsOf(int argc, char** argv) {
+  QStringList words;
+  for (int word = 1; word < argc; ++word) words.append(QString::fromLocal8Bit(argv[word]));
+  return ParseArguments(words);
+}
+
+int Print(std::FILE* stream, const QString& text) {
+  std::fputs(text.toLocal8Bit().constData(), stream);
+  return stream == stdout ? 0 : kWrongArguments;
+}
+
+MakeWorker WorkersOn(const QString& bus) {
+  const std::string own = QCoreApplication::applicationFilePath().toStdString();
+  const QString program = QString::fromStdString(apps::ProgramBeside(own, "kelva-desktop-worker"));
+  return [program, bus](QStringList words) {
+    if (!bus.isEmpty()) words << "--virtual" << bus;
+    return std::make_unique<WorkerProcess>(program, words);
+  };
+}
+
+int Show(const QString& bus) {
+  SingleInstance instance;
+  if (instance.HasAskedAnother()) return 0;
+  FollowAppearance();
+  int status = 0;
+  {
+    MainWindow window(WorkersOn(bus));
+    instance.OnActivate([&window] { window.Raise(); });
+    window.Watch();
+    window.show();
+    status = QApplication::exec();
+    instance.OnActivate({});
+  }
+  WorkerProcess::EndAll();
+  return status;
+}
+
+}  // namespace
+
+Arguments ParseArguments(const QStringList& words) {
+  Arguments arguments;
+  for (qsizetype at = 0; at < words.size(); ++at) {
+    const QString& word = words[at];
+    if (word == "--help") arguments.answer = kHelp;
+    if (word == "--version") arguments.answer = "kelva-desktop " KELVA_VERSION "\n";
+    if (word == "--virtual" && at + 1 < words.size()) {
+      arguments.bus = words[++at];
+    } else if (word.startsWith("--virtual=")) {
+      arguments.bus = word.section('=', 1);
+    } else if (word == "-style" || word == "-platform") {
+      ++at;  // Qt's own
+    } else if (arguments.answer.isEmpty()) {
+      arguments.mistake = "kelva-desktop: \"" + word + "\" is not understood; --help says how it is used.\n";
+    }
+  }
+  return arguments;
+}
+
+int Run(int argc, char** argv) {
+  const Arguments arguments = ArgumentsOf(argc, argv);
+  if (!arguments.answer.isEmpty()) return Print(stdout, arguments.answer);
+  if (!arguments.mistake.isEmpty()) return Print(stderr, arguments.mistake);
+  QApplication application(argc, argv);
+  QApplication::setOrganizationName("Kelva");
+  QApplication::setApplicationName("Desktop");
+  QApplication::setApplicationDisplayName("Kelva");
+  QApplication::setDesktopFileName("com.kelva.Desktop");
+  QApplication::setWindowIcon(QIcon::fromTheme("kelva"));
+  EnglishNumbers english;
+  QApplication::installTranslator(&english);
+  return Show(arguments.bus);
+}
+
+}  // namespace desktop

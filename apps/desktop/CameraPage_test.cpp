@@ -1,0 +1,80 @@
+#include "apps/desktop/CameraPage.h"
+
+#include <QPushButton>
+#include <QTest>
+
+#include "apps/desktop/Grid.h"
+#include "apps/desktop/Preview.h"
+#include "apps/desktop/testing/ScriptedWorker.h"
+#include "apps/desktop/testing/TestApplication.h"
+
+namespace desktop {
+namespace {
+
+class CameraPageTest : public WindowTest {
+ protected:
+  CameraPageTest() {
+    workers_.scripts["camera"] = ThreePictures();
+    page_ = std::make_unique<CameraPage>(std::make_unique<CameraLink>(workers_.Maker(), "K1"), RememberedTarget());
+    page_->resize(800, 600);
+    page_->Link().Attach();
+    page_->show();
+  }
+
+  template <typename Kind>
+  Kind* Child() const {
+    for (QWidget* widget : page_->findChildren<QWidget*>()) {
+      if (auto* child = dynamic_cast<Kind*>(widget)) return child;
+    }
+    return nullptr;
+  }
+
+  Grid* Pictures() const { return Child<Grid>(); }
+  Preview* Larger() const { return Child<Preview>(); }
+
+  bool HasButton(const QString& text) const {
+    for (const QPushButton* button : page_->findChildren<QPushButton*>()) {
+      if (button->isVisible() && button->text().remove('&') == text) return true;
+    }
+    return false;
+  }
+
+  ScriptedWorkers workers_;
+  std::unique_ptr<CameraPage> page_;
+};
+
+TEST_F(CameraPageTest, ShowsPicturesAndOffersTheirImport) {
+  ASSERT_TRUE(Await([&] { return HasButton("Import 1 new picture (3 kB)"); }));
+  EXPECT_TRUE(Pictures()->isVisible());
+  EXPECT_EQ(page_->Title(), "Mine, battery 75");
+}
+
+TEST_F(CameraPageTest, ASelectionChangesTheOffer) {
+  ASSERT_TRUE(Await([&] { return HasButton("Import 1 new picture (3 kB)"); }));
+  Pictures()->selectAll();
+  EXPECT_TRUE(HasButton("Import 3 selected pictures (3 kB)"));
+}
+
+TEST_F(CameraPageTest, SpaceShowsAPictureLargeAndEscapeGoesBack) {
+  ASSERT_TRUE(Await([&] { return page_->Link().State().others == 2; }));
+  QTest::keyClick(Pictures(), Qt::Key_Home);
+  QTest::keyClick(Pictures(), Qt::Key_Space);
+  EXPECT_TRUE(Larger()->isVisible());
+  EXPECT_TRUE(Larger()->accessibleDescription().startsWith("IMG_3"));
+  QTest::keyClick(Larger(), Qt::Key_Right);
+  EXPECT_TRUE(Larger()->accessibleDescription().startsWith("IMG_2"));
+  QTest::keyClick(Larger(), Qt::Key_Escape);
+  EXPECT_TRUE(Pictures()->isVisible());
+  EXPECT_EQ(Pictures()->currentIndex().row(), 1);
+}
+
+TEST_F(CameraPageTest, ACameraThatIsGoneIsDone) {
+  bool done = false;
+  page_->onDone = [&] { done = true; };
+  page_->Link().Lose();
+  page_->Link().Keep();
+  EXPECT_TRUE(done);
+}
+
+}  // namespace
+}  // namespace desktop

@@ -1,0 +1,138 @@
+#include "apps/desktop/Grid.h"
+
+#include <QScrollBar>
+#include <QTest>
+
+#include "apps/desktop/testing/TestApplication.h"
+
+namespace desktop {
+namespace {
+
+std::vector<Picture> Pictures(int count) {
+  std::vector<Picture> pictures(static_cast<std::size_t>(count));
+  for (int index = 0; index < count; ++index) {
+    Picture& picture = pictures[static_cast<std::size_t>(index)];
+    picture.index = index;
+    picture.folder = "100A";
+    picture.name = "IMG_" + QString::number(count - index);
+  }
+  return pictures;
+}
+
+QDateTime Day(int day) {
+  return QDateTime(QDate(2026, 3, day), QTime(12, 0));
+}
+
+class GridTest : public WindowTest {
+ protected:
+  GridTest() : grid_(model_) {
+    grid_.resize(700, 500);
+    grid_.onWanted = [this](const QList<int>& rows) { wanted_ = rows; };
+    grid_.onOpen = [this](int row) { opened_ = row; };
+    grid_.show();
+  }
+
+  // Until all that is timed has been done.
+  void Fill(int count) {
+    model_.Append(Pictures(count));
+    ASSERT_TRUE(Await([&] { return !wanted_.isEmpty(); }));
+  }
+
+  QRect RectOf(int row) const { return grid_.visualRect(model_.index(row)); }
+
+  CameraModel model_;
+  Grid grid_;
+  QList<int> wanted_;
+  int opened_ = -1;
+};
+
+TEST_F(GridTest, AsksForWhatIsInViewFirst) {
+  Fill(10000);
+  EXPECT_EQ(wanted_.first(), 0);
+  EXPECT_LT(wanted_.size(), 200);
+}
+
+TEST_F(GridTest, ScrollingAsksForTheEnd) {
+  Fill(10000);
+  grid_.verticalScrollBar()->setValue(grid_.verticalScrollBar()->maximum());
+  ASSERT_TRUE(Await([&] { return wanted_.contains(9999); }));
+  EXPECT_FALSE(wanted_.contains(0));
+}
+
+TEST_F(GridTest, WhatIsOnItsWayIsNotAskedForAgain) {
+  Fill(10);
+  wanted_.clear();
+  for (int index = 0; index < 9; ++index) model_.SetNoThumbnail(index, "none", Day(1));
+  grid_.doItemsLayout();
+  QTest::qWait(50);
+  EXPECT_TRUE(wanted_.isEmpty()) << "the last one is still on its way";
+}
+
+TEST_F(GridTest, AHeadlinePushesItsDayDown) {
+  Fill(10);
+  const int before = RectOf(5).top();
+  for (int index = 0; index < 10; ++index) model_.SetNoThumbnail(index, "none", Day(index < 5 ? 2 : 1));
+  ASSERT_TRUE(Await([&] { return RectOf(5).top() > before; }));
+  EXPECT_EQ(RectOf(5).left(), RectOf(0).left());
+}
+
+TEST_F(GridTest, WhatIsInViewStaysWhenADayAboveIsDivided) {
+  Fill(1000);
+  grid_.scrollTo(model_.index(500));
+  const int first = grid_.indexAt(QPoint(RectOf(500).left() + 20, 100)).row();
+  const int before = RectOf(first).top();
+  const int height = grid_.verticalScrollBar()->maximum();
+  for (int index = 0; index < 300; ++index) model_.SetNoThumbnail(index, "none", Day(1 + index % 2));
+  ASSERT_TRUE(Await([&] { return grid_.verticalScrollBar()->maximum() > height; }));
+  EXPECT_NEAR(RectOf(first).top(), before, RectOf(first).height());
+}
+
+TEST_F(GridTest, TheKeyboardReachesEverything) {
+  Fill(100);
+  QTest::keyClick(&grid_, Qt::Key_Home);
+  EXPECT_EQ(grid_.currentIndex().row(), 0);
+  QTest::keyClick(&grid_, Qt::Key_Right);
+  EXPECT_EQ(grid_.currentIndex().row(), 1);
+  QTest::keyClick(&grid_, Qt::Key_Down);
+  EXPECT_GT(grid_.currentIndex().row(), 2);
+  EXPECT_EQ(RectOf(grid_.currentIndex().row()).left(), RectOf(1).left());
+  QTest::keyClick(&grid_, Qt::Key_End);
+  EXPECT_EQ(grid_.currentIndex().row(), 99);
+  EXPECT_TRUE(grid_.viewport()->rect().contains(RectOf(99))) << "it is scrolled into view";
+  QTest::keyClick(&grid_, Qt::Key_Space);
+  EXPECT_EQ(opened_, 99);
+}
+
+TEST_F(GridTest, ShiftChoosesAllBetween) {
+  Fill(100);
+  QTest::keyClick(&grid_, Qt::Key_Home);
+  QTest::keyClick(&grid_, Qt::Key_Down, Qt::ShiftModifier);
+  const auto below = static_cast<qsizetype>(grid_.currentIndex().row());
+  EXPECT_EQ(grid_.Chosen().size(), below + 1);
+  QTest::keyClick(&grid_, Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(grid_.Chosen().size(), 100);
+  QTest::keyClick(&grid_, Qt::Key_Escape);
+  EXPECT_TRUE(grid_.Chosen().isEmpty());
+}
+
+TEST_F(GridTest, TheMouseChoosesOneAndAddsAnother) {
+  Fill(20);
+  QTest::mouseClick(grid_.viewport(), Qt::LeftButton, {}, RectOf(2).center());
+  EXPECT_EQ(grid_.Chosen(), QList<int>({2}));
+  QTest::mouseClick(grid_.viewport(), Qt::LeftButton, Qt::ControlModifier, RectOf(4).center());
+  EXPECT_EQ(grid_.Chosen(), QList<int>({2, 4}));
+  QTest::mouseClick(grid_.viewport(), Qt::LeftButton, Qt::ShiftModifier, RectOf(6).center());
+  EXPECT_TRUE(grid_.Chosen().contains(6));
+}
+
+TEST_F(GridTest, DrawsPicturesWithThumbnailsAndHeadlines) {
+  Fill(3);
+  QImage red(40, 30, QImage::Format_RGB32);
+  red.fill(Qt::red);
+  model_.SetThumbnail(0, red, Day(1));
+  const QImage seen = grid_.viewport()->grab().toImage();
+  EXPECT_EQ(seen.pixelColor(RectOf(0).center() - QPoint(0, 10)), QColor(Qt::red));
+}
+
+}  // namespace
+}  // namespace desktop

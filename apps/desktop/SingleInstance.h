@@ -1,0 +1,31 @@
+#ifndef KELVA_APPS_DESKTOP_SINGLE_INSTANCE_H_
+#define KELVA_APPS_DESKTOP_SINGLE_INSTANCE_H_
+
+#include <functional>
+#include <memory>
+
+namespace desktop {
+
+/// One window for each user's session: a program that is started again raises the window of the first. Where the system sees to
+/// that, and where there is no session bus, each is the only one.
+class SingleInstance {
+ public:
+  SingleInstance();
+  ~SingleInstance();
+  SingleInstance(const SingleInstance&) = delete;
+  SingleInstance& operator=(const SingleInstance&) = delete;
+
+  /// Whether another one was there, and has been asked to show its window.
+  bool HasAskedAnother() const { return hasAskedAnother_; }
+  /// Called on the thread of the window whenever it is to be shown.
+  void OnActivate(std::function<void()> raise);
+
+ private:
+  class Door;
+  std::unique_ptr<Door> door_;
+  bool hasAskedAnother_ = false;
+};
+
+}  // namespace desktop
+
+#endif  // KELVA_APPS_DESKTOP_SINGLE_INSTANCE_H_

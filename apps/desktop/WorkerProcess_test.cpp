@@ -1,0 +1,77 @@
+#include "apps/desktop/WorkerProcess.h"
+
+#include <QJsonObject>
+#include <QThread>
+
+#include "apps/desktop/testing/ScriptedWorker.h"
+#include "apps/desktop/testing/TestApplication.h"
+
+namespace desktop {
+namespace {
+
+class WorkerProcessTest : public WindowTest {
+ protected:
+  std::unique_ptr<WorkerProcess> Start(const QString& script) {
+    auto worker = std::make_unique<WorkerProcess>("/bin/sh", QStringList{"-c", script});
+    worker->onEvent = [this](const QJsonObject& event) { events_.append(event["event"].toString()); };
+    worker->onDeath = [this] { dead_ = true; };
+    worker->Start();
+    return worker;
+  }
+
+  QStringList events_;
+  bool dead_ = false;
+};
+
+TEST_F(WorkerProcessTest, HearsBothStreamsAndSkipsWhatIsNoEvent) {
+  const auto worker = Start("echo '{\"event\":\"a\"}'; echo noise; echo '{\"event\":\"b\"}' >&2; exit 5");
+  ASSERT_TRUE(Await([&] { return dead_; }));
+  events_.sort();
+  EXPECT_EQ(events_, QStringList({"a", "b"}));
+  EXPECT_EQ(worker->Exit(), kExitGone);
+}
+
+TEST_F(WorkerProcessTest, CommandsArrive) {
+  const auto worker = Start("read -r line; printf '{\"event\":\"%s\"}\\n' \"$line\"");
+  worker->Send({"go"});
+  ASSERT_TRUE(Await([&] { return dead_; }));
+  EXPECT_EQ(events_, QStringList("go"));
+}
+
+TEST_F(WorkerProcessTest, AProgramThatIsNotThereIsADeath) {
+  WorkerProcess worker("/nowhere/worker", {});
+  worker.onDeath = [this] { dead_ = true; };
+  worker.Start();
+  worker.Send({"go"});
+  ASSERT_TRUE(Await([&] { return dead_; }));
+  EXPECT_EQ(worker.Exit(), kExitCrashed);
+}
+
+TEST_F(WorkerProcessTest, ASignalIsADeath) {
+  const auto worker = Start("kill -9 $$");
+  ASSERT_TRUE(Await([&] { return dead_; }));
+  EXPECT_EQ(worker->Exit(), kExitCrashed);
+}
+
+TEST_F(WorkerProcessTest, AHangingWorkerIsEndedWithItsChildren) {
+  QElapsedTimer spent;
+  auto worker = Start("trap '' TERM; sleep 1000 & echo '{\"event\":\"up\"}'; while :; do sleep 1000; done");
+  ASSERT_TRUE(Await([&] { return !events_.isEmpty(); }));
+  spent.start();
+  worker.reset();
+  EXPECT_LT(spent.elapsed(), 50) << "the window waits for nobody";
+  WorkerProcess::EndAll();
+  EXPECT_LT(spent.elapsed(), 800);
+}
+
+TEST_F(WorkerProcessTest, AWorkerThatHeedsTheEndOfItsInputIsNotKilled) {
+  auto worker = Start("trap 'echo no' TERM; cat >/dev/null; exit 0");
+  worker.reset();
+  QElapsedTimer spent;
+  spent.start();
+  WorkerProcess::EndAll();
+  EXPECT_LT(spent.elapsed(), 600);
+}
+
+}  // namespace
+}  // namespace desktop

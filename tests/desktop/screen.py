@@ -1,0 +1,134 @@
+"""A screen without a person: Xvfb, a session bus, the accessibility interface, and the window on them."""
+
+import os
+import pathlib
+import re
+import shutil
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import zlib
+
+PATIENCE = 30  # seconds
+WIDTH, HEIGHT = 1000, 720
+
+
+def enter_session():
+    """Starts this script again within a session bus and a screen of its own, and ends with its exit status."""
+    if os.environ.get("KELVA_TEST_SESSION"):
+        return
+    folder = tempfile.mkdtemp(prefix="kelva-session-")
+    os.mkdir(folder + "/run", 0o700)
+    reader, writer = os.pipe()
+    screen = subprocess.Popen(["Xvfb", "-noreset", "-screen", "0", f"{2 * WIDTH}x{2 * HEIGHT}x24", "-fbdir", folder, "-displayfd", str(writer)],
+                              pass_fds=(writer,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    os.close(writer)
+    display = os.read(reader, 32).decode().strip()
+    environment = {**os.environ, "KELVA_TEST_SESSION": folder, "DISPLAY": ":" + display, "XDG_RUNTIME_DIR": folder + "/run",
+                   "HOME": folder, "XDG_CONFIG_HOME": folder + "/config", "XDG_CACHE_HOME": folder + "/cache",
+                   "XDG_DATA_HOME": folder + "/data", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_ACCESSIBILITY": "1", "LC_ALL": "C.UTF-8"}
+    for name in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "XDG_CURRENT_DESKTOP"):
+        environment.pop(name, None)
+    try:
+        run = subprocess.run(["dbus-run-session", "--", sys.executable, "-B", *sys.argv], env=environment, check=False)
+    finally:
+        screen.terminate()
+        screen.wait()
+        shutil.rmtree(folder, ignore_errors=True)
+    sys.exit(run.returncode)
+
+
+def wait_for(condition, what, patience=PATIENCE):
+    """What the condition gives, once that is true."""
+    end = time.monotonic() + patience
+    while True:
+        found = condition()
+        if found:
+            return found
+        if time.monotonic() > end:
+            raise AssertionError(f"{what}: not within {patience} s")
+        time.sleep(0.02)
+
+
+def photograph(path, width=WIDTH, height=HEIGHT):
+    """Writes the upper left part of the screen as PNG; its bytes of colour are returned."""
+    data = (pathlib.Path(os.environ["KELVA_TEST_SESSION"]) / "Xvfb_screen0").read_bytes()
+    header = struct.unpack(">25I", data[:100])
+    pixels, line = header[0] + header[19] * 12, header[12]
+    rows = []
+    for row in range(height):
+        colours = data[pixels + row * line:pixels + row * line + width * 4]
+        rgb = bytearray(width * 3)
+        rgb[0::3], rgb[1::3], rgb[2::3] = colours[2::4], colours[1::4], colours[0::4]
+        rows.append(bytes(rgb))
+    chunk = lambda kind, body: struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+    image = b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
+    image += chunk(b"IDAT", zlib.compress(b"".join(b"\0" + row for row in rows), 6)) + chunk(b"IEND", b"")
+    pathlib.Path(path).write_bytes(image)
+    return b"".join(rows)
+
+
+class Window:
+    """A running kelva-desktop, seen and pressed as a screen reader does."""
+
+    def __init__(self, program, *words, **environment):
+        # Only here, in the session: importing it connects to the bus.
+        import gi
+        gi.require_version("Atspi", "2.0")
+        from gi.repository import Atspi
+        self.atspi = Atspi
+        self.process = subprocess.Popen([program, *words], env={**os.environ, **environment})
+
+    def close(self):
+        """As a person closes it; the seconds that it took."""
+        start = time.monotonic()
+        self.process.send_signal(signal.SIGTERM)
+        self.process.wait(PATIENCE)
+        return time.monotonic() - start
+
+    def application(self):
+        desktop = self.atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(index)
+            if child is not None and child.get_process_id() == self.process.pid:
+                return child
+        return None
+
+    def all(self, node=None):
+        """Every part of the window; of a grid of pictures the first dozen."""
+        node = node or self.application()
+        if node is None:
+            return
+        yield node
+        count = node.get_child_count()
+        for index in range(min(count, 12) if node.get_role_name() == "list" else count):
+            child = node.get_child_at_index(index)
+            if child is not None:
+                yield from self.all(child)
+
+    def find(self, pattern, role=None):
+        """The first visible part whose name has the pattern."""
+        try:
+            for node in self.all():
+                name = node.get_name() or ""
+                if re.search(pattern, name) and (role is None or node.get_role_name() == role):
+                    if node.get_state_set().contains(self.atspi.StateType.SHOWING):
+                        return node
+        except Exception as error:  # a part that went while it was looked at
+            if type(error).__name__ != "Error":
+                raise
+        return None
+
+    def wait(self, pattern, role=None, patience=PATIENCE):
+        return wait_for(lambda: self.find(pattern, role), f"{role or 'part'} named {pattern!r}", patience)
+
+    def press(self, pattern, role="push button"):
+        node = self.wait(pattern, role)
+        node.get_action_iface().do_action(0)
+        return node
+
+    def names(self):
+        return [(node.get_role_name(), node.get_name()) for node in self.all()]

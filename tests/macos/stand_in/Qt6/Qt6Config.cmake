@@ -1,0 +1,12 @@
+# Homebrew's Qt, as far as configuring and compiling go: the headers of this machine's, without its libraries, which ask for a
+# Mac's frameworks.
+set(Qt6_VERSION 6.4.0)
+foreach(component IN LISTS Qt6_FIND_COMPONENTS)
+  if(NOT TARGET Qt6::${component})
+    add_library(Qt6::${component} INTERFACE IMPORTED)
+    set(headers "/usr/include/${CMAKE_LIBRARY_ARCHITECTURE}/qt6")
+    target_include_directories(Qt6::${component} SYSTEM INTERFACE
+      "${headers}" "${headers}/QtCore" "${headers}/QtGui" "${headers}/QtWidgets" "${headers}/Qt${component}")
+  endif()
+endforeach()
+set(Qt6_FOUND TRUE)
