@@ -101,11 +101,11 @@ void Turns::LetOthers(kelva::FileReader& reader, std::span<const char> last) {
   throw CameraError("the file was changed on the camera while it was read");
 }
 
-void Turns::Without(const std::function<void()>& wait) {
+void Turns::Without(const std::function<void()>& wait, std::optional<milliseconds> patience) {
   line_.HoldForLong(false);
   chosen_.camera->Close();
   wait();
-  Open(std::max(WaitBusy(context_), kWaitBusy));
+  Open(patience.value_or(std::max(WaitBusy(context_), kWaitBusy)));
 }
 
 void Turns::HoldForLong() {
@@ -211,8 +211,8 @@ void LetOthers(Context& context, kelva::FileReader& reader, std::span<const char
   if (context.turns != nullptr) context.turns->LetOthers(reader, last);
 }
 
-void WithoutCamera(Context& context, const std::function<void()>& wait) {
-  context.turns != nullptr ? context.turns->Without(wait) : wait();
+void WithoutCamera(Context& context, const std::function<void()>& wait, std::optional<milliseconds> patience) {
+  context.turns != nullptr ? context.turns->Without(wait, patience) : wait();
 }
 
 void HoldForLong(Context& context) {

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -51,8 +52,8 @@ class Turns {
   /// file that changed.
   void LetOthers(kelva::FileReader& reader, std::span<const char> last);
   /// Gives the camera up while `wait` waits for something else, such as a person's answer, and takes it back afterwards
-  /// as LetOthers does. When `wait` throws, the camera stays given up.
-  void Without(const std::function<void()>& wait);
+  /// as LetOthers does, or within `patience`. When `wait` throws, or the camera cannot be had, it stays given up.
+  void Without(const std::function<void()>& wait, std::optional<std::chrono::milliseconds> patience = std::nullopt);
   /// Tells those who wait that this turn may last long, until the next LetOthers that gives the camera up.
   void HoldForLong();
 
@@ -83,7 +84,8 @@ class Turns {
 /// open camera.
 bool LetOthers(Context& context);
 void LetOthers(Context& context, kelva::FileReader& reader, std::span<const char> last);
-void WithoutCamera(Context& context, const std::function<void()>& wait);
+void WithoutCamera(Context& context, const std::function<void()>& wait,
+                   std::optional<std::chrono::milliseconds> patience = std::nullopt);
 void HoldForLong(Context& context);
 
 }  // namespace apps
