@@ -2,9 +2,9 @@
 # pages. The rooms install their own programs.
 #
 # Each file belongs to one component, for those who make packages: Library (the shared library), Development (headers,
-# static library, CMake package, pkg-config file), Tool (kelva), Desktop (the window and its workers), VirtualCamera
-# (kelva-vcam), Helper (the agent, its opener, and what starts it), DeviceRules (the udev rule) and Documentation (what none
-# of the programs brings itself).
+# static library, CMake package, pkg-config file), Tool (kelva), Mount (kelva-mount), Desktop (the window and its workers),
+# VirtualCamera (kelva-vcam), Helper (the agent, its opener, and what starts it), DeviceRules (the udev rule) and
+# Documentation (what none of the programs brings itself).
 include(CMakePackageConfigHelpers)
 
 install(TARGETS kelva_library EXPORT KelvaTargets

@@ -58,6 +58,7 @@ struct Verb {
   std::string_view guardedWith = {};  ///< for verbs that are guarded with one option only: that option
   std::string_view alias = {};        ///< a second name, accepted but not listed
   bool mayMeetSecrets = false;        ///< errors do not repeat what was typed; see Discreet
+  std::string_view doneBy = {};       ///< the program that does it in this one's place; `run` is then null
 };
 
 }  // namespace apps

@@ -17,6 +17,7 @@
 #include "apps/camera/CameraWords.h"
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Aborts.h"
+#include "apps/commandline/Become.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Discretion.h"
 #include "apps/commandline/Failure.h"
@@ -113,6 +114,7 @@ class Tool {
       const std::string reason = HandOver(program_, arguments_, diversion_.Real());
       if (!reason.empty()) throw Failure(ExitCode::kFailed, reason);
     }
+    if (!call_.verb->doneBy.empty()) throw Failure(ExitCode::kFailed, BecomeDoer());
     OpenTrace();
     Supervision supervision;
     supervision.atEnd = [this](ExitCode code, const std::string& sentence) {
@@ -128,6 +130,12 @@ class Tool {
       return static_cast<int>(RunSupervised(rest, &guard));
     };
     return static_cast<ExitCode>(Guard::Run(work, [this](const std::string& sentence) { reporter_.Note(sentence); }));
+  }
+
+  // Returns only when that fails, with the reason.
+  std::string BecomeDoer() const {
+    const std::string reason = Become(call_.verb->doneBy, program_.name, arguments_, diversion_.Real());
+    return reason + "; install the package " + std::string(call_.verb->doneBy) + ".";
   }
 
   // Before any other process is made, so that all of them add to one file.

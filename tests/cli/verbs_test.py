@@ -17,7 +17,7 @@ VERBS = {
     "list": "", "watch": "--count 1", "wait": "", "info": "", "ready": "", "battery": "", "done-count": "", "capture": "",
     "reboot": "", "time": "", "ls": "", "tree": "", "pictures": "", "pictures rm": "IMG_0001", "thumb": "IMG_0001 --into {out}",
     "sync": "{out}",
-    "get": "I:/NOTE.TXT --into {out}", "put": "{image} I:/PUT.BIN", "rm": "I:/NOTE.TXT",
+    "get": "I:/NOTE.TXT --into {out}", "mount": "{out}/mount", "put": "{image} I:/PUT.BIN", "rm": "I:/NOTE.TXT",
     "batch get": KEY + " --into {out}", "batch rm": KEY, "raw": KEY + " --into {out}", "wifi name": "den",
     "wifi passphrase": "", "wifi auth": "WPA2", "wifi off": "", "control": "", "control get": "",
     "control set": "3 bright", "console": "", "monitor": "help", "crash-logs": "--into {out}",
@@ -31,6 +31,14 @@ WITHOUT_COMMAND = WITHOUT_CAMERA | {"list", "watch", "wait"}
 # A second name that a command answers to; help and manual do not list it.
 SECOND_NAMES = {"control get"}
 COMMANDS = sorted(VERBS.keys() - WITHOUT_COMMAND)
+
+
+def setUpModule():
+    if not os.path.exists(bench_of_cameras.BIN + "/kelva-mount"):  # only Linux can mount a camera
+        del VERBS["mount"]
+        COMMANDS.remove("mount")
+
+
 ABREAST = 12
 
 
@@ -47,6 +55,13 @@ class EveryVerbTest(Bus):
         self.secret = self.folder + "/secret"
         with open(self.secret, "w", encoding="ascii") as file:
             file.write("nine chars and more\n")
+
+        self.addCleanup(self.unmount)
+
+    def unmount(self):
+        mount = os.path.join(self.out("mount"), "mount") if "mount" in VERBS else ""
+        if os.path.ismount(mount):
+            subprocess.run(["fusermount3", "-uz", mount], check=True)
 
     def out(self, verb):
         return os.path.join(self.folder, "outs", self.serials[verb])

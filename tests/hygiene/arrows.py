@@ -27,6 +27,7 @@ LIBRARIES = (
     (r"turbojpeg\.h", "libturbojpeg"),
     (r"libexif/.*", "libexif"),
     (r"libdeflate\.h", "libdeflate"),
+    (r"fuse3/.*", "libfuse"),
     (r"benchmark/.*", "Google Benchmark"),
     (r"g(test|mock)/.*", "GoogleTest"),
     (r"(AppKit|Foundation|Cocoa)/.*", "AppKit"),

@@ -42,6 +42,12 @@ ELSEWHERE = {
     "tests/macos/sources_test.py": "apps/desktop/alone/Appearance.cpp apps/desktop/alone/SingleInstance.cpp",
     # It waits for a camera's clock, which no unit test does.
     "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",
+    # They answer the kernel, which asks them there.
+    "tests/mount": """
+        apps/mount/FileSystem.cpp apps/mount/FileSystemRead.cpp apps/mount/FileSystemServe.cpp
+        apps/mount/FileSystemWrite.cpp apps/mount/Kernel.cpp apps/mount/Launch.cpp apps/mount/Mount.cpp
+        apps/mount/Pending.cpp""",
+    "tests/macos/sources_test.py": "apps/kelva/verbs/portable/NoMountVerb.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.
     "tests/vcam": """
         vcam/program/FaultVerb.cpp vcam/program/NoUsbipVerb.cpp vcam/program/PlugVerbs.cpp vcam/program/ServeVerb.cpp

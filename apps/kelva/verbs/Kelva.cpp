@@ -53,10 +53,10 @@ std::span<const Verb> AllVerbs() {
   static const std::vector<Verb> all = [] {
     std::vector<Verb> verbs;
     for (const auto& group :
-         {ListVerbs(),   WatchVerbs(),   WaitVerbs(),    InfoVerbs(),    StateVerbs(),   CaptureVerbs(),
-          ClockVerbs(),  FolderVerbs(),  PictureVerbs(), ThumbVerbs(),   SyncVerbs(),    GetVerbs(),
-          ChangeVerbs(), KeyVerbs(),     WifiVerbs(),    ControlVerbs(), ConsoleVerbs(), MonitorVerbs(),
-          BundleVerbs(), UpgradeVerbs(), ReportVerbs(),  SurveyVerbs(),  DoctorVerbs(),  HelpVerbs()}) {
+         {ListVerbs(),   WatchVerbs(),   WaitVerbs(),    InfoVerbs(),    StateVerbs(),   CaptureVerbs(), ClockVerbs(),
+          FolderVerbs(), PictureVerbs(), ThumbVerbs(),   SyncVerbs(),    GetVerbs(),     MountVerbs(),   ChangeVerbs(),
+          KeyVerbs(),    WifiVerbs(),    ControlVerbs(), ConsoleVerbs(), MonitorVerbs(), BundleVerbs(),  UpgradeVerbs(),
+          ReportVerbs(), SurveyVerbs(),  DoctorVerbs(),  HelpVerbs()}) {
       verbs.insert(verbs.end(), group.begin(), group.end());
     }
     return verbs;

@@ -21,6 +21,7 @@ std::span<const Verb> PictureVerbs();  ///< pictures, pictures rm
 std::span<const Verb> ThumbVerbs();    ///< thumb
 std::span<const Verb> SyncVerbs();     ///< sync
 std::span<const Verb> GetVerbs();      ///< get
+std::span<const Verb> MountVerbs();    ///< mount, where the system has the interface for it
 std::span<const Verb> ChangeVerbs();   ///< put, rm
 std::span<const Verb> KeyVerbs();      ///< batch get, batch rm, raw
 std::span<const Verb> WifiVerbs();     ///< wifi name, wifi passphrase, wifi auth, wifi off

@@ -15,8 +15,9 @@ using testing::HasSubstr;
 // What runs when it is there is tested with the programs themselves.
 TEST(HandOverTest, AProgramThatIsMissingIsNamed) {
   constexpr std::array<const char*, 3> kArguments{"list", "--virtual", "/run/bus"};
-  EXPECT_THAT(HandOver({.name = "kelva"}, kArguments, -1),
-              AllOf(HasSubstr("kelva-virtual: "), EndsWith("; install kelva again.")));
+  Program tool;
+  tool.name = "kelva";
+  EXPECT_THAT(HandOver(tool, kArguments, -1), AllOf(HasSubstr("kelva-virtual: "), EndsWith("; install kelva again.")));
 }
 
 }  // namespace

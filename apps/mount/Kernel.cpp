@@ -1,0 +1,212 @@
+// The kernel's side of the mounted folder: what it asks, and the end of the mount.
+#include "apps/mount/Kernel.h"
+
+#include <fuse3/fuse_lowlevel.h>
+#include <poll.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+
+#include "apps/commandline/Failure.h"
+#include "apps/commandline/Printable.h"
+
+namespace apps {
+namespace {
+
+FileSystem& Of(fuse_req_t request) {
+  return *static_cast<FileSystem*>(fuse_req_userdata(request));
+}
+
+// After the end every request gets the same answer.
+bool HasEnded(fuse_req_t request) {
+  const int error = Of(request).Ended();
+  if (error != 0) fuse_reply_err(request, error);
+  return error != 0;
+}
+
+void Init(void* files, fuse_conn_info* connection) {
+  constexpr unsigned kLargestWrite = 128 << 10;
+  constexpr unsigned kReadAhead = 1 << 20;
+  connection->max_write = kLargestWrite;
+  connection->max_readahead = kReadAhead;
+  connection->want |= connection->capable & (FUSE_CAP_ASYNC_READ | FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_ATOMIC_O_TRUNC);
+  if (!static_cast<FileSystem*>(files)->IsWritable())
+    connection->want &= ~static_cast<unsigned>(FUSE_CAP_ATOMIC_O_TRUNC);
+}
+
+void Lookup(fuse_req_t request, fuse_ino_t parent, const char* name) {
+  if (!HasEnded(request)) Of(request).Lookup(request, parent, name);
+}
+
+void Forget(fuse_req_t request, fuse_ino_t number, std::uint64_t count) {
+  Of(request).Forget(number, count);
+  fuse_reply_none(request);
+}
+
+void ForgetMany(fuse_req_t request, std::size_t count, fuse_forget_data* forgotten) {
+  for (std::size_t i = 0; i < count; ++i) Of(request).Forget(forgotten[i].ino, forgotten[i].nlookup);
+  fuse_reply_none(request);
+}
+
+void GetAttributes(fuse_req_t request, fuse_ino_t number, fuse_file_info*) {
+  if (!HasEnded(request)) Of(request).GetAttributes(request, number);
+}
+
+void Open(fuse_req_t request, fuse_ino_t number, fuse_file_info* info) {
+  if (!HasEnded(request)) Of(request).Open(request, number, *info);
+}
+
+void Read(fuse_req_t request, fuse_ino_t number, std::size_t size, off_t offset, fuse_file_info*) {
+  if (!HasEnded(request)) Of(request).Read(request, number, static_cast<std::uint64_t>(offset), size);
+}
+
+void Close(fuse_req_t request, fuse_ino_t number, fuse_file_info* info) {
+  Of(request).Close(request, number, *info);
+}
+
+void OpenFolder(fuse_req_t request, fuse_ino_t number, fuse_file_info* info) {
+  if (!HasEnded(request)) Of(request).OpenFolder(request, number, *info);
+}
+
+void ReadFolder(fuse_req_t request, fuse_ino_t number, std::size_t size, off_t offset, fuse_file_info* info) {
+  if (HasEnded(request)) return;
+  Of(request).ReadFolder(request, number, static_cast<std::uint64_t>(offset), size, *info, false);
+}
+
+void ReadFolderPlus(fuse_req_t request, fuse_ino_t number, std::size_t size, off_t offset, fuse_file_info* info) {
+  if (HasEnded(request)) return;
+  Of(request).ReadFolder(request, number, static_cast<std::uint64_t>(offset), size, *info, true);
+}
+
+void CloseFolder(fuse_req_t request, fuse_ino_t, fuse_file_info* info) {
+  FileSystem::CloseFolder(request, *info);
+}
+
+void SetAttributes(fuse_req_t request, fuse_ino_t number, struct stat* wanted, int which, fuse_file_info*) {
+  if (!HasEnded(request)) Of(request).SetAttributes(request, number, *wanted, which);
+}
+
+void Create(fuse_req_t request, fuse_ino_t parent, const char* name, mode_t, fuse_file_info* info) {
+  if (!HasEnded(request)) Of(request).Create(request, parent, name, *info);
+}
+
+void Write(fuse_req_t request, fuse_ino_t number, const char* bytes, std::size_t size, off_t offset, fuse_file_info*) {
+  if (!HasEnded(request)) Of(request).Write(request, number, static_cast<std::uint64_t>(offset), {bytes, size});
+}
+
+void Flush(fuse_req_t request, fuse_ino_t number, fuse_file_info*) {
+  if (!HasEnded(request)) Of(request).Flush(request, number);
+}
+
+void Remove(fuse_req_t request, fuse_ino_t parent, const char* name) {
+  if (!HasEnded(request)) Of(request).Remove(request, parent, name);
+}
+
+// A camera has no command for it.
+void MakeFolder(fuse_req_t request, fuse_ino_t, const char*, mode_t) {
+  fuse_reply_err(request, EPERM);
+}
+
+void RemoveFolder(fuse_req_t request, fuse_ino_t, const char*) {
+  fuse_reply_err(request, EPERM);
+}
+
+void Rename(fuse_req_t request, fuse_ino_t, const char*, fuse_ino_t, const char*, unsigned) {
+  fuse_reply_err(request, EPERM);
+}
+
+fuse_lowlevel_ops Operations(bool writable) {
+  fuse_lowlevel_ops all{};
+  all.init = Init;
+  all.lookup = Lookup;
+  all.forget = Forget;
+  all.forget_multi = ForgetMany;
+  all.getattr = GetAttributes;
+  all.open = Open;
+  all.read = Read;
+  all.release = Close;
+  all.opendir = OpenFolder;
+  all.readdir = ReadFolder;
+  all.readdirplus = ReadFolderPlus;
+  all.releasedir = CloseFolder;
+  if (!writable) return all;  // the kernel answers the rest
+  all.setattr = SetAttributes;
+  all.create = Create;
+  all.write = Write;
+  all.flush = Flush;
+  all.unlink = Remove;
+  all.mkdir = MakeFolder;
+  all.rmdir = RemoveFolder;
+  all.rename = Rename;
+  return all;
+}
+
+std::int64_t Now() {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
+
+}  // namespace
+
+void Kernel::Freed::operator()(fuse_session* session) const {
+  fuse_session_destroy(session);
+}
+
+Kernel::Kernel(FileSystem& files, const std::string& source) {
+  std::string options = "-osubtype=kelva,default_permissions,fsname=" + source;
+  if (!files.IsWritable()) options += ",ro";
+  std::string name = "kelva-mount";
+  std::array<char*, 3> words = {name.data(), options.data(), nullptr};
+  fuse_args arguments = FUSE_ARGS_INIT(2, words.data());
+  const fuse_lowlevel_ops operations = Operations(files.IsWritable());
+  session_.reset(fuse_session_new(&arguments, &operations, sizeof(operations), &files));
+  fuse_opt_free_args(&arguments);
+  if (!session_)
+    throw Failure(ExitCode::kFailed, "libfuse does not take the options of this mount; install its version 3.");
+}
+
+Kernel::~Kernel() {
+  Unmount();
+}
+
+void Kernel::Mount(const std::string& path) {
+  if (fuse_session_mount(session_.get(), path.c_str()) != 0) {
+    throw Failure(ExitCode::kFailed, "The system refused to mount the camera on " + Printable(path) +
+                                         "; see whether the package fuse3 is installed and /dev/fuse may be opened.");
+  }
+  mounted_ = true;
+}
+
+void Kernel::Serve() {
+  fuse_buf buffer{};
+  while (fuse_session_exited(session_.get()) == 0) {
+    const std::int64_t until = until_.load();
+    const std::int64_t left = until == 0 ? -1 : until - Now();
+    if (until != 0 && left <= 0) break;
+    std::array<pollfd, 2> watched{{{fuse_session_fd(session_.get()), POLLIN, 0}, {wakeUp_.Descriptor(), POLLIN, 0}}};
+    ::poll(watched.data(), watched.size(), static_cast<int>(left));
+    if (watched[1].revents != 0) wakeUp_.Clear();
+    if (watched[0].revents == 0) continue;
+    const int count = fuse_session_receive_buf(session_.get(), &buffer);
+    if (count == -EINTR || count == -EAGAIN) continue;
+    if (count <= 0) {
+      mounted_ = false;  // and nobody has a file open
+      break;
+    }
+    fuse_session_process_buf(session_.get(), &buffer);
+  }
+  std::free(buffer.mem);  // NOLINT: libfuse allocated it
+}
+
+void Kernel::Leave(std::chrono::milliseconds patience) {
+  until_.store(Now() + patience.count());
+  wakeUp_.Signal();
+}
+
+void Kernel::Unmount() {
+  if (!mounted_.exchange(false)) return;
+  fuse_session_unmount(session_.get());
+}
+
+}  // namespace apps

@@ -1,0 +1,50 @@
+#ifndef KELVA_APPS_MOUNT_KERNEL_H_
+#define KELVA_APPS_MOUNT_KERNEL_H_
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "apps/mount/FileSystem.h"
+#include "base/WakeUp.h"
+
+struct fuse_session;
+
+namespace apps {
+
+/// A file system that the kernel shows in a folder.
+class Kernel {
+ public:
+  /// `files` lives longer. `source` is what the mount says of its camera (SourceOf).
+  Kernel(FileSystem& files, const std::string& source);
+  ~Kernel();
+  Kernel(const Kernel&) = delete;
+  Kernel& operator=(const Kernel&) = delete;
+
+  /// Shows it. Throws Failure.
+  void Mount(const std::string& path);
+  /// Hands requests to the file system, until nobody uses the folder any more after it was unmounted, or Leave.
+  void Serve();
+  /// Makes Serve return within `patience`, and at once when nobody uses the folder any more. Any thread.
+  void Leave(std::chrono::milliseconds patience);
+  /// Unmounts what is still mounted. Whoever uses the folder gets errors from now on. After Serve.
+  void Unmount();
+  /// Somebody else has unmounted it.
+  void WasUnmounted() { mounted_ = false; }
+
+ private:
+  struct Freed {
+    void operator()(fuse_session* session) const;
+  };
+
+  std::unique_ptr<fuse_session, Freed> session_;
+  base::WakeUp wakeUp_;
+  std::atomic<std::int64_t> until_ = 0;  // of the steady clock, in milliseconds; 0 without an end
+  std::atomic<bool> mounted_ = false;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_MOUNT_KERNEL_H_

@@ -1,0 +1,47 @@
+#ifndef KELVA_APPS_MOUNT_PIECES_H_
+#define KELVA_APPS_MOUNT_PIECES_H_
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace apps {
+
+/// The bytes of files that were read last, in pieces. Bounded in number and in age: another program may write to the camera.
+/// One thread at a time.
+class Pieces {
+ public:
+  using Clock = std::chrono::steady_clock;
+  using Piece = std::shared_ptr<const std::vector<char>>;
+  /// What a camera's transport moves at once.
+  static constexpr std::size_t kSize = 65'536;
+
+  explicit Pieces(std::size_t most = 80) : most_(most) {}
+
+  /// A piece of a file by its place in it; null when it is not here, or too old.
+  Piece Find(std::uint64_t file, std::uint64_t index, Clock::time_point now = Clock::now());
+  void Keep(std::uint64_t file, std::uint64_t index, Piece piece, Clock::time_point now = Clock::now());
+  /// The file has changed.
+  void Drop(std::uint64_t file);
+
+ private:
+  using Key = std::pair<std::uint64_t, std::uint64_t>;
+  struct Kept {
+    Key key;
+    Piece piece;
+    Clock::time_point came;
+  };
+
+  const std::size_t most_;
+  std::list<Kept> kept_;  // the one that was asked for last comes first
+  std::map<Key, std::list<Kept>::iterator> places_;
+};
+
+}  // namespace apps
+
+#endif  // KELVA_APPS_MOUNT_PIECES_H_

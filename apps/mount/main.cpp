@@ -1,0 +1,34 @@
+// Entry point of `kelva-mount`, which does `kelva mount`.
+#include <array>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "apps/commandline/Parse.h"
+#include "apps/kelva/verbs/Verbs.h"
+#include "apps/mount/Launch.h"
+#include "apps/mount/Mount.h"
+#include "apps/tool/Tool.h"
+
+namespace {
+
+std::string_view NameOf(const char* path) {
+  const std::string_view name(path);
+  return name.substr(name.rfind('/') + 1);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<const char*> words(argv, argv + argc);
+  const std::string_view name = words.empty() ? "" : NameOf(words.front());
+  if (!words.empty()) words.erase(words.begin());
+  // Started by `kelva`, it has the whole command line of that.
+  if (name != "kelva" && name != apps::kDaemonName) words.insert(words.begin(), "mount");
+  std::array<apps::Verb, 1> verbs = {apps::MountVerbs().front()};
+  verbs[0].doneBy = {};
+  verbs[0].run = name == apps::kDaemonName ? apps::MountAsDaemon : apps::RunMount;
+  apps::Program program = apps::Kelva();
+  program.verbs = verbs;
+  return apps::RunTool(program, words);
+}
