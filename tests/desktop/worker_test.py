@@ -1,7 +1,6 @@
 """kelva-desktop-worker as the window has it: what it shows of a camera, and imports that are those of kelva sync."""
 
 import base64
-import hashlib
 import os
 import re
 import shutil
@@ -10,23 +9,7 @@ import time
 
 import bench_of_cameras
 import tiny_jpeg
-from bench_of_cameras import Bus
-from worker_process import Worker
-
-RED = (200, 10, 10)
-WITH_THUMBNAIL = tiny_jpeg.jpeg([[RED] * 30], tiny_jpeg.exif_with(tiny_jpeg.jpeg([[RED] * 20] * 15)))
-
-
-def everything_in(folder):
-    """Each file below a folder with its content, but for the list and the lock."""
-    found = {}
-    for path, _, names in os.walk(folder):
-        for name in names:
-            if not name.startswith(".kelva-manifest"):
-                with open(os.path.join(path, name), "rb") as file:
-                    found[os.path.relpath(os.path.join(path, name), folder)] = hashlib.sha1(file.read()).hexdigest()
-    return found
-
+from worker_bench import WITH_THUMBNAIL, RED, WorkerTest, everything_in
 
 def rows_of(folder):
     """The list of what was imported, without the time at which that was."""
@@ -34,28 +17,6 @@ def rows_of(folder):
         tables = [name for (name,) in database.execute("select name from sqlite_master where type = 'table'")]
         return {table: sorted(re.sub(r"'[-0-9]+T[:0-9]+Z'", "", repr(row))
                               for row in database.execute(f'select * from "{table}"')) for table in tables}
-
-
-class WorkerTest(Bus):
-    def setUp(self):
-        super().setUp()
-        self.target = os.path.join(self.folder, "out")
-
-    def worker(self, *words, **options):
-        worker = Worker(bench_of_cameras.BIN + "/kelva-desktop-worker", self.socket, *words, **options)
-        self.addCleanup(worker.end)
-        return worker
-
-    def camera(self, serial="K1"):
-        return self.worker("camera", "--serial", serial)
-
-    def run_import(self, *words, target=None, serial="K1"):
-        worker = self.worker("import", "--serial", serial, target or self.target, *words)
-        worker.wait()
-        return worker
-
-    def thumb(self, number, content=WITH_THUMBNAIL, folder="100ABCDE"):
-        self.put(f"DCIM/{folder}/IMG_{number:04d}.JPG", content)
 
 
 class WatchTest(WorkerTest):
@@ -288,18 +249,11 @@ class ImportTest(WorkerTest):
         worker = self.worker("import", "--serial", "K1", self.target)
         worker.until("stored")
         self.assertLess(worker.close(), 2)
-        self.whole_files_only_but_parts()
+        self.whole_so_far()
         self.fault("none")
         worker = self.run_import()
         self.assertEqual((worker.ended["left"], worker.process.returncode), (0, 0))
         self.assertEqual(self.whole_files_only(self.target), 8)
-
-    def whole_files_only_but_parts(self):
-        for name in everything_in(self.target):
-            if not os.path.basename(name).startswith(".kelva-"):
-                with open(os.path.join(self.target, name), "rb") as mine:
-                    with open(os.path.join(self.drive, "DCIM", name), "rb") as camera:
-                        self.assertEqual(mine.read(), camera.read(), name)
 
     def test_a_pulled_cable_ends_it_and_it_goes_on_when_the_camera_is_back(self):
         self.pictures(8, 2_000_000)
@@ -310,7 +264,7 @@ class ImportTest(WorkerTest):
         ended = worker.wait()
         self.assertEqual(ended["reason"], "gone")
         self.assertTrue(ended["error"].endswith("."), ended)
-        self.whole_files_only_but_parts()
+        self.whole_so_far()
         self.plug()
         self.assertEqual(self.run_import().ended["left"], 0)
         self.assertEqual(self.whole_files_only(self.target), 8)
