@@ -209,5 +209,53 @@ TEST_F(ToolTest, TheDoctorOfAMachineWithoutACameraFindsNone) {
   EXPECT_THAT(ended.output, HasSubstr("\"no-device\""));
 }
 
+/// The process that watches for the window, until this goes.
+class WatchForWindow {
+ public:
+  WatchForWindow() {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::pipe(ends.data()), 0);  // the reading end is inherited
+    said_ = ends[1];
+    ::fcntl(said_, F_SETFD, FD_CLOEXEC);
+    const std::string command = "LD_PRELOAD=" KELVA_UMOCKDEV_PRELOAD
+                                " setpriv --bounding-set=-dac_override,-dac_read_search " KELVA_DESKTOP_WORKER
+                                " watch 2>/dev/null </dev/fd/" +
+                                std::to_string(ends[0]);
+    pipe_ = ::popen(command.c_str(), "r");
+    ::close(ends[0]);
+  }
+  ~WatchForWindow() {
+    ::close(said_);
+    ::pclose(pipe_);
+  }
+  WatchForWindow(const WatchForWindow&) = delete;
+  WatchForWindow& operator=(const WatchForWindow&) = delete;
+
+  /// The next event of this name; empty when it ended before.
+  std::string Await(const std::string& event) const {
+    std::array<char, 4096> line{};
+    while (std::fgets(line.data(), static_cast<int>(line.size()), pipe_) != nullptr) {
+      if (std::string(line.data()).find("\"event\":\"" + event + "\"") != std::string::npos) return line.data();
+    }
+    return {};
+  }
+
+ private:
+  FILE* pipe_ = nullptr;
+  int said_ = -1;
+};
+
+TEST_F(ToolTest, TheWindowIsToldOfAMissingPermissionUntilItIsThere) {
+  PlugCamera("K1", 0);
+  machine_.SetUsable(0, false);
+  const WatchForWindow watch;
+  EXPECT_THAT(watch.Await("trouble"),
+              AllOf(HasSubstr(R"("condition":"no-permission","serial":"K1")"), HasSubstr(R"("command":"sudo )")));
+  machine_.SetUsable(0, true);
+  machine_.Change(0);
+  EXPECT_THAT(watch.Await("attached"), HasSubstr(R"("serial":"K1")"));
+  EXPECT_THAT(watch.Await("trouble"), HasSubstr(R"("findings":[])"));
+}
+
 }  // namespace
 }  // namespace mock
