@@ -8,7 +8,7 @@
 namespace desktop {
 namespace {
 
-constexpr char kStored[] = R"({"event":"stored","path":"/DCIM/100A/IMG_3.JPG"})";
+constexpr char kStored[] = R"({"event":"stored","path":"I:\\DCIM\\100A\\IMG_3.JPG"})";
 constexpr char kDone[] = R"({"command":"import","exit":0,"stored":2,"failed":0,"size_only":0})";
 
 class CameraLinkTest : public WindowTest {

@@ -10,8 +10,8 @@ constexpr qsizetype kShownFailures = 3;
 }  // namespace
 
 QString KeyOfPath(const QString& path) {
-  const QString name = path.section('/', -1);
-  return path.section('/', -2, -2) + '/' + name.section('.', 0, -2);
+  const QString name = path.section('\\', -1);
+  return path.section('\\', -2, -2) + '/' + name.section('.', 0, -2);
 }
 
 ImportRun::ImportRun(bool deletes, const QStringList& keys, const Offer& offer) : deletes_(deletes), keys_(keys) {

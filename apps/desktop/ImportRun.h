@@ -54,7 +54,7 @@ class ImportRun {
   QString error_;
 };
 
-/// "100ABCDE/IMG_0001" of "/DCIM/100ABCDE/IMG_0001.JPG".
+/// "100ABCDE/IMG_0001" of the camera's path "I:\DCIM\100ABCDE\IMG_0001.JPG".
 QString KeyOfPath(const QString& path);
 
 }  // namespace desktop

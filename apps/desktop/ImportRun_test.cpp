@@ -32,7 +32,7 @@ TEST(ImportRunTest, FollowsTheProgress) {
 
 TEST(ImportRunTest, NamesThePictureThatWasStored) {
   ImportRun run = Import();
-  run.Hear(Json(R"({"event":"stored","path":"/DCIM/100A/IMG_1.JPG"})"));
+  run.Hear(Json(R"({"event":"stored","path":"I:\\DCIM\\100A\\IMG_1.JPG"})"));
   EXPECT_EQ(run.StoredKey(), "100A/IMG_1");
   run.Hear(Json(R"({"event":"progress"})"));
   EXPECT_EQ(run.StoredKey(), "");
@@ -40,7 +40,7 @@ TEST(ImportRunTest, NamesThePictureThatWasStored) {
 
 TEST(ImportRunTest, WholePicturesAreThoseOfWhichNothingFailed) {
   ImportRun run = Import();
-  run.Hear(Json(R"({"event":"failed","path":"/DCIM/100A/IMG_2.JPG","error":"It was damaged."})"));
+  run.Hear(Json(R"({"event":"failed","path":"I:\\DCIM\\100A\\IMG_2.JPG","error":"It was damaged."})"));
   run.Hear(Json(R"({"command":"import","exit":6,"stored":1,"failed":1,"size_only":0})"));
   EXPECT_TRUE(run.Succeeded());
   EXPECT_EQ(run.Whole(), QStringList("100A/IMG_1"));
@@ -51,7 +51,7 @@ TEST(ImportRunTest, WholePicturesAreThoseOfWhichNothingFailed) {
 TEST(ImportRunTest, ManyFailuresAreCounted) {
   ImportRun run = Import();
   for (int file = 0; file < 5; ++file)
-    run.Hear(Json(R"({"event":"failed","path":"/DCIM/100A/IMG_2.JPG","error":"No."})"));
+    run.Hear(Json(R"({"event":"failed","path":"I:\\DCIM\\100A\\IMG_2.JPG","error":"No."})"));
   run.Hear(Json(R"({"command":"import","exit":6})"));
   EXPECT_TRUE(run.Trouble().startsWith("No. No. No. "));
 }
