@@ -49,12 +49,16 @@ install(CODE "
   file(INSTALL \"${CMAKE_CURRENT_BINARY_DIR}/pkgconfig/\${place}/kelva.pc\"
     DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig\")" COMPONENT Development)
 
-if(APPLE OR NOT KELVA_BUILD_HELPER)
-  return()  # the pages are those of the Linux agent
+if(APPLE)
+  return()  # the pages are those of the Linux agent and of the window there
 endif()
 file(GLOB kelva_manuals CONFIGURE_DEPENDS docs/man/*.1 docs/man/*.8)
 foreach(page IN LISTS kelva_manuals)
   cmake_path(GET page EXTENSION LAST_ONLY section)
   string(SUBSTRING "${section}" 1 -1 section)
-  install(FILES "${page}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT Helper)
+  if(page MATCHES "kelva-desktop" AND KELVA_BUILD_DESKTOP)
+    install(FILES "${page}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT Desktop)
+  elseif(NOT page MATCHES "kelva-desktop" AND KELVA_BUILD_HELPER)
+    install(FILES "${page}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT Helper)
+  endif()
 endforeach()

@@ -22,19 +22,22 @@ from installation import written_list  # noqa: E402
 import udevadm  # noqa: E402
 
 COMPONENTS = {"libkelva0.1": ["Library"], "libkelva-dev": ["Development"], "kelva": ["Tool", "VirtualCamera", "DeviceRules", "Documentation"],
-              "kelva-helper": ["Helper"]}
-PROGRAMS = ["/usr/bin/kelva", "/usr/bin/kelva-vcam", "/usr/bin/kelva-helper", "/usr/libexec/kelva/kelva-open"]
-# It takes its work from standard input and no arguments.
-BUILT = [*PROGRAMS, "/usr/libexec/kelva/kelva-thumbnail"]
+              "kelva-mount": ["Mount"], "kelva-desktop": ["Desktop"], "kelva-helper": ["Helper"]}
+PROGRAMS = ["/usr/bin/kelva", "/usr/bin/kelva-vcam", "/usr/bin/kelva-helper", "/usr/libexec/kelva/kelva-open", "/usr/bin/kelva-desktop"]
+# The others are run by these.
+BUILT = [*PROGRAMS, "/usr/libexec/kelva/kelva-mount", "/usr/libexec/kelva/kelva-thumbnail",
+         "/usr/libexec/kelva/kelva-desktop-worker"]
 # Licences that Debian keeps in /usr/share/common-licenses, and notices about libraries that its packages do not hold.
 NOT_PACKAGED = re.compile(r"^share/doc/kelva/(LICENSE|THIRD-PARTY-NOTICES\.md|packaging/)")
 FOR_PROGRAMMERS = re.compile(r"^share/doc/kelva/(docs/embedding\.md|docs/protocol\.md|examples/)")
 OLDER = "0.0.1"
-# The application that a plug starts leaves a file; the helper runs by the command of its unit.
+# The application that a plug starts leaves a file; the helper runs by the command of its unit. The first plug finds the
+# application. For the second it is hidden, so that the camera becomes a folder, which a program for pictures copies.
 LAUNCH = """
 set -eu
 export HOME=/root XDG_RUNTIME_DIR=/tmp/session XDG_DATA_HOME=/tmp/session/data
-mkdir -p /tmp/session/data/applications /tmp/session/card/DCIM
+mkdir -p /tmp/session/data/applications /tmp/session/card/DCIM/100KELVA
+echo picture >/tmp/session/card/DCIM/100KELVA/IMG_0001.JPG
 printf '[Desktop Entry]\\nType=Application\\nName=Stand-in\\nExec=touch /tmp/session/launched\\n' \\
   >/tmp/session/data/applications/com.kelva.Desktop.desktop
 kelva-vcam serve --virtual /tmp/session/bus & bus=$!
@@ -42,13 +45,26 @@ trap 'kill $bus $helper' EXIT
 until kelva-vcam status --virtual /tmp/session/bus; do sleep 0.1; done
 $(sed -n 's/^ExecStart=//p' /usr/lib/systemd/user/kelva-helper.service) --virtual /tmp/session/bus >/tmp/session/said & helper=$!
 until grep Watching /tmp/session/said; do sleep 0.1; done
+await() {
+  for turn in $(seq 300); do
+    [ ! -e "$1" ] || return 0
+    sleep 0.1
+  done
+  echo "$1 never came"
+  exit 1
+}
 kelva-vcam plug --virtual /tmp/session/bus --serial KV0001 --storage /tmp/session/card
-for turn in $(seq 300); do
-  [ ! -e /tmp/session/launched ] || exit 0
-  sleep 0.1
-done
-echo "nothing was launched"
-exit 1
+await /tmp/session/launched
+echo Hidden=true >>/tmp/session/data/applications/com.kelva.Desktop.desktop
+printf '[Desktop Entry]\\nType=Application\\nName=Viewer\\nExec=cp -a %%f /tmp/session/copy\\n' \
+  >/tmp/session/data/applications/org.example.Viewer.desktop
+printf '[Default Applications]\\nx-content/image-dcf=org.example.Viewer.desktop\\n' >/tmp/session/data/applications/mimeapps.list
+kelva-vcam unplug --virtual /tmp/session/bus KV0001
+kelva-vcam plug --virtual /tmp/session/bus --serial KV0002 --storage /tmp/session/card
+await /tmp/session/copy/DCIM/100KELVA/IMG_0001.JPG
+kelva-vcam unplug --virtual /tmp/session/bus KV0002
+sleep 1
+! grep Kelva /proc/mounts
 """
 
 
@@ -111,7 +127,7 @@ class Packages(unittest.TestCase):
         cls.root.install(*(f"/packages/{package.name}" for package in cls.debs))
         log("the older version is installed, and upgraded")
 
-    def test_1_there_are_four_packages(self):
+    def test_1_there_are_six_packages(self):
         self.assertEqual(sorted(package.name.partition("_")[0] for package in self.debs), sorted(COMPONENTS))
 
     def test_1_lintian_has_nothing_to_say(self):
@@ -140,7 +156,7 @@ class Packages(unittest.TestCase):
             needed = re.findall(r"Shared library: \[(\w[^]]*?)\.so", run("readelf", "-d", f"{self.root.folder}{program}"))
             self.assertIn("libstdc++", needed)
             loaded.update(needed)
-        self.assertLessEqual({"libcrypto", "libsqlite3", "libturbojpeg", "libexif", "libdeflate", "libudev"}, loaded)
+        self.assertLessEqual({"libcrypto", "libsqlite3", "libturbojpeg", "libexif", "libdeflate", "libudev", "libfuse3"}, loaded)
 
     def test_3_programs_and_library_are_hardened(self):
         library = self.root.folder / f"{next(name for name in expected_files('libkelva0.1') if name.endswith(version_of_sources()))[1:]}"
@@ -157,7 +173,9 @@ class Packages(unittest.TestCase):
             said = run("systemd-analyze", "--user", "verify", copy, env={**os.environ, "XDG_RUNTIME_DIR": runtime})
         self.assertEqual(said, "")
         run("desktop-file-validate", self.root.folder / "usr/share/kelva/autostart/kelva-helper.desktop")
-        run("appstreamcli", "validate", "--no-net", self.root.folder / "usr/share/metainfo/com.kelva.Kelva.metainfo.xml")
+        run("desktop-file-validate", self.root.folder / "usr/share/applications/com.kelva.Desktop.desktop")
+        for name in ("Kelva", "Desktop"):
+            run("appstreamcli", "validate", "--no-net", self.root.folder / f"usr/share/metainfo/com.kelva.{name}.metainfo.xml")
         asked = [path for folder in ("etc", "usr/lib/systemd", "var/lib/systemd") for path in (self.root.folder / folder).rglob("*kelva*")]
         self.assertEqual([path.relative_to(self.root.folder).as_posix() for path in asked], [unit[1:]])
 
@@ -166,9 +184,13 @@ class Packages(unittest.TestCase):
         outcome = udevadm.evaluate(str(rule), udevadm.describe(), udevadm.GENERIC)
         self.assertIn(":uaccess:", outcome.properties["CURRENT_TAGS"])
 
-    def test_4_plug_starts_an_application(self):
+    def test_4_plug_starts_an_application_or_opens_a_folder(self):
+        device = self.root.folder / "dev/fuse"
+        device.touch()
+        run("mount", "--bind", "/dev/fuse", device)
+        self.addCleanup(run, "umount", device)
         self.root.run("sh", "-c", LAUNCH)
-        log("a plug started an application")
+        log("a plug started an application, and another one opened a folder")
 
     def test_5_removal_leaves_nothing_and_purge_neither(self):
         shutil.rmtree(self.root.folder / "older")

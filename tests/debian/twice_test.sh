@@ -10,7 +10,7 @@ export CCACHE_DISABLE=1
 TZ=UTC LC_ALL=C "$1/package" --into "$scratch/first"
 TZ=Asia/Kathmandu LC_ALL=C.UTF-8 "$1/package" --into "$scratch/another place/second"
 packages=$(cd "$scratch/first" && ls ./*.deb)
-[ "$(wc -l <<<"$packages")" = 4 ] || { echo "FAILED: there are not four packages: $packages" >&2; exit 1; }
+[ "$(wc -l <<<"$packages")" = 6 ] || { echo "FAILED: there are not six packages: $packages" >&2; exit 1; }
 for package in $packages; do
   cmp "$scratch/first/$package" "$scratch/another place/second/$package"
 done

@@ -4,17 +4,19 @@
 Usage: launch_test.py BUILD_FOLDER AGENT_TESTS
 """
 
+import os
 import pathlib
 import shlex
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 BUILD, AGENT_TESTS = sys.argv.pop(1), sys.argv.pop(1)
 sys.path.insert(0, AGENT_TESTS)
 from installation import Build, files_below  # noqa: E402
-from session import Session  # noqa: E402
+from session import PATIENCE, Session  # noqa: E402
 
 
 def value_of(file, key):
@@ -105,6 +107,30 @@ class Launch(Installation):
         helper = self.program_of_the_unit(prefix)
         self.assertEqual(helper, f"{prefix}/bin/kelva-helper")
         self.expect_launch(prefix / "bin", helper)
+
+    def test_unit_opens_the_camera_as_a_folder_without_the_application(self):
+        if not os.access("/dev/fuse", os.W_OK):
+            self.skipTest("this machine has no /dev/fuse, or not for this user")
+        prefix = self.scratch / "prefix"
+        self.build.install(prefix)
+        session = Session(prefix / "bin", self.program_of_the_unit(prefix))
+        self.addCleanup(session.close)
+        name, _, value = value_of(prefix / "lib/systemd/user/kelva-helper.service", "Environment").partition("=")
+        session.environment[name] = value
+        session.install_viewer("x-content/image-dcf")
+        picture = session.folder / "card/DCIM/100KELVA/IMG_0001.JPG"
+        picture.parent.mkdir()
+        picture.write_bytes(b"a picture" * 100_000)
+        session.watching_agent()
+        session.plug("KV0001")
+        folder = pathlib.Path(session.launches.next().removeprefix("viewer "))
+        self.assertEqual(folder.name, "Kelva KV0001")
+        self.assertEqual((folder / picture.relative_to(session.folder / "card")).read_bytes(), picture.read_bytes())
+        session.unplug("KV0001")
+        end = time.monotonic() + PATIENCE
+        while folder.exists() and time.monotonic() < end:
+            time.sleep(0.05)
+        self.assertFalse(folder.exists())
 
     def test_command_of_the_unit_starts_it_below_destdir(self):
         self.build.install("/opt/kelva", root=self.scratch)

@@ -18,7 +18,7 @@ expect() {
 }
 
 prefix=$scratch/prefix
-for component in Helper Tool VirtualCamera; do
+for component in Helper Tool VirtualCamera Desktop; do
   cmake --install "$build" --prefix "$prefix" --component $component >"$scratch/install.log" || fail "$(cat "$scratch/install.log")"
 done
 unit=$prefix/lib/systemd/user/kelva-helper.service
@@ -51,6 +51,19 @@ grep -qF "<icon type=\"stock\">$icon</icon>" "$metainfo" || fail "the metainfo h
 while read -r program; do
   [ -x "$prefix/bin/$program" ] || fail "the metainfo names the program $program, which is not installed"
 done < <(sed -n 's/.*<binary>\(.*\)<\/binary>.*/\1/p' "$metainfo")
+
+# The window is started by its entry, or by a message to the name of that.
+window=$prefix/share/applications/com.kelva.Desktop.desktop
+desktop-file-validate "$window" || fail "the entry of the window"
+program_of_window=$(sed -n 's/^Exec=//p' "$window")
+[ "$program_of_window" = "$prefix/bin/kelva-desktop" ] || fail "the entry starts \"$program_of_window\""
+[ -x "$program_of_window" ] || fail "the window is not installed"
+expect "$window" "DBusActivatable=true"
+expect "$window" "Icon=$icon"
+service=$prefix/share/dbus-1/services/com.kelva.Desktop.service
+expect "$service" "Name=com.kelva.Desktop"
+expect "$service" "Exec=$program_of_window"
+said=$(appstreamcli validate --no-net "$prefix/share/metainfo/com.kelva.Desktop.metainfo.xml" 2>&1) || fail "the metainfo of the window: $said"
 
 # The completions and the page are written by hand: each option that the helper's own help lists is in all of them.
 bash -n "$prefix/share/bash-completion/completions/kelva-helper" || fail "the completion of bash"
