@@ -132,3 +132,27 @@ class Window:
 
     def names(self):
         return [(node.get_role_name(), node.get_name()) for node in self.all()]
+
+
+class Started(Window):
+    """The window of a program that something else has started, by the program's name."""
+
+    def __init__(self, program):
+        import gi
+        gi.require_version("Atspi", "2.0")
+        from gi.repository import Atspi
+        self.atspi, self.program = Atspi, program
+
+    def application(self):
+        desktop = self.atspi.get_desktop(0)
+        children = [desktop.get_child_at_index(index) for index in range(desktop.get_child_count())]
+        return next((child for child in children if child is not None and self.is_of_the_program(child.get_process_id())), None)
+
+    def is_of_the_program(self, process):
+        try:
+            return os.path.basename(os.readlink(f"/proc/{process}/exe")) == self.program
+        except OSError:
+            return False
+
+    def process_number(self):
+        return self.application().get_process_id()
