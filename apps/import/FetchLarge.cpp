@@ -28,6 +28,7 @@ class Sending {
     what_ = FileStream::What::kStore;
     verified_ = verified;
   }
+  void StoreByKey() { what_ = FileStream::What::kStoreByKey; }
   void Drop() { what_ = FileStream::What::kDrop; }
 
  private:
@@ -43,9 +44,13 @@ class Attempt {
       : work_(work), cuts_(cuts), item_(item), reader_(reader), stream_(stream) {}
 
   // False for a file that is to be read once more, unless this `isLast`.
-  bool SendAll(Sending& sending, bool isLast) {
+  bool SendAll(Sending& sending, bool isLast, const AtEnd& atEnd) {
     const std::optional<FileStream::Here> here = TakeUp();
     if (!here || !Send(FileStream::What::kWrite, here->size)) return true;
+    if (!atEnd.wait && here->size == 0) {
+      sending.StoreByKey();
+      return true;
+    }
     const std::optional<std::string> sha1 = stream_.Sha1();
     if (!sha1) return true;
     const bool isWhole = here->size == 0;
@@ -53,8 +58,9 @@ class Attempt {
     const bool asKey = key.empty() || key == *sha1;
     const bool isSure = isWhole ? asKey : key == *sha1;
     bool equal = true;
-    if (!isSure || work_.options.verify) {
-      if (!asKey) work_.files.CheckUnlikeKey(item_, reader_.Size());
+    if (!asKey) work_.files.CheckUnlikeKey(item_, reader_.Size());
+    const bool asBefore = isWhole && *sha1 == atEnd.before;
+    if ((!isSure && !asBefore) || work_.options.verify) {
       reader_.Select();
       if (!Send(FileStream::What::kCompare, here->compared)) return true;
       const std::optional<bool> answer = stream_.IsEqual();
@@ -129,12 +135,12 @@ class Attempt {
 };
 
 bool Try(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem& item, kelva::FileReader& reader,
-         int number, bool isLast) {
+         int number, bool isLast, const AtEnd& atEnd) {
   const auto stream = std::make_shared<FileStream>();
   writers.Submit({&item, {}, "", false, true, stream, reader.Size(), number});
   Sending sending(stream);
   try {
-    return Attempt(work, cuts, item, reader, *stream).SendAll(sending, isLast);
+    return Attempt(work, cuts, item, reader, *stream).SendAll(sending, isLast, atEnd);
   } catch (const kelva::FileReadError& error) {
     if (error.Why() != kelva::FileReadError::Reason::kCameraLost) sending.Drop();
     throw;
@@ -154,10 +160,10 @@ std::string DiffersEachTime(const SyncItem& item) {
 }
 
 void FetchLarge(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem& item, kelva::FileReader& reader,
-                int number) {
-  if (Try(work, cuts, writers, item, reader, number, false)) return;
+                int number, const AtEnd& atEnd) {
+  if (Try(work, cuts, writers, item, reader, number, false, atEnd)) return;
   reader.Select();
-  Try(work, cuts, writers, item, reader, number, true);
+  Try(work, cuts, writers, item, reader, number, true, {});
 }
 
 }  // namespace apps

@@ -79,6 +79,12 @@ void FileStream::PutEqual(bool equal) {
   forReader_.notify_one();
 }
 
+void FileStream::Free() {
+  const std::scoped_lock lock(mutex_);
+  free_.clear();
+  taken_ = {};
+}
+
 void FileStream::GiveUp() {
   const std::scoped_lock lock(mutex_);
   gaveUp_ = true;

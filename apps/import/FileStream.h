@@ -30,9 +30,10 @@ class FileStream {
     kTail,  ///< the end of the part that is here
     kWrite,
     kCompare,
-    kStore,  ///< the end: the file is whole
-    kDrop,   ///< the end: what came is of no use
-    kKeep,   ///< the end: a later run goes on with it
+    kStore,       ///< the end: the file is whole
+    kStoreByKey,  ///< the same, if its SHA-1 is the catalogue's key or it has none
+    kDrop,        ///< the end: what came is of no use
+    kKeep,        ///< the end: a later run goes on with it
   };
 
   /// What is here already: bytes of the file, and of a whole one how many came a second time, and equal.
@@ -69,6 +70,8 @@ class FileStream {
   void PutHere(Here here);
   void PutSha1(std::string sha1);
   void PutEqual(bool equal);
+  /// After the end: gives the memory of all pieces back.
+  void Free();
   /// Nobody takes any more.
   void GiveUp();
 

@@ -65,10 +65,12 @@ class Receiver {
           Compare(piece.bytes);
           break;
         case FileStream::What::kStore:
+        case FileStream::What::kStoreByKey:
           // What cannot be flushed or named is not to be taken up by a later run.
           file_->Drop();
           CheckSize();
-          return Received{std::move(file_), std::move(sha1_), piece.verified};
+          return Received{std::move(file_), std::move(sha1_), piece.verified,
+                          piece.what == FileStream::What::kStoreByKey};
         case FileStream::What::kDrop:
           GiveBack();
           return std::nullopt;

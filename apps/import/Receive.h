@@ -28,6 +28,7 @@ struct Received {
   std::unique_ptr<NewFile> file;
   std::string sha1;
   bool verified;  ///< as FileStream::End says
+  bool byKey;     ///< its reader did not wait for the SHA-1, which has to be the key
 };
 
 /// Writes a file as it comes, until its reader ends it. Nothing when it did not become whole: its reader has dropped it, or

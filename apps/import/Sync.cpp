@@ -11,7 +11,6 @@
 #include "apps/files/Sha1.h"
 #include "apps/import/AskTimes.h"
 #include "apps/import/DeleteFetched.h"
-#include "apps/import/FetchLarge.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {
@@ -71,7 +70,13 @@ void Sync::FetchOne(const SyncItem& item, int number, Writers& writers) {
   const InItem inItem = work_.report.Begin(item);
   kelva::FileReader reader = work_.files.Open(item);
   if (reader.Size() <= kLargestWhole) return FetchWhole(item, reader, number, writers);
-  FetchLarge(work_, cuts_, writers, item, reader, number);
+  FetchLarge(work_, cuts_, writers, item, reader, number, {AwaitsKey(item)});
+}
+
+// A file that was not waited for is written once more if its key does not fit. So after the first one all are.
+bool Sync::AwaitsKey(const SyncItem& item) {
+  const std::scoped_lock lock(mutex_);
+  return work_.options.verify || (!keysFit_ && !item.ExpectedSha1().empty());
 }
 
 void Sync::FetchWhole(const SyncItem& item, kelva::FileReader& reader, int number, Writers& writers) {
@@ -108,7 +113,9 @@ void Sync::ReadDoubtful(NumbersHere& numbers, Writers& writers) {
 void Sync::ReadAgain(const SyncItem& item, const std::string& first, int number, Writers& writers) {
   const InItem inItem = work_.report.Begin(item);
   kelva::FileReader reader = work_.files.Open(item);
-  if (reader.Size() > kLargestWhole) throw CameraError("the camera announces another size than before");
+  if (reader.Size() > kLargestWhole) {
+    return FetchLarge(work_, cuts_, writers, item, reader, number, {true, first});
+  }
   std::vector<char> bytes = ReadWhole(reader);
   const std::string sha1 = Sha1(bytes);
   const bool asKey = sha1 == item.ExpectedSha1();
@@ -134,6 +141,7 @@ void Sync::OnOutcome(const WriteOutcome& outcome) {
   if (outcome.row) return work_.report.Stored(outcome);
   if (outcome.unlikeKey.empty()) return work_.report.Fail(*outcome.item, outcome.error);
   const std::scoped_lock lock(mutex_);
+  keysFit_ = false;
   doubtful_.emplace_back(outcome.item, outcome.unlikeKey);
 }
 

@@ -11,6 +11,7 @@
 #include "apps/camera/Explain.h"
 #include "apps/commandline/Context.h"
 #include "apps/import/CutFiles.h"
+#include "apps/import/FetchLarge.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/NumbersHere.h"
 #include "apps/import/PictureTimes.h"
@@ -42,6 +43,7 @@ class Sync {
  private:
   std::optional<Outcome> Fetch(const SyncPlan& plan);
   void FetchOne(const SyncItem& item, int number, Writers& writers);
+  bool AwaitsKey(const SyncItem& item);
   void FetchWhole(const SyncItem& item, kelva::FileReader& reader, int number, Writers& writers);
   std::vector<char> ReadWhole(kelva::FileReader& reader);
   void ReadDoubtful(NumbersHere& numbers, Writers& writers);
@@ -54,7 +56,8 @@ class Sync {
   CutFiles cuts_;
   SyncWork work_;
   unsigned long long expected_ = 0;
-  std::mutex mutex_;                                               // the list: reached from the writers
+  std::mutex mutex_;                                               // what follows: reached from the writers
+  bool keysFit_ = true;                                            // as far as is known
   std::vector<std::pair<const SyncItem*, std::string>> doubtful_;  // with what they hash to, which is not their key
 };
 

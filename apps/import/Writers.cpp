@@ -120,7 +120,7 @@ void Writers::Run() {
     std::size_t bytes = 0;
     for (const WriteJob& job : jobs) bytes += OnItsWay(job);
     try {
-      jobs.front().stream ? StoreStream(jobs.front()) : StoreAll(jobs);
+      jobs.front().stream ? StoreStream(jobs.front(), bytes) : StoreAll(jobs);
     } catch (const Failure& failure) {
       GiveUp(failure);
     } catch (const std::exception& error) {
@@ -198,25 +198,36 @@ void Writers::StoreAll(const std::vector<WriteJob>& jobs) {
   if (ending) throw Failure(*ending);
 }
 
-// A file that comes in pieces. It is flushed and named on its own: the others are large too.
-void Writers::StoreStream(const WriteJob& job) {
+// A file that comes in pieces. It is flushed and named on its own: the others are large too. `bytes` are on its way; none once all
+// have arrived, so that the next files are read while the disk takes this one.
+void Writers::StoreStream(const WriteJob& job, std::size_t& bytes) {
   // Whatever ends it: its reader may wait.
   const std::unique_ptr<FileStream, void (*)(FileStream*)> atEnd(job.stream.get(), [](FileStream* s) { s->GiveUp(); });
   std::optional<Failure> ending;
   std::optional<Done> done;
   Attempt(
-      *job.item, [&] { done = Arrive(job); }, ending);
+      *job.item, [&] { done = Arrive(job, bytes); }, ending);
   if (done) Commit(AddDone(std::move(*done)));
   if (ending) throw Failure(*ending);
 }
 
-std::optional<Writers::Done> Writers::Arrive(const WriteJob& job) {
+void Writers::HaveArrived(std::size_t& bytes) {
+  const std::scoped_lock lock(mutex_);
+  bytes_ -= std::exchange(bytes, 0);
+  stored_.notify_one();
+}
+
+std::optional<Writers::Done> Writers::Arrive(const WriteJob& job, std::size_t& bytes) {
   const SyncItem& item = *job.item;
   LocalPath path = item.Local();
   const auto folder = folders_.For(path);
   Arrival arrival{item.Key(), job.size, path, *folder, cuts_.TakeUp(item.Key(), job.size, path, *folder)};
   std::optional<Received> received = Receive(*job.stream, std::move(arrival), manifest_);
   if (!received) return std::nullopt;
+  const std::string key = item.ExpectedSha1();
+  if (received->byKey && !key.empty() && key != received->sha1) throw UnlikeKey{received->sha1};
+  job.stream->Free();
+  HaveArrived(bytes);
   BesideFile file(*folder, path.name, std::move(received->file), job.size, received->sha1, job.Number(), job.Before());
   const bool isDated = Date(file, item);
   file.Flush();

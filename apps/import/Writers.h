@@ -112,8 +112,9 @@ class Writers {
   bool IsFull() const;
   static std::size_t OnItsWay(const WriteJob& job);
   void StoreAll(const std::vector<WriteJob>& jobs);
-  void StoreStream(const WriteJob& job);
-  std::optional<Done> Arrive(const WriteJob& job);
+  void StoreStream(const WriteJob& job, std::size_t& bytes);
+  std::optional<Done> Arrive(const WriteJob& job, std::size_t& bytes);
+  void HaveArrived(std::size_t& bytes);
   bool Attempt(const SyncItem& item, const std::function<void()>& work, std::optional<Failure>& ending);
   std::vector<Done> AddDone(Done done);
   std::unique_ptr<Started> Start(const WriteJob& job);
