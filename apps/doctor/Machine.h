@@ -15,7 +15,7 @@ namespace apps::doctor {
 /// changes nothing. Never empty: without a camera it says that there is none.
 std::vector<Finding> ExamineMachine();
 
-/// The same without a question to a camera: what the machine itself shows.
+/// The same without a question to a camera, and quicker: what the machine itself shows, but for who holds a camera on Linux.
 std::vector<Finding> LookAtMachine();
 
 /// The processes, except this one, that hold the camera with this serial number, as far as the system tells.

@@ -1,6 +1,7 @@
 """kelva-desktop-worker as the window has it: what it shows of a camera, and imports that are those of kelva sync."""
 
 import base64
+import json
 import os
 import re
 import shutil
@@ -92,6 +93,24 @@ class CameraTest(WorkerTest):
         camera.say("preview", 0)
         self.assertEqual(camera.until("preview")["none"], "The picture has no JPEG file.")
         camera.close()
+
+    def test_a_screen_of_thumbnails_reads_the_starts_of_files_alone(self):
+        self.unplug()
+        for number in range(1, 101):
+            self.thumb(number)
+            os.truncate(f"{self.drive}/DCIM/100ABCDE/IMG_{number:04d}.JPG", 8 << 20)  # the disk keeps nothing of the rest
+        self.vcam("plug", "--serial", "K1", "--storage", self.drive, "--no-keys")
+        trace = os.path.join(self.folder, "trace")
+        camera = self.worker("camera", "--serial", "K1", env={**os.environ, "KELVA_TRACE": trace})
+        camera.until("others")
+        camera.say("thumbs", *range(40))
+        for _ in range(40):
+            self.assertEqual(camera.until("thumb")["width"], 160)
+        camera.close()
+        with open(trace, encoding="ascii") as lines:
+            moved = sum(line["moved"] for line in map(json.loads, lines) if line.get("direction") == 2)
+        self.assertGreater(moved, 40 * len(WITH_THUMBNAIL))
+        self.assertLess(moved, 42 * 65_536)
 
     def test_what_is_wanted_now_comes_before_what_was_wanted_before(self):
         for number in range(1, 301):

@@ -14,7 +14,7 @@ std::vector<Finding> ExamineMachine() {
 }
 
 std::vector<Finding> LookAtMachine() {
-  return Diagnose(SurveyMachine([](const std::string&) { return Answer::kNotAsked; }));
+  return Diagnose(SurveyMachine(nullptr));
 }
 
 std::vector<Holder> HoldersOfCamera(const std::string& serial) {

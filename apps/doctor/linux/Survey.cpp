@@ -153,7 +153,7 @@ MachineFacts SurveyMachine(const Probe& probe) {
   facts.userInPlugdev = InGroup("plugdev");
   if (const UdevContext context{udev_new()}) facts.cameras = ReadCameras(context.get());
   for (CameraFacts& camera : facts.cameras) {
-    if (camera.node.empty() || camera.nodeError != 0) continue;
+    if (!probe || camera.node.empty() || camera.nodeError != 0) continue;
     camera.holders = HoldersOf(camera.node);
     // A camera carries one command at a time: a question would disturb the program that holds it.
     if (camera.holders.empty()) camera.answer = probe(camera.node);

@@ -13,7 +13,8 @@ namespace apps::doctor {
 using Probe = std::function<Answer(const std::string& node)>;
 
 /// Looks at this machine: USB, the kernel's drivers, the nodes, and who holds them. Sends nothing to a camera, except
-/// that `probe` asks each camera whose node is usable and free.
+/// that `probe` asks each camera whose node is usable and free. Without a probe nobody looks for who holds a node either:
+/// that goes through all processes.
 MachineFacts SurveyMachine(const Probe& probe);
 
 /// The node of the camera with this serial number, such as "/dev/sg3"; empty when there is none.
