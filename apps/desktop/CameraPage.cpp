@@ -62,7 +62,9 @@ CameraPage::~CameraPage() {
 
 QString CameraPage::Title() const {
   const CameraState& state = link_->State();
-  return state.battery.isEmpty() ? state.name : tr("%1, battery %2").arg(state.name, state.battery);
+  // Two cameras of one kind often have one name.
+  const QString name = state.name.contains(state.serial) ? state.name : state.name + ' ' + state.serial;
+  return state.battery.isEmpty() ? name : tr("%1, battery %2").arg(name, state.battery);
 }
 
 void CameraPage::Refresh() {

@@ -33,7 +33,7 @@ class CameraPage : public QWidget {
   std::function<void()> onDone = [] {};
 
   CameraLink& Link() { return *link_; }
-  /// "Kelva K1, battery 75".
+  /// "Mine K1, battery 75".
   QString Title() const;
 
  private:

@@ -46,7 +46,7 @@ class CameraPageTest : public WindowTest {
 TEST_F(CameraPageTest, ShowsPicturesAndOffersTheirImport) {
   ASSERT_TRUE(Await([&] { return HasButton("Import 1 new picture (3 kB)"); }));
   EXPECT_TRUE(Pictures()->isVisible());
-  EXPECT_EQ(page_->Title(), "Mine, battery 75");
+  EXPECT_EQ(page_->Title(), "Mine K1, battery 75");
 }
 
 TEST_F(CameraPageTest, ASelectionChangesTheOffer) {

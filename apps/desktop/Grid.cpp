@@ -53,6 +53,13 @@ void Grid::doItemsLayout() {
   ask_.start(kAskMs);
 }
 
+// At once: what is drawn next must not be a picture that went.
+void Grid::reset() {
+  QListView::reset();
+  asked_.clear();
+  doItemsLayout();
+}
+
 int Grid::verticalOffset() const {
   return verticalScrollBar()->value();
 }
@@ -198,7 +205,8 @@ void Grid::AskForMissing() {
 
 QString Grid::HeadlineOf(const DayLayout::Section& section) const {
   if (!section.day) return pictures_.At(section.first).folder;
-  return section.day->isValid() ? QLocale().toString(*section.day, QLocale::LongFormat) : tr("Without a date");
+  if (section.day->isValid()) return QLocale().toString(*section.day, QLocale::LongFormat);
+  return tr("%1, without a date").arg(pictures_.At(section.first).folder);
 }
 
 void Grid::PaintHeadline(QPainter& painter, const DayLayout::Section& section) const {

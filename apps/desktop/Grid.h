@@ -31,6 +31,7 @@ class Grid : public QListView {
   void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
   QModelIndex indexAt(const QPoint& place) const override;
   void doItemsLayout() override;
+  void reset() override;
 
  protected:
   int horizontalOffset() const override { return 0; }

@@ -87,6 +87,13 @@ TEST_F(GridTest, WhatIsInViewStaysWhenADayAboveIsDivided) {
   EXPECT_NEAR(RectOf(first).top(), before, RectOf(first).height());
 }
 
+TEST_F(GridTest, PicturesThatWentAreNotDrawn) {
+  Fill(100);
+  model_.Clear();
+  grid_.viewport()->grab();
+  EXPECT_EQ(grid_.verticalScrollBar()->maximum(), 0);
+}
+
 TEST_F(GridTest, TheKeyboardReachesEverything) {
   Fill(100);
   QTest::keyClick(&grid_, Qt::Key_Home);

@@ -1,6 +1,7 @@
 // Where pictures go, the button that imports them, and the progress.
 #include "apps/desktop/ImportBar.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -83,11 +84,11 @@ ImportBar::ImportBar(const Target& target, QWidget* parent)
   FillNaming();
   ShowTarget();
   connect(folder_, &QPushButton::clicked, this, [this] { AskForFolder(); });
-  connect(naming_, &QComboBox::activated, this,
+  connect(naming_, &QComboBox::currentIndexChanged, this,
           [this] { Change([this](Target& changed) { changed.pattern = naming_->currentData().toString(); }); });
-  connect(types_, &QComboBox::activated, this,
+  connect(types_, &QComboBox::currentIndexChanged, this,
           [this] { Change([this](Target& changed) { changed.types = types_->currentData().toString(); }); });
-  connect(everything_, &QCheckBox::clicked, this,
+  connect(everything_, &QCheckBox::toggled, this,
           [this](bool on) { Change([on](Target& changed) { changed.everything = on; }); });
   connect(import_, &QPushButton::clicked, this, [this] { onImport(); });
   connect(cancel_, &QPushButton::clicked, this, [this] { onCancel(); });
@@ -108,6 +109,7 @@ QLayout* ImportBar::TargetLine() {
   add(types_, tr("Fi&les:"));
   naming_->setAccessibleName(tr("Naming"));
   types_->setAccessibleName(tr("Files"));
+  for (QComboBox* box : {naming_, types_}) box->view()->setAccessibleName(box->accessibleName());
   line->addStretch();
   line->addWidget(everything_);
   return line;
@@ -115,7 +117,7 @@ QLayout* ImportBar::TargetLine() {
 
 QLayout* ImportBar::WorkLine() {
   auto* line = new QHBoxLayout;
-  message_->setAccessibleName(tr("Result"));
+  message_->setObjectName("message");
   bar_->setRange(0, kSteps);
   bar_->setTextVisible(false);
   bar_->setAccessibleName(tr("Progress"));
@@ -154,7 +156,9 @@ void ImportBar::AskForFolder() {
 }
 
 void ImportBar::Change(const std::function<void(Target&)>& change) {
+  const Target before = target_;
   change(target_);
+  if (target_ == before) return;
   ShowTarget();
   onTarget(target_);
 }

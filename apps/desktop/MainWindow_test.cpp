@@ -45,7 +45,7 @@ TEST_F(MainWindowTest, EachCameraHasATab) {
        Say(R"({"event":"attached","serial":"K2","present":true})") + Say(R"({"event":"ready"})") + kWait);
   ASSERT_TRUE(Await([&] { return Tabs()->count() == 2; }));
   EXPECT_EQ(Tabs()->currentIndex(), 0);
-  EXPECT_TRUE(Await([&] { return Tabs()->tabText(0) == "Mine, battery 75"; }));
+  EXPECT_TRUE(Await([&] { return Tabs()->tabText(0) == "Mine K1, battery 75"; }));
 }
 
 TEST_F(MainWindowTest, ACameraThatIsPluggedInLaterIsShown) {

@@ -12,7 +12,7 @@ import tempfile
 import time
 import zlib
 
-PATIENCE = 30  # seconds
+PATIENCE = 15  # seconds
 WIDTH, HEIGHT = 1000, 720
 
 
@@ -127,8 +127,23 @@ class Window:
 
     def press(self, pattern, role="push button"):
         node = self.wait(pattern, role)
-        node.get_action_iface().do_action(0)
+        node.do_action(0)
         return node
+
+    def click(self, node):
+        """With the mouse, in the middle of a part."""
+        box = node.get_extents(self.atspi.CoordType.SCREEN)
+        self.atspi.generate_mouse_event(box.x + box.width // 2, box.y + box.height // 2, "b1c")
+
+    def key(self, name):
+        """Presses a key of the keyboard, by its name in X."""
+        keysym = {"space": 0x20, "Escape": 0xff1b, "Left": 0xff51, "Right": 0xff53}[name]
+        self.atspi.generate_keyboard_event(keysym, None, self.atspi.KeySynthType.SYM)
+
+    def workers(self, kind):
+        """The processes that the window runs for this kind of work."""
+        children = pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children").read_text().split()
+        return [int(child) for child in children if f"\0{kind}\0" in pathlib.Path(f"/proc/{child}/cmdline").read_text()]
 
     def names(self):
         return [(node.get_role_name(), node.get_name()) for node in self.all()]
