@@ -7,17 +7,35 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <span>
+#include <string_view>
 #include <utility>
-#include <vector>
 
 namespace apps {
+
+/// Some bytes of a file. Not set to zero first, as a vector's are.
+class FileBytes {
+ public:
+  explicit FileBytes(std::size_t size) : bytes_(std::make_unique_for_overwrite<char[]>(size)), size_(size) {}
+
+  std::size_t size() const { return size_; }
+  const char* data() const { return bytes_.get(); }
+  std::span<char> All() { return {bytes_.get(), size_}; }
+  std::string_view Text() const { return {bytes_.get(), size_}; }
+  /// Forgets what is behind.
+  void Cut(std::size_t size) { size_ = size; }
+
+ private:
+  std::unique_ptr<char[]> bytes_;
+  std::size_t size_;
+};
 
 /// The bytes of files that were read last, in pieces. Bounded in number and in age: another program may write to the camera.
 /// One thread at a time.
 class Pieces {
  public:
   using Clock = std::chrono::steady_clock;
-  using Piece = std::shared_ptr<const std::vector<char>>;
+  using Piece = std::shared_ptr<const FileBytes>;
   /// What a camera's transport moves at once.
   static constexpr std::size_t kSize = 65'536;
 

@@ -42,9 +42,9 @@ Pieces::Piece Reading::Read(std::uint64_t file, const std::string& path, std::ui
       return ReadSpooled(spools_.front(), offset, count);
     }
     // With room for two bytes beyond the end, the last piece needs no command more to find the end.
-    std::vector<char> bytes(std::min(count + 2, Pieces::kSize));
-    bytes.resize(reader_->Read(offset, bytes));
-    return std::make_shared<const std::vector<char>>(std::move(bytes));
+    auto bytes = std::make_shared<FileBytes>(std::min(count + 2, Pieces::kSize));
+    bytes->Cut(reader_->Read(offset, bytes->All()));
+    return bytes;
   } catch (...) {
     reader_.reset();
     throw;
@@ -77,9 +77,9 @@ Pieces::Piece Reading::ReadSpooled(Spooled& spooled, std::uint64_t offset, std::
     if (came == 0) throw std::runtime_error("the file ended early");
     spooled.spool.Append(std::span(bytes).first(came));
   }
-  bytes.resize(count);
-  spooled.spool.Read(offset, bytes);
-  return std::make_shared<const std::vector<char>>(std::move(bytes));
+  auto piece = std::make_shared<FileBytes>(count);
+  spooled.spool.Read(offset, piece->All());
+  return piece;
 }
 
 void Reading::Drop(std::uint64_t file) {

@@ -22,8 +22,7 @@ class ReadingTest : public ::testing::Test {
     return content;
   }
   std::string Piece(std::uint64_t index) {
-    const Pieces::Piece piece = reading_.Read(7, "I:\\A", camera_->file.size(), index);
-    return {piece->begin(), piece->end()};
+    return std::string(reading_.Read(7, "I:\\A", camera_->file.size(), index)->Text());
   }
   std::string Expected(std::uint64_t index) const { return camera_->file.substr(index * kPiece, kPiece); }
 

@@ -1,4 +1,6 @@
 // Entry point of `kelva-mount`, which does `kelva mount`.
+#include <malloc.h>
+
 #include <array>
 #include <span>
 #include <string_view>
@@ -20,6 +22,10 @@ std::string_view NameOf(const char* path) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Pieces come and go by the thousand, and few are there at once: their memory is not worth giving back.
+  ::mallopt(M_ARENA_MAX, 1);
+  ::mallopt(M_TRIM_THRESHOLD, 8 << 20);
+  ::mallopt(M_MMAP_THRESHOLD, 1 << 20);
   std::vector<const char*> words(argv, argv + argc);
   const std::string_view name = words.empty() ? "" : NameOf(words.front());
   if (!words.empty()) words.erase(words.begin());
