@@ -39,7 +39,9 @@ ELSEWHERE = {
         apps/desktop/worker/Browser.cpp apps/desktop/worker/Drawings.cpp apps/desktop/worker/Verbs.cpp""",
     # They need a session bus, and what stands in for it needs a Mac's compiler.
     "tests/desktop/window_test.py": "apps/desktop/dbus/Appearance.cpp apps/desktop/dbus/SingleInstance.cpp",
-    "tests/macos/sources_test.py": "apps/desktop/alone/Appearance.cpp apps/desktop/alone/SingleInstance.cpp",
+    "tests/macos/sources_test.py": """
+        apps/desktop/alone/Appearance.cpp apps/desktop/alone/SingleInstance.cpp
+        apps/kelva/verbs/portable/NoMountVerb.cpp""",
     # It waits for a camera's clock, which no unit test does.
     "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",
     # They answer the kernel, which asks them there.
@@ -47,7 +49,6 @@ ELSEWHERE = {
         apps/mount/FileSystem.cpp apps/mount/FileSystemRead.cpp apps/mount/FileSystemServe.cpp
         apps/mount/FileSystemWrite.cpp apps/mount/Kernel.cpp apps/mount/Launch.cpp apps/mount/Mount.cpp
         apps/mount/Pending.cpp""",
-    "tests/macos/sources_test.py": "apps/kelva/verbs/portable/NoMountVerb.cpp",
     # The verbs of kelva-vcam are tested as the program that people run.
     "tests/vcam": """
         vcam/program/FaultVerb.cpp vcam/program/NoUsbipVerb.cpp vcam/program/PlugVerbs.cpp vcam/program/ServeVerb.cpp
