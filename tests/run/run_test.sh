@@ -18,7 +18,7 @@ fail() {
 # in_demonstration COMMAND...: in a process of its own, as ./run does it, without building.
 in_demonstration() {
   # shellcheck disable=SC2016 # the words belong to the inner shell
-  bash -euo pipefail -c '. "$root/tools/say.sh"; build_preset() { :; }; . "$root/tools/demonstration.sh"; "$@"' run "$@" \
+  bash -euo pipefail -c '. "$root/tools/say.sh"; build_preset() { :; }; . "$root/tools/demonstration.sh"; . "$root/tools/window.sh"; "$@"' run "$@" \
     >"$scratch_of_test/out" 2>"$scratch_of_test/err"
 }
 
@@ -39,8 +39,11 @@ expect_refusal() {
 in_demonstration demonstrate "" || fail "without a folder: $(cat "$scratch_of_test/out" "$scratch_of_test/err")"
 expect_line "Nothing was launched: camera KV-0001"
 expect_line "because camera KV-0002 was plugged in"
-expect_line "fetched IMG_0004.JPG"
-expect_line "equal to the camera's, byte for byte"
+expect_line 'its button says "Import 4 new pictures'
+expect_line "The window says: 4 pictures are on this computer and checked."
+expect_line "The 4 imported files are equal to the camera's, byte for byte"
+shot=$(sed -n 's/^The window as it was: //p' "$scratch_of_test/out")
+[ "$(head -c 4 "$shot" | tail -c 3)" = PNG ] || fail "there is no photograph \"$shot\""
 
 in_demonstration demonstrate_tool "" || fail "the tool alone: $(cat "$scratch_of_test/out" "$scratch_of_test/err")"
 expect_line "the tool fetched the pictures of camera KV-0001"
@@ -51,7 +54,7 @@ cp "$scratch_of_test/DCIM/100KELVA/IMG_0002.JPG" "$scratch_of_test/my pictures/a
 echo "no picture" >"$scratch_of_test/my pictures/notes.txt"
 in_demonstration demonstrate "$scratch_of_test/my pictures" || fail "with a folder: $(cat "$scratch_of_test/err")"
 expect_line "Took 1 pictures of $scratch_of_test/my pictures"
-expect_line "fetched IMG_0001.JPG ($(wc -c <"$scratch_of_test/my pictures/a holiday.jpeg") bytes)"
+expect_line "The 1 imported files are equal"
 
 # A card is taken as it is: its own names, whatever they end in, and nothing in it is touched. The name of its folder is hostile.
 # shellcheck disable=SC2016 # the dollar sign belongs to the name
@@ -64,7 +67,7 @@ before=$(contents)
 in_demonstration need_pictures "$card" || fail "a card is refused: $(cat "$scratch_of_test/err")"
 in_demonstration demonstrate "$card" || fail "with a card: $(cat "$scratch_of_test/out" "$scratch_of_test/err")"
 expect_line "as it is, with 2 files"
-expect_line "fetched DSC_0107.RAW (4 bytes)"
+expect_line "The 2 imported files are equal"
 [ "$before" = "$(contents)" ] || fail "the card was changed: $(contents)"
 
 # What stays: a bus that other programs reach, over a copy, until it is ended; then nothing is left.
