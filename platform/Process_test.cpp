@@ -19,6 +19,10 @@ TEST(ProcessTest, TheProgramKnowsItsOwnPath) {
   EXPECT_TRUE(std::filesystem::equivalent(OwnProgram(), OwnImage()));
 }
 
+TEST(ProcessTest, AProgramThatIsStartedOnceMoreHasTheSameName) {
+  EXPECT_EQ(std::filesystem::path(OwnImage()).filename(), std::filesystem::path(OwnProgram()).filename());
+}
+
 TEST(ProcessTest, AProcessHasAName) {
   EXPECT_TRUE(ProcessName(::getpid()).starts_with("platform_")) << ProcessName(::getpid());
   const pid_t ended = ::fork();

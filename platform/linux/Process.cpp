@@ -2,6 +2,7 @@
 #include "platform/Process.h"
 
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,8 +17,15 @@ std::string OwnProgram() {
   return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : std::string();
 }
 
+// The program's own path where that still leads to it: the system names a process after the path that started it.
 std::string OwnImage() {
-  return "/proc/self/exe";
+  constexpr const char* kImage = "/proc/self/exe";
+  struct stat image {};
+  struct stat there {};
+  std::string path = OwnProgram();
+  const bool same = ::stat(kImage, &image) == 0 && ::stat(path.c_str(), &there) == 0 && image.st_dev == there.st_dev &&
+                    image.st_ino == there.st_ino;
+  return same ? path : kImage;
 }
 
 std::string ProcessName(pid_t process) {
