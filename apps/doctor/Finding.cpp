@@ -8,14 +8,15 @@ namespace apps::doctor {
 
 std::string_view WordOf(Condition condition) {
   // In the order of Condition.
-  static constexpr std::array<std::string_view, 13> kWords = {
-      "well", "no-device",  "driver-not-loaded", "not-set-up", "no-generic-driver", "no-node",  "no-permission",
-      "held", "bad-camera", "not-answering",     "narrow",     "no-udev",           "no-vendor"};
+  static constexpr std::array<std::string_view, 15> kWords = {
+      "well",      "no-device",  "driver-not-loaded", "not-set-up", "no-generic-driver", "no-node",   "no-permission",
+      "held",      "bad-camera", "not-answering",     "narrow",     "no-udev",           "no-vendor", "mounted",
+      "left-mount"};
   return kWords.at(static_cast<std::size_t>(condition));
 }
 
 bool IsHarmless(Condition condition) {
-  return condition == Condition::kWell || condition == Condition::kNoUdev;
+  return condition == Condition::kWell || condition == Condition::kNoUdev || condition == Condition::kMounted;
 }
 
 std::vector<Finding> Obstacles(std::vector<Finding> findings) {

@@ -22,6 +22,8 @@ enum class Condition {
   kNarrow,
   kNoUdev,
   kNoVendor,
+  kMounted,
+  kLeftMount,
 };
 
 /// The condition's stable word, for scripts.

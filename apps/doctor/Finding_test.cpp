@@ -10,7 +10,7 @@ namespace {
 
 TEST(FindingTest, EveryConditionHasAWordOfItsOwn) {
   std::vector<std::string_view> words;
-  for (int i = 0; i <= static_cast<int>(Condition::kNoVendor); ++i) words.push_back(WordOf(static_cast<Condition>(i)));
+  for (int i = 0; i <= static_cast<int>(Condition::kLeftMount); ++i) words.push_back(WordOf(static_cast<Condition>(i)));
   std::sort(words.begin(), words.end());
   EXPECT_EQ(std::adjacent_find(words.begin(), words.end()), words.end());
   EXPECT_EQ(std::count(words.begin(), words.end(), "unknown"), 0);

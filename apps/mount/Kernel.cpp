@@ -31,6 +31,8 @@ void Init(void* files, fuse_conn_info* connection) {
   connection->max_write = kLargestWrite;
   connection->max_readahead = kReadAhead;
   connection->want |= connection->capable & (FUSE_CAP_ASYNC_READ | FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_ATOMIC_O_TRUNC);
+  // A read would list the folder again to see whether the file has changed; the next open does.
+  connection->want &= ~static_cast<unsigned>(FUSE_CAP_AUTO_INVAL_DATA);
   if (!static_cast<FileSystem*>(files)->IsWritable())
     connection->want &= ~static_cast<unsigned>(FUSE_CAP_ATOMIC_O_TRUNC);
 }
@@ -191,7 +193,7 @@ void Kernel::Serve() {
     const int count = fuse_session_receive_buf(session_.get(), &buffer);
     if (count == -EINTR || count == -EAGAIN) continue;
     if (count <= 0) {
-      mounted_ = false;  // and nobody has a file open
+      isOver_ = true;  // unmounted, and nobody has a file open
       break;
     }
     fuse_session_process_buf(session_.get(), &buffer);
@@ -205,7 +207,9 @@ void Kernel::Leave(std::chrono::milliseconds patience) {
 }
 
 void Kernel::Unmount() {
-  if (!mounted_.exchange(false)) return;
+  // libfuse looks at the connection first. Another mount may be there by now while this one is still used.
+  if (!mounted_ || (wasUnmounted_ && !isOver_)) return;
+  mounted_ = false;
   fuse_session_unmount(session_.get());
 }
 

@@ -32,7 +32,7 @@ class Kernel {
   /// Unmounts what is still mounted. Whoever uses the folder gets errors from now on. After Serve.
   void Unmount();
   /// Somebody else has unmounted it.
-  void WasUnmounted() { mounted_ = false; }
+  void WasUnmounted() { wasUnmounted_ = true; }
 
  private:
   struct Freed {
@@ -42,7 +42,9 @@ class Kernel {
   std::unique_ptr<fuse_session, Freed> session_;
   base::WakeUp wakeUp_;
   std::atomic<std::int64_t> until_ = 0;  // of the steady clock, in milliseconds; 0 without an end
-  std::atomic<bool> mounted_ = false;
+  bool mounted_ = false;
+  bool wasUnmounted_ = false;
+  bool isOver_ = false;  // set by Serve
 };
 
 }  // namespace apps

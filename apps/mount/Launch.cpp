@@ -11,14 +11,13 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <optional>
 #include <vector>
 
 #include "apps/camera/Attached.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/mount/Mount.h"
-#include "apps/mount/Mounts.h"
+#include "apps/mount/Source.h"
 #include "base/FileDescriptor.h"
 #include "platform/Process.h"
 #include "platform/Sockets.h"
@@ -122,13 +121,6 @@ ExitCode MountOne(Context& context) {
     return context.Result(Json::Object().SetBytes("serial", chosen.facts.serial).Set("mounts", 1), "");
   static_cast<void>(context.out.TakeEnd());  // the other process has said the result
   return launched.code;
-}
-
-std::optional<std::string> MountOf(const std::string& serial) {
-  for (const MountedCamera& mounted : Mounts()) {
-    if (mounted.source == SourceOf(serial)) return mounted.path;
-  }
-  return std::nullopt;
 }
 
 ExitCode MountAll(Context& context) {

@@ -23,8 +23,8 @@
 #include "apps/mount/FileSystem.h"
 #include "apps/mount/Keeper.h"
 #include "apps/mount/Kernel.h"
-#include "apps/mount/Mounts.h"
 #include "apps/mount/Place.h"
+#include "apps/mount/Source.h"
 
 namespace apps {
 namespace {
@@ -37,11 +37,10 @@ constexpr auto kLastWords = 5s;
 constexpr auto kPatience = 300ms;
 
 void CheckNotMounted(const std::string& serial) {
-  for (const MountedCamera& mounted : Mounts()) {
-    if (serial.empty() || mounted.source != SourceOf(serial)) continue;
-    throw Failure(ExitCode::kFailed, "Camera " + Printable(serial) + " is mounted on " + Printable(mounted.path) +
-                                         " already; `fusermount3 -u` with this folder ends that mount.");
-  }
+  const auto path = serial.empty() ? std::nullopt : MountOf(serial);
+  if (!path) return;
+  throw Failure(ExitCode::kFailed, "Camera " + Printable(serial) + " is mounted on " + Printable(*path) +
+                                       " already; `fusermount3 -u` with this folder ends that mount.");
 }
 
 class Mount {

@@ -15,8 +15,9 @@
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/doctor/linux/Mounts.h"
 #include "apps/files/TargetFolder.h"
-#include "apps/mount/Mounts.h"
+#include "apps/mount/Source.h"
 #include "platform/Process.h"
 
 namespace apps {
@@ -36,8 +37,8 @@ std::string Absolute(const std::string& path) {
 }
 
 void RequireFree(const std::string& path) {
-  const auto mounts = Mounts();
-  const auto here = [&](const MountedCamera& mount) { return mount.path == path; };
+  const auto mounts = doctor::Mounts();
+  const auto here = [&](const doctor::MountedCamera& mount) { return mount.path == path; };
   if (std::any_of(mounts.begin(), mounts.end(), here)) {
     throw Failure(ExitCode::kFailed, "A camera is mounted on " + Printable(path) +
                                          " already; `fusermount3 -u` with this folder ends that mount.");

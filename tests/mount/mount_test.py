@@ -11,6 +11,7 @@ import subprocess
 import time
 
 import mounted
+import bench_of_cameras
 from mounted import MountedBus
 
 PIECE = 65_536
@@ -227,6 +228,13 @@ class Ends(MountedBus):
     def test_fusermount_ends_it(self):
         event, result = map(json.loads, self.unmount(self.mount()).splitlines())
         self.assertEqual((event["event"], event["why"], result["exit"]), ("unmounted", "unmounted", 0))
+
+    def test_the_doctor_knows_it(self):
+        self.mount()
+        run = subprocess.run([bench_of_cameras.BIN + "/kelva", "doctor", "--json"], capture_output=True, text=True)
+        mounts = [finding for finding in json.loads(run.stdout)["findings"] if self.point in finding["sentence"]]
+        self.assertEqual([(finding["condition"], finding["serial"], finding["harmless"]) for finding in mounts],
+                         [("mounted", "K1", True)])
 
     def test_a_killed_program_leaves_no_mount(self):
         self.put("A.TXT", b"one")

@@ -2,15 +2,20 @@
 
 #include "apps/doctor/Machine.h"
 
+#include <utility>
+
 #include "apps/doctor/linux/Diagnosis.h"
 #include "apps/doctor/linux/Holders.h"
+#include "apps/doctor/linux/Mounts.h"
 #include "apps/doctor/linux/Probe.h"
 #include "apps/doctor/linux/Survey.h"
 
 namespace apps::doctor {
 
 std::vector<Finding> ExamineMachine() {
-  return Diagnose(SurveyMachine([](const std::string& node) { return AskCamera(node); }));
+  std::vector<Finding> findings = Diagnose(SurveyMachine([](const std::string& node) { return AskCamera(node); }));
+  for (Finding& finding : FindingsAbout(Mounts(), IsLeftOver)) findings.push_back(std::move(finding));
+  return findings;
 }
 
 std::vector<Finding> LookAtMachine() {

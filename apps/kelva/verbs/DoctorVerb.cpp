@@ -79,7 +79,8 @@ constexpr Verb kVerbs[] = {
     {"doctor", "Find out why a camera does not work", kNoArguments, kNoOptions,
      R"(Checks from the cable upwards. Is a camera there? Has a driver taken it? On Linux, does it have a device node, and may
 this user use the node? On macOS, does the driver name the maker? Does another program hold it? Does it answer? The first
-problem is reported in one sentence, with the command that solves it where there is one.
+problem is reported in one sentence, with the command that solves it where there is one. On Linux it also names the folders
+on which cameras are mounted (`kelva mount`), and those that a killed program has left over.
 
 With --virtual it looks at the cameras of that bus: which are there, which are held, of the bad kind or not ready.
 

@@ -1,13 +1,16 @@
-// Finds the cameras that are mounted.
-#include "apps/mount/Mounts.h"
+// The cameras that are mounted as folders, and what the doctor says of them.
+#include "apps/doctor/linux/Mounts.h"
 
+#include <sys/vfs.h>
+
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 
-#include "apps/files/SafeName.h"
-
-namespace apps {
+namespace apps::doctor {
 namespace {
+
+constexpr std::string_view kMountType = "fuse.kelva";
 
 bool IsOctal(std::string_view text) {
   return text.size() == 3 && text.find_first_not_of("01234567") == std::string_view::npos;
@@ -27,6 +30,13 @@ std::string Unescaped(std::string_view text) {
   return out;
 }
 
+// For a shell.
+std::string Quoted(const std::string& text) {
+  std::string quoted = "'";
+  for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
+  return quoted + "'";
+}
+
 std::vector<std::string_view> Words(std::string_view line) {
   std::vector<std::string_view> words;
   while (!line.empty()) {
@@ -38,19 +48,6 @@ std::vector<std::string_view> Words(std::string_view line) {
 }
 
 }  // namespace
-
-std::string SourceOf(std::string_view serial) {
-  if (serial.empty()) return "Kelva";
-  std::string source = "Kelva ";
-  for (const char c : SafeName(serial)) {
-    if (c == ',') {
-      source += "%2C";
-    } else {
-      source += c;
-    }
-  }
-  return source;
-}
 
 // "36 35 98:0 /mnt1 /mnt2 rw,noatime master:1 - ext3 /dev/root rw": any number of fields stands before the dash.
 std::vector<MountedCamera> MountsIn(std::string_view mountinfo) {
@@ -75,4 +72,27 @@ std::vector<MountedCamera> Mounts() {
   return MountsIn(text);
 }
 
-}  // namespace apps
+bool IsLeftOver(const MountedCamera& mount) {
+  struct statfs status {};
+  return ::statfs(mount.path.c_str(), &status) != 0 && errno == ENOTCONN;
+}
+
+std::vector<Finding> FindingsAbout(const std::vector<MountedCamera>& mounts,
+                                   const std::function<bool(const MountedCamera&)>& isLeftOver) {
+  std::vector<Finding> findings;
+  for (const MountedCamera& mount : mounts) {
+    constexpr std::string_view kName = "Kelva ";
+    const std::string serial = mount.source.starts_with(kName) ? mount.source.substr(kName.size()) : "";
+    const std::string whose = serial.empty() ? "A camera" : "Camera " + serial;
+    if (isLeftOver(mount)) {
+      findings.push_back({Condition::kLeftMount, serial,
+                          whose + " was mounted on " + mount.path + " by a program that is not there any more.",
+                          "fusermount3 -uz " + Quoted(mount.path), ""});
+    } else {
+      findings.push_back({Condition::kMounted, serial, whose + " is mounted on " + mount.path + ".", "", ""});
+    }
+  }
+  return findings;
+}
+
+}  // namespace apps::doctor
