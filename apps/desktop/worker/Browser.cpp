@@ -57,6 +57,7 @@ void Browser::ObeyAll() {
 
 void Browser::Obey(const Command& command) {
   const std::string& name = command.front();
+  if (name == "target" || name == "thumbs") wishes_.Keep(command);
   if (name == "quit") quits_ = true;
   if (name == "list") hasPictures_ = false;
   if (name == "target" && command.size() >= 4) {
@@ -163,11 +164,21 @@ void Browser::ReadCatalogue() {
   context_.Event("catalogue", Json::Object().Set("count", pictures_.size()), "");
   targetDue_ = target_.has_value();
   quietUntil_ = Clock::now() + 100ms;
+  // Of a process that aborted, or said before there was a list.
+  if (std::exchange(hasAllWishes_, true)) return;
+  for (const Command& command : wishes_.Kept()) Obey(command);
+}
+
+bool Browser::EndedAProcess(const std::string& token) const {
+  return context_.guard != nullptr && context_.guard->FateOf(token) != Guard::Fate::kUnknown;
 }
 
 void Browser::ReadFacts() {
   const boost::shared_ptr<Camera> camera = Open();
   hasFacts_ = true;
+  const std::string token = "facts";
+  if (EndedAProcess(token)) return;
+  const InItem item(context_.guard, token, "the camera's battery level and firmware");
   Json members = Json::Object().SetBytes("serial", facts_.serial).SetBytes("product", facts_.product);
   members.SetBytes("name", camera->Name());
   try {
@@ -188,9 +199,13 @@ void Browser::ReadSizes() {
   context_.Doing("list a folder");
   const std::size_t from = sizes_.size();
   const std::string folder = PictureFolder(pictures_[from]);
+  const std::string token = "folder " + folder;
+  const bool isLeftOut = EndedAProcess(token);
+  const InItem item(context_.guard, token, folder);
   ListedSizes listed(*camera);
   for (std::size_t i = from; i < pictures_.size() && PictureFolder(pictures_[i]) == folder; ++i) {
     PictureSizes& sizes = sizes_.emplace_back();
+    if (isLeftOut) continue;
     for (const int type : FileTypes(pictures_[i])) {
       sizes[static_cast<std::size_t>(type - kFirstFileType)] = listed.SizeOf(PicturePath(pictures_[i], type));
     }
@@ -202,7 +217,10 @@ void Browser::ReadSizes() {
 void Browser::ReadOthers() {
   const boost::shared_ptr<Camera> camera = Open();
   context_.Doing("look for other files");
-  others_ = FindOthers(context_, *camera, pictures_);
+  const std::string token = "others";
+  const bool isLeftOut = EndedAProcess(token);
+  const InItem item(context_.guard, token, "the folders");
+  others_ = isLeftOut ? OtherFiles{{}, true} : FindOthers(context_, *camera, pictures_);
   unsigned long long bytes = 0;
   for (const OtherFile& file : others_->files) bytes += file.size;
   Json members = Json::Object().Set("count", others_->files.size()).Set("bytes", bytes).Set("cut", others_->isCut);
@@ -244,9 +262,14 @@ void Browser::ReadPreview() {
 void Browser::Read(const DrawingOf& of, const std::function<std::vector<char>(const DcfObj&)>& read) {
   const DcfObj& picture = pictures_[of.index];
   if (picture.hasJpg == 0) return GiveNone(of, "The picture has no JPEG file.");
-  const std::string path = ShownPath(PicturePath(picture, kFirstFileType));
+  const std::string token = PicturePath(picture, kFirstFileType);
+  const std::string path = ShownPath(token);
+  if (EndedAProcess(token)) {
+    return GiveNone(of, "The process that read " + path + " ended in the middle of it, so it is not shown.");
+  }
   try {
     Open();
+    const InItem item(context_.guard, token, path);
     context_.Doing("read " + path);
     std::vector<char> bytes = read(picture);
     if (!bytes.empty()) drawings_.Add(of, std::move(bytes));

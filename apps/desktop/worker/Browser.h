@@ -18,6 +18,7 @@
 #include "apps/desktop/worker/Input.h"
 #include "apps/desktop/worker/PictureEvents.h"
 #include "apps/desktop/worker/Target.h"
+#include "apps/desktop/worker/Wishes.h"
 #include "apps/import/Others.h"
 #include "src/wifi/DcfObj.h"
 
@@ -27,8 +28,8 @@ namespace apps {
 /// first, the rest when nothing is asked for. Holds the camera only while there is something to read. Belongs to one thread.
 class Browser {
  public:
-  /// Both outlive this.
-  Browser(Context& context, Input& input) : context_(context), input_(input) {}
+  /// All outlive this.
+  Browser(Context& context, Input& input, Wishes& wishes) : context_(context), input_(input), wishes_(wishes) {}
 
   /// Until the window says `quit`. Throws Stopped, and what ends work with a camera.
   void Run();
@@ -45,6 +46,8 @@ class Browser {
   void Wait();
 
   const boost::shared_ptr<Camera>& Open();
+  /// Whether what this token names ended an earlier process of this run. It is left out then.
+  bool EndedAProcess(const std::string& token) const;
   void TellBusy();
   void ReadCatalogue();
   void ReadFacts();
@@ -63,6 +66,7 @@ class Browser {
 
   Context& context_;
   Input& input_;
+  Wishes& wishes_;
   std::optional<Session> session_;
   bool quits_ = false;
   bool toldBusy_ = false;
@@ -71,6 +75,7 @@ class Browser {
   RegistryCamera facts_;
   std::vector<DcfObj> pictures_;
   bool hasPictures_ = false;
+  bool hasAllWishes_ = false;  // those that were kept, too
   bool hasFacts_ = false;
   std::vector<PictureSizes> sizes_;  // of the first ones
   std::optional<OtherFiles> others_;

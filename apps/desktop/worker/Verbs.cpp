@@ -6,6 +6,7 @@
 #include "apps/desktop/worker/Browser.h"
 #include "apps/desktop/worker/Input.h"
 #include "apps/desktop/worker/Watch.h"
+#include "apps/desktop/worker/Wishes.h"
 #include "apps/import/ImportRun.h"
 
 namespace apps {
@@ -18,7 +19,7 @@ ExitCode RunWatch(Context& context) {
 
 ExitCode RunCamera(Context& context) {
   const auto input = Input::OfThisProcess();
-  Browser(context, *input).Run();
+  Browser(context, *input, Wishes::OfThisProgram()).Run();
   return context.Result(Json::Object(), "");
 }
 
@@ -48,7 +49,7 @@ constexpr Option kImportOptions[] = {
 
 constexpr Verb kVerbs[] = {
     {"watch", "Say which cameras come and go, and what is in the way", {}, {}, "", "", {}, RunWatch},
-    {"camera", "Show one camera's pictures", {}, {}, "", "", {}, RunCamera},
+    {"camera", "Show one camera's pictures", {}, {}, "", "", {}, RunCamera, true},
     {"import", "Import pictures as `kelva sync` does", kFolder, kImportOptions, "", "", {}, RunImportForWindow, true},
 };
 
