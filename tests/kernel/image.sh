@@ -2,9 +2,9 @@
 # The small system that the kernel starts: a base that changes with the packages of the machine only, and on top of it
 # the programs under test. The kernel unpacks both archives one after the other.
 
-guest_modules=(vhci-hcd usb-storage sg sd_mod sr_mod scsi_debug ext4)
+guest_modules=(vhci-hcd usb-storage sg sd_mod sr_mod scsi_debug ext4 fuse)
 guest_tools=(/bin/udevadm /sbin/modprobe /bin/kmod /usr/bin/sg_dd /usr/bin/sg_inq /usr/bin/sg_raw /usr/bin/lsscsi
-  /usr/sbin/usbip /usr/bin/setpriv /usr/lib/x86_64-linux-gnu/glib-2.0/gio-launch-desktop)
+  /usr/sbin/usbip /usr/bin/setpriv /usr/bin/fusermount3 /usr/lib/x86_64-linux-gnu/glib-2.0/gio-launch-desktop)
 
 # pack FOLDER ARCHIVE: a compressed archive as the kernel wants it.
 pack() {
@@ -62,7 +62,7 @@ write_accounts() {
 # make_base KERNEL ARCHIVE: made anew when the kernel or a package that it copies from has changed.
 make_base() {
   local kernel=$1 archive=$2 root=${2%.gz}.d tool stamp
-  stamp=$(kernel_release "$kernel"; dpkg-query -W udev busybox-static sg3-utils lsscsi usbip libc6; cat "${BASH_SOURCE[0]}")
+  stamp=$(kernel_release "$kernel"; dpkg-query -W udev busybox-static sg3-utils lsscsi usbip fuse3 libc6; cat "${BASH_SOURCE[0]}")
   if [ -e "$archive" ] && [ "$(cat "$archive.stamp" 2>/dev/null)" = "$stamp" ]; then
     return
   fi
@@ -82,12 +82,13 @@ make_base() {
   printf '%s' "$stamp" >"$archive.stamp"
 }
 
-# make_programs BUILD ARCHIVE: what is under test, and the cases.
+# make_programs BUILD ARCHIVE: what is under test, and the cases. The window has no screen there, and brings libraries for minutes.
 make_programs() {
   local build=$1 archive=$2 root=${2%.gz}.d program
   rm -rf "$root"
   mkdir -p "$root/kelva" "$root/lib/udev/rules.d"
   for program in "$build"/bin/* "$build"/kernel-bin/*; do
+    case $program in */kelva-desktop*) continue ;; esac
     if [ -f "$program" ] && [ -x "$program" ]; then
       copy_program "$root" "$program" "kelva/$(basename "$program")"
     fi

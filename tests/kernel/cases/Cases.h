@@ -15,6 +15,7 @@ std::vector<tap::Case> SpeedCases();
 std::vector<tap::Case> AgentCases();
 std::vector<tap::Case> ToolCases();
 std::vector<tap::Case> VerbCases();
+std::vector<tap::Case> MountCases();
 std::vector<tap::Case> TableCases();
 /// What the quick set of tests boots the guest for.
 std::vector<tap::Case> ShortCases();

@@ -120,6 +120,13 @@ const std::vector<Verb> kFiles{
      0,
      "",
      [](auto& rig, auto&) { return rig.Same("/tmp/verbs/one", "COPY.JPG"); }},
+    {{"mount", "/tmp/verbs/mount"},
+     0,
+     "",
+     [](auto& rig, auto&) {
+       return rig.Same("/tmp/verbs/mount/DCIM/100ABCDE/IMG_0002.JPG", kSecond) &&
+              RunProgram({"fusermount3", "-u", "/tmp/verbs/mount"}).code == 0;
+     }},
     {{"rm", "I:/COPY.JPG"}, 0, "", [](auto& rig, auto&) { return !rig.Has("COPY.JPG"); }},
     {{"rm", "I:/COPY.JPG"}, 1, "There is no file"},
     {{"survey", "--yes", "/tmp/verbs/survey"},

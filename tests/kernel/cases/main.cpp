@@ -18,6 +18,7 @@ std::vector<tap::Case> CasesOf(std::string_view suite, int cycles) {
   if (suite == "agent") return AgentCases();
   if (suite == "tool") return ToolCases();
   if (suite == "verbs") return VerbCases();
+  if (suite == "mount") return MountCases();
   if (suite == "table") return TableCases();
   if (suite == "short") return ShortCases();
   return {};
@@ -39,8 +40,8 @@ std::vector<tap::Case> Chosen(std::span<char*> words) {
 int main(int argc, char** argv) {
   const auto cases = Chosen(std::span(argv, static_cast<std::size_t>(argc)).subspan(1));
   if (cases.empty()) {
-    std::cerr
-        << "usage: kelva-kernel-cases [--cycles=N] faults|unplug|clients|speed|agent|tool|verbs|table|short ...\n";
+    std::cerr << "usage: kelva-kernel-cases [--cycles=N] "
+                 "faults|unplug|clients|speed|agent|tool|verbs|mount|table|short ...\n";
     return 2;
   }
   return tap::RunAll(cases);
