@@ -32,6 +32,8 @@ LINUX_ALONE = {
     "darwin/sg": "/dev/sgN",
     "darwin/udev": "udev",
     "src/ui/linux": "the agent of Linux",
+    "apps/mount": "FUSE",
+    "apps/desktop/dbus": "a session bus; apps/desktop/alone is its sibling",
     "vcam/usbip": "USB/IP: a Mac has no virtual host controller",
     "platform/linux": "the sibling of platform/macos",
     "tests/umockdev": "udev", "tests/kernel": "a Linux kernel", "tests/doors": "USB/IP", "tests/gnustep": "stands in for AppKit",
