@@ -1,9 +1,13 @@
+#include <gmock/gmock.h>
+
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {
 namespace {
 
 using SyncVerbTest = VerbTest;
+using testing::HasSubstr;
+using testing::Not;
 
 TEST_F(SyncVerbTest, SyncFetchesWhatIsNewAndNothingTwice) {
   Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
