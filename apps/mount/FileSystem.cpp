@@ -127,7 +127,7 @@ void FileSystem::Lookup(fuse_req_t request, std::uint64_t parent, const std::str
   WithFolder(request, parent, [this, parent, name](Pending::Ticket ticket, const Folder& folder) {
     if (const ShownEntry* entry = folder->Find(name)) return Told(ticket, parent, *entry);
     // A new file is listed when it is sent.
-    if (IsWritten(parent, name)) return Told(ticket, parent, {name, "", 0, 0, false});
+    if (UploadAt(parent, name)) return Told(ticket, parent, {name, "", 0, 0, false});
     pending_.Fail(ticket, ENOENT);
   });
 }

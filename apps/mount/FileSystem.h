@@ -90,6 +90,7 @@ class FileSystem {
     Spool spool;
     unsigned opens = 1;
     bool isSent = false;
+    std::atomic<bool> isRemoved = false;  ///< deleted while it was open
     bool isWritten =
         false;  ///< otherwise it is sent with the last close: a shell closes a new file once before it writes
   };
@@ -117,7 +118,7 @@ class FileSystem {
   void FailAll(const std::exception& error);
   int ErrorOf(const std::exception& error);
   std::shared_ptr<Upload> UploadOf(std::uint64_t number);
-  bool IsWritten(std::uint64_t parent, const std::string& name);
+  std::shared_ptr<Upload> UploadAt(std::uint64_t parent, const std::string& name);
   void StartUpload(std::uint64_t number);
   void Send(std::uint64_t number, Upload& upload);
   void RemoveNow(std::uint64_t parent, const std::string& name);

@@ -2,7 +2,6 @@
 #include <fcntl.h>
 #include <fuse3/fuse_lowlevel.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -30,12 +29,13 @@ std::shared_ptr<FileSystem::Upload> FileSystem::UploadOf(std::uint64_t number) {
   return found == uploads_.end() ? nullptr : found->second;
 }
 
-bool FileSystem::IsWritten(std::uint64_t parent, const std::string& name) {
+std::shared_ptr<FileSystem::Upload> FileSystem::UploadAt(std::uint64_t parent, const std::string& name) {
   const std::scoped_lock lock(mutex_);
-  return std::any_of(uploads_.begin(), uploads_.end(), [&](const auto& one) {
-    const Node* node = nodes_.Find(one.first);
-    return node != nullptr && node->parent == parent && node->name == name;
-  });
+  for (const auto& [number, upload] : uploads_) {
+    const Node* node = nodes_.Find(number);
+    if (node != nullptr && node->parent == parent && node->name == name && !upload->isRemoved) return upload;
+  }
+  return nullptr;
 }
 
 // Empty: whatever is in the file on the camera is written over.
@@ -45,7 +45,7 @@ void FileSystem::StartUpload(std::uint64_t number) {
   auto& upload = uploads_[number];
   if (upload) {
     upload->spool.Resize(0);
-    upload->isSent = false;
+    upload->isSent = upload->isRemoved = false;
     ++upload->opens;
   } else {
     upload = std::move(fresh);
@@ -153,7 +153,7 @@ void FileSystem::Flush(fuse_req_t request, std::uint64_t number) {
   }
   const Pending::Ticket ticket = pending_.Add(request);
   Put(ticket, 0, 0, [this, ticket, number, upload] {
-    Send(number, *upload);
+    if (!upload->isRemoved) Send(number, *upload);
     pending_.Fail(ticket, 0);
   });
 }
@@ -198,7 +198,9 @@ void FileSystem::Close(fuse_req_t request, std::uint64_t number, const fuse_file
     }
   }
   if (last && !last->isSent && !last->isWritten) {
-    Put(0, 0, 0, [this, number, last] { Send(number, *last); });
+    Put(0, 0, 0, [this, number, last] {
+      if (!last->isRemoved) Send(number, *last);
+    });
   }
   fuse_reply_err(request, 0);
 }
@@ -208,9 +210,12 @@ void FileSystem::Remove(fuse_req_t request, std::uint64_t parent, const std::str
   Put(ticket, 0, 0, [this, ticket, parent, name] {
     const Folder folder = Current(parent);
     const ShownEntry* entry = folder->Find(name);
-    if (entry == nullptr) throw SystemError(ENOENT);
-    if (entry->isFolder) throw SystemError(EISDIR);
-    RemoveNow(parent, entry->name);
+    if (entry != nullptr && entry->isFolder) throw SystemError(EISDIR);
+    const auto upload = UploadAt(parent, entry != nullptr ? entry->name : name);
+    if (entry == nullptr && !upload) throw SystemError(ENOENT);
+    if (entry != nullptr) RemoveNow(parent, entry->name);
+    // Whoever has the file open may go on writing; what is written goes nowhere.
+    if (upload) upload->isRemoved = true;
     pending_.Fail(ticket, 0);
   });
 }

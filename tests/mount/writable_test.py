@@ -65,6 +65,21 @@ class Writable(MountedBus):
         shutil.copy(self.files + "/IMG_0001.JPG", self.point + "/A.TXT")
         self.assertEqual(self.read("A.TXT"), b"picture")
 
+    def test_a_file_that_is_deleted_while_it_is_written_stays_deleted(self):
+        path = self.point + "/A.TXT"
+        for sent in (True, False):
+            with open(path, "wb", buffering=0) as file:
+                file.write(b"one")
+                if sent:
+                    os.close(os.dup(file.fileno()))
+                    self.assertEqual(self.read("A.TXT"), b"one")
+                os.remove(path)
+                self.fails(errno.ENOENT, os.stat, path)
+                file.write(b"two")
+            self.assertFalse(os.path.exists(self.drive + "/A.TXT"), sent)
+        shutil.copy(self.files + "/IMG_0001.JPG", path)
+        self.assertEqual(self.read("A.TXT"), b"picture")
+
     def test_what_a_camera_cannot_do_is_refused(self):
         self.fails(errno.EPERM, os.mkdir, self.point + "/FOLDER")
         self.fails(errno.EPERM, os.rmdir, self.point + "/DCIM")
