@@ -130,7 +130,7 @@ ExitCode MountAll(Context& context) {
   std::vector<ExitCode> failures;
   for (const AttachedCamera& camera : attached) {
     const std::string& serial = camera.facts.serial;
-    if (const auto path = MountOf(serial)) {
+    if (const auto path = MountOf(serial, context.call.Value("virtual"))) {
       context.Event("mounted",
                     Json::Object().SetBytes("serial", serial).SetBytes("path", *path).Set("was_mounted", true),
                     "Camera " + Printable(serial) + " is mounted on " + Printable(*path) + " already\n");

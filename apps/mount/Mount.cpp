@@ -36,8 +36,8 @@ constexpr auto kLastWords = 5s;
 // A command that hangs does not keep a mount from its end.
 constexpr auto kPatience = 300ms;
 
-void CheckNotMounted(const std::string& serial) {
-  const auto path = serial.empty() ? std::nullopt : MountOf(serial);
+void CheckNotMounted(const std::string& serial, const std::optional<std::string>& bus) {
+  const auto path = serial.empty() ? std::nullopt : MountOf(serial, bus);
   if (!path) return;
   throw Failure(ExitCode::kFailed, "Camera " + Printable(serial) + " is mounted on " + Printable(*path) +
                                        " already; `fusermount3 -u` with this folder ends that mount.");
@@ -50,13 +50,13 @@ class Mount {
         daemon_(daemon),
         chosen_(Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")))),
         serial_(chosen_.facts.serial) {
-    CheckNotMounted(serial_);
+    CheckNotMounted(serial_, context.call.Value("virtual"));
     const auto& words = context.call.words;
     place_ = std::make_unique<Place>(words.empty() ? std::nullopt : std::optional(words.front()), serial_);
     keeper_ = std::make_unique<Keeper>(place_->Path(), place_->IsMade());
     files_ = std::make_unique<FileSystem>(context.call.Has("writable"),
                                           FileSystem::Events{[this] { Lose(); }, [this] { TellForwardOnly(); }});
-    kernel_ = std::make_unique<Kernel>(*files_, SourceOf(serial_));
+    kernel_ = std::make_unique<Kernel>(*files_, SourceOf(serial_, context.call.Value("virtual")));
   }
   ~Mount() { End(); }
   Mount(const Mount&) = delete;

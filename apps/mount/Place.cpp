@@ -55,7 +55,7 @@ void RequireFree(const std::string& path) {
 }  // namespace
 
 Place::Place(const std::optional<std::string>& named, const std::string& serial)
-    : path_(Absolute(named ? *named : Home() + "/" + SourceOf(serial))) {
+    : path_(Absolute(named ? *named : Home() + "/" + FolderNameOf(serial))) {
   std::error_code error;
   const auto status = std::filesystem::status(path_, error);
   if (status.type() == std::filesystem::file_type::not_found) {

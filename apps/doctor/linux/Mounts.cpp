@@ -82,7 +82,8 @@ std::vector<Finding> FindingsAbout(const std::vector<MountedCamera>& mounts,
   std::vector<Finding> findings;
   for (const MountedCamera& mount : mounts) {
     constexpr std::string_view kName = "Kelva ";
-    const std::string serial = mount.source.starts_with(kName) ? mount.source.substr(kName.size()) : "";
+    const std::string camera = mount.source.substr(0, mount.source.find(kOfBus));
+    const std::string serial = camera.starts_with(kName) ? camera.substr(kName.size()) : "";
     const std::string whose = serial.empty() ? "A camera" : "Camera " + serial;
     if (isLeftOver(mount)) {
       findings.push_back({Condition::kLeftMount, serial,

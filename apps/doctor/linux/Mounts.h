@@ -10,6 +10,9 @@
 
 namespace apps::doctor {
 
+/// Stands between a virtual camera and the path of its bus in the source of a mount.
+inline constexpr std::string_view kOfBus = " of %2F";
+
 /// A camera that is mounted as a folder (`kelva mount`).
 struct MountedCamera {
   std::string source;  ///< what the mount says of its camera: "Kelva K1"

@@ -31,6 +31,13 @@ TEST(MountsTest, AMountThatNobodyAnswersForIsInTheWay) {
   EXPECT_EQ(findings[1].sentence, "A camera is mounted on /mnt/b.");
 }
 
+TEST(MountsTest, TheBusOfAVirtualCameraIsNoPartOfItsSerialNumber) {
+  const auto findings = FindingsAbout({{"Kelva K1 of %2Ftmp%2Fbus", "/a"}}, [](const MountedCamera&) { return false; });
+  ASSERT_EQ(findings.size(), 1U);
+  EXPECT_EQ(findings[0].serial, "K1");
+  EXPECT_EQ(findings[0].sentence, "Camera K1 is mounted on /a.");
+}
+
 TEST(MountsTest, AFolderThatIsThereIsNotLeftOver) {
   EXPECT_FALSE(IsLeftOver({"Kelva K1", "/"}));
   EXPECT_FALSE(IsLeftOver({"Kelva K1", "/nowhere"}));
