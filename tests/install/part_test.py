@@ -50,7 +50,7 @@ class Options(unittest.TestCase):
     """One program alone, as a packager may want it."""
 
     def expect_programs(self, chosen, programs):
-        options = [f"-DKELVA_BUILD_{name}={'ON' if name == chosen else 'OFF'}" for name in ("TOOL", "DESKTOP", "VCAM", "HELPER")]
+        options = [f"-DKELVA_BUILD_{name}={'ON' if name == chosen else 'OFF'}" for name in ("TOOL", "MOUNT", "DESKTOP", "VCAM", "HELPER")]
         with tempfile.TemporaryDirectory() as folder:
             run("cmake", "-G", "Ninja", "-S", SOURCE, "-B", folder, "-DKELVA_BUILD_TESTS=OFF", f"-DCMAKE_CXX_COMPILER={COMPILER}", *options)
             self.assertCountEqual(re.findall(r" -o bin/(\S+)", run("ninja", "-C", folder, "-t", "commands", "all")), programs)
