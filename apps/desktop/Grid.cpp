@@ -194,9 +194,14 @@ void Grid::AskForMissing() {
   const int top = verticalOffset();
   const int height = viewport()->height();
   QList<int> missing;
-  for (int row = layout_.FirstFrom(top); row < layout_.EndBefore(top + 2 * height); ++row) {
-    if (pictures_.Lacks(row)) missing.append(row);
-  }
+  const auto add = [&](int from, int to) {
+    for (int row = from; row < to; ++row) {
+      if (pictures_.Lacks(row)) missing.append(row);
+    }
+  };
+  const int first = layout_.FirstFrom(top);
+  add(first, layout_.EndBefore(top + 2 * height));
+  add(layout_.FirstFrom(top - height), first);
   // What was asked for and still comes is no reason to ask again.
   if (std::all_of(missing.begin(), missing.end(), [this](int row) { return asked_.contains(row); })) return;
   asked_ = QSet<int>(missing.begin(), missing.end());

@@ -19,7 +19,7 @@ class Grid : public QListView {
  public:
   explicit Grid(CameraModel& pictures, QWidget* parent = nullptr);
 
-  /// The rows in view whose thumbnails are missing, and after them those of the next screen. Called when that changes.
+  /// The rows in view whose thumbnails are missing, and after them those of the screens below and above. Called when that changes.
   std::function<void(const QList<int>& rows)> onWanted = [](const QList<int>&) {};
   /// A picture is to be shown larger.
   std::function<void(int row)> onOpen = [](int) {};

@@ -87,6 +87,7 @@ class Window:
         start = time.monotonic()
         self.process.send_signal(signal.SIGTERM)
         self.process.wait(PATIENCE)
+        assert self.process.returncode == -signal.SIGTERM, f"the window ended by itself ({self.process.returncode})"
         return time.monotonic() - start
 
     def application(self):
@@ -137,7 +138,7 @@ class Window:
 
     def key(self, name):
         """Presses a key of the keyboard, by its name in X."""
-        keysym = {"space": 0x20, "Escape": 0xff1b, "Left": 0xff51, "Right": 0xff53}[name]
+        keysym = {"space": 0x20, "Escape": 0xff1b, "Left": 0xff51, "Right": 0xff53, "Page_Up": 0xff55, "End": 0xff57}[name]
         self.atspi.generate_keyboard_event(keysym, None, self.atspi.KeySynthType.SYM)
 
     def workers(self, kind):
