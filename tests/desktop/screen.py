@@ -12,7 +12,7 @@ import tempfile
 import time
 import zlib
 
-PATIENCE = 15  # seconds
+PATIENCE = 30  # seconds
 WIDTH, HEIGHT = 1000, 720
 
 

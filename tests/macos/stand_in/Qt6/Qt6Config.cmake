@@ -8,6 +8,8 @@ foreach(component IN LISTS Qt6_FIND_COMPONENTS)
     set(headers "/usr/include/${CMAKE_LIBRARY_ARCHITECTURE}/qt6")
     target_include_directories(Qt6::${component} SYSTEM INTERFACE
       "${headers}" "${headers}/QtCore" "${headers}/QtGui" "${headers}/QtWidgets" "${headers}/Qt${component}")
+    string(TOUPPER "QT_${component}_LIB" name)
+    target_compile_definitions(Qt6::${component} INTERFACE QT_CORE_LIB QT_GUI_LIB ${name})
   endif()
 endforeach()
 set(Qt6_FOUND TRUE)
