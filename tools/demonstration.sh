@@ -132,7 +132,7 @@ prepare_storage() {
   storage="$scratch/storage"
   if [ -z "$1" ]; then
     "$bin/draw-pictures" "$storage" || die 1 "the pictures could not be drawn; the reason is above."
-    say "Drew 4 pictures: they are the storage of the virtual cameras."
+    say "Drew 12 pictures: they are the storage of the virtual cameras."
   elif is_card "$1"; then
     storage=$1
     say "Took $1 as it is, with $(files_of_card "$1" | tr -dc '\0' | wc -c) files: it is the storage of the virtual cameras. Nothing in it is changed."

@@ -39,9 +39,9 @@ expect_refusal() {
 in_demonstration demonstrate "" || fail "without a folder: $(cat "$scratch_of_test/out" "$scratch_of_test/err")"
 expect_line "Nothing was launched: camera KV-0001"
 expect_line "because camera KV-0002 was plugged in"
-expect_line 'its button says "Import 4 new pictures'
-expect_line "The window says: 4 pictures are on this computer and checked."
-expect_line "The 4 imported files are equal to the camera's, byte for byte"
+expect_line 'its button says "Import 12 new pictures'
+expect_line "The window says: 12 pictures are on this computer and checked."
+expect_line "The 12 imported files are equal to the camera's, byte for byte"
 shot=$(sed -n 's/^The window as it was: //p' "$scratch_of_test/out")
 [ "$(head -c 4 "$shot" | tail -c 3)" = PNG ] || fail "there is no photograph \"$shot\""
 

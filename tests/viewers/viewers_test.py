@@ -127,13 +127,13 @@ class Viewers(unittest.TestCase):
         agent = self.desktop.watching_agent()
         self.desktop.plug("KV0001")
         importer = Importer("gthumb")
-        importer.wait("^Files to import: 4 ", "label")
+        importer.wait("^Files to import: 12 ", "label")
         self.assertRegex(agent.output.next(), "^kelva-open: Mounted camera KV0001 on .* and started .*gThumb.* there.$")
         importer.wait(f"^{self.desktop.place().name}$", "combo box")
         importer.press_when_usable("Import")
         # It writes into the files under their own names.
         sizes = sorted(path.stat().st_size for path in files_below(self.desktop.card))
-        screen.wait_for(lambda: sorted(path.stat().st_size for path in files_below(self.desktop.pictures)) == sizes, "four pictures are copied")
+        screen.wait_for(lambda: sorted(path.stat().st_size for path in files_below(self.desktop.pictures)) == sizes, "the pictures are copied")
         self.assert_equal_files(files_below(self.desktop.pictures))
 
         # The folder outlives the agent, and goes with the camera.

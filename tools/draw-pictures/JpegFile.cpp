@@ -28,6 +28,15 @@ std::string PictureName(int number) {
   return "IMG_" + digits + ".JPG";
 }
 
+std::string TwoDigits(int number) {
+  return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+std::string TimeOf(int number) {
+  constexpr int kADay = 8;
+  return "2026:05:" + TwoDigits(16 + number / kADay) + " " + TwoDigits(9 + number % kADay) + ":00:00";
+}
+
 void WriteFile(const std::filesystem::path& path, const std::vector<unsigned char>& bytes) {
   std::ofstream file(path, std::ios::binary);
   for (unsigned char byte : bytes) file.put(static_cast<char>(byte));
@@ -52,10 +61,23 @@ std::vector<unsigned char> EncodeJpeg(const Image& image, int quality) {
   return {encoded.get(), encoded.get() + size};
 }
 
+std::vector<unsigned char> WithTime(std::vector<unsigned char> jpeg, const std::string& time) {
+  // After the first marker: a segment of 72 bytes, of which 64 are a TIFF file. Its directory, at 8, has one entry: the
+  // place of another one, at 26, whose one entry is the text of 20 bytes at 44.
+  std::vector<unsigned char> segment = {0xFF, 0xE1, 0,    72,   'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0,
+                                        1,    0,    0x69, 0x87, 4,   0,   1,   0,   0, 0, 26,  0,   0,  0, 0, 0, 0, 0,
+                                        1,    0,    0x03, 0x90, 2,   0,   20,  0,   0, 0, 44,  0,   0,  0, 0, 0, 0, 0};
+  if (time.size() != 19) throw std::invalid_argument("A time of EXIF has 19 letters, unlike \"" + time + "\".");
+  segment.insert(segment.end(), time.c_str(), time.c_str() + time.size() + 1);
+  jpeg.insert(jpeg.begin() + 2, segment.begin(), segment.end());
+  return jpeg;
+}
+
 void WritePictures(const std::filesystem::path& folder, int count, int width, int height) {
   const std::filesystem::path pictures = folder / "DCIM" / "100KELVA";
   std::filesystem::create_directories(pictures);
   for (int number = 1; number <= count; ++number) {
-    WriteFile(pictures / PictureName(number), EncodeJpeg(DrawScene(width, height, number - 1), kQuality));
+    WriteFile(pictures / PictureName(number),
+              WithTime(EncodeJpeg(DrawScene(width, height, number - 1), kQuality), TimeOf(number - 1)));
   }
 }

@@ -47,6 +47,20 @@ TEST(JpegFile, StatesItsHeightAndWidthInTheFrameHeader) {
   EXPECT_NE(std::search(bytes.begin(), bytes.end(), frame.begin(), frame.end()), bytes.end());
 }
 
+TEST(JpegFile, TimeIsTheFirstSegment) {
+  const std::vector<unsigned char> bytes = WithTime({0xFF, 0xD8, 0xFF, 0xD9}, "2026:05:16 09:00:00");
+  // Start, APP1 of 72 bytes, "Exif", TIFF of Intel's byte order; tag 0x8769, then 0x9003; the text; end.
+  const std::string expected(
+      "\xFF\xD8\xFF\xE1\x00\x48"
+      "Exif\0\0II*\0\x08\0\0\0"
+      "\x01\0\x69\x87\x04\0\x01\0\0\0\x1A\0\0\0\0\0\0\0"
+      "\x01\0\x03\x90\x02\0\x14\0\0\0\x2C\0\0\0\0\0\0\0"
+      "2026:05:16 09:00:00\0\xFF\xD9",
+      78);
+  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), expected);
+  EXPECT_THROW(WithTime({0xFF, 0xD8}, "9 o'clock"), std::invalid_argument);
+}
+
 TEST(JpegFile, PicturesAreNamedAsOnACamera) {
   ScratchFolder folder;
   WritePictures(folder.Path(), 2, 16, 16);

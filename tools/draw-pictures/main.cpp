@@ -6,11 +6,11 @@
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::fputs("Usage: draw-pictures FOLDER\nDraws four JPEG files into FOLDER/DCIM/100KELVA.\n", stderr);
+    std::fputs("Usage: draw-pictures FOLDER\nDraws twelve JPEG files into FOLDER/DCIM/100KELVA.\n", stderr);
     return 2;
   }
   try {
-    WritePictures(argv[1], 4, 1600, 1200);
+    WritePictures(argv[1], 12, 1600, 1200);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "draw-pictures: %s\n", error.what());
     return 1;
