@@ -15,7 +15,7 @@ class Worker:
         self.events = queue.Queue()
         self.seen = []
         self.ended = None  # the last document
-        self.bytes = 0
+        self.others = []  # lines that are no events
         self.readers = [threading.Thread(target=self._read, args=(stream,), daemon=True)
                         for stream in (self.process.stdout, self.process.stderr)]
         for reader in self.readers:
@@ -23,8 +23,8 @@ class Worker:
 
     def _read(self, stream):
         for line in stream:
-            self.bytes += len(line)
             if not line.startswith(b"{"):
+                self.others.append(line.decode(errors="replace"))
                 continue
             said = json.loads(line)
             said["at"] = time.monotonic()
@@ -81,6 +81,8 @@ class Worker:
             reader.join()
         for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
             stream.close()
+        if any("Sanitizer" in line for line in self.others):
+            raise AssertionError("".join(self.others))
 
     def all(self, event):
         return [said for said in self.seen if said.get("event") == event]
