@@ -18,7 +18,6 @@ import screen
 import small_disk
 import tiny_jpeg
 
-BIN = pathlib.Path()
 PICTURES = pathlib.Path()
 PROGRAM = ""
 
@@ -148,6 +147,15 @@ class Browsing(CameraWindow):
         window.wait(r" K2, battery", "page tab")
         window.wait("^IMG_0077", "list item")
         window.wait(r" K1, battery", "page tab")
+
+    def test_what_is_in_the_way_is_a_sentence_until_it_is_gone(self):
+        window = self.open()
+        window.wait("^Plug a camera in")
+        self.vcam("plug", "--serial", "K2", "--storage", self.drive, "--type", "5", "--revision", "Q42")
+        window.wait("CD drive", "label")
+        screen.photograph(PICTURES / "trouble.png")
+        self.unplug("K2")
+        screen.wait_for(lambda: window.find("CD drive", "label") is None, "the sentence is gone")
 
     def test_every_part_that_can_be_used_has_a_name(self):
         window = self.window_with_camera()
@@ -316,11 +324,17 @@ class DarkPortal:
         self.thread.join()
 
 
-if __name__ == "__main__":
+def main():
+    """Runs the tests of the script that was started, with the programs and on the screen of its arguments."""
+    global PICTURES, PROGRAM
     small_disk.need_own_mounts()
     screen.enter_session()
-    BIN, PICTURES = pathlib.Path(sys.argv.pop(1)).resolve(), pathlib.Path(sys.argv.pop(1)).resolve()
+    programs, PICTURES = (pathlib.Path(sys.argv.pop(1)).resolve() for _ in range(2))
     PICTURES.mkdir(parents=True, exist_ok=True)
-    PROGRAM = str(BIN / "kelva-desktop")
-    bench_of_cameras.BIN = str(BIN)
-    unittest.main(verbosity=2)
+    PROGRAM = str(programs / "kelva-desktop")
+    bench_of_cameras.BIN = str(programs)
+    unittest.main(module="__main__", verbosity=2)
+
+
+if __name__ == "__main__":
+    main()
