@@ -77,8 +77,10 @@ void CameraPage::Refresh() {
   banner_->Show(state.notice);
   bar_->Show(state, choice);
   const bool none = link_->Model().rowCount() == 0;
-  empty_->setText(state.listed ? tr("There are no pictures on this camera.")
-                               : tr("Reading the list of pictures\u2026"));
+  // When nobody reads any more, the banner says why.
+  empty_->setText(state.listed            ? tr("There are no pictures on this camera.")
+                  : state.notice.canRetry ? QString()
+                                          : tr("Reading the list of pictures\u2026"));
   if (none || open_ < 0) stack_->setCurrentWidget(none ? static_cast<QWidget*>(empty_) : grid_);
   if (const QString title = Title(); title != title_) {
     title_ = title;

@@ -1,7 +1,9 @@
 #include "apps/desktop/CameraPage.h"
 
+#include <QLabel>
 #include <QPushButton>
 #include <QTest>
+#include <algorithm>
 
 #include "apps/desktop/Grid.h"
 #include "apps/desktop/Preview.h"
@@ -47,6 +49,21 @@ TEST_F(CameraPageTest, ShowsPicturesAndOffersTheirImport) {
   ASSERT_TRUE(Await([&] { return HasButton("Import 1 new picture (3 kB)"); }));
   EXPECT_TRUE(Pictures()->isVisible());
   EXPECT_EQ(page_->Title(), "Mine K1, battery 75");
+}
+
+TEST_F(CameraPageTest, NothingIsReadAfterThatFailed) {
+  const auto isReading = [](const CameraPage& page) {
+    const auto labels = page.findChildren<QLabel*>();
+    return std::any_of(labels.begin(), labels.end(),
+                       [](const QLabel* label) { return label->isVisible() && label->text().startsWith("Reading"); });
+  };
+  workers_.scripts["camera"] = R"(sleep 0.2; echo '{"event":"error","message":"It failed."}'; exit 1)";
+  CameraPage page(std::make_unique<CameraLink>(workers_.Maker(), "K2"), RememberedTarget());
+  page.Link().Attach();
+  page.show();
+  EXPECT_TRUE(isReading(page));
+  ASSERT_TRUE(Await([&] { return page.Link().State().notice.canRetry; }));
+  EXPECT_FALSE(isReading(page));
 }
 
 TEST_F(CameraPageTest, ASelectionChangesTheOffer) {

@@ -85,7 +85,8 @@ QString ImportRun::Ending(bool cancelled) const {
   if (cancelled) {
     return tr("Stopped. %n (file is|files are) on this computer; press Import to go on.", nullptr, stored_);
   }
-  return Succeeded() ? tr("You can unplug the camera.") : QString();
+  // Files that failed are still on the camera alone.
+  return exit_ == 0 ? tr("You can unplug the camera.") : QString();
 }
 
 }  // namespace desktop

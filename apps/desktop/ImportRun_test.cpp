@@ -73,6 +73,16 @@ TEST(ImportRunTest, AProcessThatDiesWithoutAWordIsTrouble) {
   EXPECT_FALSE(Import().Succeeded());
 }
 
+TEST(ImportRunTest, TheCameraIsNeededWhileFilesAreMissing) {
+  ImportRun failed = Import();
+  failed.Hear(Json(R"({"exit":6,"stored":0,"failed":2})"));
+  EXPECT_TRUE(failed.Succeeded());
+  EXPECT_EQ(failed.Ending(false), "");
+  ImportRun done = Import();
+  done.Hear(Json(R"({"exit":0,"stored":2,"failed":0})"));
+  EXPECT_EQ(done.Ending(false), "You can unplug the camera.");
+}
+
 TEST(ImportRunTest, EndsWithTheCameraFree) {
   ImportRun run(true, {"100A/IMG_1"}, {});
   run.Hear(Json(R"({"exit":0,"deleted":1})"));
