@@ -91,8 +91,8 @@ class FileSystem {
     unsigned opens = 1;
     bool isSent = false;
     std::atomic<bool> isRemoved = false;  ///< deleted while it was open
-    bool isWritten =
-        false;  ///< otherwise it is sent with the last close: a shell closes a new file once before it writes
+    /// Otherwise it is sent with the last close: a shell closes a new file once before it writes.
+    bool isWritten = false;
   };
 
   struct stat AttributesOf(std::uint64_t number, const Node& node) const;
@@ -119,6 +119,7 @@ class FileSystem {
   int ErrorOf(const std::exception& error);
   std::shared_ptr<Upload> UploadOf(std::uint64_t number);
   std::shared_ptr<Upload> UploadAt(std::uint64_t parent, const std::string& name);
+  bool JoinUpload(std::uint64_t number);
   void StartUpload(std::uint64_t number);
   void Send(std::uint64_t number, Upload& upload);
   void RemoveNow(std::uint64_t parent, const std::string& name);

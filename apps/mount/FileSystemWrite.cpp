@@ -38,6 +38,14 @@ std::shared_ptr<FileSystem::Upload> FileSystem::UploadAt(std::uint64_t parent, c
   return nullptr;
 }
 
+bool FileSystem::JoinUpload(std::uint64_t number) {
+  const std::scoped_lock lock(mutex_);
+  const auto found = uploads_.find(number);
+  if (found == uploads_.end()) return false;
+  ++found->second->opens;
+  return true;
+}
+
 // Empty: whatever is in the file on the camera is written over.
 void FileSystem::StartUpload(std::uint64_t number) {
   auto fresh = std::make_shared<Upload>();
@@ -59,8 +67,8 @@ void FileSystem::Open(fuse_req_t request, std::uint64_t number, const fuse_file_
   answer.fh = 0;
   try {
     if (Writes(info)) {
-      if (const auto upload = UploadOf(number); upload && (info.flags & O_TRUNC) == 0) {
-        ++upload->opens;
+      if ((info.flags & O_TRUNC) == 0 && JoinUpload(number)) {
+        // Two programs write one new file.
       } else if ((info.flags & O_TRUNC) != 0) {
         StartUpload(number);
       } else {
@@ -147,7 +155,11 @@ void FileSystem::SetAttributes(fuse_req_t request, std::uint64_t number, const s
 
 void FileSystem::Flush(fuse_req_t request, std::uint64_t number) {
   const auto upload = UploadOf(number);
-  if (!upload || upload->isSent || !upload->isWritten) {
+  const auto isDone = [&] {
+    const std::scoped_lock lock(mutex_);
+    return upload->isSent || !upload->isWritten;
+  };
+  if (!upload || isDone()) {
     fuse_reply_err(request, 0);
     return;
   }
@@ -188,18 +200,18 @@ void FileSystem::Send(std::uint64_t number, Upload& upload) {
 }
 
 void FileSystem::Close(fuse_req_t request, std::uint64_t number, const fuse_file_info& info) {
-  std::shared_ptr<Upload> last;
+  std::shared_ptr<Upload> unsent;
   if (info.fh == kCounted) {
     const std::scoped_lock lock(mutex_);
     const auto found = uploads_.find(number);
     if (found != uploads_.end() && --found->second->opens == 0) {
-      last = std::move(found->second);
+      if (!found->second->isSent && !found->second->isWritten) unsent = std::move(found->second);
       uploads_.erase(found);
     }
   }
-  if (last && !last->isSent && !last->isWritten) {
-    Put(0, 0, 0, [this, number, last] {
-      if (!last->isRemoved) Send(number, *last);
+  if (unsent) {
+    Put(0, 0, 0, [this, number, unsent] {
+      if (!unsent->isRemoved) Send(number, *unsent);
     });
   }
   fuse_reply_err(request, 0);

@@ -9,7 +9,7 @@ namespace {
 TEST(KeeperTest, ItEndsWhenNothingIsMountedAnyMore) {
   pid_t process = 0;
   {
-    const Keeper keeper("/nowhere", true);
+    const Keeper keeper("/nowhere/at-all", true);
     process = keeper.Process();
     EXPECT_EQ(::kill(process, 0), 0);
   }

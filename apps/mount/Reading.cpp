@@ -8,6 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "src/wifi/Command.h"
+#include "src/wifi/LittleEndian.h"
+#include "src/wifi/OffsetOrder.h"
+
 namespace apps {
 namespace {
 
@@ -41,6 +45,9 @@ Pieces::Piece Reading::Read(std::uint64_t file, const std::string& path, std::ui
       spools_.push_front({file, size, Spool()});
       return ReadSpooled(spools_.front(), offset, count);
     }
+    if (count == Pieces::kSize && offset + count == size && kelva::KnownOrder(camera_) == kelva::OffsetOrder::kAny) {
+      return ReadLast(offset);
+    }
     // With room for two bytes beyond the end, the last piece needs no command more to find the end.
     auto bytes = std::make_shared<FileBytes>(std::min(count + 2, Pieces::kSize));
     bytes->Cut(reader_->Read(offset, bytes->All()));
@@ -49,6 +56,20 @@ Pieces::Piece Reading::Read(std::uint64_t file, const std::string& path, std::ui
     reader_.reset();
     throw;
   }
+}
+
+// A full last piece. The reader would ask with one command more whether the file ends there.
+Pieces::Piece Reading::ReadLast(std::uint64_t offset) {
+  auto bytes = std::make_shared<FileBytes>(Pieces::kSize);
+  _VscCdb cdb = kelva::Block(kelva::Operation::kReadChunk, kelva::read_chunk::kSelected);
+  kelva::StoreU32(cdb.bytes + kelva::at::kReadOffset, static_cast<std::uint32_t>(offset));
+  int moved = static_cast<int>(Pieces::kSize);
+  if (!camera_->Transfer(cdb, kelva::kFromCamera, moved, bytes->All().data(), true)) {
+    throw std::runtime_error("the camera refused a read");
+  }
+  if (moved != static_cast<int>(Pieces::kSize))
+    throw std::runtime_error("another number of bytes came than was asked for");
+  return bytes;
 }
 
 // The question costs what the jump would cost.

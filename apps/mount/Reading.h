@@ -43,6 +43,7 @@ class Reading {
   void Select(std::uint64_t file, const std::string& path, std::uint64_t size);
   Spooled* FindSpooled(std::uint64_t file, std::uint64_t size);
   Pieces::Piece ReadSpooled(Spooled& spooled, std::uint64_t offset, std::size_t count);
+  Pieces::Piece ReadLast(std::uint64_t offset);
   bool NeedsSpool(std::uint64_t offset);
 
   const boost::shared_ptr<Camera> camera_;

@@ -48,6 +48,25 @@ TEST_F(ReadingTest, AFileIsSelectedOnceAndAPieceIsOneCommand) {
   EXPECT_EQ(told_, 0);
 }
 
+TEST_F(ReadingTest, AFullLastPieceIsOneCommandToo) {
+  camera_->file.resize(4 * kPiece);
+  Piece(2);  // with the proof
+  reading_.Forget();
+  camera_->TakeSent();
+  EXPECT_EQ(Piece(3), Expected(3));
+  EXPECT_THAT(camera_->TakeSent(), ElementsAre("select", "size", "read 65536 at 196608"));
+  EXPECT_EQ(Piece(1), Expected(1));
+}
+
+TEST_F(ReadingTest, ALastPieceThatEndsEarlyIsAnError) {
+  camera_->file.resize(4 * kPiece);
+  Piece(2);
+  camera_->announced = camera_->file.size();
+  camera_->file.resize(4 * kPiece - 1);
+  EXPECT_THROW(reading_.Read(7, "I:\\A", 4 * kPiece, 3), std::runtime_error);
+  EXPECT_EQ(reading_.Selected(), 0U);
+}
+
 TEST_F(ReadingTest, ACameraThatSendsForwardOnlyIsReadForwardOnce) {
   camera_->forwardOnly = true;
   EXPECT_EQ(Piece(3), Expected(3));

@@ -126,9 +126,9 @@ class Writable(MountedBus):
         self.assertLess(time.monotonic() - began, 1.5)
         self.gone_within(1)
 
-    def test_the_temporary_folder_being_full_is_said(self):
+    def test_a_missing_temporary_folder_is_said(self):
         self.end(self.run_of_mount)
-        os.environ["TMPDIR"] = "/nowhere"
+        os.environ["TMPDIR"] = self.folder + "/missing"
         self.addCleanup(os.environ.pop, "TMPDIR")
         self.mount("--writable")
         self.fails(errno.ENOENT, open, self.point + "/NEW.BIN", "wb")
