@@ -85,9 +85,13 @@ class Session:
             "XDG_RUNTIME_DIR": str(self.folder / "run"),
             "XDG_CONFIG_HOME": str(self.folder / "config"),
             "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder}/no-bus",
+            # What else this machine has for files is none of the tests' business.
+            "GIO_MODULE_DIR": str(self.folder / "modules"),
             # Only tests of folders mount any.
             "KELVA_ON_PLUG": "desktop-only",
         }
+        if "TSAN_OPTIONS" in os.environ:
+            self.environment["TSAN_OPTIONS"] = os.environ["TSAN_OPTIONS"]  # GLib's own threads are suppressed there
         self.launches = self.make_pipe("launches")
         self.agents = []
         self.bus = subprocess.Popen([self.programs / "kelva-vcam", "serve", "--socket", self.socket], stdout=subprocess.PIPE)

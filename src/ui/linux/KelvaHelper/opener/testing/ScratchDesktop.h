@@ -42,6 +42,8 @@ class ScratchDesktop {
     ::setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
     ::setenv("XDG_DATA_DIRS", folder_.c_str(), 1);
     ::setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
+    // What else this machine has for files would be loaded into the tests.
+    ::setenv("GIO_MODULE_DIR", folder_.c_str(), 1);
     ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     ::mkfifo(Pipe().c_str(), 0600);
     const std::string script = WriteScript("echo \"$1\" > " + Pipe());
