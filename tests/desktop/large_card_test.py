@@ -63,7 +63,7 @@ class LargeCard(bench_of_cameras.Bus):
             row = PICTURES - 1 - 10 * page
             screen.wait_for(lambda: "15:09" in pictures.get_child_at_index(row).get_name(), f"the thumbnail {10 * page} before it")
         self.assertLess(self.memory(window), MEMORY)
-        self.assertLess(window.close(), 1)
+        self.assertLess(window.close_by_its_button(), 1)
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 """A screen without a person: Xvfb, a session bus, the accessibility interface, and the window on them."""
 
+import ctypes
 import os
 import pathlib
 import re
@@ -71,6 +72,33 @@ def photograph(path, width=WIDTH, height=HEIGHT):
     return b"".join(rows)
 
 
+def ask_to_close(title):
+    """Sends what a window manager sends when its button is pressed, to the windows of this title; how many there are."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    number, pointer = ctypes.c_ulong, ctypes.c_void_p
+
+    class Message(ctypes.Structure):
+        _fields_ = [("type", ctypes.c_int), ("serial", number), ("sent", ctypes.c_int), ("display", pointer), ("window", number),
+                    ("kind", number), ("format", ctypes.c_int), ("words", number * 5), ("rest", number * 16)]
+
+    x11.XOpenDisplay.restype = pointer
+    x11.XDefaultRootWindow.restype = x11.XInternAtom.restype = number
+    display = pointer(x11.XOpenDisplay(None))
+    protocols, delete = (x11.XInternAtom(display, name, 0) for name in (b"WM_PROTOCOLS", b"WM_DELETE_WINDOW"))
+    windows, count, ignored = ctypes.POINTER(number)(), ctypes.c_uint(), number()
+    x11.XQueryTree(display, number(x11.XDefaultRootWindow(display)), ctypes.byref(ignored), ctypes.byref(ignored),
+                   ctypes.byref(windows), ctypes.byref(count))
+    asked = 0
+    for window in windows[:count.value]:
+        name = ctypes.c_char_p()
+        if x11.XFetchName(display, number(window), ctypes.byref(name)) and name.value.decode() == title:
+            client_message = 33
+            message = Message(client_message, 0, 1, display, window, protocols, 32, (number * 5)(delete))
+            asked += x11.XSendEvent(display, number(window), 0, 0, ctypes.byref(message))
+    x11.XCloseDisplay(display)
+    return asked
+
+
 class Window:
     """A running kelva-desktop, seen and pressed as a screen reader does."""
 
@@ -83,11 +111,19 @@ class Window:
         self.process = subprocess.Popen([program, *words], env={**os.environ, **environment})
 
     def close(self):
-        """As a person closes it; the seconds that it took."""
+        """As the end of a session does; the seconds that it took."""
         start = time.monotonic()
         self.process.send_signal(signal.SIGTERM)
         self.process.wait(PATIENCE)
         assert self.process.returncode == -signal.SIGTERM, f"the window ended by itself ({self.process.returncode})"
+        return time.monotonic() - start
+
+    def close_by_its_button(self):
+        """As a window manager asks it to close; the seconds that it took to end."""
+        start = time.monotonic()
+        assert ask_to_close("Kelva"), "there is no window to close"
+        self.process.wait(PATIENCE)
+        assert self.process.returncode == 0, f"the window ended with {self.process.returncode}"
         return time.monotonic() - start
 
     def application(self):

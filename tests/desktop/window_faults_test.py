@@ -59,6 +59,14 @@ class Faults(window_test.CameraWindow):
                     self.assertTrue([text for text in sentences if "on this computer" not in text], sentences)
                 self.completes(window)
 
+    def test_it_closes_while_the_camera_hangs(self):
+        window = self.window_with_camera()
+        self.fault("hang", 4)
+        window.press("^Import 12 new")
+        window.wait("^Cancel$")
+        screen.wait_for(lambda: window.workers("import"), "the worker that imports")
+        self.assertLess(window.close_by_its_button(), 1)
+
 
 if __name__ == "__main__":
     window_test.main()
