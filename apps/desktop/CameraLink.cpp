@@ -154,7 +154,9 @@ void CameraLink::HearPicture(const QJsonObject& event, bool preview) {
 void CameraLink::ListerEnded() {
   const int exit = lister_->Exit();
   if (exit != kExitNoCamera && exit != kExitGone) {
-    Note(lastWords_.isEmpty() ? tr("The program that talks to this camera has stopped.") : lastWords_, true);
+    // A process that was killed may have said that it was interrupted, which explains nothing.
+    const bool explains = exit != kExitCrashed && !lastWords_.isEmpty();
+    Note(explains ? lastWords_ : tr("The program that talks to this camera has stopped."), true);
   }
   onChange();
 }

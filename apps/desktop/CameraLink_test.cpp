@@ -125,6 +125,19 @@ TEST_F(CameraLinkTest, AWorkerThatDiesIsOneSentenceAndCanBeStartedAgain) {
   EXPECT_TRUE(link_->State().notice.sentence.isEmpty());
 }
 
+TEST_F(CameraLinkTest, AKilledWorkersLastWordsExplainNothing) {
+  workers_.scripts["camera"] = Say(R"({"event":"error","exit":130,"message":"Stopped."})") + "kill -9 $$";
+  link_->Attach();
+  ASSERT_TRUE(Await([&] { return link_->State().notice.canRetry; }));
+  EXPECT_NE(link_->State().notice.sentence, "Stopped.");
+}
+
+TEST_F(CameraLinkTest, AWorkerThatFailsSaysWhy) {
+  workers_.scripts["camera"] = Say(R"({"event":"error","exit":1,"message":"The camera refuses."})") + "exit 1";
+  link_->Attach();
+  EXPECT_TRUE(Await([&] { return link_->State().notice.sentence == "The camera refuses."; }));
+}
+
 TEST_F(CameraLinkTest, AWorkerWhoseCameraIsGoneIsNoTrouble) {
   bool changed = false;
   workers_.scripts["camera"] = "exit 5";
