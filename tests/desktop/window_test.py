@@ -262,7 +262,7 @@ class Interrupted(CameraWindow):
         answers = []
         for _ in range(9):
             start = time.monotonic()
-            window.find("^Cancel$")
+            cancel.get_extents(window.atspi.CoordType.SCREEN)  # one question, which nothing but the window can answer
             answers.append(time.monotonic() - start)
         self.assertLess(sorted(answers)[4], 0.1)
         cancel.do_action(0)
