@@ -89,7 +89,7 @@ int Run(int argc, char** argv) {
   if (!arguments.mistake.isEmpty()) return Print(stderr, arguments.mistake);
   QApplication application(argc, argv);
   QApplication::setOrganizationName("Kelva");
-  QApplication::setApplicationName("Desktop");
+  QApplication::setApplicationName("Kelva");  // also what a screen reader calls it
   QApplication::setApplicationDisplayName("Kelva");
   QApplication::setDesktopFileName("com.kelva.Desktop");
   QApplication::setWindowIcon(QIcon::fromTheme("kelva"));

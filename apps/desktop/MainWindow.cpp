@@ -64,10 +64,14 @@ void MainWindow::Hear(const QJsonObject& event) {
 }
 
 void MainWindow::HearTrouble(const QJsonObject& event) {
-  const QJsonArray findings = event["findings"].toArray();
-  const QJsonObject first = findings.at(0).toObject();
-  Notice notice{first["sentence"].toString(), first["command"].toString()};
-  if (const QString advice = first["advice"].toString(); !advice.isEmpty()) notice.sentence += ' ' + advice;
+  QStringList sentences;
+  Notice notice;
+  for (const QJsonValue& value : event["findings"].toArray()) {
+    const QJsonObject finding = value.toObject();
+    sentences.append((finding["sentence"].toString() + ' ' + finding["advice"].toString()).trimmed());
+    if (notice.command.isEmpty()) notice.command = finding["command"].toString();
+  }
+  notice.sentence = sentences.join('\n');
   banner_->Show(notice);
 }
 

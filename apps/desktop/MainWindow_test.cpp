@@ -70,6 +70,13 @@ TEST_F(MainWindowTest, TroubleIsASentenceWithItsCommand) {
   EXPECT_TRUE(Await([&] { return Says("You may not open it.") && Says("sudo mend"); }));
 }
 
+TEST_F(MainWindowTest, EveryTroubleIsSaid) {
+  Open(Say(R"({"event":"trouble","findings":[{"sentence":"One.","command":"","advice":"Do it."},)"
+           R"({"sentence":"Two.","command":"sudo mend","advice":""}]})") +
+       kWait);
+  EXPECT_TRUE(Await([&] { return Says("One. Do it.\nTwo.") && Says("sudo mend"); }));
+}
+
 TEST_F(MainWindowTest, AWatcherThatDiesCanBeStartedAgain) {
   Open("exit 1");
   ASSERT_TRUE(Await([&] { return Says("has stopped"); }));
