@@ -236,6 +236,13 @@ class Ends(MountedBus):
         self.assertEqual([(finding["condition"], finding["serial"], finding["harmless"]) for finding in mounts],
                          [("mounted", "K1", True)])
 
+    def test_the_doctor_does_not_wait_for_a_mount_that_is_stopped(self):
+        run = self.mount()
+        run.send_signal(signal.SIGSTOP)
+        self.addCleanup(run.send_signal, signal.SIGCONT)
+        doctor = subprocess.run([bench_of_cameras.BIN + "/kelva", "doctor"], capture_output=True, text=True, timeout=30)
+        self.assertIn(f"is mounted on {self.point}.", doctor.stdout)
+
     def test_a_killed_program_leaves_no_mount(self):
         self.put("A.TXT", b"one")
         run = self.mount()

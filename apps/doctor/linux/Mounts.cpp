@@ -4,8 +4,12 @@
 #include <sys/vfs.h>
 
 #include <cerrno>
+#include <chrono>
 #include <fstream>
+#include <future>
 #include <iterator>
+#include <memory>
+#include <thread>
 
 namespace apps::doctor {
 namespace {
@@ -72,9 +76,16 @@ std::vector<MountedCamera> Mounts() {
   return MountsIn(text);
 }
 
+// A program that is stopped does not answer either, and its mount is not left over. The thread then ends with the process.
 bool IsLeftOver(const MountedCamera& mount) {
-  struct statfs status {};
-  return ::statfs(mount.path.c_str(), &status) != 0 && errno == ENOTCONN;
+  constexpr std::chrono::milliseconds kPatience{500};
+  auto asked = std::make_shared<std::promise<bool>>();
+  std::future<bool> answer = asked->get_future();
+  std::thread([asked, path = mount.path] {
+    struct statfs status {};
+    asked->set_value(::statfs(path.c_str(), &status) != 0 && errno == ENOTCONN);
+  }).detach();
+  return answer.wait_for(kPatience) == std::future_status::ready && answer.get();
 }
 
 std::vector<Finding> FindingsAbout(const std::vector<MountedCamera>& mounts,
