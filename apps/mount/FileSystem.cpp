@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "apps/camera/FolderListing.h"
-#include "apps/files/SafeName.h"
 #include "apps/mount/Errors.h"
 
 namespace apps {
@@ -141,40 +140,20 @@ void FileSystem::Forget(std::uint64_t number, std::uint64_t count) {
   listings_.erase(number);
 }
 
+// As the last lookup had them. The kernel looks a path up anew when it does not believe its name any longer; what is asked for
+// here is an open file, of which each read beyond the end would list the folder.
 void FileSystem::GetAttributes(fuse_req_t request, std::uint64_t number) {
-  std::uint64_t parent = 0;
-  std::string name;
+  struct stat status {};
   {
     const std::scoped_lock lock(mutex_);
     const Node* node = nodes_.Find(number);
-    if (node == nullptr) {
-      fuse_reply_err(request, ESTALE);
-      return;
-    }
-    // Nothing on the camera changes these.
-    if (number == Nodes::kRoot || node->isFolder || uploads_.count(number) != 0) {
-      const struct stat status = AttributesOf(number, *node);
-      fuse_reply_attr(request, &status, kSecondsValid);
-      return;
-    }
-    parent = node->parent;
-    name = node->name;
+    if (node != nullptr && !node->isGone) status = AttributesOf(number, *node);
   }
-  WithFolder(request, parent, [this, number, name](Pending::Ticket ticket, const Folder& folder) {
-    const ShownEntry* entry = folder->Find(SafeName(name));
-    if (entry == nullptr || entry->isFolder) return pending_.Fail(ticket, ENOENT);
-    struct stat status {};
-    {
-      const std::scoped_lock lock(mutex_);
-      Node* node = nodes_.Find(number);
-      if (node == nullptr) return pending_.Fail(ticket, ESTALE);
-      if (node->size != entry->size) pieces_.Drop(number);
-      node->size = entry->size;
-      node->changed = entry->changed;
-      status = AttributesOf(number, *node);
-    }
-    if (const auto waiting = pending_.Take(ticket)) fuse_reply_attr(*waiting, &status, kSecondsValid);
-  });
+  if (status.st_ino == 0) {
+    fuse_reply_err(request, ENOENT);
+  } else {
+    fuse_reply_attr(request, &status, kSecondsValid);
+  }
 }
 
 void FileSystem::OpenFolder(fuse_req_t request, std::uint64_t number, const fuse_file_info& info) {

@@ -106,6 +106,7 @@ class FileSystem {
   void Told(Pending::Ticket ticket, std::uint64_t parent, const ShownEntry& entry);
   void Changed(std::uint64_t folder);
 
+  Pieces::Piece Known(std::uint64_t number, std::uint64_t index);
   bool ReadKnown(Pending::Ticket ticket, std::uint64_t number, std::uint64_t offset, std::size_t size);
   void ReadNow(Pending::Ticket ticket, std::uint64_t number, std::uint64_t offset, std::size_t size);
   Pieces::Piece PieceNow(std::uint64_t number, std::uint64_t index);

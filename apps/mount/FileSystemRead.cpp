@@ -61,13 +61,21 @@ void FileSystem::Read(fuse_req_t request, std::uint64_t number, std::uint64_t of
   Put(ticket, number, offset, [this, ticket, number, offset, size] { ReadNow(ticket, number, offset, size); });
 }
 
+// Unless the file has another size now. Under the lock.
+Pieces::Piece FileSystem::Known(std::uint64_t number, std::uint64_t index) {
+  const Node* node = nodes_.Find(number);
+  Pieces::Piece piece = pieces_.Find(number, index);
+  if (node == nullptr || !piece || index * Pieces::kSize >= node->size) return nullptr;
+  return piece->size() == std::min<std::uint64_t>(Pieces::kSize, node->size - index * Pieces::kSize) ? piece : nullptr;
+}
+
 bool FileSystem::ReadKnown(Pending::Ticket ticket, std::uint64_t number, std::uint64_t offset, std::size_t size) {
   std::vector<Pieces::Piece> pieces;
   {
     const std::scoped_lock lock(mutex_);
     const std::uint64_t last = (offset + size - 1) / Pieces::kSize;
     for (std::uint64_t index = offset / Pieces::kSize; index <= last; ++index) {
-      Pieces::Piece piece = pieces_.Find(number, index);
+      Pieces::Piece piece = Known(number, index);
       if (!piece) return false;
       pieces.push_back(std::move(piece));
     }
@@ -89,7 +97,7 @@ Pieces::Piece FileSystem::PieceNow(std::uint64_t number, std::uint64_t index) {
   std::uint64_t size = 0;
   {
     const std::scoped_lock lock(mutex_);
-    if (Pieces::Piece known = pieces_.Find(number, index)) return known;
+    if (Pieces::Piece known = Known(number, index)) return known;
     const Node* node = nodes_.Find(number);
     path = nodes_.PathOf(number);
     if (node == nullptr || path.empty()) throw SystemError(ESTALE);
@@ -127,7 +135,7 @@ bool FileSystem::ReadAhead() {
     const auto stream = streams_.find(number);
     if (stream == streams_.end()) return false;
     index = stream->second.next / Pieces::kSize;
-    while (index < stream->second.ahead && pieces_.Find(number, index)) ++index;
+    while (index < stream->second.ahead && Known(number, index)) ++index;
     if (index >= stream->second.ahead) return false;
   }
   try {

@@ -195,6 +195,7 @@ void FileSystem::Send(std::uint64_t number, Upload& upload) {
   } catch (...) {
     const std::scoped_lock lock(mutex_);
     upload.isSent = false;
+    if (Node* node = nodes_.Find(number)) node->isGone = true;
     throw;
   }
 }

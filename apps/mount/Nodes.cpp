@@ -15,7 +15,7 @@ std::size_t KeyOf(std::uint64_t parent, const std::string& name) {
 }  // namespace
 
 Nodes::Nodes() {
-  nodes_[kRoot] = {0, "I:", 0, 0, 1, true};
+  nodes_[kRoot] = {0, "I:", 0, 0, 1, true, false};
 }
 
 std::uint64_t Nodes::Tell(std::uint64_t parent, const ShownEntry& entry) {
@@ -26,11 +26,12 @@ std::uint64_t Nodes::Tell(std::uint64_t parent, const ShownEntry& entry) {
     if (node.parent != parent || node.name != entry.name || node.isFolder != entry.isFolder) continue;
     node.size = entry.size;
     node.changed = entry.changed;
+    node.isGone = false;
     ++node.lookups;
     return at->second;
   }
   const std::uint64_t number = next_++;
-  nodes_[number] = {parent, entry.name, entry.size, entry.changed, 1, entry.isFolder};
+  nodes_[number] = {parent, entry.name, entry.size, entry.changed, 1, entry.isFolder, false};
   byName_.emplace(key, number);
   return number;
 }

@@ -19,6 +19,7 @@ struct Node {
   std::time_t changed = 0;
   std::uint64_t lookups = 0;  ///< how often the kernel was told of it and has not forgotten it
   bool isFolder = false;
+  bool isGone = false;  ///< known not to be on the camera, until it is told of again
 };
 
 /// The numbers by which the kernel knows files and folders. As small as the kernel's own memory of them. One thread at a time.

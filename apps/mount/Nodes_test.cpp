@@ -15,6 +15,10 @@ TEST(NodesTest, AnEntryKeepsItsNumberAsLongAsTheKernelKnowsIt) {
   const auto file = nodes.Tell(folder, Entry("A.JPG", false, 5));
   EXPECT_EQ(nodes.Tell(folder, Entry("A.JPG", false, 6)), file);
   EXPECT_EQ(nodes.Find(file)->size, 6U);
+  nodes.Find(file)->isGone = true;
+  nodes.Tell(folder, Entry("A.JPG", false, 6));
+  EXPECT_FALSE(nodes.Find(file)->isGone);
+  nodes.Forget(file, 1);
   EXPECT_EQ(nodes.PathOf(file), "I:\\DCIM\\A.JPG");
   EXPECT_EQ(nodes.PathOf(Nodes::kRoot), "I:");
   nodes.Forget(file, 1);
