@@ -333,6 +333,7 @@ def main():
     PICTURES.mkdir(parents=True, exist_ok=True)
     PROGRAM = str(programs / "kelva-desktop")
     bench_of_cameras.BIN = str(programs)
+    print(f"KELVA_RANDOM_SEED={bench_of_cameras.SEED}", file=sys.stderr)
     unittest.main(module="__main__", verbosity=2)
 
 
