@@ -30,8 +30,13 @@ class MountedBus(Bus):
         self.addCleanup(self.end_all)
 
     def end_all(self):
-        for path in mounts_below(self.folder):
+        paths = mounts_below(self.folder)
+        for path in paths:
             subprocess.run(["fusermount3", "-uz", path], check=False)
+        # Each program removes its folder, while the test's own is removed with all that is in it.
+        until = time.monotonic() + 5
+        while any(map(os.path.exists, paths)) and time.monotonic() < until:
+            time.sleep(0.01)
 
     def replug(self, *options):
         self.unplug()
