@@ -37,17 +37,24 @@ Grid::Grid(CameraModel& pictures, QWidget* parent) : QListView(parent), pictures
   connect(this, &QListView::activated, this, [this](const QModelIndex& index) { onOpen(index.row()); });
 }
 
-// What stands first in view stays where it is.
+// What must not move when the layout changes: the current picture while it is in view, otherwise what stands first there.
+int Grid::Anchor() const {
+  const QModelIndex current = currentIndex();
+  const bool isThere = current.isValid() && current.row() < layout_.Count();
+  if (isThere && visualRect(current).intersects(viewport()->rect())) return current.row();
+  return layout_.FirstFrom(verticalOffset());
+}
+
 void Grid::doItemsLayout() {
-  const int first = layout_.FirstFrom(verticalOffset());
-  const int before = layout_.RectOf(first).top();
+  const int anchor = Anchor();
+  const int before = layout_.RectOf(anchor).top();
   const int line = fontMetrics().height();
   layout_.Arrange({viewport()->width(), kCellLines * line, line * 2, line * 5 / 2, kMargin}, pictures_.rowCount(),
                   [this](int row) -> std::optional<QDate> {
                     const Picture& picture = pictures_.At(row);
                     return picture.asked ? std::optional(picture.taken.date()) : std::nullopt;
                   });
-  const int moved = verticalOffset() > 0 ? layout_.RectOf(first).top() - before : 0;
+  const int moved = verticalOffset() > 0 ? layout_.RectOf(anchor).top() - before : 0;
   QAbstractItemView::doItemsLayout();
   if (moved != 0) verticalScrollBar()->setValue(verticalScrollBar()->value() + moved);
   ask_.start(kAskMs);

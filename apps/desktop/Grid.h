@@ -52,6 +52,7 @@ class Grid : public QListView {
   void PaintHeadline(QPainter& painter, const DayLayout::Section& section) const;
   QString HeadlineOf(const DayLayout::Section& section) const;
   QModelIndex IndexOf(int row) const;
+  int Anchor() const;
   int RowNear(QPoint place) const;
   void AskForMissing();
 

@@ -87,6 +87,16 @@ TEST_F(GridTest, WhatIsInViewStaysWhenADayAboveIsDivided) {
   EXPECT_NEAR(RectOf(first).top(), before, RectOf(first).height());
 }
 
+TEST_F(GridTest, TheLastPictureStaysInViewWhenEveryLineGetsADayOfItsOwn) {
+  Fill(1000);
+  QTest::keyClick(&grid_, Qt::Key_End);
+  ASSERT_TRUE(Await([&] { return wanted_.contains(999); }));
+  for (int index = 900; index < 1000; ++index) model_.SetNoThumbnail(index, "none", Day(1 + (999 - index) / 4));
+  const int before = grid_.verticalScrollBar()->maximum();
+  ASSERT_TRUE(Await([&] { return grid_.verticalScrollBar()->maximum() > before; }));
+  EXPECT_TRUE(grid_.viewport()->rect().contains(RectOf(999)));
+}
+
 TEST_F(GridTest, PicturesThatWentAreNotDrawn) {
   Fill(100);
   model_.Clear();
