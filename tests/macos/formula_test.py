@@ -60,7 +60,7 @@ class Installation(unittest.TestCase):
     def test_it_builds_for_the_one_processor_of_the_mac(self):
         for entry in self.build.commands:
             self.assertIn("-arch arm64", entry["command"])
-            self.assertNotIn("x86_64", entry["command"])
+            self.assertEqual(re.findall(r"-arch (\w+)", entry["command"]), ["arm64"])
 
     def test_service_finds_its_property_list_and_that_the_application(self):
         label = re.search(r'name macos: "([^"]+)"', formula())[1]
