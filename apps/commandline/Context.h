@@ -54,7 +54,7 @@ class Context {
   const std::string& WasDoing() const { return doing_; }
   bool Json() const { return reporter.Style().json; }
   /// Whether errors end with the numbers behind them: for scripts, and for people who ask with --verbose.
-  bool ShowsCodes() const { return Json() || reporter.Style().verbose; }
+  bool ShowsCodes() const { return reporter.Style().verbose || (Json() && !reporter.Style().plainErrors); }
   /// Prints the result (members with --json, else text). Only the first call prints. `code` becomes `exit`, and the
   /// `reason` of a failure without one. Returns `code`.
   ExitCode Result(apps::Json members, std::string_view text, ExitCode code = ExitCode::kDone);

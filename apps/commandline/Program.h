@@ -35,6 +35,7 @@ struct Program {
   /// The same for Offer::kCameraPath and Offer::kPicture, for a word of which `typed` is there. A name that ends in a slash
   /// is only a beginning. Any bytes; the caller leaves out what cannot be typed.
   std::vector<std::string> (*cameraWords)(const Invocation& call, Offer offer, const std::string& typed) = nullptr;
+  bool plainErrors = false;  ///< people read its JSON, in a window: no numbers behind an error
 };
 
 /// Options that the code which all programs share understands.

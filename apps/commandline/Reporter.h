@@ -22,7 +22,8 @@ struct ReportStyle {
   bool quiet = false;     ///< errors only
   bool terminal = false;  ///< a person watches: progress bars
   bool colour = false;
-  bool verbose = false;  ///< numbers behind an error, and what else only some people want
+  bool verbose = false;      ///< numbers behind an error, and what else only some people want
+  bool plainErrors = false;  ///< as Program::plainErrors
 };
 
 /// The style for a descriptor: bars only on a terminal that understands them, colours unless NO_COLOR is set.

@@ -88,12 +88,18 @@ std::optional<Trace::Wanted> WantedTrace(const Invocation& call) {
   throw Failure(ExitCode::kUsage, "--trace-private goes with --trace FILE or KELVA_TRACE; there is no trace without.");
 }
 
+ReportStyle StyleOf(const Program& program, std::span<const char* const> arguments) {
+  ReportStyle style = StyleFor(STDERR_FILENO, arguments);
+  style.plainErrors = program.plainErrors;
+  return style;
+}
+
 class Tool {
  public:
   Tool(const Program& program, std::span<const char* const> arguments)
       : program_(program),
         arguments_(arguments),
-        reporter_(program.name, STDERR_FILENO, StyleFor(STDERR_FILENO, arguments)),
+        reporter_(program.name, STDERR_FILENO, StyleOf(program, arguments)),
         out_(diversion_.Real()) {}
 
   ExitCode Run() {

@@ -34,6 +34,7 @@ class FaultsTest(WorkerTest):
         self.assertTrue(sentences, ended)
         for sentence in sentences:
             self.assertTrue(sentence.endswith("."), sentence)
+            self.assertNotIn("[command", sentence, "people read it")
 
     def completes(self):
         self.fault("none")

@@ -63,6 +63,7 @@ const Program& DesktopWorker() {
       .description = "kelva-desktop starts this program. apps/desktop/worker/README.md says what they exchange.",
       .verbs = kVerbs,
       .options = kOptions,
+      .plainErrors = true,
   };
   return program;
 }
