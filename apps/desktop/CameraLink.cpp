@@ -97,7 +97,7 @@ void CameraLink::HearPictures(const QJsonObject& event) {
   int index = event["from"].toInt();
   if (index == 0) model_.Clear();
   std::vector<Picture> pictures;
-  for (const QJsonValue& value : event["items"].toArray()) {
+  for (const auto& value : event["items"].toArray()) {
     const QJsonArray item = value.toArray();
     Picture picture;
     picture.index = index++;
@@ -113,9 +113,9 @@ void CameraLink::HearPictures(const QJsonObject& event) {
 
 void CameraLink::HearSizes(const QJsonObject& event) {
   int index = event["from"].toInt();
-  for (const QJsonValue& item : event["items"].toArray()) {
+  for (const auto& item : event["items"].toArray()) {
     qint64 sum = 0;
-    for (const QJsonValue& size : item.toArray()) sum += size.toInteger();
+    for (const auto& size : item.toArray()) sum += size.toInteger();
     model_.SetBytes(index++, sum);
   }
 }
@@ -213,8 +213,9 @@ void CameraLink::BeginRun(bool deletes) {
   }
   if (deletes || !all_) {
     chosen_ = std::make_unique<QTemporaryFile>(QDir::tempPath() + "/kelva-desktop-XXXXXX");
-    if (!chosen_->open())
+    if (!chosen_->open()) {
       return Note(tr("The list of pictures cannot be written: %1.").arg(chosen_->errorString()), false);
+    }
     chosen_->write(keys_.join('\n').toUtf8() + '\n');
     chosen_->close();
     words << "--pictures" << chosen_->fileName();

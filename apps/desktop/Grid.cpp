@@ -55,7 +55,7 @@ void Grid::doItemsLayout() {
                     return picture.asked ? std::optional(picture.taken.date()) : std::nullopt;
                   });
   const int moved = verticalOffset() > 0 ? layout_.RectOf(anchor).top() - before : 0;
-  QAbstractItemView::doItemsLayout();
+  QAbstractItemView::doItemsLayout();  // NOLINT(bugprone-parent-virtual-call): a list arranges rows of its own
   if (moved != 0) verticalScrollBar()->setValue(verticalScrollBar()->value() + moved);
   ask_.start(kAskMs);
 }
@@ -172,7 +172,7 @@ void Grid::updateGeometries() {
 }
 
 void Grid::resizeEvent(QResizeEvent* event) {
-  QAbstractItemView::resizeEvent(event);
+  QAbstractItemView::resizeEvent(event);  // NOLINT(bugprone-parent-virtual-call): a list arranges rows of its own
   doItemsLayout();
 }
 
@@ -181,7 +181,7 @@ void Grid::rowsInserted(const QModelIndex&, int, int) {
 }
 
 void Grid::dataChanged(const QModelIndex& from, const QModelIndex& to, const QList<int>& roles) {
-  QAbstractItemView::dataChanged(from, to, roles);
+  QAbstractItemView::dataChanged(from, to, roles);  // NOLINT(bugprone-parent-virtual-call): as above
   if (roles.contains(CameraModel::kThumbnail)) {
     asked_.remove(from.row());
     if (!relayout_.isActive()) relayout_.start(kCalmMs);

@@ -66,7 +66,7 @@ void MainWindow::Hear(const QJsonObject& event) {
 void MainWindow::HearTrouble(const QJsonObject& event) {
   QStringList sentences;
   Notice notice;
-  for (const QJsonValue& value : event["findings"].toArray()) {
+  for (const auto& value : event["findings"].toArray()) {
     const QJsonObject finding = value.toObject();
     sentences.append((finding["sentence"].toString() + ' ' + finding["advice"].toString()).trimmed());
     if (notice.command.isEmpty()) notice.command = finding["command"].toString();

@@ -24,9 +24,9 @@ void Reply(fuse_req_t request, const std::vector<Pieces::Piece>& pieces, std::ui
   std::size_t count = 0;
   std::size_t skip = offset % Pieces::kSize;
   for (const Pieces::Piece& piece : pieces) {
-    const std::size_t most = piece->size() > skip ? std::min(piece->size() - skip, size) : 0;
+    const std::size_t most = piece->Size() > skip ? std::min(piece->Size() - skip, size) : 0;
     // sendmsg only reads, but an iovec has no const pointer.
-    parts[count++] = {const_cast<char*>(piece->data()) + skip, most};
+    parts[count++] = {const_cast<char*>(piece->Data()) + skip, most};
     size -= most;
     skip = 0;
   }
@@ -66,7 +66,7 @@ Pieces::Piece FileSystem::Known(std::uint64_t number, std::uint64_t index) {
   const Node* node = nodes_.Find(number);
   Pieces::Piece piece = pieces_.Find(number, index);
   if (node == nullptr || !piece || index * Pieces::kSize >= node->size) return nullptr;
-  return piece->size() == std::min<std::uint64_t>(Pieces::kSize, node->size - index * Pieces::kSize) ? piece : nullptr;
+  return piece->Size() == std::min<std::uint64_t>(Pieces::kSize, node->size - index * Pieces::kSize) ? piece : nullptr;
 }
 
 bool FileSystem::ReadKnown(Pending::Ticket ticket, std::uint64_t number, std::uint64_t offset, std::size_t size) {

@@ -33,8 +33,9 @@ void Init(void* files, fuse_conn_info* connection) {
   connection->want |= connection->capable & (FUSE_CAP_ASYNC_READ | FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_ATOMIC_O_TRUNC);
   // A read would list the folder again to see whether the file has changed; the next open does.
   connection->want &= ~static_cast<unsigned>(FUSE_CAP_AUTO_INVAL_DATA);
-  if (!static_cast<FileSystem*>(files)->IsWritable())
+  if (!static_cast<FileSystem*>(files)->IsWritable()) {
     connection->want &= ~static_cast<unsigned>(FUSE_CAP_ATOMIC_O_TRUNC);
+  }
 }
 
 void Lookup(fuse_req_t request, fuse_ino_t parent, const char* name) {
@@ -164,8 +165,9 @@ Kernel::Kernel(FileSystem& files, const std::string& source) {
   const fuse_lowlevel_ops operations = Operations(files.IsWritable());
   session_.reset(fuse_session_new(&arguments, &operations, sizeof(operations), &files));
   fuse_opt_free_args(&arguments);
-  if (!session_)
+  if (!session_) {
     throw Failure(ExitCode::kFailed, "libfuse does not take the options of this mount; install its version 3.");
+  }
 }
 
 Kernel::~Kernel() {

@@ -117,8 +117,9 @@ ExitCode MountOne(Context& context) {
   const AttachedCamera chosen = Choose(FindAttached(context.diversion), WantedSerial(context.call.Value("serial")));
   const Launched launched = Launch(context, chosen.facts.serial);
   context.out.Write(launched.said);
-  if (launched.mounted)
+  if (launched.mounted) {
     return context.Result(Json::Object().SetBytes("serial", chosen.facts.serial).Set("mounts", 1), "");
+  }
   static_cast<void>(context.out.TakeEnd());  // the other process has said the result
   return launched.code;
 }

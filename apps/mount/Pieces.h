@@ -18,8 +18,8 @@ class FileBytes {
  public:
   explicit FileBytes(std::size_t size) : bytes_(std::make_unique_for_overwrite<char[]>(size)), size_(size) {}
 
-  std::size_t size() const { return size_; }
-  const char* data() const { return bytes_.get(); }
+  std::size_t Size() const { return size_; }
+  const char* Data() const { return bytes_.get(); }
   std::span<char> All() { return {bytes_.get(), size_}; }
   std::string_view Text() const { return {bytes_.get(), size_}; }
   /// Forgets what is behind.

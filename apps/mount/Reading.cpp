@@ -67,8 +67,9 @@ Pieces::Piece Reading::ReadLast(std::uint64_t offset) {
   if (!camera_->Transfer(cdb, kelva::kFromCamera, moved, bytes->All().data(), true)) {
     throw std::runtime_error("the camera refused a read");
   }
-  if (moved != static_cast<int>(Pieces::kSize))
+  if (moved != static_cast<int>(Pieces::kSize)) {
     throw std::runtime_error("another number of bytes came than was asked for");
+  }
   return bytes;
 }
 
