@@ -11,9 +11,13 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "apps/camera/Attached.h"
+#include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/mount/Mount.h"
@@ -25,16 +29,25 @@
 namespace apps {
 namespace {
 
+using std::chrono::milliseconds;
+
+// With the ten seconds of a camera that another program holds, fifteen.
+constexpr milliseconds kToOpen{5000};
+
 /// This program once more, in a session of its own, with its standard output in a pipe.
 class Daemon {
  public:
   Daemon(std::vector<std::string> words) : words_(std::move(words)) { Start(); }
 
-  /// What it prints until its mount stands or it ends. Throws Stopped.
-  std::string Said(const Stop& stop) {
+  using Clock = std::chrono::steady_clock;
+
+  /// What it prints until its mount stands or it ends. Nothing when neither has happened by `until`: it is then ended.
+  /// Throws Stopped.
+  std::optional<std::string> Said(const Stop& stop, std::optional<Clock::time_point> until) {
     std::string text;
     std::array<char, 4096> bytes{};
     for (;;) {
+      if (until && Clock::now() >= *until) return End(), std::nullopt;
       pollfd ready{output_.Get(), POLLIN, 0};
       constexpr int kLook = 50;
       const int count = ::poll(&ready, 1, kLook);
@@ -58,6 +71,16 @@ class Daemon {
   }
 
  private:
+  void End() const {
+    constexpr int kPolite = 40;
+    constexpr int kLook = 50;
+    ::kill(process_, SIGTERM);
+    for (int i = 0; i < kPolite && ::waitpid(process_, nullptr, WNOHANG) == 0; ++i) ::poll(nullptr, 0, kLook);
+    ::kill(process_, SIGKILL);
+    while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+    }
+  }
+
   void Start() {
     std::array<int, 2> ends{-1, -1};
     if (platform::Pipe(ends) != 0) throw SystemFailure("make a pipe", errno);
@@ -105,12 +128,20 @@ struct Launched {
   ExitCode code;
 };
 
-Launched Launch(Context& context, const std::string& serial) {
+Launched Launch(Context& context, const std::string& serial, std::optional<milliseconds> patience = std::nullopt) {
   Daemon daemon(WordsFor(context, serial));
-  const std::string said = daemon.Said(context.stop);
+  const auto until = patience ? std::optional(Daemon::Clock::now() + *patience) : std::nullopt;
+  const auto said = daemon.Said(context.stop, until);
+  if (!said) {
+    context.reporter.Error("Camera " + Printable(serial) + " has not become a folder within " +
+                               std::to_string(patience->count() / 1000) +
+                               " seconds; it may hang. Unplug it and plug it in again.",
+                           ExitCode::kTimedOut);
+    return {false, "", ExitCode::kTimedOut};
+  }
   const std::string_view first = context.Json() ? "{\"schema\":1,\"event\":\"mounted\"" : "Mounted ";
-  if (said.starts_with(first)) return {true, said, ExitCode::kDone};
-  return {false, said, daemon.Status()};
+  if (said->starts_with(first)) return {true, *said, ExitCode::kDone};
+  return {false, *said, daemon.Status()};
 }
 
 ExitCode MountOne(Context& context) {
@@ -127,6 +158,8 @@ ExitCode MountOne(Context& context) {
 ExitCode MountAll(Context& context) {
   const std::vector<AttachedCamera> attached = FindAttached(context.diversion);
   if (attached.empty()) Choose(attached, std::nullopt);  // says what is wrong
+  // One camera that hangs does not keep the others from becoming folders.
+  const milliseconds patience = WaitBusy(context) + kToOpen;
   int mounts = 0;
   std::vector<ExitCode> failures;
   for (const AttachedCamera& camera : attached) {
@@ -138,7 +171,7 @@ ExitCode MountAll(Context& context) {
       ++mounts;
       continue;
     }
-    const Launched launched = Launch(context, serial);
+    const Launched launched = Launch(context, serial, patience);
     if (launched.mounted) {
       context.out.Write(launched.said);
       ++mounts;

@@ -89,6 +89,15 @@ class Faults(MountedBus):
                 self.assertTrue(self.read("DCIM/100ABCDE/" + name).startswith(copied))
             self.plug()
 
+    def test_all_mounts_the_others_when_one_camera_hangs(self):
+        self.camera("K2")
+        self.fault("hang", 1)
+        home = dict(os.environ, HOME=self.folder)
+        run = self.kelva("mount", "--all", "--wait-busy", "0", env=home)
+        self.assertEqual(run.returncode, 6, run.stderr)
+        self.assertIn("Camera K1 has not become a folder within 5 seconds", run.stderr)
+        self.assertEqual(mounted.mounts_below(self.folder), [self.folder + "/Kelva K2"])
+
     def test_a_slow_camera_is_waited_for(self):
         self.camera("SLOW")
         self.assertEqual(self.kelva("mount", "-s", "SLOW", self.point).returncode, 0)

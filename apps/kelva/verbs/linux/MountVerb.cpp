@@ -32,7 +32,8 @@ was read last is kept for two seconds, 5 MiB at most. Other commands and program
 for a camera that another program holds, as --wait-busy says, and then fails with EBUSY.
 
 `fusermount3 -u DIR` ends the mount, and so do Ctrl-C and --timeout with --foreground; without it, --timeout is the time
-that the mount may take to stand. When the camera is unplugged, waiting and later
+that the mount may take to stand. With --all, a camera that has not become a folder five seconds after the time of
+--wait-busy is given up. When the camera is unplugged, waiting and later
 reads fail with ENODEV and the mount ends. It also ends when its program is killed.
 
 Names are those of the camera, in any case of letters. A byte that is not safe in a name is shown as %XX, as `kelva sync`

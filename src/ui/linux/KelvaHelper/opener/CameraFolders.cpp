@@ -7,6 +7,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
+#include <string>
+#include <thread>
 
 #include "base/FileDescriptor.h"
 #include "src/ui/linux/KelvaHelper/opener/ExitCode.h"
@@ -19,11 +22,21 @@ namespace opener {
 namespace {
 
 /// Waits for the other openers of this user: two that mount at once could both take the same camera. Goes on without
-/// where the file cannot be made.
-base::FileDescriptor WaitForTurn() {
-  const std::string path = std::string(g_get_user_runtime_dir()) + "/kelva-open.lock";
+/// where the file cannot be made, and when the other one has not ended in time.
+base::FileDescriptor WaitForTurn(std::chrono::milliseconds patience) {
+  constexpr std::chrono::milliseconds kEachAttempt(50);
+  const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+  const std::string path = std::string(runtime != nullptr ? runtime : g_get_user_runtime_dir()) + "/kelva-open.lock";
   base::FileDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-  while (file && ::flock(file.Get(), LOCK_EX) != 0 && errno == EINTR) continue;
+  const auto until = std::chrono::steady_clock::now() + patience;
+  while (file && ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR)) {
+    if (std::chrono::steady_clock::now() >= until) {
+      Complain("Another kelva-open has been mounting cameras for " + std::to_string(patience.count() / 1000) +
+               " seconds; this one goes on beside it.");
+      break;
+    }
+    std::this_thread::sleep_for(kEachAttempt);
+  }
   return file;
 }
 
@@ -32,7 +45,7 @@ base::FileDescriptor WaitForTurn() {
 int CameraFolders::Show(const std::string& virtualBus) {
   // The processes that serve the folders outlive the agent's unit, and are not the viewer's when somebody ends that.
   EnterScope(bus_, "kelva-mount");
-  const base::FileDescriptor turn = WaitForTurn();
+  const base::FileDescriptor turn = WaitForTurn(patience_);
   return Summary(program_.MountAll(virtualBus, [this](const Mounted& camera) {
     if (!camera.before) Open(camera);
   }));

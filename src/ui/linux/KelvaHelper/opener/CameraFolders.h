@@ -3,6 +3,7 @@
 
 #include <gio/gio.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,10 @@ class CameraFolders {
  public:
   /// `bus` is the session's message bus, or null; it stays the caller's. `contentTypes` say which of the user's programs
   /// are asked to open a folder: one for the first type that has any.
-  CameraFolders(MountProgram program, GDBusConnection* bus, std::vector<const char*> contentTypes)
-      : program_(std::move(program)), bus_(bus), contentTypes_(std::move(contentTypes)) {}
+  /// `patience`: how long this waits for another opener of the same user.
+  CameraFolders(MountProgram program, GDBusConnection* bus, std::vector<const char*> contentTypes,
+                std::chrono::milliseconds patience = std::chrono::seconds(15))
+      : program_(std::move(program)), bus_(bus), contentTypes_(std::move(contentTypes)), patience_(patience) {}
 
   /// Mounts every camera of `virtualBus` (empty: of this machine) that is not mounted, and opens those that this mounted.
   /// Says what became of them. Returns an exit code of the opener.
@@ -32,6 +35,7 @@ class CameraFolders {
   MountProgram program_;
   GDBusConnection* bus_;
   std::vector<const char*> contentTypes_;
+  std::chrono::milliseconds patience_;
   bool inScope_ = false;
   int opened_ = 0;
   int unopened_ = 0;

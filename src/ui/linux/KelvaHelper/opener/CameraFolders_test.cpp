@@ -1,11 +1,14 @@
 #include "src/ui/linux/KelvaHelper/opener/CameraFolders.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 
 #include <filesystem>
 #include <fstream>
 
+#include "base/FileDescriptor.h"
 #include "base/testing/ScratchFolder.h"
 #include "src/ui/linux/KelvaHelper/opener/testing/ScratchDesktop.h"
 #include "src/ui/linux/KelvaHelper/opener/testing/ScratchNotifications.h"
@@ -33,7 +36,9 @@ class CameraFoldersTest : public testing::Test {
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    const int code = CameraFolders(MountProgram(path), messages_.Connection(), std::move(contentTypes)).Show("");
+    const int code =
+        CameraFolders(MountProgram(path), messages_.Connection(), std::move(contentTypes), std::chrono::seconds(1))
+            .Show("");
     output_ = testing::internal::GetCapturedStdout();
     errors_ = testing::internal::GetCapturedStderr();
     return code;
@@ -89,6 +94,15 @@ TEST_F(CameraFoldersTest, AnotherCameraThatCannotBeMountedBothersNobodyButTheJou
       errors_,
       "kelva-open: A camera was attached, and could not be mounted: kelva-mount ended with 4 and said nothing.\n");
   EXPECT_EQ(messages_.Message(), "");
+}
+
+TEST_F(CameraFoldersTest, AnotherOpenerIsNotWaitedForWithoutEnd) {
+  ::setenv("XDG_RUNTIME_DIR", scratch_.Path().c_str(), 1);
+  const base::FileDescriptor other(::open((scratch_.Path() / "kelva-open.lock").c_str(), O_RDWR | O_CREAT, 0600));
+  ASSERT_EQ(::flock(other.Get(), LOCK_EX), 0);
+  EXPECT_EQ(Show(kNewFolder, {kTest}), 0);
+  EXPECT_EQ(desktop_.WordOfTheApplication(), "/a");
+  EXPECT_THAT(errors_, StartsWith("kelva-open: Another kelva-open has been mounting cameras for 1 seconds"));
 }
 
 }  // namespace

@@ -2,9 +2,13 @@
 
 #include "src/ui/linux/KelvaHelper/opener/MountProgram.h"
 
+#include <gio/gfiledescriptorbased.h>
 #include <gio/gio.h>
+#include <poll.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <cstdio>
 #include <vector>
 
@@ -12,11 +16,6 @@
 
 namespace opener {
 namespace {
-
-struct FreeMemory {
-  void operator()(char* text) const { g_free(text); }
-};
-using Text = std::unique_ptr<char, FreeMemory>;
 
 /// Starts it with both outputs on one pipe: in JSON its errors are events too.
 Object<GSubprocess> Start(const std::vector<const char*>& words, Error& error) {
@@ -49,11 +48,28 @@ class Hearing {
   std::string reason_;
 };
 
-void HearAll(GSubprocess* process, Hearing& hearing) {
-  const Object<GDataInputStream> lines(g_data_input_stream_new(g_subprocess_get_stdout_pipe(process)));
-  while (const Text line{g_data_input_stream_read_line(lines.get(), nullptr, nullptr, nullptr)}) {
-    hearing.Take(line.get());
+/// Each line, until nobody holds the other end. False when nothing came for `patience`.
+bool HearAll(int output, std::chrono::milliseconds patience, Hearing& hearing) {
+  std::string text;
+  std::array<char, 4096> bytes{};
+  for (;;) {
+    pollfd ready{output, POLLIN, 0};
+    const int count = ::poll(&ready, 1, static_cast<int>(patience.count()));
+    if (count == 0) return false;
+    const ssize_t came = count < 0 ? -1 : ::read(output, bytes.data(), bytes.size());
+    if (came < 0 && errno == EINTR) continue;
+    if (came <= 0) break;
+    text.append(bytes.data(), static_cast<std::size_t>(came));
+    for (std::size_t end = 0; (end = text.find('\n')) != std::string::npos; text.erase(0, end + 1)) {
+      hearing.Take(text.substr(0, end));
+    }
   }
+  if (!text.empty()) hearing.Take(text);
+  return true;
+}
+
+int OutputOf(GSubprocess* process) {
+  return g_file_descriptor_based_get_fd(G_FILE_DESCRIPTOR_BASED(g_subprocess_get_stdout_pipe(process)));
 }
 
 /// An empty text when it ended with 0.
@@ -86,7 +102,11 @@ std::string MountProgram::MountAll(const std::string& virtualBus,
   const Object<GSubprocess> process = Start(words, error);
   if (!process) return error.Text();
   Hearing hearing(onMounted);
-  HearAll(process.get(), hearing);
+  if (!HearAll(OutputOf(process.get()), patience_, hearing)) {
+    g_subprocess_force_exit(process.get());
+    return "kelva-mount said nothing for " + std::to_string(patience_.count() / 1000) +
+           " seconds and was ended; unplug the camera and plug it in again.";
+  }
   return OutcomeOf(process.get(), hearing.Reason());
 }
 

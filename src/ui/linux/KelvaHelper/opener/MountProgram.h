@@ -1,6 +1,7 @@
 #ifndef KELVA_UI_LINUX_KELVA_HELPER_OPENER_MOUNT_PROGRAM_H_
 #define KELVA_UI_LINUX_KELVA_HELPER_OPENER_MOUNT_PROGRAM_H_
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -13,7 +14,9 @@ class MountProgram {
  public:
   /// The one that lies beside the program `opener`, as it does in a build tree and in an installation.
   static MountProgram Beside(const std::string& opener);
-  explicit MountProgram(std::string path) : path_(std::move(path)) {}
+  /// `patience`: how long it may be silent before it is ended. It gives up on one camera earlier than that.
+  explicit MountProgram(std::string path, std::chrono::milliseconds patience = std::chrono::seconds(30))
+      : path_(std::move(path)), patience_(patience) {}
 
   bool IsInstalled() const;
 
@@ -25,6 +28,7 @@ class MountProgram {
 
  private:
   std::string path_;
+  std::chrono::milliseconds patience_;
 };
 
 }  // namespace opener

@@ -85,6 +85,19 @@ TEST_F(MountProgramTest, EndWithoutAWordIsToldByItsNumber) {
   EXPECT_EQ(MountAll(StandIn("kill -9 $$")), "kelva-mount died of signal 9.");
 }
 
+TEST_F(MountProgramTest, ProgramThatHangsIsEndedAndSaid) {
+  StandIn(R"(echo '{"event":"mounted","path":"/a","serial":"K1","was_mounted":false}'; exec sleep 60)");
+  const MountProgram program(scratch_.Path() / "kelva-mount", std::chrono::seconds(1));
+  EXPECT_EQ(MountAll(program),
+            "kelva-mount said nothing for 1 seconds and was ended; unplug the camera and plug it in again.");
+  EXPECT_EQ(mounted_.size(), 1U);
+}
+
+TEST_F(MountProgramTest, LastLineNeedsNoEnd) {
+  EXPECT_EQ(MountAll(StandIn("printf 'a remark\\nand one more'")), "");
+  EXPECT_EQ(errors_, "a remark\nand one more\n");
+}
+
 TEST_F(MountProgramTest, ProgramThatCannotBeRunIsTheReason) {
   EXPECT_NE(MountAll(MountProgram("/nonexistent/kelva-mount")).find("No such file"), std::string::npos);
 }
