@@ -106,7 +106,7 @@ void Remove(fuse_req_t request, fuse_ino_t parent, const char* name) {
   if (!HasEnded(request)) Of(request).Remove(request, parent, name);
 }
 
-// A camera has no command for it.
+// A camera has no commands for folders.
 void MakeFolder(fuse_req_t request, fuse_ino_t, const char*, mode_t) {
   fuse_reply_err(request, EPERM);
 }
@@ -115,8 +115,10 @@ void RemoveFolder(fuse_req_t request, fuse_ino_t, const char*) {
   fuse_reply_err(request, EPERM);
 }
 
+// A camera has no command for it. With this answer mv and file managers copy the file and delete the old one, as between
+// two disks.
 void Rename(fuse_req_t request, fuse_ino_t, const char*, fuse_ino_t, const char*, unsigned) {
-  fuse_reply_err(request, EPERM);
+  fuse_reply_err(request, EXDEV);
 }
 
 fuse_lowlevel_ops Operations(bool writable) {

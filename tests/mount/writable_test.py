@@ -83,8 +83,23 @@ class Writable(MountedBus):
     def test_what_a_camera_cannot_do_is_refused(self):
         self.fails(errno.EPERM, os.mkdir, self.point + "/FOLDER")
         self.fails(errno.EPERM, os.rmdir, self.point + "/DCIM")
-        self.fails(errno.EPERM, os.rename, self.files + "/IMG_0001.JPG", self.point + "/B.JPG")
+        self.fails(errno.EXDEV, os.rename, self.files + "/IMG_0001.JPG", self.point + "/B.JPG")
         self.fails(errno.EINVAL, open, self.point + "/a%b", "wb")
+        self.assertEqual(self.read("DCIM/100ABCDE/IMG_0001.JPG"), b"picture")
+
+    def test_mv_copies_a_file_and_deletes_the_old_one(self):
+        content = random.randbytes(200_000)
+        self.put("A.BIN", content)
+        time.sleep(1.1)
+        subprocess.run(["mv", self.point + "/A.BIN", self.files + "/B.BIN"], check=True)
+        self.assertEqual(self.read("DCIM/100ABCDE/B.BIN"), content)
+        self.assertFalse(os.path.exists(self.drive + "/A.BIN"))
+        subprocess.run(["mv", self.files + "/B.BIN", self.folder + "/C.BIN"], check=True)
+        self.assertFalse(os.path.exists(self.drive + "/DCIM/100ABCDE/B.BIN"))
+        subprocess.run(["mv", self.folder + "/C.BIN", self.point], check=True)
+        self.assertEqual(self.read("C.BIN"), content)
+        refused = subprocess.run(["mv", self.files, self.point + "/D"], capture_output=True)
+        self.assertNotEqual(refused.returncode, 0)
         self.assertEqual(self.read("DCIM/100ABCDE/IMG_0001.JPG"), b"picture")
 
     def test_a_cut_upload_fails_the_close_and_is_deleted_on_the_camera(self):

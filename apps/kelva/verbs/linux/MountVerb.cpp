@@ -44,7 +44,8 @@ longer than a tenth of that.
 With --writable, a file goes to the camera when it is closed: it is collected in a temporary file, sent, read back and
 compared, and close(2) fails when that does. A part of a file is deleted again, unless the
 camera was unplugged or this program killed while it was sent. The camera takes whole files only: a program
-that opens a file to change a part of it gets EOPNOTSUPP. Folders cannot be made, removed or renamed.
+that opens a file to change a part of it gets EOPNOTSUPP. Folders cannot be made, removed or renamed. To rename a file is
+EXDEV: mv and file managers then copy it and delete the old one.
 
 Some cameras send a file from its start to its end only. A program that reads elsewhere then waits until the file was read
 up to there; what comes is kept in a temporary file in TMPDIR, or /var/tmp, for the two files that were read last.)",
