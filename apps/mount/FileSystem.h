@@ -68,6 +68,8 @@ class FileSystem {
   /// Works for the kernel until End. Opens the camera first, then calls `opened`. Throws what opening throws; later failures
   /// are the kernel's answers. The camera's thread.
   void Serve(Context& context, AttachedCamera chosen, const std::function<void()>& opened);
+  /// How long the camera has been silent while something was asked of it; 0 when nothing is. Any thread.
+  std::chrono::milliseconds Silence() const;
   /// Answers everything that waits, and all that comes, with this errno. Any thread.
   void End(int error);
 
@@ -113,6 +115,7 @@ class FileSystem {
   void Follow(std::uint64_t number, std::uint64_t offset, std::uint64_t end, std::uint64_t size);
   bool ReadAhead();
 
+  void Heard();
   std::optional<Job> NextJob();
   void Do(const Job& job);
   void Idle();
@@ -129,6 +132,7 @@ class FileSystem {
   const Events events_;
   const std::time_t began_ = std::time(nullptr);
   std::atomic<int> ended_ = 0;
+  std::atomic<Clock::rep> heard_ = 0;  // when the camera answered last; 0 while nothing is asked of it
   Pending pending_;
   Work work_;
 

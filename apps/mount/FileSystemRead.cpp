@@ -104,6 +104,7 @@ Pieces::Piece FileSystem::PieceNow(std::uint64_t number, std::uint64_t index) {
     size = node->size;
   }
   if (index * Pieces::kSize >= size) throw SystemError(EIO);
+  Heard();
   Pieces::Piece piece = reading_->Read(number, path, size, index);
   const std::scoped_lock lock(mutex_);
   pieces_.Keep(number, index, piece);

@@ -66,6 +66,7 @@ void FileSystem::Do(const Job& job) {
   } catch (const Stopped&) {
     return;  // the end of the mount answers the request
   }
+  Heard();
   try {
     job.run();
   } catch (const std::exception& error) {
@@ -73,6 +74,18 @@ void FileSystem::Do(const Job& job) {
   } catch (const Stopped&) {
     // The end of the mount answers the request.
   }
+  heard_.store(0);
+}
+
+void FileSystem::Heard() {
+  heard_.store(Clock::now().time_since_epoch().count());
+}
+
+std::chrono::milliseconds FileSystem::Silence() const {
+  const Clock::rep heard = heard_.load();
+  if (heard == 0) return {};
+  return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch() -
+                                                               Clock::duration(heard));
 }
 
 // Gives the camera up until there is work.

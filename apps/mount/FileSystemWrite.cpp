@@ -187,6 +187,7 @@ void FileSystem::Send(std::uint64_t number, Upload& upload) {
   }
   std::uint64_t sent = 0;
   const auto source = [&](std::span<char> chunk) {
+    Heard();
     upload.spool.Read(sent, chunk);
     sent += chunk.size();
   };

@@ -1,15 +1,19 @@
 // The kernel's side of the mounted folder: what it asks, and the end of the mount.
 #include "apps/mount/Kernel.h"
 
+#include <fcntl.h>
 #include <fuse3/fuse_lowlevel.h>
 #include <poll.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/doctor/linux/Mounts.h"
+#include "base/FileDescriptor.h"
 
 namespace apps {
 namespace {
@@ -147,6 +151,11 @@ fuse_lowlevel_ops Operations(bool writable) {
   return all;
 }
 
+// After a lazy unmount: a camera that is silent for so long hangs, and whoever has its files open is answered for so long.
+constexpr std::chrono::milliseconds kPatience{500};
+constexpr std::chrono::milliseconds kLastWords{500};
+constexpr std::int64_t kLook = 100;
+
 std::int64_t Now() {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
       .count();
@@ -158,7 +167,7 @@ void Kernel::Freed::operator()(fuse_session* session) const {
   fuse_session_destroy(session);
 }
 
-Kernel::Kernel(FileSystem& files, const std::string& source) {
+Kernel::Kernel(FileSystem& files, const std::string& source) : files_(files) {
   std::string options = "-osubtype=kelva,default_permissions,fsname=" + source;
   if (!files.IsWritable()) options += ",ro";
   std::string name = "kelva-mount";
@@ -182,16 +191,37 @@ void Kernel::Mount(const std::string& path) {
                                          "; see whether the package fuse3 is installed and /dev/fuse may be opened.");
   }
   mounted_ = true;
+  path_ = path;
+}
+
+bool Kernel::IsShown() const {
+  const auto mounts = doctor::Mounts();
+  return std::any_of(mounts.begin(), mounts.end(), [this](const auto& mount) { return mount.path == path_; });
+}
+
+// For the next poll, in milliseconds: -1 without an end, 0 when Serve is over.
+std::int64_t Kernel::TimeLeft(bool isShown) {
+  if (!isShown && files_.Ended() == 0 && files_.Silence() > kPatience) {
+    files_.End(ENODEV);
+    Leave(kLastWords);
+  }
+  const std::int64_t until = until_.load();
+  if (until != 0) return std::max<std::int64_t>(until - Now(), 0);
+  return isShown ? -1 : kLook;
 }
 
 void Kernel::Serve() {
+  const base::FileDescriptor mounts(::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
+  bool isShown = true;
   fuse_buf buffer{};
   while (fuse_session_exited(session_.get()) == 0) {
-    const std::int64_t until = until_.load();
-    const std::int64_t left = until == 0 ? -1 : until - Now();
-    if (until != 0 && left <= 0) break;
-    std::array<pollfd, 2> watched{{{fuse_session_fd(session_.get()), POLLIN, 0}, {wakeUp_.Descriptor(), POLLIN, 0}}};
+    const std::int64_t left = TimeLeft(isShown);
+    if (left == 0) break;
+    std::array<pollfd, 3> watched{{{fuse_session_fd(session_.get()), POLLIN, 0},
+                                   {wakeUp_.Descriptor(), POLLIN, 0},
+                                   {isShown ? mounts.Get() : -1, POLLPRI, 0}}};
     ::poll(watched.data(), watched.size(), static_cast<int>(left));
+    if (watched[2].revents != 0) isShown = IsShown();
     if (watched[1].revents != 0) wakeUp_.Clear();
     if (watched[0].revents == 0) continue;
     const int count = fuse_session_receive_buf(session_.get(), &buffer);

@@ -25,7 +25,8 @@ class Kernel {
 
   /// Shows it. Throws Failure.
   void Mount(const std::string& path);
-  /// Hands requests to the file system, until nobody uses the folder any more after it was unmounted, or Leave.
+  /// Hands requests to the file system, until nobody uses the folder any more after it was unmounted, or Leave. A camera
+  /// that hangs after it was unmounted lazily is not waited for: who still uses the folder then gets ENODEV.
   void Serve();
   /// Makes Serve return within `patience`, and at once when nobody uses the folder any more. Any thread.
   void Leave(std::chrono::milliseconds patience);
@@ -35,13 +36,17 @@ class Kernel {
   void WasUnmounted() { wasUnmounted_ = true; }
 
  private:
+  bool IsShown() const;
+  std::int64_t TimeLeft(bool isShown);
   struct Freed {
     void operator()(fuse_session* session) const;
   };
 
+  FileSystem& files_;
   std::unique_ptr<fuse_session, Freed> session_;
   base::WakeUp wakeUp_;
   std::atomic<std::int64_t> until_ = 0;  // of the steady clock, in milliseconds; 0 without an end
+  std::string path_;
   bool mounted_ = false;
   bool wasUnmounted_ = false;
   bool isOver_ = false;  // set by Serve

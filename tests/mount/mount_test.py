@@ -303,6 +303,38 @@ class Ends(MountedBus):
                 os.pread(file.fileno(), 10, 4_000_000)
             self.assertEqual(raised.exception.errno, errno.ENODEV)
 
+    def test_a_lazy_unmount_ends_it_while_the_camera_hangs(self):
+        self.put("A.TXT", b"one")
+        for kills in (True, False):
+            run = self.mount()
+            time.sleep(0.1)
+            self.fault("hang", 1)
+            reader = subprocess.Popen(["cat", self.point + "/A.TXT"], stderr=subprocess.PIPE, text=True,
+                                      env=dict(os.environ, LC_ALL="C"))
+            self.wait_until_held("K1")
+            subprocess.run(["fusermount3", "-uz", self.point], check=True)
+            began = time.monotonic()
+            if kills:
+                reader.kill()
+            run.communicate(timeout=60)
+            self.assertLess(time.monotonic() - began, 1.2)
+            said = reader.communicate(timeout=60)[1]
+            if not kills:
+                self.assertIn("No such device", said)
+            self.fault("none")
+            self.assertFalse(os.path.exists(self.point))
+            self.replug()
+
+    def test_a_lazy_unmount_lets_a_copy_end(self):
+        self.put("A.BIN", random.randbytes(3_000_000))
+        run = self.mount()
+        with open(self.point + "/A.BIN", "rb", buffering=0) as file:
+            subprocess.run(["fusermount3", "-uz", self.point], check=True)
+            time.sleep(0.7)
+            self.assertEqual(file.read(), self.read("A.BIN"))
+        run.communicate(timeout=60)
+        self.assertEqual(run.returncode, 0)
+
     def test_a_killed_reader_ends_while_the_camera_hangs(self):
         self.put("A.TXT", b"one")
         self.mount()
