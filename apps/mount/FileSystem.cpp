@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "apps/camera/FolderListing.h"
+#include "apps/import/TakenTime.h"
 #include "apps/mount/Errors.h"
 
 namespace apps {
@@ -33,9 +34,25 @@ OpenFolder* FolderOf(const fuse_file_info& info) {
   return reinterpret_cast<OpenFolder*>(info.fh);  // NOLINT: the kernel hands the number back
 }
 
+// What a folder tells of an entry without its attributes.
+struct stat TypeOf(const ShownEntry& entry) {
+  struct stat status {};
+  constexpr std::uint64_t kUnknown = 0xFFFFFFFF;
+  status.st_ino = kUnknown;
+  status.st_mode = entry.isFolder ? S_IFDIR : S_IFREG;
+  return status;
+}
+
+// Of files without a date: the same in each mount, so that nobody takes them for changed. The first day that archives and
+// memory cards can write down.
+std::time_t Undated() {
+  return MomentHere(std::chrono::local_days(std::chrono::year(1980) / 1 / 1));
+}
+
 }  // namespace
 
-FileSystem::FileSystem(bool writable, Events events) : writable_(writable), events_(std::move(events)) {}
+FileSystem::FileSystem(bool writable, Events events)
+    : writable_(writable), events_(std::move(events)), undated_(Undated()) {}
 
 struct stat FileSystem::AttributesOf(std::uint64_t number, const Node& node) const {
   struct stat status {};
@@ -49,7 +66,7 @@ struct stat FileSystem::AttributesOf(std::uint64_t number, const Node& node) con
   constexpr std::uint64_t kBlock = 512;
   status.st_blocks = static_cast<blkcnt_t>((node.size + kBlock - 1) / kBlock);
   status.st_blksize = static_cast<blksize_t>(Pieces::kSize);
-  status.st_mtim.tv_sec = node.changed != 0 ? node.changed : began_;
+  status.st_mtim.tv_sec = node.changed != 0 ? node.changed : undated_;
   status.st_ctim = status.st_atim = status.st_mtim;
   return status;
 }
@@ -106,17 +123,24 @@ void FileSystem::WithFolder(fuse_req_t request, std::uint64_t number,
   Put(ticket, 0, 0, [this, ticket, number, then = std::move(then)] { then(ticket, Current(number)); });
 }
 
-void FileSystem::Told(Pending::Ticket ticket, std::uint64_t parent, const ShownEntry& entry) {
+// Under the lock. A file that is being written has the size that it has here.
+std::uint64_t FileSystem::Tell(std::uint64_t parent, const ShownEntry& entry, std::time_t changed) {
+  const std::uint64_t number = nodes_.Tell(parent, entry);
+  Node& node = *nodes_.Find(number);
+  node.changed = changed;
+  if (const auto upload = uploads_.find(number); upload != uploads_.end()) node.size = upload->second->spool.Size();
+  return number;
+}
+
+void FileSystem::Told(Pending::Ticket ticket, std::uint64_t parent, const ShownEntry& entry, std::time_t changed) {
   const auto request = pending_.Take(ticket);
   if (!request) return;
   std::uint64_t number = 0;
   fuse_entry_param answer{};
   {
     const std::scoped_lock lock(mutex_);
-    number = nodes_.Tell(parent, entry);
-    Node& node = *nodes_.Find(number);
-    if (const auto upload = uploads_.find(number); upload != uploads_.end()) node.size = upload->second->spool.Size();
-    answer = EntryOf(number, node);
+    number = Tell(parent, entry, changed);
+    answer = EntryOf(number, *nodes_.Find(number));
   }
   // The kernel does not count what it did not get.
   if (fuse_reply_entry(*request, &answer) != 0) Forget(number, 1);
@@ -124,9 +148,9 @@ void FileSystem::Told(Pending::Ticket ticket, std::uint64_t parent, const ShownE
 
 void FileSystem::Lookup(fuse_req_t request, std::uint64_t parent, const std::string& name) {
   WithFolder(request, parent, [this, parent, name](Pending::Ticket ticket, const Folder& folder) {
-    if (const ShownEntry* entry = folder->Find(name)) return Told(ticket, parent, *entry);
+    if (const ShownEntry* entry = folder->Find(name)) return Found(ticket, parent, folder, *entry);
     // A new file is listed when it is sent.
-    if (UploadAt(parent, name)) return Told(ticket, parent, {name, "", 0, 0, false});
+    if (UploadAt(parent, name)) return Told(ticket, parent, {name, "", 0, 0, false}, 0);
     pending_.Fail(ticket, ENOENT);
   });
 }
@@ -169,32 +193,37 @@ void FileSystem::OpenFolder(fuse_req_t request, std::uint64_t number, const fuse
 
 void FileSystem::ReadFolder(fuse_req_t request, std::uint64_t number, std::uint64_t offset, std::size_t size,
                             const fuse_file_info& info, bool withAttributes) {
-  const std::vector<ShownEntry>& entries = FolderOf(info)->folder->Entries();
+  const Folder folder = FolderOf(info)->folder;
+  const std::vector<ShownEntry>& entries = folder->Entries();
   std::vector<char> answer(size);
   std::vector<std::uint64_t> told;
   std::size_t used = 0;
   const std::scoped_lock lock(mutex_);
+  const std::string path = nodes_.PathOf(number);
   for (std::uint64_t at = offset; at < entries.size(); ++at) {
     const ShownEntry& entry = entries[at];
     const auto room = size - used;
+    const auto next = static_cast<off_t>(at + 1);
+    const char* name = entry.Shown().c_str();
     std::size_t needed = 0;
+    std::uint64_t child = 0;
     if (withAttributes) {
-      const std::uint64_t child = nodes_.Tell(number, entry);
-      told.push_back(child);
-      const fuse_entry_param attributes = EntryOf(child, *nodes_.Find(child));
-      needed = fuse_add_direntry_plus(request, answer.data() + used, room, entry.Shown().c_str(), &attributes,
-                                      static_cast<off_t>(at + 1));
+      fuse_entry_param attributes{};
+      attributes.attr = TypeOf(entry);
+      // The kernel asks for the attributes of a picture whose date is not known when somebody wants them.
+      if (const auto changed = TimeOf(path, *folder, entry)) {
+        child = Tell(number, entry, *changed);
+        attributes = EntryOf(child, *nodes_.Find(child));
+      }
+      needed = fuse_add_direntry_plus(request, answer.data() + used, room, name, &attributes, next);
     } else {
-      struct stat status {};
-      constexpr std::uint64_t kUnknown = 0xFFFFFFFF;
-      status.st_ino = kUnknown;
-      status.st_mode = entry.isFolder ? S_IFDIR : S_IFREG;
-      needed = fuse_add_direntry(request, answer.data() + used, room, entry.Shown().c_str(), &status,
-                                 static_cast<off_t>(at + 1));
+      const struct stat status = TypeOf(entry);
+      needed = fuse_add_direntry(request, answer.data() + used, room, name, &status, next);
     }
+    if (child != 0) told.push_back(child);
     if (needed > room) {
-      if (withAttributes) {
-        nodes_.Forget(told.back(), 1);
+      if (child != 0) {
+        nodes_.Forget(child, 1);
         told.pop_back();
       }
       break;

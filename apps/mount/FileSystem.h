@@ -19,6 +19,7 @@
 #include "apps/camera/Attached.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
+#include "apps/mount/ExifTimes.h"
 #include "apps/mount/Nodes.h"
 #include "apps/mount/Pending.h"
 #include "apps/mount/Pieces.h"
@@ -27,6 +28,7 @@
 #include "apps/mount/Spool.h"
 #include "apps/mount/Times.h"
 #include "apps/mount/Work.h"
+#include "apps/thumbnails/Thumbnailer.h"
 
 namespace apps {
 
@@ -39,6 +41,8 @@ class FileSystem {
     std::function<void()> gone;
     /// The camera sends files forward only. The camera's thread.
     std::function<void()> forwardOnly;
+    /// No picture can be looked into, and why: a sentence. The camera's thread, once.
+    std::function<void(const std::string& reason)> noDates;
   };
 
   FileSystem(bool writable, Events events);
@@ -105,7 +109,12 @@ class FileSystem {
                   std::function<void(Pending::Ticket, const Folder& folder)> then);
   void Put(Pending::Ticket ticket, std::uint64_t file, std::uint64_t offset, std::function<void()> run);
   std::string PathOf(std::uint64_t number);
-  void Told(Pending::Ticket ticket, std::uint64_t parent, const ShownEntry& entry);
+  std::uint64_t Tell(std::uint64_t parent, const ShownEntry& entry, std::time_t changed);
+  void Told(Pending::Ticket ticket, std::uint64_t parent, const ShownEntry& entry, std::time_t changed);
+  void Found(Pending::Ticket ticket, std::uint64_t parent, const Folder& folder, const ShownEntry& entry);
+  std::optional<std::time_t> TimeOf(const std::string& path, const ShownFolder& folder, const ShownEntry& entry) const;
+  std::uint64_t LookInto(std::uint64_t parent, const ShownEntry& jpeg);
+  std::time_t ExifTimeIn(const FileBytes& start);
   void Changed(std::uint64_t folder);
 
   Pieces::Piece Known(std::uint64_t number, std::uint64_t index);
@@ -130,7 +139,7 @@ class FileSystem {
 
   const bool writable_;
   const Events events_;
-  const std::time_t began_ = std::time(nullptr);
+  const std::time_t undated_;
   std::atomic<int> ended_ = 0;
   std::atomic<Clock::rep> heard_ = 0;  // when the camera answered last; 0 while nothing is asked of it
   Pending pending_;
@@ -143,12 +152,15 @@ class FileSystem {
   std::map<std::uint64_t, Stream> streams_;
   std::map<std::uint64_t, std::shared_ptr<Upload>> uploads_;
   std::uint64_t uses_ = 0;
+  ExifTimes exifTimes_;
+  bool looksIntoPictures_ = true;
 
   // The camera's thread.
   Context* context_ = nullptr;
   Session* session_ = nullptr;
   std::unique_ptr<Reading> reading_;
   Times times_;
+  std::optional<Thumbnailer> thumbnailer_;  // while there is work
   bool isOpen_ = false;
   unsigned inARow_ = 0;          // requests of the selected file that were answered before those of others
   std::uint64_t readAhead_ = 0;  // pieces of it, likewise

@@ -96,6 +96,7 @@ void FileSystem::Idle() {
     WithoutCamera(
         *context_,
         [this] {
+          thumbnailer_.reset();
           work_.Wait();
           if (work_.HasEnded()) throw Stopped();
         },

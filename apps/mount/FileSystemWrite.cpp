@@ -184,6 +184,7 @@ void FileSystem::Send(std::uint64_t number, Upload& upload) {
     const std::scoped_lock lock(mutex_);
     size = upload.spool.Size();
     upload.isSent = true;
+    exifTimes_.Forget(path, size);
   }
   std::uint64_t sent = 0;
   const auto source = [&](std::span<char> chunk) {

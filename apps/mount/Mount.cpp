@@ -54,8 +54,10 @@ class Mount {
     const auto& words = context.call.words;
     place_ = std::make_unique<Place>(words.empty() ? std::nullopt : std::optional(words.front()), serial_);
     keeper_ = std::make_unique<Keeper>(place_->Path(), place_->IsMade());
-    files_ = std::make_unique<FileSystem>(context.call.Has("writable"),
-                                          FileSystem::Events{[this] { Lose(); }, [this] { TellForwardOnly(); }});
+    files_ = std::make_unique<FileSystem>(
+        context.call.Has("writable"),
+        FileSystem::Events{[this] { Lose(); }, [this] { TellForwardOnly(); },
+                           [this](const std::string& why) { TellNoDates(why); }});
     kernel_ = std::make_unique<Kernel>(*files_, SourceOf(serial_, context.call.Value("virtual")));
   }
   ~Mount() { End(); }
@@ -167,10 +169,17 @@ class Mount {
     if (!context_.call.Has("virtual")) static_cast<void>(::chdir("/") == 0);
   }
 
-  void TellForwardOnly() {
-    const std::string sentence = Name() +
-                                 " sends files from start to end only: a program that reads elsewhere waits until the "
-                                 "file was read up to there, into a temporary file.";
+  void TellForwardOnly() const {
+    Note(Name() +
+         " sends files from start to end only: a program that reads elsewhere waits until the file was read up to "
+         "there, into a temporary file.");
+  }
+
+  void TellNoDates(const std::string& why) const {
+    Note(why + " Dates are those of the catalogue, where it has them.");
+  }
+
+  void Note(const std::string& sentence) const {
     if (daemon_) {
       ::syslog(LOG_USER | LOG_NOTICE, "kelva-mount: %s", sentence.c_str());
     } else {

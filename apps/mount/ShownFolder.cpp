@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/Picture.h"
 #include "apps/files/SafeName.h"
 #include "base/Ascii.h"
 
@@ -26,6 +27,10 @@ bool Before(const ShownEntry& a, const ShownEntry& b) {
   return order != 0 ? order < 0 : a.Shown() < b.Shown();
 }
 
+std::string JpegNameFor(const std::string& shown) {
+  return shown.substr(0, shown.rfind('.')) + "." + std::string(FileTypeName(kFirstFileType));
+}
+
 }  // namespace
 
 ShownFolder::ShownFolder(const std::vector<CameraDirent>& listed) {
@@ -40,6 +45,8 @@ ShownFolder::ShownFolder(const std::vector<CameraDirent>& listed) {
   std::stable_sort(entries_.begin(), entries_.end(), Before);
   const auto same = [](const ShownEntry& a, const ShownEntry& b) { return a.Shown() == b.Shown(); };
   entries_.erase(std::unique(entries_.begin(), entries_.end(), same), entries_.end());
+  const auto isJpeg = [this](const ShownEntry& entry) { return JpegOf(entry) == &entry; };
+  jpegs_ = static_cast<std::size_t>(std::count_if(entries_.begin(), entries_.end(), isJpeg));
 }
 
 const ShownEntry* ShownFolder::Find(std::string_view shown) const {
@@ -49,6 +56,12 @@ const ShownEntry* ShownFolder::Find(std::string_view shown) const {
     if (at->Shown() == shown) return &*at;
   }
   return first != entries_.end() && Compare(first->Shown(), shown) == 0 ? &*first : nullptr;
+}
+
+const ShownEntry* ShownFolder::JpegOf(const ShownEntry& entry) const {
+  if (entry.isFolder) return nullptr;
+  const ShownEntry* jpeg = Find(JpegNameFor(entry.Shown()));
+  return jpeg == nullptr || jpeg->isFolder ? nullptr : jpeg;
 }
 
 }  // namespace apps

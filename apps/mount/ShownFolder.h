@@ -35,9 +35,15 @@ class ShownFolder {
   /// The entry of this name, exactly as it is written or else in another case of letters, as on a camera. Null when there
   /// is none.
   const ShownEntry* Find(std::string_view shown) const;
+  /// The JPEG file of the picture that a file belongs to, which may be the file itself: the name is the same up to the
+  /// extension. Null when there is none.
+  const ShownEntry* JpegOf(const ShownEntry& entry) const;
+  /// How many JPEG files there are.
+  std::size_t Jpegs() const { return jpegs_; }
 
  private:
   std::vector<ShownEntry> entries_;
+  std::size_t jpegs_ = 0;
 };
 
 }  // namespace apps

@@ -38,5 +38,23 @@ TEST(ShownFolderTest, SizesOfMoreThanTwoGibibytesArePositive) {
   EXPECT_EQ(folder.Find("long.mp4")->size, 0xFFFFFFFFU);
 }
 
+TEST(ShownFolderTest, FilesOfOneNameBelongToItsJpegFile) {
+  const ShownFolder folder({{"A.128", 1, 0},
+                            {"A.JPG", 2, 0},
+                            {"a.raw", 3, 0},
+                            {"B.RAW", 4, 0},
+                            {"C", 5, 0},
+                            {"c.jpg", 6, 0},
+                            {"D.JPG", 0, kFolder},
+                            {"D.TXT", 7, 0},
+                            {"A.B.JPG", 8, 0}});
+  const auto jpegOf = [&](const char* name) { return folder.JpegOf(*folder.Find(name)); };
+  for (const char* name : {"A.128", "A.JPG", "a.raw"}) EXPECT_EQ(jpegOf(name), folder.Find("A.JPG")) << name;
+  EXPECT_EQ(jpegOf("C"), folder.Find("c.jpg"));
+  EXPECT_EQ(jpegOf("A.B.JPG"), folder.Find("A.B.JPG"));
+  for (const char* name : {"B.RAW", "D.JPG", "D.TXT"}) EXPECT_EQ(jpegOf(name), nullptr) << name;
+  EXPECT_EQ(folder.Jpegs(), 3U);
+}
+
 }  // namespace
 }  // namespace apps

@@ -1,17 +1,21 @@
 """The camera as a folder: what programs see, and how a mount begins and ends."""
 
 import concurrent.futures
+import datetime
 import errno
 import filecmp
 import json
 import os
+import pathlib
 import random
+import shutil
 import signal
 import subprocess
 import time
 
 import mounted
 import bench_of_cameras
+import tiny_jpeg
 from mounted import MountedBus
 
 PIECE = 65_536
@@ -184,6 +188,88 @@ class Reads(MountedBus):
         holder.communicate(timeout=60)
         with open(self.point + "/A.TXT", "rb") as file:
             self.assertEqual(file.read(), b"one")
+
+
+class Dates(MountedBus):
+    """A picture with a date in its JPG, one without, which the catalogue dates, and a file that nothing dates."""
+
+    FOUR = tuple("IMG_0001." + extension for extension in ("JPG", "RAW", "TXT", "128"))
+
+    def setUp(self):
+        super().setUp()
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", tiny_jpeg.jpeg([[(200, 10, 10)]], tiny_jpeg.exif(1, "2024:02:29 23:59:58")))
+        for name in (*self.FOUR[1:], "IMG_0002.JPG", "IMG_0002.RAW"):
+            self.put("DCIM/100ABCDE/" + name, name.encode())
+        seconds = datetime.datetime(2020, 1, 2, 3, 4, 5).timestamp()
+        for name in os.listdir(self.card):
+            os.utime(f"{self.card}/{name}", (seconds, seconds))
+        self.put("NOTE.TXT", b"note")
+
+    def times(self, folder):
+        return {name: datetime.datetime.fromtimestamp(os.stat(f"{folder}/{name}").st_mtime)
+                for name in sorted(os.listdir(folder)) if not name.startswith(".")}
+
+    def sync(self):
+        run = self.kelva("sync", self.folder + "/out")
+        self.assertEqual(run.returncode, 0, run.stderr)
+        return self.times(self.folder + "/out/100ABCDE")
+
+    def test_files_have_the_times_that_sync_gives_them(self):
+        self.mount()
+        times = self.times(self.files)
+        self.assertEqual(times, self.sync())
+        self.assertEqual({times[name] for name in self.FOUR}, {datetime.datetime(2024, 2, 29, 23, 59, 58)})
+        self.assertEqual(self.times(self.point)["NOTE.TXT"], datetime.datetime(1980, 1, 1))
+
+    def test_files_have_them_when_the_catalogue_has_no_dates(self):
+        self.replug("--opaque", "1")
+        self.mount()
+        times, synced = self.times(self.files), self.sync()
+        for name in self.FOUR:
+            self.assertEqual(times[name], datetime.datetime(2024, 2, 29, 23, 59, 58))
+            self.assertEqual(times[name], synced[name])
+        self.assertEqual(times["IMG_0002.JPG"], datetime.datetime(1980, 1, 1))
+
+    def test_rsync_copies_nothing_from_another_mount(self):
+        self.replug("--opaque", "1")
+        for count in (7, 0):
+            run = self.mount()
+            said = subprocess.check_output(["rsync", "-a", "--stats", self.point + "/", self.folder + "/copy"], text=True)
+            self.assertIn(f"Number of regular files transferred: {count}", said)
+            self.unmount(run)
+
+    def costs_of_a_date(self, name):
+        """Commands for the names of a folder, for the date of a picture, and for reading its start and its other dates."""
+        path, counts = f"{self.files}/{name}", []
+        time.sleep(1.1)
+        os.listdir(self.files)
+        for use in (lambda: os.listdir(self.files), lambda: os.stat(path), lambda: pathlib.Path(path).read_bytes(),
+                    lambda: [os.stat(path[:-3] + extension) for extension in ("RAW", "TXT", "128")]):
+            before = self.commands()
+            use()
+            counts.append(self.commands() - before)
+        return counts
+
+    def test_a_date_costs_one_read_that_serves_the_next_reader_too(self):
+        self.pictures(8, 60_000)
+        names = sorted(name for name in os.listdir(self.card) if name > "IMG_0003")
+        for name in names:
+            for extension in ("RAW", "TXT", "128"):
+                self.put("DCIM/100ABCDE/" + name[:-3] + extension, b"of a picture")
+        self.mount()
+        # Again on a machine so slow that the folder is listed once more meanwhile.
+        self.assertTrue(any(self.costs_of_a_date(name) == [0, 3, 0, 0] for name in names))
+
+    def test_without_the_decoder_the_catalogue_dates_and_it_is_said(self):
+        alone = self.folder + "/alone"
+        os.mkdir(alone)
+        program = shutil.copy(bench_of_cameras.BIN + "/kelva-mount", alone)
+        run = subprocess.Popen([program, "--virtual", self.socket, "--foreground", "--json", self.point],
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.addCleanup(self.end, run)
+        run.stdout.readline()
+        self.assertEqual(set(self.times(self.files).values()), {datetime.datetime(2020, 1, 2, 3, 4, 5)})
+        self.assertEqual(self.end(run)[1].count("Dates are those of the catalogue"), 1)
 
 
 class Ends(MountedBus):
