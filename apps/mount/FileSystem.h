@@ -43,6 +43,8 @@ class FileSystem {
     std::function<void()> forwardOnly;
     /// No picture can be looked into, and why: a sentence. The camera's thread, once.
     std::function<void(const std::string& reason)> noDates;
+    /// Answer has something to do. The camera's thread.
+    std::function<void()> toAnswer;
   };
 
   FileSystem(bool writable, Events events);
@@ -57,6 +59,8 @@ class FileSystem {
   void ReadFolder(fuse_req_t request, std::uint64_t number, std::uint64_t offset, std::size_t size,
                   const fuse_file_info& info, bool withAttributes);
   static void CloseFolder(fuse_req_t request, const fuse_file_info& info);
+  /// Answers the reads whose bytes have come. Copying them to the kernel here leaves the camera's thread to the camera.
+  void Answer();
   // The same of a mount that may be written to.
   void SetAttributes(fuse_req_t request, std::uint64_t number, const struct stat& wanted, int which);
   void Create(fuse_req_t request, std::uint64_t parent, const std::string& name, const fuse_file_info& info);
@@ -90,6 +94,13 @@ class FileSystem {
     std::uint64_t next = 0;   ///< behind what was asked for last
     std::uint64_t ahead = 0;  ///< the first piece that is not read ahead any more
     std::uint64_t used = 0;
+  };
+  /// A read whose bytes are here.
+  struct Answered {
+    Pending::Ticket ticket;
+    std::vector<Pieces::Piece> pieces;
+    std::uint64_t offset;
+    std::size_t size;
   };
   /// A file that is being written, until its last close.
   struct Upload {
@@ -150,6 +161,7 @@ class FileSystem {
   Pieces pieces_;
   std::map<std::uint64_t, Listing> listings_;
   std::map<std::uint64_t, Stream> streams_;
+  std::vector<Answered> answered_;
   std::map<std::uint64_t, std::shared_ptr<Upload>> uploads_;
   std::uint64_t uses_ = 0;
   ExifTimes exifTimes_;

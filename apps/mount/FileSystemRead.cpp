@@ -89,7 +89,27 @@ void FileSystem::ReadNow(Pending::Ticket ticket, std::uint64_t number, std::uint
   std::vector<Pieces::Piece> pieces;
   const std::uint64_t last = (offset + size - 1) / Pieces::kSize;
   for (std::uint64_t index = offset / Pieces::kSize; index <= last; ++index) pieces.push_back(PieceNow(number, index));
-  if (const auto request = pending_.Take(ticket)) Reply(*request, pieces, offset, size);
+  if (size <= Pieces::kSize) {
+    // Waking the other thread would take as long as the copy.
+    if (const auto request = pending_.Take(ticket)) Reply(*request, pieces, offset, size);
+    return;
+  }
+  {
+    const std::scoped_lock lock(mutex_);
+    answered_.push_back({ticket, std::move(pieces), offset, size});
+  }
+  events_.toAnswer();
+}
+
+void FileSystem::Answer() {
+  std::vector<Answered> all;
+  {
+    const std::scoped_lock lock(mutex_);
+    all.swap(answered_);
+  }
+  for (const Answered& one : all) {
+    if (const auto request = pending_.Take(one.ticket)) Reply(*request, one.pieces, one.offset, one.size);
+  }
 }
 
 Pieces::Piece FileSystem::PieceNow(std::uint64_t number, std::uint64_t index) {

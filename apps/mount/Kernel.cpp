@@ -35,6 +35,8 @@ void Init(void* files, fuse_conn_info* connection) {
   connection->max_write = kLargestWrite;
   connection->max_readahead = kReadAhead;
   connection->want |= connection->capable & (FUSE_CAP_ASYNC_READ | FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_ATOMIC_O_TRUNC);
+  // A request to read is shorter than the way through a pipe.
+  connection->want &= ~static_cast<unsigned>(FUSE_CAP_SPLICE_READ);
   // A read would list the folder again to see whether the file has changed; the next open does.
   connection->want &= ~static_cast<unsigned>(FUSE_CAP_AUTO_INVAL_DATA);
   if (!static_cast<FileSystem*>(files)->IsWritable()) {
@@ -222,7 +224,10 @@ void Kernel::Serve() {
                                    {isShown ? mounts.Get() : -1, POLLPRI, 0}}};
     ::poll(watched.data(), watched.size(), static_cast<int>(left));
     if (watched[2].revents != 0) isShown = IsShown();
-    if (watched[1].revents != 0) wakeUp_.Clear();
+    if (watched[1].revents != 0) {
+      wakeUp_.Clear();
+      files_.Answer();
+    }
     if (watched[0].revents == 0) continue;
     const int count = fuse_session_receive_buf(session_.get(), &buffer);
     if (count == -EINTR || count == -EAGAIN) continue;

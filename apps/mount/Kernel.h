@@ -30,6 +30,8 @@ class Kernel {
   void Serve();
   /// Makes Serve return within `patience`, and at once when nobody uses the folder any more. Any thread.
   void Leave(std::chrono::milliseconds patience);
+  /// Makes Serve call FileSystem::Answer. Any thread.
+  void Answer() { wakeUp_.Signal(); }
   /// Unmounts what is still mounted. Whoever uses the folder gets errors from now on. After Serve.
   void Unmount();
   /// Somebody else has unmounted it.

@@ -57,7 +57,7 @@ class Mount {
     files_ = std::make_unique<FileSystem>(
         context.call.Has("writable"),
         FileSystem::Events{[this] { Lose(); }, [this] { TellForwardOnly(); },
-                           [this](const std::string& why) { TellNoDates(why); }});
+                           [this](const std::string& why) { TellNoDates(why); }, [this] { kernel_->Answer(); }});
     kernel_ = std::make_unique<Kernel>(*files_, SourceOf(serial_, context.call.Value("virtual")));
   }
   ~Mount() { End(); }
