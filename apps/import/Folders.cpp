@@ -2,6 +2,7 @@
 #include "apps/import/Folders.h"
 
 #include <cerrno>
+#include <utility>
 
 #include "apps/commandline/Failure.h"
 #include "apps/files/NewFile.h"
@@ -37,18 +38,28 @@ std::shared_ptr<const TargetFolder> Folders::For(const LocalPath& path) {
   return folder;
 }
 
-void Folders::Try(const LocalPath& path) {
+std::string Folders::Try(const LocalPath& path) {
+  const std::string name = NameOf(path.folders);
   {
     const std::scoped_lock lock(mutex_);
-    if (!tried_.insert(NameOf(path.folders)).second) return;
+    const auto tried = tried_.find(name);
+    if (tried != tried_.end()) return tried->second;
   }
+  std::string why = WhyNot(path);
+  const std::scoped_lock lock(mutex_);
+  return tried_.emplace(name, std::move(why)).first->second;
+}
+
+std::string Folders::WhyNot(const LocalPath& path) {
   try {
     const auto folder = For(path);
     const NewFile trial(*folder);
+    return "";
   } catch (const Failure& failure) {
     // A name that is too long, a file or a link in its place: that is for this folder alone.
     const int error = failure.SystemError();
     if (error != 0 && error != ENOTDIR && error != ELOOP && error != ENAMETOOLONG) throw;
+    return failure.what();
   }
 }
 

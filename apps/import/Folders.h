@@ -26,8 +26,9 @@ class Folders {
   /// only then. Throws Failure.
   std::shared_ptr<const TargetFolder> For(const LocalPath& path);
   /// Tries once whether the folder of a file takes one. Throws Failure when permissions or the disk are in the way, as they
-  /// would be for other files. What else is in the way shows when the file is stored.
-  void Try(const LocalPath& path);
+  /// would be in other folders. Otherwise returns what is in the way of all files of this folder, such as a symbolic link in
+  /// its place; the same sentence each time, empty for nothing.
+  std::string Try(const LocalPath& path);
   /// The names of the folders that lead to a file, from the target on.
   using Way = std::vector<std::string>;
   /// Puts the names in some folders on disk, and the names of the folders that lead there. One call at a time; throws
@@ -35,6 +36,7 @@ class Folders {
   void Flush(const std::set<Way>& ways);
 
  private:
+  std::string WhyNot(const LocalPath& path);
   void FlushNewNamesIn(const Way& way);
 
   const TargetFolder& target_;
@@ -42,9 +44,9 @@ class Folders {
   std::mutex mutex_;
   // Keyed by the path below the target, with a slash at the end; the target itself is "".
   std::map<std::string, std::shared_ptr<const TargetFolder>> open_;
-  std::set<std::string> seen_;  // also those that were closed since
-  std::set<std::string> tried_;
-  std::set<std::string> unflushed_;  // with a folder in them whose name may not be on disk
+  std::set<std::string> seen_;                // also those that were closed since
+  std::map<std::string, std::string> tried_;  // with what is in the way
+  std::set<std::string> unflushed_;           // with a folder in them whose name may not be on disk
 };
 
 }  // namespace apps

@@ -59,11 +59,14 @@ TEST_F(FoldersTest, AFolderIsTriedOnceAndNothingIsLeft) {
   EXPECT_TRUE(fs::is_empty(path_ / "100ABCDE"));
 }
 
-TEST_F(FoldersTest, WhatIsWrongWithOneFolderAloneIsLeftToTheWriter) {
+TEST_F(FoldersTest, WhatIsInTheWayOfOneFolderAloneIsTheSameSentenceForAllItsFiles) {
   std::ofstream(path_ / "100ABCDE") << "a file";
-  EXPECT_NO_THROW(folders_.Try({{"100ABCDE"}, "A.JPG"}));
   fs::create_directory_symlink(path_, path_ / "101ABCDE");
-  EXPECT_NO_THROW(folders_.Try({{"101ABCDE"}, "A.JPG"}));
+  for (const char* name : {"A.JPG", "B.JPG"}) {
+    EXPECT_THAT(folders_.Try({{"100ABCDE"}, name}), testing::HasSubstr("Not a directory"));
+    EXPECT_THAT(folders_.Try({{"101ABCDE"}, name}), testing::HasSubstr("is a symbolic link and is not followed"));
+    EXPECT_EQ(folders_.Try({{"102ABCDE"}, name}), "");
+  }
 }
 
 TEST_F(FoldersTest, LeftoversOfKilledRunsGoAtTheFirstLookAndNoLater) {

@@ -53,6 +53,11 @@ int SystemErrorOf(int code, sqlite3* database, const std::string& path) {
   return 0;
 }
 
+Failure Damaged(const std::string& path, const std::string& what) {
+  return Failure(ExitCode::kFailed, "The list of fetched files " + Printable(path) + " is damaged (" + Printable(what) +
+                                        "); move it away, and files that are here are recognised by their content.");
+}
+
 }  // namespace
 
 class Manifest::Statement {
@@ -132,6 +137,7 @@ Manifest::Manifest(const TargetFolder& folder, bool make, std::chrono::milliseco
     // A look may write where it can, to take back what a killed run half wrote: without that nothing can be read.
     if (!make) Execute("PRAGMA query_only=ON", "open");
     CheckVersion(make);
+    RequireSound(folder);
     hasCuts_ = database_ != nullptr && HasCutTable();
   } catch (...) {
     sqlite3_close(database_);
@@ -168,6 +174,7 @@ void Manifest::RequireListOf(const TargetFolder& folder) const {
 
 Manifest::~Manifest() {
   find_.reset();
+  ofPicture_.reset();
   insert_.reset();
   forget_.reset();
   sqlite3_close(database_);
@@ -209,6 +216,28 @@ void Manifest::CheckVersion(bool make) {
   }
 }
 
+// A damaged page can read as an empty one, and then all that it listed would be fetched once more.
+void Manifest::RequireSound(const TargetFolder& folder) {
+  if (database_ == nullptr) return;
+  const Reading reading(*this);  // nobody writes meanwhile
+  const std::string what = WhatIsDamaged(folder);
+  if (what.empty()) return;
+  throw Damaged(path_, what);
+}
+
+// Empty for a sound list. SQLite takes a page that ends early for one that ends in zeros.
+std::string Manifest::WhatIsDamaged(const TargetFolder& folder) {
+  Statement check(*this, "PRAGMA integrity_check(1)");
+  const std::string found = check.Step("read") ? check.Text(0) : "";
+  Statement pages(*this, "SELECT page_count * page_size FROM pragma_page_count, pragma_page_size");
+  pages.Step("read");
+  struct stat file {};
+  const bool isCut = ::fstatat(folder.Fd(), kName.data(), &file, AT_SYMLINK_NOFOLLOW) != 0 ||
+                     file.st_size < static_cast<off_t>(pages.Number(0));
+  if (isCut) return "its end is missing";
+  return found == "ok" ? "" : found;
+}
+
 void Manifest::Execute(const char* sql, const std::string& doing) {
   if (sqlite3_exec(database_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) Fail(doing);
 }
@@ -242,6 +271,7 @@ void Manifest::Fail(const std::string& doing) const {
   const int error = SystemErrorOf(code, database_, path_);
   if (error != 0) throw SystemFailure(doing + " " + list, error);
   const std::string why = database_ == nullptr ? "no memory" : sqlite3_errmsg(database_);
+  if (code == SQLITE_CORRUPT || code == SQLITE_NOTADB) throw Damaged(path_, why);
   throw Failure(ExitCode::kFailed, "Cannot " + doing + " " + list + ": " + why +
                                        "; if it is damaged, move it away, and files that are here are recognised by "
                                        "their content.");
@@ -260,6 +290,25 @@ std::optional<ManifestRow> Manifest::Find(const ManifestKey& key) {
                      static_cast<unsigned long long>(query->Number(2)),
                      query->Number(3) != 0,
                      query->Number(4) != 0};
+}
+
+std::vector<ManifestRow> Manifest::RowsOf(const std::string& serial, const std::string& picture) {
+  std::vector<ManifestRow> rows;
+  if (database_ == nullptr) return rows;
+  const std::scoped_lock lock(mutex_);
+  const Use query(Prepared(ofPicture_,
+                           "SELECT type, fingerprint, path, sha1, size, verified, deleted FROM files "
+                           "WHERE serial=?1 AND picture=?2"));
+  query->Bind(serial).Bind(picture);
+  while (query->Step("read")) {
+    rows.push_back({{serial, picture, static_cast<int>(query->Number(0)), query->Text(1)},
+                    query->Text(2),
+                    query->Text(3),
+                    static_cast<unsigned long long>(query->Number(4)),
+                    query->Number(5) != 0,
+                    query->Number(6) != 0});
+  }
+  return rows;
 }
 
 void Manifest::Insert(const ManifestRow& row) {

@@ -59,7 +59,7 @@ class Manifest {
   Manifest();
   /// Opens the folder's manifest. A missing one, or one that a killed run left without its table, is made if `make`
   /// is set and otherwise counts as empty. Waits up to `patience` while another program has locked it. Throws Failure
-  /// when it cannot be read, or was made by a newer version or another program. What another program left in it besides
+  /// when it cannot be read, is damaged in any of its pages, or was made by a newer version or another program. What another program left in it besides
   /// its tables (triggers, views) has no effect. Without `make` nothing is written, except that what a killed run wrote
   /// half is taken back.
   Manifest(const TargetFolder& folder, bool make, std::chrono::milliseconds patience = std::chrono::seconds(5));
@@ -68,6 +68,8 @@ class Manifest {
   Manifest& operator=(const Manifest&) = delete;
 
   std::optional<ManifestRow> Find(const ManifestKey& key);
+  /// All rows of pictures with this identity: of one picture, and of others that had its name before.
+  std::vector<ManifestRow> RowsOf(const std::string& serial, const std::string& picture);
   /// Adds rows, or replaces those of the same keys, all or none. They are on disk when this returns.
   void Record(const std::vector<ManifestRow>& rows);
   /// As Record; a file that is recorded is no longer cut.
@@ -79,7 +81,7 @@ class Manifest {
   /// As Record: forgets where files lie.
   void LetGo(const std::vector<ManifestKey>& keys);
 
-  /// While it lives, Find looks at one state of the list, which is faster for many. Nothing is recorded meanwhile.
+  /// While it lives, Find and RowsOf look at one state of the list, which is faster for many. Nothing is recorded meanwhile.
   class Reading {
    public:
     explicit Reading(Manifest& manifest);
@@ -98,6 +100,8 @@ class Manifest {
   void Execute(const char* sql, const std::string& doing = "write");
   void Transact(const std::function<void()>& change);
   void CheckVersion(bool make);
+  void RequireSound(const TargetFolder& folder);
+  std::string WhatIsDamaged(const TargetFolder& folder);
   bool HasCutTable();
   void Insert(const ManifestRow& row);
   void ForgetCut(const ManifestKey& key);
@@ -110,6 +114,7 @@ class Manifest {
   std::string path_;
   sqlite3* database_ = nullptr;
   std::unique_ptr<Statement> find_;
+  std::unique_ptr<Statement> ofPicture_;
   std::unique_ptr<Statement> insert_;
   std::unique_ptr<Statement> forget_;
   std::mutex mutex_;

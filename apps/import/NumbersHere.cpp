@@ -43,28 +43,30 @@ int NumbersHere::Find(const SyncItem& item, const Names::Numbers& numbers) {
   return numbers.free;
 }
 
-// Whether what is here under a number is the picture's, and nothing else.
+// Whether what is here under a number is the picture's, and nothing else. Files that went from the camera after they
+// were fetched together with one that is still there are the picture's too.
 bool NumbersHere::Fits(const SyncItem& item, int number) {
   const DcfObj& picture = item.Picture();
   const std::vector<int> types = FileTypes(picture);
-  bool isHere = false;
-  bool isMissing = false;
+  std::set<std::string> own;
+  std::set<std::string> gone;
   for (int type = kFirstFileType; type <= kLastFileType; ++type) {
     const bool has = std::find(types.begin(), types.end(), type) != types.end();
     const SyncItem file(*plan_.source, picture, type);
     const std::string path = PathOf(file, number);
     struct stat status {};
-    if (::fstatat(folder_.Fd(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-      isMissing = isMissing || has;
-      continue;
-    }
-    if (!has || !S_ISREG(status.st_mode)) return false;
-    if (!IsSame(file, path, static_cast<unsigned long long>(status.st_size))) return false;
-    isHere = true;
+    if (::fstatat(folder_.Fd(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) continue;
+    if (!S_ISREG(status.st_mode)) return false;
+    if (has && !IsSame(file, path, static_cast<unsigned long long>(status.st_size))) return false;
+    (has ? own : gone).insert(path);
   }
-  if (!isHere) return false;
+  if (own.empty()) return false;
+  if (!gone.empty()) {
+    const auto together = StoredTogether(manifest_, picture, plan_.source->serial, *own.begin());
+    if (!std::includes(together.begin(), together.end(), gone.begin(), gone.end())) return false;
+  }
   const std::string path = PathOf(SyncItem(*plan_.source, picture, kFirstFileType), number);
-  return !isMissing || taken_.insert(path).second;
+  return own.size() == types.size() || taken_.insert(path).second;
 }
 
 bool NumbersHere::IsSame(const SyncItem& file, const std::string& path, unsigned long long size) {

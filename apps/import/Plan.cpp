@@ -10,12 +10,9 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/files/StoreFile.h"
-#include "base/Hex.h"
 
 namespace apps {
 namespace {
-
-constexpr std::size_t kIdentityLength = 24;
 
 int TypeNamed(std::string_view name) {
   for (int type = kFirstFileType; type <= kLastFileType; ++type) {
@@ -25,31 +22,41 @@ int TypeNamed(std::string_view name) {
                 "\"" + Printable(name) + "\" is not a type of file; the types are jpg, raw, txt and 128.");
 }
 
-SyncItem::State StateOf(const std::optional<ManifestRow>& known) {
-  if (!known) return SyncItem::State::kNew;
-  return known->deleted ? SyncItem::State::kDeleted : SyncItem::State::kFetched;
+SyncItem::State StateOf(const KnownPicture& known, int type) {
+  const auto row = known.rows.find(type);
+  if (row == known.rows.end()) return SyncItem::State::kNew;
+  return row->second.deleted ? SyncItem::State::kDeleted : SyncItem::State::kFetched;
+}
+
+// Where the picture's files were stored, those included that the camera no longer has.
+Names::Stored StoredOf(KnownPicture known) {
+  Names::Stored stored;
+  for (auto& [type, row] : known.rows) {
+    if (!row.IsLetGo()) stored.emplace(type, std::move(row.path));
+  }
+  return stored;
 }
 
 /// Of pictures with new files, those that were fetched before.
 using StoredFiles = std::unordered_map<const DcfObj*, Names::Stored>;
 
 // Adds an item for each file of the types asked for.
-StoredFiles AddItems(SyncPlan& plan, const std::vector<int>& types, Manifest& manifest,
+StoredFiles AddItems(SyncPlan& plan, SyncSource& source, const std::vector<int>& types, Manifest& manifest,
                      const std::function<bool(const DcfObj&)>& isMeant) {
   StoredFiles files;
-  for (const DcfObj& picture : plan.source->catalogue) {
+  for (const DcfObj& picture : source.catalogue) {
     if (isMeant && !isMeant(picture)) continue;
-    Names::Stored stored;
+    KnownPicture known = FindPicture(manifest, picture, source.serial);
+    if (!known.IsPlain(picture)) source.listed.emplace(&picture, known);
     bool isNew = false;
     for (const int type : FileTypes(picture)) {
-      auto known = manifest.Find(KeyOf(picture, type, plan.source->serial));
-      if (std::find(types.begin(), types.end(), type) != types.end()) {
-        plan.items.emplace_back(*plan.source, picture, type).SetState(StateOf(known));
-        isNew = isNew || !known;
-      }
-      if (known && !known->IsLetGo()) stored.emplace(type, std::move(known->path));
+      if (std::find(types.begin(), types.end(), type) == types.end()) continue;
+      plan.items.emplace_back(source, picture, type).SetState(StateOf(known, type));
+      isNew = isNew || !known.Has(type);
     }
-    if (isNew && !stored.empty()) files.emplace(&picture, std::move(stored));
+    if (!isNew) continue;
+    Names::Stored stored = StoredOf(std::move(known));
+    if (!stored.empty()) files.emplace(&picture, std::move(stored));
   }
   return files;
 }
@@ -79,13 +86,17 @@ void NumberItems(SyncPlan& plan, Names names, const StoredFiles& stored) {
 
 }  // namespace
 
-ManifestKey KeyOf(const DcfObj& picture, int type, const std::string& serial) {
-  const std::string identity = base::Hex(std::string_view(reinterpret_cast<const char*>(&picture), kIdentityLength));
-  return {serial, identity, type, PictureFingerprint(picture)};
+ManifestKey SyncSource::Key(const DcfObj& picture, int type) const {
+  ManifestKey key = KeyOf(picture, type, serial);
+  const auto known = listed.find(&picture);
+  if (known == listed.end()) return key;
+  const auto row = known->second.rows.find(type);
+  key.fingerprint = row == known->second.rows.end() ? known->second.fingerprint : row->second.key.fingerprint;
+  return key;
 }
 
 ManifestKey SyncItem::Key() const {
-  return IsPicture() ? KeyOf(*picture_, type_, source_->serial) : other_->Key(source_->serial);
+  return IsPicture() ? source_->Key(*picture_, type_) : other_->Key(source_->serial);
 }
 
 std::string SyncItem::CameraPath() const {
@@ -124,8 +135,7 @@ bool SyncPlan::MayHave(const ManifestKey& key) const {
   }
   return std::any_of(source->catalogue.begin(), source->catalogue.end(), [&](const DcfObj& picture) {
     const std::vector<int> types = FileTypes(picture);
-    return std::find(types.begin(), types.end(), key.type) != types.end() &&
-           KeyOf(picture, key.type, source->serial) == key;
+    return std::find(types.begin(), types.end(), key.type) != types.end() && source->Key(picture, key.type) == key;
   });
 }
 
@@ -145,10 +155,11 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list) {
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
                   const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times,
                   const std::function<bool(const DcfObj&)>& isMeant) {
-  SyncPlan plan{
-      std::make_unique<const SyncSource>(SyncSource{std::move(catalogue), serial, pattern, std::move(times.of)}), {}};
+  auto source = std::make_unique<SyncSource>(SyncSource{std::move(catalogue), serial, pattern, std::move(times.of)});
+  SyncSource& filled = *source;
+  SyncPlan plan{std::move(source), {}};
   const Manifest::Reading reading(manifest);
-  const StoredFiles stored = AddItems(plan, types, manifest, isMeant);
+  const StoredFiles stored = AddItems(plan, filled, types, manifest, isMeant);
   if (pattern.HasTime() && times.ask) times.ask(NewPictures(plan));
   NumberItems(plan, Names(folder, plan.source->pattern, serial, plan.source->timeOf), stored);
   return plan;

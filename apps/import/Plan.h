@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "apps/import/KnownPicture.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Names.h"
 #include "apps/import/Others.h"
@@ -19,20 +20,21 @@
 
 namespace apps {
 
-/// Identifies a file of a picture in a manifest.
-ManifestKey KeyOf(const DcfObj& picture, int type, const std::string& serial);
-
 /// What all items of one plan share.
 struct SyncSource {
   std::vector<DcfObj> catalogue;
   std::string serial;
   Pattern pattern;
   TimeOf timeOf;  ///< called from several threads, and only when the pattern has a time
+  /// What the manifest has of pictures under something else than KeyOf.
+  std::unordered_map<const DcfObj*, KnownPicture> listed = {};
 
   /// Where a file goes below the target, without a number.
   LocalPath Local(const DcfObj& picture, int type) const {
     return pattern.Apply(picture, type, serial, pattern.HasTime() ? timeOf(picture) : std::nullopt);
   }
+  /// Identifies a file of a picture of the catalogue in the manifest.
+  ManifestKey Key(const DcfObj& picture, int type) const;
 };
 
 /// How a plan whose names have dates learns them.

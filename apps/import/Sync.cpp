@@ -44,8 +44,8 @@ std::optional<Outcome> Sync::Fetch(const SyncPlan& plan) {
   try {
     const unsigned long long bytes = work_.options.verify ? 2 * expected_ : expected_;
     work_.ForEach(fresh, {"reading", "read", nullptr, bytes}, [&](const SyncItem& item) {
-      writers.Try(item);
-      FetchOne(item, numbers.For(item), writers);
+      const std::string why = writers.Try(item);
+      why.empty() ? FetchOne(item, numbers.For(item), writers) : work_.report.Fail(item, why);
     });
     ReadDoubtful(numbers, writers);
   } catch (const Stopped&) {

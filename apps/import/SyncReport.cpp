@@ -44,7 +44,8 @@ void SyncReport::Fail(const SyncItem& item, const std::string& sentence) {
   const std::scoped_lock lock(mutex_);
   if (context_.guard != nullptr && !context_.guard->TakeReport(TokenOf(item))) return;
   ++tally_.failed;
-  context_.reporter.Error(sentence, ExitCode::kPartial);
+  const bool isNews = std::exchange(lastFailure_, sentence) != sentence;
+  if (isNews || context_.Json()) context_.reporter.Error(sentence, ExitCode::kPartial);
   if (!context_.Json()) return;
   context_.Event("failed", Json::Object().SetBytes("path", item.CameraPath()).Set("error", sentence), "");
 }

@@ -23,6 +23,7 @@ class SyncReport {
   InItem Begin(const SyncItem& item) const;
   /// True for a file that failed in an earlier process of this run, or ended one. It has failed then.
   bool LeaveOut(const SyncItem& item);
+  /// People are told once what many files in a row have in common.
   void Fail(const SyncItem& item, const std::string& sentence);
   /// How a file is to be stored that was read. `unlikeKey`: its key in the catalogue is not its SHA-1. `resumed`: an earlier
   /// run had fetched a part of it.
@@ -40,7 +41,8 @@ class SyncReport {
 
   Context& context_;
   SyncTally tally_;
-  std::mutex mutex_;                    // output and the list
+  std::mutex mutex_;                    // output and what follows
+  std::string lastFailure_;             // the last sentence of a failure
   std::set<const SyncItem*> onceRead_;  // stored in this run, of which nothing but the size was compared
 };
 

@@ -48,5 +48,14 @@ TEST_F(SyncReportTest, AFailureIsSaidAndCounted) {
   EXPECT_FALSE(report_.LeaveOut(plan_.items[0])) << "without other processes nothing is left out";
 }
 
+TEST_F(SyncReportTest, WhatSeveralFilesInARowHaveInCommonIsSaidOnce) {
+  const SyncPlan plan = Plan({Picture(1), Picture(2), Picture(3)});
+  report_.Fail(plan.items[0], "The folder is gone.");
+  report_.Fail(plan.items[1], "The folder is gone.");
+  report_.Fail(plan.items[2], "The camera is tired.");
+  EXPECT_EQ(Said(), "kelva: The folder is gone.\nkelva: The camera is tired.\n");
+  EXPECT_EQ(report_.Tally().failed, 3U);
+}
+
 }  // namespace
 }  // namespace apps

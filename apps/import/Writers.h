@@ -64,8 +64,9 @@ class Writers {
   Writers(const Writers&) = delete;
   Writers& operator=(const Writers&) = delete;
 
-  /// Before a file is read: throws Failure when its folder would take no file (Folders::Try).
-  void Try(const SyncItem& item) { folders_.Try(item.Local()); }
+  /// Before a file is read: why its folder would take no file, empty when it would. Throws Failure when no other folder would
+  /// take one either (Folders::Try).
+  std::string Try(const SyncItem& item) { return folders_.Try(item.Local()); }
   /// Hands a file over; waits while too many bytes are on their way. Throws the failure that made further writing
   /// pointless (a full or read-only disk, the manifest).
   void Submit(WriteJob job);

@@ -55,6 +55,43 @@ class SyncTest(Bus):
         self.assertEqual(sorted(os.listdir(folder)), ["IMG_0001-2.JPG", "IMG_0001-2.RAW", "IMG_0001.JPG"])
         self.assertEqual(self.kelva("sync", self.target).stdout.split()[0], "0")
 
+    def test_a_picture_is_known_whichever_of_its_files_are_still_on_the_camera(self):
+        names = ("IMG_0001.JPG", "IMG_0001.RAW", "IMG_0001.TXT")
+        for name in names[:2]:
+            self.put("DCIM/100ABCDE/" + name, name.encode())
+        self.complete(2)
+        os.remove(os.path.join(self.drive, "DCIM/100ABCDE", names[0]))
+        preview = json.loads(self.kelva("sync", "--dry-run", "--json", self.target).stdout.splitlines()[-1])
+        self.assertEqual((preview["new"], preview["known"]), (0, 1))
+        self.put("DCIM/100ABCDE/" + names[2], names[2].encode())
+        run = json.loads(self.kelva("sync", "--json", self.target).stdout.splitlines()[-1])
+        self.assertEqual((run["stored"], run["known"], run["numbered"]), (1, 1, 0))
+        self.assertEqual(sorted(os.listdir(os.path.join(self.target, "100ABCDE"))), list(names))
+        run = self.kelva("sync", "--delete-after-verify", self.target)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertEqual(os.listdir(os.path.join(self.drive, "DCIM/100ABCDE")), [])
+
+    def test_a_damaged_list_is_one_sentence_and_nothing_is_written(self):
+        self.pictures(60, 10)
+        self.complete(60)
+        path = os.path.join(self.target, ".kelva-manifest.sqlite")
+        os.truncate(path, 4096 + 2000)
+        with open(path, "rb") as file:
+            damaged = file.read()
+        before = self.status()["K1"]["commands"]
+        for words in (("sync",), ("sync", "--dry-run")):
+            run = self.kelva(*words, self.target)
+            self.assertEqual(run.returncode, 1)
+            self.assertRegex(run.stderr, r"^kelva: The list of fetched files [^ ]*/out/\.kelva-manifest\.sqlite is damaged "
+                                         r"\([^\n]*\); move it away, and files that are here are recognised by their "
+                                         r"content\.\n$")
+        self.assertEqual(self.status()["K1"]["commands"], before)
+        with open(path, "rb") as file:
+            self.assertEqual(file.read(), damaged)
+        os.rename(path, path + ".away")
+        run = self.kelva("sync", "--json", self.target)
+        self.assertEqual(json.loads(run.stdout.splitlines()[-1])["already_here"], 60)
+
     def test_a_folder_that_takes_no_file_is_one_sentence_and_nothing_is_read(self):
         self.pictures(5, 10)
         os.mkdir(self.target)

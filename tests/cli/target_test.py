@@ -199,7 +199,8 @@ class TargetTest(Bus):
 
     def test_a_link_in_place_of_a_folder_costs_its_pictures_and_no_others(self):
         for number, aim in enumerate((self.folder, "/nowhere", "102ABCDE"), 100):
-            self.put(f"DCIM/{number}ABCDE/IMG_0001.JPG", b"one")
+            for picture in range(1, 4):
+                self.put(f"DCIM/{number}ABCDE/IMG_000{picture}.JPG", b"one")
             os.makedirs(self.target, exist_ok=True)
             os.symlink(aim, f"{self.target}/{number}ABCDE")
         self.put("DCIM/200ABCDE/IMG_0001.JPG", b"two")
@@ -207,11 +208,12 @@ class TargetTest(Bus):
         run = self.sync()
         self.fails(run, 6)
         self.assertEqual(run.stderr.count("is a symbolic link and is not followed"), 3, run.stderr)
+        self.assertIn("9 failed", run.stderr + run.stdout)
         self.assertEqual(self.text("200ABCDE/IMG_0001.JPG"), "two")
         self.assertEqual(sorted(os.listdir(self.folder)), before)
         for number in (100, 101, 102):
             os.remove(f"{self.target}/{number}ABCDE")
-        self.complete(4)
+        self.complete(10)
 
     def test_a_link_in_place_of_the_list_is_not_followed(self):
         self.pictures(1, 10)

@@ -31,10 +31,11 @@ News NewsOf(const OnCamera& camera, const std::vector<int>& types, Manifest& man
   const Manifest::Reading reading(manifest);
   for (std::size_t i = 0; i < camera.pictures.size(); ++i) {
     const DcfObj& picture = camera.pictures[i];
+    const KnownPicture known = FindPicture(manifest, picture, camera.serial);
     unsigned mask = 0;
     for (const int type : FileTypes(picture)) {
       const bool isAsked = std::find(types.begin(), types.end(), type) != types.end();
-      if (!isAsked || manifest.Find(KeyOf(picture, type, camera.serial))) continue;
+      if (!isAsked || known.Has(type)) continue;
       const auto place = static_cast<unsigned>(type - kFirstFileType);
       mask |= 1U << place;
       news.files.Add(camera.sizes.empty() ? std::nullopt : camera.sizes[i][place]);

@@ -69,7 +69,9 @@ std::optional<std::vector<char>> Beside::Read(const DcfObj& picture, int type) {
 }
 
 std::optional<ManifestRow> Beside::Known(const DcfObj& picture, int type) {
-  return manifest_.Find(KeyOf(picture, type, serial_));
+  KnownPicture known = FindPicture(manifest_, picture, serial_);
+  const auto row = known.rows.find(type);
+  return row == known.rows.end() ? std::nullopt : std::optional(std::move(row->second));
 }
 
 bool Beside::IsHere(const std::string& path, unsigned long long size) const {

@@ -74,7 +74,7 @@ TEST_F(SheetRunTest, AListThatCannotBeReadIsSaidAndTheSheetIsDrawn) {
   std::ofstream(folder / ".kelva-manifest.sqlite") << std::string(4096, 'x');
   const Ran ran = Sheet();
   EXPECT_EQ(ran.code, ExitCode::kDone);
-  EXPECT_THAT(ran.err, HasSubstr("the list of fetched files"));
+  EXPECT_THAT(ran.err, HasSubstr("list of fetched files"));
 }
 
 TEST_F(SheetRunTest, NamesOfTheCameraCannotBecomeMarkup) {

@@ -99,7 +99,10 @@ constexpr Verb kVerbs[] = {
     {"sync", "Fetch all new pictures into a folder", kArguments, kOptions,
      R"(Reads the camera's catalogue and compares it with the list of what was fetched before
 (.kelva-manifest.sqlite in FOLDER). Only new files are read. A file that you have renamed, moved or deleted here is
-not fetched again. A different picture that reuses an old name counts as new.
+not fetched again. A different picture that reuses an old name counts as new. A picture stays known when some of its files
+are deleted on the camera, or others join them. Where the catalogue has no keys, a picture whose entry there stays the same
+counts as fetched, even if its bytes were replaced; --verify does not find that, because it reads new files alone. A damaged
+list ends the run before anything is fetched (exit status 1) and is left as it is.
 
 Each file is written under a temporary name, flushed, and checked against the SHA-1 in the catalogue if there is one. A
 file that does not fit is read again, and stored if both reads are equal.
@@ -112,8 +115,8 @@ folders list. Files that are here already do not count.
 
 An existing file is never overwritten. If it has the same content, it is kept and counts as fetched; if not, the new
 picture gets a number, the same for all its files: a RAW never lies beside another picture's JPG. If the list was lost, a
-picture is known again by the content of all its files; those without a key are read once more for that. Symbolic links in FOLDER are not followed. A file that fails is reported once and the rest goes on
-(exit status 6). If the process that reads is killed, as happens when memory runs out, another one tries the file once
+picture is known again by the content of all its files; those without a key are read once more for that. Symbolic links in FOLDER are not followed: where one stands in place of a folder, one sentence says so for all its
+pictures, and none of them is read. A file that fails is reported once and the rest goes on (exit status 6). If the process that reads is killed, as happens when memory runs out, another one tries the file once
 more; if that one is killed too, the file counts as failed. While one run is at work in FOLDER a second one stops
 (exit status 4); .kelva-manifest.lock, a file that stays, is for that.
 
