@@ -52,4 +52,14 @@ std::vector<std::string> PicturesBeginning(Camera& camera, const std::string& ty
   return {words.begin(), words.end()};
 }
 
+std::vector<std::string> PictureFolders(Camera& camera) {
+  std::vector<std::string> names;
+  for (const CameraDirent& entry : ListFolder(camera, "I:\\DCIM")) {
+    const bool folder = (entry.attributes & kelva::kAttributeDirectory) != 0;
+    // A slash at the end would make the name a beginning for the shell.
+    if (folder && IsNamed(entry) && entry.name.find('/') == std::string::npos) names.push_back(entry.name);
+  }
+  return names;
+}
+
 }  // namespace apps

@@ -16,6 +16,9 @@ std::vector<std::string> PathsBeginning(Camera& camera, const std::string& typed
 /// The pictures that `typed` may become: names, and folders with a slash; behind a folder the pictures in it.
 std::vector<std::string> PicturesBeginning(Camera& camera, const std::string& typed);
 
+/// The names of the folders below DCIM.
+std::vector<std::string> PictureFolders(Camera& camera);
+
 }  // namespace apps
 
 #endif  // KELVA_APPS_CAMERA_CAMERA_WORDS_H_

@@ -21,6 +21,16 @@ TEST(CameraWordsTest, PathsStandBehindWhatWasTyped) {
   EXPECT_THAT(PathsBeginning(camera, "MISC/"), IsEmpty());
 }
 
+TEST(CameraWordsTest, FoldersOfPicturesAreThoseBelowDcim) {
+  FakeCamera camera;
+  camera.folder = "I:\\DCIM";
+  camera.files = {{"A.TXT", "a"}};
+  camera.folders = {".", "100ABCDE", "$(b)", "101/", ".."};
+  EXPECT_THAT(PictureFolders(camera), ElementsAre("100ABCDE", "$(b)"));
+  camera.folder = "I:\\MISC";
+  EXPECT_THAT(PictureFolders(camera), IsEmpty());
+}
+
 /// A camera with three pictures, two of them with one name in two folders.
 class ThreePictures final : public FakeCamera {
  public:

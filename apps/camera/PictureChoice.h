@@ -12,10 +12,14 @@
 namespace apps {
 
 inline constexpr Option kSinceOption = {
-    "since", 0, "DATE",
-    "Only pictures with this date or a later one: 2026, 2026-03-14, '2026-03-14 15:09', or of the last 12h, 7d, 2w."};
-inline constexpr Option kFolderOption = {"folder", 0, "NAME",
-                                         "Only pictures of this folder below DCIM; a pattern may mean several."};
+    "since",
+    0,
+    "DATE",
+    "Only pictures with this date or a later one: 2026, 2026-03-14, '2026-03-14 15:09', or of the last 12h, 7d, 2w.",
+    Offer::kWords,
+    "12h 1d 7d 2w"};
+inline constexpr Option kFolderOption = {
+    "folder", 0, "NAME", "Only pictures of this folder below DCIM; a pattern may mean several.", Offer::kPictureFolder};
 
 /// The pictures that --since and --folder ask for.
 class PictureChoice {

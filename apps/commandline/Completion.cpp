@@ -128,7 +128,8 @@ class Completer {
     if (offer == Offer::kSerial && program_.serials != nullptr) {
       for (const std::string& serial : program_.serials(begun_.call)) Add(serial);
     }
-    if (offer == Offer::kCameraPath || offer == Offer::kPicture) AddCameraWords(offer);
+    const bool isOnCamera = offer == Offer::kCameraPath || offer == Offer::kPicture || offer == Offer::kPictureFolder;
+    if (isOnCamera) AddCameraWords(offer);
   }
 
   // An option's name would not be taken for a path, and a backslash separates.

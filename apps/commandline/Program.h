@@ -32,8 +32,8 @@ struct Program {
   std::span<const Variable> environment = {};
   /// The serial numbers that a shell offers for Offer::kSerial after the command line so far; null for none.
   std::vector<std::string> (*serials)(const Invocation& call) = nullptr;
-  /// The same for Offer::kCameraPath and Offer::kPicture, for a word of which `typed` is there. A name that ends in a slash
-  /// is only a beginning. Any bytes; the caller leaves out what cannot be typed.
+  /// The same for Offer::kCameraPath, kPicture and kPictureFolder, for a word of which `typed` is there. A name that ends
+  /// in a slash is only a beginning. Any bytes; the caller leaves out what cannot be typed.
   std::vector<std::string> (*cameraWords)(const Invocation& call, Offer offer, const std::string& typed) = nullptr;
   bool plainErrors = false;  ///< people read its JSON, in a window: no numbers behind an error
 };

@@ -11,7 +11,7 @@ namespace apps {
 class Context;
 
 /// What a shell offers where a word is expected.
-enum class Offer { kNothing, kFile, kFolder, kWords, kVerb, kSerial, kCameraPath, kPicture };
+enum class Offer { kNothing, kFile, kFolder, kWords, kVerb, kSerial, kCameraPath, kPicture, kPictureFolder };
 
 /// A word that a verb takes beside its options.
 struct Argument {

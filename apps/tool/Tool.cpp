@@ -45,6 +45,11 @@ std::vector<std::string> AttachedSerials(const Invocation& call) {
   return serials;
 }
 
+std::vector<std::string> WordsFor(Camera& camera, Offer offer, const std::string& typed) {
+  if (offer == Offer::kPicture) return PicturesBeginning(camera, typed);
+  return offer == Offer::kPictureFolder ? PictureFolders(camera) : PathsBeginning(camera, typed);
+}
+
 // Ends with the process: nobody waits longer for a line that is being typed.
 constexpr unsigned kPatienceOfAShell = 3;
 
@@ -54,8 +59,7 @@ std::vector<std::string> CameraWords(const Invocation& call, Offer offer, const 
   StdoutDiversion diversion;
   const AttachedCamera chosen = Choose(FindAttached(diversion), WantedSerial(call.Value("serial")));
   if (!chosen.camera->Open()) return {};
-  std::vector<std::string> words =
-      offer == Offer::kPicture ? PicturesBeginning(*chosen.camera, typed) : PathsBeginning(*chosen.camera, typed);
+  std::vector<std::string> words = WordsFor(*chosen.camera, offer, typed);
   chosen.camera->Close();
   return words;
 }

@@ -7,6 +7,7 @@ import signal
 import time
 
 import bench_of_cameras
+import tiny_jpeg
 from bench_of_cameras import Bus
 
 
@@ -41,6 +42,27 @@ class CommandTest(Bus):
         run = self.kelva(*get, "--force")
         self.assertEqual(run.returncode, 5, run.stderr)
         self.assertEqual([file["path"] for file in json.loads(run.stdout)["files"]], ["I:\\A.BIN"])
+
+    def commands_for_one_more(self, *words):
+        """What one named file more costs a command, in commands of the camera."""
+        counts = []
+        for files in (4, 12):
+            before = self.status()["K1"]["commands"]
+            run = self.kelva(*words, *(f"DCIM/100ABCDE/IMG_{number:04d}.JPG" for number in range(1, files + 1)))
+            self.assertEqual(run.returncode, 0, run.stderr)
+            counts.append(self.status()["K1"]["commands"] - before)
+        return (counts[1] - counts[0]) / 8
+
+    def test_a_folder_is_listed_once_for_all_files_that_are_named(self):
+        picture = tiny_jpeg.jpeg([[(200, 10, 10)]]) + bytes(70_000)  # without a thumbnail, so it is read in full
+        for number in range(1, 13):
+            self.put(f"DCIM/100ABCDE/IMG_{number:04d}.JPG", picture)
+        into = ("--force", "--into", self.folder)
+        # Selected, asked for the size, and read in two pieces.
+        self.assertEqual(self.commands_for_one_more("get", *into), 4)
+        # The start of it, and then the whole.
+        self.assertEqual(self.commands_for_one_more("thumb", *into), 7)
+        self.assertEqual(self.commands_for_one_more("rm", "--dry-run"), 0)
 
     def test_an_empty_file_and_a_missing_one_are_told_apart(self):
         self.put("EMPTY", b"")

@@ -4,6 +4,7 @@ The tool that the shell finds is a stand-in, which notes its words; for what may
 """
 
 import os
+import shutil
 import subprocess
 import sys
 
@@ -144,7 +145,21 @@ class Completion(Bus):
             ("kelva get I:/DC\t101\tIM\t", ["get", "I:/DCIM/101ABCDE/IMG_0002.JPG"]),
             ("kelva pictures rm IM\t", ["pictures", "rm", "IMG_0001"]),
             ("kelva pictures rm 101\tIM\t", ["pictures", "rm", "101ABCDE/IMG_0002"]),
+            ("kelva sync --folder 101\tfolder", ["sync", "--folder", "101ABCDE", "folder"]),
+            ("kelva pictures --folder 100\t", ["pictures", "--folder", "100ABCDE"]),
         )
+
+    def test_folders_of_a_camera_are_offered_and_never_evaluated(self):
+        for name in ("$(touch trap)", "`touch trap`", "a b", "it's", "say \"x\"", "semi;touch trap", "*", "!!", "&touch trap"):
+            self.put(f"DCIM/{name}/IMG_0001.JPG", b"1")
+            with self.subTest(name=name):
+                self.check(("kelva sync --folder \tfolder", ["sync", "--folder", name, "folder"]))
+            shutil.rmtree(os.path.join(self.drive, "DCIM", name))
+        self.assertEqual(sorted(os.listdir(self.here)), self.files)
+
+    def test_times_that_say_how_long_ago_are_offered(self):
+        self.check(("kelva sync --since 7\tfolder", ["sync", "--since", "7d", "folder"]),
+                   ("kelva pictures --since 2\t", ["pictures", "--since", "2w"]))
 
     def test_a_camera_s_path_is_never_evaluated(self):
         for name in ("$(touch trap)", "`touch trap`", "a b", "it's", "say \"x\"", "semi;touch trap", "*", "!!", "&touch trap"):

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "apps/camera/CameraPath.h"
+#include "apps/camera/FolderListing.h"
 #include "apps/camera/Meant.h"
 #include "apps/camera/RemoteFile.h"
 #include "apps/camera/Session.h"
@@ -66,9 +67,10 @@ std::string InWords(const std::vector<std::string>& paths) {
 
 ExitCode ShowWhatWouldGo(Context& context, const Session& camera, const std::vector<std::string>& paths) {
   Each each(context, "files", CameraResult(camera));
+  KnownListings listings(*camera);
   for (const std::string& path : paths) {
     each.Try(path, [&] {
-      const auto entry = FileEntry(*camera, path);
+      const auto entry = FileEntry(listings, path);
       context.out.Add(context.Json() ? "" : ShownPath(path) + "  " + Bytes(SizeOf(entry)) + "\n");
       return Json::Object().SetBytes("path", path).Set("size", SizeOf(entry));
     });

@@ -22,9 +22,9 @@ namespace apps {
 namespace {
 
 // Nothing for a path in a folder that the camera refuses to list: the folder is not there.
-std::optional<CameraDirent> EntryIfListed(Context& context, Camera& camera, const std::string& path) {
+std::optional<CameraDirent> EntryIfListed(Context& context, KnownListings& listings, const std::string& path) {
   try {
-    return FindEntry(camera, path);
+    return listings.Find(path);
   } catch (const CameraError& error) {
     if (Explain(error, context).code != ExitCode::kRefused) throw;
     return std::nullopt;
@@ -53,6 +53,7 @@ GetFiles::GetFiles(Context& context, const Session& camera, const TargetFolder& 
       folders_(target, [](const std::string&) { return true; }),
       options_(std::move(options)),
       each_(context, "files", CameraResult(camera)),
+      listings_(*camera),
       sizes_(*camera) {
   each_.TellAtEnd([done = done_, members = CameraResult(camera)] {
     Json all = members;
@@ -77,7 +78,7 @@ void GetFiles::Get(const std::string& path) {
 void GetFiles::GetMeant(const std::string& path) {
   if (Split(path).name.empty()) return GetFolder(path);
   if (!IsPattern(path)) {
-    if (const auto entry = EntryIfListed(context_, *camera_, path)) return GetEntry(path, *entry);
+    if (const auto entry = EntryIfListed(context_, listings_, path)) return GetEntry(path, *entry);
   }
   const std::vector<std::string> meant = Meant(context_, *camera_, path);
   if (meant.size() > 1) done_->areMany = true;
@@ -87,7 +88,7 @@ void GetFiles::GetMeant(const std::string& path) {
     if (const auto size = sizes_.SizeOf(one)) {
       GetFile(one, *size, {{}, SafeName(Split(one).name)});
     } else {
-      GetEntry(one, EntryIfListed(context_, *camera_, one).value_or(CameraDirent{}));
+      GetEntry(one, EntryIfListed(context_, listings_, one).value_or(CameraDirent{}));
     }
   }
 }

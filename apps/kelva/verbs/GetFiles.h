@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "apps/camera/FolderListing.h"
 #include "apps/camera/ListedSizes.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
@@ -53,6 +54,7 @@ class GetFiles {
   Folders folders_;
   const GetOptions options_;
   Each each_;
+  KnownListings listings_;  ///< of paths that were named; each file is held against its size when it is read
   ListedSizes sizes_;
   std::set<std::string> stored_;  ///< paths of the files that this command has stored
   std::set<Folders::Way> ways_;   ///< folders with files of this command

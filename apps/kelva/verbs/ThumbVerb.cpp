@@ -7,6 +7,7 @@
 
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Catalogue.h"
+#include "apps/camera/ListedSizes.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/PictureList.h"
 #include "apps/camera/PictureStart.h"
@@ -27,7 +28,7 @@ namespace {
 class Thumbs {
  public:
   Thumbs(Context& context, const Session& camera, const TargetFolder& folder)
-      : context_(context), camera_(camera), folder_(folder), replace_(context.call.Has("force")) {}
+      : context_(context), camera_(camera), folder_(folder), replace_(context.call.Has("force")), sizes_(*camera) {}
 
   Json Store(const DcfObj& picture) {
     context_.stop.Check();
@@ -82,7 +83,7 @@ class Thumbs {
   }
 
   std::vector<char> ReadWhole(const std::string& path) {
-    RemoteFile remote(context_, camera_.Pointer(), path);
+    RemoteFile remote(context_, camera_.Pointer(), path, sizes_.SizeOf(path));
     if (remote.Size() > kLargestPicture) throw NoPicture("it is larger than a file that a thumbnail is drawn from");
     std::vector<char> bytes;
     remote.Read([&](std::span<const char> piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); });
@@ -93,6 +94,7 @@ class Thumbs {
   const Session& camera_;
   const TargetFolder& folder_;
   const bool replace_;
+  ListedSizes sizes_;  // of the files that are read in full
   Thumbnailer thumbnailer_;
   std::set<std::string> stored_;
 };
