@@ -6,9 +6,8 @@
 #include <cstdio>
 
 #include "apps/commandline/ProgramBeside.h"
-#include "apps/desktop/Appearance.h"
 #include "apps/desktop/MainWindow.h"
-#include "apps/desktop/SingleInstance.h"
+#include "apps/desktop/Session.h"
 #include "apps/desktop/Words.h"
 
 namespace desktop {

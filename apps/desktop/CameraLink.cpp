@@ -59,7 +59,6 @@ void CameraLink::StartLister() {
   lister_->onEvent = [this](const QJsonObject& event) { Hear(event); };
   lister_->onDeath = [this] { ListerEnded(); };
   lister_->Start();
-  lister_->Send(target_.Command());
   onChange();
 }
 
@@ -94,13 +93,14 @@ void CameraLink::HearCamera(const QJsonObject& event) {
 }
 
 void CameraLink::HearPictures(const QJsonObject& event) {
-  int index = event["from"].toInt();
-  if (index == 0) model_.Clear();
+  if (event["from"].toInt() == 0) {
+    model_.Clear();
+    lister_->Send(target_.Command());  // the process that sends a new list may be a new one
+  }
   std::vector<Picture> pictures;
   for (const auto& value : event["items"].toArray()) {
     const QJsonArray item = value.toArray();
     Picture picture;
-    picture.index = index++;
     picture.key = item.at(0).toString() + '/' + item.at(1).toString();
     picture.name = Decoded(item.at(1).toString());
     picture.folder = Decoded(item.at(0).toString());
@@ -129,12 +129,7 @@ void CameraLink::HearTarget(const QJsonObject& event) {
     state_.offer.others = event["new_others"].toInt();
     state_.offer.otherBytes = event["new_others_bytes"].toInteger();
   }
-  const QString digits = event["new"].toString();
-  QSet<int> indexes;
-  for (qsizetype index = 0; index < digits.size(); ++index) {
-    if (digits[index] != '0') indexes.insert(static_cast<int>(index));
-  }
-  if (state_.offer.error.isEmpty()) model_.SetNew(indexes);
+  if (state_.offer.error.isEmpty()) model_.SetNew(event["new"].toString());
 }
 
 void CameraLink::HearPicture(const QJsonObject& event, bool preview) {
@@ -146,7 +141,7 @@ void CameraLink::HearPicture(const QJsonObject& event, bool preview) {
   // A worker's thumbnails are smaller; the cache counts on it.
   const bool isLarge = std::max(image.width(), image.height()) > kLargestThumbnail;
   if (isLarge && !preview) image = image.scaled(kLargestThumbnail, kLargestThumbnail, Qt::KeepAspectRatio);
-  if (preview) return onPreview(model_.RowOf(index), image, why);
+  if (preview) return onPreview(index, image, why);
   image.isNull() ? model_.SetNoThumbnail(index, why, TimeOf(event)) : model_.SetThumbnail(index, image, TimeOf(event));
 }
 
@@ -175,12 +170,12 @@ void CameraLink::SetTarget(const Target& target) {
 
 void CameraLink::Want(const QList<int>& rows) {
   QStringList words{"thumbs"};
-  for (int row : rows) words.append(QString::number(model_.At(row).index));
+  for (int row : rows) words.append(QString::number(row));
   if (lister_) lister_->Send(words);
 }
 
 void CameraLink::WantPreview(int row) {
-  if (lister_) lister_->Send({"preview", QString::number(model_.At(row).index)});
+  if (lister_) lister_->Send({"preview", QString::number(row)});
 }
 
 void CameraLink::WantNoPreview() {
@@ -255,8 +250,7 @@ void CameraLink::RunEnded() {
     state_.checked = run->WasChecked();
     if (state_.imported > 0) state_.phase = Phase::kAsking;
   }
-  if (run->Deletes() && lister_) lister_->Send({"list"});
-  if (lister_) lister_->Send(target_.Command());
+  if (lister_) lister_->Send(run->Deletes() ? QStringList{"list"} : target_.Command());
   onChange();
 }
 

@@ -149,7 +149,7 @@ TEST_F(CameraLinkTest, AWorkerWhoseCameraIsGoneIsNoTrouble) {
 
 TEST_F(CameraLinkTest, ABusyCameraIsASentenceUntilItIsFree) {
   workers_.scripts["camera"] =
-      Say(R"({"event":"busy","holders":"kelva sync"})") + "read -r x; read -r y\n" + Say(R"({"event":"free"})") + "cat";
+      Say(R"({"event":"busy","holders":"kelva sync"})") + "read -r x\n" + Say(R"({"event":"free"})") + "cat";
   link_->Attach();
   ASSERT_TRUE(Await([&] { return link_->State().notice.sentence.startsWith("kelva sync "); }));
   link_->WantNoPreview();
@@ -158,10 +158,20 @@ TEST_F(CameraLinkTest, ABusyCameraIsASentenceUntilItIsFree) {
 
 TEST_F(CameraLinkTest, AFolderThatCannotBeUsedIsItsSentence) {
   workers_.scripts["camera"] =
+      Say(R"({"event":"pictures","from":0,"items":[]})") +
       "read -r x folder y; printf '{\"event\":\"target\",\"folder\":\"%s\",\"error\":\"It is a file.\"}\\n' "
       "\"$folder\"; cat";
   link_->Attach();
   EXPECT_TRUE(Await([&] { return link_->State().offer.error == "It is a file."; }));
+}
+
+TEST_F(CameraLinkTest, EachNewListIsToldTheTarget) {
+  const QString list = Say(R"({"event":"pictures","from":0,"items":[["100A","IMG_1",1,""]]})") +
+                       "read -r x folder y; [ \"$x\" = target ] || exit 1\n";
+  workers_.scripts["camera"] = list + list + "printf '{\"event\":\"target\",\"folder\":\"%s\"}\\n' \"$folder\"; cat";
+  link_->Attach();
+  EXPECT_TRUE(Await([&] { return link_->State().targetKnown; }));
+  EXPECT_EQ(link_->Model().rowCount(), 1);
 }
 
 TEST_F(CameraLinkTest, AThumbnailThatIsNoPictureIsSaidSo) {

@@ -2,6 +2,7 @@
 #include "apps/desktop/CameraModel.h"
 
 #include <QLocale>
+#include <utility>
 
 #include "apps/desktop/Words.h"
 
@@ -42,7 +43,6 @@ QString CameraModel::Described(const Picture& picture) const {
 void CameraModel::Clear() {
   beginResetModel();
   pictures_.clear();
-  rows_.clear();
   rowsByKey_.clear();
   thumbnails_.clear();
   endResetModel();
@@ -53,44 +53,44 @@ void CameraModel::Append(std::vector<Picture> pictures) {
   const int first = rowCount();
   beginInsertRows({}, first, first + static_cast<int>(pictures.size()) - 1);
   for (Picture& picture : pictures) {
-    rows_.insert(picture.index, rowCount());
     rowsByKey_.insert(picture.key, rowCount());
     pictures_.push_back(std::move(picture));
   }
   endInsertRows();
 }
 
-void CameraModel::SetNew(const QSet<int>& indexes) {
-  for (Picture& picture : pictures_) picture.isNew = indexes.contains(picture.index);
+Picture* CameraModel::Find(int row) {
+  return row < 0 || row >= rowCount() ? nullptr : &pictures_[static_cast<std::size_t>(row)];
+}
+
+void CameraModel::SetNew(const QString& digits) {
+  for (int row = 0; row < rowCount(); ++row) Find(row)->isNew = row < digits.size() && digits[row] != '0';
   if (!pictures_.empty()) emit dataChanged(index(0), index(rowCount() - 1), {kIsNew});
 }
 
-void CameraModel::SetBytes(int index, qint64 bytes) {
-  const int row = RowOf(index);
-  if (row >= 0) pictures_[static_cast<std::size_t>(row)].bytes = bytes;
+void CameraModel::SetBytes(int row, qint64 bytes) {
+  if (Picture* picture = Find(row)) picture->bytes = bytes;
 }
 
 void CameraModel::MarkStored(const QString& key) {
   const int row = rowsByKey_.value(key, -1);
-  if (row < 0 || !At(row).isNew) return;
-  pictures_[static_cast<std::size_t>(row)].isNew = false;
+  Picture* picture = Find(row);
+  if (picture == nullptr || !std::exchange(picture->isNew, false)) return;
   Changed(row, {kIsNew});
 }
 
-void CameraModel::SetThumbnail(int index, const QImage& image, const QDateTime& taken) {
-  const int row = RowOf(index);
-  if (row < 0) return;
-  SetNoThumbnail(index, {}, taken);
+void CameraModel::SetThumbnail(int row, const QImage& image, const QDateTime& taken) {
+  if (Find(row) == nullptr) return;
   thumbnails_.insert(row, new QImage(image), image.sizeInBytes());
+  SetNoThumbnail(row, {}, taken);
 }
 
-void CameraModel::SetNoThumbnail(int index, const QString& why, const QDateTime& taken) {
-  const int row = RowOf(index);
-  if (row < 0) return;
-  Picture& picture = pictures_[static_cast<std::size_t>(row)];
-  picture.asked = true;
-  picture.whyNone = why;
-  picture.taken = taken;
+void CameraModel::SetNoThumbnail(int row, const QString& why, const QDateTime& taken) {
+  Picture* picture = Find(row);
+  if (picture == nullptr) return;
+  picture->asked = true;
+  picture->whyNone = why;
+  picture->taken = taken;
   Changed(row, {kThumbnail});
 }
 

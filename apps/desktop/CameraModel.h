@@ -7,17 +7,14 @@
 #include <QDateTime>
 #include <QHash>
 #include <QImage>
-#include <QSet>
 #include <QStringList>
-#include <optional>
 #include <vector>
 
 namespace desktop {
 
 /// One picture as the camera's catalogue has it, with what its thumbnail told later.
 struct Picture {
-  int index = 0;  ///< the worker's number for it
-  QString key;    ///< the worker's name for it in the list of an import, the same whenever the camera comes back
+  QString key;  ///< the worker's name for it in the list of an import, the same whenever the camera comes back
   QString folder;
   QString name;
   QStringList types;
@@ -28,13 +25,13 @@ struct Picture {
   QString whyNone;     ///< why it has no thumbnail
 };
 
-/// The pictures of one camera, in the order in which the worker names them: newest first. Thumbnails lie in a bounded cache; one
+/// The pictures of one camera in the order in which the worker numbers them from 0: newest first. Thumbnails lie in a bounded cache; one
 /// that was dropped is asked for again when it comes into view.
 class CameraModel : public QAbstractListModel {
   Q_DECLARE_TR_FUNCTIONS(CameraModel)
 
  public:
-  enum Role { kThumbnail = Qt::UserRole, kIsNew, kTypes };
+  enum Role { kThumbnail = Qt::UserRole, kIsNew, kTypes, kIsHeadline };
   static constexpr qsizetype kCacheBytes = 48 * 1024 * 1024;
 
   using QAbstractListModel::QAbstractListModel;
@@ -44,26 +41,25 @@ class CameraModel : public QAbstractListModel {
 
   void Clear();
   void Append(std::vector<Picture> pictures);
-  /// Which pictures are not on this computer yet, by the worker's numbers.
-  void SetNew(const QSet<int>& indexes);
+  /// Which pictures are not on this computer yet: a digit for each one, 0 for those that are.
+  void SetNew(const QString& digits);
   void MarkStored(const QString& key);
-  void SetBytes(int index, qint64 bytes);
-  void SetThumbnail(int index, const QImage& image, const QDateTime& taken);
-  void SetNoThumbnail(int index, const QString& why, const QDateTime& taken);
+  /// What the worker says of a number that stands for no picture is ignored.
+  void SetBytes(int row, qint64 bytes);
+  void SetThumbnail(int row, const QImage& image, const QDateTime& taken);
+  void SetNoThumbnail(int row, const QString& why, const QDateTime& taken);
 
   const Picture& At(int row) const { return pictures_[static_cast<std::size_t>(row)]; }
-  /// The row of a picture, or -1.
-  int RowOf(int index) const { return rows_.value(index, -1); }
   QImage Thumbnail(int row) const;
   /// Whether a thumbnail has to be asked for: it is not here, and nothing says that there is none.
   bool Lacks(int row) const;
 
  private:
   QString Described(const Picture& picture) const;
+  Picture* Find(int row);
   void Changed(int row, const QList<int>& roles);
 
   std::vector<Picture> pictures_;
-  QHash<int, int> rows_;
   QHash<QString, int> rowsByKey_;
   mutable QCache<int, QImage> thumbnails_{kCacheBytes};
 };

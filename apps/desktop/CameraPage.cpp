@@ -101,7 +101,7 @@ void CameraPage::Open(int row) {
 void CameraPage::Step(int by) {
   const int row = open_ + by;
   if (row < 0 || row >= link_->Model().rowCount()) return;
-  grid_->setCurrentIndex(link_->Model().index(row));
+  grid_->setCurrentIndex(grid_->IndexOf(row));
   Open(row);
 }
 

@@ -2,61 +2,55 @@
 #include "apps/desktop/Grid.h"
 
 #include <QKeyEvent>
-#include <QPainter>
 #include <QScrollBar>
 #include <algorithm>
+#include <ranges>
 
 #include "apps/desktop/PictureDelegate.h"
 
 namespace desktop {
 namespace {
 
-constexpr int kMargin = 12;
-// In lines of text, so that a larger font has larger pictures.
-constexpr int kCellLines = 12;
 // Thumbnails come one after another: days that arrive together move the pictures once.
 constexpr int kCalmMs = 120;
 constexpr int kAskMs = 15;
 
 }  // namespace
 
-Grid::Grid(CameraModel& pictures, QWidget* parent) : QListView(parent), pictures_(pictures) {
-  setModel(&pictures);
+Grid::Grid(const CameraModel& pictures, QWidget* parent) : QListView(parent), pictures_(pictures), days_(pictures) {
+  setModel(&days_);
   setItemDelegate(new PictureDelegate(this));
+  setFlow(LeftToRight);
+  setWrapping(true);
+  setResizeMode(Adjust);
   setSelectionMode(ExtendedSelection);
+  setSelectionRectVisible(true);
   setVerticalScrollMode(ScrollPerPixel);
   setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setFrameShape(NoFrame);
-  setMouseTracking(true);
   setAccessibleName(tr("Pictures on the camera"));
-  relayout_.setSingleShot(true);
+  divide_.setSingleShot(true);
   ask_.setSingleShot(true);
-  connect(&relayout_, &QTimer::timeout, this, [this] { doItemsLayout(); });
+  connect(&divide_, &QTimer::timeout, this, [this] { Divide(); });
   connect(&ask_, &QTimer::timeout, this, [this] { AskForMissing(); });
-  connect(this, &QListView::activated, this, [this](const QModelIndex& index) { onOpen(index.row()); });
+  connect(this, &QListView::activated, this,
+          [this](const QModelIndex& index) { onOpen(days_.PictureAt(index.row())); });
 }
 
-// What must not move when the layout changes: the current picture while it is in view, otherwise what stands first there.
-int Grid::Anchor() const {
-  const QModelIndex current = currentIndex();
-  const bool isThere = current.isValid() && current.row() < layout_.Count();
-  if (isThere && visualRect(current).intersects(viewport()->rect())) return current.row();
-  return layout_.FirstFrom(verticalOffset());
+// What must not move: the current picture while it is in view, otherwise what stands first there.
+void Grid::Divide() {
+  QPersistentModelIndex anchor = currentIndex();
+  if (!visualRect(anchor).intersects(viewport()->rect())) anchor = days_.index(RowBelow(0));
+  const int before = visualRect(anchor).top();
+  days_.Divide();
+  doItemsLayout();
+  QScrollBar& bar = *verticalScrollBar();
+  if (bar.value() > 0) bar.setValue(bar.value() + visualRect(anchor).top() - before);
 }
 
 void Grid::doItemsLayout() {
-  const int anchor = Anchor();
-  const int before = layout_.RectOf(anchor).top();
-  const int line = fontMetrics().height();
-  layout_.Arrange({viewport()->width(), kCellLines * line, line * 2, line * 5 / 2, kMargin}, pictures_.rowCount(),
-                  [this](int row) -> std::optional<QDate> {
-                    const Picture& picture = pictures_.At(row);
-                    return picture.asked ? std::optional(picture.taken.date()) : std::nullopt;
-                  });
-  const int moved = verticalOffset() > 0 ? layout_.RectOf(anchor).top() - before : 0;
-  QAbstractItemView::doItemsLayout();  // NOLINT(bugprone-parent-virtual-call): a list arranges rows of its own
-  if (moved != 0) verticalScrollBar()->setValue(verticalScrollBar()->value() + moved);
+  QListView::doItemsLayout();
   ask_.start(kAskMs);
 }
 
@@ -67,189 +61,93 @@ void Grid::reset() {
   doItemsLayout();
 }
 
-int Grid::verticalOffset() const {
-  return verticalScrollBar()->value();
+// The first line is shown with its headline.
+void Grid::scrollTo(const QModelIndex& index, ScrollHint hint) {
+  visualRect(index).top() == visualRect(IndexOf(0)).top() ? scrollToTop() : QListView::scrollTo(index, hint);
 }
 
-QModelIndex Grid::IndexOf(int row) const {
-  return row < 0 ? QModelIndex() : pictures_.index(row);
+// The neighbour in reading order.
+QModelIndex Grid::Beside(int row, int step) const {
+  const int picture = days_.PictureAt(row) + step;
+  return IndexOf(std::clamp(picture, 0, pictures_.rowCount() - 1));
 }
 
-QRect Grid::visualRect(const QModelIndex& index) const {
-  return index.isValid() ? layout_.RectOf(index.row()).translated(0, -verticalOffset()) : QRect();
-}
-
-QModelIndex Grid::indexAt(const QPoint& place) const {
-  return IndexOf(layout_.At(place + QPoint(0, verticalOffset())));
-}
-
-void Grid::scrollTo(const QModelIndex& index, ScrollHint) {
-  const QRect rect = visualRect(index);
-  if (!rect.isValid()) return;
-  // The first line is shown with its headline.
-  const int top = index.row() < layout_.Columns() ? -verticalOffset() : rect.top();
-  int by = std::min(0, top);
-  if (rect.bottom() > viewport()->height()) by = std::min(rect.bottom() - viewport()->height() + kMargin, rect.top());
-  verticalScrollBar()->setValue(verticalOffset() + by);
+// The nearest in the line above or below, however short that is.
+QModelIndex Grid::Across(int row, int step) const {
+  const QRect here = visualRect(days_.index(row));
+  QModelIndex best;
+  const auto distance = [&](const QModelIndex& one) { return std::abs(visualRect(one).left() - here.left()); };
+  for (int next = row + step; next >= 0 && next < days_.rowCount(); next += step) {
+    const QModelIndex one = days_.index(next);
+    if (days_.PictureAt(next) < 0 || visualRect(one).top() == here.top()) continue;
+    if (best.isValid() && visualRect(one).top() != visualRect(best).top()) break;
+    if (!best.isValid() || distance(one) < distance(best)) best = one;
+  }
+  return best.isValid() ? best : days_.index(row);
 }
 
 QModelIndex Grid::moveCursor(CursorAction action, Qt::KeyboardModifiers) {
-  const int count = pictures_.rowCount();
-  if (count == 0) return {};
-  if (!currentIndex().isValid()) return IndexOf(0);
-  const int row = currentIndex().row();
-  const int page = std::max(1, viewport()->height() / std::max(1, layout_.RectOf(row).height()) - 1);
-  switch (action) {
-    case MoveLeft:
-    case MovePrevious:
-      return IndexOf(std::max(0, row - 1));
-    case MoveRight:
-    case MoveNext:
-      return IndexOf(std::min(count - 1, row + 1));
-    case MoveUp:
-      return IndexOf(layout_.LinesFrom(row, -1));
-    case MoveDown:
-      return IndexOf(layout_.LinesFrom(row, 1));
-    case MovePageUp:
-      return IndexOf(layout_.LinesFrom(row, -page));
-    case MovePageDown:
-      return IndexOf(layout_.LinesFrom(row, page));
-    case MoveHome:
-      return IndexOf(0);
-    case MoveEnd:
-      return IndexOf(count - 1);
-  }
-  return {};
-}
-
-int Grid::RowNear(QPoint place) const {
-  place.ry() += verticalOffset();
-  const int at = layout_.At(place);
-  return at >= 0 ? at : std::min(layout_.FirstFrom(place.y()), pictures_.rowCount() - 1);
-}
-
-// A frame that is drawn with the mouse takes what it touches; Shift takes all from one picture to another.
-void Grid::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) {
-  QItemSelection chosen;
-  if (state() == DragSelectingState) {
-    const QRect frame = rect.normalized().translated(0, verticalOffset());
-    for (int row = layout_.FirstFrom(frame.top()); row < layout_.EndBefore(frame.bottom()); ++row) {
-      if (layout_.RectOf(row).intersects(frame)) chosen.select(IndexOf(row), IndexOf(row));
-    }
-  } else if (pictures_.rowCount() > 0) {
-    const int start = RowNear(rect.topLeft());
-    const int other = RowNear({rect.x() + rect.width() - 1, rect.y() + rect.height() - 1});
-    chosen.select(IndexOf(std::min(start, other)), IndexOf(std::max(start, other)));
-  }
-  selectionModel()->select(chosen, command);
-}
-
-QRegion Grid::visualRegionForSelection(const QItemSelection&) const {
-  return viewport()->rect();
-}
-
-QModelIndexList Grid::selectedIndexes() const {
-  return selectionModel()->selectedIndexes();
+  if (pictures_.rowCount() == 0) return {};
+  int row = currentIndex().row();
+  if (row < 0 || action == MoveHome) return IndexOf(0);
+  if (action == MoveEnd) return IndexOf(pictures_.rowCount() - 1);
+  if (action == MoveLeft || action == MovePrevious) return Beside(row, -1);
+  if (action == MoveRight || action == MoveNext) return Beside(row, 1);
+  const bool isPage = action == MovePageUp || action == MovePageDown;
+  const int lines = isPage ? std::max(1, viewport()->height() / visualRect(currentIndex()).height() - 1) : 1;
+  for (int line = 0; line < lines; ++line) row = Across(row, action == MoveUp || action == MovePageUp ? -1 : 1).row();
+  return days_.index(row);
 }
 
 QList<int> Grid::Chosen() const {
-  QList<int> rows;
-  for (const QModelIndex& index : selectedIndexes()) rows.append(index.row());
-  std::sort(rows.begin(), rows.end());
-  return rows;
+  QList<int> pictures;
+  for (const QModelIndex& index : selectedIndexes()) pictures.append(days_.PictureAt(index.row()));
+  std::sort(pictures.begin(), pictures.end());
+  return pictures;
 }
 
 void Grid::scrollContentsBy(int dx, int dy) {
-  scrollDirtyRegion(dx, dy);
-  viewport()->scroll(dx, dy);
+  QListView::scrollContentsBy(dx, dy);
   ask_.start(kAskMs);
 }
 
-void Grid::updateGeometries() {
-  verticalScrollBar()->setRange(0, std::max(0, layout_.Height() - viewport()->height()));
-  verticalScrollBar()->setPageStep(viewport()->height());
-  verticalScrollBar()->setSingleStep(fontMetrics().height() * 3);
-}
-
-void Grid::resizeEvent(QResizeEvent* event) {
-  QAbstractItemView::resizeEvent(event);  // NOLINT(bugprone-parent-virtual-call): a list arranges rows of its own
-  doItemsLayout();
-}
-
-void Grid::rowsInserted(const QModelIndex&, int, int) {
-  scheduleDelayedItemsLayout();
-}
-
 void Grid::dataChanged(const QModelIndex& from, const QModelIndex& to, const QList<int>& roles) {
-  QAbstractItemView::dataChanged(from, to, roles);  // NOLINT(bugprone-parent-virtual-call): as above
-  if (roles.contains(CameraModel::kThumbnail)) {
-    asked_.remove(from.row());
-    if (!relayout_.isActive()) relayout_.start(kCalmMs);
-  }
-  if (from != to) viewport()->update();
+  QListView::dataChanged(from, to, roles);
+  if (!roles.contains(CameraModel::kThumbnail)) return;
+  asked_.remove(days_.PictureAt(from.row()));
+  if (!divide_.isActive()) divide_.start(kCalmMs);
 }
 
 void Grid::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier && currentIndex().isValid()) {
-    return onOpen(currentIndex().row());
+    return onOpen(days_.PictureAt(currentIndex().row()));
   }
   if (event->key() == Qt::Key_Escape && selectionModel()->hasSelection()) return clearSelection();
   QListView::keyPressEvent(event);
 }
 
+// The first row that reaches below a height of the view.
+int Grid::RowBelow(int height) const {
+  const auto isAbove = [&](int row) { return visualRect(days_.index(row)).bottom() < height; };
+  return *std::ranges::partition_point(std::views::iota(0, days_.rowCount()), isAbove);
+}
+
 void Grid::AskForMissing() {
-  const int top = verticalOffset();
   const int height = viewport()->height();
+  const int first = RowBelow(0);
   QList<int> missing;
   const auto add = [&](int from, int to) {
     for (int row = from; row < to; ++row) {
-      if (pictures_.Lacks(row)) missing.append(row);
+      const int picture = days_.PictureAt(row);
+      if (picture >= 0 && pictures_.Lacks(picture)) missing.append(picture);
     }
   };
-  const int first = layout_.FirstFrom(top);
-  add(first, layout_.EndBefore(top + 2 * height));
-  add(layout_.FirstFrom(top - height), first);
+  add(first, RowBelow(2 * height));
+  add(RowBelow(-height), first);
   // What was asked for and still comes is no reason to ask again.
-  if (std::all_of(missing.begin(), missing.end(), [this](int row) { return asked_.contains(row); })) return;
+  if (std::all_of(missing.begin(), missing.end(), [this](int picture) { return asked_.contains(picture); })) return;
   asked_ = QSet<int>(missing.begin(), missing.end());
   onWanted(missing);
-}
-
-QString Grid::HeadlineOf(const DayLayout::Section& section) const {
-  if (!section.day) return pictures_.At(section.first).folder;
-  if (section.day->isValid()) return QLocale().toString(*section.day, QLocale::LongFormat);
-  return tr("%1, without a date").arg(pictures_.At(section.first).folder);
-}
-
-void Grid::PaintHeadline(QPainter& painter, const DayLayout::Section& section) const {
-  QFont font = painter.font();
-  font.setBold(true);
-  painter.save();
-  painter.setFont(font);
-  painter.setPen(palette().color(QPalette::Text));
-  const QRect place = layout_.HeadlineOf(section).translated(kMargin / 2, -verticalOffset() - kMargin / 2);
-  painter.drawText(place, Qt::AlignLeft | Qt::AlignBottom, HeadlineOf(section));
-  painter.restore();
-}
-
-void Grid::paintEvent(QPaintEvent* event) {
-  QPainter painter(viewport());
-  painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-  const QRect dirty = event->rect();
-  for (const DayLayout::Section& section : layout_.Sections()) {
-    if (layout_.HeadlineOf(section).translated(0, -verticalOffset()).intersects(dirty)) PaintHeadline(painter, section);
-  }
-  QStyleOptionViewItem option;
-  initViewItemOption(&option);
-  const int end = layout_.EndBefore(dirty.bottom() + verticalOffset());
-  for (int row = layout_.FirstFrom(dirty.top() + verticalOffset()); row < end; ++row) {
-    const QModelIndex index = IndexOf(row);
-    option.rect = visualRect(index);
-    if (!option.rect.intersects(dirty)) continue;
-    option.state.setFlag(QStyle::State_Selected, selectionModel()->isSelected(index));
-    option.state.setFlag(QStyle::State_HasFocus, hasFocus() && index == currentIndex());
-    itemDelegate()->paint(&painter, option, index);
-  }
 }
 
 }  // namespace desktop

@@ -12,7 +12,6 @@ std::vector<Picture> Pictures(int count) {
   std::vector<Picture> pictures(static_cast<std::size_t>(count));
   for (int index = 0; index < count; ++index) {
     Picture& picture = pictures[static_cast<std::size_t>(index)];
-    picture.index = index;
     picture.folder = "100A";
     picture.name = "IMG_" + QString::number(count - index);
   }
@@ -38,7 +37,21 @@ class GridTest : public WindowTest {
     ASSERT_TRUE(Await([&] { return !wanted_.isEmpty(); }));
   }
 
-  QRect RectOf(int row) const { return grid_.visualRect(model_.index(row)); }
+  int Current() const {
+    int picture = 0;
+    while (grid_.IndexOf(picture) != grid_.currentIndex()) ++picture;
+    return picture;
+  }
+  int At(QPoint place) const {
+    int picture = -1;
+    for (int one = 0; one < model_.rowCount(); ++one) {
+      if (grid_.IndexOf(one) == grid_.indexAt(place)) picture = one;
+    }
+    return picture;
+  }
+  void GoTo(int picture) { grid_.setCurrentIndex(grid_.IndexOf(picture)); }
+
+  QRect RectOf(int row) const { return grid_.visualRect(grid_.IndexOf(row)); }
 
   CameraModel model_;
   Grid grid_;
@@ -78,8 +91,8 @@ TEST_F(GridTest, AHeadlinePushesItsDayDown) {
 
 TEST_F(GridTest, WhatIsInViewStaysWhenADayAboveIsDivided) {
   Fill(1000);
-  grid_.scrollTo(model_.index(500));
-  const int first = grid_.indexAt(QPoint(RectOf(500).left() + 20, 100)).row();
+  grid_.scrollTo(grid_.IndexOf(500));
+  const int first = At(QPoint(RectOf(500).left() + 20, 100));
   const int before = RectOf(first).top();
   const int height = grid_.verticalScrollBar()->maximum();
   for (int index = 0; index < 300; ++index) model_.SetNoThumbnail(index, "none", Day(1 + index % 2));
@@ -107,24 +120,80 @@ TEST_F(GridTest, PicturesThatWentAreNotDrawn) {
 TEST_F(GridTest, TheKeyboardReachesEverything) {
   Fill(100);
   QTest::keyClick(&grid_, Qt::Key_Home);
-  EXPECT_EQ(grid_.currentIndex().row(), 0);
+  EXPECT_EQ(Current(), 0);
   QTest::keyClick(&grid_, Qt::Key_Right);
-  EXPECT_EQ(grid_.currentIndex().row(), 1);
+  EXPECT_EQ(Current(), 1);
   QTest::keyClick(&grid_, Qt::Key_Down);
-  EXPECT_GT(grid_.currentIndex().row(), 2);
-  EXPECT_EQ(RectOf(grid_.currentIndex().row()).left(), RectOf(1).left());
+  EXPECT_GT(Current(), 2);
+  EXPECT_EQ(RectOf(Current()).left(), RectOf(1).left());
   QTest::keyClick(&grid_, Qt::Key_End);
-  EXPECT_EQ(grid_.currentIndex().row(), 99);
+  EXPECT_EQ(Current(), 99);
   EXPECT_TRUE(grid_.viewport()->rect().contains(RectOf(99))) << "it is scrolled into view";
   QTest::keyClick(&grid_, Qt::Key_Space);
   EXPECT_EQ(opened_, 99);
+}
+
+TEST_F(GridTest, LinesAreFilledFromTheLeft) {
+  Fill(10);
+  const int columns = 700 / RectOf(0).width();
+  EXPECT_EQ(RectOf(columns - 1).top(), RectOf(0).top());
+  EXPECT_EQ(RectOf(columns).left(), RectOf(0).left());
+  EXPECT_EQ(RectOf(columns).top(), RectOf(0).top() + RectOf(0).height());
+  EXPECT_EQ(At(RectOf(3).center()), 3);
+  EXPECT_EQ(At(QPoint(RectOf(9).right() + 5, RectOf(9).center().y())), -1) << "an empty place of a line";
+  EXPECT_EQ(At({20, 5}), -1) << "a headline";
+}
+
+TEST_F(GridTest, AWindowThatIsTooNarrowHasOneColumn) {
+  grid_.resize(30, 500);
+  Fill(2);
+  EXPECT_EQ(RectOf(0).left(), RectOf(1).left());
+}
+
+TEST_F(GridTest, ALineDownKeepsTheColumnAsFarAsTheLineGoes) {
+  Fill(20);
+  const int columns = 700 / RectOf(0).width();
+  for (int row = 0; row < 20; ++row) model_.SetNoThumbnail(row, "none", Day(row <= columns ? 2 : 1));
+  ASSERT_TRUE(Await([&] { return RectOf(columns + 1).left() == RectOf(0).left(); }));
+  GoTo(columns - 1);
+  QTest::keyClick(&grid_, Qt::Key_Down);
+  EXPECT_EQ(Current(), columns) << "the only one of its line";
+  QTest::keyClick(&grid_, Qt::Key_Down);
+  EXPECT_EQ(Current(), columns + 1) << "into the next day";
+  QTest::keyClick(&grid_, Qt::Key_Right);
+  QTest::keyClick(&grid_, Qt::Key_Up);
+  EXPECT_EQ(Current(), columns);
+  QTest::keyClick(&grid_, Qt::Key_Left);
+  EXPECT_EQ(Current(), columns - 1) << "the line above";
+  QTest::keyClick(&grid_, Qt::Key_Up);
+  EXPECT_EQ(Current(), columns - 1) << "nothing is above";
+  QTest::keyClick(&grid_, Qt::Key_PageDown);
+  EXPECT_GT(Current(), columns);
+}
+
+TEST_F(GridTest, AFrameOfTheMouseChoosesWhatItTouches) {
+  Fill(20);
+  const QRect last = RectOf(19);
+  QTest::mousePress(grid_.viewport(), Qt::LeftButton, {}, {last.right() + 20, last.center().y()});
+  QTest::mouseMove(grid_.viewport(), last.center() + QPoint(20, 10));
+  QTest::mouseMove(grid_.viewport(), last.center());
+  QTest::mouseRelease(grid_.viewport(), Qt::LeftButton, {}, last.center());
+  EXPECT_EQ(grid_.Chosen(), QList<int>({19}));
+}
+
+TEST_F(GridTest, TheFirstLineIsShownWithItsHeadline) {
+  Fill(1000);
+  QTest::keyClick(&grid_, Qt::Key_End);
+  EXPECT_GT(grid_.verticalScrollBar()->value(), 0);
+  QTest::keyClick(&grid_, Qt::Key_Home);
+  EXPECT_EQ(grid_.verticalScrollBar()->value(), 0);
 }
 
 TEST_F(GridTest, ShiftChoosesAllBetween) {
   Fill(100);
   QTest::keyClick(&grid_, Qt::Key_Home);
   QTest::keyClick(&grid_, Qt::Key_Down, Qt::ShiftModifier);
-  const auto below = static_cast<qsizetype>(grid_.currentIndex().row());
+  const auto below = static_cast<qsizetype>(Current());
   EXPECT_EQ(grid_.Chosen().size(), below + 1);
   QTest::keyClick(&grid_, Qt::Key_A, Qt::ControlModifier);
   EXPECT_EQ(grid_.Chosen().size(), 100);

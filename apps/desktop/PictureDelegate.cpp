@@ -1,17 +1,20 @@
 // Draws one picture of the grid.
 #include "apps/desktop/PictureDelegate.h"
 
+#include <QAbstractScrollArea>
 #include <QImage>
 #include <QPainter>
+#include <algorithm>
 
 #include "apps/desktop/CameraModel.h"
-#include "apps/desktop/Fitted.h"
 
 namespace desktop {
 namespace {
 
 constexpr int kSpace = 6;
 constexpr qreal kRound = 6;
+// In lines of text, so that a larger font has larger pictures.
+constexpr int kCellLines = 12;
 
 QColor Faint(const QPalette& palette, int alpha) {
   QColor colour = palette.color(QPalette::Text);
@@ -63,16 +66,45 @@ void PaintCaption(QPainter& painter, const QStyleOptionViewItem& option, const Q
                    option.fontMetrics.elidedText(index.data().toString(), Qt::ElideMiddle, left));
 }
 
+void PaintHeadline(QPainter& painter, const QStyleOptionViewItem& option, const QString& text) {
+  QFont font = option.font;
+  font.setBold(true);
+  painter.setFont(font);
+  painter.setPen(option.palette.color(QPalette::Active, QPalette::Text));
+  painter.drawText(option.rect.adjusted(2 * kSpace, 0, 0, -kSpace), Qt::AlignLeft | Qt::AlignBottom, text);
+}
+
+void PaintPicture(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) {
+  PaintFrame(painter, option);
+  QRectF inside = QRectF(option.rect).adjusted(2 * kSpace, kSpace * 1.5, -2 * kSpace, -kSpace);
+  const qreal caption = option.fontMetrics.height() * 1.4;
+  PaintThumbnail(painter, option, index, inside.adjusted(0, 0, 0, -caption));
+  PaintCaption(painter, option, index, QRectF(inside.left(), inside.bottom() - caption, inside.width(), caption));
+}
+
 }  // namespace
+
+QRectF Fitted(QSizeF picture, const QRectF& place) {
+  QRectF fitted(QPointF(), picture.scaled(place.size(), Qt::KeepAspectRatio));
+  fitted.moveCenter(place.center());
+  return fitted;
+}
 
 void PictureDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
   painter->save();
-  PaintFrame(*painter, option);
-  QRectF inside = QRectF(option.rect).adjusted(2 * kSpace, kSpace * 1.5, -2 * kSpace, -kSpace);
-  const qreal caption = option.fontMetrics.height() * 1.4;
-  PaintThumbnail(*painter, option, index, inside.adjusted(0, 0, 0, -caption));
-  PaintCaption(*painter, option, index, QRectF(inside.left(), inside.bottom() - caption, inside.width(), caption));
+  painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+  index.data(CameraModel::kIsHeadline).toBool() ? PaintHeadline(*painter, option, index.data().toString())
+                                                : PaintPicture(*painter, option, index);
   painter->restore();
+}
+
+QSize PictureDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+  // A list breaks a line that is as wide as its place.
+  const int width = static_cast<const QAbstractScrollArea*>(option.widget)->maximumViewportSize().width() - 1;
+  const int line = option.fontMetrics.height();
+  if (index.data(CameraModel::kIsHeadline).toBool()) return {width, line * 5 / 2};
+  const int cell = width / std::max(1, width / (kCellLines * line));
+  return {cell, cell * 3 / 4 + line * 2};
 }
 
 }  // namespace desktop

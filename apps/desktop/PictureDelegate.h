@@ -5,12 +5,17 @@
 
 namespace desktop {
 
-/// Draws one picture of the grid: its thumbnail, and below it its name with a dot when it is new, and its types. All colours are
-/// the palette's.
+/// A picture of this size as large as it can be within a place, in its middle.
+QRectF Fitted(QSizeF picture, const QRectF& place);
+
+/// Draws a row of a DayList: a headline, or a picture's thumbnail, and below it its name with a dot when it is new, and its types.
+/// Cells grow until they fill a line. All colours are the palette's.
 class PictureDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+  /// `option` names the scroll area that shows the cells.
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 };
 
 }  // namespace desktop

@@ -44,7 +44,7 @@ TEST_F(PictureDelegateTest, AThumbnailKeepsItsShape) {
 TEST_F(PictureDelegateTest, ASelectedAndANewPictureLookDifferent) {
   const QImage plain = Painted(false);
   EXPECT_NE(Painted(true), plain);
-  model_.SetNew({0});
+  model_.SetNew("1");
   EXPECT_NE(Painted(false), plain);
 }
 

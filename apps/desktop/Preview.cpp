@@ -4,7 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
-#include "apps/desktop/Fitted.h"
+#include "apps/desktop/PictureDelegate.h"
 
 namespace desktop {
 

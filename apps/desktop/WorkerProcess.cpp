@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "apps/desktop/Wire.h"
-
 namespace desktop {
 namespace {
 
@@ -80,7 +78,10 @@ void WorkerProcess::Start() {
 }
 
 void WorkerProcess::Send(const QStringList& words) {
-  if (!dead_ && process_->state() != QProcess::NotRunning) process_->write(CommandLine(words));
+  if (dead_ || process_->state() == QProcess::NotRunning) return;
+  QByteArrayList encoded;
+  for (const QString& word : words) encoded.append(word.toUtf8().toPercentEncoding());
+  process_->write(encoded.join('\t') + '\n');
 }
 
 void WorkerProcess::BeginClose() {

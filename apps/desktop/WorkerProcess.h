@@ -34,7 +34,7 @@ class WorkerProcess {
   std::function<void()> onDeath;
 
   void Start();
-  /// Sends a command. Without a word after the process's death.
+  /// Sends a command: a line of percent-encoded words with TABs between. Nothing after the process's death.
   void Send(const QStringList& words);
   /// The exit status after its death; kExitCrashed when a signal ended it or it could not be started.
   int Exit() const { return exit_; }

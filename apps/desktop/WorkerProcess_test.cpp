@@ -38,6 +38,13 @@ TEST_F(WorkerProcessTest, CommandsArrive) {
   EXPECT_EQ(events_, QStringList("go"));
 }
 
+TEST_F(WorkerProcessTest, ATabALineFeedOrALetterBeyondAsciiCannotEndAWord) {
+  const auto worker = Start("IFS= read -r line; printf '{\"event\":\"%s\"}\\n' \"$(echo \"$line\" | tr '\\t' '|')\"");
+  worker->Send({"target", QStringLiteral("/a\tb\n%\u00e9"), ""});
+  ASSERT_TRUE(Await([&] { return dead_; }));
+  EXPECT_EQ(events_, QStringList("target|%2Fa%09b%0A%25%C3%A9|"));
+}
+
 TEST_F(WorkerProcessTest, AProgramThatIsNotThereIsADeath) {
   WorkerProcess worker("/nowhere/worker", {});
   worker.onDeath = [this] { dead_ = true; };

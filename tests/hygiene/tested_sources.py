@@ -40,7 +40,7 @@ ELSEWHERE = {
     # They need a session bus, and what stands in for it needs a Mac's compiler.
     "tests/desktop/window_test.py": "apps/desktop/dbus/Appearance.cpp apps/desktop/dbus/SingleInstance.cpp",
     "tests/macos/sources_test.py": """
-        apps/desktop/alone/Appearance.cpp apps/desktop/alone/SingleInstance.cpp
+        apps/desktop/alone/Session.cpp
         apps/kelva/verbs/portable/NoMountVerb.cpp""",
     # It waits for a camera's clock, which no unit test does.
     "tests/cli/survey_test.py": "apps/kelva/survey/Survey.cpp",

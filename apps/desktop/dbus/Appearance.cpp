@@ -1,5 +1,5 @@
 // Light or dark, as the portal of the user's desktop says.
-#include "apps/desktop/Appearance.h"
+#include "apps/desktop/Session.h"
 
 #include <QApplication>
 #include <QDBusConnection>

@@ -1,5 +1,5 @@
 // One window for each session: the name com.kelva.Desktop on the session bus, with the interface by which desktops start it.
-#include "apps/desktop/SingleInstance.h"
+#include "apps/desktop/Session.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -28,15 +28,8 @@ class SingleInstance::Door : public QDBusVirtualObject {
  public:
   std::function<void()> raise;
 
-  QString introspect(const QString&) const override {
-    return QStringLiteral(
-        "<interface name=\"org.freedesktop.Application\">"
-        "<method name=\"Activate\"><arg type=\"a{sv}\" direction=\"in\"/></method>"
-        "<method name=\"Open\"><arg type=\"as\" direction=\"in\"/><arg type=\"a{sv}\" direction=\"in\"/></method>"
-        "<method name=\"ActivateAction\"><arg type=\"s\" direction=\"in\"/><arg type=\"av\" direction=\"in\"/>"
-        "<arg type=\"a{sv}\" direction=\"in\"/></method>"
-        "</interface>");
-  }
+  // Who starts an application knows the interface.
+  QString introspect(const QString&) const override { return {}; }
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
     if (message.interface() != kInterface) return false;

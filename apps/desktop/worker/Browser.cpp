@@ -57,7 +57,6 @@ void Browser::ObeyAll() {
 
 void Browser::Obey(const Command& command) {
   const std::string& name = command.front();
-  if (name == "target" || name == "thumbs") wishes_.Keep(command);
   if (name == "quit") quits_ = true;
   if (name == "list") hasPictures_ = false;
   if (name == "target" && command.size() >= 4) {
@@ -164,9 +163,6 @@ void Browser::ReadCatalogue() {
   context_.Event("catalogue", Json::Object().Set("count", pictures_.size()), "");
   targetDue_ = target_.has_value();
   quietUntil_ = Clock::now() + 100ms;
-  // Of a process that aborted, or said before there was a list.
-  if (std::exchange(hasAllWishes_, true)) return;
-  for (const Command& command : wishes_.Kept()) Obey(command);
 }
 
 bool Browser::EndedAProcess(const std::string& token) const {

@@ -18,7 +18,6 @@
 #include "apps/desktop/worker/Input.h"
 #include "apps/desktop/worker/PictureEvents.h"
 #include "apps/desktop/worker/Target.h"
-#include "apps/desktop/worker/Wishes.h"
 #include "apps/import/Others.h"
 #include "src/wifi/DcfObj.h"
 
@@ -28,8 +27,8 @@ namespace apps {
 /// first, the rest when nothing is asked for. Holds the camera only while there is something to read. Belongs to one thread.
 class Browser {
  public:
-  /// All outlive this.
-  Browser(Context& context, Input& input, Wishes& wishes) : context_(context), input_(input), wishes_(wishes) {}
+  /// Both outlive this.
+  Browser(Context& context, Input& input) : context_(context), input_(input) {}
 
   /// Until the window says `quit`. Throws Stopped, and what ends work with a camera.
   void Run();
@@ -66,7 +65,6 @@ class Browser {
 
   Context& context_;
   Input& input_;
-  Wishes& wishes_;
   std::optional<Session> session_;
   bool quits_ = false;
   bool toldBusy_ = false;
@@ -75,7 +73,6 @@ class Browser {
   RegistryCamera facts_;
   std::vector<DcfObj> pictures_;
   bool hasPictures_ = false;
-  bool hasAllWishes_ = false;  // those that were kept, too
   bool hasFacts_ = false;
   std::vector<PictureSizes> sizes_;  // of the first ones
   std::optional<OtherFiles> others_;

@@ -6,7 +6,6 @@
 #include "apps/desktop/worker/Browser.h"
 #include "apps/desktop/worker/Input.h"
 #include "apps/desktop/worker/Watch.h"
-#include "apps/desktop/worker/Wishes.h"
 #include "apps/import/ImportRun.h"
 
 namespace apps {
@@ -19,7 +18,7 @@ ExitCode RunWatch(Context& context) {
 
 ExitCode RunCamera(Context& context) {
   const auto input = Input::OfThisProcess();
-  Browser(context, *input, Wishes::OfThisProgram()).Run();
+  Browser(context, *input).Run();
   return context.Result(Json::Object(), "");
 }
 

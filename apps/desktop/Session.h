@@ -1,5 +1,5 @@
-#ifndef KELVA_APPS_DESKTOP_SINGLE_INSTANCE_H_
-#define KELVA_APPS_DESKTOP_SINGLE_INSTANCE_H_
+#ifndef KELVA_APPS_DESKTOP_SESSION_H_
+#define KELVA_APPS_DESKTOP_SESSION_H_
 
 #include <functional>
 #include <memory>
@@ -26,6 +26,10 @@ class SingleInstance {
   bool hasAskedAnother_ = false;
 };
 
+/// Follows the user's wish for light or dark colours where Qt does not do so by itself. Returns at once; the colours change when
+/// the desktop has answered, and again when the wish changes.
+void FollowAppearance();
+
 }  // namespace desktop
 
-#endif  // KELVA_APPS_DESKTOP_SINGLE_INSTANCE_H_
+#endif  // KELVA_APPS_DESKTOP_SESSION_H_

@@ -1,5 +1,5 @@
-// Where the system itself starts an application once.
-#include "apps/desktop/SingleInstance.h"
+// Where the system starts an application once, and Qt follows its colours.
+#include "apps/desktop/Session.h"
 
 namespace desktop {
 
@@ -8,5 +8,7 @@ class SingleInstance::Door {};
 SingleInstance::SingleInstance() = default;
 SingleInstance::~SingleInstance() = default;
 void SingleInstance::OnActivate(std::function<void()>) {}
+
+void FollowAppearance() {}
 
 }  // namespace desktop
