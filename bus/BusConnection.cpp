@@ -5,7 +5,6 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -15,6 +14,9 @@
 
 namespace bus {
 namespace {
+
+// The answer to a command that reads 64 KiB comes in one go.
+constexpr std::size_t kAtOnce = std::size_t{68} << 10;
 
 int MillisecondsUntil(std::chrono::steady_clock::time_point deadline) {
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count();
@@ -86,13 +88,13 @@ bool BusConnection::Receive(Deadline deadline, bool wait) {
     ready = ::poll(&readable, 1, !wait ? 0 : deadline ? MillisecondsUntil(*deadline) : -1);
   } while (ready < 0 && errno == EINTR);
   if (ready == 0) return false;
-  std::array<std::uint8_t, 64 * 1024> block;
-  const ssize_t count = ::recv(socket_.Get(), block.data(), block.size(), 0);
+  const std::span<std::uint8_t> room = in_.Room(kAtOnce);
+  const ssize_t count = ::recv(socket_.Get(), room.data(), room.size(), 0);
   if (count <= 0) {
     ended_ = !(count < 0 && errno == EINTR);
     return !ended_;
   }
-  in_.Feed(std::span(block).first(static_cast<std::size_t>(count)));
+  in_.Came(static_cast<std::size_t>(count));
   return true;
 }
 

@@ -11,6 +11,9 @@ namespace bus {
 class FrameReader {
  public:
   void Feed(std::span<const std::uint8_t> bytes);
+  /// The same without a copy: a place for `count` bytes more, valid until the next call of any member, and how many came there.
+  std::span<std::uint8_t> Room(std::size_t count);
+  void Came(std::size_t count) { end_ += broken_ ? 0 : count; }
   /// The next whole frame, if there is one.
   std::optional<Frame> Next();
   /// Whether the stream announced a frame that is too short or too long; nothing is read after that.
@@ -19,8 +22,11 @@ class FrameReader {
  private:
   std::optional<std::size_t> FrameLength();
 
+  std::span<const std::uint8_t> Held() const { return std::span(buffer_).subspan(start_, end_ - start_); }
+
   base::Bytes buffer_;
-  std::size_t start_ = 0;
+  std::size_t start_ = 0;  // of what no frame was made of yet
+  std::size_t end_ = 0;    // of what has arrived
   bool broken_ = false;
 };
 

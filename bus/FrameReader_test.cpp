@@ -24,6 +24,25 @@ TEST(FrameReader, CutsAFrameOutOfAStreamInAnyPieces) {
   }
 }
 
+TEST(FrameReader, TakesWhatCameIntoItsOwnMemory) {
+  FrameReader reader;
+  std::vector<Frame> frames;
+  // Four and a half frames, in pieces that are larger and smaller than the rest of one.
+  base::Bytes stream;
+  for (int frame = 0; frame < 5; ++frame) stream.insert(stream.end(), kUnplugFrame.begin(), kUnplugFrame.end());
+  stream.resize(stream.size() - kUnplugFrame.size() / 2);
+  for (std::size_t at = 0, piece = 1; at < stream.size(); at += piece++) {
+    const std::size_t count = std::min(piece, stream.size() - at);
+    const std::span<std::uint8_t> room = reader.Room(100);
+    ASSERT_EQ(room.size(), 100U);
+    std::copy_n(stream.begin() + static_cast<std::ptrdiff_t>(at), count, room.begin());
+    reader.Came(count);
+    while (auto frame = reader.Next()) frames.push_back(*frame);
+  }
+  ASSERT_EQ(frames.size(), 4U);
+  EXPECT_EQ(frames[3].payload, (base::Bytes{1, 0, 'K'}));
+}
+
 TEST(FrameReader, FindsSeveralFramesInOnePiece) {
   FrameReader reader;
   base::Bytes two = kUnplugFrame;

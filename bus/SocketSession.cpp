@@ -40,8 +40,8 @@ class SocketSession : public CommandSession {
     const auto answer = connection_->Request(Kind::kCommand, Encode(command), timeout);
     // An answer that comes too late has this command's tag and is dropped.
     if (!answer) return wire::EndedBy(connection_->Ended() ? wire::Transport::kGone : wire::Transport::kHang);
-    const std::optional<wire::Reply> reply = Decode<wire::Reply>(answer->payload);
-    return answer->kind == Kind::kReply && reply ? *reply : wire::EndedBy(wire::Transport::kGone);
+    std::optional<wire::Reply> reply = Decode<wire::Reply>(answer->payload);
+    return answer->kind == Kind::kReply && reply ? std::move(*reply) : wire::EndedBy(wire::Transport::kGone);
   }
 
  private:
