@@ -116,6 +116,7 @@ std::vector<WriteJob> Writers::Next() {
 }
 
 void Writers::Run() {
+  reader_.KeepOff();
   for (std::vector<WriteJob> jobs = Next(); !jobs.empty(); jobs = Next()) {
     std::size_t bytes = 0;
     for (const WriteJob& job : jobs) bytes += OnItsWay(job);

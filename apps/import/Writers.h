@@ -20,6 +20,7 @@
 #include "apps/import/Folders.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Plan.h"
+#include "platform/Processors.h"
 
 namespace apps {
 
@@ -49,8 +50,8 @@ struct WriteOutcome {
   std::string unlikeKey = "";  ///< not stored, no error: the SHA-1, which is not the catalogue's key
 };
 
-/// Stores files while the next ones are being read. Several threads, because most of their time is spent waiting for
-/// the disk. Files become part of the manifest in groups, about one a second, after their folders were flushed;
+/// Stores files while the next ones are being read, by the thread that makes this. Several threads, because most of their
+/// time is spent waiting for the disk. They leave the reader its processor. Files become part of the manifest in groups, about one a second, after their folders were flushed;
 /// outcomes are reported after that.
 class Writers {
  public:
@@ -145,6 +146,7 @@ class Writers {
 
   std::mutex commitMutex_;   // the manifest and the report
   bool unrecorded_ = false;  // a group could not be recorded, so no other will be
+  const platform::OwnProcessor reader_{kThreads + 1};
   std::vector<std::thread> threads_;
 };
 

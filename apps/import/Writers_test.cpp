@@ -15,6 +15,7 @@
 #include "apps/files/SystemCalls.h"
 #include "apps/files/testing/RecordingCalls.h"
 #include "apps/import/testing/SyncTest.h"
+#include "platform/Processors.h"
 
 namespace apps {
 namespace {
@@ -247,6 +248,45 @@ class MeasuringCalls : public SystemCalls {
   std::size_t named_ = 0;
   FileCalls& before_;
 };
+
+/// Notes on which processors a thread that stores may run.
+class ProcessorCalls : public SystemCalls {
+ public:
+  ProcessorCalls() : before_(FileCalls::Replace(*this)) {}
+  ~ProcessorCalls() override { FileCalls::Replace(before_); }
+  int Create(int folder, const std::string& name) override {
+    ofWriter = platform::Processors();
+    return SystemCalls::Create(folder, name);
+  }
+
+  std::vector<int> ofWriter;
+
+ private:
+  FileCalls& before_;
+};
+
+// With a processor for each of the five threads, and on a Mac, the system chooses.
+TEST_F(WritersTest, TheReaderHasAProcessorToItselfWhereTheyAreFew) {
+  const std::vector<int> all = platform::Processors();
+  const bool few = all.size() > 1 && all.size() < 5;
+  const SyncPlan plan = Plan({Picture(1)});
+  ProcessorCalls calls;
+  auto writers = Make([](const WriteOutcome&) {});
+  const std::vector<int> ofReader = platform::Processors();
+  writers->Submit({plan.items.data(), {'a'}, "", false});
+  writers->Finish();
+  std::vector<int> either = ofReader;
+  either.insert(either.end(), calls.ofWriter.begin(), calls.ofWriter.end());
+  if (few) {
+    EXPECT_EQ(ofReader.size(), 1U);
+    EXPECT_THAT(either, testing::UnorderedElementsAreArray(all));
+  } else {
+    EXPECT_EQ(ofReader, all);
+    EXPECT_EQ(calls.ofWriter, all);
+  }
+  writers.reset();
+  EXPECT_EQ(platform::Processors(), all);
+}
 
 TEST_F(WritersTest, TheReaderWaitsWhileFourMegabytesAreOnTheirWay) {
   std::vector<DcfObj> catalogue;

@@ -20,6 +20,7 @@
 #include "apps/commandline/ProgramBeside.h"
 #include "apps/decoder/Worker.h"
 #include "platform/Process.h"
+#include "platform/Processors.h"
 #include "platform/Sockets.h"
 
 namespace apps {
@@ -60,6 +61,7 @@ class Setup {
   int Spawn(pid_t& child, std::string program) const {
     char* const arguments[] = {program.data(), nullptr};
     char* const environment[] = {nullptr};
+    const platform::NoOwnProcessor none;
     return ::posix_spawn(&child, program.c_str(), &actions_, &attributes_, arguments, environment);
   }
 

@@ -11,6 +11,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/decoder/testing/TinyJpeg.h"
 #include "base/testing/ScratchFolder.h"
+#include "platform/Processors.h"
 
 namespace apps {
 namespace {
@@ -38,6 +39,15 @@ class ThumbnailerTest : public ::testing::Test {
     } catch (const Failure& failure) {
       return failure.what();
     }
+  }
+
+  /// The processors that a process may use; empty where the system does not tell.
+  static std::string Allowed(const std::string& path) {
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+      if (line.starts_with("Cpus_allowed_list:")) return line;
+    }
+    return "";
   }
 
   const base::ScratchFolder scratch_{};
@@ -122,6 +132,17 @@ TEST_F(ThumbnailerTest, ARequestToStopEndsTheWait) {
   Thumbnailer thumbnailer(Script("exec sleep 60"));
   stop_.Request();
   EXPECT_THROW(ReasonOf(thumbnailer), Stopped);
+}
+
+// The thread that reads a camera may have a processor of its own; what it starts would stay there.
+TEST_F(ThumbnailerTest, TheProcessMayUseAllProcessors) {
+  const auto count = platform::Processors().size();
+  const platform::OwnProcessor own(count + 1);
+  const std::string here = (scratch_.Path() / "allowed").string();
+  Thumbnailer thumbnailer(Script("grep Cpus_allowed_list: /proc/self/status > '" + here + "'; exit 3"));
+  EXPECT_THAT(FailureOf(thumbnailer), HasSubstr("give up its rights"));
+  const platform::NoOwnProcessor none;
+  EXPECT_EQ(Allowed(here), Allowed("/proc/thread-self/status"));
 }
 
 TEST_F(ThumbnailerTest, AProgramThatIsMissingIsAFailure) {
