@@ -28,6 +28,7 @@ ELSEWHERE = {
     "apps/tool/Tool_test.cpp": "apps/tool/NoHandOver.cpp",
     "platform/Files_test.cpp": "platform/linux/Files.cpp platform/macos/Files.cpp",
     "platform/Process_test.cpp": "platform/linux/Process.cpp platform/macos/Process.cpp",
+    "platform/Processors_test.cpp": "platform/linux/Processors.cpp platform/macos/Processors.cpp",
     "platform/Sockets_test.cpp": "platform/linux/Sockets.cpp platform/macos/Sockets.cpp",
     "apps/decoder/Confine_test.cpp": """
         apps/decoder/ConfineLinux.cpp apps/decoder/ConfineNot.cpp apps/decoder/ConfinePosix.cpp""",
