@@ -3,8 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
-
+#include "apps/camera/testing/MadePicture.h"
 #include "apps/commandline/Failure.h"
 
 namespace apps {
@@ -13,12 +12,7 @@ namespace {
 using testing::HasSubstr;
 
 DcfObj Made(int folder, int number) {
-  DcfObj picture{};
-  std::memcpy(picture.directorySuffix, "ABCDE", 5);
-  std::memcpy(picture.filePrefix, "IMG_", 4);
-  picture.directoryNumber = folder;
-  picture.fileNumber = number;
-  picture.hasJpg = 1;
+  DcfObj picture = MadePicture(number, folder);
   picture.hasRaw = 1;
   return picture;
 }

@@ -2,30 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "apps/camera/testing/FakeCamera.h"
+#include "apps/camera/testing/MadePicture.h"
 #include "src/wifi/FileReader.h"
 
 namespace apps {
 namespace {
-
-DcfObj Picture() {
-  DcfObj picture{};
-  std::memcpy(picture.directorySuffix, "ABCDE", 5);
-  std::memcpy(picture.filePrefix, "IMG_", 4);
-  picture.directoryNumber = 100;
-  picture.fileNumber = 1;
-  picture.hasJpg = 1;
-  return picture;
-}
 
 TEST(PictureStartTest, ASmallFileComesWhole) {
   FakeCamera camera;
   camera.open = true;
   for (const std::size_t size : {std::size_t{1}, std::size_t{65'535}, PictureStart::kMost}) {
     camera.files["IMG_0001.JPG"] = std::string(size, 'x');
-    const PictureStart start = ReadStart(Shared(camera), Picture());
+    const PictureStart start = ReadStart(Shared(camera), MadePicture(1));
     EXPECT_EQ(start.bytes.size(), size);
     EXPECT_TRUE(start.IsWhole());
   }
@@ -35,7 +24,7 @@ TEST(PictureStartTest, OfALargeFileTheStartComes) {
   FakeCamera camera;
   camera.open = true;
   camera.files["IMG_0001.JPG"] = std::string(65'536, 'a') + "b";
-  const PictureStart start = ReadStart(Shared(camera), Picture());
+  const PictureStart start = ReadStart(Shared(camera), MadePicture(1));
   EXPECT_EQ(std::string(start.bytes.begin(), start.bytes.end()), std::string(65'536, 'a'));
   EXPECT_EQ(start.size, 65'537U);
   EXPECT_FALSE(start.IsWhole());
@@ -44,7 +33,7 @@ TEST(PictureStartTest, OfALargeFileTheStartComes) {
 TEST(PictureStartTest, APictureWithoutAJpegIsAnError) {
   FakeCamera camera;
   camera.open = true;
-  DcfObj raw = Picture();
+  DcfObj raw = MadePicture(1);
   raw.hasJpg = 0;
   raw.hasRaw = 1;
   EXPECT_THROW(ReadStart(Shared(camera), raw), CameraError);

@@ -2,23 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
+#include "apps/camera/testing/MadePicture.h"
 #include "base/testing/ScratchFolder.h"
 
 namespace apps {
 namespace {
 
 DcfObj Picture(int folder, int number, const char* key = "") {
-  DcfObj picture{};
-  std::memcpy(picture.directorySuffix, "ABCDE", 5);
-  std::memcpy(picture.filePrefix, "IMG_", 4);
-  picture.directoryNumber = folder;
-  picture.fileNumber = number;
-  picture.hasJpg = picture.hasRaw = 1;
-  std::memcpy(picture.block7, key, std::strlen(key));
+  DcfObj picture = MadePicture(number, folder, key);
+  picture.hasRaw = 1;
   return picture;
 }
 

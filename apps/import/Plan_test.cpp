@@ -4,8 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstring>
-
+#include "apps/camera/testing/MadePicture.h"
 #include "apps/commandline/Failure.h"
 #include "base/testing/ScratchFolder.h"
 
@@ -17,14 +16,8 @@ using testing::ElementsAre;
 constexpr char kKey[] = "a9993e364706816aba3e25717850c26c9cd0d89d";
 
 DcfObj Made(int folder, int number) {
-  DcfObj picture{};
-  std::memcpy(picture.directorySuffix, "ABCDE", 5);
-  std::memcpy(picture.filePrefix, "IMG_", 4);
-  picture.directoryNumber = folder;
-  picture.fileNumber = number;
-  picture.hasJpg = 1;
+  DcfObj picture = MadePicture(number, folder, kKey);
   picture.hasRaw = 1;
-  std::memcpy(picture.block7, kKey, 40);
   return picture;
 }
 

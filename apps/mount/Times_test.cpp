@@ -5,18 +5,14 @@
 #include <cstring>
 
 #include "apps/camera/testing/FakeCamera.h"
+#include "apps/camera/testing/MadePicture.h"
 #include "apps/import/TakenTime.h"
 
 namespace apps {
 namespace {
 
 DcfObj Picture(int number, const std::string& taken) {
-  DcfObj picture{};
-  std::memcpy(picture.directorySuffix, "ABCDE", 5);
-  std::memcpy(picture.filePrefix, "IMG_", 4);
-  picture.directoryNumber = 100;
-  picture.fileNumber = number;
-  picture.hasJpg = 1;
+  DcfObj picture = MadePicture(number);
   std::memcpy(picture.block8, taken.data(), taken.size());
   return picture;
 }

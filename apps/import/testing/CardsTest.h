@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -15,6 +14,7 @@
 
 #include "apps/camera/Picture.h"
 #include "apps/camera/testing/FakeCamera.h"
+#include "apps/camera/testing/MadePicture.h"
 #include "apps/commandline/testing/SilentContext.h"
 #include "apps/files/Sha1.h"
 #include "apps/import/Sync.h"
@@ -35,18 +35,11 @@ class CardsTest : public testing::Test, protected SilentContext {
     }
     /// A picture with these files; the first one's SHA-1 is in the catalogue if it `hasKey`.
     void Put(int number, const std::map<int, std::string>& files, bool hasKey) {
-      DcfObj picture{};
-      std::memcpy(picture.directorySuffix, "ABCDE", 5);
-      std::memcpy(picture.filePrefix, "IMG_", 4);
-      picture.directoryNumber = 100;
-      picture.fileNumber = number;
+      DcfObj picture = MadePicture(number, 100, hasKey ? Sha1(files.begin()->second) : "");
+      picture.hasJpg = 0;
       picture.value9 = ++made_;
       for (const auto& [type, text] : files) {
         (type == 1 ? picture.hasJpg : type == 2 ? picture.hasRaw : type == 3 ? picture.hasTxt : picture.has128) = 1;
-      }
-      if (hasKey) {
-        const std::string key = Sha1(files.begin()->second);
-        std::memcpy(picture.block7, key.data(), key.size());
       }
       for (int type = kFirstFileType; type <= kLastFileType; ++type) camera.files.erase(PictureFileName(picture, type));
       for (const auto& [type, text] : files) camera.files[PictureFileName(picture, type)] = text;

@@ -4,12 +4,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
 
+#include "apps/camera/testing/MadePicture.h"
 #include "apps/import/CutFiles.h"
 #include "apps/import/Plan.h"
 #include "base/testing/ScratchFolder.h"
@@ -19,16 +19,7 @@ namespace apps {
 /// A target folder with a manifest, and pictures of a catalogue.
 class SyncFolderTest : public testing::Test {
  protected:
-  static DcfObj Picture(int number, const std::string& key = "") {
-    DcfObj picture{};
-    std::memcpy(picture.directorySuffix, "ABCDE", 5);
-    std::memcpy(picture.filePrefix, "IMG_", 4);
-    picture.directoryNumber = 100;
-    picture.fileNumber = number;
-    picture.hasJpg = 1;
-    std::memcpy(picture.block7, key.data(), key.size());
-    return picture;
-  }
+  static DcfObj Picture(int number, const std::string& key = "") { return MadePicture(number, 100, key); }
   SyncPlan Plan(const std::vector<DcfObj>& catalogue) {
     return MakePlan(catalogue, "K1", {1}, Pattern(Pattern::kDefault), manifest_, &folder_);
   }

@@ -27,20 +27,20 @@ class BesideTest : public SheetFolderTest {
 };
 
 TEST_F(BesideTest, NothingIsHereUnlessItWasFetched) {
-  EXPECT_EQ(Here({SheetPicture(1)}).Find(SheetPicture(1), 1, 3), "");
+  EXPECT_EQ(Here({MadePicture(1)}).Find(MadePicture(1), 1, 3), "");
 }
 
 TEST_F(BesideTest, AFileInItsFolderIsFoundByNameAndSize) {
   Put("100ABCDE/IMG_0001.JPG", "one");
-  EXPECT_EQ(Here({SheetPicture(1)}).Find(SheetPicture(1), 1, 3), "100ABCDE/IMG_0001.JPG");
-  EXPECT_EQ(Here({SheetPicture(1)}).Find(SheetPicture(1), 1, 4), "") << "another picture of that name";
-  EXPECT_EQ(Here({SheetPicture(1)}).Find(SheetPicture(1), 1, std::nullopt), "");
+  EXPECT_EQ(Here({MadePicture(1)}).Find(MadePicture(1), 1, 3), "100ABCDE/IMG_0001.JPG");
+  EXPECT_EQ(Here({MadePicture(1)}).Find(MadePicture(1), 1, 4), "") << "another picture of that name";
+  EXPECT_EQ(Here({MadePicture(1)}).Find(MadePicture(1), 1, std::nullopt), "");
 }
 
 TEST_F(BesideTest, AFileWithoutItsFolderIsFoundWhenOnlyOnePictureHasTheName) {
   Put("IMG_0001.JPG", "one");
-  EXPECT_EQ(Here({SheetPicture(1)}).Find(SheetPicture(1), 1, 3), "IMG_0001.JPG");
-  EXPECT_EQ(Here({SheetPicture(1), SheetPicture(1, 101)}).Find(SheetPicture(1), 1, 3), "");
+  EXPECT_EQ(Here({MadePicture(1)}).Find(MadePicture(1), 1, 3), "IMG_0001.JPG");
+  EXPECT_EQ(Here({MadePicture(1), MadePicture(1, 101)}).Find(MadePicture(1), 1, 3), "");
 }
 
 TEST_F(BesideTest, LinksAndFoldersAreNoFetchedFiles) {
@@ -48,28 +48,28 @@ TEST_F(BesideTest, LinksAndFoldersAreNoFetchedFiles) {
   std::filesystem::create_symlink("elsewhere", path_ + "/IMG_0001.JPG");
   std::filesystem::create_directories(path_ + "/100ABCDE/IMG_0001.JPG");
   const auto size = std::filesystem::file_size(path_ + "/elsewhere");
-  EXPECT_EQ(Here({SheetPicture(1)}).Find(SheetPicture(1), 1, size), "");
+  EXPECT_EQ(Here({MadePicture(1)}).Find(MadePicture(1), 1, size), "");
 }
 
 TEST_F(BesideTest, WhereSyncStoredItCountsBeforeTheName) {
   Put("100ABCDE/IMG_0001.JPG", "two");
   Put("2026/beach.jpg", "one");
-  Note(SheetPicture(1), "2026/beach.jpg");
-  EXPECT_EQ(Here({SheetPicture(1)}).Find(SheetPicture(1), 1, 3), "2026/beach.jpg");
+  Note(MadePicture(1), "2026/beach.jpg");
+  EXPECT_EQ(Here({MadePicture(1)}).Find(MadePicture(1), 1, 3), "2026/beach.jpg");
   std::filesystem::remove(path_ + "/2026/beach.jpg");
-  EXPECT_EQ(Here({SheetPicture(1)}).Find(SheetPicture(1), 1, 3), "100ABCDE/IMG_0001.JPG");
+  EXPECT_EQ(Here({MadePicture(1)}).Find(MadePicture(1), 1, 3), "100ABCDE/IMG_0001.JPG");
 }
 
 TEST_F(BesideTest, TheContentIsTakenFromHereOnlyWhileItIsWhatWasFetched) {
   const std::string here = "100ABCDE/IMG_0001.JPG";
   Put(here, "one");
-  EXPECT_EQ(Here({SheetPicture(1)}).Read(SheetPicture(1), 1), std::nullopt) << "a name alone proves nothing";
-  Note(SheetPicture(1), here);
-  EXPECT_EQ(Here({SheetPicture(1)}).Read(SheetPicture(1), 1), (std::vector<char>{'o', 'n', 'e'}));
+  EXPECT_EQ(Here({MadePicture(1)}).Read(MadePicture(1), 1), std::nullopt) << "a name alone proves nothing";
+  Note(MadePicture(1), here);
+  EXPECT_EQ(Here({MadePicture(1)}).Read(MadePicture(1), 1), (std::vector<char>{'o', 'n', 'e'}));
   Put(here, "two");
-  EXPECT_EQ(Here({SheetPicture(1)}).Read(SheetPicture(1), 1), std::nullopt);
+  EXPECT_EQ(Here({MadePicture(1)}).Read(MadePicture(1), 1), std::nullopt);
   Put(here, "longer");
-  EXPECT_EQ(Here({SheetPicture(1)}).Read(SheetPicture(1), 1), std::nullopt);
+  EXPECT_EQ(Here({MadePicture(1)}).Read(MadePicture(1), 1), std::nullopt);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ TEST(FileSizesTest, SizesComeFromTheFoldersListing) {
   camera.files = {{"img_0001.jpg", "four"}, {"IMG_0002.JPG", "sixsix"}, {"IMG_0001.RAW", "x"}};
   camera.folders = {"IMG_0003.JPG"};
   const Stop stop;
-  const auto sizes = ReadFileSizes(stop, camera, {SheetPicture(2), SheetPicture(1), SheetPicture(3)});
+  const auto sizes = ReadFileSizes(stop, camera, {MadePicture(2), MadePicture(1), MadePicture(3)});
   ASSERT_EQ(sizes.size(), 3U);
   EXPECT_EQ(sizes[0][0], 6U);
   EXPECT_EQ(sizes[1][0], 4U);
@@ -35,14 +35,14 @@ class UnlistableCamera : public FakeCamera {
 TEST(FileSizesTest, AFolderThatCannotBeListedLeavesItsSizesUnknown) {
   UnlistableCamera camera("ReadDir() truncated.");
   const Stop stop;
-  EXPECT_EQ(ReadFileSizes(stop, camera, {SheetPicture(1)})[0][0], std::nullopt);
+  EXPECT_EQ(ReadFileSizes(stop, camera, {MadePicture(1)})[0][0], std::nullopt);
 }
 
 TEST(FileSizesTest, ARequestToStopIsNoticedBetweenFolders) {
   FakeCamera camera;
   Stop stop;
   stop.Request();
-  EXPECT_THROW(ReadFileSizes(stop, camera, {SheetPicture(1)}), Stopped);
+  EXPECT_THROW(ReadFileSizes(stop, camera, {MadePicture(1)}), Stopped);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 
 DcfObj Timed(int number, const char* time) {
-  DcfObj picture = SheetPicture(number);
+  DcfObj picture = MadePicture(number);
   std::memcpy(picture.block8, time, std::strlen(time));
   return picture;
 }
@@ -48,7 +48,7 @@ class SheetTest : public SheetFolderTest, protected SilentContext {
 };
 
 TEST_F(SheetTest, APictureIsReadOnceAndDrawn) {
-  EXPECT_EQ(Draw(camera_, {SheetPicture(1), SheetPicture(3)}).drawn, 2U);
+  EXPECT_EQ(Draw(camera_, {MadePicture(1), MadePicture(3)}).drawn, 2U);
   EXPECT_EQ(camera_.reads, 2);
   EXPECT_EQ(cards_[0].name, "IMG_0001");
   EXPECT_EQ(cards_[0].files[0].size, camera_.files["IMG_0001.JPG"].size());
@@ -62,7 +62,7 @@ std::string Large(const std::string& parts) {
 
 TEST_F(SheetTest, OfAPictureWithAnExifThumbnailOnlyTheStartIsRead) {
   camera_.files["IMG_0001.JPG"] = Large(TinyJpeg::ExifPartWith(TinyJpeg::File(2, {90, 90})));
-  EXPECT_EQ(Draw(camera_, {SheetPicture(1)}).drawn, 1U);
+  EXPECT_EQ(Draw(camera_, {MadePicture(1)}).drawn, 1U);
   EXPECT_EQ(camera_.reads, 1);
   EXPECT_EQ(cards_[0].thumbnail->width, 16);
   EXPECT_EQ(cards_[0].time, "2026-03-14 15:09:26");
@@ -71,7 +71,7 @@ TEST_F(SheetTest, OfAPictureWithAnExifThumbnailOnlyTheStartIsRead) {
 
 TEST_F(SheetTest, APictureWithoutAnExifThumbnailIsReadWhole) {
   camera_.files["IMG_0001.JPG"] = Large(TinyJpeg::ExifPart(1));
-  EXPECT_EQ(Draw(camera_, {SheetPicture(1)}).drawn, 1U);
+  EXPECT_EQ(Draw(camera_, {MadePicture(1)}).drawn, 1U);
   EXPECT_EQ(camera_.reads, 2);
   EXPECT_EQ(cards_[0].thumbnail->height, 400);
 }
@@ -79,7 +79,7 @@ TEST_F(SheetTest, APictureWithoutAnExifThumbnailIsReadWhole) {
 TEST_F(SheetTest, WherePicturesHaveNoExifThumbnailTheirStartsAreNotReadBefore) {
   std::vector<DcfObj> catalogue;
   for (int number = 1; number <= 60; ++number) {
-    catalogue.push_back(SheetPicture(number));
+    catalogue.push_back(MadePicture(number));
     camera_.files["IMG_00" + std::to_string(100 + number).substr(1) + ".JPG"] = Large("");
   }
   EXPECT_EQ(Draw(camera_, catalogue).drawn, 60U);
@@ -93,7 +93,7 @@ TEST_F(SheetTest, CardsKeepTheOrderOfTheCatalogueHoweverLongEachTakes) {
     const std::string name = "IMG_00" + std::to_string(number);
     const bool slow = number % 5 == 0;
     camera_.files[name + ".JPG"] = slow ? TinyJpeg::File(100, std::vector<int>(20000, 90)) : TinyJpeg::File(1, {90});
-    catalogue.push_back(SheetPicture(number));
+    catalogue.push_back(MadePicture(number));
     expected.push_back(name);
   }
   EXPECT_EQ(Draw(camera_, catalogue).drawn, 20U);
@@ -113,12 +113,12 @@ TEST_F(SheetTest, OfAPictureThatWasDrawnBeforeNothingIsReadUnlessItChanged) {
     EXPECT_EQ(sheet.Totals().drawn, catalogue.size());
     return sheet.Totals().kept;
   };
-  EXPECT_EQ(redraw({SheetPicture(1), SheetPicture(3)}), 0U);
+  EXPECT_EQ(redraw({MadePicture(1), MadePicture(3)}), 0U);
   EXPECT_EQ(camera_.reads, 2);
-  EXPECT_EQ(redraw({SheetPicture(1), SheetPicture(3)}), 2U);
+  EXPECT_EQ(redraw({MadePicture(1), MadePicture(3)}), 2U);
   EXPECT_EQ(camera_.reads, 0);
   camera_.files["IMG_0001.JPG"] = TinyJpeg::File(1, {90}, TinyJpeg::ExifPart(6));
-  EXPECT_EQ(redraw({SheetPicture(1), Timed(3, "2026-01-01 00:00:00")}), 0U);
+  EXPECT_EQ(redraw({MadePicture(1), Timed(3, "2026-01-01 00:00:00")}), 0U);
   EXPECT_EQ(camera_.reads, 2);
 }
 
@@ -126,7 +126,7 @@ TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
   camera_.onRead = [](const std::string& path) {
     if (path.ends_with("IMG_0002.JPG")) throw CameraError("truncated");
   };
-  const SheetTotals totals = Draw(camera_, {SheetPicture(1), SheetPicture(2), SheetPicture(3)});
+  const SheetTotals totals = Draw(camera_, {MadePicture(1), MadePicture(2), MadePicture(3)});
   EXPECT_EQ(totals.drawn, 2U);
   EXPECT_EQ(totals.failed, 1U);
   EXPECT_EQ(cards_[1].trouble, "cannot be read");
@@ -136,14 +136,14 @@ TEST_F(SheetTest, APictureThatCannotBeReadIsReportedAndTheRestGoesOn) {
 
 TEST_F(SheetTest, AFileIsReadNoFurtherThanItIsLong) {
   camera_.endless = true;
-  EXPECT_EQ(Draw(camera_, {SheetPicture(1)}).failed, 1U);
+  EXPECT_EQ(Draw(camera_, {MadePicture(1)}).failed, 1U);
   EXPECT_THAT(list_, testing::HasSubstr("IMG_0001.JPG: the camera sent a wrong answer (more came than the "));
 }
 
 TEST_F(SheetTest, AFileThatIsAnnouncedWithMoreThanItsFolderListsIsNotRead) {
   camera_.lie = -1;
   const std::size_t size = camera_.files["IMG_0001.JPG"].size();
-  EXPECT_EQ(Draw(camera_, {SheetPicture(1)}).failed, 1U);
+  EXPECT_EQ(Draw(camera_, {MadePicture(1)}).failed, 1U);
   EXPECT_THAT(list_, testing::HasSubstr("the folder gives it " + std::to_string(size - 1) +
                                         " bytes, and the camera announces " + std::to_string(size) + " bytes"));
 }
@@ -151,7 +151,7 @@ TEST_F(SheetTest, AFileThatIsAnnouncedWithMoreThanItsFolderListsIsNotRead) {
 TEST_F(SheetTest, AMissingAndAnEmptyAndANonsenseFileAreNotDrawn) {
   camera_.files["IMG_0001.JPG"] = "";
   camera_.files["IMG_0003.JPG"] = "no picture";
-  EXPECT_EQ(Draw(camera_, {SheetPicture(1), SheetPicture(3), SheetPicture(4)}).failed, 3U);
+  EXPECT_EQ(Draw(camera_, {MadePicture(1), MadePicture(3), MadePicture(4)}).failed, 3U);
   for (const Card& card : cards_) {
     EXPECT_EQ(card.trouble, "cannot be drawn");
   }
@@ -160,14 +160,14 @@ TEST_F(SheetTest, AMissingAndAnEmptyAndANonsenseFileAreNotDrawn) {
 TEST_F(SheetTest, ADamagedPictureIsDrawnAndReported) {
   std::string& file = camera_.files["IMG_0003.JPG"];
   file.resize(file.size() - 4);
-  const SheetTotals totals = Draw(camera_, {SheetPicture(3)});
+  const SheetTotals totals = Draw(camera_, {MadePicture(3)});
   EXPECT_EQ(totals.drawn, 1U);
   EXPECT_EQ(totals.failed, 1U);
   EXPECT_EQ(cards_[0].trouble, "damaged");
 }
 
 TEST_F(SheetTest, APictureWithoutJpegIsNoFailure) {
-  DcfObj raw = SheetPicture(1);
+  DcfObj raw = MadePicture(1);
   raw.hasJpg = 0;
   raw.hasRaw = 1;
   const SheetTotals totals = Draw(camera_, {raw});
@@ -178,7 +178,7 @@ TEST_F(SheetTest, APictureWithoutJpegIsNoFailure) {
 
 TEST_F(SheetTest, TheFilesOwnTimeServesWhereTheCatalogueHasNone) {
   camera_.files["IMG_0001.JPG"] = TinyJpeg::File(1, {90}, TinyJpeg::ExifPart(1));
-  Draw(camera_, {SheetPicture(1), Timed(1, "2025-01-02 03:04:05")});
+  Draw(camera_, {MadePicture(1), Timed(1, "2025-01-02 03:04:05")});
   EXPECT_EQ(cards_[0].time, "2026-03-14 15:09:26");
   EXPECT_EQ(cards_[1].time, "2025-01-02 03:04:05");
 }
@@ -189,12 +189,12 @@ TEST_F(SheetTest, ACameraThatHasGoneEndsIt) {
         "Transfer error\nCDB=[c4 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00]\nret=0xe00002c0 "
         "result.status=0x00000000");
   };
-  EXPECT_THROW(Draw(camera_, {SheetPicture(1)}), CameraError);
+  EXPECT_THROW(Draw(camera_, {MadePicture(1)}), CameraError);
 }
 
 TEST_F(SheetTest, ARequestToStopIsNoticedBeforeTheNextPicture) {
   stop_.Request();
-  EXPECT_THROW(Draw(camera_, {SheetPicture(1)}), Stopped);
+  EXPECT_THROW(Draw(camera_, {MadePicture(1)}), Stopped);
   EXPECT_EQ(camera_.reads, 0);
 }
 
@@ -207,7 +207,7 @@ TEST(InSheetOrderTest, TimeDecidesWhereEveryPictureHasOne) {
   const DcfObj late = Timed(1, "2026-03-14 15:09:26");
   const DcfObj early = Timed(2, "2025-03-14 15:09:26");
   EXPECT_THAT(numbers({late, early}), ElementsAre(2, 1));
-  EXPECT_THAT(numbers({late, early, SheetPicture(3)}), ElementsAre(1, 2, 3));
+  EXPECT_THAT(numbers({late, early, MadePicture(3)}), ElementsAre(1, 2, 3));
 }
 
 }  // namespace

@@ -4,28 +4,17 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 
+#include "apps/camera/testing/MadePicture.h"
 #include "apps/files/TargetFolder.h"
 #include "base/testing/ScratchFolder.h"
 #include "src/wifi/DcfObj.h"
 
 namespace apps {
-
-/// A picture of a catalogue: 100ABCDE/IMG_`number` with a JPEG file.
-inline DcfObj SheetPicture(int number, int folder = 100) {
-  DcfObj picture{};
-  std::memcpy(picture.directorySuffix, "ABCDE", 5);
-  std::memcpy(picture.filePrefix, "IMG_", 4);
-  picture.directoryNumber = folder;
-  picture.fileNumber = number;
-  picture.hasJpg = 1;
-  return picture;
-}
 
 /// A folder for a sheet and for what is beside it.
 class SheetFolderTest : public testing::Test {
