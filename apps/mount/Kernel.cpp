@@ -30,10 +30,9 @@ bool HasEnded(fuse_req_t request) {
 }
 
 void Init(void* files, fuse_conn_info* connection) {
-  constexpr unsigned kLargestWrite = 128 << 10;
-  constexpr unsigned kReadAhead = 1 << 20;
-  connection->max_write = kLargestWrite;
-  connection->max_readahead = kReadAhead;
+  constexpr unsigned kLargestRequest = 1 << 20;  // of reads too: libfuse derives their bound from this one
+  connection->max_write = kLargestRequest;
+  connection->max_readahead = kLargestRequest;
   connection->want |= connection->capable & (FUSE_CAP_ASYNC_READ | FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_ATOMIC_O_TRUNC);
   // A request to read is shorter than the way through a pipe.
   connection->want &= ~static_cast<unsigned>(FUSE_CAP_SPLICE_READ);
