@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "apps/commandline/Stop.h"
-#include "apps/decoder/Drawing.h"
+#include "apps/decoder/Answer.h"
 #include "base/FileDescriptor.h"
 
 namespace apps {

@@ -69,6 +69,11 @@ class SheetTest(Bus):
     def nothing_is_left(self):
         self.assertEqual(os.listdir(self.target), [])
 
+    def test_the_tool_itself_has_no_decoder(self):
+        """Its tables cost memory at each start, and a camera's pictures are for the process without rights."""
+        with open(bench_of_cameras.BIN + "/kelva", "rb") as file:
+            self.assertNotIn(b"InteroperabilityIndex", file.read())
+
     def test_the_page_holds_every_picture_and_needs_nothing_else(self):
         for number in range(1, 6):
             self.picture(number)
