@@ -26,7 +26,7 @@ constexpr ReturnRow kReturns[] = {
     {kIOReturnExclusiveAccess, ExitCode::kBusy,
      "another program holds the camera; close it, or see which one it is with `kelva doctor`."},
     {kIOReturnBusy, ExitCode::kBusy,
-     "the camera is busy with something else; wait until it has finished and repeat the command."},
+     "the camera is busy with something else; wait until it has finished and try again."},
     {kIOReturnTimeout, ExitCode::kTimedOut,
      "the camera did not answer in time; switch it off and on if it stays silent."},
     {kIOReturnNotPrivileged, ExitCode::kFailed,
@@ -34,12 +34,12 @@ constexpr ReturnRow kReturns[] = {
     {kIOReturnNotPermitted, ExitCode::kFailed,
      "this user may not send commands to the camera; `kelva doctor` shows how to allow it."},
     {kIOReturnNoMemory, ExitCode::kFailed,
-     "the system had no memory for the transfer; close other programs and repeat the command."},
+     "the system had no memory for the transfer; close other programs and try again."},
     {kIOReturnMessageTooLarge, ExitCode::kFailed,
      "the system's driver does not take a transfer of this size; `kelva doctor` shows the limit."},
     {kIOReturnBadArgument, ExitCode::kFailed,
      "the system's driver does not take a transfer of this kind; `kelva doctor` looks for the cause."},
-    {kIOReturnNotOpen, ExitCode::kFailed, "its session has ended; repeat the command."},
+    {kIOReturnNotOpen, ExitCode::kFailed, "its session has ended; try again."},
     {kIOReturnIOError, ExitCode::kFailed, "the system could not carry it out; `kelva doctor` looks for the cause."},
 };
 
@@ -50,13 +50,13 @@ struct SenseRow {
 };
 
 constexpr SenseRow kSenses[] = {
-    {0x2, "not ready", "wait until the camera is ready (`kelva ready --wait`) and repeat the command"},
+    {0x2, "not ready", "wait until the camera is ready (`kelva ready --wait`) and try again"},
     {0x3, "medium error", "its storage may be damaged; copy what is left and replace the card"},
     {0x4, "hardware error", "switch the camera off and on; if the error comes back, the camera needs repair"},
     {0x5, "illegal request", "it does not know the command, or not with these values"},
-    {0x6, "unit attention", "it was restarted or its storage changed; repeat the command"},
+    {0x6, "unit attention", "it was restarted or its storage changed; try again"},
     {0x7, "data protect", "its storage is write-protected or full of protected pictures"},
-    {0xB, "aborted command", "repeat the command; a bad cable is a common cause"},
+    {0xB, "aborted command", "try again; a bad cable is a common cause"},
 };
 
 constexpr std::uint8_t kIllegalRequest = 0x5;
@@ -70,7 +70,7 @@ std::string Format(const char* format, Values... values) {
 }
 
 Verdict Transport(std::uint32_t status) {
-  return {ExitCode::kFailed, "the transfer broke off; check cable and port, then repeat the command.",
+  return {ExitCode::kFailed, "the transfer broke off; check cable and port, then try again.",
           Format("host status 0x%02x, driver status 0x%02x", wire::HostStatusOf(status), wire::DriverStatusOf(status))};
 }
 
@@ -116,8 +116,8 @@ Verdict WrongAnswer(std::string_view message) {
   // The quotation stands inside a sentence.
   while (said.ends_with('.')) said.remove_suffix(1);
   const std::string shown = Printable(said);
-  return {ExitCode::kFailed, "the camera sent a wrong answer (" + shown +
-                                 "); repeat the command, and restart the camera if that does not help."};
+  return {ExitCode::kFailed,
+          "the camera sent a wrong answer (" + shown + "); try again, and restart the camera if that does not help."};
 }
 
 }  // namespace
@@ -130,7 +130,7 @@ Verdict AdviceFor(const kelva::TransferReport& report) {
   if (report.returnCode != kIOReturnSuccess) return UnknownReturn(report);
   if (wire::StatusByte(report.status) == wire::kTransportFailed) return Transport(report.status);
   if (wire::StatusByte(report.status) == wire::kScsiBusy) {
-    return {ExitCode::kBusy, "the camera is busy; wait until it has finished and repeat the command."};
+    return {ExitCode::kBusy, "the camera is busy; wait until it has finished and try again."};
   }
   return Refused(report);
 }

@@ -18,7 +18,7 @@ struct Verdict {
 
 /// The clause for a camera that has gone.
 inline constexpr std::string_view kGoneAdvice =
-    "the camera is no longer there; plug it in again, switch it on and repeat the command.";
+    "the camera is no longer there; plug it in again, switch it on and try again.";
 
 /// What a failed transfer means for the person at the tool. The only place that turns codes into advice.
 Verdict AdviceFor(const kelva::TransferReport& report);

@@ -12,7 +12,7 @@ namespace apps {
 namespace {
 
 std::string Shown(const AttachedCamera& camera) {
-  return camera.facts.serial.empty() ? "one without a serial number" : Printable(camera.facts.serial);
+  return camera.facts.serial.empty() ? "one without a serial number (-)" : Printable(camera.facts.serial);
 }
 
 std::string Serials(const std::vector<AttachedCamera>& cameras) {
@@ -62,8 +62,9 @@ AttachedCamera Choose(std::vector<AttachedCamera> attached, const std::optional<
   }
   if (serial) {
     const std::string all = Serials(attached);
-    std::erase_if(attached,
-                  [&serial](const AttachedCamera& camera) { return !camera.camera->CompareSn(serial->c_str()); });
+    std::erase_if(attached, [&serial](const AttachedCamera& camera) {
+      return *serial == kWithoutSerial ? !camera.facts.serial.empty() : !camera.camera->CompareSn(serial->c_str());
+    });
     if (attached.empty()) {
       throw Failure(ExitCode::kNoCamera,
                     "No camera with the serial number " + Printable(*serial) + " is attached; attached: " + all + ".");

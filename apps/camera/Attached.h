@@ -4,6 +4,7 @@
 #include <boost/shared_ptr.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "apps/camera/Registry.h"
@@ -27,6 +28,9 @@ int CountUnusable();
 /// The serial number asked for: from the option, else from KELVA_SERIAL. Nothing when the option is not given and the
 /// variable is unset or empty. Throws Failure for an empty option.
 std::optional<std::string> WantedSerial(const std::optional<std::string>& option);
+
+/// The word that stands for the camera without a serial number.
+inline constexpr std::string_view kWithoutSerial = "-";
 
 /// The camera that is meant. Throws Failure when none is attached, none has that number, or several do.
 AttachedCamera Choose(std::vector<AttachedCamera> attached, const std::optional<std::string>& serial);

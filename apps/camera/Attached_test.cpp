@@ -42,6 +42,12 @@ TEST(ChooseTest, ASerialNumberChoosesAmongSeveral) {
   EXPECT_EQ(Choose(MadeAll({"K1", "K2", "K3"}), "K2").facts.serial, "K2");
 }
 
+TEST(ChooseTest, ADashChoosesTheOneWithoutASerialNumber) {
+  EXPECT_EQ(Choose(MadeAll({"K1", "", "K3"}), "-").facts.serial, "");
+  EXPECT_EQ(WhyNot({"K1"}, "-").Code(), ExitCode::kNoCamera);
+  EXPECT_EQ(WhyNot({"", ""}, "-").Code(), ExitCode::kUsage);
+}
+
 TEST(ChooseTest, AWrongSerialNumberIsNeverAnotherCamera) {
   const Failure failure = WhyNot({"K1"}, "K9");
   EXPECT_EQ(failure.Code(), ExitCode::kNoCamera);
@@ -51,7 +57,7 @@ TEST(ChooseTest, AWrongSerialNumberIsNeverAnotherCamera) {
 TEST(ChooseTest, SeveralWithoutAChoiceAreListed) {
   const Failure failure = WhyNot({"K1", ""}, std::nullopt);
   EXPECT_EQ(failure.Code(), ExitCode::kUsage);
-  EXPECT_THAT(failure.what(), HasSubstr("2 cameras are attached: K1, one without a serial number; choose one"));
+  EXPECT_THAT(failure.what(), HasSubstr("2 cameras are attached: K1, one without a serial number (-); choose one"));
 }
 
 TEST(ChooseTest, TwoWithTheSameNumberAreNotGuessedAt) {

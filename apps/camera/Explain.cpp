@@ -36,7 +36,7 @@ Outcome Explain(const std::exception& error, const std::string& doing, bool code
     return {verdict.code, start + (codes && !verdict.codes.empty() ? WithCodes(verdict) : verdict.clause)};
   }
   if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) {
-    return {ExitCode::kFailed, start + "there is not enough memory; close other programs and repeat the command."};
+    return {ExitCode::kFailed, start + "there is not enough memory; close other programs and try again."};
   }
   return {ExitCode::kFailed, start + Printable(error.what()) + "."};
 }

@@ -24,7 +24,7 @@ TEST(ExplainTest, AFailureOfTheCameraSaysWhatWasTriedAndWhatToDo) {
   const Outcome outcome = Explain(error, "read X");
   EXPECT_EQ(outcome.code, ExitCode::kGone);
   EXPECT_EQ(outcome.sentence,
-            "Cannot read X: the camera is no longer there; plug it in again, switch it on and repeat the command.");
+            "Cannot read X: the camera is no longer there; plug it in again, switch it on and try again.");
 }
 
 TEST(ExplainTest, AWrongAnswerIsAFailure) {
@@ -42,7 +42,7 @@ TEST(ExplainTest, AFileThatCannotBeReadSaysWhy) {
   const Outcome gone = Explain(kelva::FileReadError(Reason::kCameraLost, "FileReader: gone."), "read X");
   EXPECT_EQ(gone.code, ExitCode::kGone);
   EXPECT_EQ(gone.sentence,
-            "Cannot read X: the camera is no longer there; plug it in again, switch it on and repeat the command.");
+            "Cannot read X: the camera is no longer there; plug it in again, switch it on and try again.");
 }
 
 TEST(ExplainTest, LackOfMemoryIsNamed) {

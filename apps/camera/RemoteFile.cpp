@@ -84,8 +84,7 @@ RemoteFile::RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::
     if (reader_->Size() == listed) return;
   }
   throw Failed("The camera lists " + ShownPath(path_) + " with " + std::to_string(listed) + " bytes but announces " +
-               std::to_string(reader_->Size()) +
-               ", twice; nothing was read, repeat the command when the file is at rest.");
+               std::to_string(reader_->Size()) + ", twice; nothing was read, try again when the file is at rest.");
 }
 
 void RemoteFile::Read(const std::function<void(std::span<const char>)>& take) {

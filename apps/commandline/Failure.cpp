@@ -11,7 +11,7 @@ std::string AdviceFor(int error) {
   switch (error) {
     case ENOSPC:
     case EDQUOT:
-      return "; make room there and repeat the command";
+      return "; make room there and try again";
     case ENOENT:
       return "; check the name";
     case ENOTDIR:

@@ -16,7 +16,7 @@ TEST(FailureTest, ASystemCallSaysWhatWasTriedAndWhy) {
 
 TEST(FailureTest, AFullDiskSaysWhatToDo) {
   EXPECT_STREQ(SystemFailure("write into X", ENOSPC).what(),
-               "Cannot write into X: No space left on device; make room there and repeat the command.");
+               "Cannot write into X: No space left on device; make room there and try again.");
 }
 
 }  // namespace

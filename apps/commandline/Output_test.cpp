@@ -56,7 +56,7 @@ TEST(OutputTest, AFullDiskIsAFailure) {
     FAIL();
   } catch (const Failure& failure) {
     EXPECT_STREQ(failure.what(),
-                 "Cannot write to standard output: No space left on device; make room there and repeat the command.");
+                 "Cannot write to standard output: No space left on device; make room there and try again.");
     EXPECT_EQ(failure.Code(), ExitCode::kFailed);
   }
 }

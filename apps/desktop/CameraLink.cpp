@@ -52,10 +52,15 @@ void CameraLink::Lose() {
   attached_ = false;
 }
 
+// A dash stands for the camera without a serial number.
+QString CameraLink::Serial() const {
+  return state_.serial.isEmpty() ? "-" : state_.serial;
+}
+
 void CameraLink::StartLister() {
   state_.notice = {};
   lastWords_.clear();
-  lister_ = makeWorker_({"camera", "--serial", state_.serial});
+  lister_ = makeWorker_({"camera", "--serial", Serial()});
   lister_->onEvent = [this](const QJsonObject& event) { Hear(event); };
   lister_->onDeath = [this] { ListerEnded(); };
   lister_->Start();
@@ -88,7 +93,7 @@ void CameraLink::Hear(const QJsonObject& event) {
 
 void CameraLink::HearCamera(const QJsonObject& event) {
   const QString name = event["name"].toString();
-  if (!name.isEmpty()) state_.name = name;
+  if (!name.isEmpty() || state_.name.isEmpty()) state_.name = name.isEmpty() ? event["product"].toString() : name;
   if (event.contains("battery")) state_.battery = QString::number(event["battery"].toDouble());
 }
 
@@ -200,7 +205,7 @@ void CameraLink::Import(const QList<int>& rows) {
 
 // An import of all says no pictures, so that one which came meanwhile is fetched too. What is deleted is named.
 void CameraLink::BeginRun(bool deletes) {
-  QStringList words{"import", "--serial", state_.serial};
+  QStringList words{"import", "--serial", Serial()};
   Target target = target_;
   if (deletes) {
     words << "--delete-after-verify";

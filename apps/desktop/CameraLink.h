@@ -61,6 +61,7 @@ class CameraLink {
   void BeginClose();
 
  private:
+  QString Serial() const;
   void StartLister();
   void Hear(const QJsonObject& event);
   void HearCamera(const QJsonObject& event);

@@ -63,7 +63,7 @@ CameraPage::~CameraPage() {
 QString CameraPage::Title() const {
   const CameraState& state = link_->State();
   // Two cameras of one kind often have one name.
-  const QString name = state.name.contains(state.serial) ? state.name : state.name + ' ' + state.serial;
+  const QString name = state.name.contains(state.serial) ? state.name : (state.name + ' ' + state.serial).trimmed();
   return state.battery.isEmpty() ? name : tr("%1, battery %2").arg(name, state.battery);
 }
 

@@ -345,7 +345,7 @@ TEST_F(LargeFilesTest, OneThatCannotBeWrittenIsReportedAndTheRestGoesOn) {
 TEST_F(LargeFilesTest, AFullDiskEndsTheRunWithItsSentence) {
   RecordingCalls calls(path_);
   calls.FailEach(3, 1 << 20, ENOSPC, "write ");
-  EXPECT_THAT(RunToItsEnd().sentence, HasSubstr("make room there and repeat the command"));
+  EXPECT_THAT(RunToItsEnd().sentence, HasSubstr("make room there and try again"));
   ExpectNothingIsLeft();
 }
 

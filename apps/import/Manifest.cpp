@@ -169,7 +169,7 @@ void Manifest::RequireListOf(const TargetFolder& folder) const {
     return;
   }
   throw Failure(ExitCode::kFailed,
-                "The folder of " + Printable(path_) + " was moved while its list was opened; repeat the command.");
+                "The folder of " + Printable(path_) + " was moved while its list was opened; try again.");
 }
 
 Manifest::~Manifest() {
@@ -264,9 +264,8 @@ void Manifest::Fail(const std::string& doing) const {
   const std::string list = "the list of fetched files " + Printable(path_);
   const int code = database_ == nullptr ? SQLITE_NOMEM : sqlite3_errcode(database_) & 0xff;
   if (code == SQLITE_BUSY || code == SQLITE_LOCKED) {
-    throw Failure(ExitCode::kBusy,
-                  "Cannot " + doing + " " + list +
-                      ": another program has locked it; repeat the command when that program has finished.");
+    throw Failure(ExitCode::kBusy, "Cannot " + doing + " " + list +
+                                       ": another program has locked it; try again when that program has finished.");
   }
   const int error = SystemErrorOf(code, database_, path_);
   if (error != 0) throw SystemFailure(doing + " " + list, error);

@@ -100,7 +100,7 @@ TEST_F(ManifestTest, ALockedListIsCalledLockedAndNotDamaged) {
   const Manifest made(*folder_, true);
   const auto other = Elsewhere("BEGIN EXCLUSIVE");
   const std::string why = WhyNot(ExitCode::kBusy);
-  EXPECT_THAT(why, HasSubstr("another program has locked it; repeat the command"));
+  EXPECT_THAT(why, HasSubstr("another program has locked it; try again"));
   EXPECT_THAT(why, Not(HasSubstr("damaged")));
 }
 

@@ -84,8 +84,7 @@ class Receiver {
   // Where files have no locks, another program may have written into it too.
   void CheckSize() const {
     if (file_->Size() == arrival_.size) return;
-    throw Failure(ExitCode::kFailed,
-                  "Another program wrote into a file that was being fetched; run the same command again.");
+    throw Failure(ExitCode::kFailed, "Another program wrote into a file that was being fetched; try again.");
   }
 
   void CompareTail(std::span<const char> bytes) {

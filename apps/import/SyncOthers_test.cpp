@@ -195,7 +195,7 @@ TEST_F(SyncOthersTest, AFullDiskEndsTheRunWithItsSentence) {
   calls.FailEach(1, 1 << 20, ENOSPC, "write ");
   Run();
   ASSERT_TRUE(ended_.has_value());
-  EXPECT_THAT(ended_->sentence, HasSubstr("make room there and repeat the command"));
+  EXPECT_THAT(ended_->sentence, HasSubstr("make room there and try again"));
 }
 
 TEST_F(SyncOthersTest, AStopInTheMiddleOfAFileStoresNothingOfIt) {

@@ -35,7 +35,7 @@ bool SyncReport::LeaveOut(const SyncItem& item) {
   Fail(item,
        fate == Guard::Fate::kKilledTwice
            ? "Two processes that read " + path +
-                 " were killed, so the file was left out; close other programs and run the same command again."
+                 " were killed, so the file was left out; close other programs and try again."
            : "The process that read " + path + " aborted, so the file was left out; what was printed before says why.");
   return true;
 }

@@ -56,7 +56,7 @@ TEST_F(SyncWorkersDeathTest, AFileAtWhichTwoProcessesWereKilledIsLeftOut) {
             "kelva: The process that read I:/DCIM/100ABCDE/IMG_0001.JPG was killed (signal 9, Killed), as happens "
             "when memory runs out; another one tries that file once more.\n"
             "kelva: Two processes that read I:/DCIM/100ABCDE/IMG_0001.JPG were killed, so the file was left out; "
-            "close other programs and run the same command again.\n");
+            "close other programs and try again.\n");
 }
 
 TEST_F(SyncWorkersDeathTest, AFailureIsSaidOnceAndItsFileIsNotReadByTheNextProcess) {

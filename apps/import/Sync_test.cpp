@@ -131,7 +131,7 @@ TEST_F(SyncTest, AFullDiskEndsTheRunWithItsSentence) {
   calls.FailEach(1, 1 << 20, ENOSPC, "write ");
   const Outcome outcome = RunToItsEnd();
   EXPECT_EQ(outcome.code, ExitCode::kFailed);
-  EXPECT_THAT(outcome.sentence, HasSubstr("make room there and repeat the command"));
+  EXPECT_THAT(outcome.sentence, HasSubstr("make room there and try again"));
 }
 
 TEST_F(SyncTest, AFolderWithoutPermissionEndsTheRunBeforeItsFirstFileIsRead) {

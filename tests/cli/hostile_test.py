@@ -298,7 +298,7 @@ class HostileEndsTest(HostileTest):
         code, printed, said = self.sync("--quiet")
         self.assertEqual(code, 6, said)
         self.assertEqual(said, f"kelva: Two processes that read {shown(self.paths[3])} were killed, so the file was left out; close "
-                               "other programs and run the same command again.\n")
+                               "other programs and try again.\n")
         del self.files[self.paths[3]]
         self.assertEqual(self.stored(), sorted(self.files.values()))
         self.assertIn("1 failed", printed)
