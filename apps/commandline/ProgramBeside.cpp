@@ -6,7 +6,9 @@
 namespace apps {
 
 std::string ProgramBeside(const std::string& program, const std::string& name) {
-  const std::string folder = program.substr(0, program.find_last_of('/') + 1);
+  std::string folder = program.substr(0, program.find_last_of('/') + 1);
+  // A bundle lies beside the folder of programs, in a build among them.
+  if (folder.ends_with("/Contents/MacOS/")) folder += "../../../";
   // The tests of the build lie in a folder beside that of the programs.
   for (const char* place : {"", "../bin/"}) {
     std::string path = folder + place + name;

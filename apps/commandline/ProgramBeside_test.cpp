@@ -28,6 +28,9 @@ TEST(ProgramBesideTest, AProgramLiesBesideTheOtherOneOrWhereItIsInstalled) {
   EXPECT_TRUE(ProgramBeside(program, "other").ends_with("here/../bin/other"));
   put("here");
   EXPECT_TRUE(ProgramBeside(program, "other").ends_with("here/other"));
+  fs::create_directories(scratch.Path() / "bin/Kelva.app/Contents/MacOS");
+  const std::string inBundle = scratch.Path() / "bin/Kelva.app/Contents/MacOS/Kelva";
+  EXPECT_TRUE(ProgramBeside(inBundle, "other").ends_with("bin/Kelva.app/Contents/MacOS/../../../other"));
 }
 
 }  // namespace

@@ -44,13 +44,13 @@ class Configured:
         run = subprocess.run(["ctest", "-N"], cwd=self.folder, capture_output=True, text=True, check=True)
         return [line.split(": ")[1].strip() for line in run.stdout.splitlines() if line.strip().startswith("Test ") and "#" in line]
 
-    def information(self):
-        return plistlib.loads((self.folder / "bin/KelvaHelper.app/Contents/Info.plist").read_bytes())
+    def information(self, bundle="KelvaHelper"):
+        return plistlib.loads((self.folder / f"bin/{bundle}.app/Contents/Info.plist").read_bytes())
 
 
 def install_with_stand_ins(build, root, *options):
     """A whole `cmake --install` below a folder, of products that stand in for what a Mac builds; what it put there."""
-    for name in ("libkelva.a", "bin/kelva", "bin/kelva-thumbnail", "bin/kelva-virtual", "bin/kelva-vcam", "bin/kelva-desktop", "bin/kelva-desktop-worker", "bin/kelva-desktop-worker-virtual", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
+    for name in ("libkelva.a", "bin/kelva", "bin/kelva-thumbnail", "bin/kelva-virtual", "bin/kelva-vcam", "bin/Kelva.app/Contents/MacOS/Kelva", "bin/Kelva.app/Contents/Resources/KelvaHelper.icns", "bin/kelva-desktop-worker", "bin/kelva-desktop-worker-virtual", "bin/KelvaHelper.app/Contents/MacOS/KelvaHelper", "bin/KelvaHelper.app/Contents/Resources/KelvaHelper.icns"):
         product = build.folder / name
         product.parent.mkdir(parents=True, exist_ok=True)
         product.touch()
@@ -126,6 +126,13 @@ class ShippedBuild(unittest.TestCase):
         self.assertEqual(information["LSMinimumSystemVersion"], "11.0")
         self.assertIs(information["LSUIElement"], True)
 
+    def test_the_window_is_an_application_of_its_own(self):
+        information = self.build.information("Kelva")
+        self.assertEqual(information["CFBundleIdentifier"], "com.kelva.KelvaWindow")
+        self.assertEqual(information["CFBundleExecutable"], "Kelva")
+        self.assertEqual(information["NSPrincipalClass"], "NSApplication")
+        self.assertNotIn("LSUIElement", information)
+
     def test_installation_puts_the_agent_and_a_launch_agent_that_names_its_place(self):
         for prefix, folder in (("/usr/local", "/Library/LaunchAgents"), ("/opt/a place", "/opt/a place/Library/LaunchAgents")):
             with self.subTest(prefix=prefix), tempfile.TemporaryDirectory() as root:
@@ -143,8 +150,9 @@ class ShippedBuild(unittest.TestCase):
             names = [name.removeprefix("opt/kelva/") for name in files]
             self.assertLessEqual({"lib/libkelva.a", "include/kelva/Camera.h", "lib/pkgconfig/kelva.pc", "share/doc/kelva/LICENSE",
                                   "share/doc/kelva/THIRD-PARTY-NOTICES.md", "share/doc/kelva/docs/macos.md", "bin/kelva", "bin/kelva-vcam",
-                                  "libexec/kelva/kelva-thumbnail", "libexec/kelva/kelva-virtual", "libexec/kelva/kelva-desktop-worker"}, set(names))
-            homes = ("include/kelva/", "lib/libkelva", "lib/cmake/Kelva/", "lib/pkgconfig/", "share/doc/kelva/", "Applications/KelvaHelper.app/",
+                                  "libexec/kelva/kelva-thumbnail", "libexec/kelva/kelva-virtual", "libexec/kelva/kelva-desktop-worker",
+                                  "Applications/Kelva.app/Contents/MacOS/Kelva", "Applications/Kelva.app/Contents/Resources/KelvaHelper.icns"}, set(names))
+            homes = ("include/kelva/", "lib/libkelva", "lib/cmake/Kelva/", "lib/pkgconfig/", "share/doc/kelva/", "Applications/KelvaHelper.app/", "Applications/Kelva.app/",
                      "Library/LaunchAgents/", "bin/kelva", "libexec/kelva/")
             for name in names:
                 self.assertTrue(name.startswith(homes), name)
