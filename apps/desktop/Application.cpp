@@ -3,12 +3,19 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QSocketNotifier>
+#include <QStandardPaths>
+#include <array>
+#include <csignal>
 #include <cstdio>
 
 #include "apps/commandline/ProgramBeside.h"
 #include "apps/desktop/MainWindow.h"
 #include "apps/desktop/Session.h"
 #include "apps/desktop/Words.h"
+#include "base/SignalPipe.h"
 
 namespace desktop {
 namespace {
@@ -42,6 +49,19 @@ MakeWorker WorkersOn(const QString& bus) {
     if (!bus.isEmpty()) words << "--virtual" << bus;
     return std::make_unique<WorkerProcess>(program, words);
   };
+}
+
+void Translate(const QString& file, const QString& folder) {
+  auto* translator = new QTranslator(qApp);
+  if (translator->load(QLocale(), file, "_", folder)) QApplication::installTranslator(translator);
+}
+
+// The last one that knows a text counts.
+void SpeakTheUsersLanguage() {
+  QApplication::installTranslator(new EnglishNumbers(qApp));
+  Translate("qtbase", QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+  Translate("kelva-desktop", QStandardPaths::locate(QStandardPaths::GenericDataLocation, "kelva/translations",
+                                                    QStandardPaths::LocateDirectory));
 }
 
 int Show(const QString& bus) {
@@ -86,14 +106,23 @@ int Run(int argc, char** argv) {
   const Arguments arguments = ArgumentsOf(argc, argv);
   if (!arguments.answer.isEmpty()) return Print(stdout, arguments.answer);
   if (!arguments.mistake.isEmpty()) return Print(stderr, arguments.mistake);
+  // What ends programs closes the window as its button does. Threads that Qt starts leave that to this one.
+  constexpr std::array kEnding{SIGTERM, SIGINT, SIGHUP};
+  const sigset_t ending = base::SetOf(kEnding);
+  ::pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+  const base::SignalPipe signals(kEnding);
   QApplication application(argc, argv);
+  QSocketNotifier came(signals.Descriptor(), QSocketNotifier::Read);
+  QObject::connect(&came, &QSocketNotifier::activated, [&signals] {
+    while (signals.Next() != 0) QApplication::quit();
+  });
   QApplication::setOrganizationName("Kelva");
   QApplication::setApplicationName("Kelva");  // also what a screen reader calls it
   QApplication::setApplicationDisplayName("Kelva");
   QApplication::setDesktopFileName("com.kelva.Desktop");
   QApplication::setWindowIcon(QIcon::fromTheme("kelva"));
-  EnglishNumbers english;
-  QApplication::installTranslator(&english);
+  SpeakTheUsersLanguage();
+  const base::SignalPipe::Listening listening(signals);
   return Show(arguments.bus);
 }
 

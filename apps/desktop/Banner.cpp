@@ -25,7 +25,6 @@ Banner::Banner(QWidget* parent)
   command_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   command_->setWordWrap(true);
   command_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  command_->setAccessibleName(tr("Command that mends it"));
   auto* layout = new QGridLayout(this);
   layout->setContentsMargins(14, 10, 14, 10);
   layout->addWidget(sentence_, 0, 0);
@@ -45,6 +44,7 @@ void Banner::Show(const Notice& notice) {
   sentence_->setText(notice.sentence);
   sentence_->setAccessibleName(notice.sentence);
   command_->setText(notice.command);
+  command_->setAccessibleName(tr("Command that mends it: %1").arg(notice.command));
   command_->setVisible(!notice.command.isEmpty());
   copy_->setVisible(!notice.command.isEmpty());
   retry_->setVisible(notice.canRetry);

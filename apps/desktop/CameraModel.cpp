@@ -65,7 +65,7 @@ Picture* CameraModel::Find(int row) {
 
 void CameraModel::SetNew(const QString& digits) {
   for (int row = 0; row < rowCount(); ++row) Find(row)->isNew = row < digits.size() && digits[row] != '0';
-  if (!pictures_.empty()) emit dataChanged(index(0), index(rowCount() - 1), {kIsNew});
+  if (!pictures_.empty()) Q_EMIT dataChanged(index(0), index(rowCount() - 1), {kIsNew});
 }
 
 void CameraModel::SetBytes(int row, qint64 bytes) {
@@ -104,7 +104,7 @@ bool CameraModel::Lacks(int row) const {
 }
 
 void CameraModel::Changed(int row, const QList<int>& roles) {
-  emit dataChanged(index(row), index(row), roles);
+  Q_EMIT dataChanged(index(row), index(row), roles);
 }
 
 }  // namespace desktop

@@ -42,7 +42,7 @@ DayList::DayList(const CameraModel& pictures) : pictures_(pictures) {
   });
   connect(&pictures, &QAbstractItemModel::dataChanged, this,
           [this](const QModelIndex& from, const QModelIndex& to, const QList<int>& roles) {
-            emit dataChanged(index(RowOf(from.row())), index(RowOf(to.row())), roles);
+            Q_EMIT dataChanged(index(RowOf(from.row())), index(RowOf(to.row())), roles);
           });
   Divide();
 }
@@ -69,7 +69,7 @@ void DayList::Divide() {
     }
   }
   // A headline may have got its day.
-  if (!rows_.empty()) emit dataChanged(index(0), index(rowCount() - 1), {Qt::DisplayRole});
+  if (!rows_.empty()) Q_EMIT dataChanged(index(0), index(rowCount() - 1), {Qt::DisplayRole});
 }
 
 int DayList::PictureAt(int row) const {

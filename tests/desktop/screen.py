@@ -110,12 +110,13 @@ class Window:
         self.atspi = Atspi
         self.process = subprocess.Popen([program, *words], env={**os.environ, **environment})
 
-    def close(self):
-        """As the end of a session does; the seconds that it took."""
+    def close(self, ending=signal.SIGTERM):
+        """As the end of a session does; the seconds that it took. A window that is not on the screen yet takes it, too."""
         start = time.monotonic()
-        self.process.send_signal(signal.SIGTERM)
+        assert self.process.poll() is None, f"the window ended by itself ({self.process.returncode})"
+        self.process.send_signal(ending)
         self.process.wait(PATIENCE)
-        assert self.process.returncode == -signal.SIGTERM, f"the window ended by itself ({self.process.returncode})"
+        assert self.process.returncode == 0, f"the window ended with {self.process.returncode}"
         return time.monotonic() - start
 
     def close_by_its_button(self):

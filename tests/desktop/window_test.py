@@ -9,6 +9,7 @@ import pathlib
 import signal
 import subprocess
 import sys
+import tempfile
 import threading
 import time
 import unittest
@@ -17,6 +18,7 @@ import bench_of_cameras
 import screen
 import small_disk
 import tiny_jpeg
+import translation
 
 PICTURES = pathlib.Path()
 PROGRAM = ""
@@ -45,6 +47,17 @@ class OneWindow(unittest.TestCase):
     def test_a_window_can_be_opened_again_after_the_first_was_closed(self):
         self.assertLess(self.open().close(), 1)
         self.open()
+
+    def test_a_translation_takes_the_place_of_the_english_texts(self):
+        data = tempfile.TemporaryDirectory()
+        self.addCleanup(data.cleanup)
+        translations = pathlib.Path(data.name, "kelva/translations")
+        translations.mkdir(parents=True)
+        (translations / "kelva-desktop_de.qm").write_bytes(translation.compiled(
+            {("MainWindow", "Plug a camera in to see its pictures."): ["Die Kamera anstecken, um ihre Bilder zu sehen."]}))
+        window = screen.Window(PROGRAM, "--virtual", "/nowhere/bus", LC_ALL="de_DE.UTF-8", XDG_DATA_HOME=data.name)
+        self.addCleanup(lambda: window.process.poll() is None and window.close())
+        window.wait("^Die Kamera anstecken, um ihre Bilder zu sehen")
 
     def test_a_desktop_that_prefers_dark_has_a_dark_window(self):
         light = self.open()
@@ -111,6 +124,15 @@ class Browsing(CameraWindow):
         window.wait(r"^\w+ K1, battery 100$", "page tab")
         self.unplug()
         window.wait("^Plug a camera in")
+
+    def test_what_ends_programs_closes_it_in_order(self):
+        for ending in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            with self.subTest(ending=ending):
+                window = self.open()
+                window.wait("^Plug a camera in")
+                workers = screen.wait_for(lambda: window.workers("watch"), "the worker that watches")
+                self.assertLess(window.close(ending), 1)
+                self.assertFalse([worker for worker in workers if os.path.exists(f"/proc/{worker}")])
 
     def test_thumbnails_bring_days_and_a_larger_view(self):
         window = self.window_with_camera()
@@ -239,6 +261,19 @@ class Interrupted(CameraWindow):
         self.assertGreater(count, 0)
         self.assertLess(count, 12)
         self.fault("none")
+        window.press("^Import .* new")
+        window.wait("on this computer and checked")
+        self.assertEqual(self.imported(), 12)
+
+    def test_the_end_of_a_session_stops_an_import_cleanly(self):
+        window = self.window_with_camera()
+        self.begin(window)
+        workers = window.workers("import") + window.workers("camera")
+        self.assertLess(window.close(), 1)
+        self.assertFalse([worker for worker in workers if os.path.exists(f"/proc/{worker}")])
+        self.assertLess(self.imported(parts=True), 12)
+        self.fault("none")
+        window = self.open()
         window.press("^Import .* new")
         window.wait("on this computer and checked")
         self.assertEqual(self.imported(), 12)
