@@ -23,8 +23,7 @@ class MountProgramTest : public testing::Test {
 
   std::string MountAll(const MountProgram& program, const std::string& virtualBus = "") {
     testing::internal::CaptureStderr();
-    const std::string reason =
-        program.MountAll(virtualBus, [this](const Mounted& camera) { mounted_.push_back(camera); });
+    std::string reason = program.MountAll(virtualBus, [this](const Mounted& camera) { mounted_.push_back(camera); });
     errors_ = testing::internal::GetCapturedStderr();
     return reason;
   }
