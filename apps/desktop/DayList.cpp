@@ -99,7 +99,7 @@ Qt::ItemFlags DayList::flags(const QModelIndex& index) const {
 }
 
 QString DayList::Headline(int first) const {
-  const QString folder = pictures_.At(first).folder;
+  QString folder = pictures_.At(first).folder;
   for (int row = RowOf(first); PictureAt(row) >= 0; ++row) {
     const std::optional<QDate> day = DayOf(pictures_.At(PictureAt(row)));
     if (!day) continue;

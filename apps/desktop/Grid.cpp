@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <algorithm>
-#include <ranges>
 
 #include "apps/desktop/PictureDelegate.h"
 
@@ -128,8 +127,12 @@ void Grid::keyPressEvent(QKeyEvent* event) {
 
 // The first row that reaches below a height of the view.
 int Grid::RowBelow(int height) const {
-  const auto isAbove = [&](int row) { return visualRect(days_.index(row)).bottom() < height; };
-  return *std::ranges::partition_point(std::views::iota(0, days_.rowCount()), isAbove);
+  int first = 0;
+  for (int end = days_.rowCount(); first < end;) {
+    const int middle = (first + end) / 2;
+    visualRect(days_.index(middle)).bottom() < height ? first = middle + 1 : end = middle;
+  }
+  return first;
 }
 
 void Grid::AskForMissing() {

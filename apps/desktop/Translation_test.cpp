@@ -36,8 +36,11 @@ QStringList TextsOf(const QWidget& window) {
   QStringList texts{window.windowTitle()};
   for (const QWidget* widget : window.findChildren<QWidget*>()) {
     texts << widget->accessibleName() << widget->accessibleDescription() << widget->toolTip();
-    if (const auto* label = qobject_cast<const QLabel*>(widget)) texts << label->text();
-    if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) texts << button->text();
+    if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+      texts << label->text();
+    } else if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) {
+      texts << button->text();
+    }
     if (const auto* tabs = qobject_cast<const QTabWidget*>(widget)) {
       for (int tab = 0; tab < tabs->count(); ++tab) texts << tabs->tabText(tab);
     }
