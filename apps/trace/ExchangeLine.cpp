@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
 #include "apps/commandline/Json.h"
@@ -22,57 +23,91 @@ namespace {
 constexpr std::size_t kMostShown = 4096;
 constexpr std::size_t kHeadSize = 8;
 
-// Takes names as they stand in the line: R"(,"name":)".
+// The two digits of every byte, one pair after the other.
+constexpr auto kDigitPairs = [] {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::array<char, 512> pairs{};
+  for (std::size_t byte = 0; byte < 256; ++byte) {
+    pairs[2 * byte] = kDigits[byte >> 4];
+    pairs[2 * byte + 1] = kDigits[byte & 0x0F];
+  }
+  return pairs;
+}();
+
+// Takes names as they stand in the line: R"(,"name":)". Writes into a buffer that never becomes smaller, so that a line costs
+// no memory of its own.
 class Line {
  public:
-  explicit Line(std::string_view start) {
-    text_.reserve(512);
-    text_ += start;
+  template <std::size_t N>
+  Line(std::string& buffer, const char (&start)[N]) : buffer_(buffer) {
+    Put(start);
   }
 
-  template <typename Integer>
-  void Number(std::string_view name, Integer value) {
-    text_ += name;
-    std::array<char, 24> digits{};
-    text_.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+  template <std::size_t N, typename Integer>
+  void Number(const char (&name)[N], Integer value) {
+    constexpr std::size_t kMostDigits = 24;
+    Put(name);
+    char* const at = Room(kMostDigits);
+    size_ += static_cast<std::size_t>(std::to_chars(at, at + kMostDigits, value).ptr - at);
   }
   /// A text that needs no escaping.
-  void Word(std::string_view name, std::string_view word) {
-    text_ += name;
-    text_ += '"';
-    text_ += word;
-    text_ += '"';
+  template <std::size_t N>
+  void Word(const char (&name)[N], std::string_view word) {
+    Put(name);
+    Put("\"");
+    Put(word.data(), word.size());
+    Put("\"");
   }
-  void Hex(std::string_view name, std::span<const char> bytes) {
-    constexpr std::string_view kDigits = "0123456789abcdef";
-    text_ += name;
-    const std::size_t at = text_.size();
-    text_.resize(at + 2 * bytes.size() + 2, '"');
-    char* digit = text_.data() + at + 1;
+  template <std::size_t N>
+  void Hex(const char (&name)[N], std::span<const char> bytes) {
+    Put(name);
+    char* digit = Room(2 * bytes.size() + 2);
+    size_ += 2 * bytes.size() + 2;
+    *digit++ = '"';
     for (const char c : bytes) {
-      const auto byte = static_cast<std::uint8_t>(c);
-      *digit++ = kDigits.data()[byte >> 4];
-      *digit++ = kDigits.data()[byte & 0x0F];
+      std::memcpy(digit, &kDigitPairs[2 * std::size_t{static_cast<std::uint8_t>(c)}], 2);
+      digit += 2;
     }
+    *digit = '"';
   }
   /// Its eight digits.
-  void Word32(std::string_view name, std::uint32_t value) {
+  template <std::size_t N>
+  void Word32(const char (&name)[N], std::uint32_t value) {
     Hex(name, std::array{static_cast<char>(value >> 24), static_cast<char>(value >> 16), static_cast<char>(value >> 8),
                          static_cast<char>(value)});
   }
   /// Any text.
-  void Text(std::string_view name, std::string_view text) {
-    text_ += name;
-    text_ += Json(text).Text();
+  template <std::size_t N>
+  void Text(const char (&name)[N], std::string_view text) {
+    const std::string escaped = Json(text).Text();
+    Put(name);
+    Put(escaped.data(), escaped.size());
   }
 
-  std::string End() && {
-    text_ += "}\n";
-    return std::move(text_);
+  std::string_view End() {
+    Put("}\n");
+    return {buffer_.data(), size_};
   }
 
  private:
-  std::string text_;
+  /// At least `count` bytes behind what was written.
+  char* Room(std::size_t count) {
+    if (buffer_.size() - size_ < count) buffer_.resize(std::max(kFirstRoom, 2 * (size_ + count)));
+    return buffer_.data() + size_;
+  }
+  void Put(const char* text, std::size_t count) {
+    std::memcpy(Room(count), text, count);
+    size_ += count;
+  }
+  template <std::size_t N>
+  void Put(const char (&text)[N]) {
+    std::memcpy(Room(N - 1), text, N - 1);
+    size_ += N - 1;
+  }
+
+  static constexpr std::size_t kFirstRoom = 1024;
+  std::string& buffer_;
+  std::size_t size_ = 0;
 };
 
 void AddPlace(Line& line, const ExchangePlace& place, const kelva::Exchange& exchange, Disclosure disclosure) {
@@ -116,7 +151,7 @@ void AddPayload(Line& line, std::span<const char> payload, Disclosure disclosure
                            : disclosure.shown == Shown::kHead ? kHeadSize
                                                               : 0;
   const std::size_t shown = std::min(payload.size(), most);
-  constexpr std::string_view kName = R"(,"hex":)";
+  constexpr const char(&kName)[8] = R"(,"hex":)";
   if (shown > 0 && serial == nullptr) line.Hex(kName, payload.first(shown));
   if (shown > 0 && serial != nullptr) line.Hex(kName, Bytes(payload, shown, disclosure.personal, *serial));
   if (shown == payload.size()) return;
@@ -126,9 +161,9 @@ void AddPayload(Line& line, std::span<const char> payload, Disclosure disclosure
 
 }  // namespace
 
-std::string ExchangeLine(const ExchangePlace& place, const kelva::Exchange& exchange, Disclosure disclosure,
-                         const std::string* serial) {
-  Line line(R"({"event":"exchange")");
+std::string_view ExchangeLine(const ExchangePlace& place, const kelva::Exchange& exchange, Disclosure disclosure,
+                              const std::string* serial, std::string& buffer) {
+  Line line(buffer, R"({"event":"exchange")");
   AddPlace(line, place, exchange, disclosure);
   const bool done = exchange.result == kelva::Exchange::Result::kDone;
   if (done && disclosure.shown != Shown::kNothing) line.Number(R"(,"moved":)", exchange.moved);
@@ -136,13 +171,14 @@ std::string ExchangeLine(const ExchangePlace& place, const kelva::Exchange& exch
   line.Word(R"(,"result":)", done ? "done" : exchange.result == kelva::Exchange::Result::kFalse ? "false" : "failed");
   if (exchange.result == kelva::Exchange::Result::kFailed) AddFailure(line, exchange, serial);
   AddPayload(line, exchange.payload, disclosure, serial);
-  return std::move(line).End();
+  return line.End();
 }
 
 std::string UnfinishedLine(const ExchangePlace& place, const kelva::Exchange& exchange, Disclosure disclosure) {
-  Line line(R"({"event":"unfinished")");
+  std::string buffer;
+  Line line(buffer, R"({"event":"unfinished")");
   AddPlace(line, place, exchange, disclosure);
-  return std::move(line).End();
+  return std::string(line.End());
 }
 
 }  // namespace apps

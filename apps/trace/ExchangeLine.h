@@ -20,8 +20,9 @@ struct ExchangePlace {
 
 /// The line of an exchange that is over, with its line feed: one JSON object as docs/trace.md describes it. With a
 /// `serial` the line has stand-ins for it and for other names (see WithStandIns); null for none.
-std::string ExchangeLine(const ExchangePlace& place, const kelva::Exchange& exchange, Disclosure disclosure,
-                         const std::string* serial);
+/// It stands in `buffer`, which grows as it has to, and is valid until that changes.
+std::string_view ExchangeLine(const ExchangePlace& place, const kelva::Exchange& exchange, Disclosure disclosure,
+                              const std::string* serial, std::string& buffer);
 
 /// The line of an exchange that has begun and will not end in this trace.
 std::string UnfinishedLine(const ExchangePlace& place, const kelva::Exchange& exchange, Disclosure disclosure);

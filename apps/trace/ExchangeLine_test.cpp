@@ -11,6 +11,12 @@ using kelva::Exchange;
 constexpr Disclosure kOpen{Shown::kBytes, Personal::kNothing};
 const ExchangePlace kPlace{77, 1, 5, 1234us};
 
+std::string ExchangeLine(const ExchangePlace& place, const Exchange& exchange, Disclosure disclosure,
+                         const std::string* serial) {
+  std::string buffer;
+  return std::string(apps::ExchangeLine(place, exchange, disclosure, serial, buffer));
+}
+
 Exchange Answer(std::string_view bytes) {
   Exchange exchange;
   exchange.block = {{0xC6, 0, 4}};
@@ -59,6 +65,20 @@ TEST(ExchangeLine, OfLongAnswersTheFirstFourKilobytesAreShown) {
   std::string digits;
   for (std::size_t i = 0; i < four.size(); ++i) digits += "61";
   EXPECT_NE(line.find("\"hex\":\"" + digits + "\",\"bytes\":4097,\"crc32\":\""), std::string::npos);
+}
+
+TEST(ExchangeLine, OneBufferServesLinesOfAllLengths) {
+  std::string buffer;
+  for (const std::size_t length :
+       {std::size_t{3}, std::size_t{4000}, std::size_t{0}, std::size_t{5000}, std::size_t{3}}) {
+    const std::string payload(length, 'a');
+    EXPECT_EQ(apps::ExchangeLine(kPlace, Answer(payload), kOpen, nullptr, buffer),
+              ExchangeLine(kPlace, Answer(payload), kOpen, nullptr))
+        << length;
+  }
+  const std::size_t room = buffer.size();
+  apps::ExchangeLine(kPlace, Answer("abc"), kOpen, nullptr, buffer);
+  EXPECT_EQ(buffer.size(), room) << "a short line takes nothing away";
 }
 
 TEST(ExchangeLine, OfAPassphraseNotEvenTheLengthIsShown) {

@@ -60,6 +60,7 @@ struct Trace::Observed {
   unsigned long long number = 0;
   std::optional<kelva::Exchange> open{};
   std::chrono::microseconds at{};
+  std::string line{};  // of the exchange that has ended
 
   ExchangePlace Place() const { return {process, index, number, at}; }
 };
@@ -116,7 +117,9 @@ boost::shared_ptr<Camera> Trace::Around(boost::shared_ptr<Camera> camera, const 
       observed->open.reset();
       if (exchange.result == kelva::Exchange::Result::kDone) observed->discretion.Done(exchange.block);
     }
-    file_.Add(ExchangeLine(observed->Place(), exchange, observed->disclosure, standIns_ ? &observed->serial : nullptr));
+    const std::string* const serial = standIns_ ? &observed->serial : nullptr;
+    file_.Add(ExchangeLine(observed->Place(), exchange, observed->disclosure, serial, observed->line),
+              exchange.begin + exchange.took);
   };
   return kelva::Traced(std::move(camera), {.ended = ended, .began = began});
 }

@@ -22,7 +22,7 @@
 namespace apps {
 namespace {
 
-constexpr std::size_t kMostPending = 16384;
+constexpr std::size_t kMostPending = 65536;
 constexpr std::chrono::milliseconds kLongestPending(100);
 constexpr int kPatienceMs = 100;
 
@@ -86,10 +86,10 @@ TraceFile::~TraceFile() {
   }
 }
 
-void TraceFile::Add(std::string_view line) noexcept {
+void TraceFile::Add(std::string_view line, std::chrono::steady_clock::time_point now) noexcept {
   const std::scoped_lock lock(mutex_);
   if (!Keep(line)) return;
-  if (pending_.size() < kMostPending && std::chrono::steady_clock::now() - written_ < kLongestPending) return;
+  if (pending_.size() < kMostPending && now - written_ < kLongestPending) return;
   Write();
 }
 

@@ -28,9 +28,11 @@ class TraceFile {
   TraceFile& operator=(const TraceFile&) = delete;
 
   /// Adds one line. Lines are written in groups, since a system call for each would slow a sync down: as soon as there are
-  /// 16 KiB, with the first line that comes a tenth of a second after the last group, and before the process ends or aborts.
+  /// 64 KiB, with the first line that comes a tenth of a second after the last group, and before the process ends or aborts.
   /// They are whole even when several processes add to the file. Without memory for the line the trace ends. Any thread.
-  void Add(std::string_view line) noexcept;
+  /// `now` is a moment ago.
+  void Add(std::string_view line,
+           std::chrono::steady_clock::time_point now = std::chrono::steady_clock::now()) noexcept;
   /// Adds lines and writes everything, for a program that ends now: gives up after a tenth of a second when another thread
   /// sits in a write. Any thread.
   void AddAtEnd(std::string_view lines) noexcept;

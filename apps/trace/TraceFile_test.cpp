@@ -142,7 +142,7 @@ TEST_F(TraceFileTest, LinesAreWrittenInGroups) {
   AddAndFlush(file, kHeader);
   file.Add("first\n");
   EXPECT_EQ(Text(), kHeader);
-  const std::string rest(16384, 'x');
+  const std::string rest(65536, 'x');
   file.Add(rest);
   EXPECT_EQ(Text(), kHeader + "first\n" + rest);
 }
