@@ -78,7 +78,9 @@ void GetFiles::Get(const std::string& path) {
 void GetFiles::GetMeant(const std::string& path) {
   if (Split(path).name.empty()) return GetFolder(path);
   if (!IsPattern(path)) {
-    if (const auto entry = EntryIfListed(context_, listings_, path)) return GetEntry(path, *entry);
+    const auto entry = EntryIfListed(context_, listings_, path);
+    // A name in another case of letters is another file for some cameras; Meant finds how the camera writes it.
+    if (entry && entry->name == Split(path).name) return GetEntry(path, *entry);
   }
   const std::vector<std::string> meant = Meant(context_, *camera_, path);
   if (meant.size() > 1) done_->areMany = true;

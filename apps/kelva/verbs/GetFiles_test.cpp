@@ -59,6 +59,14 @@ TEST_F(GetFilesTest, APatternMatchesFilesInAnyCaseOfLetters) {
   EXPECT_TRUE(Here("MVI_0003.mp4"));
 }
 
+TEST_F(GetFilesTest, AFileIsFoundInEitherCaseOfLetters) {
+  const Ran ran = Get({"dcim/100abcde/img_0001.jpg", "DCIM/100ABCDE/mvi_0001.mp4"});
+  EXPECT_EQ(ran.code, ExitCode::kDone) << ran.err;
+  EXPECT_THAT(ran.err, HasSubstr("there is I:/DCIM/100ABCDE/MVI_0001.MP4."));
+  EXPECT_EQ(Text(folder / "new/out/IMG_0001.JPG"), "one");
+  EXPECT_EQ(Text(folder / "new/out/MVI_0001.MP4"), "a video");
+}
+
 TEST_F(GetFilesTest, APatternThatMatchesNothingIsAFailure) {
   const Ran ran = Get({"DCIM/*/*.AVI"});
   EXPECT_EQ(ran.code, ExitCode::kFailed);

@@ -65,8 +65,7 @@ ExitCode RunGet(Context& context) {
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
   if (target.toOutput) {
     const Session camera(context, "read " + ShownPath(paths[0]));
-    const std::string path = IsPattern(paths[0]) ? MeantOne(context, *camera, paths[0]) : paths[0];
-    ToOutput(context, RemoteFile(context, camera.Pointer(), path));
+    ToOutput(context, RemoteFile(context, camera.Pointer(), MeantOne(context, *camera, paths[0])));
     return ExitCode::kDone;
   }
   // First, so that a camera that is not there leaves no folder behind.

@@ -46,6 +46,7 @@ TEST_F(GetVerbTest, AFileOfManyThatIsHereAlreadyNeedsAnotherFolder) {
 TEST_F(GetVerbTest, AFileCanGoToStandardOutput) {
   Put("A.TXT", "abc");
   EXPECT_EQ(Run({"get", "I:/A.TXT", "-o", "-"}).out, "abc");
+  EXPECT_EQ(Run({"get", "I:/a.txt", "-o", "-"}).out, "abc") << "in either case of letters";
 }
 
 }  // namespace
