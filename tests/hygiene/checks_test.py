@@ -8,6 +8,7 @@ import tempfile
 import unittest
 
 import arrows
+import budget
 import documents
 import file_calls
 import layout
@@ -57,6 +58,15 @@ class Checks(unittest.TestCase):
             self.write(name, "int a = ::fsync(3);\n")
         self.write("apps/import/A.cpp", "calls.Rename(a, b);\nif (IsLink(folder, name)) return;\nfiles.unlinkat(a);\n")
         self.assertEqual(self.complaints(file_calls), [])
+
+    def test_program_beyond_its_budget_is_found_and_tests_and_comments_are_free(self):
+        most = budget.LINES["apps/desktop"]
+        self.write("apps/desktop/A.cpp", "// Why.\n\nint a;\n" + "int b;\n" * (most - 1))
+        self.write("apps/desktop/A_test.cpp", "int c;\n")
+        self.write("apps/desktop/worker/B.cpp", "int d;\n")
+        self.assertEqual(self.complaints(budget), [])
+        self.write("apps/desktop/A.h", "int e;\n")
+        self.assertEqual(self.complaints(budget), [f"apps/desktop: {most + 1} lines of code, {most} are its budget"])
 
     def test_parts_of_a_sentence_are_no_reference(self):
         self.write("a.md", "Two parts, 128 bytes each; part 1, then part 2; spec" + "ific.\n")
