@@ -13,9 +13,10 @@ const QDate kSunday(2026, 3, 15);
 using Days = std::vector<std::optional<QDate>>;
 
 void SetDays(CameraModel& model, const Days& days) {
-  for (int row = 0; row < model.rowCount(); ++row) {
-    const auto& day = days[static_cast<std::size_t>(row)];
+  int row = 0;
+  for (const auto& day : days) {
     if (day) model.SetNoThumbnail(row, "none", QDateTime(*day, QTime(12, 0)));
+    ++row;
   }
 }
 
