@@ -49,8 +49,9 @@ QStringList TextsOf(const QWidget& window) {
     }
     if (const auto* grid = dynamic_cast<const Grid*>(widget)) {
       const QAbstractItemModel& list = *grid->model();
-      for (int row = 0; row < list.rowCount(); ++row)
+      for (int row = 0; row < list.rowCount(); ++row) {
         texts << list.index(row, 0).data(Qt::AccessibleTextRole).toString();
+      }
     }
   }
   return texts;
