@@ -11,13 +11,13 @@ constexpr std::size_t kLengthField = sizeof(std::uint32_t);
 }  // namespace
 
 void FrameReader::Feed(std::span<const std::uint8_t> bytes) {
-  std::ranges::copy(bytes, Room(bytes.size()).begin());
+  std::copy(bytes.begin(), bytes.end(), Room(bytes.size()).begin());
   Came(bytes.size());
 }
 
 std::span<std::uint8_t> FrameReader::Room(std::size_t count) {
   const std::span<const std::uint8_t> held = Held();
-  std::ranges::copy(held, buffer_.begin());
+  std::copy(held.begin(), held.end(), buffer_.begin());
   start_ = 0;
   end_ = held.size();
   if (buffer_.size() < end_ + count) buffer_.resize(end_ + count);

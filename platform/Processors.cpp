@@ -14,7 +14,7 @@ thread_local std::vector<int> beforeOwn;
 OwnProcessor::OwnProcessor(std::size_t threads) : before_(Processors()) {
   const int own = CurrentProcessor();
   const bool few = before_.size() > 1 && before_.size() < threads;
-  if (!few || std::ranges::find(before_, own) == before_.end() || !UseOnly({own})) return;
+  if (!few || std::find(before_.begin(), before_.end(), own) == before_.end() || !UseOnly({own})) return;
   others_ = before_;
   std::erase(others_, own);
   beforeOwn = before_;
