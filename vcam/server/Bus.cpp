@@ -57,18 +57,20 @@ Bus::Camera* Bus::FindBySerial(const std::string& serial) {
 }
 
 void Bus::TakeCompletions() {
-  for (Completion& completion : completions_->TakeAll()) {
-    if (completion.reply.transport == wire::Transport::kHang) {
-      // Held until the camera leaves or the peer sends another command.
-      held_.push_back({std::move(completion), Clock::time_point::max()});
-    } else if (completion.reply.delay.count() > 0) {
-      const auto due = Clock::now() + completion.reply.delay;
-      held_.push_back({std::move(completion), due});
-    } else {
-      AnswerCommand(completion);
-    }
-  }
+  for (Completion& completion : completions_->TakeAll()) Settle(std::move(completion));
   DropRetired();
+}
+
+void Bus::Settle(Completion completion) {
+  if (completion.reply.transport == wire::Transport::kHang) {
+    // Held until the camera leaves or the peer sends another command.
+    held_.push_back({std::move(completion), Clock::time_point::max()});
+  } else if (completion.reply.delay.count() > 0) {
+    const auto due = Clock::now() + completion.reply.delay;
+    held_.push_back({std::move(completion), due});
+  } else {
+    AnswerCommand(completion);
+  }
 }
 
 void Bus::AnswerCommand(const Completion& completion) {

@@ -17,7 +17,8 @@ namespace vcam::server {
 
 /// The bus without its sockets: cameras, peers, and what each request does.
 ///
-/// Threads: all members are called on the thread of the loop; commands run on one thread per camera.
+/// Threads: all members are called on the thread of the loop. Commands run on one thread per camera, so that a slow one
+/// holds up no other camera. A prompt one of a camera that is alone runs on the loop: two threads fewer are woken for it.
 class Bus {
  public:
   using Send = std::function<void(PeerId, base::Bytes frame)>;
@@ -73,6 +74,8 @@ class Bus {
   bool Answer(PeerId peer, std::uint32_t tag, bus::Kind kind, const base::Bytes& payload = {});
   bool AnswerError(PeerId peer, std::uint32_t tag, bus::ErrorCode code, const std::string& sentence);
   void AnswerCommand(const Completion& completion);
+  /// Answers a command that was run, now or when it is due.
+  void Settle(Completion completion);
   void Announce(bus::Kind kind, const base::Bytes& payload);
   Camera* FindBySerial(const std::string& serial);
   bool AnswerNoSuchCamera(PeerId peer, const bus::Frame& frame, const std::string& serial);

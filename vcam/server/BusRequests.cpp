@@ -20,6 +20,12 @@ bus::CameraStatus StatusOf(std::uint32_t id, const Options& options) {
           .peripheralType = options.peripheralType};
 }
 
+// Reads a piece of what was selected before, which takes no longer than to wake another thread.
+bool IsPrompt(const wire::Command& command) {
+  constexpr std::uint8_t kReadChunk = 0xC4;
+  return command.cdb.front() == kReadChunk;
+}
+
 }  // namespace
 
 bool Bus::Handle(PeerId peer, const bus::Frame& frame) {
@@ -178,10 +184,15 @@ bool Bus::RunCommand(PeerId peer, const bus::Frame& frame) {
     // For the host, having no session and a camera that has left the bus are the same.
     return Answer(peer, frame.tag, bus::Kind::kReply, bus::Encode(wire::EndedBy(wire::Transport::kGone)));
   }
-  ++found->second.status.commands;
+  Camera& camera = found->second;
+  ++camera.status.commands;
   ++from.unfinished;
+  if (cameras_.size() == 1 && IsPrompt(*command) && camera.worker->Idle()) {
+    Settle({peer, frame.tag, from.session, camera.device->Execute(*command)});
+    return true;
+  }
   Job job{peer, frame.tag, from.session, *command, {command->data.begin(), command->data.end()}};
-  found->second.worker->Put(std::move(job));
+  camera.worker->Put(std::move(job));
   return true;
 }
 

@@ -160,6 +160,32 @@ TEST_F(BusTest, RunsACommandAndAnswersIt) {
   EXPECT_EQ(sent_.back().second.tag, 7U);
 }
 
+TEST_F(BusTest, APieceOfALoneCameraIsAnsweredAtOnce) {
+  Plug("A");
+  EXPECT_TRUE(Ask(2, bus::Kind::kStartSession, bus::EncodeNumber(1)));
+  wire::Command piece = test::Block({0xC4, 0, 0});
+  piece.direction = wire::Direction::kFromCamera;
+  piece.length = 4;
+  sent_.clear();
+  EXPECT_TRUE(Ask(2, bus::Kind::kCommand, bus::Encode(piece)));
+  EXPECT_EQ(sent_.size(), 1U);
+  EXPECT_NE(LastReply().status, wire::kScsiGood) << "nothing was selected";
+}
+
+TEST_F(BusTest, APieceOfOneOfSeveralCamerasHoldsUpNoOther) {
+  Plug("A");
+  Plug("B");
+  EXPECT_TRUE(Ask(2, bus::Kind::kStartSession, bus::EncodeNumber(1)));
+  wire::Command piece = test::Block({0xC4, 0, 0});
+  piece.direction = wire::Direction::kFromCamera;
+  piece.length = 4;
+  sent_.clear();
+  EXPECT_TRUE(Ask(2, bus::Kind::kCommand, bus::Encode(piece)));
+  EXPECT_TRUE(sent_.empty()) << "it is the camera's thread that runs it";
+  Complete();
+  EXPECT_EQ(sent_.size(), 1U);
+}
+
 TEST_F(BusTest, AnswersACommandWithoutSessionAsGone) {
   EXPECT_TRUE(Ask(1, bus::Kind::kCommand, bus::Encode(ReadyCommand())));
   EXPECT_EQ(LastReply().transport, wire::Transport::kGone);
