@@ -72,6 +72,10 @@ def photograph(path, width=WIDTH, height=HEIGHT):
     return b"".join(rows)
 
 
+# A window may go while it is looked at, as its second one does once the first was asked to close. Xlib would end the program.
+GONE = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)(lambda display, error: 0)
+
+
 def ask_to_close(title):
     """Sends what a window manager sends when its button is pressed, to the windows of this title; how many there are."""
     x11 = ctypes.CDLL("libX11.so.6")
@@ -81,6 +85,7 @@ def ask_to_close(title):
         _fields_ = [("type", ctypes.c_int), ("serial", number), ("sent", ctypes.c_int), ("display", pointer), ("window", number),
                     ("kind", number), ("format", ctypes.c_int), ("words", number * 5), ("rest", number * 16)]
 
+    x11.XSetErrorHandler(GONE)
     x11.XOpenDisplay.restype = pointer
     x11.XDefaultRootWindow.restype = x11.XInternAtom.restype = number
     display = pointer(x11.XOpenDisplay(None))
