@@ -50,12 +50,21 @@ std::vector<std::string> Matching(KnownListings& listings, const std::string& pa
                 [&](const std::string& name) { return match(split.name, name); });
 }
 
+// The listed name that differs in the case of letters alone; empty without one. Throws where several do: a guess could delete
+// what nobody named.
+std::string Similar(KnownListings& listings, const std::string& cameraPath) {
+  const std::vector<std::string> similar = Matching(listings, cameraPath, SameName);
+  if (similar.size() < 2) return similar.empty() ? "" : similar.front();
+  throw Failure(ExitCode::kUsage, "There is no " + ShownPath(cameraPath) + "; there are " + ShownPath(similar[0]) +
+                                      " and " + ShownPath(similar[1]) + "; name one of them.");
+}
+
 std::vector<std::string> Meant(Context& context, KnownListings& listings, const std::string& cameraPath) {
   if (Split(cameraPath).name.empty() || IsListed(listings, cameraPath)) return {cameraPath};
-  const std::vector<std::string> similar = Matching(listings, cameraPath, SameName);
+  const std::string similar = Similar(listings, cameraPath);
   if (!similar.empty()) {
-    context.reporter.Note("There is no " + ShownPath(cameraPath) + "; there is " + ShownPath(similar.front()) + ".");
-    return {similar.front()};
+    context.reporter.Note("There is no " + ShownPath(cameraPath) + "; there is " + ShownPath(similar) + ".");
+    return {similar};
   }
   if (!IsPattern(cameraPath)) return {cameraPath};
   std::vector<std::string> matching = Matching(listings, cameraPath, MatchesName);
@@ -100,10 +109,11 @@ std::vector<std::string> AllMeant(Context& context, Camera& camera, const std::v
 std::string InListedFolder(Context& context, Camera& camera, const std::string& cameraPath) {
   const SplitPath split = Split(cameraPath);
   if (split.name.empty()) return cameraPath;
-  const std::string path = MeantOne(context, camera, split.folder) + "\\" + split.name;
+  std::string path = MeantOne(context, camera, split.folder) + "\\" + split.name;
   KnownListings listings(camera);
-  const std::vector<std::string> similar = Matching(listings, path, SameName);
-  return similar.empty() || IsListed(listings, path) ? path : similar.front();
+  if (IsListed(listings, path)) return path;
+  const std::string similar = Similar(listings, path);
+  return similar.empty() ? path : similar;
 }
 
 }  // namespace apps

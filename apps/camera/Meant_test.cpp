@@ -58,6 +58,25 @@ TEST_F(MeantTest, WhereTwoNamesDifferInCaseAloneTheOneTypedIsMeant) {
   EXPECT_THAT(Find("I:\\DCIM\\101ABCDE\\IMG_0004.JPG"), ElementsAre("I:\\DCIM\\101ABCDE\\IMG_0004.JPG"));
 }
 
+TEST_F(MeantTest, WhereSeveralNamesDifferInCaseAloneNoneIsGuessed) {
+  const auto said = [&](const auto& find) {
+    try {
+      find();
+      return std::string("found");
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.Code(), ExitCode::kUsage);
+      return std::string(failure.what());
+    }
+  };
+  const std::string path = "I:\\DCIM\\101ABCDE\\Img_0004.jpg";
+  const std::string sentence =
+      "There is no I:/DCIM/101ABCDE/Img_0004.jpg; there are I:/DCIM/101ABCDE/img_0004.jpg and "
+      "I:/DCIM/101ABCDE/IMG_0004.JPG; name one of them.";
+  EXPECT_EQ(said([&] { Find(path); }), sentence);
+  EXPECT_EQ(said([&] { InListedFolder(context_, camera_, path); }), sentence);
+  EXPECT_EQ(InListedFolder(context_, camera_, "I:\\DCIM\\101ABCDE\\IMG_0004.JPG"), "I:\\DCIM\\101ABCDE\\IMG_0004.JPG");
+}
+
 TEST_F(MeantTest, APatternMeansAllThatMatchInFoldersAndNames) {
   EXPECT_THAT(Find("I:\\DCIM\\*\\*.mp4"),
               ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0002.MP4", "I:\\DCIM\\101ABCDE\\MVI_0003.MP4"));

@@ -150,7 +150,10 @@ void RemoteDeletions::Delete(const std::string& path) {
 }
 
 void RemoteDeletions::CheckGone(const std::string& path) {
-  if (after_.Find(path)) {
+  // Another file's name may differ in the case of letters alone.
+  const auto was = before_.Find(path);
+  const auto listed = after_.Find(path);
+  if (listed && (!was || listed->name == was->name)) {
     throw Failure(ExitCode::kRefused, "The camera accepted the command but still lists " + ShownPath(path) +
                                           "; it may be write-protected.");
   }

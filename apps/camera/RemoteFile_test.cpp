@@ -148,6 +148,14 @@ TEST_F(RemoteFileTest, AFileIsDeleted) {
   EXPECT_THAT(Error([&] { deletions.Delete("I:\\A.TXT"); }), HasSubstr("There is no file"));
 }
 
+TEST_F(RemoteFileTest, AFileWhoseNameDiffersInCaseAloneIsAnotherOne) {
+  camera_.files = {{"A.TXT", "abc"}, {"a.txt", "other"}};
+  RemoteDeletions deletions(camera_);
+  deletions.Delete("I:\\A.TXT");
+  EXPECT_NO_THROW(deletions.CheckGone("I:\\A.TXT"));
+  EXPECT_EQ(camera_.files.size(), 1U);
+}
+
 TEST_F(RemoteFileTest, AFolderIsListedTwiceHoweverManyOfItsFilesAreDeleted) {
   constexpr int kFiles = 100;
   const auto path = [](int number) { return "I:\\F" + std::to_string(number); };
