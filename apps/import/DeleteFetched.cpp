@@ -14,6 +14,7 @@ namespace {
 
 std::vector<const SyncItem*> Fetched(const SyncPlan& plan, Manifest& manifest) {
   std::vector<const SyncItem*> items;
+  const Manifest::Reading reading(manifest);
   for (const SyncItem& item : plan.items) {
     if (!item.IsDeleted() && manifest.Find(item.Key())) items.push_back(&item);
   }
