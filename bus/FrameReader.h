@@ -25,8 +25,8 @@ class FrameReader {
   std::span<const std::uint8_t> Held() const { return std::span(buffer_).subspan(start_, end_ - start_); }
 
   base::Bytes buffer_;
-  std::size_t start_ = 0;  // of what no frame was made of yet
-  std::size_t end_ = 0;    // of what has arrived
+  std::size_t start_ = 0;  // of what is in no frame yet
+  std::size_t end_ = 0;    // behind what has arrived
   bool broken_ = false;
 };
 

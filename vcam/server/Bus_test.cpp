@@ -41,12 +41,13 @@ class BusTest : public testing::Test {
     sent_.clear();
   }
 
-  static wire::Command ReadyCommand() {
-    wire::Command command = test::Block({0xC6, 0, 0x04});
+  static wire::Command Reads(wire::Command command) {
     command.direction = wire::Direction::kFromCamera;
     command.length = 4;
     return command;
   }
+  static wire::Command ReadyCommand() { return Reads(test::Block({0xC6, 0, 0x04})); }
+  static wire::Command PieceCommand() { return Reads(test::Block({0xC4, 0, 0})); }
   /// Waits for the camera's thread.
   void Complete() {
     pollfd readable{bus_.Descriptor(), POLLIN, 0};
@@ -163,11 +164,8 @@ TEST_F(BusTest, RunsACommandAndAnswersIt) {
 TEST_F(BusTest, APieceOfALoneCameraIsAnsweredAtOnce) {
   Plug("A");
   EXPECT_TRUE(Ask(2, bus::Kind::kStartSession, bus::EncodeNumber(1)));
-  wire::Command piece = test::Block({0xC4, 0, 0});
-  piece.direction = wire::Direction::kFromCamera;
-  piece.length = 4;
   sent_.clear();
-  EXPECT_TRUE(Ask(2, bus::Kind::kCommand, bus::Encode(piece)));
+  EXPECT_TRUE(Ask(2, bus::Kind::kCommand, bus::Encode(PieceCommand())));
   EXPECT_EQ(sent_.size(), 1U);
   EXPECT_NE(LastReply().status, wire::kScsiGood) << "nothing was selected";
 }
@@ -176,11 +174,8 @@ TEST_F(BusTest, APieceOfOneOfSeveralCamerasHoldsUpNoOther) {
   Plug("A");
   Plug("B");
   EXPECT_TRUE(Ask(2, bus::Kind::kStartSession, bus::EncodeNumber(1)));
-  wire::Command piece = test::Block({0xC4, 0, 0});
-  piece.direction = wire::Direction::kFromCamera;
-  piece.length = 4;
   sent_.clear();
-  EXPECT_TRUE(Ask(2, bus::Kind::kCommand, bus::Encode(piece)));
+  EXPECT_TRUE(Ask(2, bus::Kind::kCommand, bus::Encode(PieceCommand())));
   EXPECT_TRUE(sent_.empty()) << "it is the camera's thread that runs it";
   Complete();
   EXPECT_EQ(sent_.size(), 1U);
