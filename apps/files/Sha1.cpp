@@ -8,7 +8,7 @@
 
 #include <array>
 #include <cerrno>
-#include <vector>
+#include <memory>
 
 #include "base/Hex.h"
 
@@ -42,15 +42,17 @@ std::string Sha1(std::span<const char> bytes) {
 }
 
 std::optional<std::string> Sha1OfFile(int fd) {
+  constexpr std::size_t kPiece = std::size_t{1} << 18;
   Sha1Sum sum;
-  std::vector<char> piece(std::size_t{1} << 18);
+  // Not cleared: that would take longer than the sum of a small file.
+  const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
   off_t offset = 0;
   while (true) {
-    const ssize_t size = ::pread(fd, piece.data(), piece.size(), offset);
+    const ssize_t size = ::pread(fd, piece.get(), kPiece, offset);
     if (size < 0 && errno == EINTR) continue;
     if (size < 0) return std::nullopt;
     if (size == 0) return sum.Take();
-    sum.Add(std::span(piece).first(static_cast<std::size_t>(size)));
+    sum.Add({piece.get(), static_cast<std::size_t>(size)});
     offset += size;
   }
 }

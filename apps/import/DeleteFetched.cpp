@@ -35,6 +35,7 @@ std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const
   };
   try {
     const std::vector<const SyncItem*> items = Fetched(plan, manifest);
+    deletions.Expect(items);
     SyncTally& tally = work.report.Tally();
     tally.toDelete = tally.deleted + items.size();
     work.ForEach(items, {"deleting", "delete", letOthers}, [&](const SyncItem& item) {

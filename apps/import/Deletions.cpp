@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -22,7 +23,8 @@ std::string IdentityOf(const DcfObj& picture) {
   return {reinterpret_cast<const char*>(&picture), offsetof(DcfObj, hasJpg)};
 }
 
-constexpr std::size_t kMostInGroup = 256;
+constexpr std::size_t kLookedUpAtOnce = 64;
+constexpr std::size_t kMostInGroup = 1024;
 constexpr std::chrono::milliseconds kGroupTime{500};
 
 }  // namespace
@@ -36,7 +38,7 @@ Deletions::~Deletions() {
 }
 
 std::string Deletions::Delete(const SyncItem& item) {
-  const auto row = manifest_.Find(item.Key());
+  const auto row = RowOf(item);
   std::string why = WhyNotHere(item, row);
   if (!why.empty()) return why;
   const std::string path = item.CameraPath();
@@ -48,6 +50,24 @@ std::string Deletions::Delete(const SyncItem& item) {
   unmarked_.push_back(item.Key());
   if (unmarked_.size() >= kMostInGroup || Clock::now() - lastGroup_ >= kGroupTime) Finish();
   return "";
+}
+
+std::optional<ManifestRow> Deletions::RowOf(const SyncItem& item) {
+  while (!rows_.empty() && rows_.front().first != &item) rows_.pop_front();  // files that were left out
+  if (rows_.empty()) LookUpFrom(item);
+  auto row = std::move(rows_.front().second);
+  rows_.pop_front();
+  return row;
+}
+
+void Deletions::LookUpFrom(const SyncItem& item) {
+  const Manifest::Reading reading(manifest_);
+  rows_.emplace_back(&item, manifest_.Find(item.Key()));
+  const auto at = std::find(expected_.begin(), expected_.end(), &item);
+  expected_ = {at == expected_.end() ? at : at + 1, expected_.end()};
+  for (const SyncItem* const next : expected_.first(std::min(expected_.size(), kLookedUpAtOnce))) {
+    rows_.emplace_back(next, manifest_.Find(next->Key()));
+  }
 }
 
 void Deletions::Finish() {

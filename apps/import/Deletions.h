@@ -3,10 +3,13 @@
 
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/camera/ListedSizes.h"
@@ -40,6 +43,9 @@ class Deletions {
   Deletions(const Deletions&) = delete;
   Deletions& operator=(const Deletions&) = delete;
 
+  /// The files that come next, in their order. Their rows are looked up in groups, because each look on its own locks the
+  /// manifest. The pointers outlive this.
+  void Expect(std::span<const SyncItem* const> items) { expected_ = items; }
   /// The camera was given up meanwhile, so another program may have changed what is on it. Between two pictures only: what
   /// is deleted changes the entry of its picture.
   void Renew();
@@ -52,6 +58,8 @@ class Deletions {
  private:
   using Clock = std::chrono::steady_clock;
 
+  std::optional<ManifestRow> RowOf(const SyncItem& item);
+  void LookUpFrom(const SyncItem& item);
   std::string WhyNotHere(const SyncItem& item, const std::optional<ManifestRow>& row) const;
   bool IsAsFetched(const SyncItem& item, const ManifestRow& row);
 
@@ -61,6 +69,8 @@ class Deletions {
   const Hash hash_;
   std::optional<std::map<std::string, DcfObj>> catalogue_;  // of this turn, by the bytes that identify a picture
   std::optional<ListedSizes> sizes_;                        // of this turn
+  std::span<const SyncItem* const> expected_;
+  std::deque<std::pair<const SyncItem*, std::optional<ManifestRow>>> rows_;  // of the next ones
   std::vector<ManifestKey> unmarked_;
   Clock::time_point lastGroup_ = Clock::now();
 };

@@ -39,6 +39,17 @@ TEST_F(DeletionsTest, DeletionsOfOneMomentAreMarkedTogether) {
   EXPECT_EQ(std::count(commits.begin(), commits.end(), "commit"), 1);
 }
 
+TEST_F(DeletionsTest, EachFileIsComparedWithItsOwnRowAlsoWhenSomeAreLeftOut) {
+  const SyncPlan plan = Plan({Picture(1), Picture(3), Picture(2)});
+  const std::vector<const SyncItem*> items = {&plan.items[0], &plan.items[1], &plan.items[2]};
+  Deletions deletions(camera_, folder_, manifest_, hash_);
+  deletions.Expect(items);
+  EXPECT_EQ(deletions.Delete(plan.items[1]),
+            "100ABCDE/IMG_0003.JPG was not fetched, so the file on the camera was not deleted.");
+  EXPECT_EQ(deletions.Delete(plan.items[2]), "");
+  EXPECT_EQ(deletions.Delete(plan.items[0]), "") << "one that nobody expected any more";
+}
+
 /// What another program may do between the fetch and the deletion.
 TEST_F(DeletionsTest, WhatIsNoLongerAsItWasFetchedStays) {
   const SyncPlan plan = Plan({Picture(1), Picture(2)});
