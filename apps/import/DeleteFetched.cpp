@@ -12,16 +12,22 @@
 namespace apps {
 namespace {
 
-std::vector<const SyncItem*> Fetched(const SyncPlan& plan, Manifest& manifest) {
+std::vector<const SyncItem*> Fetched(Camera& camera, const SyncPlan& plan, Manifest& manifest) {
   std::vector<const SyncItem*> items;
-  const Manifest::Reading reading(manifest);
+  ListedSizes sizes(camera);
   for (const SyncItem& item : plan.items) {
-    if (!item.IsDeleted() && manifest.Find(item.Key())) items.push_back(&item);
+    if (MayBeDeleted(item, sizes)) items.push_back(&item);
   }
+  const Manifest::Reading reading(manifest);
+  std::erase_if(items, [&](const SyncItem* item) { return !manifest.Find(item->Key()); });
   return items;
 }
 
 }  // namespace
+
+bool MayBeDeleted(const SyncItem& item, ListedSizes& sizes) {
+  return !item.IsDeleted() || sizes.SizeOf(item.CameraPath()).has_value();
+}
 
 std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const TargetFolder& folder,
                                      Manifest& manifest) {
@@ -34,7 +40,7 @@ std::optional<Outcome> DeleteFetched(SyncWork& work, const SyncPlan& plan, const
     last = &item;
   };
   try {
-    const std::vector<const SyncItem*> items = Fetched(plan, manifest);
+    const std::vector<const SyncItem*> items = Fetched(*work.files.Pointer(), plan, manifest);
     deletions.Expect(items);
     SyncTally& tally = work.report.Tally();
     tally.toDelete = tally.deleted + items.size();

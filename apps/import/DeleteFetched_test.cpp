@@ -101,6 +101,25 @@ TEST_F(DeleteFetchedTest, WhatWasDeletedIsNotAskedForAgain) {
   EXPECT_EQ(camera_.reads, 6);
 }
 
+TEST_F(DeleteFetchedTest, APictureThatWasPutBackIsDeletedAgainWhileItIsHere) {
+  EXPECT_EQ(Run(kVerifyAndDelete).deleted, 2U);
+  camera_.files = {{"IMG_0001.JPG", "one"}, {"IMG_0002.JPG", "tow"}};
+  const SyncTotals totals = Run(kVerifyAndDelete);
+  EXPECT_EQ(totals.stored, 0U);
+  EXPECT_EQ(totals.deleted, 1U);
+  EXPECT_FALSE(CameraHas("IMG_0001.JPG"));
+  EXPECT_TRUE(CameraHas("IMG_0002.JPG")) << "it is another one";
+  EXPECT_THAT(Said(), HasSubstr("I:/DCIM/100ABCDE/IMG_0002.JPG is no longer what was fetched from there; "));
+}
+
+TEST_F(DeleteFetchedTest, APictureThatWasPutBackAndIsNotHereStays) {
+  EXPECT_EQ(Run(kVerifyAndDelete, {Picture(1)}).deleted, 1U);
+  fs::remove(fs::path(path_) / "100ABCDE/IMG_0001.JPG");
+  camera_.files["IMG_0001.JPG"] = "one";
+  EXPECT_EQ(Run(kVerifyAndDelete, {Picture(1)}).failed, 1U);
+  EXPECT_TRUE(CameraHas("IMG_0001.JPG"));
+}
+
 TEST_F(DeleteFetchedTest, ACameraThatHasGoneEndsTheDeletions) {
   camera_.onDelete = [](const std::string&) { throw Gone(); };
   const Outcome outcome = RunToItsEnd(kVerifyAndDelete);

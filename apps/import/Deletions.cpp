@@ -101,7 +101,11 @@ std::string Deletions::WhyNotHere(const SyncItem& item, const std::optional<Mani
   const std::string here = Printable(row ? row->path : item.LocalText());
   const std::string kept = ", so the file on the camera was not deleted.";
   if (!row) return here + " was not fetched" + kept;
-  if (row->IsLetGo()) return "";
+  if (row->MayGo()) return "";
+  if (row->IsLetGo()) {
+    return ShownPath(item.CameraPath()) + " came back to the camera and is not here" + kept +
+           " `kelva sync --forget` lets it go once more.";
+  }
   switch (StateOf(*row, folder_)) {
     case StoredState::kSame:
       return "";

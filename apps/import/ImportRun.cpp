@@ -15,6 +15,7 @@
 #include "apps/import/AskTimes.h"
 #include "apps/import/Coming.h"
 #include "apps/import/CutFiles.h"
+#include "apps/import/DeleteFetched.h"
 #include "apps/import/Others.h"
 #include "apps/import/Sync.h"
 #include "apps/import/SyncSummary.h"
@@ -27,8 +28,9 @@ void KeepSince(Context& context, const Session& camera, const PictureChoice& cho
                SyncPlan& plan) {
   const bool deletes = context.call.Has("delete-after-verify");
   std::vector<const DcfObj*> pictures;
+  ListedSizes sizes(*camera);
   for (const SyncItem& item : plan.items) {
-    const bool matters = item.IsNew() || (deletes && !item.IsDeleted());
+    const bool matters = item.IsNew() || (deletes && MayBeDeleted(item, sizes));
     if (matters && (pictures.empty() || pictures.back() != &item.Picture())) pictures.push_back(&item.Picture());
   }
   AskTimes(context, camera.Pointer(), pictures, times);

@@ -43,6 +43,23 @@ TEST_F(LetGoTest, WhatIsNoLongerWhatWasFetchedStaysOnTheCameraAllTheSame) {
   EXPECT_TRUE(CameraHas("IMG_0001.JPG"));
 }
 
+TEST_F(LetGoTest, APictureThatWasPutBackIsLetGoOnceMore) {
+  Run();
+  fs::remove(Here("IMG_0001.JPG"));
+  EXPECT_EQ(Go(1), LetGoOutcome::kFile);
+  EXPECT_EQ(Run({.deleteAfter = true}).deleted, 2U);
+  camera_.files["IMG_0001.JPG"] = "one";
+  EXPECT_EQ(Run({.deleteAfter = true}).failed, 1U);
+  EXPECT_EQ(
+      Said(),
+      "kelva: I:/DCIM/100ABCDE/IMG_0001.JPG came back to the camera and is not here, so the file on the camera was not "
+      "deleted. `kelva sync --forget` lets it go once more.\n");
+  EXPECT_TRUE(CameraHas("IMG_0001.JPG")) << "the only one there is";
+  EXPECT_EQ(Go(1), LetGoOutcome::kFile);
+  EXPECT_EQ(Run({.deleteAfter = true}).deleted, 1U);
+  EXPECT_FALSE(CameraHas("IMG_0001.JPG"));
+}
+
 TEST_F(LetGoTest, AFileThatIsHereIsNotLetGo) {
   Run();
   EXPECT_EQ(Go(1), LetGoOutcome::kHere);

@@ -381,7 +381,7 @@ void Manifest::MarkDeleted(const std::vector<ManifestKey>& keys) {
 }
 
 void Manifest::LetGo(const std::vector<ManifestKey>& keys) {
-  Update("UPDATE files SET path='' WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4", keys);
+  Update("UPDATE files SET path='', deleted=0 WHERE serial=?1 AND picture=?2 AND type=?3 AND fingerprint=?4", keys);
 }
 
 void Manifest::Update(const char* change, const std::vector<ManifestKey>& keys) {

@@ -38,6 +38,8 @@ struct ManifestRow {
 
   /// It was fetched, and its user threw it away.
   bool IsLetGo() const { return path.empty(); }
+  /// It may be deleted on the camera though it is not here: once. A file that came back to the camera since then is the only one.
+  bool MayGo() const { return IsLetGo() && !deleted; }
 };
 
 /// A file whose transfer was cut. A part of it is here, under a temporary name.
@@ -78,7 +80,7 @@ class Manifest {
   std::vector<CutRow> Cuts();
   /// As Record.
   void MarkDeleted(const std::vector<ManifestKey>& keys);
-  /// As Record: forgets where files lie.
+  /// As Record: forgets where files lie, and that they were deleted on the camera.
   void LetGo(const std::vector<ManifestKey>& keys);
 
   /// While it lives, Find and RowsOf look at one state of the list, which is faster for many. Nothing is recorded meanwhile.

@@ -71,6 +71,17 @@ class SyncTest(Bus):
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertEqual(os.listdir(os.path.join(self.drive, "DCIM/100ABCDE")), [])
 
+    def test_a_picture_that_was_put_back_on_the_card_is_deleted_again(self):
+        self.pictures(3, 100)
+        card = os.path.join(self.drive, "DCIM")
+        shutil.copytree(card, os.path.join(self.folder, "copy"))
+        for _ in range(2):
+            run = json.loads(self.kelva("sync", "--delete-after-verify", "--json", self.target).stdout.splitlines()[-1])
+            self.assertEqual((run["deleted"], run["to_delete"], run["failed"]), (3, 3, 0))
+            self.assertEqual(os.listdir(os.path.join(card, "100ABCDE")), [])
+            shutil.copytree(os.path.join(self.folder, "copy"), card, dirs_exist_ok=True)
+        self.assertEqual(run["stored"], 0)
+
     def test_a_damaged_list_is_one_sentence_and_nothing_is_written(self):
         self.pictures(60, 10)
         self.complete(60)

@@ -10,6 +10,7 @@
 #include "apps/commandline/Printable.h"
 #include "apps/import/AskTimes.h"
 #include "apps/import/Coming.h"
+#include "apps/import/DeleteFetched.h"
 #include "apps/import/ImportRun.h"
 #include "apps/import/SyncChoice.h"
 #include "apps/kelva/verbs/Consent.h"
@@ -39,7 +40,7 @@ void AskToDelete(Context& context, const Session& camera, const SyncPlan& plan, 
   ListedSizes sizes(*camera);
   Coming all;
   for (const SyncItem& item : plan.items) {
-    if (!item.IsDeleted()) all.Add(ListedSize(item, sizes));
+    if (MayBeDeleted(item, sizes)) all.Add(ListedSize(item, sizes));
   }
   if (all.files == 0) return;
   Ask(context, {all.Text() + " will be deleted on camera " + Printable(camera.Facts().serial) +
@@ -129,7 +130,8 @@ What lies below DCIM and MISC and is not in the catalogue (videos, panoramas, fi
 a file has no SHA-1 and no time on the camera: its path and size tell whether it was fetched before, and --verify reads it
 twice.
 
---delete-after-verify leaves a file on the camera that was edited, moved or deleted here. --forget PICTURE lets go what was
+--delete-after-verify leaves a file on the camera that was edited, moved or deleted here. It deletes a picture again that
+was deleted on the camera and put back there. --forget PICTURE lets go what was
 moved or deleted on purpose: from then on --delete-after-verify deletes it on the camera, if it is still what was fetched. An
 edited file has to be moved first. --forget also removes the part of a file whose transfer was cut. PICTURE is a name, a
 path on the camera or a pattern; another file is named by its name or path.
