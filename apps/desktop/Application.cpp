@@ -65,18 +65,17 @@ void SpeakTheUsersLanguage() {
 }
 
 int Show(const QString& bus) {
-  SingleInstance instance;
-  if (instance.HasAskedAnother()) return 0;
+  std::unique_ptr<MainWindow> window;
+  const auto instance = OnlyInstance([&window] {
+    if (window) window->Raise();
+  });
+  if (!instance) return 0;
   FollowAppearance();
-  int status = 0;
-  {
-    MainWindow window(WorkersOn(bus));
-    instance.OnActivate([&window] { window.Raise(); });
-    window.Watch();
-    window.show();
-    status = QApplication::exec();
-    instance.OnActivate({});
-  }
+  window = std::make_unique<MainWindow>(WorkersOn(bus));
+  window->Watch();
+  window->show();
+  const int status = QApplication::exec();
+  window.reset();
   WorkerProcess::EndAll();
   return status;
 }

@@ -3,11 +3,9 @@
 
 namespace desktop {
 
-class SingleInstance::Door {};
-
-SingleInstance::SingleInstance() = default;
-SingleInstance::~SingleInstance() = default;
-void SingleInstance::OnActivate(std::function<void()>) {}
+std::unique_ptr<QObject> OnlyInstance(std::function<void()>) {
+  return std::make_unique<QObject>();
+}
 
 void FollowAppearance() {}
 

@@ -1,10 +1,10 @@
 // One window for each session: the name com.kelva.Desktop on the session bus, with the interface by which desktops start it.
-#include "apps/desktop/Session.h"
-
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+
+#include "apps/desktop/Session.h"
 
 namespace desktop {
 namespace {
@@ -15,18 +15,10 @@ constexpr char kInterface[] = "org.freedesktop.Application";
 // The first one answers from its event loop, which never waits.
 constexpr int kAnswerMs = 1000;
 
-void AskTheOther(QDBusConnection& bus) {
-  QDBusMessage call = QDBusMessage::createMethodCall(kName, kDoorPath, kInterface, "Activate");
-  call << QVariantMap();
-  bus.call(call, QDBus::Block, kAnswerMs);
-}
-
-}  // namespace
-
 // Activate, Open and ActivateAction all mean that the window is to be shown.
-class SingleInstance::Door : public QDBusVirtualObject {
+class Door : public QDBusVirtualObject {
  public:
-  std::function<void()> raise;
+  explicit Door(std::function<void()> raise) : raise_(std::move(raise)) {}
 
   // Who starts an application knows the interface.
   QString introspect(const QString&) const override { return {}; }
@@ -34,25 +26,26 @@ class SingleInstance::Door : public QDBusVirtualObject {
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
     if (message.interface() != kInterface) return false;
     bus.send(message.createReply());
-    if (raise) raise();
+    raise_();
     return true;
   }
+
+ private:
+  std::function<void()> raise_;
 };
 
-SingleInstance::SingleInstance() {
+}  // namespace
+
+std::unique_ptr<QObject> OnlyInstance(std::function<void()> raise) {
+  auto door = std::make_unique<Door>(std::move(raise));
   QDBusConnection bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) return;
-  door_ = std::make_unique<Door>();
-  bus.registerVirtualObject(kDoorPath, door_.get());
-  if (bus.registerService(kName)) return;
-  hasAskedAnother_ = bus.interface()->isServiceRegistered(kName);
-  if (hasAskedAnother_) AskTheOther(bus);
-}
-
-SingleInstance::~SingleInstance() = default;
-
-void SingleInstance::OnActivate(std::function<void()> raise) {
-  if (door_) door_->raise = std::move(raise);
+  if (!bus.isConnected()) return door;
+  bus.registerVirtualObject(kDoorPath, door.get());
+  if (bus.registerService(kName) || !bus.interface()->isServiceRegistered(kName)) return door;
+  QDBusMessage call = QDBusMessage::createMethodCall(kName, kDoorPath, kInterface, "Activate");
+  call << QVariantMap();
+  bus.call(call, QDBus::Block, kAnswerMs);
+  return nullptr;
 }
 
 }  // namespace desktop
