@@ -30,24 +30,17 @@ constexpr char kHelp[] =
     "  --help            print this text\n"
     "  --version         print the version\n";
 
-// Asked before there is a screen.
-Arguments ArgumentsOf(int argc, char** argv) {
-  QStringList words;
-  for (int word = 1; word < argc; ++word) words.append(QString::fromLocal8Bit(argv[word]));
-  return ParseArguments(words);
-}
-
 int Print(std::FILE* stream, const QString& text) {
   std::fputs(text.toLocal8Bit().constData(), stream);
   return stream == stdout ? 0 : kWrongArguments;
 }
 
-MakeWorker WorkersOn(const QString& bus) {
+StartWorker WorkersOn(const QString& bus) {
   const std::string own = QCoreApplication::applicationFilePath().toStdString();
   const QString program = QString::fromStdString(apps::ProgramBeside(own, "kelva-desktop-worker"));
-  return [program, bus](QStringList words) {
+  return [program, bus](QStringList words, Listener listener) {
     if (!bus.isEmpty()) words << "--virtual" << bus;
-    return std::make_unique<WorkerProcess>(program, words);
+    return std::make_unique<WorkerProcess>(program, words, std::move(listener));
   };
 }
 
@@ -102,7 +95,7 @@ Arguments ParseArguments(const QStringList& words) {
 }
 
 int Run(int argc, char** argv) {
-  const Arguments arguments = ArgumentsOf(argc, argv);
+  const Arguments arguments = ParseArguments(QStringList(argv + 1, argv + argc));  // before there is a screen
   if (!arguments.answer.isEmpty()) return Print(stdout, arguments.answer);
   if (!arguments.mistake.isEmpty()) return Print(stderr, arguments.mistake);
   // What ends programs closes the window as its button does. Threads that Qt starts leave that to this one.

@@ -3,12 +3,11 @@
 
 #include <QCoreApplication>
 #include <QFrame>
+#include <QLabel>
+#include <QPushButton>
 #include <functional>
 
 #include "apps/desktop/CameraState.h"
-
-class QLabel;
-class QPushButton;
 
 namespace desktop {
 
@@ -18,23 +17,18 @@ class Banner : public QFrame {
   Q_DECLARE_TR_FUNCTIONS(Banner)
 
  public:
-  explicit Banner(QWidget* parent = nullptr);
+  Banner();
 
   std::function<void()> onRetry = [] {};
 
   void Show(const Notice& notice);
 
- protected:
-  void changeEvent(QEvent* event) override;
-
  private:
-  void TakeColours();
-
   Notice shown_;
-  QLabel* sentence_;
-  QLabel* command_;
-  QPushButton* copy_;
-  QPushButton* retry_;
+  QLabel sentence_;
+  QLabel command_;
+  QPushButton copy_{tr("&Copy command")};
+  QPushButton retry_{tr("&Try again")};
 };
 
 }  // namespace desktop

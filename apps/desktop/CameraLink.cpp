@@ -1,91 +1,72 @@
 // What the workers of one camera say, and what is asked of them.
 #include "apps/desktop/CameraLink.h"
 
-#include <QDir>
 #include <QJsonArray>
 #include <QTimer>
-#include <algorithm>
-#include <array>
 
 namespace desktop {
 namespace {
 
-constexpr std::array kTypeNames = {"JPG", "RAW", "TXT", "128"};
 // An import that ended because the camera was gone, while the camera is there: it came back in between.
 constexpr int kBackAlreadyMs = 1000;
-
-constexpr int kLargestThumbnail = 400;
 
 QString Decoded(const QString& word) {
   return QString::fromUtf8(QByteArray::fromPercentEncoding(word.toLatin1()));
 }
 
-QStringList TypesOf(int bits) {
+QString TypesOf(int bits) {
   QStringList types;
-  for (std::size_t type = 0; type < kTypeNames.size(); ++type) {
-    if ((bits >> type & 1) != 0) types.append(kTypeNames[type]);
+  for (const char* type : {"JPG", "RAW", "TXT", "128"}) {
+    if ((bits & 1) != 0) types.append(type);
+    bits >>= 1;
   }
-  return types;
-}
-
-QDateTime TimeOf(const QJsonObject& event) {
-  return QDateTime::fromString(event["time"].toString().left(19).replace('T', ' '), "yyyy-MM-dd HH:mm:ss");
+  return types.join(' ');
 }
 
 }  // namespace
 
-CameraLink::CameraLink(MakeWorker makeWorker, const QString& serial)
-    : makeWorker_(std::move(makeWorker)), target_(RememberedTarget()) {
-  state_.serial = serial;
-  state_.name = serial;
+// A dash stands for the camera without a serial number.
+CameraLink::CameraLink(StartWorker start, const QString& serial)
+    : start_(std::move(start)), camera_{"--serial", serial.isEmpty() ? "-" : serial} {
+  state_.serial = state_.name = serial;
 }
-
-CameraLink::~CameraLink() = default;
 
 void CameraLink::Attach() {
   attached_ = true;
-  StartLister();
+  Retry();
   if (state_.phase == Phase::kCutOff) BeginRun(false);
 }
 
 void CameraLink::Lose() {
   attached_ = false;
-}
-
-// A dash stands for the camera without a serial number.
-QString CameraLink::Serial() const {
-  return state_.serial.isEmpty() ? "-" : state_.serial;
-}
-
-void CameraLink::StartLister() {
-  state_.notice = {};
-  lastWords_.clear();
-  lister_ = makeWorker_({"camera", "--serial", Serial()});
-  lister_->onEvent = [this](const QJsonObject& event) { Hear(event); };
-  lister_->onDeath = [this] { ListerEnded(); };
-  lister_->Start();
   onChange();
+}
+
+bool CameraLink::IsDone() const {
+  return !attached_ && state_.phase != Phase::kImporting && state_.phase != Phase::kCutOff;
+}
+
+void CameraLink::Retry() {
+  lastWords_.clear();
+  lister_ = start_(QStringList("camera") + camera_,
+                   {[this](const QJsonObject& event) { Hear(event); }, [this](int exit) { ListerEnded(exit); }});
+  Note({});
 }
 
 void CameraLink::Hear(const QJsonObject& event) {
   const QString kind = event["event"].toString();
+  if (kind == "thumb" || kind == "preview") return HearPicture(event);
   if (kind == "camera") HearCamera(event);
   if (kind == "pictures") HearPictures(event);
   if (kind == "sizes") HearSizes(event);
   if (kind == "target") HearTarget(event);
-  if (kind == "thumb") return HearPicture(event, false);
-  if (kind == "preview") return HearPicture(event, true);
   if (kind == "error") lastWords_ = event["message"].toString();
   if (kind == "catalogue") state_.listed = true;
-  if (kind == "others") {
-    state_.others = event["count"].toInt();
-    state_.otherBytes = event["bytes"].toInteger();
-  }
+  if (kind == "others") state_.others = event["count"].toInt();
   if (kind == "busy") {
     const QString holder = event["holders"].toString();
-    Note(holder.isEmpty() ? tr("Another program uses the camera. The window goes on when it is free.")
-                          : tr("%1 uses the camera. The window goes on when it is free.").arg(holder),
-         false);
+    return Note(holder.isEmpty() ? tr("Another program uses the camera. The window goes on when it is free.")
+                                 : tr("%1 uses the camera. The window goes on when it is free.").arg(holder));
   }
   if (kind == "free") state_.notice = {};
   onChange();
@@ -100,20 +81,16 @@ void CameraLink::HearCamera(const QJsonObject& event) {
 void CameraLink::HearPictures(const QJsonObject& event) {
   if (event["from"].toInt() == 0) {
     model_.Clear();
-    lister_->Send(target_.Command());  // the process that sends a new list may be a new one
+    Tell(state_.target.Command());  // the process that sends a new list may be a new one
   }
   std::vector<Picture> pictures;
   for (const auto& value : event["items"].toArray()) {
     const QJsonArray item = value.toArray();
-    Picture picture;
-    picture.key = item.at(0).toString() + '/' + item.at(1).toString();
-    picture.name = Decoded(item.at(1).toString());
-    picture.folder = Decoded(item.at(0).toString());
-    picture.types = TypesOf(item.at(2).toInt());
-    pictures.push_back(std::move(picture));
+    const QString folder = item.at(0).toString();
+    const QString name = item.at(1).toString();
+    pictures.push_back({folder + '/' + name, Decoded(folder), Decoded(name), TypesOf(item.at(2).toInt())});
   }
   model_.Append(std::move(pictures));
-  if (state_.phase == Phase::kWaiting) state_.phase = Phase::kReady;
 }
 
 void CameraLink::HearSizes(const QJsonObject& event) {
@@ -126,161 +103,117 @@ void CameraLink::HearSizes(const QJsonObject& event) {
 }
 
 void CameraLink::HearTarget(const QJsonObject& event) {
-  if (event["folder"].toString() != target_.folder && Decoded(event["folder"].toString()) != target_.folder) return;
-  state_.targetKnown = true;
-  state_.offer = {event["new_pictures"].toInt(), event["new_files"].toInt(), event["new_bytes"].toInteger(-1), 0, 0,
-                  event["error"].toString()};
-  if (target_.everything) {
-    state_.offer.others = event["new_others"].toInt();
-    state_.offer.otherBytes = event["new_others_bytes"].toInteger();
-  }
-  if (state_.offer.error.isEmpty()) model_.SetNew(event["new"].toString());
+  const QString folder = event["folder"].toString();
+  if (folder != state_.target.folder && Decoded(folder) != state_.target.folder) return;
+  state_.offer = event;
+  if (!state_.target.everything) state_.offer.remove("new_others");
+  if (!event.contains("error")) model_.SetNew(event["new"].toString());
 }
 
-void CameraLink::HearPicture(const QJsonObject& event, bool preview) {
-  const int index = event["index"].toInt(-1);
-  const QString none = event["none"].toString();
-  QImage image;
-  if (none.isEmpty()) image = QImage::fromData(QByteArray::fromBase64(event["jpeg"].toString().toLatin1()), "JPG");
-  const QString why = image.isNull() ? (none.isEmpty() ? tr("The picture cannot be shown.") : none) : QString();
-  // A worker's thumbnails are smaller; the cache counts on it.
-  const bool isLarge = std::max(image.width(), image.height()) > kLargestThumbnail;
-  if (isLarge && !preview) image = image.scaled(kLargestThumbnail, kLargestThumbnail, Qt::KeepAspectRatio);
-  if (preview) return onPreview(index, image, why);
-  image.isNull() ? model_.SetNoThumbnail(index, why, TimeOf(event)) : model_.SetThumbnail(index, image, TimeOf(event));
+void CameraLink::HearPicture(const QJsonObject& event) {
+  const int picture = event["index"].toInt(-1);
+  const QImage image = QImage::fromData(QByteArray::fromBase64(event["jpeg"].toString().toLatin1()), "JPG");
+  const QString why = image.isNull() ? event["none"].toString(tr("The picture cannot be shown.")) : QString();
+  if (event["event"] == "preview") return onPreview(picture, image, why);
+  model_.SetThumbnail(picture, image, QDateTime::fromString(event["time"].toString().left(19), Qt::ISODate), why);
 }
 
 // Without a camera it has nothing to do; the watcher says so too.
-void CameraLink::ListerEnded() {
-  const int exit = lister_->Exit();
-  if (exit != kExitNoCamera && exit != kExitGone) {
-    // A process that was killed may have said that it was interrupted, which explains nothing.
-    const bool explains = exit != kExitCrashed && !lastWords_.isEmpty();
-    Note(explains ? lastWords_ : tr("The program that talks to this camera has stopped."), true);
-  }
-  onChange();
+void CameraLink::ListerEnded(int exit) {
+  if (exit == kExitNoCamera || exit == kExitGone) return onChange();
+  // A process that was killed may have said that it was interrupted, which explains nothing.
+  const bool explains = exit != kExitCrashed && !lastWords_.isEmpty();
+  Note(explains ? lastWords_ : tr("The program that talks to this camera has stopped."), true);
 }
 
-void CameraLink::Retry() {
-  StartLister();
-}
-
-void CameraLink::SetTarget(const Target& target) {
-  if (target == target_) return;
-  target_ = target;
-  state_.targetKnown = false;
-  if (lister_) lister_->Send(target_.Command());
-  onChange();
-}
-
-void CameraLink::Want(const QList<int>& rows) {
-  QStringList words{"thumbs"};
-  for (int row : rows) words.append(QString::number(row));
+void CameraLink::Tell(const QStringList& words) {
   if (lister_) lister_->Send(words);
 }
 
-void CameraLink::WantPreview(int row) {
-  if (lister_) lister_->Send({"preview", QString::number(row)});
+void CameraLink::SetTarget(const Target& target) {
+  if (target == state_.target) return;
+  state_.target = target;
+  state_.offer = {};
+  Remember(target);
+  Tell(target.Command());
+  onChange();
 }
 
-void CameraLink::WantNoPreview() {
-  if (lister_) lister_->Send({"preview"});
+void CameraLink::Ask(const QString& what, const QList<int>& pictures) {
+  QStringList words{what};
+  for (int picture : pictures) words.append(QString::number(picture));
+  Tell(words);
 }
 
-QStringList CameraLink::KeysOfNew() const {
-  QStringList keys;
-  for (int row = 0; row < model_.rowCount(); ++row) {
-    if (model_.At(row).isNew) keys.append(model_.At(row).key);
-  }
-  return keys;
-}
-
-void CameraLink::Import(const QList<int>& rows) {
-  all_ = rows.isEmpty();
+void CameraLink::Import(const QList<int>& pictures) {
+  all_ = pictures.isEmpty();
   keys_.clear();
-  for (int row : rows) keys_.append(model_.At(row).key);
-  if (all_) keys_ = KeysOfNew();
+  for (int picture : pictures) keys_.append(model_.At(picture).key);
+  for (int picture = 0; all_ && picture < model_.Count(); ++picture) {
+    if (model_.At(picture).isNew) keys_.append(model_.At(picture).key);
+  }
   BeginRun(false);
 }
 
 // An import of all says no pictures, so that one which came meanwhile is fetched too. What is deleted is named.
 void CameraLink::BeginRun(bool deletes) {
-  QStringList words{"import", "--serial", Serial()};
-  Target target = target_;
+  QStringList words = QStringList("import") + camera_;
+  Target target = state_.target;
   if (deletes) {
     words << "--delete-after-verify";
     target.everything = false;
   }
   if (deletes || !all_) {
-    chosen_ = std::make_unique<QTemporaryFile>(QDir::tempPath() + "/kelva-desktop-XXXXXX");
-    if (!chosen_->open()) {
-      return Note(tr("The list of pictures cannot be written: %1.").arg(chosen_->errorString()), false);
-    }
+    chosen_ = std::make_unique<QTemporaryFile>();
+    if (!chosen_->open()) return Note(tr("The list of pictures cannot be written: %1.").arg(chosen_->errorString()));
     chosen_->write(keys_.join('\n').toUtf8() + '\n');
     chosen_->close();
     words << "--pictures" << chosen_->fileName();
   }
-  Offer offer = state_.offer;
-  if (!all_) offer.bytes = -1, offer.files = -1;
-  run_ = std::make_unique<ImportRun>(deletes, keys_, offer);
+  run_.emplace(deletes, keys_);
   cancelled_ = false;
-  state_.notice = {};
   state_.result.clear();
   state_.phase = deletes ? Phase::kDeleting : Phase::kImporting;
-  state_.progress = run_->Now();
-  importer_ = makeWorker_(words + target.Options());
-  importer_->onEvent = [this](const QJsonObject& event) { HearRun(event); };
-  importer_->onDeath = [this] { RunEnded(); };
-  importer_->Start();
-  onChange();
+  state_.progress = {};
+  if (all_) state_.progress = {{"files_total", state_.offer["new_files"]}, {"total", state_.offer["new_bytes"]}};
+  importer_ = start_(words + target.Options(),
+                     {[this](const QJsonObject& event) { HearRun(event); }, [this](int) { RunEnded(); }});
+  Note({});
 }
 
 void CameraLink::HearRun(const QJsonObject& event) {
   run_->Hear(event);
-  if (!run_->StoredKey().isEmpty()) model_.MarkStored(run_->StoredKey());
-  state_.progress = run_->Now();
+  if (event["event"] == "stored") model_.MarkStored(KeyOfPath(event["path"].toString()));
+  if (event["event"] == "progress") state_.progress = event;
   onChange();
 }
 
 void CameraLink::RunEnded() {
-  const std::unique_ptr<ImportRun> run = std::move(run_);
-  if (run->WasCutOff() && !run->Deletes() && !cancelled_) return GoOnLater();
-  state_.phase = Phase::kReady;
-  state_.result = run->Ending(cancelled_);
-  if (!cancelled_) Note(run->Trouble(), false);
-  if (!cancelled_ && !run->Deletes() && run->Succeeded()) {
-    keys_ = run->Whole();
+  if (run_->WasCutOff() && !run_->Deletes() && !cancelled_) return GoOnLater();
+  const QStringList deletable = cancelled_ ? QStringList() : run_->Deletable();
+  state_.phase = deletable.isEmpty() ? Phase::kReady : Phase::kAsking;
+  state_.result = run_->Ending(cancelled_);
+  if (!deletable.isEmpty()) {
+    keys_ = deletable;
     all_ = false;
-    state_.imported = static_cast<int>(keys_.size());
-    state_.checked = run->WasChecked();
-    if (state_.imported > 0) state_.phase = Phase::kAsking;
   }
-  if (lister_) lister_->Send(run->Deletes() ? QStringList{"list"} : target_.Command());
-  onChange();
+  Tell(run_->Deletes() ? QStringList("list") : state_.target.Command());
+  Note(cancelled_ ? QString() : run_->Trouble());
 }
 
 void CameraLink::GoOnLater() {
   state_.phase = Phase::kCutOff;
-  Note(tr("The cable was pulled, or the camera was switched off. Plug the camera in again and the import goes on."),
-       false);
   QTimer::singleShot(kBackAlreadyMs, &model_, [this] {
     if (attached_ && state_.phase == Phase::kCutOff) BeginRun(false);
   });
-  onChange();
+  Note(tr("The cable was pulled, or the camera was switched off. Plug the camera in again and the import goes on."));
 }
 
 void CameraLink::Cancel() {
-  if (state_.phase == Phase::kCutOff) {
-    state_.phase = Phase::kReady;
-    state_.notice = {};
-    return onChange();
-  }
   cancelled_ = true;
-  if (importer_) importer_->BeginClose();
-}
-
-void CameraLink::Delete() {
-  BeginRun(true);
+  if (state_.phase == Phase::kImporting) return importer_->BeginClose();
+  state_.phase = Phase::kReady;
+  Note({});
 }
 
 void CameraLink::Keep() {
@@ -289,13 +222,9 @@ void CameraLink::Keep() {
   onChange();
 }
 
-void CameraLink::BeginClose() {
-  if (importer_) importer_->BeginClose();
-  if (lister_) lister_->BeginClose();
-}
-
 void CameraLink::Note(const QString& sentence, bool canRetry) {
   state_.notice = {sentence, {}, canRetry};
+  onChange();
 }
 
 }  // namespace desktop

@@ -15,7 +15,7 @@ class CameraLinkTest : public WindowTest {
  protected:
   CameraLinkTest() {
     workers_.scripts["camera"] = ThreePictures();
-    link_ = std::make_unique<CameraLink>(workers_.Maker(), "K1");
+    link_ = std::make_unique<CameraLink>(workers_.Starter(), "K1");
   }
 
   bool AwaitPhase(Phase phase) {
@@ -24,7 +24,7 @@ class CameraLinkTest : public WindowTest {
 
   bool Ready() {
     link_->Attach();
-    return Await([&] { return link_->State().targetKnown && link_->State().others == 2; });
+    return Await([&] { return !link_->State().offer.isEmpty() && link_->State().others == 2; });
   }
 
   ScriptedWorkers workers_;
@@ -35,12 +35,12 @@ TEST_F(CameraLinkTest, LearnsWhatTheCameraHas) {
   ASSERT_TRUE(Ready());
   EXPECT_EQ(link_->State().name, "Mine");
   EXPECT_EQ(link_->State().battery, "75");
-  EXPECT_EQ(link_->Model().rowCount(), 3);
-  EXPECT_EQ(link_->Model().At(0).types, QStringList({"JPG", "RAW"}));
+  EXPECT_EQ(link_->Model().Count(), 3);
+  EXPECT_EQ(link_->Model().At(0).types, "JPG RAW");
   EXPECT_EQ(link_->Model().At(0).bytes, 3000);
   EXPECT_TRUE(link_->Model().At(0).isNew);
   EXPECT_FALSE(link_->Model().At(1).isNew);
-  EXPECT_EQ(link_->State().offer.bytes, 3000);
+  EXPECT_EQ(link_->State().offer["new_bytes"].toInt(), 3000);
 }
 
 TEST_F(CameraLinkTest, AnImportOfAllNamesNoPicturesAndAsksAfterwards) {
@@ -49,8 +49,7 @@ TEST_F(CameraLinkTest, AnImportOfAllNamesNoPicturesAndAsksAfterwards) {
   link_->Import({});
   EXPECT_FALSE(workers_.calls.last().contains("--pictures"));
   ASSERT_TRUE(AwaitPhase(Phase::kAsking));
-  EXPECT_EQ(link_->State().imported, 1);
-  EXPECT_TRUE(link_->State().checked);
+  EXPECT_EQ(link_->State().result, "1 picture is on this computer and checked. Delete it from the camera?");
 }
 
 TEST_F(CameraLinkTest, SelectedPicturesAreNamedInAFile) {
@@ -86,7 +85,7 @@ TEST_F(CameraLinkTest, APulledCableLetsTheImportGoOnWhenTheCameraIsBack) {
   link_->Import({});
   link_->Lose();
   ASSERT_TRUE(AwaitPhase(Phase::kCutOff));
-  EXPECT_TRUE(link_->MustStay());
+  EXPECT_FALSE(link_->IsDone());
   EXPECT_FALSE(link_->State().notice.sentence.isEmpty());
   workers_.scripts["import"] = Say(kDone);
   link_->Attach();
@@ -152,7 +151,7 @@ TEST_F(CameraLinkTest, ABusyCameraIsASentenceUntilItIsFree) {
       Say(R"({"event":"busy","holders":"kelva sync"})") + "read -r x\n" + Say(R"({"event":"free"})") + "cat";
   link_->Attach();
   ASSERT_TRUE(Await([&] { return link_->State().notice.sentence.startsWith("kelva sync "); }));
-  link_->WantNoPreview();
+  link_->Ask("preview", {});
   EXPECT_TRUE(Await([&] { return link_->State().notice.sentence.isEmpty(); }));
 }
 
@@ -162,7 +161,7 @@ TEST_F(CameraLinkTest, AFolderThatCannotBeUsedIsItsSentence) {
       "read -r x folder y; printf '{\"event\":\"target\",\"folder\":\"%s\",\"error\":\"It is a file.\"}\\n' "
       "\"$folder\"; cat";
   link_->Attach();
-  EXPECT_TRUE(Await([&] { return link_->State().offer.error == "It is a file."; }));
+  EXPECT_TRUE(Await([&] { return link_->State().offer["error"] == "It is a file."; }));
 }
 
 TEST_F(CameraLinkTest, EachNewListIsToldTheTarget) {
@@ -170,17 +169,17 @@ TEST_F(CameraLinkTest, EachNewListIsToldTheTarget) {
                        "read -r x folder y; [ \"$x\" = target ] || exit 1\n";
   workers_.scripts["camera"] = list + list + "printf '{\"event\":\"target\",\"folder\":\"%s\"}\\n' \"$folder\"; cat";
   link_->Attach();
-  EXPECT_TRUE(Await([&] { return link_->State().targetKnown; }));
-  EXPECT_EQ(link_->Model().rowCount(), 1);
+  EXPECT_TRUE(Await([&] { return !link_->State().offer.isEmpty(); }));
+  EXPECT_EQ(link_->Model().Count(), 1);
 }
 
 TEST_F(CameraLinkTest, AThumbnailThatIsNoPictureIsSaidSo) {
   workers_.scripts["camera"] = Say(R"({"event":"pictures","from":0,"items":[["100A","IMG_1",1,""]]})") +
                                Say(R"({"event":"thumb","index":0,"time":"2026-03-14 15:09:26","jpeg":"AAAA"})") + "cat";
   link_->Attach();
-  ASSERT_TRUE(Await([&] { return link_->Model().rowCount() == 1 && link_->Model().At(0).asked; }));
+  ASSERT_TRUE(Await([&] { return link_->Model().Count() == 1 && link_->Model().At(0).taken; }));
   EXPECT_FALSE(link_->Model().At(0).whyNone.isEmpty());
-  EXPECT_EQ(link_->Model().At(0).taken.date(), QDate(2026, 3, 14));
+  EXPECT_EQ(link_->Model().At(0).taken->date(), QDate(2026, 3, 14));
 }
 
 }  // namespace

@@ -5,9 +5,8 @@
 #include <QCache>
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QHash>
 #include <QImage>
-#include <QStringList>
+#include <optional>
 #include <vector>
 
 namespace desktop {
@@ -17,27 +16,25 @@ struct Picture {
   QString key;  ///< the worker's name for it in the list of an import, the same whenever the camera comes back
   QString folder;
   QString name;
-  QStringList types;
+  QString types;  ///< "JPG RAW"
   qint64 bytes = 0;
   bool isNew = false;
-  QDateTime taken;     ///< invalid until its first bytes were read, and where they say no time
-  bool asked = false;  ///< whether its first bytes were read
-  QString whyNone;     ///< why it has no thumbnail
+  std::optional<QDateTime> taken = {};  ///< nothing until its first bytes were read; invalid where they say no time
+  QString whyNone = {};                 ///< why it has no thumbnail
 };
 
-/// The pictures of one camera in the order in which the worker numbers them from 0: newest first. Thumbnails lie in a bounded cache; one
-/// that was dropped is asked for again when it comes into view.
+/// The pictures of one camera in the order in which the worker numbers them from 0: newest first. The rows are these pictures and a
+/// headline above each run of pictures of one day. A picture whose day is not known yet stands with the one before it, so that little
+/// moves when its day arrives. Thumbnails lie in a bounded cache; one that was dropped is asked for again when it comes into view.
 class CameraModel : public QAbstractListModel {
   Q_DECLARE_TR_FUNCTIONS(CameraModel)
 
  public:
-  enum Role { kThumbnail = Qt::UserRole, kIsNew, kTypes, kIsHeadline };
   static constexpr qsizetype kCacheBytes = 48 * 1024 * 1024;
-
-  using QAbstractListModel::QAbstractListModel;
 
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
 
   void Clear();
   void Append(std::vector<Picture> pictures);
@@ -45,23 +42,28 @@ class CameraModel : public QAbstractListModel {
   void SetNew(const QString& digits);
   void MarkStored(const QString& key);
   /// What the worker says of a number that stands for no picture is ignored.
-  void SetBytes(int row, qint64 bytes);
-  void SetThumbnail(int row, const QImage& image, const QDateTime& taken);
-  void SetNoThumbnail(int row, const QString& why, const QDateTime& taken);
+  void SetBytes(int picture, qint64 bytes);
+  /// What its first bytes say: a thumbnail, or why there is none. Changes the role of decorations.
+  void SetThumbnail(int picture, const QImage& image, const QDateTime& taken, const QString& whyNone = {});
+  /// Puts headlines where days begin as far as they are known now.
+  void Divide();
 
-  const Picture& At(int row) const { return pictures_[static_cast<std::size_t>(row)]; }
-  QImage Thumbnail(int row) const;
+  int Count() const { return static_cast<int>(pictures_.size()); }
+  const Picture& At(int picture) const { return pictures_[static_cast<std::size_t>(picture)]; }
+  QImage Thumbnail(int picture) const;
   /// Whether a thumbnail has to be asked for: it is not here, and nothing says that there is none.
-  bool Lacks(int row) const;
+  bool Lacks(int picture) const { return At(picture).whyNone.isEmpty() && !thumbnails_.contains(picture); }
+  /// The picture of a row, or -1 for a headline.
+  int PictureAt(int row) const;
+  QModelIndex IndexOf(int picture) const;
 
  private:
-  QString Described(const Picture& picture) const;
-  Picture* Find(int row);
-  void Changed(int row, const QList<int>& roles);
+  QString Headline(int row) const;
+  Picture* Find(int picture);
 
   std::vector<Picture> pictures_;
-  QHash<QString, int> rowsByKey_;
-  mutable QCache<int, QImage> thumbnails_{kCacheBytes};
+  std::vector<int> rows_;  ///< pictures; ~N is the headline above picture N
+  QCache<int, QImage> thumbnails_{kCacheBytes};
 };
 
 }  // namespace desktop

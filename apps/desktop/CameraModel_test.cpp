@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QItemSelectionModel>
+#include <cmath>
+#include <optional>
+
 namespace desktop {
 namespace {
 
@@ -9,7 +13,7 @@ Picture Numbered(int number) {
   Picture picture;
   picture.name = "IMG_" + QString::number(number);
   picture.key = "100A/" + picture.name;
-  picture.types = QStringList{"JPG", "RAW"};
+  picture.types = "JPG RAW";
   picture.bytes = 8100000;
   return picture;
 }
@@ -22,20 +26,56 @@ QImage Square(int side) {
 
 const QDateTime kTaken(QDate(2026, 3, 14), QTime(15, 9));
 
+const QDate kMonday(2026, 3, 16);
+const QDate kSunday(2026, 3, 15);
+
+using Days = std::vector<std::optional<QDate>>;
+
+void SetDays(CameraModel& model, const Days& days) {
+  int row = 0;
+  for (const auto& day : days) {
+    if (day) model.SetThumbnail(row, {}, QDateTime(*day, QTime(12, 0)), "none");
+    ++row;
+  }
+}
+
+void Append(CameraModel& model, const Days& days) {
+  std::vector<Picture> pictures(days.size());
+  for (Picture& picture : pictures) picture.folder = "100A";
+  model.Append(std::move(pictures));
+  SetDays(model, days);
+  model.Divide();
+}
+
+// The rows from the top: pictures by number, "-" for a headline.
+QString Rows(const CameraModel& list) {
+  QStringList rows;
+  for (int row = 0; row < list.rowCount(); ++row) {
+    rows << (list.PictureAt(row) < 0 ? QString("-") : QString::number(list.PictureAt(row)));
+  }
+  return rows.join(' ');
+}
+
+QString RowsOf(const Days& days) {
+  CameraModel model;
+  Append(model, days);
+  return Rows(model);
+}
+
 TEST(CameraModelTest, KeepsTheOrderInWhichPicturesCame) {
   CameraModel model;
   model.Append({Numbered(7), Numbered(6)});
   model.Append({Numbered(5)});
-  EXPECT_EQ(model.rowCount(), 3);
-  EXPECT_EQ(model.index(2).data(), "IMG_5");
+  EXPECT_EQ(model.Count(), 3);
+  EXPECT_EQ(model.IndexOf(2).data(), "IMG_5");
 }
 
 TEST(CameraModelTest, SaysToAScreenReaderWhatIsSeen) {
   CameraModel model;
   model.Append({Numbered(7)});
-  EXPECT_EQ(model.index(0).data(Qt::AccessibleTextRole), "IMG_7, JPG RAW, 8.1 MB, on this computer");
+  EXPECT_EQ(model.IndexOf(0).data(Qt::AccessibleTextRole), "IMG_7, JPG RAW, 8.1 MB, on this computer");
   model.SetNew("1");
-  EXPECT_TRUE(model.index(0).data(Qt::AccessibleTextRole).toString().endsWith(", new"));
+  EXPECT_TRUE(model.IndexOf(0).data(Qt::AccessibleTextRole).toString().endsWith(", new"));
 }
 
 TEST(CameraModelTest, APictureThatWasStoredIsNoLongerNew) {
@@ -61,7 +101,7 @@ TEST(CameraModelTest, AThumbnailBringsItsTime) {
 TEST(CameraModelTest, APictureWithoutAThumbnailIsNotAskedForAgain) {
   CameraModel model;
   model.Append({Numbered(7)});
-  model.SetNoThumbnail(0, "damaged", kTaken);
+  model.SetThumbnail(0, {}, kTaken, "damaged");
   EXPECT_FALSE(model.Lacks(0));
   EXPECT_TRUE(model.Thumbnail(0).isNull());
 }
@@ -80,6 +120,80 @@ TEST(CameraModelTest, AThumbnailOfAnUnknownPictureIsNoneOfItsOwn) {
   CameraModel model;
   model.SetThumbnail(1, Square(1), kTaken);
   EXPECT_EQ(model.rowCount(), 0);
+}
+
+TEST(CameraModelTest, EachRunOfADayHasAHeadline) {
+  EXPECT_EQ(RowsOf({kMonday, kMonday, kSunday}), "- 0 1 - 2");
+  EXPECT_EQ(RowsOf({kMonday, kSunday, kMonday}), "- 0 - 1 - 2");
+}
+
+TEST(CameraModelTest, APictureWhoseDayIsNotKnownStandsWithTheOneBefore) {
+  EXPECT_EQ(RowsOf({std::nullopt, kMonday, std::nullopt, kMonday}), "- 0 1 2 3");
+  EXPECT_EQ(RowsOf({std::nullopt, kMonday, std::nullopt, kSunday}), "- 0 1 2 - 3");
+}
+
+TEST(CameraModelTest, PicturesWithoutATimeAreARunOfTheirOwn) {
+  CameraModel model;
+  Append(model, {kMonday, QDate()});
+  EXPECT_EQ(Rows(model), "- 0 - 1");
+  EXPECT_EQ(model.index(2).data(), "100A, without a date");
+}
+
+TEST(CameraModelTest, AHeadlineIsAFolderUntilADayIsKnown) {
+  CameraModel model;
+  Append(model, {std::nullopt, std::nullopt});
+  EXPECT_EQ(model.index(0).data(), "100A");
+  SetDays(model, {std::nullopt, kMonday});
+  EXPECT_EQ(model.index(0).data(), QLocale().toString(kMonday, QLocale::LongFormat));
+}
+
+TEST(CameraModelTest, DaysThatArriveMoveNoSelection) {
+  CameraModel model;
+  Append(model, Days(5));
+  QItemSelectionModel selection(&model);
+  selection.select(model.IndexOf(3), QItemSelectionModel::Select);
+  SetDays(model, {kMonday, kMonday, kSunday, kMonday, kMonday});
+  model.Divide();
+  EXPECT_EQ(Rows(model), "- 0 1 - 2 - 3 4");
+  ASSERT_EQ(selection.selectedIndexes().size(), 1);
+  EXPECT_EQ(model.PictureAt(selection.selectedIndexes()[0].row()), 3);
+  SetDays(model, {kMonday, kMonday, kMonday, kMonday, kMonday});
+  model.Divide();
+  EXPECT_EQ(Rows(model), "- 0 1 2 3 4");
+  EXPECT_EQ(model.PictureAt(selection.selectedIndexes()[0].row()), 3);
+}
+
+TEST(CameraModelTest, MorePicturesFollow) {
+  CameraModel model;
+  Append(model, {std::nullopt});
+  Append(model, {std::nullopt, std::nullopt});
+  EXPECT_EQ(Rows(model), "- 0 1 2");
+  EXPECT_EQ(model.IndexOf(2).row(), 3);
+}
+
+TEST(CameraModelTest, APictureThatChangesIsARowThatChanges) {
+  CameraModel model;
+  Append(model, {kMonday, kSunday});
+  int row = -1;
+  QObject::connect(&model, &CameraModel::dataChanged, [&](const QModelIndex& from) { row = from.row(); });
+  model.SetThumbnail(1, QImage(1, 1, QImage::Format_RGB32), QDateTime(kSunday, QTime(12, 0)));
+  EXPECT_EQ(row, 3);
+}
+
+TEST(CameraModelTest, HeadlinesCannotBeChosen) {
+  CameraModel model;
+  Append(model, {kMonday});
+  EXPECT_EQ(model.flags(model.index(0)), Qt::NoItemFlags);
+  EXPECT_TRUE(model.flags(model.index(1)).testFlag(Qt::ItemIsSelectable));
+}
+
+TEST(CameraModelTest, WithoutPicturesThereIsNothing) {
+  CameraModel model;
+  Append(model, {kMonday});
+  model.Clear();
+  model.Divide();
+  EXPECT_EQ(model.rowCount(), 0);
+  EXPECT_EQ(model.PictureAt(0), -1);
 }
 
 }  // namespace

@@ -1,56 +1,44 @@
 #ifndef KELVA_APPS_DESKTOP_CAMERA_PAGE_H_
 #define KELVA_APPS_DESKTOP_CAMERA_PAGE_H_
 
-#include <QCoreApplication>
-#include <QWidget>
-#include <memory>
+#include <QStackedWidget>
 
-#include "apps/desktop/CameraLink.h"
-
-class QLabel;
-class QStackedWidget;
+#include "apps/desktop/Banner.h"
+#include "apps/desktop/Grid.h"
+#include "apps/desktop/ImportBar.h"
+#include "apps/desktop/Preview.h"
 
 namespace desktop {
 
-class Banner;
-class Grid;
-class ImportBar;
-class Preview;
-
-/// The page of one camera: what is in the way, its pictures or one of them large, and the bar that imports them.
+/// The page of one camera: what is in the way, its pictures or one of them large, and the bar that imports them. The title of this
+/// widget is that of its tab: "Mine K1, battery 75".
 class CameraPage : public QWidget {
   Q_DECLARE_TR_FUNCTIONS(CameraPage)
 
  public:
-  CameraPage(std::unique_ptr<CameraLink> link, const Target& target, QWidget* parent = nullptr);
-  ~CameraPage() override;
+  CameraPage(StartWorker start, const QString& serial);
 
-  /// The words of the page's tab have changed.
-  std::function<void()> onTitle = [] {};
-  /// The user has chosen another target.
-  std::function<void(const Target& target)> onTarget = [](const Target&) {};
   /// Nothing more is to be shown of a camera that is gone.
   std::function<void()> onDone = [] {};
 
-  CameraLink& Link() { return *link_; }
-  /// "Mine K1, battery 75".
-  QString Title() const;
+  CameraLink& Link() { return link_; }
 
  private:
+  void Connect();
   void Refresh();
-  void Open(int row);
+  void Open(int picture);
   void Step(int by);
   void ClosePreview();
+  QString Caption(int picture);
 
-  std::unique_ptr<CameraLink> link_;
-  Banner* banner_;
-  QStackedWidget* stack_;
-  QLabel* empty_;
-  Grid* grid_;
-  Preview* preview_;
-  ImportBar* bar_;
+  CameraLink link_;
+  Banner banner_;
+  QStackedWidget stack_;
+  QLabel empty_;
+  Grid grid_{link_.Model()};
+  Preview preview_;
+  ImportBar bar_{link_};
   int open_ = -1;
-  QString title_;
 };
 
 }  // namespace desktop

@@ -17,7 +17,7 @@ class CameraPageTest : public WindowTest {
  protected:
   CameraPageTest() {
     workers_.scripts["camera"] = ThreePictures();
-    page_ = std::make_unique<CameraPage>(std::make_unique<CameraLink>(workers_.Maker(), "K1"), RememberedTarget());
+    page_ = std::make_unique<CameraPage>(workers_.Starter(), "K1");
     page_->resize(800, 600);
     page_->Link().Attach();
     page_->show();
@@ -48,7 +48,7 @@ class CameraPageTest : public WindowTest {
 TEST_F(CameraPageTest, ShowsPicturesAndOffersTheirImport) {
   ASSERT_TRUE(Await([&] { return HasButton("Import 1 new picture (3 kB)"); }));
   EXPECT_TRUE(Pictures()->isVisible());
-  EXPECT_EQ(page_->Title(), "Mine K1, battery 75");
+  EXPECT_EQ(page_->windowTitle(), "Mine K1, battery 75");
 }
 
 TEST_F(CameraPageTest, NothingIsReadAfterThatFailed) {
@@ -58,7 +58,7 @@ TEST_F(CameraPageTest, NothingIsReadAfterThatFailed) {
                        [](const QLabel* label) { return label->isVisible() && label->text().startsWith("Reading"); });
   };
   workers_.scripts["camera"] = R"(sleep 0.2; echo '{"event":"error","message":"It failed."}'; exit 1)";
-  CameraPage page(std::make_unique<CameraLink>(workers_.Maker(), "K2"), RememberedTarget());
+  CameraPage page(workers_.Starter(), "K2");
   page.Link().Attach();
   page.show();
   EXPECT_TRUE(isReading(page));
@@ -82,7 +82,7 @@ TEST_F(CameraPageTest, SpaceShowsAPictureLargeAndEscapeGoesBack) {
   EXPECT_TRUE(Larger()->accessibleDescription().startsWith("IMG_2"));
   QTest::keyClick(Larger(), Qt::Key_Escape);
   EXPECT_TRUE(Pictures()->isVisible());
-  EXPECT_EQ(Pictures()->currentIndex(), Pictures()->IndexOf(1));
+  EXPECT_EQ(Pictures()->currentIndex(), page_->Link().Model().IndexOf(1));
 }
 
 TEST_F(CameraPageTest, ACameraThatIsGoneIsDone) {

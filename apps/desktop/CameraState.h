@@ -1,8 +1,10 @@
 #ifndef KELVA_APPS_DESKTOP_CAMERA_STATE_H_
 #define KELVA_APPS_DESKTOP_CAMERA_STATE_H_
 
+#include <QJsonObject>
 #include <QString>
-#include <QStringList>
+
+#include "apps/desktop/Settings.h"
 
 namespace desktop {
 
@@ -15,29 +17,7 @@ struct Notice {
   bool operator==(const Notice&) const = default;
 };
 
-/// What a camera has that the chosen folder lacks.
-struct Offer {
-  int pictures = 0;
-  int files = 0;
-  qint64 bytes = -1;  ///< -1 while the sizes are not known
-  int others = 0;     ///< files outside the catalogue that are not in the folder and are meant
-  qint64 otherBytes = 0;
-  QString error;  ///< why the folder cannot be used
-};
-
-/// How far an import or a deletion is. -1 stands for a number that is not known.
-struct Progress {
-  QString phase;  ///< "dates", "reading", "deleting"
-  int files = 0;
-  int filesTotal = -1;
-  qint64 bytes = 0;
-  qint64 total = -1;
-  qint64 rate = -1;  ///< bytes a second
-  QString file;
-};
-
 enum class Phase {
-  kWaiting,    ///< the camera has not told its pictures yet
   kReady,      ///< pictures can be imported
   kImporting,  ///< an import runs
   kCutOff,     ///< the camera went away in mid-import; the import goes on when it is back
@@ -45,22 +25,19 @@ enum class Phase {
   kDeleting,   ///< a deletion runs
 };
 
-/// All that a page shows of a camera beside its pictures.
+/// All that a page shows of a camera beside its pictures. What its workers say in numbers stays as they said it.
 struct CameraState {
   QString serial;
   QString name;
   QString battery;  ///< the number that the camera gives; empty where it gives none
-  Phase phase = Phase::kWaiting;
+  Phase phase = Phase::kReady;
   bool listed = false;
-  int others = 0;
-  qint64 otherBytes = 0;
-  bool targetKnown = false;
-  Offer offer;
-  Progress progress;
+  int others = 0;  ///< files outside the catalogue
+  Target target = RememberedTarget();
+  QJsonObject offer;     ///< the event `target`: what the folder lacks and is meant; empty until it has come
+  QJsonObject progress;  ///< the last event `progress` of an import or a deletion
   Notice notice;
-  QString result;        ///< how the last import or deletion ended; empty before
-  int imported = 0;      ///< pictures of the last import that may be deleted
-  bool checked = false;  ///< whether each of their files was compared with its key or read twice
+  QString result;  ///< how the last import or deletion ended, and what is asked then; empty before
 };
 
 }  // namespace desktop

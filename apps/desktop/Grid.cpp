@@ -5,8 +5,6 @@
 #include <QScrollBar>
 #include <algorithm>
 
-#include "apps/desktop/PictureDelegate.h"
-
 namespace desktop {
 namespace {
 
@@ -16,9 +14,9 @@ constexpr int kAskMs = 15;
 
 }  // namespace
 
-Grid::Grid(const CameraModel& pictures, QWidget* parent) : QListView(parent), pictures_(pictures), days_(pictures) {
-  setModel(&days_);
-  setItemDelegate(new PictureDelegate(this));
+Grid::Grid(CameraModel& pictures) : pictures_(pictures) {
+  setModel(&pictures);
+  setItemDelegate(&delegate_);
   setFlow(LeftToRight);
   setWrapping(true);
   setResizeMode(Adjust);
@@ -30,96 +28,87 @@ Grid::Grid(const CameraModel& pictures, QWidget* parent) : QListView(parent), pi
   setFrameShape(NoFrame);
   setAccessibleName(tr("Pictures on the camera"));
   divide_.setSingleShot(true);
+  divide_.callOnTimeout([this] { Divide(); });
   ask_.setSingleShot(true);
-  connect(&divide_, &QTimer::timeout, this, [this] { Divide(); });
-  connect(&ask_, &QTimer::timeout, this, [this] { AskForMissing(); });
+  ask_.callOnTimeout([this] { AskForMissing(); });
+  // At once: what is drawn next must not be a picture that went.
+  connect(&pictures, &QAbstractItemModel::modelReset, this, [this] {
+    asked_.clear();
+    doItemsLayout();
+  });
   connect(this, &QListView::activated, this,
-          [this](const QModelIndex& index) { onOpen(days_.PictureAt(index.row())); });
+          [this](const QModelIndex& index) { onOpen(pictures_.PictureAt(index.row())); });
 }
 
 // What must not move: the current picture while it is in view, otherwise what stands first there.
 void Grid::Divide() {
   QPersistentModelIndex anchor = currentIndex();
-  if (!visualRect(anchor).intersects(viewport()->rect())) anchor = days_.index(RowBelow(0));
+  if (!visualRect(anchor).intersects(viewport()->rect())) anchor = pictures_.index(RowBelow(0));
   const int before = visualRect(anchor).top();
-  days_.Divide();
+  pictures_.Divide();
   doItemsLayout();
   QScrollBar& bar = *verticalScrollBar();
   if (bar.value() > 0) bar.setValue(bar.value() + visualRect(anchor).top() - before);
 }
 
-void Grid::doItemsLayout() {
-  QListView::doItemsLayout();
-  ask_.start(kAskMs);
-}
-
-// At once: what is drawn next must not be a picture that went.
-void Grid::reset() {
-  QListView::reset();
-  asked_.clear();
-  doItemsLayout();
-}
-
 // The first line is shown with its headline.
 void Grid::scrollTo(const QModelIndex& index, ScrollHint hint) {
-  visualRect(index).top() == visualRect(IndexOf(0)).top() ? scrollToTop() : QListView::scrollTo(index, hint);
+  const bool isFirstLine = visualRect(index).top() == visualRect(pictures_.IndexOf(0)).top();
+  isFirstLine ? scrollToTop() : QListView::scrollTo(index, hint);
 }
 
-// The neighbour in reading order.
-QModelIndex Grid::Beside(int row, int step) const {
-  const int picture = days_.PictureAt(row) + step;
-  return IndexOf(std::clamp(picture, 0, pictures_.rowCount() - 1));
-}
-
-// The nearest in the line above or below, however short that is.
-QModelIndex Grid::Across(int row, int step) const {
-  const QRect here = visualRect(days_.index(row));
-  QModelIndex best;
-  const auto distance = [&](const QModelIndex& one) { return std::abs(visualRect(one).left() - here.left()); };
-  for (int next = row + step; next >= 0 && next < days_.rowCount(); next += step) {
-    const QModelIndex one = days_.index(next);
-    if (days_.PictureAt(next) < 0 || visualRect(one).top() == here.top()) continue;
-    if (best.isValid() && visualRect(one).top() != visualRect(best).top()) break;
-    if (!best.isValid() || distance(one) < distance(best)) best = one;
+// The same column in the line above or below, or the last of that line where it is shorter.
+int Grid::Across(int row, int step) const {
+  const QRect here = visualRect(pictures_.index(row));
+  int best = row;
+  for (int next = row + step; next >= 0 && next < pictures_.rowCount(); next += step) {
+    const QRect place = visualRect(pictures_.index(next));
+    if (pictures_.PictureAt(next) < 0 || place.top() == here.top()) continue;
+    if (best != row && place.top() != visualRect(pictures_.index(best)).top()) break;
+    if (place.left() > here.left()) continue;
+    best = next;
+    if (step < 0) break;
   }
-  return best.isValid() ? best : days_.index(row);
+  return best;
 }
 
 QModelIndex Grid::moveCursor(CursorAction action, Qt::KeyboardModifiers) {
-  if (pictures_.rowCount() == 0) return {};
+  const int last = pictures_.Count() - 1;
   int row = currentIndex().row();
-  if (row < 0 || action == MoveHome) return IndexOf(0);
-  if (action == MoveEnd) return IndexOf(pictures_.rowCount() - 1);
-  if (action == MoveLeft || action == MovePrevious) return Beside(row, -1);
-  if (action == MoveRight || action == MoveNext) return Beside(row, 1);
+  if (row < 0 || action == MoveHome) return pictures_.IndexOf(0);
+  if (action == MoveEnd) return pictures_.IndexOf(last);
+  const int picture = pictures_.PictureAt(row);
+  if (action == MoveLeft || action == MovePrevious) return pictures_.IndexOf(std::max(0, picture - 1));
+  if (action == MoveRight || action == MoveNext) return pictures_.IndexOf(std::min(last, picture + 1));
   const bool isPage = action == MovePageUp || action == MovePageDown;
   const int lines = isPage ? std::max(1, viewport()->height() / visualRect(currentIndex()).height() - 1) : 1;
-  for (int line = 0; line < lines; ++line) row = Across(row, action == MoveUp || action == MovePageUp ? -1 : 1).row();
-  return days_.index(row);
+  for (int line = 0; line < lines; ++line) row = Across(row, action == MoveUp || action == MovePageUp ? -1 : 1);
+  return pictures_.index(row);
 }
 
 QList<int> Grid::Chosen() const {
-  QList<int> pictures;
-  for (const QModelIndex& index : selectedIndexes()) pictures.append(days_.PictureAt(index.row()));
-  std::sort(pictures.begin(), pictures.end());
-  return pictures;
+  QList<int> chosen;
+  for (const QModelIndex& index : selectedIndexes()) chosen.append(pictures_.PictureAt(index.row()));
+  std::sort(chosen.begin(), chosen.end());
+  return chosen;
 }
 
-void Grid::scrollContentsBy(int dx, int dy) {
-  QListView::scrollContentsBy(dx, dy);
-  ask_.start(kAskMs);
+// Whatever brings other pictures into view draws them.
+void Grid::paintEvent(QPaintEvent* event) {
+  QListView::paintEvent(event);
+  if (!ask_.isActive()) ask_.start(kAskMs);
 }
 
 void Grid::dataChanged(const QModelIndex& from, const QModelIndex& to, const QList<int>& roles) {
   QListView::dataChanged(from, to, roles);
-  if (!roles.contains(CameraModel::kThumbnail)) return;
-  asked_.remove(days_.PictureAt(from.row()));
+  if (!roles.contains(Qt::DecorationRole)) return;
+  asked_.remove(pictures_.PictureAt(from.row()));
   if (!divide_.isActive()) divide_.start(kCalmMs);
 }
 
 void Grid::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier && currentIndex().isValid()) {
-    return onOpen(days_.PictureAt(currentIndex().row()));
+    return onOpen(pictures_.PictureAt(currentIndex().row()));
   }
   if (event->key() == Qt::Key_Escape && selectionModel()->hasSelection()) return clearSelection();
   QListView::keyPressEvent(event);
@@ -128,9 +117,9 @@ void Grid::keyPressEvent(QKeyEvent* event) {
 // The first row that reaches below a height of the view.
 int Grid::RowBelow(int height) const {
   int first = 0;
-  for (int end = days_.rowCount(); first < end;) {
+  for (int end = pictures_.rowCount(); first < end;) {
     const int middle = (first + end) / 2;
-    visualRect(days_.index(middle)).bottom() < height ? first = middle + 1 : end = middle;
+    visualRect(pictures_.index(middle)).bottom() < height ? first = middle + 1 : end = middle;
   }
   return first;
 }
@@ -141,7 +130,7 @@ void Grid::AskForMissing() {
   QList<int> missing;
   const auto add = [&](int from, int to) {
     for (int row = from; row < to; ++row) {
-      const int picture = days_.PictureAt(row);
+      const int picture = pictures_.PictureAt(row);
       if (picture >= 0 && pictures_.Lacks(picture)) missing.append(picture);
     }
   };

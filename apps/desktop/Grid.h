@@ -7,7 +7,7 @@
 #include <QTimer>
 #include <functional>
 
-#include "apps/desktop/DayList.h"
+#include "apps/desktop/PictureDelegate.h"
 
 namespace desktop {
 
@@ -16,7 +16,8 @@ class Grid : public QListView {
   Q_DECLARE_TR_FUNCTIONS(Grid)
 
  public:
-  explicit Grid(const CameraModel& pictures, QWidget* parent = nullptr);
+  /// `pictures` outlives this.
+  explicit Grid(CameraModel& pictures);
 
   /// The pictures in view whose thumbnails are missing, and after them those of the screens below and above. Called when that
   /// changes.
@@ -26,27 +27,23 @@ class Grid : public QListView {
 
   /// The chosen pictures, in order.
   QList<int> Chosen() const;
-  QModelIndex IndexOf(int picture) const { return days_.index(days_.RowOf(picture)); }
 
   void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
-  void doItemsLayout() override;
-  void reset() override;
 
  protected:
   QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
-  void scrollContentsBy(int dx, int dy) override;
+  void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void dataChanged(const QModelIndex& from, const QModelIndex& to, const QList<int>& roles) override;
 
  private:
   int RowBelow(int height) const;
-  QModelIndex Beside(int row, int step) const;
-  QModelIndex Across(int row, int step) const;
+  int Across(int row, int step) const;
   void Divide();
   void AskForMissing();
 
-  const CameraModel& pictures_;
-  DayList days_;
+  CameraModel& pictures_;
+  PictureDelegate delegate_{pictures_};
   QTimer divide_;
   QTimer ask_;
   QSet<int> asked_;

@@ -39,19 +39,19 @@ class GridTest : public WindowTest {
 
   int Current() const {
     int picture = 0;
-    while (grid_.IndexOf(picture) != grid_.currentIndex()) ++picture;
+    while (model_.IndexOf(picture) != grid_.currentIndex()) ++picture;
     return picture;
   }
   int At(QPoint place) const {
     int picture = -1;
-    for (int one = 0; one < model_.rowCount(); ++one) {
-      if (grid_.IndexOf(one) == grid_.indexAt(place)) picture = one;
+    for (int one = 0; one < model_.Count(); ++one) {
+      if (model_.IndexOf(one) == grid_.indexAt(place)) picture = one;
     }
     return picture;
   }
-  void GoTo(int picture) { grid_.setCurrentIndex(grid_.IndexOf(picture)); }
+  void GoTo(int picture) { grid_.setCurrentIndex(model_.IndexOf(picture)); }
 
-  QRect RectOf(int row) const { return grid_.visualRect(grid_.IndexOf(row)); }
+  QRect RectOf(int row) const { return grid_.visualRect(model_.IndexOf(row)); }
 
   CameraModel model_;
   Grid grid_;
@@ -75,7 +75,7 @@ TEST_F(GridTest, ScrollingAsksForTheEnd) {
 TEST_F(GridTest, WhatIsOnItsWayIsNotAskedForAgain) {
   Fill(10);
   wanted_.clear();
-  for (int index = 0; index < 9; ++index) model_.SetNoThumbnail(index, "none", Day(1));
+  for (int index = 0; index < 9; ++index) model_.SetThumbnail(index, {}, Day(1), "none");
   grid_.doItemsLayout();
   QTest::qWait(50);
   EXPECT_TRUE(wanted_.isEmpty()) << "the last one is still on its way";
@@ -84,18 +84,18 @@ TEST_F(GridTest, WhatIsOnItsWayIsNotAskedForAgain) {
 TEST_F(GridTest, AHeadlinePushesItsDayDown) {
   Fill(10);
   const int before = RectOf(5).top();
-  for (int index = 0; index < 10; ++index) model_.SetNoThumbnail(index, "none", Day(index < 5 ? 2 : 1));
+  for (int index = 0; index < 10; ++index) model_.SetThumbnail(index, {}, Day(index < 5 ? 2 : 1), "none");
   ASSERT_TRUE(Await([&] { return RectOf(5).top() > before; }));
   EXPECT_EQ(RectOf(5).left(), RectOf(0).left());
 }
 
 TEST_F(GridTest, WhatIsInViewStaysWhenADayAboveIsDivided) {
   Fill(1000);
-  grid_.scrollTo(grid_.IndexOf(500));
+  grid_.scrollTo(model_.IndexOf(500));
   const int first = At(QPoint(RectOf(500).left() + 20, 100));
   const int before = RectOf(first).top();
   const int height = grid_.verticalScrollBar()->maximum();
-  for (int index = 0; index < 300; ++index) model_.SetNoThumbnail(index, "none", Day(1 + index % 2));
+  for (int index = 0; index < 300; ++index) model_.SetThumbnail(index, {}, Day(1 + index % 2), "none");
   ASSERT_TRUE(Await([&] { return grid_.verticalScrollBar()->maximum() > height; }));
   EXPECT_NEAR(RectOf(first).top(), before, RectOf(first).height());
 }
@@ -104,7 +104,7 @@ TEST_F(GridTest, TheLastPictureStaysInViewWhenEveryLineGetsADayOfItsOwn) {
   Fill(1000);
   QTest::keyClick(&grid_, Qt::Key_End);
   ASSERT_TRUE(Await([&] { return wanted_.contains(999); }));
-  for (int index = 900; index < 1000; ++index) model_.SetNoThumbnail(index, "none", Day(1 + (999 - index) / 4));
+  for (int index = 900; index < 1000; ++index) model_.SetThumbnail(index, {}, Day(1 + (999 - index) / 4), "none");
   const int before = grid_.verticalScrollBar()->maximum();
   ASSERT_TRUE(Await([&] { return grid_.verticalScrollBar()->maximum() > before; }));
   EXPECT_TRUE(grid_.viewport()->rect().contains(RectOf(999)));
@@ -153,7 +153,7 @@ TEST_F(GridTest, AWindowThatIsTooNarrowHasOneColumn) {
 TEST_F(GridTest, ALineDownKeepsTheColumnAsFarAsTheLineGoes) {
   Fill(20);
   const int columns = 700 / RectOf(0).width();
-  for (int row = 0; row < 20; ++row) model_.SetNoThumbnail(row, "none", Day(row <= columns ? 2 : 1));
+  for (int row = 0; row < 20; ++row) model_.SetThumbnail(row, {}, Day(row <= columns ? 2 : 1), "none");
   ASSERT_TRUE(Await([&] { return RectOf(columns + 1).left() == RectOf(0).left(); }));
   GoTo(columns - 1);
   QTest::keyClick(&grid_, Qt::Key_Down);

@@ -5,7 +5,9 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSettings>
 
+#include "apps/desktop/testing/ScriptedWorker.h"
 #include "apps/desktop/testing/TestApplication.h"
 
 namespace desktop {
@@ -14,10 +16,10 @@ namespace {
 class ImportBarTest : public WindowTest {
  protected:
   ImportBarTest() {
-    state_.phase = Phase::kReady;
-    state_.listed = state_.targetKnown = true;
-    state_.offer = {37, 40, 412000000, 0, 0, {}};
+    state_.listed = true;
+    state_.offer = {{"new_pictures", 37}, {"new_bytes", 412000000}};
   }
+  ~ImportBarTest() override { QSettings().clear(); }
 
   QPushButton* Button(const QString& text) {
     for (QPushButton* button : bar_.findChildren<QPushButton*>()) {
@@ -28,72 +30,75 @@ class ImportBarTest : public WindowTest {
 
   QString Message() { return bar_.findChild<QLabel*>("message")->text(); }
 
+  const Target& Chosen() const { return link_.State().target; }
+
   CameraState state_;
-  ImportBar bar_{Target{"/pictures", "{folder}/{name}", {}, false}};
+  ScriptedWorkers workers_;
+  CameraLink link_{workers_.Starter(), "K1"};
+  ImportBar bar_{link_};
 };
 
 TEST_F(ImportBarTest, TheButtonSaysWhatItDoes) {
   EXPECT_EQ(ImportText(state_, {}), "&Import 37 new pictures (412 MB)");
-  EXPECT_EQ(ImportText(state_, {1, 8100000}), "&Import 1 selected picture (8.1 MB)");
-  state_.offer.pictures = 1;
-  state_.offer.bytes = -1;
+  EXPECT_EQ(ImportText(state_, {{0}, 8100000}), "&Import 1 selected picture (8.1 MB)");
+  state_.offer = {{"new_pictures", 1}};
   EXPECT_EQ(ImportText(state_, {}), "&Import 1 new picture");
-  state_.offer = {};
+  state_.offer = {{"new_pictures", 0}, {"new_others", 2}, {"new_bytes", 0}, {"new_others_bytes", 5000}};
+  EXPECT_EQ(ImportText(state_, {}), "&Import 2 other files (5 kB)");
+  state_.offer = {{"new_pictures", 0}};
   EXPECT_EQ(ImportText(state_, {}), "No new pictures");
+  state_.offer = {};
+  EXPECT_EQ(ImportText(state_, {}), "&Import");
 }
 
 TEST_F(ImportBarTest, ProgressSaysHowFarHowFastAndHowLong) {
-  EXPECT_EQ(ProgressText({"reading", 12, 37, 96000000, 412000000, 31000000, {}}),
-            "12 of 37 files, 96.0 MB of 412 MB, 31.0 MB/s, 10 seconds left");
-  EXPECT_EQ(ProgressText({}), "Beginning\u2026");
+  state_.progress = {
+      {"files", 12}, {"files_total", 37}, {"done", 96000000}, {"total", 412000000}, {"bytes_per_second", 31000000}};
+  EXPECT_EQ(ProgressText(state_), "12 of 37 files, 96.0 MB of 412 MB, 31.0 MB/s, 10 seconds left");
+  state_.progress = {};
+  EXPECT_EQ(ProgressText(state_), "Beginning\u2026");
 }
 
 TEST_F(ImportBarTest, NothingNewIsNothingToPress) {
   bar_.Show(state_, {});
   ASSERT_NE(Button("Import 37"), nullptr);
   EXPECT_TRUE(Button("Import 37")->isEnabled());
-  state_.offer = {};
+  state_.offer = {{"new_pictures", 0}};
   bar_.Show(state_, {});
   EXPECT_FALSE(Button("No new")->isEnabled());
 }
 
 TEST_F(ImportBarTest, AFolderThatCannotBeUsedIsSaidAndStopsTheButton) {
-  state_.offer.error = "It is a file.";
+  state_.offer["error"] = "It is a file.";
   bar_.Show(state_, {});
   EXPECT_EQ(Message(), "It is a file.");
   EXPECT_FALSE(Button("Import")->isEnabled());
 }
 
 TEST_F(ImportBarTest, AnImportCanBeCancelled) {
-  int cancelled = 0;
-  bar_.onCancel = [&] { ++cancelled; };
+  workers_.scripts["import"] = "cat >/dev/null\n" + Say(R"({"command":"import","exit":130,"stored":0})");
+  link_.Import({});
   state_.phase = Phase::kImporting;
-  state_.progress = {"reading", 1, 4, 50, 200, 10, {}};
+  state_.progress = {{"done", 50}, {"total", 200}};
   bar_.Show(state_, {});
   EXPECT_EQ(bar_.findChild<QProgressBar*>()->value(), 250);
   EXPECT_TRUE(Button("Import")->isHidden());
   Button("Cancel")->click();
-  EXPECT_EQ(cancelled, 1);
+  EXPECT_TRUE(Await([&] { return link_.State().result.startsWith("Stopped."); }));
 }
 
 TEST_F(ImportBarTest, AsksBeforeItDeletes) {
-  QString said;
-  bar_.onDelete = [&] { said = "delete"; };
-  bar_.onKeep = [&] { said = "keep"; };
   state_.phase = Phase::kAsking;
-  state_.imported = 37;
-  state_.checked = true;
+  state_.result = "Delete them from the camera?";
   bar_.Show(state_, {});
-  EXPECT_EQ(Message(), "37 pictures are on this computer and checked. Delete them from the camera?");
+  EXPECT_EQ(Message(), "Delete them from the camera?");
   Button("Keep")->click();
-  EXPECT_EQ(said, "keep");
+  EXPECT_EQ(link_.State().result, "You can unplug the camera.");
   Button("Delete")->click();
-  EXPECT_EQ(said, "delete");
+  EXPECT_TRUE(workers_.calls.last().contains("--delete-after-verify"));
 }
 
 TEST_F(ImportBarTest, OtherFilesAreNamedAndCanBeTicked) {
-  Target seen;
-  bar_.onTarget = [&](const Target& target) { seen = target; };
   auto* tick = bar_.findChild<QCheckBox*>();
   bar_.Show(state_, {});
   EXPECT_TRUE(tick->isHidden());
@@ -101,20 +106,21 @@ TEST_F(ImportBarTest, OtherFilesAreNamedAndCanBeTicked) {
   bar_.Show(state_, {});
   EXPECT_EQ(tick->text(), "3 other files are not shown. Import them too");
   tick->toggle();  // as a screen reader does
-  EXPECT_TRUE(seen.everything);
+  EXPECT_TRUE(Chosen().everything);
 }
 
-TEST_F(ImportBarTest, AnotherNamingIsToldOn) {
-  Target seen;
-  bar_.onTarget = [&](const Target& target) { seen = target; };
+TEST_F(ImportBarTest, AnotherNamingIsToldOnAndRemembered) {
+  const QString folder = Chosen().folder;
   auto* naming = bar_.findChild<QComboBox*>();
   naming->setCurrentIndex(2);
-  EXPECT_EQ(seen.pattern, "{year}/{month}/{name}");
-  EXPECT_EQ(seen.folder, "/pictures");
+  EXPECT_EQ(Chosen().pattern, "{year}/{month}/{name}");
+  EXPECT_EQ(Chosen().folder, folder);
+  EXPECT_EQ(RememberedTarget(), Chosen());
 }
 
 TEST_F(ImportBarTest, APatternOfItsUsersOwnStays) {
-  ImportBar own(Target{"/pictures", "{serial}/{name}", "txt", false});
+  link_.SetTarget({"/pictures", "{serial}/{name}", "txt", false});
+  const ImportBar own(link_);
   EXPECT_EQ(own.findChild<QComboBox*>()->currentText(), "{serial}/{name}");
 }
 

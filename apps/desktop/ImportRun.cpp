@@ -5,88 +5,68 @@ namespace desktop {
 namespace {
 
 // More sentences than these help nobody.
-constexpr qsizetype kShownFailures = 3;
+constexpr int kShownFailures = 3;
 
 }  // namespace
 
 QString KeyOfPath(const QString& path) {
-  const QString name = path.section('\\', -1);
-  return path.section('\\', -2, -2) + '/' + name.section('.', 0, -2);
-}
-
-ImportRun::ImportRun(bool deletes, const QStringList& keys, const Offer& offer) : deletes_(deletes), keys_(keys) {
-  progress_.phase = deletes ? "deleting" : "reading";
-  if (deletes) return;
-  progress_.total = offer.bytes;
-  progress_.filesTotal = offer.files;
-}
-
-QStringList ImportRun::Whole() const {
-  QStringList whole;
-  for (const QString& key : keys_) {
-    if (!failedKeys_.contains(key)) whole.append(key);
-  }
-  return whole;
+  return path.section('\\', -2, -2) + '/' + path.section('\\', -1).section('.', 0, -2);
 }
 
 void ImportRun::Hear(const QJsonObject& event) {
   const QString kind = event["event"].toString();
-  storedKey_.clear();
-  if (kind == "progress") {
-    progress_ = {event["phase"].toString(progress_.phase),
-                 event["files"].toInt(progress_.files),
-                 event["files_total"].toInt(progress_.filesTotal),
-                 event["done"].toInteger(),
-                 event["total"].toInteger(-1),
-                 event["bytes_per_second"].toInteger(-1),
-                 event["file"].toString()};
-  } else if (kind == "stored") {
-    ++stored_;
-    storedKey_ = KeyOfPath(event["path"].toString());
-  } else if (kind == "failed") {
-    ++failed_;
-    failedKeys_.insert(KeyOfPath(event["path"].toString()));
-    if (failures_.size() < kShownFailures) failures_.append(event["error"].toString());
-  } else if (kind == "error") {
-    error_ = event["message"].toString();
-  } else if (event.contains("exit")) {
-    HearEnd(event);
+  if (kind == "stored") ++stored_;
+  if (kind == "failed") {
+    whole_.removeAll(KeyOfPath(event["path"].toString()));
+    failures_.append(event["error"].toString());
   }
-}
-
-void ImportRun::HearEnd(const QJsonObject& document) {
-  exit_ = document["exit"].toInt(kExitCrashed);
-  stored_ = document["stored"].toInt(stored_);
-  failed_ = document["failed"].toInt(failed_);
-  deleted_ = document["deleted"].toInt();
-  sizeOnly_ = document["size_only"].toInt();
-  error_ = document["error"].toString();
+  if (kind.isEmpty() && event.contains("exit")) end_ = event;
 }
 
 QString ImportRun::Trouble() const {
-  if (exit_ == kExitCrashed) {
+  if (Exit() == kExitCrashed) {
     return tr(
         "The program that imports the pictures has stopped. What it had finished is on this computer; press Import "
         "to go on.");
   }
-  QStringList sentences = failures_;
-  if (failed_ > failures_.size()) {
-    sentences.append(tr("%n more (file|files) failed.", nullptr, failed_ - static_cast<int>(failures_.size())));
-  }
-  if (!error_.isEmpty() && !sentences.contains(error_)) sentences.append(error_);
+  QStringList sentences = failures_.mid(0, kShownFailures);
+  const int more = end_["failed"].toInt(static_cast<int>(failures_.size())) - static_cast<int>(sentences.size());
+  if (more > 0) sentences.append(tr("%n more (file|files) failed.", nullptr, more));
+  const QString error = end_["error"].toString();
+  if (!error.isEmpty() && !sentences.contains(error)) sentences.append(error);
   return sentences.join(' ');
 }
 
+QStringList ImportRun::Deletable() const {
+  const bool succeeded = Exit() == 0 || Exit() == kExitPartial;
+  return succeeded && !deletes_ ? whole_ : QStringList();
+}
+
 QString ImportRun::Ending(bool cancelled) const {
+  const QString unplug = tr("You can unplug the camera.");
   if (deletes_) {
-    return tr("%n (file was|files were) deleted from the camera.", nullptr, deleted_) + ' ' +
-           tr("You can unplug the camera.");
+    const int deleted = end_["deleted"].toInt();
+    return tr("%n (file was|files were) deleted from the camera.", nullptr, deleted) + ' ' + unplug;
   }
   if (cancelled) {
-    return tr("Stopped. %n (file is|files are) on this computer; press Import to go on.", nullptr, stored_);
+    return tr("Stopped. %n (file is|files are) on this computer; press Import to go on.", nullptr,
+              end_["stored"].toInt(stored_));
+  }
+  const auto whole = static_cast<int>(Deletable().size());
+  // Every file that was stored is as its key says or was read twice.
+  const bool isChecked = end_["size_only"].toInt() == 0;
+  if (whole > 0 && isChecked) {
+    return tr("%n (picture is|pictures are) on this computer and checked. Delete (it|them) from the camera?", nullptr,
+              whole);
+  }
+  if (whole > 0) {
+    return tr(
+        "%n (picture is|pictures are) on this computer. Check (it|them) with a second read, and delete (it|them) "
+        "from the camera?",
+        nullptr, whole);
   }
   // Files that failed are still on the camera alone.
-  return exit_ == 0 ? tr("You can unplug the camera.") : QString();
+  return Exit() == 0 ? unplug : QString();
 }
 
 }  // namespace desktop

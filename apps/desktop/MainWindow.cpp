@@ -2,50 +2,33 @@
 #include "apps/desktop/MainWindow.h"
 
 #include <QJsonArray>
-#include <QLabel>
-#include <QStackedWidget>
-#include <QTabWidget>
 #include <QVBoxLayout>
-
-#include "apps/desktop/Banner.h"
-#include "apps/desktop/CameraPage.h"
 
 namespace desktop {
 
-MainWindow::MainWindow(MakeWorker makeWorker)
-    : makeWorker_(std::move(makeWorker)),
-      target_(RememberedTarget()),
-      banner_(new Banner),
-      stack_(new QStackedWidget),
-      welcome_(new QLabel),
-      tabs_(new QTabWidget) {
+MainWindow::MainWindow(StartWorker start) : start_(std::move(start)) {
   setWindowTitle(tr("Kelva"));
   resize(1000, 720);
-  welcome_->setAlignment(Qt::AlignCenter);
-  welcome_->setText(tr("Plug a camera in to see its pictures."));
-  tabs_->setDocumentMode(true);
-  tabs_->setAccessibleName(tr("Cameras"));
-  stack_->addWidget(welcome_);
-  stack_->addWidget(tabs_);
+  welcome_.setAlignment(Qt::AlignCenter);
+  tabs_.setDocumentMode(true);
+  tabs_.setAccessibleName(tr("Cameras"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
-  layout->addWidget(banner_);
-  layout->addWidget(stack_, 1);
-  banner_->onRetry = [this] { Watch(); };
-}
-
-MainWindow::~MainWindow() {
-  for (CameraPage* page : Pages()) page->Link().BeginClose();
+  layout->addWidget(&banner_);
+  layout->addWidget(&welcome_, 1);
+  layout->addWidget(&tabs_, 1);
+  banner_.onRetry = [this] { Watch(); };
+  ShowPlace();
 }
 
 void MainWindow::Watch() {
-  banner_->Show({});
+  banner_.Show({});
   ready_ = false;
-  watcher_ = makeWorker_({"watch"});
-  watcher_->onEvent = [this](const QJsonObject& event) { Hear(event); };
-  watcher_->onDeath = [this] { WatcherEnded(); };
-  watcher_->Start();
+  watcher_ = start_({"watch"}, {[this](const QJsonObject& event) { Hear(event); },
+                                [this](int) {
+                                  banner_.Show({tr("The program that watches for cameras has stopped."), {}, true});
+                                }});
 }
 
 void MainWindow::Raise() {
@@ -57,8 +40,9 @@ void MainWindow::Raise() {
 
 void MainWindow::Hear(const QJsonObject& event) {
   const QString kind = event["event"].toString();
-  if (kind == "attached") Attached(event);
-  if (kind == "lost") Lost(event["serial"].toString());
+  const QString serial = event["serial"].toString();
+  if (kind == "attached") Attached(serial);
+  if (kind == "lost" && pages_.contains(serial)) pages_[serial]->Link().Lose();
   if (kind == "trouble") HearTrouble(event);
   if (kind == "ready") ready_ = true;
 }
@@ -72,66 +56,39 @@ void MainWindow::HearTrouble(const QJsonObject& event) {
     if (notice.command.isEmpty()) notice.command = finding["command"].toString();
   }
   notice.sentence = sentences.join('\n');
-  banner_->Show(notice);
+  banner_.Show(notice);
 }
 
 // A camera that comes while the window is open takes its user's eye; those of the start are shown in turn.
-void MainWindow::Attached(const QJsonObject& event) {
-  const QString serial = event["serial"].toString();
-  CameraPage* page = PageOf(serial);
-  if (page == nullptr) page = AddPage(serial);
-  page->Link().Attach();
+void MainWindow::Attached(const QString& serial) {
+  if (!pages_.contains(serial)) AddPage(serial);
+  pages_[serial]->Link().Attach();
   if (!ready_) return;
-  tabs_->setCurrentWidget(page);
+  tabs_.setCurrentWidget(pages_[serial]);
   Raise();
 }
 
-void MainWindow::Lost(const QString& serial) {
-  CameraPage* page = PageOf(serial);
-  if (page == nullptr) return;
-  page->Link().Lose();
-  if (!page->Link().MustStay()) RemovePage(page);
-}
-
-CameraPage* MainWindow::AddPage(const QString& serial) {
-  auto* page = new CameraPage(std::make_unique<CameraLink>(makeWorker_, serial), target_);
-  tabs_->addTab(page, page->Title());
-  page->onTitle = [this, page] { tabs_->setTabText(tabs_->indexOf(page), page->Title()); };
-  page->onDone = [this, page] { RemovePage(page); };
-  page->onTarget = [this](const Target& target) {
-    target_ = target;
-    Remember(target);
-  };
+void MainWindow::AddPage(const QString& serial) {
+  auto* page = new CameraPage(start_, serial);
+  pages_[serial] = page;
+  tabs_.addTab(page, page->windowTitle());
+  connect(page, &QWidget::windowTitleChanged, this,
+          [this, page](const QString& title) { tabs_.setTabText(tabs_.indexOf(page), title); });
+  page->onDone = [this, serial] { RemovePage(serial); };
   ShowPlace();
-  return page;
 }
 
-void MainWindow::RemovePage(CameraPage* page) {
+void MainWindow::RemovePage(const QString& serial) {
+  CameraPage* page = pages_.take(serial);
   page->onDone = [] {};
-  tabs_->removeTab(tabs_->indexOf(page));
+  tabs_.removeTab(tabs_.indexOf(page));
   page->deleteLater();
   ShowPlace();
 }
 
 void MainWindow::ShowPlace() {
-  stack_->setCurrentIndex(tabs_->count() == 0 ? 0 : 1);
-}
-
-QList<CameraPage*> MainWindow::Pages() const {
-  QList<CameraPage*> pages;
-  for (int tab = 0; tab < tabs_->count(); ++tab) pages.append(static_cast<CameraPage*>(tabs_->widget(tab)));
-  return pages;
-}
-
-CameraPage* MainWindow::PageOf(const QString& serial) const {
-  for (CameraPage* page : Pages()) {
-    if (page->Link().State().serial == serial) return page;
-  }
-  return nullptr;
-}
-
-void MainWindow::WatcherEnded() {
-  banner_->Show({tr("The program that watches for cameras has stopped."), {}, true});
+  welcome_.setVisible(pages_.isEmpty());
+  tabs_.setVisible(!pages_.isEmpty());
 }
 
 }  // namespace desktop

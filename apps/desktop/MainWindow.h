@@ -1,28 +1,19 @@
 #ifndef KELVA_APPS_DESKTOP_MAIN_WINDOW_H_
 #define KELVA_APPS_DESKTOP_MAIN_WINDOW_H_
 
-#include <QCoreApplication>
-#include <QWidget>
-#include <memory>
+#include <QMap>
+#include <QTabWidget>
 
-#include "apps/desktop/CameraLink.h"
-
-class QLabel;
-class QStackedWidget;
-class QTabWidget;
+#include "apps/desktop/CameraPage.h"
 
 namespace desktop {
-
-class Banner;
-class CameraPage;
 
 /// The window: a tab for each camera, or the words that it waits for one.
 class MainWindow : public QWidget {
   Q_DECLARE_TR_FUNCTIONS(MainWindow)
 
  public:
-  explicit MainWindow(MakeWorker makeWorker);
-  ~MainWindow() override;
+  explicit MainWindow(StartWorker start);
 
   /// Begins to watch for cameras.
   void Watch();
@@ -32,23 +23,18 @@ class MainWindow : public QWidget {
  private:
   void Hear(const QJsonObject& event);
   void HearTrouble(const QJsonObject& event);
-  void Attached(const QJsonObject& event);
-  void Lost(const QString& serial);
-  void WatcherEnded();
-  CameraPage* PageOf(const QString& serial) const;
-  CameraPage* AddPage(const QString& serial);
-  void RemovePage(CameraPage* page);
-  QList<CameraPage*> Pages() const;
+  void Attached(const QString& serial);
+  void AddPage(const QString& serial);
+  void RemovePage(const QString& serial);
   void ShowPlace();
 
-  MakeWorker makeWorker_;
+  StartWorker start_;
   std::unique_ptr<WorkerProcess> watcher_;
-  Target target_;
-  Banner* banner_;
-  QStackedWidget* stack_;
-  QLabel* welcome_;
-  QTabWidget* tabs_;
-  bool ready_ = false;  ///< whether the cameras that were there at the start have been named
+  Banner banner_;
+  QLabel welcome_{tr("Plug a camera in to see its pictures.")};
+  QTabWidget tabs_;
+  QMap<QString, CameraPage*> pages_;  ///< by the camera's serial number; `tabs_` owns them
+  bool ready_ = false;                ///< whether the cameras that were there at the start have been named
 };
 
 }  // namespace desktop

@@ -15,7 +15,7 @@ class MainWindowTest : public WindowTest {
   void Open(const QString& watch) {
     workers_.scripts["watch"] = watch;
     workers_.scripts["camera"] = ThreePictures();
-    window_ = std::make_unique<MainWindow>(workers_.Maker());
+    window_ = std::make_unique<MainWindow>(workers_.Starter());
     window_->Watch();
     window_->show();
   }

@@ -13,7 +13,7 @@ class PictureDelegateTest : public WindowTest {
   PictureDelegateTest() {
     Picture picture;
     picture.name = "IMG_1";
-    picture.types = QStringList("JPG");
+    picture.types = "JPG";
     model_.Append({picture});
   }
 
@@ -25,7 +25,7 @@ class PictureDelegateTest : public WindowTest {
     option.rect = image.rect();
     option.palette = palette;
     option.state.setFlag(QStyle::State_Selected, selected);
-    PictureDelegate().paint(&painter, option, model_.index(0));
+    PictureDelegate(model_).paint(&painter, option, model_.IndexOf(0));
     return image;
   }
 

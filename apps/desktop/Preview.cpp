@@ -8,22 +8,16 @@
 
 namespace desktop {
 
-Preview::Preview(QWidget* parent) : QWidget(parent) {
+Preview::Preview() {
   setFocusPolicy(Qt::StrongFocus);
   setAccessibleName(tr("Larger view of a picture"));
 }
 
-void Preview::Show(const QImage& image, const QString& caption) {
+void Preview::Show(const QImage& image, const QString& caption, const QString& none) {
   image_ = image;
   caption_ = caption;
-  sentence_.clear();
-  setAccessibleDescription(caption);
-  update();
-}
-
-void Preview::Explain(const QString& sentence) {
-  sentence_ = sentence;
-  setAccessibleDescription(sentence);
+  none_ = none;
+  setAccessibleDescription(none.isEmpty() ? caption : none);
   update();
 }
 
@@ -33,26 +27,16 @@ void Preview::paintEvent(QPaintEvent*) {
   const int line = fontMetrics().height() * 2;
   const QRect place = rect().adjusted(line / 2, line / 2, -line / 2, -line);
   if (!image_.isNull()) painter.drawImage(Fitted(image_.size(), place), image_);
-  painter.setPen(palette().color(QPalette::WindowText));
-  if (!sentence_.isEmpty()) painter.drawText(place, Qt::AlignCenter | Qt::TextWordWrap, sentence_);
+  painter.drawText(place, Qt::AlignCenter | Qt::TextWordWrap, none_);
   painter.drawText(QRect(0, height() - line, width(), line), Qt::AlignCenter, caption_);
 }
 
 void Preview::keyPressEvent(QKeyEvent* event) {
-  switch (event->key()) {
-    case Qt::Key_Left:
-    case Qt::Key_Up:
-      return onStep(-1);
-    case Qt::Key_Right:
-    case Qt::Key_Down:
-      return onStep(1);
-    case Qt::Key_Space:
-    case Qt::Key_Return:
-    case Qt::Key_Escape:
-      return onClose();
-    default:
-      QWidget::keyPressEvent(event);
-  }
+  const int key = event->key();
+  if (key == Qt::Key_Left || key == Qt::Key_Up) return onStep(-1);
+  if (key == Qt::Key_Right || key == Qt::Key_Down) return onStep(1);
+  if (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Escape) return onClose();
+  QWidget::keyPressEvent(event);
 }
 
 void Preview::mousePressEvent(QMouseEvent*) {

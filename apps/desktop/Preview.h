@@ -13,16 +13,15 @@ class Preview : public QWidget {
   Q_DECLARE_TR_FUNCTIONS(Preview)
 
  public:
-  explicit Preview(QWidget* parent = nullptr);
+  Preview();
 
   /// Goes so many pictures on, or back for a negative number.
   std::function<void(int by)> onStep = [](int) {};
   std::function<void()> onClose = [] {};
 
-  /// Shows a picture; `caption` describes it. A later call with the larger image replaces a thumbnail.
-  void Show(const QImage& image, const QString& caption);
-  /// In the place of a picture that cannot be shown.
-  void Explain(const QString& sentence);
+  /// Shows a picture; `caption` describes it. A later call with the larger image replaces a thumbnail. `none` says why there is
+  /// no larger one.
+  void Show(const QImage& image, const QString& caption, const QString& none = {});
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -32,7 +31,7 @@ class Preview : public QWidget {
  private:
   QImage image_;
   QString caption_;
-  QString sentence_;
+  QString none_;
 };
 
 }  // namespace desktop

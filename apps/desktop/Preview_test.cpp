@@ -34,7 +34,7 @@ TEST_F(PreviewTest, ShowsThePictureAndReadsItsCaption) {
   preview.Show(green, "IMG_1, JPG");
   EXPECT_EQ(preview.accessibleDescription(), "IMG_1, JPG");
   EXPECT_EQ(preview.grab().toImage().pixelColor(150, 140), QColor(Qt::green));
-  preview.Explain("It is damaged.");
+  preview.Show(green, "IMG_1, JPG", "It is damaged.");
   EXPECT_EQ(preview.accessibleDescription(), "It is damaged.");
 }
 

@@ -66,7 +66,7 @@ class TranslationTest : public WindowTest {
   }
 
   void Make() {
-    window_ = std::make_unique<MainWindow>(workers_.Maker());
+    window_ = std::make_unique<MainWindow>(workers_.Starter());
     window_->Watch();
     window_->show();
   }

@@ -4,10 +4,10 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QJsonDocument>
-#include <QList>
 #include <algorithm>
-#include <utility>
 
 namespace desktop {
 namespace {
@@ -17,35 +17,29 @@ constexpr qint64 kSliceMs = 8;
 // From the end of its input to the end of its life.
 constexpr int kPatienceMs = 250;
 
-QList<QProcess*>& Ending() {
-  static QList<QProcess*> ending;
-  return ending;
-}
-
 void Kill(const QProcess& process) {
   const auto group = static_cast<pid_t>(process.processId());
   if (group > 0) ::kill(-group, SIGKILL);
 }
 
+int ExitOf(const QProcess& process) {
+  const bool crashed = process.error() == QProcess::FailedToStart || process.error() == QProcess::Crashed;
+  return crashed ? kExitCrashed : process.exitCode();
+}
+
 }  // namespace
 
-WorkerProcess::WorkerProcess(const QString& program, const QStringList& arguments)
-    : process_(std::make_unique<QProcess>()) {
-  process_->setProgram(program);
-  process_->setArguments(arguments);
+WorkerProcess::WorkerProcess(const QString& program, const QStringList& arguments, Listener listener)
+    : listener_(std::move(listener)), process_(std::make_unique<QProcess>()) {
   // A group of its own, so that a child which hangs in a camera's command ends with it.
   process_->setChildProcessModifier([] { ::setpgid(0, 0); });
   more_.setSingleShot(true);
-  QObject::connect(&more_, &QTimer::timeout, &more_, [this] { Read(); });
-  QObject::connect(process_.get(), &QProcess::readyReadStandardOutput, &more_, [this] { more_.start(0); });
-  QObject::connect(process_.get(), &QProcess::readyReadStandardError, &more_, [this] { more_.start(0); });
-  QObject::connect(process_.get(), &QProcess::finished, &more_, [this](int code, QProcess::ExitStatus status) {
-    if (status == QProcess::NormalExit) exit_ = code;
-    Die();
-  });
-  QObject::connect(process_.get(), &QProcess::errorOccurred, &more_, [this](QProcess::ProcessError error) {
-    if (error == QProcess::FailedToStart) Die();
-  });
+  more_.callOnTimeout([this] { Read(); });
+  const auto readSoon = [this] { more_.start(0); };
+  QObject::connect(process_.get(), &QProcess::readyReadStandardOutput, &more_, readSoon);
+  QObject::connect(process_.get(), &QProcess::readyReadStandardError, &more_, readSoon);
+  QObject::connect(process_.get(), &QProcess::stateChanged, &more_, readSoon);
+  process_->start(program, arguments);
 }
 
 WorkerProcess::~WorkerProcess() {
@@ -53,32 +47,27 @@ WorkerProcess::~WorkerProcess() {
   if (process_->state() == QProcess::NotRunning) return;
   BeginClose();
   QProcess* process = process_.release();
-  Ending().append(process);
-  QObject::connect(process, &QProcess::finished, process, [process] {
-    Ending().removeOne(process);
-    process->deleteLater();
-  });
+  process->setParent(qApp);
+  QObject::connect(process, &QProcess::finished, process, &QObject::deleteLater);
   QTimer::singleShot(kPatienceMs, process, [process] { Kill(*process); });
 }
 
 void WorkerProcess::EndAll() {
   QElapsedTimer spent;
   spent.start();
-  // One that not even SIGKILL ends waits in the kernel; QProcess's destructor would wait for it half a minute.
-  for (const auto& [patience, kills] : {std::pair(kPatienceMs, false), std::pair(2 * kPatienceMs, true)}) {
-    for (QProcess* process : QList(Ending())) {
-      if (kills) Kill(*process);
-      process->waitForFinished(std::max(1, patience - static_cast<int>(spent.elapsed())));
-    }
+  for (QProcess* process : qApp->findChildren<QProcess*>()) {
+    const auto wait = [&](int patience) {
+      return process->waitForFinished(std::max(1, patience - static_cast<int>(spent.elapsed())));
+    };
+    if (wait(kPatienceMs)) continue;
+    Kill(*process);
+    // One that not even SIGKILL ends waits in the kernel; QProcess's destructor would wait for it half a minute.
+    if (!wait(2 * kPatienceMs)) process->setParent(nullptr);
   }
 }
 
-void WorkerProcess::Start() {
-  process_->start();
-}
-
 void WorkerProcess::Send(const QStringList& words) {
-  if (dead_ || process_->state() == QProcess::NotRunning) return;
+  if (process_->state() == QProcess::NotRunning) return;
   QByteArrayList encoded;
   for (const QString& word : words) encoded.append(word.toUtf8().toPercentEncoding());
   process_->write(encoded.join('\t') + '\n');
@@ -88,30 +77,19 @@ void WorkerProcess::BeginClose() {
   process_->closeWriteChannel();
 }
 
+// What it said before its end is heard first.
 void WorkerProcess::Read() {
   QElapsedTimer spent;
   spent.start();
   for (const auto channel : {QProcess::StandardError, QProcess::StandardOutput}) {
-    if (!ReadFrom(channel, spent)) return more_.start(0);
+    process_->setReadChannel(channel);
+    while (process_->canReadLine()) {
+      if (spent.elapsed() >= kSliceMs) return more_.start(0);
+      const QJsonDocument line = QJsonDocument::fromJson(process_->readLine());
+      if (line.isObject()) listener_.onEvent(line.object());
+    }
   }
-  if (dead_ && onDeath) onDeath();
-}
-
-// False when time is up before the end.
-bool WorkerProcess::ReadFrom(QProcess::ProcessChannel channel, const QElapsedTimer& spent) {
-  process_->setReadChannel(channel);
-  while (process_->canReadLine()) {
-    if (spent.elapsed() >= kSliceMs) return false;
-    const QJsonDocument line = QJsonDocument::fromJson(process_->readLine());
-    if (line.isObject() && onEvent) onEvent(line.object());
-  }
-  return true;
-}
-
-// What it said before its end is heard first.
-void WorkerProcess::Die() {
-  dead_ = true;
-  more_.start(0);
+  if (process_->state() == QProcess::NotRunning) listener_.onDeath(ExitOf(*process_));
 }
 
 }  // namespace desktop

@@ -1,7 +1,6 @@
 #ifndef KELVA_APPS_DESKTOP_WORKER_PROCESS_H_
 #define KELVA_APPS_DESKTOP_WORKER_PROCESS_H_
 
-#include <QElapsedTimer>
 #include <QJsonObject>
 #include <QProcess>
 #include <QTimer>
@@ -16,41 +15,40 @@ constexpr int kExitGone = 5;
 constexpr int kExitPartial = 6;
 constexpr int kExitCrashed = -1;
 
-/// One process of kelva-desktop-worker. Nothing here waits for it but EndAll. Lives on the thread of the window; the two functions
-/// are called there, from the event loop.
+/// What is done with the words of a worker: both are called on the thread of the window, from the event loop.
+struct Listener {
+  /// Each line of either stream that is a JSON object, in order.
+  std::function<void(const QJsonObject& event)> onEvent;
+  /// The process has ended, or could not be started; nothing follows. `exit` is its status; kExitCrashed when a signal ended it
+  /// or it could not be started. Must not delete the WorkerProcess within the call.
+  std::function<void(int exit)> onDeath;
+};
+
+/// One process of kelva-desktop-worker. Nothing here waits for it but EndAll. Lives on the thread of the window.
 class WorkerProcess {
  public:
-  WorkerProcess(const QString& program, const QStringList& arguments);
-  WorkerProcess(const WorkerProcess&) = delete;
-  WorkerProcess& operator=(const WorkerProcess&) = delete;
+  /// Starts it.
+  WorkerProcess(const QString& program, const QStringList& arguments, Listener listener);
   /// Asks the process to end; soon the event loop ends it with all that it started, also when it hangs.
   ~WorkerProcess();
   /// Without an event loop, at the end of the program: the same for all of them, within half a second.
   static void EndAll();
 
-  /// Each line of either stream that is a JSON object, in order. Set before Start.
-  std::function<void(const QJsonObject&)> onEvent;
-  /// The process has ended or could not be started; nothing follows. Must not delete this object within the call.
-  std::function<void()> onDeath;
-
-  void Start();
   /// Sends a command: a line of percent-encoded words with TABs between. Nothing after the process's death.
   void Send(const QStringList& words);
-  /// The exit status after its death; kExitCrashed when a signal ended it or it could not be started.
-  int Exit() const { return exit_; }
-  /// Asks it to end, as the first step for several at once.
+  /// Asks it to end. Its last words are still heard.
   void BeginClose();
 
  private:
   void Read();
-  bool ReadFrom(QProcess::ProcessChannel channel, const QElapsedTimer& spent);
-  void Die();
 
+  Listener listener_;
   std::unique_ptr<QProcess> process_;
   QTimer more_;
-  int exit_ = kExitCrashed;
-  bool dead_ = false;
 };
+
+/// Starts a worker with the given words of its command line.
+using StartWorker = std::function<std::unique_ptr<WorkerProcess>(const QStringList& words, Listener listener)>;
 
 }  // namespace desktop
 

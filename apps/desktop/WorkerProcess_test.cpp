@@ -2,6 +2,7 @@
 
 #include <QJsonObject>
 #include <QThread>
+#include <optional>
 
 #include "apps/desktop/testing/ScriptedWorker.h"
 #include "apps/desktop/testing/TestApplication.h"
@@ -12,52 +13,50 @@ namespace {
 class WorkerProcessTest : public WindowTest {
  protected:
   std::unique_ptr<WorkerProcess> Start(const QString& script) {
-    auto worker = std::make_unique<WorkerProcess>("/bin/sh", QStringList{"-c", script});
-    worker->onEvent = [this](const QJsonObject& event) { events_.append(event["event"].toString()); };
-    worker->onDeath = [this] { dead_ = true; };
-    worker->Start();
-    return worker;
+    return std::make_unique<WorkerProcess>("/bin/sh", QStringList{"-c", script}, Hearing());
+  }
+  Listener Hearing() {
+    return {[this](const QJsonObject& event) { events_.append(event["event"].toString()); },
+            [this](int exit) { exit_ = exit; }};
   }
 
   QStringList events_;
-  bool dead_ = false;
+  std::optional<int> exit_;
 };
 
 TEST_F(WorkerProcessTest, HearsBothStreamsAndSkipsWhatIsNoEvent) {
   const auto worker = Start("echo '{\"event\":\"a\"}'; echo noise; echo '{\"event\":\"b\"}' >&2; exit 5");
-  ASSERT_TRUE(Await([&] { return dead_; }));
+  ASSERT_TRUE(Await([&] { return exit_.has_value(); }));
   events_.sort();
   EXPECT_EQ(events_, QStringList({"a", "b"}));
-  EXPECT_EQ(worker->Exit(), kExitGone);
+  EXPECT_EQ(exit_, kExitGone);
 }
 
 TEST_F(WorkerProcessTest, CommandsArrive) {
   const auto worker = Start("read -r line; printf '{\"event\":\"%s\"}\\n' \"$line\"");
   worker->Send({"go"});
-  ASSERT_TRUE(Await([&] { return dead_; }));
+  ASSERT_TRUE(Await([&] { return exit_.has_value(); }));
   EXPECT_EQ(events_, QStringList("go"));
 }
 
 TEST_F(WorkerProcessTest, ATabALineFeedOrALetterBeyondAsciiCannotEndAWord) {
   const auto worker = Start("IFS= read -r line; printf '{\"event\":\"%s\"}\\n' \"$(echo \"$line\" | tr '\\t' '|')\"");
   worker->Send({"target", QStringLiteral("/a\tb\n%\u00e9"), ""});
-  ASSERT_TRUE(Await([&] { return dead_; }));
+  ASSERT_TRUE(Await([&] { return exit_.has_value(); }));
   EXPECT_EQ(events_, QStringList("target|%2Fa%09b%0A%25%C3%A9|"));
 }
 
 TEST_F(WorkerProcessTest, AProgramThatIsNotThereIsADeath) {
-  WorkerProcess worker("/nowhere/worker", {});
-  worker.onDeath = [this] { dead_ = true; };
-  worker.Start();
+  WorkerProcess worker("/nowhere/worker", {}, Hearing());
   worker.Send({"go"});
-  ASSERT_TRUE(Await([&] { return dead_; }));
-  EXPECT_EQ(worker.Exit(), kExitCrashed);
+  ASSERT_TRUE(Await([&] { return exit_.has_value(); }));
+  EXPECT_EQ(exit_, kExitCrashed);
 }
 
 TEST_F(WorkerProcessTest, ASignalIsADeath) {
   const auto worker = Start("kill -9 $$");
-  ASSERT_TRUE(Await([&] { return dead_; }));
-  EXPECT_EQ(worker->Exit(), kExitCrashed);
+  ASSERT_TRUE(Await([&] { return exit_.has_value(); }));
+  EXPECT_EQ(exit_, kExitCrashed);
 }
 
 TEST_F(WorkerProcessTest, AHangingWorkerIsEndedWithItsChildren) {

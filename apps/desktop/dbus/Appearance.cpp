@@ -36,18 +36,15 @@ void Take(unsigned scheme) {
   QApplication::setPalette(scheme == kPrefersDark && !isDark ? DarkPalette() : own);
 }
 
-// Read wraps its answer twice.
-void TakeValue(QVariant value) {
-  while (value.userType() == qMetaTypeId<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
-  Take(value.toUInt());
-}
-
 void Ask() {
   QDBusMessage question = QDBusMessage::createMethodCall(kPortal, kPortalPath, kSettings, "Read");
   question << kNamespace << kKey;
   auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), qApp);
   QObject::connect(answer, &QDBusPendingCallWatcher::finished, qApp, [answer] {
-    if (!answer->isError()) TakeValue(answer->reply().arguments().value(0));
+    QVariant value = answer->reply().arguments().value(0);
+    // Read wraps its answer twice.
+    while (value.userType() == qMetaTypeId<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+    if (!answer->isError()) Take(value.toUInt());
     answer->deleteLater();
   });
 }

@@ -16,11 +16,12 @@ struct ScriptedWorkers {
   QMap<QString, QString> scripts;
   QList<QStringList> calls;
 
-  MakeWorker Maker() {
-    return [this](const QStringList& words) {
+  StartWorker Starter() {
+    return [this](const QStringList& words, Listener listener) {
       calls.append(words);
       const QString script = scripts.value(words[0], "cat >/dev/null");
-      return std::make_unique<WorkerProcess>("/bin/sh", QStringList{"-c", script, "worker"} + words);
+      return std::make_unique<WorkerProcess>("/bin/sh", QStringList{"-c", script, "worker"} + words,
+                                             std::move(listener));
     };
   }
 };
