@@ -189,7 +189,14 @@ void CameraLink::HearRun(const QJsonObject& event) {
 }
 
 void CameraLink::RunEnded() {
-  if (run_->WasCutOff() && !run_->Deletes() && !cancelled_) return GoOnLater();
+  if (run_->WasCutOff() && !run_->Deletes() && !cancelled_) {
+    state_.phase = Phase::kCutOff;
+    QTimer::singleShot(kBackAlreadyMs, &model_, [this] {
+      if (attached_ && state_.phase == Phase::kCutOff) BeginRun(false);
+    });
+    return Note(
+        tr("The cable was pulled, or the camera was switched off. Plug the camera in again and the import goes on."));
+  }
   const QStringList deletable = cancelled_ ? QStringList() : run_->Deletable();
   state_.phase = deletable.isEmpty() ? Phase::kReady : Phase::kAsking;
   state_.result = run_->Ending(cancelled_);
@@ -199,14 +206,6 @@ void CameraLink::RunEnded() {
   }
   Tell(run_->Deletes() ? QStringList("list") : state_.target.Command());
   Note(cancelled_ ? QString() : run_->Trouble());
-}
-
-void CameraLink::GoOnLater() {
-  state_.phase = Phase::kCutOff;
-  QTimer::singleShot(kBackAlreadyMs, &model_, [this] {
-    if (attached_ && state_.phase == Phase::kCutOff) BeginRun(false);
-  });
-  Note(tr("The cable was pulled, or the camera was switched off. Plug the camera in again and the import goes on."));
 }
 
 void CameraLink::Cancel() {

@@ -61,7 +61,6 @@ class CameraLink {
   void BeginRun(bool deletes);
   void HearRun(const QJsonObject& event);
   void RunEnded();
-  void GoOnLater();
   void Note(const QString& sentence, bool canRetry = false);
 
   StartWorker start_;

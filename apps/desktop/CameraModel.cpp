@@ -10,15 +10,6 @@
 namespace desktop {
 namespace {
 
-QString Described(const Picture& picture) {
-  QStringList parts{picture.name, picture.types, SizeText(picture.bytes)};
-  const QDateTime taken = picture.taken.value_or(QDateTime());
-  if (taken.isValid()) parts.append(QLocale().toString(taken, QLocale::ShortFormat));
-  parts.append(picture.isNew ? CameraModel::tr("new") : CameraModel::tr("on this computer"));
-  if (!picture.whyNone.isEmpty()) parts.append(picture.whyNone);
-  return parts.join(", ");
-}
-
 // Nothing while it is not known; an invalid one for a picture without a time.
 std::optional<QDate> DayOf(const Picture& picture) {
   return picture.taken ? std::optional(picture.taken->date()) : std::nullopt;
@@ -35,15 +26,25 @@ QVariant CameraModel::data(const QModelIndex& index, int role) const {
   const int picture = PictureAt(index.row());
   if (role == Qt::DisplayRole) return picture < 0 ? Headline(index.row()) : At(picture).name;
   const bool describes = role == Qt::AccessibleTextRole || role == Qt::ToolTipRole;
-  return describes && picture >= 0 ? Described(At(picture)) : QVariant();
+  return describes && picture >= 0 ? Description(picture) : QVariant();
 }
 
 Qt::ItemFlags CameraModel::flags(const QModelIndex& index) const {
   return PictureAt(index.row()) < 0 ? Qt::NoItemFlags : QAbstractListModel::flags(index);
 }
 
+QString CameraModel::Description(int picture) const {
+  const Picture& one = At(picture);
+  QStringList parts{one.name, one.types, SizeText(one.bytes)};
+  const QDateTime taken = one.taken.value_or(QDateTime());
+  if (taken.isValid()) parts.append(QLocale().toString(taken, QLocale::ShortFormat));
+  parts.append(one.isNew ? tr("new") : tr("on this computer"));
+  if (!one.whyNone.isEmpty()) parts.append(one.whyNone);
+  return parts.join(", ");
+}
+
 QString CameraModel::Headline(int row) const {
-  const QString folder = At(~rows_[static_cast<std::size_t>(row)]).folder;
+  QString folder = At(~rows_[static_cast<std::size_t>(row)]).folder;
   for (int picture = PictureAt(++row); picture >= 0; picture = PictureAt(++row)) {
     const std::optional<QDate> day = DayOf(At(picture));
     if (!day) continue;

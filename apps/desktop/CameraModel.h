@@ -51,6 +51,8 @@ class CameraModel : public QAbstractListModel {
   int Count() const { return static_cast<int>(pictures_.size()); }
   const Picture& At(int picture) const { return pictures_[static_cast<std::size_t>(picture)]; }
   QImage Thumbnail(int picture) const;
+  /// All that is seen of it in words: "IMG_7, JPG RAW, 8.1 MB, new".
+  QString Description(int picture) const;
   /// Whether a thumbnail has to be asked for: it is not here, and nothing says that there is none.
   bool Lacks(int picture) const { return At(picture).whyNone.isEmpty() && !thumbnails_.contains(picture); }
   /// The picture of a row, or -1 for a headline.

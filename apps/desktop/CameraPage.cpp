@@ -23,27 +23,26 @@ CameraPage::CameraPage(StartWorker start, const QString& serial) : link_(std::mo
   layout->addWidget(&banner_);
   layout->addWidget(&stack_, 1);
   layout->addWidget(&bar_);
-  Connect();
-  Refresh();
-}
 
-void CameraPage::Connect() {
   link_.onChange = [this] { Refresh(); };
   link_.onPreview = [this](int picture, const QImage& image, const QString& none) {
-    if (picture == open_)
-      preview_.Show(none.isEmpty() ? image : link_.Model().Thumbnail(picture), Caption(picture), none);
+    if (picture != open_) return;
+    const QImage shown = none.isEmpty() ? image : link_.Model().Thumbnail(picture);
+    preview_.Show(shown, link_.Model().Description(picture), none);
   };
   banner_.onRetry = [this] { link_.Retry(); };
   grid_.onWanted = [this](const QList<int>& pictures) { link_.Ask("thumbs", pictures); };
   grid_.onOpen = [this](int picture) { Open(picture); };
   connect(grid_.selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { Refresh(); });
   connect(&link_.Model(), &QAbstractItemModel::modelReset, this, [this] { ClosePreview(); });
-  preview_.onStep = [this](int by) { Step(by); };
+  preview_.onStep = [this](int by) {
+    const int picture = open_ + by;
+    if (picture < 0 || picture >= link_.Model().Count()) return;
+    grid_.setCurrentIndex(link_.Model().IndexOf(picture));
+    Open(picture);
+  };
   preview_.onClose = [this] { ClosePreview(); };
-}
-
-QString CameraPage::Caption(int picture) {
-  return link_.Model().IndexOf(picture).data(Qt::ToolTipRole).toString();
+  Refresh();
 }
 
 void CameraPage::Refresh() {
@@ -67,17 +66,10 @@ void CameraPage::Refresh() {
 
 void CameraPage::Open(int picture) {
   open_ = picture;
-  preview_.Show(link_.Model().Thumbnail(picture), Caption(picture));
+  preview_.Show(link_.Model().Thumbnail(picture), link_.Model().Description(picture));
   stack_.setCurrentWidget(&preview_);
   preview_.setFocus();
   link_.Ask("preview", {picture});
-}
-
-void CameraPage::Step(int by) {
-  const int picture = open_ + by;
-  if (picture < 0 || picture >= link_.Model().Count()) return;
-  grid_.setCurrentIndex(link_.Model().IndexOf(picture));
-  Open(picture);
 }
 
 void CameraPage::ClosePreview() {

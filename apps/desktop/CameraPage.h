@@ -24,12 +24,9 @@ class CameraPage : public QWidget {
   CameraLink& Link() { return link_; }
 
  private:
-  void Connect();
   void Refresh();
   void Open(int picture);
-  void Step(int by);
   void ClosePreview();
-  QString Caption(int picture);
 
   CameraLink link_;
   Banner banner_;

@@ -81,15 +81,16 @@ ImportBar::ImportBar(CameraLink& link) : link_(link) {
   layout->setSpacing(8);
   layout->addLayout(TargetLine());
   layout->addLayout(WorkLine());
-  ConnectAll();
-}
 
-void ImportBar::ConnectAll() {
   const auto take = [this] { TakeTarget(link_.State().target.folder); };
   connect(&naming_, &QComboBox::currentIndexChanged, this, take);
   connect(&types_, &QComboBox::currentIndexChanged, this, take);
   connect(&everything_, &QCheckBox::toggled, this, take);
-  connect(&folder_, &QPushButton::clicked, this, [this] { AskForFolder(); });
+  connect(&folder_, &QPushButton::clicked, this, [this] {
+    const QString before = link_.State().target.folder;
+    const QString chosen = QFileDialog::getExistingDirectory(this, tr("Folder for pictures"), before);
+    if (!chosen.isEmpty()) TakeTarget(chosen);
+  });
   connect(&import_, &QPushButton::clicked, this, [this] { link_.Import(choice_.pictures); });
   connect(&cancel_, &QPushButton::clicked, this, [this] { link_.Cancel(); });
   connect(&delete_, &QPushButton::clicked, this, [this] { link_.Delete(); });
@@ -129,12 +130,6 @@ QLayout* ImportBar::WorkLine() {
   line->addWidget(&message_, 1);
   for (QPushButton* button : {&keep_, &delete_, &cancel_, &import_}) line->addWidget(button);
   return line;
-}
-
-void ImportBar::AskForFolder() {
-  const QString chosen =
-      QFileDialog::getExistingDirectory(this, tr("Folder for pictures"), link_.State().target.folder);
-  if (!chosen.isEmpty()) TakeTarget(chosen);
 }
 
 void ImportBar::TakeTarget(const QString& folder) {

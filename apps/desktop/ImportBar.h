@@ -31,8 +31,6 @@ class ImportBar : public QWidget {
  private:
   QLayout* TargetLine();
   QLayout* WorkLine();
-  void ConnectAll();
-  void AskForFolder();
   void TakeTarget(const QString& folder);
 
   CameraLink& link_;

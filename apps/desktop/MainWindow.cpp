@@ -24,7 +24,6 @@ MainWindow::MainWindow(StartWorker start) : start_(std::move(start)) {
 
 void MainWindow::Watch() {
   banner_.Show({});
-  ready_ = false;
   watcher_ = start_({"watch"}, {[this](const QJsonObject& event) { Hear(event); },
                                 [this](int) {
                                   banner_.Show({tr("The program that watches for cameras has stopped."), {}, true});
@@ -41,10 +40,9 @@ void MainWindow::Raise() {
 void MainWindow::Hear(const QJsonObject& event) {
   const QString kind = event["event"].toString();
   const QString serial = event["serial"].toString();
-  if (kind == "attached") Attached(serial);
+  if (kind == "attached") Attached(serial, event["present"].toBool());
   if (kind == "lost" && pages_.contains(serial)) pages_[serial]->Link().Lose();
   if (kind == "trouble") HearTrouble(event);
-  if (kind == "ready") ready_ = true;
 }
 
 void MainWindow::HearTrouble(const QJsonObject& event) {
@@ -60,22 +58,20 @@ void MainWindow::HearTrouble(const QJsonObject& event) {
 }
 
 // A camera that comes while the window is open takes its user's eye; those of the start are shown in turn.
-void MainWindow::Attached(const QString& serial) {
-  if (!pages_.contains(serial)) AddPage(serial);
-  pages_[serial]->Link().Attach();
-  if (!ready_) return;
-  tabs_.setCurrentWidget(pages_[serial]);
+void MainWindow::Attached(const QString& serial, bool present) {
+  CameraPage*& page = pages_[serial];
+  if (page == nullptr) {
+    page = new CameraPage(start_, serial);
+    tabs_.addTab(page, page->windowTitle());
+    connect(page, &QWidget::windowTitleChanged, this,
+            [this, page](const QString& title) { tabs_.setTabText(tabs_.indexOf(page), title); });
+    page->onDone = [this, serial] { RemovePage(serial); };
+    ShowPlace();
+  }
+  page->Link().Attach();
+  if (present) return;
+  tabs_.setCurrentWidget(page);
   Raise();
-}
-
-void MainWindow::AddPage(const QString& serial) {
-  auto* page = new CameraPage(start_, serial);
-  pages_[serial] = page;
-  tabs_.addTab(page, page->windowTitle());
-  connect(page, &QWidget::windowTitleChanged, this,
-          [this, page](const QString& title) { tabs_.setTabText(tabs_.indexOf(page), title); });
-  page->onDone = [this, serial] { RemovePage(serial); };
-  ShowPlace();
 }
 
 void MainWindow::RemovePage(const QString& serial) {

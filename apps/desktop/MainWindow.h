@@ -23,8 +23,7 @@ class MainWindow : public QWidget {
  private:
   void Hear(const QJsonObject& event);
   void HearTrouble(const QJsonObject& event);
-  void Attached(const QString& serial);
-  void AddPage(const QString& serial);
+  void Attached(const QString& serial, bool present);
   void RemovePage(const QString& serial);
   void ShowPlace();
 
@@ -34,7 +33,6 @@ class MainWindow : public QWidget {
   QLabel welcome_{tr("Plug a camera in to see its pictures.")};
   QTabWidget tabs_;
   QMap<QString, CameraPage*> pages_;  ///< by the camera's serial number; `tabs_` owns them
-  bool ready_ = false;                ///< whether the cameras that were there at the start have been named
 };
 
 }  // namespace desktop
