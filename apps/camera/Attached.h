@@ -9,9 +9,21 @@
 
 #include "apps/camera/Registry.h"
 #include "apps/commandline/StdoutDiversion.h"
+#include "apps/commandline/Verb.h"
 #include "src/wifi/Camera.h"
 
 namespace apps {
+
+inline constexpr Option kSerialOption = {
+    "serial", 's', "SERIAL", "The camera with this USB serial number; KELVA_SERIAL sets it for all commands.",
+    Offer::kSerial};
+inline constexpr Option kVirtualOption = {
+    .name = "virtual",
+    .letter = 0,
+    .value = "SOCKET",
+    .help = "Look for cameras on the virtual bus of `kelva-vcam serve`, not on this machine.",
+    .offer = Offer::kFile,
+    .alias = "socket"};
 
 /// One camera that is attached, not opened.
 struct AttachedCamera {

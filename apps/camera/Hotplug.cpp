@@ -40,6 +40,18 @@ class Alarm {
 
 }  // namespace
 
+std::string_view HotplugEvent::Word() const {
+  return kind == Kind::kAttached ? "attached" : kind == Kind::kLost ? "lost" : "bad";
+}
+
+Json HotplugEvent::Members() const {
+  Json members = Json::Object();
+  if (kind != Kind::kBad) {
+    members.SetBytes("serial", facts.serial).SetBytes("product", facts.product).SetBytes("revision", facts.revision);
+  }
+  return members.Set("present", present);
+}
+
 // Called from C frames of the run loop, which no exception may cross.
 void Hotplug::Report(const HotplugEvent& event) noexcept {
   if (error_ || finished_) return;

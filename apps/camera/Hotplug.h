@@ -6,9 +6,10 @@
 #include <exception>
 #include <functional>
 #include <list>
-#include <string>
+#include <string_view>
 
 #include "apps/camera/Registry.h"
+#include "apps/commandline/Json.h"
 #include "apps/commandline/Stop.h"
 #include "src/wifi/Camera.h"
 
@@ -19,6 +20,11 @@ struct HotplugEvent {
   enum class Kind { kAttached, kLost, kBad } kind;
   bool present;          ///< true for a camera that was attached before the watch began
   RegistryCamera facts;  ///< empty for a bad camera: the system does not tell which camera it is
+
+  /// "attached", "lost", "bad".
+  std::string_view Word() const;
+  /// What is said of it in JSON.
+  Json Members() const;
 };
 
 /// Watches cameras come and go on the thread that runs it. One per process.

@@ -15,6 +15,10 @@
 
 namespace apps {
 
+inline constexpr Option kWaitBusyOption = {
+    "wait-busy", 0, "SECONDS",
+    "Wait this long for a camera that another program holds; the default is 10, and 0 does not wait."};
+
 /// How long a command waits for a camera that another program holds: --wait-busy.
 std::chrono::milliseconds WaitBusy(const Context& context);
 

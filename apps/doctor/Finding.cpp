@@ -27,4 +27,15 @@ std::vector<Finding> Obstacles(std::vector<Finding> findings) {
   return findings;
 }
 
+Json InJson(const std::vector<Finding>& findings) {
+  Json list = Json::Array();
+  for (const Finding& finding : findings) {
+    Json members = Json::Object().Set("condition", WordOf(finding.condition));
+    members.Set("harmless", IsHarmless(finding.condition));
+    members.SetBytes("serial", finding.serial).SetBytes("sentence", finding.sentence);
+    list.Push(members.SetBytes("command", finding.command).SetBytes("advice", finding.advice));
+  }
+  return list;
+}
+
 }  // namespace apps::doctor

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/commandline/Json.h"
+
 namespace apps::doctor {
 
 /// What can be said about a camera or the machine.
@@ -48,6 +50,9 @@ struct Finding {
 /// Those that keep somebody from using a camera, and that no program or camera ends soon: not that there is none, nor that
 /// another program holds one.
 std::vector<Finding> Obstacles(std::vector<Finding> findings);
+
+/// A list of them.
+Json InJson(const std::vector<Finding>& findings);
 
 }  // namespace apps::doctor
 

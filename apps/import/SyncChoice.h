@@ -12,6 +12,15 @@
 
 namespace apps {
 
+inline constexpr Option kTypesOption = {
+    "types",       't',
+    "LIST",        "Only these types of files: jpg, raw, txt, 128, separated by commas.",
+    Offer::kWords, "jpg raw txt 128 jpg,raw"};
+inline constexpr Option kEverythingOption = {
+    "everything", 'e', "", "Fetch also what is not in the catalogue: videos, panoramas, files with other names."};
+inline constexpr Option kPatternOption = {"pattern", 'p', "PATTERN",
+                                          "How files are named below FOLDER; the default is {folder}/{name}."};
+
 /// What the command line of a sync asks for.
 struct SyncChoice {
   Pattern pattern;

@@ -2,36 +2,16 @@
 #define KELVA_APPS_DESKTOP_WORKER_WATCH_H_
 
 #include <functional>
-#include <optional>
-#include <string>
 #include <vector>
 
-#include "apps/camera/Hotplug.h"
 #include "apps/commandline/Context.h"
 #include "apps/doctor/Finding.h"
 
 namespace apps {
 
-/// Tells the window which cameras come and go, and what keeps one from being used. One per process.
-class Watch {
- public:
-  /// Looks for obstacles with `look`; for tests another than the machine.
-  using Look = std::function<std::vector<doctor::Finding>()>;
-  explicit Watch(Context& context);
-  Watch(Context& context, Look look);
-
-  /// Until `context.stop` is requested: throws Stopped.
-  void Run();
-
- private:
-  void Report(const HotplugEvent& event);
-  void LookForTrouble();
-
-  Context& context_;
-  const Look look_;
-  Hotplug hotplug_;
-  std::optional<std::string> told_;  // the findings that were given last
-};
+/// Tells the window which cameras come and go, and what keeps one from being used, until `context.stop` is requested: throws
+/// Stopped. `look` finds what is in the way. Once per process.
+void WatchCameras(Context& context, const std::function<std::vector<doctor::Finding>()>& look);
 
 }  // namespace apps
 

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "base/Hex.h"
 
 namespace apps {
@@ -12,20 +13,6 @@ namespace {
 bool StandsForItself(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
          c == '.' || c == '~' || c == '/';
-}
-
-std::string Base64(std::string_view bytes) {
-  static constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  out.reserve((bytes.size() + 2) / 3 * 4);
-  for (std::size_t at = 0; at < bytes.size(); at += 3) {
-    unsigned group = 0;
-    for (std::size_t i = 0; i < 3; ++i) {
-      group = (group << 8) | (at + i < bytes.size() ? static_cast<unsigned char>(bytes[at + i]) : 0U);
-    }
-    for (std::size_t i = 0; i < 4; ++i) out += at + i <= bytes.size() ? kDigits[(group >> (18 - 6 * i)) & 0x3F] : '=';
-  }
-  return out;
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // The verb doctor.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -14,13 +15,6 @@ namespace apps {
 namespace {
 
 using doctor::Condition;
-
-Json Members(const doctor::Finding& finding) {
-  Json members = Json::Object().Set("condition", doctor::WordOf(finding.condition));
-  members.Set("harmless", doctor::IsHarmless(finding.condition));
-  members.SetBytes("serial", finding.serial).SetBytes("sentence", finding.sentence);
-  return std::move(members.SetBytes("command", finding.command).SetBytes("advice", finding.advice));
-}
 
 doctor::Finding ExamineOnBus(Context& context, const AttachedCamera& camera) {
   const std::string& serial = camera.facts.serial;
@@ -63,14 +57,11 @@ ExitCode RunDoctor(Context& context) {
   const auto socket = context.call.Value("virtual");
   context.Doing(socket ? "look at the virtual bus" : "look at this machine");
   const auto findings = socket ? ExamineBus(context, *socket) : doctor::ExamineMachine();
-  Json list = Json::Array();
-  bool harmless = true;
-  for (const doctor::Finding& finding : findings) {
-    list.Push(Members(finding));
-    harmless = harmless && doctor::IsHarmless(finding.condition);
-  }
+  const bool harmless = std::all_of(findings.begin(), findings.end(), [](const doctor::Finding& finding) {
+    return doctor::IsHarmless(finding.condition);
+  });
   const ExitCode code = harmless ? ExitCode::kDone : ExitCode::kFailed;
-  return context.Result(Json::Object().Set("findings", std::move(list)), TextOf(findings), code);
+  return context.Result(Json::Object().Set("findings", doctor::InJson(findings)), TextOf(findings), code);
 }
 
 constexpr Example kExamples[] = {{"kelva doctor", "Why does my camera not show up?"}};

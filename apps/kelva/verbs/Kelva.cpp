@@ -1,28 +1,23 @@
 // The tool as the command line's machinery sees it: its options, its manual page's description and all its verbs.
 #include <vector>
 
+#include "apps/camera/Attached.h"
+#include "apps/camera/Turns.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
 namespace {
 
 constexpr Option kOptions[] = {
-    {"serial", 's', "SERIAL", "The camera with this USB serial number; KELVA_SERIAL sets it for all commands.",
-     Offer::kSerial},
-    {.name = "virtual",
-     .letter = 0,
-     .value = "SOCKET",
-     .help = "Look for cameras on the virtual bus of `kelva-vcam serve`, not on this machine.",
-     .offer = Offer::kFile,
-     .alias = "socket"},
+    kSerialOption,
+    kVirtualOption,
     kJsonOption,
     kQuietOption,
     kVerboseOption,
     {"trace", 0, "FILE", "Write each exchange with the camera into this file, or add it to a trace that is there.",
      Offer::kFile},
     {"trace-private", 0, "", "In the trace, put stand-ins in place of serial numbers and network names."},
-    {"wait-busy", 0, "SECONDS",
-     "Wait this long for a camera that another program holds; the default is 10, and 0 does not wait."},
+    kWaitBusyOption,
     {"timeout", 0, "SECONDS", "End after this time, with exit status 8."},
     kHelpOption,
 };

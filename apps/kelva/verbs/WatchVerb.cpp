@@ -28,19 +28,6 @@ constexpr std::chrono::milliseconds kATurn{400};
 
 using Kind = HotplugEvent::Kind;
 
-std::string_view WordFor(Kind kind) {
-  return kind == Kind::kAttached ? "attached" : kind == Kind::kLost ? "lost" : "bad";
-}
-
-Json Members(const HotplugEvent& event) {
-  Json members = Json::Object();
-  if (event.kind != Kind::kBad) {
-    members.SetBytes("serial", event.facts.serial).SetBytes("product", event.facts.product);
-    members.SetBytes("revision", event.facts.revision);
-  }
-  return members.Set("present", event.present);
-}
-
 std::string NameOf(const RegistryCamera& camera) {
   return camera.serial.empty() ? "-" : Printable(camera.serial);
 }
@@ -135,8 +122,8 @@ class Watch {
  private:
   void Report(const HotplugEvent& event) {
     if (!IsWanted(event, serial_)) return;
-    context_.Event(WordFor(event.kind), Members(event), Line(event));
-    if (!event.present) command_.RunFor(WordFor(event.kind), event.facts, "");
+    context_.Event(event.Word(), event.Members(), Line(event));
+    if (!event.present) command_.RunFor(event.Word(), event.facts, "");
     Count();
   }
 
