@@ -3,10 +3,13 @@
 
 #include <boost/shared_ptr.hpp>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
+#include "apps/commandline/Context.h"
 #include "src/wifi/Camera.h"
 #include "src/wifi/DcfObj.h"
+#include "src/wifi/FileReader.h"
 
 namespace apps {
 
@@ -22,6 +25,11 @@ struct PictureStart {
 
 /// Reads it. Ends what was selected on the camera. Throws CameraError, also when the picture has no JPEG file.
 PictureStart ReadStart(const boost::shared_ptr<Camera>& camera, const DcfObj& picture);
+
+/// Reads all of a file of a size that the caller has checked, and lets others have the camera meanwhile. `isWanted` is asked now
+/// and then: nothing once it says no. Throws Stopped, and what the reader and LetOthers throw.
+std::vector<char> ReadWhole(Context& context, kelva::FileReader& reader,
+                            const std::function<bool()>& isWanted = nullptr);
 
 }  // namespace apps
 

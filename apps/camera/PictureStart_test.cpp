@@ -4,6 +4,7 @@
 
 #include "apps/camera/testing/FakeCamera.h"
 #include "apps/camera/testing/MadePicture.h"
+#include "apps/commandline/testing/SilentContext.h"
 #include "src/wifi/FileReader.h"
 
 namespace apps {
@@ -37,6 +38,20 @@ TEST(PictureStartTest, APictureWithoutAJpegIsAnError) {
   raw.hasJpg = 0;
   raw.hasRaw = 1;
   EXPECT_THROW(ReadStart(Shared(camera), raw), CameraError);
+}
+
+TEST(PictureStartTest, AWholeFileComesUnlessItIsNoLongerWanted) {
+  SilentContext silent;
+  FakeCamera camera;
+  camera.open = true;
+  camera.files["IMG_0001.JPG"] = std::string(300'000, 'a') + "b";
+  kelva::FileReader reader(Shared(camera), MadePicture(1), 1);
+  int asked = 0;
+  EXPECT_TRUE(ReadWhole(silent.context_, reader, [&] { return ++asked == 1; }).empty());
+  EXPECT_EQ(asked, 2);
+  reader = kelva::FileReader(Shared(camera), MadePicture(1), 1);
+  const std::vector<char> whole = ReadWhole(silent.context_, reader);
+  EXPECT_EQ(std::string(whole.begin(), whole.end()), camera.files["IMG_0001.JPG"]);
 }
 
 }  // namespace

@@ -28,5 +28,11 @@ TEST(FindingTest, ObstaclesAreWhatNothingEndsSoon) {
   EXPECT_EQ(obstacles[1].condition, Condition::kBadCamera);
 }
 
+TEST(FindingTest, AFindingInJsonHasAllThatIsKnown) {
+  EXPECT_EQ(InJson({{Condition::kNoUdev, "K1", "No udev.", "sudo x", "Wait."}}).Text(),
+            R"([{"condition":"no-udev","harmless":true,"serial":"K1","sentence":"No udev.","command":"sudo x",)"
+            R"("advice":"Wait."}])");
+}
+
 }  // namespace
 }  // namespace apps::doctor

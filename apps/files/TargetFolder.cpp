@@ -55,9 +55,14 @@ void RequireName(const std::string& path) {
 
 }  // namespace
 
-TargetFolder TargetFolder::OpenOrMakeMissing(const std::string& path) {
+std::optional<TargetFolder> TargetFolder::OpenIfThere(const std::string& path) {
   const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
-  return missing ? OpenOrMake(path) : Open(path);
+  return missing ? std::nullopt : std::optional(Open(path));
+}
+
+TargetFolder TargetFolder::OpenOrMakeMissing(const std::string& path) {
+  auto folder = OpenIfThere(path);
+  return folder ? *std::move(folder) : OpenOrMake(path);
 }
 
 TargetFolder TargetFolder::Open(const std::string& path) {

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/FileDescriptor.h"
@@ -16,6 +17,8 @@ class TargetFolder {
  public:
   /// Opens a folder that the user named; symbolic links in `path` are the user's own. Throws Failure.
   static TargetFolder Open(const std::string& path);
+  /// As Open; nothing for a folder that is missing.
+  static std::optional<TargetFolder> OpenIfThere(const std::string& path);
   /// As Open, but makes the folder first if it is missing, and those above it. Their names are on disk when this returns.
   static TargetFolder OpenOrMake(const std::string& path);
   /// As OpenOrMake for a folder that is missing, otherwise as Open.

@@ -160,6 +160,12 @@ TEST_F(TargetFolderTest, AFolderThatIsNotOpenedIsNamedWithTheFirstError) {
   EXPECT_THAT(WhyNot([&] { folder_->Below("100ABCDE"); }), HasSubstr("100ABCDE: Too many open files."));
 }
 
+TEST_F(TargetFolderTest, AFolderThatIsNotThereIsNoErrorWhereItNeedNotBe) {
+  EXPECT_FALSE(TargetFolder::OpenIfThere((path_ / "none").string()).has_value());
+  EXPECT_EQ(TargetFolder::OpenIfThere(path_.string())->Path(), path_.string());
+  EXPECT_THROW(TargetFolder::OpenIfThere("/dev/null/x"), Failure);
+}
+
 TEST_F(TargetFolderTest, APathIsShownAsTheUserWouldTypeIt) {
   EXPECT_EQ(TargetFolder::Open(".").PathOf("a.jpg"), "a.jpg");
   EXPECT_EQ(TargetFolder::Open("/").PathOf("a.jpg"), "/a.jpg");

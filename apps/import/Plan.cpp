@@ -40,10 +40,13 @@ Names::Stored StoredOf(KnownPicture known) {
 /// Of pictures with new files, those that were fetched before.
 using StoredFiles = std::unordered_map<const DcfObj*, Names::Stored>;
 
-// Adds an item for each file of the types asked for.
-StoredFiles AddItems(SyncPlan& plan, SyncSource& source, const std::vector<int>& types, Manifest& manifest,
-                     const std::function<bool(const DcfObj&)>& isMeant) {
-  StoredFiles files;
+// Makes a plan with an item for each file of the types asked for.
+SyncPlan PlanOf(SyncSource from, const std::vector<int>& types, Manifest& manifest,
+                const std::function<bool(const DcfObj&)>& isMeant, StoredFiles& files) {
+  auto made = std::make_unique<SyncSource>(std::move(from));
+  SyncSource& source = *made;
+  SyncPlan plan{std::move(made), {}};
+  const Manifest::Reading reading(manifest);
   for (const DcfObj& picture : source.catalogue) {
     if (isMeant && !isMeant(picture)) continue;
     KnownPicture known = FindPicture(manifest, picture, source.serial);
@@ -58,7 +61,7 @@ StoredFiles AddItems(SyncPlan& plan, SyncSource& source, const std::vector<int>&
     Names::Stored stored = StoredOf(std::move(known));
     if (!stored.empty()) files.emplace(&picture, std::move(stored));
   }
-  return files;
+  return plan;
 }
 
 std::vector<const DcfObj*> NewPictures(const SyncPlan& plan) {
@@ -155,14 +158,18 @@ std::vector<int> ParseTypes(const std::optional<std::string>& list) {
 SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
                   const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times,
                   const std::function<bool(const DcfObj&)>& isMeant) {
-  auto source = std::make_unique<SyncSource>(SyncSource{std::move(catalogue), serial, pattern, std::move(times.of)});
-  SyncSource& filled = *source;
-  SyncPlan plan{std::move(source), {}};
-  const Manifest::Reading reading(manifest);
-  const StoredFiles stored = AddItems(plan, filled, types, manifest, isMeant);
+  StoredFiles stored;
+  SyncPlan plan =
+      PlanOf({std::move(catalogue), serial, pattern, std::move(times.of)}, types, manifest, isMeant, stored);
   if (pattern.HasTime() && times.ask) times.ask(NewPictures(plan));
   NumberItems(plan, Names(folder, plan.source->pattern, serial, plan.source->timeOf), stored);
   return plan;
+}
+
+SyncPlan PlanWithoutNames(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
+                          const Pattern& pattern, Manifest& manifest) {
+  StoredFiles stored;
+  return PlanOf({std::move(catalogue), serial, pattern, CatalogueTaken}, types, manifest, nullptr, stored);
 }
 
 void AddOthers(SyncPlan& plan, OtherFiles others, bool fetch, Manifest& manifest,

@@ -118,6 +118,10 @@ SyncPlan MakePlan(std::vector<DcfObj> catalogue, const std::string& serial, cons
                   const Pattern& pattern, Manifest& manifest, const TargetFolder* folder, PlanTimes times = {},
                   const std::function<bool(const DcfObj&)>& isMeant = nullptr);
 
+/// As MakePlan, and chooses no names: says only what is new.
+SyncPlan PlanWithoutNames(std::vector<DcfObj> catalogue, const std::string& serial, const std::vector<int>& types,
+                          const Pattern& pattern, Manifest& manifest);
+
 /// Looks only at the others that are `meant`. With `fetch` they become items; a file that was deleted on the camera after
 /// it was fetched, and is there once more, is new. Otherwise the new ones are counted.
 void AddOthers(SyncPlan& plan, OtherFiles others, bool fetch, Manifest& manifest,

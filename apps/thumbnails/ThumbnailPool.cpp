@@ -40,19 +40,10 @@ ThumbnailPool::~ThumbnailPool() {
   for (std::thread& thread : threads_) thread.join();
 }
 
-std::future<Thumbnail> ThumbnailPool::Draw(std::vector<char> jpegFile) {
-  return Add(std::move(jpegFile), DrawThumbnail);
-}
-
-std::future<Thumbnail> ThumbnailPool::DrawLarge(std::vector<char> jpegFile) {
-  return Add(std::move(jpegFile), DrawLargePicture);
-}
-
-std::future<Thumbnail> ThumbnailPool::DrawStart(std::vector<char> start) {
-  return Add(std::move(start), DrawThumbnailInStart);
-}
-
-std::future<Thumbnail> ThumbnailPool::Add(std::vector<char> bytes, Way way) {
+std::future<Thumbnail> ThumbnailPool::Draw(std::vector<char> bytes, DrawFrom from) {
+  const auto way = from == DrawFrom::kLarge   ? DrawLargePicture
+                   : from == DrawFrom::kStart ? DrawThumbnailInStart
+                                              : DrawThumbnail;
   Task task([this, way, kept = std::move(bytes)](Thumbnailer& thumbnailer) mutable {
     const std::vector<char> file = std::move(kept);
     return way(thumbnailer, file, ending_);

@@ -16,6 +16,13 @@
 
 namespace apps {
 
+/// What is drawn, and from which bytes.
+enum class DrawFrom {
+  kLarge,  ///< a whole file, to be shown large
+  kStart,  ///< the start of a file: its EXIF thumbnail
+  kWhole,  ///< a thumbnail of a whole file
+};
+
 /// Draws several pictures at once, each in a process of its own. Used from one thread.
 class ThumbnailPool {
  public:
@@ -33,19 +40,13 @@ class ThumbnailPool {
   ThumbnailPool(const ThumbnailPool&) = delete;
   ThumbnailPool& operator=(const ThumbnailPool&) = delete;
 
-  /// Has a JPEG file drawn as soon as a process is free. The result throws what DrawThumbnail throws. The file's memory is
-  /// given back before.
-  std::future<Thumbnail> Draw(std::vector<char> jpegFile);
-  /// As Draw, to be shown large.
-  std::future<Thumbnail> DrawLarge(std::vector<char> jpegFile);
-  /// As Draw, of the start of a file; the result throws what DrawThumbnailInStart throws.
-  std::future<Thumbnail> DrawStart(std::vector<char> start);
+  /// Has a picture drawn as soon as a process is free. The result throws what the functions of Thumbnail.h throw. The bytes'
+  /// memory is given back before.
+  std::future<Thumbnail> Draw(std::vector<char> bytes, DrawFrom from = DrawFrom::kWhole);
 
  private:
   using Task = std::packaged_task<Thumbnail(Thumbnailer&)>;
 
-  using Way = Thumbnail (*)(Thumbnailer&, std::span<const char>, const Stop&);
-  std::future<Thumbnail> Add(std::vector<char> bytes, Way way);
   void Run();
   /// A task without a state at the end.
   Task Next();

@@ -36,8 +36,7 @@ ELSEWHERE = {
     "apps/kelva/verbs/SyncChoice_test.cpp": "apps/import/SyncChoice.cpp",
     "apps/kelva/verbs/SyncSummary_test.cpp": "apps/import/SyncSummary.cpp",
     "apps/kelva/verbs/SyncVerb_test.cpp": "apps/import/ImportRun.cpp",
-    "tests/desktop/worker_test.py": """
-        apps/desktop/worker/Browser.cpp apps/desktop/worker/Drawings.cpp""",
+    "tests/desktop/worker_test.py": "apps/desktop/worker/Browser.cpp",
     # They need a session bus, and what stands in for it needs a Mac's compiler.
     "tests/desktop/window_test.py": "apps/desktop/dbus/Appearance.cpp apps/desktop/dbus/SingleInstance.cpp",
     "tests/macos/sources_test.py": """

@@ -2,9 +2,9 @@
 #include "apps/desktop/worker/Browser.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include "apps/camera/Attached.h"
@@ -12,32 +12,23 @@
 #include "apps/camera/CameraPath.h"
 #include "apps/camera/Explain.h"
 #include "apps/camera/Information.h"
-#include "apps/camera/ListedSizes.h"
 #include "apps/camera/Picture.h"
 #include "apps/camera/PictureList.h"
 #include "apps/camera/PictureStart.h"
 #include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Words.h"
+#include "apps/desktop/worker/PictureEvents.h"
 #include "src/wifi/CameraError.h"
-#include "src/wifi/FileReader.h"
 
 namespace apps {
-namespace {
 
 using namespace std::chrono_literals;
-using From = DrawingOf::From;
-
-// A picture is not read as a whole to be shown when it is larger.
-constexpr std::uint64_t kLargestThumbnail = std::uint64_t{32} << 20;
-constexpr std::uint64_t kLargestPreview = std::uint64_t{128} << 20;
-
-}  // namespace
 
 void Browser::Run() {
   context_.Doing("look for the camera");
-  facts_ = Choose(FindAttached(context_.diversion), WantedSerial(context_.call.Value("serial"))).facts;
-  context_.Event("camera", Json::Object().SetBytes("serial", facts_.serial).SetBytes("product", facts_.product), "");
+  facts_ = Find().facts;
+  context_.Event("camera", FactsMembers(), "");
   while (!quits_) {
     context_.stop.Check();
     try {
@@ -58,63 +49,72 @@ void Browser::ObeyAll() {
 void Browser::Obey(const Command& command) {
   const std::string& name = command.front();
   if (name == "quit") quits_ = true;
-  if (name == "list") hasPictures_ = false;
+  if (name == "list") hasList_ = false;
+  if (name == "preview" || name == "thumbs") Want(command);
   if (name == "target" && command.size() >= 4) {
     target_ = Target{command[1], command[2], command[3]};
     targetDue_ = true;
   }
-  if (name == "preview") {
-    const auto indices = IndicesIn(command);
-    preview_ = indices.empty() ? std::nullopt : std::optional(indices.front());
-  }
-  if (name != "thumbs") return;
-  thumbs_.clear();
-  whole_.clear();
-  for (const std::size_t index : IndicesIn(command)) {
-    (withoutStart_.contains(index) ? whole_ : thumbs_).push_back(index);
-  }
 }
 
 // Indices of an older, longer list are left out.
-std::vector<std::size_t> Browser::IndicesIn(const Command& command) const {
-  std::vector<std::size_t> indices;
-  for (auto word = command.begin() + 1; word != command.end(); ++word) {
+void Browser::Want(const Command& command) {
+  const bool isPreview = command.front() == "preview";
+  std::erase_if(list_.wanted, [&](const Wish& wish) { return (wish.from == DrawFrom::kLarge) == isPreview; });
+  for (const std::string_view word : std::span(command).subspan(1)) {
     std::size_t index = 0;
-    const auto [end, error] = std::from_chars(word->data(), word->data() + word->size(), index);
-    if (error == std::errc() && index < pictures_.size()) indices.push_back(index);
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), index);
+    if (error != std::errc() || index >= list_.pictures.size()) continue;
+    const bool needsWhole = list_.withoutStart.contains(index);
+    list_.wanted.push_back({index, isPreview ? DrawFrom::kLarge : needsWhole ? DrawFrom::kWhole : DrawFrom::kStart});
   }
-  return indices;
+  std::stable_sort(list_.wanted.begin(), list_.wanted.end(),
+                   [](const Wish& a, const Wish& b) { return a.from < b.from; });
+}
+
+bool Browser::IsBeingDrawn(const Wish& wish) const {
+  return std::any_of(list_.drawings.begin(), list_.drawings.end(),
+                     [&wish](const Drawing& drawing) { return drawing.of == wish; });
+}
+
+std::optional<Browser::Wish> Browser::NextWish() const {
+  const auto next =
+      std::find_if(list_.wanted.begin(), list_.wanted.end(), [this](const Wish& wish) { return !IsBeingDrawn(wish); });
+  if (next == list_.wanted.end()) return std::nullopt;
+  const bool isBusy = list_.drawings.size() >= 2 * kProcesses;
+  return isBusy && next->from != DrawFrom::kLarge ? std::nullopt : std::optional(*next);
+}
+
+// A preview interrupts what is read of another picture.
+bool Browser::IsWanted(const Wish& wish) const {
+  const auto next = NextWish();
+  if (next && next->from == DrawFrom::kLarge) return *next == wish;
+  return std::find(list_.wanted.begin(), list_.wanted.end(), wish) != list_.wanted.end();
 }
 
 bool Browser::DoNext() {
-  if (quits_) return true;
-  if (const auto drawn = drawings_.Take()) return Give(*drawn), true;
-  if (!hasPictures_) return ReadCatalogue(), true;
+  if (quits_ || GiveDrawn()) return true;
+  if (!hasList_) return ReadCatalogue(), true;
   if (targetDue_) return GiveTarget(), true;
-  if (preview_ && !drawings_.Has({*preview_, From::kLarge})) return ReadPreview(), true;
-  if (!thumbs_.empty() && !drawings_.IsFull()) return ReadNextThumbnail(), true;
-  if (!whole_.empty() && !drawings_.IsFull()) return ReadNextWhole(), true;
-  if (!drawings_.IsEmpty() || Clock::now() < quietUntil_) return false;
-  return DoUnasked();
+  if (const auto wish = NextWish()) return Read(*wish), true;
+  if (!list_.drawings.empty() || Clock::now() < quietUntil_) return false;
+  const Step step = Unasked();
+  if (step != nullptr) (this->*step)();
+  return step != nullptr;
 }
 
-bool Browser::HasUnasked() const {
-  return !hasFacts_ || sizes_.size() < pictures_.size() || !others_;
-}
-
-bool Browser::DoUnasked() {
-  if (!hasFacts_) return ReadFacts(), true;
-  if (sizes_.size() < pictures_.size()) return ReadSizes(), true;
-  if (!others_) return ReadOthers(), true;
-  return false;
+Browser::Step Browser::Unasked() const {
+  if (!hasFacts_) return &Browser::ReadFacts;
+  if (!list_.HasSizes()) return &Browser::ReadSizes;
+  return list_.others ? nullptr : &Browser::ReadOthers;
 }
 
 void Browser::Wait() {
   constexpr auto kForEver = 1h;
   auto until = Clock::now() + kForEver;
-  if (!drawings_.IsEmpty()) {
+  if (!list_.drawings.empty()) {
     until = Clock::now() + 2ms;
-  } else if (HasUnasked()) {
+  } else if (Unasked() != nullptr) {
     until = quietUntil_;
   } else {
     session_.reset();  // others may have the camera
@@ -122,13 +122,16 @@ void Browser::Wait() {
   if (const auto command = input_.Next(until, context_.stop)) Obey(*command);
 }
 
+AttachedCamera Browser::Find() {
+  return Choose(FindAttached(context_.diversion), WantedSerial(context_.call.Value("serial")));
+}
+
 // Found anew each time: a camera that was plugged in again meanwhile is another object.
 const boost::shared_ptr<Camera>& Browser::Open() {
   constexpr auto kPatience = 2s;
   if (!session_) {
     context_.Doing("open the camera");
-    session_.emplace(context_, Choose(FindAttached(context_.diversion), WantedSerial(context_.call.Value("serial"))),
-                     kPatience);
+    session_.emplace(context_, Find(), kPatience);
   }
   if (std::exchange(toldBusy_, false)) context_.Event("free", Json::Object(), "");
   return session_->Pointer();
@@ -145,22 +148,15 @@ void Browser::ReadCatalogue() {
   constexpr std::size_t kAtOnce = 1000;
   const boost::shared_ptr<Camera> camera = Open();
   context_.Doing("read the picture catalogue");
-  std::vector<DcfObj> pictures = ReadPictures(*camera);
-  SortHighestFirst(pictures);
-  pictures_ = std::move(pictures);
-  hasPictures_ = true;
-  sizes_.clear();
-  others_.reset();
-  thumbs_.clear();
-  whole_.clear();
-  withoutStart_.clear();
-  preview_.reset();
-  drawings_ = Drawings();  // of the old list
-  for (std::size_t from = 0; from == 0 || from < pictures_.size(); from += kAtOnce) {
-    const auto part = std::span(pictures_).subspan(from).first(std::min(kAtOnce, pictures_.size() - from));
+  list_ = List{.pictures = ReadPictures(*camera)};
+  hasList_ = true;
+  SortHighestFirst(list_.pictures);
+  const std::span<const DcfObj> all = list_.pictures;
+  for (std::size_t from = 0; from == 0 || from < all.size(); from += kAtOnce) {
+    const auto part = all.subspan(from, std::min(kAtOnce, all.size() - from));
     context_.Event("pictures", PicturesMembers(from, part), "");
   }
-  context_.Event("catalogue", Json::Object().Set("count", pictures_.size()), "");
+  context_.Event("catalogue", Json::Object().Set("count", all.size()), "");
   targetDue_ = target_.has_value();
   quietUntil_ = Clock::now() + 100ms;
 }
@@ -169,14 +165,17 @@ bool Browser::EndedAProcess(const std::string& token) const {
   return context_.guard != nullptr && context_.guard->FateOf(token) != Guard::Fate::kUnknown;
 }
 
+Json Browser::FactsMembers() const {
+  return Json::Object().SetBytes("serial", facts_.serial).SetBytes("product", facts_.product);
+}
+
 void Browser::ReadFacts() {
   const boost::shared_ptr<Camera> camera = Open();
   hasFacts_ = true;
   const std::string token = "facts";
   if (EndedAProcess(token)) return;
   const InItem item(context_.guard, token, "the camera's battery level and firmware");
-  Json members = Json::Object().SetBytes("serial", facts_.serial).SetBytes("product", facts_.product);
-  members.SetBytes("name", camera->Name());
+  Json members = FactsMembers().SetBytes("name", camera->Name());
   try {
     context_.Doing("read the battery level");
     const float level = camera->BatteryLevel();
@@ -193,21 +192,19 @@ void Browser::ReadFacts() {
 void Browser::ReadSizes() {
   const boost::shared_ptr<Camera> camera = Open();
   context_.Doing("list a folder");
-  const std::size_t from = sizes_.size();
-  const std::string folder = PictureFolder(pictures_[from]);
+  const std::size_t from = list_.sizes.size();
+  const auto rest = std::span(list_.pictures).subspan(from);
+  const std::string folder = PictureFolder(rest.front());
   const std::string token = "folder " + folder;
   const bool isLeftOut = EndedAProcess(token);
   const InItem item(context_.guard, token, folder);
-  ListedSizes listed(*camera);
-  for (std::size_t i = from; i < pictures_.size() && PictureFolder(pictures_[i]) == folder; ++i) {
-    PictureSizes& sizes = sizes_.emplace_back();
-    if (isLeftOut) continue;
-    for (const int type : FileTypes(pictures_[i])) {
-      sizes[static_cast<std::size_t>(type - kFirstFileType)] = listed.SizeOf(PicturePath(pictures_[i], type));
-    }
+  const SizesByName listing = isLeftOut ? SizesByName() : ListPictureFolder(*camera, folder);
+  for (const DcfObj& picture : rest) {
+    if (PictureFolder(picture) != folder) break;
+    list_.sizes.push_back(SizesIn(listing, picture));
   }
-  context_.Event("sizes", SizesMembers(from, std::span(pictures_).subspan(from), std::span(sizes_).subspan(from)), "");
-  targetDue_ = targetDue_ || (target_ && sizes_.size() == pictures_.size());
+  context_.Event("sizes", SizesMembers(from, rest, std::span(list_.sizes).subspan(from)), "");
+  targetDue_ = targetDue_ || (target_ && list_.HasSizes());
 }
 
 void Browser::ReadOthers() {
@@ -216,111 +213,93 @@ void Browser::ReadOthers() {
   const std::string token = "others";
   const bool isLeftOut = EndedAProcess(token);
   const InItem item(context_.guard, token, "the folders");
-  others_ = isLeftOut ? OtherFiles{{}, true} : FindOthers(context_, *camera, pictures_);
+  list_.others = isLeftOut ? OtherFiles{{}, true} : FindOthers(context_, *camera, list_.pictures);
+  const std::vector<OtherFile>& files = list_.others->files;
   unsigned long long bytes = 0;
-  for (const OtherFile& file : others_->files) bytes += file.size;
-  Json members = Json::Object().Set("count", others_->files.size()).Set("bytes", bytes).Set("cut", others_->isCut);
+  for (const OtherFile& file : files) bytes += file.size;
+  Json members = Json::Object().Set("count", files.size()).Set("bytes", bytes).Set("cut", list_.others->isCut);
   context_.Event("others", std::move(members), "");
-  targetDue_ = targetDue_ || (target_ && !others_->files.empty());
+  targetDue_ = targetDue_ || (target_ && !files.empty());
 }
 
 void Browser::GiveTarget() {
   targetDue_ = false;
-  const bool hasSizes = sizes_.size() == pictures_.size();
-  const auto sizes = hasSizes ? std::span<const PictureSizes>(sizes_) : std::span<const PictureSizes>();
-  const OnCamera known{facts_.serial, pictures_, sizes, others_ ? &*others_ : nullptr};
+  OnCamera known{.serial = facts_.serial, .pictures = list_.pictures};
+  if (list_.HasSizes()) known.sizes = list_.sizes;
+  if (list_.others) known.others = &*list_.others;
   context_.Event("target", TargetMembers(*target_, known), "");
 }
 
-void Browser::ReadNextThumbnail() {
-  const DrawingOf of{thumbs_.front(), From::kStart};
-  if (!drawings_.Has(of)) {
-    Read(of, [this](const DcfObj& picture) { return ReadStart(Open(), picture).bytes; });
-  }
-  if (!thumbs_.empty() && thumbs_.front() == of.index) thumbs_.pop_front();
-}
-
-void Browser::ReadNextWhole() {
-  const DrawingOf of{whole_.front(), From::kWhole};
-  const auto isWanted = [&] { return !preview_ && !whole_.empty() && whole_.front() == of.index; };
-  if (!drawings_.Has(of)) {
-    Read(of, [&](const DcfObj& picture) { return ReadWhole(picture, kLargestThumbnail, isWanted); });
-  }
-  if (isWanted()) whole_.pop_front();
-}
-
-void Browser::ReadPreview() {
-  const DrawingOf of{*preview_, From::kLarge};
-  const auto isWanted = [&] { return preview_ == of.index; };
-  Read(of, [&](const DcfObj& picture) { return ReadWhole(picture, kLargestPreview, isWanted); });
-}
-
-void Browser::Read(const DrawingOf& of, const std::function<std::vector<char>(const DcfObj&)>& read) {
-  const DcfObj& picture = pictures_[of.index];
-  if (picture.hasJpg == 0) return GiveNone(of, "The picture has no JPEG file.");
+void Browser::Read(const Wish& wish) {
+  const DcfObj& picture = list_.pictures[wish.index];
+  if (picture.hasJpg == 0) return GiveNone(wish, "The picture has no JPEG file.");
   const std::string token = PicturePath(picture, kFirstFileType);
   const std::string path = ShownPath(token);
   if (EndedAProcess(token)) {
-    return GiveNone(of, "The process that read " + path + " ended in the middle of it, so it is not shown.");
+    return GiveNone(wish, "The process that read " + path + " ended in the middle of it, so it is not shown.");
   }
   try {
-    Open();
+    const boost::shared_ptr<Camera> camera = Open();
     const InItem item(context_.guard, token, path);
     context_.Doing("read " + path);
-    std::vector<char> bytes = read(picture);
-    if (!bytes.empty()) drawings_.Add(of, std::move(bytes));
+    const bool isStart = wish.from == DrawFrom::kStart;
+    std::vector<char> bytes = isStart ? ReadStart(camera, picture).bytes : ReadAll(wish, camera);
+    if (IsWanted(wish)) list_.drawings.push_back({wish, pool_.Draw(std::move(bytes), wish.from)});
   } catch (const NoPicture& reason) {
-    GiveNone(of, "There is no thumbnail of " + path + ": " + reason.what() + ".");
+    GiveNoThumbnail(wish, reason.what());
   } catch (const CameraError& error) {
     const Outcome outcome = Explain(error, context_);
     if (EndsAll(outcome.code)) throw;
-    GiveNone(of, outcome.sentence);
+    GiveNone(wish, outcome.sentence);
   }
 }
 
-// Nothing when it is no longer wanted.
-std::vector<char> Browser::ReadWhole(const DcfObj& picture, std::uint64_t most, const std::function<bool()>& isWanted) {
-  constexpr std::size_t kPiece = std::size_t{256} << 10;
-  kelva::FileReader reader(Open(), picture, kFirstFileType);
+std::vector<char> Browser::ReadAll(const Wish& wish, const boost::shared_ptr<Camera>& camera) {
+  constexpr std::uint64_t kLargestThumbnail = std::uint64_t{32} << 20;
+  constexpr std::uint64_t kLargestPreview = std::uint64_t{128} << 20;
+  kelva::FileReader reader(camera, list_.pictures[wish.index], kFirstFileType);
   if (reader.Size() == 0) throw NoPicture("the camera has no bytes of it");
+  const std::uint64_t most = wish.from == DrawFrom::kLarge ? kLargestPreview : kLargestThumbnail;
   if (reader.Size() > most) throw NoPicture("it is too large to be shown");
-  // With room for the two bytes more that tell the end.
-  std::vector<char> bytes(static_cast<std::size_t>(reader.Size()) + 2);
-  std::size_t done = 0;
-  while (done < reader.Size()) {
-    context_.stop.Check();
-    ObeyAll();
-    if (!isWanted()) return {};
-    LetOthers(context_, reader, std::span(bytes).first(done));
-    done += reader.ReadOn(std::span(bytes).subspan(done).first(std::min(kPiece, bytes.size() - done)));
-  }
-  bytes.resize(done);
-  return bytes;
+  return ReadWhole(context_, reader, [&] { return ObeyAll(), IsWanted(wish); });
 }
 
-void Browser::Give(const Drawn& drawn) {
-  if (drawn.of.index >= pictures_.size()) return;
-  if (drawn.needsWhole) {
-    withoutStart_.insert(drawn.of.index);
-    return whole_.push_back(drawn.of.index);
+bool Browser::GiveDrawn() {
+  const auto ready = std::find_if(list_.drawings.begin(), list_.drawings.end(), [](const Drawing& drawing) {
+    return drawing.result.wait_for(0s) == std::future_status::ready;
+  });
+  if (ready == list_.drawings.end()) return false;
+  Drawing drawing = std::move(*ready);
+  list_.drawings.erase(ready);
+  try {
+    const Thumbnail picture = drawing.result.get();
+    Json members = Json::Object().Set("width", picture.width).Set("height", picture.height);
+    if (picture.time) members.Set("time", *picture.time);
+    Give(drawing.of, std::move(members.Set("jpeg", Base64(picture.jpeg))));
+  } catch (const NoThumbnail&) {
+    const std::size_t index = drawing.of.index;
+    std::erase(list_.wanted, drawing.of);
+    list_.withoutStart.insert(index);
+    list_.wanted.push_back({index, DrawFrom::kWhole});
+  } catch (const NoPicture& reason) {
+    GiveNoThumbnail(drawing.of, reason.what());
   }
-  const bool isLarge = drawn.of.from == From::kLarge;
-  if (!drawn.thumbnail) {
-    const std::string path = ShownPath(PicturePath(pictures_[drawn.of.index], kFirstFileType));
-    return GiveNone(drawn.of, "There is no thumbnail of " + path + ": " + drawn.reason + ".");
-  }
-  if (isLarge && preview_ == drawn.of.index) preview_.reset();
-  const Thumbnail& picture = *drawn.thumbnail;
-  Json members = Json::Object().Set("index", drawn.of.index).Set("width", picture.width).Set("height", picture.height);
-  if (picture.time) members.Set("time", *picture.time);
-  context_.Event(isLarge ? "preview" : "thumb", std::move(members.Set("jpeg", Base64(picture.jpeg))), "");
+  return true;
 }
 
-void Browser::GiveNone(const DrawingOf& of, const std::string& sentence) {
-  const bool isLarge = of.from == From::kLarge;
-  if (isLarge && preview_ == of.index) preview_.reset();
-  Json members = Json::Object().Set("index", of.index).Set("none", sentence);
-  context_.Event(isLarge ? "preview" : "thumb", std::move(members), "");
+void Browser::Give(const Wish& wish, Json members) {
+  std::erase(list_.wanted, wish);
+  const std::string_view event = wish.from == DrawFrom::kLarge ? "preview" : "thumb";
+  context_.Event(event, Json::Object().Set("index", wish.index).Merge(std::move(members)), "");
+}
+
+void Browser::GiveNone(const Wish& wish, const std::string& sentence) {
+  Give(wish, Json::Object().Set("none", sentence));
+}
+
+void Browser::GiveNoThumbnail(const Wish& wish, const std::string& reason) {
+  const std::string path = ShownPath(PicturePath(list_.pictures[wish.index], kFirstFileType));
+  GiveNone(wish, "There is no thumbnail of " + path + ": " + reason + ".");
 }
 
 }  // namespace apps

@@ -4,21 +4,19 @@
 #include <boost/shared_ptr.hpp>
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
-#include <deque>
-#include <functional>
+#include <future>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "apps/camera/FileSizes.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
-#include "apps/desktop/worker/Drawings.h"
 #include "apps/desktop/worker/Input.h"
-#include "apps/desktop/worker/PictureEvents.h"
 #include "apps/desktop/worker/Target.h"
 #include "apps/import/Others.h"
+#include "apps/thumbnails/ThumbnailPool.h"
 #include "src/wifi/DcfObj.h"
 
 namespace apps {
@@ -35,33 +33,65 @@ class Browser {
 
  private:
   using Clock = std::chrono::steady_clock;
+  using Step = void (Browser::*)();
+
+  /// What the window wants to see of a picture.
+  struct Wish {
+    std::size_t index;
+    DrawFrom from;
+
+    bool operator==(const Wish&) const = default;
+  };
+  /// A picture that was read.
+  struct Drawing {
+    Wish of;
+    std::future<Thumbnail> result;
+  };
+  /// A list of the camera's pictures, and all that goes with it when it is read again.
+  struct List {
+    std::vector<DcfObj> pictures;
+    std::vector<FileSizes> sizes = {};  // of the first ones
+    std::optional<OtherFiles> others = {};
+    std::vector<Wish> wanted = {};            // until they are given: a preview first, whole files for thumbnails last
+    std::set<std::size_t> withoutStart = {};  // of those that were read
+    std::vector<Drawing> drawings = {};
+
+    bool HasSizes() const { return sizes.size() == pictures.size(); }
+  };
+  static constexpr std::size_t kProcesses = 4;
 
   void Obey(const Command& command);
   void ObeyAll();
+  void Want(const Command& command);
+  /// What is to be read next, as long as that keeps more processes busy.
+  std::optional<Wish> NextWish() const;
+  bool IsWanted(const Wish& wish) const;
+  bool IsBeingDrawn(const Wish& wish) const;
   /// Does the next piece of work. False when there is none.
   bool DoNext();
-  bool DoUnasked();
-  bool HasUnasked() const;
+  /// The next piece that nobody asked for; null when there is none.
+  Step Unasked() const;
   void Wait();
 
+  AttachedCamera Find();
   const boost::shared_ptr<Camera>& Open();
   /// Whether what this token names ended an earlier process of this run. It is left out then.
   bool EndedAProcess(const std::string& token) const;
   void TellBusy();
   void ReadCatalogue();
+  Json FactsMembers() const;
   void ReadFacts();
   void ReadSizes();
   void ReadOthers();
   void GiveTarget();
-  void ReadNextThumbnail();
-  void ReadNextWhole();
-  void ReadPreview();
-  void Give(const Drawn& drawn);
-  void GiveNone(const DrawingOf& of, const std::string& sentence);
   /// Reads one picture; a failure that is about it alone becomes its event.
-  void Read(const DrawingOf& of, const std::function<std::vector<char>(const DcfObj&)>& read);
-  std::vector<char> ReadWhole(const DcfObj& picture, std::uint64_t most, const std::function<bool()>& isWanted);
-  std::vector<std::size_t> IndicesIn(const Command& command) const;
+  void Read(const Wish& wish);
+  std::vector<char> ReadAll(const Wish& wish, const boost::shared_ptr<Camera>& camera);
+  /// False when no picture has been drawn meanwhile.
+  bool GiveDrawn();
+  void Give(const Wish& wish, Json members);
+  void GiveNone(const Wish& wish, const std::string& sentence);
+  void GiveNoThumbnail(const Wish& wish, const std::string& reason);
 
   Context& context_;
   Input& input_;
@@ -71,19 +101,12 @@ class Browser {
   Clock::time_point quietUntil_;  // before, what nobody asked for waits for the window's first wishes
 
   RegistryCamera facts_;
-  std::vector<DcfObj> pictures_;
-  bool hasPictures_ = false;
   bool hasFacts_ = false;
-  std::vector<PictureSizes> sizes_;  // of the first ones
-  std::optional<OtherFiles> others_;
-
+  List list_;
+  bool hasList_ = false;
   std::optional<Target> target_;
   bool targetDue_ = false;
-  std::deque<std::size_t> thumbs_;
-  std::deque<std::size_t> whole_;       // wanted, and their starts have no thumbnail
-  std::set<std::size_t> withoutStart_;  // the same for all that were read
-  std::optional<std::size_t> preview_;
-  Drawings drawings_;
+  ThumbnailPool pool_{ThumbnailPool::SizeFor(kProcesses)};
 };
 
 }  // namespace apps

@@ -6,7 +6,6 @@
 #include <tuple>
 #include <utility>
 
-#include "apps/camera/Picture.h"
 #include "apps/commandline/Words.h"
 
 namespace apps {
@@ -21,28 +20,24 @@ void SortHighestFirst(std::vector<DcfObj>& pictures) {
                    [&order](const DcfObj& a, const DcfObj& b) { return order(a) > order(b); });
 }
 
-unsigned TypeMask(const DcfObj& picture) {
-  unsigned mask = 0;
-  for (const int type : FileTypes(picture)) mask |= 1U << static_cast<unsigned>(type - kFirstFileType);
-  return mask;
-}
-
 Json PicturesMembers(std::size_t from, std::span<const DcfObj> pictures) {
   Json items = Json::Array();
   for (const DcfObj& picture : pictures) {
+    unsigned types = 0;
+    for (const int type : FileTypes(picture)) types |= TypeBit(type);
     Json item = Json::Array();
     item.Push(EncodedWord(PictureFolder(picture))).Push(EncodedWord(PictureStem(picture)));
-    items.Push(item.Push(TypeMask(picture)).Push(PictureTime(picture).value_or("")));
+    items.Push(item.Push(types).Push(PictureTime(picture).value_or("")));
   }
   return Json::Object().Set("from", from).Set("items", std::move(items));
 }
 
-Json SizesMembers(std::size_t from, std::span<const DcfObj> pictures, std::span<const PictureSizes> sizes) {
+Json SizesMembers(std::size_t from, std::span<const DcfObj> pictures, std::span<const FileSizes> sizes) {
   Json items = Json::Array();
   for (std::size_t i = 0; i < sizes.size(); ++i) {
     Json item = Json::Array();
     for (const int type : FileTypes(pictures[i])) {
-      const auto size = sizes[i][static_cast<std::size_t>(type - kFirstFileType)];
+      const auto size = SizeOf(sizes[i], type);
       item.Push(size ? Json(*size) : Json());
     }
     items.Push(item);

@@ -41,7 +41,7 @@ TEST(PictureEventsTest, AnyNameCanBeHandedBack) {
 TEST(PictureEventsTest, SizesStandInTheOrderOfTypes) {
   std::vector<DcfObj> pictures = {Picture(100, 1), Picture(100, 2)};
   pictures[0].hasRaw = 1;
-  const std::vector<PictureSizes> sizes = {{{10, 20, {}, {}}}, {}};
+  const std::vector<FileSizes> sizes = {{{10, 20, {}, {}}}, {}};
   EXPECT_EQ(SizesMembers(3, pictures, sizes).Text(), R"({"from":3,"items":[[10,20],[null]]})");
 }
 

@@ -1,13 +1,11 @@
 #ifndef KELVA_APPS_DESKTOP_WORKER_TARGET_H_
 #define KELVA_APPS_DESKTOP_WORKER_TARGET_H_
 
-#include <optional>
 #include <span>
 #include <string>
-#include <vector>
 
+#include "apps/camera/FileSizes.h"
 #include "apps/commandline/Json.h"
-#include "apps/desktop/worker/PictureEvents.h"
 #include "apps/import/Others.h"
 #include "src/wifi/DcfObj.h"
 
@@ -24,8 +22,8 @@ struct Target {
 struct OnCamera {
   std::string serial;
   std::span<const DcfObj> pictures;
-  std::span<const PictureSizes> sizes;  ///< empty until all are known
-  const OtherFiles* others = nullptr;   ///< null until they are known
+  std::span<const FileSizes> sizes = {};  ///< empty until all are known
+  const OtherFiles* others = nullptr;     ///< null until they are known
 };
 
 /// The members of the event `target`: what would be new in the folder, or why it cannot be used. Changes nothing there.

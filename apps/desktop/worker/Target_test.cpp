@@ -23,7 +23,7 @@ class TargetTest : public SyncFolderTest {
   }
 
   std::vector<DcfObj> pictures_ = {Picture(2), Picture(1)};
-  const std::vector<PictureSizes> sizes_ = {{{10, 20, {}, {}}}, {{30, {}, {}, {}}}};
+  const std::vector<FileSizes> sizes_ = {{{10, 20, {}, {}}}, {{30, {}, {}, {}}}};
 };
 
 TEST_F(TargetTest, MarksTheTypesThatAreNew) {

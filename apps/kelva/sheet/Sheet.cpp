@@ -22,7 +22,6 @@ namespace apps {
 namespace {
 
 constexpr int kJpg = kFirstFileType;
-constexpr std::size_t kPiece = std::size_t{256} << 10;
 
 unsigned long long BytesToDraw(const std::vector<FileSizes>& sizes) {
   unsigned long long bytes = 0;
@@ -82,7 +81,7 @@ void Sheet::Draw(const std::vector<DcfObj>& catalogue, const std::vector<FileSiz
 Card Sheet::CardOf(const DcfObj& picture, const FileSizes& sizes) {
   Card card{PictureFolder(picture), PictureStem(picture), PictureTime(picture), {}, {}, ""};
   for (const int type : FileTypes(picture)) {
-    const auto size = sizes[static_cast<std::size_t>(type - kFirstFileType)];
+    const auto size = SizeOf(sizes, type);
     card.files.push_back({FileTypeName(type), size, beside_.Find(picture, type, size)});
   }
   return card;
@@ -149,7 +148,7 @@ void Sheet::Hand(Begun& begun, std::vector<char> bytes) {
   bytes_ -= begun.bytes;
   begun.bytes = bytes.size();
   bytes_ += begun.bytes;
-  begun.thumbnail = begun.isStart ? pool_->DrawStart(std::move(bytes)) : pool_->Draw(std::move(bytes));
+  begun.thumbnail = pool_->Draw(std::move(bytes), begun.isStart ? DrawFrom::kStart : DrawFrom::kWhole);
 }
 
 // Enough that no process waits for the next picture while one is read, and a few pictures' bytes in memory.
@@ -224,15 +223,7 @@ std::vector<char> Sheet::ReadFromCamera(const DcfObj& picture, std::optional<uns
   kelva::FileReader reader(camera_, picture, kJpg);
   if (reader.Size() == 0) throw NoPicture("the catalogue names it, but the camera has no bytes of it");
   if (reader.Size() > listed.value_or(kMostUnlisted)) throw WronglyAnnounced(listed, reader.Size());
-  // With room for the two bytes more that tell the end.
-  std::vector<char> bytes(static_cast<std::size_t>(reader.Size()) + 2);
-  std::size_t done = 0;
-  while (done < reader.Size()) {
-    context_.stop.Check();
-    done += reader.ReadOn(std::span(bytes).subspan(done).first(std::min(kPiece, bytes.size() - done)));
-  }
-  bytes.resize(done);
-  return bytes;
+  return ReadWhole(context_, reader);
 }
 
 void Sheet::Report(const Begun& begun) {

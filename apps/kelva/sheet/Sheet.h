@@ -10,12 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/camera/FileSizes.h"
 #include "apps/commandline/Context.h"
 #include "apps/commandline/Progress.h"
 #include "apps/kelva/sheet/Beside.h"
 #include "apps/kelva/sheet/Card.h"
 #include "apps/kelva/sheet/DrawnBefore.h"
-#include "apps/kelva/sheet/FileSizes.h"
 #include "apps/thumbnails/ThumbnailPool.h"
 #include "src/wifi/Camera.h"
 

@@ -1,8 +1,4 @@
 // The verb sync.
-#include <unistd.h>
-
-#include <cerrno>
-#include <optional>
 #include <string>
 
 #include "apps/camera/ListedSizes.h"
@@ -23,13 +19,11 @@ namespace apps {
 namespace {
 
 ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& choice) {
-  const bool missing = ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
-  std::optional<TargetFolder> folder;
-  if (!missing) folder = TargetFolder::Open(path);
-  Manifest manifest = missing ? Manifest() : Manifest(*folder, false);
+  const auto folder = TargetFolder::OpenIfThere(path);
+  Manifest manifest = folder ? Manifest(*folder, false) : Manifest();
   const Session camera(context, "read the picture catalogue");
   PictureTimes times;
-  const SyncPlan plan = PlanFor(context, camera, choice, manifest, missing ? nullptr : &*folder, times);
+  const SyncPlan plan = PlanFor(context, camera, choice, manifest, folder ? &*folder : nullptr, times);
   NoteTrouble(context, times);
   return ShowPlan(context, camera, plan, path);
 }

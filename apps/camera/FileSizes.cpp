@@ -1,19 +1,16 @@
 // Lists the folders of a catalogue for the sizes of its files.
-#include "apps/kelva/sheet/FileSizes.h"
+#include "apps/camera/FileSizes.h"
 
 #include <map>
 #include <string>
 
 #include "apps/camera/Explain.h"
-#include "apps/camera/ListedSizes.h"
-#include "apps/camera/Picture.h"
 #include "base/Ascii.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {
-namespace {
 
-SizesByName List(Camera& camera, const std::string& folder) {
+SizesByName ListPictureFolder(Camera& camera, const std::string& folder) {
   try {
     return ReadSizes(camera, "I:\\DCIM\\" + folder);
   } catch (const CameraError& error) {
@@ -31,15 +28,13 @@ FileSizes SizesIn(const SizesByName& listing, const DcfObj& picture) {
   return sizes;
 }
 
-}  // namespace
-
 std::vector<FileSizes> ReadFileSizes(const Stop& stop, Camera& camera, const std::vector<DcfObj>& catalogue) {
   std::map<std::string, std::vector<std::size_t>> folders;
   for (std::size_t i = 0; i < catalogue.size(); ++i) folders[PictureFolder(catalogue[i])].push_back(i);
   std::vector<FileSizes> sizes(catalogue.size());
   for (const auto& [folder, indexes] : folders) {
     stop.Check();
-    const SizesByName listing = List(camera, folder);
+    const SizesByName listing = ListPictureFolder(camera, folder);
     for (const std::size_t i : indexes) sizes[i] = SizesIn(listing, catalogue[i]);
   }
   return sizes;

@@ -1,9 +1,9 @@
-#include "apps/kelva/sheet/FileSizes.h"
+#include "apps/camera/FileSizes.h"
 
 #include <gtest/gtest.h>
 
 #include "apps/camera/testing/FakeCamera.h"
-#include "apps/kelva/sheet/testing/SheetTest.h"
+#include "apps/camera/testing/MadePicture.h"
 #include "src/wifi/CameraError.h"
 
 namespace apps {
