@@ -49,7 +49,7 @@ bool CameraLink::IsDone() const {
 void CameraLink::Retry() {
   lastWords_.clear();
   lister_ = start_(QStringList("camera") + camera_,
-                   {[this](const QJsonObject& event) { Hear(event); }, [this](int exit) { ListerEnded(exit); }});
+                   {[this](const QJsonObject& event) { Hear(event); }, [this](ExitCode exit) { ListerEnded(exit); }});
   Note({});
 }
 
@@ -119,10 +119,10 @@ void CameraLink::HearPicture(const QJsonObject& event) {
 }
 
 // Without a camera it has nothing to do; the watcher says so too.
-void CameraLink::ListerEnded(int exit) {
-  if (exit == kExitNoCamera || exit == kExitGone) return onChange();
+void CameraLink::ListerEnded(ExitCode exit) {
+  if (exit == ExitCode::kNoCamera || exit == ExitCode::kGone) return onChange();
   // A process that was killed may have said that it was interrupted, which explains nothing.
-  const bool explains = exit != kExitCrashed && !lastWords_.isEmpty();
+  const bool explains = exit != kCrashed && !lastWords_.isEmpty();
   Note(explains ? lastWords_ : tr("The program that talks to this camera has stopped."), true);
 }
 
@@ -177,7 +177,7 @@ void CameraLink::BeginRun(bool deletes) {
   state_.progress = {};
   if (all_) state_.progress = {{"files_total", state_.offer["new_files"]}, {"total", state_.offer["new_bytes"]}};
   importer_ = start_(words + target.Options(),
-                     {[this](const QJsonObject& event) { HearRun(event); }, [this](int) { RunEnded(); }});
+                     {[this](const QJsonObject& event) { HearRun(event); }, [this](ExitCode) { RunEnded(); }});
   Note({});
 }
 

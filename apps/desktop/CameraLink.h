@@ -56,7 +56,7 @@ class CameraLink {
   void HearSizes(const QJsonObject& event);
   void HearTarget(const QJsonObject& event);
   void HearPicture(const QJsonObject& event);
-  void ListerEnded(int exit);
+  void ListerEnded(ExitCode exit);
   void Tell(const QStringList& words);
   void BeginRun(bool deletes);
   void HearRun(const QJsonObject& event);

@@ -52,6 +52,27 @@ TEST_F(CameraLinkTest, AnImportOfAllNamesNoPicturesAndAsksAfterwards) {
   EXPECT_EQ(link_->State().result, "1 picture is on this computer and checked. Delete it from the camera?");
 }
 
+TEST_F(CameraLinkTest, AnImportOfAllBeginsWithWhatIsExpected) {
+  workers_.scripts["import"] = "cat >/dev/null";
+  ASSERT_TRUE(Ready());
+  link_->Import({});
+  EXPECT_EQ(link_->State().progress["files_total"].toInt(), 2);
+  EXPECT_EQ(link_->State().progress["total"].toInt(), 3000);
+  link_->Import({1});
+  EXPECT_TRUE(link_->State().progress.isEmpty()) << "how large the selected ones are is not known";
+}
+
+TEST_F(CameraLinkTest, FollowsAnImport) {
+  workers_.scripts["import"] =
+      Say(R"({"event":"progress","done":500,"total":2000,"file":"IMG_3.JPG"})") + Say(kStored) + "cat";
+  ASSERT_TRUE(Ready());
+  ASSERT_TRUE(link_->Model().At(0).isNew);
+  link_->Import({});
+  ASSERT_TRUE(Await([&] { return !link_->Model().At(0).isNew; }));
+  EXPECT_EQ(link_->State().progress["done"].toInt(), 500);
+  EXPECT_EQ(link_->State().progress["total"].toInt(), 2000);
+}
+
 TEST_F(CameraLinkTest, SelectedPicturesAreNamedInAFile) {
   workers_.scripts["import"] = "while [ \"$1\" != --pictures ]; do shift; done; cp \"$2\" \"$2.seen\"\n" + Say(kDone);
   ASSERT_TRUE(Ready());

@@ -24,7 +24,7 @@ void ImportRun::Hear(const QJsonObject& event) {
 }
 
 QString ImportRun::Trouble() const {
-  if (Exit() == kExitCrashed) {
+  if (Exit() == kCrashed) {
     return tr(
         "The program that imports the pictures has stopped. What it had finished is on this computer; press Import "
         "to go on.");
@@ -38,7 +38,7 @@ QString ImportRun::Trouble() const {
 }
 
 QStringList ImportRun::Deletable() const {
-  const bool succeeded = Exit() == 0 || Exit() == kExitPartial;
+  const bool succeeded = Exit() == ExitCode::kDone || Exit() == ExitCode::kPartial;
   return succeeded && !deletes_ ? whole_ : QStringList();
 }
 
@@ -66,7 +66,7 @@ QString ImportRun::Ending(bool cancelled) const {
         nullptr, whole);
   }
   // Files that failed are still on the camera alone.
-  return Exit() == 0 ? unplug : QString();
+  return Exit() == ExitCode::kDone ? unplug : QString();
 }
 
 }  // namespace desktop

@@ -21,7 +21,7 @@ class ImportRun {
 
   bool Deletes() const { return deletes_; }
   /// Whether the camera went away, so that the same run can go on when it is back.
-  bool WasCutOff() const { return Exit() == kExitNoCamera || Exit() == kExitGone; }
+  bool WasCutOff() const { return Exit() == ExitCode::kNoCamera || Exit() == ExitCode::kGone; }
   /// After an import that was not cut short: the pictures of which no file failed.
   QStringList Deletable() const;
   /// How it ended, in one or two sentences; where pictures may be deleted now, the question whether they shall be.
@@ -30,7 +30,7 @@ class ImportRun {
   QString Trouble() const;
 
  private:
-  int Exit() const { return end_["exit"].toInt(kExitCrashed); }
+  ExitCode Exit() const { return ExitCode{end_["exit"].toInt(static_cast<int>(kCrashed))}; }
 
   bool deletes_;
   QStringList whole_;

@@ -25,7 +25,7 @@ MainWindow::MainWindow(StartWorker start) : start_(std::move(start)) {
 void MainWindow::Watch() {
   banner_.Show({});
   watcher_ = start_({"watch"}, {[this](const QJsonObject& event) { Hear(event); },
-                                [this](int) {
+                                [this](ExitCode) {
                                   banner_.Show({tr("The program that watches for cameras has stopped."), {}, true});
                                 }});
 }

@@ -22,9 +22,9 @@ void Kill(const QProcess& process) {
   if (group > 0) ::kill(-group, SIGKILL);
 }
 
-int ExitOf(const QProcess& process) {
+ExitCode ExitOf(const QProcess& process) {
   const bool crashed = process.error() == QProcess::FailedToStart || process.error() == QProcess::Crashed;
-  return crashed ? kExitCrashed : process.exitCode();
+  return crashed ? kCrashed : ExitCode{process.exitCode()};
 }
 
 }  // namespace

@@ -7,21 +7,20 @@
 #include <functional>
 #include <memory>
 
+#include "apps/commandline/ExitCode.h"
+
 namespace desktop {
 
-// What matters here of the tool's exit codes.
-constexpr int kExitNoCamera = 3;
-constexpr int kExitGone = 5;
-constexpr int kExitPartial = 6;
-constexpr int kExitCrashed = -1;
+using apps::ExitCode;
+/// A signal ended it, or it could not be started.
+constexpr ExitCode kCrashed{-1};
 
 /// What is done with the words of a worker: both are called on the thread of the window, from the event loop.
 struct Listener {
   /// Each line of either stream that is a JSON object, in order.
   std::function<void(const QJsonObject& event)> onEvent;
-  /// The process has ended, or could not be started; nothing follows. `exit` is its status; kExitCrashed when a signal ended it
-  /// or it could not be started. Must not delete the WorkerProcess within the call.
-  std::function<void(int exit)> onDeath;
+  /// The process has ended, or could not be started; nothing follows. Must not delete the WorkerProcess within the call.
+  std::function<void(ExitCode exit)> onDeath;
 };
 
 /// One process of kelva-desktop-worker. Nothing here waits for it but EndAll. Lives on the thread of the window.

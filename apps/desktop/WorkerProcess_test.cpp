@@ -17,11 +17,11 @@ class WorkerProcessTest : public WindowTest {
   }
   Listener Hearing() {
     return {[this](const QJsonObject& event) { events_.append(event["event"].toString()); },
-            [this](int exit) { exit_ = exit; }};
+            [this](ExitCode exit) { exit_ = exit; }};
   }
 
   QStringList events_;
-  std::optional<int> exit_;
+  std::optional<ExitCode> exit_;
 };
 
 TEST_F(WorkerProcessTest, HearsBothStreamsAndSkipsWhatIsNoEvent) {
@@ -29,7 +29,7 @@ TEST_F(WorkerProcessTest, HearsBothStreamsAndSkipsWhatIsNoEvent) {
   ASSERT_TRUE(Await([&] { return exit_.has_value(); }));
   events_.sort();
   EXPECT_EQ(events_, QStringList({"a", "b"}));
-  EXPECT_EQ(exit_, kExitGone);
+  EXPECT_EQ(exit_, ExitCode::kGone);
 }
 
 TEST_F(WorkerProcessTest, CommandsArrive) {
@@ -50,13 +50,13 @@ TEST_F(WorkerProcessTest, AProgramThatIsNotThereIsADeath) {
   WorkerProcess worker("/nowhere/worker", {}, Hearing());
   worker.Send({"go"});
   ASSERT_TRUE(Await([&] { return exit_.has_value(); }));
-  EXPECT_EQ(exit_, kExitCrashed);
+  EXPECT_EQ(exit_, kCrashed);
 }
 
 TEST_F(WorkerProcessTest, ASignalIsADeath) {
   const auto worker = Start("kill -9 $$");
   ASSERT_TRUE(Await([&] { return exit_.has_value(); }));
-  EXPECT_EQ(exit_, kExitCrashed);
+  EXPECT_EQ(exit_, kCrashed);
 }
 
 TEST_F(WorkerProcessTest, AHangingWorkerIsEndedWithItsChildren) {
