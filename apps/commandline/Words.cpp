@@ -61,6 +61,14 @@ std::optional<std::vector<std::string>> WordsIn(std::string_view line) {
   }
 }
 
+void TakeLines(std::string& came, const std::function<void(std::string_view line)>& take) {
+  std::size_t from = 0;
+  for (std::size_t end = 0; (end = came.find('\n', from)) != std::string::npos; from = end + 1) {
+    take(std::string_view(came).substr(from, end - from));
+  }
+  came.erase(0, from);
+}
+
 std::string Base64(std::string_view bytes) {
   constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string text;

@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_COMMANDLINE_WORDS_H_
 #define KELVA_APPS_COMMANDLINE_WORDS_H_
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +18,9 @@ std::optional<std::string> DecodedWord(std::string_view word);
 
 /// The words of a line, decoded; TAB separates them. Nothing when one of them is not encoded as above.
 std::optional<std::vector<std::string>> WordsIn(std::string_view line);
+
+/// Takes the whole lines off the front of what came, and hands them over without their line feeds.
+void TakeLines(std::string& came, const std::function<void(std::string_view line)>& take);
 
 /// Bytes in base64 (RFC 4648), for JSON.
 std::string Base64(std::string_view bytes);

@@ -27,6 +27,14 @@ TEST(WordsTest, TabsSeparateWordsThatMayBeEmpty) {
 }
 
 // The examples of RFC 4648.
+TEST(WordsTest, WholeLinesAreTakenAndTheRestStays) {
+  std::string came = "one\n\ntw";
+  std::vector<std::string> lines;
+  TakeLines(came, [&](std::string_view line) { lines.emplace_back(line); });
+  EXPECT_THAT(lines, testing::ElementsAre("one", ""));
+  EXPECT_EQ(came, "tw");
+}
+
 TEST(WordsTest, Base64IsThatOfTheStandard) {
   EXPECT_EQ(Base64(""), "");
   EXPECT_EQ(Base64("f"), "Zg==");

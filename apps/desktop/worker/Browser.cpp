@@ -28,7 +28,7 @@ using namespace std::chrono_literals;
 void Browser::Run() {
   context_.Doing("look for the camera");
   facts_ = Find().facts;
-  context_.Event("camera", FactsMembers(), "");
+  context_.Event("camera", Json::Object().SetBytes("serial", facts_.serial).SetBytes("product", facts_.product), "");
   while (!quits_) {
     context_.stop.Check();
     try {
@@ -148,7 +148,7 @@ void Browser::ReadCatalogue() {
   constexpr std::size_t kAtOnce = 1000;
   const boost::shared_ptr<Camera> camera = Open();
   context_.Doing("read the picture catalogue");
-  list_ = List{.pictures = ReadPictures(*camera)};
+  list_ = List{{ReadPictures(*camera)}};
   hasList_ = true;
   SortHighestFirst(list_.pictures);
   const std::span<const DcfObj> all = list_.pictures;
@@ -165,17 +165,14 @@ bool Browser::EndedAProcess(const std::string& token) const {
   return context_.guard != nullptr && context_.guard->FateOf(token) != Guard::Fate::kUnknown;
 }
 
-Json Browser::FactsMembers() const {
-  return Json::Object().SetBytes("serial", facts_.serial).SetBytes("product", facts_.product);
-}
-
 void Browser::ReadFacts() {
   const boost::shared_ptr<Camera> camera = Open();
   hasFacts_ = true;
   const std::string token = "facts";
   if (EndedAProcess(token)) return;
   const InItem item(context_.guard, token, "the camera's battery level and firmware");
-  Json members = FactsMembers().SetBytes("name", camera->Name());
+  Json members = Json::Object().SetBytes("serial", facts_.serial).SetBytes("product", facts_.product);
+  members.SetBytes("name", camera->Name());
   try {
     context_.Doing("read the battery level");
     const float level = camera->BatteryLevel();
@@ -224,10 +221,7 @@ void Browser::ReadOthers() {
 
 void Browser::GiveTarget() {
   targetDue_ = false;
-  OnCamera known{.serial = facts_.serial, .pictures = list_.pictures};
-  if (list_.HasSizes()) known.sizes = list_.sizes;
-  if (list_.others) known.others = &*list_.others;
-  context_.Event("target", TargetMembers(*target_, known), "");
+  context_.Event("target", TargetMembers(*target_, list_, facts_.serial), "");
 }
 
 void Browser::Read(const Wish& wish) {

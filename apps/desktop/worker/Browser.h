@@ -10,14 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "apps/camera/FileSizes.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
 #include "apps/desktop/worker/Input.h"
-#include "apps/desktop/worker/Target.h"
-#include "apps/import/Others.h"
+#include "apps/desktop/worker/PictureEvents.h"
 #include "apps/thumbnails/ThumbnailPool.h"
-#include "src/wifi/DcfObj.h"
 
 namespace apps {
 
@@ -48,15 +45,10 @@ class Browser {
     std::future<Thumbnail> result;
   };
   /// A list of the camera's pictures, and all that goes with it when it is read again.
-  struct List {
-    std::vector<DcfObj> pictures;
-    std::vector<FileSizes> sizes = {};  // of the first ones
-    std::optional<OtherFiles> others = {};
+  struct List : OnCamera {
     std::vector<Wish> wanted = {};            // until they are given: a preview first, whole files for thumbnails last
     std::set<std::size_t> withoutStart = {};  // of those that were read
     std::vector<Drawing> drawings = {};
-
-    bool HasSizes() const { return sizes.size() == pictures.size(); }
   };
   static constexpr std::size_t kProcesses = 4;
 
@@ -79,7 +71,6 @@ class Browser {
   bool EndedAProcess(const std::string& token) const;
   void TellBusy();
   void ReadCatalogue();
-  Json FactsMembers() const;
   void ReadFacts();
   void ReadSizes();
   void ReadOthers();

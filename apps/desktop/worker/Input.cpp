@@ -31,12 +31,9 @@ std::shared_ptr<Input> Input::OfThisProcess() {
 void Input::Add(std::string_view bytes) {
   const std::scoped_lock lock(mutex_);
   begun_ += bytes;
-  std::size_t from = 0;
-  for (std::size_t end = begun_.find('\n'); end != std::string::npos; end = begun_.find('\n', from)) {
-    if (auto words = WordsIn(std::string_view(begun_).substr(from, end - from))) commands_.push_back(*std::move(words));
-    from = end + 1;
-  }
-  begun_.erase(0, from);
+  TakeLines(begun_, [this](std::string_view line) {
+    if (auto words = WordsIn(line)) commands_.push_back(*std::move(words));
+  });
   came_.notify_all();
 }
 

@@ -1,4 +1,4 @@
-// The pictures of a camera as events.
+// The pictures of a camera as events, and what of them a folder's list does not have.
 #include "apps/desktop/worker/PictureEvents.h"
 
 #include <algorithm>
@@ -6,9 +6,40 @@
 #include <tuple>
 #include <utility>
 
+#include "apps/camera/Picture.h"
+#include "apps/commandline/Failure.h"
 #include "apps/commandline/Words.h"
+#include "apps/files/FreeSpace.h"
+#include "apps/files/TargetFolder.h"
+#include "apps/import/Coming.h"
+#include "apps/import/Plan.h"
 
 namespace apps {
+namespace {
+
+// A type in a sum of types: 1 JPG, 2 RAW, 4 TXT, 8 128.
+constexpr unsigned TypeBit(int type) {
+  return 1U << static_cast<unsigned>(type - kFirstFileType);
+}
+
+void SetPictures(const SyncPlan& plan, const OnCamera& camera, Json& members) {
+  std::vector<unsigned> masks(plan.source->catalogue.size());
+  Coming files;
+  for (const SyncItem& item : plan.items) {
+    if (!item.IsNew()) continue;
+    const auto index = static_cast<std::size_t>(&item.Picture() - plan.source->catalogue.data());
+    masks[index] |= TypeBit(item.Type());
+    files.Add(camera.HasSizes() ? SizeOf(camera.sizes[index], item.Type()) : std::nullopt);
+  }
+  std::string marks;
+  for (const unsigned mask : masks) marks += "0123456789abcdef"[mask];
+  const auto known = std::count(masks.begin(), masks.end(), 0U);
+  members.Set("new", std::move(marks)).Set("new_pictures", masks.size() - static_cast<std::size_t>(known));
+  members.Set("new_files", files.files);
+  if (camera.HasSizes()) members.Set("new_bytes", files.bytes).Set("unlisted", files.unlisted);
+}
+
+}  // namespace
 
 void SortHighestFirst(std::vector<DcfObj>& pictures) {
   const auto order = [](const DcfObj& picture) {
@@ -43,6 +74,26 @@ Json SizesMembers(std::size_t from, std::span<const DcfObj> pictures, std::span<
     items.Push(item);
   }
   return Json::Object().Set("from", from).Set("items", std::move(items));
+}
+
+Json TargetMembers(const Target& target, const OnCamera& camera, const std::string& serial) {
+  Json members = Json::Object().SetBytes("folder", target.folder);
+  try {
+    const Pattern pattern(target.pattern.empty() ? std::string(Pattern::kDefault) : target.pattern);
+    const std::vector<int> types = ParseTypes(target.types.empty() ? std::nullopt : std::optional(target.types));
+    const auto folder = TargetFolder::OpenIfThere(target.folder);
+    Manifest manifest = folder ? Manifest(*folder, false) : Manifest();
+    SyncPlan plan = PlanWithoutNames(camera.pictures, serial, types, pattern, manifest);
+    SetPictures(plan, camera, members);
+    if (camera.others) {
+      AddOthers(plan, *camera.others, false, manifest);  // as an import without --everything counts them
+      members.Set("new_others", plan.othersLeftOut).Set("new_others_bytes", plan.othersLeftOutBytes);
+    }
+    if (const auto free = FreeSpaceFor(target.folder)) members.Set("free", *free);
+  } catch (const Failure& failure) {
+    members.Set("error", failure.what());
+  }
+  return members;
 }
 
 }  // namespace apps

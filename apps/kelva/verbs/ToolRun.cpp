@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "apps/commandline/Failure.h"
+#include "apps/commandline/Words.h"
 #include "platform/Process.h"
 #include "platform/Sockets.h"
 
@@ -103,11 +104,7 @@ void ToolRun::Read(Stream& stream) {
     if (count < 0 && errno == EAGAIN) return;
     if (count <= 0) stream.pipe.Reset();
     stream.begun.append(piece.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
-    std::size_t start = 0;
-    for (std::size_t end; (end = stream.begun.find('\n', start)) != std::string::npos; start = end + 1) {
-      stream.take(std::string_view(stream.begun).substr(start, end - start));
-    }
-    stream.begun.erase(0, start);
+    TakeLines(stream.begun, stream.take);
   }
 }
 
