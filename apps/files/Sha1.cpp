@@ -45,7 +45,7 @@ std::optional<std::string> Sha1OfFile(int fd) {
   constexpr std::size_t kPiece = std::size_t{1} << 18;
   Sha1Sum sum;
   // Not cleared: that would take longer than the sum of a small file.
-  const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
+  const std::unique_ptr<char[]> piece(new char[kPiece]);
   off_t offset = 0;
   while (true) {
     const ssize_t size = ::pread(fd, piece.get(), kPiece, offset);
