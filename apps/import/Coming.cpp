@@ -25,14 +25,7 @@ bool IsHere(const SyncItem& item, unsigned long long size, const TargetFolder& f
   return false;
 }
 
-}  // namespace
-
-bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned long long size) {
-  struct stat status {};
-  return ::fstatat(folder.Fd(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode) &&
-         static_cast<unsigned long long>(status.st_size) == size;
-}
-
+// The bytes that are here of files whose transfers were cut.
 unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder, const std::string& serial) {
   unsigned long long bytes = 0;
   for (const CutRow& row : manifest.Cuts()) {
@@ -42,6 +35,14 @@ unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder, 
     if (is && S_ISREG(status.st_mode)) bytes += static_cast<unsigned long long>(status.st_size);
   }
   return bytes;
+}
+
+}  // namespace
+
+bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned long long size) {
+  struct stat status {};
+  return ::fstatat(folder.Fd(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode) &&
+         static_cast<unsigned long long>(status.st_size) == size;
 }
 
 void Coming::Add(const Coming& more) {
@@ -69,13 +70,14 @@ std::optional<unsigned long long> ListedSize(const SyncItem& item, ListedSizes& 
   return item.IsPicture() ? sizes.SizeOf(item.CameraPath()) : item.Other().size;
 }
 
-Coming ToBeWritten(const SyncPlan& plan, ListedSizes& sizes, const TargetFolder* folder) {
+Coming ToBeWritten(const SyncPlan& plan, ListedSizes& sizes, const TargetFolder* folder, Manifest& manifest) {
   Coming coming;
   for (const SyncItem& item : plan.items) {
     if (!item.IsNew()) continue;
     const auto size = ListedSize(item, sizes);
     if (!size || folder == nullptr || !IsHere(item, *size, *folder)) coming.Add(size);
   }
+  if (folder != nullptr) coming.TakeOff(BytesOfParts(manifest, *folder, plan.source->serial));
   return coming;
 }
 

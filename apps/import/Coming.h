@@ -30,15 +30,12 @@ struct Coming {
 std::optional<unsigned long long> ListedSize(const SyncItem& item, ListedSizes& sizes);
 
 /// What will be written for a plan: its new files, but for those that are in the target already with the same size (the
-/// list of fetched files may have been lost). `folder` is null while the target does not exist. Asks the camera for the
-/// listings of the folders.
-Coming ToBeWritten(const SyncPlan& plan, ListedSizes& sizes, const TargetFolder* folder);
+/// list of fetched files may have been lost), and without the bytes that are here of files whose transfers were cut.
+/// `folder` is null while the target does not exist. Asks the camera for the listings of the folders.
+Coming ToBeWritten(const SyncPlan& plan, ListedSizes& sizes, const TargetFolder* folder, Manifest& manifest);
 
 /// Whether a file of this size is in the target under this path. Follows no symbolic link at its end.
 bool HasFileOfSize(const TargetFolder& folder, const std::string& path, unsigned long long size);
-
-/// The bytes that are here of files whose transfers were cut.
-unsigned long long BytesOfParts(Manifest& manifest, const TargetFolder& folder, const std::string& serial);
 
 /// Why `free` bytes in the folder `where` are too few: a sentence, empty when they are enough or not known.
 std::string WhyTooLittleRoom(const Coming& coming, std::optional<unsigned long long> free, const std::string& where);

@@ -44,8 +44,7 @@ void KeepSince(Context& context, const Session& camera, const PictureChoice& cho
 std::optional<Outcome> CheckRoom(Camera& camera, const SyncPlan& plan, const TargetFolder& folder, Manifest& manifest,
                                  Sync& sync) {
   ListedSizes sizes(camera);
-  Coming coming = ToBeWritten(plan, sizes, &folder);
-  coming.TakeOff(BytesOfParts(manifest, folder, plan.source->serial));
+  const Coming coming = ToBeWritten(plan, sizes, &folder, manifest);
   sync.Expect(coming.unlisted == 0 ? coming.bytes : 0);
   const std::string why = WhyTooLittleRoom(coming, FreeSpace(folder), folder.Path());
   return why.empty() ? std::nullopt : std::optional(Outcome{ExitCode::kFailed, why});

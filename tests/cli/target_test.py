@@ -89,6 +89,21 @@ class TargetTest(Bus):
         self.put("DCIM/100ABCDE/IMG_0009.JPG", random.randbytes(10))
         self.complete(PICTURES + 1)
 
+    def test_the_part_of_a_cut_file_needs_no_room_in_a_dry_run_either(self):
+        size = 6 << 20
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", random.randbytes(size))
+        disk = self.small("size=12m")
+        self.fault("unplug", 5 << 20)
+        self.fails(self.sync(), 5)
+        self.plug()
+        disk.remount("size=8m")
+        dry = self.sync("-n")
+        self.assertEqual((dry.returncode, dry.stderr), (0, "kelva: Nothing was fetched.\n"))
+        disk.remount("size=5500k")
+        self.assertIn("Not enough room", self.sync("-n").stderr)
+        disk.remount("size=8m")
+        self.complete(1)
+
     def test_a_disk_without_room_for_names_is_full_too(self):
         self.pictures(PICTURES, SIZE)
         disk = self.small("size=4m,nr_inodes=7")

@@ -52,7 +52,7 @@ std::string TotalsInWords(const Preview& preview, std::size_t known, std::option
 
 }  // namespace
 
-ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const std::string& target) {
+ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan, const PreviewTarget& target) {
   ListedSizes sizes(*camera);
   Preview preview;
   for (const SyncItem& item : plan.items) {
@@ -60,7 +60,7 @@ ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan,
     ShowFile(context, item.CameraPath(), item.LocalText(), ListedSize(item, sizes), preview);
   }
   const std::size_t known = plan.items.size() - plan.NewFiles();
-  const auto free = FreeSpaceFor(target);
+  const auto free = FreeSpaceFor(target.path);
   Json members = CameraResult(camera).Set("new", preview.all.files).Set("known", known).Set("bytes", preview.all.bytes);
   members.Set("unlisted", preview.all.unlisted).Set("folders", InJson(preview.folders));
   members.Set("others", plan.othersLeftOut).Set("others_bytes", plan.othersLeftOutBytes);
@@ -68,7 +68,8 @@ ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan,
   context.Result(std::move(members),
                  TotalsInWords(preview, known, free) +
                      OthersInWords(plan.othersLeftOut, plan.othersLeftOutBytes, context.call.Has("since")));
-  const std::string tooLittle = WhyTooLittleRoom(preview.all, free, target);
+  const std::string tooLittle =
+      WhyTooLittleRoom(ToBeWritten(plan, sizes, target.folder, target.manifest), free, target.path);
   context.reporter.Note(tooLittle.empty() ? "Nothing was fetched." : tooLittle);
   return ExitCode::kDone;
 }

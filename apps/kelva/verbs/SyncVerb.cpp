@@ -23,9 +23,10 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
   Manifest manifest = folder ? Manifest(*folder, false) : Manifest();
   const Session camera(context, "read the picture catalogue");
   PictureTimes times;
-  const SyncPlan plan = PlanFor(context, camera, choice, manifest, folder ? &*folder : nullptr, times);
+  const TargetFolder* const known = folder ? &*folder : nullptr;
+  const SyncPlan plan = PlanFor(context, camera, choice, manifest, known, times);
   NoteTrouble(context, times);
-  return ShowPlan(context, camera, plan, path);
+  return ShowPlan(context, camera, plan, {path, known, manifest});
 }
 
 // On a terminal, before anything is read.
