@@ -73,11 +73,6 @@ std::string WithBackslashes(std::string_view typed) {
   return path;
 }
 
-bool IsPlainForShells(char c) {
-  return std::isalnum(static_cast<unsigned char>(c)) != 0 || (static_cast<unsigned char>(c) & 0x80) != 0 ||
-         std::string_view("/:._-+,@%=").find(c) != std::string_view::npos;
-}
-
 }  // namespace
 
 std::string ToCameraPath(std::string_view typed) {
@@ -102,11 +97,7 @@ std::string ShownPath(std::string_view cameraPath) {
       path += c == '\\' ? '/' : c;
     }
   }
-  std::string text = Printable(path);
-  if (std::all_of(text.begin(), text.end(), IsPlainForShells)) return text;
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
-  return quoted + "'";
+  return ShellWord(path);
 }
 
 SplitPath Split(std::string_view cameraPath) {

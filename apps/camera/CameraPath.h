@@ -18,6 +18,10 @@ std::string ToCameraPath(std::string_view typed);
 /// A camera's path for people: forward slashes, safe on a terminal, and in quotes where a shell needs them. Typed again,
 /// it means the same file.
 std::string ShownPath(std::string_view cameraPath);
+/// The same for the name of one file or folder.
+inline std::string ShownName(std::string_view name) {
+  return ShownPath(name);
+}
 
 struct SplitPath {
   std::string folder;  ///< "I:" for an entry directly on the drive

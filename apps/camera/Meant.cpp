@@ -14,6 +14,8 @@
 namespace apps {
 namespace {
 
+constexpr const char* kPictures = "I:\\DCIM";
+
 // A camera refuses to list what is not there. That is no failure of the search.
 const std::vector<CameraDirent>& ListIfThere(KnownListings& listings, const std::string& folder) {
   static const std::vector<CameraDirent> kNothing;
@@ -59,17 +61,61 @@ std::string Similar(KnownListings& listings, const std::string& cameraPath) {
                                       " and " + ShownPath(similar[1]) + "; name one of them.");
 }
 
-std::vector<std::string> Meant(Context& context, KnownListings& listings, const std::string& cameraPath) {
+// Nothing when nothing is listed that the path could mean.
+std::vector<std::string> Found(Context& context, KnownListings& listings, const std::string& cameraPath) {
   if (Split(cameraPath).name.empty() || IsListed(listings, cameraPath)) return {cameraPath};
   const std::string similar = Similar(listings, cameraPath);
   if (!similar.empty()) {
     context.reporter.Note("There is no " + ShownPath(cameraPath) + "; there is " + ShownPath(similar) + ".");
     return {similar};
   }
-  if (!IsPattern(cameraPath)) return {cameraPath};
-  std::vector<std::string> matching = Matching(listings, cameraPath, MatchesName);
-  if (matching.empty()) matching.push_back(cameraPath);
-  return matching;
+  return IsPattern(cameraPath) ? Matching(listings, cameraPath, MatchesName) : std::vector<std::string>();
+}
+
+std::vector<std::string> OrItself(std::vector<std::string> found, const std::string& cameraPath) {
+  if (found.empty()) found.push_back(cameraPath);
+  return found;
+}
+
+// Where a file of this name lies in the folders of pictures: as it is written, or else in another case of letters.
+std::vector<std::string> InPictureFolders(KnownListings& listings, const std::string& name) {
+  std::vector<std::string> found;
+  for (const std::string& folder : Listed(listings, {kPictures}, [](const std::string&) { return true; })) {
+    auto here = Listed(listings, {folder}, [&](const std::string& listed) { return listed == name; });
+    if (here.empty()) {
+      here = Listed(listings, {folder}, [&](const std::string& listed) { return SameName(listed, name); });
+    }
+    found.insert(found.end(), here.begin(), here.end());
+  }
+  return found;
+}
+
+// A name that is no pattern has to mean one file.
+std::vector<std::string> PicturesMeant(KnownListings& listings, const std::string& name) {
+  std::vector<std::string> found = InPictureFolders(listings, name);
+  if (found.size() > 1) {
+    throw Failure(ExitCode::kUsage, ShownName(name) + " may mean " + ShownPath(found[0]) + " or " +
+                                        ShownPath(found[1]) + "; name the folder too.");
+  }
+  if (!found.empty() || !IsPattern(name)) return found;
+  return Matching(listings, std::string(kPictures) + "\\*\\" + name, MatchesName);
+}
+
+bool IsBareName(std::string_view typed) {
+  return typed.find_first_of("/\\:") == std::string_view::npos;
+}
+
+std::vector<std::string> FilesMeant(Context& context, KnownListings& listings, const std::string& typed) {
+  const std::string path = ToCameraPath(typed);
+  std::vector<std::string> found = Found(context, listings, path);
+  if (found.empty() && IsBareName(typed)) found = PicturesMeant(listings, Split(path).name);
+  return OrItself(std::move(found), path);
+}
+
+std::string TheOne(const std::vector<std::string>& meant, const std::string& cameraPath) {
+  if (meant.size() == 1) return meant.front();
+  throw Failure(ExitCode::kUsage, ShownPath(cameraPath) + " matches " + std::to_string(meant.size()) +
+                                      " names on the camera; name one of them.");
 }
 
 }  // namespace
@@ -84,22 +130,28 @@ bool IsPattern(std::string_view text) {
 
 std::vector<std::string> Meant(Context& context, Camera& camera, const std::string& cameraPath) {
   KnownListings listings(camera);
-  return Meant(context, listings, cameraPath);
+  return OrItself(Found(context, listings, cameraPath), cameraPath);
 }
 
 std::string MeantOne(Context& context, Camera& camera, const std::string& cameraPath) {
-  const std::vector<std::string> meant = Meant(context, camera, cameraPath);
-  if (meant.size() == 1) return meant.front();
-  throw Failure(ExitCode::kUsage, ShownPath(cameraPath) + " matches " + std::to_string(meant.size()) +
-                                      " names on the camera; name one of them.");
+  return TheOne(Meant(context, camera, cameraPath), cameraPath);
 }
 
-std::vector<std::string> AllMeant(Context& context, Camera& camera, const std::vector<std::string>& cameraPaths) {
+std::vector<std::string> FilesMeant(Context& context, Camera& camera, const std::string& typed) {
+  KnownListings listings(camera);
+  return FilesMeant(context, listings, typed);
+}
+
+std::string FileMeant(Context& context, Camera& camera, const std::string& typed) {
+  return TheOne(FilesMeant(context, camera, typed), ToCameraPath(typed));
+}
+
+std::vector<std::string> AllFilesMeant(Context& context, Camera& camera, const std::vector<std::string>& typed) {
   std::vector<std::string> all;
   std::set<std::string> seen;
   KnownListings listings(camera);
-  for (const std::string& path : cameraPaths) {
-    for (std::string& meant : Meant(context, listings, path)) {
+  for (const std::string& word : typed) {
+    for (std::string& meant : FilesMeant(context, listings, word)) {
       if (seen.insert(meant).second) all.push_back(std::move(meant));
     }
   }

@@ -18,8 +18,16 @@ std::vector<std::string> Meant(Context& context, Camera& camera, const std::stri
 /// As Meant, for a path that has to mean one thing. Throws Failure(kUsage) for a pattern that matches several.
 std::string MeantOne(Context& context, Camera& camera, const std::string& cameraPath);
 
-/// Meant for each of several paths, in order and without repetitions.
-std::vector<std::string> AllMeant(Context& context, Camera& camera, const std::vector<std::string>& cameraPaths);
+/// As Meant, for a path as it was typed. A name without a folder also means a file in one of the picture folders below DCIM,
+/// where nothing on the drive itself has that name. Throws Failure(kUsage) when it lies in several of them and is no pattern,
+/// and as ToCameraPath.
+std::vector<std::string> FilesMeant(Context& context, Camera& camera, const std::string& typed);
+
+/// As FilesMeant, for a path that has to mean one thing; as MeantOne.
+std::string FileMeant(Context& context, Camera& camera, const std::string& typed);
+
+/// FilesMeant for each of several paths, in order and without repetitions.
+std::vector<std::string> AllFilesMeant(Context& context, Camera& camera, const std::vector<std::string>& typed);
 
 /// A path with its folder as the camera lists it; the last part, which may be new, only where it is listed. For the target
 /// of a file.

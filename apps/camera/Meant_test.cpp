@@ -47,6 +47,41 @@ TEST_F(MeantTest, APathAsListedMeansItselfAfterOneListing) {
   EXPECT_THAT(Find("I:"), ElementsAre("I:"));
 }
 
+TEST_F(MeantTest, ANameAloneMeansAFileOfThePictureFolders) {
+  EXPECT_THAT(FilesMeant(context_, camera_, "IMG_0001.JPG"), ElementsAre("I:\\DCIM\\100ABCDE\\IMG_0001.JPG"));
+  EXPECT_THAT(FilesMeant(context_, camera_, "img_0001.jpg"), ElementsAre("I:\\DCIM\\100ABCDE\\IMG_0001.JPG"));
+  EXPECT_THAT(FilesMeant(context_, camera_, "A[1].JPG"), ElementsAre("I:\\DCIM\\100ABCDE\\a[1].jpg"));
+  EXPECT_THAT(FilesMeant(context_, camera_, "mvi*"),
+              ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0002.MP4", "I:\\DCIM\\101ABCDE\\MVI_0003.MP4"));
+  EXPECT_THAT(FilesMeant(context_, camera_, "IMG_0009.JPG"), ElementsAre("I:\\IMG_0009.JPG")) << "as it would be typed";
+}
+
+TEST_F(MeantTest, ANameAloneMeansFirstWhatIsOnTheDriveItself) {
+  camera_.tree["I:\\DCIM\\100ABCDE"].push_back({"A.TXT", 3, 0x20});
+  EXPECT_THAT(FilesMeant(context_, camera_, "a.txt"), ElementsAre("I:\\A.TXT"));
+  EXPECT_THAT(FilesMeant(context_, camera_, "A.*"), ElementsAre("I:\\A.TXT"));
+}
+
+TEST_F(MeantTest, APathOfTheDriveIsNoNameAlone) {
+  for (const char* typed : {"/IMG_0001.JPG", "I:/IMG_0001.JPG", "I:\\IMG_0001.JPG", "\\IMG_0001.JPG"}) {
+    EXPECT_THAT(FilesMeant(context_, camera_, typed), ElementsAre("I:\\IMG_0001.JPG")) << typed;
+  }
+}
+
+TEST_F(MeantTest, ANameInTwoFoldersMeansNeitherAndBothAreSaid) {
+  camera_.tree["I:\\DCIM\\101ABCDE"].push_back({"img_0001.jpg", 3, 0x20});
+  try {
+    AllFilesMeant(context_, camera_, {"A.TXT", "IMG_0001.JPG"});
+    FAIL() << "it chose one";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Code(), ExitCode::kUsage);
+    EXPECT_STREQ(
+        failure.what(),
+        "IMG_0001.JPG may mean I:/DCIM/100ABCDE/IMG_0001.JPG or I:/DCIM/101ABCDE/img_0001.jpg; name the folder "
+        "too.");
+  }
+}
+
 TEST_F(MeantTest, AnotherCaseOfLettersMeansWhatIsListedAndANoteSaysSo) {
   EXPECT_THAT(Find("I:\\dcim"), ElementsAre("I:\\DCIM"));
   EXPECT_EQ(Said(), "kelva: There is no I:/dcim; there is I:/DCIM.\n");
@@ -91,13 +126,14 @@ TEST_F(MeantTest, WhatIsNowhereIsLeftAsItIs) {
 }
 
 TEST_F(MeantTest, FilesThatTwoPatternsMatchAreMeantOnce) {
-  EXPECT_THAT(AllMeant(context_, camera_, {"I:\\DCIM\\*\\MVI*", "I:\\DCIM\\100ABCDE\\*.MP4", "I:\\A.TXT"}),
+  EXPECT_THAT(AllFilesMeant(context_, camera_, {"I:\\DCIM\\*\\MVI*", "I:\\DCIM\\100ABCDE\\*.MP4", "I:\\A.TXT"}),
               ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0002.MP4", "I:\\DCIM\\101ABCDE\\MVI_0003.MP4", "I:\\A.TXT"));
 }
 
 TEST_F(MeantTest, AFolderIsListedOnceHoweverManyOfItsFilesAreNamed) {
   EXPECT_EQ(
-      AllMeant(context_, camera_, {"I:\\DCIM\\101ABCDE\\MVI_0003.MP4", "I:\\DCIM\\101ABCDE\\IMG_0004.JPG"}).size(), 2U);
+      AllFilesMeant(context_, camera_, {"I:\\DCIM\\101ABCDE\\MVI_0003.MP4", "I:\\DCIM\\101ABCDE\\IMG_0004.JPG"}).size(),
+      2U);
   EXPECT_EQ(camera_.listings, 1);
 }
 

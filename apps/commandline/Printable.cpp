@@ -4,7 +4,9 @@
 #include <locale.h>
 #include <wchar.h>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdio>
 #include <locale>
 
@@ -63,6 +65,11 @@ std::size_t WidthOf(const Utf8Piece& piece) {
   return width < 0 ? 1 : static_cast<std::size_t>(width);
 }
 
+bool IsPlainForShells(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || (static_cast<unsigned char>(c) & 0x80) != 0 ||
+         std::string_view("/:._-+,@%=").find(c) != std::string_view::npos;
+}
+
 std::string Escaped(std::string_view bytes, bool keepLines) {
   std::string out;
   out.reserve(bytes.size());
@@ -113,6 +120,14 @@ bool IsUtf8(std::string_view bytes) {
 
 std::string Printable(std::string_view bytes) {
   return Escaped(bytes, false);
+}
+
+std::string ShellWord(std::string_view bytes) {
+  std::string text = Printable(bytes);
+  if (!text.empty() && std::all_of(text.begin(), text.end(), IsPlainForShells)) return text;
+  std::string quoted = "'";
+  for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
+  return quoted + "'";
 }
 
 std::string PrintableLines(std::string_view bytes) {

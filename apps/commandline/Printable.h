@@ -31,6 +31,9 @@ std::string Printable(std::string_view bytes);
 /// As Printable, but line feeds and tabs are kept: for texts of several lines.
 std::string PrintableLines(std::string_view bytes);
 
+/// `bytes` as Printable, in quotes where a shell would not take them for one word otherwise.
+std::string ShellWord(std::string_view bytes);
+
 /// Columns that a terminal needs for text that Printable made: two for a wide character (CJK), none for one that combines.
 std::size_t Width(std::string_view printable);
 /// The first characters of printable text, as many as fit into `columns`.

@@ -85,7 +85,7 @@ ExitCode RunRm(Context& context) {
   std::vector<std::string> paths;
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
   const Session camera(context, "delete " + ShownPath(paths[0]));
-  paths = AllMeant(context, *camera, paths);
+  paths = AllFilesMeant(context, *camera, context.call.words);
   if (context.call.Has("dry-run")) return ShowWhatWouldGo(context, camera, paths);
   AskOnTerminal(context, {std::to_string(paths.size()) + " to delete on the camera: " + InWords(paths) + ".", "Delete?",
                           "nothing was deleted"});
@@ -116,10 +116,11 @@ constexpr Argument kPutArguments[] = {{"FILE", "A file of this computer.", Argum
                                        Argument::Count::kOne, Offer::kCameraPath}};
 constexpr Option kPutOptions[] = {{"force", 'f', "", "Replace an existing file on the camera."}};
 constexpr Example kPutExamples[] = {{"kelva put settings.txt I:/MISC/", "Send a file and check that it arrived."}};
-constexpr Argument kRmArguments[] = {
-    {"PATH", "A file on the camera, or a pattern in quotes.", Argument::Count::kOneOrMore, Offer::kCameraPath}};
+constexpr Argument kRmArguments[] = {{"PATH", "A file on the camera, also by its name alone, or a pattern in quotes.",
+                                      Argument::Count::kOneOrMore, Offer::kCameraPath}};
 constexpr Option kRmOptions[] = {kDryRunOption, kYesOption};
 constexpr Example kRmExamples[] = {{"kelva rm DCIM/100ABCDE/IMG_0001.JPG", "Delete one file."},
+                                   {"kelva rm IMG_0001.JPG", "The same, in whatever folder below DCIM it lies."},
                                    {"kelva rm -n 'DCIM/*/*.MP4'", "Show which files a pattern would delete."}};
 
 constexpr Verb kVerbs[] = {
@@ -132,6 +133,9 @@ of 4 GiB and more cannot be sent.)",
      R"(On a terminal it names the files and asks first; elsewhere the command itself is consent. Lists each folder
 before, and once more after all the files: one that is not there, or that stays, is an error. `kelva pictures rm` deletes a
 picture with all its files.
+
+A name without a folder, such as IMG_0001.JPG or 'IMG_00*.JPG', means what is directly on the drive I:, and otherwise files
+in the picture folders below DCIM. If it lies in several of them and is no pattern, nothing is deleted (exit status 2).
 
 In a pattern * ? and [...] match within a name, in any case of letters. Put it in quotes, so that the shell leaves it
 alone.)",

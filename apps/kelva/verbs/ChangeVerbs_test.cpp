@@ -49,6 +49,27 @@ TEST_F(ChangeVerbsTest, OfSeveralFilesTheOneThatIsMissingIsReportedAndTheOthersG
   EXPECT_FALSE(Has("B.TXT"));
 }
 
+TEST_F(ChangeVerbsTest, APictureIsDeletedByTheNameOfItsFileAlone) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
+  Put("DCIM/101ABCDE/IMG_0001.JPG", "two");
+  Put("DCIM/101ABCDE/IMG_0002.JPG", "three");
+  const auto both = Run({"rm", "IMG_0002.JPG", "IMG_0001.JPG"});
+  EXPECT_EQ(both.code, ExitCode::kUsage);
+  EXPECT_EQ(
+      both.err,
+      "kelva: IMG_0001.JPG may mean I:/DCIM/100ABCDE/IMG_0001.JPG or I:/DCIM/101ABCDE/IMG_0001.JPG; name the folder "
+      "too.\n");
+  EXPECT_TRUE(Has("DCIM/101ABCDE/IMG_0002.JPG")) << "nothing was deleted";
+  EXPECT_EQ(Run({"rm", "img_0002.jpg"}).code, ExitCode::kDone);
+  EXPECT_FALSE(Has("DCIM/101ABCDE/IMG_0002.JPG"));
+  EXPECT_EQ(Run({"rm", "-n", "IMG_00*.JPG"}).out,
+            "I:/DCIM/100ABCDE/IMG_0001.JPG  3 B\nI:/DCIM/101ABCDE/IMG_0001.JPG  3 B\n");
+  Put("IMG_0001.JPG", "on the drive itself");
+  EXPECT_EQ(Run({"rm", "IMG_0001.JPG"}).code, ExitCode::kDone);
+  EXPECT_TRUE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
+  EXPECT_FALSE(Has("IMG_0001.JPG"));
+}
+
 TEST_F(ChangeVerbsTest, AFileIsSentIntoAFolderThatIsTypedInSmallLetters) {
   const std::string file = (folder / "note.txt").string();
   Put("../note.txt", "hello");

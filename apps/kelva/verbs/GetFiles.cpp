@@ -63,26 +63,27 @@ GetFiles::GetFiles(Context& context, const Session& camera, const TargetFolder& 
   });
 }
 
-void GetFiles::Get(const std::string& path) {
+void GetFiles::Get(const std::string& typed) {
   if (diskIsFull_) return;
+  const std::string path = ToCameraPath(typed);
   LetOthers(context_);
   context_.Doing("read " + ShownPath(path));
   try {
-    GetMeant(path);
+    GetMeant(typed, path);
   } catch (const std::exception&) {
     const std::exception_ptr error = std::current_exception();
     each_.Try(path, [&error]() -> Json { std::rethrow_exception(error); });
   }
 }
 
-void GetFiles::GetMeant(const std::string& path) {
+void GetFiles::GetMeant(const std::string& typed, const std::string& path) {
   if (Split(path).name.empty()) return GetFolder(path);
   if (!IsPattern(path)) {
     const auto entry = EntryIfListed(context_, listings_, path);
     // A name in another case of letters is another file for some cameras; Meant finds how the camera writes it.
     if (entry && entry->name == Split(path).name) return GetEntry(path, *entry);
   }
-  const std::vector<std::string> meant = Meant(context_, *camera_, path);
+  const std::vector<std::string> meant = FilesMeant(context_, *camera_, typed);
   if (meant.size() > 1) done_->areMany = true;
   for (const std::string& one : meant) {
     if (diskIsFull_) return;

@@ -30,13 +30,14 @@ class GetFiles {
   /// All outlive this.
   GetFiles(Context& context, const Session& camera, const TargetFolder& target, GetOptions options);
 
-  /// A file, a pattern, or with `recursive` a folder with all below it. Throws Stopped, and what ends the whole.
-  void Get(const std::string& path);
+  /// A file, a pattern, or with `recursive` a folder with all below it, as it was typed (FilesMeant). Throws Stopped, and what
+  /// ends the whole.
+  void Get(const std::string& typed);
   /// Gives the result of all.
   ExitCode Finish();
 
  private:
-  void GetMeant(const std::string& path);
+  void GetMeant(const std::string& typed, const std::string& path);
   void GetEntry(const std::string& path, const CameraDirent& entry);
   void GetFolder(const std::string& path);
   void GetFile(const std::string& path, unsigned long long size, const LocalPath& local);

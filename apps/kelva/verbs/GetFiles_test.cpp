@@ -67,6 +67,25 @@ TEST_F(GetFilesTest, AFileIsFoundInEitherCaseOfLetters) {
   EXPECT_EQ(Text(folder / "new/out/MVI_0001.MP4"), "a video");
 }
 
+TEST_F(GetFilesTest, APictureIsFoundByTheNameOfItsFileAlone) {
+  const Ran ran = Get({"IMG_0001.JPG", "mvi_000[23].mp4"});
+  EXPECT_EQ(ran.code, ExitCode::kDone) << ran.err;
+  EXPECT_TRUE(Here("IMG_0001.JPG"));
+  EXPECT_TRUE(Here("MVI_0003.mp4"));
+  EXPECT_EQ(Run({"get", "-o", "-", "MVI_0001.MP4"}).out, "a video");
+}
+
+TEST_F(GetFilesTest, ANameInTwoFoldersNeedsItsFolder) {
+  Put("DCIM/101ABCDE/IMG_0001.JPG", "other");
+  const Ran ran = Get({"IMG_0001.JPG"});
+  EXPECT_EQ(ran.code, ExitCode::kUsage);
+  EXPECT_THAT(ran.err, HasSubstr("may mean I:/DCIM/100ABCDE/IMG_0001.JPG or I:/DCIM/101ABCDE/IMG_0001.JPG; name the "
+                                 "folder too."));
+  Put("IMG_0001.JPG", "on the drive itself");
+  EXPECT_EQ(Get({"IMG_0001.JPG"}).code, ExitCode::kDone);
+  EXPECT_EQ(Text(folder / "new/out/IMG_0001.JPG"), "on the drive itself");
+}
+
 TEST_F(GetFilesTest, APatternThatMatchesNothingIsAFailure) {
   const Ran ran = Get({"DCIM/*/*.AVI"});
   EXPECT_EQ(ran.code, ExitCode::kFailed);

@@ -65,20 +65,22 @@ ExitCode RunGet(Context& context) {
   for (const std::string& word : context.call.words) paths.push_back(ToCameraPath(word));
   if (target.toOutput) {
     const Session camera(context, "read " + ShownPath(paths[0]));
-    ToOutput(context, RemoteFile(context, camera.Pointer(), MeantOne(context, *camera, paths[0])));
+    ToOutput(context, RemoteFile(context, camera.Pointer(), FileMeant(context, *camera, context.call.words[0])));
     return ExitCode::kDone;
   }
   // First, so that a camera that is not there leaves no folder behind.
   const Session camera(context, "read " + ShownPath(paths[0]));
   const TargetFolder folder = TargetFolder::OpenOrMakeMissing(target.folder);
   GetFiles get(context, camera, folder, {target.name, target.replace, context.call.Has("recursive")});
-  for (const std::string& path : paths) get.Get(path);
+  for (const std::string& word : context.call.words) get.Get(word);
   return get.Finish();
 }
 
-constexpr Argument kArguments[] = {
-    {"PATH", "A file on the camera, a pattern with * ? and [...], or with -r a folder; you may write / for \\.",
-     Argument::Count::kOneOrMore, Offer::kCameraPath}};
+constexpr Argument kArguments[] = {{"PATH",
+                                    "A file on the camera, also by its name alone, a pattern with * ? and [...], or "
+                                    "with -r a folder; you may write / for "
+                                    "\\.",
+                                    Argument::Count::kOneOrMore, Offer::kCameraPath}};
 constexpr Option kOptions[] = {
     {"output", 'o', "FILE", "Write into this file; - is standard output.", Offer::kFile},
     {"into", 'd', "FOLDER", "Write into this folder, which is made if need be, instead of the current one.",
@@ -88,6 +90,7 @@ constexpr Option kOptions[] = {
 };
 constexpr Example kExamples[] = {
     {"kelva get I:/DCIM/100ABCDE/IMG_0001.JPG", "Fetch a picture into the current folder."},
+    {"kelva get IMG_0001.JPG", "The same, in whatever folder below DCIM the picture lies."},
     {"kelva get 'DCIM/*/*.MP4' -d ~/Videos", "Fetch all videos, in quotes so that the camera's names are matched."},
     {"kelva get -r I:/DCIM/100ABCDE -d ~/Pictures", "Fetch a folder and all below it."},
     {"kelva get -o - I:/LOG.TXT | grep error", "Read a file without storing it."},
@@ -98,6 +101,9 @@ constexpr Verb kVerbs[] = {
      R"(Each file is written under a temporary name in the target folder and flushed to disk. It gets its name only
 when it is whole, so an interrupted command leaves nothing behind. An existing file is kept unless you give --force.
 Bytes of a name that are not safe here (control characters, a slash, a dot at the start) are written as %XX.
+
+A name without a folder, such as IMG_0001.JPG or 'IMG_00*.JPG', means what is directly on the drive I:, and otherwise files
+in the picture folders below DCIM. A name that lies in several of them needs its folder too.
 
 A pattern and a folder may mean many files: a summary ends the command, and a file that fails leaves the rest (exit
 status 6). With --recursive a folder keeps its name and those of the folders in it. A full disk ends the command.
