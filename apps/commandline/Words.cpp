@@ -1,4 +1,4 @@
-// Encodes bytes as words of a line, and as base64.
+// Puts numbers into words, and encodes bytes as words of a line and as base64.
 #include "apps/commandline/Words.h"
 
 #include <algorithm>
@@ -21,6 +21,10 @@ std::optional<char> ByteOf(std::string_view digits) {
 }
 
 }  // namespace
+
+std::string Counted(std::uint64_t count, std::string_view what) {
+  return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
+}
 
 std::string EncodedWord(std::string_view bytes) {
   std::string word;

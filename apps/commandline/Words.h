@@ -1,15 +1,19 @@
 #ifndef KELVA_APPS_COMMANDLINE_WORDS_H_
 #define KELVA_APPS_COMMANDLINE_WORDS_H_
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// Lines of words in which any byte can stand, for programs that talk to each other.
-
 namespace apps {
+
+/// "1 picture", "3 pictures": a number with what is counted, which takes an s in the plural.
+std::string Counted(std::uint64_t count, std::string_view what);
+
+// Lines of words in which any byte can stand, for programs that talk to each other.
 
 /// The bytes as one word: letters, digits and / _ - . stand for themselves, other bytes are %XX.
 std::string EncodedWord(std::string_view bytes);

@@ -8,6 +8,12 @@ namespace {
 
 using testing::ElementsAre;
 
+TEST(WordsTest, OneThingIsNotSaidInThePlural) {
+  EXPECT_EQ(Counted(0, "file"), "0 files");
+  EXPECT_EQ(Counted(1, "new picture"), "1 new picture");
+  EXPECT_EQ(Counted(3213, "file"), "3213 files");
+}
+
 TEST(WordsTest, AnyByteStandsInAWord) {
   EXPECT_EQ(EncodedWord("100ABCDE/IMG_0001-2.JPG"), "100ABCDE/IMG_0001-2.JPG");
   EXPECT_EQ(EncodedWord("a b\t%\n\xFF"), "a%20b%09%25%0A%FF");

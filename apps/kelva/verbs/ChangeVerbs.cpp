@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <span>
 #include <string>
@@ -16,6 +15,7 @@
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/Each.h"
 #include "apps/kelva/verbs/LocalFile.h"
@@ -57,12 +57,10 @@ ExitCode RunPut(Context& context) {
                         "");
 }
 
-// "I:/A.TXT, I:/B.TXT and 3 more".
-std::string InWords(const std::vector<std::string>& paths) {
-  constexpr std::size_t kMost = 5;
-  std::string words;
-  for (std::size_t i = 0; i < std::min(paths.size(), kMost); ++i) words += (i == 0 ? "" : ", ") + ShownPath(paths[i]);
-  return words + (paths.size() > kMost ? " and " + std::to_string(paths.size() - kMost) + " more" : "");
+FewOf Shown(const std::vector<std::string>& paths) {
+  FewOf shown;
+  for (const std::string& path : paths) shown.Add(ShownPath(path));
+  return shown;
 }
 
 ExitCode ShowWhatWouldGo(Context& context, const Session& camera, const std::vector<std::string>& paths) {
@@ -76,8 +74,7 @@ ExitCode ShowWhatWouldGo(Context& context, const Session& camera, const std::vec
     });
   }
   const ExitCode code = each.Finish(CameraResult(camera).Set("dry_run", true));
-  context.reporter.Note(std::to_string(each.Done()) + (each.Done() == 1 ? " file would be deleted; nothing was."
-                                                                        : " files would be deleted; nothing was."));
+  context.reporter.Note(Counted(static_cast<unsigned>(each.Done()), "file") + " would be deleted; nothing was.");
   return code;
 }
 
@@ -87,8 +84,8 @@ ExitCode RunRm(Context& context) {
   const Session camera(context, "delete " + ShownPath(paths[0]));
   paths = AllFilesMeant(context, *camera, context.call.words);
   if (context.call.Has("dry-run")) return ShowWhatWouldGo(context, camera, paths);
-  AskOnTerminal(context, {std::to_string(paths.size()) + " to delete on the camera: " + InWords(paths) + ".", "Delete?",
-                          "nothing was deleted"});
+  AskOnTerminal(context, {Counted(paths.size(), "file") + " to delete on the camera:", "Delete?", "nothing was deleted",
+                          Shown(paths)});
   Each each(context, "files", CameraResult(camera));
   RemoteDeletions deletions(*camera);
   const auto letOthers = [&] {

@@ -14,6 +14,11 @@ bool CanAsk(const Context& context) {
 
 void Ask(Context& context, const Question& question) {
   context.reporter.Ask(question.facts);
+  const FewOf& things = question.things;
+  for (const std::string& line : things.First()) context.reporter.Ask("  " + line);
+  if (const std::size_t more = things.Count() - things.First().size(); more != 0) {
+    context.reporter.Ask("  and " + std::to_string(more) + " more");
+  }
   context.reporter.Ask(question.ask + " Type yes and press Enter:");
   WithoutCamera(context, [&] {
     std::string answer;

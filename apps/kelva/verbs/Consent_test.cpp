@@ -37,6 +37,20 @@ TEST_F(ConsentTest, YesGoesOnAfterTheFactsAndTheQuestion) {
   EXPECT_EQ(Said(), "kelva: Two files go.\nkelva: Delete? Type yes and press Enter:\n");
 }
 
+TEST_F(ConsentTest, TheFirstTenThingsAreShownAndHowManyMoreThereAre) {
+  Question question{"Files go:", "Delete?", "nothing was deleted"};
+  for (int i = 1; i <= 10; ++i) question.things.Add("F" + std::to_string(i));
+  Type("yes\n");
+  Ask(context_, question);
+  EXPECT_TRUE(Said().starts_with("kelva: Files go:\nkelva:   F1\nkelva:   F2\n")) << Said();
+  EXPECT_TRUE(Said().ends_with("kelva:   F10\nkelva: Delete? Type yes and press Enter:\n")) << Said();
+  for (int i = 11; i <= 13; ++i) question.things.Add("F" + std::to_string(i));
+  Type("yes\n");
+  Ask(context_, question);
+  EXPECT_TRUE(Said().ends_with("kelva:   F10\nkelva:   and 3 more\nkelva: Delete? Type yes and press Enter:\n"))
+      << Said();
+}
+
 TEST_F(ConsentTest, EveryOtherAnswerEndsTheCommandAndSaysWhatIsTrue) {
   for (const char* answer : {"no\n", "", "y\n", "yes please\n", "YES\n"}) {
     Type(answer);

@@ -12,6 +12,7 @@
 #include "apps/camera/Session.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/Each.h"
 #include "apps/kelva/verbs/PictureTable.h"
@@ -67,8 +68,12 @@ Json Named(const DcfObj& picture) {
   return Json::Object().SetBytes("folder", PictureFolder(picture)).SetBytes("name", PictureStem(picture));
 }
 
+std::string WithTypes(const DcfObj& picture) {
+  return PictureName(picture) + "  " + TypeList(picture);
+}
+
 Json ShowOne(Context& context, const DcfObj& picture) {
-  if (!context.Json()) context.out.Add(PictureName(picture) + "  " + TypeList(picture) + "\n");
+  if (!context.Json()) context.out.Add(WithTypes(picture) + "\n");
   return Named(picture);
 }
 
@@ -98,17 +103,13 @@ void KeepWhatChanged(Camera& camera, std::vector<Meaning>& meanings) {
 
 void AskAboutPictures(Context& context, Camera& camera, std::vector<Meaning>& meanings) {
   if (!CanAsk(context)) return;
-  std::size_t count = 0;
+  FewOf named;
   for (const Meaning& meaning : meanings) {
-    for (const DcfObj& picture : meaning.pictures) {
-      ShowOne(context, picture);
-      ++count;
-    }
+    for (const DcfObj& picture : meaning.pictures) named.Add(WithTypes(picture));
   }
-  context.out.Flush();
-  if (count == 0) return;
-  Ask(context, {std::to_string(count) + " pictures to delete on the camera, each with all its files.", "Delete?",
-                "nothing was deleted"});
+  if (named.Count() == 0) return;
+  Ask(context, {Counted(named.Count(), "picture") + " to delete on the camera, with all files:", "Delete?",
+                "nothing was deleted", named});
   KeepWhatChanged(camera, meanings);
 }
 
@@ -131,8 +132,10 @@ ExitCode RunPicturesRm(Context& context) {
     }
   }
   Json result = CameraResult(camera);
-  if (dry) result.Set("dry_run", true);
-  return each.Finish(std::move(result));
+  if (!dry) return each.Finish(std::move(result));
+  const ExitCode code = each.Finish(std::move(result.Set("dry_run", true)));
+  context.reporter.Note(Counted(static_cast<unsigned>(each.Done()), "picture") + " would be deleted; nothing was.");
+  return code;
 }
 
 constexpr Argument kName[] = {{"NAME",

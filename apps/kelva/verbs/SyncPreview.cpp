@@ -11,6 +11,7 @@
 #include "apps/files/FreeSpace.h"
 #include "apps/import/Coming.h"
 #include "apps/import/SyncSummary.h"
+#include "apps/kelva/verbs/ToDelete.h"
 
 namespace apps {
 namespace {
@@ -18,6 +19,7 @@ namespace {
 struct Preview {
   Coming all;
   std::map<std::string, Coming> folders;  ///< below the target
+  Coming gone;                            ///< from the camera
 };
 
 std::string FolderIn(const std::string& path) {
@@ -35,6 +37,13 @@ void ShowFile(Context& context, const std::string& path, const std::string& file
                 ShownPath(path) + "  ->  " + Printable(file) + "  " + (size ? Bytes(*size) : "unknown size") + "\n");
 }
 
+void ShowDeletion(Context& context, const std::string& path, std::optional<unsigned long long> size, Preview& preview) {
+  preview.gone.Add(size);
+  Json members = Json::Object().SetBytes("path", path);
+  if (size) members.Set("size", *size);
+  context.Event("would_delete", std::move(members), ShownPath(path) + "  would be deleted on the camera\n");
+}
+
 Json InJson(const std::map<std::string, Coming>& folders) {
   Json all = Json::Array();
   for (const auto& [name, coming] : folders) {
@@ -44,10 +53,11 @@ Json InJson(const std::map<std::string, Coming>& folders) {
 }
 
 std::string TotalsInWords(const Preview& preview, std::size_t known, std::optional<unsigned long long> free) {
-  std::string text = preview.all.files == 0 ? "" : "\n";
+  std::string text = preview.all.files + preview.gone.files == 0 ? "" : "\n";
   for (const auto& [name, coming] : preview.folders) text += Printable(name) + ": " + coming.Text() + "\n";
   text += "To fetch: " + preview.all.Text() + "; " + std::to_string(known) + " known before";
-  return text + (free ? "; " + Bytes(*free) + " free.\n" : ".\n");
+  text += free ? "; " + Bytes(*free) + " free.\n" : ".\n";
+  return preview.gone.files == 0 ? text : text + "To delete on the camera: " + preview.gone.Text() + ".\n";
 }
 
 }  // namespace
@@ -59,18 +69,27 @@ ExitCode ShowPlan(Context& context, const Session& camera, const SyncPlan& plan,
     if (!item.IsNew()) continue;
     ShowFile(context, item.CameraPath(), item.LocalText(), ListedSize(item, sizes), preview);
   }
+  const bool deletes = context.call.Has("delete-after-verify");
+  if (deletes) {
+    for (const SyncItem* item : ToDelete(plan, sizes)) {
+      ShowDeletion(context, item->CameraPath(), ListedSize(*item, sizes), preview);
+    }
+  }
   const std::size_t known = plan.items.size() - plan.NewFiles();
   const auto free = FreeSpaceFor(target.path);
   Json members = CameraResult(camera).Set("new", preview.all.files).Set("known", known).Set("bytes", preview.all.bytes);
   members.Set("unlisted", preview.all.unlisted).Set("folders", InJson(preview.folders));
   members.Set("others", plan.othersLeftOut).Set("others_bytes", plan.othersLeftOutBytes);
+  if (deletes) members.Set("to_delete", preview.gone.files);
   if (free) members.Set("free", *free);
   context.Result(std::move(members),
                  TotalsInWords(preview, known, free) +
                      OthersInWords(plan.othersLeftOut, plan.othersLeftOutBytes, context.call.Has("since")));
   const std::string tooLittle =
       WhyTooLittleRoom(ToBeWritten(plan, sizes, target.folder, target.manifest), free, target.path);
-  context.reporter.Note(tooLittle.empty() ? "Nothing was fetched." : tooLittle);
+  context.reporter.Note(!tooLittle.empty() ? tooLittle
+                        : deletes          ? "Nothing was fetched or deleted."
+                                           : "Nothing was fetched.");
   return ExitCode::kDone;
 }
 

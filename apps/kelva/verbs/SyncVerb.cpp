@@ -1,18 +1,19 @@
 // The verb sync.
 #include <string>
+#include <vector>
 
 #include "apps/camera/ListedSizes.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Printable.h"
 #include "apps/import/AskTimes.h"
 #include "apps/import/Coming.h"
-#include "apps/import/DeleteFetched.h"
 #include "apps/import/ImportRun.h"
 #include "apps/import/SyncChoice.h"
 #include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/SyncAll.h"
 #include "apps/kelva/verbs/SyncForget.h"
 #include "apps/kelva/verbs/SyncPreview.h"
+#include "apps/kelva/verbs/ToDelete.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
@@ -33,14 +34,13 @@ ExitCode RunDry(Context& context, const std::string& path, const SyncChoice& cho
 void AskToDelete(Context& context, const Session& camera, const SyncPlan& plan, SyncTally& tally) {
   if (!CanAsk(context) || tally.agreed != 0) return;
   ListedSizes sizes(*camera);
+  const std::vector<const SyncItem*> items = ToDelete(plan, sizes);
+  if (items.empty()) return;
   Coming all;
-  for (const SyncItem& item : plan.items) {
-    if (MayBeDeleted(item, sizes)) all.Add(ListedSize(item, sizes));
-  }
-  if (all.files == 0) return;
+  for (const SyncItem* item : items) all.Add(ListedSize(*item, sizes));
   Ask(context, {all.Text() + " will be deleted on camera " + Printable(camera.Facts().serial) +
-                    ", each once it is on disk here, and is as its key says or was read twice, equal.",
-                "Fetch and delete them?", "nothing was fetched or deleted"});
+                    ", each once it is on disk here, and is as its key says or was read twice, equal:",
+                "Fetch and delete them?", "nothing was fetched or deleted", InLines(items)});
   tally.agreed = 1;
 }
 
@@ -72,7 +72,9 @@ constexpr Option kOptions[] = {
      "transfers. "
      "May be repeated.",
      Offer::kPicture},
-    {"dry-run", 'n', "", "Fetch nothing; show which files would be fetched, their names, sizes and the free space."},
+    {"dry-run", 'n', "",
+     "Fetch nothing; show which files would be fetched, their names, sizes and the free space, and with "
+     "--delete-after-verify which would be deleted on the camera."},
     {"verify", 0, "", "Read each new file a second time and compare."},
     {"delete-after-verify", 0, "",
      "Delete a file on the camera once it is on disk here, and is as its key says or was read twice, equal. Asks on a "
@@ -86,6 +88,7 @@ constexpr Example kExamples[] = {
     {"kelva sync --since 7d --folder '101*' ~/Pictures", "Fetch the pictures of the last week in some folders."},
     {"kelva sync --everything ~/Pictures/camera", "Fetch videos and all other files too."},
     {"kelva sync --all ~/Pictures/cameras", "Fetch from all cameras, each into its folder."},
+    {"kelva sync -n --delete-after-verify ~/Pictures/camera", "See what would be deleted on the camera."},
     {"kelva sync --delete-after-verify ~/Pictures/camera", "Make room on the camera, safely."},
     {"kelva sync --forget IMG_0001 ~/Pictures/camera", "A picture that was thrown away here may go on the camera too."},
 };
@@ -124,7 +127,8 @@ What lies below DCIM and MISC and is not in the catalogue (videos, panoramas, fi
 a file has no SHA-1 and no time on the camera: its path and size tell whether it was fetched before, and --verify reads it
 twice.
 
---delete-after-verify leaves a file on the camera that was edited, moved or deleted here. It deletes a picture again that
+--delete-after-verify names the first pictures when it asks, and all of them with --dry-run. It leaves a file on the camera
+that was edited, moved or deleted here; --dry-run does not look for that. It deletes a picture again that
 was deleted on the camera and put back there. --forget PICTURE lets go what was
 moved or deleted on purpose: from then on --delete-after-verify deletes it on the camera, if it is still what was fetched. An
 edited file has to be moved first. --forget also removes the part of a file whose transfer was cut. PICTURE is a name, a
@@ -149,7 +153,7 @@ succeeded, that of the first camera if none did, otherwise 6.
 Large files come in pieces. Memory is needed for the catalogue, 128 bytes for each picture, and for what is on its way to
 the disk, 4 MB; it does not depend on the size of a file.)",
      R"(events, one object a line: stored (path, file, size, sha1, verified, was_here, numbered), failed (path, error), deleted
-  (path), would_store (path, file, size if the camera lists it)
+  (path), would_store (path, file, size if the camera lists it), would_delete (path, size if the camera lists it)
 stored: how many files were stored
 bytes: their total size
 already_here: how many were in FOLDER already, with the same content
@@ -165,7 +169,8 @@ others, others_bytes: how many files below DCIM and MISC are not in the catalogu
 failed: how many were not stored or not deleted
 left: how many new files are not stored, the failed ones included
 deleted: how many were deleted on the camera
-to_delete: how many were to be deleted on the camera, the deleted ones included; 0 before the deletion begins
+to_delete: how many were to be deleted on the camera, the deleted ones included; 0 before the deletion begins;
+  with --dry-run and --delete-after-verify, how many would be
 error: what ended the run early
 new, bytes, unlisted: with --dry-run, how many files would be fetched, their total size, and how many have no known size
 folders: with --dry-run, array of folder (below FOLDER), files, bytes
