@@ -72,7 +72,7 @@ std::vector<DcfObj> AllMeant(const std::vector<DcfObj>& catalogue, const std::st
 }  // namespace
 
 std::string PictureName(const DcfObj& picture) {
-  return Printable(PictureFolder(picture) + "/" + PictureStem(picture));
+  return ShellWord(PictureFolder(picture) + "/" + PictureStem(picture));
 }
 
 std::string TypeList(const DcfObj& picture) {

@@ -18,7 +18,7 @@ DcfObj FindPicture(const std::vector<DcfObj>& catalogue, const std::string& name
 /// when there is none.
 std::vector<DcfObj> FindPictures(const std::vector<DcfObj>& catalogue, const std::string& name);
 
-/// The picture's folder and name, printable: "100ABCDE/IMG_0001".
+/// The picture's folder and name, printable, and in quotes where a shell needs them: "100ABCDE/IMG_0001".
 std::string PictureName(const DcfObj& picture);
 
 /// A picture's members in JSON style: name, folder, number, types, key and time where there are, and the camera's own

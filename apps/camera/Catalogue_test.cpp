@@ -35,7 +35,7 @@ TEST(FindPictureTest, ANameThatIsUniqueNeedsNoFolderNoExtensionAndNoCase) {
 TEST(FindPictureTest, ANameMayBeAsItIsPrinted) {
   DcfObj odd = Made(100, 1);
   odd.filePrefix[2] = '\xFF';
-  ASSERT_EQ(PictureName(odd), "100ABCDE/IM\\xff_0001");
+  ASSERT_EQ(PictureName(odd), "'100ABCDE/IM\\xff_0001'");
   for (const char* name :
        {"IM\\xff_0001", "100ABCDE/IM\\xff_0001", "I:/DCIM/100ABCDE/IM\\xff_0001.JPG", "IM\xFF_0001"}) {
     EXPECT_EQ(FindPicture({odd, Made(100, 2)}, name).fileNumber, 1) << name;

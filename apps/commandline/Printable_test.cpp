@@ -10,6 +10,16 @@ TEST(PrintableTest, PlainAndAccentedTextIsKept) {
   EXPECT_EQ(Printable("caf\xC3\xA9"), "caf\xC3\xA9");
 }
 
+TEST(PrintableTest, AWordForAShellIsInQuotesWhereItNeedsThem) {
+  EXPECT_EQ(ShellWord("2026/IMG_0001-2.JPG"), "2026/IMG_0001-2.JPG");
+  EXPECT_EQ(ShellWord("Z\xC3\xBCrich.JPG"), "Z\xC3\xBCrich.JPG");
+  EXPECT_EQ(ShellWord("a b"), "'a b'");
+  EXPECT_EQ(ShellWord("it's"), "'it'\\''s'");
+  EXPECT_EQ(ShellWord("$(reboot)"), "'$(reboot)'");
+  EXPECT_EQ(ShellWord("a\x1b"), "'a\\x1b'");
+  EXPECT_EQ(ShellWord(""), "''");
+}
+
 TEST(PrintableTest, EscapeSequencesOfTerminalsBecomeText) {
   EXPECT_EQ(Printable("\x1b[31mred\x07"), "\\x1b[31mred\\x07");
   EXPECT_EQ(Printable("\xC2\x9B"

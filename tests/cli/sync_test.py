@@ -258,7 +258,7 @@ class SyncTest(Bus):
         others = self.others()
         preview = self.kelva("sync", "--everything", "-n", self.target).stdout
         for name in others:
-            self.assertIn(f"->  {name}  ", preview)
+            self.assertIn(f"->  '{name}'  " if " " in name else f"->  {name}  ", preview)
         run = self.kelva("sync", "--everything", "--json", self.target)
         document = json.loads(run.stdout.splitlines()[-1])
         self.assertEqual((run.returncode, document["stored"], document["others"], document["left"]), (0, 6, 0, 0), run.stderr)

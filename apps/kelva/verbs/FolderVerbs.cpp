@@ -50,7 +50,7 @@ std::string Rows(const std::vector<CameraDirent>& entries) {
   std::vector<std::vector<std::string>> rows;
   rows.reserve(entries.size());
   for (const CameraDirent& entry : entries) {
-    rows.push_back({Attributes(entry), IsFolder(entry) ? "" : std::to_string(SizeOf(entry)), Printable(entry.name)});
+    rows.push_back({Attributes(entry), IsFolder(entry) ? "" : std::to_string(SizeOf(entry)), ShownName(entry.name)});
   }
   return Columns(rows, {1});
 }
@@ -124,7 +124,7 @@ ExitCode RunTree(Context& context) {
       return;
     }
     const std::string size = IsFolder(entry) ? "/" : "  " + Bytes(SizeOf(entry));
-    context.out.Add(std::string(static_cast<std::size_t>(depth) * 2 + 2, ' ') + Printable(entry.name) + size + "\n");
+    context.out.Add(std::string(static_cast<std::size_t>(depth) * 2 + 2, ' ') + ShownName(entry.name) + size + "\n");
   });
   Json members = CameraResult(camera).SetBytes("path", path).Set("files", files).Set("bytes", bytes);
   members.Set("entries", std::move(list));
@@ -140,8 +140,9 @@ constexpr Example kTreeExamples[] = {{"kelva tree", "Everything on the camera."}
 constexpr Verb kVerbs[] = {
     {"ls", "List a folder of the camera", kPath, kNoOptions,
      R"(One line for each entry, in the camera's order: attributes (d folder, r read-only, h hidden, s system, a
-archive), size in bytes, name. Bytes of a name that a terminal would obey are shown as \xNN; a path with them can be
-typed in quotes. The drive I: may be left out, and letters may be typed in either case.)",
+archive), size in bytes, name. A name is in quotes where a shell needs them, and bytes that a terminal would obey are shown
+as \xNN: typed behind its folder and a slash, it means the same file. The drive I: may be left out, and letters may be typed in
+either case.)",
      "path: the folder\nentries: array of name, type (file or folder), size, attributes (FAT bits)", kLsExamples,
      RunLs},
     {"tree", "Show a folder of the camera with everything below it", kPath, kNoOptions,

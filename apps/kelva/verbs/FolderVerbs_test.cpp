@@ -12,6 +12,14 @@ TEST_F(FolderVerbsTest, AFolderIsListedWithControlCharactersMadeVisible) {
   EXPECT_EQ(Run({"tree"}).out, "I:\n  A.TXT  3 B\n  D/\n    B.TXT  0 B\n2 files, 3 B\n");
 }
 
+TEST_F(FolderVerbsTest, ANameIsPrintedAsAShellTakesItBack) {
+  Put("My notes/it's.txt", "abc");
+  EXPECT_EQ(Run({"ls"}).out, "d----    'My notes'\n");
+  EXPECT_EQ(Run({"ls", "My notes"}).out, "----a  3  'it'\\''s.txt'\n");
+  EXPECT_EQ(Run({"tree"}).out, "I:\n  'My notes'/\n    'it'\\''s.txt'  3 B\n1 file, 3 B\n");
+  EXPECT_NE(Run({"ls", "--json"}).out.find(R"("name":"My notes")"), std::string::npos);
+}
+
 TEST_F(FolderVerbsTest, AFolderThatIsMissingAndAFileAreErrors) {
   Put("A.TXT", "abc");
   EXPECT_EQ(Run({"ls", "I:/NOPE"}).code, ExitCode::kFailed);

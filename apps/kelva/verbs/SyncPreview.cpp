@@ -34,7 +34,7 @@ void ShowFile(Context& context, const std::string& path, const std::string& file
   Json members = Json::Object().SetBytes("path", path).SetBytes("file", file);
   if (size) members.Set("size", *size);
   context.Event("would_store", std::move(members),
-                ShownPath(path) + "  ->  " + Printable(file) + "  " + (size ? Bytes(*size) : "unknown size") + "\n");
+                ShownPath(path) + "  ->  " + ShellWord(file) + "  " + (size ? Bytes(*size) : "unknown size") + "\n");
 }
 
 void ShowDeletion(Context& context, const std::string& path, std::optional<unsigned long long> size, Preview& preview) {

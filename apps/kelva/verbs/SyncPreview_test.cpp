@@ -22,6 +22,13 @@ TEST_F(SyncPreviewTest, ShowsNamesSizesAndTotalsAndFetchesNothing) {
   EXPECT_FALSE(std::filesystem::exists(target));
 }
 
+TEST_F(SyncPreviewTest, ANameIsPrintedAsAShellTakesItBack) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
+  const std::string target = (folder / "out").string();
+  EXPECT_THAT(Run({"sync", target.c_str(), "-n", "--pattern", "My pictures/{name}"}).out,
+              testing::StartsWith("I:/DCIM/100ABCDE/IMG_0001.JPG  ->  'My pictures/IMG_0001.JPG'  3 B\n"));
+}
+
 TEST_F(SyncPreviewTest, ShowsWhatWouldBeDeletedOnTheCameraAndDeletesNothing) {
   Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
   const std::string target = (folder / "out").string();
