@@ -21,7 +21,9 @@ inline constexpr Option kVirtualOption = {
     .name = "virtual",
     .letter = 0,
     .value = "SOCKET",
-    .help = "Look for cameras on the virtual bus of `kelva-vcam serve`, not on this machine.",
+    .help =
+        "Look for cameras on the virtual bus of `kelva-vcam serve`, not on this machine; KELVA_VIRTUAL sets it for all "
+        "commands.",
     .offer = Offer::kFile,
     .alias = "socket"};
 

@@ -37,8 +37,20 @@ constexpr std::string_view kAbortSentence =
     "command; "
     "if it happens again, restart the camera.";
 
+// The bus that the environment names; empty without one.
+std::string BusAround() {
+  const char* variable = std::getenv("KELVA_VIRTUAL");
+  return variable == nullptr ? "" : variable;
+}
+
+// The command line, with the bus of the environment where it names none itself.
+Invocation WithBus(Invocation call) {
+  if (!call.Has("virtual") && !BusAround().empty()) call.Add("virtual", BusAround());
+  return call;
+}
+
 std::vector<std::string> AttachedSerials(const Invocation& call) {
-  ChooseCameraSource(call.Value("virtual"), [](const std::string&) {});
+  ChooseCameraSource(WithBus(call).Value("virtual"), [](const std::string&) {});
   StdoutDiversion diversion;
   std::vector<std::string> serials;
   for (const AttachedCamera& camera : FindAttached(diversion)) serials.push_back(camera.facts.serial);
@@ -55,7 +67,7 @@ constexpr unsigned kPatienceOfAShell = 3;
 
 std::vector<std::string> CameraWords(const Invocation& call, Offer offer, const std::string& typed) {
   ::alarm(kPatienceOfAShell);
-  ChooseCameraSource(call.Value("virtual"), [](const std::string&) {});
+  ChooseCameraSource(WithBus(call).Value("virtual"), [](const std::string&) {});
   StdoutDiversion diversion;
   const AttachedCamera chosen = Choose(FindAttached(diversion), WantedSerial(call.Value("serial")));
   if (!chosen.camera->Open()) return {};
@@ -71,11 +83,12 @@ Program WithCameras(Program program) {
   return program;
 }
 
-// A shell asks what to offer for a line that names a virtual bus.
+// A shell asks what to offer for a line that means a virtual bus.
 bool IsShellOnBus(std::span<const char* const> arguments) {
-  return !arguments.empty() && arguments.front() == std::string_view("__complete") &&
-         std::any_of(arguments.begin(), arguments.end(),
-                     [](std::string_view word) { return word.starts_with("--virtual"); });
+  const bool isShell = !arguments.empty() && arguments.front() == std::string_view("__complete");
+  return isShell && (!BusAround().empty() || std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) {
+           return word.starts_with("--virtual");
+         }));
 }
 
 bool IsGuarded(const Invocation& call) {
@@ -108,7 +121,7 @@ class Tool {
 
   ExitCode Run() {
     try {
-      call_ = Parse(program_, arguments_);
+      call_ = WithBus(Parse(program_, arguments_));
       return Dispatch();
     } catch (const ReaderGone&) {
       return ExitCode::kReaderGone;

@@ -4,6 +4,7 @@ import json
 import os
 import random
 import signal
+import subprocess
 import time
 
 import bench_of_cameras
@@ -182,6 +183,35 @@ class CommandTest(Bus):
         self.assertEqual((watch.returncode, messages), (0, ""))
         self.assertEqual([line for line in out.splitlines() if line.startswith("ran")], ["ran at attached"])
         self.assertIn("bad ", out)
+
+    def test_a_tool_in_the_command_of_watch_finds_the_same_bus_and_camera(self):
+        self.plug("K2")
+        here = os.path.dirname(self.socket)
+        watch = subprocess.Popen([bench_of_cameras.BIN + "/kelva", "watch", "--virtual", os.path.basename(self.socket),
+                                  "--count", "4", "--exec", f"cd / && {bench_of_cameras.BIN}/kelva info --json"],
+                                 cwd=here, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        present = [watch.stdout.readline() for _ in range(2)]
+        self.assertTrue(all(line.startswith("present ") for line in present), present)
+        self.unplug()
+        self.plug()
+        out, messages = watch.communicate(timeout=20)
+        self.assertEqual((watch.returncode, messages), (0, ""))
+        told = [json.loads(line) for line in out.splitlines() if line.startswith("{")]
+        self.assertEqual([(info["command"], info["serial"]) for info in told], [("info", "K1")])
+
+    def test_the_environment_names_a_bus_and_the_command_line_goes_first(self):
+        tool = bench_of_cameras.BIN + "/kelva"
+        around = {**os.environ, "KELVA_VIRTUAL": self.socket}
+        self.assertEqual(subprocess.check_output([tool, "ready"], env=around), b"ready\n")
+        self.assertIn(b"K1\n", subprocess.check_output([tool, "__complete", "bash", "info", "--serial", ""], env=around))
+        around["KELVA_VIRTUAL"] = "/nowhere/bus"
+        self.assertEqual(self.kelva("ready", env=around).returncode, 0)
+        self.assertEqual(subprocess.run([tool, "ready"], env=around, capture_output=True).returncode, 1)
+        around["KELVA_VIRTUAL"] = ""
+        empty = subprocess.run([tool, "list"], env=around, capture_output=True)
+        del around["KELVA_VIRTUAL"]
+        unset = subprocess.run([tool, "list"], env=around, capture_output=True)
+        self.assertEqual((empty.returncode, empty.stdout, empty.stderr), (unset.returncode, unset.stdout, unset.stderr))
 
     def test_watch_reports_new_pictures(self):
         self.put("DCIM/100ABCDE/IMG_0001.JPG", b"old")

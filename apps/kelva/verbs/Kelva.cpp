@@ -24,6 +24,7 @@ constexpr Option kOptions[] = {
 
 constexpr Variable kEnvironment[] = {
     {"KELVA_SERIAL", "The camera to use without --serial."},
+    {"KELVA_VIRTUAL", "The virtual bus to look at without --virtual."},
     {"KELVA_TRACE", "The file for the trace without --trace."},
     {"NO_COLOR", "If set to anything, there are no colours."},
     {"TERM", "If it is \"dumb\", there are no colours and no progress bars."},

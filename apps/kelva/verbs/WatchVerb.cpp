@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/camera/Attached.h"
@@ -78,9 +80,13 @@ class Command {
   // `picture` is the folder and name of a picture, or empty.
   void RunFor(std::string_view event, const RegistryCamera& camera, const std::string& picture) {
     if (!text_ || !IsOn(event)) return;
-    const std::string outcome = RunCommand(
-        *text_, {{"KELVA_EVENT", std::string(event)}, {"KELVA_SERIAL", camera.serial}, {"KELVA_PICTURE", picture}},
-        context_.Json() ? STDERR_FILENO : context_.diversion.Real());
+    std::vector<std::pair<std::string, std::string>> variables = {
+        {"KELVA_EVENT", std::string(event)}, {"KELVA_SERIAL", camera.serial}, {"KELVA_PICTURE", picture}};
+    // The command may go to another folder.
+    const auto bus = context_.call.Value("virtual");
+    if (bus) variables.emplace_back("KELVA_VIRTUAL", std::filesystem::absolute(*bus).string());
+    const std::string outcome =
+        RunCommand(*text_, variables, context_.Json() ? STDERR_FILENO : context_.diversion.Real());
     if (outcome.empty()) return;
     failed_ = true;
     const std::string whose = camera.serial.empty() ? "" : " of camera " + Printable(camera.serial);
@@ -216,7 +222,7 @@ status 130), after --timeout (8) or after --count events (0, or 6 if a command o
 
 Commands of --exec run for changes only, not for cameras that were attached before. They find the event in KELVA_EVENT,
 the camera's serial number in KELVA_SERIAL (empty at "bad") and the name of a new picture, 100ABCDE/IMG_0001, in
-KELVA_PICTURE. A `kelva` in the command uses that camera. With --json, whatever the command prints goes to standard error.
+KELVA_PICTURE. A `kelva` in the command uses that camera, also on a virtual bus, which KELVA_VIRTUAL then names. With --json, whatever the command prints goes to standard error.
 
 With --pictures the catalogue of each camera is read every two seconds, unless another program holds the camera then, and
 each picture that has appeared since is reported as "picture".)",
