@@ -24,7 +24,8 @@ std::string FolderTyped(Camera& camera, const std::string& typed) {
 }  // namespace
 
 std::vector<std::string> PathsBeginning(Camera& camera, const std::string& typed) {
-  const std::string before = typed.substr(0, typed.rfind('/') + 1);
+  const bool isDrive = typed.size() == 2 && typed.back() == ':';
+  const std::string before = isDrive ? typed + "/" : typed.substr(0, typed.rfind('/') + 1);
   std::vector<std::string> paths;
   for (const CameraDirent& entry : ListFolder(camera, FolderTyped(camera, before))) {
     if (!IsNamed(entry)) continue;

@@ -18,6 +18,7 @@ TEST(CameraWordsTest, PathsStandBehindWhatWasTyped) {
   EXPECT_THAT(PathsBeginning(camera, "D"), ElementsAre("$(b)", "A.TXT", "DCIM/"));
   EXPECT_THAT(PathsBeginning(camera, "/A"), ElementsAre("/$(b)", "/A.TXT", "/DCIM/"));
   EXPECT_THAT(PathsBeginning(camera, "I:/"), ElementsAre("I:/$(b)", "I:/A.TXT", "I:/DCIM/"));
+  EXPECT_THAT(PathsBeginning(camera, "I:"), ElementsAre("I:/$(b)", "I:/A.TXT", "I:/DCIM/")) << "as behind its slash";
   EXPECT_THAT(PathsBeginning(camera, "MISC/"), IsEmpty());
 }
 

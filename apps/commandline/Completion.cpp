@@ -204,13 +204,15 @@ class Completer {
 std::vector<std::string> WordsOfBash(std::span<const char* const> words) {
   std::vector<std::string> unquoted;
   bool sign = false;
+  bool drive = false;
   for (const std::string_view word : words) {
     sign = word == "=" && !unquoted.empty() && unquoted.back().starts_with("--");
-    const bool drive = word == ":" && !unquoted.empty() && unquoted.back().size() == 1;
+    drive = word == ":" && !unquoted.empty() && unquoted.back().size() == 1;
     if (drive) unquoted.pop_back();
     if (!sign && !drive) unquoted.push_back(Unquoted(word));
   }
-  if (sign) unquoted.emplace_back();  // the cursor stands behind the sign
+  if (sign) unquoted.emplace_back();      // the cursor stands behind the sign
+  if (drive) unquoted.emplace_back("/");  // or behind the colon
   return unquoted;
 }
 

@@ -38,6 +38,7 @@ std::vector<std::string> Serials(const Invocation& call) {
 }
 
 std::vector<std::string> CameraWords(const Invocation& call, Offer, const std::string& typed) {
+  if (typed == "/") return {"/DCIM/", "/A.TXT"};
   return {"DCIM/",
           "a b",
           "-rf",
@@ -77,6 +78,10 @@ TEST(OffersTest, NamesOfACameraAreOfferedThatCanBeTyped) {
 TEST(OffersTest, ADriveInBashIsLeftToTheShell) {
   EXPECT_EQ(Offered({"get", "I", ":", "D"}), "DCIM/\n");
   EXPECT_EQ(Offered({"get", "I", ":", "a"}), "a b\n");
+}
+
+TEST(OffersTest, BehindABareDrivePathsAreOffered) {
+  EXPECT_EQ(Offered({"get", "I", ":"}), "/DCIM/\n/A.TXT\n");
 }
 
 TEST(OffersTest, SecondWordsOfACommandAreOffered) {

@@ -142,6 +142,7 @@ class Completion(Bus):
             ("kelva ls DC\t", ["ls", "DCIM/"]),
             ("kelva ls DC\t101\t", ["ls", "DCIM/101ABCDE/"]),
             ("kelva get DC\t101\tIM\t", ["get", "DCIM/101ABCDE/IMG_0002.JPG"]),
+            ("kelva ls I:\t", ["ls", "I:/DCIM/"]),
             ("kelva get I:/DC\t101\tIM\t", ["get", "I:/DCIM/101ABCDE/IMG_0002.JPG"]),
             ("kelva pictures rm IM\t", ["pictures", "rm", "IMG_0001"]),
             ("kelva pictures rm 101\tIM\t", ["pictures", "rm", "101ABCDE/IMG_0002"]),
