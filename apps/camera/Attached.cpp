@@ -55,6 +55,14 @@ std::optional<std::string> WantedSerial(const std::optional<std::string>& option
   return variable;
 }
 
+std::string SerialWord(const RegistryCamera& camera) {
+  return camera.serial.empty() ? std::string(kWithoutSerial) : camera.serial;
+}
+
+bool IsWanted(const RegistryCamera& camera, const std::optional<std::string>& serial) {
+  return !serial || SerialWord(camera) == *serial;
+}
+
 AttachedCamera Choose(std::vector<AttachedCamera> attached, const std::optional<std::string>& serial) {
   if (attached.empty()) {
     throw Failure(ExitCode::kNoCamera,

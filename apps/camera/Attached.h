@@ -15,7 +15,8 @@
 namespace apps {
 
 inline constexpr Option kSerialOption = {
-    "serial", 's', "SERIAL", "The camera with this USB serial number; KELVA_SERIAL sets it for all commands.",
+    "serial", 's', "SERIAL",
+    "The camera with this USB serial number, or - for the one without a number; KELVA_SERIAL sets it for all commands.",
     Offer::kSerial};
 inline constexpr Option kVirtualOption = {
     .name = "virtual",
@@ -45,6 +46,12 @@ std::optional<std::string> WantedSerial(const std::optional<std::string>& option
 
 /// The word that stands for the camera without a serial number.
 inline constexpr std::string_view kWithoutSerial = "-";
+
+/// A camera's serial number as --serial takes it: with that word where there is none.
+std::string SerialWord(const RegistryCamera& camera);
+
+/// Whether a camera is the one asked for; without a serial number asked for, each is.
+bool IsWanted(const RegistryCamera& camera, const std::optional<std::string>& serial);
 
 /// The camera that is meant. Throws Failure when none is attached, none has that number, or several do.
 AttachedCamera Choose(std::vector<AttachedCamera> attached, const std::optional<std::string>& serial);

@@ -34,6 +34,18 @@ Failure WhyNot(const std::vector<std::string>& serials, const std::optional<std:
   return Failure(ExitCode::kDone, "chosen");
 }
 
+TEST(AttachedTest, TheCameraWithoutASerialNumberHasAWord) {
+  const RegistryCamera with = Made("K1").facts;
+  const RegistryCamera without = Made("").facts;
+  EXPECT_EQ(SerialWord(with), "K1");
+  EXPECT_EQ(SerialWord(without), "-");
+  EXPECT_TRUE(IsWanted(without, std::nullopt));
+  EXPECT_TRUE(IsWanted(without, "-"));
+  EXPECT_FALSE(IsWanted(without, "K1"));
+  EXPECT_FALSE(IsWanted(with, "-"));
+  EXPECT_TRUE(IsWanted(with, "K1"));
+}
+
 TEST(ChooseTest, OneCameraNeedsNoChoice) {
   EXPECT_EQ(Choose(MadeAll({"K1"}), std::nullopt).facts.serial, "K1");
 }

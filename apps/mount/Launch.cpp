@@ -116,7 +116,7 @@ std::vector<std::string> WordsFor(const Context& context, const std::string& ser
   for (const char* option : {"json", "quiet", "verbose", "writable", "trace-private"}) {
     if (context.call.Has(option)) words.push_back("--" + std::string(option));
   }
-  if (!serial.empty()) words.push_back("--serial=" + serial);
+  words.push_back("--serial=" + (serial.empty() ? std::string(kWithoutSerial) : serial));
   words.emplace_back("--");
   words.insert(words.end(), context.call.words.begin(), context.call.words.end());
   return words;

@@ -53,7 +53,7 @@ std::vector<std::string> AttachedSerials(const Invocation& call) {
   ChooseCameraSource(WithBus(call).Value("virtual"), [](const std::string&) {});
   StdoutDiversion diversion;
   std::vector<std::string> serials;
-  for (const AttachedCamera& camera : FindAttached(diversion)) serials.push_back(camera.facts.serial);
+  for (const AttachedCamera& camera : FindAttached(diversion)) serials.push_back(SerialWord(camera.facts));
   return serials;
 }
 

@@ -42,7 +42,8 @@ bytes that a terminal would obey.
 Several commands may use one camera at once: a long one lets others have their turns between two files, and in the
 middle of a large one. A command that finds the camera held waits, as --wait-busy says.
 
-With one camera attached you need not choose. With several, choose one with --serial or KELVA_SERIAL. If no camera
+With one camera attached you need not choose. With several, choose one with --serial or KELVA_SERIAL; --serial - is the one
+without a serial number. If no camera
 with that number is attached, the command fails; it never takes another camera.)";
 
 std::span<const Verb> AllVerbs() {

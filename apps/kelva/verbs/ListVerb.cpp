@@ -23,7 +23,7 @@ std::string Table(const std::vector<AttachedCamera>& cameras, bool withDrivers) 
   std::vector<std::vector<std::string>> rows = {{"SERIAL", "MODEL", "REVISION", "DRIVER"}};
   for (const AttachedCamera& camera : cameras) {
     const RegistryCamera& facts = camera.facts;
-    rows.push_back({facts.serial.empty() ? "-" : Printable(facts.serial), Printable(facts.vendor + " " + facts.product),
+    rows.push_back({Printable(SerialWord(facts)), Printable(facts.vendor + " " + facts.product),
                     Printable(facts.revision), facts.driver});
   }
   for (auto& row : rows) row.resize(withDrivers ? row.size() : row.size() - 1);
@@ -61,7 +61,7 @@ constexpr Verb kVerbs[] = {
     {"list", "Show the cameras that are attached", kNoArguments, kNoOptions,
      R"(Reads the system's device registry and opens no camera, so it also works while another program uses a
 camera. If no camera is attached, the list is empty and the exit status is 0. With --serial or KELVA_SERIAL only that
-camera is shown; if it is not attached, that is an error.
+camera is shown; if it is not attached, that is an error. A camera without a serial number is shown as -, which --serial takes.
 
 With --verbose a column DRIVER names the driver that serves the camera: com_kelva_Glimmer, or com_kelva_Glimmer_ms where the system also
 sees a disk in the camera; on Linux these names stand for the kernel's own drivers. All commands work with both.)",

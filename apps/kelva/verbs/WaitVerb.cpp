@@ -10,10 +10,6 @@
 namespace apps {
 namespace {
 
-bool IsWanted(const RegistryCamera& camera, const std::optional<std::string>& serial) {
-  return !serial || camera.serial == *serial;
-}
-
 bool IsAttached(Context& context, const std::optional<std::string>& serial) {
   for (const AttachedCamera& camera : FindAttached(context.diversion)) {
     if (IsWanted(camera.facts, serial)) return true;
@@ -29,17 +25,18 @@ ExitCode RunWait(Context& context) {
   if (context.soFar != nullptr) {
     context.soFar->Tell([] { return SoFar::Done{"no camera came or went that it waits for", Json::Object()}; });
   }
-  std::string seen = serial.value_or("");
+  RegistryCamera seen;
+  if (serial != kWithoutSerial) seen.serial = serial.value_or("");
   Hotplug hotplug([&](const HotplugEvent& event) {
     if (event.kind == HotplugEvent::Kind::kBad || !IsWanted(event.facts, serial)) return;
     const bool attached = event.kind == HotplugEvent::Kind::kAttached;
     if (attached == forLoss) return;
-    seen = event.facts.serial;
+    seen = event.facts;
     hotplug.Finish();
   });
   if (!forLoss || IsAttached(context, serial)) hotplug.Run(context.stop);
-  return context.Result(Json::Object().SetBytes("serial", seen).Set("attached", !forLoss),
-                        forLoss || seen.empty() ? "" : Printable(seen) + "\n");
+  return context.Result(Json::Object().SetBytes("serial", seen.serial).Set("attached", !forLoss),
+                        forLoss ? "" : Printable(SerialWord(seen)) + "\n");
 }
 
 constexpr Option kOptions[] = {{"gone", 'g', "", "Wait until the camera is no longer attached."}};
@@ -53,8 +50,8 @@ constexpr Verb kVerbs[] = {
      .summary = "Wait until a camera is attached",
      .options = kOptions,
      .details =
-         R"(Returns at once if a camera is already attached, and prints its serial number. Without --serial any camera
-will do. If --timeout passes before a camera appears, the exit status is 8.)",
+         R"(Returns at once if a camera is already attached, and prints its serial number, or - for a camera
+that has none. Without --serial any camera will do. If --timeout passes before a camera appears, the exit status is 8.)",
      .json = "serial: of the camera\nattached: false with --gone",
      .examples = kExamples,
      .run = RunWait}};

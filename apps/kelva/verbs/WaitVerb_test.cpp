@@ -13,5 +13,10 @@ TEST_F(WaitVerbTest, WaitingForTheEndOfOneThatIsNotThereReturnsAtOnce) {
   EXPECT_EQ(Run({"wait", "--gone", "-s", "K9"}).code, ExitCode::kDone);
 }
 
+TEST_F(WaitVerbTest, TheWordForTheCameraWithoutASerialNumberIsNoSerialNumber) {
+  EXPECT_NE(Run({"wait", "--gone", "-s", "-", "--json"}).out.find(R"("serial":"","attached":false)"),
+            std::string::npos);
+}
+
 }  // namespace
 }  // namespace apps

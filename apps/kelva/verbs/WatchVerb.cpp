@@ -31,7 +31,7 @@ constexpr std::chrono::milliseconds kATurn{400};
 using Kind = HotplugEvent::Kind;
 
 std::string NameOf(const RegistryCamera& camera) {
-  return camera.serial.empty() ? "-" : Printable(camera.serial);
+  return Printable(SerialWord(camera));
 }
 
 std::string Line(const HotplugEvent& event) {
@@ -44,7 +44,7 @@ std::string Line(const HotplugEvent& event) {
 
 // Whether the event is about a camera that was asked for.
 bool IsWanted(const HotplugEvent& event, const std::optional<std::string>& serial) {
-  return !serial || event.kind == Kind::kBad || event.facts.serial == *serial;
+  return event.kind == Kind::kBad || IsWanted(event.facts, serial);
 }
 
 constexpr std::array<std::string_view, 4> kEvents = {"attached", "lost", "bad", "picture"};
@@ -80,8 +80,9 @@ class Command {
   // `picture` is the folder and name of a picture, or empty.
   void RunFor(std::string_view event, const RegistryCamera& camera, const std::string& picture) {
     if (!text_ || !IsOn(event)) return;
+    const std::string serial = event == "bad" ? "" : SerialWord(camera);
     std::vector<std::pair<std::string, std::string>> variables = {
-        {"KELVA_EVENT", std::string(event)}, {"KELVA_SERIAL", camera.serial}, {"KELVA_PICTURE", picture}};
+        {"KELVA_EVENT", std::string(event)}, {"KELVA_SERIAL", serial}, {"KELVA_PICTURE", picture}};
     // The command may go to another folder.
     const auto bus = context_.call.Value("virtual");
     if (bus) variables.emplace_back("KELVA_VIRTUAL", std::filesystem::absolute(*bus).string());
@@ -139,7 +140,7 @@ class Watch {
 
   // Looks for new pictures of one camera.
   Hotplug::Errand ErrandFor(const AttachedCamera& camera) {
-    if (serial_ && camera.facts.serial != *serial_) return [] {};
+    if (!IsWanted(camera.facts, serial_)) return [] {};
     return [this, camera, pictures = NewPictures(), complained = false]() mutable {
       try {
         // Ended before the command runs, which may use the camera.
@@ -221,7 +222,7 @@ camera that the system took for a CD drive. Without --pictures it uses no proces
 status 130), after --timeout (8) or after --count events (0, or 6 if a command of --exec failed).
 
 Commands of --exec run for changes only, not for cameras that were attached before. They find the event in KELVA_EVENT,
-the camera's serial number in KELVA_SERIAL (empty at "bad") and the name of a new picture, 100ABCDE/IMG_0001, in
+the camera's serial number in KELVA_SERIAL (- if it has none, empty at "bad") and the name of a new picture, 100ABCDE/IMG_0001, in
 KELVA_PICTURE. A `kelva` in the command uses that camera, also on a virtual bus, which KELVA_VIRTUAL then names. With --json, whatever the command prints goes to standard error.
 
 With --pictures the catalogue of each camera is read every two seconds, unless another program holds the camera then, and
