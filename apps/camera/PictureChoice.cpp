@@ -14,6 +14,7 @@
 #include "apps/camera/Picture.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "base/Ascii.h"
 
 namespace apps {
@@ -92,7 +93,7 @@ void PictureChoice::Apply(std::vector<DcfObj>& pictures, Context& context) const
     return !IsSince(time);
   });
   if (undated == 0) return;
-  context.reporter.Note(std::to_string(undated) + (undated == 1 ? " picture has" : " pictures have") +
+  context.reporter.Note(Counted(undated, "picture") + (undated == 1 ? " has" : " have") +
                         " no date in the catalogue and " + (undated == 1 ? "was" : "were") + " left out.");
 }
 

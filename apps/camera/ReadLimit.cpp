@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "apps/commandline/Words.h"
+
 namespace apps {
 namespace {
 
@@ -13,9 +15,9 @@ constexpr unsigned long long kInterval = 65'536;
 
 CameraError WronglyAnnounced(std::optional<unsigned long long> listed, unsigned long long announced) {
   const std::string known =
-      listed ? "the folder gives it " + std::to_string(*listed) + " bytes"
+      listed ? "the folder gives it " + Counted(*listed, "byte")
              : "no folder lists it, so " + std::to_string(kMostUnlisted >> 20) + " MiB are read at most";
-  return CameraError(known + ", and the camera announces " + std::to_string(announced) + " bytes");
+  return CameraError(known + ", and the camera announces " + Counted(announced, "byte"));
 }
 
 ReadLimit::ReadLimit(std::string claim, unsigned long long most, Callback next, Progress& progress)

@@ -11,6 +11,7 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Progress.h"
+#include "apps/commandline/Words.h"
 #include "apps/files/Sha1.h"
 
 namespace apps {
@@ -83,7 +84,7 @@ RemoteFile::RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::
     reader_.emplace(camera, path_);
     if (reader_->Size() == listed) return;
   }
-  throw Failed("The camera lists " + ShownPath(path_) + " with " + std::to_string(listed) + " bytes but announces " +
+  throw Failed("The camera lists " + ShownPath(path_) + " with " + Counted(listed, "byte") + " but announces " +
                std::to_string(reader_->Size()) + ", twice; nothing was read, try again when the file is at rest.");
 }
 

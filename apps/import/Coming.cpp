@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "apps/files/StoreFile.h"
 
 namespace apps {
@@ -61,7 +62,7 @@ void Coming::Add(std::optional<unsigned long long> size) {
 }
 
 std::string Coming::Text() const {
-  std::string text = std::to_string(files) + (files == 1 ? " file (" : " files (") + Bytes(bytes);
+  std::string text = Counted(files, "file") + " (" + Bytes(bytes);
   if (unlisted != 0) text += ", and " + std::to_string(unlisted) + " of unknown size";
   return text + ")";
 }

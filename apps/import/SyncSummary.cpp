@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 
 namespace apps {
 namespace {
@@ -52,7 +53,8 @@ std::string SyncInWords(const SyncTotals& totals, bool early, bool since) {
     text += std::to_string(totals.resumed) + " went on where an earlier run had ended.\n";
   }
   if (totals.undated != 0) {
-    text += std::to_string(totals.undated) + " without a date have the time of their fetching.\n";
+    text += std::to_string(totals.undated) + " without a date " +
+            (totals.undated == 1 ? "has the time of its" : "have the time of their") + " fetching.\n";
   }
   return text + OthersInWords(totals.others, totals.othersBytes, since);
 }
@@ -67,8 +69,7 @@ Json SyncMembers(const SyncTotals& totals, Json members) {
 
 std::string OthersInWords(unsigned long long files, unsigned long long bytes, bool since) {
   if (files == 0) return "";
-  const std::string start = std::to_string(files) + (files == 1 ? " other file (" : " other files (") + Bytes(bytes) +
-                            ") below DCIM and MISC ";
+  const std::string start = Counted(files, "other file") + " (" + Bytes(bytes) + ") below DCIM and MISC ";
   if (since) {
     return start + (files == 1 ? "has no date and was" : "have no date and were") +
            " not fetched; leave --since out to "
@@ -86,9 +87,8 @@ ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& 
   Json members = SyncMembers(totals, CameraResult(camera));
   if (ended) members.Set("error", ended->sentence);
   if (totals.unlikeKey != 0) {
-    context.reporter.Note(
-        std::to_string(totals.unlikeKey) +
-        " files have another SHA-1 than the catalogue's key says; two equal reads were taken instead.");
+    context.reporter.Note(Counted(totals.unlikeKey, "file") + (totals.unlikeKey == 1 ? " has" : " have") +
+                          " another SHA-1 than the catalogue's key says; two equal reads were taken instead.");
   }
   context.Result(std::move(members), SyncInWords(totals, ended.has_value(), context.call.Has("since")), code);
   // After a failure of this computer, such as a full disk, the same command would fail again.
@@ -99,7 +99,7 @@ ExitCode GiveSummary(Context& context, const Session& camera, const SyncTotals& 
 SoFar::Done SyncSoFar(const SyncTotals& totals, Json camera) {
   std::string words = FilesDeleted(totals, true) + "; the same command goes on";
   if (totals.expected != 0) {
-    words = std::to_string(totals.stored) + " of " + std::to_string(totals.expected) + " files stored, " + words;
+    words = std::to_string(totals.stored) + " of " + Counted(totals.expected, "file") + " stored, " + words;
   }
   if (totals.expected + totals.toDelete == 0) words = "nothing was stored yet; the same command starts again";
   return {std::move(words), SyncMembers(totals, std::move(camera))};

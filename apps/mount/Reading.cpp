@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "apps/commandline/Words.h"
 #include "src/wifi/Command.h"
 #include "src/wifi/LittleEndian.h"
 #include "src/wifi/OffsetOrder.h"
@@ -27,8 +28,7 @@ void Reading::Select(std::uint64_t file, const std::string& path, std::uint64_t 
   if (reader_->Size() == size) return;
   const std::string announced = std::to_string(reader_->Size());
   reader_.reset();
-  throw std::runtime_error("the camera lists the file with " + std::to_string(size) + " bytes and announces " +
-                           announced);
+  throw std::runtime_error("the camera lists the file with " + Counted(size, "byte") + " and announces " + announced);
 }
 
 Pieces::Piece Reading::Read(std::uint64_t file, const std::string& path, std::uint64_t size, std::uint64_t index) {

@@ -46,6 +46,8 @@ class AllCameras(Bus):
         self.assertIn("2 of 2 cameras: 4 stored (7.0 kB), 0 known before, 0 failed", lines)
         self.complete()
         self.assertIn("2 of 2 cameras: 0 stored (0 B), 4 known before, 0 failed", self.sync().stdout)
+        self.unplug("K2")
+        self.assertIn("1 of 1 camera: 0 stored (0 B), 3 known before, 0 failed", self.sync().stdout)
 
     def test_each_line_of_json_says_whose_it_is(self):
         run = self.sync("--json")

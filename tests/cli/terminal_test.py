@@ -115,6 +115,20 @@ class TerminalTest(Bus):
         self.assertEqual(self.terminal("rm", "--yes", "I:/A.TXT").end()[0], 0)
         self.assertFalse(os.path.exists(path))
 
+    def test_batch_rm_asks_on_a_terminal_too(self):
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"one")
+        key = bench_of_cameras.digest(b"one")
+        for answer, expected in ((b"no\n", 1), (b"yes\n", 0)):
+            run = self.terminal("batch", "rm", key)
+            seen = run.read_until(b"Type yes and press Enter:")
+            self.assertIn(b"kelva: 1 file to delete on the camera:\r\nkelva:   " + key.encode() + b"\r\n", seen)
+            run.type(answer)
+            self.assertEqual(run.end()[0], expected)
+            self.assertEqual(os.listdir(self.drive + "/DCIM/100ABCDE"), ["IMG_0001.JPG"] if expected else [])
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", b"one")
+        self.assertEqual(self.terminal("batch", "rm", "--yes", key).end()[0], 0)
+        self.assertEqual(os.listdir(self.drive + "/DCIM/100ABCDE"), [])
+
     def test_a_question_keeps_nobody_out_and_what_changes_meanwhile_is_kept(self):
         self.put("DCIM/100ABCDE/IMG_0001.JPG", b"one")
         self.put("DCIM/100ABCDE/IMG_0002.JPG", b"two")

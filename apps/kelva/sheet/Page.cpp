@@ -1,6 +1,7 @@
 // The HTML of a contact sheet around its pictures.
 #include "apps/kelva/sheet/Page.h"
 
+#include "apps/commandline/Words.h"
 #include "apps/kelva/sheet/Day.h"
 #include "apps/kelva/sheet/Html.h"
 #include "apps/kelva/sheet/Style.h"
@@ -19,10 +20,6 @@ constexpr std::string_view kHead =
 // A no-break space keeps the dot on the line of the text before it.
 constexpr std::string_view kDot = "\u00A0<span class=\"dot\">\u00B7</span> ";
 
-std::string Count(std::size_t pictures) {
-  return pictures == 1 ? "1 picture" : std::to_string(pictures) + " pictures";
-}
-
 std::string Days(const PageFacts& facts) {
   const std::string first = ShortDayName(facts.first);
   std::string last = ShortDayName(facts.last);
@@ -38,7 +35,7 @@ std::string Page::Start(const PageFacts& facts) {
   std::string html(kHead);
   html += "<title>Pictures of camera " + serial + "</title>\n<style>\n" + std::string(kStyle) +
           "</style>\n</head>\n<body>\n";
-  html += "<header>\n<h1>Pictures of camera <span>" + serial + "</span></h1>\n<p>" + Count(facts.pictures);
+  html += "<header>\n<h1>Pictures of camera <span>" + serial + "</span></h1>\n<p>" + Counted(facts.pictures, "picture");
   for (const std::string& more : {days, Html(facts.product)}) {
     if (!more.empty()) html.append(kDot).append(more);
   }

@@ -10,6 +10,7 @@
 #include "apps/camera/Information.h"
 #include "apps/camera/Picture.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "apps/files/Sha1.h"
 #include "base/Hex.h"
 #include "src/wifi/DcfLayout.h"
@@ -23,7 +24,7 @@ using std::to_string;
 constexpr char kTooLarge[] = "the file is too large to be read whole";
 
 std::string Announced(const DataSet& set) {
-  return to_string(set.announced) + " bytes announced, " + to_string(set.bytes.size()) + (set.whole ? "" : " or more") +
+  return Counted(set.announced, "byte") + " announced, " + to_string(set.bytes.size()) + (set.whole ? "" : " or more") +
          " came";
 }
 
@@ -52,7 +53,8 @@ Assumption JudgeEach(std::string_view name, std::string_view sentence, std::span
   if (pictures.empty()) return {name, sentence, std::nullopt, "no picture"};
   const auto with = std::count_if(pictures.begin(), pictures.end(), has);
   return {name, sentence, with == static_cast<std::ptrdiff_t>(pictures.size()),
-          to_string(with) + " of " + to_string(pictures.size()) + " pictures have " + std::string(what)};
+          to_string(with) + " of " + Counted(pictures.size(), "picture") + (pictures.size() == 1 ? " has " : " have ") +
+              std::string(what)};
 }
 
 }  // namespace
@@ -71,7 +73,7 @@ Assumption JudgeInformationTexts(const std::string& record, const RegistryCamera
   const std::vector<std::string> texts = InformationTexts(information);
   return {"information-texts",
           "the information record is texts: serial number, vendor, product, revision, firmware, volume",
-          AreKnownTexts(texts, facts), texts.empty() ? "no texts" : to_string(texts.size()) + " texts"};
+          AreKnownTexts(texts, facts), texts.empty() ? "no texts" : Counted(texts.size(), "text")};
 }
 
 Assumption JudgeClock(const std::string& first, const std::string& second, std::chrono::milliseconds between) {
@@ -91,7 +93,7 @@ Assumption JudgeClock(const std::string& first, const std::string& second, std::
 Assumption JudgeBattery(const std::string& answer) {
   constexpr std::string_view kName = "battery-unit";
   constexpr std::string_view kSentence = "the battery level is per cent, from 0 to 100";
-  if (answer.size() != sizeof(float)) return {kName, kSentence, false, to_string(answer.size()) + " bytes came"};
+  if (answer.size() != sizeof(float)) return {kName, kSentence, false, Counted(answer.size(), "byte") + " came"};
   float level = 0;
   std::memcpy(&level, answer.data(), sizeof level);
   // At most 1 is a fraction more probably than an empty battery.
@@ -103,7 +105,7 @@ Assumption JudgeCatalogueFields(const DataSet& catalogue) {
   constexpr std::string_view kName = "catalogue-fields";
   constexpr std::string_view kSentence = "the catalogue has version 1 and each of the types 0 to 9";
   const auto header = HeaderOf(catalogue.bytes);
-  if (!header) return {kName, kSentence, false, "no whole header in " + to_string(catalogue.bytes.size()) + " bytes"};
+  if (!header) return {kName, kSentence, false, "no whole header in " + Counted(catalogue.bytes.size(), "byte")};
   std::set<std::uint32_t> known;
   std::string fields;
   constexpr int kMostNamed = 64;

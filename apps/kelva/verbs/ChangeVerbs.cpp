@@ -73,9 +73,7 @@ ExitCode ShowWhatWouldGo(Context& context, const Session& camera, const std::vec
       return Json::Object().SetBytes("path", path).Set("size", SizeOf(entry));
     });
   }
-  const ExitCode code = each.Finish(CameraResult(camera).Set("dry_run", true));
-  context.reporter.Note(Counted(static_cast<unsigned>(each.Done()), "file") + " would be deleted; nothing was.");
-  return code;
+  return each.FinishDry(CameraResult(camera), "file");
 }
 
 ExitCode RunRm(Context& context) {

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "apps/commandline/Words.h"
+
 namespace apps {
 namespace {
 
@@ -84,6 +86,13 @@ ExitCode Each::Finish(Json result, std::string_view text) {
   }
   result.Set(member_, ArrayOf(all)).Set("failed", Failed());
   return context_.Result(std::move(result), text, code);
+}
+
+ExitCode Each::FinishDry(Json result, std::string_view what) {
+  result.Set("dry_run", true);
+  const ExitCode code = Finish(std::move(result));
+  context_.reporter.Note(Counted(static_cast<unsigned>(done_), what) + " would be deleted; nothing was.");
+  return code;
 }
 
 }  // namespace apps

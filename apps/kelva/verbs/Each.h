@@ -38,6 +38,9 @@ class Each {
   /// `text` stands for the result where it is not JSON.
   ExitCode Finish(Json result, std::string_view text = "");
 
+  /// As Finish, for a command that only showed what it would delete: so many of `what`, "file".
+  ExitCode FinishDry(Json result, std::string_view what);
+
   int Done() const { return done_; }
   int Failed() const { return outcomes_->failed; }
 

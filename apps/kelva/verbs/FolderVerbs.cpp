@@ -10,6 +10,7 @@
 #include "apps/commandline/Columns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "apps/kelva/verbs/Verbs.h"
 
 namespace apps {
@@ -128,8 +129,7 @@ ExitCode RunTree(Context& context) {
   });
   Json members = CameraResult(camera).SetBytes("path", path).Set("files", files).Set("bytes", bytes);
   members.Set("entries", std::move(list));
-  return context.Result(std::move(members),
-                        std::to_string(files) + (files == 1 ? " file, " : " files, ") + Bytes(bytes) + "\n");
+  return context.Result(std::move(members), Counted(files, "file") + ", " + Bytes(bytes) + "\n");
 }
 
 constexpr Argument kPath[] = {{"FOLDER", "A folder on the camera, such as DCIM; the drive I: unless given.",

@@ -14,6 +14,7 @@
 #include "apps/camera/Turns.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "apps/files/DiskErrors.h"
 #include "apps/files/SafeName.h"
 #include "apps/files/StoreFile.h"
@@ -58,7 +59,7 @@ GetFiles::GetFiles(Context& context, const Session& camera, const TargetFolder& 
   each_.TellAtEnd([done = done_, members = CameraResult(camera)] {
     Json all = members;
     all.Set("fetched", done->files.load()).Set("bytes", done->bytes.load());
-    const std::string words = std::to_string(done->files) + " files fetched (" + Bytes(done->bytes) + ")";
+    const std::string words = Counted(done->files, "file") + " fetched (" + Bytes(done->bytes) + ")";
     return SoFar::Done{done->areMany ? words : "", std::move(all)};
   });
 }

@@ -10,9 +10,11 @@
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
 #include "apps/commandline/Progress.h"
+#include "apps/commandline/Words.h"
 #include "apps/files/SafeName.h"
 #include "apps/files/Sha1.h"
 #include "apps/files/StoreFile.h"
+#include "apps/kelva/verbs/Consent.h"
 #include "apps/kelva/verbs/Each.h"
 #include "apps/kelva/verbs/Verbs.h"
 #include "base/Ascii.h"
@@ -86,6 +88,18 @@ ExitCode RunBatchGet(Context& context) {
   return each.Finish(CameraResult(camera));
 }
 
+void DeleteByKey(Context& context, Camera& camera, const std::vector<std::string>& keys) {
+  if (keys.empty()) return;
+  FewOf shown;
+  for (const std::string& key : keys) shown.Add(key);
+  AskOnTerminal(context,
+                {Counted(keys.size(), "file") + " to delete on the camera:", "Delete?", "nothing was deleted", shown});
+  context.Doing("delete files by key");
+  if (!camera.DeleteBatch(keys, true)) {
+    throw Failure(ExitCode::kRefused, "The camera refused to delete the files.");
+  }
+}
+
 ExitCode RunBatchRm(Context& context) {
   for (const std::string& word : context.call.words) {
     if (!Understand(word).qualifier.empty()) {
@@ -98,16 +112,19 @@ ExitCode RunBatchRm(Context& context) {
   for (std::size_t i = 0; i < there.size(); ++i) {
     if (there[i]) keys.push_back(context.call.words[i]);
   }
-  context.Doing("delete files by key");
-  if (!keys.empty() && !camera->DeleteBatch(keys, true)) {
-    throw Failure(ExitCode::kRefused, "The camera refused to delete the files.");
-  }
+  const bool dry = context.call.Has("dry-run");
+  if (!dry) DeleteByKey(context, *camera, keys);
   Each each(context, "files", CameraResult(camera));
   for (std::size_t i = 0; i < there.size(); ++i) {
     const std::string& key = context.call.words[i];
-    each.Try(key, [&] { return there[i] ? Json::Object().Set("key", key) : throw NotThere(key); });
+    each.Try(key, [&] {
+      if (!there[i]) throw NotThere(key);
+      if (dry && !context.Json()) context.out.Add(key + "\n");
+      return Json::Object().Set("key", key);
+    });
   }
-  return each.Finish(CameraResult(camera).Set("keys", keys.size()));
+  Json result = CameraResult(camera).Set("keys", keys.size());
+  return dry ? each.FinishDry(std::move(result), "file") : each.Finish(std::move(result));
 }
 
 // Nothing when the camera has none: it refuses then, or sends an empty answer.
@@ -146,10 +163,12 @@ constexpr Argument kKey[] = {{"KEY", "The picture's SHA-1, 40 hexadecimal digits
 constexpr Option kInto[] = {{"into", 'd', "FOLDER",
                              "Write into this folder, which is made if need be, instead of the current one.",
                              Offer::kFolder}};
+constexpr Option kRmOptions[] = {kDryRunOption, kYesOption};
 constexpr Example kGetExamples[] = {
     {"kelva batch get a9993e364706816aba3e25717850c26c9cd0d89d", "Fetch a file whatever its name is."}};
 constexpr Example kRmExamples[] = {
-    {"kelva batch rm a9993e364706816aba3e25717850c26c9cd0d89d", "Delete a file whatever its name is."}};
+    {"kelva batch rm a9993e364706816aba3e25717850c26c9cd0d89d", "Delete a file whatever its name is."},
+    {"kelva batch rm -n a9993e364706816aba3e25717850c26c9cd0d89d", "See whether the camera has it."}};
 constexpr Example kRawExamples[] = {{"kelva raw a9993e364706816aba3e25717850c26c9cd0d89d --into raw",
                                      "Fetch a picture's raw data into the folder raw."}};
 
@@ -159,11 +178,13 @@ constexpr Verb kVerbs[] = {
 and the new file gets a number. Of a file 256 MiB are read at most.)",
      "files: array of key, qualifier, file, size, sha1, or of path and error\nfailed: how many were not fetched",
      kGetExamples, RunBatchGet},
-    {"batch rm", "Delete files by their SHA-1", kPlainKeys, kNoOptions,
-     R"(Asks the camera first which of the files it has, and sends their keys in one command. A key that it does not have
+    {"batch rm", "Delete files by their SHA-1", kPlainKeys, kRmOptions,
+     R"(On a terminal it names the files and asks first; elsewhere the command itself is consent. Asks the camera first which of the files it has, and sends their keys in one command. A key that it does not have
 fails, and so does that of an empty file, which looks the same. The camera does not report each deletion; `kelva pictures`
 shows what is left.)",
-     "keys: how many were sent\nfiles: array of key, or of path and error\nfailed: how many the camera does not have",
+     "keys: how many were sent, or would be\nfiles: array of key, or of path and error\nfailed: how many the camera "
+     "does "
+     "not have\ndry_run: true with --dry-run",
      kRmExamples, RunBatchRm},
     {"raw", "Fetch the compressed raw data of a picture", kKey, kInto,
      R"(The data has up to two parts, stored as KEY.raw1 and KEY.raw2; an empty part is left out. A single part is

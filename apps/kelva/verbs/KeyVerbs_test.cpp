@@ -38,6 +38,17 @@ TEST_F(KeyVerbsTest, AKeyThatTheCameraDoesNotHaveIsNotDeletedSilently) {
   EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
 }
 
+TEST_F(KeyVerbsTest, ADryRunShowsWhichKeysTheCameraHasAndDeletesNothing) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "abc");
+  const char* key = "a9993e364706816aba3e25717850c26c9cd0d89d";
+  const Ran dry = Run({"batch", "rm", "-n", key, "0000000000000000000000000000000000000000"});
+  EXPECT_EQ(dry.code, ExitCode::kPartial);
+  EXPECT_EQ(dry.out, std::string(key) + "\n");
+  EXPECT_THAT(dry.err, HasSubstr("kelva: 1 file would be deleted; nothing was.\n"));
+  EXPECT_THAT(Run({"batch", "rm", "-n", key, "--json"}).out, HasSubstr(R"("keys":1,"dry_run":true,"files":[{"key":)"));
+  EXPECT_TRUE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
+}
+
 TEST_F(KeyVerbsTest, APictureWithoutRawDataIsNotARefusal) {
   Put("DCIM/100ABCDE/IMG_0001.JPG", "abc");
   const Ran ran = Run({"raw", "a9993e364706816aba3e25717850c26c9cd0d89d"});

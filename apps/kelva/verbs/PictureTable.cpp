@@ -9,6 +9,7 @@
 #include "apps/camera/Catalogue.h"
 #include "apps/commandline/Columns.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 
 namespace apps {
 namespace {
@@ -76,11 +77,9 @@ Json PictureTable::Totals() const {
 }
 
 std::string PictureTable::TotalsInWords() const {
-  std::string text = std::to_string(pictures_.size()) + (pictures_.size() == 1 ? " picture, " : " pictures, ") +
-                     std::to_string(sizes_.size()) + (sizes_.size() == 1 ? " file, " : " files, ") + Bytes(bytes_);
-  if (unlisted_ != 0) {
-    text += "; " + std::to_string(unlisted_) + (unlisted_ == 1 ? " file" : " files") + " of unknown size";
-  }
+  std::string text =
+      Counted(pictures_.size(), "picture") + ", " + Counted(sizes_.size(), "file") + ", " + Bytes(bytes_);
+  if (unlisted_ != 0) text += "; " + Counted(unlisted_, "file") + " of unknown size";
   return text + "\n";
 }
 

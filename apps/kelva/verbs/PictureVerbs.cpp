@@ -132,10 +132,7 @@ ExitCode RunPicturesRm(Context& context) {
     }
   }
   Json result = CameraResult(camera);
-  if (!dry) return each.Finish(std::move(result));
-  const ExitCode code = each.Finish(std::move(result.Set("dry_run", true)));
-  context.reporter.Note(Counted(static_cast<unsigned>(each.Done()), "picture") + " would be deleted; nothing was.");
-  return code;
+  return dry ? each.FinishDry(std::move(result), "picture") : each.Finish(std::move(result));
 }
 
 constexpr Argument kName[] = {{"NAME",

@@ -54,6 +54,7 @@ TEST_F(PictureVerbsTest, APictureIsNamedByItsFileAndSeveralByAPattern) {
   EXPECT_EQ(Run({"pictures", "rm", "-n", "img_00*"}).out, "100ABCDE/IMG_0001  JPG\n100ABCDE/IMG_0002  JPG\n");
   EXPECT_TRUE(Has("DCIM/100ABCDE/IMG_0001.JPG"));
   EXPECT_EQ(Run({"pictures", "rm", "*.MP4"}).code, ExitCode::kFailed) << "no picture has such a file";
+  EXPECT_EQ(Run({"pictures", "rm", "-n", "img_00*"}).err, "kelva: 2 pictures would be deleted; nothing was.\n");
   EXPECT_EQ(Run({"pictures", "rm", "-n", "*.RAW"}).out, "100ABCDE/IMG_0103  JPG RAW\n");
   EXPECT_EQ(Run({"pictures", "rm", "-n", "IMG_0001.RAW"}).code, ExitCode::kFailed);
   EXPECT_EQ(Run({"pictures", "rm", "-n", "IMG_0001", "*_0001.JPG"}).out, "100ABCDE/IMG_0001  JPG\n") << "once";

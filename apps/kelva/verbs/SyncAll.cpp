@@ -16,6 +16,7 @@
 #include "apps/camera/Attached.h"
 #include "apps/commandline/Failure.h"
 #include "apps/commandline/Printable.h"
+#include "apps/commandline/Words.h"
 #include "apps/files/SafeName.h"
 #include "apps/files/TargetFolder.h"
 #include "apps/import/SyncSummary.h"
@@ -114,7 +115,7 @@ class All {
   ExitCode Give() const {
     const ExitCode code = Code();
     const auto well = std::count_if(parts_.begin(), parts_.end(), [](const Part& part) { return !part.failed; });
-    const std::string start = std::to_string(well) + " of " + std::to_string(parts_.size()) + " cameras: ";
+    const std::string start = std::to_string(well) + " of " + Counted(parts_.size(), "camera") + ": ";
     Json members = context_.call.Has("dry-run") ? Results() : SyncMembers(Sum(), Results());
     return context_.Result(
         std::move(members),

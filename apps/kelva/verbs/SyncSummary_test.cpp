@@ -52,6 +52,15 @@ TEST_F(SyncSummaryTest, WhatIsHereAlreadyGotNoNumber) {
   EXPECT_THAT(Run({"sync", "--json", target.c_str()}).out, HasSubstr(R"("already_here":1,)"));
 }
 
+TEST(SyncInWordsTest, OneFileIsNotSaidInThePlural) {
+  EXPECT_THAT(SyncInWords({.undated = 1}, false, false),
+              HasSubstr("\n1 without a date has the time of its fetching.\n"));
+  EXPECT_THAT(SyncInWords({.undated = 2}, false, false),
+              HasSubstr("\n2 without a date have the time of their fetching.\n"));
+  EXPECT_EQ(SyncSoFar({.expected = 1, .stored = 1}, Json::Object()).words,
+            "1 of 1 file stored, 0 deleted on the camera; the same command goes on");
+}
+
 TEST(SyncSoFarTest, SaysWhatIsStoredAndWhatIsLeft) {
   const SoFar::Done done = SyncSoFar({.known = 4, .expected = 3203, .stored = 985, .bytes = 9, .deleted = 1},
                                      Json::Object().Set("serial", "K1"));
