@@ -38,6 +38,8 @@ class FileCalls {
   virtual int FlushFolder(int folder) = 0;
   /// Renames a file within its folder. Without `replace` it fails with EEXIST when the new name is taken.
   virtual int Rename(int folder, const std::string& from, const std::string& to, bool replace) = 0;
+  /// Takes a file into another folder, where nothing has its name.
+  virtual int Move(int from, const std::string& name, int to) = 0;
   /// Ends a transaction of a list: `commit` returns 0, or -1 with errno.
   virtual int Commit(const std::function<int()>& commit) = 0;
 

@@ -84,6 +84,10 @@ int SystemCalls::LinkAndUnlink(int folder, const char* from, const char* to) con
   return LookAndRename(folder, from, to);
 }
 
+int SystemCalls::Move(int from, const std::string& name, int to) {
+  return ::renameat(from, name.c_str(), to, name.c_str());
+}
+
 int SystemCalls::Commit(const std::function<int()>& commit) {
   return commit();
 }

@@ -27,6 +27,7 @@ class SystemCalls : public FileCalls {
   int Flush(int file) override;
   int FlushFolder(int folder) override;
   int Rename(int folder, const std::string& from, const std::string& to, bool replace) override;
+  int Move(int from, const std::string& name, int to) override;
   int Commit(const std::function<int()>& commit) override;
 
  private:

@@ -145,6 +145,17 @@ TEST_P(SystemCallsTest, ReplacingIsAskedFor) {
   EXPECT_EQ(Text("file"), "new text");
 }
 
+TEST_P(SystemCallsTest, AFileIsTakenIntoAnotherFolder) {
+  Put("from/file", "text");
+  Put("to/other", "");
+  const base::FileDescriptor from = Open("from", O_RDONLY | O_DIRECTORY);
+  const base::FileDescriptor to = Open("to", O_RDONLY | O_DIRECTORY);
+  EXPECT_EQ(calls_.Move(from.Get(), "file", to.Get()), 0);
+  EXPECT_EQ(Text("to/file"), "text");
+  EXPECT_FALSE(fs::exists(path_ / "from/file"));
+  EXPECT_EQ(calls_.Move(from.Get(), "file", to.Get()), -1);
+}
+
 TEST_P(SystemCallsTest, AFileThatHasGoneHasNoNameToGive) {
   EXPECT_EQ(calls_.Rename(folder_.Get(), "gone", "new", false), -1);
   EXPECT_EQ(errno, ENOENT);

@@ -11,7 +11,7 @@
 namespace apps {
 namespace {
 
-std::string FolderOf(const std::string& path) {
+std::string FolderIn(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   return slash == std::string::npos ? "" : path.substr(0, slash);
 }
@@ -50,25 +50,41 @@ void CutFiles::DropIf(const std::function<bool(const ManifestKey&)>& isGone) {
 void CutFiles::Remove(const CutRow& row) {
   manifest_.ForgetCuts({row.key});
   if (!IsTemporary(row.path)) return;
-  const std::string folder = FolderOf(row.path);
-  const base::FileDescriptor in(OpenBeneath(target_.Fd(), folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY));
+  const base::FileDescriptor in = FolderOf(row);
   if (in) ::unlinkat(in.Get(), NameOf(row.path).c_str(), 0);
+}
+
+base::FileDescriptor CutFiles::FolderOf(const CutRow& row) const {
+  const std::string folder = FolderIn(row.path);
+  return base::FileDescriptor(OpenBeneath(target_.Fd(), folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY));
+}
+
+// A run that is killed in between leaves a part without a row, which the next one sweeps.
+bool CutFiles::Bring(CutRow& row, const std::string& path, const TargetFolder& folder) {
+  if (row.path == path) return true;
+  const base::FileDescriptor from = FolderOf(row);
+  const auto move = [&] { return FileCalls::Current().Move(from.Get(), NameOf(path), folder.Fd()); };
+  if (!from || folder.Has(NameOf(path)) || UntilDone(move) != 0) return false;
+  row.path = path;
+  manifest_.RecordCut(row);
+  return true;
 }
 
 std::optional<Part> CutFiles::TakeUp(const ManifestKey& key, unsigned long long size, const LocalPath& path,
                                      const TargetFolder& folder) {
-  const CutRow* const row = Find(key);
-  if (row == nullptr) return std::nullopt;
-  const LocalPath part{path.folders, NameOf(row->path)};
-  if (row->size == size && part.Text() == row->path && IsTemporary(row->path)) {
+  const CutRow* const found = Find(key);
+  if (found == nullptr) return std::nullopt;
+  CutRow row = *found;
+  const LocalPath part{path.folders, NameOf(row.path)};
+  if (row.size == size && IsTemporary(row.path) && Bring(row, part.Text(), folder)) {
     std::unique_ptr<NewFile> file = NewFile::TakeUp(folder, part.name);
     const unsigned long long here = file ? file->Size() : 0;
     if (here != 0 && here <= size) {
-      const bool isWhole = here == size && row->compared < size;
-      return Part{std::move(file), here, isWhole ? row->compared : 0, row->sha1};
+      const bool isWhole = here == size && row.compared < size;
+      return Part{std::move(file), here, isWhole ? row.compared : 0, row.sha1};
     }
   }
-  Remove(*row);
+  Remove(row);
   return std::nullopt;
 }
 

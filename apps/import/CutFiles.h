@@ -11,6 +11,7 @@
 #include "apps/files/TargetFolder.h"
 #include "apps/import/Manifest.h"
 #include "apps/import/Pattern.h"
+#include "base/FileDescriptor.h"
 
 namespace apps {
 
@@ -22,7 +23,7 @@ struct Part {
   std::string sha1;                 ///< as CutRow
 };
 
-/// The parts of files whose transfers were cut. They lie in the folders of their files, under temporary names, and the
+/// The parts of files whose transfers were cut. They lie in the folders for which their files were meant then, under temporary names, and the
 /// manifest knows them: no other temporary file outlives its run. Keeps() may be asked from any thread.
 class CutFiles {
  public:
@@ -38,13 +39,15 @@ class CutFiles {
   /// Removes parts of files that will never come. Throws Failure.
   void DropIf(const std::function<bool(const ManifestKey&)>& isGone);
 
-  /// The part of a file of `size` bytes that is to come to `path`, in `folder`, which outlives it. One that does not fit is
-  /// removed. Nothing without one. Throws Failure.
+  /// The part of a file of `size` bytes that is to come to `path`, in `folder`, which outlives it. One in another folder, from
+  /// a run with another pattern, is brought there. One that does not fit is removed. Nothing without one. Throws Failure.
   std::optional<Part> TakeUp(const ManifestKey& key, unsigned long long size, const LocalPath& path,
                              const TargetFolder& folder);
 
  private:
   const CutRow* Find(const ManifestKey& key) const;
+  base::FileDescriptor FolderOf(const CutRow& row) const;
+  bool Bring(CutRow& row, const std::string& path, const TargetFolder& folder);
   void Remove(const CutRow& row);
 
   const TargetFolder& target_;

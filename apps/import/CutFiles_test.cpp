@@ -30,7 +30,7 @@ class CutFilesTest : public SyncFolderTest {
   TargetFolder in_ = folder_.Below("100ABCDE");
 };
 
-TEST_F(CutFilesTest, APartIsFoundBySizeAndPlace) {
+TEST_F(CutFilesTest, APartIsFoundBySize) {
   Put(kPath, "abc");
   manifest_.RecordCut({kKey, 5, kPath, 0});
   const auto part = TakeUp(5);
@@ -57,11 +57,35 @@ TEST_F(CutFilesTest, APartThatDoesNotFitIsRemoved) {
   }
 }
 
-TEST_F(CutFilesTest, APartInAnotherFolderIsRemoved) {
+TEST_F(CutFilesTest, APartOfARunWithAnotherPatternIsBroughtToItsFile) {
   Put(kPart, "abc");
+  manifest_.RecordCut({kKey, 5, kPart, 0});
+  const auto part = TakeUp(5);
+  ASSERT_TRUE(part.has_value());
+  EXPECT_TRUE(part->file->HoldsAt(0, std::string("abc")));
+  EXPECT_FALSE(Has(kPart));
+  EXPECT_EQ(Text(kPath), "abc");
+  ASSERT_EQ(manifest_.Cuts().size(), 1U);
+  EXPECT_EQ(manifest_.Cuts()[0].path, kPath) << "for the run after this one";
+}
+
+TEST_F(CutFilesTest, APartThatCannotBeBroughtIsRemoved) {
+  Put(kPart, "abc");
+  Put(kPath, "another");
   manifest_.RecordCut({kKey, 5, kPart, 0});
   EXPECT_FALSE(TakeUp(5).has_value());
   EXPECT_FALSE(Has(kPart));
+  EXPECT_EQ(Text(kPath), "another");
+  EXPECT_THAT(manifest_.Cuts(), testing::IsEmpty());
+}
+
+TEST_F(CutFilesTest, APartBehindALinkIsNotBrought) {
+  const base::ScratchFolder outside;
+  std::ofstream(std::string(outside.Path()) + "/" + kPart) << "mine";
+  std::filesystem::create_symlink(outside.Path(), path_ + "/link");
+  manifest_.RecordCut({kKey, 5, std::string("link/") + kPart, 0});
+  EXPECT_FALSE(TakeUp(5).has_value());
+  EXPECT_TRUE(std::filesystem::exists(std::string(outside.Path()) + "/" + kPart));
 }
 
 TEST_F(CutFilesTest, NothingButATemporaryFileOfTheTargetIsTouchedOnTheWordOfTheList) {

@@ -104,6 +104,19 @@ class TargetTest(Bus):
         disk.remount("size=8m")
         self.complete(1)
 
+    def test_a_cut_file_goes_on_under_another_pattern(self):
+        content = random.randbytes(6 << 20)
+        self.put("DCIM/100ABCDE/IMG_0001.JPG", content)
+        self.fault("unplug", 5 << 20)
+        self.fails(self.sync(), 5)
+        self.plug()
+        run = self.sync("--json", "--pattern", "all/{name}")
+        document = json.loads(run.stdout.splitlines()[-1])
+        self.assertEqual((run.returncode, document["stored"], document["resumed"]), (0, 1, 1), run.stderr)
+        with open(self.target + "/all/IMG_0001.JPG", "rb") as file:
+            self.assertEqual(file.read(), content)
+        self.assertEqual([name for _, _, names in os.walk(self.target) for name in names if name.endswith(".part")], [])
+
     def test_a_disk_without_room_for_names_is_full_too(self):
         self.pictures(PICTURES, SIZE)
         disk = self.small("size=4m,nr_inodes=7")

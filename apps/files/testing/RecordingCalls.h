@@ -102,6 +102,9 @@ class RecordingCalls : public FileCalls {
     if (result == 0 && flushed_.count(Below(folder, from)) == 0) unflushed_.push_back(Below(folder, to));
     return result;
   }
+  int Move(int from, const std::string& name, int to) override {
+    return Fails("move " + Below(to, name)) ? -1 : system_.Move(from, name, to);
+  }
   int Commit(const std::function<int()>& commit) override { return Fails("commit") ? -1 : system_.Commit(commit); }
 
  private:

@@ -105,7 +105,7 @@ list ends the run before anything is fetched (exit status 1) and is left as it i
 Each file is written under a temporary name, flushed, and checked against the SHA-1 in the catalogue if there is one. A
 file that does not fit is read again, and stored if both reads are equal.
 Only then does it get its name, so under their names lie whole files only. After Ctrl-C or an unplugged camera run the
-same command again: it fetches the rest, and goes on in the middle of a large file. Until then its part lies beside the
+same command again: it fetches the rest, and goes on in the middle of a large file, also with another --pattern. Until then its part lies beside the
 others, named .kelva-*.part.
 
 If the new files are larger than the free space, nothing is fetched (exit status 1). Sizes are those that the camera's
