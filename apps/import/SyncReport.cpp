@@ -40,14 +40,15 @@ bool SyncReport::LeaveOut(const SyncItem& item) {
   return true;
 }
 
-void SyncReport::Fail(const SyncItem& item, const std::string& sentence) {
+void SyncReport::Fail(const SyncItem& item, const std::string& sentence, ExitCode reason) {
   const std::scoped_lock lock(mutex_);
   if (context_.guard != nullptr && !context_.guard->TakeReport(TokenOf(item))) return;
   ++tally_.failed;
   const bool isNews = std::exchange(lastFailure_, sentence) != sentence;
   if (isNews || context_.Json()) context_.reporter.Error(sentence, ExitCode::kPartial);
   if (!context_.Json()) return;
-  context_.Event("failed", Json::Object().SetBytes("path", item.CameraPath()).Set("error", sentence), "");
+  Json members = Json::Object().SetBytes("path", item.CameraPath()).Set("reason", WordOf(reason));
+  context_.Event("failed", std::move(members.Set("error", sentence)), "");
 }
 
 void SyncReport::CountRead(bool unlikeKey, bool resumed) {

@@ -24,7 +24,7 @@ class SyncReport {
   /// True for a file that failed in an earlier process of this run, or ended one. It has failed then.
   bool LeaveOut(const SyncItem& item);
   /// People are told once what many files in a row have in common.
-  void Fail(const SyncItem& item, const std::string& sentence);
+  void Fail(const SyncItem& item, const std::string& sentence, ExitCode reason = ExitCode::kFailed);
   /// How a file is to be stored that was read. `unlikeKey`: its key in the catalogue is not its SHA-1. `resumed`: an earlier
   /// run had fetched a part of it.
   void CountRead(bool unlikeKey, bool resumed);

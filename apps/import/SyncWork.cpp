@@ -37,7 +37,7 @@ void SyncWork::Try(const SyncItem& item, const std::function<void()>& work) {
   } catch (const CameraError& error) {
     const Outcome outcome = Explain(error, context);
     if (EndsAll(outcome.code)) throw;
-    report.Fail(item, outcome.sentence);
+    report.Fail(item, outcome.sentence, outcome.code);
   } catch (const std::bad_alloc& error) {
     report.Fail(item, Explain(error, context).sentence);
   }

@@ -204,7 +204,10 @@ TEST_F(SyncJsonTest, AFileThatFailsIsAnEventOfItsOwn) {
   camera_.files.erase("IMG_0001.JPG");
   Run();
   const std::string events = Printed();
-  EXPECT_THAT(events, HasSubstr("\"event\":\"failed\",\"path\":\"I:\\\\DCIM\\\\100ABCDE\\\\IMG_0001.JPG\",\"error\":"));
+  EXPECT_THAT(
+      events,
+      HasSubstr(
+          "\"event\":\"failed\",\"path\":\"I:\\\\DCIM\\\\100ABCDE\\\\IMG_0001.JPG\",\"reason\":\"failed\",\"error\":"));
   EXPECT_THAT(events, HasSubstr("\"event\":\"stored\",\"path\":\"I:\\\\DCIM\\\\100ABCDE\\\\IMG_0002.JPG\","));
   EXPECT_THAT(
       events,

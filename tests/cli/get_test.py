@@ -1,5 +1,6 @@
 """Single commands: what goes to which stream, exit statuses, names of a camera, faults in the middle."""
 
+import glob
 import json
 import os
 import random
@@ -43,6 +44,29 @@ class CommandTest(Bus):
         run = self.kelva(*get, "--force")
         self.assertEqual(run.returncode, 5, run.stderr)
         self.assertEqual([file["path"] for file in json.loads(run.stdout)["files"]], ["I:\\A.BIN"])
+
+    def test_a_folder_that_is_not_fetched_to_its_end_says_what_is_left(self):
+        for number in range(1, 5):
+            self.put(f"DCIM/100ABCDE/IMG_000{number}.JPG", os.urandom(5 if number < 3 else 3_000_000))
+        self.fault("slow", 100)
+        get = ("get", "-r", "DCIM", "--into", self.folder + "/out")
+        late = self.kelva(*get, "--timeout", "4", "--json")
+        self.assertEqual(late.returncode, 8, late.stderr)
+        document = json.loads(late.stdout)
+        self.assertEqual((document["fetched"], document["bytes"], document["left"]), (2, 10, 2))
+        run = self.start(*get, "--force")
+        until = time.monotonic() + 30
+        while not any(os.path.getsize(part) > 100_000 for part in glob.glob(self.folder + "/out/DCIM/100ABCDE/.kelva-*")):
+            self.assertLess(time.monotonic(), until)
+            time.sleep(0.05)
+        run.send_signal(signal.SIGINT)
+        _, messages = run.communicate(timeout=20)
+        self.assertEqual(run.returncode, 130, messages)
+        self.assertIn("kelva: Stopped: 2 of 4 files fetched (10 B), 2 left.\n", messages)
+        self.fault("none")
+        self.fault("unplug", 2_000_000)
+        gone = self.kelva(*get, "--force")
+        self.assertEqual((gone.returncode, gone.stdout), (5, "2 fetched (10 B), 0 failed, 2 left\n"), gone.stderr)
 
     def commands_for_one_more(self, *words):
         """What one named file more costs a command, in commands of the camera."""

@@ -253,8 +253,9 @@ class HostileEndsTest(HostileTest):
         run = self.kelva("sync", "--json", self.target)
         self.assertEqual(run.returncode, 6, run.stderr)
         events = [json.loads(line) for line in run.stdout.splitlines()]
-        failed = [event["path"] for event in events if event.get("event") == "failed"]
-        self.assertEqual(sorted(failed), sorted(map(self.printed, self.camera.surplus)))
+        failed = [event for event in events if event.get("event") == "failed"]
+        self.assertEqual(sorted(event["path"] for event in failed), sorted(map(self.printed, self.camera.surplus)))
+        self.assertEqual({event["reason"] for event in failed}, {"failed"})
         errors = [line for line in run.stderr.splitlines() if '"event":"error"' in line]
         self.assertEqual(len(errors), len(self.camera.surplus), run.stderr)
         self.assertEqual(events[-1]["failed"], len(self.camera.surplus))

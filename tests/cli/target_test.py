@@ -131,6 +131,21 @@ class TargetTest(Bus):
         self.fails(self.kelva("get", "I:/A.BIN", "--into", self.target), 1)
         self.assertEqual(os.listdir(self.target), [])
 
+    def test_get_of_a_folder_says_the_same_each_time_a_disk_is_full(self):
+        self.pictures(PICTURES, SIZE)
+        self.small("size=100k")
+        get = ("get", "-r", "DCIM", "--into", self.target)
+        run = self.kelva(*get)
+        self.fails(run, 1)
+        self.assertEqual(run.stdout, "2 fetched (80.0 kB), 1 failed, 4 left\n")
+        again = self.kelva(*get, "--json")
+        self.assertEqual(again.returncode, 1, again.stderr)
+        document = json.loads(again.stdout)
+        self.assertEqual((document["fetched"], document["failed"], document["left"]), (0, 3, 6))
+        self.assertIn("No space left on device", document["error"])
+        self.assertEqual([file["reason"] for file in document["files"]], ["failed"] * 3)
+        self.assertEqual(self.whole_files_only(os.path.join(self.target, "DCIM")), 2)
+
     def test_a_read_only_target_is_one_sentence_and_nothing_is_read(self):
         self.pictures(PICTURES, SIZE)
         disk = self.small("size=4m")

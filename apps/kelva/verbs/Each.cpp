@@ -77,8 +77,9 @@ void Each::Check(const std::function<void(const std::string& path)>& check) {
   }
 }
 
-ExitCode Each::Finish(Json result, std::string_view text) {
-  const ExitCode code = Failed() == 0 ? ExitCode::kDone : done_ == 0 ? *firstFailure_ : ExitCode::kPartial;
+ExitCode Each::Finish(Json result, std::string_view text, std::optional<ExitCode> ended) {
+  const ExitCode tried = Failed() == 0 ? ExitCode::kDone : done_ == 0 ? *firstFailure_ : ExitCode::kPartial;
+  const ExitCode code = ended.value_or(tried);
   std::vector<Json> all;
   {
     const std::scoped_lock lock(outcomes_->mutex);

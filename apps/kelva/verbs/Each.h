@@ -35,8 +35,8 @@ class Each {
   /// Runs `check`, which throws for a failure, for each file of TryUnchecked that has not failed.
   void Check(const std::function<void(const std::string& path)>& check);
   /// Gives the result and the exit status of the whole: done, partial, or that of the failure when nothing succeeded.
-  /// `text` stands for the result where it is not JSON.
-  ExitCode Finish(Json result, std::string_view text = "");
+  /// `text` stands for the result where it is not JSON; `ended` is the status of what ended the command before its end.
+  ExitCode Finish(Json result, std::string_view text = "", std::optional<ExitCode> ended = std::nullopt);
 
   /// As Finish, for a command that only showed what it would delete: so many of `what`, "file".
   ExitCode FinishDry(Json result, std::string_view what);

@@ -47,6 +47,16 @@ bool IsFolder(const CameraDirent& entry) {
 
 }  // namespace
 
+std::string GetFiles::Counts::Text() const {
+  if (!isListed) return "nothing was fetched yet";
+  return std::to_string(files) + " of " + Counted(expected, "file") + " fetched (" + Bytes(bytes) + "), " +
+         std::to_string(Left()) + " left";
+}
+
+Json GetFiles::Counts::Members(Json camera) const {
+  return camera.Set("fetched", files.load()).Set("bytes", bytes.load()).Set("left", Left());
+}
+
 GetFiles::GetFiles(Context& context, const Session& camera, const TargetFolder& target, GetOptions options)
     : context_(context),
       camera_(camera),
@@ -56,88 +66,78 @@ GetFiles::GetFiles(Context& context, const Session& camera, const TargetFolder& 
       each_(context, "files", CameraResult(camera)),
       listings_(*camera),
       sizes_(*camera) {
-  each_.TellAtEnd([done = done_, members = CameraResult(camera)] {
-    Json all = members;
-    all.Set("fetched", done->files.load()).Set("bytes", done->bytes.load());
-    const std::string words = Counted(done->files, "file") + " fetched (" + Bytes(done->bytes) + ")";
-    return SoFar::Done{done->areMany ? words : "", std::move(all)};
+  each_.TellAtEnd([done = done_, camera = CameraResult(camera)] {
+    const bool isOne = done->isListed && done->expected == 1;
+    return SoFar::Done{isOne ? "" : done->Text(), done->Members(camera)};
   });
 }
 
-void GetFiles::Get(const std::string& typed) {
-  if (diskIsFull_) return;
+void GetFiles::Add(const std::string& typed) {
   const std::string path = ToCameraPath(typed);
   LetOthers(context_);
   context_.Doing("read " + ShownPath(path));
   try {
-    GetMeant(typed, path);
+    AddMeant(typed, path);
   } catch (const std::exception&) {
-    const std::exception_ptr error = std::current_exception();
-    each_.Try(path, [&error]() -> Json { std::rethrow_exception(error); });
+    Fail(path, std::current_exception());
   }
 }
 
-void GetFiles::GetMeant(const std::string& typed, const std::string& path) {
-  if (Split(path).name.empty()) return GetFolder(path);
+void GetFiles::Fail(const std::string& path, const std::exception_ptr& error) {
+  ++done_->expected;
+  each_.Try(path, [&error]() -> Json { std::rethrow_exception(error); });
+}
+
+void GetFiles::AddMeant(const std::string& typed, const std::string& path) {
+  if (Split(path).name.empty()) return AddFolder(path);
   if (!IsPattern(path)) {
     const auto entry = EntryIfListed(context_, listings_, path);
-    // A name in another case of letters is another file for some cameras; Meant finds how the camera writes it.
-    if (entry && entry->name == Split(path).name) return GetEntry(path, *entry);
+    // A name in another case of letters is another file for some cameras; FilesMeant finds how the camera writes it.
+    if (entry && entry->name == Split(path).name) return AddEntry(path, *entry);
   }
   const std::vector<std::string> meant = FilesMeant(context_, *camera_, typed);
-  if (meant.size() > 1) done_->areMany = true;
+  if (meant.size() > 1) areMany_ = true;
   for (const std::string& one : meant) {
-    if (diskIsFull_) return;
     LetOthers(context_);
     if (const auto size = sizes_.SizeOf(one)) {
-      GetFile(one, *size, {{}, SafeName(Split(one).name)});
+      AddFile(one, *size);
     } else {
-      GetEntry(one, EntryIfListed(context_, listings_, one).value_or(CameraDirent{}));
+      AddEntry(one, EntryIfListed(context_, listings_, one).value_or(CameraDirent{}));
     }
   }
 }
 
-void GetFiles::GetEntry(const std::string& path, const CameraDirent& entry) {
+void GetFiles::AddEntry(const std::string& path, const CameraDirent& entry) {
   if (entry.name.empty() && IsPattern(path)) {
     throw Failure(ExitCode::kFailed, "Nothing on the camera matches " + ShownPath(path) + ".");
   }
   if (entry.name.empty()) FileEntry(*camera_, path);  // throws what is wrong
-  if (!IsFolder(entry)) return GetFile(path, SizeOf(entry), {{}, SafeName(Split(path).name)});
-  GetFolder(path);
+  IsFolder(entry) ? AddFolder(path) : AddFile(path, SizeOf(entry));
 }
 
 // Each file below, under the folder's own name.
-void GetFiles::GetFolder(const std::string& path) {
+void GetFiles::AddFolder(const std::string& path) {
   if (!options_.recursive) {
     throw Failure(ExitCode::kFailed, ShownPath(path) + " is a folder; --recursive fetches all that is in it.");
   }
-  done_->areMany = true;
+  areMany_ = true;
   FolderWalk walk(context_, *camera_, {path});
-  std::vector<std::string> base;
+  Folders::Way base;
   AddNames(Split(path).name, base);
   const auto next = [&]() -> std::optional<FolderWalk::Listing> {
-    std::optional<FolderWalk::Listing> listing;
-    bool fails = true;
-    while (fails) {
-      fails = false;
+    while (true) {
       try {
-        listing = walk.Next();
+        return walk.Next();
       } catch (const CameraError&) {
-        fails = true;
-        const std::exception_ptr error = std::current_exception();
-        each_.Try(walk.Folder(), [&error]() -> Json { std::rethrow_exception(error); });
+        Fail(walk.Folder(), std::current_exception());
       }
     }
-    return listing;
   };
   while (const auto listing = next()) {
-    std::vector<std::string> folders = base;
-    AddNames(std::string_view(listing->folder).substr(path.size()), folders);
-    for (const CameraDirent& file : listing->files) {
-      if (diskIsFull_) return;
-      LetOthers(context_);
-      GetFile(listing->folder + "\\" + file.name, SizeOf(file), {folders, SafeName(file.name)});
-    }
+    Group group{listing->folder, base, {}};
+    AddNames(std::string_view(listing->folder).substr(path.size()), group.into);
+    for (const CameraDirent& file : listing->files) group.files.emplace_back(file.name, SizeOf(file));
+    AddGroup(std::move(group));
   }
   if (walk.IsCut()) {
     throw Failure(ExitCode::kFailed,
@@ -145,19 +145,49 @@ void GetFiles::GetFolder(const std::string& path) {
   }
 }
 
-void GetFiles::GetFile(const std::string& path, unsigned long long size, const LocalPath& local) {
-  context_.stop.Check();
+void GetFiles::AddFile(const std::string& path, unsigned long long size) {
+  const SplitPath split = Split(path);
+  AddGroup({split.folder, {}, {{split.name, size}}});
+}
+
+void GetFiles::AddGroup(Group group) {
+  done_->expected += group.files.size();
+  groups_.push_back(std::move(group));
+}
+
+ExitCode GetFiles::Fetch() {
+  done_->isListed = true;
+  try {
+    for (const Group& group : groups_) FetchGroup(group);
+  } catch (const std::exception& error) {
+    // A camera that has gone; all else was reported.
+    ended_ = Explain(error, context_);
+    context_.reporter.Error(ended_->sentence, ended_->code);
+  }
+  return Finish();
+}
+
+void GetFiles::FetchGroup(const Group& group) {
+  for (const auto& [name, size] : group.files) {
+    if (ended_) return;
+    LetOthers(context_);
+    context_.stop.Check();
+    FetchFile(group.folder + "\\" + name, size, {group.into, SafeName(name)});
+  }
+}
+
+void GetFiles::FetchFile(const std::string& path, unsigned long long size, const LocalPath& local) {
   each_.Try(path, [&] {
     try {
-      return Fetch(path, size, local);
+      return Store(path, size, local);
     } catch (const Failure& failure) {
-      diskIsFull_ = EndsAllWriting(failure.SystemError());
+      if (EndsAllWriting(failure.SystemError())) ended_ = Outcome{ExitCode::kFailed, failure.what()};
       throw;
     }
   });
 }
 
-Json GetFiles::Fetch(const std::string& path, unsigned long long size, const LocalPath& local) {
+Json GetFiles::Store(const std::string& path, unsigned long long size, const LocalPath& local) {
   context_.Doing("read " + ShownPath(path));
   const auto folder = folders_.For(local);
   const std::string name = options_.name.value_or(local.name);
@@ -186,11 +216,14 @@ Json GetFiles::Fetch(const std::string& path, unsigned long long size, const Loc
 
 ExitCode GetFiles::Finish() {
   folders_.Flush(ways_);
-  const std::string text = std::to_string(done_->files) + " fetched (" + Bytes(done_->bytes) + "), " +
-                           std::to_string(each_.Failed()) + " failed\n";
-  Json members = CameraResult(camera_);
-  members.Set("fetched", done_->files.load()).Set("bytes", done_->bytes.load());
-  return each_.Finish(std::move(members), done_->areMany ? text : "");
+  std::string text = std::to_string(done_->files) + " fetched (" + Bytes(done_->bytes) + "), " +
+                     std::to_string(each_.Failed()) + " failed";
+  if (ended_) text += ", " + std::to_string(done_->Left()) + " left";
+  const bool tells = areMany_ || (ended_ && done_->expected > 1);
+  Json members = done_->Members(CameraResult(camera_));
+  if (ended_) members.Set("error", ended_->sentence);
+  return each_.Finish(std::move(members), tells ? text + "\n" : "",
+                      ended_ ? std::optional(ended_->code) : std::nullopt);
 }
 
 }  // namespace apps

@@ -2,10 +2,13 @@
 #define KELVA_APPS_KELVA_VERBS_GET_FILES_H_
 
 #include <atomic>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "apps/camera/FolderListing.h"
 #include "apps/camera/ListedSizes.h"
@@ -30,24 +33,41 @@ class GetFiles {
   /// All outlive this.
   GetFiles(Context& context, const Session& camera, const TargetFolder& target, GetOptions options);
 
-  /// A file, a pattern, or with `recursive` a folder with all below it, as it was typed (FilesMeant). Throws Stopped, and what
-  /// ends the whole.
-  void Get(const std::string& typed);
-  /// Gives the result of all.
-  ExitCode Finish();
+  /// A file, a pattern, or with `recursive` a folder with all below it, as it was typed (FilesMeant), is to be fetched. Throws
+  /// Stopped, and what ends the whole.
+  void Add(const std::string& typed);
+  /// Fetches all and gives the result. Throws Stopped.
+  ExitCode Fetch();
 
  private:
-  void GetMeant(const std::string& typed, const std::string& path);
-  void GetEntry(const std::string& path, const CameraDirent& entry);
-  void GetFolder(const std::string& path);
-  void GetFile(const std::string& path, unsigned long long size, const LocalPath& local);
-  Json Fetch(const std::string& path, unsigned long long size, const LocalPath& local);
+  // Files of one folder of the camera.
+  struct Group {
+    std::string folder;
+    Folders::Way into;                                              // below the target
+    std::vector<std::pair<std::string, unsigned long long>> files;  // name and size
+  };
+
+  void AddMeant(const std::string& typed, const std::string& path);
+  void AddEntry(const std::string& path, const CameraDirent& entry);
+  void AddFolder(const std::string& path);
+  void AddFile(const std::string& path, unsigned long long size);
+  void AddGroup(Group group);
+  void Fail(const std::string& path, const std::exception_ptr& error);
+  void FetchGroup(const Group& group);
+  void FetchFile(const std::string& path, unsigned long long size, const LocalPath& local);
+  Json Store(const std::string& path, unsigned long long size, const LocalPath& local);
+  ExitCode Finish();
 
   // Read by the thread that ends the program, too.
   struct Counts {
+    std::atomic<unsigned long long> expected = 0;  ///< files, and what was named in vain
     std::atomic<unsigned long long> files = 0;
     std::atomic<unsigned long long> bytes = 0;
-    std::atomic<bool> areMany = false;  ///< more files than were named
+    std::atomic<bool> isListed = false;  ///< all that is expected is known
+
+    unsigned long long Left() const { return expected - files; }
+    std::string Text() const;
+    Json Members(Json camera) const;
   };
 
   Context& context_;
@@ -57,10 +77,12 @@ class GetFiles {
   Each each_;
   KnownListings listings_;  ///< of paths that were named; each file is held against its size when it is read
   ListedSizes sizes_;
+  std::vector<Group> groups_;
+  bool areMany_ = false;          ///< more files than were named
   std::set<std::string> stored_;  ///< paths of the files that this command has stored
   std::set<Folders::Way> ways_;   ///< folders with files of this command
   std::shared_ptr<Counts> done_ = std::make_shared<Counts>();
-  bool diskIsFull_ = false;
+  std::optional<Outcome> ended_;  ///< what ended the command before all were tried
 };
 
 }  // namespace apps

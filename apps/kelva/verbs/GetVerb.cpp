@@ -72,8 +72,8 @@ ExitCode RunGet(Context& context) {
   const Session camera(context, "read " + ShownPath(paths[0]));
   const TargetFolder folder = TargetFolder::OpenOrMakeMissing(target.folder);
   GetFiles get(context, camera, folder, {target.name, target.replace, context.call.Has("recursive")});
-  for (const std::string& word : context.call.words) get.Get(word);
-  return get.Finish();
+  for (const std::string& word : context.call.words) get.Add(word);
+  return get.Fetch();
 }
 
 constexpr Argument kArguments[] = {{"PATH",
@@ -106,14 +106,17 @@ A name without a folder, such as IMG_0001.JPG or 'IMG_00*.JPG', means what is di
 in the picture folders below DCIM. A name that lies in several of them needs its folder too.
 
 A pattern and a folder may mean many files: a summary ends the command, and a file that fails leaves the rest (exit
-status 6). With --recursive a folder keeps its name and those of the folders in it. A full disk ends the command.
+status 6). With --recursive a folder keeps its name and those of the folders in it. All folders are listed before the first
+file is fetched. A full disk ends the command (exit status 1). Whatever ends it early, it says how many files are left.
 
 The folder's listing tells an empty file from a missing one. A file that goes on beyond the size that its folder lists
 is not kept. With `-o -` the bytes go out as they arrive: the exit code says whether they were the whole file.)",
      R"(serial: of the camera
 files: array of path, file (where it was written), size; or of path and error
 fetched, bytes: how many were fetched, and their total size
-failed: how many were not fetched)",
+left: how many are not fetched, the failed ones included
+failed: how many failed
+error: what ended the command early)",
      kExamples, RunGet}};
 
 }  // namespace

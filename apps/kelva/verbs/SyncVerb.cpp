@@ -152,7 +152,7 @@ succeeded, that of the first camera if none did, otherwise 6.
 
 Large files come in pieces. Memory is needed for the catalogue, 128 bytes for each picture, and for what is on its way to
 the disk, 4 MB; it does not depend on the size of a file.)",
-     R"(events, one object a line: stored (path, file, size, sha1, verified, was_here, numbered), failed (path, error), deleted
+     R"(events, one object a line: stored (path, file, size, sha1, verified, was_here, numbered), failed (path, reason, error), deleted
   (path), would_store (path, file, size if the camera lists it), would_delete (path, size if the camera lists it)
 stored: how many files were stored
 bytes: their total size
