@@ -30,14 +30,16 @@ void CloseKeepingError(int descriptor) {
 int WalkBeneath(int folder, const std::string& path, int flags, mode_t mode) {
   const std::size_t slash = path.find('/');
   const std::string first = path.substr(0, slash);
-  if (first.empty() || first == "..") {
-    errno = EXDEV;
+  if (path.empty() || first.empty() || first == "..") {
+    errno = path.empty() ? ENOENT : EXDEV;
     return -1;
   }
   if (slash == std::string::npos) return OpenHere(folder, first, flags, mode);
+  const std::size_t rest = path.find_first_not_of('/', slash);
+  if (rest == std::string::npos) return OpenHere(folder, first, flags | O_DIRECTORY, mode);
   const int next = OpenHere(folder, first, O_RDONLY | O_DIRECTORY, 0);
   if (next < 0) return next;
-  const int result = WalkBeneath(next, path.substr(slash + 1), flags, mode);
+  const int result = WalkBeneath(next, path.substr(rest), flags, mode);
   CloseKeepingError(next);
   return result;
 }

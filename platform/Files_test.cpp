@@ -66,6 +66,25 @@ TEST_F(FilesTest, NothingLeadsOutOfTheFolder) {
   }
 }
 
+TEST_F(FilesTest, AnEmptyPathNamesNothing) {
+  for (const auto& open : {Open, WalkBeneath}) {
+    EXPECT_EQ(open(folder_.Get(), "", O_RDONLY, 0), -1);
+    EXPECT_EQ(errno, ENOENT);
+  }
+}
+
+TEST_F(FilesTest, MoreSlashesThanOneAndOneAtTheEndSayNothingMore) {
+  Put("a/b", "text");
+  for (const auto& open : {Open, WalkBeneath}) {
+    const base::FileDescriptor file(open(folder_.Get(), "a//b", O_RDONLY, 0));
+    EXPECT_TRUE(file);
+    const base::FileDescriptor below(open(folder_.Get(), "a/", O_RDONLY, 0));
+    EXPECT_TRUE(below);
+    EXPECT_EQ(open(folder_.Get(), "a/b/", O_RDONLY, 0), -1);
+    EXPECT_EQ(errno, ENOTDIR);
+  }
+}
+
 TEST_F(FilesTest, ALinkIsToldFromAFileInThePlaceOfAFolder) {
   Put("a/inside", "");
   fs::create_directory_symlink("a", path_ / "link");

@@ -44,7 +44,7 @@ Writers::~Writers() {
 }
 
 void Writers::ThrowIfBroken(const std::unique_lock<std::mutex>&) const {
-  if (broken_) throw Failure(*broken_);
+  if (broken_) std::rethrow_exception(broken_);
 }
 
 void Writers::Submit(WriteJob job) {
@@ -122,10 +122,13 @@ void Writers::Run() {
     for (const WriteJob& job : jobs) bytes += OnItsWay(job);
     try {
       jobs.front().stream ? StoreStream(jobs.front(), bytes) : StoreAll(jobs);
-    } catch (const Failure& failure) {
-      GiveUp(failure);
+    } catch (const Failure&) {
+      GiveUp(std::current_exception());
     } catch (const std::exception& error) {
-      GiveUp(Failure(ExitCode::kFailed, std::string("Storing files stopped: ") + Printable(error.what()) + "."));
+      const std::string why = "Storing files stopped: " + Printable(error.what()) + ".";
+      GiveUp(std::make_exception_ptr(Failure(ExitCode::kFailed, why)));
+    } catch (...) {
+      GiveUp(std::current_exception());  // the report's, as when nobody reads standard output any more
     }
     jobs.clear();  // gives the memory back before the reader is told that there is room
     const std::scoped_lock lock(mutex_);
@@ -135,9 +138,9 @@ void Writers::Run() {
   }
 }
 
-void Writers::GiveUp(const Failure& failure) {
+void Writers::GiveUp(std::exception_ptr why) {
   const std::scoped_lock lock(mutex_);
-  if (!broken_) broken_ = failure;
+  if (!broken_) broken_ = std::move(why);
   for (const WriteJob& job : queue_) {
     if (job.stream) job.stream->GiveUp();
   }

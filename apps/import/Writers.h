@@ -4,6 +4,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -123,7 +124,7 @@ class Writers {
   bool Date(BesideFile& file, const SyncItem& item) const;
   Done Finish(Started& started);
   void Commit(std::vector<Done> group);
-  void GiveUp(const Failure& failure);
+  void GiveUp(std::exception_ptr why);
   void ThrowIfBroken(const std::unique_lock<std::mutex>& lock) const;
 
   Manifest& manifest_;
@@ -140,7 +141,7 @@ class Writers {
   std::size_t bytes_ = 0;   // handed over and not stored yet
   std::size_t active_ = 0;  // threads that store
   bool ending_ = false;     // nothing more will come
-  std::optional<Failure> broken_;
+  std::exception_ptr broken_;
   std::vector<Done> done_;
   Clock::time_point lastGroup_ = Clock::now();
 

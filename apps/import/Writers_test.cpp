@@ -12,6 +12,7 @@
 #include <new>
 #include <utility>
 
+#include "apps/commandline/Output.h"
 #include "apps/files/SystemCalls.h"
 #include "apps/files/testing/RecordingCalls.h"
 #include "apps/import/testing/SyncTest.h"
@@ -211,6 +212,14 @@ TEST_F(WritersTest, AnyOtherErrorEndsTheWritingInWords) {
   } catch (const Failure& failure) {
     EXPECT_STREQ(failure.what(), "Storing files stopped: std::bad_alloc.");
   }
+}
+
+// The report writes to standard output, and any of the threads calls it.
+TEST_F(WritersTest, AReportWithoutAReaderReachesWhoHandsOver) {
+  const SyncPlan plan = Plan({Picture(1, std::string(40, 'f'))});
+  const auto writers = Make([](const WriteOutcome&) { throw ReaderGone(); });
+  writers->Submit({&plan.items[0], {'a'}, "", false});
+  EXPECT_THROW(writers->Finish(), ReaderGone);
 }
 
 TEST_F(WritersTest, AReportThatThrowsAtTheEndEndsNoProcess) {

@@ -165,7 +165,8 @@ class TraceTest(Bus):
         self.pictures(1, 3_000_000)
         self.fault("slow", 20)
         run = self.start("sync", self.folder + "/out", "--trace", self.trace)
-        while not glob.glob(self.folder + "/out/100ABCDE/.kelva-*.part"):
+        # Not the empty one by which the folder is tried.
+        while not any(os.path.getsize(part) for part in glob.glob(self.folder + "/out/100ABCDE/.kelva-*.part")):
             self.assertIsNone(run.poll(), "it ended before a file began")
             time.sleep(0.01)
         with open(f"/proc/{run.pid}/task/{run.pid}/children", encoding="ascii") as children:

@@ -13,7 +13,9 @@ namespace apps {
 
 /// What a command works with, writing into memory. A fixture derives from it.
 struct SilentContext {
-  explicit SilentContext(ReportStyle style = {}) : reporter_("kelva", saidFile_.Get(), style) {}
+  explicit SilentContext(ReportStyle style = {}) : reporter_("kelva", saidFile_.Get(), style) {
+    ::dup2(diversion_.Real(), STDOUT_FILENO);  // where an expectation says how it failed
+  }
 
   /// What came to standard output.
   std::string Printed() const { return TextOf(printedFile_); }
