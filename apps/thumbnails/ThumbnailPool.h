@@ -16,7 +16,7 @@
 
 namespace apps {
 
-/// What is drawn, and from which bytes.
+/// What is drawn, and from which bytes. The most urgent first.
 enum class DrawFrom {
   kLarge,  ///< a whole file, to be shown large
   kStart,  ///< the start of a file: its EXIF thumbnail

@@ -249,8 +249,8 @@ TEST_F(ToolTest, TheWindowIsToldOfAMissingPermissionUntilItIsThere) {
   PlugCamera("K1", 0);
   machine_.SetUsable(0, false);
   const WatchForWindow watch;
-  EXPECT_THAT(watch.Await("trouble"),
-              AllOf(HasSubstr(R"("condition":"no-permission","harmless":false,"serial":"K1")"), HasSubstr(R"("command":"sudo )")));
+  EXPECT_THAT(watch.Await("trouble"), AllOf(HasSubstr(R"("condition":"no-permission","harmless":false,"serial":"K1")"),
+                                            HasSubstr(R"("command":"sudo )")));
   machine_.SetUsable(0, true);
   machine_.Change(0);
   EXPECT_THAT(watch.Await("attached"), HasSubstr(R"("serial":"K1")"));
