@@ -16,6 +16,7 @@ QString Title(const CameraState& state) {
 
 CameraPage::CameraPage(StartWorker start, const QString& serial) : link_(std::move(start), serial) {
   empty_.setAlignment(Qt::AlignCenter);
+  empty_.setFocusPolicy(Qt::StrongFocus);  // its place is taken by the pictures, and so is the keyboard
   for (QWidget* widget : std::initializer_list<QWidget*>{&empty_, &grid_, &preview_}) stack_.addWidget(widget);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -62,6 +63,10 @@ void CameraPage::Refresh() {
     stack_.setCurrentWidget(&grid_);
   }
   if (link_.IsDone()) onDone();
+}
+
+void CameraPage::TakeKeyboard() {
+  stack_.currentWidget()->setFocus();
 }
 
 void CameraPage::Open(int picture) {

@@ -22,6 +22,8 @@ class CameraPage : public QWidget {
   std::function<void()> onDone = [] {};
 
   CameraLink& Link() { return link_; }
+  /// The pictures have the keyboard, as soon as there are some.
+  void TakeKeyboard();
 
  private:
   void Refresh();

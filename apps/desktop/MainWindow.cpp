@@ -69,9 +69,11 @@ void MainWindow::Attached(const QString& serial, bool present) {
     ShowPlace();
   }
   page->Link().Attach();
-  if (present) return;
-  tabs_.setCurrentWidget(page);
-  Raise();
+  if (!present) {
+    tabs_.setCurrentWidget(page);
+    Raise();
+  }
+  if (tabs_.currentWidget() == page) page->TakeKeyboard();
 }
 
 void MainWindow::RemovePage(const QString& serial) {

@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 
+#include "apps/desktop/Grid.h"
 #include "apps/desktop/testing/ScriptedWorker.h"
 #include "apps/desktop/testing/TestApplication.h"
 
@@ -53,6 +54,19 @@ TEST_F(MainWindowTest, ACameraThatIsPluggedInLaterIsShown) {
        Say(R"({"event":"attached","serial":"K2","present":false})") + kWait);
   ASSERT_TRUE(Await([&] { return Tabs()->count() == 2; }));
   EXPECT_EQ(Tabs()->currentIndex(), 1);
+}
+
+TEST_F(MainWindowTest, ThePicturesOfACameraThatComesHaveTheKeyboard) {
+  for (const char* present : {"true", "false"}) {
+    Open(Say(R"({"event":"attached","serial":"K1","present":true})") + "sleep 0.2\n" +
+         Say(R"({"event":"attached","serial":"K2","present":)" + QString(present) + "}") + kWait);
+    const int shown = QString(present) == "true" ? 0 : 1;
+    ASSERT_TRUE(Await([&] { return Tabs()->count() == 2; }));
+    EXPECT_TRUE(Await([&] {
+      const QWidget* page = Tabs()->widget(shown);
+      return dynamic_cast<Grid*>(window_->focusWidget()) != nullptr && page->isAncestorOf(window_->focusWidget());
+    })) << present;
+  }
 }
 
 TEST_F(MainWindowTest, ACameraThatIsUnpluggedGoes) {
