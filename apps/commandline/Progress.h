@@ -55,6 +55,8 @@ class Progress {
   /// Begins a part of the work, with bytes, files and time counted from here: "dates", "reading", "deleting". `total` is
   /// in bytes, 0 when unknown.
   void Phase(std::string_view phase, unsigned long long total = 0);
+  /// Another word for the phase: "comparing". Bytes, files and time go on.
+  void Now(std::string_view phase) { phase_ = phase; }
   /// Takes the line away.
   void Clear();
 

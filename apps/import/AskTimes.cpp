@@ -52,9 +52,9 @@ void AskTimes(Context& context, const boost::shared_ptr<Camera>& camera, const s
   }
   progress.Clear();
   if (done == 0) return;
-  context.reporter.Note("Read up to 64 KiB of " +
-                        (done == 1 ? "one new picture for its date."
-                                   : "each of " + std::to_string(done) + " new pictures for their dates."));
+  context.reporter.Note(
+      "Read up to 64 KiB of " +
+      (done == 1 ? "one picture for its date." : "each of " + std::to_string(done) + " pictures for their dates."));
 }
 
 void LearnTime(PictureTimes* times, const SyncItem& item, std::span<const char> start) {

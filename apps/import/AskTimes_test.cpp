@@ -56,7 +56,7 @@ TEST_F(AskTimesTest, AllFilesOfAPictureAreNamedByTheExifTimeOfItsJpeg) {
   EXPECT_THAT(Names(plan), ElementsAre("2026-03-14_150926/IMG_0001.JPG", "2026-03-14_150926/IMG_0001.RAW",
                                        "undated_undated/IMG_0002.JPG"));
   EXPECT_THAT(read_, ElementsAre("IMG_0001.JPG", "IMG_0002.JPG"));
-  EXPECT_THAT(Said(), HasSubstr("Read up to 64 KiB of each of 2 new pictures for their dates."));
+  EXPECT_THAT(Said(), HasSubstr("Read up to 64 KiB of each of 2 pictures for their dates."));
 }
 
 TEST_F(AskTimesTest, ThePicturesOfOneTypeHaveTheDateOfTheJpegToo) {

@@ -62,6 +62,7 @@ class Attempt {
     const bool asBefore = isWhole && *sha1 == atEnd.before;
     if ((!isSure && !asBefore) || work_.options.verify) {
       reader_.Select();
+      work_.ShowComparing();
       if (!Send(FileStream::What::kCompare, here->compared)) return true;
       const std::optional<bool> answer = stream_.IsEqual();
       if (!answer) return true;

@@ -61,6 +61,11 @@ FileStream::Piece FileStream::Next() {
   return {taken_.what, {taken_.bytes.get(), taken_.count}, taken_.verified};
 }
 
+bool FileStream::Await(std::chrono::milliseconds patience) {
+  std::unique_lock lock(mutex_);
+  return forWriter_.wait_for(lock, patience, [this] { return !queue_.empty(); });
+}
+
 void FileStream::PutHere(Here here) {
   const std::scoped_lock lock(mutex_);
   here_ = here;

@@ -1,6 +1,7 @@
 #ifndef KELVA_APPS_IMPORT_FILE_STREAM_H_
 #define KELVA_APPS_IMPORT_FILE_STREAM_H_
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -67,6 +68,8 @@ class FileStream {
   };
   /// Waits for the next piece; the last one is an end.
   Piece Next();
+  /// Waits for it at most so long. Whether there is one.
+  bool Await(std::chrono::milliseconds patience);
   void PutHere(Here here);
   void PutSha1(std::string sha1);
   void PutEqual(bool equal);

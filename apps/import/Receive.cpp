@@ -1,6 +1,7 @@
 // Writes a file that comes in pieces.
 #include "apps/import/Receive.h"
 
+#include <chrono>
 #include <utility>
 
 #include "apps/commandline/Failure.h"
@@ -12,6 +13,8 @@ namespace {
 // Less is read again sooner than a row is written.
 constexpr unsigned long long kWorthKeeping = 256U << 10;
 constexpr unsigned long long kWorthKeepingAtOnce = 32U << 20;
+// A camera that sends nothing for so long may hang, and what ends the command then waits for nobody.
+constexpr std::chrono::milliseconds kSilence{250};
 
 class Receiver {
  public:
@@ -53,6 +56,7 @@ class Receiver {
 
   std::optional<Received> Take() {
     while (true) {
+      if (written_ >= kWorthKeeping && !stream_.Await(kSilence)) TryKeep();
       const FileStream::Piece piece = stream_.Next();
       switch (piece.what) {
         case FileStream::What::kTail:
@@ -107,7 +111,12 @@ class Receiver {
   void Write(std::span<const char> bytes) {
     file_->Write(bytes);
     Add(bytes);
-    if (isKept_ || written_ < keepAt_) return;
+    if (written_ >= keepAt_) TryKeep();
+  }
+
+  // While more is to come.
+  void TryKeep() {
+    if (isKept_) return;
     try {
       Keep();
     } catch (const Failure&) {

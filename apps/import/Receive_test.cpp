@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <string_view>
+#include <thread>
 
 #include "apps/commandline/Failure.h"
 #include "apps/files/testing/RecordingCalls.h"
@@ -72,6 +74,20 @@ TEST_F(ReceiveTest, AFileThatItsReaderDropsLeavesNothing) {
   stream_.End(What::kDrop);
   EXPECT_FALSE(Run().has_value());
   EXPECT_EQ(RemoveLeftovers(folder_), 0);
+}
+
+// A camera that hangs: what ends the command then does not wait for what comes.
+TEST_F(ReceiveTest, APartIsKeptOnceNothingMoreComes) {
+  constexpr std::size_t kHalf = FileStream::kPiece;
+  std::thread writer([this] { Receive(stream_, {kKey, 2 * kHalf, kPath, folder_, std::nullopt}, manifest_); });
+  Put(std::string(kHalf, 'a'));
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (manifest_.Cuts().empty() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+  EXPECT_EQ(manifest_.Cuts().size(), 1U);
+  EXPECT_EQ(RemoveLeftovers(folder_), 0);
+  stream_.End(What::kDrop);
+  writer.join();
+  EXPECT_TRUE(manifest_.Cuts().empty()) << "what is of no use is not kept";
 }
 
 TEST_F(ReceiveTest, ADiskThatTakesNoMoreIsAFailure) {

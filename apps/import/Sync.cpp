@@ -84,6 +84,7 @@ void Sync::FetchWhole(const SyncItem& item, kelva::FileReader& reader, int numbe
   LearnTime(work_.times, item, bytes);
   if (work_.options.verify) {
     reader.Select();
+    work_.ShowComparing();
     if (ReadWhole(reader) != bytes) return work_.report.Fail(item, TwoReadsDiffer(item));
   }
   writers.Submit({&item, std::move(bytes), "", work_.options.verify, true, nullptr, 0, number});

@@ -45,6 +45,10 @@ std::string HowChecked(const SyncTotals& totals) {
 
 std::string SyncInWords(const SyncTotals& totals, bool early, bool since) {
   std::string text = FilesStored(totals, early) + HowChecked(totals);
+  if (totals.alreadyHere != 0) {
+    text += std::to_string(totals.alreadyHere) + " of the stored " + (totals.alreadyHere == 1 ? "was" : "were") +
+            " here already, with the same content.\n";
+  }
   if (totals.numbered != 0) {
     text += std::to_string(totals.numbered) + " got a number because " + (totals.numbered == 1 ? "its" : "their") +
             " name was taken (--verbose names them).\n";

@@ -24,7 +24,7 @@ void SyncWork::ForEach(const std::vector<const SyncItem*>& items, const Pass& pa
     } else {
       LetOthers(context);
     }
-    Show(done++, items.size(), *item);
+    Show(pass, done++, items.size(), *item);
     if (report.LeaveOut(*item)) continue;
     context.Doing(std::string(pass.verb) + " " + ShownPath(item->CameraPath()));
     Try(*item, [&] { work(*item); });
@@ -45,6 +45,7 @@ void SyncWork::Try(const SyncItem& item, const std::function<void()>& work) {
 
 std::string SyncWork::HashOnCamera(const SyncItem& item) {
   const InItem inItem = report.Begin(item);
+  ShowComparing();
   kelva::FileReader reader = files.Open(item);
   HoldForLong(context);
   return Sha1OfRemote(reader, [this](std::size_t count) { Came(count); });
@@ -55,8 +56,9 @@ void SyncWork::Came(std::size_t bytes) {
   progress_.At(bytes_);
 }
 
-void SyncWork::Show(std::size_t done, std::size_t count, const SyncItem& item) {
+void SyncWork::Show(const Pass& pass, std::size_t done, std::size_t count, const SyncItem& item) {
   if (!progress_.IsShown()) return;
+  progress_.Now(pass.phase);
   progress_.Name(item.LocalText());
   progress_.Files(done, count);
   progress_.At(bytes_);

@@ -62,11 +62,13 @@ class SyncWork {
   void Came(std::size_t bytes);
   /// The same; they are shown with the next file.
   void CameBefore(std::size_t bytes) { bytes_ += bytes; }
+  /// What comes now of this file came before: the progress says "comparing".
+  void ShowComparing() { progress_.Now("comparing"); }
   /// Takes the progress away.
   void Clear() { progress_.Clear(); }
 
  private:
-  void Show(std::size_t done, std::size_t count, const SyncItem& item);
+  void Show(const Pass& pass, std::size_t done, std::size_t count, const SyncItem& item);
 
   Progress progress_;
   unsigned long long bytes_ = 0;  // of this pass

@@ -216,6 +216,17 @@ TEST_F(SyncJsonTest, AFileThatFailsIsAnEventOfItsOwn) {
           "\"numbered\":false}"));
 }
 
+TEST_F(SyncJsonTest, ProgressSaysThatASecondReadIsCompared) {
+  Run();
+  // Longer than a script waits for the next event.
+  const auto due = Progress::Clock::now() + std::chrono::milliseconds(600);
+  camera_.onRead = [&](const std::string&) {
+    while (Progress::Clock::now() < due) std::this_thread::yield();
+  };
+  Run({.deleteAfter = true});
+  EXPECT_THAT(Said(), HasSubstr("\"files_total\":2,\"phase\":\"comparing\""));
+}
+
 TEST_F(SyncJsonTest, ProgressSaysWhichFileIsNextOfHowManyAndHowMuchCame) {
   manifest_.Record({{KeyOf(Picture(3), 1, "K1"), "here.jpg", "", 3, false, false}});  // not read, so not counted
   // Longer than a script waits for the next event.

@@ -81,7 +81,7 @@ class DatesTest(Bus):
         names = [line.split()[2] for line in run.stdout.splitlines() if "->" in line]
         self.assertEqual(names, ["2024/02/IMG_0001." + end for end in ("JPG", "RAW", "TXT", "128")] +
                          ["2020/01/IMG_0002.JPG", "2020/01/IMG_0002.RAW"])
-        self.assertIn("Read up to 64 KiB of each of 2 new pictures for their dates.", run.stderr)
+        self.assertIn("Read up to 64 KiB of each of 2 pictures for their dates.", run.stderr)
         self.assertFalse(os.path.exists(self.target))
         _, said = self.sync("--by", "month")
         self.assertIn('"phase":"dates"', said.replace(" ", ""))

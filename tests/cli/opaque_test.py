@@ -122,7 +122,7 @@ class OpaqueTest(Bus):
             out = self.out + "/dated"
             preview = self.works("sync", out, *words, "--dry-run")
             self.assertEqual([line.split()[2] for line in preview.stdout.splitlines() if "->" in line], names)
-            self.assertIn("Read up to 64 KiB of each of 2 new pictures for their dates.", preview.stderr)
+            self.assertIn("Read up to 64 KiB of each of 2 pictures for their dates.", preview.stderr)
             self.assertEqual(self.document("sync", out, *words)["undated"], 0)
             for name, time in zip(names, ("2024-02-29 23:59:58", "2024-02-29 23:59:58", "2025-07-01 06:05:04")):
                 changed = datetime.datetime.fromtimestamp(os.path.getmtime(os.path.join(out, name)))

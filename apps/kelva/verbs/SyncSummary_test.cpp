@@ -22,6 +22,14 @@ TEST_F(SyncSummaryTest, CountsWhatWasStoredAndWhatWasKnown) {
   EXPECT_EQ(Run({"sync", target.c_str()}).out, "0 stored (0 B), 1 known before, 0 failed\n");
 }
 
+TEST_F(SyncSummaryTest, SaysWhatWasHereAlready) {
+  Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
+  Run({"sync", target.c_str()});
+  std::filesystem::remove(target + "/.kelva-manifest.sqlite");
+  EXPECT_THAT(Run({"sync", target.c_str()}).out,
+              HasSubstr("\n1 of the stored was here already, with the same content.\n"));
+}
+
 TEST_F(SyncSummaryTest, SaysHowFilesWereChecked) {
   Put("DCIM/100ABCDE/IMG_0001.JPG", "one");
   Put("DCIM/100ABCDE/IMG_0001.RAW", "raw data");

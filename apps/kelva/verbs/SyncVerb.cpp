@@ -127,7 +127,7 @@ What lies below DCIM and MISC and is not in the catalogue (videos, panoramas, fi
 a file has no SHA-1 and no time on the camera: its path and size tell whether it was fetched before, and --verify reads it
 twice.
 
---delete-after-verify names the first pictures when it asks, and all of them with --dry-run. It leaves a file on the camera
+--delete-after-verify names the first pictures when it asks (with --all the cameras), and all of them with --dry-run. It leaves a file on the camera
 that was edited, moved or deleted here; --dry-run does not look for that. It deletes a picture again that
 was deleted on the camera and put back there. --forget PICTURE lets go what was
 moved or deleted on purpose: from then on --delete-after-verify deletes it on the camera, if it is still what was fetched. An
