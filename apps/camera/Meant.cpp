@@ -120,6 +120,10 @@ std::string TheOne(const std::vector<std::string>& meant, const std::string& cam
 
 }  // namespace
 
+std::optional<CameraDirent> EntryIfListed(KnownListings& listings, const std::string& cameraPath) {
+  return ListIfThere(listings, Split(cameraPath).folder).empty() ? std::nullopt : listings.Find(cameraPath);
+}
+
 bool MatchesName(const std::string& pattern, const std::string& name) {
   return ::fnmatch(pattern.c_str(), name.c_str(), FNM_NOESCAPE | FNM_CASEFOLD) == 0;
 }

@@ -1,9 +1,11 @@
 #ifndef KELVA_APPS_CAMERA_MEANT_H_
 #define KELVA_APPS_CAMERA_MEANT_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "apps/camera/FolderListing.h"
 #include "apps/commandline/Context.h"
 #include "src/wifi/Camera.h"
 
@@ -32,6 +34,9 @@ std::vector<std::string> AllFilesMeant(Context& context, Camera& camera, const s
 /// A path with its folder as the camera lists it; the last part, which may be new, only where it is listed. For the target
 /// of a file.
 std::string InListedFolder(Context& context, Camera& camera, const std::string& cameraPath);
+
+/// The entry of a path. Nothing without one, nor in a folder that the camera refuses to list: the folder is not there.
+std::optional<CameraDirent> EntryIfListed(KnownListings& listings, const std::string& cameraPath);
 
 /// Whether a name matches a pattern with * ? and [...], in any case of letters.
 bool MatchesName(const std::string& pattern, const std::string& name);

@@ -61,10 +61,18 @@ std::string StartOfADate(std::string text) {
                     Printable(text) + "\".");
 }
 
+// The name of a folder below DCIM, also of its path as it is printed, or with a slash behind it.
+std::string NameOfFolder(std::string typed) {
+  while (typed.ends_with('/')) typed.pop_back();
+  const SplitPath split = Split(ToCameraPath(typed));
+  return SameName(split.folder, "I:\\DCIM") ? split.name : typed;
+}
+
 }  // namespace
 
 PictureChoice::PictureChoice(const Context& context)
     : since_(context.call.Value("since")), folder_(context.call.Value("folder")) {
+  if (folder_) folder_ = NameOfFolder(*folder_);
   if (since_) since_ = StartOfADate(*since_);
 }
 

@@ -74,6 +74,10 @@ TEST_F(PictureChoiceTest, AFolderMayBeAPatternInAnyCase) {
   EXPECT_THAT(Chosen(all_), ElementsAre(3, 4));
   call_.Add("folder", "10*");
   EXPECT_THAT(Chosen(all_), ElementsAre(1, 2, 3, 4));
+  for (const char* path : {"101ABCDE/", "DCIM/101ABCDE", "I:/DCIM/101ABCDE", "/dcim/101*/"}) {
+    call_.Add("folder", path);
+    EXPECT_THAT(Chosen(all_), ElementsAre(3, 4)) << path;
+  }
   call_.Add("folder", "102ABCDE");
   EXPECT_THAT(Chosen(all_), ElementsAre());
 }

@@ -88,12 +88,16 @@ RemoteFile::RemoteFile(Context& context, boost::shared_ptr<Camera> camera, std::
                std::to_string(reader_->Size()) + ", twice; nothing was read, try again when the file is at rest.");
 }
 
-void RemoteFile::Read(const std::function<void(std::span<const char>)>& take) {
+void RemoteFile::Read(const Take& take) {
+  Progress progress(context_.reporter, context_.stop, Split(path_).name, Size());
+  Read(progress, 0, take);
+}
+
+void RemoteFile::Read(Progress& progress, unsigned long long before, const Take& take) {
   if (!reader_) return;
-  Progress progress(context_.reporter, context_.stop, Split(path_).name, reader_->Size());
   std::vector<char> piece(kPiece);
   for (std::size_t count = piece.size(); count == piece.size();) {
-    progress.At(reader_->Position());
+    progress.At(before + reader_->Position());
     count = reader_->ReadOn(piece);
     take(std::span(piece).first(count));
     LetOthers(context_, *reader_, std::span(piece).first(count));

@@ -10,6 +10,7 @@
 
 #include "apps/camera/FolderListing.h"
 #include "apps/commandline/Context.h"
+#include "apps/commandline/Progress.h"
 #include "src/wifi/Camera.h"
 #include "src/wifi/FileReader.h"
 #include "src/wifi/FileWriter.h"
@@ -34,9 +35,12 @@ class RemoteFile {
 
   unsigned long long Size() const { return reader_ ? reader_->Size() : 0; }
 
+  using Take = std::function<void(std::span<const char>)>;
   /// Hands all bytes to `take`, in order, in pieces of 64 KiB, and shows the progress. The bytes are valid during the call
   /// only. Throws CameraError, Stopped, and what `take` throws.
-  void Read(const std::function<void(std::span<const char>)>& take);
+  void Read(const Take& take);
+  /// The same as a part of more work, of which `before` bytes are done.
+  void Read(Progress& progress, unsigned long long before, const Take& take);
 
  private:
   Context& context_;

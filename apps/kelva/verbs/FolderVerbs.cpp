@@ -65,8 +65,9 @@ std::string WantedFolder(const Context& context) {
 std::string FolderMeant(Context& context, Camera& camera, const std::string& typed) {
   std::string path = MeantOne(context, camera, typed);
   if (Split(path).name.empty()) return path;
-  RequireFolder(camera, Split(path).folder);
-  const auto entry = FindEntry(camera, path);
+  path = RequireFolder(camera, Split(path).folder) + "\\" + Split(path).name;
+  KnownListings listings(camera);
+  const auto entry = EntryIfListed(listings, path);
   if (!entry) throw Failure(ExitCode::kFailed, "There is no folder " + ShownPath(path) + " on the camera.");
   if (!IsFolder(*entry)) throw Failure(ExitCode::kFailed, ShownPath(path) + " is a file; `kelva get` fetches it.");
   return path;

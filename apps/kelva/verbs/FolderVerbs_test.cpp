@@ -1,8 +1,11 @@
+#include <gmock/gmock.h>
+
 #include "apps/kelva/verbs/testing/VerbTest.h"
 
 namespace apps {
 namespace {
 
+using testing::HasSubstr;
 using FolderVerbsTest = VerbTest;
 
 TEST_F(FolderVerbsTest, AFolderIsListedWithControlCharactersMadeVisible) {
@@ -26,6 +29,9 @@ TEST_F(FolderVerbsTest, AFolderThatIsMissingAndAFileAreErrors) {
   EXPECT_EQ(Run({"ls", "A.TXT"}).err, "kelva: I:/A.TXT is a file; `kelva get` fetches it.\n");
   EXPECT_EQ(Run({"ls", "../x"}).err,
             "kelva: There is no folder I:/.. on the camera; `kelva ls I:` shows what is there.\n");
+  Put("DCIM/B.TXT", "");
+  EXPECT_THAT(Run({"ls", "dcim/nope"}).err, HasSubstr("There is no folder I:/DCIM/nope on the camera."));
+  EXPECT_THAT(Run({"ls", "D:/DCIM"}).err, HasSubstr("There is no folder D:/DCIM on the camera."));
   EXPECT_EQ(Run({"ls", ""}).code, ExitCode::kUsage);
 }
 

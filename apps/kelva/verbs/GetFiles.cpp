@@ -22,16 +22,6 @@
 namespace apps {
 namespace {
 
-// Nothing for a path in a folder that the camera refuses to list: the folder is not there.
-std::optional<CameraDirent> EntryIfListed(Context& context, KnownListings& listings, const std::string& path) {
-  try {
-    return listings.Find(path);
-  } catch (const CameraError& error) {
-    if (Explain(error, context).code != ExitCode::kRefused) throw;
-    return std::nullopt;
-  }
-}
-
 // The safe names between two backslashes.
 void AddNames(std::string_view path, std::vector<std::string>& names) {
   while (!path.empty()) {
@@ -64,6 +54,7 @@ GetFiles::GetFiles(Context& context, const Session& camera, const TargetFolder& 
       folders_(target, [](const std::string&) { return true; }),
       options_(std::move(options)),
       each_(context, "files", CameraResult(camera)),
+      progress_(context.reporter, context.stop, "", 0),
       listings_(*camera),
       sizes_(*camera) {
   each_.TellAtEnd([done = done_, camera = CameraResult(camera)] {
@@ -91,7 +82,7 @@ void GetFiles::Fail(const std::string& path, const std::exception_ptr& error) {
 void GetFiles::AddMeant(const std::string& typed, const std::string& path) {
   if (Split(path).name.empty()) return AddFolder(path);
   if (!IsPattern(path)) {
-    const auto entry = EntryIfListed(context_, listings_, path);
+    const auto entry = EntryIfListed(listings_, path);
     // A name in another case of letters is another file for some cameras; FilesMeant finds how the camera writes it.
     if (entry && entry->name == Split(path).name) return AddEntry(path, *entry);
   }
@@ -99,10 +90,14 @@ void GetFiles::AddMeant(const std::string& typed, const std::string& path) {
   if (meant.size() > 1) areMany_ = true;
   for (const std::string& one : meant) {
     LetOthers(context_);
-    if (const auto size = sizes_.SizeOf(one)) {
-      AddFile(one, *size);
-    } else {
-      AddEntry(one, EntryIfListed(context_, listings_, one).value_or(CameraDirent{}));
+    try {
+      if (const auto size = sizes_.SizeOf(one)) {
+        AddFile(one, *size);
+      } else {
+        AddEntry(one, EntryIfListed(listings_, one).value_or(CameraDirent{}));
+      }
+    } catch (const Failure&) {
+      Fail(one, std::current_exception());
     }
   }
 }
@@ -152,11 +147,13 @@ void GetFiles::AddFile(const std::string& path, unsigned long long size) {
 
 void GetFiles::AddGroup(Group group) {
   done_->expected += group.files.size();
+  for (const auto& file : group.files) bytes_ += file.second;
   groups_.push_back(std::move(group));
 }
 
 ExitCode GetFiles::Fetch() {
   done_->isListed = true;
+  progress_.Phase(done_->expected > 1 ? "reading" : "", bytes_);
   try {
     for (const Group& group : groups_) FetchGroup(group);
   } catch (const std::exception& error) {
@@ -167,11 +164,17 @@ ExitCode GetFiles::Fetch() {
   return Finish();
 }
 
+void GetFiles::Show(const std::string& name) {
+  progress_.Name(name);
+  if (done_->expected > 1) progress_.Files(tried_++, done_->expected);
+}
+
 void GetFiles::FetchGroup(const Group& group) {
   for (const auto& [name, size] : group.files) {
     if (ended_) return;
     LetOthers(context_);
     context_.stop.Check();
+    Show(name);
     FetchFile(group.folder + "\\" + name, size, {group.into, SafeName(name)});
   }
 }
@@ -204,7 +207,7 @@ Json GetFiles::Store(const std::string& path, unsigned long long size, const Loc
   }
   RemoteFile remote(context_, camera_.Pointer(), path, size);
   NewFile file(*folder);
-  remote.Read([&](std::span<const char> bytes) { file.Write(bytes); });
+  remote.Read(progress_, done_->bytes, [&](std::span<const char> bytes) { file.Write(bytes); });
   context_.stop.Check();
   options_.replace ? NameReplacing(*folder, file, name) : NameNew(*folder, file, name);
   stored_.insert(stored.Text());
@@ -215,6 +218,7 @@ Json GetFiles::Store(const std::string& path, unsigned long long size, const Loc
 }
 
 ExitCode GetFiles::Finish() {
+  progress_.Clear();
   folders_.Flush(ways_);
   std::string text = std::to_string(done_->files) + " fetched (" + Bytes(done_->bytes) + "), " +
                      std::to_string(each_.Failed()) + " failed";

@@ -14,6 +14,7 @@
 #include "apps/camera/ListedSizes.h"
 #include "apps/camera/Session.h"
 #include "apps/commandline/Context.h"
+#include "apps/commandline/Progress.h"
 #include "apps/files/TargetFolder.h"
 #include "apps/import/Folders.h"
 #include "apps/kelva/verbs/Each.h"
@@ -54,6 +55,7 @@ class GetFiles {
   void AddGroup(Group group);
   void Fail(const std::string& path, const std::exception_ptr& error);
   void FetchGroup(const Group& group);
+  void Show(const std::string& name);
   void FetchFile(const std::string& path, unsigned long long size, const LocalPath& local);
   Json Store(const std::string& path, unsigned long long size, const LocalPath& local);
   ExitCode Finish();
@@ -75,6 +77,9 @@ class GetFiles {
   Folders folders_;
   const GetOptions options_;
   Each each_;
+  Progress progress_;
+  unsigned long long bytes_ = 0;  ///< of all files, as they are listed
+  std::size_t tried_ = 0;
   KnownListings listings_;  ///< of paths that were named; each file is held against its size when it is read
   ListedSizes sizes_;
   std::vector<Group> groups_;

@@ -92,6 +92,21 @@ TEST_F(GetFilesTest, APatternThatMatchesNothingIsAFailure) {
   EXPECT_EQ(ran.err, "kelva: Nothing on the camera matches 'I:/DCIM/*/*.AVI'.\n");
 }
 
+TEST_F(GetFilesTest, AFolderThatAPatternMatchesLeavesItsFiles) {
+  Put("LOG.TXT", "log");
+  const Ran ran = Get({"*"});
+  EXPECT_EQ(ran.code, ExitCode::kPartial);
+  EXPECT_THAT(ran.err, HasSubstr("I:/DCIM is a folder; --recursive fetches all that is in it."));
+  EXPECT_EQ(ran.out, "1 fetched (3 B), 1 failed\n");
+  EXPECT_TRUE(Here("LOG.TXT"));
+}
+
+TEST_F(GetFilesTest, ProgressCountsTheFiles) {
+  const std::string err = Get({"-r", "DCIM", "--json"}).err;
+  EXPECT_THAT(err, HasSubstr(R"("total":22,)"));
+  EXPECT_THAT(err, HasSubstr(R"("index":0,"files":0,"files_total":4,"phase":"reading")"));
+}
+
 TEST_F(GetFilesTest, OneThatFailsLeavesTheRest) {
   std::filesystem::create_directories(folder / "new/out/DCIM/100ABCDE");
   std::filesystem::create_directory(folder / "new/out/DCIM/100ABCDE/IMG_0001.JPG");

@@ -179,7 +179,7 @@ and the new file gets a number. Of a file 256 MiB are read at most.)",
      "files: array of key, qualifier, file, size, sha1, or of path and error\nfailed: how many were not fetched",
      kGetExamples, RunBatchGet},
     {"batch rm", "Delete files by their SHA-1", kPlainKeys, kRmOptions,
-     R"(On a terminal it names the files and asks first; elsewhere the command itself is consent. Asks the camera first which of the files it has, and sends their keys in one command. A key that it does not have
+     R"(On a terminal it names the keys and asks first; elsewhere the command itself is consent. Asks the camera first which of the files it has, and sends their keys in one command. A key that it does not have
 fails, and so does that of an empty file, which looks the same. The camera does not report each deletion; `kelva pictures`
 shows what is left.)",
      "keys: how many were sent, or would be\nfiles: array of key, or of path and error\nfailed: how many the camera "
