@@ -5,7 +5,7 @@
 #include "tools/draw-pictures/JpegFile.h"
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
+  if (argc != 2 || argv[1][0] == '-') {
     std::fputs("Usage: draw-pictures FOLDER\nDraws twelve JPEG files into FOLDER/DCIM/100KELVA.\n", stderr);
     return 2;
   }
