@@ -101,14 +101,19 @@ std::vector<std::string> PicturesMeant(KnownListings& listings, const std::strin
   return Matching(listings, std::string(kPictures) + "\\*\\" + name, MatchesName);
 }
 
-bool IsBareName(std::string_view typed) {
-  return typed.find_first_of("/\\:") == std::string_view::npos;
+// What a word may also mean that no path from the drive on means: a file's name, or its folder's and its own.
+std::vector<std::string> BelowPictures(Context& context, KnownListings& listings, std::string_view typed,
+                                       const std::string& path) {
+  if (typed.starts_with('/') || typed.starts_with('\\') || typed.find(':') != std::string_view::npos) return {};
+  const SplitPath split = Split(path);
+  if (Split(split.folder).name.empty()) return PicturesMeant(listings, split.name);
+  return Found(context, listings, kPictures + path.substr(path.find('\\')));
 }
 
 std::vector<std::string> FilesMeant(Context& context, KnownListings& listings, const std::string& typed) {
   const std::string path = ToCameraPath(typed);
   std::vector<std::string> found = Found(context, listings, path);
-  if (found.empty() && IsBareName(typed)) found = PicturesMeant(listings, Split(path).name);
+  if (found.empty()) found = BelowPictures(context, listings, typed, path);
   return OrItself(std::move(found), path);
 }
 

@@ -21,8 +21,8 @@ std::vector<std::string> Meant(Context& context, Camera& camera, const std::stri
 std::string MeantOne(Context& context, Camera& camera, const std::string& cameraPath);
 
 /// As Meant, for a path as it was typed. A name without a folder also means a file in one of the picture folders below DCIM,
-/// where nothing on the drive itself has that name. Throws Failure(kUsage) when it lies in several of them and is no pattern,
-/// and as ToCameraPath.
+/// where nothing on the drive itself has that name; "100ABCDE/IMG_0001.JPG" also means what lies so below DCIM. Throws
+/// Failure(kUsage) when a name lies in several folders and is no pattern, and as ToCameraPath.
 std::vector<std::string> FilesMeant(Context& context, Camera& camera, const std::string& typed);
 
 /// As FilesMeant, for a path that has to mean one thing; as MeantOne.

@@ -56,6 +56,19 @@ TEST_F(MeantTest, ANameAloneMeansAFileOfThePictureFolders) {
   EXPECT_THAT(FilesMeant(context_, camera_, "IMG_0009.JPG"), ElementsAre("I:\\IMG_0009.JPG")) << "as it would be typed";
 }
 
+TEST_F(MeantTest, APictureFolderNeedsNoDcimBeforeIt) {
+  EXPECT_THAT(FilesMeant(context_, camera_, "100ABCDE/IMG_0001.JPG"), ElementsAre("I:\\DCIM\\100ABCDE\\IMG_0001.JPG"));
+  EXPECT_THAT(FilesMeant(context_, camera_, "100abcde\\img_0001.jpg"), ElementsAre("I:\\DCIM\\100ABCDE\\IMG_0001.JPG"));
+  EXPECT_THAT(FilesMeant(context_, camera_, "10?ABCDE/MVI*"),
+              ElementsAre("I:\\DCIM\\100ABCDE\\MVI_0002.MP4", "I:\\DCIM\\101ABCDE\\MVI_0003.MP4"));
+  EXPECT_THAT(FilesMeant(context_, camera_, "100ABCDE/IMG_0009.JPG"), ElementsAre("I:\\100ABCDE\\IMG_0009.JPG"))
+      << "as it would be typed";
+  camera_.tree["I:"].push_back({"100ABCDE", 0, 0x10});
+  camera_.tree["I:\\100ABCDE"] = {{"IMG_0001.JPG", 3, 0x20}};
+  EXPECT_THAT(FilesMeant(context_, camera_, "100ABCDE/IMG_0001.JPG"), ElementsAre("I:\\100ABCDE\\IMG_0001.JPG"))
+      << "what is on the drive itself comes first";
+}
+
 TEST_F(MeantTest, ANameAloneMeansFirstWhatIsOnTheDriveItself) {
   camera_.tree["I:\\DCIM\\100ABCDE"].push_back({"A.TXT", 3, 0x20});
   EXPECT_THAT(FilesMeant(context_, camera_, "a.txt"), ElementsAre("I:\\A.TXT"));
@@ -65,6 +78,9 @@ TEST_F(MeantTest, ANameAloneMeansFirstWhatIsOnTheDriveItself) {
 TEST_F(MeantTest, APathOfTheDriveIsNoNameAlone) {
   for (const char* typed : {"/IMG_0001.JPG", "I:/IMG_0001.JPG", "I:\\IMG_0001.JPG", "\\IMG_0001.JPG"}) {
     EXPECT_THAT(FilesMeant(context_, camera_, typed), ElementsAre("I:\\IMG_0001.JPG")) << typed;
+  }
+  for (const char* typed : {"/100ABCDE/IMG_0001.JPG", "\\100ABCDE\\IMG_0001.JPG"}) {
+    EXPECT_THAT(FilesMeant(context_, camera_, typed), ElementsAre(ToCameraPath(typed))) << typed;
   }
 }
 

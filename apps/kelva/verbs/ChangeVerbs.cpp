@@ -130,7 +130,8 @@ before, and once more after all the files: one that is not there, or that stays,
 picture with all its files.
 
 A name without a folder, such as IMG_0001.JPG or 'IMG_00*.JPG', means what is directly on the drive I:, and otherwise files
-in the picture folders below DCIM. If it lies in several of them and is no pattern, nothing is deleted (exit status 2).
+in the picture folders below DCIM. If it lies in several of them and is no pattern, nothing is deleted (exit status 2);
+100ABCDE/IMG_0001.JPG names one.
 
 In a pattern * ? and [...] match within a name, in any case of letters. Put it in quotes, so that the shell leaves it
 alone.)",

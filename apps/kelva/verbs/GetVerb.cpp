@@ -103,7 +103,7 @@ when it is whole, so an interrupted command leaves nothing behind. An existing f
 Bytes of a name that are not safe here (control characters, a slash, a dot at the start) are written as %XX.
 
 A name without a folder, such as IMG_0001.JPG or 'IMG_00*.JPG', means what is directly on the drive I:, and otherwise files
-in the picture folders below DCIM. A name that lies in several of them needs its folder too.
+in the picture folders below DCIM. A name that lies in several of them needs its folder too: 100ABCDE/IMG_0001.JPG.
 
 A pattern and a folder may mean many files: a summary ends the command, and a file that fails leaves the rest (exit
 status 6). With --recursive a folder keeps its name and those of the folders in it. All folders are listed before the first
