@@ -143,7 +143,9 @@ bool Try(SyncWork& work, const CutFiles& cuts, Writers& writers, const SyncItem&
   try {
     return Attempt(work, cuts, item, reader, *stream).SendAll(sending, isLast, atEnd);
   } catch (const kelva::FileReadError& error) {
-    if (error.Why() != kelva::FileReadError::Reason::kCameraLost) sending.Drop();
+    // More than was announced, or another size: what came is not the file that the row would name.
+    using Reason = kelva::FileReadError::Reason;
+    if (error.Why() == Reason::kSurplus || error.Why() == Reason::kSizeChanged) sending.Drop();
     throw;
   }
 }

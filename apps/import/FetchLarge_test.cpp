@@ -300,6 +300,18 @@ TEST_F(CutTransfersTest, AStopKeepsThePartToo) {
   EXPECT_EQ(Parts().size(), 1U);
 }
 
+TEST_F(CutTransfersTest, AFileThatEndsTooSoonIsTakenUpWhereItEnded) {
+  camera_.endsAt = 3 * kMegabyte + 5;
+  EXPECT_EQ(Run({}, {Picture(1)}).failed, 1U);
+  ASSERT_EQ(Parts().size(), 1U);
+  EXPECT_FALSE(std::filesystem::exists(path_ + "/100ABCDE/IMG_0001.JPG"));
+  camera_.endsAt = std::string::npos;
+  const SyncTotals totals = Run({}, {Picture(1)});
+  EXPECT_EQ(totals.resumed, 1U);
+  EXPECT_TRUE(Text("100ABCDE/IMG_0001.JPG") == Whole());
+  EXPECT_THAT(Parts(), testing::IsEmpty());
+}
+
 TEST_F(CutTransfersTest, WhatCannotBeWrittenIsNotKept) {
   RecordingCalls calls(path_);
   calls.FailEach(10, 1 << 20, ENOSPC, "write ");

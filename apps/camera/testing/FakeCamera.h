@@ -67,12 +67,13 @@ class FakeCamera : public wifi_testing::PlainCamera {
   std::vector<DcfObj> catalogue;
   int reads = 0;
   int listings = 0;
-  int lie = 0;               ///< added to every size in a listing
-  std::string damage;        ///< added to every file that is written
-  std::string forbidden;     ///< deleting this one is an error
-  bool lastFlag = false;     ///< that the last command was sent with
-  bool endless = false;      ///< a read of a file goes on until somebody ends it
-  bool writeBreaks = false;  ///< writing ends in an error, half of it done
+  int lie = 0;                             ///< added to every size in a listing
+  std::string damage;                      ///< added to every file that is written
+  std::string forbidden;                   ///< deleting this one is an error
+  bool lastFlag = false;                   ///< that the last command was sent with
+  bool endless = false;                    ///< a read of a file goes on until somebody ends it
+  std::size_t endsAt = std::string::npos;  ///< no more of a file is sent, whatever size was announced
+  bool writeBreaks = false;                ///< writing ends in an error, half of it done
   bool stubborn = false;
   bool refuses = false;
   std::function<void(const std::string& path)> onRead;                ///< before anything is sent
@@ -102,7 +103,9 @@ class FakeCamera : public wifi_testing::PlainCamera {
   bool Send(std::size_t offset, int& size, char* buffer) const {
     if (endless && !isListing_) return true;
     if (onSend && !isListing_) onSend(offset, std::min(static_cast<std::size_t>(size), selected_.size()));
-    const std::string piece = selected_.substr(std::min(offset, selected_.size()), static_cast<std::size_t>(size));
+    const std::size_t end = isListing_ ? selected_.size() : std::min(selected_.size(), endsAt);
+    const std::string piece =
+        selected_.substr(std::min(offset, end), std::min(end - std::min(offset, end), static_cast<std::size_t>(size)));
     piece.copy(buffer, piece.size());
     size = static_cast<int>(piece.size());
     return true;
