@@ -35,9 +35,24 @@ bool IsMarkup(std::string_view head) {
   return std::any_of(kStarts.begin(), kStarts.end(), [&](std::string_view known) { return start.starts_with(known); });
 }
 
+// The text behind a mark of UTF-16; what has no such mark as it is. A letter of Latin-1 becomes '?', and any other character
+// a zero: an image may begin with those two bytes too, and almost no two of its bytes would be a letter.
+std::string FromUtf16(std::string_view head) {
+  const bool bigFirst = head.starts_with("\xFE\xFF");
+  if (!bigFirst && !head.starts_with("\xFF\xFE")) return std::string(head);
+  std::string text;
+  for (std::size_t at = 2; at + 1 < head.size(); at += 2) {
+    const auto high = static_cast<unsigned char>(head[bigFirst ? at : at + 1]);
+    const auto low = static_cast<unsigned char>(head[bigFirst ? at + 1 : at]);
+    text += static_cast<char>(high != 0 ? 0 : low >= 0xA0 ? '?' : low);
+  }
+  return text;
+}
+
 }  // namespace
 
-std::string_view TextKind(std::string_view head) {
+std::string_view TextKind(std::string_view bytes) {
+  const std::string head = FromUtf16(bytes);
   if (head.empty()) return "";
   if (IsMarkup(head)) return "an HTML page";
   return IsText(head) ? "a text" : "";
