@@ -24,6 +24,12 @@
 namespace apps {
 namespace {
 
+// The file that a thumbnail is of; of a picture without a JPEG file the first that it has.
+std::string ShownFile(const DcfObj& picture) {
+  const std::vector<int> types = FileTypes(picture);
+  return PicturePath(picture, types.empty() ? kFirstFileType : types.front());
+}
+
 // Thumbnails of a camera's pictures, stored in a folder.
 class Thumbs {
  public:
@@ -32,7 +38,7 @@ class Thumbs {
 
   Json Store(const DcfObj& picture) {
     context_.stop.Check();
-    const std::string path = PicturePath(picture, kFirstFileType);
+    const std::string path = ShownFile(picture);
     context_.Doing("read " + ShownPath(path));
     const std::string name = SafeName(PictureStem(picture)) + "_thumb.jpg";
     CheckFree(name);
@@ -121,7 +127,7 @@ ExitCode RunThumb(Context& context) {
     for (const DcfObj& picture : PicturesOf(each, catalogue, word)) {
       if (!named.insert(PictureName(picture)).second) continue;
       LetOthers(context);
-      each.Try(PicturePath(picture, kFirstFileType), [&] { return thumbs.Store(picture); });
+      each.Try(ShownFile(picture), [&] { return thumbs.Store(picture); });
     }
   }
   return each.Finish(CameraResult(camera));

@@ -63,7 +63,7 @@ TEST_F(ThumbVerbTest, WhatCannotBeDrawnIsReportedAndTheRestGoesOn) {
   EXPECT_EQ(ran.code, ExitCode::kPartial);
   EXPECT_THAT(ran.err, HasSubstr("There is no thumbnail of I:/DCIM/100ABCDE/IMG_0003.JPG: it is no JPEG file"));
   EXPECT_THAT(ran.err,
-              HasSubstr("There is no thumbnail of I:/DCIM/101ABCDE/IMG_0004.JPG: the picture has no JPEG file."));
+              HasSubstr("There is no thumbnail of I:/DCIM/101ABCDE/IMG_0004.RAW: the picture has no JPEG file."));
   EXPECT_THAT(ran.err, HasSubstr("No picture in the camera's catalogue is called IMG_0005"));
   EXPECT_EQ(ran.out, into + "/IMG_0002_thumb.jpg\n");
 }
