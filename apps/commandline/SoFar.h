@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "apps/commandline/Json.h"
 
@@ -19,10 +20,10 @@ class SoFar {
   };
 
   /// `done` may be called by another thread until the program ends, while the command still runs or after it returned. It
-  /// waits for nothing.
-  void Tell(std::function<Done()> done) {
+  /// waits for nothing. Returns what was told before, empty without.
+  std::function<Done()> Tell(std::function<Done()> done) {
     const std::scoped_lock lock(mutex_);
-    done_ = std::move(done);
+    return std::exchange(done_, std::move(done));
   }
   /// Nothing when the command did not tell.
   std::optional<Done> Ask() const {

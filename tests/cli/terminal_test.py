@@ -115,6 +115,18 @@ class TerminalTest(Bus):
         self.assertEqual(self.terminal("rm", "--yes", "I:/A.TXT").end()[0], 0)
         self.assertFalse(os.path.exists(path))
 
+    def test_ctrl_c_at_a_question_is_a_no(self):
+        self.put("A.TXT", b"x")
+        for options in ((), ("--json",)):
+            run = self.terminal("rm", "I:/A.TXT", *options)
+            run.read_until(b"Type yes and press Enter:")
+            run.type(b"\x03")
+            code, seen = run.end()
+            self.assertEqual(code, 130, seen)
+            self.assertIn(b"Stopped: nothing was deleted.", seen)
+            self.assertTrue(os.path.exists(self.drive + "/A.TXT"))
+        self.assertIn(b'"error":"Stopped: nothing was deleted."', seen)
+
     def test_batch_rm_asks_on_a_terminal_too(self):
         self.put("DCIM/100ABCDE/IMG_0001.JPG", b"one")
         key = bench_of_cameras.digest(b"one")

@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <string_view>
+#include <thread>
+#include <utility>
 
 #include "apps/commandline/Failure.h"
+#include "apps/commandline/SoFar.h"
 #include "apps/commandline/testing/SilentContext.h"
 #include "base/FileDescriptor.h"
 #include "base/testing/UnnamedFile.h"
@@ -49,6 +53,23 @@ TEST_F(ConsentTest, TheFirstTenThingsAreShownAndHowManyMoreThereAre) {
   Ask(context_, question);
   EXPECT_TRUE(Said().ends_with("kelva:   F10\nkelva:   and 3 more\nkelva: Delete? Type yes and press Enter:\n"))
       << Said();
+}
+
+TEST_F(ConsentTest, WhoEndsTheCommandAtTheQuestionIsToldWhatIsTrue) {
+  SoFar soFar;
+  soFar.Tell([] { return SoFar::Done{"2 of 3 deleted", std::move(Json::Object().Set("failed", 1))}; });
+  context_.soFar = &soFar;
+  std::array<int, 2> typed{};
+  ASSERT_EQ(::pipe(typed.data()), 0);
+  ::dup2(typed[0], STDIN_FILENO);
+  ::close(typed[0]);
+  std::thread asking([&] { Ask(context_, kQuestion); });
+  while (soFar.Ask()->words != "nothing was deleted") std::this_thread::yield();
+  EXPECT_EQ(soFar.Ask()->members.Text(), R"({"failed":1})");
+  EXPECT_EQ(::write(typed[1], "yes\n", 4), 4);
+  asking.join();
+  ::close(typed[1]);
+  EXPECT_EQ(soFar.Ask()->words, "2 of 3 deleted");
 }
 
 TEST_F(ConsentTest, EveryOtherAnswerEndsTheCommandAndSaysWhatIsTrue) {
