@@ -18,8 +18,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// How long the kernel may believe what it was told. Another program may change what is on the camera.
-constexpr double kSecondsValid = 1;
 // A listing that took long is believed longer, so that a large folder is not listed without end.
 constexpr auto kListingValid = 1s;
 constexpr int kTimesItsCost = 10;

@@ -32,6 +32,9 @@
 
 namespace apps {
 
+/// How long the kernel may believe what it was told. Another program may change what is on the camera.
+inline constexpr double kSecondsValid = 1;
+
 /// A camera's storage as a file system. The kernel's requests come on one thread, which never waits for the camera: what is
 /// known is answered there, the rest is work for the camera's thread (Serve).
 class FileSystem {

@@ -13,7 +13,6 @@
 namespace apps {
 namespace {
 
-constexpr double kSecondsValid = 1;
 // In fuse_file_info::fh of a file: whether this opening counts in its upload.
 constexpr std::uint64_t kCounted = 1;
 
