@@ -1,8 +1,11 @@
 // The pictures of one camera, with headlines of days among them, as a list that views show.
 #include "apps/desktop/CameraModel.h"
 
+#include <QHash>
 #include <QLocale>
 #include <algorithm>
+#include <iterator>
+#include <numeric>
 #include <utility>
 
 #include "apps/desktop/Words.h"
@@ -73,14 +76,50 @@ void CameraModel::Append(std::vector<Picture> pictures) {
   endInsertRows();
 }
 
+// The pictures as they stand. Those with a time are sorted into the places that such pictures have by number.
+std::vector<int> CameraModel::Sorted() const {
+  std::vector<int> sorted(pictures_.size());
+  std::iota(sorted.begin(), sorted.end(), 0);
+  const auto isTimed = [this](int picture) { return At(picture).taken.value_or(QDateTime()).isValid(); };
+  std::vector<int> timed;
+  std::copy_if(sorted.begin(), sorted.end(), std::back_inserter(timed), isTimed);
+  std::stable_sort(timed.begin(), timed.end(), [this](int one, int two) { return *At(one).taken > *At(two).taken; });
+  auto next = timed.begin();
+  for (int& place : sorted) {
+    if (isTimed(place)) place = *next++;
+  }
+  return sorted;
+}
+
+// Headlines stay in their rows until Divide looks at them.
+void CameraModel::Sort() {
+  const std::vector<int> sorted = Sorted();
+  std::vector<int> rows;
+  auto next = sorted.begin();
+  for (const int row : rows_) rows.push_back(row < 0 ? ~*next : *next++);
+  if (rows == rows_) return;
+  Q_EMIT layoutAboutToBeChanged();
+  rows.swap(rows_);
+  QHash<int, int> rowOf;
+  for (const int row : rows_) rowOf.insert(row, static_cast<int>(rowOf.size()));
+  const QModelIndexList before = persistentIndexList();
+  QModelIndexList after;
+  for (const QModelIndex& was : before) {
+    after.append(index(rowOf.value(rows[static_cast<std::size_t>(was.row())], was.row())));
+  }
+  changePersistentIndexList(before, after);
+  Q_EMIT layoutChanged();
+}
+
 // Row by row, so that a selection stays with its pictures.
 void CameraModel::Divide() {
+  Sort();
   std::optional<QDate> day;
-  int row = 0;
-  for (int picture = 0; picture < Count(); ++picture, ++row) {
-    const std::optional<QDate> own = DayOf(At(picture));
-    const bool begins = picture == 0 || (own && day && *own != *day);
+  for (int row = 0; row < rowCount(); ++row) {
     const bool isHeadline = PictureAt(row) < 0;
+    const int picture = PictureAt(isHeadline ? row + 1 : row);
+    const std::optional<QDate> own = DayOf(At(picture));
+    const bool begins = row == 0 || (own && day && *own != *day);
     if (begins && !isHeadline) {
       beginInsertRows({}, row, row);
       rows_.insert(rows_.begin() + row, ~picture);
@@ -139,11 +178,13 @@ int CameraModel::PictureAt(int row) const {
 }
 
 QModelIndex CameraModel::IndexOf(int picture) const {
-  // A headline goes before its picture and counts as it.
-  const auto place = std::lower_bound(rows_.begin(), rows_.end(), picture,
-                                      [](int row, int wanted) { return std::max(row, ~row) < wanted; });
-  const auto row = static_cast<int>(place - rows_.begin());
-  return index(PictureAt(row) < 0 ? row + 1 : row);
+  return index(static_cast<int>(std::find(rows_.begin(), rows_.end(), picture) - rows_.begin()));
+}
+
+int CameraModel::Beside(int picture, int step) const {
+  int row = IndexOf(picture).row() + step;
+  if (PictureAt(row) < 0) row += step;  // over a headline
+  return PictureAt(row) < 0 ? picture : PictureAt(row);
 }
 
 }  // namespace desktop

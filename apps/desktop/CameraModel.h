@@ -23,9 +23,10 @@ struct Picture {
   QString whyNone = {};                 ///< why it has no thumbnail
 };
 
-/// The pictures of one camera in the order in which the worker numbers them from 0: newest first. The rows are these pictures and a
-/// headline above each run of pictures of one day. A picture whose day is not known yet stands with the one before it, so that little
-/// moves when its day arrives. Thumbnails lie in a bounded cache; one that was dropped is asked for again when it comes into view.
+/// The pictures of one camera, newest first, and a headline above each run of pictures of one day, as rows. The worker numbers the
+/// pictures from 0 by folder and number, highest first, and so they stand until they are read. Pictures whose times are known share
+/// out their places among themselves; every other picture keeps its own, so that little moves when a time arrives. Thumbnails lie in
+/// a bounded cache; one that was dropped is asked for again when it comes into view.
 class CameraModel : public QAbstractListModel {
   Q_DECLARE_TR_FUNCTIONS(CameraModel)
 
@@ -45,7 +46,7 @@ class CameraModel : public QAbstractListModel {
   void SetBytes(int picture, qint64 bytes);
   /// What its first bytes say: a thumbnail, or why there is none. Changes the role of decorations.
   void SetThumbnail(int picture, const QImage& image, const QDateTime& taken, const QString& whyNone = {});
-  /// Puts headlines where days begin as far as they are known now.
+  /// Puts pictures in the order of their times, and headlines where days begin, as far as both are known now.
   void Divide();
 
   int Count() const { return static_cast<int>(pictures_.size()); }
@@ -58,9 +59,13 @@ class CameraModel : public QAbstractListModel {
   /// The picture of a row, or -1 for a headline.
   int PictureAt(int row) const;
   QModelIndex IndexOf(int picture) const;
+  /// The picture that stands before it (-1) or after it (1), or itself where there is none.
+  int Beside(int picture, int step) const;
 
  private:
   QString Headline(int row) const;
+  std::vector<int> Sorted() const;
+  void Sort();
   Picture* Find(int picture);
 
   std::vector<Picture> pictures_;

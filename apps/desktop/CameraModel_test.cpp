@@ -124,7 +124,37 @@ TEST(CameraModelTest, AThumbnailOfAnUnknownPictureIsNoneOfItsOwn) {
 
 TEST(CameraModelTest, EachRunOfADayHasAHeadline) {
   EXPECT_EQ(RowsOf({kMonday, kMonday, kSunday}), "- 0 1 - 2");
-  EXPECT_EQ(RowsOf({kMonday, kSunday, kMonday}), "- 0 - 1 - 2");
+  EXPECT_EQ(RowsOf({kMonday, kSunday, QDate(2026, 3, 14)}), "- 0 - 1 - 2");
+}
+
+TEST(CameraModelTest, TheNewestStandsFirstWhateverItsNumber) {
+  EXPECT_EQ(RowsOf({kMonday, kSunday, kMonday}), "- 0 2 - 1");
+}
+
+TEST(CameraModelTest, PicturesWhoseTimesAreKnownShareOutTheirPlacesAndTheOthersStay) {
+  EXPECT_EQ(RowsOf({std::nullopt, kSunday, std::nullopt, kMonday, std::nullopt}), "- 0 3 2 - 1 4");
+  EXPECT_EQ(RowsOf({QDate(), kSunday, kMonday}), "- 0 - 2 - 1");
+}
+
+TEST(CameraModelTest, PicturesOfOneMomentStandByTheirNumbers) {
+  CameraModel model;
+  Append(model, Days(3));
+  model.SetThumbnail(2, {}, kTaken, "none");
+  model.SetThumbnail(0, {}, kTaken, "none");
+  model.SetThumbnail(1, {}, kTaken.addSecs(1), "none");
+  model.Divide();
+  EXPECT_EQ(Rows(model), "- 1 0 2");
+}
+
+TEST(CameraModelTest, TheNeighboursOfAPictureAreThoseThatStandBesideIt) {
+  CameraModel model;
+  Append(model, {kSunday, kMonday, kSunday});
+  ASSERT_EQ(Rows(model), "- 1 - 0 2");
+  EXPECT_EQ(model.Beside(1, 1), 0);
+  EXPECT_EQ(model.Beside(0, -1), 1);
+  EXPECT_EQ(model.Beside(0, 1), 2);
+  EXPECT_EQ(model.Beside(1, -1), 1) << "it is the first";
+  EXPECT_EQ(model.Beside(2, 1), 2) << "it is the last";
 }
 
 TEST(CameraModelTest, APictureWhoseDayIsNotKnownStandsWithTheOneBefore) {
@@ -152,9 +182,9 @@ TEST(CameraModelTest, DaysThatArriveMoveNoSelection) {
   Append(model, Days(5));
   QItemSelectionModel selection(&model);
   selection.select(model.IndexOf(3), QItemSelectionModel::Select);
-  SetDays(model, {kMonday, kMonday, kSunday, kMonday, kMonday});
+  SetDays(model, {kMonday, kMonday, kSunday, kSunday, kMonday});
   model.Divide();
-  EXPECT_EQ(Rows(model), "- 0 1 - 2 - 3 4");
+  EXPECT_EQ(Rows(model), "- 0 1 4 - 2 3");
   ASSERT_EQ(selection.selectedIndexes().size(), 1);
   EXPECT_EQ(model.PictureAt(selection.selectedIndexes()[0].row()), 3);
   SetDays(model, {kMonday, kMonday, kMonday, kMonday, kMonday});
@@ -169,6 +199,10 @@ TEST(CameraModelTest, MorePicturesFollow) {
   Append(model, {std::nullopt, std::nullopt});
   EXPECT_EQ(Rows(model), "- 0 1 2");
   EXPECT_EQ(model.IndexOf(2).row(), 3);
+  SetDays(model, {kSunday, kMonday});
+  model.Divide();
+  Append(model, {std::nullopt});
+  EXPECT_EQ(Rows(model), "- 1 - 0 2 3");
 }
 
 TEST(CameraModelTest, APictureThatChangesIsARowThatChanges) {

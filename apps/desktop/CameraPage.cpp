@@ -37,8 +37,8 @@ CameraPage::CameraPage(StartWorker start, const QString& serial) : link_(std::mo
   connect(grid_.selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { Refresh(); });
   connect(&link_.Model(), &QAbstractItemModel::modelReset, this, [this] { ClosePreview(); });
   preview_.onStep = [this](int by) {
-    const int picture = open_ + by;
-    if (picture < 0 || picture >= link_.Model().Count()) return;
+    const int picture = link_.Model().Beside(open_, by);
+    if (picture == open_) return;
     grid_.setCurrentIndex(link_.Model().IndexOf(picture));
     Open(picture);
   };

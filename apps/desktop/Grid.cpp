@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <algorithm>
+#include <cstdlib>
 
 namespace desktop {
 namespace {
@@ -40,20 +41,27 @@ Grid::Grid(CameraModel& pictures) : pictures_(pictures) {
           [this](const QModelIndex& index) { onOpen(pictures_.PictureAt(index.row())); });
 }
 
-// What must not move: the current picture while it is in view, otherwise what stands first there.
+// What must not move: the current picture while it is in view, otherwise what stands first there, unless its time puts it elsewhere.
 void Grid::Divide() {
   QPersistentModelIndex anchor = currentIndex();
-  if (!visualRect(anchor).intersects(viewport()->rect())) anchor = pictures_.index(RowBelow(0));
+  const bool isCurrent = visualRect(anchor).intersects(viewport()->rect());
+  if (!isCurrent) anchor = pictures_.index(RowBelow(0));
   const int before = visualRect(anchor).top();
   pictures_.Divide();
   doItemsLayout();
   QScrollBar& bar = *verticalScrollBar();
-  if (bar.value() > 0) bar.setValue(bar.value() + visualRect(anchor).top() - before);
+  const int moved = visualRect(anchor).top() - before;
+  const bool isFollowed = isCurrent || std::abs(moved) < viewport()->height();
+  if (bar.value() > 0 && isFollowed) bar.setValue(bar.value() + moved);
+}
+
+QModelIndex Grid::First() const {
+  return pictures_.index(1);  // below a headline
 }
 
 // The first line is shown with its headline.
 void Grid::scrollTo(const QModelIndex& index, ScrollHint hint) {
-  const bool isFirstLine = visualRect(index).top() == visualRect(pictures_.IndexOf(0)).top();
+  const bool isFirstLine = visualRect(index).top() == visualRect(First()).top();
   isFirstLine ? scrollToTop() : QListView::scrollTo(index, hint);
 }
 
@@ -73,13 +81,12 @@ int Grid::Across(int row, int step) const {
 }
 
 QModelIndex Grid::moveCursor(CursorAction action, Qt::KeyboardModifiers) {
-  const int last = pictures_.Count() - 1;
   int row = currentIndex().row();
-  if (row < 0 || action == MoveHome) return pictures_.IndexOf(0);
-  if (action == MoveEnd) return pictures_.IndexOf(last);
-  const int picture = pictures_.PictureAt(row);
-  if (action == MoveLeft || action == MovePrevious) return pictures_.IndexOf(std::max(0, picture - 1));
-  if (action == MoveRight || action == MoveNext) return pictures_.IndexOf(std::min(last, picture + 1));
+  if (row < 0 || action == MoveHome) return First();
+  if (action == MoveEnd) return pictures_.index(pictures_.rowCount() - 1);
+  const auto beside = [&](int step) { return pictures_.IndexOf(pictures_.Beside(pictures_.PictureAt(row), step)); };
+  if (action == MoveLeft || action == MovePrevious) return beside(-1);
+  if (action == MoveRight || action == MoveNext) return beside(1);
   const bool isPage = action == MovePageUp || action == MovePageDown;
   const int lines = isPage ? std::max(1, viewport()->height() / visualRect(currentIndex()).height() - 1) : 1;
   for (int line = 0; line < lines; ++line) row = Across(row, action == MoveUp || action == MovePageUp ? -1 : 1);

@@ -25,7 +25,7 @@ class Grid : public QListView {
   /// A picture is to be shown larger.
   std::function<void(int picture)> onOpen = [](int) {};
 
-  /// The chosen pictures, in order.
+  /// The chosen pictures, in the order of their numbers.
   QList<int> Chosen() const;
 
   void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
@@ -37,6 +37,7 @@ class Grid : public QListView {
   void dataChanged(const QModelIndex& from, const QModelIndex& to, const QList<int>& roles) override;
 
  private:
+  QModelIndex First() const;
   int RowBelow(int height) const;
   int Across(int row, int step) const;
   void Divide();

@@ -95,7 +95,7 @@ TEST_F(GridTest, WhatIsInViewStaysWhenADayAboveIsDivided) {
   const int first = At(QPoint(RectOf(500).left() + 20, 100));
   const int before = RectOf(first).top();
   const int height = grid_.verticalScrollBar()->maximum();
-  for (int index = 0; index < 300; ++index) model_.SetThumbnail(index, {}, Day(1 + index % 2), "none");
+  for (int index = 0; index < 300; ++index) model_.SetThumbnail(index, {}, Day(28 - index / 20), "none");
   ASSERT_TRUE(Await([&] { return grid_.verticalScrollBar()->maximum() > height; }));
   EXPECT_NEAR(RectOf(first).top(), before, RectOf(first).height());
 }
@@ -108,6 +108,45 @@ TEST_F(GridTest, TheLastPictureStaysInViewWhenEveryLineGetsADayOfItsOwn) {
   const int before = grid_.verticalScrollBar()->maximum();
   ASSERT_TRUE(Await([&] { return grid_.verticalScrollBar()->maximum() > before; }));
   EXPECT_TRUE(grid_.viewport()->rect().contains(RectOf(999)));
+}
+
+TEST_F(GridTest, TheChosenPictureStaysInViewWhenItsTimePutsItElsewhere) {
+  Fill(1000);
+  QTest::keyClick(&grid_, Qt::Key_End);
+  for (int index = 0; index < 8; ++index) model_.SetThumbnail(index, {}, Day(1), "none");
+  model_.SetThumbnail(999, {}, Day(2), "none");
+  ASSERT_TRUE(Await([&] { return model_.IndexOf(999).row() == 1; }));
+  EXPECT_EQ(Current(), 999);
+  EXPECT_EQ(grid_.Chosen(), QList<int>({999}));
+  EXPECT_TRUE(grid_.viewport()->rect().intersects(RectOf(999)));
+}
+
+TEST_F(GridTest, TheViewDoesNotFollowAPictureThatNobodyChose) {
+  Fill(1000);
+  QScrollBar& bar = *grid_.verticalScrollBar();
+  bar.setValue(bar.maximum() / 2);
+  const int first = At(QPoint(RectOf(0).left() + 20, RectOf(0).height() / 2));
+  const int before = bar.value();
+  model_.SetThumbnail(0, {}, Day(1), "none");
+  model_.SetThumbnail(first, {}, Day(2), "none");
+  ASSERT_TRUE(Await([&] { return model_.IndexOf(first).row() == 1; }));
+  EXPECT_EQ(bar.value(), before);
+}
+
+TEST_F(GridTest, TheKeyboardGoesByWhatIsSeen) {
+  Fill(10);
+  for (int index = 0; index < 10; ++index) model_.SetThumbnail(index, {}, Day(1 + index), "none");
+  ASSERT_TRUE(Await([&] { return model_.IndexOf(9).row() == 1; }));
+  QTest::keyClick(&grid_, Qt::Key_Home);
+  EXPECT_EQ(Current(), 9);
+  QTest::keyClick(&grid_, Qt::Key_Right);
+  EXPECT_EQ(Current(), 8) << "over a headline";
+  QTest::keyClick(&grid_, Qt::Key_Left);
+  EXPECT_EQ(Current(), 9);
+  QTest::keyClick(&grid_, Qt::Key_End);
+  EXPECT_EQ(Current(), 0);
+  QTest::keyClick(&grid_, Qt::Key_Home);
+  EXPECT_EQ(grid_.verticalScrollBar()->value(), 0);
 }
 
 TEST_F(GridTest, PicturesThatWentAreNotDrawn) {

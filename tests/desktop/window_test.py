@@ -150,6 +150,21 @@ class Browsing(CameraWindow):
         window.key("Escape")
         window.wait("^IMG_0011", "list item")
 
+    def test_the_newest_stands_first_whatever_its_number(self):
+        self.put("DCIM/100ABCDE/IMG_0004.JPG", photo(28))
+        window = self.window_with_camera()
+        pictures = window.wait("^Pictures on the camera", "list")
+        names = lambda: [pictures.get_child_at_index(row).get_name().split(",")[0] for row in range(pictures.get_child_count())]
+        newest = ["IMG_0004", "IMG_0012", "IMG_0011", "IMG_0010", "IMG_0009", "IMG_0008", "IMG_0007", "IMG_0006", "IMG_0005"]
+        rest = ["IMG_0003", "IMG_0002", "IMG_0001"]
+        screen.wait_for(lambda: [name for name in names() if name.startswith("IMG")] == newest + rest, "the order of their times")
+        window.click(window.wait("^IMG_0004", "list item"))
+        window.key("space")
+        larger = window.wait("^Larger view")
+        screen.wait_for(lambda: larger.get_description().startswith("IMG_0004"), "the larger view of it")
+        window.key("Right")
+        screen.wait_for(lambda: larger.get_description().startswith("IMG_0012"), "the larger view of its neighbour")
+
     def test_at_200_per_cent_everything_is_there(self):
         window = self.window_with_camera(QT_SCALE_FACTOR="2")
         window.wait("^IMG_0012, JPG, .*15:09", "list item")
