@@ -3,6 +3,7 @@
 
 #include <QJsonArray>
 #include <QTimer>
+#include <algorithm>
 
 namespace desktop {
 namespace {
@@ -12,15 +13,6 @@ constexpr int kBackAlreadyMs = 1000;
 
 QString Decoded(const QString& word) {
   return QString::fromUtf8(QByteArray::fromPercentEncoding(word.toLatin1()));
-}
-
-QString TypesOf(int bits) {
-  QStringList types;
-  for (const char* type : {"JPG", "RAW", "TXT", "128"}) {
-    if ((bits & 1) != 0) types.append(type);
-    bits >>= 1;
-  }
-  return types.join(' ');
 }
 
 }  // namespace
@@ -34,7 +26,7 @@ CameraLink::CameraLink(StartWorker start, const QString& serial)
 void CameraLink::Attach() {
   attached_ = true;
   Retry();
-  if (state_.phase == Phase::kCutOff) BeginRun(false);
+  if (state_.phase == Phase::kCutOff) BeginRun();
 }
 
 void CameraLink::Lose() {
@@ -48,6 +40,7 @@ bool CameraLink::IsDone() const {
 
 void CameraLink::Retry() {
   lastWords_.clear();
+  fallen_.clear();
   lister_ = start_(QStringList("camera") + camera_,
                    {[this](const QJsonObject& event) { Hear(event); }, [this](ExitCode exit) { ListerEnded(exit); }});
   Note({});
@@ -88,7 +81,7 @@ void CameraLink::HearPictures(const QJsonObject& event) {
     const QJsonArray item = value.toArray();
     const QString folder = item.at(0).toString();
     const QString name = item.at(1).toString();
-    pictures.push_back({folder + '/' + name, Decoded(folder), Decoded(name), TypesOf(item.at(2).toInt())});
+    pictures.push_back({folder + '/' + name, Decoded(folder), Decoded(name), static_cast<Kinds>(item.at(2).toInt())});
   }
   model_.Append(std::move(pictures));
 }
@@ -107,7 +100,7 @@ void CameraLink::HearTarget(const QJsonObject& event) {
   if (folder != state_.target.folder && Decoded(folder) != state_.target.folder) return;
   state_.offer = event;
   if (!state_.target.everything) state_.offer.remove("new_others");
-  if (!event.contains("error")) model_.SetNew(event["new"].toString());
+  if (!event.contains("error")) model_.SetMissing(event["new"].toString(), state_.target.Meant());
 }
 
 void CameraLink::HearPicture(const QJsonObject& event) {
@@ -123,7 +116,8 @@ void CameraLink::ListerEnded(ExitCode exit) {
   if (exit == ExitCode::kNoCamera || exit == ExitCode::kGone) return onChange();
   // A process that was killed may have said that it was interrupted, which explains nothing.
   const bool explains = exit != kCrashed && !lastWords_.isEmpty();
-  Note(explains ? lastWords_ : tr("The program that talks to this camera has stopped."), true);
+  fallen_ = explains ? lastWords_ : tr("The program that talks to this camera has stopped.");
+  Note({});
 }
 
 void CameraLink::Tell(const QStringList& words) {
@@ -148,15 +142,21 @@ void CameraLink::Ask(const QString& what, const QList<int>& pictures) {
 void CameraLink::Import(const QList<int>& pictures) {
   all_ = pictures.isEmpty();
   keys_.clear();
-  for (int picture : pictures) keys_.append(model_.At(picture).key);
-  for (int picture = 0; all_ && picture < model_.Count(); ++picture) {
-    if (model_.At(picture).isNew) keys_.append(model_.At(picture).key);
+  const Kinds meant = state_.target.Meant();
+  QStringList before;
+  for (int picture = 0; picture < model_.Count(); ++picture) {
+    if (!(all_ ? model_.IsNew(picture) : std::binary_search(pictures.begin(), pictures.end(), picture))) continue;
+    const Picture& one = model_.At(picture);
+    keys_.append(one.key);
+    if ((one.kinds & meant & ~one.missing.value_or(kAllKinds)) != 0) before.append(one.key);
   }
-  BeginRun(false);
+  run_.emplace(false, keys_, before, meant);
+  BeginRun();
 }
 
 // An import of all says no pictures, so that one which came meanwhile is fetched too. What is deleted is named.
-void CameraLink::BeginRun(bool deletes) {
+void CameraLink::BeginRun() {
+  const bool deletes = run_->Deletes();
   QStringList words = QStringList("import") + camera_;
   Target target = state_.target;
   if (deletes) {
@@ -170,7 +170,7 @@ void CameraLink::BeginRun(bool deletes) {
     chosen_->close();
     words << "--pictures" << chosen_->fileName();
   }
-  run_.emplace(deletes, keys_);
+  run_->Begin();
   cancelled_ = false;
   state_.result.clear();
   state_.phase = deletes ? Phase::kDeleting : Phase::kImporting;
@@ -183,7 +183,8 @@ void CameraLink::BeginRun(bool deletes) {
 
 void CameraLink::HearRun(const QJsonObject& event) {
   run_->Hear(event);
-  if (event["event"] == "stored") model_.MarkStored(KeyOfPath(event["path"].toString()));
+  const QString path = event["path"].toString();
+  if (event["event"] == "stored") model_.MarkStored(KeyOfPath(path), KindsIn(path.section('.', -1)));
   if (event["event"] == "progress") state_.progress = event;
   onChange();
 }
@@ -192,7 +193,7 @@ void CameraLink::RunEnded() {
   if (run_->WasCutOff() && !run_->Deletes() && !cancelled_) {
     state_.phase = Phase::kCutOff;
     QTimer::singleShot(kBackAlreadyMs, &model_, [this] {
-      if (attached_ && state_.phase == Phase::kCutOff) BeginRun(false);
+      if (attached_ && state_.phase == Phase::kCutOff) BeginRun();
     });
     return Note(
         tr("The cable was pulled, or the camera was switched off. Plug the camera in again and the import goes on."));
@@ -204,7 +205,8 @@ void CameraLink::RunEnded() {
     keys_ = deletable;
     all_ = false;
   }
-  Tell(run_->Deletes() ? QStringList("list") : state_.target.Command());
+  // A lister alone knows what is new now.
+  fallen_.isEmpty() ? Tell(run_->Deletes() ? QStringList("list") : state_.target.Command()) : Retry();
   Note(cancelled_ ? QString() : run_->Trouble());
 }
 
@@ -221,8 +223,9 @@ void CameraLink::Keep() {
   onChange();
 }
 
-void CameraLink::Note(const QString& sentence, bool canRetry) {
-  state_.notice = {sentence, {}, canRetry};
+// Without a sentence of its own, that of a lister that has fallen.
+void CameraLink::Note(const QString& sentence) {
+  state_.notice = {sentence.isEmpty() ? fallen_ : sentence, {}, !fallen_.isEmpty()};
   onChange();
 }
 

@@ -44,7 +44,7 @@ class CameraLink {
   /// Imports these pictures, or everything new when there are none.
   void Import(const QList<int>& pictures);
   void Cancel();
-  void Delete() { BeginRun(true); }
+  void Delete() { run_.emplace(true, keys_, QStringList(), state_.target.Meant()), BeginRun(); }
   void Keep();
   /// Reads the camera anew.
   void Retry();
@@ -58,10 +58,10 @@ class CameraLink {
   void HearPicture(const QJsonObject& event);
   void ListerEnded(ExitCode exit);
   void Tell(const QStringList& words);
-  void BeginRun(bool deletes);
+  void BeginRun();
   void HearRun(const QJsonObject& event);
   void RunEnded();
-  void Note(const QString& sentence, bool canRetry = false);
+  void Note(const QString& sentence);
 
   StartWorker start_;
   QStringList camera_;  ///< the words of a command line that name it
@@ -69,6 +69,7 @@ class CameraLink {
   CameraState state_;
   std::unique_ptr<WorkerProcess> lister_;
   QString lastWords_;  ///< the last error of the lister
+  QString fallen_;     ///< why there is none any more, empty while there is
   std::optional<ImportRun> run_;
   std::unique_ptr<WorkerProcess> importer_;
   std::unique_ptr<QTemporaryFile> chosen_;

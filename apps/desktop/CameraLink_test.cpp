@@ -36,10 +36,10 @@ TEST_F(CameraLinkTest, LearnsWhatTheCameraHas) {
   EXPECT_EQ(link_->State().name, "Mine");
   EXPECT_EQ(link_->State().battery, "75");
   EXPECT_EQ(link_->Model().Count(), 3);
-  EXPECT_EQ(link_->Model().At(0).types, "JPG RAW");
+  EXPECT_EQ(link_->Model().At(0).kinds, Kinds{3});
   EXPECT_EQ(link_->Model().At(0).bytes, 3000);
-  EXPECT_TRUE(link_->Model().At(0).isNew);
-  EXPECT_FALSE(link_->Model().At(1).isNew);
+  EXPECT_TRUE(link_->Model().IsNew(0));
+  EXPECT_FALSE(link_->Model().IsNew(1));
   EXPECT_EQ(link_->State().offer["new_bytes"].toInt(), 3000);
 }
 
@@ -63,12 +63,12 @@ TEST_F(CameraLinkTest, AnImportOfAllBeginsWithWhatIsExpected) {
 }
 
 TEST_F(CameraLinkTest, FollowsAnImport) {
-  workers_.scripts["import"] =
-      Say(R"({"event":"progress","done":500,"total":2000,"file":"IMG_3.JPG"})") + Say(kStored) + "cat";
+  workers_.scripts["import"] = Say(R"({"event":"progress","done":500,"total":2000,"file":"IMG_3.JPG"})") +
+                               Say(kStored) + Say(R"({"event":"stored","path":"I:\\DCIM\\100A\\IMG_3.RAW"})") + "cat";
   ASSERT_TRUE(Ready());
-  ASSERT_TRUE(link_->Model().At(0).isNew);
+  ASSERT_TRUE(link_->Model().IsNew(0));
   link_->Import({});
-  ASSERT_TRUE(Await([&] { return !link_->Model().At(0).isNew; }));
+  ASSERT_TRUE(Await([&] { return !link_->Model().IsNew(0); }));
   EXPECT_EQ(link_->State().progress["done"].toInt(), 500);
   EXPECT_EQ(link_->State().progress["total"].toInt(), 2000);
 }
@@ -83,6 +83,7 @@ TEST_F(CameraLinkTest, SelectedPicturesAreNamedInAFile) {
   ASSERT_TRUE(seen.open(QIODevice::ReadOnly));
   EXPECT_EQ(seen.readAll(), "100A/IMG_2\n100A/IMG_1\n");
   seen.remove();
+  EXPECT_EQ(link_->State().result, "2 pictures were imported. Check them once more, and delete them from the camera?");
 }
 
 TEST_F(CameraLinkTest, OnlyWhatWasImportedIsDeleted) {
@@ -108,7 +109,7 @@ TEST_F(CameraLinkTest, APulledCableLetsTheImportGoOnWhenTheCameraIsBack) {
   ASSERT_TRUE(AwaitPhase(Phase::kCutOff));
   EXPECT_FALSE(link_->IsDone());
   EXPECT_FALSE(link_->State().notice.sentence.isEmpty());
-  workers_.scripts["import"] = Say(kDone);
+  workers_.scripts["import"] = Say(kStored) + Say(kDone);
   link_->Attach();
   EXPECT_EQ(link_->State().phase, Phase::kImporting);
   EXPECT_TRUE(link_->State().notice.sentence.isEmpty());
@@ -120,7 +121,7 @@ TEST_F(CameraLinkTest, ACameraThatIsBackBeforeItsLossIsKnownIsReadOn) {
   ASSERT_TRUE(Ready());
   link_->Import({});
   ASSERT_TRUE(AwaitPhase(Phase::kCutOff));
-  workers_.scripts["import"] = Say(kDone);
+  workers_.scripts["import"] = Say(kStored) + Say(kDone);
   EXPECT_TRUE(AwaitPhase(Phase::kAsking));
 }
 
@@ -142,6 +143,21 @@ TEST_F(CameraLinkTest, AWorkerThatDiesIsOneSentenceAndCanBeStartedAgain) {
   workers_.scripts["camera"] = ThreePictures();
   link_->Retry();
   EXPECT_TRUE(Await([&] { return link_->State().listed; }));
+  EXPECT_TRUE(link_->State().notice.sentence.isEmpty());
+}
+
+TEST_F(CameraLinkTest, AnImportWithoutAListerKeepsItsSentenceAndStartsItAnew) {
+  workers_.scripts["camera"] = ThreePictures().replace("cat >/dev/null", "exit 1");
+  workers_.scripts["import"] = "read -r end\n" + Say(kStored) + Say(kDone);
+  ASSERT_TRUE(Ready());
+  ASSERT_TRUE(Await([&] { return link_->State().notice.canRetry; }));
+  workers_.scripts["camera"] = ThreePictures();
+  link_->Import({});
+  EXPECT_TRUE(link_->State().notice.canRetry);
+  EXPECT_FALSE(link_->State().notice.sentence.isEmpty());
+  link_->Cancel();  // the script waits for the end of its input
+  ASSERT_TRUE(AwaitPhase(Phase::kReady));
+  EXPECT_EQ(workers_.calls.last()[0], "camera");
   EXPECT_TRUE(link_->State().notice.sentence.isEmpty());
 }
 

@@ -13,9 +13,9 @@
 namespace desktop {
 namespace {
 
-// Nothing while it is not known; an invalid one for a picture without a time.
+// Nothing while it is not known; an invalid one where no time is to be had.
 std::optional<QDate> DayOf(const Picture& picture) {
-  return picture.taken ? std::optional(picture.taken->date()) : std::nullopt;
+  return picture.place ? std::optional(picture.place->date()) : std::nullopt;
 }
 
 }  // namespace
@@ -29,7 +29,9 @@ QVariant CameraModel::data(const QModelIndex& index, int role) const {
   const int picture = PictureAt(index.row());
   if (role == Qt::DisplayRole) return picture < 0 ? Headline(index.row()) : At(picture).name;
   const bool describes = role == Qt::AccessibleTextRole || role == Qt::ToolTipRole;
-  return describes && picture >= 0 ? Description(picture) : QVariant();
+  if (!describes || picture < 0) return {};
+  const QString& whyNone = At(picture).whyNone;
+  return whyNone.isEmpty() ? Description(picture) : Description(picture) + ", " + whyNone;
 }
 
 Qt::ItemFlags CameraModel::flags(const QModelIndex& index) const {
@@ -38,11 +40,12 @@ Qt::ItemFlags CameraModel::flags(const QModelIndex& index) const {
 
 QString CameraModel::Description(int picture) const {
   const Picture& one = At(picture);
-  QStringList parts{one.name, one.types, SizeText(one.bytes)};
+  QStringList parts{one.name, KindsText(one.kinds), SizeText(one.bytes)};
   const QDateTime taken = one.taken.value_or(QDateTime());
   if (taken.isValid()) parts.append(QLocale().toString(taken, QLocale::ShortFormat));
-  parts.append(one.isNew ? tr("new") : tr("on this computer"));
-  if (!one.whyNone.isEmpty()) parts.append(one.whyNone);
+  const QString rest = KindsText(one.missing.value_or(0));
+  const QString here = rest.isEmpty() ? tr("on this computer") : tr("%1 not on this computer").arg(rest);
+  if (one.missing) parts.append(IsNew(picture) ? tr("new") : here);
   return parts.join(", ");
 }
 
@@ -76,14 +79,24 @@ void CameraModel::Append(std::vector<Picture> pictures) {
   endInsertRows();
 }
 
+void CameraModel::Place() {
+  const Picture* before = nullptr;
+  for (Picture& picture : pictures_) {
+    const bool isFirst = before == nullptr || before->folder != picture.folder;
+    const bool follows = picture.taken && !picture.taken->isValid() && !isFirst;
+    picture.place = follows ? before->place : picture.taken;
+    if (picture.taken) before = &picture;
+  }
+}
+
 // The pictures as they stand. Those with a time are sorted into the places that such pictures have by number.
 std::vector<int> CameraModel::Sorted() const {
   std::vector<int> sorted(pictures_.size());
   std::iota(sorted.begin(), sorted.end(), 0);
-  const auto isTimed = [this](int picture) { return At(picture).taken.value_or(QDateTime()).isValid(); };
+  const auto isTimed = [this](int picture) { return At(picture).place.value_or(QDateTime()).isValid(); };
   std::vector<int> timed;
   std::copy_if(sorted.begin(), sorted.end(), std::back_inserter(timed), isTimed);
-  std::stable_sort(timed.begin(), timed.end(), [this](int one, int two) { return *At(one).taken > *At(two).taken; });
+  std::stable_sort(timed.begin(), timed.end(), [this](int one, int two) { return *At(one).place > *At(two).place; });
   auto next = timed.begin();
   for (int& place : sorted) {
     if (isTimed(place)) place = *next++;
@@ -113,6 +126,7 @@ void CameraModel::Sort() {
 
 // Row by row, so that a selection stays with its pictures.
 void CameraModel::Divide() {
+  Place();
   Sort();
   std::optional<QDate> day;
   for (int row = 0; row < rowCount(); ++row) {
@@ -140,17 +154,19 @@ Picture* CameraModel::Find(int picture) {
   return picture < 0 || picture >= Count() ? nullptr : &pictures_[static_cast<std::size_t>(picture)];
 }
 
-void CameraModel::SetNew(const QString& digits) {
+void CameraModel::SetMissing(const QString& digits, Kinds meant) {
+  meant_ = meant;
   for (int picture = 0; picture < Count(); ++picture) {
-    Find(picture)->isNew = picture < digits.size() && digits[picture] != '0';
+    Find(picture)->missing = digits.mid(picture, 1).toUInt(nullptr, 16);
   }
   if (!rows_.empty()) Q_EMIT dataChanged(index(0), index(rowCount() - 1), {Qt::AccessibleTextRole});
 }
 
-void CameraModel::MarkStored(const QString& key) {
+void CameraModel::MarkStored(const QString& key, Kinds kind) {
   const auto stored =
       std::find_if(pictures_.begin(), pictures_.end(), [&](const Picture& one) { return one.key == key; });
-  if (stored == pictures_.end() || !std::exchange(stored->isNew, false)) return;
+  if (stored == pictures_.end() || !stored->Misses(kind)) return;
+  *stored->missing &= ~kind;
   const QModelIndex changed = IndexOf(static_cast<int>(stored - pictures_.begin()));
   Q_EMIT dataChanged(changed, changed, {Qt::AccessibleTextRole});
 }

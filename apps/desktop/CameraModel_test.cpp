@@ -13,7 +13,7 @@ Picture Numbered(int number) {
   Picture picture;
   picture.name = "IMG_" + QString::number(number);
   picture.key = "100A/" + picture.name;
-  picture.types = "JPG RAW";
+  picture.kinds = 3;
   picture.bytes = 8100000;
   return picture;
 }
@@ -73,19 +73,36 @@ TEST(CameraModelTest, KeepsTheOrderInWhichPicturesCame) {
 TEST(CameraModelTest, SaysToAScreenReaderWhatIsSeen) {
   CameraModel model;
   model.Append({Numbered(7)});
-  EXPECT_EQ(model.IndexOf(0).data(Qt::AccessibleTextRole), "IMG_7, JPG RAW, 8.1 MB, on this computer");
-  model.SetNew("1");
-  EXPECT_TRUE(model.IndexOf(0).data(Qt::AccessibleTextRole).toString().endsWith(", new"));
+  const auto text = [&] { return model.IndexOf(0).data(Qt::AccessibleTextRole).toString(); };
+  EXPECT_EQ(text(), "IMG_7, JPG RAW, 8.1 MB") << "nobody knows yet whether it is new";
+  model.SetMissing("0", kAllKinds);
+  EXPECT_EQ(text(), "IMG_7, JPG RAW, 8.1 MB, on this computer");
+  model.SetMissing("1", kAllKinds);
+  EXPECT_TRUE(text().endsWith(", new"));
+  model.SetThumbnail(0, {}, {}, "It is damaged.");
+  EXPECT_TRUE(text().endsWith(", new, It is damaged."));
+}
+
+TEST(CameraModelTest, OnlyWhatIsMeantMakesAPictureNewAndOnlyAllOfItIsHere) {
+  CameraModel model;
+  model.Append({Numbered(7)});
+  model.SetMissing("2", 1);
+  EXPECT_FALSE(model.IsNew(0));
+  EXPECT_TRUE(model.Description(0).endsWith(", RAW not on this computer"));
+  model.SetMissing("3", 1);
+  EXPECT_TRUE(model.IsNew(0));
 }
 
 TEST(CameraModelTest, APictureThatWasStoredIsNoLongerNew) {
   CameraModel model;
   model.Append({Numbered(7), Numbered(6)});
-  model.SetNew("31");
-  model.MarkStored("100A/IMG_7");
-  model.MarkStored("100A/unknown");
-  EXPECT_FALSE(model.At(0).isNew);
-  EXPECT_TRUE(model.At(1).isNew);
+  model.SetMissing("31", kAllKinds);
+  model.MarkStored("100A/IMG_7", 1);
+  EXPECT_TRUE(model.IsNew(0)) << "its RAW is missing";
+  model.MarkStored("100A/IMG_7", 2);
+  model.MarkStored("100A/unknown", 1);
+  EXPECT_FALSE(model.IsNew(0));
+  EXPECT_TRUE(model.IsNew(1));
 }
 
 TEST(CameraModelTest, AThumbnailBringsItsTime) {
@@ -162,11 +179,15 @@ TEST(CameraModelTest, APictureWhoseDayIsNotKnownStandsWithTheOneBefore) {
   EXPECT_EQ(RowsOf({std::nullopt, kMonday, std::nullopt, kSunday}), "- 0 1 2 - 3");
 }
 
-TEST(CameraModelTest, PicturesWithoutATimeAreARunOfTheirOwn) {
+TEST(CameraModelTest, PicturesWithoutATimeStandWithTheOneBefore) {
+  EXPECT_EQ(RowsOf({kSunday, QDate(), kMonday, QDate(), QDate(), kSunday}), "- 2 3 4 - 0 1 5");
+}
+
+TEST(CameraModelTest, WithoutOneBeforeInTheirFolderTheyAreARunOfTheirOwn) {
   CameraModel model;
-  Append(model, {kMonday, QDate()});
-  EXPECT_EQ(Rows(model), "- 0 - 1");
-  EXPECT_EQ(model.index(2).data(), "100A, without a date");
+  Append(model, {QDate(), QDate(), kMonday});
+  EXPECT_EQ(Rows(model), "- 0 1 - 2");
+  EXPECT_EQ(model.index(0).data(), "100A, without a date");
 }
 
 TEST(CameraModelTest, AHeadlineIsAFolderUntilADayIsKnown) {
@@ -174,6 +195,7 @@ TEST(CameraModelTest, AHeadlineIsAFolderUntilADayIsKnown) {
   Append(model, {std::nullopt, std::nullopt});
   EXPECT_EQ(model.index(0).data(), "100A");
   SetDays(model, {std::nullopt, kMonday});
+  model.Divide();
   EXPECT_EQ(model.index(0).data(), QLocale().toString(kMonday, QLocale::LongFormat));
 }
 

@@ -48,8 +48,14 @@ CameraPage::CameraPage(StartWorker start, const QString& serial) : link_(std::mo
 
 void CameraPage::Refresh() {
   const CameraState& state = link_.State();
-  Choice choice{grid_.Chosen()};
-  for (int picture : choice.pictures) choice.bytes += link_.Model().At(picture).bytes;
+  const QList<int> selected = grid_.Chosen();
+  Choice choice{!selected.isEmpty(), {}};
+  for (int picture : selected) {
+    const Picture& one = link_.Model().At(picture);
+    if ((one.kinds & state.target.Meant()) == 0) continue;
+    choice.pictures.append(picture);
+    choice.bytes += one.bytes;
+  }
   banner_.Show(state.notice);
   bar_.Show(state, choice);
   setWindowTitle(Title(state));

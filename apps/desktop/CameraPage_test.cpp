@@ -72,6 +72,19 @@ TEST_F(CameraPageTest, ASelectionChangesTheOffer) {
   EXPECT_TRUE(HasButton("Import 3 selected pictures (3 kB)"));
 }
 
+TEST_F(CameraPageTest, ASelectionWithoutAFileThatIsMeantOffersNothing) {
+  ASSERT_TRUE(Await([&] { return HasButton("Import 1 new picture (3 kB)"); }));
+  Target raw = page_->Link().State().target;
+  raw.types = "raw";
+  page_->Link().SetTarget(raw);
+  Pictures()->selectAll();
+  EXPECT_TRUE(HasButton("Import 1 selected picture"));
+  Pictures()->selectionModel()->select(page_->Link().Model().IndexOf(0), QItemSelectionModel::Deselect);
+  EXPECT_TRUE(HasButton("No such files selected"));
+  raw.types.clear();
+  page_->Link().SetTarget(raw);
+}
+
 TEST_F(CameraPageTest, SpaceShowsAPictureLargeAndEscapeGoesBack) {
   ASSERT_TRUE(Await([&] { return page_->Link().State().others == 2; }));
   QTest::keyClick(Pictures(), Qt::Key_Home);

@@ -36,8 +36,10 @@ QString Message(const CameraState& state) {
 QString ImportText(const CameraState& state, const Choice& choice) {
   const auto chosen = static_cast<int>(choice.pictures.size());
   if (chosen > 0) {
-    return ImportBar::tr("&Import %n selected (picture|pictures) (%1)", nullptr, chosen).arg(SizeText(choice.bytes));
+    const QString size = state.target.Meant() == kAllKinds ? " (" + SizeText(choice.bytes) + ')' : QString();
+    return ImportBar::tr("&Import %n selected (picture|pictures)", nullptr, chosen) + size;
   }
+  if (choice.isAny) return ImportBar::tr("No such files selected");
   const QJsonObject& offer = state.offer;
   const int pictures = offer["new_pictures"].toInt();
   const int others = offer["new_others"].toInt();
@@ -159,7 +161,8 @@ void ImportBar::Show(const CameraState& state, const Choice& choice) {
   message_.setText(Message(state));
   import_.setText(ImportText(state, choice));
   const bool isNew = state.offer["new_pictures"].toInt() + state.offer["new_others"].toInt() > 0;
-  import_.setEnabled((!choice.pictures.isEmpty() || isNew) && state.listed && !state.offer.contains("error"));
+  import_.setEnabled((choice.isAny ? !choice.pictures.isEmpty() : isNew) && state.listed &&
+                     !state.offer.contains("error"));
   const double total = state.progress["total"].toDouble();
   bar_.setMaximum(total > 0 ? kSteps : 0);  // 0 is a bar that only moves
   if (total > 0) bar_.setValue(static_cast<int>(state.progress["done"].toDouble() * kSteps / total));

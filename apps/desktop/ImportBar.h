@@ -12,8 +12,9 @@
 
 namespace desktop {
 
-/// What is chosen in the grid.
+/// What is selected in the grid, as far as such files are meant.
 struct Choice {
+  bool isAny = false;  ///< something is selected, whether meant or not
   QList<int> pictures;
   qint64 bytes = 0;
 };

@@ -40,7 +40,7 @@ class ImportBarTest : public WindowTest {
 
 TEST_F(ImportBarTest, TheButtonSaysWhatItDoes) {
   EXPECT_EQ(ImportText(state_, {}), "&Import 37 new pictures (412 MB)");
-  EXPECT_EQ(ImportText(state_, {{0}, 8100000}), "&Import 1 selected picture (8.1 MB)");
+  EXPECT_EQ(ImportText(state_, {true, {0}, 8100000}), "&Import 1 selected picture (8.1 MB)");
   state_.offer = {{"new_pictures", 1}};
   EXPECT_EQ(ImportText(state_, {}), "&Import 1 new picture");
   state_.offer = {{"new_pictures", 0}, {"new_others", 2}, {"new_bytes", 0}, {"new_others_bytes", 5000}};
@@ -57,6 +57,14 @@ TEST_F(ImportBarTest, ProgressSaysHowFarHowFastAndHowLong) {
   EXPECT_EQ(ProgressText(state_), "12 of 37 files, 96.0 MB of 412 MB, 31.0 MB/s, 10 seconds left");
   state_.progress = {};
   EXPECT_EQ(ProgressText(state_), "Beginning\u2026");
+}
+
+TEST_F(ImportBarTest, OfSelectedPicturesOnlyTheKindsThatAreMeantCount) {
+  state_.target.types = "jpg";
+  EXPECT_EQ(ImportText(state_, {true, {0}, 8100000}), "&Import 1 selected picture");
+  bar_.Show(state_, {true, {}, 0});
+  ASSERT_NE(Button("No such files selected"), nullptr);
+  EXPECT_FALSE(Button("No such files selected")->isEnabled());
 }
 
 TEST_F(ImportBarTest, NothingNewIsNothingToPress) {

@@ -13,14 +13,24 @@ QString KeyOfPath(const QString& path) {
   return path.section('\\', -2, -2) + '/' + path.section('\\', -1).section('.', 0, -2);
 }
 
+void ImportRun::Begin() {
+  failed_.clear();
+  failures_.clear();
+  end_ = {};
+}
+
 void ImportRun::Hear(const QJsonObject& event) {
   const QString kind = event["event"].toString();
+  const QString key = KeyOfPath(event["path"].toString());
   if (kind == "stored") ++stored_;
+  if (kind == "stored") here_.insert(key);
   if (kind == "failed") {
-    whole_.removeAll(KeyOfPath(event["path"].toString()));
+    failed_.insert(key);
     failures_.append(event["error"].toString());
   }
-  if (kind.isEmpty() && event.contains("exit")) end_ = event;
+  if (!kind.isEmpty() || !event.contains("exit")) return;
+  end_ = event;
+  sizeOnly_ += event["size_only"].toInt();
 }
 
 QString ImportRun::Trouble() const {
@@ -39,7 +49,26 @@ QString ImportRun::Trouble() const {
 
 QStringList ImportRun::Deletable() const {
   const bool succeeded = Exit() == ExitCode::kDone || Exit() == ExitCode::kPartial;
-  return succeeded && !deletes_ ? whole_ : QStringList();
+  if (!succeeded || deletes_) return {};
+  QStringList whole = keys_;
+  whole.removeIf([this](const QString& key) { return failed_.contains(key) || !here_.contains(key); });
+  return whole;
+}
+
+QString ImportRun::Question(const QStringList& pictures) const {
+  const auto count = static_cast<int>(pictures.size());
+  const QString only = meant_ == kAllKinds ? QString() : tr("%1 only:").arg(KindsText(meant_)) + ' ';
+  const auto ask = [&](const char* question) { return only + tr(question, nullptr, count); };
+  if (before_.intersects({pictures.begin(), pictures.end()})) {  // the copies may have been changed or removed since
+    return ask(QT_TR_NOOP(
+        "%n (picture was|pictures were) imported. Check (it|them) once more, and delete (it|them) from the camera?"));
+  }
+  // Every other file that was stored is as its key says or was read twice.
+  return ask(
+      sizeOnly_ > 0
+          ? QT_TR_NOOP("%n (picture is|pictures are) on this computer. Check (it|them) with a second read, and delete "
+                       "(it|them) from the camera?")
+          : QT_TR_NOOP("%n (picture is|pictures are) on this computer and checked. Delete (it|them) from the camera?"));
 }
 
 QString ImportRun::Ending(bool cancelled) const {
@@ -52,19 +81,8 @@ QString ImportRun::Ending(bool cancelled) const {
     return tr("Stopped. %n (file is|files are) on this computer; press Import to go on.", nullptr,
               end_["stored"].toInt(stored_));
   }
-  const auto whole = static_cast<int>(Deletable().size());
-  // Every file that was stored is as its key says or was read twice.
-  const bool isChecked = end_["size_only"].toInt() == 0;
-  if (whole > 0 && isChecked) {
-    return tr("%n (picture is|pictures are) on this computer and checked. Delete (it|them) from the camera?", nullptr,
-              whole);
-  }
-  if (whole > 0) {
-    return tr(
-        "%n (picture is|pictures are) on this computer. Check (it|them) with a second read, and delete (it|them) "
-        "from the camera?",
-        nullptr, whole);
-  }
+  const QStringList deletable = Deletable();
+  if (!deletable.isEmpty()) return Question(deletable);
   // Files that failed are still on the camera alone.
   return Exit() == ExitCode::kDone ? unplug : QString();
 }

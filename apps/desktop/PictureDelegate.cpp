@@ -34,19 +34,23 @@ void PaintThumbnail(QPainter& painter, const QPalette& palette, const QImage& im
   painter.drawRoundedRect(place, kRound, kRound);
 }
 
-void PaintCaption(QPainter& painter, const QStyleOptionViewItem& option, const Picture& picture, QRectF place) {
-  if (picture.isNew) {
+// A dot for a new picture, a ring where other kinds of its files are on the camera alone.
+void PaintCaption(QPainter& painter, const QStyleOptionViewItem& option, const Picture& picture, bool isNew,
+                  QRectF place) {
+  if (picture.Misses(kAllKinds)) {
     const qreal dot = option.fontMetrics.height() * 0.5;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(option.palette.color(QPalette::Highlight));
+    const QColor accent = option.palette.color(QPalette::Highlight);
+    painter.setPen(accent);
+    painter.setBrush(isNew ? QBrush(accent) : QBrush());
     painter.drawEllipse(QRectF(place.left(), place.center().y() - dot / 2, dot, dot));
     place.setLeft(place.left() + dot * 1.7);
   }
+  const QString kinds = KindsText(picture.kinds);
   const QColor text = option.palette.color(QPalette::Text);
   painter.setPen(Faint(text, 150));
-  painter.drawText(place, Qt::AlignRight | Qt::AlignVCenter, picture.types);
+  painter.drawText(place, Qt::AlignRight | Qt::AlignVCenter, kinds);
   painter.setPen(text);
-  const int left = static_cast<int>(place.width()) - option.fontMetrics.horizontalAdvance(picture.types) - kSpace;
+  const int left = static_cast<int>(place.width()) - option.fontMetrics.horizontalAdvance(kinds) - kSpace;
   painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
                    option.fontMetrics.elidedText(picture.name, Qt::ElideMiddle, left));
 }
@@ -78,7 +82,8 @@ void PictureDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     const qreal caption = option.fontMetrics.height() * 1.4;
     PaintFrame(*painter, option);
     PaintThumbnail(*painter, option.palette, pictures_.Thumbnail(picture), inside.adjusted(0, 0, 0, -caption));
-    PaintCaption(*painter, option, pictures_.At(picture), inside.adjusted(0, inside.height() - caption, 0, 0));
+    const QRectF below = inside.adjusted(0, inside.height() - caption, 0, 0);
+    PaintCaption(*painter, option, pictures_.At(picture), pictures_.IsNew(picture), below);
   }
   painter->restore();
 }

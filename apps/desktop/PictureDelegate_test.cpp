@@ -13,7 +13,7 @@ class PictureDelegateTest : public WindowTest {
   PictureDelegateTest() {
     Picture picture;
     picture.name = "IMG_1";
-    picture.types = "JPG";
+    picture.kinds = 3;
     model_.Append({picture});
   }
 
@@ -44,8 +44,13 @@ TEST_F(PictureDelegateTest, AThumbnailKeepsItsShape) {
 TEST_F(PictureDelegateTest, ASelectedAndANewPictureLookDifferent) {
   const QImage plain = Painted(false);
   EXPECT_NE(Painted(true), plain);
-  model_.SetNew("1");
-  EXPECT_NE(Painted(false), plain);
+  model_.SetMissing("1", kAllKinds);
+  const QImage isNew = Painted(false);
+  EXPECT_NE(isNew, plain);
+  model_.SetMissing("2", 1);
+  const QImage isPartlyHere = Painted(false);
+  EXPECT_NE(isPartlyHere, plain);
+  EXPECT_NE(isPartlyHere, isNew);
 }
 
 TEST_F(PictureDelegateTest, TextIsReadableOnADarkPalette) {

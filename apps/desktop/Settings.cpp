@@ -1,6 +1,7 @@
 // What the window remembers from one time to the next.
 #include "apps/desktop/Settings.h"
 
+#include <QHash>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -13,6 +14,19 @@ constexpr char kTypes[] = "import/types";
 constexpr char kEverything[] = "import/everything";
 
 }  // namespace
+
+QString KindsText(Kinds kinds) {
+  QStringList words{"JPG", "RAW", "TXT", "128"};
+  words.removeIf([kinds](const QString& word) { return (KindsIn(word) & kinds) == 0; });
+  return words.join(' ');
+}
+
+Kinds KindsIn(const QString& text) {
+  static const QHash<QString, Kinds> kinds{{"JPG", 1}, {"RAW", 2}, {"TXT", 4}, {"128", 8}};
+  Kinds sum = 0;
+  for (const QString& word : text.toUpper().split(',')) sum |= kinds.value(word);
+  return sum;
+}
 
 QStringList Target::Command() const {
   return {"target", folder, pattern, types, everything ? "1" : "0"};

@@ -6,6 +6,14 @@
 
 namespace desktop {
 
+/// Kinds of a picture's files: a sum of 1 (JPG), 2 (RAW), 4 (TXT) and 8 (128).
+using Kinds = unsigned;
+inline constexpr Kinds kAllKinds = 15;
+/// "JPG RAW".
+QString KindsText(Kinds kinds);
+/// The kinds in a text, of any case of letters: "jpg,raw". None in an empty one.
+Kinds KindsIn(const QString& text);
+
 /// Where pictures go, how they are named there, and which files are meant. The window remembers it.
 struct Target {
   QString folder;
@@ -14,6 +22,8 @@ struct Target {
   bool everything = false;
 
   bool operator==(const Target&) const = default;
+  /// What `types` says.
+  Kinds Meant() const { return types.isEmpty() ? kAllKinds : KindsIn(types); }
   /// The words of the worker's command `target`.
   QStringList Command() const;
   /// The options of an import, with the folder last.

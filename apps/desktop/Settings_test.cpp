@@ -32,5 +32,13 @@ TEST_F(SettingsTest, AreTheWordsOfACommandAndOfAnImport) {
   EXPECT_EQ(target.Options(), QStringList({"--pattern", "{year}/{name}", "--types", "raw", "--everything", "/a b"}));
 }
 
+TEST_F(SettingsTest, KindsAreWordsAndBits) {
+  EXPECT_EQ(KindsText(11), "JPG RAW 128");
+  EXPECT_EQ(KindsIn("raw,TXT,mp4"), Kinds{6});
+  EXPECT_EQ(KindsIn(""), Kinds{0});
+  EXPECT_EQ((Target{"", "", "", false}.Meant()), kAllKinds);
+  EXPECT_EQ((Target{"", "", "raw", false}.Meant()), Kinds{2});
+}
+
 }  // namespace
 }  // namespace desktop

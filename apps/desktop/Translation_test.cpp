@@ -100,7 +100,8 @@ TEST_F(TranslationTest, FromThePlugToTheQuestion) {
   workers_.scripts["camera"] = ThreePictures();
   workers_.scripts["import"] =
       Say(R"({"event":"progress","phase":"reading","files":1,"files_total":2,"done":10,"total":3000,"bytes_per_second":20})") +
-      "sleep 0.1\n" + Say(R"({"command":"import","exit":0,"stored":2,"failed":0})");
+      "sleep 0.1\n" + Say(R"({"event":"stored","path":"I:\\DCIM\\100A\\IMG_3.JPG"})") +
+      Say(R"({"command":"import","exit":0,"stored":2,"failed":0})");
   Make();
   EXPECT_TRUE(Reads("Plug a camera in"));
   EXPECT_TRUE(Reads("2 other files are not shown"));

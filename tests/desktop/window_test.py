@@ -235,6 +235,39 @@ class Importing(CameraWindow):
     def imported_of(self, *numbers):
         return sum((self.target / f"100ABCDE/IMG_{number:04d}.JPG").exists() for number in numbers)
 
+    def test_copies_of_before_are_checked_before_anything_is_said_or_deleted(self):
+        window = self.window_with_camera()
+        self.chosen(window, "^IMG_0012", "^IMG_0010")
+        window.press("^Import 2 selected pictures")
+        window.press("^Keep$")
+        window.wait("^You can unplug")
+        (self.target / "100ABCDE/IMG_0012.JPG").unlink()
+        (self.target / "100ABCDE/IMG_0010.JPG").write_bytes(b"edited")
+        window.press("^Import 2 selected pictures")
+        window.wait(r"^2 pictures were imported\. Check them once more, and delete them from the camera\?$")
+        window.press("^Delete from the camera")
+        window.wait("^0 files were deleted from the camera")
+        window.wait("IMG_0012")
+        self.assertEqual(self.pictures_on_camera(), 12)
+
+    def test_only_the_chosen_kinds_are_imported_called_imported_and_deleted(self):
+        for name in ("IMG_0012.RAW", "IMG_0013.RAW"):
+            self.put("DCIM/100ABCDE/" + name, b"raw")
+        settings = self.home / "Kelva/Kelva.conf"
+        settings.parent.mkdir()
+        settings.write_text("[import]\ntypes=jpg\n", encoding="ascii")
+        window = self.window_with_camera()
+        window.wait("^IMG_0013, RAW, .* RAW not on this computer", "list item")
+        self.chosen(window, "^IMG_0013")
+        window.wait("^No such files selected$")
+        self.chosen(window, "^IMG_0012")
+        window.press("^Import 1 selected picture$")
+        window.wait(r"^JPG only: 1 picture is on this computer and checked\.")
+        window.press("^Delete from the camera")
+        window.wait("^1 file was deleted from the camera")
+        window.wait("^IMG_0012, RAW, .* RAW not on this computer", "list item")
+        self.assertTrue(os.path.exists(self.drive + "/DCIM/100ABCDE/IMG_0012.RAW"))
+
     def test_other_files_are_imported_when_ticked(self):
         window = self.window_with_camera()
         window.press("^1 other file is not shown", "check box")
@@ -341,6 +374,17 @@ class Interrupted(CameraWindow):
         window.press("^Try again")
         screen.wait_for(lambda: window.find("has stopped") is None, "the sentence is gone")
         window.wait("^IMG_0012", "list item")
+
+    def test_without_the_worker_that_lists_an_import_goes_well_and_starts_it_again(self):
+        window = self.window_with_camera()
+        for process in window.workers("camera"):
+            os.kill(process, signal.SIGKILL)
+        window.wait("has stopped")
+        window.press("^Import 12 new")
+        window.press("^Keep$")
+        window.wait("^No new pictures$")
+        self.assertIsNone(window.find("has stopped"))
+        self.assertEqual(self.imported(), 12)
 
 
 class DarkPortal:

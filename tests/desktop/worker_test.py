@@ -133,7 +133,7 @@ class CameraTest(WorkerTest):
         camera.until("others")
         camera.say("target", self.target, "", "jpg")
         before = camera.until("target")
-        self.assertEqual((before["new"], before["new_pictures"], before["new_bytes"]), ("11", 2, 2 * len(WITH_THUMBNAIL)))
+        self.assertEqual((before["new"], before["new_pictures"], before["new_bytes"]), ("13", 2, 2 * len(WITH_THUMBNAIL)))
         self.run_import("--types", "jpg")
         camera.say("target", self.target, "", "")
         after = camera.until("target")

@@ -5,7 +5,7 @@ import re
 import repository
 
 # Where a line is added, another one can go.
-LINES = {"apps/desktop": 1800, "apps/desktop/worker": 617}
+LINES = {"apps/desktop": 1877, "apps/desktop/worker": 621}
 
 
 def lines_of_code(text):

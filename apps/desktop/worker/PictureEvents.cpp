@@ -2,6 +2,8 @@
 #include "apps/desktop/worker/PictureEvents.h"
 
 #include <algorithm>
+#include <optional>
+#include <set>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -22,19 +24,22 @@ constexpr unsigned TypeBit(int type) {
   return 1U << static_cast<unsigned>(type - kFirstFileType);
 }
 
-void SetPictures(const SyncPlan& plan, const OnCamera& camera, Json& members) {
+// The plan has all types, so that what the folder lacks is known of those too that are not meant.
+void SetPictures(const SyncPlan& plan, const std::vector<int>& meant, const OnCamera& camera, Json& members) {
   std::vector<unsigned> masks(plan.source->catalogue.size());
+  std::set<std::size_t> pictures;
   Coming files;
   for (const SyncItem& item : plan.items) {
     if (!item.IsNew()) continue;
     const auto index = static_cast<std::size_t>(&item.Picture() - plan.source->catalogue.data());
     masks[index] |= TypeBit(item.Type());
+    if (std::find(meant.begin(), meant.end(), item.Type()) == meant.end()) continue;
+    pictures.insert(index);
     files.Add(camera.HasSizes() ? SizeOf(camera.sizes[index], item.Type()) : std::nullopt);
   }
   std::string marks;
   for (const unsigned mask : masks) marks += "0123456789abcdef"[mask];
-  const auto known = std::count(masks.begin(), masks.end(), 0U);
-  members.Set("new", std::move(marks)).Set("new_pictures", masks.size() - static_cast<std::size_t>(known));
+  members.Set("new", std::move(marks)).Set("new_pictures", pictures.size());
   members.Set("new_files", files.files);
   if (camera.HasSizes()) members.Set("new_bytes", files.bytes).Set("unlisted", files.unlisted);
 }
@@ -83,8 +88,8 @@ Json TargetMembers(const Target& target, const OnCamera& camera, const std::stri
     const std::vector<int> types = ParseTypes(target.types.empty() ? std::nullopt : std::optional(target.types));
     const auto folder = TargetFolder::OpenIfThere(target.folder);
     Manifest manifest = folder ? Manifest(*folder, false) : Manifest();
-    SyncPlan plan = PlanWithoutNames(camera.pictures, serial, types, pattern, manifest);
-    SetPictures(plan, camera, members);
+    SyncPlan plan = PlanWithoutNames(camera.pictures, serial, ParseTypes(std::nullopt), pattern, manifest);
+    SetPictures(plan, types, camera, members);
     if (camera.others) {
       AddOthers(plan, *camera.others, false, manifest);  // as an import without --everything counts them
       members.Set("new_others", plan.othersLeftOut).Set("new_others_bytes", plan.othersLeftOutBytes);

@@ -67,7 +67,7 @@ TEST_F(TargetTest, MarksTheTypesThatAreNew) {
   EXPECT_THAT(Members({path_, "", ""}, {pictures_, sizes_}),
               HasSubstr(R"("new":"21","new_pictures":2,"new_files":2,"new_bytes":50,"unlisted":0)"));
   EXPECT_THAT(Members({path_, "", "jpg"}, {pictures_, sizes_}),
-              HasSubstr(R"("new":"01","new_pictures":1,"new_files":1,"new_bytes":30)"));
+              HasSubstr(R"("new":"21","new_pictures":1,"new_files":1,"new_bytes":30)"));
   EXPECT_THAT(Members({path_, "", ""}, {pictures_, sizes_}, "K2"), HasSubstr(R"("new":"31")"));
 }
 
