@@ -188,7 +188,7 @@ class Mount {
   }
 
   ExitCode TellEnd() {
-    const bool stopped = context_.stop.Requested();
+    const bool stopped = context_.stop.Requested() && !hangs_;
     const char* why = lost_.load() ? "unplugged" : stopped ? "stopped" : "unmounted";
     context_.Event("unmounted", Json::Object().SetBytes("serial", serial_).SetBytes("path", path_).Set("why", why), "");
     if (lost_.load()) {
@@ -197,12 +197,18 @@ class Mount {
       if (!hangs_) throw failure;
       context_.reporter.Error(failure.what(), failure.Code());
       context_.Result(Json::Object(), "", failure.Code());
-      ::_exit(static_cast<int>(failure.Code()));
+      EndProcess(failure.Code());
     }
     if (stopped) throw Stopped();
     context_.Result(Json::Object().SetBytes("serial", serial_).SetBytes("path", path_), "");
-    if (hangs_) ::_exit(0);
+    if (hangs_) EndProcess(ExitCode::kDone);
     return ExitCode::kDone;
+  }
+
+  // Before anything goes away that the camera's thread uses, which hangs.
+  [[noreturn]] void EndProcess(ExitCode code) {
+    cameraThread_.detach();
+    ::_exit(static_cast<int>(code));
   }
 
   std::string Name() const { return serial_.empty() ? "the camera" : "camera " + Printable(serial_); }

@@ -8,6 +8,8 @@
 namespace apps {
 
 Pending::Ticket Pending::Add(fuse_req_t request) {
+  // First, because whoever answers the request frees it, as soon as it waits. An interrupt comes on the thread of Add.
+  fuse_req_interrupt_func(request, OnInterrupt, this);
   Ticket ticket = 0;
   int ended = 0;
   {
@@ -16,11 +18,7 @@ Pending::Ticket Pending::Add(fuse_req_t request) {
     ended = ended_;
     if (ended == 0) waiting_[ticket] = request;
   }
-  if (ended != 0) {
-    fuse_reply_err(request, ended);
-  } else {
-    fuse_req_interrupt_func(request, OnInterrupt, this);
-  }
+  if (ended != 0) fuse_reply_err(request, ended);
   return ticket;
 }
 

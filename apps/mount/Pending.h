@@ -18,7 +18,7 @@ class Pending {
   using Ticket = std::uint64_t;
 
   /// From now on the request is taken with its ticket. A program that is killed gets EINTR at once, so that it does not have
-  /// to wait for a camera that hangs.
+  /// to wait for a camera that hangs. The thread that receives the kernel's requests.
   Ticket Add(fuse_req_t request);
   /// The request, for whoever answers it; nothing when it has its answer.
   std::optional<fuse_req_t> Take(Ticket ticket);

@@ -47,8 +47,7 @@ ELSEWHERE = {
     # They answer the kernel, which asks them there.
     "tests/mount": """
         apps/mount/FileSystem.cpp apps/mount/FileSystemRead.cpp apps/mount/FileSystemServe.cpp
-        apps/mount/FileSystemTimes.cpp apps/mount/FileSystemWrite.cpp apps/mount/Kernel.cpp apps/mount/Launch.cpp apps/mount/Mount.cpp
-        apps/mount/Pending.cpp""",
+        apps/mount/FileSystemTimes.cpp apps/mount/FileSystemWrite.cpp apps/mount/Kernel.cpp apps/mount/Launch.cpp apps/mount/Mount.cpp""",
     # The verbs of kelva-vcam are tested as the program that people run.
     "tests/vcam": """
         vcam/program/FaultVerb.cpp vcam/program/NoUsbipVerb.cpp vcam/program/PlugVerbs.cpp vcam/program/ServeVerb.cpp

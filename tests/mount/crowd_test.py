@@ -139,8 +139,8 @@ class Cables(MountedBus):
             self.wait_for_all(run, readers, stuck)
             longest = max(longest, time.monotonic() - pulled)
             slowest = max(slowest, *(reader.said()[1] for reader in readers))
-            self.assertEqual(run.returncode, 5)
-            run.communicate()
+            messages = run.communicate()[1]
+            self.assertEqual(run.returncode, 5, messages)
             self.assertEqual(mounted.mounts_below(self.folder), [])
             self.assertFalse(os.path.exists(self.point))
             self.plug()
