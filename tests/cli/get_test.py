@@ -89,6 +89,16 @@ class CommandTest(Bus):
         self.assertEqual(self.commands_for_one_more("thumb", *into), 7)
         self.assertEqual(self.commands_for_one_more("rm", "--dry-run"), 0)
 
+    def test_one_file_takes_the_bytes_of_one_picture(self):
+        for number in (1, 2):
+            self.put(f"DCIM/100ABCDE/IMG_{number:04d}.JPG", b"bytes")
+        one = self.folder + "/one.jpg"
+        run = self.kelva("get", "-o", one, "IMG_*.JPG")
+        self.assertEqual(run.returncode, 2, run.stderr)
+        self.assertIn("matches 2 names on the camera; name one of them.", run.stderr)
+        self.assertFalse(os.path.exists(one))
+        self.assertEqual(self.kelva("get", "-o", one, "IMG_*1.JPG").returncode, 0)
+
     def test_an_empty_file_and_a_missing_one_are_told_apart(self):
         self.put("EMPTY", b"")
         self.assertEqual(self.kelva("get", "I:/EMPTY", "--into", self.folder).returncode, 0)

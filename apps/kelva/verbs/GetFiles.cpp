@@ -86,7 +86,8 @@ void GetFiles::AddMeant(const std::string& typed, const std::string& path) {
     // A name in another case of letters is another file for some cameras; FilesMeant finds how the camera writes it.
     if (entry && entry->name == Split(path).name) return AddEntry(path, *entry);
   }
-  const std::vector<std::string> meant = FilesMeant(context_, *camera_, typed);
+  const std::vector<std::string> meant =
+      options_.name ? std::vector{FileMeant(context_, *camera_, typed)} : FilesMeant(context_, *camera_, typed);
   if (meant.size() > 1) areMany_ = true;
   for (const std::string& one : meant) {
     LetOthers(context_);
