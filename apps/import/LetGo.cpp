@@ -12,7 +12,8 @@ LetGoOutcome LetGo(const SyncItem& item, const TargetFolder& folder, Manifest& m
     return LetGoOutcome::kPart;
   }
   const auto row = manifest.Find(wanted);
-  if (!row || row->MayGo()) return LetGoOutcome::kNotFetched;
+  if (!row) return LetGoOutcome::kNotFetched;
+  if (row->MayGo()) return LetGoOutcome::kBefore;
   const StoredState state = StateOf(*row, folder);
   if (state == StoredState::kSame) return LetGoOutcome::kHere;
   if (state != StoredState::kGone) return LetGoOutcome::kEdited;

@@ -16,6 +16,7 @@ enum class LetGoOutcome : std::uint8_t {
   kPart,        ///< the part of it that was here is gone
   kHere,        ///< nothing: it is where it was stored
   kEdited,      ///< nothing: it is there and not as it was stored
+  kBefore,      ///< nothing: it was let go already
   kNotFetched,  ///< nothing: neither it nor a part of it was here
 };
 

@@ -26,7 +26,7 @@ TEST_F(LetGoTest, AFileThatWasThrownAwayIsDeletedOnTheCameraAfterThat) {
   Run();
   fs::remove(Here("IMG_0001.JPG"));
   EXPECT_EQ(Go(1), LetGoOutcome::kFile);
-  EXPECT_EQ(Go(1), LetGoOutcome::kNotFetched) << "once is enough";
+  EXPECT_EQ(Go(1), LetGoOutcome::kBefore) << "once is enough";
   EXPECT_EQ(Run().stored, 0U) << "it is not fetched again";
   const SyncTotals totals = Run({.deleteAfter = true});
   EXPECT_EQ(totals.deleted, 2U);

@@ -67,25 +67,30 @@ class Forgetting {
     std::string why = "nothing of it was fetched into " + Printable(folder_.Path()) + ".";
     for (const SyncItem* const item : items) {
       const std::string path = item->CameraPath();
-      const LetGoOutcome outcome = LetGo(*item, folder_, manifest_, cuts_);
-      switch (outcome) {
+      const auto forgotten = [&](const char* was, const std::string& sentence) {
+        any = true;
+        if (!context_.Json()) context_.out.Add(sentence + "\n");
+        files.Push(Json::Object().SetBytes("path", path).Set("was", was));
+      };
+      switch (LetGo(*item, folder_, manifest_, cuts_)) {
         case LetGoOutcome::kFile:
-          Say(ShownPath(path) + " need not be here any more.");
+          forgotten("fetched", ShownPath(path) + " need not be here any more.");
+          break;
+        case LetGoOutcome::kBefore:
+          forgotten("forgotten", ShownPath(path) + " was forgotten before.");
           break;
         case LetGoOutcome::kPart:
-          Say("The part of " + ShownPath(path) + " that was here is gone.");
+          forgotten("part", "The part of " + ShownPath(path) + " that was here is gone.");
           break;
         case LetGoOutcome::kHere:
           why = Stored(*item) + " is here; delete or move it first.";
-          continue;
+          break;
         case LetGoOutcome::kEdited:
           why = Stored(*item) + " was edited after it was fetched; delete or move it first.";
-          continue;
+          break;
         case LetGoOutcome::kNotFetched:
-          continue;
+          break;
       }
-      any = true;
-      files.Push(Json::Object().SetBytes("path", path).Set("was", outcome == LetGoOutcome::kPart ? "part" : "fetched"));
     }
     if (!any) throw Failure(ExitCode::kFailed, "Cannot forget " + Printable(word) + ": " + why);
     return Json::Object().SetBytes("picture", word).Set("files", std::move(files));
@@ -93,9 +98,6 @@ class Forgetting {
 
  private:
   std::string Stored(const SyncItem& item) const { return Printable(manifest_.Find(item.Key())->path); }
-  void Say(const std::string& sentence) const {
-    if (!context_.Json()) context_.out.Add(sentence + "\n");
-  }
 
   Context& context_;
   const TargetFolder& folder_;

@@ -39,6 +39,7 @@ TEST_F(SyncForgetTest, WhatWasThrownAwayIsDeletedOnTheCameraByTheNextRun) {
   EXPECT_EQ(forgot.out,
             "I:/DCIM/100ABCDE/IMG_0001.JPG need not be here any more.\n"
             "I:/DCIM/100ABCDE/MVI_0001.MP4 need not be here any more.\n");
+  EXPECT_EQ(Sync({"--forget", "IMG_0001"}).out, "I:/DCIM/100ABCDE/IMG_0001.JPG was forgotten before.\n");
   EXPECT_EQ(Sync({"--delete-after-verify", "--everything"}).code, ExitCode::kDone);
   EXPECT_FALSE(Has("DCIM/100ABCDE/IMG_0001.JPG") || Has("DCIM/100ABCDE/MVI_0001.MP4"));
 }
@@ -63,6 +64,7 @@ TEST_F(SyncForgetTest, TheResultNamesTheFiles) {
   EXPECT_EQ(ran.code, ExitCode::kPartial);
   EXPECT_THAT(ran.out, HasSubstr(R"("forgotten":[{"picture":"IMG_0001.JPG","files":[{"path":)"
                                  R"("I:\\DCIM\\100ABCDE\\IMG_0001.JPG","was":"fetched"}]},{"path":"IMG_0002",)"));
+  EXPECT_THAT(Sync({"--json", "--forget", "IMG_0001"}).out, HasSubstr(R"("was":"forgotten"}]}])"));
 }
 
 TEST_F(SyncForgetTest, NothingElseIsDoneInTheSameRun) {

@@ -99,7 +99,8 @@ constexpr Verb kVerbs[] = {
 (.kelva-manifest.sqlite in FOLDER). Only new files are read. A file that you have renamed, moved or deleted here is
 not fetched again. A different picture that reuses an old name counts as new. A picture stays known when some of its files
 are deleted on the camera, or others join them. Where the catalogue has no keys, a picture whose entry there stays the same
-counts as fetched, even if its bytes were replaced; --verify does not find that, because it reads new files alone. A damaged
+counts as fetched, even if its bytes were replaced; --verify does not find that, because it reads new files alone. One whose
+files there came or went counts as new: what is still here under its name is kept, what was moved or edited comes again. A damaged
 list ends the run before anything is fetched (exit status 1) and is left as it is.
 
 Each file is written under a temporary name, flushed, and checked against the SHA-1 in the catalogue if there is one. A
@@ -175,8 +176,8 @@ error: what ended the run early
 new, bytes, unlisted: with --dry-run, how many files would be fetched, their total size, and how many have no known size
 folders: with --dry-run, array of folder (below FOLDER), files, bytes
 free: with --dry-run, bytes that are free for FOLDER
-forgotten: with --forget, array of picture (as given) and files (array of path, and was: fetched or part); or of path (as
-  given) and error
+forgotten: with --forget, array of picture (as given) and files (array of path, and was: fetched, part or forgotten);
+  or of path (as given) and error
 cameras: with --all, array of the results of each camera; the counts are then sums, and each event has serial)",
      kExamples, RunSync, true}};
 
