@@ -144,6 +144,8 @@ class Tool {
       Trace::CutOff();
       GiveEnd({code, sentence});
     };
+    // The processes of other cameras have the usual grace, and this one tells what they did.
+    if (call_.Has("all")) supervision.grace += std::chrono::milliseconds(250);
     if (const auto timeout = call_.Value("timeout")) supervision.timeout = ParseSeconds(*timeout, "--timeout");
     if (!IsGuarded(call_)) return RunSupervised(supervision, nullptr);
     const auto start = std::chrono::steady_clock::now();

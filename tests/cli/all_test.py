@@ -66,6 +66,7 @@ class AllCameras(Bus):
         self.assertFalse(os.path.exists(self.target))
         preview = json.loads(self.sync("--dry-run", "--json").stdout.splitlines()[-1])
         self.assertEqual([camera["new"] for camera in preview["cameras"]], [3, 1])
+        self.assertEqual((preview["new"], preview["known"], preview["bytes"], preview["to_delete"]), (4, 0, 7000, 0))
         self.assertEqual(self.sync("--types", "raw").returncode, 0)
         self.assertEqual(self.names("K1") + self.names("K2"), [])
 
@@ -105,6 +106,16 @@ class AllCameras(Bus):
         run = self.sync()
         self.assertEqual(run.returncode, 0, run.stderr)
         self.complete()
+
+    def test_a_camera_that_hangs_is_counted_with_what_is_left_of_it(self):
+        self.fault("hang", 18)
+        run = self.kelva("--timeout", "3", "sync", "--all", self.target, "--json")
+        self.assertEqual(run.returncode, 8, run.stderr)
+        result = json.loads(run.stdout.splitlines()[-1])
+        self.assertEqual([(camera["serial"], camera["stored"], camera["left"]) for camera in result["cameras"]],
+                         [("K1", 0, 3), ("K2", 1, 0)])
+        self.assertEqual((result["stored"], result["left"]), (1, 3))
+        self.assertIn("1 of 4 files stored", result["error"])
 
     def test_a_trace_is_of_one_camera(self):
         run = self.sync("--trace", self.folder + "/trace")

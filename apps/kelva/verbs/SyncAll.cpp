@@ -65,6 +65,9 @@ std::vector<std::string> AttachedSerials(Context& context) {
   return {serials.begin(), serials.end()};
 }
 
+constexpr std::string_view kNoWord =
+    "its process ended without a result, so what it did is not known; run the same command again.";
+
 // One camera's part.
 struct Part {
   std::string serial;
@@ -116,7 +119,7 @@ class All {
     const ExitCode code = Code();
     const auto well = std::count_if(parts_.begin(), parts_.end(), [](const Part& part) { return !part.failed; });
     const std::string start = std::to_string(well) + " of " + Counted(parts_.size(), "camera") + ": ";
-    Json members = context_.call.Has("dry-run") ? Results() : SyncMembers(Sum(), Results());
+    Json members = context_.call.Has("dry-run") ? PreviewMembers() : SyncMembers(Sum(), Results());
     return context_.Result(
         std::move(members),
         asText_ ? "" : start + SyncInWords(Sum(), code != ExitCode::kDone, context_.call.Has("since")), code);
@@ -137,9 +140,12 @@ class All {
     for (const Part& part : parts_) {
       if (part.run != nullptr) part.run->AskToStop();
     }
-    const auto until = std::chrono::steady_clock::now() + 500ms;
+    const auto until = std::chrono::steady_clock::now() + 750ms;
     const auto runs = [](const Part& part) { return part.run != nullptr; };
-    while (std::any_of(parts_.begin(), parts_.end(), runs) && std::chrono::steady_clock::now() < until) ReadAll(50ms);
+    while (std::any_of(parts_.begin(), parts_.end(), runs) && std::chrono::steady_clock::now() < until) ReadAll(20ms);
+    for (const Part& part : parts_) {
+      if (part.run != nullptr) context_.reporter.Error(Of(part) + std::string(kNoWord), part.code);
+    }
     if (context_.soFar != nullptr) {
       context_.soFar->Tell([sum = Sum(), results = Results()] { return SyncSoFar(sum, results); });
     }
@@ -167,9 +173,7 @@ class All {
     part.failed = status != 0;
     part.code = status > kSignals ? ExitCode::kFailed : static_cast<ExitCode>(status);
     if (part.document.empty() && !asText_) {
-      context_.reporter.Error(Of(part) + "the process ended without a result (status " + std::to_string(status) +
-                                  "); run the same command again.",
-                              part.code);
+      context_.reporter.Error(Of(part) + std::string(kNoWord), part.code);
     }
     part.totals = TotalsIn(part.document);
     if (asText_ || context_.Json()) return;
@@ -239,10 +243,21 @@ class All {
         list.PushPrinted(named ? part.document : WithText(part.document, "serial", part.serial));
       }
       if (part.document.empty()) {
-        list.Push(Json::Object().SetBytes("serial", part.serial).Set("exit", static_cast<int>(part.code)));
+        Json without = Json::Object().SetBytes("serial", part.serial).Set("exit", static_cast<int>(part.code));
+        list.Push(without.Set("error", kNoWord));
       }
     }
     return Json::Object().Set("cameras", std::move(list));
+  }
+
+  Json PreviewMembers() const {
+    Json members = Results();
+    for (const char* name : {"new", "known", "bytes", "unlisted", "others", "others_bytes", "to_delete"}) {
+      unsigned long long sum = 0;
+      for (const Part& part : parts_) sum += NumberIn(part.document, name).value_or(0);
+      members.Set(name, sum);
+    }
+    return members;
   }
 
   SyncTotals Sum() const {
