@@ -13,8 +13,9 @@
 namespace opener {
 namespace {
 
-// A manager that is asked while it is busy answers within milliseconds; the person at the desk waits meanwhile.
-constexpr int kScopeTimeoutMs = 2000;
+// A manager answers within milliseconds, and within seconds while a session starts on a busy machine. Without a scope an
+// update of the agent would end the application; the person at the desk waits meanwhile.
+constexpr int kScopeTimeoutMs = 5000;
 constexpr char kManagerName[] = "org.freedesktop.systemd1";
 constexpr char kManagerPath[] = "/org/freedesktop/systemd1";
 constexpr char kManagerInterface[] = "org.freedesktop.systemd1.Manager";
